@@ -1,0 +1,44 @@
+# One module of the program: a static library made of the folder's own sources.
+#
+#   kadrona_module(NAME USES lib ... [PRIVATE lib ...])
+#
+# A module sees only what it names under USES (also visible to its users) and PRIVATE. That is what
+# keeps the levels of docs/architecture.md: a lower module cannot link, nor find the Qt headers of,
+# a higher one.
+function(kadrona_module name)
+  cmake_parse_arguments(arg "" "" "USES;PRIVATE" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
+       "${CMAKE_CURRENT_SOURCE_DIR}/*.h" "${CMAKE_CURRENT_SOURCE_DIR}/*.qrc")
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE kadrona_build_options ${arg_PRIVATE})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# The tests of one module: every .cpp of the folder, run by CTest one test at a time without a
+# display. WIDGETS gives them a QApplication, else they get a QGuiApplication.
+function(kadrona_tests name)
+  cmake_parse_arguments(arg "WIDGETS" "" "USES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
+       "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  add_executable(${name} ${sources})
+  if(arg_WIDGETS)
+    set(main kadrona_widget_test_main)
+  else()
+    set(main kadrona_test_main)
+  endif()
+  target_link_libraries(${name} PRIVATE ${arg_USES} ${main} kadrona_build_options GTest::gmock)
+  gtest_discover_tests(
+    ${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 120 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
+# A fuzz target: one source file with LLVMFuzzerTestOneInput.
+function(kadrona_fuzzer name)
+  cmake_parse_arguments(arg "" "" "USES" ${ARGN})
+  add_executable(${name} ${name}.cpp)
+  target_link_libraries(${name} PRIVATE ${arg_USES} kadrona_build_options)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "core/ProfileStore.h"
+#include "core/SheetLayout.h"
+#include "core/TemplateCatalogue.h"
+#include "core/TemplateFile.h"
+#include "imaging/ImageDisplay.h"
+
+namespace kadrona::core {
+
+class Settings;
+class UserInterface;
+
+/// Initial folder and filter of the dialog that opens photos.
+struct OpenDialog {
+    QString initialFolder;
+    /// Pairs of a name and patterns, separated by "|".
+    QString filter;
+};
+
+/// The data module: owner of the folders, the template catalogue, the loaded template, the current
+/// photo's name and the archive table, and the front of the operations on them. Each operation's
+/// source stands in a file of its subject; what can be computed without state is a plain function
+/// beside it.
+class TData {
+ public:
+    /// Where the base folders lie; the default is the real ones.
+    struct Folders {
+        QString program;
+        QString commonAppData;
+        static Folders OfThisMachine();
+    };
+
+    /// Sets the program, data and template folder and creates the data folder (Start.cpp).
+    /// `ui` outlives the data module.
+    explicit TData(UserInterface& ui, const Folders& folders = Folders::OfThisMachine());
+    ~TData();
+    TData(const TData&) = delete;
+    TData& operator=(const TData&) = delete;
+
+    /// The source of the settings, and what InitSystem calls to fill it. Set before InitSystem.
+    void SetSettings(const Settings* settings) { settings_ = settings; }
+    void SetInitHandler(std::function<void(TData&)> handler) { initHandler_ = std::move(handler); }
+
+    /// The rest of the start: catalogue, init handler, database and curves folder, database.
+    void InitSystem();
+
+    const QString& ProgramFolder() const { return programFolder_; }
+    /// Empty when it could not be created.
+    const QString& DataFolder() const { return dataFolder_; }
+    const QString& TemplateFolder() const { return templateFolder_; }
+    const QString& CurvesFolder() const { return curvesFolder_; }
+
+    int FrameSize() const { return frameSize_; }
+    void SetFrameSize(int pixels) { frameSize_ = pixels; }
+
+    const QString& CurrentFile() const { return currentFile_; }
+    const QString& CurrentFileFolder() const { return currentFileFolder_; }
+    void SetCurrentFile(const QString& path);
+    /// The "adjusted" flag of the colour tools.
+    bool Adjusted() const { return adjusted_; }
+    void SetAdjusted(bool adjusted) { adjusted_ = adjusted; }
+    core::OpenDialog& OpenDialog() { return openDialog_; }
+
+    // Templates
+    QStringList GetSchablonenList() const;
+    /// Full path of a catalogue line's template file; empty when there is no such line or file.
+    QString GetMaskFileName(int index) const;
+    /// Loads a template. False, with nothing changed, when the file does not exist. Throws
+    /// TemplateFileError for a damaged one, with nothing changed either.
+    bool MaskLoadFromFile(const QString& path);
+    void DrawMask(imaging::ImageDisplay& view);
+    void LoadLayer(imaging::ImageDisplay& view);
+    const QString& TemplateName() const { return templateName_; }
+    QSize TemplateCanvasSize() const { return templateCanvas_; }
+    /// One section of "kdr.ini": "PosX", "PosY", "Width", "Height".
+    QRect ReadLayerPosFromIni(const QString& section) const;
+    void SaveLayerPosToIni(const QString& section, const QRect& rectangle) const;
+
+    // Passport photos
+    void CropImage(imaging::ImageDisplay& view, int layoutIndex);
+    void TileImage(imaging::ImageDisplay& view, int layoutIndex);
+
+    // Photo profiles
+    QStringList GetProfileList() const;
+    void LoadProfile(const QString& name, ProfileStore& store) const;
+    bool SaveNewProfile(const QString& name, ProfileStore& store) const;
+    void SaveProfileToIni(const QString& name, const QString& fileName) const;
+    bool DeleteProfile(const QString& name) const;
+
+    // Printer profiles
+    QStringList GetPrinterProfileList() const;
+
+    // Archive
+    QString GetArchivPath() const;
+    void SetArchivPath(const QString& folder) const;
+    bool ConnectDB(const QString& folder);
+    bool CreateDB();
+    void SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
+                           const QString& tags, const QString& objectName);
+};
+
+}  // namespace kadrona::core

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace kadrona::core {
+
+/// What the data module asks of whoever sits above it: windows in the program, answers of their own
+/// in tests and on the command line.
+class UserInterface {
+ public:
+    virtual ~UserInterface() = default;
+
+    /// A plain message with an OK button.
+    virtual void ShowMessage(const QString& text) = 0;
+
+    /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
+    virtual std::optional<QStringList> EditTags() = 0;
+};
+
+}  // namespace kadrona::core

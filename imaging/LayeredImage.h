@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QObject>
+#include <QRect>
+#include <vector>
+
+#include "imaging/Pixels.h"
+#include "imaging/Resolution.h"
+#include "imaging/UndoHistory.h"
+
+namespace kadrona::imaging {
+
+/// One layer of a LayeredImage.
+struct Layer {
+    Pixels pixels;
+    /// Where the layer lies, in pixels of the photo (layer 0). The pixels are scaled to this size.
+    QRect rectangle;
+    bool visible = true;
+    bool selectionFrameVisible = true;
+    /// 0 invisible ... 255 opaque, on top of the pixels' own alpha.
+    int transparency = 255;
+};
+
+/// A photo (layer 0), the layers above it, its print resolution and its undo history.
+/// Tools work on layer 0; the current layer is the one that the mouse and the arrow keys move.
+class LayeredImage : public QObject {
+    Q_OBJECT
+
+ public:
+    explicit LayeredImage(QObject* parent = nullptr);
+
+    bool IsEmpty() const { return layers_.empty(); }
+    int LayerCount() const { return static_cast<int>(layers_.size()); }
+    const Layer& LayerAt(int index) const { return layers_.at(static_cast<size_t>(index)); }
+
+    /// -1 when empty.
+    int CurrentLayer() const { return currentLayer_; }
+    void SetCurrentLayer(int index);
+
+    /// Layer 0's pixels; empty pixels when there is no photo.
+    const Pixels& Photo() const;
+    DotsPerInch Resolution() const { return resolution_; }
+    void SetResolution(DotsPerInch resolution);
+
+    /// Removes every layer and the undo history.
+    void Clear();
+
+    /// A new photo: replaces all layers, clears the undo history.
+    void Open(Pixels photo, DotsPerInch resolution);
+
+    /// Replaces the photo's pixels by changed ones, as every tool does. Records an undo step first
+    /// when automatic recording is on. The layers above stay.
+    void ChangePhoto(Pixels changed);
+
+    /// Adds a layer on top and makes it current; returns its index.
+    int AddLayer(Layer layer);
+    void RemoveLayersAbovePhoto();
+    void SetLayerRectangle(int index, const QRect& rectangle);
+    void SetLayerVisible(int index, bool visible, bool selectionFrameVisible);
+
+    void SetAutomaticUndo(bool on) { automaticUndo_ = on; }
+    bool AutomaticUndo() const { return automaticUndo_; }
+    void SetUndoLimit(int limit);
+    void RecordUndoStep();
+    bool CanUndo() const { return !history_.IsEmpty(); }
+    int UndoCount() const { return history_.Count(); }
+    /// Brings the newest recorded state of the photo back; does nothing when there is none.
+    void Undo();
+    void ClearUndo();
+
+    /// The history itself, for reading its size.
+    const UndoHistory& History() const { return history_; }
+
+ Q_SIGNALS:
+    /// The photo's pixels or size changed.
+    void PhotoChanged();
+    /// A layer above the photo, the current layer or a visibility changed.
+    void LayersChanged();
+
+ private:
+    Snapshot Present() const;
+
+    std::vector<Layer> layers_;
+    int currentLayer_ = -1;
+    DotsPerInch resolution_;
+    bool automaticUndo_ = true;
+    UndoHistory history_;
+};
+
+}  // namespace kadrona::imaging

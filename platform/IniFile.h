@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace kadrona::platform {
+
+/// One INI file in memory. Sections and keys are found whatever their case; the order of sections,
+/// comments and lines that are no key survive a change. Meant to be opened, used and closed by each
+/// operation, so that nothing is cached.
+class IniFile {
+ public:
+    /// Reads the file; a missing one is empty. Bytes are decoded by DecodeText. A repeated section
+    /// continues the first one. Throws FileError when an existing file cannot be read.
+    explicit IniFile(QString path);
+    ~IniFile();
+    IniFile(const IniFile&) = delete;
+    IniFile& operator=(const IniFile&) = delete;
+
+    /// Section names in file order.
+    QStringList Sections() const;
+
+    QString ReadString(const QString& section, const QString& key,
+                       const QString& fallback = {}) const;
+
+    /// Decimal 32-bit integer; `fallback` also where the text is none.
+    int ReadInteger(const QString& section, const QString& key, int fallback = 0) const;
+
+    /// Throws Error where a name or value cannot be kept in the file form (a line break, "]" in a
+    /// section, "=" in a key).
+    void WriteString(const QString& section, const QString& key, const QString& value);
+    void WriteInteger(const QString& section, const QString& key, int value);
+
+    void EraseSection(const QString& section);
+
+    /// Writes the file atomically as UTF-8, if anything was changed. Throws FileError.
+    void Save();
+
+ private:
+    struct Content;
+    QString path_;
+    std::unique_ptr<Content> content_;
+};
+
+}  // namespace kadrona::platform

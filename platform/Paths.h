@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+namespace kadrona::platform {
+
+/// folder + the platform's separator + name. An empty folder gives a path in the root, as every
+/// path built on a missing folder does.
+QString JoinPath(QStringView folder, QStringView name);
+
+/// Folder that holds the real program file (links followed), without a trailing separator.
+QString ProgramFolder();
+
+/// The machine-wide folder for application data, without a trailing separator. On Linux:
+/// $KADRONA_COMMON_APPDATA if set; else /var/lib if /var/lib/Kadrona exists and can be written to (a
+/// package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
+QString CommonAppDataFolder();
+
+/// Creates a folder with all missing parents. True when it exists afterwards.
+bool CreateFolder(const QString& path);
+
+}  // namespace kadrona::platform
