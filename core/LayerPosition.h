@@ -15,8 +15,8 @@ QString LayerSection(const QString& templateName, QSize photo);
 /// (halves rounded to the even neighbour); else the drawn size.
 QRect RestoredLayerRectangle(const QRect& saved, QSize drawn, QSize templateCanvas);
 
-/// A moved layer pushed back inside the photo: first away from the left and top, then from the right
-/// and bottom, so that a layer larger than the photo ends with a negative left or top.
+/// A moved layer pushed back inside the photo: first away from the left and top, then from the
+/// right and bottom, so that a layer larger than the photo ends with a negative left or top.
 QRect KeptInsidePhoto(QRect layer, QSize photo);
 
 }  // namespace kadrona::core

@@ -28,9 +28,9 @@ struct LoadedImage {
     DotsPerInch resolution;
 };
 
-/// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO, WMF,
-/// EMF and whatever the installed Qt plug-ins read. The first page or frame. The content decides the
-/// format, not the name. Embedded profiles are brought to sRGB. Throws ReadError.
+/// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO,
+/// WMF, EMF and whatever the installed Qt plug-ins read. The first page or frame. The content
+/// decides the format, not the name. Embedded profiles are brought to sRGB. Throws ReadError.
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});
 
 }  // namespace kadrona::imaging

@@ -9,8 +9,8 @@
 
 namespace kadrona::imaging {
 
-/// An image file could not be written. The text names the file and the reason; an older file of that
-/// name is untouched.
+/// An image file could not be written. The text names the file and the reason; an older file of
+/// that name is untouched.
 class WriteError : public platform::FileError {
     using FileError::FileError;
 };
@@ -20,8 +20,8 @@ QStringList WritableExtensions();
 
 /// Writes a picture in the format that the extension of `path` names (.jpg .jpeg .png .bmp .tif
 /// .tiff), through a temporary file that is renamed when complete. The resolution reads back as
-/// exactly the integer given; JPEG is written at quality 95, 4:4:4. A grid is written row by row and
-/// never unrolled. Throws WriteError.
+/// exactly the integer given; JPEG is written at quality 95, 4:4:4. A grid is written row by row
+/// and never unrolled. Throws WriteError.
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution);
 
 }  // namespace kadrona::imaging

@@ -6,9 +6,9 @@
 
 namespace kadrona::imaging {
 
-/// A picture as a value: one tile, repeated in a grid of columns and rows. A photo is a grid of one;
-/// a sheet of passport photos is a grid of its single photo, so that it takes the memory of one
-/// photo, and drawing and writing it never need it unrolled.
+/// A picture as a value: one tile, repeated in a grid of columns and rows. A photo is a grid of
+/// one; a sheet of passport photos is a grid of its single photo, so that it takes the memory of
+/// one photo, and drawing and writing it never need it unrolled.
 ///
 ///     columns = 3, rows = 2        Size() = 3 * tile width  by  2 * tile height
 ///     +----+----+----+

@@ -16,8 +16,8 @@ struct Snapshot {
 
 /// The earlier states of one photo, newest on top. Holds at most `limit` steps and at most a budget
 /// of bytes (the oldest go first; the newest always stays). Steps share what has not changed: a
-/// snapshot shares the live photo's pixels until the photo changes, and a state that differs from its
-/// successor only in places is kept as those places alone.
+/// snapshot shares the live photo's pixels until the photo changes, and a state that differs from
+/// its successor only in places is kept as those places alone.
 class UndoHistory {
  public:
     static constexpr qsizetype DefaultByteBudget = qsizetype{1} << 30;
@@ -33,8 +33,8 @@ class UndoHistory {
     bool IsEmpty() const { return steps_.empty(); }
     int Count() const { return static_cast<int>(steps_.size()); }
 
-    /// Takes the newest step back: returns the state it holds, given the present one. There is no redo.
-    /// Precondition: not empty.
+    /// Takes the newest step back: returns the state it holds, given the present one. There is no
+    /// redo. Precondition: not empty.
     Snapshot TakeNewest(const Snapshot& present);
 
     /// Drops the newest step without going back to it.

@@ -6,9 +6,9 @@
 
 namespace kadrona::platform {
 
-/// A file that appears under its name only once it is complete: it is written to a temporary file in
-/// the same folder, flushed to the disk and renamed by Commit. Without Commit nothing is left behind
-/// and an older file of that name stays as it was.
+/// A file that appears under its name only once it is complete: it is written to a temporary file
+/// in the same folder, flushed to the disk and renamed by Commit. Without Commit nothing is left
+/// behind and an older file of that name stays as it was.
 class AtomicFile {
  public:
     /// Opens the temporary file. Throws FileError with the path and the system's reason.

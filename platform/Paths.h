@@ -13,8 +13,8 @@ QString JoinPath(QStringView folder, QStringView name);
 QString ProgramFolder();
 
 /// The machine-wide folder for application data, without a trailing separator. On Linux:
-/// $KADRONA_COMMON_APPDATA if set; else /var/lib if /var/lib/Kadrona exists and can be written to (a
-/// package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
+/// $KADRONA_COMMON_APPDATA if set; else /var/lib if /var/lib/Kadrona exists and can be written to
+/// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
 QString CommonAppDataFolder();
 
 /// Creates a folder with all missing parents. True when it exists afterwards.

@@ -9,7 +9,8 @@
 
 namespace kadrona::imaging::view {
 
-/// Shows a layered image and lets the user zoom, pan, and move and scale the layers above the photo.
+/// Shows a layered image and lets the user zoom, pan, and move and scale the layers above the
+/// photo.
 ///
 /// The wheel zooms at the pointer; dragging beside the layer pans; dragging the current layer moves
 /// it (a layer can be picked on its transparent parts too); its handles scale it with the aspect
@@ -55,7 +56,8 @@ class ImageView : public QWidget, public ImageDisplay {
     /// The user moved or resized a layer; sent at every step of a drag.
     void LayerChangedByUser(int layer);
     /// A mouse button went down over the view, before the view handles it.
-    void MousePressed(QPointF imagePosition, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
+    void MousePressed(QPointF imagePosition, Qt::MouseButton button,
+                      Qt::KeyboardModifiers modifiers);
     void ZoomChanged(double percent);
 
  private:
