@@ -1,6 +1,7 @@
 #include "core/TemplateDrawing.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -56,19 +57,35 @@ QRect AreaOf(const TMask& element) {
     return {left, top, right - left, bottom - top};
 }
 
-void DrawShape(QPainter& painter, const TMask& element) {
-    const QRect area = AreaOf(element);
+/// The outline of a shape that fills `area`, none for an unknown shape or an empty area.
+QPainterPath PathOf(const TMask& element, const QRect& area) {
+    QPainterPath path;
     if (area.isEmpty()) {
-        return;
+        return path;
     }
-    // The painter's outline lies on the edges it is given, so that the last row and column of the
-    // area are the edges of the shape.
-    const QRect outline(area.topLeft(), area.size() - QSize(1, 1));
     if (element.shape == TMask::Rectangle) {
-        painter.drawRect(outline);
+        path.addRect(area);
     } else if (element.shape == TMask::Ellipse) {
-        painter.drawEllipse(outline);
+        path.addEllipse(area);
     }
+    return path;
+}
+
+/// The fill, and over it the outline as the ring between two shapes. The outline is centred on the
+/// outermost pixels of the area; of an even width the greater half lies to the left and above. A
+/// ring with whole edges comes out symmetrical, which a path stroked without antialiasing does not.
+void DrawShape(QPainter& painter, const TMask& element, int penWidth, const QBrush& brush) {
+    const QRect area = AreaOf(element);
+    painter.fillPath(PathOf(element, area), brush);
+
+    const int outside = penWidth / 2;
+    const int inside = penWidth - outside;
+    const int beyond = inside - 1;
+    const QRect outer = area.adjusted(-outside, -outside, beyond, beyond);
+    const QRect inner = area.adjusted(inside, inside, -outside - 1, -outside - 1);
+    QPainterPath ring = area.isEmpty() ? QPainterPath() : PathOf(element, outer);
+    ring.addPath(PathOf(element, inner));
+    painter.fillPath(ring, brush.color());
 }
 
 void MakeWhiteTransparent(QImage& image) {
@@ -96,17 +113,14 @@ QImage DrawTemplate(const std::vector<TMask>& elements) {
     }
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    QPen pen(Qt::black, 1, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin);
+    int penWidth = 1;
     for (size_t i = 0; i < elements.size(); ++i) {
         const TMask& element = elements[i];
         const QBrush brush(ColourOf(element), FillStyleOf(element));
-        pen.setColor(brush.color());
         if (element.penWidth >= 0) {
-            pen.setWidth(std::min(element.penWidth, FarthestCoordinate));
+            penWidth = std::clamp(element.penWidth, 1, FarthestCoordinate);
         }
-        painter.setPen(pen);
-        painter.setBrush(brush);
-        DrawShape(painter, element);
+        DrawShape(painter, element, penWidth, brush);
         if (i == 0) {
             painter.fillRect(AreaOf(element), brush);
         }
