@@ -4,22 +4,21 @@
 #include <QShortcut>
 
 #include "controls/ApplicationMenu.h"
-#include "controls/Icons.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 
 ApplicationButton::ApplicationButton(const QString& keyTip, QWidget* parent)
-    : QToolButton(parent), menu_(new ApplicationMenu(this)) {
+    : QPushButton(parent), menu_(new ApplicationMenu(this)) {
     setObjectName(u"ApplicationButton"_s);
     setToolTip(keyTip);
     setAccessibleName(keyTip);
-    setIcon(Icon(u"menu"_s));
+    setIcon(QIcon(u":/kadrona/icons/part-menu-light.svg"_s));
     setIconSize(QSize(16, 16));
-    setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    setAutoDefault(false);
     setFocusPolicy(Qt::TabFocus);
-    connect(this, &QToolButton::clicked, this, &ApplicationButton::OpenMenu);
+    connect(this, &QPushButton::clicked, this, &ApplicationButton::OpenMenu);
     for (const QKeySequence& keys :
          {QKeySequence(Qt::ALT | Qt::Key_H), QKeySequence(Qt::Key_F10)}) {
         auto* shortcut = new QShortcut(keys, this);

@@ -11,18 +11,12 @@
 #include <algorithm>
 
 #include "controls/MenuRow.h"
+#include "controls/Separator.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 namespace {
-
-QFrame* MakeSeparator(QWidget* parent) {
-    auto* line = new QFrame(parent);
-    line->setObjectName(u"MenuSeparator"_s);
-    line->setFixedHeight(9);  // a line of one pixel with room above and below, see the style sheet
-    return line;
-}
 
 // The letter that jumps to a caption: the one after "&", else the first.
 QChar Mnemonic(const QString& caption) {
@@ -100,7 +94,7 @@ void ApplicationMenu::AddAction(QAction* action) {
 }
 
 void ApplicationMenu::AddSeparator() {
-    entries_->insertWidget(entries_->count() - 1, MakeSeparator(this));
+    entries_->insertWidget(entries_->count() - 1, new Separator(Qt::Horizontal, this));
 }
 
 void ApplicationMenu::SetSidePane(const QString& heading, const QString& description) {

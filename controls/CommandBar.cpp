@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "controls/BarArrangement.h"
+#include "controls/Separator.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,13 +19,6 @@ namespace {
 
 constexpr int Margin = 6;
 constexpr int Spacing = 3;
-
-QWidget* MakeSeparator(QWidget* parent) {
-    auto* line = new QFrame(parent);
-    line->setObjectName(u"CommandBarSeparator"_s);
-    line->setFixedWidth(9);  // a line of one pixel with room on both sides, see the style sheet
-    return line;
-}
 
 }  // namespace
 
@@ -97,7 +91,7 @@ void CommandBar::AddChoice(const QString& label, QComboBox* box, int textWidth) 
 }
 
 void CommandBar::AddSeparator() {
-    entries_.push_back({BarItem::Kind::Separator, MakeSeparator(this)});
+    entries_.push_back({BarItem::Kind::Separator, new Separator(Qt::Vertical, this)});
     Arrange();
 }
 

@@ -12,10 +12,13 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
-void Prepare(QMessageBox& box, QMessageBox::Icon icon, const QString& text) {
+// `symbol` is the end of an icon's name: message-information, -question, -warning or -error.
+void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
+    constexpr QSize SymbolSize(40, 40);
     box.setObjectName(u"MessageBox"_s);
     box.setWindowTitle(QGuiApplication::applicationDisplayName());
-    box.setIcon(icon);
+    box.setIconPixmap(QIcon(u":/kadrona/icons/message-%1.svg"_s.arg(symbol))
+                          .pixmap(SymbolSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.setText(text);
@@ -28,9 +31,9 @@ QPushButton* AddButton(QMessageBox& box, const QString& caption, QMessageBox::Bu
     return button;
 }
 
-void ShowMessage(QWidget* parent, QMessageBox::Icon icon, const QString& text) {
+void ShowMessage(QWidget* parent, const QString& symbol, const QString& text) {
     QMessageBox box(parent);
-    Prepare(box, icon, text);
+    Prepare(box, symbol, text);
     QPushButton* ok = AddButton(box, u"OK"_s, QMessageBox::AcceptRole, u"OkButton"_s);
     box.setDefaultButton(ok);
     box.setEscapeButton(ok);
@@ -40,17 +43,16 @@ void ShowMessage(QWidget* parent, QMessageBox::Icon icon, const QString& text) {
 }  // namespace
 
 void ShowInformation(QWidget* parent, const QString& text) {
-    ShowMessage(parent, QMessageBox::Information, text);
+    ShowMessage(parent, u"information"_s, text);
 }
 
 void ShowError(QWidget* parent, const QString& text) {
-    ShowMessage(parent, QMessageBox::Critical, text);
+    ShowMessage(parent, u"error"_s, text);
 }
 
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
     QMessageBox box(parent);
-    Prepare(box, severity == Severity::Warning ? QMessageBox::Warning : QMessageBox::Question,
-            text);
+    Prepare(box, severity == Severity::Warning ? u"warning"_s : u"question"_s, text);
     QPushButton* yes = AddButton(box, u"&Ja"_s, QMessageBox::YesRole, u"YesButton"_s);
     QPushButton* no = AddButton(box, u"&Nein"_s, QMessageBox::NoRole, u"NoButton"_s);
     box.setDefaultButton(no);

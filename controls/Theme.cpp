@@ -7,9 +7,9 @@
 #include <QIcon>
 #include <QPalette>
 #include <QStandardPaths>
-#include <QStyle>
-#include <QStyleFactory>
 #include <utility>
+
+#include "controls/ThemeStyle.h"
 
 using namespace Qt::StringLiterals;
 
@@ -132,7 +132,7 @@ const ThemeColors& Colors() {
 
 void ApplyTheme(QApplication& application) {
     LinkResources();
-    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    QApplication::setStyle(new ThemeStyle);  // owned by the application
     QApplication::setPalette(MakePalette());
     UseReadableFont();
     UseIconTheme();
