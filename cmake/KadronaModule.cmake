@@ -9,6 +9,7 @@ function(kadrona_module name)
   cmake_parse_arguments(arg "" "" "USES;PRIVATE" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.h" "${CMAKE_CURRENT_SOURCE_DIR}/*.qrc")
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE kadrona_build_options ${arg_PRIVATE})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
@@ -16,9 +17,10 @@ function(kadrona_module name)
 endfunction()
 
 # The tests of one module: every .cpp of the folder, run by CTest one test at a time without a
-# display. WIDGETS gives them a QApplication, else they get a QGuiApplication.
+# display. WIDGETS gives them a QApplication, else they get a QGuiApplication. DISPLAY gives them a
+# real display (label "display"; tools/build-and-test starts one), which one test at a time owns.
 function(kadrona_tests name)
-  cmake_parse_arguments(arg "WIDGETS" "" "USES" ${ARGN})
+  cmake_parse_arguments(arg "WIDGETS;DISPLAY" "" "USES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
   add_executable(${name} ${sources})
@@ -28,11 +30,16 @@ function(kadrona_tests name)
     set(main kadrona_test_main)
   endif()
   target_link_libraries(${name} PRIVATE ${arg_USES} ${main} kadrona_build_options GTest::gmock)
+  if(arg_DISPLAY)
+    set(properties ENVIRONMENT "QT_QPA_PLATFORM=xcb" LABELS display RESOURCE_LOCK display)
+  else()
+    set(properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+  endif()
   gtest_discover_tests(
     ${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 120 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    PROPERTIES TIMEOUT 120 ${properties})
 endfunction()
 
 # A fuzz target: one source file with LLVMFuzzerTestOneInput.
