@@ -9,6 +9,7 @@ function(kadrona_module name)
   cmake_parse_arguments(arg "" "" "USES;PRIVATE" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
        "${CMAKE_CURRENT_SOURCE_DIR}/*.h" "${CMAKE_CURRENT_SOURCE_DIR}/*.qrc")
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE kadrona_build_options ${arg_PRIVATE})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")

@@ -23,6 +23,9 @@ struct Layer {
 
 /// A photo (layer 0), the layers above it, its print resolution and its undo history.
 /// Tools work on layer 0; the current layer is the one that the mouse and the arrow keys move.
+///
+/// A layer index that does not exist throws std::out_of_range, as does a change of the photo where
+/// there is none.
 class LayeredImage : public QObject {
     Q_OBJECT
 
@@ -42,34 +45,38 @@ class LayeredImage : public QObject {
     DotsPerInch Resolution() const { return resolution_; }
     void SetResolution(DotsPerInch resolution);
 
-    /// Removes every layer and the undo history.
+    /// Removes every layer and the undo history; the resolution becomes unknown.
     void Clear();
 
-    /// A new photo: replaces all layers, clears the undo history.
+    /// A new photo: replaces all layers, clears the undo history. Empty pixels only clear.
     void Open(Pixels photo, DotsPerInch resolution);
 
     /// Replaces the photo's pixels by changed ones, as every tool does. Records an undo step first
     /// when automatic recording is on. The layers above stay.
     void ChangePhoto(Pixels changed);
 
-    /// Adds a layer on top and makes it current; returns its index.
+    /// Adds a layer on top of the photo and makes it current; returns its index.
     int AddLayer(Layer layer);
+    /// The photo becomes current.
     void RemoveLayersAbovePhoto();
+    /// Moves or scales a layer above the photo.
     void SetLayerRectangle(int index, const QRect& rectangle);
     void SetLayerVisible(int index, bool visible, bool selectionFrameVisible);
 
     void SetAutomaticUndo(bool on) { automaticUndo_ = on; }
     bool AutomaticUndo() const { return automaticUndo_; }
     void SetUndoLimit(int limit);
+    /// Does nothing when there is no photo.
     void RecordUndoStep();
     bool CanUndo() const { return !history_.IsEmpty(); }
     int UndoCount() const { return history_.Count(); }
-    /// Brings the newest recorded state of the photo back; does nothing when there is none.
+    /// Brings the newest recorded pixels and resolution of the photo back; does nothing when there
+    /// is none.
     void Undo();
     void ClearUndo();
 
-    /// The history itself, for reading its size.
-    const UndoHistory& History() const { return history_; }
+    /// Memory that the undo steps take beside the photo.
+    qsizetype UndoByteCount() const { return history_.ByteCount(Photo()); }
 
  Q_SIGNALS:
     /// The photo's pixels or size changed.
@@ -78,8 +85,6 @@ class LayeredImage : public QObject {
     void LayersChanged();
 
  private:
-    Snapshot Present() const;
-
     std::vector<Layer> layers_;
     int currentLayer_ = -1;
     DotsPerInch resolution_;

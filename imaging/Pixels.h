@@ -25,9 +25,11 @@ class Pixels {
     Pixels() = default;
 
     /// A grid of one. Another format is converted. Alpha is kept only where the image has it.
+    /// Throws platform::Error where memory for the conversion is short.
     explicit Pixels(QImage image);
 
-    /// `tile` in a grid of `columns` by `rows`, both at least 1.
+    /// `tile` in a grid of `columns` by `rows`. Throws std::invalid_argument where one of them is
+    /// below 1, platform::Error where width or height leave the range of int.
     Pixels(QImage tile, int columns, int rows);
 
     bool IsEmpty() const { return tile_.isNull(); }
@@ -36,13 +38,23 @@ class Pixels {
     QSize Size() const { return {Width(), Height()}; }
 
     const QImage& Tile() const { return tile_; }
+    /// The tile for changing it in place; its pixels are copied first where anything else shares
+    /// them. Size and format must stay. Throws platform::Error where memory for the copy is short.
+    QImage& EditableTile();
+
     int Columns() const { return columns_; }
     int Rows() const { return rows_; }
 
-    /// The picture unrolled; shares the tile's pixels for a grid of one.
+    /// The picture unrolled; shares the tile's pixels for a grid of one. Throws platform::Error
+    /// where memory is short.
     QImage ToImage() const;
 
-    /// True when both show the same grid of the very same (shared) pixels.
+    /// The part inside `region` as an image of the region's size and the tile's format, opaque
+    /// `background` where the region leaves the picture. Unrolls no more than the region. Throws
+    /// platform::Error where memory is short.
+    QImage Region(const QRect& region, QRgb background) const;
+
+    /// True when both show the same grid of the very same (shared) pixels in memory.
     bool SharesPixelsWith(const Pixels& other) const;
 
     /// Memory that the tile takes.

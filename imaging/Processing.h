@@ -6,9 +6,11 @@
 
 #include "imaging/Pixels.h"
 
+/// What makes a new picture throws platform::Error where memory for it is short.
 namespace kadrona::imaging {
 
-/// Average of each channel over a whole picture, rounded to the nearest integer, 0 ... 255.
+/// Average of each channel over a whole picture, rounded to the nearest integer, 0 ... 255; what is
+/// transparent counts as black. All zero for an empty picture.
 struct AverageColour {
     int red = 0;
     int green = 0;
@@ -18,7 +20,8 @@ struct AverageColour {
 AverageColour AverageOf(const Pixels& pixels);
 
 /// The part of a picture inside `rectangle`, exactly of the rectangle's size; what lies outside the
-/// picture is white. Where the rectangle lies inside, the pixels are shared, not copied.
+/// picture is white. Where the rectangle lies inside, the pixels are shared, not copied; of a grid,
+/// where it lies inside one tile or covers whole tiles. An empty rectangle gives an empty picture.
 Pixels Cropped(const Pixels& pixels, const QRect& rectangle);
 
 /// The picture in the middle of a larger canvas of `size`, the new area filled opaquely with
@@ -31,11 +34,17 @@ enum class QuarterTurn { CounterClockwise, Clockwise };
 /// Turned by 90 degrees without any loss; a grid of tiles stays one.
 Pixels Turned(const Pixels& pixels, QuarterTurn turn);
 
-/// The picture repeated, the copies touching each other.
+/// The picture repeated, the copies touching each other. `columns` and `rows` as for Pixels.
 Pixels Repeated(const Pixels& pixels, int columns, int rows);
 
-/// Automatic white balance: the channels scaled so that the picture's middle tones are neutral on
-/// average.
+/// Automatic white balance: red and blue scaled so that the picture's middle tones are neutral on
+/// average. A neutral picture comes back as it is, sharing its pixels.
+///
+/// The grey-world estimate (Buchsbaum, "A spatial processor model for object colour perception",
+/// J. Franklin Inst. 310, 1980) is only the start, for skin and clothes would pull it off. It is
+/// then refined on those points alone that are nearly grey after the correction so far, until it
+/// stands still (after Huo, Chang, Wang and Wei, "Robust automatic white balance algorithm using
+/// gray color points in images", IEEE Trans. Consumer Electronics 52(2), 2006).
 Pixels WhiteBalanced(const Pixels& pixels);
 
 }  // namespace kadrona::imaging

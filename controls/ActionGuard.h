@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+#include <exception>
+#include <utility>
+
+class QWidget;
+
+namespace kadrona::controls {
+
+/// The German text for an exception: that of a platform::Error as it stands, a fixed one for lack
+/// of memory, a lead sentence and what() for any other.
+QString FailureText(const std::exception_ptr& failure);
+
+/// The application's standard error display. Never throws.
+void ShowFailure(QWidget* parent, const std::exception_ptr& failure) noexcept;
+
+/// Runs `function` and shows whatever escapes from it; true if nothing did. Every handler that Qt
+/// calls and that may fail goes through here, because nothing may be thrown through Qt's event
+/// loop. `parent` may be null.
+template <typename Function>
+bool Guarded(QWidget* parent, Function&& function) noexcept {
+    try {
+        std::forward<Function>(function)();
+        return true;
+    } catch (...) {
+        ShowFailure(parent, std::current_exception());
+        return false;
+    }
+}
+
+}  // namespace kadrona::controls

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+class QDropEvent;
+class QMimeData;
+class QWidget;
+
+namespace kadrona::controls {
+
+/// Makes a widget take files that are dropped onto it or onto its children. The widget is framed
+/// while such a drag is over it.
+class FileDropTarget : public QObject {
+    Q_OBJECT
+
+ public:
+    /// Belongs to `widget`.
+    explicit FileDropTarget(QWidget* widget);
+
+ Q_SIGNALS:
+    /// The paths of the dropped local files, at least one, in the order of the drag, sent once the
+    /// drop has been answered.
+    void FilesDropped(const QStringList& paths);
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    void ShowFrame(bool show);
+
+    QWidget* widget_;
+    QWidget* frame_;
+};
+
+/// Local files named by a drag, in its order; other addresses are left out.
+QStringList DroppedFiles(const QMimeData& data);
+
+/// Answers a drag that moves over a place where it may be dropped: copy where possible, else link.
+/// A drag that can only move is let on too, because AnswerDrop keeps the file from being deleted.
+void AnswerDrag(QDropEvent& event);
+
+/// Answers a drop: a copy or link as it is, but a move with "nothing was done", so that the source
+/// never deletes the file.
+void AnswerDrop(QDropEvent& event);
+
+}  // namespace kadrona::controls

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+class QAction;
+class QWidget;
+
+namespace kadrona::controls {
+
+/// A tool tip of a bold heading over a text, wrapped at a comfortable width; line breaks in `text`
+/// are kept. Both are plain text.
+void SetScreenTip(QAction* action, const QString& header, const QString& text);
+void SetScreenTip(QWidget* widget, const QString& header, const QString& text);
+
+/// What a button of that action shows: the screen tip if it was given one, else its tool tip or
+/// caption; the shortcut stands behind the first line. Rich text.
+QString ScreenTipOf(const QAction& action);
+
+}  // namespace kadrona::controls
