@@ -13,16 +13,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// Qt's own limit guards the allocations of those plug-ins that cannot tell the size beforehand. It
-/// exists only for the whole process.
-void RaiseAllocationLimit(qint64 maximumPixels) {
-    constexpr qint64 LargestPixel = 16;  // four floats
-    constexpr qint64 Mebibyte = 1 << 20;
-    const qint64 limit = maximumPixels * LargestPixel / Mebibyte + 1;
-    QImageReader::setAllocationLimit(
-        static_cast<int>(std::min<qint64>(limit, std::numeric_limits<int>::max())));
-}
-
 bool IsDrawnDocument(const QByteArray& format) {
     return format == "svg" || format == "svgz" || format == "pdf";
 }
@@ -57,11 +47,19 @@ QImage::Format FormatToWorkIn(const QImage& image) {
 
 }  // namespace
 
+void LimitAllocations(qint64 maximumPixels) {
+    constexpr qint64 LargestPixel = 16;  // four floats
+    constexpr qint64 Mebibyte = 1 << 20;
+    const qint64 limit = maximumPixels * LargestPixel / Mebibyte + 1;
+    QImageReader::setAllocationLimit(
+        static_cast<int>(std::min<qint64>(limit, std::numeric_limits<int>::max())));
+}
+
 DecodedImage ReadByPlugin(const ReadTask& task) {
     DecodedImage decoded;
     decoded.metadata = ReadFileMetadata(task.Device());
     task.Device().seek(0);
-    RaiseAllocationLimit(task.MaximumPixels());
+    LimitAllocations(task.MaximumPixels());
     QImageReader reader(&task.Device());
     reader.setAutoTransform(false);
     if (!reader.canRead() || IsDrawnDocument(reader.format()))
