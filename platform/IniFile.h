@@ -6,13 +6,16 @@
 
 namespace kadrona::platform {
 
+class IniContent;
+
 /// One INI file in memory. Sections and keys are found whatever their case; the order of sections,
-/// comments and lines that are no key survive a change. Meant to be opened, used and closed by each
-/// operation, so that nothing is cached.
+/// comments and lines that are no key survive a change. Blanks at the ends of names and values do
+/// not count. Meant to be opened, used and closed by each operation, so that nothing is cached.
 class IniFile {
  public:
     /// Reads the file; a missing one is empty. Bytes are decoded by DecodeText. A repeated section
-    /// continues the first one. Throws FileError when an existing file cannot be read.
+    /// continues the first one, of a repeated key the first one counts. Throws FileError when an
+    /// existing file cannot be read or is larger than 16 MiB.
     explicit IniFile(QString path);
     ~IniFile();
     IniFile(const IniFile&) = delete;
@@ -28,19 +31,22 @@ class IniFile {
     int ReadInteger(const QString& section, const QString& key, int fallback = 0) const;
 
     /// Throws Error where a name or value cannot be kept in the file form (a line break, "]" in a
-    /// section, "=" in a key).
+    /// section, "=" in a key, an empty name, a key that would read as a comment or a section).
     void WriteString(const QString& section, const QString& key, const QString& value);
     void WriteInteger(const QString& section, const QString& key, int value);
 
     void EraseSection(const QString& section);
 
+    /// Returns whether the key was there.
+    bool EraseKey(const QString& section, const QString& key);
+
     /// Writes the file atomically as UTF-8, if anything was changed. Throws FileError.
     void Save();
 
  private:
-    struct Content;
     QString path_;
-    std::unique_ptr<Content> content_;
+    std::unique_ptr<IniContent> content_;
+    bool changed_ = false;
 };
 
 }  // namespace kadrona::platform

@@ -1,0 +1,73 @@
+#include "platform/IniFile.h"
+
+#include <QFileInfo>
+
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#include "platform/IniContent.h"
+
+namespace kadrona::platform {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
+
+QByteArray ReadBytes(const QString& path) {
+    return QFileInfo::exists(path) ? ReadWholeFile(path, MaximumBytes) : QByteArray();
+}
+
+}  // namespace
+
+IniFile::IniFile(QString path)
+    : path_(std::move(path)), content_(std::make_unique<IniContent>(ReadBytes(path_))) {}
+
+IniFile::~IniFile() = default;
+
+QStringList IniFile::Sections() const {
+    return content_->Sections();
+}
+
+QString IniFile::ReadString(const QString& section, const QString& key,
+                            const QString& fallback) const {
+    return content_->Value(section, key).value_or(fallback);
+}
+
+int IniFile::ReadInteger(const QString& section, const QString& key, int fallback) const {
+    bool isInteger = false;
+    const int value = ReadString(section, key).toInt(&isInteger);
+    return isInteger ? value : fallback;
+}
+
+void IniFile::WriteString(const QString& section, const QString& key, const QString& value) {
+    changed_ |= content_->SetValue(section, key, value);
+}
+
+void IniFile::WriteInteger(const QString& section, const QString& key, int value) {
+    WriteString(section, key, QString::number(value));
+}
+
+void IniFile::EraseSection(const QString& section) {
+    changed_ |= content_->EraseSection(section);
+}
+
+bool IniFile::EraseKey(const QString& section, const QString& key) {
+    const bool erased = content_->EraseKey(section, key);
+    changed_ |= erased;
+    return erased;
+}
+
+void IniFile::Save() {
+    if (!changed_) {
+        return;
+    }
+    const QByteArray bytes = content_->ToBytes();
+    if (bytes.size() > MaximumBytes) {
+        throw FileError(
+            u"Die Datei „%1“ konnte nicht geschrieben werden: Sie würde zu groß."_s.arg(path_));
+    }
+    WriteFileAtomically(path_, bytes);
+    changed_ = false;
+}
+
+}  // namespace kadrona::platform

@@ -1,0 +1,49 @@
+#include "platform/WebPage.h"
+
+#ifdef Q_OS_WIN
+#include <shellapi.h>
+#include <windows.h>
+#else
+#include <QProcess>
+#endif
+
+namespace kadrona::platform {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+#ifdef Q_OS_WIN
+
+bool StartBrowser(const QString& address) {
+    const auto result =
+        ShellExecuteW(nullptr, L"open", qUtf16Printable(address), nullptr, nullptr, SW_SHOWNORMAL);
+    return reinterpret_cast<INT_PTR>(result) > 32;
+}
+
+#else
+
+bool StartBrowser(const QString& address) {
+    for (const QString& program : {u"xdg-open"_s, u"x-www-browser"_s}) {
+        QProcess browser;
+        browser.setProgram(program);
+        browser.setArguments({address});
+        browser.setStandardOutputFile(QProcess::nullDevice());
+        browser.setStandardErrorFile(QProcess::nullDevice());
+        if (browser.startDetached()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+#endif
+
+}  // namespace
+
+bool OpenWebPage(const QUrl& address) {
+    // Anything else would start whatever program is registered for it.
+    const bool isPage = address.scheme() == u"https" || address.scheme() == u"http";
+    return isPage && address.isValid() && StartBrowser(QString::fromLatin1(address.toEncoded()));
+}
+
+}  // namespace kadrona::platform
