@@ -51,6 +51,7 @@ ApplicationMenu::ApplicationMenu(QWidget* parent)
     footButton_ = new QPushButton(foot);
     footButton_->setAutoDefault(false);
     footButton_->hide();
+    footButton_->installEventFilter(this);
     footLayout->addWidget(footButton_);
 
     auto* layout = new QVBoxLayout(this);
@@ -74,6 +75,9 @@ QWidget* ApplicationMenu::MakeSidePane() {
     description_->hide();
     sideItems_ = new QListWidget(pane);
     sideItems_->setObjectName(u"SideItems"_s);
+    sideItems_->setSizeAdjustPolicy(QListWidget::AdjustToContents);
+    sideItems_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Maximum);
+    sideItems_->setMaximumHeight(320);
     sideItems_->hide();
     connect(sideItems_, &QListWidget::itemClicked, this,
             [this] { CloseAndChoose(sideItems_->currentRow()); });
@@ -82,13 +86,14 @@ QWidget* ApplicationMenu::MakeSidePane() {
     layout->setSpacing(8);
     layout->addWidget(heading_);
     layout->addWidget(description_);
-    layout->addWidget(sideItems_, 1);
+    layout->addWidget(sideItems_);
     layout->addStretch();
     return pane;
 }
 
 void ApplicationMenu::AddAction(QAction* action) {
     auto* row = new MenuRow(action, this);
+    row->installEventFilter(this);
     connect(row, &QAbstractButton::clicked, this, [this, action] { CloseAndTrigger(action); });
     entries_->insertWidget(entries_->count() - 1, row);  // before the stretch
 }
@@ -219,6 +224,20 @@ void ApplicationMenu::keyPressEvent(QKeyEvent* event) {
                 JumpTo(event->text().front());
             }
     }
+}
+
+// Buttons take arrow keys for moves of their own; here all keys but the ones that press a button or
+// go through the focus chain are the menu's.
+bool ApplicationMenu::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        auto* keyEvent = static_cast<QKeyEvent*>(event);
+        const int key = keyEvent->key();
+        if (key != Qt::Key_Space && key != Qt::Key_Tab && key != Qt::Key_Backtab) {
+            keyPressEvent(keyEvent);
+            return true;
+        }
+    }
+    return QFrame::eventFilter(watched, event);
 }
 
 void ApplicationMenu::Trigger() {

@@ -52,6 +52,7 @@ class ApplicationMenu : public QFrame {
 
  protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
     QWidget* MakeSidePane();

@@ -2,10 +2,11 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
-#include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -62,24 +63,36 @@ bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
 }
 
 std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt) {
-    QInputDialog dialog(parent);
+    QDialog dialog(parent);
     dialog.setObjectName(u"LineDialog"_s);
     dialog.setWindowTitle(title);
-    dialog.setLabelText(prompt);
-    dialog.setOkButtonText(u"OK"_s);
-    dialog.setCancelButtonText(u"Abbrechen"_s);
-    dialog.setMinimumWidth(360);
-    if (auto* edit = dialog.findChild<QLineEdit*>()) {
-        edit->setObjectName(u"LineEdit"_s);
-    }
-    if (auto* buttons = dialog.findChild<QDialogButtonBox*>()) {
-        buttons->button(QDialogButtonBox::Ok)->setObjectName(u"OkButton"_s);
-        buttons->button(QDialogButtonBox::Cancel)->setObjectName(u"CancelButton"_s);
-    }
+    auto* label = new QLabel(prompt, &dialog);
+    label->setTextFormat(Qt::PlainText);
+    auto* edit = new QLineEdit(&dialog);
+    edit->setObjectName(u"LineEdit"_s);
+    edit->setMinimumWidth(320);
+    label->setBuddy(edit);
+
+    auto* buttons = new QDialogButtonBox(&dialog);
+    QPushButton* ok = buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
+    ok->setObjectName(u"OkButton"_s);
+    ok->setDefault(true);
+    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)
+        ->setObjectName(u"CancelButton"_s);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setSpacing(6);
+    layout->addWidget(label);
+    layout->addWidget(edit);
+    layout->addSpacing(10);
+    layout->addWidget(buttons);
     if (dialog.exec() != QDialog::Accepted) {
         return std::nullopt;
     }
-    return dialog.textValue();
+    return edit->text();
 }
 
 }  // namespace kadrona::controls

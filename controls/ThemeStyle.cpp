@@ -30,6 +30,7 @@ int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     switch (hint) {
         case SH_ComboBox_Popup:
             return 0;  // a list below the box, not a menu over it
+        case SH_DialogButtonBox_ButtonsHaveIcons:
         case SH_ItemView_ActivateItemOnSingleClick:
             return 0;
         default:
