@@ -109,14 +109,19 @@ void TEinstellungenFm::InitPropertys() {
 }
 
 int TEinstellungenFm::ShowEx() {
+    RefreshPrinterProfiles();
+    const int result = exec();
+    TakeOverFrameSize();
+    return result;
+}
+
+/// Fills the box with the printer profiles that there are now. The choice is kept by its place.
+void TEinstellungenFm::RefreshPrinterProfiles() {
     const int remembered = printProfileBox_->currentIndex();
     Refill(*printProfileBox_, data_.GetPrinterProfileList());
     if (printProfileBox_->count() > remembered) {
         printProfileBox_->setCurrentIndex(remembered);
     }
-    const int result = exec();
-    TakeOverFrameSize();
-    return result;
 }
 
 void TEinstellungenFm::AktivateProfileByName(const QString& name, bool storeFirst) {
@@ -144,6 +149,8 @@ void TEinstellungenFm::done(int result) {
 void TEinstellungenFm::FormShow() {
     pages_->setCurrentIndex(0);
     AktivateProfileByName(SelectedProfile(), false);
+    // The restored profile brought back the list of the day it was stored.
+    RefreshPrinterProfiles();
 }
 
 void TEinstellungenFm::FormClose() {
@@ -154,6 +161,7 @@ void TEinstellungenFm::FormClose() {
 void TEinstellungenFm::ProfileListBoxClick() {
     UpdateDeleteButton();
     AktivateProfileByName(SelectedProfile(), true);
+    RefreshPrinterProfiles();
 }
 
 /// The found place is compared with the first entry, not with "not found": a name that only the

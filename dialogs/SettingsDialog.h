@@ -97,6 +97,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     // Behaviour (SettingsDialog.cpp)
     void ConnectControls();
+    void RefreshPrinterProfiles();
     void FormShow();
     void FormClose();
     void ProfileListBoxClick();
