@@ -3,6 +3,8 @@
 #include <lcms2.h>
 
 #include <QColorSpace>
+#include <QColorTransform>
+#include <algorithm>
 #include <memory>
 #include <opencv2/core/utility.hpp>
 
@@ -62,6 +64,8 @@ cmsUInt32Number InputFormat(cmsColorSpaceSignature channels, ColourModel model, 
 
 /// Null where the profile cannot be used for such pixels.
 Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit) {
+    if (bytes.isEmpty())
+        return {};
     const Profile source(
         cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
     if (!source)
@@ -74,6 +78,34 @@ Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit
     return Transform(cmsCreateTransform(
         source.get(), input, srgb.get(), is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8,
         INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
+}
+
+void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
+    ForEachRow(image, [&](uchar* row, int width) {
+        cmsDoTransform(transform.get(), row, row, static_cast<cmsUInt32Number>(width));
+        for (qsizetype x = 0; makeOpaque && x < width; ++x)
+            row[4 * x + 3] = 255;
+    });
+}
+
+/// Qt's way of profiles that are a matrix and curves, several times faster than Little CMS. Not
+/// valid for other profiles, and for those made for other channels.
+QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
+    constexpr qsizetype ChannelsOffset = 16;
+    const bool isForGrey =
+        QByteArrayView(profile).sliced(std::min(ChannelsOffset, profile.size())).startsWith("GRAY");
+    if (IsCmyk(model) || (isForGrey && model != ColourModel::Grey))
+        return {};
+    return QColorSpace::fromIccProfile(profile);
+}
+
+void Apply(const QColorTransform& transform, QImage& image) {
+    uchar* const bits = image.bits();
+    cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
+        QImage(bits + rows.start * image.bytesPerLine(), image.width(), rows.size(),
+               image.bytesPerLine(), image.format())
+            .applyColorTransform(transform);
+    });
 }
 
 constexpr int DividedBy255(int product) {
@@ -130,18 +162,12 @@ bool IsSrgbProfile(const QByteArray& profile) {
 
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {
     const bool is16Bit = image.format() == QImage::Format_RGBA64;
-    const Transform transform =
-        profile.isEmpty() ? Transform() : MakeTransform(profile, model, is16Bit);
-    if (transform) {
-        const bool makeOpaque = IsCmyk(model);
-        ForEachRow(image, [&](uchar* row, int width) {
-            cmsDoTransform(transform.get(), row, row, static_cast<cmsUInt32Number>(width));
-            for (qsizetype x = 0; makeOpaque && x < width; ++x)
-                row[4 * x + 3] = 255;
-        });
-    } else if (IsCmyk(model)) {
+    if (const QColorSpace space = UsableByQt(profile, model); space.isValid())
+        Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
+    else if (const Transform transform = MakeTransform(profile, model, is16Bit))
+        Apply(transform, image, IsCmyk(model));
+    else if (IsCmyk(model))
         MultiplyInksOut(image, model == ColourModel::InvertedCmyk);
-    }
 }
 
 QImage LaidOverWhite(QImage image) {

@@ -10,7 +10,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr quint32 HeaderType = 1;
 constexpr quint32 EndOfFileType = 14;
 constexpr qsizetype RecordHeaderSize = 8;
 

@@ -49,12 +49,18 @@ double ScaleOf(QByteArrayView file, const MetafilePicture& picture, qint64 maxim
     return std::min(std::max(1.0, finest), limit);
 }
 
+/// Rounded, but to no more pixels than allowed.
+QSize PixelSize(QSizeF size, qint64 maximumPixels) {
+    QSize rounded = size.toSize();
+    if (qint64{rounded.width()} * rounded.height() > maximumPixels)
+        rounded = {static_cast<int>(size.width()), static_cast<int>(size.height())};
+    return rounded.expandedTo({1, 1});
+}
+
 DecodedImage Drawn(const ReadTask& task, QByteArrayView file) {
     const MetafilePicture picture = IsEmf(file) ? ReadEmfHeader(file) : ReadWmfHeader(file);
     const double scale = ScaleOf(file, picture, task.MaximumPixels());
-    // Rounded down, so as to stay below the limit.
-    const QSize size(std::max(1, static_cast<int>(picture.frame.width() * scale + 1e-6)),
-                     std::max(1, static_cast<int>(picture.frame.height() * scale + 1e-6)));
+    const QSize size = PixelSize(picture.frame.size() * scale, task.MaximumPixels());
     task.RequireAllowedSize(size.width(), size.height());
     DecodedImage decoded;
     decoded.image = NewImage(size, QImage::Format_RGB32);
