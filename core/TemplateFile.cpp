@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Windows1252.h"
+#include "platform/TextDecoding.h"
 
 namespace kadrona::core {
 
@@ -26,6 +26,38 @@ constexpr qsizetype ShapeOffset = IntegerBytes * static_cast<qsizetype>(Integers
 constexpr qsizetype NameOffset = ShapeOffset + 1;
 static_assert(NameOffset + 1 + LongestName == TemplateElementBytes);
 
+/// One byte at a time, so that no two of them read as UTF-8: a lone byte above 0x7F never does and
+/// is taken as Windows-1252.
+QString NameOfBytes(QByteArrayView bytes) {
+    QString name;
+    for (const char& byte : bytes) {
+        name += platform::DecodeText(QByteArrayView(&byte, 1));
+    }
+    return name;
+}
+
+/// The Windows-1252 byte of a character, "?" where there is none.
+char ByteOfCharacter(QChar character) {
+    const auto code = static_cast<uint>(character.unicode());
+    if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) {
+        return static_cast<char>(code);
+    }
+    for (int byte = 0x80; byte < 0xA0; ++byte) {
+        const char candidate = static_cast<char>(byte);
+        if (platform::DecodeText(QByteArrayView(&candidate, 1)) == character) {
+            return candidate;
+        }
+    }
+    return '?';
+}
+
+QByteArray BytesOfName(const QString& name) {
+    const QString kept = name.left(LongestName);
+    QByteArray bytes(kept.size(), Qt::Uninitialized);
+    std::transform(kept.begin(), kept.end(), bytes.begin(), ByteOfCharacter);
+    return bytes;
+}
+
 TMask ParseElement(QByteArrayView bytes) {
     TMask element;
     for (size_t i = 0; i < Integers.size(); ++i) {
@@ -34,7 +66,7 @@ TMask ParseElement(QByteArrayView bytes) {
     }
     element.shape = static_cast<quint8>(bytes[ShapeOffset]);
     const qsizetype nameLength = static_cast<quint8>(bytes[NameOffset]);
-    element.name = FromWindows1252(bytes.sliced(NameOffset + 1, std::min(nameLength, LongestName)));
+    element.name = NameOfBytes(bytes.sliced(NameOffset + 1, std::min(nameLength, LongestName)));
     return element;
 }
 
@@ -47,7 +79,7 @@ void AppendElement(QByteArray& bytes, const TMask& element) {
     for (const auto field : Integers) {
         AppendInteger(bytes, element.*field);
     }
-    const QByteArray name = ToWindows1252(element.name).left(LongestName);
+    const QByteArray name = BytesOfName(element.name);
     bytes.append(static_cast<char>(element.shape));
     bytes.append(static_cast<char>(name.size()));
     bytes.append(name.leftJustified(LongestName, '\0'));

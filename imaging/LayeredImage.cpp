@@ -66,6 +66,9 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
 
 void LayeredImage::ChangePhoto(Pixels changed) {
     Layer& photo = layers_.at(0);
+    if (changed.IsEmpty()) {
+        throw std::invalid_argument("a photo cannot change to nothing");
+    }
     if (automaticUndo_) {
         RecordUndoStep();
     }
@@ -74,6 +77,17 @@ void LayeredImage::ChangePhoto(Pixels changed) {
     }
     photo.rectangle = QRect(QPoint(), changed.Size());
     photo.pixels = std::move(changed);
+    Q_EMIT PhotoChanged();
+}
+
+void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage& photo)>& edit) {
+    Pixels& photo = layers_.at(0).pixels;
+    const QRect inside = area & QRect(QPoint(), photo.Size());
+    if (inside.isEmpty()) {
+        return;
+    }
+    photo = Pixels(photo.ToImage());
+    history_.EditInPlace(photo, inside, edit);
     Q_EMIT PhotoChanged();
 }
 

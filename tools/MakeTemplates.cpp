@@ -1,0 +1,55 @@
+// Writes the template files and the catalogue from the template table.
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include "core/TemplateFile.h"
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+#include "platform/TextDecoding.h"
+#include "tools/TemplateDesign.h"
+#include "tools/TemplateTable.h"
+
+using namespace kadrona;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 LargestTable = 16 * 1024 * 1024;
+constexpr int WrongUsage = 2;
+
+void MakeTemplates(const QString& table, const QString& folder) {
+    const QString text = platform::DecodeText(platform::ReadWholeFile(table, LargestTable));
+    if (!platform::CreateFolder(folder)) {
+        throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
+    }
+    QString catalogue;
+    for (const tools::TemplateRow& row : tools::ParseTemplateTable(text, table)) {
+        platform::WriteFileAtomically(platform::JoinPath(folder, row.file),
+                                      core::SerializeTemplate(tools::DesignTemplate(row)));
+        catalogue += row.name + u'=' + row.file + u'\n';
+    }
+    platform::WriteFileAtomically(platform::JoinPath(folder, u"MaskList.kdr"), catalogue.toUtf8());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    QTextStream errors(stderr);
+    if (arguments.size() != 3) {
+        errors << u"Aufruf: kadrona-make-templates TABELLE ZIELORDNER\n"_s;
+        return WrongUsage;
+    }
+    try {
+        MakeTemplates(arguments[1], arguments[2]);
+        return EXIT_SUCCESS;
+    } catch (const platform::Error& error) {
+        errors << error.Text() << u'\n';
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,229 @@
+#include "tools/TemplateTable.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStringList>
+
+namespace kadrona::tools {
+
+using core::TenthsOfMillimetre;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int LongestSide = 10000;
+
+QStringList ColumnNames() {
+    return {u"Name"_s,      u"Datei"_s,     u"Breite"_s,      u"Höhe"_s,        u"Kopf von"_s,
+            u"Kopf bis"_s,  u"Augen von"_s, u"Augen bis"_s,   u"Oben von"_s,    u"Oben bis"_s,
+            u"Kinn von"_s,  u"Kinn bis"_s,  u"Gesicht von"_s, u"Gesicht bis"_s, u"Achse von"_s,
+            u"Achse bis"_s, u"Richtwert"_s, u"Hinweis"_s,     u"Beleg"_s,       u"Gelesen am"_s};
+}
+
+QString InMillimetres(TenthsOfMillimetre length) {
+    return QString::number(length.value / 10.0) + u" mm"_s;
+}
+
+/// Collects the faults of a table, each with the line that it stands in.
+class Faults {
+ public:
+    explicit Faults(QString path) : path_(std::move(path)) {}
+
+    void SetLine(int line) { line_ = line; }
+    void Add(const QString& reason) {
+        lines_ << u"%1:%2: %3"_s.arg(path_, QString::number(line_), reason);
+    }
+    void ThrowIfAny() const {
+        if (!lines_.isEmpty()) {
+            throw TemplateTableError(lines_.join(u'\n'));
+        }
+    }
+
+ private:
+    QString path_;
+    int line_ = 0;
+    QStringList lines_;
+};
+
+/// Turns the cells of one line into a row.
+class RowReader {
+ public:
+    RowReader(const QStringList& columns, const QStringList& cells, Faults& faults)
+        : faults_(faults) {
+        for (qsizetype i = 0; i < cells.size(); ++i) {
+            cells_.insert(columns[i], cells[i].trimmed());
+        }
+    }
+
+    TemplateRow Read() {
+        TemplateRow row;
+        row.name = Name();
+        row.file = File();
+        row.width = Side(u"Breite"_s);
+        row.height = Side(u"Höhe"_s);
+        row.head = BandWithin(u"Kopf"_s, row.height);
+        row.eyes = CompleteBandWithin(u"Augen"_s, row.height);
+        row.top = CompleteBandWithin(u"Oben"_s, row.height);
+        row.chin = CompleteBandWithin(u"Kinn"_s, row.height);
+        row.face = BandWithin(u"Gesicht"_s, row.width);
+        row.axis = CompleteBandWithin(u"Achse"_s, row.width);
+        ReadAdvice(row);
+        return row;
+    }
+
+ private:
+    QString Name() {
+        const QString name = cells_.value(u"Name"_s);
+        if (name.isEmpty()) {
+            faults_.Add(u"Der Name fehlt."_s);
+        }
+        if (name.contains(u'=')) {
+            faults_.Add(u"Der Name „%1“ enthält ein Gleichheitszeichen."_s.arg(name));
+        }
+        return name;
+    }
+
+    QString File() {
+        static const QRegularExpression bareName(u"^[\\w][\\w .()+-]*$"_s,
+                                                 QRegularExpression::UseUnicodePropertiesOption);
+        const QString file = cells_.value(u"Datei"_s);
+        if (!bareName.match(file).hasMatch()) {
+            faults_.Add(u"„%1“ ist kein einfacher Dateiname."_s.arg(file));
+        }
+        return file;
+    }
+
+    std::optional<TenthsOfMillimetre> Length(const QString& column) {
+        static const QRegularExpression decimal(u"^(\\d{1,4})(?:[.,](\\d))?$"_s);
+        const QString cell = cells_.value(column);
+        if (cell.isEmpty()) {
+            return std::nullopt;
+        }
+        const QRegularExpressionMatch match = decimal.match(cell);
+        if (!match.hasMatch()) {
+            faults_.Add(
+                u"%1: „%2“ sind keine Millimeter mit höchstens einer Nachkommastelle."_s.arg(column,
+                                                                                             cell));
+            return std::nullopt;
+        }
+        return TenthsOfMillimetre{match.captured(1).toInt() * 10 + match.captured(2).toInt()};
+    }
+
+    TenthsOfMillimetre Side(const QString& column) {
+        const auto side = Length(column);
+        if (!side || side->value == 0 || side->value > LongestSide) {
+            faults_.Add(
+                u"%1 muss zwischen 0,1 und %2 mm liegen."_s.arg(column).arg(LongestSide / 10));
+            return {LongestSide};
+        }
+        return *side;
+    }
+
+    Band BandWithin(const QString& subject, TenthsOfMillimetre photoSide) {
+        const Band band{Length(subject + u" von"_s), Length(subject + u" bis"_s)};
+        if (band.IsComplete() && band.from->value > band.to->value) {
+            faults_.Add(u"%1: %2 bis %3 ist verkehrt herum."_s.arg(
+                subject, InMillimetres(*band.from), InMillimetres(*band.to)));
+        }
+        for (const auto& end : {band.from, band.to}) {
+            if (end && end->value > photoSide.value) {
+                faults_.Add(u"%1: %2 ist größer als das Foto (%3)."_s.arg(
+                    subject, InMillimetres(*end), InMillimetres(photoSide)));
+            }
+        }
+        return band;
+    }
+
+    Band CompleteBandWithin(const QString& subject, TenthsOfMillimetre photoSide) {
+        const Band band = BandWithin(subject, photoSide);
+        if (band.from.has_value() != band.to.has_value()) {
+            faults_.Add(u"%1: Es fehlt eine der beiden Grenzen."_s.arg(subject));
+            return {};
+        }
+        return band;
+    }
+
+    void ReadAdvice(TemplateRow& row) {
+        const QString cell = cells_.value(u"Richtwert"_s);
+        for (const QString& word : cell.split(u',', Qt::SkipEmptyParts)) {
+            if (word.trimmed() == u"Kopf"_s) {
+                row.headIsAdvice = true;
+            } else if (word.trimmed() == u"Augen"_s) {
+                row.eyesAreAdvice = true;
+            } else {
+                faults_.Add(
+                    u"Richtwert: „%1“ ist weder „Kopf“ noch „Augen“."_s.arg(word.trimmed()));
+            }
+        }
+    }
+
+    QHash<QString, QString> cells_;
+    Faults& faults_;
+};
+
+/// Names and files seen so far. File names that differ in case alone meet on some systems.
+class Duplicates {
+ public:
+    void Check(const TemplateRow& row, Faults& faults) {
+        CheckOne(names_, u"Der Name"_s, row.name, faults);
+        CheckOne(files_, u"Die Datei"_s, row.file, faults);
+    }
+
+ private:
+    static void CheckOne(QSet<QString>& seen, const QString& what, const QString& text,
+                         Faults& faults) {
+        if (seen.contains(text.toCaseFolded())) {
+            faults.Add(u"%1 „%2“ kommt schon vor."_s.arg(what, text));
+        }
+        seen.insert(text.toCaseFolded());
+    }
+
+    QSet<QString> names_;
+    QSet<QString> files_{u"masklist.kdr"_s};
+};
+
+void CheckColumns(const QStringList& columns, Faults& faults) {
+    for (const QString& name : ColumnNames()) {
+        if (columns.count(name) != 1) {
+            faults.Add(columns.contains(name) ? u"Die Spalte „%1“ kommt zweimal vor."_s.arg(name)
+                                              : u"Die Spalte „%1“ fehlt."_s.arg(name));
+        }
+    }
+    faults.ThrowIfAny();
+}
+
+}  // namespace
+
+std::vector<TemplateRow> ParseTemplateTable(const QString& text, const QString& path) {
+    Faults faults(path);
+    Duplicates duplicates;
+    QStringList columns;
+    std::vector<TemplateRow> rows;
+    int line = 0;
+    for (QString content : text.split(u'\n')) {
+        faults.SetLine(++line);
+        content.remove(u'\r');
+        if (content.trimmed().isEmpty() || content.startsWith(u'#')) {
+            continue;
+        }
+        const QStringList cells = content.split(u'\t');
+        if (columns.isEmpty()) {
+            columns = cells;
+            CheckColumns(columns, faults);
+        } else if (cells.size() != columns.size()) {
+            faults.Add(
+                u"Die Zeile hat %1 Spalten statt %2."_s.arg(cells.size()).arg(columns.size()));
+        } else {
+            rows.push_back(RowReader(columns, cells, faults).Read());
+            duplicates.Check(rows.back(), faults);
+        }
+    }
+    if (columns.isEmpty()) {
+        faults.Add(u"Die Zeile mit den Spaltennamen fehlt."_s);
+    }
+    faults.ThrowIfAny();
+    return rows;
+}
+
+}  // namespace kadrona::tools
