@@ -16,7 +16,7 @@ namespace kadrona::imaging {
 namespace {
 
 /// A strip of about this size is compressed at a time; readers take one into memory at once.
-constexpr qint64 StripBytes = 256 * 1024;
+constexpr qint64 StripBytes = 262'144;
 
 /// Higher levels take twice the time for less than a tenth of the size.
 constexpr int DeflateLevel = 1;

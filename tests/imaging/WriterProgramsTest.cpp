@@ -15,7 +15,7 @@ class WriterProgramsTest : public WriterTest {
  protected:
     /// Writes a grid of 2 by 3, 74 by 135 pixels in all; returns the path.
     QString Written(const QString& name, int dotsPerInch = 300) const {
-        const QString path = PathOf(name);
+        QString path = PathOf(name);
         WriteImageFile(path, Pixels(TestPicture(37, 45), 2, 3), {dotsPerInch});
         return path;
     }
