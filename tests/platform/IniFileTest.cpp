@@ -137,6 +137,18 @@ TEST_F(IniFileTest, ErasesAndAppendsInFileOrder) {
     EXPECT_EQ(Bytes(), "[c]\nx=1\n\n[b]\ny=2\n\n[a]\nx=3\n"_ba);
 }
 
+TEST_F(IniFileTest, TellsTheCommentOfTheFileFromThatOfItsFirstSection) {
+    for (const auto& [before, after] :
+         {std::pair("; c\n[A]\na=1\n[B]\nb=1\n"_ba, "[B]\nb=1\n"_ba),
+          {"; c\n\n[A]\na=1\n[B]\nb=1\n"_ba, "; c\n\n[B]\nb=1\n"_ba}}) {
+        Write(before);
+        IniFile ini(Path());
+        ini.EraseSection(u"A"_s);
+        ini.Save();
+        EXPECT_EQ(Bytes(), after);
+    }
+}
+
 TEST_F(IniFileTest, RefusesWhatTheFormCannotHold) {
     IniFile ini(Path());
     EXPECT_THROW(ini.WriteString(u""_s, u"a"_s, u"x"_s), Error);
