@@ -22,7 +22,7 @@ void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
 /// 24 bits, not compressed, bottom row first.
 void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
 
-/// 24 bits, LZW with horizontal differences.
+/// 24 bits, deflate with horizontal differences: unlike LZW it finds the copies of a sheet.
 void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
 
 /// Appends to a file. Throws platform::Error with the system's reason.

@@ -21,7 +21,7 @@ QStringList WritableExtensions();
 /// Writes a picture in the format that the extension of `path` names (.jpg .jpeg .png .bmp .tif
 /// .tiff), through a temporary file that is renamed when complete. The resolution reads back as
 /// exactly the integer given; JPEG is written at quality 95, 4:4:4. A grid is written row by row
-/// and never unrolled. Throws WriteError.
+/// and never unrolled. Alpha is laid over white. Throws WriteError.
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution);
 
 }  // namespace kadrona::imaging

@@ -14,8 +14,9 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr int CompressionLevel = 3;
-constexpr int Filter = PNG_FILTER_PAETH;
+/// Twice as fast as the next level and the other filters, for less than a twentieth of the size.
+constexpr int CompressionLevel = 2;
+constexpr int Filter = PNG_FILTER_SUB;
 
 /// Owns libpng's structures for writing a file.
 class PngFile {

@@ -57,7 +57,7 @@ class WriterTest : public ::testing::Test {
 
     QImage ReadBack(const QString& name) const {
         QImageReader reader(PathOf(name));
-        const QImage image = reader.read();
+        QImage image = reader.read();
         EXPECT_FALSE(image.isNull()) << qPrintable(name + reader.errorString());
         return image;
     }

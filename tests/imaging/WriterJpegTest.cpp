@@ -78,7 +78,7 @@ QByteArray PlainlyEncoded(QImage image) {
         jpeg_write_scanlines(&info, &row, 1);
     }
     jpeg_finish_compress(&info);
-    const QByteArray bytes(reinterpret_cast<const char*>(buffer), static_cast<qsizetype>(size));
+    QByteArray bytes(reinterpret_cast<const char*>(buffer), static_cast<qsizetype>(size));
     jpeg_destroy_compress(&info);
     std::free(buffer);
     return bytes;

@@ -84,8 +84,8 @@ TEST_F(WriterTest, GridIsWrittenAsThePictureItStandsFor) {
 
 TEST_F(WriterTest, PartOfAPictureIsWrittenWithItsOwnRows) {
     const QImage whole = TestPicture(40, 30);
-    const QImage part(whole.constScanLine(7) + 4 * 5, 11, 13, whole.bytesPerLine(),
-                      QImage::Format_RGB32);
+    const uchar* corner = whole.constScanLine(7) + 5 * sizeof(QRgb);
+    const QImage part(corner, 11, 13, whole.bytesPerLine(), QImage::Format_RGB32);
     for (const QString& name : LosslessFiles) {
         WriteImageFile(PathOf(name), Pixels(part), {300});
         SCOPED_TRACE(qPrintable(name));
