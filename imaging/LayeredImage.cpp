@@ -17,7 +17,7 @@ std::pair<qint64, QSize> Identity(const Pixels& pixels) {
 LayeredImage::LayeredImage(QObject* parent) : QObject(parent) {}
 
 void LayeredImage::SetCurrentLayer(int index) {
-    layers_.at(static_cast<size_t>(index));
+    static_cast<void>(LayerAt(index));
     if (index != currentLayer_) {
         currentLayer_ = index;
         Q_EMIT LayersChanged();
@@ -92,7 +92,9 @@ void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage&
 }
 
 int LayeredImage::AddLayer(Layer layer) {
-    layers_.at(0);
+    if (IsEmpty()) {
+        throw std::out_of_range("a layer needs a photo below it");
+    }
     layers_.push_back(std::move(layer));
     currentLayer_ = LayerCount() - 1;
     Q_EMIT LayersChanged();

@@ -23,7 +23,8 @@ const uchar* PixelAt(const QImage& image, int x, int y) {
 
 bool AreEqual(const QImage& a, const QImage& b, const QRect& area) {
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        if (std::memcmp(PixelAt(a, area.left(), y), PixelAt(b, area.left(), y), RowLength(area))) {
+        if (std::memcmp(PixelAt(a, area.left(), y), PixelAt(b, area.left(), y), RowLength(area)) !=
+            0) {
             return false;
         }
     }

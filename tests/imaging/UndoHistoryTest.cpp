@@ -1,3 +1,5 @@
+#include <vector>
+
 #include "imaging/UndoHistory.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -60,7 +62,7 @@ struct RecordedPhoto {
 TEST(UndoHistory, KeepsOnlyTheBlocksThatDiffer) {
     UndoHistory history;
     RecordedPhoto live(history);
-    const QPoint positions[] = {{0, 0}, {999, 699}, {300, 300}, {255, 256}, {300, 301}};
+    const std::vector<QPoint> positions = {{0, 0}, {999, 699}, {300, 300}, {255, 256}, {300, 301}};
     for (const QPoint position : positions) {
         live.Change(Dotted(live.photo, position, 0xffffffff));
     }

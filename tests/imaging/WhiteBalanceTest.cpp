@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "imaging/Processing.h"
 #include "tests/support/PixelMatchers.h"
@@ -48,11 +50,11 @@ TEST(WhiteBalanced, MakesTheWallNeutralNotTheAverage) {
         double red, green, blue;
         int faceRadius;
     };
-    const Light lights[] = {{"daylight", 1, 1, 1, 120},
-                            {"tungsten", 1.2, 1, 0.7, 120},
-                            {"shade", 0.85, 1, 1.2, 120},
-                            {"fluorescent", 0.9, 1.1, 0.85, 120},
-                            {"mostly face", 1.05, 1, 0.9, 165}};
+    const std::vector<Light> lights = {{"daylight", 1, 1, 1, 120},
+                                       {"tungsten", 1.2, 1, 0.7, 120},
+                                       {"shade", 0.85, 1, 1.2, 120},
+                                       {"fluorescent", 0.9, 1.1, 0.85, 120},
+                                       {"mostly face", 1.05, 1, 0.9, 165}};
     for (const Light& light : lights) {
         const QImage balanced =
             WhiteBalanced(Pixels(Portrait(light.red, light.green, light.blue, light.faceRadius)))
