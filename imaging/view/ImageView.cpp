@@ -25,11 +25,17 @@ ImageView::ImageView(QWidget* parent) : QWidget(parent), d_(std::make_unique<Pri
 
 ImageView::~ImageView() = default;
 
-LayeredImage& ImageView::Image() { return d_->image_; }
+LayeredImage& ImageView::Image() {
+    return d_->image_;
+}
 
-void ImageView::Fit() { d_->Fit(); }
+void ImageView::Fit() {
+    d_->Fit();
+}
 
-void ImageView::Repaint() { update(); }
+void ImageView::Repaint() {
+    update();
+}
 
 void ImageView::SuspendPainting() {
     if (++d_->suspensions_ == 1 && isVisible()) {
@@ -51,7 +57,9 @@ void ImageView::SetInteraction(Interactions interaction) {
     d_->UpdateCursor();
 }
 
-ImageView::Interactions ImageView::CurrentInteraction() const { return d_->interactions_; }
+ImageView::Interactions ImageView::CurrentInteraction() const {
+    return d_->interactions_;
+}
 
 void ImageView::SetAutomaticFit(bool on) {
     d_->automaticFit_ = on;
@@ -60,13 +68,17 @@ void ImageView::SetAutomaticFit(bool on) {
     }
 }
 
-bool ImageView::AutomaticFit() const { return d_->automaticFit_; }
+bool ImageView::AutomaticFit() const {
+    return d_->automaticFit_;
+}
 
 void ImageView::SetZoomPercent(double percent) {
     d_->ChangeZoom(percent / 100, d_->geometry_.ViewCentre());
 }
 
-double ImageView::ZoomPercent() const { return d_->geometry_.Zoom() * 100; }
+double ImageView::ZoomPercent() const {
+    return d_->geometry_.Zoom() * 100;
+}
 
 QPointF ImageView::ToImage(QPointF widgetPosition) const {
     return d_->geometry_.ToImage(widgetPosition * d_->DeviceScale());
@@ -76,28 +88,39 @@ QPointF ImageView::ToWidget(QPointF imagePosition) const {
     return d_->geometry_.ToDevice(imagePosition) / d_->DeviceScale();
 }
 
-bool ImageView::IsInteracting() const { return d_->IsDragging(); }
+bool ImageView::IsInteracting() const {
+    return d_->IsDragging();
+}
 
 void ImageView::SetSettleDelay(std::chrono::milliseconds delay) {
     d_->settleTimer_.setInterval(delay);
 }
 
-void ImageView::paintEvent(QPaintEvent* event) { d_->Paint(event->rect()); }
+void ImageView::paintEvent(QPaintEvent* event) {
+    d_->Paint(event->rect());
+}
 
-void ImageView::resizeEvent(QResizeEvent* /*event*/) { d_->UpdateViewSize(); }
+void ImageView::resizeEvent(QResizeEvent* /*event*/) {
+    d_->UpdateViewSize();
+}
 
-void ImageView::hideEvent(QHideEvent* /*event*/) { d_->EndDrag(); }
+void ImageView::hideEvent(QHideEvent* /*event*/) {
+    d_->EndDrag();
+}
 
 void ImageView::focusInEvent(QFocusEvent* event) {
-    // As everywhere, who clicks knows where the focus is.
-    d_->showsFocus_ = event->reason() == Qt::TabFocusReason ||
-                      event->reason() == Qt::BacktabFocusReason ||
-                      event->reason() == Qt::ShortcutFocusReason;
+    // Who clicks knows where the focus is; a window that comes back shows what it showed before.
+    const Qt::FocusReason reason = event->reason();
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+        reason == Qt::ShortcutFocusReason) {
+        d_->showsFocus_ = true;
+    } else if (reason == Qt::MouseFocusReason) {
+        d_->showsFocus_ = false;
+    }
     update();
 }
 
 void ImageView::focusOutEvent(QFocusEvent* /*event*/) {
-    d_->showsFocus_ = false;
     update();
 }
 

@@ -71,10 +71,10 @@ void ImageView::Private::Press(QPointF position, Qt::MouseButton button) {
 void ImageView::Private::StartLayerDrag(const Target& target, QPointF position) {
     image_.SetCurrentLayer(target.layer);
     const QRect& rectangle = image_.LayerAt(target.layer).rectangle;
-    drag_ = MovedLayer{target.layer,
-                       LayerDrag(rectangle, target.handle, geometry_.ToImage(position),
-                                 image_.Photo().Size()),
-                       position, false};
+    drag_ = MovedLayer{
+        target.layer,
+        LayerDrag(rectangle, target.handle, geometry_.ToImage(position), image_.Photo().Size()),
+        position, false};
 }
 
 void ImageView::Private::MoveTo(QPointF position) {

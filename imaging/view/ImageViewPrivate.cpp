@@ -151,7 +151,7 @@ void ImageView::Private::Paint(const QRect& dirty) {
     UseDevicePixels(painter, DeviceScale());
     PaintImage(painter, ToDevicePixels(dirty, DeviceScale()));
     painter.restore();
-    if (showsFocus_) {
+    if (showsFocus_ && view_.hasFocus()) {
         painter.setPen(view_.palette().color(QPalette::Highlight));
         painter.drawRect(view_.rect().adjusted(0, 0, -1, -1));
     }

@@ -19,7 +19,9 @@ QRect GrownTo(const QRect& frame, int side) {
 
 // Keeps the ratio of the whole pixels as close as they can.
 QSize ScaledSize(QSize size, double scale) {
-    const auto round = [](double value) { return std::max(1, static_cast<int>(std::lround(value))); };
+    const auto round = [](double value) {
+        return std::max(1, static_cast<int>(std::lround(value)));
+    };
     if (size.width() >= size.height()) {
         const int width = round(size.width() * scale);
         return {width, round(static_cast<double>(width) * size.height() / size.width())};
@@ -46,8 +48,8 @@ HandleLayout::HandleLayout(const QRect& frame, int hitSize) : hitSize_(hitSize) 
     const auto add = [&](Handle handle) {
         // x and y: -1, 0, 1 give the start, the middle and the end.
         places_.push_back({handle,
-                           {outline.x() + outline.width() * (handle.x + 1) / 2,
-                            outline.y() + outline.height() * (handle.y + 1) / 2}});
+                           {outline.x() + (outline.width() - 1) * (handle.x + 1) / 2,
+                            outline.y() + (outline.height() - 1) * (handle.y + 1) / 2}});
     };
     std::ranges::for_each(Corners, add);
     if (outline.width() >= 4 * hitSize) {
@@ -85,8 +87,8 @@ QRect LayerDrag::RectangleAt(QPointF pointer) const {
 QRect LayerDrag::Resized(QPointF pointerMove) const {
     // From the fixed point to the handle; the pointer's way along it is the change of scale.
     const QPointF extent(handle_.x * start_.width(), handle_.y * start_.height());
-    const double wanted = 1.0 + QPointF::dotProduct(pointerMove, extent) /
-                                    QPointF::dotProduct(extent, extent);
+    const double wanted =
+        1.0 + QPointF::dotProduct(pointerMove, extent) / QPointF::dotProduct(extent, extent);
     const double scale = std::clamp(wanted, smallestScale_, largestScale_);
     const QSize size = ScaledSize(start_.size(), scale);
     return {QPoint(ScaledStart(start_.x(), start_.width(), size.width(), handle_.x),

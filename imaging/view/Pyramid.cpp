@@ -1,5 +1,7 @@
 #include "imaging/view/Pyramid.h"
 
+#include <algorithm>
+#include <array>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -10,87 +12,120 @@ namespace kadrona::imaging::view {
 
 namespace {
 
-constexpr int BlockSide = 256;
+// A block is as many pixels of level 0 wide and high, so the highest level has one pixel for it.
+constexpr int HighestLevel = 10;
+constexpr int BlockSide = 1 << HighestLevel;
 
-QSize Halved(QSize size) { return {(size.width() + 1) / 2, (size.height() + 1) / 2}; }
+// Buffers for the levels between, kept from block to block.
+using Scratch = std::array<cv::Mat, HighestLevel>;
 
-// `block` in the pixels of the reduced image. A source with an odd side lacks the last column or
-// row of the last block: it is doubled, so that every block is reduced by exactly two.
-void ReduceBlock(const cv::Mat& source, cv::Mat& reduced, const QRect& block) {
-    const cv::Rect wanted(2 * block.x(), 2 * block.y(), 2 * block.width(), 2 * block.height());
-    const cv::Rect present = wanted & cv::Rect(0, 0, source.cols, source.rows);
-    cv::Mat input = source(present);
-    if (present != wanted) {
-        cv::copyMakeBorder(input, input, 0, wanted.height - present.height, 0,
-                           wanted.width - present.width, cv::BORDER_REPLICATE);
+// An odd side is made even by doubling the last column or row, so that all is reduced by exactly
+// two.
+void Halve(const cv::Mat& source, cv::Mat& half) {
+    cv::Mat even = source;
+    if (source.cols % 2 != 0 || source.rows % 2 != 0) {
+        cv::copyMakeBorder(source, even, 0, source.rows % 2, 0, source.cols % 2,
+                           cv::BORDER_REPLICATE);
     }
-    cv::Mat output = reduced(cv::Rect(block.x(), block.y(), block.width(), block.height()));
-    cv::resize(input, output, output.size(), 0, 0, cv::INTER_AREA);
+    cv::resize(even, half, cv::Size(even.cols / 2, even.rows / 2), 0, 0, cv::INTER_AREA);
 }
 
-QRect BlockRectangle(QPoint block, QSize level) {
-    return QRect(block * BlockSide, QSize(BlockSide, BlockSide)) & QRect(QPoint(0, 0), level);
+cv::Rect ToCv(const QRect& rectangle) {
+    return {rectangle.x(), rectangle.y(), rectangle.width(), rectangle.height()};
 }
 
 }  // namespace
 
-Pyramid::Pyramid(QSize picture) : pictureSize_(picture) {
+Pyramid::Pyramid(QSize picture) : blockColumns_((picture.width() + BlockSide - 1) / BlockSide) {
+    const int blockRows = (picture.height() + BlockSide - 1) / BlockSide;
+    const size_t blocks = static_cast<size_t>(blockColumns_) * static_cast<size_t>(blockRows);
+    levels_.push_back({picture, QImage(), std::vector<bool>(blocks, true)});
     for (QSize size = picture; size.width() > 1 || size.height() > 1;) {
-        size = Halved(size);
-        const QSize blocks((size.width() + BlockSide - 1) / BlockSide,
-                           (size.height() + BlockSide - 1) / BlockSide);
-        reduced_.push_back({size, QImage(), blocks, {}});
+        if (LevelCount() > HighestLevel) {
+            break;
+        }
+        size = {(size.width() + 1) / 2, (size.height() + 1) / 2};
+        levels_.push_back({size, QImage(), std::vector<bool>(blocks, false)});
     }
 }
 
-QSize Pyramid::LevelSize(int level) const {
-    return level == 0 ? pictureSize_ : reduced_.at(static_cast<size_t>(level) - 1).size;
+void Pyramid::Invalidate() {
+    for (size_t level = 1; level < levels_.size(); ++level) {
+        levels_[level].isBuilt.assign(levels_[level].isBuilt.size(), false);
+    }
+}
+
+bool Pyramid::IsBuilt(int level, const QRect& part) const {
+    return MissingBlocks(level, part).empty();
 }
 
 const QImage& Pyramid::Level(const QImage& picture, int level, const QRect& part) {
     if (level == 0) {
         return picture;
     }
-    Build(picture, level, part & QRect(QPoint(0, 0), LevelSize(level)));
-    return reduced_.at(static_cast<size_t>(level) - 1).image;
-}
-
-void Pyramid::Build(const QImage& picture, int level, const QRect& part) {
-    Reduced& target = reduced_.at(static_cast<size_t>(level) - 1);
-    if (target.image.isNull()) {
+    LevelState& state = levels_.at(static_cast<size_t>(level));
+    if (state.image.isNull() || state.image.format() != picture.format()) {
         // Left uninitialised: memory that is never drawn from is never touched.
-        target.image = NewImage(target.size, picture.format());
-        target.isBuilt.assign(target.IndexOf({0, target.blocks.height()}), false);
+        state.image = NewImage(state.size, picture.format());
     }
-    const std::vector<QPoint> missing = MissingBlocks(target, part);
-    for (const QPoint& block : missing) {
-        const QRect wanted = BlockRectangle(block, target.size);
-        Level(picture, level - 1, {2 * wanted.topLeft(), 2 * wanted.size()});
-    }
-    const QImage& parent = level == 1 ? picture : reduced_.at(static_cast<size_t>(level) - 2).image;
-    const cv::Mat source = ConstMatView(parent);
-    cv::Mat reduced = MatView(target.image);
-    cv::parallel_for_(cv::Range(0, static_cast<int>(missing.size())), [&](const cv::Range& range) {
-        for (int i = range.start; i < range.end; ++i) {
-            ReduceBlock(source, reduced,
-                        BlockRectangle(missing[static_cast<size_t>(i)], target.size));
-        }
-    });
-    for (const QPoint& block : missing) {
-        target.isBuilt[target.IndexOf(block)] = true;
-    }
+    Build(picture, level, MissingBlocks(level, part));
+    return state.image;
 }
 
-std::vector<QPoint> Pyramid::MissingBlocks(const Reduced& level, const QRect& part) {
-    std::vector<QPoint> missing;
-    for (int row = part.top() / BlockSide; row <= part.bottom() / BlockSide; ++row) {
-        for (int column = part.left() / BlockSide; column <= part.right() / BlockSide; ++column) {
-            if (!level.isBuilt[level.IndexOf({column, row})]) {
-                missing.emplace_back(column, row);
+std::vector<size_t> Pyramid::MissingBlocks(int level, const QRect& part) const {
+    const LevelState& state = levels_.at(static_cast<size_t>(level));
+    const QRect inside = part & QRect(QPoint(0, 0), state.size);
+    const int side = BlockSide >> level;
+    std::vector<size_t> missing;
+    for (int row = inside.top() / side; row <= inside.bottom() / side; ++row) {
+        for (int column = inside.left() / side; column <= inside.right() / side; ++column) {
+            const size_t block = static_cast<size_t>(row) * static_cast<size_t>(blockColumns_) +
+                                 static_cast<size_t>(column);
+            if (!state.isBuilt[block]) {
+                missing.push_back(block);
             }
         }
     }
     return missing;
+}
+
+QRect Pyramid::BlockRectangle(size_t block, int level) const {
+    const int side = BlockSide >> level;
+    const auto columns = static_cast<size_t>(blockColumns_);
+    const QPoint place(static_cast<int>(block % columns), static_cast<int>(block / columns));
+    return QRect(place * side, QSize(side, side)) & QRect(QPoint(0, 0), LevelSize(level));
+}
+
+int Pyramid::NearestFinerLevel(int level, size_t block) const {
+    --level;
+    while (!levels_[static_cast<size_t>(level)].isBuilt[block]) {
+        --level;
+    }
+    return level;
+}
+
+void Pyramid::Build(const QImage& picture, int level, const std::vector<size_t>& blocks) {
+    LevelState& target = levels_.at(static_cast<size_t>(level));
+    cv::Mat built = MatView(target.image);
+    cv::parallel_for_(cv::Range(0, static_cast<int>(blocks.size())), [&](const cv::Range& range) {
+        Scratch scratch;
+        for (int i = range.start; i < range.end; ++i) {
+            const size_t block = blocks[static_cast<size_t>(i)];
+            int finer = NearestFinerLevel(level, block);
+            const QImage& image = finer == 0 ? picture : levels_[static_cast<size_t>(finer)].image;
+            cv::Mat source = ConstMatView(image)(ToCv(BlockRectangle(block, finer)));
+            for (++finer; finer < level; ++finer) {
+                cv::Mat& half = scratch[static_cast<size_t>(finer)];
+                Halve(source, half);
+                source = half;
+            }
+            cv::Mat output = built(ToCv(BlockRectangle(block, level)));
+            Halve(source, output);
+        }
+    });
+    for (const size_t block : blocks) {
+        target.isBuilt[block] = true;
+    }
 }
 
 }  // namespace kadrona::imaging::view

@@ -7,8 +7,11 @@
 namespace kadrona::imaging::view {
 
 /// A picture in ever halved sizes, so that a small drawing of it reads few pixels and does not
-/// alias. Level 0 is the picture itself. Each higher level is half as wide and high, rounded up,
-/// and is built in blocks, each when it is first asked for: what is never seen is never computed.
+/// alias. Level 0 is the picture itself. Each higher level is half as wide and high, rounded up.
+///
+/// The levels are built in blocks, each when it is first asked for: what is never seen is never
+/// computed. A block covers the same square of the picture at every level, and is made from the
+/// nearest finer level that has it; levels between are not built for it.
 ///
 /// The picture is handed in at every call and not kept: a second holder of its pixels would force
 /// everybody who changes them to copy them first.
@@ -17,35 +20,38 @@ class Pyramid {
     Pyramid() = default;
     explicit Pyramid(QSize picture);
 
-    int LevelCount() const { return static_cast<int>(reduced_.size()) + 1; }
-    QSize LevelSize(int level) const;
+    QSize PictureSize() const { return levels_.empty() ? QSize() : levels_.front().size; }
+    int LevelCount() const { return static_cast<int>(levels_.size()); }
+    QSize LevelSize(int level) const { return levels_.at(static_cast<size_t>(level)).size; }
+
+    /// The picture has changed, but not its size: its levels are built anew, in the memory
+    /// that they have.
+    void Invalidate();
+
+    /// True when a level needs no building for `part` (in the level's pixels).
+    bool IsBuilt(int level, const QRect& part) const;
 
     /// A level of which at least `part` (in the level's pixels) is built. `picture` is the same at
-    /// every call, 32 bits a pixel, opaque or premultiplied. Throws platform::Error where memory is
-    /// short.
+    /// every call until Invalidate, 32 bits a pixel, opaque or premultiplied. Throws
+    /// platform::Error where memory is short.
     const QImage& Level(const QImage& picture, int level, const QRect& part);
 
  private:
-    struct Reduced {
+    struct LevelState {
         QSize size;
+        /// Null until the level is first used, always for level 0.
         QImage image;
-        /// Columns and rows of blocks.
-        QSize blocks;
         /// Of the blocks, row by row.
         std::vector<bool> isBuilt;
-
-        size_t IndexOf(QPoint block) const {
-            return static_cast<size_t>(block.y()) * static_cast<size_t>(blocks.width()) +
-                   static_cast<size_t>(block.x());
-        }
     };
 
-    void Build(const QImage& picture, int level, const QRect& part);
-    static std::vector<QPoint> MissingBlocks(const Reduced& level, const QRect& part);
+    std::vector<size_t> MissingBlocks(int level, const QRect& part) const;
+    QRect BlockRectangle(size_t block, int level) const;
+    void Build(const QImage& picture, int level, const std::vector<size_t>& blocks);
+    int NearestFinerLevel(int level, size_t block) const;
 
-    QSize pictureSize_;
-    /// Levels 1 and up.
-    std::vector<Reduced> reduced_;
+    int blockColumns_ = 0;
+    std::vector<LevelState> levels_;
 };
 
 }  // namespace kadrona::imaging::view

@@ -29,8 +29,8 @@ class TapWriter {
         exact_ += share;
         const int total = static_cast<int>(std::lround(exact_ * One));
         const int inside = std::clamp(source, 0, sourceLength_ - 1);
-        const auto tap = static_cast<size_t>(
-            std::clamp(inside - axis_.first.back(), 0, axis_.taps - 1));
+        const auto tap =
+            static_cast<size_t>(std::clamp(inside - axis_.first.back(), 0, axis_.taps - 1));
         auto& weight = axis_.weights[axis_.weights.size() - static_cast<size_t>(axis_.taps) + tap];
         weight = static_cast<quint16>(weight + total - written_);
         written_ = total;
@@ -147,9 +147,7 @@ class RowDrawer {
           sourceRows_(static_cast<size_t>(rows.taps)),
           mixed_(static_cast<size_t>(columns.EndSource())) {}
 
-    void Draw(int row, quint32* destination) {
-        MixColumns(MixedRow(row), columns_, destination);
-    }
+    void Draw(int row, quint32* destination) { MixColumns(MixedRow(row), columns_, destination); }
 
     bool IsRepetition(int row) const {
         return row > 0 && rows_.taps == 1 && rows_.first[index(row)] == rows_.first[index(row - 1)];
@@ -206,8 +204,8 @@ void Resample(const QImage& source, const AxisTaps& columns, const AxisTaps& row
               QImage& destination, QPoint at) {
     const int height = static_cast<int>(rows.first.size());
     const size_t width = columns.first.size();
-    uchar* const topLeft = destination.bits() + ptrdiff_t{4} * at.x() +
-                           qsizetype{at.y()} * destination.bytesPerLine();
+    uchar* const topLeft =
+        destination.bits() + ptrdiff_t{4} * at.x() + qsizetype{at.y()} * destination.bytesPerLine();
     const auto line = [&](int row) {
         return reinterpret_cast<quint32*>(topLeft + qsizetype{row} * destination.bytesPerLine());
     };

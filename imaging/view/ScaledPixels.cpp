@@ -26,17 +26,23 @@ void CopyPart(const QImage& source, QPoint from, QImage& destination, QPoint to,
     }
 }
 
-// The level whose pixels are at most twice as fine as the device's along the finer axis.
-int LevelFor(const Pyramid& pyramid, double step) {
-    int level = 0;
-    while (step > 2 && level + 1 < pyramid.LevelCount()) {
-        step /= 2;
-        ++level;
-    }
-    return level;
-}
-
 }  // namespace
+
+// Source pixels per destination pixel.
+struct ScaledPixels::Steps {
+    double x;
+    double y;
+
+    double Finer() const { return std::min(x, y); }
+    Steps AtLevel(int level) const { return {x / (1 << level), y / (1 << level)}; }
+
+    /// The source pixels that drawing `part` may read.
+    QRect Covered(const QRect& part) const {
+        return QRectF(part.x() * x, part.y() * y, part.width() * x, part.height() * y)
+            .toAlignedRect()
+            .adjusted(-2, -2, 2, 2);
+    }
+};
 
 void ScaledPixels::Notice(const Pixels& pixels) {
     // The key also changes when pixels are changed in place.
@@ -44,8 +50,10 @@ void ScaledPixels::Notice(const Pixels& pixels) {
     if (identity == identity_) {
         return;
     }
-    if (identity.tile != identity_.tile) {
+    if (pyramid_.PictureSize() != pixels.Tile().size()) {
         pyramid_ = Pyramid(pixels.Tile().size());
+    } else if (identity.tile != identity_.tile) {
+        pyramid_.Invalidate();
     }
     identity_ = identity;
     drawnPart_ = QRect();
@@ -98,20 +106,31 @@ void ScaledPixels::DrawPart(const Pixels& pixels, const QRect& part) {
 }
 
 void ScaledPixels::DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at) {
-    const QSize full = tile.size();
-    double stepX = static_cast<double>(full.width()) / size.width();
-    double stepY = static_cast<double>(full.height()) / size.height();
-    const int level = LevelFor(pyramid_, std::min(stepX, stepY));
-    stepX /= 1 << level;
-    stepY /= 1 << level;
+    const Steps full{static_cast<double>(tile.width()) / size.width(),
+                     static_cast<double>(tile.height()) / size.height()};
+    const int level = LevelFor(full, part);
+    const Steps steps = full.AtLevel(level);
     const QSize source = pyramid_.LevelSize(level);
-    const AxisTaps columns = MakeAxisTaps(source.width(), stepX, part.left(), part.right() + 1,
-                                          FilterFor(stepX));
-    const AxisTaps rows = MakeAxisTaps(source.height(), stepY, part.top(), part.bottom() + 1,
-                                       FilterFor(stepY));
-    const QRect used(QPoint(columns.FirstSource(), rows.FirstSource()),
-                     QPoint(columns.EndSource() - 1, rows.EndSource() - 1));
-    Resample(pyramid_.Level(tile, level, used), columns, rows, drawing_, at);
+    const AxisTaps columns =
+        MakeAxisTaps(source.width(), steps.x, part.left(), part.right() + 1, FilterFor(steps.x));
+    const AxisTaps rows =
+        MakeAxisTaps(source.height(), steps.y, part.top(), part.bottom() + 1, FilterFor(steps.y));
+    Resample(pyramid_.Level(tile, level, steps.Covered(part)), columns, rows, drawing_, at);
+}
+
+// The level whose pixels are at most twice as fine as the device's along the finer axis. While
+// something moves a coarser one will do where that would have to be built first.
+int ScaledPixels::LevelFor(const Steps& full, const QRect& part) const {
+    int level = 0;
+    while (full.AtLevel(level).Finer() > 2 && level + 1 < pyramid_.LevelCount()) {
+        ++level;
+    }
+    const auto isBuilt = [&](int candidate) {
+        return pyramid_.IsBuilt(candidate, full.AtLevel(candidate).Covered(part));
+    };
+    const bool takesCoarser = quality_ == Quality::Fast && level + 1 < pyramid_.LevelCount() &&
+                              !isBuilt(level) && isBuilt(level + 1);
+    return takesCoarser ? level + 1 : level;
 }
 
 Filter ScaledPixels::FilterFor(double step) const {

@@ -51,6 +51,8 @@ class ScaledPixels {
     void Notice(const Pixels& pixels);
     void DrawPart(const Pixels& pixels, const QRect& part);
     void DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at);
+    struct Steps;
+    int LevelFor(const Steps& full, const QRect& part) const;
     Filter FilterFor(double step) const;
 
     Enlargement enlargement_;

@@ -9,7 +9,7 @@ namespace {
 
 // In logical pixels.
 constexpr double LineWidth = 1.0;
-constexpr double HandleSize = 10.0;
+constexpr double HandleSize = 11.0;
 constexpr double HitSize = 16.0;
 
 constexpr QColor Light(255, 255, 255, 230);
@@ -19,7 +19,9 @@ int DevicePixels(double logical, double deviceScale) {
     return std::max(1, static_cast<int>(std::lround(logical * deviceScale)));
 }
 
-QRect Grown(const QRect& rectangle, int by) { return rectangle.adjusted(-by, -by, by, by); }
+QRect Grown(const QRect& rectangle, int by) {
+    return rectangle.adjusted(-by, -by, by, by);
+}
 
 // A line of `width` just outside of `inner`, without a pen's rounding.
 void DrawOutline(QPainter& painter, const QRect& inner, int width, const QColor& colour) {
@@ -44,11 +46,16 @@ void SelectionFrame::Draw(QPainter& painter, const QRect& layer, const QColor& a
     for (const HandleLayout::Place& place : handles.Places()) {
         QRect square(0, 0, handleSize_, handleSize_);
         square.moveTopLeft(place.centre - QPoint(handleSize_ / 2, handleSize_ / 2));
-        const QRect inside = Grown(square, -2 * lineWidth_);
-        DrawOutline(painter, Grown(square, -lineWidth_), lineWidth_, HandleEdge);
+        const QRect inside = Grown(square, -lineWidth_);
+        DrawOutline(painter, square, lineWidth_, HandleEdge);
         DrawOutline(painter, inside, lineWidth_, accent);
         painter.fillRect(inside, Qt::white);
     }
+}
+
+HandleLayout SelectionFrame::Handles(const QRect& layer) const {
+    // Their middles lie on the coloured line.
+    return {Grown(layer, lineWidth_), hitSize_};
 }
 
 QRect SelectionFrame::Extent(const QRect& layer) const {

@@ -18,7 +18,7 @@ class SelectionFrame {
     /// its handles. A light and a dark or coloured line side by side show on every photo.
     void Draw(QPainter& painter, const QRect& layer, const QColor& accent) const;
 
-    HandleLayout Handles(const QRect& layer) const { return {layer, hitSize_}; }
+    HandleLayout Handles(const QRect& layer) const;
 
     /// What drawing a frame around `layer` may touch.
     QRect Extent(const QRect& layer) const;

@@ -9,9 +9,9 @@ namespace kadrona::imaging::view {
 namespace {
 
 // In logical pixels.
-constexpr double Blur = 4.5;
+constexpr double Blur = 4.0;
 constexpr double Drop = 2.0;
-constexpr double Opacity = 0.38;
+constexpr double Opacity = 0.5;
 
 // The blurred edge of a half plane that begins at 0.
 double BlurredEdge(double position, double sigma) {

@@ -22,7 +22,8 @@ class Shadow {
 
     double deviceScale_ = 0;
     int reach_ = 0;
-    /// A square with a side of 4 reaches + 1, in its middle the shadow's rectangle of 2 reaches + 1.
+    /// A square with a side of 4 reaches + 1, in its middle the shadow's rectangle of 2 reaches
+    /// + 1.
     QImage patch_;
 };
 

@@ -49,7 +49,9 @@ double ViewGeometry::FitZoom() const {
     return std::min({width / imageSize_.width(), height / imageSize_.height(), MaximumZoom});
 }
 
-double ViewGeometry::MinimumZoom() const { return std::min(FitZoom() / 8, 1.0); }
+double ViewGeometry::MinimumZoom() const {
+    return std::min(FitZoom() / 8, 1.0);
+}
 
 void ViewGeometry::Fit() {
     zoom_ = FitZoom();
@@ -67,7 +69,9 @@ void ViewGeometry::Place(QPointF imagePoint, QPointF device) {
     KeepInView();
 }
 
-QPoint ViewGeometry::Origin() const { return origin_.toPoint(); }
+QPoint ViewGeometry::Origin() const {
+    return origin_.toPoint();
+}
 
 QSize ViewGeometry::ScaledSize() const {
     return {ScaledLength(imageSize_.width(), zoom_), ScaledLength(imageSize_.height(), zoom_)};

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QSignalSpy>
@@ -338,6 +338,17 @@ TEST_F(ImageViewTest, DrawsSmoothlyOnceTheZoomRests) {
     EXPECT_NE(moving, resting);
     view_.SetZoomPercent(view_.ZoomPercent());
     ExpectSamePixels(Grab(), resting);
+}
+
+TEST_F(ImageViewTest, FocusShowsWhenItCameByTheKeyboard) {
+    const auto cornerAfter = [&](Qt::FocusReason reason) {
+        view_.clearFocus();
+        view_.setFocus(reason);
+        return Grab().pixelColor(0, 0);
+    };
+    QApplication::setActiveWindow(&view_);
+    EXPECT_EQ(cornerAfter(Qt::TabFocusReason), view_.palette().color(QPalette::Highlight));
+    EXPECT_EQ(cornerAfter(Qt::MouseFocusReason), QColor(Qt::white));
 }
 
 TEST_F(ImageViewTest, ABrushDabIsShownAndDoesNotCopyThePhoto) {
