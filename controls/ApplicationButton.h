@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QToolButton>
+#include <QPushButton>
 
 namespace kadrona::controls {
 
 class ApplicationMenu;
 
 /// The prominent button at the left of the command area. A click, Alt+H or F10 opens its menu.
-class ApplicationButton : public QToolButton {
+class ApplicationButton : public QPushButton {
     Q_OBJECT
 
  public:

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QStringList>
 
+class QAction;
 class QBoxLayout;
 class QLabel;
 class QListWidget;
@@ -18,7 +19,7 @@ namespace kadrona::controls {
 ///     | -------------- | list               |
 ///     | [] Quit  Ctrl+Q|                    |
 ///     +----------------+--------------------+
-///     |                          [ Settings]|
+///     |                           [Settings]|
 ///     +-------------------------------------+
 ///
 /// Arrow keys, Home, End and Tab move, Enter or Space triggers, a mnemonic or an entry's first
@@ -54,17 +55,20 @@ class ApplicationMenu : public QFrame {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+    QWidget* MakeSidePane();
     QList<QWidget*> Stops() const;
     void MoveFocus(int step);
-    bool JumpTo(const QString& typed);
+    void FocusEnd(bool last);
+    void JumpTo(QChar letter);
+    void Trigger();
     void CloseAndTrigger(QAction* action);
+    void CloseAndChoose(int row);
 
     QBoxLayout* entries_;
-    QLabel* heading_;
-    QLabel* description_;
-    QListWidget* sideItems_;
-    QBoxLayout* foot_;
-    QPushButton* footButton_ = nullptr;
+    QLabel* heading_ = nullptr;
+    QLabel* description_ = nullptr;
+    QListWidget* sideItems_ = nullptr;
+    QPushButton* footButton_;
 };
 
 }  // namespace kadrona::controls

@@ -17,7 +17,7 @@ namespace kadrona::controls {
 ///     zoom-full            template-shown       template-hidden     retouch
 ///     about                menu                 folder              add
 ///     delete               search               clear               edit
-///     tags                 pick
+///     tags
 ///
 /// Any other name is looked up in the icon theme as it stands.
 QIcon Icon(const QString& name);

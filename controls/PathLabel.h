@@ -5,7 +5,7 @@
 namespace kadrona::controls {
 
 /// One line that shows a path, shortened in its middle to the width there is (see ShortenPath). The
-/// whole path is its tool tip and accessible name; the context menu and Ctrl+C copy it.
+/// whole path is its tool tip and accessible name; the context menu copies it.
 class PathLabel : public QWidget {
     Q_OBJECT
 

@@ -12,6 +12,7 @@
 #include "core/TemplateCatalogue.h"
 #include "core/TemplateFile.h"
 #include "imaging/ImageDisplay.h"
+#include "store/Database.h"
 
 namespace kadrona::core {
 
@@ -94,6 +95,8 @@ class TData {
     bool SaveNewProfile(const QString& name, ProfileStore& store) const;
     void SaveProfileToIni(const QString& name, const QString& fileName) const;
     bool DeleteProfile(const QString& name) const;
+    /// Full path of a profile's settings file; empty when the profile or its file is missing.
+    QString ProfileFile(const QString& name) const;
 
     // Printer profiles
     QStringList GetPrinterProfileList() const;
@@ -105,6 +108,33 @@ class TData {
     bool CreateDB();
     void SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
                            const QString& tags, const QString& objectName);
+
+ private:
+    QString LayoutFile() const;
+    QString ProfileIndexFile() const;
+    void ArchiveSinglePhoto(imaging::ImageDisplay& view);
+
+    UserInterface& ui_;
+    const Settings* settings_ = nullptr;
+    std::function<void(TData&)> initHandler_;
+
+    QString programFolder_;
+    QString dataFolder_;
+    QString templateFolder_;
+    QString curvesFolder_;
+    int frameSize_ = 25;
+
+    QString currentFile_;
+    QString currentFileFolder_;
+    bool adjusted_ = false;
+    core::OpenDialog openDialog_;
+
+    std::vector<CatalogueEntry> maskList_;
+    std::vector<TMask> objectList_;
+    QString templateName_;
+    QSize templateCanvas_;
+
+    std::unique_ptr<store::Database> database_;
 };
 
 }  // namespace kadrona::core

@@ -51,4 +51,8 @@ class Settings {
     virtual bool WhiteBalancePipette() const = 0;
 };
 
+/// The gap between photos in pixels: the decimal value of the FrameSize text. Throws
+/// platform::Error where the text is no whole number.
+int FrameSizeOf(const Settings& settings);
+
 }  // namespace kadrona::core

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIODevice>
 #include <QString>
 
 #include "imaging/Pixels.h"
@@ -32,5 +33,9 @@ struct LoadedImage {
 /// WMF, EMF and whatever the installed Qt plug-ins read. The first page or frame. The content
 /// decides the format, not the name. Embedded profiles are brought to sRGB. Throws ReadError.
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});
+
+/// The same from an open device with random access, from its start; `name` stands for the file in
+/// the text of an error.
+LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options = {});
 
 }  // namespace kadrona::imaging

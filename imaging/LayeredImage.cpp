@@ -17,7 +17,7 @@ std::pair<qint64, QSize> Identity(const Pixels& pixels) {
 LayeredImage::LayeredImage(QObject* parent) : QObject(parent) {}
 
 void LayeredImage::SetCurrentLayer(int index) {
-    layers_.at(static_cast<size_t>(index));
+    static_cast<void>(LayerAt(index));
     if (index != currentLayer_) {
         currentLayer_ = index;
         Q_EMIT LayersChanged();
@@ -66,6 +66,9 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
 
 void LayeredImage::ChangePhoto(Pixels changed) {
     Layer& photo = layers_.at(0);
+    if (changed.IsEmpty()) {
+        throw std::invalid_argument("a photo cannot change to nothing");
+    }
     if (automaticUndo_) {
         RecordUndoStep();
     }
@@ -77,8 +80,21 @@ void LayeredImage::ChangePhoto(Pixels changed) {
     Q_EMIT PhotoChanged();
 }
 
+void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage& photo)>& edit) {
+    Pixels& photo = layers_.at(0).pixels;
+    const QRect inside = area & QRect(QPoint(), photo.Size());
+    if (inside.isEmpty()) {
+        return;
+    }
+    photo = Pixels(photo.ToImage());
+    history_.EditInPlace(photo, inside, edit);
+    Q_EMIT PhotoChanged();
+}
+
 int LayeredImage::AddLayer(Layer layer) {
-    layers_.at(0);
+    if (IsEmpty()) {
+        throw std::out_of_range("a layer needs a photo below it");
+    }
     layers_.push_back(std::move(layer));
     currentLayer_ = LayerCount() - 1;
     Q_EMIT LayersChanged();

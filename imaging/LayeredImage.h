@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QRect>
+#include <functional>
 #include <vector>
 
 #include "imaging/Pixels.h"
@@ -52,8 +53,16 @@ class LayeredImage : public QObject {
     void Open(Pixels photo, DotsPerInch resolution);
 
     /// Replaces the photo's pixels by changed ones, as every tool does. Records an undo step first
-    /// when automatic recording is on. The layers above stay.
+    /// when automatic recording is on. The layers above stay. Throws std::invalid_argument for
+    /// empty pixels.
     void ChangePhoto(Pixels changed);
+
+    /// Changes the photo in place, as a brush does: `edit` gets the photo's image and changes it
+    /// inside `area` alone. A stroke begins with RecordUndoStep(), which costs nothing, and calls
+    /// this for each dab; the history then takes the 256 x 256 blocks that the stroke touched.
+    /// Whoever holds a copy of the photo's pixels meanwhile makes the first dab copy all of them. A
+    /// grid is unrolled.
+    void EditPhoto(const QRect& area, const std::function<void(QImage& photo)>& edit);
 
     /// Adds a layer on top of the photo and makes it current; returns its index.
     int AddLayer(Layer layer);

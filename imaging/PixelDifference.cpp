@@ -1,5 +1,6 @@
 #include "imaging/PixelDifference.h"
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 
@@ -22,7 +23,8 @@ const uchar* PixelAt(const QImage& image, int x, int y) {
 
 bool AreEqual(const QImage& a, const QImage& b, const QRect& area) {
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        if (std::memcmp(PixelAt(a, area.left(), y), PixelAt(b, area.left(), y), RowLength(area))) {
+        if (std::memcmp(PixelAt(a, area.left(), y), PixelAt(b, area.left(), y), RowLength(area)) !=
+            0) {
             return false;
         }
     }
@@ -44,17 +46,22 @@ void Paste(const QImage& source, QPoint position, QImage& target) {
     }
 }
 
-std::vector<QRect> DifferingBlocks(const QImage& a, const QImage& b) {
+/// The blocks that an area of an image touches.
+std::vector<QRect> BlocksIn(const QRect& area, const QRect& image) {
     constexpr int Length = PixelDifference::BlockLength;
+    const QRect inside = area & image;
     std::vector<QRect> blocks;
-    for (int y = 0; y < a.height(); y += Length) {
-        for (int x = 0; x < a.width(); x += Length) {
-            const QRect block = QRect(x, y, Length, Length) & a.rect();
-            if (!AreEqual(a, b, block)) {
-                blocks.push_back(block);
-            }
+    for (int y = inside.top() / Length * Length; y <= inside.bottom(); y += Length) {
+        for (int x = inside.left() / Length * Length; x <= inside.right(); x += Length) {
+            blocks.push_back(QRect(x, y, Length, Length) & image);
         }
     }
+    return blocks;
+}
+
+std::vector<QRect> DifferingBlocks(const QImage& a, const QImage& b) {
+    std::vector<QRect> blocks = BlocksIn(a.rect(), a.rect());
+    std::erase_if(blocks, [&](const QRect& block) { return AreEqual(a, b, block); });
     return blocks;
 }
 
@@ -94,6 +101,20 @@ PixelDifference::PixelDifference(const Pixels& base, const Pixels& target) {
     } catch (const platform::Error&) {
         blocks_.clear();
         whole_ = target;
+    }
+}
+
+void PixelDifference::HoldArea(const Pixels& base, const QRect& area) {
+    if (!whole_.IsEmpty()) {
+        return;
+    }
+    for (const QRect& block : BlocksIn(area, base.Tile().rect())) {
+        const bool isHeld = std::any_of(blocks_.begin(), blocks_.end(), [&](const Block& held) {
+            return held.position == block.topLeft();
+        });
+        if (!isHeld) {
+            blocks_.push_back({block.topLeft(), CopyOf(base.Tile(), block)});
+        }
     }
 }
 

@@ -27,6 +27,10 @@ class PixelDifference {
     /// platform::Error where memory is short and leaves the base then.
     void ApplyTo(Pixels& base) const;
 
+    /// Prepares for the base being changed inside `area`: holds the blocks there as the target has
+    /// them now, so that the target stays what it is. Throws platform::Error where memory is short.
+    void HoldArea(const Pixels& base, const QRect& area);
+
     /// The target where it is held whole, else empty.
     const Pixels& Whole() const { return whole_; }
 

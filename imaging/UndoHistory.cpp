@@ -88,6 +88,21 @@ void UndoHistory::TakeNewest(Pixels& photo, DotsPerInch& resolution) {
     }
 }
 
+void UndoHistory::EditInPlace(Pixels& photo, const QRect& area,
+                              const std::function<void(QImage&)>& edit) {
+    const bool isShared = !steps_.empty() && reference_.SharesPixelsWith(photo);
+    if (isShared) {
+        steps_.back().difference.HoldArea(reference_, area);
+        reference_ = Pixels();
+    }
+    const auto follow = qScopeGuard([&] {
+        if (isShared) {
+            reference_ = photo;
+        }
+    });
+    edit(photo.EditableTile());
+}
+
 void UndoHistory::DropNewest() {
     steps_.back().difference.ApplyTo(reference_);
     steps_.pop_back();

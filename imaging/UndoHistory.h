@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <deque>
+#include <functional>
 
 #include "imaging/PixelDifference.h"
 #include "imaging/Pixels.h"
@@ -41,6 +42,11 @@ class UndoHistory {
     /// and nothing else shares the photo's pixels. There is no redo. Throws platform::Error where
     /// memory is short; photo and history stay then. Precondition: not empty.
     void TakeNewest(Pixels& photo, DotsPerInch& resolution);
+
+    /// Lets `edit` change the photo's tile in place, inside `area` alone, and keeps only the blocks
+    /// touched: nothing but those is copied unless pixels are shared beside the history. Throws
+    /// platform::Error where memory is short, before anything is changed.
+    void EditInPlace(Pixels& photo, const QRect& area, const std::function<void(QImage&)>& edit);
 
     /// Drops the newest step without going back to it. Precondition: not empty.
     void DropNewest();

@@ -2,6 +2,8 @@
 #include <array>
 #include <cmath>
 #include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#include <optional>
 #include <vector>
 
 #include "imaging/MatView.h"
@@ -27,14 +29,22 @@ constexpr int SamplesPerDirection = 512;
 constexpr int DarkestMiddleTone = 16;
 constexpr int BrightestMiddleTone = 250;
 
+/// The histogram of chromaticities goes from a gain of 1/2 to one of 2 in both directions: no light
+/// that a portrait is taken in needs more. One step is 3 per cent.
+constexpr int StepsPerDirection = 23;
+constexpr int HistogramLength = 2 * StepsPerDirection + 1;
+const double LargestLogGain = std::log(2.0);
+
+/// How likely a light is, as the spread of its logarithmic gains: cameras have corrected most of
+/// it.
+constexpr double PriorSpread = 0.25;
+
+/// Where fewer points than this (weighted by how likely their light is) agree on a light, the
+/// colours are the picture's own.
+constexpr double LeastEvidence = 0.01;
+
 /// A point is nearly grey where its channels differ by at most this part of the largest.
-constexpr double GreySaturation = 0.25;
-
-/// With fewer of the points nearly grey there is nothing to refine the gains on.
-constexpr double LeastGreyPart = 0.01;
-
-/// No light that a portrait is taken in needs more; beyond it the colours are the picture's own.
-constexpr double LargestGain = 2;
+constexpr double GreySaturation = 0.12;
 
 std::vector<QRgb> MiddleTones(const QImage& image) {
     const int stepX = std::max(1, image.width() / SamplesPerDirection);
@@ -52,43 +62,75 @@ std::vector<QRgb> MiddleTones(const QImage& image) {
     return tones;
 }
 
-/// The gains that make the average of the points neutral, of which `gains` leave a saturation of at
-/// most `saturation`; `gains` as they are where there are too few of these.
-Gains Refined(const std::vector<QRgb>& points, const Gains& gains, double saturation) {
+double LogGain(int bin) {
+    return (bin - StepsPerDirection) * LargestLogGain / StepsPerDirection;
+}
+
+/// The part of the points that each pair of gains makes neutral: rows are gains of red, columns of
+/// blue, smoothed over the width of nearly grey.
+cv::Mat LightHistogram(const std::vector<QRgb>& points) {
+    cv::Mat histogram = cv::Mat::zeros(HistogramLength, HistogramLength, CV_32F);
+    const auto bin = [](int green, int channel) {
+        const double gain = std::log(double(green) / channel);
+        return StepsPerDirection + qRound(gain / LargestLogGain * StepsPerDirection);
+    };
+    for (const QRgb point : points) {
+        const int red = bin(qGreen(point), qRed(point));
+        const int blue = bin(qGreen(point), qBlue(point));
+        if (red >= 0 && red < HistogramLength && blue >= 0 && blue < HistogramLength) {
+            histogram.at<float>(red, blue) += 1.0F / static_cast<float>(points.size());
+        }
+    }
+    constexpr int Width = 5;
+    cv::boxFilter(histogram, histogram, -1, {Width, Width}, {-1, -1}, false, cv::BORDER_CONSTANT);
+    return histogram;
+}
+
+/// The light that most points agree on, weighted by how likely it is; none where too few do.
+std::optional<Gains> MostLikelyGains(const std::vector<QRgb>& points) {
+    cv::Mat evidence = LightHistogram(points);
+    for (int red = 0; red < HistogramLength; ++red) {
+        for (int blue = 0; blue < HistogramLength; ++blue) {
+            const double distance = std::hypot(LogGain(red), LogGain(blue)) / PriorSpread;
+            evidence.at<float>(red, blue) *= static_cast<float>(std::exp(-distance * distance / 2));
+        }
+    }
+    double most = 0;
+    cv::Point peak;
+    cv::minMaxLoc(evidence, nullptr, &most, nullptr, &peak);
+    if (most < LeastEvidence) {
+        return std::nullopt;
+    }
+    return Gains{std::exp(LogGain(peak.y)), std::exp(LogGain(peak.x))};
+}
+
+/// The gains that make the average of those points neutral that `gains` make nearly grey.
+Gains Refined(const std::vector<QRgb>& points, const Gains& gains) {
     double red = 0;
     double green = 0;
     double blue = 0;
-    qsizetype count = 0;
     for (const QRgb point : points) {
         const auto [least, most] = std::minmax(
             {qRed(point) * gains.red, double(qGreen(point)), qBlue(point) * gains.blue});
-        if (most - least <= saturation * most) {
+        if (most - least <= GreySaturation * most) {
             red += qRed(point);
             green += qGreen(point);
             blue += qBlue(point);
-            ++count;
         }
     }
-    if (count == 0 || count < LeastGreyPart * points.size()) {
-        return gains;
-    }
-    return {std::clamp(green / red, 1 / LargestGain, LargestGain),
-            std::clamp(green / blue, 1 / LargestGain, LargestGain)};
+    return green > 0 ? Gains{green / red, green / blue} : gains;
 }
 
 Gains EstimatedGains(const QImage& image) {
-    constexpr int MostRounds = 20;
-    constexpr double Still = 1e-4;
+    constexpr int Rounds = 5;
     const std::vector<QRgb> points = MiddleTones(image);
-    Gains gains = Refined(points, {}, 1);
-    for (int round = 0; round < MostRounds; ++round) {
-        const Gains refined = Refined(points, gains, GreySaturation);
-        const double change =
-            std::abs(refined.red - gains.red) + std::abs(refined.blue - gains.blue);
-        gains = refined;
-        if (change < Still) {
-            break;
-        }
+    const std::optional<Gains> likely = MostLikelyGains(points);
+    if (!likely) {
+        return {};
+    }
+    Gains gains = *likely;
+    for (int round = 0; round < Rounds; ++round) {
+        gains = Refined(points, gains);
     }
     return gains;
 }

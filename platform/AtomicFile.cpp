@@ -58,12 +58,21 @@ qint64 AtomicFile::CompleteSaveFile::writeData(const char* data, qint64 size) {
 
 void AtomicFile::Commit() {
     const QString path = file_.fileName();
-    // QSaveFile flushes too, but takes a failure to bring the file to the disk for a success.
-    if (file_.error() == QFileDevice::NoError && file_.flush()) {
-        if (const int code = FlushToDisk(file_.handle()); code != 0) {
-            file_.cancelWriting();
-            throw WriteError(path, SystemReason(code));
-        }
+    // A write from Qt's buffer that the system cut short names no reason: the flush that tries the
+    // rest does. After closing, every reason is lost. QSaveFile also flushes by itself, but takes a
+    // failure to bring the content to the disk for a success.
+    const bool failedBefore = file_.error() != QFileDevice::NoError;
+    const bool flushed = file_.flush();
+    QString reason;
+    if (failedBefore || !flushed) {
+        reason = SystemReason(file_);
+    } else if (const int code = FlushToDisk(file_.handle()); code != 0) {
+        reason = SystemReason(code);
+    }
+    if (!reason.isEmpty()) {
+        file_.cancelWriting();
+        file_.commit();
+        throw WriteError(path, reason);
     }
     if (!file_.commit()) {
         throw WriteError(path, SystemReason(file_));

@@ -23,22 +23,21 @@ class Shield {
  public:
     void Add(QStringView line);
 
-    QString Finished() {
-        AnchorComment();
-        return std::move(text_);
-    }
+    QString Finished();
 
  private:
     using Names = std::set<QString, CaseInsensitiveLess>;
 
     void AddSection(QStringView header, QStringView tail);
+    void AddEmptyLine();
     void AddComment(QStringView comment);
     bool IsReadableKey(QStringView line);
     void Keep(QStringView line);
     void AnchorComment();
     void StartMarkedKey();
 
-    QString text_;
+    // A comment at the very start would count as one for the whole file and be written apart.
+    QString text_ = u"\n"_s;
     std::map<QString, Names, CaseInsensitiveLess> keysOfSections_;
     Names* keys_ = nullptr;  // of the section in progress; null before the first one
     int markedKeys_ = 0;
@@ -51,7 +50,7 @@ void Shield::Add(QStringView line) {
     const QStringView section =
         sectionEnd > 0 ? TrimmedIniText(trimmed.sliced(1, sectionEnd - 1)) : QStringView();
     if (trimmed.isEmpty()) {
-        text_ += u'\n';
+        AddEmptyLine();
     } else if (IsComment(trimmed)) {
         AddComment(trimmed);
     } else if (!section.isEmpty()) {
@@ -62,6 +61,13 @@ void Shield::Add(QStringView line) {
         commentIsLoose_ = false;
     } else {
         Keep(line);
+    }
+}
+
+/// Other empty lines are left to SimpleIni, which sets sections apart by itself.
+void Shield::AddEmptyLine() {
+    if (commentIsLoose_) {
+        Keep({});
     }
 }
 
@@ -109,6 +115,11 @@ void Shield::AnchorComment() {
         text_ += u'\n';
         commentIsLoose_ = false;
     }
+}
+
+QString Shield::Finished() {
+    AnchorComment();
+    return std::move(text_);
 }
 
 void Shield::StartMarkedKey() {
@@ -167,6 +178,10 @@ QByteArray UnshieldedIniText(const std::string& written) {
     }
     while (text.endsWith("\n\n")) {
         text.chop(1);
+    }
+    // At the start of the file it would read as a byte order mark and be dropped.
+    if (text.startsWith("\xEF\xBB\xBF")) {
+        text.prepend('\n');
     }
     return text;
 }

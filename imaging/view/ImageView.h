@@ -3,6 +3,7 @@
 #include <QFlags>
 #include <QPointF>
 #include <QWidget>
+#include <chrono>
 #include <memory>
 
 #include "imaging/ImageDisplay.h"
@@ -14,8 +15,11 @@ namespace kadrona::imaging::view {
 ///
 /// The wheel zooms at the pointer; dragging beside the layer pans; dragging the current layer moves
 /// it (a layer can be picked on its transparent parts too); its handles scale it with the aspect
-/// ratio kept; arrow keys move it by one photo pixel, with Shift by ten. While something moves the
-/// photo is drawn fast, at rest smoothly, at the screen's own pixels.
+/// ratio kept, and Escape takes a drag back; arrow keys move it by one photo pixel, with Shift by
+/// ten. While something moves the photo is drawn fast, at rest smoothly, at the screen's own pixels.
+///
+/// The view sets its cursor itself where the pointer can drag something. A cursor that its owner
+/// sets shows everywhere else.
 class ImageView : public QWidget, public ImageDisplay {
     Q_OBJECT
 
@@ -37,11 +41,13 @@ class ImageView : public QWidget, public ImageDisplay {
     void SetInteraction(Interactions interaction);
     Interactions CurrentInteraction() const;
 
-    /// On: every change of size of the window or the image fits the image again.
+    /// On: every change of size of the window or the image fits the image again. On at first; a
+    /// zoom by the user switches it off.
     void SetAutomaticFit(bool on);
     bool AutomaticFit() const;
 
-    /// Screen pixels per photo pixel times 100, about the middle of the view.
+    /// Screen pixels per photo pixel times 100, about the middle of the view. At least an eighth of
+    /// the fit, at most 3200.
     void SetZoomPercent(double percent);
     double ZoomPercent() const;
 
@@ -52,13 +58,30 @@ class ImageView : public QWidget, public ImageDisplay {
     /// True while the user drags the view, a layer or a handle.
     bool IsInteracting() const;
 
+    /// How long after the last movement the photo is drawn smoothly again.
+    void SetSettleDelay(std::chrono::milliseconds delay);
+
  Q_SIGNALS:
-    /// The user moved or resized a layer; sent at every step of a drag.
+    /// The user moved or resized a layer; sent at every step of a drag, when the layer has its new
+    /// rectangle. A receiver may set a better one there and then.
     void LayerChangedByUser(int layer);
     /// A mouse button went down over the view, before the view handles it.
     void MousePressed(QPointF imagePosition, Qt::MouseButton button,
                       Qt::KeyboardModifiers modifiers);
     void ZoomChanged(double percent);
+
+ protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
  private:
     class Private;

@@ -1,0 +1,95 @@
+#include "app/Application.h"
+
+#include <QApplication>
+#include <QTextStream>
+#include <QTimer>
+
+#include "app/MainWindow.h"
+#include "app/SheetCommand.h"
+#include "controls/ActionGuard.h"
+#include "controls/Theme.h"
+#include "core/Product.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+/// What the arguments ask for when it needs no window; nothing when a window is to be opened.
+std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& arguments) {
+    QTextStream output(stdout);
+    QTextStream errors(stderr);
+    const QString first = arguments.value(1);
+    if (first == u"sheet"_s) {
+        // No display and no fonts are needed, only the image plug-ins.
+        const QCoreApplication console(argc, argv);
+        return RunSheetCommand(arguments.mid(2), output, errors);
+    }
+    if (first == u"--help"_s || first == u"-h"_s) {
+        output << core::WindowCaption << u"\n\n"_s << CommandLineHelp();
+        return Done;
+    }
+    if (first == u"--version"_s) {
+        output << core::WindowCaption << Qt::endl;
+        return Done;
+    }
+    if (first.startsWith(u'-') || arguments.size() > 2) {
+        errors << u"So kann Kadrona nicht gestartet werden.\n\n"_s << CommandLineHelp();
+        return WrongUsage;
+    }
+    return std::nullopt;
+}
+
+/// Qt would end the program without a word that a user understands.
+bool HasDisplay() {
+#ifdef Q_OS_LINUX
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+QStringList ArgumentsOf(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    return arguments;
+}
+
+int RunWindow(int argc, char** argv, const QString& photo) {
+    QApplication application(argc, argv);
+    controls::ApplyTheme(application);
+    QApplication::setApplicationName(core::ApplicationTitle.toString());
+    QApplication::setWindowIcon(QIcon(u":/kadrona.svg"_s));
+    int result = Done;
+    const bool started = controls::Guarded(nullptr, [&] {
+        TmainFm window;
+        window.CreateReusedWindows();
+        window.show();
+        if (!photo.isEmpty()) {
+            QTimer::singleShot(0, &window, [&] { window.OpenDroppedFiles({photo}); });
+        }
+        result = QApplication::exec();
+    });
+    return started ? result : SomePhotoFailed;
+}
+
+}  // namespace
+
+int Run(int argc, char** argv) {
+    const QStringList arguments = ArgumentsOf(argc, argv);
+    if (const auto exitCode = RunWithoutWindow(argc, argv, arguments)) {
+        return *exitCode;
+    }
+    if (!HasDisplay()) {
+        QTextStream(stderr) << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
+                               u"„kadrona sheet“ (siehe kadrona --help).\n"_s;
+        return SomePhotoFailed;
+    }
+    return RunWindow(argc, argv, arguments.value(1));
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,191 @@
+// Life of the main window: start, end, closing, and the update of its actions.
+
+#include "app/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "controls/ActionGuard.h"
+#include "controls/MessageBoxes.h"
+#include "core/Product.h"
+#include "dialogs/About.h"
+#include "dialogs/ProfileChooser.h"
+#include "dialogs/SettingsDialog.h"
+#include "dialogs/TemplateChooser.h"
+#include "imaging/view/ImageView.h"
+#include "platform/UserRegistry.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+constexpr QSize DesignedClientArea(772, 675);
+constexpr int UndoLimit = 10;
+const QString LayoutSection = u"mainFm"_s;
+const QString CountValue = u"DBCount"_s;
+
+/// Whether enough of a window would be on a screen to take hold of it.
+bool IsReachable(const QRect& window) {
+    const QRect grip(window.topLeft(), QSize(window.width(), 32));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect visible = screen->availableGeometry().intersected(grip);
+        if (visible.width() >= 64 && visible.height() >= 8) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+TmainFm::TmainFm(const core::TData::Folders& folders) {
+    setObjectName(LayoutSection);
+    setWindowTitle(core::WindowCaption.toString());
+    BuildCommandArea();
+    BuildViewPanel();
+    BuildStatusBar();
+    SetScreenTips();
+    resize(DesignedClientArea);
+    FormCreate(folders);
+    ConnectActions();
+    UpdateActions();
+}
+
+TmainFm::~TmainFm() {
+    FormDestroy();
+}
+
+void TmainFm::FormCreate(const core::TData::Folders& folders) {
+    dbCount_ = platform::ReadRegistryInteger(CountValue);
+    data_ = std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders);
+    settings_ = new dialogs::TEinstellungenFm(*data_, this);
+    data_->SetSettings(settings_);
+    data_->SetInitHandler([this](core::TData&) { settings_->InitPropertys(); });
+    settings_->SetImageCountHandler([this](int index) { pictureCount_->setCurrentIndex(index); });
+    controls::Guarded(this, [this] { data_->InitSystem(); });
+
+    templateChooser_ = new dialogs::TSchabloneFm(*settings_, this);
+    templateChooser_->SetRotationHandler([this](int degrees) {
+        RotatePhoto(degrees);
+        acZoomFitExecute();
+    });
+    profileChooser_ = new dialogs::TProfileDlgFM(this);
+    templateChooser_->SetTemplates(data_->GetSchablonenList());
+    view_->Image().SetAutomaticUndo(true);
+    view_->Image().SetUndoLimit(UndoLimit);
+    controls::Guarded(this, [this] { RestoreRectangle(); });
+    sheetCreated_ = false;
+    imageLoaded_ = false;
+    pictureCount_->setCurrentIndex(settings_->ImageCount());
+    savedViewCursor_ = view_->cursor();
+}
+
+void TmainFm::CreateReusedWindows() {
+    about_ = new dialogs::TfmAbout(this);
+}
+
+void TmainFm::FormDestroy() {
+    platform::WriteRegistryInteger(CountValue, dbCount_);
+    // The dialogs and the view may still ask the data module while they go.
+    delete templateChooser_;
+    delete settings_;
+    data_.reset();
+}
+
+/// A saved edge of exactly 0 means that nothing is restored; so does a place that no screen shows
+/// any more.
+void TmainFm::RestoreRectangle() {
+    const QRect saved = data_->ReadLayerPosFromIni(LayoutSection);
+    if (saved.x() != 0 && saved.y() != 0 && IsReachable(saved)) {
+        move(saved.topLeft());
+        resize(saved.size());
+    }
+}
+
+void TmainFm::FormCloseQuery() {
+    const bool restored = !isMaximized() && !isFullScreen();
+    const QRect rectangle = restored ? QRect(pos(), size()) : normalGeometry();
+    data_->SaveLayerPosToIni(LayoutSection, rectangle);
+}
+
+void TmainFm::closeEvent(QCloseEvent* event) {
+    controls::Guarded(this, [this] { FormCloseQuery(); });
+    event->accept();
+}
+
+void TmainFm::Connect(const QString& action, Handler handler) {
+    connect(actions_[action], &QAction::triggered, this, [this, handler] {
+        controls::Guarded(this, [this, handler] { (this->*handler)(); });
+        UpdateActions();
+    });
+}
+
+void TmainFm::ConnectActions() {
+    Connect(u"acOpen"_s, &TmainFm::acOpenExecute);
+    Connect(u"acOpenWithProfile"_s, &TmainFm::acOpenWithProfileExecute);
+    Connect(u"acClose"_s, &TmainFm::acCloseExecute);
+    Connect(u"acCrop"_s, &TmainFm::acCropExecute);
+    Connect(u"acZoomFit"_s, &TmainFm::acZoomFitExecute);
+    Connect(u"acZoomFull"_s, &TmainFm::acZoomFullExecute);
+    Connect(u"acRotateLeft"_s, &TmainFm::acRotateLeftExecute);
+    Connect(u"acRotateRight"_s, &TmainFm::acRotateRightExecute);
+    Connect(u"acUndo"_s, &TmainFm::acUndoExecute);
+    Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
+    Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
+    Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
+    for (const QString& name :
+         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSave"_s,
+          u"acSaveImageFast"_s, u"acSearchArchiv"_s, u"acRotateDlg"_s, u"acSetWhitePoint"_s,
+          u"acGradation"_s, u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
+        connect(actions_[name], &QAction::triggered, this, [this, name] {
+            actions_.SetChecked(name, false);
+            ReportUnavailable(name);
+        });
+    }
+
+    connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
+    connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
+    connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
+    connect(&view_->Image(), &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
+}
+
+void TmainFm::UpdateActions() {
+    const imaging::LayeredImage& image = view_->Image();
+    actions_.Update({.imageLoaded = imageLoaded_,
+                     .sheetCreated = sheetCreated_,
+                     .templateLoaded = image.LayerCount() >= 2,
+                     .canUndo = image.CanUndo(),
+                     .layoutIndex = pictureCount_->currentIndex()},
+                    *settings_);
+}
+
+void TmainFm::ShowMessage(const QString& text) {
+    controls::ShowInformation(this, text);
+}
+
+std::optional<QStringList> TmainFm::EditTags() {
+    return std::nullopt;
+}
+
+void TmainFm::acAboutExecute() {
+    about_->exec();
+}
+
+void TmainFm::acShowConfigExecute() {
+    settings_->ShowEx();
+}
+
+void TmainFm::acCloseExecute() {
+    close();
+}
+
+/// For the actions that this version shows without having them yet.
+void TmainFm::ReportUnavailable(const QString& action) {
+    ShowMessage(u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
+}
+
+}  // namespace kadrona::app

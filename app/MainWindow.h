@@ -1,0 +1,130 @@
+#pragma once
+
+#include <QCursor>
+#include <QMainWindow>
+#include <memory>
+
+#include "app/MainActions.h"
+#include "core/Data.h"
+#include "core/UserInterface.h"
+
+class QComboBox;
+class QLabel;
+
+namespace kadrona::controls {
+class CommandArea;
+class StatusPanels;
+}  // namespace kadrona::controls
+
+namespace kadrona::dialogs {
+class TEinstellungenFm;
+class TProfileDlgFM;
+class TSchabloneFm;
+class TfmAbout;
+}  // namespace kadrona::dialogs
+
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
+namespace kadrona::app {
+
+/// The one main window: command area, image view, status bar, and what the actions do. Its sources
+/// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
+/// PhotoOpening, PhotoViewing (zoom, undo, template layer, keys) and PhotoCreation.
+class TmainFm : public QMainWindow, private core::UserInterface {
+    Q_OBJECT
+
+ public:
+    /// Starts the program's data and dialogs in their fixed order.
+    explicit TmainFm(const core::TData::Folders& folders = core::TData::Folders::OfThisMachine());
+    ~TmainFm() override;
+
+    /// Windows that are made after the main window and live as long as it does.
+    void CreateReusedWindows();
+
+    /// Opens a photo as a drop of that file would.
+    void OpenDroppedFiles(const QStringList& paths);
+
+    core::TData& Data() { return *data_; }
+    imaging::view::ImageView& View() { return *view_; }
+    MainActions& Actions() { return actions_; }
+
+ protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    using Handler = void (TmainFm::*)();
+
+    // Life (MainWindow.cpp)
+    void FormCreate(const core::TData::Folders& folders);
+    void FormDestroy();
+    void FormCloseQuery();
+    void RestoreRectangle();
+    void ConnectActions();
+    void Connect(const QString& action, Handler handler);
+    void UpdateActions();
+    void ShowMessage(const QString& text) override;
+    std::optional<QStringList> EditTags() override;
+
+    // Bars and panels (MainWindowLayout.cpp)
+    void BuildCommandArea();
+    void BuildEditBar(controls::CommandArea& area);
+    void BuildViewPanel();
+    void BuildStatusBar();
+    void SetScreenTips();
+
+    // Opening (PhotoOpening.cpp)
+    void acOpenExecute();
+    void acOpenWithProfileExecute();
+    void ChooseAndLoad();
+    void LoadImageFile(const QString& fileName);
+    bool ReadPhoto(const QString& fileName);
+    void ChooseTemplate();
+
+    // Viewing (PhotoViewing.cpp)
+    void ShowTemplateLayer(bool show);
+    void acShowLayerExecute();
+    void acZoomFitExecute();
+    void acZoomFullExecute();
+    void acUndoExecute();
+    void acRotateLeftExecute();
+    void acRotateRightExecute();
+    void QuarterTurn(int degrees);
+    void RotatePhoto(int degrees);
+    void ViewLayerNotify(int layer);
+    void ViewMouseDown();
+    void ViewKeyDown();
+    void ViewKeyUp();
+    void StatusBarPanel2Click();
+
+    // Creation (PhotoCreation.cpp)
+    void acCropExecute();
+
+    // Others
+    void acAboutExecute();
+    void acShowConfigExecute();
+    void acCloseExecute();
+    void ReportUnavailable(const QString& action);
+
+    int dbCount_ = 0;
+    bool imageLoaded_ = false;
+    bool sheetCreated_ = false;
+    QCursor savedViewCursor_;
+
+    MainActions actions_;
+    std::unique_ptr<core::TData> data_;
+    dialogs::TEinstellungenFm* settings_ = nullptr;
+    dialogs::TSchabloneFm* templateChooser_ = nullptr;
+    dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    dialogs::TfmAbout* about_ = nullptr;
+
+    imaging::view::ImageView* view_ = nullptr;
+    QWidget* viewPanel_ = nullptr;
+    QWidget* emptyState_ = nullptr;
+    QComboBox* pictureCount_ = nullptr;
+    controls::StatusPanels* statusPanels_ = nullptr;
+};
+
+}  // namespace kadrona::app

@@ -1,0 +1,42 @@
+// "Passbilder erstellen".
+
+#include <QComboBox>
+
+#include "app/MainWindow.h"
+#include "controls/WaitCursor.h"
+#include "core/PhotoLoading.h"
+#include "dialogs/SettingsDialog.h"
+#include "imaging/view/ImageView.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+void TmainFm::acCropExecute() {
+    imaging::LayeredImage& image = view_->Image();
+    if (actions_.IsChecked(u"acBeauty"_s) || image.LayerCount() < 2) {
+        return;
+    }
+    image.SetCurrentLayer(0);
+    if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
+        ShowMessage(core::TooBrightWarning);
+    }
+    {
+        const controls::WaitCursor wait;
+        data_->CropImage(*view_, pictureCount_->currentIndex());
+    }
+    sheetCreated_ = true;
+    image.ClearUndo();
+    view_->SetInteraction(
+        {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
+    acZoomFitExecute();
+    UpdateActions();
+    if (settings_->PrintAfterCrop()) {
+        ReportUnavailable(u"acPrintImage"_s);
+    }
+    if (settings_->ImageAutoSave2()) {
+        ReportUnavailable(u"acSaveImageFast"_s);
+    }
+}
+
+}  // namespace kadrona::app

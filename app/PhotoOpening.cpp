@@ -1,0 +1,108 @@
+// Opening a photo: by dialog, by drop, with a profile.
+
+#include <QDialog>
+#include <QTimer>
+
+#include "app/MainWindow.h"
+#include "app/PictureFileDialog.h"
+#include "controls/ActionGuard.h"
+#include "controls/StatusPanels.h"
+#include "controls/WaitCursor.h"
+#include "core/PhotoLoading.h"
+#include "dialogs/ProfileChooser.h"
+#include "dialogs/SettingsDialog.h"
+#include "dialogs/TemplateChooser.h"
+#include "imaging/view/ImageView.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+const QString StandardProfile = u"Standard Profile"_s;
+
+}  // namespace
+
+void TmainFm::acOpenExecute() {
+    settings_->AktivateProfileByName(StandardProfile, false);
+    ChooseAndLoad();
+}
+
+void TmainFm::acOpenWithProfileExecute() {
+    profileChooser_->SetProfiles(data_->GetProfileList());
+    if (profileChooser_->ShowEx() != QDialog::Accepted) {
+        return;
+    }
+    settings_->AktivateProfileByName(profileChooser_->SelectedProfile(), false);
+    ChooseAndLoad();
+}
+
+void TmainFm::ChooseAndLoad() {
+    data_->OpenDialog().initialFolder = data_->CurrentFileFolder();
+    if (const auto file = ChoosePicture(this, data_->OpenDialog())) {
+        LoadImageFile(*file);
+    }
+}
+
+void TmainFm::OpenDroppedFiles(const QStringList& paths) {
+    controls::Guarded(this, [&] {
+        settings_->AktivateProfileByName(StandardProfile, false);
+        if (!paths.isEmpty()) {
+            LoadImageFile(paths.first());
+        }
+    });
+    UpdateActions();
+}
+
+void TmainFm::LoadImageFile(const QString& fileName) {
+    const bool read = ReadPhoto(fileName);
+    view_->SetInteraction(
+        {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
+    data_->SetAdjusted(false);
+    sheetCreated_ = false;
+    imageLoaded_ = true;
+    UpdateActions();
+    if (!read) {
+        return;
+    }
+    controls::Guarded(this, [this] {
+        const controls::WaitCursor wait;
+        core::BalancePhoto(*settings_, view_->Image());
+    });
+    actions_.SetChecked(u"acShowLayer"_s, false);
+    ChooseTemplate();
+    data_->LoadLayer(*view_);
+    view_->setFocus();
+}
+
+/// Brings the file into layer 0 and shows it; a failure is shown and leaves the view empty.
+bool TmainFm::ReadPhoto(const QString& fileName) {
+    view_->Image().Clear();
+    emptyState_->hide();
+    view_->show();
+    const imaging::PaintingSuspension suspension(*view_);
+    statusPanels_->SetPath(fileName);
+    data_->SetCurrentFile(fileName);
+    const bool read = controls::Guarded(this, [&] {
+        const controls::WaitCursor wait;
+        core::OpenPhoto(fileName, *settings_, view_->Image());
+    });
+    acZoomFitExecute();
+    return read;
+}
+
+/// A template that cannot be read is reported and leaves the photo without one.
+void TmainFm::ChooseTemplate() {
+    if (templateChooser_->ShowEx() != QDialog::Accepted) {
+        return;
+    }
+    controls::Guarded(this, [this] {
+        const QString file = data_->GetMaskFileName(templateChooser_->SelectedTemplate());
+        if (data_->MaskLoadFromFile(file)) {
+            data_->DrawMask(*view_);
+        }
+    });
+}
+
+}  // namespace kadrona::app

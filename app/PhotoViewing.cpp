@@ -1,0 +1,154 @@
+// Looking at the photo: zoom, panning keys, undo, quarter turns, and the template layer over it.
+
+#include <QKeyEvent>
+#include <stdexcept>
+
+#include "app/MainWindow.h"
+#include "controls/ActionGuard.h"
+#include "controls/Icons.h"
+#include "core/LayerPosition.h"
+#include "core/Product.h"
+#include "imaging/Processing.h"
+#include "imaging/view/ImageView.h"
+#include "platform/WebPage.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+using imaging::view::ImageView;
+
+void TmainFm::ShowTemplateLayer(bool show) {
+    imaging::LayeredImage& image = view_->Image();
+    if (image.LayerCount() < 2) {
+        return;
+    }
+    image.SetLayerVisible(1, show, show);
+    image.SetCurrentLayer(show ? 1 : 0);
+    if (show && actions_.IsChecked(u"acShowLayer"_s)) {
+        actions_.SetChecked(u"acShowLayer"_s, false);
+    }
+}
+
+/// Checked means that the template is hidden. Triggering has toggled the action already; that is
+/// taken back first, because the retouch stamp keeps it as it was.
+void TmainFm::acShowLayerExecute() {
+    QAction* action = actions_[u"acShowLayer"_s];
+    const bool hide = action->isChecked();
+    action->setChecked(!hide);
+    if (actions_.IsChecked(u"acBeauty"_s)) {
+        return;
+    }
+    actions_.SetChecked(u"acShowLayer"_s, hide);
+    ShowTemplateLayer(!hide);
+}
+
+void TmainFm::acZoomFitExecute() {
+    view_->SetAutomaticFit(true);
+    view_->Fit();
+    view_->SetAutomaticFit(false);
+}
+
+void TmainFm::acZoomFullExecute() {
+    view_->SetAutomaticFit(false);
+    view_->SetZoomPercent(100.0);
+    view_->Repaint();
+}
+
+void TmainFm::acUndoExecute() {
+    imaging::LayeredImage& image = view_->Image();
+    if (image.CanUndo()) {
+        image.SetCurrentLayer(0);
+        image.Undo();
+    }
+}
+
+void TmainFm::acRotateLeftExecute() {
+    QuarterTurn(+90);
+}
+
+void TmainFm::acRotateRightExecute() {
+    QuarterTurn(-90);
+}
+
+/// Turns the photo and gives the template back to the mouse, as long as there is one.
+void TmainFm::QuarterTurn(int degrees) {
+    imaging::LayeredImage& image = view_->Image();
+    if (image.IsEmpty()) {
+        return;
+    }
+    image.RecordUndoStep();
+    image.SetCurrentLayer(0);
+    RotatePhoto(degrees);
+    if (!sheetCreated_ && image.LayerCount() >= 2) {
+        image.SetCurrentLayer(1);
+    }
+    acZoomFitExecute();
+}
+
+void TmainFm::RotatePhoto(int degrees) {
+    imaging::LayeredImage& image = view_->Image();
+    if (!image.IsEmpty()) {
+        const auto turn =
+            degrees > 0 ? imaging::QuarterTurn::CounterClockwise : imaging::QuarterTurn::Clockwise;
+        image.ChangePhoto(imaging::Turned(image.Photo(), turn));
+    }
+}
+
+void TmainFm::ViewLayerNotify(int layer) {
+    imaging::LayeredImage& image = view_->Image();
+    image.SetLayerRectangle(
+        layer, core::KeptInsidePhoto(image.LayerAt(layer).rectangle, image.Photo().Size()));
+    view_->Repaint();
+}
+
+/// The retouch stamp works on the photo, whatever layer was picked.
+void TmainFm::ViewMouseDown() {
+    if (actions_.IsChecked(u"acBeauty"_s) && !view_->Image().IsEmpty()) {
+        view_->Image().SetCurrentLayer(0);
+    }
+}
+
+bool TmainFm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != view_) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::FocusOut) {
+        // The release of a held key goes to whoever has the focus then.
+        ViewKeyUp();
+    } else if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool panningKey = key->key() == Qt::Key_Control || key->key() == Qt::Key_Space;
+        if (panningKey && !key->isAutoRepeat()) {
+            event->type() == QEvent::KeyPress ? ViewKeyDown() : ViewKeyUp();
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void TmainFm::ViewKeyDown() {
+    if (view_->CurrentInteraction().testFlag(ImageView::Interaction::Zoom)) {
+        savedViewCursor_ = view_->cursor();
+        view_->setCursor(Qt::OpenHandCursor);
+        view_->SetInteraction(ImageView::Interaction::Pan);
+    }
+}
+
+void TmainFm::ViewKeyUp() {
+    if (view_->CurrentInteraction().testFlag(ImageView::Interaction::Pan)) {
+        view_->SetInteraction({ImageView::Interaction::Zoom, ImageView::Interaction::Pan});
+        view_->setCursor(savedViewCursor_);
+    }
+}
+
+void TmainFm::StatusBarPanel2Click() {
+    controls::Guarded(this, [] {
+        if (!platform::OpenWebPage(QUrl(core::MakerHomePage.toString()))) {
+            throw platform::Error(
+                u"Die Seite %1 konnte nicht geöffnet werden: Es wurde kein "
+                u"Webbrowser gefunden."_s.arg(core::MakerHomePage));
+        }
+    });
+}
+
+}  // namespace kadrona::app

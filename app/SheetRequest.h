@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "platform/Error.h"
+
+namespace kadrona::app {
+
+/// The command line says something that makes no sense.
+class UsageError : public platform::Error {
+    using Error::Error;
+};
+
+/// Left and top edge and width of the template on the photo, in photo pixels. The height follows
+/// the template's aspect ratio.
+struct TemplatePlace {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+};
+
+/// What "kadrona sheet" is asked to do.
+struct SheetRequest {
+    /// Files and folders, as given.
+    QStringList photos;
+    QString templateName;
+    /// A file, or a folder for several photos.
+    QString output;
+    /// Nothing: the profile's.
+    std::optional<int> layoutIndex;
+    /// Nothing: the place saved for photos of that size.
+    std::optional<TemplatePlace> place;
+    /// Empty: "Standard Profile", which need not exist.
+    QString profile;
+};
+
+/// Reads the arguments that follow "sheet". Throws UsageError.
+SheetRequest ParseSheetRequest(const QStringList& arguments);
+
+/// The German help text of the whole command line.
+QString CommandLineHelp();
+
+}  // namespace kadrona::app

@@ -1,0 +1,225 @@
+// Frame times of the image view in a view of 1920 x 1080 pixels, on one core, in processor time:
+// pan, zoom and dragging a template over photos of 24 and 100 megapixels. Each is also given as a
+// ratio to Qt's own smooth drawing of the whole photo into the same view, measured in the same run.
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+#include <opencv2/core/utility.hpp>
+#include <vector>
+
+#include "imaging/view/ImageView.h"
+
+namespace {
+
+using kadrona::imaging::DotsPerInch;
+using kadrona::imaging::Pixels;
+using kadrona::imaging::view::ImageView;
+
+constexpr QSize ViewSize(1920, 1080);
+constexpr int Frames = 60;
+
+QImage MakePhoto(QSize size) {
+    QImage photo(size, QImage::Format_RGB32);
+    quint32 noise = 1;
+    for (int y = 0; y < size.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(photo.scanLine(y));
+        for (int x = 0; x < size.width(); ++x) {
+            noise = noise * 1664525 + 1013904223;
+            line[x] = qRgb(x >> 5, y >> 5, static_cast<int>(noise >> 24));
+        }
+    }
+    return photo;
+}
+
+QImage MakeTemplate() {
+    QImage image(350, 450, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setPen(QPen(Qt::blue, 4));
+    painter.drawEllipse(75, 60, 200, 280);
+    return image;
+}
+
+// Processor time, so that whatever else the machine does is left out.
+class Watch {
+ public:
+    double Milliseconds() const {
+        return 1000.0 * static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC;
+    }
+
+ private:
+    std::clock_t start_ = std::clock();
+};
+
+struct Times {
+    double median = 0;
+    double worst = 0;
+};
+
+Times TimesOf(std::vector<double> milliseconds) {
+    std::ranges::sort(milliseconds);
+    return {milliseconds[milliseconds.size() / 2], milliseconds.back()};
+}
+
+// The view, with a watch on its painting. What the platform does to bring the frame to the screen
+// is left out: it is the same for every program.
+class TimedView : public ImageView {
+ public:
+    using ImageView::ImageView;
+
+    // A frame: `step` changes the view; then the view paints.
+    double FrameTime(const std::function<void()>& step) {
+        isPainted_ = false;
+        const Watch watch;
+        step();
+        const double changing = watch.Milliseconds();
+        QElapsedTimer patience;
+        patience.start();
+        while (!isPainted_ && patience.elapsed() < 200) {
+            QCoreApplication::processEvents();
+        }
+        return changing + (isPainted_ ? painting_ : 0);
+    }
+
+    Times FrameTimes(const std::function<void(int)>& step) {
+        std::vector<double> milliseconds;
+        for (int frame = 1; frame <= Frames; ++frame) {
+            milliseconds.push_back(FrameTime([&] { step(frame); }));
+        }
+        return TimesOf(std::move(milliseconds));
+    }
+
+    // Paints at rest whatever is still to be painted.
+    void WaitUntilPainted() {
+        FrameTime([this] { update(); });
+        FrameTime([] {});
+    }
+
+ protected:
+    void paintEvent(QPaintEvent* event) override {
+        const Watch watch;
+        ImageView::paintEvent(event);
+        painting_ = watch.Milliseconds();
+        isPainted_ = true;
+    }
+
+ private:
+    double painting_ = 0;
+    bool isPainted_ = false;
+};
+
+Times MeasurePlainDrawing(const QImage& photo) {
+    QImage screen(ViewSize, QImage::Format_RGB32);
+    std::vector<double> milliseconds;
+    for (int i = 0; i < 3; ++i) {
+        const Watch watch;
+        QPainter painter(&screen);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        const QSize size = photo.size().scaled(ViewSize, Qt::KeepAspectRatio);
+        painter.drawImage(QRect(QPoint(0, 0), size), photo);
+        painter.end();
+        milliseconds.push_back(watch.Milliseconds());
+    }
+    return TimesOf(std::move(milliseconds));
+}
+
+void SendMouse(ImageView& view, QEvent::Type type, QPointF position) {
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    const Qt::MouseButtons held =
+        type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, position, view.mapToGlobal(position), button, held, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &event);
+}
+
+void SendWheel(ImageView& view, QPointF position, int angle) {
+    QWheelEvent event(position, view.mapToGlobal(position), QPoint(), QPoint(0, angle),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&view, &event);
+}
+
+// Drags from `start` there and back again, so that the view does not run into its bounds.
+Times MeasureDrag(TimedView& view, QPointF start, QPointF stepPerFrame) {
+    SendMouse(view, QEvent::MouseButtonPress, start);
+    view.WaitUntilPainted();
+    const Times times = view.FrameTimes([&](int frame) {
+        const int way = frame <= Frames / 2 ? frame : Frames - frame;
+        SendMouse(view, QEvent::MouseMove, start + stepPerFrame * way);
+    });
+    SendMouse(view, QEvent::MouseButtonRelease, start);
+    return times;
+}
+
+void Print(const char* name, Times times, double plain) {
+    std::printf("  %-32s %7.2f ms median %8.2f ms worst   %6.3f of plain drawing\n", name,
+                times.median, times.worst, times.median / plain);
+}
+
+void MeasurePans(TimedView& view, double plain) {
+    for (const double percent : {30.0, 60.0, 100.0, 250.0}) {
+        view.SetZoomPercent(percent);
+        view.WaitUntilPainted();
+        char name[64];
+        std::snprintf(name, sizeof(name), "pan at %.0f %%", percent);
+        Print(name, MeasureDrag(view, {10, 10}, {9, 7}), plain);
+    }
+}
+
+void MeasureTemplate(TimedView& view, double plain) {
+    auto& image = view.Image();
+    view.Fit();
+    const QSize photo = image.Photo().Size();
+    const QRect rectangle(photo.width() / 3, photo.height() / 5, photo.height() * 35 / 75,
+                          photo.height() * 3 / 5);
+    image.AddLayer({Pixels(MakeTemplate()), rectangle, true, true, 60});
+    view.WaitUntilPainted();
+    const QPointF middle = view.ToWidget(QRectF(rectangle).center());
+    Print("drag the template, whole photo", MeasureDrag(view, middle, {5, 3}), plain);
+    const QPointF corner = view.ToWidget(rectangle.bottomRight());
+    Print("scale the template, whole photo", MeasureDrag(view, corner, {5, 4}), plain);
+}
+
+void MeasurePhoto(const char* name, QSize size) {
+    const QImage photo = MakePhoto(size);
+    const double plain = MeasurePlainDrawing(photo).median;
+    std::printf("%s (%d x %d); plain drawing of the whole: %.2f ms\n", name, size.width(),
+                size.height(), plain);
+    TimedView view;
+    // Movement and rest are measured apart.
+    view.SetSettleDelay(std::chrono::minutes(10));
+    view.resize(ViewSize);
+    view.show();
+    view.WaitUntilPainted();
+    const double first =
+        view.FrameTime([&] { view.Image().Open(Pixels(photo), DotsPerInch{300}); });
+    Print("first frame after opening", {first, first}, plain);
+    const Times zooming = view.FrameTimes([&](int frame) {
+        SendWheel(view, {700, 400}, frame <= Frames / 2 ? 60 : -60);
+    });
+    Print("zoom", zooming, plain);
+    view.Fit();
+    view.SetSettleDelay(std::chrono::milliseconds(0));
+    view.WaitUntilPainted();
+    const Times smooth = view.FrameTimes([&](int frame) { view.SetZoomPercent(20 + frame); });
+    Print("smooth whole frame", smooth, plain);
+    view.SetSettleDelay(std::chrono::minutes(10));
+    MeasurePans(view, plain);
+    MeasureTemplate(view, plain);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    cv::setNumThreads(1);
+    MeasurePhoto("24 megapixels", {6000, 4000});
+    MeasurePhoto("100 megapixels", {12000, 8333});
+    return 0;
+}

@@ -1,0 +1,38 @@
+#include "core/PhotoLoading.h"
+
+#include "core/Settings.h"
+#include "imaging/ImageReader.h"
+#include "imaging/Processing.h"
+
+namespace kadrona::core {
+
+using imaging::QuarterTurn;
+
+void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
+    image.Clear();
+    imaging::LoadedImage loaded =
+        imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()});
+    image.Open(std::move(loaded.pixels), loaded.resolution);
+}
+
+void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {
+    if (settings.AutoWhiteBalance() && !image.IsEmpty()) {
+        image.ChangePhoto(imaging::WhiteBalanced(image.Photo()));
+    }
+}
+
+void TurnOpenedPhoto(const Settings& settings, imaging::LayeredImage& image) {
+    if (settings.ImgRotateLeft()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), QuarterTurn::CounterClockwise));
+    }
+    if (settings.ImgRotateRight()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), QuarterTurn::Clockwise));
+    }
+}
+
+int AverageBrightness(const imaging::Pixels& photo) {
+    const imaging::AverageColour average = imaging::AverageOf(photo);
+    return (average.red + average.green + average.blue) / 3;
+}
+
+}  // namespace kadrona::core

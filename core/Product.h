@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QStringView>
+
+namespace kadrona::core {
+
+/// How the program and its maker name themselves.
+inline constexpr QStringView ApplicationTitle = u"Biometrische Kadrona Prof";
+inline constexpr QStringView WindowCaption = u"Kadrona 6.0 Prof";
+inline constexpr QStringView MakerLine = u"© Veltmark";
+inline constexpr QStringView MakerHomePage = u"https://www.veltmark.example/kadrona";
+
+}  // namespace kadrona::core

@@ -1,0 +1,48 @@
+// From the cut single photo to the sheet of copies.
+
+#include "core/Data.h"
+#include "core/Settings.h"
+#include "core/UserInterface.h"
+#include "imaging/Processing.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
+    imaging::LayeredImage& image = view.Image();
+    const QSize photo = image.Photo().Size();
+    image.SetResolution(PrintResolution(photo.width(), {templateCanvas_.width()}));
+    const QSize bordered = BorderedSize(photo, frameSize_, layoutIndex);
+    if (bordered != photo) {
+        image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
+    }
+    view.Repaint();
+    if (settings_->ImageAutoSave()) {
+        ArchiveSinglePhoto(view);
+    }
+    if (settings_->RotateBeforeTileImg()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), imaging::QuarterTurn::CounterClockwise));
+    }
+    const imaging::PaintingSuspension suspension(view);
+    if (const auto layout = SheetLayoutAt(layoutIndex)) {
+        image.ChangePhoto(imaging::Repeated(image.Photo(), layout->columns, layout->rows));
+    }
+}
+
+/// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
+/// nothing and the sheet is made all the same.
+void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
+    const auto lines = ui_.EditTags();
+    if (!lines) {
+        return;
+    }
+    const QString keyword = lines->isEmpty() ? QString() : lines->first();
+    QString tags;
+    for (const QString& line : *lines) {
+        tags += line + u"\r\n"_s;
+    }
+    SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+
+class QListWidget;
+
+namespace kadrona::dialogs {
+
+/// "Profile": chooses the profile that a photo is opened with.
+class TProfileDlgFM : public QDialog {
+    Q_OBJECT
+
+ public:
+    explicit TProfileDlgFM(QWidget* parent = nullptr);
+
+    void SetProfiles(const QStringList& names);
+    int ShowEx() { return exec(); }
+
+    /// Throws platform::Error when the list is empty.
+    QString SelectedProfile() const;
+
+ protected:
+    void showEvent(QShowEvent* event) override;
+
+ private:
+    void FormShow();
+
+    QListWidget* profileListBox_;
+};
+
+}  // namespace kadrona::dialogs

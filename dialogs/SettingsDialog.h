@@ -1,0 +1,148 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+
+#include "controls/PropertyStore.h"
+#include "core/ProfileStore.h"
+#include "core/Settings.h"
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QRadioButton;
+class QTabWidget;
+
+namespace kadrona::controls {
+class ClearableComboBox;
+class PathEdit;
+}  // namespace kadrona::controls
+
+namespace kadrona::core {
+class TData;
+}
+
+namespace kadrona::dialogs {
+
+/// The property store of the settings dialog, as the data module binds it to a profile's file.
+class ProfilePropertyStore : public controls::PropertyStore, public core::ProfileStore {
+ public:
+    QString StorageFile() const override { return PropertyStore::StorageFile(); }
+    void SetStorageFile(const QString& path) override { PropertyStore::SetStorageFile(path); }
+};
+
+/// "Einstellungen". Its controls are the one live record of the active photo profile: every other
+/// part of the program reads a setting from here at the moment of use. Lives from start to end.
+class TEinstellungenFm : public QDialog, public core::Settings {
+    Q_OBJECT
+
+ public:
+    explicit TEinstellungenFm(core::TData& data, QWidget* parent = nullptr);
+
+    /// Called with the index of ImageCount whenever it changes or a profile is activated.
+    void SetImageCountHandler(std::function<void(int)> handler) {
+        imageCountHandler_ = std::move(handler);
+    }
+
+    /// Fills the lists, then binds and restores the start profile.
+    void InitPropertys();
+
+    /// Shows the dialog modally with a fresh list of printer profiles; returns the modal result.
+    int ShowEx();
+
+    /// Makes a profile the active one; with `storeFirst` the one before is stored.
+    void AktivateProfileByName(const QString& name, bool storeFirst);
+
+    // core::Settings
+    bool AutoWhiteBalance() const override;
+    QString FileNameEd() const override;
+    int FileTypCombo() const override;
+    int FileVarCombo() const override;
+    QString FrameSize() const override;
+    bool ImageAutoSave() const override;
+    bool ImageAutoSave2() const override;
+    int ImageCount() const override;
+    QString ImageDestinationDir() const override;
+    QString ImageSaveDir() const override;
+    bool ImgAutoRotate() const override;
+    bool ImgRotateLeft() const override;
+    bool ImgRotateRight() const override;
+    bool PrintAfterCrop() const override;
+    int PrintProfileBox() const override;
+    bool RotateBeforeTileImg() const override;
+    bool ScaleImageCk() const override;
+    int SchabloneBox() const override;
+    bool ShowBlackWhite() const override;
+    bool ShowGradation() const override;
+    bool ShowRotate() const override;
+    bool WhiteBalancePipette() const override;
+
+ Q_SIGNALS:
+    /// A setting that shows or hides actions changed.
+    void SettingsChanged();
+
+ protected:
+    void showEvent(QShowEvent* event) override;
+    void done(int result) override;
+
+ private:
+    // Construction (SettingsDialogLayout.cpp)
+    void BuildControls();
+    QWidget* BuildProfilePanel();
+    QWidget* BuildGeneralPage();
+    QWidget* BuildOptionsPage();
+    void FillPropertyStore();
+
+    // Behaviour (SettingsDialog.cpp)
+    void ConnectControls();
+    void RefreshPrinterProfiles();
+    void FormShow();
+    void FormClose();
+    void ProfileListBoxClick();
+    void btnNewClick();
+    void btnDeleteClick();
+    void ImageAutoSaveClick();
+    void ImageAutoSave2Click();
+    void ImageCountPropertiesChange();
+    void FolderButtonClick(controls::PathEdit& field);
+    void WhiteBalancePipettePropertiesChange();
+    void UpdateDeleteButton();
+    void SelectProfile(int row);
+    QString SelectedProfile() const;
+    void TakeOverFrameSize();
+
+    core::TData& data_;
+    ProfilePropertyStore propertyStore_;
+    std::function<void(int)> imageCountHandler_;
+
+    QTabWidget* pages_;
+    QListWidget* profileListBox_;
+    QPushButton* btnNew_;
+    QPushButton* btnDelete_;
+    controls::PathEdit* imageDestinationDir_;
+    controls::PathEdit* imageSaveDir_;
+    QCheckBox* imageAutoSave_;
+    QCheckBox* imageAutoSave2_;
+    QLineEdit* fileNameEd_;
+    QComboBox* fileVarCombo_;
+    QComboBox* fileTypCombo_;
+    QCheckBox* scaleImageCk_;
+    controls::ClearableComboBox* schabloneBox_;
+    QComboBox* imageCount_;
+    controls::ClearableComboBox* printProfileBox_;
+    QLineEdit* frameSize_;
+    QCheckBox* printAfterCrop_;
+    QCheckBox* rotateBeforeTileImg_;
+    QCheckBox* autoWhiteBalance_;
+    QCheckBox* showBlackWhite_;
+    QCheckBox* showGradation_;
+    QCheckBox* showRotate_;
+    QCheckBox* whiteBalancePipette_;
+    QRadioButton* imgAutoRotate_;
+    QRadioButton* imgRotateRight_;
+    QRadioButton* imgRotateLeft_;
+};
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,216 @@
+// The controls of the settings dialog and what a profile keeps of them.
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpressionValidator>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "controls/ClearableComboBox.h"
+#include "controls/PathEdit.h"
+#include "core/ProfileRecord.h"
+#include "core/SheetLayout.h"
+#include "dialogs/SettingsDialog.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+template <typename Control, typename... Arguments>
+Control* Named(const QString& name, Arguments... arguments) {
+    auto* control = new Control(arguments...);
+    control->setObjectName(name);
+    return control;
+}
+
+QComboBox* ChoiceBox(const QString& name, const QStringList& items) {
+    auto* box = Named<QComboBox>(name);
+    box->addItems(items);
+    return box;
+}
+
+/// A label over a field; the label's mnemonic or click leads to the field.
+QVBoxLayout* Captioned(const QString& caption, QWidget* field) {
+    auto* label = new QLabel(caption);
+    label->setBuddy(field);
+    field->setAccessibleName(caption);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(4);
+    column->addWidget(label);
+    column->addWidget(field);
+    return column;
+}
+
+QHBoxLayout* Row(std::initializer_list<std::pair<QLayout*, int>> cells) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(12);
+    for (const auto& [cell, stretch] : cells) {
+        row->addLayout(cell, stretch);
+    }
+    return row;
+}
+
+/// Separates the page's groups of settings without a frame around each.
+constexpr int GroupSpacing = 8;
+
+}  // namespace
+
+void TEinstellungenFm::BuildControls() {
+    setObjectName(u"EinstellungenFm"_s);
+    setWindowTitle(u"Einstellungen"_s);
+    pages_ = Named<QTabWidget>(u"PageControl"_s);
+    pages_->addTab(BuildGeneralPage(), u"Allgemein"_s);
+    pages_->addTab(BuildOptionsPage(), u"Optionen"_s);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Close)->setText(u"Schließen"_s);
+    buttons->button(QDialogButtonBox::Close)->setObjectName(u"btnClose"_s);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::accept);
+
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(16);
+    columns->addWidget(BuildProfilePanel());
+    columns->addWidget(pages_, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(columns, 1);
+    layout->addWidget(buttons);
+}
+
+QWidget* TEinstellungenFm::BuildProfilePanel() {
+    auto* heading = new QLabel(u"<b>Profile</b>"_s);
+    profileListBox_ = Named<QListWidget>(u"ProfileListBox"_s);
+    profileListBox_->setAccessibleName(u"Profile"_s);
+    profileListBox_->setMinimumWidth(180);
+    heading->setBuddy(profileListBox_);
+    btnNew_ = Named<QPushButton>(u"btnNew"_s, u"Neu"_s);
+    btnDelete_ = Named<QPushButton>(u"btnDelete"_s, u"Löschen"_s);
+    // Enter in a field must not make a profile.
+    btnNew_->setAutoDefault(false);
+    btnDelete_->setAutoDefault(false);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(btnNew_);
+    buttons->addWidget(btnDelete_);
+
+    auto* panel = new QWidget;
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins({});
+    layout->addWidget(heading);
+    layout->addWidget(profileListBox_, 1);
+    layout->addLayout(buttons);
+    panel->setMaximumWidth(240);
+    return panel;
+}
+
+QWidget* TEinstellungenFm::BuildGeneralPage() {
+    imageDestinationDir_ = Named<controls::PathEdit>(u"ImageDestinationDir"_s);
+    imageAutoSave_ = Named<QCheckBox>(u"ImageAutoSave"_s, u"Automatisch im Bildarchiv speichern"_s);
+    imageSaveDir_ = Named<controls::PathEdit>(u"ImageSaveDir"_s);
+    imageAutoSave2_ = Named<QCheckBox>(u"ImageAutoSave2"_s, u"Automatisch speichern"_s);
+    fileNameEd_ = Named<QLineEdit>(u"FileNameEd"_s, u"Bildname"_s);
+    fileVarCombo_ =
+        ChoiceBox(u"FileVarCombo"_s, {u"LEER"_s, u"DATUM"_s, u"UID"_s, u"Zufall 8 Zeichen"_s,
+                                      u"Zufall 6 Zeichen"_s, u"Zufall 4 Zeichen"_s});
+    fileTypCombo_ = ChoiceBox(u"FileTypCombo"_s, {u"JPG"_s, u"JP2"_s});
+    scaleImageCk_ = Named<QCheckBox>(u"ScaleImageCk"_s,
+                                     u"Bild auf Ausgabegröße der Bundesdruckerei skalieren"_s);
+    schabloneBox_ = Named<controls::ClearableComboBox>(
+        u"SchabloneBox"_s, u"Schablonen, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
+    QStringList layouts;
+    for (const core::SheetLayout& layout : core::SheetLayouts) {
+        layouts.append(layout.name);
+    }
+    imageCount_ = ChoiceBox(u"ImageCount"_s, layouts);
+    printProfileBox_ = Named<controls::ClearableComboBox>(
+        u"PrintProfileBox"_s, u"Druckprofile, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
+    frameSize_ = Named<QLineEdit>(u"FrameSize"_s, u"20"_s);
+    frameSize_->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(u"\\d+"_s), frameSize_));
+    printAfterCrop_ = Named<QCheckBox>(
+        u"PrintAfterCrop"_s, u"Bild sofort Drucken (Nur mit Standard Druckprofil möglich)"_s);
+    rotateBeforeTileImg_ = Named<QCheckBox>(
+        u"RotateBeforeTileImg"_s,
+        u"Bild vor dem Druck 90° drehen (Achtung bei 10x15 nur bis max. 6 Bilder)"_s);
+
+    fileNameEd_->setAccessibleName(u"Dateiname"_s);
+    auto* nameColumn = new QVBoxLayout;
+    nameColumn->addStretch();
+    nameColumn->addWidget(fileNameEd_);
+
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addLayout(Captioned(u"Bildarchiv Verzeichnis"_s, imageDestinationDir_));
+    layout->addWidget(imageAutoSave_);
+    layout->addSpacing(GroupSpacing);
+    layout->addLayout(Captioned(u"Bild Speichern Verzeichnis"_s, imageSaveDir_));
+    layout->addWidget(imageAutoSave2_);
+    layout->addLayout(Row({{nameColumn, 3},
+                           {Captioned(u"Variable"_s, fileVarCombo_), 2},
+                           {Captioned(u"Format"_s, fileTypCombo_), 1}}));
+    layout->addWidget(scaleImageCk_);
+    layout->addSpacing(GroupSpacing);
+    layout->addLayout(Row({{Captioned(u"Standard Schablone"_s, schabloneBox_), 3},
+                           {Captioned(u"Standard Bildanzahl"_s, imageCount_), 1}}));
+    layout->addLayout(Row({{Captioned(u"Standard Druckprofil"_s, printProfileBox_), 3},
+                           {Captioned(u"Bildabstand Pixel"_s, frameSize_), 1}}));
+    layout->addWidget(printAfterCrop_);
+    layout->addWidget(rotateBeforeTileImg_);
+    layout->addStretch();
+    return page;
+}
+
+QWidget* TEinstellungenFm::BuildOptionsPage() {
+    autoWhiteBalance_ = Named<QCheckBox>(u"AutoWhiteBalance"_s, u"Automatischer Weißabgleich"_s);
+    showBlackWhite_ = Named<QCheckBox>(u"ShowBlackWhite"_s, u"Schwarzweiß Funktion deaktivieren"_s);
+    showGradation_ = Named<QCheckBox>(u"ShowGradation"_s, u"Gradation Funktion deaktivieren"_s);
+    showRotate_ = Named<QCheckBox>(u"ShowRotate"_s, u"Schrittweise Bilddrehung deaktivieren"_s);
+    whiteBalancePipette_ =
+        Named<QCheckBox>(u"WhiteBalancePipette"_s, u"Weißabgleich Pipette deaktivieren"_s);
+    imgAutoRotate_ = Named<QRadioButton>(u"ImgAutoRotate"_s, u"Bild automatisch drehen"_s);
+    imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach Rechts drehen"_s);
+    imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"Bild nach Links drehen"_s);
+    imgAutoRotate_->setChecked(true);
+
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    for (QCheckBox* box :
+         {autoWhiteBalance_, showBlackWhite_, showGradation_, showRotate_, whiteBalancePipette_}) {
+        layout->addWidget(box);
+    }
+    layout->addSpacing(2 * GroupSpacing);
+    layout->addWidget(new QLabel(u"Bilddrehung  nach dem Öffnen"_s));
+    for (QRadioButton* button : {imgAutoRotate_, imgRotateRight_, imgRotateLeft_}) {
+        layout->addWidget(button);
+    }
+    layout->addStretch();
+    return page;
+}
+
+void TEinstellungenFm::FillPropertyStore() {
+    for (const core::ProfileEntry& entry : core::ProfileRecord) {
+        auto* control = findChild<QWidget*>(entry.control);
+        switch (entry.property) {
+            case core::ProfileProperty::Checked:
+                propertyStore_.AddChecked(dynamic_cast<QAbstractButton&>(*control));
+                break;
+            case core::ProfileProperty::Text:
+                propertyStore_.AddText(dynamic_cast<QLineEdit&>(*control));
+                break;
+            case core::ProfileProperty::ItemIndex:
+                propertyStore_.AddItemIndex(dynamic_cast<QComboBox&>(*control));
+                break;
+            case core::ProfileProperty::List:
+                propertyStore_.AddList(dynamic_cast<QComboBox&>(*control));
+                break;
+        }
+    }
+}
+
+}  // namespace kadrona::dialogs

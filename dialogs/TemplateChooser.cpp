@@ -1,0 +1,134 @@
+#include "dialogs/TemplateChooser.h"
+
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "controls/ActionGuard.h"
+#include "controls/Icons.h"
+#include "core/Settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr QSize ClientArea(272, 263);
+constexpr int SelfConfirmationMilliseconds = 500;
+
+/// Tags of the two buttons that turn the photo.
+constexpr int TurnLeft = 1;
+constexpr int TurnRight = 2;
+constexpr const char* TagProperty = "tag";
+
+}  // namespace
+
+TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), settings_(settings) {
+    setObjectName(u"SchabloneFm"_s);
+    setWindowTitle(u"Schablonen"_s);
+    lbSchablonen_ = new QListWidget;
+    lbSchablonen_->setObjectName(u"lbSchablonen"_s);
+    lbSchablonen_->setAccessibleName(u"Schablonen"_s);
+    lbSchablonen_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    btnRotateLeft_ =
+        RotateButton(u"btnRotateLeft"_s, u"rotate-left"_s, u"Nach Links drehen"_s, TurnLeft);
+    btnRotateRight_ =
+        RotateButton(u"btnRotateRight"_s, u"rotate-right"_s, u"Nach rechts drehen"_s, TurnRight);
+    btnOk_ = new QPushButton(u"Ok"_s);
+    btnOk_->setObjectName(u"btnOk"_s);
+    btnOk_->setToolTip(u"Schablone übernehmen"_s);
+    btnOk_->setDefault(true);
+    connect(btnOk_, &QPushButton::clicked, this, &QDialog::accept);
+    timer_ = new QTimer(this);
+    timer_->setObjectName(u"Timer"_s);
+    timer_->setInterval(SelfConfirmationMilliseconds);
+    connect(timer_, &QTimer::timeout, this, &TSchabloneFm::TimerTimer);
+
+    auto* bar = new QHBoxLayout;
+    bar->addWidget(btnRotateLeft_);
+    bar->addWidget(btnRotateRight_);
+    bar->addStretch();
+    bar->addWidget(btnOk_);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(lbSchablonen_, 1);
+    layout->addLayout(bar);
+    resize(ClientArea);
+}
+
+QToolButton* TSchabloneFm::RotateButton(const QString& name, const QString& icon,
+                                        const QString& hint, int tag) {
+    auto* button = new QToolButton;
+    button->setObjectName(name);
+    button->setIcon(controls::Icon(icon));
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    button->setProperty(TagProperty, tag);
+    connect(button, &QToolButton::clicked, this,
+            [this, button] { controls::Guarded(this, [&] { RotateClick(*button); }); });
+    return button;
+}
+
+void TSchabloneFm::SetTemplates(const QStringList& names) {
+    lbSchablonen_->clear();
+    lbSchablonen_->addItems(names);
+    for (int row = 0; row < lbSchablonen_->count(); ++row) {
+        lbSchablonen_->item(row)->setToolTip(names.at(row));
+    }
+}
+
+int TSchabloneFm::SelectedTemplate() const {
+    return lbSchablonen_->currentRow();
+}
+
+void TSchabloneFm::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous()) {
+        FormShow();
+    }
+}
+
+void TSchabloneFm::FormShow() {
+    lbSchablonen_->setCurrentRow(settings_.SchabloneBox());
+    lbSchablonen_->setFocus();
+    if (settings_.ImgRotateLeft()) {
+        btnRotateLeft_->click();
+    }
+    if (settings_.ImgRotateRight()) {
+        btnRotateRight_->click();
+    }
+    if (SelectedTemplate() >= 0) {
+        timer_->start();
+    }
+}
+
+bool TSchabloneFm::FormCloseQuery() const {
+    return SelectedTemplate() >= 0;
+}
+
+/// Every way of closing a dialog ends here.
+void TSchabloneFm::done(int result) {
+    if (FormCloseQuery()) {
+        timer_->stop();
+        QDialog::done(result);
+    }
+}
+
+void TSchabloneFm::RotateClick(const QToolButton& sender) {
+    if (rotationHandler_) {
+        rotationHandler_(sender.property(TagProperty).toInt() == TurnLeft ? +90 : -90);
+    }
+}
+
+void TSchabloneFm::TimerTimer() {
+    timer_->stop();
+    btnOk_->click();
+}
+
+}  // namespace kadrona::dialogs

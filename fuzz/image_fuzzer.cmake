@@ -1,0 +1,1 @@
+kadrona_fuzzer(image_fuzzer USES kadrona_imaging)

@@ -1,0 +1,32 @@
+// Any bytes into the image reader: it returns a picture or throws its own error.
+#include <QBuffer>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+
+#include "imaging/ImageReader.h"
+
+using namespace Qt::StringLiterals;
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QLoggingCategory::setFilterRules(u"*=false"_s);
+    static int count = 1;
+    static char name[] = "image_fuzzer";
+    static char* arguments[] = {name, nullptr};
+    static QGuiApplication application(count, arguments);  // metafiles have text
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const kadrona::imaging::ReadOptions options{true, 1'000'000};
+    QByteArray bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    try {
+        kadrona::imaging::ReadImage(buffer, u"x"_s, options);
+    } catch (const kadrona::imaging::ReadError&) {
+        return 0;
+    }
+    return 0;
+}

@@ -1,0 +1,1 @@
+kadrona_fuzzer(ini_fuzzer USES kadrona_platform)

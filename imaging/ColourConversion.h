@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+
+namespace kadrona::imaging {
+
+/// What the channels of decoded pixels mean. Inverted inks are stored as Adobe's programs do: 255
+/// is no ink.
+enum class ColourModel { Rgb, Grey, Cmyk, InvertedCmyk };
+
+/// True where a profile describes sRGB, so that a conversion would change nothing.
+bool IsSrgbProfile(const QByteArray& profile);
+
+/// Brings pixels to sRGB in place, rows in parallel. `image` has 32 bits a pixel (the four inks for
+/// a CMYK model) or is QImage::Format_RGBA64; alpha stays, a CMYK image gets opaque. Where the
+/// profile is empty, broken or made for other channels, it is ignored: RGB and grey stay as they
+/// are, inks are multiplied out. Conversion is relative colorimetric with black point compensation.
+void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile);
+
+/// The picture over white, as QImage::Format_RGB32. In place for QImage::Format_ARGB32; an image
+/// of QImage::Format_RGBA64 is rounded to 8 bits a channel.
+QImage LaidOverWhite(QImage image);
+
+}  // namespace kadrona::imaging

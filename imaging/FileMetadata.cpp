@@ -1,0 +1,188 @@
+#include "imaging/FileMetadata.h"
+
+#include <QBuffer>
+#include <cmath>
+#include <optional>
+
+#include "imaging/ByteReader.h"
+
+namespace kadrona::imaging {
+
+namespace {
+
+constexpr double MillimetresPerInch = 25.4;
+constexpr qint64 MaximumExifSize = 1 << 20;
+
+/// Exactly `count` bytes at `position`.
+QByteArray BytesAt(QIODevice& device, qint64 position, qint64 count) {
+    if (position > device.size() - count || !device.seek(position))
+        throw OutOfBytes();
+    QByteArray bytes = device.read(count);
+    if (bytes.size() != count)
+        throw OutOfBytes();
+    return bytes;
+}
+
+DotsPerInch FromDotsPerMetre(double dotsPerMetre) {
+    return ResolutionFrom(dotsPerMetre * MillimetresPerInch / 1000);
+}
+
+/// The four tags of a TIFF directory that we use.
+class TiffDirectory {
+ public:
+    explicit TiffDirectory(QIODevice& device) : device_(device) {
+        const QByteArray header = BytesAt(device, 0, 8);
+        order_ = header.startsWith('M') ? ByteOrder::BigEndian : ByteOrder::LittleEndian;
+        ByteReader reader(header, order_);
+        reader.Skip(2);
+        if (reader.Read<quint16>() != 42)
+            throw OutOfBytes();
+        ReadEntries(reader.Read<quint32>());
+    }
+
+    FileMetadata Metadata() const {
+        constexpr int Inch = 2;
+        constexpr int Centimetre = 3;
+        FileMetadata metadata{OrientationFrom(orientation_), {}};
+        if (unit_ == Inch)
+            metadata.resolution = ResolutionFrom(resolution_);
+        else if (unit_ == Centimetre)
+            metadata.resolution = ResolutionFrom(resolution_ * MillimetresPerInch / 10);
+        return metadata;
+    }
+
+ private:
+    void ReadEntries(quint32 position) {
+        constexpr qint64 EntrySize = 12;
+        const int count = ByteReader(BytesAt(device_, position, 2), order_).Read<quint16>();
+        const QByteArray entries = BytesAt(device_, position + 2LL, count * EntrySize);
+        ByteReader reader(entries, order_);
+        for (int i = 0; i < count; ++i) {
+            reader.Seek(i * EntrySize);
+            ReadEntry(reader);
+        }
+    }
+
+    void ReadEntry(ByteReader& entry) {
+        const auto tag = entry.Read<quint16>();
+        const auto type = entry.Read<quint16>();
+        entry.Skip(4);
+        if (tag == 0x0112)
+            orientation_ = Integer(entry, type).value_or(orientation_);
+        else if (tag == 0x0128)
+            unit_ = Integer(entry, type).value_or(unit_);
+        else if (tag == 0x011a)
+            resolution_ = Rational(entry, type).value_or(resolution_);
+    }
+
+    static std::optional<int> Integer(ByteReader& entry, int type) {
+        constexpr int Short = 3;
+        return type == Short ? std::optional<int>(entry.Read<quint16>()) : std::nullopt;
+    }
+
+    std::optional<double> Rational(ByteReader& entry, int type) {
+        constexpr int UnsignedRational = 5;
+        if (type != UnsignedRational)
+            return std::nullopt;
+        const QByteArray bytes = BytesAt(device_, entry.Read<quint32>(), 8);
+        ByteReader reader(bytes, order_);
+        const auto numerator = reader.Read<quint32>();
+        const auto denominator = reader.Read<quint32>();
+        return denominator == 0 ? 0 : double(numerator) / denominator;
+    }
+
+    QIODevice& device_;
+    ByteOrder order_ = ByteOrder::LittleEndian;
+    int orientation_ = 1;
+    int unit_ = 2;  // the default of the TIFF specification
+    double resolution_ = 0;
+};
+
+FileMetadata ReadPng(QIODevice& device) {
+    FileMetadata metadata;
+    DotsPerInch fromExif;
+    qint64 position = 8;
+    // Ends at IEND or where the file does: BytesAt throws there.
+    while (true) {
+        const QByteArray header = BytesAt(device, position, 8);
+        const auto length = ByteReader(header, ByteOrder::BigEndian).Read<quint32>();
+        const QByteArrayView type = QByteArrayView(header).sliced(4);
+        if (type == "IEND")
+            break;
+        if (type == "pHYs" && length == 9) {
+            const QByteArray density = BytesAt(device, position + 8, 9);
+            if (density.back() == 1)  // the unit is the metre
+                metadata.resolution =
+                    FromDotsPerMetre(ByteReader(density, ByteOrder::BigEndian).Read<quint32>());
+        } else if (type == "eXIf" && length <= MaximumExifSize) {
+            const FileMetadata exif = ReadExif(BytesAt(device, position + 8, length));
+            metadata.orientation = exif.orientation;
+            fromExif = exif.resolution;
+        }
+        position += 12LL + length;
+    }
+    if (metadata.resolution.value == 0)
+        metadata.resolution = fromExif;
+    return metadata;
+}
+
+FileMetadata ReadWebP(QIODevice& device) {
+    qint64 position = 12;
+    while (true) {
+        const QByteArray header = BytesAt(device, position, 8);
+        const auto length = ByteReader(QByteArrayView(header).sliced(4)).Read<quint32>();
+        if (header.startsWith("EXIF") && length <= MaximumExifSize) {
+            const QByteArray block = BytesAt(device, position + 8, length);
+            return ReadExif(block.startsWith("Exif") ? QByteArrayView(block).sliced(6)
+                                                     : QByteArrayView(block));
+        }
+        position += 8LL + length + length % 2;
+    }
+}
+
+FileMetadata ReadBmp(QIODevice& device) {
+    constexpr int ShortHeaderSize = 12;
+    const QByteArray header = BytesAt(device, 0, 46);
+    ByteReader reader(header);
+    reader.Seek(14);
+    if (reader.Read<quint32>() <= ShortHeaderSize)
+        return {};
+    reader.Seek(38);
+    return {Orientation::Upright, FromDotsPerMetre(reader.Read<qint32>())};
+}
+
+}  // namespace
+
+DotsPerInch ResolutionFrom(double dotsPerInch) {
+    constexpr double Maximum = 65535;  // what JFIF and EXIF can say
+    if (!(dotsPerInch >= 0.5 && dotsPerInch <= Maximum))
+        return {};
+    return {static_cast<int>(std::lround(dotsPerInch))};
+}
+
+FileMetadata ReadFileMetadata(QIODevice& device) try {
+    const QByteArray start = BytesAt(device, 0, 12);
+    if (start.startsWith("\x89PNG\r\n\x1a\n"))
+        return ReadPng(device);
+    if (start.startsWith(QByteArrayView("II*\0", 4)) ||
+        start.startsWith(QByteArrayView("MM\0*", 4)))
+        return TiffDirectory(device).Metadata();
+    if (start.startsWith("RIFF") && start.endsWith("WEBP"))
+        return ReadWebP(device);
+    if (start.startsWith("BM"))
+        return ReadBmp(device);
+    return {};
+} catch (const OutOfBytes&) {
+    return {};
+}
+
+FileMetadata ReadExif(QByteArrayView block) try {
+    QByteArray bytes = QByteArray::fromRawData(block.data(), block.size());
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return TiffDirectory(buffer).Metadata();
+} catch (const OutOfBytes&) {
+    return {};
+}
+
+}  // namespace kadrona::imaging

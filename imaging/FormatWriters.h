@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QIODevice>
+
+#include "imaging/Pixels.h"
+#include "imaging/Resolution.h"
+
+/// One function for each file format that WriteImageFile knows. They write rows as they come, so
+/// that a sheet takes the memory of a few rows; an alpha channel is laid over white; the picture is
+/// marked as sRGB where the format can say so. An unknown resolution is left out of the file.
+///
+/// `device` is open for writing, random access and empty. `pixels` is not empty. What fails throws
+/// platform::Error with the bare reason, without the file's name.
+namespace kadrona::imaging {
+
+/// Baseline, quality 95, 4:4:4; the resolution stands in JFIF and in EXIF.
+void WriteJpeg(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
+
+/// 24 bits.
+void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
+
+/// 24 bits, not compressed, bottom row first.
+void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
+
+/// 24 bits, LZW with horizontal differences.
+void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
+
+/// Appends to a file. Throws platform::Error with the system's reason.
+void WriteBytes(QIODevice& device, const void* bytes, qint64 count);
+
+/// Why the last write failed, as a German sentence.
+QString FailureOf(QIODevice& device);
+
+/// The nearest whole number of dots per metre. It is at most 0.013 dots per inch off, so that a
+/// reader that rounds gets every resolution back.
+int DotsPerMetre(DotsPerInch resolution);
+
+/// The ICC profile of sRGB.
+QByteArray SrgbProfile();
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QBrush>
+#include <QColor>
+#include <QPen>
+#include <QPointF>
+#include <QSizeF>
+#include <QString>
+#include <QTransform>
+
+namespace kadrona::imaging {
+
+/// How a metafile's numbers become pixels of the device that it was recorded on:
+///
+///     logical --world--> page --window and viewport--> device
+struct MetafileMapping {
+    // The values of SetMapMode that get a treatment of their own.
+    static constexpr int Text = 1;
+    static constexpr int Twips = 6;
+    static constexpr int Isotropic = 7;
+    static constexpr int Anisotropic = 8;
+
+    int mode = Text;
+    QPointF windowOrigin;
+    QSizeF windowExtent{1, 1};
+    QPointF viewportOrigin;
+    QSizeF viewportExtent{1, 1};
+    QTransform world;
+
+    /// `dotsPerMillimetre` is the device's, for the modes that count in lengths.
+    QTransform LogicalToDevice(QSizeF dotsPerMillimetre) const;
+};
+
+/// A font as a metafile asks for it; lengths are logical units.
+struct MetafileFont {
+    /// Negative: of the letters; positive: of the line; 0: the default.
+    double height = 0;
+    double escapementDegrees = 0;
+    int weight = 400;
+    bool italic = false;
+    bool underlined = false;
+    bool struckOut = false;
+    QString family;
+};
+
+/// What SaveDC keeps, beside the clipping that the painter keeps.
+struct MetafileState {
+    MetafileMapping mapping;
+    /// The width is in logical units; a cosmetic pen is one pixel wide.
+    QPen pen{Qt::black, 0};
+    QBrush brush{Qt::white};
+    MetafileFont font;
+    QColor textColour = Qt::black;
+    QColor backgroundColour = Qt::white;
+    bool opaqueBackground = true;
+    Qt::FillRule fillRule = Qt::OddEvenFill;
+    bool arcsClockwise = false;
+    unsigned textAlignment = 0;
+    /// Of SetROP2; 13 paints over.
+    int rasterOperation = 13;
+    QPointF position;
+};
+
+/// GDI's 0x00bbggrr.
+QColor ColourFrom(quint32 colourReference);
+
+/// A pen of LOGPEN's or EXTLOGPEN's style bits and logical width.
+QPen PenFrom(quint32 style, double width, const QColor& colour);
+
+/// A brush of LOGBRUSH's style and hatch.
+QBrush BrushFrom(quint32 style, const QColor& colour, quint32 hatch);
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,174 @@
+#include "imaging/view/ImageViewPrivate.h"
+
+#include <QPainter>
+#include <cmath>
+
+#include "platform/Error.h"
+
+namespace kadrona::imaging::view {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto SettleDelay = 120ms;
+// In logical pixels: room for the shadow.
+constexpr int FitMargin = 12;
+
+QRect ToDevicePixels(const QRect& widget, double scale) {
+    return QRectF(widget.x() * scale, widget.y() * scale, widget.width() * scale,
+                  widget.height() * scale)
+        .toAlignedRect();
+}
+
+QRect ToLogicalPixels(const QRect& device, double scale) {
+    return ToDevicePixels(device, 1 / scale);
+}
+
+// Makes one unit of the painter one device pixel, and lets whole units begin on whole device
+// pixels: with a broken scale of the screen a widget itself may begin in the midst of one.
+void UseDevicePixels(QPainter& painter, double scale) {
+    painter.scale(1 / scale, 1 / scale);
+    const QPointF origin = painter.deviceTransform().map(QPointF(0, 0));
+    painter.translate(origin.toPoint() - origin);
+}
+
+}  // namespace
+
+ImageView::Private::Private(ImageView& view) : view_(view), cursor_(view) {
+    settleTimer_.setSingleShot(true);
+    settleTimer_.setInterval(SettleDelay);
+    QObject::connect(&settleTimer_, &QTimer::timeout, &view, [this] { Settle(); });
+    QObject::connect(&image_, &LayeredImage::PhotoChanged, &view, [this] { TakePhoto(); });
+    QObject::connect(&image_, &LayeredImage::LayersChanged, &view,
+                     [this] { RepaintChangedLayers(); });
+}
+
+void ImageView::Private::ChangeGeometry(const std::function<void()>& change) {
+    const double zoom = geometry_.Zoom();
+    change();
+    view_.update();
+    if (geometry_.Zoom() != zoom) {
+        Q_EMIT view_.ZoomChanged(geometry_.Zoom() * 100);
+    }
+}
+
+void ImageView::Private::UpdateViewSize() {
+    const double scale = DeviceScale();
+    const QSize size(static_cast<int>(std::lround(view_.width() * scale)),
+                     static_cast<int>(std::lround(view_.height() * scale)));
+    if (size == geometry_.ViewSize()) {
+        return;
+    }
+    ChangeGeometry([&] {
+        geometry_.SetView(size, static_cast<int>(std::lround(FitMargin * scale)));
+        if (automaticFit_ || isFitUnseen_) {
+            geometry_.Fit();
+            StartMoving();
+        }
+    });
+}
+
+void ImageView::Private::Fit() {
+    UpdateViewSize();
+    ChangeGeometry([this] { geometry_.Fit(); });
+    isFitUnseen_ = true;
+}
+
+void ImageView::Private::ChangeZoom(double zoom, QPointF fixed) {
+    isFitUnseen_ = false;
+    ChangeGeometry([&] { geometry_.SetZoom(zoom, fixed); });
+}
+
+void ImageView::Private::ZoomByUser(double zoom, QPointF fixed) {
+    if (!image_.IsEmpty()) {
+        automaticFit_ = false;
+        StartMoving();
+        ChangeZoom(zoom, fixed);
+    }
+}
+
+void ImageView::Private::Pan(QPointF imagePoint, QPointF to) {
+    isFitUnseen_ = false;
+    StartMoving();
+    ChangeGeometry([&] { geometry_.Place(imagePoint, to); });
+}
+
+void ImageView::Private::TakePhoto() {
+    const QSize size = image_.Photo().Size();
+    if (size != geometry_.ImageSize()) {
+        EndDrag();
+        const bool isFirst = geometry_.ImageSize().isEmpty();
+        ChangeGeometry([&] {
+            geometry_.SetImageSize(size);
+            if (automaticFit_ || isFirst) {
+                geometry_.Fit();
+            }
+        });
+    }
+    view_.update();
+}
+
+void ImageView::Private::StartMoving() {
+    quality_ = Quality::Fast;
+    settleTimer_.start();
+}
+
+void ImageView::Private::Settle() {
+    quality_ = Quality::Smooth;
+    view_.update();
+}
+
+void ImageView::Private::RepaintChangedLayers() {
+    const double scale = DeviceScale();
+    std::vector<LayerAppearance> layers = AppearancesOf(image_, geometry_, scale);
+    const size_t count = std::max(layers.size(), paintedLayers_.size());
+    layers.resize(count);
+    paintedLayers_.resize(count);
+    for (size_t i = 0; i < count; ++i) {
+        if (layers[i] != paintedLayers_[i]) {
+            view_.update(ToLogicalPixels(layers[i].area | paintedLayers_[i].area, scale));
+        }
+    }
+    paintedLayers_ = std::move(layers);
+    if (const auto* moved = std::get_if<MovedLayer>(&drag_);
+        moved != nullptr && moved->layer >= image_.LayerCount()) {
+        EndDrag();
+    }
+}
+
+void ImageView::Private::Paint(const QRect& dirty) {
+    // Nothing tells of a move to a screen of another scale.
+    UpdateViewSize();
+    QPainter painter(&view_);
+    if (suspensions_ > 0) {
+        painter.fillRect(dirty, view_.palette().base());
+        painter.drawPixmap(0, 0, lastFrame_);
+        return;
+    }
+    isFitUnseen_ = false;
+    painter.save();
+    UseDevicePixels(painter, DeviceScale());
+    PaintImage(painter, ToDevicePixels(dirty, DeviceScale()));
+    painter.restore();
+    if (showsFocus_) {
+        painter.setPen(view_.palette().color(QPalette::Highlight));
+        painter.drawRect(view_.rect().adjusted(0, 0, -1, -1));
+    }
+}
+
+void ImageView::Private::PaintImage(QPainter& painter, const QRect& dirty) {
+    const QPalette& palette = view_.palette();
+    try {
+        painter_.Paint(painter, image_,
+                       {geometry_, dirty, quality_, palette.color(QPalette::Base),
+                        palette.color(QPalette::Highlight), DeviceScale()});
+    } catch (const platform::Error&) {
+        // Memory is short, and nothing may be thrown through the event loop: the user sees the
+        // background, and whatever needs the memory says so.
+        painter.fillRect(dirty, palette.base());
+    }
+    paintedLayers_ = AppearancesOf(image_, geometry_, DeviceScale());
+}
+
+}  // namespace kadrona::imaging::view

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QPixmap>
+#include <QTimer>
+#include <functional>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "imaging/view/CursorOverride.h"
+#include "imaging/view/ImageView.h"
+#include "imaging/view/LayerHandles.h"
+#include "imaging/view/LayerPainter.h"
+#include "imaging/view/SelectionFrame.h"
+#include "imaging/view/ViewGeometry.h"
+
+namespace kadrona::imaging::view {
+
+/// The view's state, and what its events do. All positions are device pixels unless they say
+/// otherwise.
+class ImageView::Private {
+ public:
+    explicit Private(ImageView& view);
+
+    // Geometry.
+    double DeviceScale() const { return view_.devicePixelRatioF(); }
+    /// Takes over the widget's size and the screen's scale.
+    void UpdateViewSize();
+    void Fit();
+    void ChangeZoom(double zoom, QPointF fixed);
+    void ZoomByUser(double zoom, QPointF fixed);
+    void Pan(QPointF imagePoint, QPointF to);
+    /// Runs `change` and tells what came of it: zoom, repaint.
+    void ChangeGeometry(const std::function<void()>& change);
+
+    // Painting.
+    void Paint(const QRect& dirty);
+    void PaintImage(QPainter& painter, const QRect& dirty);
+    void Settle();
+    void StartMoving();
+    void RepaintChangedLayers();
+    void TakePhoto();
+
+    // Input.
+    void Press(QPointF position, Qt::MouseButton button);
+    void MoveTo(QPointF position);
+    void EndDrag();
+    void CancelDrag();
+    bool IsDragging() const { return !std::holds_alternative<std::monostate>(drag_); }
+    bool PressKey(int key, bool shift);
+    void UpdateCursor();
+
+    struct PanDrag {
+        QPointF imagePoint;
+        Qt::MouseButton button;
+    };
+    struct MovedLayer {
+        int layer;
+        LayerDrag drag;
+        QPointF pressedAt;
+        bool isMoving;
+    };
+
+    ImageView& view_;
+    LayeredImage image_;
+    ViewGeometry geometry_;
+    LayerPainter painter_;
+    CursorOverride cursor_;
+    QTimer settleTimer_;
+    Quality quality_ = Quality::Smooth;
+    Interactions interactions_{Interactions(Interaction::Zoom) | Interaction::Pan};
+    bool automaticFit_ = true;
+    /// A fit of a view that has not been painted since: its size may still change with the layout
+    /// of its window, and the fit with it.
+    bool isFitUnseen_ = false;
+    int suspensions_ = 0;
+    /// What shows while painting is suspended.
+    QPixmap lastFrame_;
+    std::vector<LayerAppearance> paintedLayers_;
+    bool showsFocus_ = false;
+    std::variant<std::monostate, PanDrag, MovedLayer> drag_;
+    /// Where the pointer was last seen.
+    QPointF pointer_;
+
+ private:
+    struct Target {
+        int layer;
+        Handle handle;
+    };
+    std::optional<Target> TargetAt(QPointF position) const;
+    void StartLayerDrag(const Target& target, QPointF position);
+    void SetLayerByUser(int layer, const QRect& rectangle);
+    bool MoveCurrentLayer(QPoint by);
+    bool IsPanOnly() const { return interactions_ == Interactions(Interaction::Pan); }
+};
+
+}  // namespace kadrona::imaging::view

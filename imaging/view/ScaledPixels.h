@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+
+#include "imaging/Pixels.h"
+#include "imaging/view/Pyramid.h"
+#include "imaging/view/Resample.h"
+
+namespace kadrona::imaging::view {
+
+/// Fast while something moves, smooth at rest.
+enum class Quality { Fast, Smooth };
+
+/// How pixels look that are drawn much larger than they are.
+enum class Enlargement {
+    /// Always smooth.
+    Smooth,
+    /// Above 300 % every pixel is a crisp square.
+    Crisp
+};
+
+/// Pixels drawn at a size in device pixels. Keeps the part drawn last, so that a part that overlaps
+/// it only costs what is new, and the same part costs nothing.
+///
+/// A grid is drawn tile by tile from its one tile. A tile ends where its neighbour begins, on a
+/// whole device pixel:  edge(column) = round(column * width / columns).
+class ScaledPixels {
+ public:
+    explicit ScaledPixels(Enlargement enlargement) : enlargement_(enlargement) {}
+
+    /// Draws `part` of the pixels scaled to `size`. Afterwards Drawing() holds `part`, at least in
+    /// this quality. `part` is not empty and lies within `size`. The pixels are not kept, but other
+    /// ones than at the last call are noticed. Throws platform::Error where memory is short.
+    void Draw(const Pixels& pixels, QSize size, const QRect& part, Quality quality);
+
+    const QImage& Drawing() const { return drawing_; }
+    /// What of the scaled pixels Drawing() shows; contains the part last asked for.
+    const QRect& DrawnPart() const { return drawnPart_; }
+
+ private:
+    /// Tells pictures apart without holding them.
+    struct Identity {
+        qint64 tile = 0;
+        int columns = 0;
+        int rows = 0;
+        bool operator==(const Identity&) const = default;
+    };
+
+    void Notice(const Pixels& pixels);
+    void DrawPart(const Pixels& pixels, const QRect& part);
+    void DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at);
+    Filter FilterFor(double step) const;
+
+    Enlargement enlargement_;
+    Identity identity_;
+    Pyramid pyramid_;
+    QSize size_;
+    Quality quality_ = Quality::Fast;
+    QImage drawing_;
+    /// The drawing before, whose memory the next one takes.
+    QImage spare_;
+    QRect drawnPart_;
+};
+
+}  // namespace kadrona::imaging::view

@@ -1,0 +1,84 @@
+#include "imaging/view/Shadow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace kadrona::imaging::view {
+
+namespace {
+
+// In logical pixels.
+constexpr double Blur = 4.5;
+constexpr double Drop = 2.0;
+constexpr double Opacity = 0.38;
+
+// The blurred edge of a half plane that begins at 0.
+double BlurredEdge(double position, double sigma) {
+    return 0.5 * (1 + std::erf(position / (sigma * std::sqrt(2.0))));
+}
+
+// A blurred bar from `begin` to `end`, at the middle of every pixel.
+std::vector<double> BlurredBar(int length, double begin, double end, double sigma) {
+    std::vector<double> bar(static_cast<size_t>(length));
+    for (int i = 0; i < length; ++i) {
+        bar[static_cast<size_t>(i)] =
+            BlurredEdge(i + 0.5 - begin, sigma) - BlurredEdge(i + 0.5 - end, sigma);
+    }
+    return bar;
+}
+
+}  // namespace
+
+void Shadow::Prepare(double deviceScale) {
+    if (deviceScale == deviceScale_) {
+        return;
+    }
+    deviceScale_ = deviceScale;
+    reach_ = static_cast<int>(std::ceil(Reach * deviceScale));
+    const int side = 4 * reach_ + 1;
+    const double drop = Drop * deviceScale;
+    const double sigma = Blur * deviceScale;
+    const std::vector<double> across = BlurredBar(side, reach_, side - reach_, sigma);
+    const std::vector<double> down = BlurredBar(side, reach_ + drop, side - reach_ + drop, sigma);
+    patch_ = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < side; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(patch_.scanLine(y));
+        for (int x = 0; x < side; ++x) {
+            const double share = across[static_cast<size_t>(x)] * down[static_cast<size_t>(y)];
+            line[x] = qRgba(0, 0, 0, static_cast<int>(std::lround(255 * Opacity * share)));
+        }
+    }
+}
+
+void Shadow::Draw(QPainter& painter, const QRect& rectangle, double deviceScale) {
+    Prepare(deviceScale);
+    const QRect outer = rectangle.adjusted(-reach_, -reach_, reach_, reach_);
+    // Half of a small rectangle's sides belongs to each corner.
+    const int cornerWidth = reach_ + std::min(reach_, rectangle.width() / 2);
+    const int cornerHeight = reach_ + std::min(reach_, rectangle.height() / 2);
+    const int side = patch_.width();
+    const int targetX[] = {outer.left(), outer.left() + cornerWidth,
+                           outer.right() + 1 - cornerWidth, outer.right() + 1};
+    const int targetY[] = {outer.top(), outer.top() + cornerHeight,
+                           outer.bottom() + 1 - cornerHeight, outer.bottom() + 1};
+    const int sourceX[] = {0, cornerWidth, side - cornerWidth, side};
+    const int sourceY[] = {0, cornerHeight, side - cornerHeight, side};
+    painter.save();
+    painter.setClipRegion(QRegion(outer) - rectangle, Qt::IntersectClip);
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            const bool middle = row == 1 && column == 1;
+            const QRect target(QPoint(targetX[column], targetY[row]),
+                               QPoint(targetX[column + 1] - 1, targetY[row + 1] - 1));
+            if (!middle && !target.isEmpty()) {
+                painter.drawImage(target, patch_,
+                                  {QPoint(sourceX[column], sourceY[row]),
+                                   QPoint(sourceX[column + 1] - 1, sourceY[row + 1] - 1)});
+            }
+        }
+    }
+    painter.restore();
+}
+
+}  // namespace kadrona::imaging::view

@@ -1,0 +1,74 @@
+#include "store/Database.h"
+
+#include <sqlite3.h>
+
+#include "platform/Paths.h"
+#include "store/SqliteReason.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/Transaction.h"
+
+namespace kadrona::store {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// How long to wait for another program that writes, in milliseconds.
+constexpr int BusyTimeout = 5000;
+
+/// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
+/// our own SQL from the file's inner structures.
+void Harden(sqlite3* handle) {
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+}  // namespace
+
+void Database::Closer::operator()(sqlite3* handle) const {
+    sqlite3_close_v2(handle);
+}
+
+Database::Database(const QString& folder) : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
+    sqlite3* handle = nullptr;
+    int result = sqlite3_open_v2(path_.toUtf8().constData(), &handle,
+                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    handle_.reset(handle);
+    if (result == SQLITE_OK) {
+        sqlite3_extended_result_codes(handle, 1);
+        sqlite3_busy_timeout(handle, BusyTimeout);
+        Harden(handle);
+        // The file is read only now: without this, garbage would pass for a database.
+        result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
+    }
+    if (result != SQLITE_OK) {
+        throw StoreError(u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(
+            path_, SqliteReason(handle, result)));
+    }
+}
+
+void Database::Execute(const QString& sql) {
+    Statement statement(*this, sql);
+    while (statement.Step()) {
+    }
+}
+
+void Database::RunScript(const QStringList& statements) {
+    Transaction transaction(*this);
+    for (const QString& sql : statements) {
+        Execute(sql);
+    }
+    transaction.Commit();
+}
+
+bool Database::TableExists(const QString& name) {
+    Statement statement(
+        *this, u"SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ? COLLATE NOCASE"_s);
+    return statement.Bind(1, name).Step();
+}
+
+qint64 Database::LastInsertedId() const {
+    return sqlite3_last_insert_rowid(handle_.get());
+}
+
+}  // namespace kadrona::store

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+struct sqlite3;
+
+namespace kadrona::store {
+
+/// The open database "KDRImageBase.db" of one folder. Every statement and transaction over it must
+/// end before it does.
+class Database {
+ public:
+    /// Opens the database and makes it where there is none yet; the folder must exist. Throws
+    /// StoreError, also where the file is no database.
+    explicit Database(const QString& folder);
+
+    /// Runs one statement that yields no rows worth reading. Throws StoreError.
+    void Execute(const QString& sql);
+
+    /// Runs the statements as one batch: all of them or, where one throws, none.
+    void RunScript(const QStringList& statements);
+
+    /// Whatever the case of the name, as everywhere in SQL.
+    bool TableExists(const QString& name);
+
+    /// The automatic number of the row inserted last; 0 before any.
+    qint64 LastInsertedId() const;
+
+ private:
+    friend class Statement;
+    friend class Transaction;
+
+    struct Closer {
+        void operator()(sqlite3* handle) const;
+    };
+
+    QString path_;
+    std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+}  // namespace kadrona::store

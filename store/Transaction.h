@@ -1,0 +1,25 @@
+#pragma once
+
+namespace kadrona::store {
+
+class Database;
+
+/// All changes from its construction to Commit, or none: without Commit they are rolled back when
+/// it ends. Transactions do not nest.
+class Transaction {
+ public:
+    /// Waits up to the database's time-out for another writer. Throws StoreError.
+    explicit Transaction(Database& database);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    /// Throws StoreError; the changes are then rolled back at the end.
+    void Commit();
+
+ private:
+    Database& database_;
+    bool committed_ = false;
+};
+
+}  // namespace kadrona::store

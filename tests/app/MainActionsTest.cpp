@@ -1,0 +1,98 @@
+#include "app/MainActions.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "tests/support/CoreFakes.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using app::ActionCircumstances;
+using app::ActionState;
+
+constexpr ActionCircumstances NoPhoto{};
+constexpr ActionCircumstances PhotoOpen{.imageLoaded = true, .templateLoaded = true,
+                                        .layoutIndex = 0};
+constexpr ActionCircumstances NoTemplate{.imageLoaded = true, .layoutIndex = 0};
+constexpr ActionCircumstances SheetOfEight{.imageLoaded = true, .sheetCreated = true,
+                                           .layoutIndex = 0};
+constexpr ActionCircumstances SinglePhoto{.imageLoaded = true, .sheetCreated = true,
+                                          .layoutIndex = 6};
+
+/// Names of the actions that are enabled.
+QStringList Enabled(const ActionCircumstances& circumstances) {
+    const FakeSettings settings;
+    QStringList names;
+    for (const app::ActionDefinition& definition : app::ActionDefinitions()) {
+        if (app::StateOf(definition, circumstances, settings).enabled) {
+            names.append(QString::fromUtf16(definition.name));
+        }
+    }
+    names.sort();
+    return names;
+}
+
+QStringList With(QStringList names, const QStringList& more) {
+    names += more;
+    names.sort();
+    return names;
+}
+
+TEST(Actions, AreEnabledByTheStateOfThePhoto) {
+    const QStringList always{u"acAbout"_s,       u"acClose"_s,       u"acOpen"_s,
+                             u"acOpenWithProfile"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s,
+                             u"acRotateLeft"_s,  u"acRotateRight"_s, u"acSearchArchiv"_s,
+                             u"acShowConfig"_s,  u"acZoomFit"_s,     u"acZoomFull"_s};
+    const QStringList tools{u"acBeauty"_s,        u"acColorConfig"_s, u"acGradation"_s,
+                            u"acRotateDlg"_s,     u"acSchwarzweiss"_s, u"acSetWhitePoint"_s,
+                            u"acShowLayer"_s};
+    EXPECT_EQ(Enabled(NoPhoto), With(always, {}));
+    EXPECT_EQ(Enabled(NoTemplate), With(always, tools));
+    EXPECT_EQ(Enabled(PhotoOpen), With(With(always, tools), {u"acCrop"_s}));
+    EXPECT_EQ(Enabled(SheetOfEight), With(always, {u"acPrintImage"_s, u"acSave"_s}));
+    EXPECT_EQ(Enabled(SinglePhoto),
+              With(always, {u"acPrintImage"_s, u"acSave"_s, u"acSaveImageFast"_s}));
+    ActionCircumstances undoable = NoPhoto;
+    undoable.canUndo = true;
+    EXPECT_EQ(Enabled(undoable), With(always, {u"acUndo"_s}));
+}
+
+TEST(Actions, AreHiddenByTheSettingThatSwitchesThemOff) {
+    const std::map<QString, bool FakeSettings::*> switches{
+        {u"acGradation"_s, &FakeSettings::showGradation},
+        {u"acSchwarzweiss"_s, &FakeSettings::showBlackWhite},
+        {u"acRotateDlg"_s, &FakeSettings::showRotate},
+        {u"acSetWhitePoint"_s, &FakeSettings::whiteBalancePipette},
+        {u"acPrintImage"_s, &FakeSettings::printAfterCrop},
+        {u"acSave"_s, &FakeSettings::printAfterCrop},
+        {u"acSaveImageFast"_s, &FakeSettings::printAfterCrop}};
+    for (const app::ActionDefinition& definition : app::ActionDefinitions()) {
+        const QString name = QString::fromUtf16(definition.name);
+        FakeSettings settings;
+        EXPECT_TRUE(app::StateOf(definition, SinglePhoto, settings).visible) << name.toStdString();
+        settings.showGradation = settings.showBlackWhite = settings.showRotate =
+            settings.whiteBalancePipette = settings.printAfterCrop = true;
+        EXPECT_EQ(app::StateOf(definition, SinglePhoto, settings).visible,
+                  !switches.contains(name))
+            << name.toStdString();
+        if (switches.contains(name)) {
+            settings.*switches.at(name) = false;
+            EXPECT_TRUE(app::StateOf(definition, SinglePhoto, settings).visible)
+                << name.toStdString();
+        }
+    }
+}
+
+TEST(Actions, CheckingOneOfTheExclusiveGroupUnchecksTheOthers) {
+    app::MainActions actions;
+    actions.SetChecked(u"acShowLayer"_s, true);
+    actions.SetChecked(u"acBeauty"_s, true);
+    EXPECT_FALSE(actions.IsChecked(u"acShowLayer"_s));
+    actions.SetChecked(u"acSetWhitePoint"_s, false);
+    EXPECT_TRUE(actions.IsChecked(u"acBeauty"_s));
+}
+
+}  // namespace kadrona::testing

@@ -1,0 +1,149 @@
+#include "app/SheetCommand.h"
+
+#include <gtest/gtest.h>
+
+#include <QImageReader>
+
+#include "core/PhotoLoading.h"
+#include "tests/support/CoreFakes.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using app::ParseSheetRequest;
+using app::UsageError;
+
+TEST(SheetRequest, ReadsEveryOption) {
+    const app::SheetRequest request = ParseSheetRequest(
+        {u"a.jpg"_s, u"b.png"_s, u"--template"_s, u"Pass"_s, u"--out=bogen"_s, u"--layout"_s,
+         u"3 x 3"_s, u"--at"_s, u"-5, 20,300"_s, u"--profile"_s, u"Laden"_s});
+    EXPECT_EQ(request.photos, (QStringList{u"a.jpg"_s, u"b.png"_s}));
+    EXPECT_EQ(request.templateName, u"Pass"_s);
+    EXPECT_EQ(request.output, u"bogen"_s);
+    EXPECT_EQ(request.layoutIndex, 7);
+    ASSERT_TRUE(request.place);
+    EXPECT_EQ(request.place->left, -5);
+    EXPECT_EQ(request.place->width, 300);
+    EXPECT_EQ(request.profile, u"Laden"_s);
+}
+
+TEST(SheetRequest, RefusesWhatMakesNoSense) {
+    const QStringList valid{u"a.jpg"_s, u"--template"_s, u"Pass"_s, u"--out"_s, u"b.jpg"_s};
+    EXPECT_NO_THROW(ParseSheetRequest(valid));
+    EXPECT_THROW(ParseSheetRequest({}), UsageError);
+    EXPECT_THROW(ParseSheetRequest(valid.mid(1)), UsageError);
+    EXPECT_THROW(ParseSheetRequest(valid.first(3)), UsageError);
+    for (const QStringList& wrong :
+         {QStringList{u"--at"_s, u"1,2"_s}, {u"--at"_s, u"1,2,0"_s}, {u"--at"_s, u"1,2,x"_s},
+          {u"--layout"_s, u"4 x 2"_s}, {u"--unknown"_s}, {u"--profile"_s}}) {
+        EXPECT_THROW(ParseSheetRequest(valid + wrong), UsageError)
+            << wrong.join(u' ').toStdString();
+    }
+}
+
+class SheetCommand : public ::testing::Test {
+ protected:
+    SheetCommand() {
+        data.InitSystem();
+        for (const char* name : {"in/a.png", "in/b.png"}) {
+            SavePhoto(name, 400, 500);
+        }
+        request.templateName = u"Pass"_s;
+        request.place = app::TemplatePlace{10, 20, 300};
+        request.photos = {installation.Path("in/a.png")};
+        request.output = installation.Path("sheet.png");
+    }
+
+    void SavePhoto(const char* name, int width, int height, int value = 120) {
+        QImage photo(width, height, QImage::Format_RGB32);
+        photo.fill(qRgb(value, value, value));
+        installation.Write(name, {});
+        ASSERT_TRUE(photo.save(installation.Path(name)));
+    }
+
+    int Run() {
+        QTextStream progressStream(&progress);
+        QTextStream errorStream(&errors);
+        return app::MakeSheets(request, data, progressStream, errorStream);
+    }
+
+    Installation installation;
+    FakeInterface ui;
+    core::TData data{ui, installation.Folders()};
+    app::SheetRequest request;
+    QString progress;
+    QString errors;
+};
+
+TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
+    installation.Write("common/Kadrona/Profiles.ini", "[Standard Profile]\nProfilename=pro1.tmp\n");
+    installation.Write("common/Kadrona/pro1.tmp",
+                       "[ImageCount]\nItemIndex=4\n[FrameSize]\nText=\"10\"\n");
+    EXPECT_EQ(Run(), app::Done) << errors.toStdString();
+    const QImage sheet(request.output);
+    EXPECT_EQ(sheet.size(), QSize(3 * 310, 386 + 10)) << "1 x 3, height 300 * 450 / 350";
+    EXPECT_EQ(sheet.dotsPerMeterX(), 8583) << "300 / 3.5 * 2.54 = 218 dpi";
+    EXPECT_TRUE(progress.startsWith(u"[1/1] "_s)) << progress.toStdString();
+}
+
+TEST_F(SheetCommand, DoesEveryPhotoOfAFolderAndNamesTheOnesThatFail) {
+    installation.Write("in/broken.jpg", "no photo");
+    SavePhoto("in/small.png", 100, 100);
+    SavePhoto("other/a.png", 400, 500);
+    request.photos = {installation.Path("in"), installation.Path("other/a.png"),
+                      installation.Path("missing.jpg")};
+    request.output = installation.Path("out");
+    EXPECT_EQ(Run(), app::SomePhotoFailed);
+    EXPECT_EQ(QDir(request.output).entryList(QDir::Files),
+              (QStringList{u"a_2_kdr.jpg"_s, u"a_kdr.jpg"_s, u"b_kdr.jpg"_s}));
+    EXPECT_EQ(progress.count(u'\n'), 3);
+    EXPECT_EQ(errors.count(u'\n'), 3) << errors.toStdString();
+    for (const QString& name : {u"broken.jpg"_s, u"small.png"_s, u"missing.jpg"_s}) {
+        EXPECT_TRUE(errors.contains(name)) << name.toStdString();
+    }
+}
+
+TEST_F(SheetCommand, UsesTheSavedPlaceAndRefusesWhereThereIsNone) {
+    request.place.reset();
+    EXPECT_EQ(Run(), app::SomePhotoFailed);
+    EXPECT_TRUE(errors.contains(u"400 x 500"_s)) << errors.toStdString();
+    data.SaveLayerPosToIni(u"Pass.msk 400x500"_s, QRect(5, 6, 350, 1));
+    request.layoutIndex = core::SinglePhotoLayout;
+    EXPECT_EQ(Run(), app::Done);
+    EXPECT_EQ(QImage(request.output).size(), QSize(350, 450));
+}
+
+TEST_F(SheetCommand, RefusesWrongRequestsAsAWhole) {
+    const app::SheetRequest valid = request;
+    const auto refused = [&](const auto& change) {
+        request = valid;
+        change();
+        EXPECT_THROW(Run(), UsageError);
+    };
+    refused([&] { request.templateName = u"Keine"_s; });
+    refused([&] { request.profile = u"Keines"_s; });
+    refused([&] { request.output = installation.Path("sheet.xyz"); });
+    refused([&] { request.photos.append(installation.Path("in/b.png")); });
+    refused([&] { request.photos = {installation.Path("program")}; });
+    EXPECT_FALSE(QFile::exists(valid.output));
+}
+
+TEST_F(SheetCommand, NeverOverwritesThePhotoAndRefusesARectangleOutsideIt) {
+    request.output = request.photos.first();
+    EXPECT_EQ(Run(), app::SomePhotoFailed);
+    EXPECT_EQ(QImage(request.output).size(), QSize(400, 500));
+    request.output = installation.Path("sheet.png");
+    request.place = app::TemplatePlace{101, 0, 300};
+    EXPECT_EQ(Run(), app::SomePhotoFailed);
+    EXPECT_FALSE(QFile::exists(request.output));
+}
+
+TEST_F(SheetCommand, WarnsOfABrightPhotoAndMakesTheSheet) {
+    SavePhoto("in/a.png", 400, 500, 191);
+    EXPECT_EQ(Run(), app::Done);
+    EXPECT_TRUE(errors.contains(core::TooBrightWarning));
+    EXPECT_TRUE(QFile::exists(request.output));
+}
+
+}  // namespace kadrona::testing

@@ -1,0 +1,286 @@
+// Stories that drive the real windows by their object names.
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QFileDialog>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "app/MainWindow.h"
+#include "core/PhotoLoading.h"
+#include "dialogs/SettingsDialog.h"
+#include "imaging/view/ImageView.h"
+#include "platform/UserRegistry.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/ModalDriver.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+class Story : public ::testing::Test {
+ protected:
+    Story() {
+        SavePhoto("photo.png", QSize(1200, 1600));
+        Start();
+    }
+
+    void Start() {
+        window.reset();
+        window = std::make_unique<app::TmainFm>(installation.Folders());
+        window->CreateReusedWindows();
+        window->show();
+    }
+
+    void SavePhoto(const char* name, QSize size, int value = 120) {
+        QImage photo(size, QImage::Format_RGB32);
+        photo.fill(qRgb(value, value, value));
+        ASSERT_TRUE(photo.save(installation.Path(name)));
+    }
+
+    /// Drops a photo and chooses a template by its row.
+    void Open(const char* name, int templateRow = 0) {
+        driver.Expect(u"SchabloneFm"_s, [templateRow](QWidget& shown) {
+            shown.findChild<QListWidget*>(u"lbSchablonen"_s)->setCurrentRow(templateRow);
+            shown.findChild<QPushButton*>(u"btnOk"_s)->click();
+        });
+        window->OpenDroppedFiles({installation.Path(name)});
+    }
+
+    void Trigger(const QString& action) { window->Actions()[action]->trigger(); }
+    bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
+    imaging::LayeredImage& Image() { return window->View().Image(); }
+    QRect Template() { return Image().LayerAt(1).rectangle; }
+    QPoint OnScreen(QPoint photo) { return window->View().ToWidget(photo).toPoint(); }
+
+    Installation installation;
+    ModalDriver driver;
+    std::unique_ptr<app::TmainFm> window;
+};
+
+TEST_F(Story, AFirstStartShowsTheEmptyWindowInItsDesignedSize) {
+    EXPECT_EQ(window->windowTitle(), u"Kadrona 6.0 Prof"_s);
+    EXPECT_EQ(window->size(), QSize(772, 675));
+    EXPECT_FALSE(window->View().isVisible());
+    EXPECT_TRUE(window->findChild<QWidget*>(u"EmptyState"_s)->isVisible());
+    EXPECT_FALSE(IsEnabled(u"acCrop"_s));
+    EXPECT_TRUE(IsEnabled(u"acOpen"_s));
+}
+
+TEST_F(Story, APhotoBecomesASheet) {
+    Open("photo.png");
+    EXPECT_TRUE(window->View().isVisible());
+    EXPECT_TRUE(IsEnabled(u"acCrop"_s));
+    EXPECT_FALSE(IsEnabled(u"acSave"_s));
+
+    const QPoint from = OnScreen({100, 100});
+    const QPoint to = OnScreen({300, 400});
+    QTest::mousePress(&window->View(), Qt::LeftButton, {}, from);
+    QTest::mouseMove(&window->View(), (from + to) / 2);
+    QTest::mouseMove(&window->View(), to);
+    QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, to);
+    EXPECT_NEAR(Template().x(), 200, 3);
+    EXPECT_NEAR(Template().y(), 300, 3);
+
+    const QRect cut = Template();
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().Photo().Size(), QSize(4 * 375, 2 * 475));
+    EXPECT_EQ(Image().Resolution().value, 254);
+    EXPECT_FALSE(IsEnabled(u"acCrop"_s));
+    EXPECT_TRUE(IsEnabled(u"acSave"_s));
+    EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+    EXPECT_EQ(window->Data().ReadLayerPosFromIni(u"Pass.msk 1200x1600"_s), cut);
+
+    Open("photo.png");
+    EXPECT_EQ(Template(), cut) << "the place is remembered";
+    EXPECT_TRUE(IsEnabled(u"acCrop"_s));
+}
+
+TEST_F(Story, TheTemplateStaysInsideThePhotoAndCanBeHidden) {
+    Open("photo.png");
+    const QPoint inside = OnScreen({100, 100});
+    QTest::mousePress(&window->View(), Qt::LeftButton, {}, inside);
+    QTest::mouseMove(&window->View(), inside + QPoint(40, 40));
+    QTest::mouseMove(&window->View(), inside + QPoint(4000, 4000));
+    QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, inside + QPoint(4000, 4000));
+    EXPECT_EQ(Template().topLeft(), QPoint(1200 - 350, 1600 - 450));
+
+    Trigger(u"acShowLayer"_s);
+    EXPECT_TRUE(window->Actions().IsChecked(u"acShowLayer"_s));
+    EXPECT_FALSE(Image().LayerAt(1).visible);
+    EXPECT_EQ(Image().CurrentLayer(), 0);
+    Trigger(u"acShowLayer"_s);
+    EXPECT_TRUE(Image().LayerAt(1).visible);
+    EXPECT_EQ(Image().CurrentLayer(), 1);
+
+    window->Actions().SetChecked(u"acBeauty"_s, true);
+    Trigger(u"acShowLayer"_s);
+    EXPECT_TRUE(Image().LayerAt(1).visible) << "nothing while the retouch stamp is on";
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().LayerCount(), 2) << "nor are photos made";
+}
+
+TEST_F(Story, EveryLayoutCanBeChosen) {
+    auto* count = window->findChild<QComboBox*>(u"Anzahl"_s);
+    ASSERT_EQ(count->count(), 8);
+    for (int index = 0; index < count->count(); ++index) {
+        Open("photo.png");
+        count->setCurrentIndex(index);
+        Trigger(u"acCrop"_s);
+        const core::SheetLayout layout = *core::SheetLayoutAt(index);
+        EXPECT_EQ(Image().Photo().Columns(), layout.columns) << index;
+        EXPECT_EQ(Image().Photo().Rows(), layout.rows) << index;
+        EXPECT_EQ(IsEnabled(u"acSaveImageFast"_s), index == 6) << index;
+    }
+}
+
+TEST_F(Story, ABrightPhotoWarnsAndIsMadeAllTheSame) {
+    SavePhoto("bright.png", QSize(600, 800), 191);
+    SavePhoto("limit.png", QSize(600, 800), 190);
+    Open("limit.png");
+    Trigger(u"acCrop"_s);
+    Open("bright.png");
+    driver.Press(u"MessageBox"_s, u"OkButton"_s);
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().Photo().Columns(), 4);
+}
+
+TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
+    Open("photo.png");
+    installation.Write("broken.jpg", "no photo");
+    for (const char* name : {"broken.jpg", "missing.jpg", "program"}) {
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        window->OpenDroppedFiles({installation.Path(name)});
+        EXPECT_TRUE(Image().IsEmpty()) << name;
+        EXPECT_FALSE(IsEnabled(u"acCrop"_s)) << name;
+        for (const QString& action : {u"acRotateLeft"_s, u"acZoomFit"_s, u"acZoomFull"_s,
+                                      u"acShowLayer"_s, u"acUndo"_s}) {
+            Trigger(action);
+        }
+    }
+    Open("photo.png");
+    EXPECT_TRUE(IsEnabled(u"acCrop"_s));
+}
+
+TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
+    Open("photo.png");
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_EQ(Image().Photo().Size(), QSize(1600, 1200));
+    EXPECT_EQ(Image().CurrentLayer(), 1);
+    Trigger(u"acRotateRight"_s);
+    EXPECT_EQ(Image().UndoCount(), 2);
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Image().Photo().Size(), QSize(1600, 1200));
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Image().Photo().Size(), QSize(1200, 1600));
+    EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+}
+
+TEST_F(Story, TheOpenDialogStartsInTheLastFolderAfterActivatingTheStandardProfile) {
+    Open("photo.png");
+    driver.Expect(u"OpenDialog"_s, [this](QWidget& shown) {
+        auto& dialog = dynamic_cast<QFileDialog&>(shown);
+        EXPECT_EQ(dialog.directory().absolutePath(), QFileInfo(installation.Path("x")).path());
+        EXPECT_EQ(dialog.nameFilters().size(), 11);
+        dialog.reject();
+    });
+    Trigger(u"acOpen"_s);
+    EXPECT_EQ(Image().LayerCount(), 2) << "cancelling changes nothing";
+}
+
+TEST_F(Story, OpeningWithAProfileTakesItsCountAndAPlainOpenGoesBack) {
+    auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
+    driver.Expect(u"EinstellungenFm"_s, [&](QWidget& shown) {
+        driver.Expect(u"LineDialog"_s, [](QWidget& line) {
+            line.findChild<QLineEdit*>(u"LineEdit"_s)->setText(u"Laden"_s);
+            line.findChild<QPushButton*>(u"OkButton"_s)->click();
+        });
+        shown.findChild<QPushButton*>(u"btnNew"_s)->click();
+        shown.findChild<QComboBox*>(u"ImageCount"_s)->setCurrentIndex(6);
+        shown.close();
+    });
+    Trigger(u"acShowConfig"_s);
+    auto* count = window->findChild<QComboBox*>(u"Anzahl"_s);
+    settings->AktivateProfileByName(u"Standard Profile"_s, false);
+    EXPECT_EQ(count->currentIndex(), 0);
+
+    driver.Press(u"ProfileDlgFM"_s, u"btnCancel"_s);
+    Trigger(u"acOpenWithProfile"_s);
+    EXPECT_EQ(count->currentIndex(), 0);
+    driver.Expect(u"ProfileDlgFM"_s, [](QWidget& shown) {
+        shown.findChild<QListWidget*>(u"ProfileListBox"_s)->setCurrentRow(1);
+        shown.findChild<QPushButton*>(u"btnOK"_s)->click();
+    });
+    driver.Expect(u"OpenDialog"_s, [](QWidget& shown) { shown.close(); });
+    Trigger(u"acOpenWithProfile"_s);
+    EXPECT_EQ(count->currentIndex(), 6) << "the chosen profile stays active";
+    driver.Expect(u"OpenDialog"_s, [](QWidget& shown) { shown.close(); });
+    Trigger(u"acOpen"_s);
+    EXPECT_EQ(count->currentIndex(), 0);
+}
+
+TEST_F(Story, CtrlAndSpacePanWhileHeld) {
+    using Interaction = imaging::view::ImageView::Interaction;
+    Open("photo.png");
+    const auto both = Interaction::Zoom | Interaction::Pan;
+    EXPECT_EQ(window->View().CurrentInteraction(), both);
+    for (const Qt::Key key : {Qt::Key_Control, Qt::Key_Space}) {
+        QTest::keyPress(&window->View(), key);
+        EXPECT_EQ(window->View().CurrentInteraction(), Interaction::Pan);
+        QTest::keyPress(&window->View(), Qt::Key_Control);
+        const QRect before = Template();
+        const QPoint at = OnScreen({100, 100});
+        QTest::mousePress(&window->View(), Qt::LeftButton, {}, at);
+        QTest::mouseMove(&window->View(), at + QPoint(30, 30));
+        QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, at + QPoint(30, 30));
+        EXPECT_EQ(Template(), before);
+        QTest::keyRelease(&window->View(), key);
+        EXPECT_EQ(window->View().CurrentInteraction(), both);
+    }
+}
+
+TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
+    platform::WriteRegistryInteger(u"DBCount"_s, 41);
+    Start();
+    window->move(30, 40);
+    window->resize(900, 700);
+    window->close();
+    Start();
+    EXPECT_EQ(window->pos(), QPoint(30, 40));
+    EXPECT_EQ(window->size(), QSize(900, 700));
+    platform::WriteRegistryInteger(u"DBCount"_s, 0);
+    window.reset();
+    EXPECT_EQ(platform::ReadRegistryInteger(u"DBCount"_s), 41) << "written back as it was read";
+
+    for (const char* edge : {"PosX=0\nPosY=40", "PosX=30\nPosY=0", "PosX=90000\nPosY=90000"}) {
+        installation.Write("common/Kadrona/kdr.ini",
+                           "[mainFm]\n" + QByteArray(edge) + "\nWidth=900\nHeight=700\n");
+        Start();
+        EXPECT_EQ(window->size(), QSize(772, 675)) << edge;
+    }
+}
+
+TEST_F(Story, AReadOnlyLayoutFileIsReportedAndTheWindowCloses) {
+    installation.Write("common/Kadrona/kdr.ini", "[old]\nPosX=1\n");
+    QFile(installation.DataFile("kdr.ini")).setPermissions(QFile::ReadOwner);
+    driver.Press(u"MessageBox"_s, u"OkButton"_s);
+    EXPECT_TRUE(window->close());
+}
+
+TEST_F(Story, ADamagedTemplateLeavesThePhotoWithoutOne) {
+    installation.Write("program/Schablonen/USA.msk", QByteArray("\xff\xff\xff\x7f", 4));
+    driver.Expect(u"SchabloneFm"_s, [this](QWidget& shown) {
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        shown.findChild<QListWidget*>(u"lbSchablonen"_s)->setCurrentRow(1);
+        shown.findChild<QPushButton*>(u"btnOk"_s)->click();
+    });
+    window->OpenDroppedFiles({installation.Path("photo.png")});
+    EXPECT_EQ(Image().LayerCount(), 1);
+    EXPECT_FALSE(IsEnabled(u"acCrop"_s));
+}
+
+}  // namespace kadrona::testing

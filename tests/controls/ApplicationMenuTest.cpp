@@ -1,0 +1,125 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "controls/ApplicationMenu.h"
+#include "controls/CommandArea.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+class ApplicationMenuTest : public testing::Test {
+ protected:
+    ApplicationMenuTest() {
+        for (QAction* action : {&open_, &profile_, &quit_, &settings_}) {
+            QObject::connect(action, &QAction::triggered, [this, action] {
+                EXPECT_FALSE(Menu().isVisible()) << "an action may open a dialog";
+                triggered_ += action->objectName();
+            });
+        }
+        area_.Application().AddAction(&open_);
+        area_.Application().AddAction(&profile_);
+        Menu().AddSeparator();
+        area_.Application().AddAction(&quit_);
+        Menu().SetSidePane(u"KDR Prof"_s);
+        Menu().SetFootAction(&settings_);
+        area_.show();
+        area_.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&area_));
+    }
+
+    ApplicationMenu& Menu() { return area_.Application().Menu(); }
+    QString Focused() { return Menu().focusWidget()->objectName(); }
+    void Press(Qt::Key key) { QTest::keyClick(Menu().focusWidget(), key); }
+
+    struct NamedAction : QAction {
+        NamedAction(const QString& name, const QString& text) : QAction(text) {
+            setObjectName(name);
+        }
+    };
+    NamedAction open_{u"acOpen"_s, u"&Öffnen"_s};
+    NamedAction profile_{u"acOpenWithProfile"_s, u"Mit Einstellungen öffnen"_s};
+    NamedAction quit_{u"acClose"_s, u"Beenden"_s};
+    NamedAction settings_{u"acShowConfig"_s, u"Einstellungen"_s};
+    CommandArea area_{u"Hauptmenu"_s};
+    QStringList triggered_;
+};
+
+TEST_F(ApplicationMenuTest, KeysOpenItAndEscapeClosesIt) {
+    QTest::keyClick(&area_, Qt::Key_H, Qt::AltModifier);
+    EXPECT_TRUE(Menu().isVisible());
+    Press(Qt::Key_Escape);
+    EXPECT_FALSE(Menu().isVisible());
+    QTest::keyClick(&area_, Qt::Key_F10);
+    EXPECT_TRUE(Menu().isVisible());
+    Menu().hide();
+    EXPECT_TRUE(triggered_.isEmpty());
+}
+
+TEST_F(ApplicationMenuTest, ArrowsGoRoundWhatCanBeUsed) {
+    profile_.setEnabled(false);
+    area_.Application().OpenMenu();
+    EXPECT_EQ(Focused(), u"acOpenMenuItem"_s);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Focused(), u"acCloseMenuItem"_s);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Focused(), u"acShowConfigFootButton"_s);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Focused(), u"acOpenMenuItem"_s);
+    Press(Qt::Key_Up);
+    EXPECT_EQ(Focused(), u"acShowConfigFootButton"_s);
+    Press(Qt::Key_Home);
+    EXPECT_EQ(Focused(), u"acOpenMenuItem"_s);
+    Menu().hide();
+}
+
+TEST_F(ApplicationMenuTest, EnterSpaceAndClickTrigger) {
+    area_.Application().OpenMenu();
+    Press(Qt::Key_Return);
+    area_.Application().OpenMenu();
+    Press(Qt::Key_B);
+    Press(Qt::Key_Space);
+    area_.Application().OpenMenu();
+    Menu().findChild<QPushButton*>(u"acShowConfigFootButton"_s)->click();
+    area_.Application().OpenMenu();
+    QTest::mouseClick(Menu().findChild<QWidget*>(u"acOpenWithProfileMenuItem"_s), Qt::LeftButton);
+    EXPECT_EQ(triggered_,
+              (QStringList{u"acOpen"_s, u"acClose"_s, u"acShowConfig"_s, u"acOpenWithProfile"_s}));
+}
+
+TEST_F(ApplicationMenuTest, HiddenActionsHaveNoEntry) {
+    quit_.setVisible(false);
+    area_.Application().OpenMenu();
+    EXPECT_FALSE(Menu().findChild<QWidget*>(u"acCloseMenuItem"_s)->isVisible());
+    Press(Qt::Key_B);
+    EXPECT_EQ(Focused(), u"acOpenMenuItem"_s);
+    Menu().hide();
+}
+
+TEST_F(ApplicationMenuTest, ShortcutsWorkWhileTheMenuIsClosed) {
+    open_.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    QTest::keyClick(&area_, Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(triggered_, QStringList{u"acOpen"_s});
+}
+
+TEST_F(ApplicationMenuTest, SideItemsAreChosenByKeyboard) {
+    Menu().SetSideItems({u"a"_s, u"b"_s});
+    QSignalSpy chosen(&Menu(), &ApplicationMenu::SideItemChosen);
+    area_.Application().OpenMenu();
+    Press(Qt::Key_Right);
+    EXPECT_EQ(Focused(), u"SideItems"_s);
+    Menu().findChild<QListWidget*>(u"SideItems"_s)->setCurrentRow(1);
+    Press(Qt::Key_Return);
+    ASSERT_EQ(chosen.count(), 1);
+    EXPECT_EQ(chosen[0][0].toInt(), 1);
+    EXPECT_FALSE(Menu().isVisible());
+}
+
+}  // namespace
+}  // namespace kadrona::controls

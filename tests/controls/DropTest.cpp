@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QFile>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include "controls/FileDropTarget.h"
+#include "controls/PathEdit.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+struct Answer {
+    bool accepted;
+    Qt::DropAction action;
+};
+
+Answer Send(QWidget& widget, QDropEvent& event) {
+    event.ignore();
+    QCoreApplication::sendEvent(&widget, &event);
+    return {event.isAccepted(), event.dropAction()};
+}
+
+// A step of a drag as the source offers `possible` and the keys held propose `proposed`. Qt asks
+// the widget under the pointer first whether the drag may enter.
+template <typename Event>
+Answer Offer(QWidget& widget, const QMimeData& data, Qt::DropActions possible,
+             Qt::DropAction proposed) {
+    QDragEnterEvent enter({5, 5}, possible, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.setDropAction(proposed);
+    const Answer entered = Send(widget, enter);
+    if (std::is_same_v<Event, QDragEnterEvent> || !entered.accepted) {
+        return entered;
+    }
+    Event event({5, 5}, possible, &data, Qt::LeftButton, Qt::NoModifier);
+    event.setDropAction(proposed);
+    return Send(widget, event);
+}
+
+class DropTest : public testing::Test {
+ protected:
+    DropTest() {
+        widget_.resize(100, 80);
+        widget_.show();
+        files_.setUrls({QUrl::fromLocalFile(u"/fotos/b ä.jpg"_s), QUrl(u"https://x.de/c.jpg"_s),
+                        QUrl::fromLocalFile(u"/fotos/a.jpg"_s)});
+        QObject::connect(&target_, &FileDropTarget::FilesDropped,
+                         [this](const QStringList& paths) { dropped_ += paths; });
+    }
+
+    bool Framed() { return widget_.findChild<QWidget*>(u"DropFrame"_s)->isVisible(); }
+
+    QWidget widget_;
+    FileDropTarget& target_ = *new FileDropTarget(&widget_);
+    QMimeData files_;
+    QStringList dropped_;
+};
+
+TEST_F(DropTest, CopyAndLinkAreTakenAsTheyAre) {
+    for (const Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction}) {
+        dropped_.clear();
+        const Answer answer = Offer<QDropEvent>(widget_, files_, action, action);
+        EXPECT_TRUE(answer.accepted);
+        EXPECT_EQ(answer.action, action);
+        EXPECT_TRUE(dropped_.isEmpty()) << "the source is answered first";
+        QCoreApplication::processEvents();
+        EXPECT_EQ(dropped_, (QStringList{u"/fotos/b ä.jpg"_s, u"/fotos/a.jpg"_s}));
+    }
+}
+
+TEST_F(DropTest, AMoveIsTakenButNeverConfirmed) {
+    const Answer answer = Offer<QDropEvent>(widget_, files_, Qt::MoveAction, Qt::MoveAction);
+    EXPECT_TRUE(answer.accepted);
+    EXPECT_EQ(answer.action, Qt::IgnoreAction);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dropped_.size(), 2);
+}
+
+TEST_F(DropTest, WhileDraggingCopyIsPreferredToMoving) {
+    const struct {
+        Qt::DropActions possible;
+        Qt::DropAction expected;
+    } rows[] = {
+        {Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction},
+        {Qt::MoveAction | Qt::LinkAction, Qt::LinkAction},
+        {Qt::CopyAction, Qt::CopyAction},
+        {Qt::LinkAction, Qt::LinkAction},
+    };
+    for (const auto& row : rows) {
+        const Answer answer = Offer<QDragMoveEvent>(widget_, files_, row.possible, Qt::MoveAction);
+        EXPECT_TRUE(answer.accepted);
+        EXPECT_EQ(answer.action, row.expected);
+    }
+    EXPECT_TRUE(Offer<QDragMoveEvent>(widget_, files_, Qt::MoveAction, Qt::MoveAction).accepted);
+}
+
+TEST_F(DropTest, OtherDragsAreRefused) {
+    QMimeData text;
+    text.setText(u"/fotos/a.jpg"_s);
+    QMimeData web;
+    web.setUrls({QUrl(u"https://x.de/c.jpg"_s)});
+    for (const QMimeData* data : {&text, &web}) {
+        EXPECT_FALSE(
+            Offer<QDragEnterEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+        EXPECT_FALSE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+        EXPECT_FALSE(Framed());
+    }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(dropped_.isEmpty());
+}
+
+TEST_F(DropTest, TheFrameIsThereOnlyDuringTheDrag) {
+    EXPECT_FALSE(Framed());
+    Offer<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    EXPECT_TRUE(Framed());
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(&widget_, &leave);
+    EXPECT_FALSE(Framed());
+    Offer<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    Offer<QDropEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    EXPECT_FALSE(Framed());
+}
+
+TEST(PathEditDrop, TakesAFolderAndNoFile) {
+    const QTemporaryDir folder;
+    const QString filePath = folder.filePath(u"a.txt"_s);
+    QFile file(filePath);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    PathEdit edit;
+    edit.setText(u"vorher"_s);
+
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(filePath)});
+    EXPECT_FALSE(Offer<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
+    Offer<QDropEvent>(edit, data, Qt::CopyAction, Qt::CopyAction);
+    EXPECT_EQ(edit.text(), u"vorher"_s);
+
+    data.setUrls({QUrl::fromLocalFile(filePath), QUrl::fromLocalFile(folder.path())});
+    EXPECT_TRUE(Offer<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
+    const Answer answer = Offer<QDropEvent>(edit, data, Qt::MoveAction, Qt::MoveAction);
+    EXPECT_EQ(answer.action, Qt::IgnoreAction);
+    EXPECT_EQ(edit.text(), folder.path());
+}
+
+}  // namespace
+}  // namespace kadrona::controls

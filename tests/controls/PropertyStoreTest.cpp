@@ -1,0 +1,207 @@
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include "controls/PropertyStore.h"
+#include "platform/Error.h"
+#include "platform/PropertyFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+QStringList ItemsOf(const QComboBox& box) {
+    QStringList items;
+    for (int i = 0; i < box.count(); ++i) {
+        items.append(box.itemText(i));
+    }
+    return items;
+}
+
+// A little settings page with one control of every kind.
+struct Page {
+    QWidget window;
+    QCheckBox check{&window};
+    QRadioButton left{&window};
+    QRadioButton right{&window};
+    QLineEdit edit{&window};
+    QComboBox fixed{&window};
+    QComboBox list{&window};
+    PropertyStore store;
+
+    Page() {
+        check.setObjectName(u"Check"_s);
+        left.setObjectName(u"Left"_s);
+        right.setObjectName(u"Right"_s);
+        edit.setObjectName(u"Edit"_s);
+        fixed.setObjectName(u"Fixed"_s);
+        list.setObjectName(u"List"_s);
+        fixed.addItems({u"JPG"_s, u"JP2"_s});
+        list.addItems({u"design"_s});
+        store.AddChecked(check);
+        store.AddChecked(left);
+        store.AddChecked(right);
+        store.AddText(edit);
+        store.AddItemIndex(fixed);
+        store.AddList(list);
+        left.setChecked(true);
+        edit.setText(u"design"_s);
+    }
+
+    void ExpectDesignValues() const {
+        EXPECT_FALSE(check.isChecked());
+        EXPECT_TRUE(left.isChecked());
+        EXPECT_EQ(edit.text(), u"design"_s);
+        EXPECT_EQ(fixed.currentIndex(), 0);
+        EXPECT_EQ(ItemsOf(list), QStringList{u"design"_s});
+        EXPECT_EQ(list.currentIndex(), 0);
+    }
+};
+
+class PropertyStoreTest : public testing::Test {
+ protected:
+    QTemporaryDir folder_;
+    QString path_ = folder_.filePath(u"pro1A.tmp"_s);
+};
+
+TEST_F(PropertyStoreTest, EveryControlComesBackAsItWasStored) {
+    const QStringList names{u"Laser = \"matt\" [2]"_s, u""_s, u"; Fotodrucker"_s, u"Größe\t10 "_s};
+    Page stored;
+    stored.check.setChecked(true);
+    stored.right.setChecked(true);
+    stored.edit.setText(u" Bild;name #1 = \"x\" "_s);
+    stored.fixed.setCurrentIndex(1);
+    stored.list.clear();
+    stored.list.addItems(names);
+    stored.list.setCurrentIndex(2);
+    stored.store.SetStorageFile(path_);
+    stored.store.Store();
+
+    Page restored;
+    QSignalSpy listChanges(&restored.list, &QComboBox::currentIndexChanged);
+    restored.store.SetStorageFile(path_);
+    restored.store.Restore();
+    EXPECT_TRUE(restored.check.isChecked());
+    EXPECT_FALSE(restored.left.isChecked());
+    EXPECT_TRUE(restored.right.isChecked());
+    EXPECT_EQ(restored.edit.text(), stored.edit.text());
+    EXPECT_EQ(restored.fixed.currentIndex(), 1);
+    EXPECT_EQ(ItemsOf(restored.list), names);
+    EXPECT_EQ(restored.list.currentText(), u"; Fotodrucker"_s);
+    ASSERT_EQ(listChanges.count(), 1);
+    EXPECT_EQ(listChanges[0][0].toInt(), 2);
+}
+
+TEST_F(PropertyStoreTest, NoChoiceAndAnEmptyListComeBack) {
+    Page stored;
+    stored.fixed.setCurrentIndex(-1);
+    stored.list.clear();
+    stored.store.SetStorageFile(path_);
+    stored.store.Store();
+
+    Page restored;
+    restored.store.SetStorageFile(path_);
+    restored.store.Restore();
+    EXPECT_EQ(restored.fixed.currentIndex(), -1);
+    EXPECT_EQ(restored.list.count(), 0);
+    EXPECT_EQ(restored.list.currentIndex(), -1);
+}
+
+TEST_F(PropertyStoreTest, StoringAgainReplacesALongerList) {
+    Page page;
+    page.store.SetStorageFile(path_);
+    page.list.addItems({u"b"_s, u"c"_s});
+    page.store.Store();
+    page.list.removeItem(2);
+    page.store.Store();
+    page.list.clear();
+    page.store.Restore();
+    EXPECT_EQ(ItemsOf(page.list), (QStringList{u"design"_s, u"b"_s}));
+}
+
+TEST_F(PropertyStoreTest, WithoutAFileNothingIsReadOrWritten) {
+    QFile::remove(u"empty"_s);
+    Page page;
+    EXPECT_EQ(page.store.StorageFile(), u"empty"_s);
+    page.store.Store();
+    page.store.Restore();
+    EXPECT_FALSE(QFile::exists(u"empty"_s));
+    page.ExpectDesignValues();
+}
+
+TEST_F(PropertyStoreTest, MissingPropertiesLeaveTheControls) {
+    Page page;
+    page.store.SetStorageFile(path_);
+    page.store.Restore();  // no file
+    page.ExpectDesignValues();
+
+    QFile file(path_);  // as a new profile has it
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    page.store.Restore();
+    page.ExpectDesignValues();
+
+    platform::PropertyFile properties(path_);
+    properties.WriteBoolean(u"Check"_s, u"Checked"_s, true);
+    properties.Save();
+    page.store.Restore();
+    EXPECT_TRUE(page.check.isChecked());
+    page.check.setChecked(false);
+    page.ExpectDesignValues();
+}
+
+TEST_F(PropertyStoreTest, WrongTypesAndIndexesBeyondTheItems) {
+    platform::PropertyFile properties(path_);
+    properties.WriteText(u"Check"_s, u"Checked"_s, u"vielleicht"_s);
+    properties.WriteInteger(u"Fixed"_s, u"ItemIndex"_s, 2);
+    properties.WriteInteger(u"List"_s, u"ItemIndex"_s, 7);
+    properties.Save();
+    Page page;
+    page.fixed.setCurrentIndex(1);
+    page.store.SetStorageFile(path_);
+    page.store.Restore();
+    EXPECT_FALSE(page.check.isChecked());
+    EXPECT_EQ(page.fixed.currentIndex(), 1);
+    EXPECT_EQ(page.list.currentIndex(), -1);
+    EXPECT_EQ(ItemsOf(page.list), QStringList{u"design"_s});
+
+    properties.WriteText(u"Fixed"_s, u"ItemIndex"_s, u"eins"_s);
+    properties.WriteText(u"List"_s, u"ItemIndex"_s, u"-99999999999999"_s);
+    properties.WriteText(u"List"_s, u"Properties.Items"_s, u"keine Liste"_s);
+    properties.Save();
+    page.store.Restore();
+    EXPECT_EQ(page.fixed.currentIndex(), 1);
+    EXPECT_EQ(page.list.currentIndex(), -1);
+    EXPECT_EQ(ItemsOf(page.list), QStringList{u"design"_s});
+}
+
+TEST_F(PropertyStoreTest, DamagedFilesChangeNothing) {
+    Page page;
+    page.store.SetStorageFile(path_);
+    for (const QByteArray& content :
+         {QByteArray("[Check\nChecked=1"), QByteArray("\xff\xfe\x00\x01[[[]]]===\n=\n", 16),
+          QByteArray(5000, '\0'), QByteArray("[List]\nProperties.Items=-3\n")}) {
+        QFile file(path_);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        EXPECT_NO_THROW(page.store.Restore());
+        page.ExpectDesignValues();
+    }
+}
+
+TEST_F(PropertyStoreTest, WhatTheFileSystemRefusesIsAnError) {
+    Page page;
+    page.store.SetStorageFile(path_ + u"/missing/folder.tmp"_s);
+    EXPECT_THROW(page.store.Store(), platform::Error);
+}
+
+}  // namespace
+}  // namespace kadrona::controls

@@ -1,0 +1,140 @@
+#include <stdexcept>
+
+#include "imaging/LayeredImage.h"
+#include "imaging/Processing.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace kadrona::testing;
+
+namespace kadrona::imaging {
+
+namespace {
+
+class LayeredImageTest : public ::testing::Test {
+ protected:
+    LayeredImageTest() {
+        QObject::connect(&image, &LayeredImage::PhotoChanged, [this] { ++photoSignals; });
+        QObject::connect(&image, &LayeredImage::LayersChanged, [this] { ++layerSignals; });
+    }
+
+    /// Expects so many signals since the last call.
+    void ExpectSignals(int photo, int layers, const char* after) {
+        EXPECT_EQ(std::exchange(photoSignals, 0), photo) << "PhotoChanged after " << after;
+        EXPECT_EQ(std::exchange(layerSignals, 0), layers) << "LayersChanged after " << after;
+    }
+
+    LayeredImage image;
+    Pixels photo{Picture({"rgb", "ykw"})};
+    Layer mask{Pixels(Picture({"k"})), QRect(0, 0, 1, 1)};
+
+ private:
+    int photoSignals = 0;
+    int layerSignals = 0;
+};
+
+}  // namespace
+
+TEST_F(LayeredImageTest, SignalsExactlyWhenSomethingChanges) {
+    image.Clear();
+    image.Undo();
+    image.RecordUndoStep();
+    ExpectSignals(0, 0, "nothing on an empty image");
+    image.Open(photo, {300});
+    ExpectSignals(1, 1, "opening");
+    image.Open(photo, {300});
+    ExpectSignals(1, 0, "opening over a photo alone");
+    EXPECT_EQ(image.AddLayer(mask), 1);
+    EXPECT_EQ(image.CurrentLayer(), 1);
+    ExpectSignals(0, 1, "adding a layer");
+    image.SetCurrentLayer(1);
+    image.SetLayerRectangle(1, mask.rectangle);
+    image.SetLayerVisible(1, true, true);
+    image.SetResolution({600});
+    ExpectSignals(0, 0, "setting what is set");
+    image.SetCurrentLayer(0);
+    image.SetLayerRectangle(1, {1, 0, 2, 2});
+    image.SetLayerVisible(1, false, true);
+    ExpectSignals(0, 3, "changing layers");
+    image.ChangePhoto(photo);
+    ExpectSignals(0, 0, "changing to the same pixels");
+    image.ChangePhoto(Pixels(Picture({"kkk"})));
+    ExpectSignals(1, 0, "changing the photo");
+    image.Undo();
+    ExpectSignals(1, 0, "undoing a change");
+    image.RecordUndoStep();
+    image.Undo();
+    ExpectSignals(0, 0, "undoing no change");
+    image.RemoveLayersAbovePhoto();
+    ExpectSignals(0, 1, "removing layers");
+    image.RemoveLayersAbovePhoto();
+    ExpectSignals(0, 0, "removing no layers");
+    image.Clear();
+    EXPECT_EQ(image.CurrentLayer(), -1);
+    ExpectSignals(1, 1, "clearing");
+}
+
+TEST_F(LayeredImageTest, RefusesLayersThatDoNotExist) {
+    EXPECT_THROW(image.SetCurrentLayer(0), std::out_of_range);
+    EXPECT_THROW(image.ChangePhoto(photo), std::out_of_range);
+    EXPECT_THROW(image.AddLayer(mask), std::out_of_range);
+    image.Open(photo, {});
+    EXPECT_THROW(image.SetCurrentLayer(1), std::out_of_range);
+    EXPECT_THROW(image.SetCurrentLayer(-1), std::out_of_range);
+    EXPECT_THROW(image.SetLayerRectangle(0, {}), std::out_of_range);
+    EXPECT_THROW(image.SetLayerVisible(1, true, true), std::out_of_range);
+    EXPECT_THROW(image.ChangePhoto({}), std::invalid_argument);
+    EXPECT_EQ(image.CurrentLayer(), 0);
+    EXPECT_FALSE(image.CanUndo());
+}
+
+TEST_F(LayeredImageTest, UndoRestoresPixelsSizeAndResolution) {
+    image.Open(photo, {300});
+    image.AddLayer(mask);
+    image.RecordUndoStep();
+    image.SetResolution({600});
+    image.ChangePhoto(Cropped(photo, {1, 0, 2, 2}));
+    EXPECT_EQ(image.UndoCount(), 1) << "recorded and automatically recorded";
+    EXPECT_EQ(image.LayerAt(0).rectangle, QRect(0, 0, 2, 2));
+    image.Undo();
+    EXPECT_TRUE(SamePixels(image.Photo(), photo.ToImage()));
+    EXPECT_EQ(image.LayerAt(0).rectangle, QRect(0, 0, 3, 2));
+    EXPECT_EQ(image.Resolution(), DotsPerInch{300});
+    EXPECT_EQ(image.LayerCount(), 2);
+    EXPECT_FALSE(image.CanUndo());
+}
+
+TEST_F(LayeredImageTest, RecordsByItselfOnlyWhenAsked) {
+    image.Open(photo, {});
+    image.SetAutomaticUndo(false);
+    image.ChangePhoto(Pixels(Picture({"k"})));
+    EXPECT_FALSE(image.CanUndo());
+    image.SetAutomaticUndo(true);
+    image.SetUndoLimit(2);
+    for (const char* row : {"r", "g", "b"}) {
+        image.ChangePhoto(Pixels(Picture({row})));
+    }
+    EXPECT_EQ(image.UndoCount(), 2);
+    image.Undo();
+    image.Undo();
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r"})));
+    image.ChangePhoto(photo);
+    image.Open(photo, {});
+    EXPECT_FALSE(image.CanUndo());
+}
+
+TEST_F(LayeredImageTest, AStrokeIsOneStepOfItsBlocks) {
+    image.Open(Pixels(photo.Tile(), 2, 1), {300});
+    image.RecordUndoStep();
+    for (const int x : {4, 5}) {
+        image.EditPhoto({x, 0, 9, 1}, [&](QImage& tile) { tile.setPixel(x, 0, ColourOf('k')); });
+    }
+    image.EditPhoto({6, 0, 1, 1}, [](QImage&) { FAIL() << "beside the photo"; });
+    ExpectSignals(3 /* opening, two dabs */, 1, "a stroke");
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rgbrkk", "ykwykw"})));
+    EXPECT_TRUE(SamePixels(photo, Picture({"rgb", "ykw"})));
+    image.Undo();
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rgbrgb", "ykwykw"})));
+    EXPECT_FALSE(image.CanUndo());
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,161 @@
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "imaging/Processing.h"
+#include "platform/Error.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace kadrona::testing;
+
+namespace kadrona::imaging {
+
+namespace {
+
+Pixels Photo() {
+    return Pixels(Picture({"rgb", "ykw", "gbr"}));
+}
+
+bool LiesIn(const Pixels& part, const Pixels& whole) {
+    const uchar* begin = whole.Tile().constBits();
+    const uchar* start = part.Tile().constBits();
+    return start >= begin && start < begin + whole.ByteCount();
+}
+
+QImage Filled(QSize size, QRgb colour) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+}  // namespace
+
+TEST(AverageOf, RoundsToNearest) {
+    QImage image = Picture({"k", "k"});
+    image.setPixel(0, 1, qRgb(1, 3, 254));
+    const AverageColour average = AverageOf(Pixels(image, 5, 7));
+    EXPECT_EQ(average.red, 1);    // 0.5
+    EXPECT_EQ(average.green, 2);  // 1.5
+    EXPECT_EQ(average.blue, 127);
+    EXPECT_EQ(AverageOf(Pixels()).red, 0);
+}
+
+TEST(AverageOf, IsExactBeyond32BitSums) {
+    // The sum of a channel is 5.1e9.
+    const QImage image = Filled({5000, 4000}, qRgb(255, 254, 1));
+    const AverageColour average = AverageOf(Pixels(image));
+    EXPECT_EQ(average.red, 255);
+    EXPECT_EQ(average.green, 254);
+    EXPECT_EQ(average.blue, 1);
+}
+
+struct CropCase {
+    const char* name;
+    QRect rectangle;
+    QImage expected;
+};
+
+TEST(Cropped, FillsWhatOverhangsWithWhite) {
+    const std::vector<CropCase> cases = {
+        {"inside", {1, 0, 2, 2}, Picture({"gb", "kw"})},
+        {"left", {-1, 0, 2, 2}, Picture({"wr", "wy"})},
+        {"top", {0, -1, 2, 2}, Picture({"ww", "rg"})},
+        {"right", {2, 1, 2, 2}, Picture({"ww", "rw"})},
+        {"bottom", {0, 2, 2, 2}, Picture({"gb", "ww"})},
+        {"top left corner", {-1, -1, 2, 2}, Picture({"ww", "wr"})},
+        {"bottom right corner", {2, 2, 2, 2}, Picture({"rw", "ww"})},
+        {"all sides", {-1, -1, 5, 5}, Picture({"wwwww", "wrgbw", "wykww", "wgbrw", "wwwww"})},
+        {"beside", {3, 0, 1, 2}, Picture({"w", "w"})},
+        {"far away", {-100, 900, 2, 1}, Picture({"ww"})},
+    };
+    for (const CropCase& c : cases) {
+        EXPECT_TRUE(SamePixels(Cropped(Photo(), c.rectangle), c.expected)) << c.name;
+    }
+    EXPECT_TRUE(Cropped(Photo(), QRect(1, 1, 0, 2)).IsEmpty());
+    EXPECT_TRUE(SamePixels(Cropped(Pixels(), QRect(0, 0, 2, 1)), Picture({"ww"})));
+}
+
+TEST(Cropped, UnrollsOnlyWhatAGridNeeds) {
+    const Pixels grid(Picture({"rg", "by"}), 3, 3);
+    const Pixels withinTile = Cropped(grid, {3, 2, 1, 2});
+    EXPECT_TRUE(SamePixels(withinTile, Picture({"g", "y"})));
+    EXPECT_TRUE(LiesIn(withinTile, grid));
+
+    const Pixels wholeTiles = Cropped(grid, {2, 0, 4, 4});
+    EXPECT_TRUE(wholeTiles.SharesPixelsWith(Pixels(grid.Tile(), 2, 2)));
+
+    EXPECT_TRUE(SamePixels(Cropped(grid, {1, 1, 3, 2}), Picture({"yby", "grg"})));
+    EXPECT_TRUE(SamePixels(Cropped(grid, {5, 5, 2, 2}), Picture({"yw", "ww"})));
+    // A small part of a grid that could never be unrolled.
+    const Pixels huge(grid.Tile(), 1'000'000'000, 1'000'000'000);
+    EXPECT_TRUE(SamePixels(Cropped(huge, {1'999'999'997, 1, 4, 2}), Picture({"ybyw", "grgw"})));
+}
+
+TEST(Cropped, IsSafeWhenTheParentChangesOrGoes) {
+    std::optional<QImage> parent = Photo().ToImage().copy();
+    Pixels crop = Cropped(Pixels(*parent), {1, 0, 2, 2});
+    ASSERT_EQ(crop.Tile().constBits(), parent->constScanLine(0) + 4);
+
+    parent->fill(Qt::red);
+    EXPECT_TRUE(SamePixels(crop, Picture({"gb", "kw"})));
+    parent.reset();
+    const Pixels inner = Cropped(crop, {1, 1, 1, 1});
+    const QImage copy = crop.Tile();
+    crop.EditableTile().fill(Qt::black);
+    EXPECT_TRUE(SamePixels(crop, Picture({"kk", "kk"})));
+    EXPECT_TRUE(SamePixels(copy, Picture({"gb", "kw"})));
+    EXPECT_TRUE(SamePixels(inner, Picture({"w"})));
+}
+
+TEST(Cropped, ChangesNothingInItsParent) {
+    const Pixels parent = Photo();
+    Pixels crop = Cropped(parent, {0, 1, 3, 2});
+    crop.EditableTile().fill(Qt::red);
+    EXPECT_TRUE(SamePixels(parent, Photo().ToImage()));
+}
+
+TEST(CanvasEnlarged, PutsTheOddPixelRightAndBottom) {
+    const Pixels photo(Picture({"rg"}));
+    EXPECT_TRUE(SamePixels(CanvasEnlarged(photo, {5, 4}, Qt::black),
+                           Picture({"kkkkk", "krgkk", "kkkkk", "kkkkk"})));
+    EXPECT_TRUE(SamePixels(CanvasEnlarged(photo, {1, 2}), Picture({"rg", "ww"})));
+    EXPECT_TRUE(CanvasEnlarged(photo, {2, 0}).SharesPixelsWith(photo));
+    EXPECT_TRUE(
+        SamePixels(CanvasEnlarged(Pixels(photo.Tile(), 2, 1), {6, 1}), Picture({"wrgrgw"})));
+}
+
+TEST(CanvasEnlarged, FillsOpaquelyAroundATransparentPicture) {
+    const Pixels photo(Picture({"."}, QImage::Format_ARGB32));
+    EXPECT_TRUE(SamePixels(CanvasEnlarged(photo, {3, 1}, QColor(255, 0, 0, 10)),
+                           Picture({"r.r"}, QImage::Format_ARGB32)));
+}
+
+TEST(Turned, KeepsAGridAGrid) {
+    const Pixels grid(Picture({"rgb", "ykw"}), 2, 1);
+    const Pixels right = Turned(grid, QuarterTurn::Clockwise);
+    EXPECT_EQ(right.Columns(), 1);
+    EXPECT_EQ(right.Rows(), 2);
+    EXPECT_TRUE(SamePixels(right, Picture({"yr", "kg", "wb", "yr", "kg", "wb"})));
+    EXPECT_TRUE(SamePixels(Turned(Pixels(grid.Tile()), QuarterTurn::CounterClockwise),
+                           Picture({"bw", "gk", "ry"})));
+    EXPECT_TRUE(SamePixels(Turned(right, QuarterTurn::CounterClockwise), grid.ToImage()));
+}
+
+TEST(Turned, TurnsAPartOfAnotherPicture) {
+    EXPECT_TRUE(SamePixels(Turned(Cropped(Photo(), {1, 0, 2, 2}), QuarterTurn::Clockwise),
+                           Picture({"kg", "wb"})));
+}
+
+TEST(Repeated, MultipliesGrids) {
+    const Pixels grid(Picture({"rg"}), 2, 1);
+    const Pixels sheet = Repeated(grid, 1, 3);
+    EXPECT_TRUE(sheet.SharesPixelsWith(Pixels(grid.Tile(), 2, 3)));
+    EXPECT_THROW(Repeated(grid, std::numeric_limits<int>::max(), 1), platform::Error);
+}
+
+TEST(NewPictures, NameShortMemory) {
+    EXPECT_THROW(CanvasEnlarged(Photo(), {std::numeric_limits<int>::max(), 1}), platform::Error);
+    EXPECT_THROW(Cropped(Photo(), {-1, 0, std::numeric_limits<int>::max(), 1}), platform::Error);
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,201 @@
+#include <vector>
+
+#include "imaging/UndoHistory.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace kadrona::testing;
+
+namespace kadrona::imaging {
+
+namespace {
+
+constexpr DotsPerInch Resolution{300};
+
+/// 4 x 3 blocks, the last ones cut by the picture's edge.
+constexpr QSize PhotoSize(1000, 700);
+constexpr qsizetype PhotoBytes = qsizetype{1000} * 700 * 4;
+constexpr qsizetype BlockBytes = qsizetype{256} * 256 * 4;
+
+QImage Filled(QRgb colour, QSize size = PhotoSize) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+/// A photo that differs from `photo` in one pixel, in memory of its own.
+Pixels Dotted(const Pixels& photo, QPoint position, QRgb colour) {
+    QImage image = photo.ToImage().copy();
+    image.setPixel(position, colour);
+    return Pixels(image);
+}
+
+/// A live photo whose every state is recorded before it changes.
+struct RecordedPhoto {
+    explicit RecordedPhoto(UndoHistory& undo) : history(undo) {}
+
+    void Change(Pixels changed) {
+        history.Record(photo, Resolution);
+        states.push_back(photo.ToImage().copy());
+        photo = std::move(changed);
+    }
+
+    /// Goes back through all steps and compares each state.
+    void ExpectAllStatesBack(int count) {
+        DotsPerInch resolution;
+        ASSERT_EQ(history.Count(), count);
+        for (int step = 0; step < count; ++step) {
+            history.TakeNewest(photo, resolution);
+            EXPECT_TRUE(SamePixels(photo, states[states.size() - 1 - size_t(step)]))
+                << step + 1 << " steps back";
+        }
+        EXPECT_TRUE(history.IsEmpty());
+        EXPECT_EQ(history.ByteCount(photo), 0);
+    }
+
+    UndoHistory& history;
+    Pixels photo{Filled(0xff102030)};
+    std::vector<QImage> states;
+};
+
+}  // namespace
+
+TEST(UndoHistory, KeepsOnlyTheBlocksThatDiffer) {
+    UndoHistory history;
+    RecordedPhoto live(history);
+    const std::vector<QPoint> positions = {{0, 0}, {999, 699}, {300, 300}, {255, 256}, {300, 301}};
+    for (const QPoint position : positions) {
+        live.Change(Dotted(live.photo, position, 0xffffffff));
+    }
+    // The change after the last recording is not yet found.
+    EXPECT_GE(history.ByteCount(live.photo), PhotoBytes);
+    live.Change(Dotted(live.photo, {1, 1}, 0xffff0000));
+    history.Record(live.photo, Resolution);
+    live.states.push_back(live.photo.ToImage());
+    const qsizetype cornerBytes = qsizetype{1000 - 768} * (700 - 512) * 4;
+    EXPECT_EQ(history.ByteCount(live.photo), 5 * BlockBytes + cornerBytes);
+    live.ExpectAllStatesBack(7);
+}
+
+TEST(UndoHistory, KeepsWholePicturesWhereAllOrTheSizeChanges) {
+    UndoHistory history;
+    RecordedPhoto live(history);
+    live.Change(Pixels(Filled(0xff00ff00)));
+    live.Change(Dotted(live.photo, {700, 10}, 0xffff0000));
+    live.Change(Pixels(Filled(0xff00ff00, {300, 200})));
+    live.Change(Pixels(Filled(0xff00ff00, {300, 200}), 2, 1));
+    live.Change(Pixels(Filled(0xff00ff00, {600, 200})));
+    live.ExpectAllStatesBack(5);
+}
+
+TEST(UndoHistory, CountsNothingThatTheLivePhotoKeepsAlive) {
+    UndoHistory history;
+    const Pixels whole(Filled(0xff00ff00));
+    history.Record(whole, Resolution);
+    EXPECT_EQ(history.ByteCount(whole), 0);
+    const QImage& image = whole.Tile();
+    const Pixels part(
+        QImage(image.constScanLine(100), 1000, 50, image.bytesPerLine(), image.format()));
+    EXPECT_EQ(history.ByteCount(part), 0);
+    EXPECT_EQ(history.ByteCount(Pixels(Filled(0))), PhotoBytes);
+}
+
+TEST(UndoHistory, DoesNotRecordTheSamePixelsTwice) {
+    UndoHistory history;
+    const Pixels photo(Filled(0xff00ff00));
+    history.Record(photo, Resolution);
+    history.Record(photo, {600});
+    EXPECT_EQ(history.Count(), 1);
+    history.Record(Pixels(photo.ToImage().copy()), Resolution);
+    EXPECT_EQ(history.Count(), 1) << "equal pixels in other memory";
+    history.Record(Dotted(photo, {999, 0}, 0), Resolution);
+    EXPECT_EQ(history.Count(), 2);
+}
+
+TEST(UndoHistory, FollowsChangesThatWereNotRecorded) {
+    UndoHistory history;
+    RecordedPhoto live(history);
+    const Pixels first = live.photo;
+    live.Change(Dotted(first, {0, 0}, 0));
+    live.Change(Dotted(live.photo, {500, 0}, 0));
+    DotsPerInch resolution;
+    history.TakeNewest(live.photo, resolution);
+    // Changed since the undo: the older step must not be applied to this.
+    live.photo = Dotted(live.photo, {999, 699}, 0);
+    const QImage third = live.photo.ToImage();
+    history.Record(live.photo, Resolution);
+    live.photo = Pixels(Filled(0));
+    history.TakeNewest(live.photo, resolution);
+    EXPECT_TRUE(SamePixels(live.photo, third));
+    live.photo = Pixels(Filled(0));
+    history.TakeNewest(live.photo, resolution);
+    EXPECT_TRUE(SamePixels(live.photo, first.ToImage()));
+}
+
+TEST(UndoHistory, DropsTheOldestBeyondTheLimit) {
+    UndoHistory history(3);
+    RecordedPhoto live(history);
+    for (int x = 0; x < 5; ++x) {
+        live.Change(Dotted(live.photo, {x, 0}, 0));
+    }
+    EXPECT_EQ(history.Count(), 3);
+    history.SetLimit(2);
+    live.ExpectAllStatesBack(2);
+    history.SetLimit(0);
+    history.Record(live.photo, Resolution);
+    EXPECT_TRUE(history.IsEmpty());
+}
+
+TEST(UndoHistory, DropsTheOldestBeyondTheBudget) {
+    UndoHistory history(10, 2 * PhotoBytes);
+    RecordedPhoto live(history);
+    for (QRgb grey = 0; grey < 5; ++grey) {
+        live.Change(Pixels(Filled(qRgb(int(grey), 0, 0))));
+    }
+    EXPECT_EQ(history.Count(), 3) << "two beside the photo and the newest, recorded when it was it";
+    live.ExpectAllStatesBack(3);
+
+    UndoHistory least(10, 0);
+    RecordedPhoto other(least);
+    other.Change(Pixels(Filled(1)));
+    other.Change(Pixels(Filled(2)));
+    other.ExpectAllStatesBack(1);
+}
+
+TEST(UndoHistory, DropsTheNewestWithoutGoingBack) {
+    UndoHistory history;
+    RecordedPhoto live(history);
+    live.Change(Dotted(live.photo, {0, 0}, 0));
+    live.Change(Dotted(live.photo, {300, 0}, 0));
+    live.Change(Dotted(live.photo, {600, 0}, 0));
+    history.DropNewest();
+    live.states.pop_back();
+    live.ExpectAllStatesBack(2);
+}
+
+TEST(UndoHistory, KeepsOnlyTouchedBlocksOfAnEditInPlace) {
+    UndoHistory history;
+    RecordedPhoto live(history);
+    const uchar* memory = live.photo.Tile().constBits();
+    const auto stroke = [&](QPoint from) {
+        history.Record(live.photo, Resolution);
+        live.states.push_back(live.photo.ToImage().copy());
+        // Two dabs on overlapping blocks.
+        for (const int offset : {0, 10}) {
+            const QRect dab(from + QPoint(offset, 0), QSize(20, 20));
+            history.EditInPlace(live.photo, dab, [&](QImage& image) {
+                for (int x = dab.left(); x <= dab.right(); ++x) {
+                    image.setPixel(x, dab.top(), qRgb(x % 256, 0, 0));
+                }
+            });
+        }
+    };
+    stroke({100, 100});
+    EXPECT_EQ(history.ByteCount(live.photo), BlockBytes);
+    stroke({240, 100});
+    EXPECT_EQ(history.ByteCount(live.photo), 3 * BlockBytes);
+    EXPECT_EQ(live.photo.Tile().constBits(), memory) << "the photo was copied";
+    live.ExpectAllStatesBack(2);
+    EXPECT_EQ(live.photo.Tile().constBits(), memory) << "undo copied the photo";
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QImageReader>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "imaging/ImageWriter.h"
+#include "tests/support/PixelMatchers.h"
+
+namespace kadrona::imaging {
+
+/// A picture in which no row or column repeats: gradients with a little noise over them.
+inline QImage TestPicture(int width, int height, unsigned seed = 1) {
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            seed = seed * 1664525U + 1013904223U;
+            const int noise = static_cast<int>(seed >> 28);
+            row[x] = qRgb((x + noise) & 255, (2 * y + noise) & 255, (x + y) / 2 & 255);
+        }
+    }
+    return image;
+}
+
+/// The picture that a grid stands for, put together pixel by pixel.
+inline QImage Unrolled(const QImage& tile, int columns, int rows) {
+    QImage image(tile.width() * columns, tile.height() * rows, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixel(x, y, tile.pixel(x % tile.width(), y % tile.height()));
+        }
+    }
+    return image;
+}
+
+class WriterTest : public ::testing::Test {
+ protected:
+    QString PathOf(const QString& name) const { return folder_.filePath(name); }
+
+    /// Names of the files in the folder, hidden and temporary ones too.
+    QStringList Files() const {
+        return QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    }
+
+    QByteArray Bytes(const QString& name) const {
+        QFile file(PathOf(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    QImage ReadBack(const QString& name) const {
+        QImageReader reader(PathOf(name));
+        const QImage image = reader.read();
+        EXPECT_FALSE(image.isNull()) << qPrintable(name + reader.errorString());
+        return image;
+    }
+
+    QTemporaryDir folder_;
+};
+
+/// What an outside program says about a file.
+struct ProgramResult {
+    int exitCode = -1;
+    QString output;
+    QString errors;
+};
+
+inline bool IsInstalled(const QString& program) {
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+inline ProgramResult RunProgram(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
+        return {-1, {}, process.errorString()};
+    }
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+}  // namespace kadrona::imaging

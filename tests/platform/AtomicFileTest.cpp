@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#ifdef Q_OS_LINUX
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+#include <string>
+
+namespace kadrona::platform {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+std::string WriteErrorText(const QString& path, const QString& reason) {
+    return u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason).toStdString();
+}
+
+/// Runs `action` and returns the text of the FileError that it must throw.
+template <typename Action>
+std::string ErrorText(Action action) {
+    try {
+        action();
+    } catch (const FileError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+class AtomicFileTest : public testing::Test {
+ protected:
+    QString Path() const { return folder_.filePath(u"Blatt.jpg"_s); }
+
+    QStringList Names() const {
+        return QDir(folder_.path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    /// Checks that writing 1 MB in each of two ways fails for `reason` and leaves the old content
+    /// and nothing else.
+    void ExpectOldFileAfterFailure(const QString& path, const QString& reason) const {
+        const QByteArray big(1'000'000, 'x');
+        const std::string expected = WriteErrorText(path, reason);
+        EXPECT_EQ(ErrorText([&] { WriteFileAtomically(path, big); }), expected);
+        EXPECT_EQ(ErrorText([&] {
+                      AtomicFile file(path);
+                      for (int i = 0; i < big.size(); i += 1000) {
+                          file.Device().write(big.sliced(i, 1000));
+                      }
+                      file.Commit();
+                  }),
+                  expected);
+        EXPECT_EQ(ReadWholeFile(path, 100), "old"_ba);
+        EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden),
+                  QStringList{u"Blatt.jpg"_s});
+    }
+
+    QTemporaryDir folder_;
+};
+
+TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
+    WriteFileAtomically(Path(), "old"_ba);
+    {
+        AtomicFile abandoned(Path());
+        abandoned.Device().write("new"_ba);
+    }
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+    AtomicFile file(Path());
+    file.Device().write("new 1"_ba);
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+    file.Commit();
+    EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
+    EXPECT_EQ(Names(), QStringList{u"Blatt.jpg"_s});
+}
+
+TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {
+    const QString missing = folder_.filePath(u"fehlt/a.jpg"_s);
+    const QString name = folder_.filePath(QString(300, u'n'));
+    const std::pair<QString, QString> cases[] = {
+        {missing, u"Die Datei oder der Ordner ist nicht vorhanden"_s},
+        {folder_.path(), u"Unter diesem Namen gibt es einen Ordner"_s},
+        {name, u"Der Name ist zu lang"_s},
+    };
+    for (const auto& [path, reason] : cases) {
+        EXPECT_EQ(ErrorText([&] { WriteFileAtomically(path, "x"_ba); }),
+                  WriteErrorText(path, reason));
+    }
+    EXPECT_EQ(ErrorText([&] { ReadWholeFile(missing, 1); }),
+              u"Die Datei „%1“ konnte nicht gelesen werden: Die Datei oder der Ordner ist nicht "
+              u"vorhanden."_s.arg(missing)
+                  .toStdString());
+    EXPECT_TRUE(Names().isEmpty());
+}
+
+TEST_F(AtomicFileTest, LeavesAReadOnlyFile) {
+    WriteFileAtomically(Path(), "old"_ba);
+    QFile::setPermissions(Path(), QFileDevice::ReadOwner);
+    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(Path(), "new"_ba); }),
+              WriteErrorText(Path(), u"Die Datei ist schreibgeschützt"_s));
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+}
+
+#ifdef Q_OS_LINUX
+
+TEST_F(AtomicFileTest, WritesThroughALink) {
+    WriteFileAtomically(Path(), "old"_ba);
+    const QString link = folder_.filePath(u"link"_s);
+    ASSERT_TRUE(QFile::link(Path(), link));
+    WriteFileAtomically(link, "new"_ba);
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "new"_ba);
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(AtomicFileTest, KeepsTheOldFileWhenAWriteIsCutShort) {
+    WriteFileAtomically(Path(), "old"_ba);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{100'000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    ExpectOldFileAfterFailure(Path(), u"Die Datei würde zu groß"_s);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, oldHandler);
+}
+
+TEST_F(AtomicFileTest, KeepsTheOldFileWhenTheDiskIsFull) {
+    const QByteArray disk = folder_.filePath(u"disk"_s).toLocal8Bit();
+    QDir().mkdir(QString::fromLocal8Bit(disk));
+    if (mount("tmpfs", disk.constData(), "tmpfs", 0, "size=200k") != 0) {
+        GTEST_SKIP() << "no right to mount a small file system";
+    }
+    const QString path = QString::fromLocal8Bit(disk) + u"/Blatt.jpg"_s;
+    WriteFileAtomically(path, "old"_ba);
+    ExpectOldFileAfterFailure(path, u"Auf dem Datenträger ist kein Platz mehr"_s);
+    umount(disk.constData());
+}
+
+#endif
+
+}  // namespace
+}  // namespace kadrona::platform

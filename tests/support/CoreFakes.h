@@ -1,0 +1,117 @@
+#pragma once
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "core/Data.h"
+#include "core/Settings.h"
+#include "core/TemplateFile.h"
+#include "core/UserInterface.h"
+
+namespace kadrona::testing {
+
+/// Remembers every message; answers the tag editor with what was set.
+class FakeInterface : public core::UserInterface {
+ public:
+    void ShowMessage(const QString& text) override { messages.append(text); }
+    std::optional<QStringList> EditTags() override {
+        ++tagEditorShown;
+        return tags;
+    }
+
+    QStringList messages;
+    std::optional<QStringList> tags;
+    int tagEditorShown = 0;
+};
+
+/// Settings with the dialog's design values; the ones that a test needs can be set.
+class FakeSettings : public core::Settings {
+ public:
+    bool AutoWhiteBalance() const override { return autoWhiteBalance; }
+    QString FileNameEd() const override { return QStringLiteral("Bildname"); }
+    int FileTypCombo() const override { return 0; }
+    int FileVarCombo() const override { return 0; }
+    QString FrameSize() const override { return frameSize; }
+    bool ImageAutoSave() const override { return imageAutoSave; }
+    bool ImageAutoSave2() const override { return false; }
+    int ImageCount() const override { return 0; }
+    QString ImageDestinationDir() const override { return {}; }
+    QString ImageSaveDir() const override { return {}; }
+    bool ImgAutoRotate() const override { return true; }
+    bool ImgRotateLeft() const override { return imgRotateLeft; }
+    bool ImgRotateRight() const override { return imgRotateRight; }
+    bool PrintAfterCrop() const override { return printAfterCrop; }
+    int PrintProfileBox() const override { return -1; }
+    bool RotateBeforeTileImg() const override { return rotateBeforeTileImg; }
+    bool ScaleImageCk() const override { return false; }
+    int SchabloneBox() const override { return schabloneBox; }
+    bool ShowBlackWhite() const override { return showBlackWhite; }
+    bool ShowGradation() const override { return showGradation; }
+    bool ShowRotate() const override { return showRotate; }
+    bool WhiteBalancePipette() const override { return whiteBalancePipette; }
+
+    QString frameSize = QStringLiteral("25");
+    bool autoWhiteBalance = false;
+    bool imageAutoSave = false;
+    bool imgRotateLeft = false;
+    bool imgRotateRight = false;
+    bool printAfterCrop = false;
+    bool rotateBeforeTileImg = false;
+    int schabloneBox = -1;
+    bool showBlackWhite = false;
+    bool showGradation = false;
+    bool showRotate = false;
+    bool whiteBalancePipette = false;
+};
+
+/// A program folder with templates and an empty place for data, gone with the object. The user's
+/// registry is a file in it as well.
+class Installation {
+ public:
+    Installation() {
+        qputenv("XDG_CONFIG_HOME", Path("config").toUtf8());
+        QDir().mkpath(Path("program/Schablonen"));
+        AddTemplate("Pass", "Pass.msk", 350, 450);
+        AddTemplate("USA", "USA.msk", 508, 508);
+    }
+
+    QString Path(const char* below) const { return root_.filePath(QLatin1StringView(below)); }
+    core::TData::Folders Folders() const { return {Path("program"), Path("common")}; }
+    /// A file in the data folder.
+    QString DataFile(const char* name) const {
+        return Path("common/Kadrona/") + QLatin1StringView(name);
+    }
+
+    /// A catalogue line and its file: a white canvas with one oval.
+    void AddTemplate(const char* name, const char* file, int width, int height) {
+        const std::vector<core::TMask> elements{
+            {.colour = 0xffffff, .right = width, .bottom = height, .name = QStringLiteral("Canvas")},
+            {.colour = 0x0000c0,
+             .brushStyle = 1,
+             .penWidth = 4,
+             .right = width - 50,
+             .left = 50,
+             .bottom = height - 50,
+             .top = 50,
+             .shape = core::TMask::Ellipse,
+             .name = {}}};
+        Write("program/Schablonen/" + QByteArray(file), core::SerializeTemplate(elements));
+        catalogue_ += QByteArray(name) + "=" + file + "\n";
+        Write("program/Schablonen/MaskList.kdr", catalogue_);
+    }
+
+    void Write(const QByteArray& below, const QByteArray& content) const {
+        QFile file(Path(below.constData()));
+        QDir().mkpath(QFileInfo(file).path());
+        if (file.open(QIODevice::WriteOnly)) {
+            file.write(content);
+        }
+    }
+
+ private:
+    QTemporaryDir root_;
+    QByteArray catalogue_;
+};
+
+}  // namespace kadrona::testing

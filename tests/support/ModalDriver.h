@@ -1,0 +1,86 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+#include <deque>
+#include <functional>
+
+namespace kadrona::testing {
+
+/// Answers modal windows one after the other, as a user would: each expected window by its object
+/// name and what is done in it. A window that is not expected, or one whose step leaves it open for
+/// two seconds, fails the test and is closed, so that no test hangs.
+class ModalDriver {
+ public:
+    ModalDriver() {
+        timer_.setInterval(5);
+        QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
+        timer_.start();
+    }
+
+    ~ModalDriver() {
+        for (const Step& step : steps_) {
+            ADD_FAILURE() << "the window " << step.window.toStdString() << " never appeared";
+        }
+    }
+
+    ModalDriver& Expect(const QString& window, std::function<void(QWidget&)> answer) {
+        steps_.push_back({window, std::move(answer)});
+        return *this;
+    }
+
+    /// Expects a window and presses one of its buttons.
+    ModalDriver& Press(const QString& window, const QString& button) {
+        return Expect(window, [button](QWidget& shown) {
+            auto* pressed = shown.findChild<QAbstractButton*>(button);
+            ASSERT_NE(pressed, nullptr) << button.toStdString();
+            pressed->click();
+        });
+    }
+
+ private:
+    struct Step {
+        QString window;
+        std::function<void(QWidget&)> answer;
+    };
+
+    void Look() {
+        QWidget* shown = QApplication::activeModalWidget();
+        if (shown == nullptr || !shown->isVisible()) {
+            answered_ = nullptr;
+            return;
+        }
+        if (shown == answered_) {
+            if (++waits_ > 400) {
+                Refuse(*shown, "stayed open");
+            }
+            return;
+        }
+        answered_ = shown;
+        waits_ = 0;
+        if (steps_.empty() || steps_.front().window != shown->objectName()) {
+            Refuse(*shown, "was not expected");
+            return;
+        }
+        const Step step = std::move(steps_.front());
+        steps_.pop_front();
+        step.answer(*shown);
+    }
+
+    static void Refuse(QWidget& window, const char* why) {
+        ADD_FAILURE() << "the window " << window.objectName().toStdString() << " (\""
+                      << window.windowTitle().toStdString() << "\") " << why;
+        window.hide();
+    }
+
+    QTimer timer_;
+    std::deque<Step> steps_;
+    QWidget* answered_ = nullptr;
+    int waits_ = 0;
+};
+
+}  // namespace kadrona::testing

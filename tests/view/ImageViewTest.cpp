@@ -1,0 +1,385 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include "imaging/view/ImageView.h"
+#include "tests/view/ViewTestSupport.h"
+
+namespace kadrona::imaging::view {
+namespace {
+
+using test::ExpectSamePixels;
+using test::Pattern;
+
+void SendMouse(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button) {
+    const bool isMove = type == QEvent::MouseMove;
+    const bool isRelease = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, at, view.mapToGlobal(at), isMove ? Qt::NoButton : button,
+                      isRelease ? Qt::MouseButtons() : button, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &event);
+}
+
+void SendWheel(QWidget& view, QPointF at, int angle,
+               Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QWheelEvent event(at, view.mapToGlobal(at), QPoint(), QPoint(0, angle), Qt::NoButton, modifiers,
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&view, &event);
+}
+
+class ImageViewTest : public testing::Test {
+ protected:
+    ImageViewTest() {
+        view_.resize(400, 300);
+        view_.show();
+        view_.SetAutomaticFit(false);
+    }
+
+    void Open(QSize photo, double zoomPercent) {
+        Image().Open(Pixels(Pattern(photo.width(), photo.height())), DotsPerInch{300});
+        view_.SetZoomPercent(zoomPercent);
+    }
+
+    int AddLayer(const QRect& rectangle) {
+        QImage layer(35, 45, QImage::Format_ARGB32_Premultiplied);
+        layer.fill(Qt::transparent);
+        return Image().AddLayer({Pixels(layer), rectangle, true, true, 60});
+    }
+
+    LayeredImage& Image() { return view_.Image(); }
+    QRect Rectangle(int layer) { return Image().LayerAt(layer).rectangle; }
+    QPointF OnLayer(int layer) { return view_.ToWidget(QRectF(Rectangle(layer)).center()); }
+
+    void Press(QPointF at, Qt::MouseButton button = Qt::LeftButton) {
+        SendMouse(view_, QEvent::MouseButtonPress, at, button);
+    }
+    void Move(QPointF to, Qt::MouseButton button = Qt::LeftButton) {
+        SendMouse(view_, QEvent::MouseMove, to, button);
+    }
+    void Release(QPointF at, Qt::MouseButton button = Qt::LeftButton) {
+        SendMouse(view_, QEvent::MouseButtonRelease, at, button);
+    }
+    void Drag(QPointF from, QPointF by, Qt::MouseButton button = Qt::LeftButton) {
+        Press(from, button);
+        Move(from + by / 2, button);
+        Move(from + by, button);
+        Release(from + by, button);
+    }
+
+    QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+
+    ImageView view_;
+};
+
+TEST_F(ImageViewTest, AtFullSizeShowsThePhotosPixels) {
+    Open({120, 90}, 100);
+    ExpectSamePixels(Grab().copy(140, 105, 120, 90), Pattern(120, 90));
+    EXPECT_EQ(Grab().pixel(5, 5), qRgb(255, 255, 255));
+    EXPECT_NE(Grab().pixel(200, 105 + 90), qRgb(255, 255, 255)) << "shadow";
+}
+
+TEST_F(ImageViewTest, AnEmptyViewIsWhiteAndTakesEveryInput) {
+    SendWheel(view_, {200, 150}, 120);
+    Drag({200, 150}, {30, 30});
+    QTest::keyClick(&view_, Qt::Key_Left);
+    QTest::keyClick(&view_, Qt::Key_Plus);
+    QImage white(400, 300, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    ExpectSamePixels(Grab(), white);
+}
+
+TEST_F(ImageViewTest, LayersAreBlendedInOrderByTransparencyAndAlpha) {
+    Image().Open(Pixels([] {
+                     QImage photo(100, 100, QImage::Format_RGB32);
+                     photo.fill(qRgb(200, 100, 0));
+                     return photo;
+                 }()),
+                 DotsPerInch{300});
+    view_.SetZoomPercent(100);
+    QImage half(10, 10, QImage::Format_ARGB32_Premultiplied);
+    half.fill(Qt::transparent);
+    for (int y = 0; y < 10; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            half.setPixel(x, y, qRgba(0, 0, 255, 255));
+        }
+    }
+    const int layer = Image().AddLayer({Pixels(half), QRect(20, 20, 40, 40), true, false, 51});
+    const QPoint origin = view_.ToWidget({0, 0}).toPoint();
+    // A fifth of blue over the photo on the left half, nothing on the right one.
+    const QColor blended = Grab().pixelColor(origin + QPoint(25, 40));
+    EXPECT_NEAR(blended.red(), 160, 1);
+    EXPECT_NEAR(blended.green(), 80, 1);
+    EXPECT_NEAR(blended.blue(), 51, 1);
+    EXPECT_EQ(Grab().pixel(origin + QPoint(55, 40)), qRgb(200, 100, 0));
+    EXPECT_EQ(Grab().pixel(origin + QPoint(19, 40)), qRgb(200, 100, 0));
+    Image().SetLayerVisible(layer, false, false);
+    EXPECT_EQ(Grab().pixel(origin + QPoint(25, 40)), qRgb(200, 100, 0));
+}
+
+TEST_F(ImageViewTest, TheWheelZoomsAtThePointer) {
+    Open({3000, 3000}, 50);
+    QSignalSpy zoomed(&view_, &ImageView::ZoomChanged);
+    const QPointF pointer(111, 222);
+    for (const auto modifier : {Qt::NoModifier, Qt::ControlModifier}) {
+        for (const int angle : {120, -120, 15, 8, 360, -240}) {
+            const QPointF before = view_.ToImage(pointer);
+            const double zoom = view_.ZoomPercent();
+            SendWheel(view_, pointer, angle, modifier);
+            EXPECT_EQ(view_.ZoomPercent() > zoom, angle > 0) << angle;
+            const QPointF drift = view_.ToImage(pointer) - before;
+            EXPECT_LE(std::hypot(drift.x(), drift.y()) * zoom / 100, 1.5) << angle;
+        }
+    }
+    EXPECT_EQ(zoomed.count(), 12);
+}
+
+TEST_F(ImageViewTest, ADragMovesTheLayerByPhotoPixels) {
+    for (const auto& [percent, factor] : {std::pair(50.0, 2.0), std::pair(200.0, 0.5)}) {
+        Open({800, 600}, percent);
+        const int layer = AddLayer({300, 250, 70, 90});
+        QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
+        Drag(OnLayer(layer), {24, -10});
+        EXPECT_EQ(Rectangle(layer),
+                  QRect(300, 250, 70, 90).translated((QPointF(24, -10) * factor).toPoint()))
+            << percent;
+        EXPECT_EQ(changed.count(), 2);
+        EXPECT_EQ(changed.last().first().toInt(), layer);
+    }
+}
+
+TEST_F(ImageViewTest, AClickPicksTheTopmostLayerAndBesideKeepsTheCurrentOne) {
+    Open({390, 290}, 100);
+    const int lower = AddLayer({50, 50, 100, 100});
+    const int upper = AddLayer({100, 100, 100, 100});
+    Image().SetLayerVisible(upper, true, false);
+    const auto click = [&](QPointF photo) {
+        Press(view_.ToWidget(photo));
+        Move(view_.ToWidget(photo) + QPointF(1, 0));
+        Release(view_.ToWidget(photo));
+    };
+    click({75, 125});
+    EXPECT_EQ(Image().CurrentLayer(), lower);
+    click({125, 125});
+    EXPECT_EQ(Image().CurrentLayer(), upper);
+    click({300, 250});
+    EXPECT_EQ(Image().CurrentLayer(), upper);
+    Image().SetLayerVisible(upper, false, false);
+    click({125, 125});
+    EXPECT_EQ(Image().CurrentLayer(), lower);
+    EXPECT_EQ(Rectangle(lower), QRect(50, 50, 100, 100)) << "a trembling click moves nothing";
+}
+
+TEST_F(ImageViewTest, AHandleScalesWithTheAspectRatioAndEscapeTakesItBack) {
+    Open({800, 600}, 50);
+    const QRect start(200, 150, 350, 270);
+    const int layer = AddLayer(start);
+    const QPointF corner = view_.ToWidget(start.bottomRight());
+    Press(corner);
+    EXPECT_TRUE(view_.IsInteracting());
+    Move(corner + QPointF(-31, -17));
+    Move(corner + QPointF(-47, -23));
+    const QRect scaled = Rectangle(layer);
+    EXPECT_EQ(scaled.topLeft(), start.topLeft());
+    EXPECT_LT(scaled.width(), start.width() - 60);
+    EXPECT_NEAR(scaled.width() * 270.0 / 350.0, scaled.height(), 1.0);
+    QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
+    QTest::keyClick(&view_, Qt::Key_Escape);
+    EXPECT_EQ(Rectangle(layer), start);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_FALSE(view_.IsInteracting());
+    Move(corner + QPointF(50, 50));
+    EXPECT_EQ(Rectangle(layer), start);
+}
+
+// The owner keeps the layer inside of the photo, as the program does.
+TEST_F(ImageViewTest, AnOwnersCorrectionIsRespectedWithoutDrift) {
+    Open({400, 300}, 100);
+    const int layer = AddLayer({300, 100, 70, 90});
+    QObject::connect(&view_, &ImageView::LayerChangedByUser, &view_, [&](int changed) {
+        QRect rectangle = Rectangle(changed);
+        rectangle.moveLeft(std::clamp(rectangle.left(), 0, 400 - rectangle.width()));
+        rectangle.moveTop(std::clamp(rectangle.top(), 0, 300 - rectangle.height()));
+        Image().SetLayerRectangle(changed, rectangle);
+    });
+    const QPointF start = OnLayer(layer);
+    Press(start);
+    for (int x = 10; x <= 200; x += 10) {
+        Move(start + QPointF(x, 0));
+    }
+    EXPECT_EQ(Rectangle(layer), QRect(330, 100, 70, 90));
+    Move(start + QPointF(-20, 5));
+    EXPECT_EQ(Rectangle(layer), QRect(280, 105, 70, 90));
+    Release(start);
+
+    // Growing over the right edge shifts the layer to the left; back again it is where it was.
+    const QPointF corner = view_.ToWidget(QRectF(Rectangle(layer)).bottomRight());
+    Press(corner);
+    for (int step = 0; step <= 10; ++step) {
+        Move(corner + QPointF(7, 9) * step);
+    }
+    EXPECT_EQ(Rectangle(layer), QRect(400 - 140, 105, 140, 180));
+    Move(corner + QPointF(7, 9));
+    EXPECT_EQ(Rectangle(layer), QRect(280, 105, 77, 99));
+    Release(corner);
+}
+
+TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
+    Open({2000, 2000}, 100);
+    const int layer = AddLayer({100, 100, 70, 90});
+    QTest::keyClick(&view_, Qt::Key_Right);
+    QTest::keyClick(&view_, Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
+
+    Image().SetCurrentLayer(0);
+    const QPointF before = view_.ToImage({0, 0});
+    QTest::keyClick(&view_, Qt::Key_Right);
+    EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
+    EXPECT_GT(view_.ToImage({0, 0}).x(), before.x());
+    EXPECT_EQ(view_.ToImage({0, 0}).y(), before.y());
+}
+
+TEST_F(ImageViewTest, PansBesideTheLayerWithTheMiddleButtonAndInPanOnlyMode) {
+    Open({2000, 2000}, 100);
+    const int layer = AddLayer({950, 950, 70, 90});
+    const auto pannedBy = [&](auto drag) {
+        const QPointF before = view_.ToImage({0, 0});
+        drag();
+        return before - view_.ToImage({0, 0});
+    };
+    const QPointF by(30, -20);
+    EXPECT_EQ(pannedBy([&] { Drag({20, 20}, by); }), by);
+    EXPECT_EQ(pannedBy([&] { Drag(OnLayer(layer), by, Qt::MiddleButton); }), by);
+    view_.SetInteraction(ImageView::Interaction::Pan);
+    EXPECT_EQ(view_.cursor().shape(), Qt::OpenHandCursor);
+    EXPECT_EQ(pannedBy([&] { Drag(OnLayer(layer), by); }), by);
+    EXPECT_EQ(Rectangle(layer), QRect(950, 950, 70, 90));
+
+    view_.SetInteraction(ImageView::Interaction::Zoom);
+    EXPECT_EQ(pannedBy([&] { Drag({20, 20}, by); }), QPointF(0, 0));
+    EXPECT_NE(view_.cursor().shape(), Qt::OpenHandCursor);
+}
+
+TEST_F(ImageViewTest, CursorsFollowThePointerAndTheOwnersComesBack) {
+    Open({400, 300}, 100);
+    const int layer = AddLayer({100, 80, 140, 100});
+    view_.setCursor(Qt::CrossCursor);
+    const struct {
+        QPointF photo;
+        Qt::CursorShape shape;
+    } cases[] = {
+        {{100, 80}, Qt::SizeFDiagCursor}, {{240, 80}, Qt::SizeBDiagCursor},
+        {{170, 80}, Qt::SizeVerCursor},   {{100, 130}, Qt::SizeHorCursor},
+        {{150, 120}, Qt::SizeAllCursor},  {{300, 250}, Qt::CrossCursor},
+    };
+    for (const auto& [photo, shape] : cases) {
+        Move(view_.ToWidget(photo), Qt::NoButton);
+        EXPECT_EQ(view_.cursor().shape(), shape) << photo.x() << ", " << photo.y();
+    }
+    Image().SetLayerVisible(layer, true, false);
+    Move(view_.ToWidget({100, 80}), Qt::NoButton);
+    EXPECT_EQ(view_.cursor().shape(), Qt::SizeAllCursor) << "no frame, no handles";
+}
+
+TEST_F(ImageViewTest, RemovingTheLayerEndsItsDrag) {
+    Open({400, 300}, 100);
+    const int layer = AddLayer({100, 80, 140, 100});
+    QObject::connect(&view_, &ImageView::LayerChangedByUser, &view_,
+                     [&] { Image().RemoveLayersAbovePhoto(); });
+    Press(OnLayer(layer));
+    Move({20, 20});
+    EXPECT_FALSE(view_.IsInteracting());
+    Move({30, 30});
+    QTest::keyClick(&view_, Qt::Key_Escape);
+    EXPECT_EQ(Image().LayerCount(), 1);
+}
+
+TEST_F(ImageViewTest, SuspendedItShowsTheLastFrameUntilTheLastResume) {
+    Open({120, 90}, 100);
+    const QImage before = Grab();
+    view_.SuspendPainting();
+    view_.SuspendPainting();
+    QImage red(120, 90, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    Image().ChangePhoto(Pixels(red));
+    ExpectSamePixels(Grab(), before);
+    view_.ResumePainting();
+    ExpectSamePixels(Grab(), before);
+    view_.ResumePainting();
+    EXPECT_EQ(Grab().pixel(200, 150), qRgb(255, 0, 0));
+}
+
+TEST_F(ImageViewTest, AutomaticFitFollowsSizesUntilTheUserZooms) {
+    view_.SetAutomaticFit(true);
+    Open({752, 100}, 100);
+    view_.Fit();
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
+    view_.resize(776, 300);
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 100.0);
+    Image().ChangePhoto(Pixels(Pattern(1504, 10)));
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
+    SendWheel(view_, {100, 100}, -360);
+    view_.resize(400, 300);
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 25.0);
+    EXPECT_FALSE(view_.AutomaticFit());
+}
+
+TEST_F(ImageViewTest, DrawsSmoothlyOnceTheZoomRests) {
+    Open({800, 600}, 100);
+    view_.SetSettleDelay(std::chrono::milliseconds(1));
+    SendWheel(view_, {200, 150}, -180);
+    const QImage moving = Grab();
+    QTest::qWait(30);
+    const QImage resting = Grab();
+    EXPECT_NE(moving, resting);
+    view_.SetZoomPercent(view_.ZoomPercent());
+    ExpectSamePixels(Grab(), resting);
+}
+
+TEST_F(ImageViewTest, ABrushDabIsShownAndDoesNotCopyThePhoto) {
+    Open({120, 90}, 100);
+    Grab();
+    const uchar* pixels = Image().Photo().Tile().constBits();
+    Image().EditPhoto({10, 10, 1, 1}, [](QImage& photo) { photo.setPixel(10, 10, 0xffff0000); });
+    EXPECT_EQ(Image().Photo().Tile().constBits(), pixels);
+    EXPECT_EQ(Grab().pixel(150, 115), 0xffff0000);
+}
+
+// Runs in a process of its own, for the screen's scale is set before the application starts. The
+// view begins in the midst of a device pixel where the scale is broken.
+TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
+    constexpr const char* ScaleVariable = "QT_SCALE_FACTOR";
+    const bool isChild = qEnvironmentVariableIsSet(ScaleVariable);
+    if (!isChild) {
+        for (const char* scale : {"1.5", "2"}) {
+            QProcess child;
+            auto environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QString::fromLatin1(ScaleVariable), QString::fromLatin1(scale));
+            child.setProcessEnvironment(environment);
+            child.start(QCoreApplication::applicationFilePath(),
+                        {QStringLiteral("--gtest_filter=ImageViewScreenScale.*")});
+            ASSERT_TRUE(child.waitForFinished()) << scale;
+            EXPECT_EQ(child.exitCode(), 0) << scale << child.readAllStandardOutput().toStdString();
+        }
+        return;
+    }
+    QWidget window;
+    window.resize(207, 157);
+    auto* view = new ImageView(&window);
+    view->setGeometry(7, 7, 200, 150);
+    window.show();
+    ASSERT_GT(window.devicePixelRatioF(), 1.0);
+    view->Image().Open(Pixels(Pattern(121, 91)), DotsPerInch{300});
+    view->SetZoomPercent(100);
+    const double scale = window.devicePixelRatioF();
+    const QPointF place = (view->ToWidget({0, 0}) + QPointF(7, 7)) * scale;
+    const QImage shown = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    ExpectSamePixels(shown.copy(QRect(place.toPoint(), QSize(121, 91))), Pattern(121, 91));
+}
+
+}  // namespace
+}  // namespace kadrona::imaging::view

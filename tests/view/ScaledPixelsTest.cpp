@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include "imaging/view/ScaledPixels.h"
+#include "tests/view/ViewTestSupport.h"
+
+namespace kadrona::imaging::view {
+namespace {
+
+using test::ExpectSamePixels;
+using test::Pattern;
+
+QImage Drawn(const Pixels& pixels, QSize size, Quality quality = Quality::Smooth,
+             Enlargement enlargement = Enlargement::Crisp) {
+    ScaledPixels scaled(enlargement);
+    scaled.Draw(pixels, size, QRect(QPoint(0, 0), size), quality);
+    return scaled.Drawing().copy();
+}
+
+QImage Row(std::initializer_list<QRgb> colours) {
+    QImage image(static_cast<int>(colours.size()), 1, QImage::Format_RGB32);
+    std::copy(colours.begin(), colours.end(), reinterpret_cast<QRgb*>(image.bits()));
+    return image;
+}
+
+TEST(ScaledPixels, AtFullSizeIsThePictureItself) {
+    ExpectSamePixels(Drawn(Pixels(Pattern(70, 41)), {70, 41}), Pattern(70, 41));
+}
+
+TEST(ScaledPixels, LiteralRows) {
+    constexpr QRgb black = qRgb(0, 0, 0);
+    constexpr QRgb grey = qRgb(100, 50, 200);
+    const Pixels two(Row({black, grey}));
+    // Above 300 % the photo's pixels are squares.
+    ExpectSamePixels(Drawn(two, {8, 4}).copy(0, 0, 8, 1),
+                     Row({black, black, black, black, grey, grey, grey, grey}));
+    // A smooth enlargement passes a quarter and three quarters of the way between the centres.
+    ExpectSamePixels(Drawn(two, {4, 1}), Row({black, qRgb(25, 13, 50), qRgb(75, 38, 150), grey}));
+    ExpectSamePixels(Drawn(two, {8, 1}, Quality::Smooth, Enlargement::Smooth).copy(2, 0, 1, 1),
+                     Row({qRgb(13, 6, 25)}));
+    // Two pixels from three: each is the mean of one and a half.
+    ExpectSamePixels(Drawn(Pixels(Row({qRgb(90, 0, 0), qRgb(0, 90, 0), qRgb(0, 0, 90)})), {2, 1}),
+                     Row({qRgb(60, 30, 0), qRgb(0, 30, 60)}));
+    // One pixel from seven, over two levels that are not even.
+    const QRgb mean =
+        Drawn(Pixels(Row({grey, grey, grey, grey, grey, grey, grey})), {1, 1}).pixel(0, 0);
+    EXPECT_EQ(mean, grey);
+}
+
+TEST(ScaledPixels, AnEvenColourStaysThatColourAtEverySize) {
+    QImage image(313, 207, QImage::Format_ARGB32_Premultiplied);
+    image.fill(qRgba(13, 77, 101, 133));
+    for (int width = 3; width < 1000; width += 31) {
+        for (const Quality quality : {Quality::Fast, Quality::Smooth}) {
+            const QImage drawn = Drawn(Pixels(image), {width, 1 + width * 2 / 3}, quality);
+            for (int x = 0; x < drawn.width(); ++x) {
+                ASSERT_EQ(drawn.pixelColor(x, drawn.height() / 2), image.pixelColor(0, 0))
+                    << width << " at " << x;
+            }
+        }
+    }
+}
+
+TEST(ScaledPixels, AShrunkCheckerboardIsEvenlyGrey) {
+    QImage image(2100, 2100, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixel(x, y, (x + y) % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255));
+        }
+    }
+    for (const int side : {1000, 700, 333, 52}) {
+        const QImage drawn = Drawn(Pixels(image), {side, side});
+        for (int i = 1; i + 1 < side; ++i) {
+            ASSERT_NEAR(qRed(drawn.pixel(i, side / 3)), 128, 12) << side << " at " << i;
+        }
+    }
+}
+
+// What is drawn part after part is what is drawn at once: no wobble while panning, no part of the
+// pyramid left out.
+TEST(ScaledPixels, PartsAddUpToTheWhole) {
+    const Pixels photo(Pattern(2501, 1303));
+    for (const QSize size : {QSize(2501, 1303), QSize(1777, 901), QSize(600, 313), QSize(41, 33)}) {
+        const QImage whole = Drawn(photo, size);
+        ScaledPixels scaled(Enlargement::Crisp);
+        const QSize part = size / 3;
+        for (const QPoint place :
+             {QPoint(0, 0), QPoint(3, 2), QPoint(part.width(), 5), QPoint(7, part.height()),
+              QPoint(size.width() - part.width(), size.height() - part.height()), QPoint(1, 1)}) {
+            const QRect asked(place, part);
+            scaled.Draw(photo, size, asked, Quality::Smooth);
+            ASSERT_TRUE(scaled.DrawnPart().contains(asked));
+            ExpectSamePixels(scaled.Drawing().copy(asked.translated(-scaled.DrawnPart().topLeft())),
+                             whole.copy(asked));
+        }
+    }
+}
+
+TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
+    const Pixels photo(Pattern(500, 300));
+    const QSize size(311, 187);
+    const QRect all(QPoint(0, 0), size);
+    const QImage smooth = Drawn(photo, size);
+    ScaledPixels scaled(Enlargement::Crisp);
+    scaled.Draw(photo, size, all, Quality::Fast);
+    EXPECT_NE(scaled.Drawing(), smooth);
+    scaled.Draw(photo, size, all, Quality::Smooth);
+    ExpectSamePixels(scaled.Drawing(), smooth);
+    scaled.Draw(photo, size, all, Quality::Fast);
+    ExpectSamePixels(scaled.Drawing(), smooth);
+}
+
+TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
+    Pixels photo(Pattern(60, 40));
+    ScaledPixels scaled(Enlargement::Crisp);
+    const QSize size(20, 13);
+    scaled.Draw(photo, size, {0, 0, 20, 13}, Quality::Smooth);
+    const uchar* before = photo.Tile().constBits();
+    photo.EditableTile().fill(Qt::red);
+    EXPECT_EQ(photo.Tile().constBits(), before) << "the drawing must not hold the pixels";
+    scaled.Draw(photo, size, {0, 0, 20, 13}, Quality::Smooth);
+    EXPECT_EQ(scaled.Drawing().pixel(19, 12), qRgb(255, 0, 0));
+}
+
+// Every device pixel belongs to one tile and shows nothing but that tile.
+TEST(ScaledPixels, AGridHasNoSeams) {
+    QImage tile(113, 79, QImage::Format_RGB32);
+    tile.fill(qRgb(10, 120, 200));
+    const Pixels sheet(tile, 5, 4);
+    for (const double zoom : {0.11, 0.37, 0.5, 0.93, 1.0, 1.41, 3.7}) {
+        const QSize size = (QSizeF(sheet.Size()) * zoom).toSize();
+        const QImage drawn = Drawn(sheet, size);
+        QImage expected(size, QImage::Format_RGB32);
+        expected.fill(qRgb(10, 120, 200));
+        ExpectSamePixels(drawn, expected);
+    }
+}
+
+TEST(ScaledPixels, AGridAtFullSizeIsThePictureUnrolled) {
+    const Pixels sheet(Pattern(31, 17), 3, 2);
+    ExpectSamePixels(Drawn(sheet, sheet.Size()), sheet.ToImage());
+}
+
+}  // namespace
+}  // namespace kadrona::imaging::view
