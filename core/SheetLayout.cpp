@@ -31,7 +31,7 @@ imaging::DotsPerInch PrintResolution(int photoWidth, TenthsOfMillimetre printedW
     }
     // W / (width / 100) * 2.54 = 254 W / width, in integers so that no representable half is lost.
     const qint64 width = printedWidth.value;
-    const qint64 rounded = (2 * 254 * qint64{photoWidth} + width) / (2 * width);
+    const qint64 rounded = (qint64{2} * 254 * photoWidth + width) / (2 * width);
     return {rounded > LargestInteger ? 0 : static_cast<int>(rounded)};
 }
 

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 LargestTable = 16 * 1024 * 1024;
+constexpr qint64 LargestTable = 16 << 20;
 constexpr int WrongUsage = 2;
 
 void MakeTemplates(const QString& table, const QString& folder) {

@@ -3,24 +3,24 @@
 #include <QCoreApplication>
 #include <QImage>
 #include <QPainter>
-#include <QSaveFile>
 #include <QSvgRenderer>
 #include <QTextStream>
 
+#include "imaging/ImageWriter.h"
 #include "platform/Error.h"
 
-using kadrona::platform::FileError;
+using namespace kadrona;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int JpegQuality = 95;
+constexpr imaging::DotsPerInch CameraResolution{300};
 constexpr int WrongUsage = 2;
 
 void RenderPortrait(const QString& drawing, const QString& photo) {
     QSvgRenderer renderer(drawing);
     if (!renderer.isValid()) {
-        throw FileError(u"„%1“ ist keine lesbare SVG-Zeichnung."_s.arg(drawing));
+        throw platform::FileError(u"„%1“ ist keine lesbare SVG-Zeichnung."_s.arg(drawing));
     }
     QImage image(renderer.viewBox().size(), QImage::Format_RGB32);
     image.fill(Qt::white);
@@ -29,11 +29,7 @@ void RenderPortrait(const QString& drawing, const QString& photo) {
     renderer.render(&painter);
     painter.end();
 
-    QSaveFile file(photo);
-    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "jpg", JpegQuality) ||
-        !file.commit()) {
-        throw FileError(u"„%1“ kann nicht geschrieben werden: %2"_s.arg(photo, file.errorString()));
-    }
+    imaging::WriteImageFile(photo, imaging::Pixels(image), CameraResolution);
 }
 
 }  // namespace
@@ -50,7 +46,7 @@ int main(int argc, char** argv) {
     try {
         RenderPortrait(arguments[1], arguments[2]);
         return EXIT_SUCCESS;
-    } catch (const FileError& error) {
+    } catch (const platform::Error& error) {
         errors << error.Text() << u'\n';
         return EXIT_FAILURE;
     }

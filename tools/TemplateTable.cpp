@@ -74,7 +74,7 @@ class RowReader {
 
  private:
     QString Name() {
-        const QString name = cells_.value(u"Name"_s);
+        QString name = cells_.value(u"Name"_s);
         if (name.isEmpty()) {
             faults_.Add(u"Der Name fehlt."_s);
         }
@@ -87,7 +87,7 @@ class RowReader {
     QString File() {
         static const QRegularExpression bareName(u"^[\\w][\\w .()+-]*$"_s,
                                                  QRegularExpression::UseUnicodePropertiesOption);
-        const QString file = cells_.value(u"Datei"_s);
+        QString file = cells_.value(u"Datei"_s);
         if (!bareName.match(file).hasMatch()) {
             faults_.Add(u"„%1“ ist kein einfacher Dateiname."_s.arg(file));
         }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 #include "core/LayerPosition.h"
 #include "tests/core/GeometryPrinting.h"
@@ -18,12 +19,13 @@ TEST(LayerPosition, SectionNamesTemplateAndPhotoSize) {
 TEST(LayerPosition, RestoredWidthCarriesItsHeight) {
     const QSize canvas(400, 500);
     const QSize drawn(400, 500);
-    const struct {
+    struct Case {
         const char* name;
         QRect saved;
         QSize canvas;
         QRect restored;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"saved height is not used", {10, 20, 300, 999}, canvas, {10, 20, 300, 375}},
         {"negative place", {-30, -40, 800, 1}, canvas, {-30, -40, 800, 1000}},
         {"nothing saved", {0, 0, 0, 0}, canvas, {0, 0, 400, 500}},
@@ -53,11 +55,12 @@ TEST(LayerPosition, RestoredRectangleStaysRepresentable) {
 
 TEST(LayerPosition, MovedLayerIsPushedBackInsideThePhoto) {
     const QSize photo(1000, 1500);
-    const struct {
+    struct Case {
         const char* name;
         QRect moved;
         QPoint kept;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"inside", {10, 20, 350, 450}, {10, 20}},
         {"touching all edges", {0, 0, 1000, 1500}, {0, 0}},
         {"past the left", {-1, 20, 350, 450}, {0, 20}},

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 #include "core/SheetLayout.h"
 #include "tests/core/GeometryPrinting.h"
@@ -13,12 +14,14 @@ using namespace Qt::StringLiterals;
 constexpr int LargestInteger = std::numeric_limits<int>::max();
 
 TEST(SheetLayout, EveryIndexHasItsNameAndGrid) {
-    const struct {
+    struct Case {
         QString name;
         int columns;
         int rows;
-    } table[] = {{u"2 x 4"_s, 4, 2}, {u"2 x 3"_s, 3, 2}, {u"2 x 2"_s, 2, 2}, {u"1 x 4"_s, 4, 1},
-                 {u"1 x 3"_s, 3, 1}, {u"1 x 2"_s, 2, 1}, {u"1 x 1"_s, 1, 1}, {u"3 x 3"_s, 3, 3}};
+    };
+    const std::vector<Case> table = {{u"2 x 4"_s, 4, 2}, {u"2 x 3"_s, 3, 2}, {u"2 x 2"_s, 2, 2},
+                                     {u"1 x 4"_s, 4, 1}, {u"1 x 3"_s, 3, 1}, {u"1 x 2"_s, 2, 1},
+                                     {u"1 x 1"_s, 1, 1}, {u"3 x 3"_s, 3, 3}};
     int index = 0;
     for (const auto& row : table) {
         SCOPED_TRACE(row.name.toStdString());
@@ -37,12 +40,13 @@ TEST(SheetLayout, EveryIndexHasItsNameAndGrid) {
 }
 
 TEST(SheetLayout, PrintResolutionMakesThePhotoAsWideAsItsTemplate) {
-    const struct {
+    struct Case {
         const char* name;
         int pixels;
         int tenthsOfMillimetre;
         int dotsPerInch;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"35 mm at 300 dpi", 413, 350, 300},
         {"35 mm at 600 dpi", 827, 350, 600},
         {"2 inches at 300 dpi", 600, 508, 300},

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "core/TemplateCatalogue.h"
 #include "tests/core/GeometryPrinting.h"
 
@@ -18,11 +20,12 @@ QString Entries(const QString& text) {
 }
 
 TEST(TemplateCatalogue, LinesBecomeEntriesInFileOrder) {
-    const struct {
+    struct Case {
         const char* name;
         QString text;
         QString entries;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"empty", u""_s, u""_s},
         {"line breaks alone", u"\r\n\n"_s, u""_s},
         {"one", u"Paß=a.s"_s, u"Paß|a.s"_s},

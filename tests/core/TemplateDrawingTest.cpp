@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 #include "core/TemplateDrawing.h"
 #include "tests/core/GeometryPrinting.h"
@@ -30,8 +31,8 @@ TMask Element(quint8 shape, qint32 left, qint32 top, qint32 right, qint32 bottom
     return element;
 }
 
-TMask Canvas(qint32 width, qint32 height, qint32 colour = White) {
-    return Element(TMask::Rectangle, 0, 0, width, height, colour);
+TMask Canvas(qint32 right, qint32 bottom, qint32 colour = White) {
+    return Element(TMask::Rectangle, 0, 0, right, bottom, colour);
 }
 
 /// One character a pixel: "." transparent, "R", "B" and "W" the colours, "?" any other.
@@ -86,7 +87,7 @@ TEST(TemplateDrawing, FilledCanvasCoversExactlyItsSize) {
 
 TEST(TemplateDrawing, RightAndBottomEdgeAreOutside) {
     const Rows rectangle{".......", "..RRR..", "..R.R..", "..RRR..", "......."};
-    const auto drawn = [](TMask element) { return Picture({Canvas(7, 5), element}); };
+    const auto drawn = [](const TMask& element) { return Picture({Canvas(7, 5), element}); };
     EXPECT_EQ(drawn(Element(TMask::Rectangle, 2, 1, 5, 4, Red, Clear)), rectangle);
     EXPECT_EQ(drawn(Element(TMask::Rectangle, 2, 1, 5, 4, Red, Clear, 0)), rectangle);
     EXPECT_EQ(drawn(Element(TMask::Rectangle, 5, 4, 2, 1, Red, Clear)), rectangle)
@@ -151,11 +152,12 @@ TEST(TemplateDrawing, BrushStylesHatchTheInside) {
         }
         return true;
     };
-    const struct {
+    struct Case {
         const char* name;
         qint32 style;
         bool alongRow, alongColumn, alongFalling, alongRising;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"horizontal", 2, true, false, false, false},
         {"vertical", 3, false, true, false, false},
         {"forward diagonal", 4, false, false, true, false},

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
+#include <vector>
 
 #include "core/TemplateCatalogue.h"
 #include "core/TemplateDrawing.h"
@@ -68,11 +69,12 @@ TEST(TemplateTable, FaultsNameTheirLine) {
                          const QStringList& bands = {}) {
         return Row(QStringList{u"B"_s, u"b.s"_s, width, height} + bands);
     };
-    const struct {
+    struct Case {
         const char* name;
         QString row;
         const char* fault;
-    } table[] = {
+    };
+    const std::vector<Case> table = {
         {"no name", Row({u""_s, u"b.s"_s, u"35"_s, u"45"_s}), "Name fehlt"},
         {"name with =", Row({u"B=C"_s, u"b.s"_s, u"35"_s, u"45"_s}), "Gleichheitszeichen"},
         {"same name", Row({u"A"_s, u"b.s"_s, u"35"_s, u"45"_s}), "Der Name „A“ kommt schon vor"},
