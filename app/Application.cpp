@@ -9,6 +9,7 @@
 #include "controls/ActionGuard.h"
 #include "controls/Theme.h"
 #include "core/Product.h"
+#include "dialogs/ApplicationIcon.h"
 
 using namespace Qt::StringLiterals;
 
@@ -63,7 +64,7 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication application(argc, argv);
     controls::ApplyTheme(application);
     QApplication::setApplicationName(core::ApplicationTitle.toString());
-    QApplication::setWindowIcon(QIcon(u":/kadrona.svg"_s));
+    QApplication::setWindowIcon(dialogs::ApplicationIcon());
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
         TmainFm window;

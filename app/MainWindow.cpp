@@ -185,7 +185,8 @@ void TmainFm::acCloseExecute() {
 
 /// For the actions that this version shows without having them yet.
 void TmainFm::ReportUnavailable(const QString& action) {
-    ShowMessage(u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
+    ShowMessage(
+        u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
 }
 
 }  // namespace kadrona::app

@@ -21,6 +21,19 @@ constexpr int TemplateTransparency = 60;
 /// A template of a few dozen elements takes a few kilobytes.
 constexpr qint64 LargestTemplateFile = 16 << 20;
 
+/// A template that can be drawn; what is wrong with it names the file.
+std::vector<TMask> ReadTemplate(const QString& path) {
+    const QByteArray bytes = platform::ReadWholeFile(path, LargestTemplateFile);
+    try {
+        auto elements = ParseTemplate(bytes);
+        TemplateCanvas(elements);
+        return elements;
+    } catch (const TemplateFileError& error) {
+        throw TemplateFileError(
+            u"Die Schablone „%1“ kann nicht verwendet werden: %2"_s.arg(path, error.Text()));
+    }
+}
+
 }  // namespace
 
 QString TData::LayoutFile() const {
@@ -49,7 +62,7 @@ bool TData::MaskLoadFromFile(const QString& path) {
     if (!file.isFile()) {
         return false;
     }
-    auto elements = ParseTemplate(platform::ReadWholeFile(path, LargestTemplateFile));
+    auto elements = ReadTemplate(path);
     templateName_ = file.fileName();
     objectList_ = std::move(elements);
     return true;

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "core/Product.h"
+#include "dialogs/ApplicationIcon.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,7 +17,7 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent) {
     setObjectName(u"fmAbout"_s);
     setWindowTitle(u"Über"_s);
     auto* symbol = new QLabel;
-    symbol->setPixmap(QIcon(u":/kadrona.svg"_s).pixmap(QSize(72, 72), devicePixelRatioF()));
+    symbol->setPixmap(ApplicationIcon().pixmap(QSize(72, 72), devicePixelRatioF()));
     auto* text = new QLabel(
         u"<h2>%1</h2><p>%2</p><p>Macht aus einem Porträt biometrische Pass- und "
         u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>%3 · <a href=\"%4\">%4</a></p>"

@@ -83,8 +83,11 @@ void TSchabloneFm::SetTemplates(const QStringList& names) {
     }
 }
 
+/// The current row does not tell: a list that gets the focus makes its first row current without
+/// selecting it.
 int TSchabloneFm::SelectedTemplate() const {
-    return lbSchablonen_->currentRow();
+    const auto selected = lbSchablonen_->selectedItems();
+    return selected.isEmpty() ? -1 : lbSchablonen_->row(selected.first());
 }
 
 void TSchabloneFm::showEvent(QShowEvent* event) {

@@ -1,9 +1,8 @@
-#include "app/MainActions.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
 
+#include "app/MainActions.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;
@@ -14,13 +13,13 @@ using app::ActionCircumstances;
 using app::ActionState;
 
 constexpr ActionCircumstances NoPhoto{};
-constexpr ActionCircumstances PhotoOpen{.imageLoaded = true, .templateLoaded = true,
-                                        .layoutIndex = 0};
+constexpr ActionCircumstances PhotoOpen{
+    .imageLoaded = true, .templateLoaded = true, .layoutIndex = 0};
 constexpr ActionCircumstances NoTemplate{.imageLoaded = true, .layoutIndex = 0};
-constexpr ActionCircumstances SheetOfEight{.imageLoaded = true, .sheetCreated = true,
-                                           .layoutIndex = 0};
-constexpr ActionCircumstances SinglePhoto{.imageLoaded = true, .sheetCreated = true,
-                                          .layoutIndex = 6};
+constexpr ActionCircumstances SheetOfEight{
+    .imageLoaded = true, .sheetCreated = true, .layoutIndex = 0};
+constexpr ActionCircumstances SinglePhoto{
+    .imageLoaded = true, .sheetCreated = true, .layoutIndex = 6};
 
 /// Names of the actions that are enabled.
 QStringList Enabled(const ActionCircumstances& circumstances) {
@@ -42,12 +41,12 @@ QStringList With(QStringList names, const QStringList& more) {
 }
 
 TEST(Actions, AreEnabledByTheStateOfThePhoto) {
-    const QStringList always{u"acAbout"_s,       u"acClose"_s,       u"acOpen"_s,
-                             u"acOpenWithProfile"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s,
-                             u"acRotateLeft"_s,  u"acRotateRight"_s, u"acSearchArchiv"_s,
-                             u"acShowConfig"_s,  u"acZoomFit"_s,     u"acZoomFull"_s};
-    const QStringList tools{u"acBeauty"_s,        u"acColorConfig"_s, u"acGradation"_s,
-                            u"acRotateDlg"_s,     u"acSchwarzweiss"_s, u"acSetWhitePoint"_s,
+    const QStringList always{u"acAbout"_s,           u"acClose"_s,       u"acOpen"_s,
+                             u"acOpenWithProfile"_s, u"acPrinSetup"_s,   u"acPrinterProfilDlg"_s,
+                             u"acRotateLeft"_s,      u"acRotateRight"_s, u"acSearchArchiv"_s,
+                             u"acShowConfig"_s,      u"acZoomFit"_s,     u"acZoomFull"_s};
+    const QStringList tools{u"acBeauty"_s,    u"acColorConfig"_s,  u"acGradation"_s,
+                            u"acRotateDlg"_s, u"acSchwarzweiss"_s, u"acSetWhitePoint"_s,
                             u"acShowLayer"_s};
     EXPECT_EQ(Enabled(NoPhoto), With(always, {}));
     EXPECT_EQ(Enabled(NoTemplate), With(always, tools));
@@ -75,8 +74,7 @@ TEST(Actions, AreHiddenByTheSettingThatSwitchesThemOff) {
         EXPECT_TRUE(app::StateOf(definition, SinglePhoto, settings).visible) << name.toStdString();
         settings.showGradation = settings.showBlackWhite = settings.showRotate =
             settings.whiteBalancePipette = settings.printAfterCrop = true;
-        EXPECT_EQ(app::StateOf(definition, SinglePhoto, settings).visible,
-                  !switches.contains(name))
+        EXPECT_EQ(app::StateOf(definition, SinglePhoto, settings).visible, !switches.contains(name))
             << name.toStdString();
         if (switches.contains(name)) {
             settings.*switches.at(name) = false;

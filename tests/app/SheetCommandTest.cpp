@@ -1,9 +1,8 @@
-#include "app/SheetCommand.h"
-
 #include <gtest/gtest.h>
 
 #include <QImageReader>
 
+#include "app/SheetCommand.h"
 #include "core/PhotoLoading.h"
 #include "tests/support/CoreFakes.h"
 
@@ -34,9 +33,12 @@ TEST(SheetRequest, RefusesWhatMakesNoSense) {
     EXPECT_THROW(ParseSheetRequest({}), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.mid(1)), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.first(3)), UsageError);
-    for (const QStringList& wrong :
-         {QStringList{u"--at"_s, u"1,2"_s}, {u"--at"_s, u"1,2,0"_s}, {u"--at"_s, u"1,2,x"_s},
-          {u"--layout"_s, u"4 x 2"_s}, {u"--unknown"_s}, {u"--profile"_s}}) {
+    for (const QStringList& wrong : {QStringList{u"--at"_s, u"1,2"_s},
+                                     {u"--at"_s, u"1,2,0"_s},
+                                     {u"--at"_s, u"1,2,x"_s},
+                                     {u"--layout"_s, u"4 x 2"_s},
+                                     {u"--unknown"_s},
+                                     {u"--profile"_s}}) {
         EXPECT_THROW(ParseSheetRequest(valid + wrong), UsageError)
             << wrong.join(u' ').toStdString();
     }

@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
@@ -157,8 +158,8 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
         window->OpenDroppedFiles({installation.Path(name)});
         EXPECT_TRUE(Image().IsEmpty()) << name;
         EXPECT_FALSE(IsEnabled(u"acCrop"_s)) << name;
-        for (const QString& action : {u"acRotateLeft"_s, u"acZoomFit"_s, u"acZoomFull"_s,
-                                      u"acShowLayer"_s, u"acUndo"_s}) {
+        for (const QString& action :
+             {u"acRotateLeft"_s, u"acZoomFit"_s, u"acZoomFull"_s, u"acShowLayer"_s, u"acUndo"_s}) {
             Trigger(action);
         }
     }
@@ -194,6 +195,8 @@ TEST_F(Story, TheOpenDialogStartsInTheLastFolderAfterActivatingTheStandardProfil
 
 TEST_F(Story, OpeningWithAProfileTakesItsCountAndAPlainOpenGoesBack) {
     auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
+    driver.Expect(u"EinstellungenFm"_s, [](QWidget& shown) { shown.close(); });
+    Trigger(u"acShowConfig"_s);
     driver.Expect(u"EinstellungenFm"_s, [&](QWidget& shown) {
         driver.Expect(u"LineDialog"_s, [](QWidget& line) {
             line.findChild<QLineEdit*>(u"LineEdit"_s)->setText(u"Laden"_s);
@@ -226,7 +229,7 @@ TEST_F(Story, OpeningWithAProfileTakesItsCountAndAPlainOpenGoesBack) {
 TEST_F(Story, CtrlAndSpacePanWhileHeld) {
     using Interaction = imaging::view::ImageView::Interaction;
     Open("photo.png");
-    const auto both = Interaction::Zoom | Interaction::Pan;
+    const imaging::view::ImageView::Interactions both{Interaction::Zoom, Interaction::Pan};
     EXPECT_EQ(window->View().CurrentInteraction(), both);
     for (const Qt::Key key : {Qt::Key_Control, Qt::Key_Space}) {
         QTest::keyPress(&window->View(), key);
@@ -244,6 +247,7 @@ TEST_F(Story, CtrlAndSpacePanWhileHeld) {
 }
 
 TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
+    window.reset();
     platform::WriteRegistryInteger(u"DBCount"_s, 41);
     Start();
     window->move(30, 40);

@@ -101,9 +101,9 @@ TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
     data.SetFrameSize(2);
     settings.rotateBeforeTileImg = true;
     data.CropImage(view, 5);
-    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"wwwwwwww",    //
-                                                          "wgywwgyw",    //
-                                                          "wrbwwrbw",    //
+    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"wwwwwwww",  //
+                                                          "wgywwgyw",  //
+                                                          "wrbwwrbw",  //
                                                           "wwwwwwww"})));
 }
 

@@ -31,7 +31,8 @@ TEST_F(PhotoProfiles, TheFirstProfileGetsItsSectionAndAnEmptyFile) {
     EXPECT_EQ(data.GetProfileList(), QStringList(u"Standard Profile"_s));
     const QFileInfo file(store.file);
     EXPECT_EQ(file.path(), data.DataFolder());
-    EXPECT_TRUE(QRegularExpression(u"^pro[0-9A-Fa-f]{1,4}\\.tmp$"_s).match(file.fileName()).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(u"^pro[0-9A-Fa-f]{1,4}\\.tmp$"_s).match(file.fileName()).hasMatch())
         << file.fileName().toStdString();
     EXPECT_EQ(file.size(), 0);
     EXPECT_EQ(data.ProfileFile(u"standard profile"_s), store.file) << "names ignore case";
@@ -71,8 +72,7 @@ TEST_F(PhotoProfiles, DeletingRemovesSectionAndFileEvenWhereTheFileIsGone) {
 
 TEST_F(PhotoProfiles, AnIndexThatPointsElsewhereDeletesNothingThere) {
     installation.Write("precious.txt", "precious");
-    installation.Write("common/Kadrona/Profiles.ini",
-                       "[Evil]\nProfilename=../../precious.txt\n");
+    installation.Write("common/Kadrona/Profiles.ini", "[Evil]\nProfilename=../../precious.txt\n");
     data.DeleteProfile(u"Evil"_s);
     EXPECT_TRUE(QFile::exists(installation.Path("precious.txt")));
     EXPECT_TRUE(data.GetProfileList().isEmpty());

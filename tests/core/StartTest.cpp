@@ -52,11 +52,12 @@ TEST_P(StartWithObstacle, ReportsTheFolderThatCannotBeMadeAndGoesOn) {
 
 INSTANTIATE_TEST_SUITE_P(
     Start, StartWithObstacle,
-    ::testing::Values(
-        Obstacle{"common/Kadrona/Database",
-                 "Fehler, das Datenbankverzeichnis konnte nicht erstellt werden.", false},
-        Obstacle{"common/Kadrona/Curves",
-                 "Fehler, das Kurvenverzeichnis konnte nicht erstellt werden.", false}));
+    ::testing::Values(Obstacle{"common/Kadrona/Database",
+                               "Fehler, das Datenbankverzeichnis konnte nicht erstellt werden.",
+                               false},
+                      Obstacle{"common/Kadrona/Curves",
+                               "Fehler, das Kurvenverzeichnis konnte nicht erstellt werden.",
+                               false}));
 
 TEST(Start, ADataFolderThatCannotBeMadeIsEmpty) {
     const Installation installation;

@@ -1,5 +1,3 @@
-#include "dialogs/SettingsDialog.h"
-
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
@@ -13,6 +11,7 @@
 #include <QTest>
 
 #include "core/ProfileRecord.h"
+#include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/ModalDriver.h"
@@ -252,6 +251,7 @@ TEST_F(SettingsDialog, AnEmptyFrameSizeIsAnErrorAndKeepsTheOldOne) {
 }
 
 TEST_F(SettingsDialog, ShowingActivatesTheProfileSelectedInItsOwnList) {
+    InDialog([] {});
     AddProfile(u"B"_s);
     InDialog([&] { The<QLineEdit>(u"FrameSize"_s)->setText(u"44"_s); });
     dialog->AktivateProfileByName(u"Standard Profile"_s, false);

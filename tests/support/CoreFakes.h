@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QTemporaryDir>
 
 #include "core/Data.h"
@@ -70,7 +71,7 @@ class FakeSettings : public core::Settings {
 class Installation {
  public:
     Installation() {
-        qputenv("XDG_CONFIG_HOME", Path("config").toUtf8());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Path("config"));
         QDir().mkpath(Path("program/Schablonen"));
         AddTemplate("Pass", "Pass.msk", 350, 450);
         AddTemplate("USA", "USA.msk", 508, 508);
@@ -85,17 +86,19 @@ class Installation {
 
     /// A catalogue line and its file: a white canvas with one oval.
     void AddTemplate(const char* name, const char* file, int width, int height) {
-        const std::vector<core::TMask> elements{
-            {.colour = 0xffffff, .right = width, .bottom = height, .name = QStringLiteral("Canvas")},
-            {.colour = 0x0000c0,
-             .brushStyle = 1,
-             .penWidth = 4,
-             .right = width - 50,
-             .left = 50,
-             .bottom = height - 50,
-             .top = 50,
-             .shape = core::TMask::Ellipse,
-             .name = {}}};
+        const std::vector<core::TMask> elements{{.colour = 0xffffff,
+                                                 .right = width,
+                                                 .bottom = height,
+                                                 .name = QStringLiteral("Canvas")},
+                                                {.colour = 0x0000c0,
+                                                 .brushStyle = 1,
+                                                 .penWidth = 4,
+                                                 .right = width - 50,
+                                                 .left = 50,
+                                                 .bottom = height - 50,
+                                                 .top = 50,
+                                                 .shape = core::TMask::Ellipse,
+                                                 .name = {}}};
         Write("program/Schablonen/" + QByteArray(file), core::SerializeTemplate(elements));
         catalogue_ += QByteArray(name) + "=" + file + "\n";
         Write("program/Schablonen/MaskList.kdr", catalogue_);

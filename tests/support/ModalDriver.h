@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QTimer>
 #include <QWidget>
 #include <deque>
@@ -51,16 +52,17 @@ class ModalDriver {
     void Look() {
         QWidget* shown = QApplication::activeModalWidget();
         if (shown == nullptr || !shown->isVisible()) {
-            answered_ = nullptr;
             return;
         }
-        if (shown == answered_) {
+        if (answered_.contains(shown)) {
             if (++waits_ > 400) {
                 Refuse(*shown, "stayed open");
             }
             return;
         }
-        answered_ = shown;
+        answered_.append(shown);
+        QObject::connect(qobject_cast<QDialog*>(shown), &QDialog::finished, &timer_,
+                         [this, shown] { answered_.removeAll(shown); });
         waits_ = 0;
         if (steps_.empty() || steps_.front().window != shown->objectName()) {
             Refuse(*shown, "was not expected");
@@ -68,18 +70,19 @@ class ModalDriver {
         }
         const Step step = std::move(steps_.front());
         steps_.pop_front();
-        step.answer(*shown);
+        // A timer does not fire again within its own slot, and the answer may open more windows.
+        QTimer::singleShot(0, shown, [step, shown] { step.answer(*shown); });
     }
 
     static void Refuse(QWidget& window, const char* why) {
         ADD_FAILURE() << "the window " << window.objectName().toStdString() << " (\""
                       << window.windowTitle().toStdString() << "\") " << why;
-        window.hide();
+        dynamic_cast<QDialog&>(window).QDialog::done(QDialog::Rejected);
     }
 
     QTimer timer_;
     std::deque<Step> steps_;
-    QWidget* answered_ = nullptr;
+    QList<QWidget*> answered_;
     int waits_ = 0;
 };
 
