@@ -21,6 +21,7 @@ void PathLabel::SetPath(const QString& path) {
     setToolTip(path.isEmpty() ? QString()
                               : u"<p style='white-space:pre'>%1</p>"_s.arg(path.toHtmlEscaped()));
     setAccessibleName(path);
+    updateGeometry();
     update();
 }
 

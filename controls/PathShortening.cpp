@@ -20,7 +20,7 @@ qsizetype NameStart(QStringView path) {
 
 // Length of the first part with its separators: "/home/", "C:\", "\\server\"; 0 if there is none.
 qsizetype RootLength(QStringView path) {
-    auto position = std::find_if_not(path.begin(), path.end(), IsSeparator);
+    const auto* position = std::find_if_not(path.begin(), path.end(), IsSeparator);
     position = std::find_if(position, path.end(), IsSeparator);
     return position == path.end() ? 0 : position - path.begin() + 1;
 }
@@ -66,12 +66,12 @@ QString ShortenPath(const QString& path, int width, const TextMeasure& measure) 
     }
     const qsizetype name = NameStart(path);
     for (const QString& lead : {path.left(RootLength(path)), QString()}) {
-        const QString candidate = WithLongestTail(path, lead, width, measure);
+        QString candidate = WithLongestTail(path, lead, width, measure);
         if (!candidate.isEmpty()) {
             return candidate;
         }
     }
-    const QString fileName = path.mid(name);
+    QString fileName = path.mid(name);
     if (measure(fileName) <= width && !fileName.isEmpty()) {
         return fileName;
     }

@@ -14,8 +14,7 @@ class PathLabel;
 ///
 ///     | Datei | /home/…/kunden/bild.jpg                    | maker's line |
 ///
-/// Object names of the panels: the bar's own name (set it first) is not used; they are
-/// "StatusPanel0", "StatusPanel1" and "StatusPanel2".
+/// Object names of the panels: "StatusPanel0", "StatusPanel1" and "StatusPanel2".
 class StatusPanels : public QStatusBar {
     Q_OBJECT
 

@@ -27,15 +27,13 @@ void ThemeStyle::polish(QWidget* widget) {
 
 int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* returnData) const {
-    switch (hint) {
-        case SH_ComboBox_Popup:
-            return 0;  // a list below the box, not a menu over it
-        case SH_DialogButtonBox_ButtonsHaveIcons:
-        case SH_ItemView_ActivateItemOnSingleClick:
-            return 0;
-        default:
-            return QProxyStyle::styleHint(hint, option, widget, returnData);
+    // A box's items drop down as a list below it, not as a menu over it; buttons of dialogs bear no
+    // icons; a single click selects.
+    if (hint == SH_ComboBox_Popup || hint == SH_DialogButtonBox_ButtonsHaveIcons ||
+        hint == SH_ItemView_ActivateItemOnSingleClick) {
+        return 0;
     }
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
 }  // namespace kadrona::controls

@@ -97,15 +97,19 @@ TEST(ScreenTip, HoldsHeaderTextLinesAndShortcut) {
 
 TEST(Theme, AListThatWasScrolledBeforeItIsShownHasItsRowsApart) {
     ApplyTheme(*qApp);
+    QWidget window;
     QListWidget list;
     for (int i = 0; i < 30; ++i) {
         list.addItem(QString::number(i));
     }
     list.setCurrentRow(3);
-    list.show();
+    list.setParent(&window);
+    list.resize(200, 400);
+    window.show();
     QApplication::processEvents();
-    EXPECT_EQ(list.visualItemRect(list.item(1)).top() - list.visualItemRect(list.item(0)).top(),
-              list.sizeHintForRow(0));
+    const int distance =
+        list.visualItemRect(list.item(1)).top() - list.visualItemRect(list.item(0)).top();
+    EXPECT_EQ(distance, list.sizeHintForRow(0));
 }
 
 }  // namespace
