@@ -1,15 +1,16 @@
 #include "imaging/view/LayerHandles.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kadrona::imaging::view {
 
 namespace {
 
-constexpr Handle Corners[] = {{-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
-constexpr Handle HorizontalEdges[] = {{0, -1}, {0, 1}};
-constexpr Handle VerticalEdges[] = {{-1, 0}, {1, 0}};
+constexpr std::array Corners = {Handle{-1, -1}, Handle{1, -1}, Handle{-1, 1}, Handle{1, 1}};
+constexpr std::array HorizontalEdges = {Handle{0, -1}, Handle{0, 1}};
+constexpr std::array VerticalEdges = {Handle{-1, 0}, Handle{1, 0}};
 
 QRect GrownTo(const QRect& frame, int side) {
     const int x = std::max(0, side - frame.width() + 1) / 2;

@@ -1,6 +1,7 @@
 #include "imaging/view/Shadow.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -26,6 +27,17 @@ std::vector<double> BlurredBar(int length, double begin, double end, double sigm
             BlurredEdge(i + 0.5 - begin, sigma) - BlurredEdge(i + 0.5 - end, sigma);
     }
     return bar;
+}
+
+// Where a length is cut into corner, side and corner.
+using Cuts = std::array<int, 4>;
+
+Cuts CutsOf(int start, int length, int corner) {
+    return {start, start + corner, start + length - corner, start + length};
+}
+
+QRect Cell(const Cuts& x, const Cuts& y, size_t column, size_t row) {
+    return {QPoint(x.at(column), y.at(row)), QPoint(x.at(column + 1) - 1, y.at(row + 1) - 1)};
 }
 
 }  // namespace
@@ -57,24 +69,18 @@ void Shadow::Draw(QPainter& painter, const QRect& rectangle, double deviceScale)
     // Half of a small rectangle's sides belongs to each corner.
     const int cornerWidth = reach_ + std::min(reach_, rectangle.width() / 2);
     const int cornerHeight = reach_ + std::min(reach_, rectangle.height() / 2);
-    const int side = patch_.width();
-    const int targetX[] = {outer.left(), outer.left() + cornerWidth,
-                           outer.right() + 1 - cornerWidth, outer.right() + 1};
-    const int targetY[] = {outer.top(), outer.top() + cornerHeight,
-                           outer.bottom() + 1 - cornerHeight, outer.bottom() + 1};
-    const int sourceX[] = {0, cornerWidth, side - cornerWidth, side};
-    const int sourceY[] = {0, cornerHeight, side - cornerHeight, side};
+    const Cuts targetX = CutsOf(outer.left(), outer.width(), cornerWidth);
+    const Cuts targetY = CutsOf(outer.top(), outer.height(), cornerHeight);
+    const Cuts sourceX = CutsOf(0, patch_.width(), cornerWidth);
+    const Cuts sourceY = CutsOf(0, patch_.height(), cornerHeight);
     painter.save();
     painter.setClipRegion(QRegion(outer) - rectangle, Qt::IntersectClip);
-    for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) {
-            const bool middle = row == 1 && column == 1;
-            const QRect target(QPoint(targetX[column], targetY[row]),
-                               QPoint(targetX[column + 1] - 1, targetY[row + 1] - 1));
-            if (!middle && !target.isEmpty()) {
-                painter.drawImage(target, patch_,
-                                  {QPoint(sourceX[column], sourceY[row]),
-                                   QPoint(sourceX[column + 1] - 1, sourceY[row + 1] - 1)});
+    for (size_t row = 0; row < 3; ++row) {
+        for (size_t column = 0; column < 3; ++column) {
+            const bool isMiddle = row == 1 && column == 1;
+            const QRect target = Cell(targetX, targetY, column, row);
+            if (!isMiddle && !target.isEmpty()) {
+                painter.drawImage(target, patch_, Cell(sourceX, sourceY, column, row));
             }
         }
     }

@@ -7,6 +7,9 @@
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+#include <vector>
 
 #include "imaging/view/ImageView.h"
 #include "tests/view/ViewTestSupport.h"
@@ -268,10 +271,11 @@ TEST_F(ImageViewTest, CursorsFollowThePointerAndTheOwnersComesBack) {
     Open({400, 300}, 100);
     const int layer = AddLayer({100, 80, 140, 100});
     view_.setCursor(Qt::CrossCursor);
-    const struct {
+    struct Case {
         QPointF photo;
         Qt::CursorShape shape;
-    } cases[] = {
+    };
+    const std::vector<Case> cases = {
         {{100, 80}, Qt::SizeFDiagCursor}, {{240, 80}, Qt::SizeBDiagCursor},
         {{170, 80}, Qt::SizeVerCursor},   {{100, 130}, Qt::SizeHorCursor},
         {{150, 120}, Qt::SizeAllCursor},  {{300, 250}, Qt::CrossCursor},

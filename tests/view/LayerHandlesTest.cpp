@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
+#include <vector>
 
 #include "imaging/view/LayerHandles.h"
 
@@ -11,10 +12,11 @@ constexpr QSize Photo(3000, 2000);
 
 TEST(HandleLayout, FindsEachHandleAtItsPlaceAndTheBodyNowhere) {
     const HandleLayout layout(QRect(100, 200, 300, 400), 16);
-    const struct {
+    struct Case {
         QPointF point;
         Handle handle;
-    } cases[] = {
+    };
+    const std::vector<Case> cases = {
         {{100, 200}, {-1, -1}}, {{250, 200}, {0, -1}}, {{400, 200}, {1, -1}},
         {{100, 400}, {-1, 0}},  {{400, 400}, {1, 0}},  {{100, 600}, {-1, 1}},
         {{250, 600}, {0, 1}},   {{400, 600}, {1, 1}},  {{407, 607}, {1, 1}},
@@ -43,12 +45,13 @@ TEST(LayerDrag, MovesByWholePixels) {
 
 TEST(LayerDrag, HandlesKeepTheOppositeSide) {
     const QRect start(100, 100, 350, 450);
-    const struct {
+    struct Case {
         const char* name;
         Handle handle;
         QPointF move;
         QRect expected;
-    } cases[] = {
+    };
+    const std::vector<Case> cases = {
         {"bottom right", {1, 1}, {350, 450}, {100, 100, 700, 900}},
         {"top left", {-1, -1}, {-350, -450}, {-250, -350, 700, 900}},
         {"top right", {1, -1}, {-70, 90}, {100, 190, 280, 360}},
