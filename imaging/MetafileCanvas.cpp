@@ -232,6 +232,11 @@ void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
     if (!fromBitmap.isInvertible() || fromBitmap.type() > QTransform::TxShear)
         return;
     NoteFineness(drawing, toImage);
+    if (maximumBitmapPixels_ == MeasureOnly)
+        return;
+    const BitmapLayout layout = ReadBitmapLayout(drawing.bitmap.information);
+    if (layout.height > 0 && layout.width > maximumBitmapPixels_ / layout.height)
+        throw MetafileFault::TooComplex;
     const QImage image = DecodeBitmap(drawing.bitmap, drawing.alpha, maximumBitmapPixels_);
     if (image.isNull())
         return;

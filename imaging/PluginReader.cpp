@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "imaging/FileCompleteness.h"
 #include "imaging/NewImage.h"
 
 using namespace Qt::StringLiterals;
@@ -78,6 +79,8 @@ DecodedImage ReadByPlugin(const ReadTask& task) {
         JumpToLargestIcon(reader);
     if (const QSize size = reader.size(); size.isValid())
         task.RequireAllowedSize(size.width(), size.height());
+    if (!IsComplete(task.Device()))
+        task.Fail(IncompleteFileReason());
     QImage image = reader.read();
     if (image.isNull())
         task.Fail(ReasonOf(reader.error()));
