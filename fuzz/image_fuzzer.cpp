@@ -7,6 +7,11 @@
 
 using namespace Qt::StringLiterals;
 
+// Its cache of fonts lives as long as the process.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QLoggingCategory::setFilterRules(u"*=false"_s);

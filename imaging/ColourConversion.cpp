@@ -94,7 +94,7 @@ QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
     constexpr qsizetype ChannelsOffset = 16;
     const bool isForGrey =
         QByteArrayView(profile).sliced(std::min(ChannelsOffset, profile.size())).startsWith("GRAY");
-    if (IsCmyk(model) || (isForGrey && model != ColourModel::Grey))
+    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey))
         return {};
     return QColorSpace::fromIccProfile(profile);
 }
@@ -157,7 +157,8 @@ QImage Rounded16BitOverWhite(const QImage& image) {
 }  // namespace
 
 bool IsSrgbProfile(const QByteArray& profile) {
-    return QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
+    return !profile.isEmpty() &&
+           QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
 }
 
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {

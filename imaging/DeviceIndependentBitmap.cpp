@@ -82,6 +82,13 @@ BitmapLayout ReadBitmapLayout(QByteArrayView information) {
     return layout;
 }
 
+qint64 MinimumBytes(const BitmapLayout& layout) {
+    if ((layout.compression != Uncompressed && layout.compression != BitFields) ||
+        layout.width <= 0 || layout.height <= 0)
+        return 0;
+    return Stride(layout) * (layout.height - 1) + (layout.width * layout.bitsPerPixel + 7) / 8;
+}
+
 BitmapView SplitPackedBitmap(QByteArrayView packed) {
     const BitmapLayout layout = ReadBitmapLayout(packed);
     ByteReader reader(packed);
@@ -114,8 +121,7 @@ QImage DecodeBitmap(const BitmapView& bitmap, BitmapAlpha alpha, qint64 maximumP
     if (!bitmap.hasOwnColours || !IsKnownKind(layout) || layout.width <= 0 || layout.height == 0 ||
         layout.width > maximumPixels / layout.height)
         return {};
-    const bool isRunLength = layout.compression == RunLength8 || layout.compression == RunLength4;
-    if (!isRunLength && bitmap.bits.size() < Stride(layout) * layout.height)
+    if (bitmap.bits.size() < MinimumBytes(layout))
         throw OutOfBytes();
     if (alpha == BitmapAlpha::Premultiplied && layout.bitsPerPixel == 32)
         return DecodePremultiplied(bitmap, layout);

@@ -27,6 +27,10 @@ struct BitmapLayout {
 /// Throws OutOfBytes where the header is cut off.
 BitmapLayout ReadBitmapLayout(QByteArrayView information);
 
+/// What the pixels take at least: without the padding of the last row; 0 where that cannot be told,
+/// as for compressed ones.
+qint64 MinimumBytes(const BitmapLayout& layout);
+
 /// Splits a packed bitmap, whose pixels follow its colour table. Throws OutOfBytes.
 BitmapView SplitPackedBitmap(QByteArrayView packed);
 

@@ -355,12 +355,12 @@ void EmfPlayer::SelectClipRegion(ByteReader& reader) {
         return;
     }
     reader.Skip(8);
-    const quint32 parts = std::min(reader.Read<quint32>(), MaximumParts);
+    const quint32 count = std::min(reader.Read<quint32>(), MaximumParts);
     reader.Skip(20);
-    QRegion region;
-    for (quint32 i = 0; i < parts; ++i)
-        region += ReadCorners<qint32>(reader).toRect();
-    canvas_.SetDeviceClip(region);
+    std::vector<QRectF> parts;
+    for (quint32 i = 0; i < count; ++i)
+        parts.push_back(ReadCorners<qint32>(reader));
+    canvas_.SetDeviceClip(parts);
 }
 
 }  // namespace kadrona::imaging

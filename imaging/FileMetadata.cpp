@@ -1,5 +1,7 @@
 #include "imaging/FileMetadata.h"
 
+#include <zlib.h>
+
 #include <QBuffer>
 #include <cmath>
 #include <optional>
@@ -98,32 +100,57 @@ class TiffDirectory {
     double resolution_ = 0;
 };
 
-FileMetadata ReadPng(QIODevice& device) {
-    FileMetadata metadata;
-    DotsPerInch fromExif;
+/// Calls `visit(type, position of the content, its length)` for each chunk until it returns false.
+/// Ends at IEND at the latest, or by OutOfBytes where the file does.
+template <typename Visit>
+void ForEachPngChunk(QIODevice& device, Visit visit) {
     qint64 position = 8;
-    // Ends at IEND or where the file does: BytesAt throws there.
     while (true) {
         const QByteArray header = BytesAt(device, position, 8);
         const auto length = ByteReader(header, ByteOrder::BigEndian).Read<quint32>();
-        const QByteArrayView type = QByteArrayView(header).sliced(4);
-        if (type == "IEND")
-            break;
+        const QByteArray type = header.sliced(4);
+        if (type == "IEND" || !visit(type, position + 8, length))
+            return;
+        position += 12LL + length;
+    }
+}
+
+FileMetadata ReadPng(QIODevice& device) {
+    FileMetadata metadata;
+    DotsPerInch fromExif;
+    ForEachPngChunk(device, [&](const QByteArray& type, qint64 position, quint32 length) {
         if (type == "pHYs" && length == 9) {
-            const QByteArray density = BytesAt(device, position + 8, 9);
+            const QByteArray density = BytesAt(device, position, 9);
             if (density.back() == 1)  // the unit is the metre
                 metadata.resolution =
                     FromDotsPerMetre(ByteReader(density, ByteOrder::BigEndian).Read<quint32>());
         } else if (type == "eXIf" && length <= MaximumExifSize) {
-            const FileMetadata exif = ReadExif(BytesAt(device, position + 8, length));
+            const FileMetadata exif = ReadExif(BytesAt(device, position, length));
             metadata.orientation = exif.orientation;
             fromExif = exif.resolution;
         }
-        position += 12LL + length;
-    }
+        return true;
+    });
     if (metadata.resolution.value == 0)
         metadata.resolution = fromExif;
     return metadata;
+}
+
+/// What a stream of zlib holds; nothing where it is damaged or holds more than `maximumSize`.
+QByteArray Inflated(QByteArrayView stream, uLongf maximumSize) {
+    QByteArray inflated;
+    for (uLongf size = 1 << 16; size <= maximumSize; size *= 4) {
+        inflated.resize(static_cast<qsizetype>(size));
+        uLongf length = size;
+        const int result = uncompress(reinterpret_cast<Bytef*>(inflated.data()), &length,
+                                      reinterpret_cast<const Bytef*>(stream.data()),
+                                      static_cast<uLong>(stream.size()));
+        if (result == Z_OK)
+            return inflated.first(static_cast<qsizetype>(length));
+        if (result != Z_BUF_ERROR)
+            break;
+    }
+    return {};
 }
 
 FileMetadata ReadWebP(QIODevice& device) {
@@ -172,6 +199,26 @@ FileMetadata ReadFileMetadata(QIODevice& device) try {
     if (start.startsWith("BM"))
         return ReadBmp(device);
     return {};
+} catch (const OutOfBytes&) {
+    return {};
+}
+
+QByteArray ReadPngProfile(QIODevice& device) try {
+    constexpr quint32 MaximumStreamSize = 1 << 22;
+    constexpr uLongf MaximumProfileSize = 1 << 24;
+    QByteArray profile;
+    ForEachPngChunk(device, [&](const QByteArray& type, qint64 position, quint32 length) {
+        if (type != "iCCP")
+            return type != "IDAT";
+        if (length > MaximumStreamSize)
+            return false;
+        const QByteArray content = BytesAt(device, position, length);
+        // A name, a null, the kind of compression.
+        if (const qsizetype end = content.indexOf('\0'); end >= 0 && end + 2 <= content.size())
+            profile = Inflated(QByteArrayView(content).sliced(end + 2), MaximumProfileSize);
+        return false;
+    });
+    return profile;
 } catch (const OutOfBytes&) {
     return {};
 }

@@ -24,6 +24,9 @@ DotsPerInch ResolutionFrom(double dotsPerInch);
 /// the rest (maker notes, previews) of a block that may come from anywhere.
 FileMetadata ReadFileMetadata(QIODevice& device);
 
+/// The ICC profile of a PNG file; empty where there is none or it is damaged. Moves the device.
+QByteArray ReadPngProfile(QIODevice& device);
+
 /// Reads the metadata of an EXIF block, which is a small TIFF file.
 FileMetadata ReadExif(QByteArrayView block);
 

@@ -18,6 +18,11 @@ JpegDecompressor::~JpegDecompressor() {
     jpeg_destroy_decompress(&info_);
 }
 
+void JpegDecompressor::Finish() {
+    errors_.pixelsAreRead = true;
+    Run([](j_decompress_ptr info) { jpeg_finish_decompress(info); });
+}
+
 void JpegDecompressor::AttachSource(QIODevice& device) {
     source_.device = &device;
     source_.init_source = [](j_decompress_ptr) {};
@@ -52,6 +57,7 @@ void JpegDecompressor::HandleError(j_common_ptr info) {
 }
 
 void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
+    constexpr int MaximumStrayBytes = 512;
     if (level >= 0)
         return;  // a trace
     switch (info->err->msg_code) {
@@ -61,6 +67,12 @@ void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
         case JWRN_HUFF_BAD_CODE:
         case JWRN_MUST_RESYNC:
             Exit(info, JpegFault::Damaged);
+        case JWRN_EXTRANEOUS_DATA:
+            // A few stray bytes are common, before the pixels any number is harmless.
+            if (static_cast<ErrorManager*>(info->err)->pixelsAreRead &&
+                info->err->msg_parm.i[0] > MaximumStrayBytes)
+                Exit(info, JpegFault::Damaged);
+            break;
         default:
             break;  // the picture is whole all the same
     }

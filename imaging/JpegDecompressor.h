@@ -15,8 +15,8 @@ namespace kadrona::imaging {
 /// Why libjpeg gave up.
 enum class JpegFault { Damaged, Incomplete, Unsupported, OutOfMemory };
 
-/// libjpeg over a QIODevice, with its errors as JpegFault exceptions. Data that ends early or makes
-/// no sense is an error too, where libjpeg itself would warn and go on with grey.
+/// libjpeg over a QIODevice, with its errors as JpegFault exceptions. Data that ends early or that
+/// libjpeg finds to make no sense is an error too, where it would warn and go on with grey.
 class JpegDecompressor {
  public:
     /// Reads from the device's present position; does not own the device.
@@ -36,6 +36,10 @@ class JpegDecompressor {
         step(&info_);
     }
 
+    /// Reads on to the end marker. Throws JpegFault where much data comes first: the pixels were
+    /// made of damaged data that by chance took less than was there.
+    void Finish();
+
     /// True once libjpeg was told of the end of the data instead of finding it there.
     bool EndWasMissing() const { return source_.endWasMissing; }
 
@@ -46,6 +50,7 @@ class JpegDecompressor {
     struct ErrorManager : jpeg_error_mgr {
         std::jmp_buf exit;
         JpegFault fault;
+        bool pixelsAreRead;
     };
     struct Source : jpeg_source_mgr {
         QIODevice* device;

@@ -91,6 +91,7 @@ void DecodeRows(JpegDecompressor& jpeg, QImage& image) {
     // Whole passes may be missing then, without a trace in the ones that are there.
     if (jpeg.EndWasMissing() && jpeg_has_multiple_scans(&jpeg.Info()))
         throw JpegFault::Incomplete;
+    jpeg.Finish();
 }
 
 DecodedImage Decode(const ReadTask& task) {

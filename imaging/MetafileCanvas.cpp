@@ -232,6 +232,11 @@ void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
     if (!fromBitmap.isInvertible() || fromBitmap.type() > QTransform::TxShear)
         return;
     NoteFineness(drawing, toImage);
+    if (maximumBitmapPixels_ == MeasureOnly)
+        return;
+    const BitmapLayout layout = ReadBitmapLayout(drawing.bitmap.information);
+    if (layout.height > 0 && layout.width > maximumBitmapPixels_ / layout.height)
+        throw MetafileFault::TooComplex;
     const QImage image = DecodeBitmap(drawing.bitmap, drawing.alpha, maximumBitmapPixels_);
     if (image.isNull())
         return;
@@ -313,15 +318,15 @@ void MetafileCanvas::ClipOut(const QRectF& rectangle) {
     painter_.setClipPath(rest, Qt::IntersectClip);
 }
 
-void MetafileCanvas::SetDeviceClip(const std::optional<QRegion>& region) {
-    Charge(region ? 1000.0 * region->rectCount() : 0);
-    if (!region) {
+void MetafileCanvas::SetDeviceClip(const std::optional<std::vector<QRectF>>& parts) {
+    Charge(parts ? 1000.0 * double(parts->size()) : 0);
+    if (!parts) {
         painter_.setClipping(false);
         return;
     }
     QPainterPath path;
-    for (const QRect& part : *region)
-        path.addRect(Clamped(deviceToImage_.mapRect(QRectF(part))));
+    for (const QRectF& part : *parts)
+        path.addRect(Clamped(deviceToImage_.mapRect(part)));
     path.setFillRule(Qt::WindingFill);
     painter_.setClipPath(path);
 }

@@ -90,7 +90,7 @@ class MetafileCanvas {
     void ClipTo(const QRectF& rectangle);
     void ClipOut(const QRectF& rectangle);
     /// Replaces the clipping, in pixels of the device; none: everything.
-    void SetDeviceClip(const std::optional<QRegion>& region);
+    void SetDeviceClip(const std::optional<std::vector<QRectF>>& parts);
 
     bool HasDrawn() const { return hasDrawn_; }
     /// How many of its pixels the finest large bitmap has for one of the target's.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "imaging/FileCompleteness.h"
 #include "imaging/NewImage.h"
 
 using namespace Qt::StringLiterals;
@@ -37,6 +38,15 @@ QString ReasonOf(QImageReader::ImageReaderError error) {
                : u"Die Datei ist beschädigt oder unvollständig."_s;
 }
 
+/// Empty where there is none or where it is sRGB.
+QByteArray ProfileOf(const QImage& image, const QByteArray& format, QIODevice& device) {
+    const QColorSpace space = image.colorSpace();
+    if (space == QColorSpace(QColorSpace::SRgb))
+        return {};
+    // The PNG plug-in drops a profile that QColorSpace does not understand.
+    return format == "png" && !space.isValid() ? ReadPngProfile(device) : space.iccProfile();
+}
+
 /// One of the formats that the colour conversion takes, with every bit that the image has.
 QImage::Format FormatToWorkIn(const QImage& image) {
     const QPixelFormat format = image.pixelFormat();
@@ -62,23 +72,24 @@ DecodedImage ReadByPlugin(const ReadTask& task) {
     LimitAllocations(task.MaximumPixels());
     QImageReader reader(&task.Device());
     reader.setAutoTransform(false);
-    if (!reader.canRead() || IsDrawnDocument(reader.format()))
+    const QByteArray format = reader.format();  // none any more once it was read
+    if (!reader.canRead() || IsDrawnDocument(format))
         task.Fail(ReasonOf(QImageReader::UnsupportedFormatError));
-    if (reader.format() == "ico")
+    if (format == "ico")
         JumpToLargestIcon(reader);
     if (const QSize size = reader.size(); size.isValid())
         task.RequireAllowedSize(size.width(), size.height());
+    if (!IsComplete(task.Device()))
+        task.Fail(IncompleteFileReason());
     QImage image = reader.read();
     if (image.isNull())
         task.Fail(ReasonOf(reader.error()));
     task.RequireAllowedSize(image.width(), image.height());
-    const QColorSpace space = image.colorSpace();
-    if (space != QColorSpace(QColorSpace::SRgb))
-        decoded.profile = space.iccProfile();
+    decoded.profile = ProfileOf(image, format, task.Device());
     if (!decoded.profile.isEmpty() && image.allGray())
         decoded.model = ColourModel::Grey;
-    const QImage::Format format = FormatToWorkIn(image);
-    decoded.image = RequireAllocated(std::move(image).convertToFormat(format));
+    const QImage::Format workFormat = FormatToWorkIn(image);
+    decoded.image = RequireAllocated(std::move(image).convertToFormat(workFormat));
     return decoded;
 }
 

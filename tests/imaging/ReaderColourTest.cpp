@@ -1,0 +1,170 @@
+#include "ReaderFixture.h"
+
+namespace kadrona::imaging::test {
+
+namespace {
+
+JpegContent Uniform(int channels, std::array<int, 4> values) {
+    JpegContent content;
+    content.channels = channels;
+    content.pixel = [channels, values](int, int, uchar* pixel) {
+        std::copy_n(values.begin(), channels, pixel);
+    };
+    return content;
+}
+
+QByteArray DisplayP3() {
+    return RgbProfile(0.680, 0.320, 0.265, 0.690, 0.150, 0.060, 0);
+}
+
+QByteArray AdobeRgb() {
+    return RgbProfile(0.64, 0.33, 0.21, 0.71, 0.15, 0.06, 563.0 / 256);
+}
+
+}  // namespace
+
+// Colours of sRGB in wider spaces, by the matrices of CSS Color 4 and of Adobe RGB (1998).
+TEST(ReaderColour, WideGamutProfilesAreBroughtToSrgb) {
+    struct Case {
+        const char* name;
+        QByteArray profile;
+        QColor stored;
+        QColor expected;
+    };
+    const Case cases[] = {
+        {"P3 red", DisplayP3(), QColor(234, 51, 35), QColor(255, 0, 0)},
+        {"P3 skin", DisplayP3(), QColor(246, 202, 157), QColor(255, 200, 150)},
+        {"P3 blue", DisplayP3(), QColor(85, 148, 214), QColor(60, 150, 220)},
+        {"P3 grey", DisplayP3(), QColor(128, 128, 128), QColor(128, 128, 128)},
+        {"Adobe red", AdobeRgb(), QColor(219, 0, 0), QColor(255, 0, 0)},
+        {"Adobe green", AdobeRgb(), QColor(144, 255, 60), QColor(0, 255, 0)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QByteArray png = WithProfile(Written(Plain(3, 3, c.stored), "png"), c.profile);
+        ExpectColour(Read(png), {1, 1}, c.expected, 2);
+        JpegContent jpeg = Uniform(3, {c.stored.red(), c.stored.green(), c.stored.blue()});
+        jpeg.profile = c.profile;
+        ExpectColour(Read(Jpeg(jpeg)), {8, 8}, c.expected, 4);  // it stores Y'CbCr of 8 bits
+    }
+}
+
+TEST(ReaderColour, SixteenBitsAreConvertedBeforeTheyAreRounded) {
+    QImage image(2, 1, QImage::Format_RGBA64);
+    image.setPixelColor(0, 0, QColor::fromRgba64(234 * 257, 51 * 257, 35 * 257));
+    image.setPixelColor(1, 0, QColor::fromRgba64(128 * 257, 128 * 257, 128 * 257));
+    const LoadedImage loaded = Read(WithProfile(Written(image, "png"), DisplayP3()));
+    ExpectColour(loaded, {0, 0}, QColor(255, 0, 0), 2);
+    ExpectColour(loaded, {1, 0}, QColor(128, 128, 128), 1);
+}
+
+TEST(ReaderColour, TableProfilesAreApplied) {
+    // Lightness from the first channel alone: no matrix does that.
+    const QByteArray profile = TableProfile(3, [](const std::array<double, 4>& rgb) {
+        return cmsCIELab{100 * rgb[0], 0, 0};
+    });
+    const QByteArray png = WithProfile(Written(Plain(3, 3, QColor(255, 0, 0)), "png"), profile);
+    ExpectColour(Read(png), {1, 1}, Qt::white, 1);
+    JpegContent jpeg = Uniform(3, {0, 255, 255});
+    jpeg.profile = profile;
+    ExpectColour(Read(Jpeg(jpeg)), {8, 8}, Qt::black, 2);
+}
+
+TEST(ReaderColour, InksWithoutAProfileAreMultipliedOut) {
+    const auto inks = [](bool inverted, bool ycck, std::array<int, 4> values) {
+        JpegContent content = Uniform(4, values);
+        content.adobeMarker = inverted;
+        content.ycck = ycck;
+        return Read(Jpeg(content));
+    };
+    // Adobe: 255 is no ink.
+    ExpectColour(inks(true, false, {255, 255, 255, 255}), {8, 8}, Qt::white, 1);
+    ExpectColour(inks(true, false, {0, 255, 255, 255}), {8, 8}, Qt::cyan, 1);
+    ExpectColour(inks(true, false, {255, 255, 255, 51}), {8, 8}, QColor(51, 51, 51), 1);
+    ExpectColour(inks(true, true, {255, 0, 255, 255}), {8, 8}, Qt::magenta, 3);
+    ExpectColour(inks(true, true, {200, 100, 50, 128}), {8, 8}, QColor(100, 50, 25), 3);
+    // Without Adobe's marker 0 is no ink.
+    ExpectColour(inks(false, false, {0, 0, 0, 0}), {8, 8}, Qt::white, 1);
+    ExpectColour(inks(false, false, {0, 0, 255, 0}), {8, 8}, Qt::yellow, 1);
+}
+
+TEST(ReaderColour, InksAreConvertedByTheirProfile) {
+    // Black takes the lightness; magenta is a colour of its own, far from naive magenta.
+    const QByteArray profile = TableProfile(4, [](const std::array<double, 4>& inks) {
+        return cmsCIELab{100 * (1 - inks[3]), 0, -40 * inks[1] * (1 - inks[3])};
+    });
+    JpegContent content = Uniform(4, {255, 255, 255, 255});
+    content.profile = profile;
+    ExpectColour(Read(Jpeg(content)), {8, 8}, Qt::white, 1);
+    content.pixel = [](int, int, uchar* pixel) {
+        std::fill_n(pixel, 4, uchar{255});
+        pixel[3] = 128;
+    };
+    // L* 50.2 is 120 in sRGB; multiplied out it would be 128.
+    ExpectColour(Read(Jpeg(content)), {8, 8}, QColor(120, 120, 120), 2);
+    content.adobeMarker = false;
+    content.pixel = [](int, int, uchar* pixel) {
+        std::fill_n(pixel, 4, uchar{0});
+        pixel[3] = 255;
+    };
+    const LoadedImage black = Read(Jpeg(content));
+    ExpectColour(black, {8, 8}, Qt::black, 1);
+    EXPECT_EQ(qAlpha(black.pixels.Tile().pixel(8, 8)), 255);
+}
+
+TEST(ReaderColour, GreyProfilesBelongToGreyPictures) {
+    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1.0);
+    cmsHPROFILE grey = cmsCreateGrayProfile(cmsD50_xyY(), linear);
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(grey, nullptr, &size);
+    QByteArray profile(size, '\0');
+    cmsSaveProfileToMem(grey, profile.data(), &size);
+    cmsCloseProfile(grey);
+    cmsFreeToneCurve(linear);
+
+    JpegContent content = Uniform(1, {55});
+    content.profile = profile;
+    // Linear 55/255 is 128 in sRGB.
+    ExpectColour(Read(Jpeg(content)), {8, 8}, QColor(128, 128, 128), 2);
+    content = Uniform(3, {55, 55, 200});
+    content.profile = profile;
+    ExpectColour(Read(Jpeg(content)), {8, 8}, QColor(55, 55, 200), 3);
+}
+
+TEST(ReaderColour, BrokenAndForeignProfilesAreIgnored) {
+    const QByteArray good = DisplayP3();
+    QByteArray longTags = good;
+    for (qsizetype entry = 132; entry < 132 + 12 * qsizetype{good[131]}; entry += 12)
+        longTags.replace(entry + 8, 4, "\xff\xff\xff\xff");
+    const QByteArray profiles[] = {"no profile at all",
+                                   good.first(100),
+                                   good.first(good.size() / 2),
+                                   longTags,
+                                   QByteArray(5000, '\xff'),
+                                   TableProfile(4, [](const std::array<double, 4>&) {
+                                       return cmsCIELab{50, 0, 0};
+                                   })};
+    for (const QByteArray& profile : profiles) {
+        JpegContent content = Uniform(3, {200, 100, 50});
+        content.profile = profile;
+        ExpectColour(Read(Jpeg(content)), {8, 8}, QColor(200, 100, 50), 3);
+    }
+}
+
+TEST(ReaderColour, AlphaIsLaidOverWhite) {
+    QImage image(4, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, qRgba(255, 0, 0, 255));
+    image.setPixel(1, 0, qRgba(255, 0, 0, 0));
+    image.setPixel(2, 0, qRgba(0, 0, 0, 128));
+    image.setPixel(3, 0, qRgba(100, 200, 50, 51));
+    for (const QImage::Format format : {QImage::Format_ARGB32, QImage::Format_RGBA64}) {
+        const LoadedImage loaded = Read(Written(image.convertToFormat(format), "png"));
+        EXPECT_EQ(loaded.pixels.Tile().format(), QImage::Format_RGB32);
+        EXPECT_EQ(Colour(loaded, 0, 0), "#ff0000");
+        EXPECT_EQ(Colour(loaded, 1, 0), "#ffffff");
+        EXPECT_EQ(Colour(loaded, 2, 0), "#7f7f7f");
+        EXPECT_EQ(Colour(loaded, 3, 0), "#e0f4d6");
+    }
+}
+
+}  // namespace kadrona::imaging::test

@@ -1,0 +1,132 @@
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "ReaderFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging::test {
+
+namespace {
+
+QByteArray NoisyJpeg(bool progressive) {
+    JpegContent content;
+    content.size = {200, 150};
+    content.progressive = progressive;
+    content.pixel = [](int x, int y, uchar* pixel) {
+        for (int channel = 0; channel < 3; ++channel)
+            pixel[channel] = static_cast<uchar>(x * 37 + y * 101 + channel * 59 + x * y);
+    };
+    return Jpeg(content);
+}
+
+QImage NoisyImage() {
+    QImage image(40, 30, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 37 + y, y * 101 + x * y, x * x + y * 7));
+    }
+    return image;
+}
+
+QString PathFailure(const QString& path) {
+    try {
+        ReadImageFile(path);
+    } catch (const ReadError& error) {
+        return error.Text();
+    }
+    return {};
+}
+
+}  // namespace
+
+TEST(ReaderFailure, AJpegThatEndsEarlyIsRefused) {
+    for (const bool progressive : {false, true}) {
+        const QByteArray whole = NoisyJpeg(progressive);
+        ASSERT_EQ(Failure(whole), QString());
+        for (qsizetype size = 3; size < whole.size() - 2; size += 1 + size / 40) {
+            const QString text = Failure(whole.first(size));
+            EXPECT_EQ(text, Complaint("Die Datei ist unvollständig.")) << progressive << size;
+        }
+    }
+}
+
+TEST(ReaderFailure, AMissingEndMarkerAloneIsNoHarm) {
+    const QByteArray whole = NoisyJpeg(false);
+    EXPECT_EQ(Failure(whole.chopped(2)), QString());
+}
+
+TEST(ReaderFailure, DamagedJpegDataIsRefused) {
+    QByteArray damaged = NoisyJpeg(true);
+    // No Huffman code consists of ones alone.
+    for (qsizetype i = damaged.size() / 2; i < damaged.size() / 2 + 40; i += 2)
+        damaged.replace(i, 2, QByteArray("\xff\0", 2));
+    EXPECT_EQ(Failure(damaged), Complaint("Die Datei ist beschädigt."));
+    QByteArray shortened = NoisyJpeg(false);
+    shortened.remove(shortened.size() / 2, 2000);
+    EXPECT_NE(Failure(shortened), QString());
+}
+
+TEST(ReaderFailure, OtherFormatsThatEndEarlyAreRefused) {
+    for (const char* format : {"png", "tiff", "bmp", "ico", "webp"}) {
+        const QByteArray whole = Written(NoisyImage(), format);
+        ASSERT_EQ(Failure(whole), QString()) << format;
+        // The last bytes of some are checksums or metadata.
+        for (qsizetype size = 1; size < whole.size() * 9 / 10; size += 1 + size / 20)
+            EXPECT_NE(Failure(whole.first(size)), QString()) << format << ' ' << size;
+    }
+    const QByteArray gif = "GIF89a" + QByteArray("\1\0\1\0\x80\0\0", 7) +
+                           QByteArray("\0\0\xff\xff\0\0", 6) +
+                           QByteArray("\x2c\0\0\0\0\1\0\1\0\0\2\2\x4c\1\0;", 16);
+    ASSERT_EQ(Failure(gif), QString());
+    for (qsizetype size = 1; size < gif.size() - 1; ++size)
+        EXPECT_NE(Failure(gif.first(size)), QString()) << size;
+}
+
+TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
+    ReadOptions options;
+    options.maximumPixels = 2'000'000;
+    const auto text = [](const char* megapixels) {
+        return u"Das Bild „probe“ hat %1 Megapixel; es werden höchstens 2 Megapixel unterstützt."_s
+            .arg(QLatin1StringView(megapixels));
+    };
+    // The sizes are changed in the header alone: nothing could be decoded.
+    QByteArray jpeg = NoisyJpeg(false);
+    const qsizetype frame = jpeg.indexOf("\xff\xc0");
+    jpeg.replace(frame + 5, 4, BigEndian(quint16{60000}) + BigEndian(quint16{50000}));
+    EXPECT_EQ(Failure(jpeg, options), text("3.000"));
+    QByteArray bmp = Written(NoisyImage(), "bmp");
+    bmp.replace(18, 8, Packed<qint32>(2001, 1000));
+    EXPECT_EQ(Failure(bmp, options), text("3"));
+    JpegContent content;
+    content.size = {2000, 1001};
+    EXPECT_EQ(Failure(Jpeg(content), options), text("3"));
+    content.size = {2000, 1000};
+    EXPECT_EQ(Failure(Jpeg(content), options), QString());
+    QByteArray png = Written(NoisyImage(), "png");
+    const QByteArray header =
+        BigEndian(quint32{100'000}) + BigEndian(quint32{90'000}) + png.mid(24, 5);
+    png = WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25);
+    EXPECT_EQ(Failure(png + Written(NoisyImage(), "png").mid(33), options), text("9.000"));
+}
+
+TEST(ReaderFailure, WhatIsNoPictureIsNamed) {
+    EXPECT_EQ(Failure({}), Complaint("Die Datei ist leer."));
+    const QString unknown = Complaint("Das Format der Datei ist nicht bekannt.");
+    EXPECT_EQ(Failure("Das ist ein Brief und kein Bild.\n"), unknown);
+    EXPECT_EQ(Failure(QByteArray(100'000, '\0')), unknown);
+    EXPECT_EQ(Failure("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"), unknown);
+    EXPECT_EQ(Failure("%PDF-1.4\n"), unknown);
+}
+
+TEST(ReaderFailure, FilesThatCannotBeOpened) {
+    const QTemporaryDir folder;
+    const QString missing = folder.filePath(u"weg.jpg"_s);
+    EXPECT_EQ(PathFailure(missing),
+              u"Die Datei „weg.jpg“ konnte nicht gelesen werden: "
+              "Die Datei ist nicht vorhanden."_s);
+    EXPECT_TRUE(PathFailure(folder.path()).endsWith(u"Es ist ein Ordner."_s));
+    EXPECT_TRUE(PathFailure(u"/dev/zero"_s).endsWith(u"Es ist keine gewöhnliche Datei."_s));
+}
+
+}  // namespace kadrona::imaging::test

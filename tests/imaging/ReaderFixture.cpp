@@ -1,0 +1,241 @@
+#include "ReaderFixture.h"
+
+// jpeglib.h does not include what it needs.
+// clang-format off
+#include <cstdio>
+#include <jpeglib.h>
+// clang-format on
+#include <lcms2.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging::test {
+
+LoadedImage Read(QByteArray bytes, const ReadOptions& options) {
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return ReadImage(buffer, u"probe"_s, options);
+}
+
+QString Failure(const QByteArray& bytes, const ReadOptions& options) {
+    try {
+        Read(bytes, options);
+    } catch (const ReadError& error) {
+        return error.Text();
+    }
+    return {};
+}
+
+QString Complaint(const char* reason) {
+    return u"Die Datei „probe“ konnte nicht gelesen werden: "_s + QString::fromUtf8(reason);
+}
+
+std::string Colour(const LoadedImage& loaded, int x, int y) {
+    return loaded.pixels.Tile().pixelColor(x, y).name().toStdString();
+}
+
+void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, int tolerance) {
+    const QColor actual = loaded.pixels.Tile().pixelColor(position);
+    const int difference = std::max({std::abs(actual.red() - expected.red()),
+                                     std::abs(actual.green() - expected.green()),
+                                     std::abs(actual.blue() - expected.blue())});
+    EXPECT_LE(difference, tolerance)
+        << actual.name().toStdString() << " instead of " << expected.name().toStdString();
+}
+
+QByteArray Written(const QImage& image, const char* format) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    writer.setQuality(100);
+    EXPECT_TRUE(writer.write(image)) << format;
+    return buffer.data();
+}
+
+QImage Plain(int width, int height, QColor colour) {
+    QImage image(width, height, QImage::Format_ARGB32);
+    image.fill(colour);
+    return image;
+}
+
+namespace {
+
+void WriteMarkers(jpeg_compress_struct& info, const JpegContent& content) {
+    if (!content.exif.isEmpty()) {
+        const QByteArray marker = QByteArray("Exif\0\0", 6) + content.exif;
+        jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(marker.data()),
+                          static_cast<unsigned>(marker.size()));
+    }
+    if (!content.profile.isEmpty())
+        jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(content.profile.data()),
+                               static_cast<unsigned>(content.profile.size()));
+}
+
+void SetUp(jpeg_compress_struct& info, const JpegContent& content) {
+    info.image_width = static_cast<JDIMENSION>(content.size.width());
+    info.image_height = static_cast<JDIMENSION>(content.size.height());
+    info.input_components = content.channels;
+    info.in_color_space = content.channels == 1   ? JCS_GRAYSCALE
+                          : content.channels == 3 ? JCS_RGB
+                                                  : JCS_CMYK;
+    jpeg_set_defaults(&info);
+    if (content.ycck)
+        jpeg_set_colorspace(&info, JCS_YCCK);
+    info.write_Adobe_marker = content.channels == 4 && content.adobeMarker;
+    jpeg_set_quality(&info, 100, TRUE);
+    for (int i = 0; i < info.num_components; ++i) {
+        info.comp_info[i].h_samp_factor = 1;
+        info.comp_info[i].v_samp_factor = 1;
+    }
+    info.density_unit = static_cast<UINT8>(content.densityUnit);
+    info.X_density = info.Y_density = static_cast<UINT16>(content.density);
+    if (content.progressive)
+        jpeg_simple_progression(&info);
+}
+
+}  // namespace
+
+QByteArray Jpeg(const JpegContent& content) {
+    jpeg_compress_struct info = {};
+    jpeg_error_mgr errors = {};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &data, &size);
+    SetUp(info, content);
+    jpeg_start_compress(&info, TRUE);
+    WriteMarkers(info, content);
+    QByteArray row(qsizetype{content.channels} * content.size.width(), '\0');
+    auto* samples = reinterpret_cast<JSAMPLE*>(row.data());
+    for (int y = 0; y < content.size.height(); ++y) {
+        for (int x = 0; x < content.size.width(); ++x)
+            content.pixel(x, y, samples + x * content.channels);
+        jpeg_write_scanlines(&info, &samples, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    std::free(data);
+    return bytes;
+}
+
+TiffEntry Short(quint16 tag, quint16 value) {
+    return {tag, 3, LittleEndian(value)};
+}
+
+TiffEntry Rational(quint16 tag, quint32 numerator, quint32 denominator) {
+    return {tag, 5, LittleEndian(numerator) + LittleEndian(denominator)};
+}
+
+QByteArray Tiff(QList<TiffEntry> entries, const QByteArray& pixels) {
+    constexpr quint16 StripOffsets = 0x111;
+    constexpr quint16 StripByteCounts = 0x117;
+    constexpr quint32 PixelsOffset = 8;
+    if (!pixels.isEmpty()) {
+        entries << TiffEntry{StripOffsets, 4, LittleEndian(PixelsOffset)}
+                << TiffEntry{StripByteCounts, 4, LittleEndian(quint32(pixels.size()))};
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const TiffEntry& a, const TiffEntry& b) { return a.tag < b.tag; });
+    const quint32 directory = PixelsOffset + quint32(pixels.size() + pixels.size() % 2);
+    QByteArray file = QByteArray("II*\0", 4) + LittleEndian(directory) + pixels +
+                      QByteArray(pixels.size() % 2, '\0') + LittleEndian(quint16(entries.size()));
+    quint32 valueOffset = directory + 2 + 12 * quint32(entries.size()) + 4;
+    QByteArray values;
+    for (const TiffEntry& entry : entries) {
+        const int unit = entry.type == 3 ? 2 : entry.type == 4 ? 4 : entry.type == 5 ? 8 : 1;
+        file += LittleEndian(entry.tag) + LittleEndian(entry.type) +
+                LittleEndian(quint32(entry.value.size() / unit));
+        if (entry.value.size() <= 4) {
+            file += entry.value.leftJustified(4, '\0');
+        } else {
+            file += LittleEndian(valueOffset + quint32(values.size()));
+            values += entry.value + QByteArray(entry.value.size() % 2, '\0');
+        }
+    }
+    return file + QByteArray(4, '\0') + values;
+}
+
+QByteArray WithChunk(const QByteArray& png, const char* type, const QByteArray& content) {
+    constexpr qsizetype BehindHeader = 33;
+    const QByteArray typed = type + content;
+    const auto checksum =
+        crc32(0, reinterpret_cast<const Bytef*>(typed.data()), static_cast<uInt>(typed.size()));
+    QByteArray changed = png;
+    return changed.insert(
+        BehindHeader, BigEndian(quint32(content.size())) + typed + BigEndian(quint32(checksum)));
+}
+
+QByteArray WithProfile(const QByteArray& png, const QByteArray& profile) {
+    constexpr qsizetype LengthOfQt = 4;  // before the stream of zlib
+    return WithChunk(png, "iCCP", QByteArray("probe\0\0", 7) + qCompress(profile).mid(LengthOfQt));
+}
+
+namespace {
+
+QByteArray Saved(cmsHPROFILE profile) {
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    QByteArray bytes(static_cast<qsizetype>(size), '\0');
+    EXPECT_TRUE(cmsSaveProfileToMem(profile, bytes.data(), &size));
+    cmsCloseProfile(profile);
+    return bytes;
+}
+
+struct TableSource {
+    int channels;
+    LabOfInks toLab;
+};
+
+cmsInt32Number SampleLab(const cmsUInt16Number in[], cmsUInt16Number out[], void* cargo) {
+    const auto& [channels, toLab] = *static_cast<const TableSource*>(cargo);
+    std::array<double, 4> inks = {};
+    std::transform(in, in + channels, inks.begin(), [](auto ink) { return ink / 65535.0; });
+    cmsCIELab lab = toLab(inks);
+    cmsFloat2LabEncoded(out, &lab);
+    return TRUE;
+}
+
+}  // namespace
+
+QByteArray RgbProfile(double redX, double redY, double greenX, double greenY, double blueX,
+                      double blueY, double gamma) {
+    const cmsCIExyY white = {0.3127, 0.3290, 1};
+    const cmsCIExyYTRIPLE primaries = {{redX, redY, 1}, {greenX, greenY, 1}, {blueX, blueY, 1}};
+    // Without a gamma: the curve of sRGB.
+    cmsFloat64Number srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    cmsToneCurve* curve =
+        gamma > 0 ? cmsBuildGamma(nullptr, gamma) : cmsBuildParametricToneCurve(nullptr, 4, srgb);
+    cmsToneCurve* curves[] = {curve, curve, curve};
+    const QByteArray bytes = Saved(cmsCreateRGBProfile(&white, &primaries, curves));
+    cmsFreeToneCurve(curve);
+    return bytes;
+}
+
+QByteArray TableProfile(int channels, const LabOfInks& toLab) {
+    constexpr cmsUInt32Number GridPoints = 5;
+    const auto inputs = static_cast<cmsUInt32Number>(channels);
+    TableSource source{channels, toLab};
+    cmsStage* table = cmsStageAllocCLut16bit(nullptr, GridPoints, inputs, 3, nullptr);
+    cmsStageSampleCLut16bit(table, SampleLab, &source, 0);
+    // A profile takes a table between curves alone.
+    cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, inputs, 3);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, inputs, nullptr));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, table);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
+    cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
+    cmsSetProfileVersion(profile, 4.2);
+    cmsSetDeviceClass(profile, cmsSigOutputClass);
+    cmsSetColorSpace(profile, channels == 4 ? cmsSigCmykData : cmsSigRgbData);
+    cmsSetPCS(profile, cmsSigLabData);
+    EXPECT_TRUE(cmsWriteTag(profile, cmsSigAToB0Tag, pipeline));
+    cmsPipelineFree(pipeline);
+    return Saved(profile);
+}
+
+}  // namespace kadrona::imaging::test

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <lcms2.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageWriter>
+#include <QtEndian>
+#include <array>
+#include <functional>
+
+#include "imaging/ImageReader.h"
+
+namespace kadrona::imaging::test {
+
+template <typename Number>
+QByteArray LittleEndian(Number number) {
+    QByteArray bytes(sizeof number, '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes;
+}
+
+template <typename Number>
+QByteArray BigEndian(Number number) {
+    QByteArray bytes(sizeof number, '\0');
+    qToBigEndian(number, bytes.data());
+    return bytes;
+}
+
+/// The numbers one after the other, each as `Number`.
+template <typename Number, typename... Numbers>
+QByteArray Packed(Numbers... numbers) {
+    return (QByteArray() + ... + LittleEndian(static_cast<Number>(numbers)));
+}
+
+/// Reads a file's bytes as a file named "probe".
+LoadedImage Read(QByteArray bytes, const ReadOptions& options = {});
+
+/// The text of the ReadError that reading ends with; empty where it succeeds.
+QString Failure(const QByteArray& bytes, const ReadOptions& options = {});
+
+QString Complaint(const char* reason);
+
+/// "#rrggbb" of a pixel.
+std::string Colour(const LoadedImage& loaded, int x, int y);
+
+/// Expects each channel within `tolerance`.
+void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, int tolerance);
+
+/// What Qt's plug-in writes.
+QByteArray Written(const QImage& image, const char* format);
+
+/// `image` with the colour at every pixel of `width` by `height`.
+QImage Plain(int width, int height, QColor colour);
+
+struct JpegContent {
+    QSize size{16, 16};
+    /// 1: grey, 3: RGB, 4: inks as stored.
+    int channels = 3;
+    std::function<void(int x, int y, uchar* pixel)> pixel = [](int, int, uchar*) {};
+    bool ycck = false;
+    bool progressive = false;
+    bool adobeMarker = true;
+    QByteArray exif;
+    QByteArray profile;
+    int densityUnit = 0;
+    int density = 1;
+};
+/// A JPEG of quality 100 without chroma subsampling.
+QByteArray Jpeg(const JpegContent& content);
+
+struct TiffEntry {
+    quint16 tag;
+    quint16 type;
+    QByteArray value;
+};
+/// A TIFF with one directory; `pixels` is its only strip. Also an EXIF block where it is empty.
+QByteArray Tiff(QList<TiffEntry> entries, const QByteArray& pixels = {});
+TiffEntry Short(quint16 tag, quint16 value);
+TiffEntry Rational(quint16 tag, quint32 numerator, quint32 denominator = 1);
+
+/// A PNG with a chunk put in behind its header.
+QByteArray WithChunk(const QByteArray& png, const char* type, const QByteArray& content);
+QByteArray WithProfile(const QByteArray& png, const QByteArray& profile);
+
+/// A profile of primaries, white D65 and a gamma; 0 is the curve of sRGB.
+QByteArray RgbProfile(double redX, double redY, double greenX, double greenY, double blueX,
+                      double blueY, double gamma);
+using LabOfInks = std::function<cmsCIELab(const std::array<double, 4>& inks)>;
+/// A profile of nothing but a table, of 3 (RGB) or 4 (CMYK) channels, each 0 ... 1.
+QByteArray TableProfile(int channels, const LabOfInks& toLab);
+
+}  // namespace kadrona::imaging::test

@@ -1,0 +1,162 @@
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "ReaderFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging::test {
+
+namespace {
+
+constexpr QColor Mark(200, 100, 50);
+
+int ResolutionOf(const QByteArray& bytes) {
+    return Read(bytes).resolution.value;
+}
+
+QByteArray SmallTiff(QList<TiffEntry> more) {
+    more << Short(0x100, 1) << Short(0x101, 1) << Short(0x102, 8) << Short(0x103, 1)
+         << Short(0x106, 1) << Short(0x116, 1);
+    return Tiff(more, QByteArray(1, '\x80'));
+}
+
+QByteArray ExifResolution(quint32 resolution, quint16 unit) {
+    return Tiff({Rational(0x11a, resolution), Rational(0x11b, resolution), Short(0x128, unit)});
+}
+
+}  // namespace
+
+TEST(ReaderFormat, EveryFormatGivesThePixelsThatWereWritten) {
+    QImage image = Plain(5, 4, Mark);
+    image.setPixelColor(4, 0, Qt::blue);
+    image.setPixelColor(0, 3, Qt::green);
+    for (const char* format : {"png", "tiff", "bmp", "ico", "webp", "ppm"}) {
+        SCOPED_TRACE(format);
+        const LoadedImage loaded = Read(Written(image, format));
+        EXPECT_EQ(loaded.pixels.Size(), QSize(5, 4));
+        EXPECT_EQ(loaded.pixels.Tile().format(), QImage::Format_RGB32);
+        EXPECT_EQ(Colour(loaded, 2, 2), Mark.name().toStdString());
+        EXPECT_EQ(Colour(loaded, 4, 0), "#0000ff");
+        EXPECT_EQ(Colour(loaded, 0, 3), "#00ff00");
+    }
+    const QImage indexed = image.convertToFormat(QImage::Format_Indexed8);
+    for (const char* format : {"png", "tiff", "bmp"})
+        EXPECT_EQ(Colour(Read(Written(indexed, format)), 4, 0), "#0000ff") << format;
+}
+
+TEST(ReaderFormat, SixteenBitsAreRoundedToTheNearest) {
+    // 8 bits hold multiples of 257; half of that is between two.
+    const std::pair<quint16, int> samples[] = {
+        {0, 0},   {128, 0},           {129, 1},           {385, 1},
+        {386, 2}, {65535 - 129, 254}, {65535 - 128, 255}, {65535, 255}};
+    for (const auto& [stored, expected] : samples) {
+        SCOPED_TRACE(stored);
+        QImage image(1, 1, QImage::Format_RGBX64);
+        image.setPixelColor(0, 0, QColor::fromRgba64(stored, 65535, stored));
+        const QColor colour(expected, 255, expected);
+        EXPECT_EQ(Colour(Read(Written(image, "png")), 0, 0), colour.name().toStdString());
+        EXPECT_EQ(Colour(Read(Written(image, "tiff")), 0, 0), colour.name().toStdString());
+        QImage grey(1, 1, QImage::Format_Grayscale16);
+        *reinterpret_cast<quint16*>(grey.bits()) = stored;
+        EXPECT_EQ(Colour(Read(Written(grey, "png")), 0, 0),
+                  QColor(expected, expected, expected).name().toStdString());
+    }
+}
+
+TEST(ReaderFormat, ResolutionIsWhatTheFileSays) {
+    const QByteArray png = Written(Plain(1, 1, Mark), "png");
+    const QByteArray plainPng = png.first(33) + png.mid(png.indexOf("IDAT") - 4);
+    EXPECT_EQ(ResolutionOf(plainPng), 0);
+    const auto density = [&](quint32 dots, char unit) {
+        return WithChunk(plainPng, "pHYs", BigEndian(dots) + BigEndian(dots) + QByteArray(1, unit));
+    };
+    EXPECT_EQ(ResolutionOf(density(11811, 1)), 300);
+    EXPECT_EQ(ResolutionOf(density(3780, 1)), 96);
+    EXPECT_EQ(ResolutionOf(density(0, 1)), 0);
+    EXPECT_EQ(ResolutionOf(density(0xffffffff, 1)), 0);
+    EXPECT_EQ(ResolutionOf(density(4, 0)), 0);  // an aspect ratio
+    EXPECT_EQ(ResolutionOf(WithChunk(plainPng, "eXIf", ExifResolution(240, 2))), 240);
+
+    EXPECT_EQ(ResolutionOf(SmallTiff({})), 0);
+    EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 600), Short(0x128, 2)})), 600);
+    EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 2362, 20), Short(0x128, 3)})), 300);
+    EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 300), Short(0x128, 1)})), 0);
+    EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 300, 0), Short(0x128, 2)})), 0);
+
+    QImage image = Plain(1, 1, Mark);
+    image.setDotsPerMeterX(23622);
+    image.setDotsPerMeterY(23622);
+    EXPECT_EQ(ResolutionOf(Written(image, "bmp")), 600);
+}
+
+TEST(ReaderFormat, ResolutionOfJpegIsThatOfJfifElseOfExif) {
+    const auto resolution = [](int unit, int density, const QByteArray& exif) {
+        JpegContent content;
+        content.densityUnit = unit;
+        content.density = density;
+        content.exif = exif;
+        return ResolutionOf(Jpeg(content));
+    };
+    EXPECT_EQ(resolution(0, 1, {}), 0);
+    EXPECT_EQ(resolution(1, 300, {}), 300);
+    EXPECT_EQ(resolution(2, 118, {}), 300);
+    EXPECT_EQ(resolution(0, 1, ExifResolution(240, 2)), 240);
+    EXPECT_EQ(resolution(1, 300, ExifResolution(72, 2)), 300);
+    EXPECT_EQ(resolution(1, 0, ExifResolution(72, 2)), 72);
+}
+
+TEST(ReaderFormat, TheLargestImageOfAnIconFile) {
+    // A directory of two: 2 by 2 red before 4 by 4 blue.
+    const QByteArray small = Written(Plain(2, 2, Qt::red), "ico");
+    const QByteArray large = Written(Plain(4, 4, Qt::blue), "ico");
+    constexpr qsizetype HeaderSize = 6;
+    constexpr qsizetype EntrySize = 16;
+    const auto entry = [](const QByteArray& icon, quint32 offset) {
+        return icon.mid(HeaderSize, EntrySize - 4) + LittleEndian(offset);
+    };
+    const QByteArray smallData = small.mid(HeaderSize + EntrySize);
+    const QByteArray largeData = large.mid(HeaderSize + EntrySize);
+    const quint32 dataStart = HeaderSize + 2 * EntrySize;
+    const QByteArray both = Packed<quint16>(0, 1, 2) + entry(small, dataStart) +
+                            entry(large, dataStart + quint32(smallData.size())) + smallData +
+                            largeData;
+    const LoadedImage loaded = Read(both);
+    EXPECT_EQ(loaded.pixels.Size(), QSize(4, 4));
+    EXPECT_EQ(Colour(loaded, 1, 1), "#0000ff");
+}
+
+TEST(ReaderFormat, TheFirstFrameOfAnAnimation) {
+    // Two frames of 1 by 1: colour 1 of the table, then colour 0.
+    const QByteArray frame("\x2c\0\0\0\0\1\0\1\0\0\2\2", 12);
+    const QByteArray gif = "GIF89a" + QByteArray("\1\0\1\0\x80\0\0", 7) +
+                           QByteArray("\0\0\xff\xff\0\0", 6) + frame + QByteArray("\x4c\1\0", 3) +
+                           frame + QByteArray("\x44\1\0;", 4);
+    EXPECT_EQ(Colour(Read(gif), 0, 0), "#ff0000");
+}
+
+TEST(ReaderFormat, TheContentDecidesNotTheName) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"foto.jpg"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(Written(Plain(3, 2, Mark), "png"));
+    file.close();
+    EXPECT_EQ(ReadImageFile(path).pixels.Size(), QSize(3, 2));
+}
+
+TEST(ReaderFormat, ExtremeProportions) {
+    JpegContent content;
+    content.size = {30000, 2};
+    content.pixel = [](int x, int, uchar* pixel) { std::fill_n(pixel, 3, x < 15000 ? 0 : 255); };
+    content.exif = Tiff({Short(0x112, 6)});
+    const LoadedImage strip = Read(Jpeg(content));
+    EXPECT_EQ(strip.pixels.Size(), QSize(2, 30000));
+    ExpectColour(strip, {0, 14000}, Qt::black, 2);
+    ExpectColour(strip, {1, 16000}, Qt::white, 2);
+    content.size = {1, 1};
+    content.progressive = true;
+    EXPECT_EQ(Read(Jpeg(content)).pixels.Size(), QSize(1, 1));
+}
+
+}  // namespace kadrona::imaging::test

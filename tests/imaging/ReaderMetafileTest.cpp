@@ -1,0 +1,210 @@
+#include "ReaderFixture.h"
+
+namespace kadrona::imaging::test {
+
+namespace {
+
+// A picture of 64 by 48 pixels on a screen of 100 dots per inch.
+constexpr int Width = 64;
+constexpr int Height = 48;
+
+QByteArray Padded(QByteArray bytes, qsizetype unit) {
+    while (bytes.size() % unit != 0)
+        bytes += '\0';
+    return bytes;
+}
+
+QByteArray EmfRecord(quint32 type, const QByteArray& content = {}) {
+    const QByteArray padded = Padded(content, 4);
+    return Packed<quint32>(type, padded.size() + 8) + padded;
+}
+
+QByteArray Emf(const QByteArray& records) {
+    constexpr int HeaderSize = 88;
+    const QByteArray body = records + EmfRecord(14, Packed<quint32>(0, 16, 20));
+    const QByteArray header = Packed<qint32>(0, 0, Width - 1, Height - 1) +
+                              Packed<qint32>(0, 0, Width * 2540 / 100, Height * 2540 / 100) +
+                              " EMF" + Packed<quint32>(0x10000, HeaderSize + body.size(), 3) +
+                              Packed<quint16>(8, 0) + Packed<quint32>(0, 0, 0) +
+                              Packed<qint32>(1000, 1000, 254, 254);
+    return Packed<quint32>(1, HeaderSize) + header + body;
+}
+
+QByteArray Bounds() {
+    return Packed<qint32>(0, 0, Width - 1, Height - 1);
+}
+
+/// Bottom up, 24 bits: red over blue.
+QByteArray TwoColourInformation() {
+    return Packed<qint32>(40, 1, 2) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
+}
+QByteArray TwoColourBits() {
+    return QByteArray("\xff\0\0\0\0\0\xff\0", 8);
+}
+
+QByteArray StretchDibits(QRect target, const QByteArray& bits) {
+    constexpr qint32 InformationOffset = 80;
+    const QByteArray information = TwoColourInformation();
+    return EmfRecord(81, Bounds() + Packed<qint32>(target.x(), target.y(), 0, 0, 1, 2) +
+                             Packed<quint32>(InformationOffset, information.size(),
+                                             InformationOffset + information.size(), bits.size(), 0,
+                                             0x00cc0020) +
+                             Packed<qint32>(target.width(), target.height()) + information + bits);
+}
+
+/// A brush of 0x00bbggrr, selected as object `handle`.
+QByteArray EmfBrush(quint32 handle, quint32 colour) {
+    constexpr quint32 NullPen = 0x80000008;
+    return EmfRecord(39, Packed<quint32>(handle, 0, colour, 0)) +
+           EmfRecord(37, Packed<quint32>(handle)) + EmfRecord(37, Packed<quint32>(NullPen));
+}
+
+QByteArray EmfRectangle(int left, int top, int right, int bottom) {
+    return EmfRecord(43, Packed<qint32>(left, top, right, bottom));
+}
+
+QByteArray WmfRecord(quint16 function, const QByteArray& parameters = {}) {
+    const QByteArray padded = Padded(parameters, 2);
+    return Packed<quint32>(3 + padded.size() / 2) + Packed<quint16>(function) + padded;
+}
+
+/// 640 by 480 units at 960 to the inch: 64 by 48 pixels at 96 dots per inch.
+QByteArray Wmf(const QByteArray& records, bool placeable = true) {
+    const QByteArray body = records + WmfRecord(0);
+    QByteArray file;
+    if (placeable)
+        file = Packed<quint32>(0x9ac6cdd7) + Packed<qint16>(0, 0, 0, 640, 480, 960, 0, 0, 0);
+    return file + Packed<quint16>(1, 9, 0x300) + Packed<quint32>(9 + body.size() / 2) +
+           Packed<quint16>(4) + Packed<quint32>(100) + Packed<quint16>(0) + body;
+}
+
+QByteArray WmfWindow() {
+    return WmfRecord(0x020b, Packed<qint16>(0, 0)) + WmfRecord(0x020c, Packed<qint16>(480, 640));
+}
+
+QByteArray WmfBrushAndNoPen(quint32 colour) {
+    return WmfRecord(0x02fc, Packed<quint16>(0) + Packed<quint32>(colour) + Packed<quint16>(0)) +
+           WmfRecord(0x02fa, Packed<quint16>(5, 0, 0) + Packed<quint32>(0)) +
+           WmfRecord(0x012d, Packed<quint16>(0)) + WmfRecord(0x012d, Packed<quint16>(1));
+}
+
+}  // namespace
+
+TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatItDoesNotKnow) {
+    const LoadedImage loaded =
+        Read(Emf(EmfRecord(9999, "unknown") + StretchDibits({8, 8, 16, 32}, TwoColourBits())));
+    EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height));
+    EXPECT_EQ(loaded.resolution.value, 100);
+    EXPECT_EQ(Colour(loaded, 4, 4), "#ffffff");
+    EXPECT_EQ(Colour(loaded, 12, 10), "#ff0000");
+    EXPECT_EQ(Colour(loaded, 12, 38), "#0000ff");
+    EXPECT_EQ(Colour(loaded, 40, 20), "#ffffff");
+    // A negative height mirrors.
+    const LoadedImage mirrored = Read(Emf(StretchDibits({8, 40, 16, -32}, TwoColourBits())));
+    EXPECT_EQ(Colour(mirrored, 12, 10), "#0000ff");
+    EXPECT_EQ(Colour(mirrored, 12, 38), "#ff0000");
+}
+
+TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
+    constexpr qint32 BitmapSize = 500;
+    constexpr qint32 InformationOffset = 80;
+    const QByteArray information =
+        Packed<qint32>(40, BitmapSize, BitmapSize) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
+    const QByteArray bits(BitmapSize * BitmapSize * 3, '\x40');
+    const auto emf = [&](int width, int height) {
+        return Emf(EmfRecord(81, Bounds() + Packed<qint32>(0, 0, 0, 0, BitmapSize, BitmapSize) +
+                                     Packed<quint32>(InformationOffset, 40, InformationOffset + 40,
+                                                     bits.size(), 0, 0x00cc0020) +
+                                     Packed<qint32>(width, height) + information + bits));
+    };
+    ReadOptions options;
+    options.maximumPixels = 300'000;
+    const LoadedImage loaded = Read(emf(Width, Height), options);
+    EXPECT_NEAR(loaded.pixels.Width() * loaded.pixels.Height(), BitmapSize * BitmapSize, 1000);
+    EXPECT_EQ(loaded.resolution.value, (loaded.pixels.Width() * 100 + Width / 2) / Width);
+    // On a quarter of the picture it would take a million: as many as are allowed.
+    const LoadedImage limited = Read(emf(Width / 2, Height / 2), options);
+    EXPECT_NEAR(limited.pixels.Width() * limited.pixels.Height(), 299'000, 1000);
+    EXPECT_EQ(Colour(limited, 9, 9), "#404040");
+    options.maximumPixels = 200'000;
+    EXPECT_EQ(Failure(emf(Width, Height), options), Complaint("Die Zeichnung ist zu umfangreich."));
+}
+
+TEST(ReaderMetafile, EmfPolygonsOf16And32Bits) {
+    const QByteArray wide =
+        EmfRecord(3, Bounds() + Packed<quint32>(3) + Packed<qint32>(0, 0, 20, 0, 0, 20));
+    const QByteArray narrow =
+        EmfRecord(86, Bounds() + Packed<quint32>(3) + Packed<qint16>(60, 40, 60, 20, 40, 40));
+    const LoadedImage loaded =
+        Read(Emf(EmfBrush(1, 0x000000ff) + wide + EmfBrush(2, 0x0000ff00) + narrow));
+    EXPECT_EQ(Colour(loaded, 3, 3), "#ff0000");
+    EXPECT_EQ(Colour(loaded, 17, 17), "#ffffff");
+    EXPECT_EQ(Colour(loaded, 57, 37), "#00ff00");
+    EXPECT_EQ(Colour(loaded, 43, 23), "#ffffff");
+}
+
+TEST(ReaderMetafile, EmfMappingStateAndClipping) {
+    const QByteArray page =
+        EmfRecord(17, Packed<qint32>(8)) + EmfRecord(9, Packed<qint32>(640, -480)) +
+        EmfRecord(10, Packed<qint32>(0, 480)) + EmfRecord(11, Packed<qint32>(Width, Height));
+    // y upwards, ten units a pixel.
+    const LoadedImage flipped =
+        Read(Emf(page + EmfBrush(1, 0xff) + EmfRectangle(0, 480, 100, 400)));
+    EXPECT_EQ(Colour(flipped, 4, 4), "#ff0000");
+    EXPECT_EQ(Colour(flipped, 12, 4), "#ffffff");
+    EXPECT_EQ(Colour(flipped, 4, 12), "#ffffff");
+
+    // The clipping ends with RestoreDC.
+    const LoadedImage clipped =
+        Read(Emf(EmfBrush(1, 0xff) + EmfRecord(33) + EmfRecord(30, Packed<qint32>(0, 0, 10, 10)) +
+                 EmfRectangle(0, 0, 20, 20) + EmfRecord(34, Packed<qint32>(-1)) +
+                 EmfRectangle(30, 30, 40, 40)));
+    EXPECT_EQ(Colour(clipped, 5, 5), "#ff0000");
+    EXPECT_EQ(Colour(clipped, 15, 15), "#ffffff");
+    EXPECT_EQ(Colour(clipped, 35, 35), "#ff0000");
+}
+
+TEST(ReaderMetafile, WmfPolygonAndBitmap) {
+    const QByteArray polygon = WmfRecord(0x0324, Packed<qint16>(3, 0, 0, 200, 0, 0, 200));
+    const QByteArray bitmap = WmfRecord(
+        0x0f43, Packed<quint32>(0x00cc0020) + Packed<qint16>(0, 2, 1, 0, 0, 200, 100, 100, 400) +
+                    TwoColourInformation() + TwoColourBits());
+    for (const bool placeable : {true, false}) {
+        const LoadedImage loaded =
+            Read(Wmf(WmfWindow() + WmfBrushAndNoPen(0x00ff00) + polygon + bitmap, placeable));
+        const int scale = loaded.pixels.Width() / Width;
+        EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height) * (placeable ? 1 : 16));
+        EXPECT_EQ(loaded.resolution.value, placeable ? 96 : 0);
+        EXPECT_EQ(Colour(loaded, 3 * scale, 3 * scale), "#00ff00");
+        EXPECT_EQ(Colour(loaded, 30 * scale, 3 * scale), "#ffffff");
+        EXPECT_EQ(Colour(loaded, 45 * scale, 12 * scale), "#ff0000");
+        EXPECT_EQ(Colour(loaded, 45 * scale, 28 * scale), "#0000ff");
+    }
+}
+
+TEST(ReaderMetafile, DamagedFilesAreRefused) {
+    const QByteArray emf = Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits()));
+    for (qsizetype size = 44; size < emf.size() - 12; size += 4)
+        EXPECT_NE(Failure(emf.first(size)), QString()) << size;
+    const QByteArray wmf = Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)));
+    for (qsizetype size = 18; size < wmf.size() - 2; size += 2)
+        EXPECT_NE(Failure(wmf.first(size)), QString()) << size;
+
+    const QString damaged = Complaint("Die Datei ist beschädigt.");
+    EXPECT_EQ(Failure(Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits().first(4)))), damaged);
+    EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 4))), damaged);
+    EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 0xfffffffc))),
+              Complaint("Die Datei ist unvollständig."));
+    EXPECT_EQ(Failure(Emf(EmfRecord(3, Bounds() + Packed<quint32>(0xffffffff)))), damaged);
+    EXPECT_EQ(Failure(Emf({})), Complaint("Die Datei enthält nichts, was sich darstellen lässt."));
+}
+
+TEST(ReaderMetafile, EndlessWorkIsRefused) {
+    QByteArray records = EmfBrush(1, 0xff);
+    const QByteArray fill = EmfRectangle(0, 0, Width, Height);
+    for (int i = 0; i < 200'000; ++i)
+        records += fill;
+    EXPECT_EQ(Failure(Emf(records)), Complaint("Die Zeichnung ist zu umfangreich."));
+}
+
+}  // namespace kadrona::imaging::test
