@@ -1,8 +1,10 @@
 #include "app/Application.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QTextStream>
 #include <QTimer>
+#include <QTranslator>
 
 #include "app/MainWindow.h"
 #include "app/SheetCommand.h"
@@ -62,6 +64,11 @@ QStringList ArgumentsOf(int argc, char** argv) {
 
 int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication application(argc, argv);
+    QTranslator toolkitTexts;
+    if (toolkitTexts.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&toolkitTexts);
+    }
+    QLocale::setDefault(QLocale(QLocale::German));
     controls::ApplyTheme(application);
     QApplication::setApplicationName(core::ApplicationTitle.toString());
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
