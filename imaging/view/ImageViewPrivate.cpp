@@ -25,14 +25,6 @@ QRect ToLogicalPixels(const QRect& device, double scale) {
     return ToDevicePixels(device, 1 / scale);
 }
 
-// Makes one unit of the painter one device pixel, and lets whole units begin on whole device
-// pixels: with a broken scale of the screen a widget itself may begin in the midst of one.
-void UseDevicePixels(QPainter& painter, double scale) {
-    painter.scale(1 / scale, 1 / scale);
-    const QPointF origin = painter.deviceTransform().map(QPointF(0, 0));
-    painter.translate(origin.toPoint() - origin);
-}
-
 }  // namespace
 
 ImageView::Private::Private(ImageView& view) : view_(view), cursor_(view) {
@@ -148,7 +140,8 @@ void ImageView::Private::Paint(const QRect& dirty) {
     }
     isFitUnseen_ = false;
     painter.save();
-    UseDevicePixels(painter, DeviceScale());
+    // One unit of the painter is one device pixel.
+    painter.scale(1 / DeviceScale(), 1 / DeviceScale());
     PaintImage(painter, ToDevicePixels(dirty, DeviceScale()));
     painter.restore();
     if (showsFocus_ && view_.hasFocus()) {

@@ -98,7 +98,7 @@ QRect Pyramid::BlockRectangle(size_t block, int level) const {
 
 int Pyramid::NearestFinerLevel(int level, size_t block) const {
     --level;
-    while (!levels_[static_cast<size_t>(level)].isBuilt[block]) {
+    while (level > 0 && !levels_[static_cast<size_t>(level)].isBuilt[block]) {
         --level;
     }
     return level;
