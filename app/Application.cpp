@@ -5,6 +5,7 @@
 #include <QTextStream>
 #include <QTimer>
 #include <QTranslator>
+#include <QWindow>
 
 #include "app/MainWindow.h"
 #include "app/SheetCommand.h"
@@ -62,6 +63,17 @@ QStringList ArgumentsOf(int argc, char** argv) {
     return arguments;
 }
 
+/// Dialogs over the photo can only be placed well over a window that is on the screen.
+void OpenOnceExposed(TmainFm& window, const QString& photo) {
+    constexpr int LookAgainMilliseconds = 10;
+    if (window.windowHandle()->isExposed()) {
+        window.OpenDroppedFiles({photo});
+    } else {
+        QTimer::singleShot(LookAgainMilliseconds, &window,
+                           [&window, photo] { OpenOnceExposed(window, photo); });
+    }
+}
+
 int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication application(argc, argv);
     QTranslator toolkitTexts;
@@ -78,7 +90,7 @@ int RunWindow(int argc, char** argv, const QString& photo) {
         window.CreateReusedWindows();
         window.show();
         if (!photo.isEmpty()) {
-            QTimer::singleShot(0, &window, [&] { window.OpenDroppedFiles({photo}); });
+            OpenOnceExposed(window, photo);
         }
         result = QApplication::exec();
     });

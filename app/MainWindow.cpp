@@ -81,7 +81,6 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
     sheetCreated_ = false;
     imageLoaded_ = false;
     pictureCount_->setCurrentIndex(settings_->ImageCount());
-    savedViewCursor_ = view_->cursor();
 }
 
 void TmainFm::CreateReusedWindows() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCursor>
 #include <QMainWindow>
 #include <memory>
 
@@ -111,7 +110,6 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     int dbCount_ = 0;
     bool imageLoaded_ = false;
     bool sheetCreated_ = false;
-    QCursor savedViewCursor_;
 
     MainActions actions_;
     std::unique_ptr<core::TData> data_;

@@ -126,10 +126,9 @@ bool TmainFm::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
+/// The view shows the hand while it only pans, and its own cursors again afterwards.
 void TmainFm::ViewKeyDown() {
     if (view_->CurrentInteraction().testFlag(ImageView::Interaction::Zoom)) {
-        savedViewCursor_ = view_->cursor();
-        view_->setCursor(Qt::OpenHandCursor);
         view_->SetInteraction(ImageView::Interaction::Pan);
     }
 }
@@ -137,7 +136,6 @@ void TmainFm::ViewKeyDown() {
 void TmainFm::ViewKeyUp() {
     if (view_->CurrentInteraction().testFlag(ImageView::Interaction::Pan)) {
         view_->SetInteraction({ImageView::Interaction::Zoom, ImageView::Interaction::Pan});
-        view_->setCursor(savedViewCursor_);
     }
 }
 

@@ -156,10 +156,14 @@ QWidget* TEinstellungenFm::BuildGeneralPage() {
                            {Captioned(u"Format"_s, fileTypCombo_), 1}}));
     layout->addWidget(scaleImageCk_);
     layout->addSpacing(GroupSpacing);
-    layout->addLayout(Row({{Captioned(u"Standard Schablone"_s, schabloneBox_), 3},
-                           {Captioned(u"Standard Bildanzahl"_s, imageCount_), 1}}));
-    layout->addLayout(Row({{Captioned(u"Standard Druckprofil"_s, printProfileBox_), 3},
-                           {Captioned(u"Bildabstand Pixel"_s, frameSize_), 1}}));
+    auto* defaults = new QGridLayout;
+    defaults->setHorizontalSpacing(12);
+    defaults->setColumnStretch(0, 1);
+    defaults->addLayout(Captioned(u"Standard Schablone"_s, schabloneBox_), 0, 0);
+    defaults->addLayout(Captioned(u"Standard Bildanzahl"_s, imageCount_), 0, 1);
+    defaults->addLayout(Captioned(u"Standard Druckprofil"_s, printProfileBox_), 1, 0);
+    defaults->addLayout(Captioned(u"Bildabstand Pixel"_s, frameSize_), 1, 1);
+    layout->addLayout(defaults);
     layout->addWidget(printAfterCrop_);
     layout->addWidget(rotateBeforeTileImg_);
     layout->addStretch();

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
 #include <QTimer>
@@ -10,6 +11,7 @@
 
 #include "controls/ActionGuard.h"
 #include "controls/Icons.h"
+#include "controls/Theme.h"
 #include "core/Settings.h"
 
 using namespace Qt::StringLiterals;
@@ -93,8 +95,19 @@ int TSchabloneFm::SelectedTemplate() const {
 void TSchabloneFm::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
+        if (const QWidget* owner = parentWidget()) {
+            move(owner->frameGeometry().center() - rect().center());
+        }
         FormShow();
     }
+}
+
+/// A window without a frame of the system's needs a line around it.
+void TSchabloneFm::paintEvent(QPaintEvent* event) {
+    QDialog::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(controls::Colors().strongBorder);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void TSchabloneFm::FormShow() {

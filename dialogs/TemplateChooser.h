@@ -37,6 +37,7 @@ class TSchabloneFm : public QDialog {
 
  protected:
     void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void done(int result) override;
 
  private:
