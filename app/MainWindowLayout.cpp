@@ -112,8 +112,7 @@ void TmainFm::BuildViewPanel() {
     connect(view_, &imaging::view::ImageView::LayerChangedByUser, this, &TmainFm::ViewLayerNotify);
     connect(view_, &imaging::view::ImageView::MousePressed, this, &TmainFm::ViewMouseDown);
     auto* drop = new controls::FileDropTarget(viewPanel_);
-    connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles,
-            Qt::QueuedConnection);
+    connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
 }
 
 void TmainFm::BuildStatusBar() {

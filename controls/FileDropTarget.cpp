@@ -54,7 +54,8 @@ void AnswerDrag(QDropEvent& event) {
         const Qt::DropActions possible = event.possibleActions();
         event.setDropAction(possible.testFlag(Qt::CopyAction)   ? Qt::CopyAction
                             : possible.testFlag(Qt::LinkAction) ? Qt::LinkAction
-                                                                : Qt::MoveAction);
+                                                                : Qt::IgnoreAction);
+        // Accepted all the same. An X11 source goes by this answer and not by that to the drop.
         event.accept();
         return;
     }

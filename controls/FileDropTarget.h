@@ -37,7 +37,7 @@ class FileDropTarget : public QObject {
 QStringList DroppedFiles(const QMimeData& data);
 
 /// Answers a drag that moves over a place where it may be dropped: copy where possible, else link.
-/// A drag that can only move is let on too, because AnswerDrop keeps the file from being deleted.
+/// A drag that can only move is let on too, but answered with "nothing" instead of "move".
 void AnswerDrag(QDropEvent& event);
 
 /// Answers a drop: a copy or link as it is, but a move with "nothing was done", so that the source

@@ -96,7 +96,7 @@ class TiffDirectory {
     QIODevice& device_;
     ByteOrder order_ = ByteOrder::LittleEndian;
     int orientation_ = 1;
-    int unit_ = 2;  // the default of the TIFF specification
+    int unit_ = 2;  // the default of TIFF 6.0
     double resolution_ = 0;
 };
 
