@@ -118,6 +118,10 @@ MainActions::MainActions(QObject* parent) : QObject(parent) {
         action->setCheckable(definition.checkable);
         actions_.insert(action->objectName(), action);
     }
+    QAction* showLayer = (*this)[u"acShowLayer"_s];
+    connect(showLayer, &QAction::toggled, showLayer, [showLayer](bool hidden) {
+        showLayer->setIcon(controls::Icon(hidden ? u"template-hidden"_s : u"template-shown"_s));
+    });
 }
 
 QAction* MainActions::operator[](const QString& name) const {

@@ -64,7 +64,9 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
     data_ = std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders);
     settings_ = new dialogs::TEinstellungenFm(*data_, this);
     data_->SetSettings(settings_);
-    data_->SetInitHandler([this](core::TData&) { settings_->InitPropertys(); });
+    // A setting that makes no sense must not keep the database closed.
+    data_->SetInitHandler(
+        [this](core::TData&) { controls::Guarded(this, [this] { settings_->InitPropertys(); }); });
     settings_->SetImageCountHandler([this](int index) { pictureCount_->setCurrentIndex(index); });
     controls::Guarded(this, [this] { data_->InitSystem(); });
 
@@ -167,6 +169,7 @@ void TmainFm::ShowMessage(const QString& text) {
 }
 
 std::optional<QStringList> TmainFm::EditTags() {
+    ReportUnavailable(u"acSearchArchiv"_s);
     return std::nullopt;
 }
 

@@ -42,6 +42,7 @@ void TmainFm::BuildCommandArea() {
                      u"Porträt öffnen, Schablone auf das Gesicht legen, Passbilder erstellen."_s);
 
     QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
+    file->setToolTipsVisible(true);
     for (const QString& name : {u"acOpen"_s, u"acSearchArchiv"_s, u"acSave"_s, u"acPrinSetup"_s,
                                 u"acPrinterProfilDlg"_s, u"acShowConfig"_s}) {
         file->addAction(actions_[name]);

@@ -62,6 +62,7 @@ void TmainFm::LoadImageFile(const QString& fileName) {
     data_->SetAdjusted(false);
     sheetCreated_ = false;
     imageLoaded_ = true;
+    actions_.SetChecked(u"acShowLayer"_s, false);
     UpdateActions();
     if (!read) {
         return;
@@ -70,7 +71,6 @@ void TmainFm::LoadImageFile(const QString& fileName) {
         const controls::WaitCursor wait;
         core::BalancePhoto(*settings_, view_->Image());
     });
-    actions_.SetChecked(u"acShowLayer"_s, false);
     ChooseTemplate();
     data_->LoadLayer(*view_);
     view_->setFocus();

@@ -5,7 +5,6 @@
 
 #include "app/MainWindow.h"
 #include "controls/ActionGuard.h"
-#include "controls/Icons.h"
 #include "core/LayerPosition.h"
 #include "core/Product.h"
 #include "imaging/Processing.h"

@@ -25,7 +25,12 @@ class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
     void ShowMessage(const QString& text) override { errors_ << text << Qt::endl; }
-    std::optional<QStringList> EditTags() override { return std::nullopt; }
+    std::optional<QStringList> EditTags() override {
+        ShowMessage(
+            u"Das Foto wird nicht archiviert: Das Bildarchiv ist in dieser Fassung noch "
+            u"nicht enthalten."_s);
+        return std::nullopt;
+    }
 
  private:
     QTextStream& errors_;

@@ -47,11 +47,17 @@ void TData::LoadProfile(const QString& name, ProfileStore& store) const {
 }
 
 bool TData::SaveNewProfile(const QString& name, ProfileStore& store) const {
+    const QString bound = store.StorageFile();
     try {
         const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
         store.SetStorageFile(platform::JoinPath(dataFolder_, file));
         SaveProfileToIni(name, file);
     } catch (const std::exception&) {
+        // Else what is stored later would go into a file that no profile knows.
+        if (store.StorageFile() != bound) {
+            QFile::remove(store.StorageFile());
+            store.SetStorageFile(bound);
+        }
         throw platform::Error(u"Can not save this profile settings!"_s);
     }
     return true;

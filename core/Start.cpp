@@ -7,6 +7,7 @@
 #include "core/FileNaming.h"
 #include "core/UserInterface.h"
 #include "platform/AtomicFile.h"
+#include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/TextDecoding.h"
 
@@ -50,8 +51,12 @@ void TData::InitSystem() {
     curvesFolder_ = platform::JoinPath(dataFolder_, u"Curves");
     const QString catalogue = platform::JoinPath(templateFolder_, u"MaskList.kdr");
     if (QFileInfo::exists(catalogue)) {
-        maskList_ = ParseCatalogue(
-            platform::DecodeText(platform::ReadWholeFile(catalogue, LargestCatalogue)));
+        try {
+            maskList_ = ParseCatalogue(
+                platform::DecodeText(platform::ReadWholeFile(catalogue, LargestCatalogue)));
+        } catch (const platform::FileError& error) {
+            ui_.ShowMessage(error.Text());
+        }
     }
     if (initHandler_) {
         initHandler_(*this);

@@ -7,6 +7,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScopeGuard>
 #include <QShowEvent>
 #include <QSignalBlocker>
 #include <QTabWidget>
@@ -146,22 +147,28 @@ void TEinstellungenFm::done(int result) {
     QDialog::done(result);
 }
 
-void TEinstellungenFm::FormShow() {
-    pages_->setCurrentIndex(0);
-    AktivateProfileByName(SelectedProfile(), false);
-    // The restored profile brought back the list of the day it was stored.
+/// A restored profile brings back the printer list of the day it was stored; the dialog shows the
+/// one of today.
+void TEinstellungenFm::ActivateSelected(bool storeFirst) {
+    AktivateProfileByName(SelectedProfile(), storeFirst);
     RefreshPrinterProfiles();
 }
 
+void TEinstellungenFm::FormShow() {
+    pages_->setCurrentIndex(0);
+    ActivateSelected(false);
+}
+
+/// The archive folder is kept even where the profile cannot be stored.
 void TEinstellungenFm::FormClose() {
+    const auto keepArchiveFolder =
+        qScopeGuard([this] { data_.SetArchivPath(imageDestinationDir_->text()); });
     propertyStore_.Store();
-    data_.SetArchivPath(imageDestinationDir_->text());
 }
 
 void TEinstellungenFm::ProfileListBoxClick() {
     UpdateDeleteButton();
-    AktivateProfileByName(SelectedProfile(), true);
-    RefreshPrinterProfiles();
+    ActivateSelected(true);
 }
 
 /// The found place is compared with the first entry, not with "not found": a name that only the
@@ -195,9 +202,12 @@ void TEinstellungenFm::btnDeleteClick() {
         return;
     }
     data_.DeleteProfile(SelectedProfile());
-    delete profileListBox_->takeItem(row);
+    {
+        const QSignalBlocker quiet(profileListBox_);
+        delete profileListBox_->takeItem(row);
+    }
     SelectProfile(0);
-    AktivateProfileByName(SelectedProfile(), false);
+    ActivateSelected(false);
 }
 
 void TEinstellungenFm::ImageAutoSaveClick() {

@@ -98,6 +98,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     // Behaviour (SettingsDialog.cpp)
     void ConnectControls();
     void RefreshPrinterProfiles();
+    void ActivateSelected(bool storeFirst);
     void FormShow();
     void FormClose();
     void ProfileListBoxClick();

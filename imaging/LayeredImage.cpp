@@ -69,11 +69,11 @@ void LayeredImage::ChangePhoto(Pixels changed) {
     if (changed.IsEmpty()) {
         throw std::invalid_argument("a photo cannot change to nothing");
     }
-    if (automaticUndo_) {
-        RecordUndoStep();
-    }
     if (changed.SharesPixelsWith(photo.pixels)) {
         return;
+    }
+    if (automaticUndo_) {
+        RecordUndoStep();
     }
     photo.rectangle = QRect(QPoint(), changed.Size());
     photo.pixels = std::move(changed);

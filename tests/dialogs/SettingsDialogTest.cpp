@@ -187,6 +187,19 @@ TEST_F(SettingsDialog, DeletingShowsTheFirstProfilesStoredValues) {
         EXPECT_FALSE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
     });
     EXPECT_EQ(data->GetProfileList(), QStringList(u"Standard Profile"_s));
+    EXPECT_EQ(QDir(data->DataFolder()).entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
+}
+
+TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
+    InDialog([&] {
+        ExpectLine(QString());
+        ExpectMessage(u"Can not save this profile settings!"_s);
+        The<QPushButton>(u"btnNew"_s)->click();
+        The<QLineEdit>(u"FrameSize"_s)->setText(u"99"_s);
+    });
+    Start();
+    EXPECT_EQ(dialog->FrameSize(), u"99"_s);
+    EXPECT_EQ(QDir(data->DataFolder()).entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
 }
 
 TEST_F(SettingsDialog, TickingTheAutomaticSavingsChecksWhatTheyNeed) {
