@@ -87,6 +87,11 @@ qint64 MinimumBytes(const BitmapLayout& layout) {
         layout.width <= 0 || layout.height <= 0) {
         return 0;
     }
+    // No file is that large, and the product stays in range.
+    constexpr qint64 Impossible = qint64{1} << 62;
+    if (Stride(layout) > Impossible / layout.height) {
+        return Impossible;
+    }
     return Stride(layout) * (layout.height - 1) + (layout.width * layout.bitsPerPixel + 7) / 8;
 }
 
