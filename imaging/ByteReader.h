@@ -35,8 +35,9 @@ class ByteReader {
     }
 
     QByteArrayView Take(qint64 count) {
-        if (count < 0 || count > Remaining())
+        if (count < 0 || count > Remaining()) {
             throw OutOfBytes();
+        }
         const QByteArrayView taken = bytes_.sliced(position_, count);
         position_ += count;
         return taken;
@@ -46,8 +47,9 @@ class ByteReader {
 
     /// Continues at `position`, counted from the first byte.
     void Seek(qint64 position) {
-        if (position < 0 || position > bytes_.size())
+        if (position < 0 || position > bytes_.size()) {
             throw OutOfBytes();
+        }
         position_ = position;
     }
 

@@ -36,8 +36,9 @@ void ForEachRow(QImage& image, Row row) {
     const qsizetype stride = image.bytesPerLine();
     const int width = image.width();
     cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
-        for (int y = rows.start; y < rows.end; ++y)
+        for (int y = rows.start; y < rows.end; ++y) {
             row(bits + y * stride, width);
+        }
     });
 }
 
@@ -64,15 +65,18 @@ cmsUInt32Number InputFormat(cmsColorSpaceSignature channels, ColourModel model, 
 
 /// Null where the profile cannot be used for such pixels.
 Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit) {
-    if (bytes.isEmpty())
+    if (bytes.isEmpty()) {
         return {};
+    }
     const Profile source(
         cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
-    if (!source)
+    if (!source) {
         return {};
+    }
     const auto input = InputFormat(cmsGetColorSpace(source.get()), model, is16Bit);
-    if (input == 0)
+    if (input == 0) {
         return {};
+    }
     const Profile srgb(cmsCreate_sRGBProfile());
     // Without its cache one transform serves several threads.
     return Transform(cmsCreateTransform(
@@ -83,8 +87,9 @@ Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit
 void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
     ForEachRow(image, [&](uchar* row, int width) {
         cmsDoTransform(transform.get(), row, row, static_cast<cmsUInt32Number>(width));
-        for (qsizetype x = 0; makeOpaque && x < width; ++x)
+        for (qsizetype x = 0; makeOpaque && x < width; ++x) {
             row[4 * x + 3] = 255;
+        }
     });
 }
 
@@ -94,8 +99,9 @@ QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
     constexpr qsizetype ChannelsOffset = 16;
     const bool isForGrey =
         QByteArrayView(profile).sliced(std::min(ChannelsOffset, profile.size())).startsWith("GRAY");
-    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey))
+    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey)) {
         return {};
+    }
     return QColorSpace::fromIccProfile(profile);
 }
 
@@ -163,24 +169,27 @@ bool IsSrgbProfile(const QByteArray& profile) {
 
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {
     const bool is16Bit = image.format() == QImage::Format_RGBA64;
-    if (const QColorSpace space = UsableByQt(profile, model); space.isValid())
+    if (const QColorSpace space = UsableByQt(profile, model); space.isValid()) {
         Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
-    else if (const Transform transform = MakeTransform(profile, model, is16Bit))
+    } else if (const Transform transform = MakeTransform(profile, model, is16Bit)) {
         Apply(transform, image, IsCmyk(model));
-    else if (IsCmyk(model))
+    } else if (IsCmyk(model)) {
         MultiplyInksOut(image, model == ColourModel::InvertedCmyk);
+    }
 }
 
 QImage LaidOverWhite(QImage image) {
-    if (image.format() == QImage::Format_RGBA64)
+    if (image.format() == QImage::Format_RGBA64) {
         return Rounded16BitOverWhite(image);
+    }
     if (image.format() == QImage::Format_ARGB32) {
         ForEachRow(image, [](uchar* row, int width) {
             for (uchar* pixel = row; pixel < row + 4 * qsizetype{width}; pixel += 4) {
                 const int alpha = pixel[3];
-                for (int channel = 0; channel < 3; ++channel)
+                for (int channel = 0; channel < 3; ++channel) {
                     pixel[channel] = static_cast<uchar>(
                         DividedBy255(pixel[channel] * alpha + 255 * (255 - alpha)));
+                }
                 pixel[3] = 255;
             }
         });

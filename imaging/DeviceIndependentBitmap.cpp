@@ -84,8 +84,14 @@ BitmapLayout ReadBitmapLayout(QByteArrayView information) {
 
 qint64 MinimumBytes(const BitmapLayout& layout) {
     if ((layout.compression != Uncompressed && layout.compression != BitFields) ||
-        layout.width <= 0 || layout.height <= 0)
+        layout.width <= 0 || layout.height <= 0) {
         return 0;
+    }
+    // No file is that large, and the product stays in range.
+    constexpr qint64 Impossible = qint64{1} << 62;
+    if (Stride(layout) > Impossible / layout.height) {
+        return Impossible;
+    }
     return Stride(layout) * (layout.height - 1) + (layout.width * layout.bitsPerPixel + 7) / 8;
 }
 
@@ -97,10 +103,12 @@ BitmapView SplitPackedBitmap(QByteArrayView packed) {
     qint64 masks = 0;
     if (headerSize >= InfoHeaderSize) {
         reader.Seek(32);
-        if (const auto used = reader.Read<quint32>(); used != 0)
+        if (const auto used = reader.Read<quint32>(); used != 0) {
             colours = used;
-        if (headerSize == InfoHeaderSize && layout.compression == BitFields)
+        }
+        if (headerSize == InfoHeaderSize && layout.compression == BitFields) {
             masks = 3;
+        }
     }
     const int colourSize = headerSize == CoreHeaderSize ? 3 : 4;
     reader.Seek(0);
@@ -111,20 +119,24 @@ BitmapView SplitPackedBitmap(QByteArrayView packed) {
 QRectF CountedFromTop(const QRectF& source, QByteArrayView information) {
     const BitmapLayout layout = ReadBitmapLayout(information);
     QRectF counted = source;
-    if (layout.bottomUp)
+    if (layout.bottomUp) {
         counted.moveTop(double(layout.height) - source.y() - source.height());
+    }
     return counted;
 }
 
 QImage DecodeBitmap(const BitmapView& bitmap, BitmapAlpha alpha, qint64 maximumPixels) {
     const BitmapLayout layout = ReadBitmapLayout(bitmap.information);
     if (!bitmap.hasOwnColours || !IsKnownKind(layout) || layout.width <= 0 || layout.height == 0 ||
-        layout.width > maximumPixels / layout.height)
+        layout.width > maximumPixels / layout.height) {
         return {};
-    if (bitmap.bits.size() < MinimumBytes(layout))
+    }
+    if (bitmap.bits.size() < MinimumBytes(layout)) {
         throw OutOfBytes();
-    if (alpha == BitmapAlpha::Premultiplied && layout.bitsPerPixel == 32)
+    }
+    if (alpha == BitmapAlpha::Premultiplied && layout.bitsPerPixel == 32) {
         return DecodePremultiplied(bitmap, layout);
+    }
     return DecodeAsFile(bitmap);
 }
 

@@ -83,13 +83,15 @@ bool EmfPlayer::PlayPoints(Record& record) {
     // The records with 16-bit points, 85 to 91, follow the order of those with 32 bits, 2 to 8.
     constexpr quint32 Narrower = 83;
     const bool wide = record.type >= 2 && record.type <= 8;
-    if (!wide && (record.type < 2 + Narrower || record.type > 8 + Narrower))
+    if (!wide && (record.type < 2 + Narrower || record.type > 8 + Narrower)) {
         return false;
+    }
     record.reader.Skip(BoundsSize);
-    if (wide)
+    if (wide) {
         DrawPoints<qint32>(record.reader, record.type);
-    else
+    } else {
         DrawPoints<qint16>(record.reader, record.type - Narrower);
+    }
     return true;
 }
 
@@ -128,8 +130,9 @@ void EmfPlayer::DrawManyPolygons(ByteReader& reader, bool closed) {
     QPainterPath path;
     while (counts.Remaining() > 0) {
         path.addPolygon(ReadPoints<Coordinate>(reader, counts.Read<quint32>()));
-        if (closed)
+        if (closed) {
             path.closeSubpath();
+        }
     }
     canvas_.Draw(path, closed ? ShapePainting::FillAndStroke : ShapePainting::Stroke);
 }
@@ -163,8 +166,9 @@ bool EmfPlayer::PlayBitmap(Record& record) {
     } else {
         drawing.target.setSize(drawing.source.size());
     }
-    if (drawing.bitmap.information.isEmpty())
+    if (drawing.bitmap.information.isEmpty()) {
         return true;
+    }
     drawing.source = CountedFromTop(drawing.source, drawing.bitmap.information);
     canvas_.Draw(drawing);
     return true;
@@ -192,8 +196,9 @@ void EmfPlayer::BlitBitmap(Record& record) {
     drawing.source.setSize(stretches ? ReadSize<qint32>(reader) : drawing.target.size());
     if (record.type == AlphaBlendType) {  // the operation is a BLENDFUNCTION
         drawing.opacity = (operation >> 16 & 0xff) / 255.0;
-        if (operation >> 24 == PremultipliedAlpha)
+        if (operation >> 24 == PremultipliedAlpha) {
             drawing.alpha = BitmapAlpha::Premultiplied;
+        }
     } else if (record.type != TransparentBltType) {
         drawing.rasterOperation = operation;
     }
@@ -244,18 +249,21 @@ void EmfPlayer::DrawExtendedText(Record& record) {
     } else {
         const QByteArrayView bytes = text.Take(qint64{count} * 2);
         ByteReader characters(bytes);
-        while (characters.Remaining() > 0)
+        while (characters.Remaining() > 0) {
             drawing.text.append(QChar(characters.Read<quint16>()));
+        }
     }
     if (advancesOffset != 0 && !(drawing.options & TwoAdvances)) {
         ByteReader advances(record.bytes);
         advances.Seek(advancesOffset);
-        for (quint32 i = 0; i < count && advances.Remaining() >= 4; ++i)
+        for (quint32 i = 0; i < count && advances.Remaining() >= 4; ++i) {
             drawing.advances.push_back(advances.Read<quint32>());
+        }
     }
     // The numbers of a font's glyphs mean nothing in another font.
-    if (!(drawing.options & GlyphIndices))
+    if (!(drawing.options & GlyphIndices)) {
         canvas_.Draw(drawing);
+    }
 }
 
 void EmfPlayer::DrawSmallText(ByteReader& reader) {
@@ -266,14 +274,16 @@ void EmfPlayer::DrawSmallText(ByteReader& reader) {
     const auto count = reader.Read<quint32>();
     drawing.options = reader.Read<quint32>();
     reader.Skip(12);  // the graphics mode and its scales
-    if (!(drawing.options & NoRectangle))
+    if (!(drawing.options & NoRectangle)) {
         drawing.rectangle = ReadCorners<qint32>(reader);
+    }
     if (drawing.options & SmallCharacters) {
         drawing.text = QString::fromLatin1(reader.Take(count));
     } else {
         ByteReader characters(reader.Take(qint64{count} * 2));
-        while (characters.Remaining() > 0)
+        while (characters.Remaining() > 0) {
             drawing.text.append(QChar(characters.Read<quint16>()));
+        }
     }
     canvas_.Draw(drawing);
 }

@@ -15,8 +15,9 @@ constexpr qsizetype RecordHeaderSize = 8;
 
 QTransform ReadTransform(ByteReader& reader) {
     std::array<double, 6> m = {};
-    for (double& value : m)
+    for (double& value : m) {
         value = reader.Read<float>();
+    }
     return {m[0], m[1], m[2], m[3], m[4], m[5]};
 }
 
@@ -26,8 +27,9 @@ QSizeF ReadRatio(ByteReader& reader) {
     const double xDenominator = reader.Read<qint32>();
     const double yNumerator = reader.Read<qint32>();
     const double yDenominator = reader.Read<qint32>();
-    if (xDenominator == 0 || yDenominator == 0)
+    if (xDenominator == 0 || yDenominator == 0) {
         return {1, 1};
+    }
     return {xNumerator / xDenominator, yNumerator / yDenominator};
 }
 
@@ -80,22 +82,25 @@ MetafilePicture ReadEmfHeader(QByteArrayView file) {
     const QRectF bounds = ReadCorners<qint32>(reader);
     const QRectF frame = ReadCorners<qint32>(reader);
     reader.Skip(8);
-    if (reader.Read<quint32>() > quint64(file.size()))
+    if (reader.Read<quint32>() > quint64(file.size())) {
         throw MetafileFault::Incomplete;
+    }
     reader.Seek(72);
     const QPointF devicePixels = ReadPoint<qint32>(reader);
     const QPointF deviceMillimetres = ReadPoint<qint32>(reader);
     MetafilePicture picture;
     picture.dotsPerMillimetre = QSizeF(96, 96) / MillimetresPerInch;
     if (devicePixels.x() > 0 && devicePixels.y() > 0 && deviceMillimetres.x() > 0 &&
-        deviceMillimetres.y() > 0)
+        deviceMillimetres.y() > 0) {
         picture.dotsPerMillimetre = {devicePixels.x() / deviceMillimetres.x(),
                                      devicePixels.y() / deviceMillimetres.y()};
+    }
     const QSizeF scale = picture.dotsPerMillimetre / FrameUnitsPerMillimetre;
     picture.frame = {frame.x() * scale.width(), frame.y() * scale.height(),
                      frame.width() * scale.width(), frame.height() * scale.height()};
-    if (picture.frame.width() <= 0 || picture.frame.height() <= 0)
+    if (picture.frame.width() <= 0 || picture.frame.height() <= 0) {
         picture.frame = bounds.adjusted(0, 0, 1, 1);  // the bounds are inclusive
+    }
     picture.widthInInches =
         picture.frame.width() / picture.dotsPerMillimetre.width() / MillimetresPerInch;
     return picture;
@@ -107,12 +112,15 @@ void EmfPlayer::Play() {
         ByteReader header(file_.sliced(position));
         const auto type = header.Read<quint32>();
         const qint64 size = header.Read<quint32>();
-        if (type == EndOfFileType)
+        if (type == EndOfFileType) {
             return;
-        if (size < RecordHeaderSize || size % 4 != 0)
+        }
+        if (size < RecordHeaderSize || size % 4 != 0) {
             throw MetafileFault::Damaged;
-        if (size > file_.size() - position)
+        }
+        if (size > file_.size() - position) {
             throw MetafileFault::Incomplete;
+        }
         const QByteArrayView bytes = file_.sliced(position, size);
         Record record{type, bytes, ByteReader(bytes)};
         record.reader.Skip(RecordHeaderSize);
@@ -269,10 +277,11 @@ bool EmfPlayer::PlayObject(Record& record) {
 
 void EmfPlayer::SelectObject(quint32 handle) {
     constexpr quint32 Stock = 0x80000000;
-    if (handle & Stock)
+    if (handle & Stock) {
         canvas_.Select(StockObject(handle & ~Stock));
-    else if (const auto object = objects_.find(handle); object != objects_.end())
+    } else if (const auto object = objects_.find(handle); object != objects_.end()) {
         canvas_.Select(object->second);
+    }
 }
 
 void EmfPlayer::CreateFont(ByteReader& reader) {
@@ -290,8 +299,9 @@ void EmfPlayer::CreateFont(ByteReader& reader) {
     reader.Skip(5);
     for (int i = 0; i < LongestName; ++i) {
         const QChar character(reader.Read<quint16>());
-        if (character.isNull())
+        if (character.isNull()) {
             break;
+        }
         font.family.append(character);
     }
     objects_[handle] = font;
@@ -348,8 +358,9 @@ void EmfPlayer::SelectClipRegion(ByteReader& reader) {
     constexpr quint32 Copy = 5;
     constexpr quint32 MaximumParts = 10'000;
     const auto size = reader.Read<quint32>();
-    if (reader.Read<quint32>() != Copy)
+    if (reader.Read<quint32>() != Copy) {
         return;  // combinations with the clipping so far are rare and narrow it at most
+    }
     if (size == 0) {
         canvas_.SetDeviceClip({});
         return;
@@ -358,8 +369,9 @@ void EmfPlayer::SelectClipRegion(ByteReader& reader) {
     const quint32 count = std::min(reader.Read<quint32>(), MaximumParts);
     reader.Skip(20);
     std::vector<QRectF> parts;
-    for (quint32 i = 0; i < count; ++i)
+    for (quint32 i = 0; i < count; ++i) {
         parts.push_back(ReadCorners<qint32>(reader));
+    }
     canvas_.SetDeviceClip(parts);
 }
 

@@ -10,8 +10,9 @@ namespace {
 /// The next `count` bytes.
 QByteArray Next(QIODevice& device, qint64 count) {
     QByteArray bytes = device.read(count);
-    if (bytes.size() != count)
+    if (bytes.size() != count) {
         throw OutOfBytes();
+    }
     return bytes;
 }
 
@@ -33,13 +34,15 @@ bool IsCompleteBmp(QIODevice& device) {
 /// Passes by the global or local colour table that the flags announce.
 void SkipColourTable(QIODevice& device, quint8 flags) {
     constexpr quint8 HasTable = 0x80;
-    if (flags & HasTable)
+    if (flags & HasTable) {
         Next(device, qint64{3} << ((flags & 7) + 1));
+    }
 }
 
 void SkipSubBlocks(QIODevice& device) {
-    while (const quint8 length = NextByte(device))
+    while (const quint8 length = NextByte(device)) {
         Next(device, length);
+    }
 }
 
 /// Walks to the end of the first picture's data.
@@ -54,8 +57,9 @@ bool IsCompleteGif(QIODevice& device) {
         NextByte(device);
         SkipSubBlocks(device);
     }
-    if (kind != Picture)
+    if (kind != Picture) {
         return false;
+    }
     SkipColourTable(device, static_cast<quint8>(Next(device, 9)[8]));
     NextByte(device);
     SkipSubBlocks(device);
@@ -70,10 +74,11 @@ bool IsComplete(QIODevice& device) {
     const QByteArray signature = device.peek(4);
     bool complete = true;
     try {
-        if (signature.startsWith("BM"))
+        if (signature.startsWith("BM")) {
             complete = IsCompleteBmp(device);
-        else if (signature == "GIF8")
+        } else if (signature == "GIF8") {
             complete = IsCompleteGif(device);
+        }
     } catch (const OutOfBytes&) {
         complete = false;
     }

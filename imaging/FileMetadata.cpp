@@ -17,11 +17,13 @@ constexpr qint64 MaximumExifSize = 1 << 20;
 
 /// Exactly `count` bytes at `position`.
 QByteArray BytesAt(QIODevice& device, qint64 position, qint64 count) {
-    if (position > device.size() - count || !device.seek(position))
+    if (position > device.size() - count || !device.seek(position)) {
         throw OutOfBytes();
+    }
     QByteArray bytes = device.read(count);
-    if (bytes.size() != count)
+    if (bytes.size() != count) {
         throw OutOfBytes();
+    }
     return bytes;
 }
 
@@ -37,8 +39,9 @@ class TiffDirectory {
         order_ = header.startsWith('M') ? ByteOrder::BigEndian : ByteOrder::LittleEndian;
         ByteReader reader(header, order_);
         reader.Skip(2);
-        if (reader.Read<quint16>() != 42)
+        if (reader.Read<quint16>() != 42) {
             throw OutOfBytes();
+        }
         ReadEntries(reader.Read<quint32>());
     }
 
@@ -46,10 +49,11 @@ class TiffDirectory {
         constexpr int Inch = 2;
         constexpr int Centimetre = 3;
         FileMetadata metadata{OrientationFrom(orientation_), {}};
-        if (unit_ == Inch)
+        if (unit_ == Inch) {
             metadata.resolution = ResolutionFrom(resolution_);
-        else if (unit_ == Centimetre)
+        } else if (unit_ == Centimetre) {
             metadata.resolution = ResolutionFrom(resolution_ * MillimetresPerInch / 10);
+        }
         return metadata;
     }
 
@@ -69,12 +73,13 @@ class TiffDirectory {
         const auto tag = entry.Read<quint16>();
         const auto type = entry.Read<quint16>();
         entry.Skip(4);
-        if (tag == 0x0112)
+        if (tag == 0x0112) {
             orientation_ = Integer(entry, type).value_or(orientation_);
-        else if (tag == 0x0128)
+        } else if (tag == 0x0128) {
             unit_ = Integer(entry, type).value_or(unit_);
-        else if (tag == 0x011a)
+        } else if (tag == 0x011a) {
             resolution_ = Rational(entry, type).value_or(resolution_);
+        }
     }
 
     static std::optional<int> Integer(ByteReader& entry, int type) {
@@ -84,8 +89,9 @@ class TiffDirectory {
 
     std::optional<double> Rational(ByteReader& entry, int type) {
         constexpr int UnsignedRational = 5;
-        if (type != UnsignedRational)
+        if (type != UnsignedRational) {
             return std::nullopt;
+        }
         const QByteArray bytes = BytesAt(device_, entry.Read<quint32>(), 8);
         ByteReader reader(bytes, order_);
         const auto numerator = reader.Read<quint32>();
@@ -109,8 +115,9 @@ void ForEachPngChunk(QIODevice& device, Visit visit) {
         const QByteArray header = BytesAt(device, position, 8);
         const auto length = ByteReader(header, ByteOrder::BigEndian).Read<quint32>();
         const QByteArray type = header.sliced(4);
-        if (type == "IEND" || !visit(type, position + 8, length))
+        if (type == "IEND" || !visit(type, position + 8, length)) {
             return;
+        }
         position += 12LL + length;
     }
 }
@@ -121,9 +128,10 @@ FileMetadata ReadPng(QIODevice& device) {
     ForEachPngChunk(device, [&](const QByteArray& type, qint64 position, quint32 length) {
         if (type == "pHYs" && length == 9) {
             const QByteArray density = BytesAt(device, position, 9);
-            if (density.back() == 1)  // the unit is the metre
+            if (density.back() == 1) {  // the unit is the metre
                 metadata.resolution =
                     FromDotsPerMetre(ByteReader(density, ByteOrder::BigEndian).Read<quint32>());
+            }
         } else if (type == "eXIf" && length <= MaximumExifSize) {
             const FileMetadata exif = ReadExif(BytesAt(device, position, length));
             metadata.orientation = exif.orientation;
@@ -131,8 +139,9 @@ FileMetadata ReadPng(QIODevice& device) {
         }
         return true;
     });
-    if (metadata.resolution.value == 0)
+    if (metadata.resolution.value == 0) {
         metadata.resolution = fromExif;
+    }
     return metadata;
 }
 
@@ -145,10 +154,12 @@ QByteArray Inflated(QByteArrayView stream, uLongf maximumSize) {
         const int result = uncompress(reinterpret_cast<Bytef*>(inflated.data()), &length,
                                       reinterpret_cast<const Bytef*>(stream.data()),
                                       static_cast<uLong>(stream.size()));
-        if (result == Z_OK)
+        if (result == Z_OK) {
             return inflated.first(static_cast<qsizetype>(length));
-        if (result != Z_BUF_ERROR)
+        }
+        if (result != Z_BUF_ERROR) {
             break;
+        }
     }
     return {};
 }
@@ -172,8 +183,9 @@ FileMetadata ReadBmp(QIODevice& device) {
     const QByteArray header = BytesAt(device, 0, 46);
     ByteReader reader(header);
     reader.Seek(14);
-    if (reader.Read<quint32>() <= ShortHeaderSize)
+    if (reader.Read<quint32>() <= ShortHeaderSize) {
         return {};
+    }
     reader.Seek(38);
     return {Orientation::Upright, FromDotsPerMetre(reader.Read<qint32>())};
 }
@@ -182,22 +194,27 @@ FileMetadata ReadBmp(QIODevice& device) {
 
 DotsPerInch ResolutionFrom(double dotsPerInch) {
     constexpr double Maximum = 65535;  // what JFIF and EXIF can say
-    if (!(dotsPerInch >= 0.5 && dotsPerInch <= Maximum))
+    if (!(dotsPerInch >= 0.5 && dotsPerInch <= Maximum)) {
         return {};
+    }
     return {static_cast<int>(std::lround(dotsPerInch))};
 }
 
 FileMetadata ReadFileMetadata(QIODevice& device) try {
     const QByteArray start = BytesAt(device, 0, 12);
-    if (start.startsWith("\x89PNG\r\n\x1a\n"))
+    if (start.startsWith("\x89PNG\r\n\x1a\n")) {
         return ReadPng(device);
+    }
     if (start.startsWith(QByteArrayView("II*\0", 4)) ||
-        start.startsWith(QByteArrayView("MM\0*", 4)))
+        start.startsWith(QByteArrayView("MM\0*", 4))) {
         return TiffDirectory(device).Metadata();
-    if (start.startsWith("RIFF") && start.endsWith("WEBP"))
+    }
+    if (start.startsWith("RIFF") && start.endsWith("WEBP")) {
         return ReadWebP(device);
-    if (start.startsWith("BM"))
+    }
+    if (start.startsWith("BM")) {
         return ReadBmp(device);
+    }
     return {};
 } catch (const OutOfBytes&) {
     return {};
@@ -208,14 +225,17 @@ QByteArray ReadPngProfile(QIODevice& device) try {
     constexpr uLongf MaximumProfileSize = 1 << 24;
     QByteArray profile;
     ForEachPngChunk(device, [&](const QByteArray& type, qint64 position, quint32 length) {
-        if (type != "iCCP")
+        if (type != "iCCP") {
             return type != "IDAT";
-        if (length > MaximumStreamSize)
+        }
+        if (length > MaximumStreamSize) {
             return false;
+        }
         const QByteArray content = BytesAt(device, position, length);
         // A name, a null, the kind of compression.
-        if (const qsizetype end = content.indexOf('\0'); end >= 0 && end + 2 <= content.size())
+        if (const qsizetype end = content.indexOf('\0'); end >= 0 && end + 2 <= content.size()) {
             profile = Inflated(QByteArrayView(content).sliced(end + 2), MaximumProfileSize);
+        }
         return false;
     });
     return profile;

@@ -18,20 +18,24 @@ namespace {
 DecodedImage Decode(const ReadTask& task) {
     constexpr qint64 LongestSignature = 44;
     const QByteArray start = task.Device().peek(LongestSignature);
-    if (start.isEmpty())
+    if (start.isEmpty()) {
         task.Fail(u"Die Datei ist leer."_s);
-    if (start.startsWith("\xff\xd8\xff"))
+    }
+    if (start.startsWith("\xff\xd8\xff")) {
         return ReadJpeg(task);
-    if (IsMetafile(start))
+    }
+    if (IsMetafile(start)) {
         return ReadMetafile(task);
+    }
     return ReadByPlugin(task);
 }
 
 LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
     ConvertToSrgb(decoded.image, decoded.model, decoded.profile);
     QImage image = LaidOverWhite(std::move(decoded.image));
-    if (applyOrientation)
+    if (applyOrientation) {
         image = Uprighted(std::move(image), decoded.metadata.orientation);
+    }
     return {Pixels(std::move(image)), decoded.metadata.resolution};
 }
 
@@ -48,14 +52,18 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
     const auto fail = [&info](const QString& reason) {
         throw ReadError(ReadErrorText(info.fileName(), reason));
     };
-    if (!info.exists())
+    if (!info.exists()) {
         fail(u"Die Datei ist nicht vorhanden."_s);
-    if (info.isDir())
+    }
+    if (info.isDir()) {
         fail(u"Es ist ein Ordner."_s);
-    if (!info.isFile())  // a pipe or a device would keep us waiting
+    }
+    if (!info.isFile()) {  // a pipe or a device would keep us waiting
         fail(u"Es ist keine gewöhnliche Datei."_s);
-    if (!file.open(QIODevice::ReadOnly))
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
         fail(OpeningFailure(file.error()));
+    }
     return ReadImage(file, info.fileName(), options);
 }
 

@@ -58,8 +58,9 @@ void JpegDecompressor::HandleError(j_common_ptr info) {
 
 void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
     constexpr int MaximumStrayBytes = 512;
-    if (level >= 0)
+    if (level >= 0) {
         return;  // a trace
+    }
     switch (info->err->msg_code) {
         case JWRN_HIT_MARKER:
             Exit(info, JpegFault::Incomplete);
@@ -70,8 +71,9 @@ void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
         case JWRN_EXTRANEOUS_DATA:
             // A few stray bytes are common, before the pixels any number is harmless.
             if (static_cast<ErrorManager*>(info->err)->pixelsAreRead &&
-                info->err->msg_parm.i[0] > MaximumStrayBytes)
+                info->err->msg_parm.i[0] > MaximumStrayBytes) {
                 Exit(info, JpegFault::Damaged);
+            }
             break;
         default:
             break;  // the picture is whole all the same
@@ -81,8 +83,9 @@ void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
 // Each scan of a progressive file costs a pass over the whole picture, however short it is.
 void JpegDecompressor::LimitScans(j_common_ptr info) {
     constexpr int MaximumScans = 500;
-    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > MaximumScans)
+    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > MaximumScans) {
         Exit(info, JpegFault::Unsupported);
+    }
 }
 
 boolean JpegDecompressor::FillBuffer(j_decompress_ptr info) {
@@ -102,8 +105,9 @@ boolean JpegDecompressor::FillBuffer(j_decompress_ptr info) {
 
 void JpegDecompressor::SkipBytes(j_decompress_ptr info, long count) {
     auto* source = static_cast<Source*>(info->src);
-    if (count <= 0)
+    if (count <= 0) {
         return;
+    }
     const auto wanted = static_cast<size_t>(count);
     if (wanted <= source->bytes_in_buffer) {
         source->next_input_byte += wanted;

@@ -31,8 +31,9 @@ class JpegDecompressor {
     /// no object with a destructor may live in it, and it must not throw.
     template <typename Step>
     void Run(const Step& step) {
-        if (setjmp(errors_.exit) != 0)
+        if (setjmp(errors_.exit) != 0) {
             throw errors_.fault;
+        }
         step(&info_);
     }
 

@@ -32,19 +32,22 @@ FileMetadata ReadMetadata(const jpeg_decompress_struct& info) {
     FileMetadata metadata;
     for (const auto* marker = info.marker_list; marker; marker = marker->next) {
         const QByteArrayView data(marker->data, static_cast<qsizetype>(marker->data_length));
-        if (marker->marker != ExifMarker || !data.startsWith(Prefix))
+        if (marker->marker != ExifMarker || !data.startsWith(Prefix)) {
             continue;
+        }
         metadata = ReadExif(data.sliced(Prefix.size()));
         break;
     }
     // The density of JFIF has no unit in many files that tell it in the EXIF block.
     DotsPerInch density;
-    if (info.saw_JFIF_marker && info.density_unit == 1)
+    if (info.saw_JFIF_marker && info.density_unit == 1) {
         density = ResolutionFrom(info.X_density);
-    else if (info.saw_JFIF_marker && info.density_unit == 2)
+    } else if (info.saw_JFIF_marker && info.density_unit == 2) {
         density = ResolutionFrom(info.X_density * CentimetresPerInch);
-    if (density.value != 0)
+    }
+    if (density.value != 0) {
         metadata.resolution = density;
+    }
     return metadata;
 }
 
@@ -52,8 +55,9 @@ QByteArray ReadProfile(JpegDecompressor& jpeg) {
     JOCTET* data = nullptr;
     unsigned length = 0;
     jpeg.Run([&](j_decompress_ptr info) {
-        if (!jpeg_read_icc_profile(info, &data, &length))
+        if (!jpeg_read_icc_profile(info, &data, &length)) {
             data = nullptr;
+        }
     });
     const std::unique_ptr<JOCTET, decltype(&std::free)> owner(data, &std::free);
     QByteArray profile(reinterpret_cast<const char*>(data), data ? qsizetype{length} : 0);
@@ -83,14 +87,16 @@ void DecodeRows(JpegDecompressor& jpeg, QImage& image) {
         while (info->output_scanline < info->output_height) {
             const JDIMENSION count =
                 std::min(RowsAtOnce, info->output_height - info->output_scanline);
-            for (JDIMENSION i = 0; i < count; ++i)
+            for (JDIMENSION i = 0; i < count; ++i) {
                 rows[i] = bits + qsizetype{info->output_scanline + i} * stride;
+            }
             jpeg_read_scanlines(info, rows.data(), count);
         }
     });
     // Whole passes may be missing then, without a trace in the ones that are there.
-    if (jpeg.EndWasMissing() && jpeg_has_multiple_scans(&jpeg.Info()))
+    if (jpeg.EndWasMissing() && jpeg_has_multiple_scans(&jpeg.Info())) {
         throw JpegFault::Incomplete;
+    }
     jpeg.Finish();
 }
 

@@ -90,8 +90,9 @@ MetafileCanvas::MetafileCanvas(QImage& target, const QTransform& deviceToImage,
 void MetafileCanvas::Charge(double work) {
     constexpr double RecordWork = 1000;
     workLeft_ -= work + RecordWork;
-    if (workLeft_ < 0)
+    if (workLeft_ < 0) {
         throw MetafileFault::TooComplex;
+    }
 }
 
 QTransform MetafileCanvas::ToImage() const {
@@ -116,8 +117,9 @@ void MetafileCanvas::Save() {
 void MetafileCanvas::Restore(int saved) {
     const auto count = static_cast<qint64>(saved_.size());
     const qint64 index = saved > 0 ? saved - qint64{1} : count + saved;
-    if (saved == 0 || index < 0 || index >= count)
+    if (saved == 0 || index < 0 || index >= count) {
         return;
+    }
     state_ = saved_[static_cast<size_t>(index)];
     while (static_cast<qint64>(saved_.size()) > index) {
         saved_.pop_back();
@@ -126,12 +128,13 @@ void MetafileCanvas::Restore(int saved) {
 }
 
 void MetafileCanvas::Select(const Object& object) {
-    if (const auto* pen = std::get_if<QPen>(&object))
+    if (const auto* pen = std::get_if<QPen>(&object)) {
         state_.pen = *pen;
-    else if (const auto* brush = std::get_if<QBrush>(&object))
+    } else if (const auto* brush = std::get_if<QBrush>(&object)) {
         state_.brush = *brush;
-    else if (const auto* font = std::get_if<MetafileFont>(&object))
+    } else if (const auto* font = std::get_if<MetafileFont>(&object)) {
         state_.font = *font;
+    }
 }
 
 QPen MetafileCanvas::ScaledPen() const {
@@ -144,11 +147,12 @@ QPen MetafileCanvas::ScaledPen() const {
 void MetafileCanvas::Paint(const QPainterPath& imagePath, ShapePainting painting) {
     const QRectF visible = imagePath.controlPointRect() & QRectF(target_.rect());
     double length = 0;
-    for (int i = 1; i < imagePath.elementCount(); ++i)
+    for (int i = 1; i < imagePath.elementCount(); ++i) {
         length +=
             std::min<double>((QPointF(imagePath.elementAt(i)) - QPointF(imagePath.elementAt(i - 1)))
                                  .manhattanLength(),
                              target_.width() + target_.height());
+    }
     Charge(visible.width() * visible.height() + 16 * length + 100.0 * imagePath.elementCount());
 
     const auto composition = PenComposition(state_.rasterOperation);
@@ -156,8 +160,9 @@ void MetafileCanvas::Paint(const QPainterPath& imagePath, ShapePainting painting
     // The painter's raster operations know no half covered pixels.
     painter_.setRenderHint(QPainter::Antialiasing,
                            composition == QPainter::CompositionMode_SourceOver);
-    if (painting != ShapePainting::Stroke)
+    if (painting != ShapePainting::Stroke) {
         painter_.fillPath(imagePath, state_.brush);
+    }
     if (painting != ShapePainting::Fill && state_.pen.style() != Qt::NoPen) {
         // GDI's lines run through the middle of the pixels.
         const double half = 0.5 * ScaleOf(deviceToImage_);
@@ -187,15 +192,18 @@ void MetafileCanvas::MoveTo(const QPointF& point) {
 }
 
 void MetafileCanvas::DrawFromPosition(const QPolygonF& points, bool bezier) {
-    if (points.isEmpty())
+    if (points.isEmpty()) {
         return;
+    }
     QPainterPath path(state_.position);
     if (bezier) {
-        for (qsizetype i = 0; i + 2 < points.size(); i += 3)
+        for (qsizetype i = 0; i + 2 < points.size(); i += 3) {
             path.cubicTo(points[i], points[i + 1], points[i + 2]);
+        }
     } else {
-        for (const QPointF& point : points)
+        for (const QPointF& point : points) {
             path.lineTo(point);
+        }
     }
     state_.position = points.back();
     if (!collecting_) {
@@ -204,10 +212,11 @@ void MetafileCanvas::DrawFromPosition(const QPolygonF& points, bool bezier) {
     }
     const QPainterPath imagePath = ToImage(path);
     Charge(100.0 * imagePath.elementCount());
-    if (path_.isEmpty())
+    if (path_.isEmpty()) {
         path_.addPath(imagePath);
-    else
+    } else {
         path_.connectPath(imagePath);
+    }
 }
 
 void MetafileCanvas::NoteFineness(const BitmapDrawing& drawing, const QTransform& toImage) {
@@ -215,31 +224,37 @@ void MetafileCanvas::NoteFineness(const BitmapDrawing& drawing, const QTransform
     const QSizeF inImage(drawing.target.width() * std::hypot(toImage.m11(), toImage.m12()),
                          drawing.target.height() * std::hypot(toImage.m21(), toImage.m22()));
     const double area = std::abs(inImage.width() * inImage.height());
-    if (area > LargePart * target_.width() * target_.height())
+    if (area > LargePart * target_.width() * target_.height()) {
         finestBitmap_ =
             std::max(finestBitmap_,
                      std::sqrt(std::abs(drawing.source.width() * drawing.source.height()) / area));
+    }
 }
 
 void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
     if (drawing.rasterOperation == rasteroperation::Nothing || drawing.source.width() == 0 ||
-        drawing.source.height() == 0)
+        drawing.source.height() == 0) {
         return;
+    }
     const QTransform toImage = ToImage();
     const QTransform fromBitmap = SourceToTarget(drawing.source, drawing.target) * toImage;
     const QRectF visible = Clamped(fromBitmap.mapRect(drawing.source)) & QRectF(target_.rect());
     Charge(visible.width() * visible.height() + double(drawing.bitmap.bits.size()));
-    if (!fromBitmap.isInvertible() || fromBitmap.type() > QTransform::TxShear)
+    if (!fromBitmap.isInvertible() || fromBitmap.type() > QTransform::TxShear) {
         return;
+    }
     NoteFineness(drawing, toImage);
-    if (maximumBitmapPixels_ == MeasureOnly)
+    if (maximumBitmapPixels_ == MeasureOnly) {
         return;
+    }
     const BitmapLayout layout = ReadBitmapLayout(drawing.bitmap.information);
-    if (layout.height > 0 && layout.width > maximumBitmapPixels_ / layout.height)
+    if (layout.height > 0 && layout.width > maximumBitmapPixels_ / layout.height) {
         throw MetafileFault::TooComplex;
+    }
     const QImage image = DecodeBitmap(drawing.bitmap, drawing.alpha, maximumBitmapPixels_);
-    if (image.isNull())
+    if (image.isNull()) {
         return;
+    }
     painter_.setTransform(fromBitmap);
     painter_.setCompositionMode(BitmapComposition(drawing.rasterOperation));
     painter_.setOpacity(drawing.opacity);
@@ -253,12 +268,13 @@ void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
 
 void MetafileCanvas::FillRectangle(const QRectF& rectangle, quint32 rasterOperation) {
     const QBrush kept = state_.brush;
-    if (rasterOperation == rasteroperation::Blackness)
+    if (rasterOperation == rasteroperation::Blackness) {
         state_.brush = Qt::black;
-    else if (rasterOperation == rasteroperation::Whiteness)
+    } else if (rasterOperation == rasteroperation::Whiteness) {
         state_.brush = Qt::white;
-    else if (rasterOperation != rasteroperation::PatternCopy)
+    } else if (rasterOperation != rasteroperation::PatternCopy) {
         return;
+    }
     QPainterPath path;
     path.addRect(rectangle);
     Paint(ToImage(path), ShapePainting::Fill);
@@ -278,8 +294,9 @@ void MetafileCanvas::BeginPath() {
 }
 
 void MetafileCanvas::CloseFigure() {
-    if (collecting_)
+    if (collecting_) {
         path_.closeSubpath();
+    }
 }
 
 void MetafileCanvas::AbortPath() {
@@ -325,8 +342,9 @@ void MetafileCanvas::SetDeviceClip(const std::optional<std::vector<QRectF>>& par
         return;
     }
     QPainterPath path;
-    for (const QRectF& part : *parts)
+    for (const QRectF& part : *parts) {
         path.addRect(Clamped(deviceToImage_.mapRect(part)));
+    }
     path.setFillRule(Qt::WindingFill);
     painter_.setClipPath(path);
 }

@@ -19,12 +19,14 @@ QPointF ReadPoint(ByteReader& reader) {
 
 template <typename Coordinate>
 QPolygonF ReadPoints(ByteReader& reader, qint64 count) {
-    if (count > reader.Remaining() / qint64{2 * sizeof(Coordinate)})
+    if (count > reader.Remaining() / qint64{2 * sizeof(Coordinate)}) {
         throw OutOfBytes();
+    }
     QPolygonF points;
     points.reserve(count);
-    for (qint64 i = 0; i < count; ++i)
+    for (qint64 i = 0; i < count; ++i) {
         points << ReadPoint<Coordinate>(reader);
+    }
     return points;
 }
 
@@ -44,7 +46,7 @@ QRectF ReadCorners(ByteReader& reader) {
 /// WMF stores nearly everything backwards: y before x.
 inline QPointF ReadPointBackwards(ByteReader& reader) {
     const auto y = reader.Read<qint16>();
-    return QPointF(reader.Read<qint16>(), y);
+    return {qreal(reader.Read<qint16>()), qreal(y)};
 }
 
 inline QSizeF ReadSizeBackwards(ByteReader& reader) {

@@ -21,16 +21,18 @@ constexpr double LongestSide = 10'000;
 QByteArray ReadWhole(const ReadTask& task) {
     constexpr qint64 MaximumSize = qint64{1} << 30;
     QIODevice& device = task.Device();
-    if (device.size() > MaximumSize)
+    if (device.size() > MaximumSize) {
         task.Fail(u"Die Datei ist zu groß."_s);
+    }
     return device.readAll();
 }
 
 void Play(QByteArrayView file, MetafileCanvas& canvas) {
-    if (IsEmf(file))
+    if (IsEmf(file)) {
         EmfPlayer(file, canvas).Play();
-    else
+    } else {
         WmfPlayer(file, canvas).Play();
+    }
 }
 
 /// How many pixels of the picture one of the recording device's shall have, so that no large bitmap
@@ -52,8 +54,9 @@ double ScaleOf(QByteArrayView file, const MetafilePicture& picture, qint64 maxim
 /// Rounded, but to no more pixels than allowed.
 QSize PixelSize(QSizeF size, qint64 maximumPixels) {
     QSize rounded = size.toSize();
-    if (qint64{rounded.width()} * rounded.height() > maximumPixels)
+    if (qint64{rounded.width()} * rounded.height() > maximumPixels) {
         rounded = {static_cast<int>(size.width()), static_cast<int>(size.height())};
+    }
     return rounded.expandedTo({1, 1});
 }
 
@@ -72,11 +75,13 @@ DecodedImage Drawn(const ReadTask& task, QByteArrayView file) {
         MetafileCanvas canvas(decoded.image, toImage, picture.dotsPerMillimetre,
                               task.MaximumPixels());
         Play(file, canvas);
-        if (!canvas.HasDrawn())
+        if (!canvas.HasDrawn()) {
             task.Fail(u"Die Datei enthält nichts, was sich darstellen lässt."_s);
+        }
     }
-    if (picture.widthInInches > 0)
+    if (picture.widthInInches > 0) {
         decoded.metadata.resolution = ResolutionFrom(size.width() / picture.widthInInches);
+    }
     return decoded;
 }
 

@@ -31,11 +31,13 @@ QPainterPath PolygonPath(const QPolygonF& points) {
 
 QPainterPath BezierPath(const QPolygonF& points) {
     QPainterPath path;
-    if (points.isEmpty())
+    if (points.isEmpty()) {
         return path;
+    }
     path.moveTo(points[0]);
-    for (qsizetype i = 1; i + 2 < points.size(); i += 3)
+    for (qsizetype i = 1; i + 2 < points.size(); i += 3) {
         path.cubicTo(points[i], points[i + 1], points[i + 2]);
+    }
     return path;
 }
 
@@ -64,18 +66,21 @@ QPainterPath ArcPath(const QRectF& box, const QPointF& start, const QPointF& end
     const double startAngle = AngleOf(ellipse, start);
     double sweep = AngleOf(ellipse, end) - startAngle;
     // Equal rays mean the whole ellipse.
-    if (!clockwise && sweep <= 0)
+    if (!clockwise && sweep <= 0) {
         sweep += 360;
-    else if (clockwise && sweep >= 0)
+    } else if (clockwise && sweep >= 0) {
         sweep -= 360;
+    }
     QPainterPath path;
-    if (kind == ArcKind::Pie)
+    if (kind == ArcKind::Pie) {
         path.moveTo(ellipse.center());
-    else
+    } else {
         path.arcMoveTo(ellipse, startAngle);
+    }
     path.arcTo(ellipse, startAngle, sweep);
-    if (kind != ArcKind::Open)
+    if (kind != ArcKind::Open) {
         path.closeSubpath();
+    }
     return path;
 }
 

@@ -20,8 +20,10 @@ QSizeF PageScale(const MetafileMapping& mapping, QSizeF dotsPerMillimetre) {
         const double unit = UnitLength.at(static_cast<size_t>(mapping.mode - 2));
         return {unit * dotsPerMillimetre.width(), -unit * dotsPerMillimetre.height()};
     }
-    if (mapping.mode != MetafileMapping::Isotropic && mapping.mode != MetafileMapping::Anisotropic)
+    if (mapping.mode != MetafileMapping::Isotropic &&
+        mapping.mode != MetafileMapping::Anisotropic) {
         return {1, 1};
+    }
     QSizeF scale(Quotient(mapping.viewportExtent.width(), mapping.windowExtent.width()),
                  Quotient(mapping.viewportExtent.height(), mapping.windowExtent.height()));
     if (mapping.mode == MetafileMapping::Isotropic) {
@@ -84,10 +86,12 @@ QBrush BrushFrom(quint32 style, const QColor& colour, quint32 hatch) {
     // GDI's numbering: horizontal, vertical, down, up, cross, diagonal cross.
     constexpr std::array Patterns = {Qt::HorPattern,   Qt::VerPattern,   Qt::FDiagPattern,
                                      Qt::BDiagPattern, Qt::CrossPattern, Qt::DiagCrossPattern};
-    if (style == Solid)
+    if (style == Solid) {
         return {colour};
-    if (style == Hatched)
+    }
+    if (style == Hatched) {
         return {colour, hatch < Patterns.size() ? Patterns.at(hatch) : Qt::SolidPattern};
+    }
     return {Qt::NoBrush};
 }
 

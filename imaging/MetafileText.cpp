@@ -23,14 +23,16 @@ constexpr unsigned Baseline = 24;
 /// From the reference point to the start of the line on its baseline.
 QPointF AlignmentOffset(unsigned alignment, double width, const QFontMetricsF& metrics) {
     QPointF offset(0, metrics.ascent());
-    if ((alignment & HorizontalMask) == Centre)
+    if ((alignment & HorizontalMask) == Centre) {
         offset.setX(-width / 2);
-    else if ((alignment & HorizontalMask) == Right)
+    } else if ((alignment & HorizontalMask) == Right) {
         offset.setX(-width);
-    if ((alignment & VerticalMask) == Baseline)
+    }
+    if ((alignment & VerticalMask) == Baseline) {
         offset.setY(0);
-    else if ((alignment & VerticalMask) == Bottom)
+    } else if ((alignment & VerticalMask) == Bottom) {
         offset.setY(-metrics.descent());
+    }
     return offset;
 }
 
@@ -63,9 +65,10 @@ void MetafileCanvas::DrawTextLine(QPainter& painter, const TextDrawing& drawing,
             ? std::accumulate(drawing.advances.begin(), drawing.advances.end(), 0.0) * pixelsPerUnit
             : metrics.horizontalAdvance(drawing.text);
     QPointF start = AlignmentOffset(state_.textAlignment, width, metrics);
-    if (state_.opaqueBackground)
+    if (state_.opaqueBackground) {
         painter.fillRect(QRectF(start.x(), start.y() - metrics.ascent(), width, metrics.height()),
                          state_.backgroundColour);
+    }
     painter.setPen(state_.textColour);
     if (!spaced) {
         painter.drawText(start, drawing.text);
@@ -75,8 +78,9 @@ void MetafileCanvas::DrawTextLine(QPainter& painter, const TextDrawing& drawing,
             start.rx() += drawing.advances[static_cast<size_t>(i)] * pixelsPerUnit;
         }
     }
-    if (state_.textAlignment & UpdatePosition)
+    if (state_.textAlignment & UpdatePosition) {
         state_.position += QPointF(width / pixelsPerUnit, 0);
+    }
 }
 
 void MetafileCanvas::Draw(const TextDrawing& drawing) {
@@ -88,15 +92,18 @@ void MetafileCanvas::Draw(const TextDrawing& drawing) {
     const QTransform toImage = ToImage();
     const double pixelsPerUnit = std::hypot(toImage.m21(), toImage.m22());
     // Without an application there are no fonts.
-    if (drawing.text.isEmpty() || !qGuiApp || !(pixelsPerUnit > 0) || !std::isfinite(pixelsPerUnit))
+    if (drawing.text.isEmpty() || !qGuiApp || !(pixelsPerUnit > 0) ||
+        !std::isfinite(pixelsPerUnit)) {
         return;
+    }
     const QFont font = ScaledFont(pixelsPerUnit);
     Charge(double(drawing.text.size()) * font.pixelSize() * font.pixelSize() * 4);
     const QPointF reference =
         toImage.map(state_.textAlignment & UpdatePosition ? state_.position : drawing.reference);
     painter_.save();
-    if (drawing.options & TextDrawing::Clipped)
+    if (drawing.options & TextDrawing::Clipped) {
         ClipTo(drawing.rectangle);
+    }
     painter_.translate(std::clamp(reference.x(), -1e6, 1e6), std::clamp(reference.y(), -1e6, 1e6));
     painter_.rotate(-state_.font.escapementDegrees);
     painter_.setFont(font);

@@ -41,8 +41,9 @@ QString ReasonOf(QImageReader::ImageReaderError error) {
 /// Empty where there is none or where it is sRGB.
 QByteArray ProfileOf(const QImage& image, const QByteArray& format, QIODevice& device) {
     const QColorSpace space = image.colorSpace();
-    if (space == QColorSpace(QColorSpace::SRgb))
+    if (space == QColorSpace(QColorSpace::SRgb)) {
         return {};
+    }
     // The PNG plug-in drops a profile that QColorSpace does not understand.
     return format == "png" && !space.isValid() ? ReadPngProfile(device) : space.iccProfile();
 }
@@ -50,8 +51,9 @@ QByteArray ProfileOf(const QImage& image, const QByteArray& format, QIODevice& d
 /// One of the formats that the colour conversion takes, with every bit that the image has.
 QImage::Format FormatToWorkIn(const QImage& image) {
     const QPixelFormat format = image.pixelFormat();
-    if (format.redSize() > 8 || image.format() == QImage::Format_Grayscale16)
+    if (format.redSize() > 8 || image.format() == QImage::Format_Grayscale16) {
         return QImage::Format_RGBA64;
+    }
     return image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32;
 }
 
@@ -73,21 +75,27 @@ DecodedImage ReadByPlugin(const ReadTask& task) {
     QImageReader reader(&task.Device());
     reader.setAutoTransform(false);
     const QByteArray format = reader.format();  // none any more once it was read
-    if (!reader.canRead() || IsDrawnDocument(format))
+    if (!reader.canRead() || IsDrawnDocument(format)) {
         task.Fail(ReasonOf(QImageReader::UnsupportedFormatError));
-    if (format == "ico")
+    }
+    if (format == "ico") {
         JumpToLargestIcon(reader);
-    if (const QSize size = reader.size(); size.isValid())
+    }
+    if (const QSize size = reader.size(); size.isValid()) {
         task.RequireAllowedSize(size.width(), size.height());
-    if (!IsComplete(task.Device()))
+    }
+    if (!IsComplete(task.Device())) {
         task.Fail(IncompleteFileReason());
+    }
     QImage image = reader.read();
-    if (image.isNull())
+    if (image.isNull()) {
         task.Fail(ReasonOf(reader.error()));
+    }
     task.RequireAllowedSize(image.width(), image.height());
     decoded.profile = ProfileOf(image, format, task.Device());
-    if (!decoded.profile.isEmpty() && image.allGray())
+    if (!decoded.profile.isEmpty() && image.allGray()) {
         decoded.model = ColourModel::Grey;
+    }
     const QImage::Format workFormat = FormatToWorkIn(image);
     decoded.image = RequireAllocated(std::move(image).convertToFormat(workFormat));
     return decoded;

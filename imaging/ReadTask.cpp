@@ -13,10 +13,12 @@ void ReadTask::Fail(const QString& reason) const {
 
 void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
     constexpr qint64 Mega = 1'000'000;
-    if (width <= 0 || height <= 0)
+    if (width <= 0 || height <= 0) {
         Fail(u"Das Bild hat keine Pixel."_s);
-    if (width <= options_.maximumPixels / height)
+    }
+    if (width <= options_.maximumPixels / height) {
         return;
+    }
     // Rounded away from each other, so that the text never says "200 of 200".
     const QLocale german(QLocale::German);
     const auto megapixels = static_cast<qint64>(std::ceil(double(width) * double(height) / Mega));

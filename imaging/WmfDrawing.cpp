@@ -86,8 +86,9 @@ bool WmfPlayer::PlayPoints(quint16 function, ByteReader& parameters) {
             const auto polygons = parameters.Read<quint16>();
             ByteReader counts(parameters.Take(qint64{polygons} * 2));
             QPainterPath path;
-            while (counts.Remaining() > 0)
+            while (counts.Remaining() > 0) {
                 path.addPath(PolygonPath(ReadPoints<qint16>(parameters, counts.Read<quint16>())));
+            }
             canvas_.Draw(path, ShapePainting::FillAndStroke);
             return true;
         }
@@ -101,11 +102,13 @@ bool WmfPlayer::PlayFill(quint16 function, ByteReader& parameters) {
     constexpr qsizetype DibBitBltWithoutBitmap = 18;
     const bool withoutBitmap =
         function == DibBitBltFunction && parameters.Remaining() <= DibBitBltWithoutBitmap;
-    if (function != PatBlt && !withoutBitmap)
+    if (function != PatBlt && !withoutBitmap) {
         return false;
+    }
     const auto operation = parameters.Read<quint32>();
-    if (withoutBitmap)
+    if (withoutBitmap) {
         parameters.Skip(6);
+    }
     canvas_.FillRectangle(ReadRectangleBackwards(parameters), operation);
     return true;
 }
@@ -119,8 +122,9 @@ bool WmfPlayer::PlayBitmap(quint16 function, ByteReader& parameters) {
             parameters.Skip(4);
             [[fallthrough]];
         case DibBitBltFunction:
-            if (function == DibBitBltFunction)
+            if (function == DibBitBltFunction) {
                 drawing.rasterOperation = parameters.Read<quint32>();
+            }
             drawing.source.moveTopLeft(ReadPointBackwards(parameters));
             drawing.target = ReadRectangleBackwards(parameters);
             drawing.source.setSize(drawing.target.size());
@@ -128,8 +132,9 @@ bool WmfPlayer::PlayBitmap(quint16 function, ByteReader& parameters) {
         case DibStretchBltFunction:
         case StretchDibFunction:
             drawing.rasterOperation = parameters.Read<quint32>();
-            if (function == StretchDibFunction)
+            if (function == StretchDibFunction) {
                 hasOwnColours = parameters.Read<quint16>() == 0;
+            }
             drawing.source = ReadRectangleBackwards(parameters);
             drawing.target = ReadRectangleBackwards(parameters);
             break;
@@ -138,8 +143,9 @@ bool WmfPlayer::PlayBitmap(quint16 function, ByteReader& parameters) {
     }
     drawing.bitmap = SplitPackedBitmap(parameters.Take(parameters.Remaining()));
     drawing.bitmap.hasOwnColours = hasOwnColours;
-    if (function == SetDibToDeviceFunction || function == StretchDibFunction)
+    if (function == SetDibToDeviceFunction || function == StretchDibFunction) {
         drawing.source = CountedFromTop(drawing.source, drawing.bitmap.information);
+    }
     canvas_.Draw(drawing);
     return true;
 }
@@ -168,13 +174,16 @@ void WmfPlayer::DrawExtendedText(ByteReader& parameters) {
     drawing.reference = ReadPointBackwards(parameters);
     const auto count = parameters.Read<quint16>();
     drawing.options = parameters.Read<quint16>();
-    if (drawing.options & (TextDrawing::Opaque | TextDrawing::Clipped))
+    if (drawing.options & (TextDrawing::Opaque | TextDrawing::Clipped)) {
         drawing.rectangle = ReadCorners<qint16>(parameters);
+    }
     drawing.text = QString::fromLatin1(parameters.Take(count));
-    if (count % 2 != 0 && parameters.Remaining() > 0)
+    if (count % 2 != 0 && parameters.Remaining() > 0) {
         parameters.Skip(1);
-    for (int i = 0; i < count && parameters.Remaining() >= 2; ++i)
+    }
+    for (int i = 0; i < count && parameters.Remaining() >= 2; ++i) {
         drawing.advances.push_back(parameters.Read<qint16>());
+    }
     canvas_.Draw(drawing);
 }
 

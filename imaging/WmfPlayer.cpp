@@ -48,13 +48,16 @@ void ForEachRecord(QByteArrayView file, qsizetype position, Play play) {
         ByteReader reader(file.sliced(position));
         const qint64 size = qint64{reader.Read<quint32>()} * 2;
         const auto function = reader.Read<quint16>();
-        if (size < RecordHeaderSize)
+        if (size < RecordHeaderSize) {
             throw MetafileFault::Damaged;
-        if (size > file.size() - position)
+        }
+        if (size > file.size() - position) {
             throw MetafileFault::Incomplete;
+        }
         ByteReader parameters(file.sliced(position + RecordHeaderSize, size - RecordHeaderSize));
-        if (function == EndOfFileFunction || !play(function, parameters))
+        if (function == EndOfFileFunction || !play(function, parameters)) {
             return;
+        }
         position += size;
     }
     throw MetafileFault::Incomplete;
@@ -64,10 +67,11 @@ void ForEachRecord(QByteArrayView file, qsizetype position, Play play) {
 QRectF FirstWindow(QByteArrayView file, qsizetype recordsStart) {
     QRectF window;
     ForEachRecord(file, recordsStart, [&](quint16 function, ByteReader& parameters) {
-        if (function == SetWindowOriginFunction)
+        if (function == SetWindowOriginFunction) {
             window.moveTopLeft(ReadPointBackwards(parameters));
-        else if (function == SetWindowExtentFunction)
+        } else if (function == SetWindowExtentFunction) {
             window.setSize(ReadSizeBackwards(parameters));
+        }
         return window.width() == 0 || window.height() == 0;
     });
     return window;
@@ -76,8 +80,9 @@ QRectF FirstWindow(QByteArrayView file, qsizetype recordsStart) {
 }  // namespace
 
 bool IsWmf(QByteArrayView start) {
-    if (start.startsWith("\xd7\xcd\xc6\x9a"))
+    if (start.startsWith("\xd7\xcd\xc6\x9a")) {
         return true;
+    }
     const QByteArrayView memory("\1\0\x9\0\0", 5);
     const QByteArrayView disk("\2\0\x9\0\0", 5);
     return start.size() >= 18 && (start.startsWith(memory) || start.startsWith(disk)) &&
@@ -91,8 +96,9 @@ MetafilePicture ReadWmfHeader(QByteArrayView file) {
         QSizeF(DotsPerInchOfDevice, DotsPerInchOfDevice) / MillimetresPerInch;
     picture.window = header.placeable ? header.window : FirstWindow(file, header.recordsStart);
     QSizeF size(std::abs(picture.window.width()), std::abs(picture.window.height()));
-    if (size.isEmpty())
+    if (size.isEmpty()) {
         throw MetafileFault::Damaged;
+    }
     if (header.unitsPerInch > 0) {
         picture.widthInInches = size.width() / header.unitsPerInch;
         size *= DotsPerInchOfDevice / header.unitsPerInch;
@@ -182,8 +188,9 @@ bool WmfPlayer::PlayObject(quint16 function, ByteReader& parameters) {
             return true;
         case 0x012d:  // SELECTOBJECT
             if (const auto index = parameters.Read<quint16>();
-                index < objects_.size() && !freePlaces_.contains(index))
+                index < objects_.size() && !freePlaces_.contains(index)) {
                 canvas_.Select(objects_[index]);
+            }
             return true;
         case 0x0142:  // DIBCREATEPATTERNBRUSH
             CreatePatternBrush(parameters);
@@ -222,8 +229,9 @@ void WmfPlayer::AddObject(Object object) {
 }
 
 void WmfPlayer::DeleteObject(quint16 index) {
-    if (index >= objects_.size())
+    if (index >= objects_.size()) {
         return;
+    }
     objects_[index] = QBrush(Qt::NoBrush);
     freePlaces_.insert(index);
 }

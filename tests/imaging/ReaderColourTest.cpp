@@ -134,8 +134,9 @@ TEST(ReaderColour, GreyProfilesBelongToGreyPictures) {
 TEST(ReaderColour, BrokenAndForeignProfilesAreIgnored) {
     const QByteArray good = DisplayP3();
     QByteArray longTags = good;
-    for (qsizetype entry = 132; entry < 132 + 12 * qsizetype{good[131]}; entry += 12)
+    for (qsizetype entry = 132; entry < 132 + 12 * qsizetype{good[131]}; entry += 12) {
         longTags.replace(entry + 8, 4, "\xff\xff\xff\xff");
+    }
     const QByteArray profiles[] = {"no profile at all",
                                    good.first(100),
                                    good.first(good.size() / 2),

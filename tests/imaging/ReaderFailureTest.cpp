@@ -14,8 +14,9 @@ QByteArray NoisyJpeg(bool progressive) {
     content.size = {200, 150};
     content.progressive = progressive;
     content.pixel = [](int x, int y, uchar* pixel) {
-        for (int channel = 0; channel < 3; ++channel)
+        for (int channel = 0; channel < 3; ++channel) {
             pixel[channel] = static_cast<uchar>(x * 37 + y * 101 + channel * 59 + x * y);
+        }
     };
     return Jpeg(content);
 }
@@ -23,8 +24,9 @@ QByteArray NoisyJpeg(bool progressive) {
 QImage NoisyImage() {
     QImage image(40, 30, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             image.setPixel(x, y, qRgb(x * 37 + y, y * 101 + x * y, x * x + y * 7));
+        }
     }
     return image;
 }
@@ -59,8 +61,9 @@ TEST(ReaderFailure, AMissingEndMarkerAloneIsNoHarm) {
 TEST(ReaderFailure, DamagedJpegDataIsRefused) {
     QByteArray damaged = NoisyJpeg(true);
     // No Huffman code consists of ones alone.
-    for (qsizetype i = damaged.size() / 2; i < damaged.size() / 2 + 40; i += 2)
+    for (qsizetype i = damaged.size() / 2; i < damaged.size() / 2 + 40; i += 2) {
         damaged.replace(i, 2, QByteArray("\xff\0", 2));
+    }
     EXPECT_EQ(Failure(damaged), Complaint("Die Datei ist beschädigt."));
     QByteArray shortened = NoisyJpeg(false);
     shortened.remove(shortened.size() / 2, 2000);
@@ -72,15 +75,17 @@ TEST(ReaderFailure, OtherFormatsThatEndEarlyAreRefused) {
         const QByteArray whole = Written(NoisyImage(), format);
         ASSERT_EQ(Failure(whole), QString()) << format;
         // The last bytes of some are checksums or metadata.
-        for (qsizetype size = 1; size < whole.size() * 9 / 10; size += 1 + size / 20)
+        for (qsizetype size = 1; size < whole.size() * 9 / 10; size += 1 + size / 20) {
             EXPECT_NE(Failure(whole.first(size)), QString()) << format << ' ' << size;
+        }
     }
     const QByteArray gif = "GIF89a" + QByteArray("\1\0\1\0\x80\0\0", 7) +
                            QByteArray("\0\0\xff\xff\0\0", 6) +
                            QByteArray("\x2c\0\0\0\0\1\0\1\0\0\2\2\x4c\1\0;", 16);
     ASSERT_EQ(Failure(gif), QString());
-    for (qsizetype size = 1; size < gif.size() - 1; ++size)
+    for (qsizetype size = 1; size < gif.size() - 1; ++size) {
         EXPECT_NE(Failure(gif.first(size)), QString()) << size;
+    }
 }
 
 TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {

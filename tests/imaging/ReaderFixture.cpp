@@ -70,9 +70,10 @@ void WriteMarkers(jpeg_compress_struct& info, const JpegContent& content) {
         jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(marker.data()),
                           static_cast<unsigned>(marker.size()));
     }
-    if (!content.profile.isEmpty())
+    if (!content.profile.isEmpty()) {
         jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(content.profile.data()),
                                static_cast<unsigned>(content.profile.size()));
+    }
 }
 
 void SetUp(jpeg_compress_struct& info, const JpegContent& content) {
@@ -83,8 +84,9 @@ void SetUp(jpeg_compress_struct& info, const JpegContent& content) {
                           : content.channels == 3 ? JCS_RGB
                                                   : JCS_CMYK;
     jpeg_set_defaults(&info);
-    if (content.ycck)
+    if (content.ycck) {
         jpeg_set_colorspace(&info, JCS_YCCK);
+    }
     info.write_Adobe_marker = content.channels == 4 && content.adobeMarker;
     jpeg_set_quality(&info, 100, TRUE);
     for (int i = 0; i < info.num_components; ++i) {
@@ -93,8 +95,9 @@ void SetUp(jpeg_compress_struct& info, const JpegContent& content) {
     }
     info.density_unit = static_cast<UINT8>(content.densityUnit);
     info.X_density = info.Y_density = static_cast<UINT16>(content.density);
-    if (content.progressive)
+    if (content.progressive) {
         jpeg_simple_progression(&info);
+    }
 }
 
 }  // namespace
@@ -113,8 +116,9 @@ QByteArray Jpeg(const JpegContent& content) {
     QByteArray row(qsizetype{content.channels} * content.size.width(), '\0');
     auto* samples = reinterpret_cast<JSAMPLE*>(row.data());
     for (int y = 0; y < content.size.height(); ++y) {
-        for (int x = 0; x < content.size.width(); ++x)
+        for (int x = 0; x < content.size.width(); ++x) {
             content.pixel(x, y, samples + x * content.channels);
+        }
         jpeg_write_scanlines(&info, &samples, 1);
     }
     jpeg_finish_compress(&info);

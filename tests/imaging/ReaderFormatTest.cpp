@@ -41,8 +41,9 @@ TEST(ReaderFormat, EveryFormatGivesThePixelsThatWereWritten) {
         EXPECT_EQ(Colour(loaded, 0, 3), "#00ff00");
     }
     const QImage indexed = image.convertToFormat(QImage::Format_Indexed8);
-    for (const char* format : {"png", "tiff", "bmp"})
+    for (const char* format : {"png", "tiff", "bmp"}) {
         EXPECT_EQ(Colour(Read(Written(indexed, format)), 4, 0), "#0000ff") << format;
+    }
 }
 
 TEST(ReaderFormat, SixteenBitsAreRoundedToTheNearest) {

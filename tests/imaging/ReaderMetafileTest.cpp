@@ -9,8 +9,9 @@ constexpr int Width = 64;
 constexpr int Height = 48;
 
 QByteArray Padded(QByteArray bytes, qsizetype unit) {
-    while (bytes.size() % unit != 0)
+    while (bytes.size() % unit != 0) {
         bytes += '\0';
+    }
     return bytes;
 }
 
@@ -72,8 +73,9 @@ QByteArray WmfRecord(quint16 function, const QByteArray& parameters = {}) {
 QByteArray Wmf(const QByteArray& records, bool placeable = true) {
     const QByteArray body = records + WmfRecord(0);
     QByteArray file;
-    if (placeable)
+    if (placeable) {
         file = Packed<quint32>(0x9ac6cdd7) + Packed<qint16>(0, 0, 0, 640, 480, 960, 0, 0, 0);
+    }
     return file + Packed<quint16>(1, 9, 0x300) + Packed<quint32>(9 + body.size() / 2) +
            Packed<quint16>(4) + Packed<quint32>(100) + Packed<quint16>(0) + body;
 }
@@ -184,11 +186,13 @@ TEST(ReaderMetafile, WmfPolygonAndBitmap) {
 
 TEST(ReaderMetafile, DamagedFilesAreRefused) {
     const QByteArray emf = Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits()));
-    for (qsizetype size = 44; size < emf.size() - 12; size += 4)
+    for (qsizetype size = 44; size < emf.size() - 12; size += 4) {
         EXPECT_NE(Failure(emf.first(size)), QString()) << size;
+    }
     const QByteArray wmf = Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)));
-    for (qsizetype size = 18; size < wmf.size() - 2; size += 2)
+    for (qsizetype size = 18; size < wmf.size() - 2; size += 2) {
         EXPECT_NE(Failure(wmf.first(size)), QString()) << size;
+    }
 
     const QString damaged = Complaint("Die Datei ist beschädigt.");
     EXPECT_EQ(Failure(Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits().first(4)))), damaged);
@@ -202,8 +206,9 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
 TEST(ReaderMetafile, EndlessWorkIsRefused) {
     QByteArray records = EmfBrush(1, 0xff);
     const QByteArray fill = EmfRectangle(0, 0, Width, Height);
-    for (int i = 0; i < 200'000; ++i)
+    for (int i = 0; i < 200'000; ++i) {
         records += fill;
+    }
     EXPECT_EQ(Failure(Emf(records)), Complaint("Die Zeichnung ist zu umfangreich."));
 }
 

@@ -17,8 +17,9 @@ int LevelAt(int x, int y) {
 std::string Letters(const LoadedImage& loaded) {
     std::string letters;
     for (int y = 0; y < loaded.pixels.Height(); ++y) {
-        if (y > 0)
+        if (y > 0) {
             letters += '/';
+        }
         for (int x = 0; x < loaded.pixels.Width(); ++x) {
             const int level = qRed(loaded.pixels.Tile().pixel(x, y));
             letters += static_cast<char>('A' + (level + LevelStep / 2) / LevelStep);
@@ -30,8 +31,9 @@ std::string Letters(const LoadedImage& loaded) {
 QImage LetterImage() {
     QImage image(Columns, Rows, QImage::Format_RGB32);
     for (int y = 0; y < Rows; ++y) {
-        for (int x = 0; x < Columns; ++x)
+        for (int x = 0; x < Columns; ++x) {
             image.setPixelColor(x, y, QColor::fromHsv(0, 0, LevelAt(x, y)));
+        }
     }
     return image;
 }
@@ -56,13 +58,15 @@ QByteArray LetterPng(quint16 orientation) {
 QByteArray LetterTiff(quint16 orientation, quint16 bits, quint16 channels) {
     QByteArray pixels;
     for (int i = 0; i < Columns * Rows; ++i) {
-        for (int channel = 0; channel < channels; ++channel)
+        for (int channel = 0; channel < channels; ++channel) {
             pixels += bits == 16 ? LittleEndian(static_cast<quint16>(i * LevelStep * 257))
                                  : QByteArray(1, static_cast<char>(i * LevelStep));
+        }
     }
     QByteArray depths;
-    for (int channel = 0; channel < channels; ++channel)
+    for (int channel = 0; channel < channels; ++channel) {
         depths += LittleEndian(bits);
+    }
     return Tiff({Short(0x100, Columns), Short(0x101, Rows), TiffEntry{0x102, 3, depths},
                  Short(0x103, 1), Short(0x106, channels == 1 ? 1 : 2), Short(0x112, orientation),
                  Short(0x115, channels), Short(0x116, Rows)},
@@ -125,8 +129,9 @@ TEST(ReaderOrientation, HostileExifIsIgnored) {
         content.exif = exif;
         return Letters(Read(Jpeg(content)));
     };
-    for (qsizetype size = 1; size < good.size() - 4; ++size)
+    for (qsizetype size = 1; size < good.size() - 4; ++size) {
         EXPECT_EQ(lettersWith(good.first(size)), "ABC/DEF") << size;
+    }
     QByteArray farDirectory = good;
     farDirectory.replace(4, 4, "\xff\xff\xff\xff");
     EXPECT_EQ(lettersWith(farDirectory), "ABC/DEF");
