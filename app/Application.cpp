@@ -39,7 +39,9 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
         return Done;
     }
     if (first.startsWith(u'-') || arguments.size() > 2) {
-        errors << u"So kann Kadrona nicht gestartet werden.\n\n"_s << CommandLineHelp();
+        errors << u"Mit „%1“ kann Kadrona nicht gestartet werden.\nHilfe: kadrona --help"_s.arg(
+                      first.startsWith(u'-') ? first : arguments.value(2))
+               << Qt::endl;
         return WrongUsage;
     }
     return std::nullopt;

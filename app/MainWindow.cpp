@@ -28,16 +28,16 @@ constexpr int UndoLimit = 10;
 const QString LayoutSection = u"mainFm"_s;
 const QString CountValue = u"DBCount"_s;
 
-/// Whether enough of a window would be on a screen to take hold of it.
-bool IsReachable(const QRect& window) {
+/// The screen on which enough of a window would be to take hold of it; null when there is none.
+const QScreen* ScreenOf(const QRect& window) {
     const QRect grip(window.topLeft(), QSize(window.width(), 32));
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect visible = screen->availableGeometry().intersected(grip);
         if (visible.width() >= 64 && visible.height() >= 8) {
-            return true;
+            return screen;
         }
     }
-    return false;
+    return nullptr;
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ TmainFm::TmainFm(const core::TData::Folders& folders) {
     BuildViewPanel();
     BuildStatusBar();
     SetScreenTips();
-    resize(DesignedClientArea);
+    resize(DesignedClientArea.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     FormCreate(folders);
     ConnectActions();
     UpdateActions();
@@ -98,12 +98,13 @@ void TmainFm::FormDestroy() {
 }
 
 /// A saved edge of exactly 0 means that nothing is restored; so does a place that no screen shows
-/// any more.
+/// any more. On a smaller screen the window gets as large as that screen.
 void TmainFm::RestoreRectangle() {
     const QRect saved = data_->ReadLayerPosFromIni(LayoutSection);
-    if (saved.x() != 0 && saved.y() != 0 && IsReachable(saved)) {
+    const QScreen* screen = ScreenOf(saved);
+    if (saved.x() != 0 && saved.y() != 0 && screen != nullptr) {
         move(saved.topLeft());
-        resize(saved.size());
+        resize(saved.size().boundedTo(screen->availableSize()));
     }
 }
 

@@ -92,6 +92,7 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acRotateRightExecute();
     void QuarterTurn(int degrees);
     void RotatePhoto(int degrees);
+    void KeepTemplateOnPhoto();
     void ViewLayerNotify(int layer);
     void ViewMouseDown();
     void ViewKeyDown();

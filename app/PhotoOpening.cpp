@@ -65,6 +65,8 @@ void TmainFm::LoadImageFile(const QString& fileName) {
     actions_.SetChecked(u"acShowLayer"_s, false);
     UpdateActions();
     if (!read) {
+        view_->hide();
+        emptyState_->show();
         return;
     }
     controls::Guarded(this, [this] {

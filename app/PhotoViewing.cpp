@@ -56,9 +56,24 @@ void TmainFm::acZoomFullExecute() {
 
 void TmainFm::acUndoExecute() {
     imaging::LayeredImage& image = view_->Image();
-    if (image.CanUndo()) {
-        image.SetCurrentLayer(0);
-        image.Undo();
+    if (!image.CanUndo()) {
+        return;
+    }
+    image.SetCurrentLayer(0);
+    const QSize before = image.Photo().Size();
+    image.Undo();
+    if (image.Photo().Size() != before) {
+        KeepTemplateOnPhoto();
+        acZoomFitExecute();
+    }
+}
+
+/// A photo of another shape must not leave its template outside, where nobody can take hold of it.
+void TmainFm::KeepTemplateOnPhoto() {
+    const imaging::LayeredImage& image = view_->Image();
+    const QRect photo(QPoint(), image.Photo().Size());
+    if (image.LayerCount() >= 2 && !photo.contains(image.LayerAt(1).rectangle)) {
+        ViewLayerNotify(1);
     }
 }
 
@@ -79,6 +94,7 @@ void TmainFm::QuarterTurn(int degrees) {
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
     RotatePhoto(degrees);
+    KeepTemplateOnPhoto();
     if (!sheetCreated_ && image.LayerCount() >= 2) {
         image.SetCurrentLayer(1);
     }

@@ -1,12 +1,20 @@
 #include "app/PictureFileDialog.h"
 
 #include <QFileDialog>
+#include <QStandardPaths>
 
 #include "core/Data.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
+
+namespace {
+
+/// Wide enough for the columns of the list.
+constexpr QSize DialogSize(880, 560);
+
+}  // namespace
 
 QStringList NameFilters(const QString& pipeSeparated) {
     const QStringList parts = pipeSeparated.split(u'|');
@@ -19,7 +27,10 @@ QStringList NameFilters(const QString& pipeSeparated) {
 }
 
 std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& dialog) {
-    QFileDialog window(parent, u"Bild öffnen"_s, dialog.initialFolder);
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    QFileDialog window(parent, u"Bild öffnen"_s,
+                       dialog.initialFolder.isEmpty() ? pictures : dialog.initialFolder);
+    window.resize(DialogSize);
     window.setObjectName(u"OpenDialog"_s);
     window.setFileMode(QFileDialog::ExistingFile);
     window.setNameFilters(NameFilters(dialog.filter));

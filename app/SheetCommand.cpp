@@ -91,7 +91,8 @@ QStringList OutputFiles(const SheetRequest& request, const QStringList& photos) 
 void LoadTemplate(core::TData& data, const QString& name) {
     const auto index = static_cast<int>(data.GetSchablonenList().indexOf(name));
     if (index < 0) {
-        throw UsageError(u"Die Schablone „%1“ gibt es nicht."_s.arg(name));
+        throw UsageError(u"Die Schablone „%1“ gibt es nicht. Es gibt:\n  %2"_s.arg(
+            name, data.GetSchablonenList().join(u"\n  "_s)));
     }
     if (!data.MaskLoadFromFile(data.GetMaskFileName(index))) {
         throw UsageError(u"Die Datei der Schablone „%1“ fehlt."_s.arg(name));
@@ -200,7 +201,7 @@ int RunSheetCommand(const QStringList& arguments, QTextStream& progress, QTextSt
         data.InitSystem();
         return MakeSheets(request, data, progress, errors);
     } catch (const UsageError& error) {
-        errors << error.Text() << u"\n\n"_s << CommandLineHelp() << Qt::flush;
+        errors << error.Text() << u"\nHilfe: kadrona --help"_s << Qt::endl;
         return WrongUsage;
     } catch (const std::exception& error) {
         errors << QString::fromUtf8(error.what()) << Qt::endl;

@@ -25,7 +25,9 @@ TemplatePlace ParsePlace(const QString& text) {
 }
 
 int ParseLayout(const QString& text) {
-    const int index = core::SheetLayoutIndexOf(text.trimmed());
+    // "2x4" is meant as "2 x 4".
+    const QString name = QString(text).remove(u' ').replace(u"x"_s, u" x "_s);
+    const int index = core::SheetLayoutIndexOf(name);
     if (index < 0) {
         QStringList names;
         for (const core::SheetLayout& layout : core::SheetLayouts) {

@@ -105,14 +105,15 @@ QSize TemplateCanvas(const std::vector<TMask>& elements) {
     return {CanvasSide(canvas.left, canvas.right), CanvasSide(canvas.top, canvas.bottom)};
 }
 
-QImage DrawTemplate(const std::vector<TMask>& elements) {
-    QImage image(TemplateCanvas(elements), QImage::Format_ARGB32_Premultiplied);
+QImage DrawTemplate(const std::vector<TMask>& elements, int pixelsPerUnit) {
+    QImage image(TemplateCanvas(elements) * pixelsPerUnit, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
         throw TemplateFileError(
             u"Für die Zeichenfläche der Schablone reicht der Speicher nicht."_s);
     }
     image.fill(Qt::transparent);
     QPainter painter(&image);
+    painter.scale(pixelsPerUnit, pixelsPerUnit);
     int penWidth = 1;
     for (size_t i = 0; i < elements.size(); ++i) {
         const TMask& element = elements[i];

@@ -12,8 +12,9 @@ namespace kadrona::core {
 /// Throws TemplateFileError when there is no element, a side is 0 or longer than 10000 units.
 QSize TemplateCanvas(const std::vector<TMask>& elements);
 
-/// The template drawn on a canvas of TemplateCanvas, Format_ARGB32_Premultiplied; every pure white
-/// pixel is fully transparent. Drawn without antialiasing, so that white stays pure.
-QImage DrawTemplate(const std::vector<TMask>& elements);
+/// The template drawn on a canvas of TemplateCanvas times `pixelsPerUnit` (at least 1),
+/// Format_ARGB32_Premultiplied; every pure white pixel is fully transparent. Drawn without
+/// antialiasing, so that white stays pure.
+QImage DrawTemplate(const std::vector<TMask>& elements, int pixelsPerUnit = 1);
 
 }  // namespace kadrona::core

@@ -1,6 +1,7 @@
 // The template catalogue and the template layer over the photo.
 
 #include <QFileInfo>
+#include <algorithm>
 
 #include "core/Data.h"
 #include "core/LayerPosition.h"
@@ -20,6 +21,14 @@ constexpr int TemplateTransparency = 60;
 
 /// A template of a few dozen elements takes a few kilobytes.
 constexpr qint64 LargestTemplateFile = 16 << 20;
+
+/// Finely enough that outlines stay smooth on a large photo; a canvas larger than usual is drawn at
+/// its own size.
+int PixelsPerUnit(QSize canvas) {
+    constexpr int Finest = 4;
+    constexpr int LongestSide = 2800;
+    return std::clamp(LongestSide / std::max(canvas.width(), canvas.height()), 1, Finest);
+}
 
 /// A template that can be drawn; what is wrong with it names the file.
 std::vector<TMask> ReadTemplate(const QString& path) {
@@ -71,11 +80,11 @@ bool TData::MaskLoadFromFile(const QString& path) {
 void TData::DrawMask(imaging::ImageDisplay& view) {
     imaging::LayeredImage& image = view.Image();
     image.RemoveLayersAbovePhoto();
-    const QImage drawing = DrawTemplate(objectList_);
-    templateCanvas_ = drawing.size();
-    image.AddLayer({.pixels = imaging::Pixels(drawing),
-                    .rectangle = drawing.rect(),
-                    .transparency = TemplateTransparency});
+    templateCanvas_ = TemplateCanvas(objectList_);
+    image.AddLayer(
+        {.pixels = imaging::Pixels(DrawTemplate(objectList_, PixelsPerUnit(templateCanvas_))),
+         .rectangle = QRect(QPoint(), templateCanvas_),
+         .transparency = TemplateTransparency});
 }
 
 void TData::LoadLayer(imaging::ImageDisplay& view) {

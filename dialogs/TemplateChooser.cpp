@@ -38,6 +38,18 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     lbSchablonen_->setObjectName(u"lbSchablonen"_s);
     lbSchablonen_->setAccessibleName(u"Schablonen"_s);
     lbSchablonen_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this,
+            [this] { btnOk_->setEnabled(FormCloseQuery()); });
+    // A list that gets the focus makes its first row current without selecting it; the next key
+    // would then pass that row over.
+    connect(
+        lbSchablonen_, &QListWidget::currentRowChanged, this,
+        [this] {
+            if (SelectedTemplate() < 0) {
+                lbSchablonen_->selectionModel()->clearCurrentIndex();
+            }
+        },
+        Qt::QueuedConnection);
     btnRotateLeft_ =
         RotateButton(u"btnRotateLeft"_s, u"rotate-left"_s, u"Nach Links drehen"_s, TurnLeft);
     btnRotateRight_ =
@@ -46,6 +58,7 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     btnOk_->setObjectName(u"btnOk"_s);
     btnOk_->setToolTip(u"Schablone übernehmen"_s);
     btnOk_->setDefault(true);
+    btnOk_->setEnabled(false);
     connect(btnOk_, &QPushButton::clicked, this, &QDialog::accept);
     timer_ = new QTimer(this);
     timer_->setObjectName(u"Timer"_s);

@@ -30,6 +30,7 @@ TEST(SheetRequest, ReadsEveryOption) {
 TEST(SheetRequest, RefusesWhatMakesNoSense) {
     const QStringList valid{u"a.jpg"_s, u"--template"_s, u"Pass"_s, u"--out"_s, u"b.jpg"_s};
     EXPECT_NO_THROW(ParseSheetRequest(valid));
+    EXPECT_EQ(ParseSheetRequest(valid + QStringList{u"--layout"_s, u"3x3"_s}).layoutIndex, 7);
     EXPECT_THROW(ParseSheetRequest({}), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.mid(1)), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.first(3)), UsageError);

@@ -157,6 +157,7 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
         window->OpenDroppedFiles({installation.Path(name)});
         EXPECT_TRUE(Image().IsEmpty()) << name;
+        EXPECT_TRUE(window->findChild<QWidget*>(u"EmptyState"_s)->isVisible()) << name;
         EXPECT_FALSE(IsEnabled(u"acCrop"_s)) << name;
         for (const QString& action :
              {u"acRotateLeft"_s, u"acZoomFit"_s, u"acZoomFull"_s, u"acShowLayer"_s, u"acUndo"_s}) {
@@ -179,6 +180,16 @@ TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
     Trigger(u"acUndo"_s);
     EXPECT_EQ(Image().Photo().Size(), QSize(1200, 1600));
     EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+}
+
+TEST_F(Story, AQuarterTurnNeverLeavesTheTemplateOutside) {
+    Open("photo.png");
+    Image().SetLayerRectangle(1, QRect(850, 1150, 350, 450));
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_EQ(Template(), QRect(850, 750, 350, 450));
+    Image().SetLayerRectangle(1, QRect(1250, 0, 350, 450));
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Template(), QRect(850, 0, 350, 450));
 }
 
 TEST_F(Story, TheOpenDialogStartsInTheLastFolderAfterActivatingTheStandardProfile) {
@@ -251,11 +262,11 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
     platform::WriteRegistryInteger(u"DBCount"_s, 41);
     Start();
     window->move(30, 40);
-    window->resize(900, 700);
+    window->resize(790, 690);
     window->close();
     Start();
     EXPECT_EQ(window->pos(), QPoint(30, 40));
-    EXPECT_EQ(window->size(), QSize(900, 700));
+    EXPECT_EQ(window->size(), QSize(790, 690));
     platform::WriteRegistryInteger(u"DBCount"_s, 0);
     window.reset();
     EXPECT_EQ(platform::ReadRegistryInteger(u"DBCount"_s), 41) << "written back as it was read";

@@ -45,6 +45,8 @@ TEST_F(TemplateChooser, CannotBeClosedWithoutASelection) {
         shown.close();
         shown.findChild<QPushButton*>(u"btnOk"_s)->click();
         EXPECT_TRUE(shown.isVisible());
+        QTest::keyClick(&List(), Qt::Key_Home);
+        EXPECT_EQ(chooser.SelectedTemplate(), 0);
         List().setCurrentRow(2);
         shown.findChild<QPushButton*>(u"btnOk"_s)->click();
     });
