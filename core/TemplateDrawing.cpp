@@ -46,6 +46,19 @@ Qt::BrushStyle FillStyleOf(const TMask& element) {
     return ordinal < Styles.size() ? Styles.at(ordinal) : Qt::NoBrush;
 }
 
+/// Hatching becomes a picture that repeats, because it would not follow the painter's scale.
+QBrush BrushOf(const TMask& element) {
+    QBrush brush(ColourOf(element), FillStyleOf(element));
+    if (brush.style() >= Qt::HorPattern && brush.style() <= Qt::DiagCrossPattern) {
+        constexpr int Period = 8;
+        QImage period(Period, Period, QImage::Format_ARGB32_Premultiplied);
+        period.fill(Qt::transparent);
+        QPainter(&period).fillRect(period.rect(), brush);
+        brush.setTextureImage(period);
+    }
+    return brush;
+}
+
 /// The pixels between the element's edges, whichever edge is the greater; the right and the bottom
 /// edge are outside.
 QRect AreaOf(const TMask& element) {
@@ -117,7 +130,7 @@ QImage DrawTemplate(const std::vector<TMask>& elements, int pixelsPerUnit) {
     int penWidth = 1;
     for (size_t i = 0; i < elements.size(); ++i) {
         const TMask& element = elements[i];
-        const QBrush brush(ColourOf(element), FillStyleOf(element));
+        const QBrush brush = BrushOf(element);
         if (element.penWidth >= 0) {
             penWidth = std::clamp(element.penWidth, 1, FarthestCoordinate);
         }
