@@ -101,6 +101,9 @@ MetafilePicture ReadEmfHeader(QByteArrayView file) {
     if (picture.frame.width() <= 0 || picture.frame.height() <= 0) {
         picture.frame = bounds.adjusted(0, 0, 1, 1);  // the bounds are inclusive
     }
+    if (picture.frame.width() <= 0 || picture.frame.height() <= 0) {
+        throw MetafileFault::Damaged;
+    }
     picture.widthInInches =
         picture.frame.width() / picture.dotsPerMillimetre.width() / MillimetresPerInch;
     return picture;

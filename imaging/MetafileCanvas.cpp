@@ -7,8 +7,8 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// Far outside of every picture, yet small enough for the painter's arithmetic.
-constexpr double FarthestCoordinate = 1e6;
+/// Far outside of every picture, yet not so far that the painter takes long on its way there.
+constexpr double FarthestCoordinate = 1e5;
 
 double Clamped(double coordinate) {
     return std::isfinite(coordinate)
@@ -144,16 +144,33 @@ QPen MetafileCanvas::ScaledPen() const {
     return pen;
 }
 
+void MetafileCanvas::Stroke(const QPainterPath& imagePath, double length) {
+    constexpr double MaximumDashes = 10'000;
+    constexpr double DashWork = 1000;
+    QPen pen = ScaledPen();
+    if (pen.style() != Qt::SolidLine) {
+        // The painter makes every dash, also far outside of the picture.
+        const double dashes = length / pen.widthF();
+        if (dashes > MaximumDashes) {
+            pen.setStyle(Qt::SolidLine);
+        } else {
+            Charge(DashWork * dashes);
+        }
+    }
+    // GDI's lines run through the middle of the pixels.
+    const double half = 0.5 * ScaleOf(deviceToImage_);
+    painter_.strokePath(imagePath.translated(half, half), pen);
+}
+
 void MetafileCanvas::Paint(const QPainterPath& imagePath, ShapePainting painting) {
     const QRectF visible = imagePath.controlPointRect() & QRectF(target_.rect());
     double length = 0;
     for (int i = 1; i < imagePath.elementCount(); ++i) {
-        length +=
-            std::min<double>((QPointF(imagePath.elementAt(i)) - QPointF(imagePath.elementAt(i - 1)))
-                                 .manhattanLength(),
-                             target_.width() + target_.height());
+        length += (QPointF(imagePath.elementAt(i)) - QPointF(imagePath.elementAt(i - 1)))
+                      .manhattanLength();
     }
-    Charge(visible.width() * visible.height() + 16 * length + 100.0 * imagePath.elementCount());
+    // The painter follows an edge for its whole length, also outside of the picture.
+    Charge(visible.width() * visible.height() + 4 * length + 100.0 * imagePath.elementCount());
 
     const auto composition = PenComposition(state_.rasterOperation);
     painter_.setCompositionMode(composition);
@@ -164,9 +181,7 @@ void MetafileCanvas::Paint(const QPainterPath& imagePath, ShapePainting painting
         painter_.fillPath(imagePath, state_.brush);
     }
     if (painting != ShapePainting::Fill && state_.pen.style() != Qt::NoPen) {
-        // GDI's lines run through the middle of the pixels.
-        const double half = 0.5 * ScaleOf(deviceToImage_);
-        painter_.strokePath(imagePath.translated(half, half), ScaledPen());
+        Stroke(imagePath, length);
     }
     painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
     hasDrawn_ = true;

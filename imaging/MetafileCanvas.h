@@ -100,6 +100,8 @@ class MetafileCanvas {
     QTransform ToImage() const;
     QPainterPath ToImage(const QPainterPath& path) const;
     QPen ScaledPen() const;
+    /// `length` is the path's.
+    void Stroke(const QPainterPath& imagePath, double length);
     void Paint(const QPainterPath& imagePath, ShapePainting painting);
     void Charge(double work);
     void NoteFineness(const BitmapDrawing& drawing, const QTransform& toImage);

@@ -14,8 +14,9 @@ namespace kadrona::imaging {
 
 namespace {
 
-bool IsDrawnDocument(const QByteArray& format) {
-    return format == "svg" || format == "svgz" || format == "pdf";
+/// Documents that draw, and Apple's icons, whose plug-in allocates whatever a header says.
+bool IsUnwanted(const QByteArray& format) {
+    return format == "svg" || format == "svgz" || format == "pdf" || format == "icns";
 }
 
 void JumpToLargestIcon(QImageReader& reader) {
@@ -75,7 +76,7 @@ DecodedImage ReadByPlugin(const ReadTask& task) {
     QImageReader reader(&task.Device());
     reader.setAutoTransform(false);
     const QByteArray format = reader.format();  // none any more once it was read
-    if (!reader.canRead() || IsDrawnDocument(format)) {
+    if (!reader.canRead() || IsUnwanted(format)) {
         task.Fail(ReasonOf(QImageReader::UnsupportedFormatError));
     }
     if (format == "ico") {

@@ -10,8 +10,8 @@ namespace kadrona::imaging {
 void LimitAllocations(qint64 maximumPixels);
 
 /// Decodes a file with Qt's image plug-ins, which tell its format from its content: the first page
-/// or frame, of an icon file the largest image. Documents that draw (SVG, PDF) are refused: they
-/// are no photos, and may name other files. Throws ReadError.
+/// or frame, of an icon file the largest image. Documents that draw (SVG, PDF) are refused, as they
+/// may name other files, and so are Apple's icons. Throws ReadError.
 DecodedImage ReadByPlugin(const ReadTask& task);
 
 }  // namespace kadrona::imaging

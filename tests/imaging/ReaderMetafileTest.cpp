@@ -199,6 +199,9 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
     EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 4))), damaged);
     EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 0xfffffffc))),
               Complaint("Die Datei ist unvollständig."));
+    QByteArray turnedAround = emf;
+    turnedAround.replace(8, 32, Packed<qint32>(9, 9, -9, -9, 9, 9, -9, -9));
+    EXPECT_EQ(Failure(turnedAround), damaged);
     EXPECT_EQ(Failure(Emf(EmfRecord(3, Bounds() + Packed<quint32>(0xffffffff)))), damaged);
     EXPECT_EQ(Failure(Emf({})), Complaint("Die Datei enthält nichts, was sich darstellen lässt."));
 }
