@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "imaging/ImageMetadata.h"
 #include "imaging/Pixels.h"
 #include "imaging/Resolution.h"
 #include "platform/Error.h"
@@ -20,8 +21,10 @@ QStringList WritableExtensions();
 
 /// Writes a picture in the format that the extension of `path` names (.jpg .jpeg .png .bmp .tif
 /// .tiff), through a temporary file that is renamed when complete. The resolution reads back as
-/// exactly the integer given; JPEG is written at quality 95, 4:4:4. A grid is written row by row
-/// and never unrolled. Alpha is laid over white. Throws WriteError.
-void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution);
+/// exactly the integer given; JPEG is written at quality 95, 4:4:4. The metadata
+/// is written where the format can hold it. A grid is written row by row and never unrolled. Alpha
+/// is laid over white. Throws WriteError.
+void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
+                    const ImageMetadata& metadata = {});
 
 }  // namespace kadrona::imaging
