@@ -31,6 +31,14 @@ void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
 void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
                const ImageMetadata& metadata);
 
+/// JPEG 2000, lossy at the quality of the JPEGs; the resolution stands in its own box and in EXIF.
+void WriteJpeg2000(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+                   const ImageMetadata& metadata);
+
+/// One page as large as the picture, at 72 dots per inch where the resolution is unknown; lossless.
+void WritePdf(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+              const ImageMetadata& metadata);
+
 /// Appends to a file. Throws platform::Error with the system's reason.
 void WriteBytes(QIODevice& device, const void* bytes, qint64 count);
 

@@ -21,8 +21,9 @@ struct Format {
 };
 
 constexpr std::array Formats{
-    Format{"jpg"_L1, WriteJpeg}, Format{"jpeg"_L1, WriteJpeg}, Format{"png"_L1, WritePng},
-    Format{"bmp"_L1, WriteBmp},  Format{"tif"_L1, WriteTiff},  Format{"tiff"_L1, WriteTiff},
+    Format{"jpg"_L1, WriteJpeg},  Format{"jpeg"_L1, WriteJpeg}, Format{"jp2"_L1, WriteJpeg2000},
+    Format{"png"_L1, WritePng},   Format{"bmp"_L1, WriteBmp},   Format{"tif"_L1, WriteTiff},
+    Format{"tiff"_L1, WriteTiff}, Format{"pdf"_L1, WritePdf},
 };
 
 const Format& FormatOf(const QString& path) {
