@@ -1,4 +1,3 @@
-#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -13,7 +12,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr double PointsPerInch = 72;
+constexpr qint64 PointsPerInch = 72;
 
 /// The objects in the order in which they stand in the file.
 enum class Object { Catalogue = 1, Pages, Page, Content, Image, ImageLength, Profile, Info };
@@ -68,14 +67,14 @@ class PdfFile {
     std::vector<qint64> offsets_;
 };
 
-/// Points that so many pixels measure. Never more than they do, by less than a millionth: a reader
-/// that rounds up to whole pixels would otherwise add one.
+/// Points that so many pixels measure, a third of a nanometre less at most. Never exactly as many
+/// and never more: readers take a page that ends where a pixel begins for one pixel larger.
 QByteArray Points(int pixels, DotsPerInch resolution) {
-    constexpr int Decimals = 6;
-    constexpr double Scale = 1e6;
-    const double dotsPerInch = resolution.value > 0 ? resolution.value : PointsPerInch;
-    const double points = pixels * PointsPerInch / dotsPerInch;
-    return QByteArray::number(std::floor(points * Scale) / Scale, 'f', Decimals);
+    constexpr qint64 PerPoint = 1'000'000;
+    const qint64 dotsPerInch = resolution.value > 0 ? resolution.value : PointsPerInch;
+    const qint64 millionths = (pixels * PointsPerInch * PerPoint - 1) / dotsPerInch;
+    return QByteArray::number(millionths / PerPoint) + '.' +
+           QByteArray::number(millionths % PerPoint).rightJustified(6, '0');
 }
 
 QByteArray LiteralString(QByteArray text) {
