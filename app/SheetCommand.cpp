@@ -7,6 +7,7 @@
 #include "core/FileNaming.h"
 #include "core/LayerPosition.h"
 #include "core/PhotoLoading.h"
+#include "core/Product.h"
 #include "core/StoredSettings.h"
 #include "core/UserInterface.h"
 #include "imaging/ImageWriter.h"
@@ -156,7 +157,8 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
         errors << photo << u": "_s << core::TooBrightWarning << Qt::endl;
     }
     data.CropImage(view, request.layoutIndex.value_or(settings.ImageCount()));
-    imaging::WriteImageFile(output, image.Photo(), image.Resolution());
+    imaging::WriteImageFile(output, image.Photo(), image.Resolution(),
+                            {core::SoftwareText.toByteArray()});
     return u"%1 x %2 Pixel, %3 dpi"_s.arg(image.Photo().Width())
         .arg(image.Photo().Height())
         .arg(image.Resolution().value);

@@ -89,7 +89,7 @@ QString CommandLineHelp() {
 Optionen von „sheet“:
   --template NAME         Schablone, wie sie im Programm heißt
   --out DATEI|ORDNER      Ziel; die Endung bestimmt das Format
-                          (.jpg .jpeg .png .bmp .tif .tiff)
+                          (.jpg .jpeg .jp2 .png .bmp .tif .tiff .pdf)
   --layout "2 x 4"        Aufteilung des Bogens; sonst die des Profils
   --at LINKS,OBEN,BREITE  Lage der Schablone in Pixeln des Fotos; sonst die
                           für Fotos dieser Größe gespeicherte

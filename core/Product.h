@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QStringView>
 
 namespace kadrona::core {
@@ -8,6 +9,8 @@ namespace kadrona::core {
 inline constexpr QStringView ApplicationTitle = u"Biometrische Kadrona Prof";
 inline constexpr QStringView WindowCaption = u"Kadrona 6.0 Prof";
 inline constexpr QStringView MakerLine = u"© Veltmark";
+/// Names the program in the files that it writes.
+inline constexpr QByteArrayView SoftwareText = "KDR 6 Prof by www.veltmark.example";
 inline constexpr QStringView MakerHomePage = u"https://www.veltmark.example/kadrona";
 
 }  // namespace kadrona::core

@@ -37,7 +37,8 @@ QByteArray Headers(const RowSource& rows, quint32 pixelBytes, DotsPerInch resolu
 
 }  // namespace
 
-void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution) {
+void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+              const ImageMetadata& /*metadata*/) {
     const RowSource rows(pixels, ChannelOrder::BlueFirst);
     // Rows begin at multiples of four bytes.
     const qint64 stride = (rows.BytesPerRow() + 3) / 4 * 4;

@@ -8,72 +8,115 @@ namespace kadrona::imaging {
 
 namespace {
 
-enum class FieldType : quint16 { Short = 3, Long = 4, Rational = 5, Undefined = 7 };
+enum class FieldType : quint16 { Ascii = 2, Short = 3, Long = 4, Rational = 5, Undefined = 7 };
 
 struct Field {
     quint16 tag;
     FieldType type;
     quint32 count;
-    /// The value, or its offset where it takes more than four bytes.
-    quint32 value;
+    /// As it stands in the file.
+    QByteArray value;
 };
+using Fields = std::vector<Field>;
 
 constexpr quint32 HeaderBytes = 8;
+constexpr qsizetype InlineBytes = 4;
 
-constexpr quint32 DirectoryBytes(size_t fields) {
-    return static_cast<quint32>(2 + 12 * fields + 4);
+template <typename... Numbers>
+QByteArray LittleEndian(Numbers... numbers) {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(QDataStream::LittleEndian);
+    (stream << ... << numbers);
+    return bytes;
 }
 
-/// Four bytes of a field as the number that is written for them.
-constexpr quint32 FourBytes(quint32 a, quint32 b, quint32 c, quint32 d) {
-    return a | b << 8 | c << 16 | d << 24;
+Field Short(quint16 tag, quint16 value) {
+    return {tag, FieldType::Short, 1, LittleEndian(value)};
 }
 
-void WriteDirectory(QDataStream& stream, const std::vector<Field>& fields) {
+Field Long(quint16 tag, int value) {
+    return {tag, FieldType::Long, 1, LittleEndian(static_cast<quint32>(value))};
+}
+
+Field Whole(quint16 tag, int value) {
+    return {tag, FieldType::Rational, 1, LittleEndian(static_cast<quint32>(value), quint32{1})};
+}
+
+Field Undefined(quint16 tag, const char (&value)[5]) {
+    return {tag, FieldType::Undefined, 4, QByteArray(value, 4)};
+}
+
+/// `text` must not be empty. The zero behind it is part of the value.
+Field Ascii(quint16 tag, const QByteArray& text) {
+    return {tag, FieldType::Ascii, static_cast<quint32>(text.size() + 1), text + '\0'};
+}
+
+/// A directory that stands `offset` bytes from the start of the block, and behind it the values
+/// that take more than four bytes.
+QByteArray Directory(const Fields& fields, quint32 offset) {
+    QByteArray directory;
+    QByteArray values;
+    const auto valuesOffset = offset + static_cast<quint32>(2 + 12 * fields.size() + 4);
+    QDataStream stream(&directory, QIODevice::WriteOnly);
+    stream.setByteOrder(QDataStream::LittleEndian);
     stream << static_cast<quint16>(fields.size());
     for (const Field& field : fields) {
-        stream << field.tag << static_cast<quint16>(field.type) << field.count << field.value;
+        stream << field.tag << static_cast<quint16>(field.type) << field.count;
+        if (field.value.size() <= InlineBytes) {
+            stream.writeRawData(field.value.leftJustified(InlineBytes, '\0').constData(),
+                                InlineBytes);
+            continue;
+        }
+        stream << valuesOffset + static_cast<quint32>(values.size());
+        values.append(field.value);
+        if (values.size() % 2 != 0) {
+            values.append('\0');  // a value begins at an even offset
+        }
     }
     stream << quint32{0};  // no further directory
+    return directory + values;
 }
 
-std::vector<Field> ExifFields(QSize size) {
-    constexpr quint32 Srgb = 1;
+Fields ImageFields(DotsPerInch resolution, const ImageMetadata& metadata) {
+    constexpr quint16 Inch = 2;
+    constexpr quint16 Centred = 1;
+    Fields fields;
+    if (resolution.value > 0) {
+        fields.push_back(Whole(0x011a, resolution.value));  // XResolution
+        fields.push_back(Whole(0x011b, resolution.value));  // YResolution
+        fields.push_back(Short(0x0128, Inch));              // ResolutionUnit
+    }
+    if (!metadata.software.isEmpty()) {
+        fields.push_back(Ascii(0x0131, metadata.software));
+    }
+    fields.push_back(Short(0x0213, Centred));  // YCbCrPositioning
+    return fields;
+}
+
+Fields ExifFields(QSize size) {
+    constexpr quint16 Srgb = 1;
     return {
-        {0x9000, FieldType::Undefined, 4, FourBytes('0', '2', '3', '2')},  // ExifVersion
-        {0x9101, FieldType::Undefined, 4, FourBytes(1, 2, 3, 0)},  // ComponentsConfiguration YCbCr
-        {0xa000, FieldType::Undefined, 4, FourBytes('0', '1', '0', '0')},  // FlashpixVersion
-        {0xa001, FieldType::Short, 1, Srgb},                               // ColorSpace
-        {0xa002, FieldType::Long, 1, static_cast<quint32>(size.width())},
-        {0xa003, FieldType::Long, 1, static_cast<quint32>(size.height())},
+        Undefined(0x9000, "0232"),      // ExifVersion
+        Undefined(0x9101, "\1\2\3\0"),  // ComponentsConfiguration: YCbCr
+        Undefined(0xa000, "0100"),      // FlashpixVersion
+        Short(0xa001, Srgb),            // ColorSpace
+        Long(0xa002, size.width()),    Long(0xa003, size.height()),
     };
 }
 
 }  // namespace
 
-QByteArray ExifBlock(QSize size, DotsPerInch resolution) {
-    constexpr quint32 Inch = 2;
-    constexpr quint32 Centred = 1;
-    constexpr quint32 RationalBytes = 8;
-    constexpr quint32 XOffset = HeaderBytes + DirectoryBytes(5);
-    constexpr quint32 YOffset = XOffset + RationalBytes;
-    constexpr quint32 ExifOffset = YOffset + RationalBytes;
+QByteArray ExifBlock(QSize size, DotsPerInch resolution, const ImageMetadata& metadata) {
+    Fields fields = ImageFields(resolution, metadata);
+    fields.push_back(Long(0x8769, 0));  // where the EXIF directory stands
+    const qsizetype imageBytes = Directory(fields, HeaderBytes).size();
+    fields.back() = Long(0x8769, static_cast<int>(HeaderBytes + imageBytes));
 
-    QByteArray block("Exif\0\0", 6);
-    QDataStream stream(&block, QIODevice::WriteOnly | QIODevice::Append);
-    stream.setByteOrder(QDataStream::LittleEndian);
-    stream.writeRawData("II", 2);
-    stream << quint16{42} << HeaderBytes;
-    WriteDirectory(stream, {
-                               {0x011a, FieldType::Rational, 1, XOffset},  // XResolution
-                               {0x011b, FieldType::Rational, 1, YOffset},  // YResolution
-                               {0x0128, FieldType::Short, 1, Inch},        // ResolutionUnit
-                               {0x0213, FieldType::Short, 1, Centred},     // YCbCrPositioning
-                               {0x8769, FieldType::Long, 1, ExifOffset},
-                           });
-    const auto dotsPerInch = static_cast<quint32>(resolution.value);
-    stream << dotsPerInch << quint32{1} << dotsPerInch << quint32{1};
-    WriteDirectory(stream, ExifFields(size));
+    QByteArray block("II");
+    block += LittleEndian(quint16{42}, HeaderBytes);
+    block += Directory(fields, HeaderBytes);
+    block += Directory(ExifFields(size), static_cast<quint32>(block.size()));
     return block;
 }
 

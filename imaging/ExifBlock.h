@@ -3,12 +3,14 @@
 #include <QByteArray>
 #include <QSize>
 
+#include "imaging/ImageMetadata.h"
 #include "imaging/Resolution.h"
 
 namespace kadrona::imaging {
 
-/// Content of a JPEG's APP1 segment with what the EXIF standard (CIPA DC-008, tables 4 and 5)
-/// demands of a colour picture: resolution in dots per inch, sRGB, size in pixels.
-QByteArray ExifBlock(QSize size, DotsPerInch resolution);
+/// A small TIFF file with what the EXIF standard (CIPA DC-008, tables 4 and 5) demands of a colour
+/// picture: resolution in dots per inch, sRGB, size in pixels; and the metadata. An unknown
+/// resolution is left out.
+QByteArray ExifBlock(QSize size, DotsPerInch resolution, const ImageMetadata& metadata);
 
 }  // namespace kadrona::imaging

@@ -16,12 +16,14 @@ namespace {
 
 struct Format {
     QLatin1StringView extension;
-    void (*write)(QIODevice& device, const Pixels& pixels, DotsPerInch resolution);
+    void (*write)(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+                  const ImageMetadata& metadata);
 };
 
 constexpr std::array Formats{
-    Format{"jpg"_L1, WriteJpeg}, Format{"jpeg"_L1, WriteJpeg}, Format{"png"_L1, WritePng},
-    Format{"bmp"_L1, WriteBmp},  Format{"tif"_L1, WriteTiff},  Format{"tiff"_L1, WriteTiff},
+    Format{"jpg"_L1, WriteJpeg},  Format{"jpeg"_L1, WriteJpeg}, Format{"jp2"_L1, WriteJpeg2000},
+    Format{"png"_L1, WritePng},   Format{"bmp"_L1, WriteBmp},   Format{"tif"_L1, WriteTiff},
+    Format{"tiff"_L1, WriteTiff}, Format{"pdf"_L1, WritePdf},
 };
 
 const Format& FormatOf(const QString& path) {
@@ -35,13 +37,14 @@ const Format& FormatOf(const QString& path) {
         extension, WritableExtensions().join(u", ."_s)));
 }
 
-void Write(const QString& path, const Pixels& pixels, DotsPerInch resolution) {
+void Write(const QString& path, const Pixels& pixels, DotsPerInch resolution,
+           const ImageMetadata& metadata) {
     const Format& format = FormatOf(path);
     if (pixels.IsEmpty()) {
         throw platform::Error(u"Das Bild ist leer."_s);
     }
     platform::AtomicFile file(path);
-    format.write(file.Device(), pixels, resolution);
+    format.write(file.Device(), pixels, resolution, metadata);
     file.Commit();
 }
 
@@ -55,13 +58,14 @@ QStringList WritableExtensions() {
     return extensions;
 }
 
-void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution) {
+void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
+                    const ImageMetadata& metadata) {
     const auto text = [&](const QString& reason) {
         return u"Die Datei „%1“ konnte nicht gespeichert werden: %2"_s.arg(
             QDir::toNativeSeparators(path), reason);
     };
     try {
-        Write(path, pixels, resolution);
+        Write(path, pixels, resolution, metadata);
     } catch (const platform::FileError& error) {
         // Names the file already.
         throw WriteError(error.Text());

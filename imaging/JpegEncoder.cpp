@@ -124,18 +124,21 @@ std::vector<QByteArray> SplitAtMarkers(QByteArrayView scan) {
 
 }  // namespace
 
-QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution) {
+QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetadata& metadata) {
     const QByteArray profile = SrgbProfile();
-    const QByteArray exif = resolution.value > 0 ? ExifBlock(size, resolution) : QByteArray();
+    const bool known = resolution.value > 0;
+    QByteArray exif;
+    if (known || !metadata.software.isEmpty()) {
+        exif = QByteArray("Exif\0\0", 6) + ExifBlock(size, resolution, metadata);
+    }
     Compressor compressor;
     compressor.Start(size, [&](jpeg_compress_struct& info) {
         constexpr UINT8 AspectRatio = 0;
         constexpr UINT8 PerInch = 1;
-        const bool known = resolution.value > 0;
         info.density_unit = known ? PerInch : AspectRatio;
         info.X_density = info.Y_density = static_cast<UINT16>(known ? resolution.value : 1);
         jpeg_start_compress(&info, TRUE);
-        if (known) {
+        if (!exif.isEmpty()) {
             WriteSegment(info, JPEG_APP0 + 1, exif);
         }
         jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(profile.constData()),

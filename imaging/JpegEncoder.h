@@ -4,6 +4,7 @@
 #include <QSize>
 #include <vector>
 
+#include "imaging/ImageMetadata.h"
 #include "imaging/Resolution.h"
 #include "imaging/RowSource.h"
 
@@ -28,7 +29,7 @@ constexpr int JpegMaximumDotsPerInch = 65535;
 
 /// Everything before the entropy-coded data. `size` and `resolution` are within the limits above.
 /// Throws platform::Error.
-QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution);
+QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetadata& metadata);
 
 /// The entropy-coded data of the MCU rows `first` to `first + count - 1`, without markers. `rows`
 /// have red first. Throws platform::Error.

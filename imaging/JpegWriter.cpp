@@ -89,7 +89,8 @@ class ScanWriter {
 
 }  // namespace
 
-void WriteJpeg(QIODevice& device, const Pixels& pixels, DotsPerInch resolution) {
+void WriteJpeg(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+               const ImageMetadata& metadata) {
     if (std::max(pixels.Width(), pixels.Height()) > JpegMaximumLength) {
         throw platform::Error(
             u"JPEG fasst höchstens %1 Bildpunkte in jeder Richtung, das Bild hat %2 × %3."_s
@@ -103,7 +104,7 @@ void WriteJpeg(QIODevice& device, const Pixels& pixels, DotsPerInch resolution) 
                                   .arg(resolution.value));
     }
     const RowSource rows(pixels, ChannelOrder::RedFirst);
-    const QByteArray header = EncodeJpegHeader(pixels.Size(), resolution);
+    const QByteArray header = EncodeJpegHeader(pixels.Size(), resolution, metadata);
     WriteBytes(device, header.constData(), header.size());
     ScanWriter(device, rows).Write();
 }

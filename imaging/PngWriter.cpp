@@ -69,7 +69,8 @@ class PngFile {
     QString reason_;
 };
 
-void WriteHeader(png_structp png, png_infop info, const RowSource& rows, DotsPerInch resolution) {
+void WriteHeader(png_structp png, png_infop info, const RowSource& rows, DotsPerInch resolution,
+                 const ImageMetadata& metadata) {
     constexpr int BitsPerChannel = 8;
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_IHDR(png, info, static_cast<png_uint_32>(rows.Width()),
@@ -80,19 +81,28 @@ void WriteHeader(png_structp png, png_infop info, const RowSource& rows, DotsPer
         const auto dotsPerMetre = static_cast<png_uint_32>(DotsPerMetre(resolution));
         png_set_pHYs(png, info, dotsPerMetre, dotsPerMetre, PNG_RESOLUTION_METER);
     }
+    if (!metadata.software.isEmpty()) {
+        std::array<char, 9> keyword{"Software"};
+        png_text text{};
+        text.compression = PNG_TEXT_COMPRESSION_NONE;
+        text.key = keyword.data();
+        text.text = const_cast<char*>(metadata.software.constData());  // libpng copies it
+        png_set_text(png, info, &text, 1);
+    }
     png_write_info(png, info);
 }
 
 }  // namespace
 
-void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution) {
+void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+              const ImageMetadata& metadata) {
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     std::vector<uchar> row(static_cast<size_t>(rows.BytesPerRow()));
     PngFile file(device);
     file.Run([&](png_structp png, png_infop info) {
         png_set_compression_level(png, CompressionLevel);
         png_set_filter(png, PNG_FILTER_TYPE_BASE, Filter);
-        WriteHeader(png, info, rows, resolution);
+        WriteHeader(png, info, rows, resolution, metadata);
         for (int y = 0; y < rows.Height(); ++y) {
             rows.CopyRow(y, row.data());
             png_write_row(png, row.data());

@@ -86,7 +86,8 @@ int RowsPerStrip(const RowSource& rows) {
         std::clamp(StripBytes / rows.BytesPerRow(), qint64{1}, qint64{rows.Height()}));
 }
 
-bool SetFields(TIFF* tiff, const RowSource& rows, DotsPerInch resolution) {
+bool SetFields(TIFF* tiff, const RowSource& rows, DotsPerInch resolution,
+               const ImageMetadata& metadata) {
     const QByteArray profile = SrgbProfile();
     bool done =
         TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<quint32>(rows.Width())) &&
@@ -107,6 +108,9 @@ bool SetFields(TIFF* tiff, const RowSource& rows, DotsPerInch resolution) {
         done = TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH) &&
                TIFFSetField(tiff, TIFFTAG_XRESOLUTION, dotsPerInch) &&
                TIFFSetField(tiff, TIFFTAG_YRESOLUTION, dotsPerInch);
+    }
+    if (done && !metadata.software.isEmpty()) {
+        done = TIFFSetField(tiff, TIFFTAG_SOFTWARE, metadata.software.constData());
     }
     return done;
 }
@@ -130,14 +134,16 @@ bool WriteStrips(TIFF* tiff, const RowSource& rows) {
 
 }  // namespace
 
-void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution) {
+void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
+               const ImageMetadata& metadata) {
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     if (rows.BytesPerRow() * rows.Height() > std::numeric_limits<quint32>::max()) {
         throw platform::Error(u"Das Bild ist zu groß: TIFF fasst höchstens 4 GiB."_s);
     }
     Target target{device, {}};
     const TiffFile file = OpenTiff(target);
-    if (!file || !SetFields(file.get(), rows, resolution) || !WriteStrips(file.get(), rows)) {
+    if (!file || !SetFields(file.get(), rows, resolution, metadata) ||
+        !WriteStrips(file.get(), rows)) {
         throw platform::Error(target.reason);
     }
 }

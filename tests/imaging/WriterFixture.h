@@ -40,31 +40,6 @@ inline QImage Unrolled(const QImage& tile, int columns, int rows) {
     return image;
 }
 
-class WriterTest : public ::testing::Test {
- protected:
-    QString PathOf(const QString& name) const { return folder_.filePath(name); }
-
-    /// Names of the files in the folder, hidden and temporary ones too.
-    QStringList Files() const {
-        return QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
-    }
-
-    QByteArray Bytes(const QString& name) const {
-        QFile file(PathOf(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }
-
-    QImage ReadBack(const QString& name) const {
-        QImageReader reader(PathOf(name));
-        QImage image = reader.read();
-        EXPECT_FALSE(image.isNull()) << qPrintable(name + reader.errorString());
-        return image;
-    }
-
-    QTemporaryDir folder_;
-};
-
 /// What an outside program says about a file.
 struct ProgramResult {
     int exitCode = -1;
@@ -85,5 +60,59 @@ inline ProgramResult RunProgram(const QString& program, const QStringList& argum
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
+
+/// Extensions of the formats that Qt reads, with their resolution.
+const QStringList RasterExtensions{QStringLiteral("jpg"), QStringLiteral("jpeg"),
+                                   QStringLiteral("png"), QStringLiteral("bmp"),
+                                   QStringLiteral("tif"), QStringLiteral("tiff")};
+
+class WriterTest : public ::testing::Test {
+ protected:
+    QString PathOf(const QString& name) const { return folder_.filePath(name); }
+
+    /// Names of the files in the folder, hidden and temporary ones too.
+    QStringList Files() const {
+        return QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    }
+
+    QByteArray Bytes(const QString& name) const {
+        QFile file(PathOf(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    /// The pixels of a file. Where Qt does not know its format an outside program decodes it.
+    QImage ReadBack(const QString& name) const {
+        const QString path = PathOf(name);
+        const QString decoded = PathOf(QStringLiteral("decoded"));
+        if (name.endsWith(QStringLiteral(".pdf"))) {
+            RunProgram(QStringLiteral("pdfimages"), {QStringLiteral("-png"), path, decoded});
+            return ReadAndRemoved(decoded + QStringLiteral("-000.png"));
+        }
+        if (name.endsWith(QStringLiteral(".jp2"))) {
+            const QString pixels = decoded + QStringLiteral(".ppm");
+            RunProgram(QStringLiteral("opj_decompress"),
+                       {QStringLiteral("-i"), path, QStringLiteral("-o"), pixels});
+            return ReadAndRemoved(pixels);
+        }
+        return Read(path);
+    }
+
+    QTemporaryDir folder_;
+
+ private:
+    static QImage Read(const QString& path) {
+        QImageReader reader(path);
+        QImage image = reader.read();
+        EXPECT_FALSE(image.isNull()) << qPrintable(path + reader.errorString());
+        return image;
+    }
+
+    static QImage ReadAndRemoved(const QString& path) {
+        QImage image = Read(path);
+        QFile::remove(path);
+        return image;
+    }
+};
 
 }  // namespace kadrona::imaging

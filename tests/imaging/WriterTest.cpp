@@ -13,7 +13,15 @@ namespace kadrona::imaging {
 
 namespace {
 
-const QStringList LosslessFiles{u"a.png"_s, u"a.bmp"_s, u"a.tif"_s};
+QStringList FindLosslessFiles() {
+    QStringList files{u"a.png"_s, u"a.bmp"_s, u"a.tif"_s};
+    if (IsInstalled(u"pdfimages"_s)) {
+        files.append(u"a.pdf"_s);
+    }
+    return files;
+}
+
+const QStringList LosslessFiles = FindLosslessFiles();
 
 QString ErrorOf(const QString& path, const Pixels& pixels, DotsPerInch resolution = {300}) {
     try {
@@ -110,7 +118,7 @@ TEST_F(WriterTest, AlphaIsLaidOverWhite) {
 TEST_F(WriterTest, ResolutionReadsBackAsTheIntegerGiven) {
     const Pixels pixels(TestPicture(8, 8));
     for (const int dotsPerInch : {72, 96, 254, 299, 300, 301, 305, 600, 1200, 2540}) {
-        for (const QString& extension : WritableExtensions()) {
+        for (const QString& extension : RasterExtensions) {
             const QString name = u"a."_s + extension;
             WriteImageFile(PathOf(name), pixels, {dotsPerInch});
             const QImage read = ReadBack(name);
@@ -139,8 +147,10 @@ TEST_F(WriterTest, MarksThePictureAsSrgb) {
 TEST_F(WriterTest, ExtensionChoosesTheFormatWhateverItsCase) {
     const Pixels pixels(TestPicture(8, 8));
     const QList<QPair<QString, QByteArray>> signatures{
-        {u"A.JPG"_s, "\xff\xd8\xff"}, {u"b.Jpeg"_s, "\xff\xd8\xff"}, {u"c.PNG"_s, "\x89PNG"},
-        {u"d.bmP"_s, "BM"},           {u"e.TIF"_s, "II*"},           {u"photo.jpg.TIFF"_s, "II*"}};
+        {u"A.JPG"_s, "\xff\xd8\xff"}, {u"b.Jpeg"_s, "\xff\xd8\xff"},
+        {u"c.PNG"_s, "\x89PNG"},      {u"d.bmP"_s, "BM"},
+        {u"e.TIF"_s, "II*"},          {u"photo.jpg.TIFF"_s, "II*"},
+        {u"f.Pdf"_s, "%PDF-1.4"},     {u"g.JP2"_s, QByteArray("\0\0\0\xcjP  ", 8)}};
     for (const auto& [name, signature] : signatures) {
         WriteImageFile(PathOf(name), pixels, {300});
         EXPECT_TRUE(Bytes(name).startsWith(signature)) << qPrintable(name);
@@ -161,6 +171,9 @@ TEST_F(WriterTest, RefusesWhatNoFormatCanHold) {
     EXPECT_TRUE(ErrorOf(PathOf(u"breit.jpg"_s), Pixels(tile, 66, 1)).contains(u"65500"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"hoch.jpg"_s), Pixels(tile, 1, 66)).contains(u"65500"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"fein.jpg"_s), pixels, {65536}).contains(u"65535"_s));
+    EXPECT_TRUE(ErrorOf(PathOf(u"breit.jp2"_s), Pixels(tile, 66, 1)).contains(u"65535"_s));
+    EXPECT_TRUE(ErrorOf(PathOf(u"fein.jp2"_s), pixels, {65536}).contains(u"65535"_s));
+    EXPECT_TRUE(ErrorOf(PathOf(u"gross.pdf"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"gross.bmp"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"gross.tif"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"fehlt/a.jpg"_s), pixels).contains(u"a.jpg"_s));
