@@ -20,7 +20,7 @@ namespace {
 
 const QString StandardProfile = u"Standard Profile"_s;
 
-/// Messages become lines; nobody is there to enter tags.
+/// Messages become lines; nobody is there to enter tags or choose a file.
 class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
@@ -31,6 +31,7 @@ class ConsoleInterface : public core::UserInterface {
             u"nicht enthalten."_s);
         return std::nullopt;
     }
+    std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }
 
  private:
     QTextStream& errors_;
