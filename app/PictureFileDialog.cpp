@@ -1,12 +1,51 @@
 #include "app/PictureFileDialog.h"
 
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 
-#include "core/Data.h"
+#include "controls/MessageBoxes.h"
+#include "core/FileDialogs.h"
+#include "imaging/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
+
+namespace {
+
+/// The extension of a filter with one pattern, "PDF (*.pdf)": "pdf".
+QString ExtensionOf(const QString& nameFilter) {
+    return nameFilter.section(u"*."_s, -1).chopped(1);
+}
+
+bool HasKnownExtension(const QString& path, const QStringList& nameFilters) {
+    QStringList known = imaging::WritableExtensions();
+    for (const QString& filter : nameFilters) {
+        known.append(ExtensionOf(filter));
+    }
+    return known.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
+/// The dialog appends its extension only to a name without any dot and asks before it replaces a
+/// file; this does both for a name like "max.2024_kdr". Nothing when the user does not agree.
+std::optional<QString> WithExtension(QFileDialog& dialog) {
+    const QString chosen = dialog.selectedFiles().constFirst();
+    if (HasKnownExtension(chosen, dialog.nameFilters())) {
+        return chosen;
+    }
+    const QString path = chosen + u'.' + dialog.defaultSuffix();
+    if (QFileInfo::exists(path) &&
+        !controls::AskYesNo(&dialog,
+                            u"Die Datei „%1“ existiert bereits.\nMöchten Sie sie ersetzen?"_s.arg(
+                                QDir::toNativeSeparators(path)),
+                            controls::Severity::Warning)) {
+        return std::nullopt;
+    }
+    return path;
+}
+
+}  // namespace
 
 QStringList NameFilters(const QString& pipeSeparated) {
     const QStringList parts = pipeSeparated.split(u'|');
@@ -27,6 +66,25 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
         return std::nullopt;
     }
     return window.selectedFiles().constFirst();
+}
+
+std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog) {
+    QFileDialog window(parent, dialog.title, dialog.initialFolder);
+    window.setObjectName(u"SaveDialog"_s);
+    window.setAcceptMode(QFileDialog::AcceptSave);
+    window.setFileMode(QFileDialog::AnyFile);
+    window.setNameFilters(NameFilters(dialog.filter));
+    window.setDefaultSuffix(dialog.defaultExtension);
+    QObject::connect(
+        &window, &QFileDialog::filterSelected, &window,
+        [&window](const QString& filter) { window.setDefaultSuffix(ExtensionOf(filter)); });
+    window.selectFile(dialog.fileName);
+    while (window.exec() == QDialog::Accepted && !window.selectedFiles().isEmpty()) {
+        if (const auto path = WithExtension(window)) {
+            return path;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace kadrona::app
