@@ -108,9 +108,9 @@ Pixels Resampled(const Pixels& pixels, QSize size) {
         return pixels;
     }
     const QImage& tile = pixels.Tile();
+    QImage result = NewImage(size, tile.format());
     const std::vector<Mix> columns = MixesOf(pixels.Width(), size.width());
     const std::vector<Mix> rows = MixesOf(pixels.Height(), size.height());
-    QImage result = NewImage(size, tile.format());
     uchar* const bits = result.bits();
     const qsizetype bytesPerLine = result.bytesPerLine();
     cv::parallel_for_(cv::Range(0, size.height()), [&](const cv::Range& range) {
