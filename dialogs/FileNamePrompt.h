@@ -17,6 +17,7 @@ class TFileNameFm : public QDialog {
  public:
     explicit TFileNameFm(core::NameSources nameSources, QWidget* parent = nullptr);
 
+    /// QDialog::Accepted or QDialog::Rejected.
     int ShowEx(const QString& folder);
 
     /// The path that the fields make; once ShowEx was accepted, that of a file that did not exist.
