@@ -80,7 +80,7 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
         [&window](const QString& filter) { window.setDefaultSuffix(ExtensionOf(filter)); });
     window.selectFile(dialog.fileName);
     while (window.exec() == QDialog::Accepted && !window.selectedFiles().isEmpty()) {
-        if (const auto path = WithExtension(window)) {
+        if (auto path = WithExtension(window)) {
             return path;
         }
     }

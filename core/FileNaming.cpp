@@ -106,6 +106,7 @@ QString TData::GetFileName(const QString& prefix, int nameVariable, int fileType
     return prefix + NamePart(nameVariable, nameSources_) + Extension(fileType);
 }
 
+// NOLINTBEGIN(readability-convert-member-functions-to-static): operations of the data module
 QString TData::GetArchivPath() const {
     return platform::ReadRegistryText(ArchiveFolderValue);
 }
@@ -113,5 +114,6 @@ QString TData::GetArchivPath() const {
 void TData::SetArchivPath(const QString& folder) const {
     platform::WriteRegistryText(ArchiveFolderValue, folder);
 }
+// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace kadrona::core

@@ -1,6 +1,7 @@
 // Scaling a picture to another size with the bicubic filter.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <opencv2/core/utility.hpp>
 #include <vector>
@@ -72,10 +73,10 @@ void MixRows(const QImage& tile, const Mix& mix, std::vector<float>& mixed) {
 
 /// A negative lobe may lead outside of what a channel holds; premultiplied, no colour may exceed
 /// its alpha, which stands last.
-void StorePixel(const float* sums, uchar* pixel) {
+void StorePixel(const std::array<float, Channels>& sums, uchar* pixel) {
     float limit = 255;
     for (int channel = Channels - 1; channel >= 0; --channel) {
-        const float value = std::clamp(sums[channel], 0.0F, limit);
+        const float value = std::clamp(sums[static_cast<size_t>(channel)], 0.0F, limit);
         pixel[channel] = static_cast<uchar>(std::lround(value));
         limit = channel == Channels - 1 ? value : limit;
     }
@@ -84,11 +85,11 @@ void StorePixel(const float* sums, uchar* pixel) {
 void MixColumns(const std::vector<float>& mixed, const std::vector<Mix>& columns, uchar* target) {
     const int width = static_cast<int>(mixed.size()) / Channels;
     for (const Mix& mix : columns) {
-        float sums[Channels] = {};
+        std::array<float, Channels> sums{};
         int column = mix.first % width;
         for (const float weight : mix.weights) {
             const float* pixel = mixed.data() + ptrdiff_t{column} * Channels;
-            for (int channel = 0; channel < Channels; ++channel) {
+            for (size_t channel = 0; channel < Channels; ++channel) {
                 sums[channel] += weight * pixel[channel];
             }
             column = column + 1 == width ? 0 : column + 1;
