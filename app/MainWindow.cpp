@@ -11,6 +11,7 @@
 #include "controls/MessageBoxes.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
+#include "dialogs/FileNamePrompt.h"
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
@@ -86,6 +87,7 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
 }
 
@@ -137,12 +139,14 @@ void TmainFm::ConnectActions() {
     Connect(u"acRotateRight"_s, &TmainFm::acRotateRightExecute);
     Connect(u"acUndo"_s, &TmainFm::acUndoExecute);
     Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
+    Connect(u"acSave"_s, &TmainFm::acSaveExecute);
+    Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
     for (const QString& name :
-         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSave"_s,
-          u"acSaveImageFast"_s, u"acSearchArchiv"_s, u"acRotateDlg"_s, u"acSetWhitePoint"_s,
-          u"acGradation"_s, u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
+         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s,
+          u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
+          u"acColorConfig"_s, u"acBeauty"_s}) {
         connect(actions_[name], &QAction::triggered, this, [this, name] {
             actions_.SetChecked(name, false);
             ReportUnavailable(name);

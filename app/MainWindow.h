@@ -17,6 +17,7 @@ class StatusPanels;
 
 namespace kadrona::dialogs {
 class TEinstellungenFm;
+class TFileNameFm;
 class TProfileDlgFM;
 class TSchabloneFm;
 class TfmAbout;
@@ -30,7 +31,7 @@ namespace kadrona::app {
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
-/// PhotoOpening, PhotoViewing (zoom, undo, template layer, keys) and PhotoCreation.
+/// PhotoOpening, PhotoViewing (zoom, undo, template layer, keys), PhotoCreation and PhotoSaving.
 class TmainFm : public QMainWindow, private core::UserInterface {
     Q_OBJECT
 
@@ -102,6 +103,11 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     // Creation (PhotoCreation.cpp)
     void acCropExecute();
 
+    // Saving (PhotoSaving.cpp)
+    void acSaveExecute();
+    void acSaveImageFastExecute();
+    std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
@@ -117,6 +123,7 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TSchabloneFm* templateChooser_ = nullptr;
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
 
     imaging::view::ImageView* view_ = nullptr;

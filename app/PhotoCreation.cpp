@@ -35,7 +35,7 @@ void TmainFm::acCropExecute() {
         ReportUnavailable(u"acPrintImage"_s);
     }
     if (settings_->ImageAutoSave2()) {
-        ReportUnavailable(u"acSaveImageFast"_s);
+        acSaveImageFastExecute();
     }
 }
 

@@ -8,7 +8,8 @@ class QWidget;
 
 namespace kadrona::core {
 struct OpenDialog;
-}
+struct SaveDialog;
+}  // namespace kadrona::core
 
 namespace kadrona::app {
 
@@ -17,5 +18,10 @@ QStringList NameFilters(const QString& pipeSeparated);
 
 /// Lets the user choose a picture; nothing when cancelled.
 std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& dialog);
+
+/// Lets the user choose the file to save a picture to; nothing when cancelled. A name without an
+/// extension that can be written gets that of the chosen filter. An existing file is chosen only
+/// where the user agreed to replace it.
+std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog);
 
 }  // namespace kadrona::app

@@ -21,7 +21,7 @@ namespace {
 
 const QString StandardProfile = u"Standard Profile"_s;
 
-/// Messages become lines; nobody is there to enter tags.
+/// Messages become lines; nobody is there to enter tags or choose a file.
 class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
@@ -32,6 +32,7 @@ class ConsoleInterface : public core::UserInterface {
             u"nicht enthalten."_s);
         return std::nullopt;
     }
+    std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }
 
  private:
     QTextStream& errors_;
@@ -105,7 +106,7 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
     if (!profile.isEmpty() && !known) {
         throw UsageError(u"Das Profil „%1“ gibt es nicht."_s.arg(profile));
     }
-    return {data, data.ProfileFile(profile.isEmpty() ? StandardProfile : profile)};
+    return core::StoredSettings(data.ProfileFile(profile.isEmpty() ? StandardProfile : profile));
 }
 
 void PlaceTemplate(core::TData& data, imaging::ImageDisplay& view,

@@ -14,6 +14,9 @@ function(kadrona_module name)
   target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE kadrona_build_options ${arg_PRIVATE})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  # Else the generator of meta-objects would not look at a header that is new in an old build tree.
+  list(FILTER sources INCLUDE REGEX "\\.h$")
+  set_property(TARGET ${name} PROPERTY AUTOGEN_TARGET_DEPENDS "${sources}")
 endfunction()
 
 # The tests of one module: every .cpp of the folder, run by CTest one test at a time without a

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "core/FileDialogs.h"
+#include "core/FileNaming.h"
 #include "core/ProfileStore.h"
 #include "core/SheetLayout.h"
 #include "core/TemplateCatalogue.h"
@@ -18,13 +20,6 @@ namespace kadrona::core {
 
 class Settings;
 class UserInterface;
-
-/// Initial folder and filter of the dialog that opens photos.
-struct OpenDialog {
-    QString initialFolder;
-    /// Pairs of a name and patterns, separated by "|".
-    QString filter;
-};
 
 /// The data module: owner of the folders, the template catalogue, the loaded template, the current
 /// photo's name and the archive table, and the front of the operations on them. Each operation's
@@ -101,9 +96,35 @@ class TData {
     // Printer profiles
     QStringList GetPrinterProfileList() const;
 
+    // File names
+    const core::NameSources& NameSources() const { return nameSources_; }
+    void SetNameSources(core::NameSources sources) { nameSources_ = std::move(sources); }
+    /// Name of a quickly saved photo: the prefix, what FileVarCombo's index `nameVariable` adds and
+    /// the extension of FileTypCombo's index `fileType`, nothing between them. An index beyond the
+    /// choices adds nothing.
+    QString GetFileName(const QString& prefix, int nameVariable, int fileType) const;
+
+    // Saving
+    /// Where photos are saved: ImageSaveDir, or while there is no such folder the last save folder.
+    QString SaveFolder() const;
+    /// Folder of the file last chosen in the save dialog, with a trailing separator; empty at
+    /// first.
+    const QString& LastSaveFolder() const { return lastSaveFolder_; }
+    /// Writes the view's image into `folder`: under `fileName`, over an older file of that name, or
+    /// under a name that the user is asked for where it is empty.
+    ///
+    /// `scale` writes it in 413 x 531 pixels. After a save under a given name the newest undo step
+    /// is taken back, whether or not the image was scaled, and the others are dropped. Throws
+    /// imaging::WriteError where the file cannot be written; the image and its undo steps are then
+    /// as they were.
+    void SaveImage(imaging::ImageDisplay& view, const QString& folder, const QString& fileName,
+                   bool scale);
+    /// Writes nothing: this way of saving never had a file name.
+    void AutoSaveImage(imaging::ImageDisplay& view, const QString& folder) const;
+
     // Archive
-    QString GetArchivPath() const;
-    void SetArchivPath(const QString& folder) const;
+    static QString GetArchivPath();
+    static void SetArchivPath(const QString& folder);
     bool ConnectDB(const QString& folder);
     bool CreateDB();
     void SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
@@ -113,6 +134,8 @@ class TData {
     QString LayoutFile() const;
     QString ProfileIndexFile() const;
     void ArchiveSinglePhoto(imaging::ImageDisplay& view);
+    void SaveByDialog(const imaging::LayeredImage& image);
+    void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
 
     UserInterface& ui_;
     const Settings* settings_ = nullptr;
@@ -128,6 +151,9 @@ class TData {
     QString currentFileFolder_;
     bool adjusted_ = false;
     core::OpenDialog openDialog_;
+    core::SaveDialog saveDialog_;
+    QString lastSaveFolder_;
+    core::NameSources nameSources_;
 
     std::vector<CatalogueEntry> maskList_;
     std::vector<TMask> objectList_;

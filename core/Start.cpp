@@ -29,6 +29,10 @@ constexpr QStringView OpenFilter =
     u"Symbole (*.ico)|*.ico|Erweiterte Metadateien (*.emf)|*.emf|Metadateien (*.wmf)|*.wmf|"
     u"TIFF-Grafiken (*.tif)|*.tif|TIFF-Grafiken (*.tiff)|*.tiff";
 
+constexpr QStringView SaveFilter =
+    u"JPEG-Grafikdatei (*.jpg)|*.jpg|JPEG-Grafikdatei (*.jpeg)|*.jpeg|Bitmaps (*.bmp)|*.bmp|"
+    u"PDF|*.pdf|TIFF|*.tif";
+
 }  // namespace
 
 TData::Folders TData::Folders::OfThisMachine() {
@@ -37,6 +41,11 @@ TData::Folders TData::Folders::OfThisMachine() {
 
 TData::TData(UserInterface& ui, const Folders& folders) : ui_(ui) {
     openDialog_.filter = OpenFilter.toString();
+    saveDialog_ = {.title = u"Passbild speichern"_s,
+                   .filter = SaveFilter.toString(),
+                   .defaultExtension = u"jpg"_s,
+                   .initialFolder = {},
+                   .fileName = {}};
     programFolder_ = DelLastBackslash(folders.program);
     dataFolder_ = platform::JoinPath(DelLastBackslash(folders.commonAppData), u"Kadrona");
     if (!platform::CreateFolder(dataFolder_)) {

@@ -6,8 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
-StoredSettings::StoredSettings(const TData& data, const QString& profileFile)
-    : data_(data), file_(profileFile) {}
+StoredSettings::StoredSettings(const QString& profileFile) : file_(profileFile) {}
 
 bool StoredSettings::Checked(const QString& control, bool fallback) const {
     return file_.ReadBoolean(control, u"Checked"_s).value_or(fallback);
@@ -46,7 +45,7 @@ int StoredSettings::ImageCount() const {
     return ItemIndex(u"ImageCount"_s, 0);
 }
 QString StoredSettings::ImageDestinationDir() const {
-    return data_.GetArchivPath();
+    return TData::GetArchivPath();
 }
 QString StoredSettings::ImageSaveDir() const {
     return Text(u"ImageSaveDir"_s);

@@ -5,15 +5,13 @@
 
 namespace kadrona::core {
 
-class TData;
-
 /// The settings of one stored photo profile, read straight from its settings file, for making
 /// sheets without a window. What the file does not hold has the settings dialog's design value.
 class StoredSettings : public Settings {
  public:
     /// `profileFile` may be empty or missing: then every setting has its design value. Throws
     /// platform::FileError when an existing file cannot be read.
-    StoredSettings(const TData& data, const QString& profileFile);
+    explicit StoredSettings(const QString& profileFile);
 
     bool AutoWhiteBalance() const override;
     QString FileNameEd() const override;
@@ -43,7 +41,6 @@ class StoredSettings : public Settings {
     int ItemIndex(const QString& control, int fallback) const;
     QString Text(const QString& control, const QString& fallback = {}) const;
 
-    const TData& data_;
     platform::PropertyFile file_;
 };
 

@@ -6,6 +6,8 @@
 
 namespace kadrona::core {
 
+struct SaveDialog;
+
 /// What the data module asks of whoever sits above it: windows in the program, answers of their own
 /// in tests and on the command line.
 class UserInterface {
@@ -17,6 +19,10 @@ class UserInterface {
 
     /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
     virtual std::optional<QStringList> EditTags() = 0;
+
+    /// Lets the user choose the file to save to, which may exist only where the user agreed to
+    /// replace it. Nothing when cancelled.
+    virtual std::optional<QString> AskForSaveFile(const SaveDialog& dialog) = 0;
 };
 
 }  // namespace kadrona::core

@@ -104,7 +104,7 @@ void TEinstellungenFm::InitPropertys() {
         profileListBox_->setCurrentRow(0);
     }
     propertyStore_.Restore();
-    imageDestinationDir_->setText(data_.GetArchivPath());
+    imageDestinationDir_->setText(core::TData::GetArchivPath());
     UpdateDeleteButton();
     TakeOverFrameSize();
 }
@@ -162,7 +162,7 @@ void TEinstellungenFm::FormShow() {
 /// The archive folder is kept even where the profile cannot be stored.
 void TEinstellungenFm::FormClose() {
     const auto keepArchiveFolder =
-        qScopeGuard([this] { data_.SetArchivPath(imageDestinationDir_->text()); });
+        qScopeGuard([this] { core::TData::SetArchivPath(imageDestinationDir_->text()); });
     propertyStore_.Store();
 }
 

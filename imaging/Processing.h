@@ -37,6 +37,11 @@ Pixels Turned(const Pixels& pixels, QuarterTurn turn);
 /// The picture repeated, the copies touching each other. `columns` and `rows` as for Pixels.
 Pixels Repeated(const Pixels& pixels, int columns, int rows);
 
+/// The picture scaled to `size`, its shape not kept, with the bicubic filter; where it shrinks,
+/// what is finer than a pixel of the result is averaged, not dropped. A grid becomes one picture.
+/// The same size gives the same pixels, shared; an empty size an empty picture.
+Pixels Resampled(const Pixels& pixels, QSize size);
+
 /// Automatic white balance: red and blue scaled so that the picture's grey middle tones are neutral
 /// on average. A neutral picture, and one in which too little can be grey, comes back as it is,
 /// sharing its pixels.

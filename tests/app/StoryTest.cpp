@@ -1,7 +1,5 @@
 // Stories that drive the real windows by their object names.
 
-#include <gtest/gtest.h>
-
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -11,57 +9,14 @@
 #include <QTest>
 #include <QTimer>
 
-#include "app/MainWindow.h"
 #include "core/PhotoLoading.h"
 #include "dialogs/SettingsDialog.h"
-#include "imaging/view/ImageView.h"
 #include "platform/UserRegistry.h"
-#include "tests/support/CoreFakes.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/app/StoryFixture.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::testing {
-
-class Story : public ::testing::Test {
- protected:
-    Story() {
-        SavePhoto("photo.png", QSize(1200, 1600));
-        Start();
-    }
-
-    void Start() {
-        window.reset();
-        window = std::make_unique<app::TmainFm>(installation.Folders());
-        window->CreateReusedWindows();
-        window->show();
-    }
-
-    void SavePhoto(const char* name, QSize size, int value = 120) {
-        QImage photo(size, QImage::Format_RGB32);
-        photo.fill(qRgb(value, value, value));
-        ASSERT_TRUE(photo.save(installation.Path(name)));
-    }
-
-    /// Drops a photo and chooses a template by its row.
-    void Open(const char* name, int templateRow = 0) {
-        driver.Expect(u"SchabloneFm"_s, [templateRow](QWidget& shown) {
-            shown.findChild<QListWidget*>(u"lbSchablonen"_s)->setCurrentRow(templateRow);
-            shown.findChild<QPushButton*>(u"btnOk"_s)->click();
-        });
-        window->OpenDroppedFiles({installation.Path(name)});
-    }
-
-    void Trigger(const QString& action) { window->Actions()[action]->trigger(); }
-    bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
-    imaging::LayeredImage& Image() { return window->View().Image(); }
-    QRect Template() { return Image().LayerAt(1).rectangle; }
-    QPoint OnScreen(QPoint photo) { return window->View().ToWidget(photo).toPoint(); }
-
-    Installation installation;
-    ModalDriver driver;
-    std::unique_ptr<app::TmainFm> window;
-};
 
 TEST_F(Story, AFirstStartShowsTheEmptyWindowInItsDesignedSize) {
     EXPECT_EQ(window->windowTitle(), u"Kadrona 6.0 Prof"_s);

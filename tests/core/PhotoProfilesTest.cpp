@@ -93,14 +93,14 @@ TEST_F(PhotoProfiles, StoredSettingsReadTheFileAndFallBackToTheDesignValues) {
     installation.Write("common/Kadrona/pro1.tmp",
                        "[FrameSize]\nText=\"40\"\n[RotateBeforeTileImg]\nChecked=true\n"
                        "[ImageCount]\nItemIndex=garbage\n[ImgAutoRotate]\nChecked=false\n");
-    const core::StoredSettings settings(data, installation.DataFile("pro1.tmp"));
+    const core::StoredSettings settings(installation.DataFile("pro1.tmp"));
     EXPECT_EQ(core::FrameSizeOf(settings), 40);
     EXPECT_TRUE(settings.RotateBeforeTileImg());
     EXPECT_EQ(settings.ImageCount(), 0);
     EXPECT_FALSE(settings.ImgAutoRotate());
     EXPECT_EQ(settings.FileNameEd(), u"Bildname"_s);
 
-    const core::StoredSettings empty(data, {});
+    const core::StoredSettings empty{QString()};
     EXPECT_EQ(core::FrameSizeOf(empty), 25);
     EXPECT_TRUE(empty.ImgAutoRotate());
     EXPECT_EQ(empty.SchabloneBox(), -1);

@@ -1,3 +1,4 @@
+#include <QTransform>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -153,7 +154,53 @@ TEST(Repeated, MultipliesGrids) {
     EXPECT_THROW(Repeated(grid, std::numeric_limits<int>::max(), 1), platform::Error);
 }
 
+TEST(Resampled, InterpolatesWithTheCubicKernel) {
+    // The kernel at 1/4, 3/4 and 5/4 is 111/128, 29/128 and -9/128; what leaves the picture does
+    // not count, and the overshoot of the outer pixels is cut off.
+    const Pixels wide = Resampled(Pixels(Picture({"kw"})), {4, 1});
+    const auto grey = [&](int x) { return qRed(wide.Tile().pixel(x, 0)); };
+    EXPECT_EQ(grey(0), 0);
+    EXPECT_EQ(grey(1), 53);
+    EXPECT_EQ(grey(2), 202);
+    EXPECT_EQ(grey(3), 255);
+    EXPECT_TRUE(SamePixels(Resampled(Pixels(Picture({"k", "w"})), {1, 4}),
+                           wide.Tile().transformed(QTransform().rotate(90).scale(1, -1))));
+}
+
+TEST(Resampled, AveragesWhatIsFinerThanAPixel) {
+    const Pixels stripes(Picture({"kw", "wk"}), 101, 83);
+    const QImage small = Resampled(stripes, {53, 49}).ToImage();
+    for (int y = 2; y < small.height() - 2; ++y) {
+        for (int x = 2; x < small.width() - 2; ++x) {
+            ASSERT_NEAR(qGreen(small.pixel(x, y)), 127.5, 1) << x << ", " << y;
+        }
+    }
+}
+
+TEST(Resampled, KeepsPlainColoursAlphaAndSize) {
+    EXPECT_TRUE(SamePixels(Resampled(Pixels(Picture({"r"}), 5, 3), {413, 2}),
+                           Filled({413, 2}, qRgb(255, 0, 0))));
+    const Pixels clear = Resampled(Pixels(Picture({"r.", ".r"}, QImage::Format_ARGB32)), {31, 29});
+    for (int x = 0; x < 31; ++x) {
+        const QRgb pixel = *(reinterpret_cast<const QRgb*>(clear.Tile().constScanLine(14)) + x);
+        EXPECT_EQ(qRed(pixel), qAlpha(pixel)) << "premultiplied red, pixel " << x;
+    }
+    const Pixels photo = Photo();
+    EXPECT_TRUE(Resampled(photo, {3, 3}).SharesPixelsWith(photo));
+    EXPECT_TRUE(Resampled(photo, {0, 3}).IsEmpty());
+    EXPECT_TRUE(Resampled(Pixels(), {3, 3}).IsEmpty());
+}
+
+TEST(Resampled, TreatsAGridAsThePictureItShows) {
+    const Pixels grid(Picture({"rgb", "ykw", "gbr", "k-w"}), 3, 2);
+    for (const QSize size : {QSize(4, 3), QSize(17, 5), QSize(2, 30)}) {
+        EXPECT_TRUE(
+            SamePixels(Resampled(grid, size), Resampled(Pixels(grid.ToImage()), size).ToImage()));
+    }
+}
+
 TEST(NewPictures, NameShortMemory) {
+    EXPECT_THROW(Resampled(Photo(), {std::numeric_limits<int>::max(), 1}), platform::Error);
     EXPECT_THROW(CanvasEnlarged(Photo(), {std::numeric_limits<int>::max(), 1}), platform::Error);
     EXPECT_THROW(Cropped(Photo(), {-1, 0, std::numeric_limits<int>::max(), 1}), platform::Error);
 }

@@ -12,7 +12,7 @@
 
 namespace kadrona::testing {
 
-/// Remembers every message; answers the tag editor with what was set.
+/// Remembers every message; answers the tag editor and the save dialog with what was set.
 class FakeInterface : public core::UserInterface {
  public:
     void ShowMessage(const QString& text) override { messages.append(text); }
@@ -20,8 +20,14 @@ class FakeInterface : public core::UserInterface {
         ++tagEditorShown;
         return tags;
     }
+    std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override {
+        saveDialogs.append(dialog);
+        return saveFile;
+    }
 
     QStringList messages;
+    QList<core::SaveDialog> saveDialogs;
+    std::optional<QString> saveFile;
     std::optional<QStringList> tags;
     int tagEditorShown = 0;
 };
@@ -38,7 +44,7 @@ class FakeSettings : public core::Settings {
     bool ImageAutoSave2() const override { return false; }
     int ImageCount() const override { return 0; }
     QString ImageDestinationDir() const override { return {}; }
-    QString ImageSaveDir() const override { return {}; }
+    QString ImageSaveDir() const override { return imageSaveDir; }
     bool ImgAutoRotate() const override { return true; }
     bool ImgRotateLeft() const override { return imgRotateLeft; }
     bool ImgRotateRight() const override { return imgRotateRight; }
@@ -55,6 +61,7 @@ class FakeSettings : public core::Settings {
     QString frameSize = QStringLiteral("25");
     bool autoWhiteBalance = false;
     bool imageAutoSave = false;
+    QString imageSaveDir;
     bool imgRotateLeft = false;
     bool imgRotateRight = false;
     bool printAfterCrop = false;

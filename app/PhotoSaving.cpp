@@ -1,0 +1,24 @@
+// "Speichern": under a name that the user chooses, and quickly under a generated one.
+
+#include "app/MainWindow.h"
+#include "app/PictureFileDialog.h"
+#include "dialogs/SettingsDialog.h"
+#include "imaging/view/ImageView.h"
+
+namespace kadrona::app {
+
+void TmainFm::acSaveExecute() {
+    data_->SaveImage(*view_, data_->SaveFolder(), {}, false);
+}
+
+void TmainFm::acSaveImageFastExecute() {
+    const QString fileName = data_->GetFileName(settings_->FileNameEd(), settings_->FileVarCombo(),
+                                                settings_->FileTypCombo());
+    data_->SaveImage(*view_, data_->SaveFolder(), fileName, settings_->ScaleImageCk());
+}
+
+std::optional<QString> TmainFm::AskForSaveFile(const core::SaveDialog& dialog) {
+    return ChooseSaveFile(this, dialog);
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+namespace kadrona::core {
+
+/// Initial folder and filter of the dialog that opens photos.
+struct OpenDialog {
+    QString initialFolder;
+    /// Pairs of a name and patterns, separated by "|".
+    QString filter;
+};
+
+/// The dialog that saves passport photos.
+struct SaveDialog {
+    QString title;
+    /// As for OpenDialog; each entry has one pattern.
+    QString filter;
+    /// Without the dot.
+    QString defaultExtension;
+    QString initialFolder;
+    QString fileName;
+};
+
+}  // namespace kadrona::core

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QDialog>
+
+#include "core/FileNaming.h"
+
+class QLineEdit;
+
+namespace kadrona::dialogs {
+
+/// Asks for the name of a file in a given folder. The name begins with today's date:
+///
+///     folder / 2026-03-07 - name .jpg
+class TFileNameFm : public QDialog {
+    Q_OBJECT
+
+ public:
+    explicit TFileNameFm(core::NameSources nameSources, QWidget* parent = nullptr);
+
+    /// QDialog::Accepted or QDialog::Rejected.
+    int ShowEx(const QString& folder);
+
+    /// The path that the fields make; once ShowEx was accepted, that of a file that did not exist.
+    QString Path() const;
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    void FileNameEditChange();
+    void btnOkClick();
+
+    core::NameSources nameSources_;
+    QString folder_;
+    QLineEdit* praefixText_;
+    QLineEdit* fileNameEdit_;
+};
+
+}  // namespace kadrona::dialogs

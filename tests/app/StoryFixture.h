@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QPushButton>
+#include <memory>
+
+#include "app/MainWindow.h"
+#include "imaging/view/ImageView.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/ModalDriver.h"
+
+namespace kadrona::testing {
+
+/// The real main window on a fresh installation with one photo, driven by object names.
+class Story : public ::testing::Test {
+ protected:
+    Story() {
+        SavePhoto("photo.png", QSize(1200, 1600));
+        Start();
+    }
+
+    void Start() {
+        window.reset();
+        window = std::make_unique<app::TmainFm>(installation.Folders());
+        window->CreateReusedWindows();
+        window->show();
+    }
+
+    void SavePhoto(const char* name, QSize size, int value = 120) {
+        QImage photo(size, QImage::Format_RGB32);
+        photo.fill(qRgb(value, value, value));
+        ASSERT_TRUE(photo.save(installation.Path(name)));
+    }
+
+    /// Drops a photo and chooses a template by its row.
+    void Open(const char* name, int templateRow = 0) {
+        driver.Expect(QStringLiteral("SchabloneFm"), [templateRow](QWidget& shown) {
+            shown.findChild<QListWidget*>(QStringLiteral("lbSchablonen"))
+                ->setCurrentRow(templateRow);
+            shown.findChild<QPushButton*>(QStringLiteral("btnOk"))->click();
+        });
+        window->OpenDroppedFiles({installation.Path(name)});
+    }
+
+    void Trigger(const QString& action) { window->Actions()[action]->trigger(); }
+    bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
+    imaging::LayeredImage& Image() { return window->View().Image(); }
+    QRect Template() { return Image().LayerAt(1).rectangle; }
+    QPoint OnScreen(QPoint photo) { return window->View().ToWidget(photo).toPoint(); }
+
+    Installation installation;
+    ModalDriver driver;
+    std::unique_ptr<app::TmainFm> window;
+};
+
+}  // namespace kadrona::testing

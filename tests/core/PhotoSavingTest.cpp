@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+
+#include <QImageReader>
+
+#include "imaging/ImageWriter.h"
+#include "imaging/WindowlessDisplay.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+/// Also remembers the photo's size at each message.
+class WatchingInterface : public FakeInterface {
+ public:
+    explicit WatchingInterface(imaging::LayeredImage& image) : image_(image) {}
+    void ShowMessage(const QString& text) override {
+        FakeInterface::ShowMessage(text);
+        sizes.append(image_.Photo().Size());
+    }
+    QList<QSize> sizes;
+
+ private:
+    imaging::LayeredImage& image_;
+};
+
+class PhotoSaving : public ::testing::Test {
+ protected:
+    PhotoSaving() {
+        data.SetSettings(&settings);
+        data.SetCurrentFile(u"/photos/max.png"_s);
+        folder = installation.Path("saved");
+        QDir().mkpath(folder);
+        Image().Open(imaging::Pixels(Filled(Qt::red)), {300});
+    }
+
+    static QImage Filled(Qt::GlobalColor colour) {
+        QImage image(600, 750, QImage::Format_RGB32);
+        image.fill(colour);
+        return image;
+    }
+
+    imaging::LayeredImage& Image() { return view.Image(); }
+    QString Saved(const char* name) const { return folder + u'/' + QLatin1StringView(name); }
+    static QRgb FirstPixel(const QString& file) { return QImage(file).pixel(0, 0); }
+    QRgb FirstPixel() { return Image().Photo().Tile().pixel(0, 0); }
+
+    Installation installation;
+    FakeSettings settings;
+    imaging::WindowlessDisplay view;
+    WatchingInterface ui{view.Image()};
+    core::TData data{ui, installation.Folders()};
+    QString folder;
+};
+
+TEST_F(PhotoSaving, QuicklyOverwritesWithoutAsking) {
+    data.SaveImage(view, folder, u"Bildname.bmp"_s, false);
+    Image().Open(imaging::Pixels(Filled(Qt::blue)), {300});
+    data.SaveImage(view, folder + u'/', u"Bildname.bmp"_s, false);
+    EXPECT_EQ(FirstPixel(Saved("Bildname.bmp")), qRgb(0, 0, 255));
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList(u"Bildname.bmp"_s));
+    const QString message = u"Das Bild wurde unter "_s + Saved("Bildname.bmp") + u" gespeichert"_s;
+    EXPECT_EQ(ui.messages, QStringList({message, message}));
+    EXPECT_TRUE(ui.saveDialogs.isEmpty());
+}
+
+TEST_F(PhotoSaving, ScalesTheFileAndGivesThePhotoBack) {
+    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    data.SaveImage(view, folder, u"a.jpg"_s, true);
+    EXPECT_EQ(QImageReader(Saved("a.jpg")).size(), QSize(413, 531));
+    EXPECT_EQ(ui.sizes, QList<QSize>({QSize(413, 531)})) << "taken back after the message";
+    EXPECT_EQ(Image().Photo().Size(), QSize(600, 750));
+    EXPECT_EQ(Image().Resolution().value, 300);
+    EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0)) << "only the scaling is undone";
+    EXPECT_FALSE(Image().CanUndo());
+    EXPECT_TRUE(Image().AutomaticUndo());
+}
+
+TEST_F(PhotoSaving, UnscaledTakesTheLastChangeBack) {
+    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    Image().ChangePhoto(imaging::Pixels(Filled(Qt::blue)));
+    data.SaveImage(view, folder, u"a.bmp"_s, false);
+    EXPECT_EQ(FirstPixel(Saved("a.bmp")), qRgb(0, 0, 255));
+    EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0));
+    EXPECT_FALSE(Image().CanUndo());
+}
+
+TEST_F(PhotoSaving, ByDialogProposesANameAndTakesTheFormatOfTheChosenOne) {
+    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    ui.saveFile = Saved("max.tif");
+    data.SaveImage(view, folder + u'/', {}, false);
+    ASSERT_EQ(ui.saveDialogs.size(), 1);
+    const core::SaveDialog& dialog = ui.saveDialogs.first();
+    EXPECT_EQ(dialog.title, u"Passbild speichern"_s);
+    EXPECT_EQ(dialog.initialFolder, folder);
+    EXPECT_EQ(dialog.fileName, u"max_kdr"_s);
+    EXPECT_EQ(dialog.defaultExtension, u"jpg"_s);
+    EXPECT_EQ(QImageReader::imageFormat(Saved("max.tif")), "tiff");
+    EXPECT_TRUE(ui.messages.isEmpty());
+    EXPECT_TRUE(Image().CanUndo());
+    EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0));
+}
+
+TEST_F(PhotoSaving, ACancelledDialogLeavesNoTrace) {
+    data.SaveImage(view, folder, {}, false);
+    EXPECT_EQ(ui.saveDialogs.size(), 1);
+    EXPECT_TRUE(QDir(folder).isEmpty());
+    EXPECT_TRUE(ui.messages.isEmpty());
+    EXPECT_EQ(data.LastSaveFolder(), QString());
+}
+
+TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
+    settings.imageSaveDir = folder;
+    EXPECT_EQ(data.SaveFolder(), folder);
+    settings.imageSaveDir = installation.Path("missing");
+    EXPECT_EQ(data.SaveFolder(), QString());
+    // With neither folder the root is meant, as in every path built on a missing folder.
+    data.SaveImage(view, {}, Saved("root.bmp").mid(1), false);
+    EXPECT_TRUE(QFile::exists(Saved("root.bmp")));
+
+    ui.saveFile = Saved("chosen.jpg");
+    data.SaveImage(view, data.SaveFolder(), {}, false);
+    EXPECT_EQ(data.SaveFolder(), folder + u'/');
+    settings.imageSaveDir = Saved("chosen.jpg");
+    EXPECT_EQ(data.SaveFolder(), folder + u'/') << "a file is no folder";
+}
+
+TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
+    QDir(folder).mkpath(u"folder.bmp"_s);
+    installation.Write("saved/locked.bmp", "old");
+    QFile(Saved("locked.bmp")).setPermissions(QFile::ReadOwner);
+    installation.Write("saved/full.bmp", "old");
+    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    for (const bool scale : {false, true}) {
+        for (const char* name :
+             {"folder.bmp", "locked.bmp", "full.bmp", "none/a.bmp", "a.xyz", "a"}) {
+            const FileSizeLimit limit(10'000);
+            try {
+                data.SaveImage(view, folder, QLatin1StringView(name), scale);
+                ADD_FAILURE() << name << " was written";
+            } catch (const imaging::WriteError& error) {
+                EXPECT_TRUE(error.Text().contains(Saved(name))) << error.what();
+            }
+            EXPECT_EQ(Image().Photo().Size(), QSize(600, 750)) << name;
+            EXPECT_EQ(Image().UndoCount(), 1) << name;
+            EXPECT_TRUE(Image().AutomaticUndo()) << name;
+        }
+    }
+    EXPECT_TRUE(ui.messages.isEmpty());
+    EXPECT_EQ(QFileInfo(Saved("full.bmp")).size(), 3);
+    EXPECT_EQ(QFileInfo(Saved("locked.bmp")).size(), 3);
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 2) << "no half-written file is left";
+    Image().Undo();
+    EXPECT_EQ(FirstPixel(), qRgb(255, 0, 0));
+}
+
+TEST_F(PhotoSaving, TheAutomaticSaveWithoutANameWritesNothing) {
+    data.AutoSaveImage(view, folder);
+    EXPECT_TRUE(QDir(folder).isEmpty());
+}
+
+}  // namespace kadrona::testing
