@@ -137,7 +137,7 @@ TEST_F(WriterProgramsTest, ExiftoolReadsTheNameOfTheProgram) {
     if (!IsInstalled(u"exiftool"_s)) {
         GTEST_SKIP() << "exiftool is not installed";
     }
-    const std::pair<const char*, const char*> places[] = {
+    const QList<std::pair<const char*, const char*>> places{
         {"jpg", "IFD0:Software"}, {"jp2", "IFD0:Software"}, {"tif", "IFD0:Software"},
         {"png", "PNG:Software"},  {"pdf", "PDF:Producer"},  {"pdf", "PDF:Creator"}};
     for (const auto& [extension, tag] : places) {
