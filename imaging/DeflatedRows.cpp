@@ -16,7 +16,7 @@ namespace kadrona::imaging {
 namespace {
 
 /// What one thread compresses at a time, enough that a band's fresh start does not count.
-constexpr qint64 BandBytes = 1024 * 1024;
+constexpr qint64 BandBytes = 1'048'576;
 
 /// Compressed before anything is written; bounds the memory.
 constexpr int BandsPerBatch = 16;

@@ -43,8 +43,8 @@ Field Whole(quint16 tag, int value) {
     return {tag, FieldType::Rational, 1, LittleEndian(static_cast<quint32>(value), quint32{1})};
 }
 
-Field Undefined(quint16 tag, const char (&value)[5]) {
-    return {tag, FieldType::Undefined, 4, QByteArray(value, 4)};
+Field Undefined(quint16 tag, const QByteArray& value) {
+    return {tag, FieldType::Undefined, static_cast<quint32>(value.size()), value};
 }
 
 /// `text` must not be empty. The zero behind it is part of the value.
@@ -97,11 +97,12 @@ Fields ImageFields(DotsPerInch resolution, const ImageMetadata& metadata) {
 Fields ExifFields(QSize size) {
     constexpr quint16 Srgb = 1;
     return {
-        Undefined(0x9000, "0232"),      // ExifVersion
-        Undefined(0x9101, "\1\2\3\0"),  // ComponentsConfiguration: YCbCr
-        Undefined(0xa000, "0100"),      // FlashpixVersion
-        Short(0xa001, Srgb),            // ColorSpace
-        Long(0xa002, size.width()),    Long(0xa003, size.height()),
+        Undefined(0x9000, "0232"),                     // ExifVersion
+        Undefined(0x9101, QByteArray("\1\2\3\0", 4)),  // ComponentsConfiguration: YCbCr
+        Undefined(0xa000, "0100"),                     // FlashpixVersion
+        Short(0xa001, Srgb),                           // ColorSpace
+        Long(0xa002, size.width()),
+        Long(0xa003, size.height()),
     };
 }
 

@@ -25,12 +25,12 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// Signal to noise in decibels, a measure that leaves plain backgrounds small. JPEG at quality 95
-/// keeps a detailed photo at 38, a portrait with little noise at 46.
-constexpr float Quality = 46;
+/// Signal to noise in decibels: about the size that JPEG has at quality 95, which keeps photos with
+/// noise at 36 to 46. Unlike a fixed rate it spends nothing on a plain background.
+constexpr float Quality = 44;
 
 /// A strip of about this size is encoded at a time; it takes some 100 MiB while it is.
-constexpr int StripPixels = 4 * 1024 * 1024;
+constexpr int StripPixels = 4'194'304;
 
 /// Strips begin where code blocks of the first wavelet level do, so that none is cut in two.
 constexpr int StripStep = 128;
