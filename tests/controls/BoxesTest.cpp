@@ -12,6 +12,7 @@
 #include "controls/ActionGuard.h"
 #include "controls/ClearableComboBox.h"
 #include "controls/MessageBoxes.h"
+#include "controls/PathEdit.h"
 #include "controls/StatusPanels.h"
 #include "platform/Error.h"
 #include "tests/support/ModalDriver.h"
@@ -92,6 +93,14 @@ TEST(ClearableComboBox, DeleteTakesTheChoiceBack) {
     QTest::keyClick(box.view(), Qt::Key_Delete);
     EXPECT_EQ(box.currentIndex(), -1);
     EXPECT_FALSE(box.view()->isVisible());
+}
+
+TEST(PathEdit, TheButtonBearsTheEditsNameAndAsks) {
+    PathEdit edit;
+    edit.setObjectName(u"ImageSaveDir"_s);
+    QSignalSpy requests(&edit, &PathEdit::BrowseRequested);
+    edit.findChild<QAbstractButton*>(u"ImageSaveDirButton"_s)->click();
+    EXPECT_EQ(requests.count(), 1);
 }
 
 TEST(StatusPanels, TheLinkIsReachedByMouseAndKeyboard) {
