@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QListWidget>
+#include <algorithm>
 #include <cmath>
 
 #include "controls/Icons.h"
@@ -25,8 +26,7 @@ double Luminance(const QColor& color) {
 }
 
 double Contrast(const QColor& a, const QColor& b) {
-    const double lighter = std::max(Luminance(a), Luminance(b));
-    const double darker = std::min(Luminance(a), Luminance(b));
+    const auto [darker, lighter] = std::minmax({Luminance(a), Luminance(b)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
@@ -56,14 +56,9 @@ TEST(Theme, TheStyleSheetIsWholeAndItsPicturesExist) {
 
 bool IsDrawn(const QIcon& icon, int side) {
     const QImage image = icon.pixmap(QSize(side, side), 2.0).toImage();
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(image.pixel(x, y)) > 128) {
-                return image.width() == 2 * side;
-            }
-        }
-    }
-    return false;
+    const QImage alpha = image.convertToFormat(QImage::Format_Alpha8);
+    return image.width() == 2 * side && alpha.sizeInBytes() > 0 &&
+           *std::max_element(alpha.constBits(), alpha.constBits() + alpha.sizeInBytes()) > 128;
 }
 
 TEST(Icons, EveryNameHasAPictureWithAndWithoutAnIconTheme) {

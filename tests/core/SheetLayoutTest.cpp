@@ -14,14 +14,11 @@ using namespace Qt::StringLiterals;
 constexpr int LargestInteger = std::numeric_limits<int>::max();
 
 TEST(SheetLayout, EveryIndexHasItsNameAndGrid) {
-    struct Case {
+    const struct {
         QString name;
-        int columns;
-        int rows;
-    };
-    const std::vector<Case> table = {{u"2 x 4"_s, 4, 2}, {u"2 x 3"_s, 3, 2}, {u"2 x 2"_s, 2, 2},
-                                     {u"1 x 4"_s, 4, 1}, {u"1 x 3"_s, 3, 1}, {u"1 x 2"_s, 2, 1},
-                                     {u"1 x 1"_s, 1, 1}, {u"3 x 3"_s, 3, 3}};
+        int columns, rows;
+    } table[] = {{u"2 x 4"_s, 4, 2}, {u"2 x 3"_s, 3, 2}, {u"2 x 2"_s, 2, 2}, {u"1 x 4"_s, 4, 1},
+                 {u"1 x 3"_s, 3, 1}, {u"1 x 2"_s, 2, 1}, {u"1 x 1"_s, 1, 1}, {u"3 x 3"_s, 3, 3}};
     int index = 0;
     for (const auto& row : table) {
         SCOPED_TRACE(row.name.toStdString());
@@ -72,9 +69,9 @@ TEST(SheetLayout, BorderSurroundsEveryCopyButTheSinglePhoto) {
     const QSize bordered(438, 556);
     for (const int layout : {0, 1, 2, 3, 4, 5, 7, -1, 8}) {
         EXPECT_EQ(BorderedSize(photo, 25, layout), bordered) << "layout " << layout;
-        EXPECT_EQ(BorderedSize(photo, 0, layout), photo) << "layout " << layout;
-        EXPECT_EQ(BorderedSize(photo, -25, layout), photo) << "layout " << layout;
     }
+    EXPECT_EQ(BorderedSize(photo, 0, 0), photo);
+    EXPECT_EQ(BorderedSize(photo, -25, 0), photo);
     EXPECT_EQ(BorderedSize(photo, 25, SinglePhotoLayout), photo);
     EXPECT_EQ(BorderedSize(photo, LargestInteger, 0), QSize(LargestInteger, LargestInteger));
 }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "core/TemplateCatalogue.h"
 #include "tests/core/GeometryPrinting.h"
 
@@ -20,12 +18,10 @@ QString Entries(const QString& text) {
 }
 
 TEST(TemplateCatalogue, LinesBecomeEntriesInFileOrder) {
-    struct Case {
+    const struct {
         const char* name;
-        QString text;
-        QString entries;
-    };
-    const std::vector<Case> table = {
+        QString text, entries;
+    } table[] = {
         {"empty", u""_s, u""_s},
         {"line breaks alone", u"\r\n\n"_s, u""_s},
         {"one", u"Paß=a.s"_s, u"Paß|a.s"_s},

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 #include <vector>
 
 #include "core/TemplateDrawing.h"
@@ -16,6 +17,8 @@ constexpr qint32 Red = 0x0000ff;
 constexpr qint32 Blue = 0xff0000;
 constexpr qint32 Solid = 0;
 constexpr qint32 Clear = 1;
+constexpr qint32 Least = std::numeric_limits<qint32>::min();
+constexpr qint32 Largest = std::numeric_limits<qint32>::max();
 
 TMask Element(quint8 shape, qint32 left, qint32 top, qint32 right, qint32 bottom,
               qint32 colour = Red, qint32 brushStyle = Solid, qint32 penWidth = 1) {
@@ -37,45 +40,33 @@ TMask Canvas(qint32 right, qint32 bottom, qint32 colour = White) {
 
 /// One character a pixel: "." transparent, "R", "B" and "W" the colours, "?" any other.
 Rows Picture(const std::vector<TMask>& elements) {
+    const std::map<QRgb, char> letters{
+        {0x00000000, '.'}, {0xffff0000, 'R'}, {0xff0000ff, 'B'}, {0xffffffff, 'W'}};
     const QImage image = DrawTemplate(elements);
     Rows rows;
     for (int y = 0; y < image.height(); ++y) {
         std::string& row = rows.emplace_back();
         for (int x = 0; x < image.width(); ++x) {
-            switch (image.pixel(x, y)) {
-                case 0x00000000:
-                    row += '.';
-                    break;
-                case 0xffff0000:
-                    row += 'R';
-                    break;
-                case 0xff0000ff:
-                    row += 'B';
-                    break;
-                case 0xffffffff:
-                    row += 'W';
-                    break;
-                default:
-                    row += '?';
-            }
+            const auto letter = letters.find(image.pixel(x, y));
+            row += letter == letters.end() ? '?' : letter->second;
         }
     }
     return rows;
 }
 
 TEST(TemplateDrawing, CanvasIsTheFirstElement) {
-    constexpr qint32 Least = std::numeric_limits<qint32>::min();
-    constexpr qint32 Largest = std::numeric_limits<qint32>::max();
-    EXPECT_EQ(TemplateCanvas({Canvas(350, 450), Canvas(1, 1)}), QSize(350, 450));
-    EXPECT_EQ(TemplateCanvas({Element(2, 100, 200, 450, 650)}), QSize(350, 450));
-    EXPECT_EQ(TemplateCanvas({Element(0, 350, 450, 0, 0)}), QSize(350, 450));
+    for (const TMask& first :
+         {Canvas(350, 450), Element(2, 100, 200, 450, 650), Element(0, 350, 450, 0, 0)}) {
+        EXPECT_EQ(TemplateCanvas({first, Canvas(1, 1)}), QSize(350, 450));
+    }
     EXPECT_EQ(TemplateCanvas({Canvas(10000, 1)}), QSize(10000, 1));
     EXPECT_THROW(TemplateCanvas({}), TemplateFileError);
-    EXPECT_THROW(TemplateCanvas({Canvas(0, 450)}), TemplateFileError);
-    EXPECT_THROW(TemplateCanvas({Canvas(350, 0)}), TemplateFileError);
-    EXPECT_THROW(TemplateCanvas({Canvas(10001, 450)}), TemplateFileError);
-    EXPECT_THROW(TemplateCanvas({Element(0, Least, 0, Largest, 450)}), TemplateFileError);
-    EXPECT_THROW(DrawTemplate({Element(0, 0, Largest, 350, Least)}), TemplateFileError);
+    for (const TMask& first :
+         {Canvas(0, 450), Canvas(350, 0), Canvas(10001, 450), Element(0, Least, 0, Largest, 450),
+          Element(0, 0, Largest, 350, Least)}) {
+        EXPECT_THROW(DrawTemplate({first}), TemplateFileError)
+            << first.right << 'x' << first.bottom;
+    }
 }
 
 TEST(TemplateDrawing, FilledCanvasCoversExactlyItsSize) {
@@ -133,56 +124,45 @@ TEST(TemplateDrawing, FirstElementFillsItsRectangleWhateverItsShape) {
 }
 
 TEST(TemplateDrawing, BrushStylesHatchTheInside) {
-    // What a brush of each ordinal paints inside a 24 by 24 outline: its rows, columns or
-    // diagonals.
-    const auto inside = [](qint32 brushStyle) {
-        return DrawTemplate({Canvas(24, 24), Element(0, 0, 0, 24, 24, Red, brushStyle)})
-            .copy(1, 1, 22, 22);
-    };
-    const auto painted = [](const QImage& image, int x, int y) {
-        return qAlpha(image.pixel(x, y));
-    };
-    const auto repeats = [&painted](const QImage& image, int dx, int dy) {
-        for (int y = 0; y < 21; ++y) {
-            for (int x = 1; x < 21; ++x) {
-                if (painted(image, x, y) != painted(image, x + dx, y + dy)) {
-                    return false;
-                }
-            }
-        }
-        return true;
-    };
     struct Case {
         const char* name;
         qint32 style;
         bool alongRow, alongColumn, alongFalling, alongRising;
+        int alphaOfEven;
     };
+    constexpr int Hatched = -1;
     const std::vector<Case> table = {
-        {"horizontal", 2, true, false, false, false},
-        {"vertical", 3, false, true, false, false},
-        {"forward diagonal", 4, false, false, true, false},
-        {"backward diagonal", 5, false, false, false, true},
-        {"cross", 6, false, false, false, false},
-        {"diagonal cross", 7, false, false, false, false},
-        {"solid", 0, true, true, true, true},
-        {"clear", 1, true, true, true, true},
+        {"horizontal", 2, true, false, false, false, Hatched},
+        {"vertical", 3, false, true, false, false, Hatched},
+        {"forward diagonal", 4, false, false, true, false, Hatched},
+        {"backward diagonal", 5, false, false, false, true, Hatched},
+        {"cross", 6, false, false, false, false, Hatched},
+        {"diagonal cross", 7, false, false, false, false, Hatched},
+        {"solid", 0, true, true, true, true, 255},
+        {"clear", 1, true, true, true, true, 0},
+        {"beyond the last", 8, true, true, true, true, 0},
+        {"negative", -1, true, true, true, true, 0},
     };
     for (const auto& row : table) {
-        const QImage image = inside(row.style);
-        EXPECT_EQ(repeats(image, 1, 0), row.alongRow) << row.name;
-        EXPECT_EQ(repeats(image, 0, 1), row.alongColumn) << row.name;
-        EXPECT_EQ(repeats(image, 1, 1), row.alongFalling) << row.name;
-        EXPECT_EQ(repeats(image, -1, 1), row.alongRising) << row.name;
-    }
-    EXPECT_EQ(painted(inside(0), 5, 5), 255);
-    for (const qint32 noFill : {1, 8, -1}) {
-        EXPECT_EQ(painted(inside(noFill), 5, 5), 0) << "style " << noFill;
+        SCOPED_TRACE(row.name);
+        const QImage alpha =
+            DrawTemplate({Canvas(24, 24), Element(0, 0, 0, 24, 24, Red, row.style)})
+                .convertToFormat(QImage::Format_Alpha8);
+        // Whether the inside of the outline is the same a step further.
+        const auto repeats = [&alpha](int dx, int dy) {
+            return alpha.copy(2, 1, 20, 21) == alpha.copy(2 + dx, 1 + dy, 20, 21);
+        };
+        EXPECT_EQ(repeats(1, 0), row.alongRow);
+        EXPECT_EQ(repeats(0, 1), row.alongColumn);
+        EXPECT_EQ(repeats(1, 1), row.alongFalling);
+        EXPECT_EQ(repeats(-1, 1), row.alongRising);
+        if (row.alphaOfEven != Hatched) {
+            EXPECT_EQ(qAlpha(alpha.pixel(5, 5)), row.alphaOfEven);
+        }
     }
 }
 
 TEST(TemplateDrawing, HostileCoordinatesAreDrawnAsFarAsVisible) {
-    constexpr qint32 Least = std::numeric_limits<qint32>::min();
-    constexpr qint32 Largest = std::numeric_limits<qint32>::max();
     EXPECT_EQ(Picture({Canvas(3, 2), Element(0, Least, Least, Largest, Largest)}),
               (Rows{"RRR", "RRR"}));
     EXPECT_EQ(Picture({Canvas(3, 2), Element(0, Least, 1, Largest, 2, Red, Solid, Largest)}),

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QtEndian>
+#include <limits>
+#include <tuple>
+
 #include "core/TemplateFile.h"
 #include "tests/core/GeometryPrinting.h"
 
@@ -41,9 +45,7 @@ TMask OneMask() {
 }
 
 QByteArray WithCount(qint32 count, QByteArray bytes) {
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(count >> 8 * i & 0xff);
-    }
+    qToLittleEndian(count, bytes.data());
     return bytes;
 }
 
@@ -51,19 +53,12 @@ TEST(TemplateFile, ElementsLieAsLaidDown) {
     ASSERT_EQ(OneElement().size(), 4 + 59);
     const auto elements = ParseTemplate(OneElement());
     ASSERT_EQ(elements.size(), 1U);
-    const TMask& read = elements.front();
-    const TMask expected = OneMask();
-    EXPECT_EQ(read.reserved, expected.reserved);
-    EXPECT_EQ(read.colour, expected.colour);
-    EXPECT_EQ(read.brushStyle, expected.brushStyle);
-    EXPECT_EQ(read.penWidth, expected.penWidth);
-    EXPECT_EQ(read.right, expected.right);
-    EXPECT_EQ(read.left, expected.left);
-    EXPECT_EQ(read.bottom, expected.bottom);
-    EXPECT_EQ(read.top, expected.top);
-    EXPECT_EQ(read.shape, expected.shape);
-    EXPECT_EQ(read.name, expected.name);
-    EXPECT_EQ(SerializeTemplate({expected}).toHex(), OneElement().toHex());
+    const auto fields = [](const TMask& mask) {
+        return std::tuple(mask.reserved, mask.colour, mask.brushStyle, mask.penWidth, mask.right,
+                          mask.left, mask.bottom, mask.top, mask.shape, mask.name);
+    };
+    EXPECT_EQ(fields(elements.front()), fields(OneMask()));
+    EXPECT_EQ(SerializeTemplate({OneMask()}).toHex(), OneElement().toHex());
 }
 
 TEST(TemplateFile, EveryTruncationIsRefused) {

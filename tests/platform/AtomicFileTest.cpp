@@ -23,7 +23,6 @@ std::string WriteErrorText(const QString& path, const QString& reason) {
     return u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason).toStdString();
 }
 
-/// Runs `action` and returns the text of the FileError that it must throw.
 template <typename Action>
 std::string ErrorText(Action action) {
     try {
@@ -38,9 +37,8 @@ class AtomicFileTest : public testing::Test {
  protected:
     QString Path() const { return folder_.filePath(u"Blatt.jpg"_s); }
 
-    QStringList Names() const {
-        return QDir(folder_.path())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    static QStringList Names(const QString& folder) {
+        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
     /// Checks that writing 1 MB in each of two ways fails for `reason` and leaves the old content
@@ -58,8 +56,7 @@ class AtomicFileTest : public testing::Test {
                   }),
                   expected);
         EXPECT_EQ(ReadWholeFile(path, 100), "old"_ba);
-        EXPECT_EQ(QDir(QFileInfo(path).path()).entryList(QDir::Files | QDir::Hidden),
-                  QStringList{u"Blatt.jpg"_s});
+        EXPECT_EQ(Names(QFileInfo(path).path()), QStringList{u"Blatt.jpg"_s});
     }
 
     QTemporaryDir folder_;
@@ -77,7 +74,7 @@ TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
     EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
     file.Commit();
     EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
-    EXPECT_EQ(Names(), QStringList{u"Blatt.jpg"_s});
+    EXPECT_EQ(Names(folder_.path()), QStringList{u"Blatt.jpg"_s});
 }
 
 TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {
@@ -96,7 +93,7 @@ TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {
               u"Die Datei „%1“ konnte nicht gelesen werden: Die Datei oder der Ordner ist nicht "
               u"vorhanden."_s.arg(missing)
                   .toStdString());
-    EXPECT_TRUE(Names().isEmpty());
+    EXPECT_TRUE(Names(folder_.path()).isEmpty());
 }
 
 TEST_F(AtomicFileTest, LeavesAReadOnlyFile) {

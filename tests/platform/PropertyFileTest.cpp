@@ -14,28 +14,14 @@ class PropertyFileTest : public testing::Test {
  protected:
     QString Path() const { return folder_.filePath(u"pro1.tmp"_s); }
 
-    void Write(const QByteArray& bytes) const { WriteFileAtomically(Path(), bytes); }
-
     QTemporaryDir folder_;
 };
 
 TEST_F(PropertyFileTest, KeepsTextsExactly) {
-    const QStringList texts = {u""_s,
-                               u"Bildname"_s,
-                               u"  both ends\t"_s,
-                               u"zwei\r\nZeilen"_s,
-                               u"\"„ß“\""_s,
-                               u"C:\\Bilder\\neu"_s,
-                               u"\\u0041"_s,
-                               u";#[x]=y"_s,
-                               u"<<<END"_s,
-                               u"\U0001F4F7"_s,
-                               u"25"_s,
-                               u"true"_s,
-                               QString(QChar(0xD83D)),
-                               QString(QChar(0xDCF7)) + u'x',
-                               u"\0\x01\x7F"_s,
-                               u"\uFEFF"_s};
+    QStringList texts =
+        u"|Bildname|  both ends\t|zwei\r\nZeilen|\"„ß“\"|C:\\Bilder\\neu|\\u0041|;#[x]=y|<<<END|"
+        u"\U0001F4F7|25|true|\x01\x7F|\uFEFF"_s.split(u'|');
+    texts << QString(QChar(0xD83D)) << QString(QChar(0xDCF7)) + u'x' << u"\0"_s;
     PropertyFile written(Path());
     for (int i = 0; i < texts.size(); ++i) {
         written.WriteText(u"Ed"_s, QString::number(i), texts[i]);
@@ -65,7 +51,8 @@ TEST_F(PropertyFileTest, WritesAReadableForm) {
 }
 
 TEST_F(PropertyFileTest, WrongTypesAndDamageReadAsNothing) {
-    Write(
+    WriteFileAtomically(
+        Path(),
         "[C]\nnumber=5\nflag=TRUE\ntext=\"x\"\nopen=\"x\nodd=\"a\"b\"\nescape=\"\\q\"\n"
         "short=\"\\u00\"\nend=\"\\\"\nquote=\"\nbig=99999999999\n"
         "[L]\nItems=2\nItems.1=\"a\"\nless=-1\nhuge=2147483647\nhuge.1=\"a\"\nempty=0\n"_ba);

@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
-#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "imaging/view/ImageView.h"
 #include "tests/view/ViewTestSupport.h"
@@ -17,14 +14,13 @@
 namespace kadrona::imaging::view {
 namespace {
 
-using test::ExpectSamePixels;
 using test::Pattern;
+using test::SamePixels;
 
 void SendMouse(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button) {
-    const bool isMove = type == QEvent::MouseMove;
-    const bool isRelease = type == QEvent::MouseButtonRelease;
-    QMouseEvent event(type, at, view.mapToGlobal(at), isMove ? Qt::NoButton : button,
-                      isRelease ? Qt::MouseButtons() : button, Qt::NoModifier);
+    QMouseEvent event(type, at, view.mapToGlobal(at),
+                      type == QEvent::MouseMove ? Qt::NoButton : button,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : button, Qt::NoModifier);
     QCoreApplication::sendEvent(&view, &event);
 }
 
@@ -35,7 +31,7 @@ void SendWheel(QWidget& view, QPointF at, int angle,
     QCoreApplication::sendEvent(&view, &event);
 }
 
-class ImageViewTest : public testing::Test {
+class ImageViewTest : public ::testing::Test {
  protected:
     ImageViewTest() {
         view_.resize(400, 300);
@@ -81,7 +77,7 @@ class ImageViewTest : public testing::Test {
 
 TEST_F(ImageViewTest, AtFullSizeShowsThePhotosPixels) {
     Open({120, 90}, 100);
-    ExpectSamePixels(Grab().copy(140, 105, 120, 90), Pattern(120, 90));
+    EXPECT_TRUE(SamePixels(Grab().copy(140, 105, 120, 90), Pattern(120, 90)));
     EXPECT_EQ(Grab().pixel(5, 5), qRgb(255, 255, 255));
     EXPECT_NE(Grab().pixel(200, 105 + 90), qRgb(255, 255, 255)) << "shadow";
 }
@@ -93,35 +89,27 @@ TEST_F(ImageViewTest, AnEmptyViewIsWhiteAndTakesEveryInput) {
     QTest::keyClick(&view_, Qt::Key_Plus);
     QImage white(400, 300, QImage::Format_RGB32);
     white.fill(Qt::white);
-    ExpectSamePixels(Grab(), white);
+    EXPECT_TRUE(SamePixels(Grab(), white));
 }
 
 TEST_F(ImageViewTest, LayersAreBlendedInOrderByTransparencyAndAlpha) {
-    Image().Open(Pixels([] {
-                     QImage photo(100, 100, QImage::Format_RGB32);
-                     photo.fill(qRgb(200, 100, 0));
-                     return photo;
-                 }()),
-                 DotsPerInch{300});
-    view_.SetZoomPercent(100);
-    QImage half(10, 10, QImage::Format_ARGB32_Premultiplied);
+    Open({100, 100}, 100);
+    Image().EditPhoto({0, 0, 100, 100}, [](QImage& photo) { photo.fill(qRgb(200, 100, 0)); });
+    QImage half(2, 1, QImage::Format_ARGB32_Premultiplied);
     half.fill(Qt::transparent);
-    for (int y = 0; y < 10; ++y) {
-        for (int x = 0; x < 5; ++x) {
-            half.setPixel(x, y, qRgba(0, 0, 255, 255));
-        }
-    }
+    half.setPixel(0, 0, qRgba(0, 0, 255, 255));
     const int layer = Image().AddLayer({Pixels(half), QRect(20, 20, 40, 40), true, false, 51});
-    const QPoint origin = view_.ToWidget({0, 0}).toPoint();
+    const auto shown = [&](int x) {
+        return Grab().pixelColor(view_.ToWidget({0, 0}).toPoint() + QPoint(x, 40));
+    };
     // A fifth of blue over the photo on the left half, nothing on the right one.
-    const QColor blended = Grab().pixelColor(origin + QPoint(25, 40));
-    EXPECT_NEAR(blended.red(), 160, 1);
-    EXPECT_NEAR(blended.green(), 80, 1);
-    EXPECT_NEAR(blended.blue(), 51, 1);
-    EXPECT_EQ(Grab().pixel(origin + QPoint(55, 40)), qRgb(200, 100, 0));
-    EXPECT_EQ(Grab().pixel(origin + QPoint(19, 40)), qRgb(200, 100, 0));
+    EXPECT_NEAR(shown(25).red(), 160, 1);
+    EXPECT_NEAR(shown(25).green(), 80, 1);
+    EXPECT_NEAR(shown(25).blue(), 51, 1);
+    EXPECT_EQ(shown(55), QColor(200, 100, 0));
+    EXPECT_EQ(shown(19), QColor(200, 100, 0));
     Image().SetLayerVisible(layer, false, false);
-    EXPECT_EQ(Grab().pixel(origin + QPoint(25, 40)), qRgb(200, 100, 0));
+    EXPECT_EQ(shown(25), QColor(200, 100, 0));
 }
 
 TEST_F(ImageViewTest, TheWheelZoomsAtThePointer) {
@@ -142,14 +130,14 @@ TEST_F(ImageViewTest, TheWheelZoomsAtThePointer) {
 }
 
 TEST_F(ImageViewTest, ADragMovesTheLayerByPhotoPixels) {
-    for (const auto& [percent, factor] : {std::pair(50.0, 2.0), std::pair(200.0, 0.5)}) {
+    const QRect start(300, 250, 70, 90);
+    for (const auto& [percent, moved] :
+         {std::pair(50.0, start.translated(48, -20)), std::pair(200.0, start.translated(12, -5))}) {
         Open({800, 600}, percent);
-        const int layer = AddLayer({300, 250, 70, 90});
+        const int layer = AddLayer(start);
         QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
         Drag(OnLayer(layer), {24, -10});
-        EXPECT_EQ(Rectangle(layer),
-                  QRect(300, 250, 70, 90).translated((QPointF(24, -10) * factor).toPoint()))
-            << percent;
+        EXPECT_EQ(Rectangle(layer), moved) << percent;
         EXPECT_EQ(changed.count(), 2);
         EXPECT_EQ(changed.last().first().toInt(), layer);
     }
@@ -159,21 +147,16 @@ TEST_F(ImageViewTest, AClickPicksTheTopmostLayerAndBesideKeepsTheCurrentOne) {
     Open({390, 290}, 100);
     const int lower = AddLayer({50, 50, 100, 100});
     const int upper = AddLayer({100, 100, 100, 100});
-    Image().SetLayerVisible(upper, true, false);
-    const auto click = [&](QPointF photo) {
-        Press(view_.ToWidget(photo));
-        Move(view_.ToWidget(photo) + QPointF(1, 0));
-        Release(view_.ToWidget(photo));
+    const auto clicked = [&](QPointF photo) {
+        Drag(view_.ToWidget(photo), {1, 0});
+        return Image().CurrentLayer();
     };
-    click({75, 125});
-    EXPECT_EQ(Image().CurrentLayer(), lower);
-    click({125, 125});
-    EXPECT_EQ(Image().CurrentLayer(), upper);
-    click({300, 250});
-    EXPECT_EQ(Image().CurrentLayer(), upper);
+    Image().SetLayerVisible(upper, true, false);
+    EXPECT_EQ(clicked({75, 125}), lower);
+    EXPECT_EQ(clicked({125, 125}), upper);
+    EXPECT_EQ(clicked({300, 250}), upper);
     Image().SetLayerVisible(upper, false, false);
-    click({125, 125});
-    EXPECT_EQ(Image().CurrentLayer(), lower);
+    EXPECT_EQ(clicked({125, 125}), lower);
     EXPECT_EQ(Rectangle(lower), QRect(50, 50, 100, 100)) << "a trembling click moves nothing";
 }
 
@@ -234,12 +217,11 @@ TEST_F(ImageViewTest, AnOwnersCorrectionIsRespectedWithoutDrift) {
 TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
     Open({2000, 2000}, 100);
     const int layer = AddLayer({100, 100, 70, 90});
+    const QPointF before = view_.ToImage({0, 0});
     QTest::keyClick(&view_, Qt::Key_Right);
     QTest::keyClick(&view_, Qt::Key_Up, Qt::ShiftModifier);
-    EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
-
+    EXPECT_EQ(view_.ToImage({0, 0}), before);
     Image().SetCurrentLayer(0);
-    const QPointF before = view_.ToImage({0, 0});
     QTest::keyClick(&view_, Qt::Key_Right);
     EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
     EXPECT_GT(view_.ToImage({0, 0}).x(), before.x());
@@ -249,21 +231,20 @@ TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
 TEST_F(ImageViewTest, PansBesideTheLayerWithTheMiddleButtonAndInPanOnlyMode) {
     Open({2000, 2000}, 100);
     const int layer = AddLayer({950, 950, 70, 90});
-    const auto pannedBy = [&](auto drag) {
+    const QPointF by(30, -20);
+    const auto pannedBy = [&](QPointF from, Qt::MouseButton button) {
         const QPointF before = view_.ToImage({0, 0});
-        drag();
+        Drag(from, by, button);
         return before - view_.ToImage({0, 0});
     };
-    const QPointF by(30, -20);
-    EXPECT_EQ(pannedBy([&] { Drag({20, 20}, by); }), by);
-    EXPECT_EQ(pannedBy([&] { Drag(OnLayer(layer), by, Qt::MiddleButton); }), by);
+    EXPECT_EQ(pannedBy({20, 20}, Qt::LeftButton), by);
+    EXPECT_EQ(pannedBy(OnLayer(layer), Qt::MiddleButton), by);
     view_.SetInteraction(ImageView::Interaction::Pan);
     EXPECT_EQ(view_.cursor().shape(), Qt::OpenHandCursor);
-    EXPECT_EQ(pannedBy([&] { Drag(OnLayer(layer), by); }), by);
+    EXPECT_EQ(pannedBy(OnLayer(layer), Qt::LeftButton), by);
     EXPECT_EQ(Rectangle(layer), QRect(950, 950, 70, 90));
-
     view_.SetInteraction(ImageView::Interaction::Zoom);
-    EXPECT_EQ(pannedBy([&] { Drag({20, 20}, by); }), QPointF(0, 0));
+    EXPECT_EQ(pannedBy({20, 20}, Qt::LeftButton), QPointF(0, 0));
     EXPECT_NE(view_.cursor().shape(), Qt::OpenHandCursor);
 }
 
@@ -271,22 +252,18 @@ TEST_F(ImageViewTest, CursorsFollowThePointerAndTheOwnersComesBack) {
     Open({400, 300}, 100);
     const int layer = AddLayer({100, 80, 140, 100});
     view_.setCursor(Qt::CrossCursor);
-    struct Case {
-        QPointF photo;
-        Qt::CursorShape shape;
-    };
-    const std::vector<Case> cases = {
-        {{100, 80}, Qt::SizeFDiagCursor}, {{240, 80}, Qt::SizeBDiagCursor},
-        {{170, 80}, Qt::SizeVerCursor},   {{100, 130}, Qt::SizeHorCursor},
-        {{150, 120}, Qt::SizeAllCursor},  {{300, 250}, Qt::CrossCursor},
-    };
-    for (const auto& [photo, shape] : cases) {
+    const auto expectCursor = [this](QPointF photo, Qt::CursorShape shape) {
         Move(view_.ToWidget(photo), Qt::NoButton);
         EXPECT_EQ(view_.cursor().shape(), shape) << photo.x() << ", " << photo.y();
-    }
+    };
+    expectCursor({100, 80}, Qt::SizeFDiagCursor);
+    expectCursor({240, 80}, Qt::SizeBDiagCursor);
+    expectCursor({170, 80}, Qt::SizeVerCursor);
+    expectCursor({100, 130}, Qt::SizeHorCursor);
+    expectCursor({150, 120}, Qt::SizeAllCursor);
+    expectCursor({300, 250}, Qt::CrossCursor);
     Image().SetLayerVisible(layer, true, false);
-    Move(view_.ToWidget({100, 80}), Qt::NoButton);
-    EXPECT_EQ(view_.cursor().shape(), Qt::SizeAllCursor) << "no frame, no handles";
+    expectCursor({100, 80}, Qt::SizeAllCursor);  // no frame, no handles
 }
 
 TEST_F(ImageViewTest, RemovingTheLayerEndsItsDrag) {
@@ -310,9 +287,9 @@ TEST_F(ImageViewTest, SuspendedItShowsTheLastFrameUntilTheLastResume) {
     QImage red(120, 90, QImage::Format_RGB32);
     red.fill(Qt::red);
     Image().ChangePhoto(Pixels(red));
-    ExpectSamePixels(Grab(), before);
+    EXPECT_TRUE(SamePixels(Grab(), before));
     view_.ResumePainting();
-    ExpectSamePixels(Grab(), before);
+    EXPECT_TRUE(SamePixels(Grab(), before));
     view_.ResumePainting();
     EXPECT_EQ(Grab().pixel(200, 150), qRgb(255, 0, 0));
 }
@@ -341,18 +318,19 @@ TEST_F(ImageViewTest, DrawsSmoothlyOnceTheZoomRests) {
     const QImage resting = Grab();
     EXPECT_NE(moving, resting);
     view_.SetZoomPercent(view_.ZoomPercent());
-    ExpectSamePixels(Grab(), resting);
+    EXPECT_TRUE(SamePixels(Grab(), resting));
 }
 
 TEST_F(ImageViewTest, FocusShowsWhenItCameByTheKeyboard) {
-    const auto cornerAfter = [&](Qt::FocusReason reason) {
+    view_.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view_));
+    for (const auto& [reason, frame] :
+         {std::pair(Qt::TabFocusReason, view_.palette().color(QPalette::Highlight)),
+          std::pair(Qt::MouseFocusReason, QColor(Qt::white))}) {
         view_.clearFocus();
         view_.setFocus(reason);
-        return Grab().pixelColor(0, 0);
-    };
-    QApplication::setActiveWindow(&view_);
-    EXPECT_EQ(cornerAfter(Qt::TabFocusReason), view_.palette().color(QPalette::Highlight));
-    EXPECT_EQ(cornerAfter(Qt::MouseFocusReason), QColor(Qt::white));
+        EXPECT_EQ(Grab().pixelColor(0, 0), frame) << reason;
+    }
 }
 
 TEST_F(ImageViewTest, ABrushDabIsShownAndDoesNotCopyThePhoto) {
@@ -393,7 +371,7 @@ TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
     const double scale = window.devicePixelRatioF();
     const QPointF place = (view->ToWidget({0, 0}) + QPointF(7, 7)) * scale;
     const QImage shown = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    ExpectSamePixels(shown.copy(QRect(place.toPoint(), QSize(121, 91))), Pattern(121, 91));
+    EXPECT_TRUE(SamePixels(shown.copy(QRect(place.toPoint(), QSize(121, 91))), Pattern(121, 91)));
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 namespace kadrona::imaging::view {
 namespace {
 
-using test::ExpectSamePixels;
 using test::Pattern;
+using test::SamePixels;
 
 QImage Drawn(const Pixels& pixels, QSize size, Quality quality = Quality::Smooth,
              Enlargement enlargement = Enlargement::Crisp) {
@@ -22,28 +22,23 @@ QImage Row(std::initializer_list<QRgb> colours) {
     return image;
 }
 
-TEST(ScaledPixels, AtFullSizeIsThePictureItself) {
-    ExpectSamePixels(Drawn(Pixels(Pattern(70, 41)), {70, 41}), Pattern(70, 41));
-}
-
 TEST(ScaledPixels, LiteralRows) {
     constexpr QRgb black = qRgb(0, 0, 0);
     constexpr QRgb grey = qRgb(100, 50, 200);
     const Pixels two(Row({black, grey}));
     // Above 300 % the photo's pixels are squares.
-    ExpectSamePixels(Drawn(two, {8, 4}).copy(0, 0, 8, 1),
-                     Row({black, black, black, black, grey, grey, grey, grey}));
+    EXPECT_TRUE(SamePixels(Drawn(two, {8, 4}).copy(0, 0, 8, 1),
+                           Row({black, black, black, black, grey, grey, grey, grey})));
     // A smooth enlargement passes a quarter and three quarters of the way between the centres.
-    ExpectSamePixels(Drawn(two, {4, 1}), Row({black, qRgb(25, 13, 50), qRgb(75, 38, 150), grey}));
-    ExpectSamePixels(Drawn(two, {8, 1}, Quality::Smooth, Enlargement::Smooth).copy(2, 0, 1, 1),
-                     Row({qRgb(13, 6, 25)}));
+    EXPECT_TRUE(
+        SamePixels(Drawn(two, {4, 1}), Row({black, qRgb(25, 13, 50), qRgb(75, 38, 150), grey})));
+    EXPECT_TRUE(
+        SamePixels(Drawn(two, {8, 1}, Quality::Smooth, Enlargement::Smooth).copy(2, 0, 1, 1),
+                   Row({qRgb(13, 6, 25)})));
     // Two pixels from three: each is the mean of one and a half.
-    ExpectSamePixels(Drawn(Pixels(Row({qRgb(90, 0, 0), qRgb(0, 90, 0), qRgb(0, 0, 90)})), {2, 1}),
-                     Row({qRgb(60, 30, 0), qRgb(0, 30, 60)}));
-    // One pixel from seven, over two levels that are not even.
-    const QRgb mean =
-        Drawn(Pixels(Row({grey, grey, grey, grey, grey, grey, grey})), {1, 1}).pixel(0, 0);
-    EXPECT_EQ(mean, grey);
+    EXPECT_TRUE(
+        SamePixels(Drawn(Pixels(Row({qRgb(90, 0, 0), qRgb(0, 90, 0), qRgb(0, 0, 90)})), {2, 1}),
+                   Row({qRgb(60, 30, 0), qRgb(0, 30, 60)})));
 }
 
 TEST(ScaledPixels, AnEvenColourStaysThatColourAtEverySize) {
@@ -89,8 +84,9 @@ TEST(ScaledPixels, PartsAddUpToTheWhole) {
             const QRect asked(place, part);
             scaled.Draw(photo, size, asked, Quality::Smooth);
             ASSERT_TRUE(scaled.DrawnPart().contains(asked));
-            ExpectSamePixels(scaled.Drawing().copy(asked.translated(-scaled.DrawnPart().topLeft())),
-                             whole.copy(asked));
+            EXPECT_TRUE(
+                SamePixels(scaled.Drawing().copy(asked.translated(-scaled.DrawnPart().topLeft())),
+                           whole.copy(asked)));
         }
     }
 }
@@ -104,9 +100,9 @@ TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
     scaled.Draw(photo, size, all, Quality::Fast);
     EXPECT_NE(scaled.Drawing(), smooth);
     scaled.Draw(photo, size, all, Quality::Smooth);
-    ExpectSamePixels(scaled.Drawing(), smooth);
+    EXPECT_TRUE(SamePixels(scaled.Drawing(), smooth));
     scaled.Draw(photo, size, all, Quality::Fast);
-    ExpectSamePixels(scaled.Drawing(), smooth);
+    EXPECT_TRUE(SamePixels(scaled.Drawing(), smooth));
 }
 
 TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
@@ -123,21 +119,17 @@ TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
 
 // Every device pixel belongs to one tile and shows nothing but that tile.
 TEST(ScaledPixels, AGridHasNoSeams) {
+    const Pixels pattern(Pattern(31, 17), 3, 2);
+    EXPECT_TRUE(SamePixels(Drawn(pattern, pattern.Size()), pattern.ToImage()));
     QImage tile(113, 79, QImage::Format_RGB32);
     tile.fill(qRgb(10, 120, 200));
     const Pixels sheet(tile, 5, 4);
     for (const double zoom : {0.11, 0.37, 0.5, 0.93, 1.0, 1.41, 3.7}) {
-        const QSize size = (QSizeF(sheet.Size()) * zoom).toSize();
-        const QImage drawn = Drawn(sheet, size);
-        QImage expected(size, QImage::Format_RGB32);
+        const QImage drawn = Drawn(sheet, (QSizeF(sheet.Size()) * zoom).toSize());
+        QImage expected = drawn.copy();
         expected.fill(qRgb(10, 120, 200));
-        ExpectSamePixels(drawn, expected);
+        EXPECT_TRUE(SamePixels(drawn, expected));
     }
-}
-
-TEST(ScaledPixels, AGridAtFullSizeIsThePictureUnrolled) {
-    const Pixels sheet(Pattern(31, 17), 3, 2);
-    ExpectSamePixels(Drawn(sheet, sheet.Size()), sheet.ToImage());
 }
 
 }  // namespace

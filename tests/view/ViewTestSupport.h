@@ -1,8 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QImage>
+
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging::view::test {
 
@@ -17,16 +17,6 @@ inline QImage Pattern(int width, int height) {
     return image;
 }
 
-/// Names the first pixel in which two images differ.
-inline void ExpectSamePixels(const QImage& actual, const QImage& expected) {
-    ASSERT_EQ(actual.size(), expected.size());
-    for (int y = 0; y < actual.height(); ++y) {
-        for (int x = 0; x < actual.width(); ++x) {
-            ASSERT_EQ(actual.pixel(x, y), expected.pixel(x, y))
-                << std::hex << actual.pixel(x, y) << " instead of " << expected.pixel(x, y)
-                << std::dec << " at " << x << ", " << y;
-        }
-    }
-}
+using kadrona::testing::SamePixels;
 
 }  // namespace kadrona::imaging::view::test
