@@ -5,6 +5,7 @@
 #include "app/MainWindow.h"
 #include "controls/WaitCursor.h"
 #include "core/PhotoLoading.h"
+#include "core/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 
@@ -34,7 +35,8 @@ void TmainFm::acCropExecute() {
     if (settings_->PrintAfterCrop()) {
         ReportUnavailable(u"acPrintImage"_s);
     }
-    if (settings_->ImageAutoSave2()) {
+    // As for the action itself: a sheet of several photos is not saved quickly.
+    if (settings_->ImageAutoSave2() && pictureCount_->currentIndex() == core::SinglePhotoLayout) {
         acSaveImageFastExecute();
     }
 }

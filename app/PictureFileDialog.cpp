@@ -84,6 +84,8 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
     window.resize(DialogSize);
     window.setObjectName(u"SaveDialog"_s);
     window.setAcceptMode(QFileDialog::AcceptSave);
+    // A desktop's own dialog asks about replacing before the extension is appended, if at all.
+    window.setOption(QFileDialog::DontUseNativeDialog);
     window.setFileMode(QFileDialog::AnyFile);
     window.setNameFilters(NameFilters(dialog.filter));
     window.setDefaultSuffix(dialog.defaultExtension);

@@ -68,7 +68,7 @@ QString Extension(int fileType) {
 NameSources::NameSources()
     : now([] { return QDateTime::currentDateTime(); }),
       randomBelow([](int bound) { return QRandomGenerator::global()->bounded(bound); }),
-      guid([] { return QUuid::createUuid().toString(QUuid::WithBraces); }) {}
+      guid([] { return QUuid::createUuid().toString(QUuid::WithBraces).toUpper(); }) {}
 
 QString DelLastBackslash(const QString& path) {
     const bool ends = path.endsWith(QDir::separator());

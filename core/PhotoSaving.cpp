@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include "core/Data.h"
 #include "core/Product.h"
@@ -37,6 +38,7 @@ void TData::SaveImage(imaging::ImageDisplay& view, const QString& folder, const 
     const QString target = DelLastBackslash(folder);
     saveDialog_.initialFolder = target;
     saveDialog_.fileName = GetNameWithSuffix(currentFile_, u"_kdr"_s);
+    const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
     if (scale) {
         // What may fail for lack of memory comes before anything is changed.
         imaging::Pixels scaled = imaging::Resampled(image.Photo(), OutputSize);
@@ -69,14 +71,12 @@ void TData::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool 
     } catch (...) {
         if (scaled) {
             image.Undo();
-            image.SetAutomaticUndo(true);
         }
         throw;
     }
     ui_.ShowMessage(u"Das Bild wurde unter %1 gespeichert"_s.arg(path));
     image.Undo();
     image.ClearUndo();
-    image.SetAutomaticUndo(true);
 }
 
 void TData::AutoSaveImage(imaging::ImageDisplay& /*view*/, const QString& /*folder*/) const {}
