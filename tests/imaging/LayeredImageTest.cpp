@@ -69,7 +69,6 @@ TEST_F(LayeredImageTest, SignalsExactlyWhenSomethingChanges) {
     image.RemoveLayersAbovePhoto();
     ExpectSignals(0, 0, "removing no layers");
     image.Clear();
-    EXPECT_EQ(image.CurrentLayer(), -1);
     ExpectSignals(1, 1, "clearing");
 }
 
@@ -114,10 +113,6 @@ TEST_F(LayeredImageTest, RecordsByItselfOnlyWhenAsked) {
         image.ChangePhoto(Pixels(Picture({row})));
     }
     EXPECT_EQ(image.UndoCount(), 2);
-    image.Undo();
-    image.Undo();
-    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r"})));
-    image.ChangePhoto(photo);
     image.Open(photo, {});
     EXPECT_FALSE(image.CanUndo());
 }

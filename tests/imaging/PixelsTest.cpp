@@ -44,14 +44,7 @@ TEST(Pixels, RefusesGridsThatCannotBe) {
     EXPECT_THROW(Pixels(Picture({"rg"}), most, 1), platform::Error);
     // Possible as a grid, but not as an image.
     const Pixels wide(Picture({"r"}), most, 1);
-    EXPECT_EQ(wide.Width(), most);
-    try {
-        wide.ToImage();
-        FAIL() << "unrolled " << most << " columns";
-    } catch (const platform::Error& error) {
-        EXPECT_EQ(error.Text().toStdString(),
-                  "Für dieses Bild reicht der Arbeitsspeicher nicht aus.");
-    }
+    EXPECT_THROW(wide.ToImage(), platform::Error);
 }
 
 }  // namespace kadrona::imaging

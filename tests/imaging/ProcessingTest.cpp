@@ -1,7 +1,6 @@
 #include <QTransform>
 #include <limits>
 #include <optional>
-#include <vector>
 
 #include "imaging/Processing.h"
 #include "platform/Error.h"
@@ -17,21 +16,21 @@ Pixels Photo() {
     return Pixels(Picture({"rgb", "ykw", "gbr"}));
 }
 
-bool LiesIn(const Pixels& part, const Pixels& whole) {
-    const uchar* begin = whole.Tile().constBits();
-    const uchar* start = part.Tile().constBits();
-    return start >= begin && start < begin + whole.ByteCount();
-}
-
 QImage Filled(QSize size, QRgb colour) {
     QImage image(size, QImage::Format_RGB32);
     image.fill(colour);
     return image;
 }
 
+bool LiesIn(const Pixels& part, const Pixels& whole) {
+    const uchar* begin = whole.Tile().constBits();
+    const uchar* start = part.Tile().constBits();
+    return start >= begin && start < begin + whole.ByteCount();
+}
+
 }  // namespace
 
-TEST(AverageOf, RoundsToNearest) {
+TEST(AverageOf, RoundsToNearestBeyond32BitSums) {
     QImage image = Picture({"k", "k"});
     image.setPixel(0, 1, qRgb(1, 3, 254));
     const AverageColour average = AverageOf(Pixels(image, 5, 7));
@@ -39,25 +38,18 @@ TEST(AverageOf, RoundsToNearest) {
     EXPECT_EQ(average.green, 2);  // 1.5
     EXPECT_EQ(average.blue, 127);
     EXPECT_EQ(AverageOf(Pixels()).red, 0);
-}
 
-TEST(AverageOf, IsExactBeyond32BitSums) {
-    // The sum of a channel is 5.1e9.
-    const QImage image = Filled({5000, 4000}, qRgb(255, 254, 1));
-    const AverageColour average = AverageOf(Pixels(image));
-    EXPECT_EQ(average.red, 255);
-    EXPECT_EQ(average.green, 254);
-    EXPECT_EQ(average.blue, 1);
+    QImage large(5000, 4000, QImage::Format_RGB32);
+    large.fill(qRgb(255, 254, 1));
+    EXPECT_EQ(AverageOf(Pixels(large)).red, 255) << "the sum of a channel is 5.1e9";
 }
-
-struct CropCase {
-    const char* name;
-    QRect rectangle;
-    QImage expected;
-};
 
 TEST(Cropped, FillsWhatOverhangsWithWhite) {
-    const std::vector<CropCase> cases = {
+    const struct {
+        const char* name;
+        QRect rectangle;
+        QImage expected;
+    } cases[] = {
         {"inside", {1, 0, 2, 2}, Picture({"gb", "kw"})},
         {"left", {-1, 0, 2, 2}, Picture({"wr", "wy"})},
         {"top", {0, -1, 2, 2}, Picture({"ww", "rg"})},
@@ -69,9 +61,10 @@ TEST(Cropped, FillsWhatOverhangsWithWhite) {
         {"beside", {3, 0, 1, 2}, Picture({"w", "w"})},
         {"far away", {-100, 900, 2, 1}, Picture({"ww"})},
     };
-    for (const CropCase& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_TRUE(SamePixels(Cropped(Photo(), c.rectangle), c.expected)) << c.name;
     }
+    EXPECT_THROW(Cropped(Photo(), {-1, 0, std::numeric_limits<int>::max(), 1}), platform::Error);
     EXPECT_TRUE(Cropped(Photo(), QRect(1, 1, 0, 2)).IsEmpty());
     EXPECT_TRUE(SamePixels(Cropped(Pixels(), QRect(0, 0, 2, 1)), Picture({"ww"})));
 }
@@ -92,7 +85,7 @@ TEST(Cropped, UnrollsOnlyWhatAGridNeeds) {
     EXPECT_TRUE(SamePixels(Cropped(huge, {1'999'999'997, 1, 4, 2}), Picture({"ybyw", "grgw"})));
 }
 
-TEST(Cropped, IsSafeWhenTheParentChangesOrGoes) {
+TEST(Cropped, IsSafeWhenTheParentChangesOrGoesAndLeavesItAlone) {
     std::optional<QImage> parent = Photo().ToImage().copy();
     Pixels crop = Cropped(Pixels(*parent), {1, 0, 2, 2});
     ASSERT_EQ(crop.Tile().constBits(), parent->constScanLine(0) + 4);
@@ -106,13 +99,10 @@ TEST(Cropped, IsSafeWhenTheParentChangesOrGoes) {
     EXPECT_TRUE(SamePixels(crop, Picture({"kk", "kk"})));
     EXPECT_TRUE(SamePixels(copy, Picture({"gb", "kw"})));
     EXPECT_TRUE(SamePixels(inner, Picture({"w"})));
-}
 
-TEST(Cropped, ChangesNothingInItsParent) {
-    const Pixels parent = Photo();
-    Pixels crop = Cropped(parent, {0, 1, 3, 2});
-    crop.EditableTile().fill(Qt::red);
-    EXPECT_TRUE(SamePixels(parent, Photo().ToImage()));
+    const Pixels living = Photo();
+    Cropped(living, {0, 1, 3, 2}).EditableTile().fill(Qt::red);
+    EXPECT_TRUE(SamePixels(living, Photo().ToImage()));
 }
 
 TEST(CanvasEnlarged, PutsTheOddPixelRightAndBottom) {
@@ -123,12 +113,10 @@ TEST(CanvasEnlarged, PutsTheOddPixelRightAndBottom) {
     EXPECT_TRUE(CanvasEnlarged(photo, {2, 0}).SharesPixelsWith(photo));
     EXPECT_TRUE(
         SamePixels(CanvasEnlarged(Pixels(photo.Tile(), 2, 1), {6, 1}), Picture({"wrgrgw"})));
-}
-
-TEST(CanvasEnlarged, FillsOpaquelyAroundATransparentPicture) {
-    const Pixels photo(Picture({"."}, QImage::Format_ARGB32));
-    EXPECT_TRUE(SamePixels(CanvasEnlarged(photo, {3, 1}, QColor(255, 0, 0, 10)),
+    const Pixels transparent(Picture({"."}, QImage::Format_ARGB32));
+    EXPECT_TRUE(SamePixels(CanvasEnlarged(transparent, {3, 1}, QColor(255, 0, 0, 10)),
                            Picture({"r.r"}, QImage::Format_ARGB32)));
+    EXPECT_THROW(CanvasEnlarged(photo, {std::numeric_limits<int>::max(), 1}), platform::Error);
 }
 
 TEST(Turned, KeepsAGridAGrid) {
@@ -140,11 +128,9 @@ TEST(Turned, KeepsAGridAGrid) {
     EXPECT_TRUE(SamePixels(Turned(Pixels(grid.Tile()), QuarterTurn::CounterClockwise),
                            Picture({"bw", "gk", "ry"})));
     EXPECT_TRUE(SamePixels(Turned(right, QuarterTurn::CounterClockwise), grid.ToImage()));
-}
-
-TEST(Turned, TurnsAPartOfAnotherPicture) {
     EXPECT_TRUE(SamePixels(Turned(Cropped(Photo(), {1, 0, 2, 2}), QuarterTurn::Clockwise),
-                           Picture({"kg", "wb"})));
+                           Picture({"kg", "wb"})))
+        << "a part of another picture";
 }
 
 TEST(Repeated, MultipliesGrids) {

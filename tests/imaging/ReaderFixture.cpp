@@ -38,6 +38,12 @@ std::string Colour(const LoadedImage& loaded, int x, int y) {
     return loaded.pixels.Tile().pixelColor(x, y).name().toStdString();
 }
 
+void ExpectColours(const LoadedImage& loaded, std::initializer_list<PixelColour> expected) {
+    for (const auto& [x, y, colour] : expected) {
+        EXPECT_EQ(Colour(loaded, x, y), colour) << x << ", " << y;
+    }
+}
+
 void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, int tolerance) {
     const QColor actual = loaded.pixels.Tile().pixelColor(position);
     const int difference = std::max({std::abs(actual.red() - expected.red()),
@@ -60,6 +66,25 @@ QImage Plain(int width, int height, QColor colour) {
     QImage image(width, height, QImage::Format_ARGB32);
     image.fill(colour);
     return image;
+}
+
+QImage Drawn(QSize size, const std::function<QRgb(int x, int y)>& colourAt) {
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, colourAt(x, y));
+        }
+    }
+    return image;
+}
+
+QByteArray Gif(std::initializer_list<int> frames) {
+    QByteArray gif = "GIF89a" + QByteArray("\1\0\1\0\x80\0\0\0\0\0\xff\0\0", 13);
+    for (const int colour : frames) {
+        gif += QByteArray("\x2c\0\0\0\0\1\0\1\0\0\2\2", 12) + (colour ? '\x4c' : '\x44') +
+               QByteArray("\1\0", 2);
+    }
+    return gif + ';';
 }
 
 namespace {
@@ -180,8 +205,6 @@ QByteArray WithProfile(const QByteArray& png, const QByteArray& profile) {
     return WithChunk(png, "iCCP", QByteArray("probe\0\0", 7) + qCompress(profile).mid(LengthOfQt));
 }
 
-namespace {
-
 QByteArray Saved(cmsHPROFILE profile) {
     cmsUInt32Number size = 0;
     cmsSaveProfileToMem(profile, nullptr, &size);
@@ -190,6 +213,8 @@ QByteArray Saved(cmsHPROFILE profile) {
     cmsCloseProfile(profile);
     return bytes;
 }
+
+namespace {
 
 struct TableSource {
     int channels;

@@ -46,14 +46,25 @@ QString Complaint(const char* reason);
 /// "#rrggbb" of a pixel.
 std::string Colour(const LoadedImage& loaded, int x, int y);
 
+struct PixelColour {
+    int x, y;
+    const char* colour;
+};
+void ExpectColours(const LoadedImage& loaded, std::initializer_list<PixelColour> expected);
+
 /// Expects each channel within `tolerance`.
 void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, int tolerance);
 
 /// What Qt's plug-in writes.
 QByteArray Written(const QImage& image, const char* format);
 
-/// `image` with the colour at every pixel of `width` by `height`.
 QImage Plain(int width, int height, QColor colour);
+
+/// A picture of the colour that `colourAt` has for each pixel.
+QImage Drawn(QSize size, const std::function<QRgb(int x, int y)>& colourAt);
+
+/// A GIF of 1 by 1 pixel whose frames are colour 0 (black) or 1 (red) of its table.
+QByteArray Gif(std::initializer_list<int> frames);
 
 struct JpegContent {
     QSize size{16, 16};
@@ -91,5 +102,7 @@ QByteArray RgbProfile(double redX, double redY, double greenX, double greenY, do
 using LabOfInks = std::function<cmsCIELab(const std::array<double, 4>& inks)>;
 /// A profile of nothing but a table, of 3 (RGB) or 4 (CMYK) channels, each 0 ... 1.
 QByteArray TableProfile(int channels, const LabOfInks& toLab);
+/// The bytes of a profile, which is closed.
+QByteArray Saved(cmsHPROFILE profile);
 
 }  // namespace kadrona::imaging::test

@@ -97,14 +97,11 @@ TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatItDoesNotKnow) {
         Read(Emf(EmfRecord(9999, "unknown") + StretchDibits({8, 8, 16, 32}, TwoColourBits())));
     EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height));
     EXPECT_EQ(loaded.resolution.value, 100);
-    EXPECT_EQ(Colour(loaded, 4, 4), "#ffffff");
-    EXPECT_EQ(Colour(loaded, 12, 10), "#ff0000");
-    EXPECT_EQ(Colour(loaded, 12, 38), "#0000ff");
-    EXPECT_EQ(Colour(loaded, 40, 20), "#ffffff");
+    ExpectColours(
+        loaded, {{4, 4, "#ffffff"}, {12, 10, "#ff0000"}, {12, 38, "#0000ff"}, {40, 20, "#ffffff"}});
     // A negative height mirrors.
     const LoadedImage mirrored = Read(Emf(StretchDibits({8, 40, 16, -32}, TwoColourBits())));
-    EXPECT_EQ(Colour(mirrored, 12, 10), "#0000ff");
-    EXPECT_EQ(Colour(mirrored, 12, 38), "#ff0000");
+    ExpectColours(mirrored, {{12, 10, "#0000ff"}, {12, 38, "#ff0000"}});
 }
 
 TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
@@ -139,10 +136,8 @@ TEST(ReaderMetafile, EmfPolygonsOf16And32Bits) {
         EmfRecord(86, Bounds() + Packed<quint32>(3) + Packed<qint16>(60, 40, 60, 20, 40, 40));
     const LoadedImage loaded =
         Read(Emf(EmfBrush(1, 0x000000ff) + wide + EmfBrush(2, 0x0000ff00) + narrow));
-    EXPECT_EQ(Colour(loaded, 3, 3), "#ff0000");
-    EXPECT_EQ(Colour(loaded, 17, 17), "#ffffff");
-    EXPECT_EQ(Colour(loaded, 57, 37), "#00ff00");
-    EXPECT_EQ(Colour(loaded, 43, 23), "#ffffff");
+    ExpectColours(
+        loaded, {{3, 3, "#ff0000"}, {17, 17, "#ffffff"}, {57, 37, "#00ff00"}, {43, 23, "#ffffff"}});
 }
 
 TEST(ReaderMetafile, EmfMappingStateAndClipping) {
@@ -152,18 +147,14 @@ TEST(ReaderMetafile, EmfMappingStateAndClipping) {
     // y upwards, ten units a pixel.
     const LoadedImage flipped =
         Read(Emf(page + EmfBrush(1, 0xff) + EmfRectangle(0, 480, 100, 400)));
-    EXPECT_EQ(Colour(flipped, 4, 4), "#ff0000");
-    EXPECT_EQ(Colour(flipped, 12, 4), "#ffffff");
-    EXPECT_EQ(Colour(flipped, 4, 12), "#ffffff");
+    ExpectColours(flipped, {{4, 4, "#ff0000"}, {12, 4, "#ffffff"}, {4, 12, "#ffffff"}});
 
     // The clipping ends with RestoreDC.
     const LoadedImage clipped =
         Read(Emf(EmfBrush(1, 0xff) + EmfRecord(33) + EmfRecord(30, Packed<qint32>(0, 0, 10, 10)) +
                  EmfRectangle(0, 0, 20, 20) + EmfRecord(34, Packed<qint32>(-1)) +
                  EmfRectangle(30, 30, 40, 40)));
-    EXPECT_EQ(Colour(clipped, 5, 5), "#ff0000");
-    EXPECT_EQ(Colour(clipped, 15, 15), "#ffffff");
-    EXPECT_EQ(Colour(clipped, 35, 35), "#ff0000");
+    ExpectColours(clipped, {{5, 5, "#ff0000"}, {15, 15, "#ffffff"}, {35, 35, "#ff0000"}});
 }
 
 TEST(ReaderMetafile, WmfPolygonAndBitmap) {
@@ -177,10 +168,10 @@ TEST(ReaderMetafile, WmfPolygonAndBitmap) {
         const int scale = loaded.pixels.Width() / Width;
         EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height) * (placeable ? 1 : 16));
         EXPECT_EQ(loaded.resolution.value, placeable ? 96 : 0);
-        EXPECT_EQ(Colour(loaded, 3 * scale, 3 * scale), "#00ff00");
-        EXPECT_EQ(Colour(loaded, 30 * scale, 3 * scale), "#ffffff");
-        EXPECT_EQ(Colour(loaded, 45 * scale, 12 * scale), "#ff0000");
-        EXPECT_EQ(Colour(loaded, 45 * scale, 28 * scale), "#0000ff");
+        ExpectColours(loaded, {{3 * scale, 3 * scale, "#00ff00"},
+                               {30 * scale, 3 * scale, "#ffffff"},
+                               {45 * scale, 12 * scale, "#ff0000"},
+                               {45 * scale, 28 * scale, "#0000ff"}});
     }
 }
 

@@ -29,25 +29,20 @@ std::string Letters(const LoadedImage& loaded) {
 }
 
 QImage LetterImage() {
-    QImage image(Columns, Rows, QImage::Format_RGB32);
-    for (int y = 0; y < Rows; ++y) {
-        for (int x = 0; x < Columns; ++x) {
-            image.setPixelColor(x, y, QColor::fromHsv(0, 0, LevelAt(x, y)));
-        }
-    }
-    return image;
+    return Drawn({Columns, Rows},
+                 [](int x, int y) { return qRgb(LevelAt(x, y), LevelAt(x, y), LevelAt(x, y)); });
 }
 
 QByteArray Exif(quint16 orientation) {
     return Tiff({Short(0x112, orientation)});
 }
 
-QByteArray LetterJpeg(quint16 orientation) {
+QByteArray LetterJpeg(const QByteArray& exif) {
     JpegContent content;
     content.size = {Columns, Rows};
     content.channels = 1;
     content.pixel = [](int x, int y, uchar* pixel) { *pixel = static_cast<uchar>(LevelAt(x, y)); };
-    content.exif = Exif(orientation);
+    content.exif = exif;
     return Jpeg(content);
 }
 
@@ -86,13 +81,8 @@ QByteArray LetterWebP(quint16 orientation) {
     return "RIFF" + LittleEndian(quint32(content.size())) + content;
 }
 
-struct OrientationCase {
-    quint16 orientation;
-    const char* upright;
-};
-
 // EXIF 2.3, tag 0x0112, applied to ABC/DEF.
-constexpr OrientationCase Cases[] = {
+constexpr std::pair<quint16, const char*> Cases[] = {
     {1, "ABC/DEF"},  {2, "CBA/FED"},  {3, "FED/CBA"},  {4, "DEF/ABC"}, {5, "AD/BE/CF"},
     {6, "DA/EB/FC"}, {7, "FC/EB/DA"}, {8, "CF/BE/AD"}, {0, "ABC/DEF"}, {9, "ABC/DEF"},
 };
@@ -102,7 +92,7 @@ constexpr OrientationCase Cases[] = {
 TEST(ReaderOrientation, EveryOrientationOfEveryFormatThatHasOne) {
     for (const auto& [orientation, upright] : Cases) {
         SCOPED_TRACE(orientation);
-        EXPECT_EQ(Letters(Read(LetterJpeg(orientation))), upright);
+        EXPECT_EQ(Letters(Read(LetterJpeg(Exif(orientation)))), upright);
         EXPECT_EQ(Letters(Read(LetterPng(orientation))), upright);
         EXPECT_EQ(Letters(Read(LetterWebP(orientation))), upright);
         EXPECT_EQ(Letters(Read(LetterTiff(orientation, 8, 1))), upright);
@@ -114,21 +104,14 @@ TEST(ReaderOrientation, EveryOrientationOfEveryFormatThatHasOne) {
 TEST(ReaderOrientation, LeavesThePictureWhereNotAskedFor) {
     ReadOptions options;
     options.applyOrientation = false;
-    EXPECT_EQ(Letters(Read(LetterJpeg(6), options)), "ABC/DEF");
+    EXPECT_EQ(Letters(Read(LetterJpeg(Exif(6)), options)), "ABC/DEF");
     EXPECT_EQ(Letters(Read(LetterTiff(6, 8, 3), options)), "ABC/DEF");
     EXPECT_EQ(Letters(Read(LetterPng(6), options)), "ABC/DEF");
 }
 
 TEST(ReaderOrientation, HostileExifIsIgnored) {
     const QByteArray good = Exif(6);
-    JpegContent content;
-    content.size = {Columns, Rows};
-    content.channels = 1;
-    content.pixel = [](int x, int y, uchar* pixel) { *pixel = static_cast<uchar>(LevelAt(x, y)); };
-    const auto lettersWith = [&content](const QByteArray& exif) {
-        content.exif = exif;
-        return Letters(Read(Jpeg(content)));
-    };
+    const auto lettersWith = [](const QByteArray& exif) { return Letters(Read(LetterJpeg(exif))); };
     for (qsizetype size = 1; size < good.size() - 4; ++size) {
         EXPECT_EQ(lettersWith(good.first(size)), "ABC/DEF") << size;
     }
