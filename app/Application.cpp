@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QTextStream>
 #include <QTimer>
@@ -111,7 +112,8 @@ int Run(int argc, char** argv) {
                                u"„kadrona sheet“ (siehe kadrona --help).\n"_s;
         return SomePhotoFailed;
     }
-    return RunWindow(argc, argv, arguments.value(1));
+    const QString photo = arguments.value(1);
+    return RunWindow(argc, argv, photo.isEmpty() ? photo : QFileInfo(photo).absoluteFilePath());
 }
 
 }  // namespace kadrona::app
