@@ -125,7 +125,6 @@ const ThemeColors& Colors() {
         .accentDark = QColor(0x12, 0x55, 0x8d),
         .accentTint = QColor(0xe6, 0xf0, 0xf8),
         .accentWash = QColor(0xcd, 0xe2, 0xf3),
-        .danger = QColor(0xc2, 0x39, 0x34),
     };
     return colors;
 }

@@ -19,7 +19,6 @@ struct ThemeColors {
     QColor accentDark;    ///< accent under a pressed button
     QColor accentTint;    ///< under the pointer
     QColor accentWash;    ///< checked or pressed
-    QColor danger;
 };
 
 /// Colours of the one light theme.

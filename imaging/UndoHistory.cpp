@@ -103,14 +103,6 @@ void UndoHistory::EditInPlace(Pixels& photo, const QRect& area,
     edit(photo.EditableTile());
 }
 
-void UndoHistory::DropNewest() {
-    steps_.back().difference.ApplyTo(reference_);
-    steps_.pop_back();
-    if (steps_.empty()) {
-        Clear();
-    }
-}
-
 void UndoHistory::Clear() {
     steps_.clear();
     reference_ = Pixels();

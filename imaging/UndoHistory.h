@@ -48,8 +48,6 @@ class UndoHistory {
     /// platform::Error where memory is short, before anything is changed.
     void EditInPlace(Pixels& photo, const QRect& area, const std::function<void(QImage&)>& edit);
 
-    /// Drops the newest step without going back to it. Precondition: not empty.
-    void DropNewest();
     void Clear();
 
     /// Memory that the steps hold by themselves, without what they share with the live photo.

@@ -1,9 +1,7 @@
 // Writes the template files and the catalogue from the template table.
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QTextStream>
 
 #include "core/TemplateFile.h"
 #include "platform/AtomicFile.h"
@@ -12,6 +10,7 @@
 #include "platform/TextDecoding.h"
 #include "tools/TemplateDesign.h"
 #include "tools/TemplateTable.h"
+#include "tools/ToolMain.h"
 
 using namespace kadrona;
 using namespace Qt::StringLiterals;
@@ -19,7 +18,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 LargestTable = 16 << 20;
-constexpr int WrongUsage = 2;
 
 void MakeTemplates(const QString& table, const QString& folder) {
     const QString text = platform::DecodeText(platform::ReadWholeFile(table, LargestTable));
@@ -38,18 +36,6 @@ void MakeTemplates(const QString& table, const QString& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    QTextStream errors(stderr);
-    if (arguments.size() != 3) {
-        errors << u"Aufruf: kadrona-make-templates TABELLE ZIELORDNER\n"_s;
-        return WrongUsage;
-    }
-    try {
-        MakeTemplates(arguments[1], arguments[2]);
-        return EXIT_SUCCESS;
-    } catch (const platform::Error& error) {
-        errors << error.Text() << u'\n';
-        return EXIT_FAILURE;
-    }
+    return tools::ToolMain(argc, argv, u"Aufruf: kadrona-make-templates TABELLE ZIELORDNER"_s,
+                           MakeTemplates);
 }

@@ -1,13 +1,12 @@
 // Renders the sample portrait to a JPEG of the drawing's own size.
 
-#include <QCoreApplication>
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
-#include <QTextStream>
 
 #include "imaging/ImageWriter.h"
 #include "platform/Error.h"
+#include "tools/ToolMain.h"
 
 using namespace kadrona;
 using namespace Qt::StringLiterals;
@@ -15,7 +14,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr imaging::DotsPerInch CameraResolution{300};
-constexpr int WrongUsage = 2;
 
 void RenderPortrait(const QString& drawing, const QString& photo) {
     QSvgRenderer renderer(drawing);
@@ -35,19 +33,6 @@ void RenderPortrait(const QString& drawing, const QString& photo) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Drawing into an image needs no window system; the build has none.
-    const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    QTextStream errors(stderr);
-    if (arguments.size() != 3) {
-        errors << u"Aufruf: kadrona-render-portrait ZEICHNUNG FOTO.jpg\n"_s;
-        return WrongUsage;
-    }
-    try {
-        RenderPortrait(arguments[1], arguments[2]);
-        return EXIT_SUCCESS;
-    } catch (const platform::Error& error) {
-        errors << error.Text() << u'\n';
-        return EXIT_FAILURE;
-    }
+    return tools::ToolMain(argc, argv, u"Aufruf: kadrona-render-portrait ZEICHNUNG FOTO.jpg"_s,
+                           RenderPortrait);
 }

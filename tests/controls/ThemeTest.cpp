@@ -37,7 +37,6 @@ TEST(Theme, TextsAreReadable) {
     EXPECT_GE(Contrast(c.mutedText, c.window), 4.5);
     EXPECT_GE(Contrast(c.accent, c.window), 4.5);
     EXPECT_GE(Contrast(Qt::white, c.accent), 4.5);
-    EXPECT_GE(Contrast(Qt::white, c.danger), 4.5);
 }
 
 TEST(Theme, TheStyleSheetIsWholeAndItsPicturesExist) {
