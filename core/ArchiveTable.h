@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "store/Database.h"
+
+namespace kadrona::core {
+
+/// One record of the table "ImgDB", without its thumbnail.
+struct ArchiveRecord {
+    qint64 id = 0;      ///< "ID"
+    QString name;       ///< "ImgName": file name of the photo
+    QString type;       ///< "ImgType": file name of the template
+    QDateTime created;  ///< "ImgErstellt", local time
+    QString folder;     ///< "ImgAblage": month folder below the archive folder
+    QString tags;       ///< "ImgTags": lines, CR LF after each
+};
+
+/// The open table "ImgDB" on its index "ImgErstellt_idx": every list is ordered newest first.
+/// Members throw store::StoreError.
+class ArchiveTable {
+ public:
+    /// `database` outlives the table.
+    explicit ArchiveTable(store::Database& database) : database_(database) {}
+
+    /// The records' numbers, as far as the table's filter lets them through.
+    std::vector<qint64> Ids() const;
+
+    /// The numbers of those that the text finds in the shown fields (date, name, template, tags),
+    /// wherever it stands in them and whatever its case. Words all have to occur; "*" stands for
+    /// any run of characters; words in double quotes have to stand together; a word after a minus
+    /// sign must not occur. An empty text finds all.
+    std::vector<qint64> Find(const QString& text) const;
+
+    /// Nothing where there is no such record (any more).
+    std::optional<ArchiveRecord> Read(qint64 id) const;
+    /// The JPEG; empty where the record has none.
+    QByteArray ReadThumbnail(qint64 id) const;
+    void SetTags(qint64 id, const QString& tags);
+
+    /// Only what the full-text expression finds is listed from now on, for example
+    /// TEXTSEARCH('Müller' IN ImgTags); an empty one lists all again.
+    void SetFilter(const QString& expression);
+
+ private:
+    store::Database& database_;
+    QString filter_;
+};
+
+}  // namespace kadrona::core
