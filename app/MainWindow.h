@@ -117,6 +117,8 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     int dbCount_ = 0;
     bool imageLoaded_ = false;
     bool sheetCreated_ = false;
+    /// The save dialog's last one.
+    QString saveFilter_;
 
     MainActions actions_;
     std::unique_ptr<core::TData> data_;

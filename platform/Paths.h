@@ -5,7 +5,7 @@
 
 namespace kadrona::platform {
 
-/// folder + the platform's separator + name. An empty folder gives a path in the root, as every
+/// folder + the platform's separator, unless the folder ends in it, + name. An empty folder gives a path in the root, as every
 /// path built on a missing folder does.
 QString JoinPath(QStringView folder, QStringView name);
 

@@ -112,24 +112,41 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
         Type(shown, u"bild"_s);
     });
     Trigger(u"acSave"_s);
-    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { shown.close(); });
+    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) {
+        EXPECT_EQ(dynamic_cast<QFileDialog&>(shown).selectedNameFilter(), u"TIFF (*.tif)"_s);
+        shown.close();
+    });
     Trigger(u"acSave"_s);
     EXPECT_EQ(SavedFiles(), QStringList({u"bild.tif"_s, u"photo_kdr.jpg"_s}));
 }
 
-TEST_F(SavingStory, ANameWithADotGetsAnExtensionAndIsNotReplacedUnasked) {
+TEST_F(SavingStory, OnlyTheFileThatIsWrittenIsAskedAbout) {
     installation.Write("saved/max.2024_kdr.jpg", "old");
+    installation.Write("saved/x.gif", "other");
     MakeSinglePhoto();
-    const auto typeName = [](QWidget& shown) { Type(shown, u"max.2024_kdr"_s); };
-    driver.Expect(u"SaveDialog"_s, typeName).Press(u"MessageBox"_s, u"NoButton"_s);
-    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { shown.close(); });
-    Trigger(u"acSave"_s);
+    const auto name = [](const QString& typed) {
+        return [typed](QWidget& shown) { Type(shown, typed); };
+    };
+    const auto save = [this](const QString& typed, const QString& answer) {
+        driver.Expect(u"SaveDialog"_s, [=, this](QWidget& shown) {
+            driver.Press(u"MessageBox"_s, answer);
+            Type(shown, typed);
+            if (shown.isVisible()) {
+                EXPECT_EQ(answer, u"NoButton"_s);
+                shown.close();
+            }
+        });
+        Trigger(u"acSave"_s);
+    };
+    save(u"max.2024_kdr"_s, u"NoButton"_s);
     EXPECT_EQ(QFileInfo(installation.Path("saved/max.2024_kdr.jpg")).size(), 3);
-
-    driver.Expect(u"SaveDialog"_s, typeName).Press(u"MessageBox"_s, u"YesButton"_s);
-    Trigger(u"acSave"_s);
+    save(u"max.2024_kdr.jpg"_s, u"YesButton"_s);
     EXPECT_GT(QFileInfo(installation.Path("saved/max.2024_kdr.jpg")).size(), 3);
-    EXPECT_EQ(SavedFiles().size(), 1);
+
+    driver.Expect(u"SaveDialog"_s, name(u"x.gif"_s));
+    Trigger(u"acSave"_s);
+    EXPECT_EQ(QFileInfo(installation.Path("saved/x.gif")).size(), 5);
+    EXPECT_EQ(SavedFiles(), QStringList({u"max.2024_kdr.jpg"_s, u"x.gif"_s, u"x.gif.jpg"_s}));
 }
 
 }  // namespace kadrona::testing
