@@ -20,12 +20,14 @@ FileError ReadError(const QString& path, const QString& reason) {
     return FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason));
 }
 
-/// Throws where something that must stay stands under the name, or where nothing can. The
-/// permission bits are asked, not the system: it lets an administrator write to every file.
-void CheckReplaceable(const QString& path) {
+/// The path itself; throws where something that must stay stands under the name, or where nothing
+/// can. The permission bits are asked, not the system: it lets an administrator write to every
+/// file.
+const QString& Replaceable(const QString& path) {
     if (path.contains(QChar::Null)) {
-        // The system would end the name there.
-        throw WriteError(path, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s);
+        // The system would end the name there, as every text of an error does.
+        throw WriteError(QString(path).replace(QChar::Null, QChar::ReplacementCharacter),
+                         u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s);
     }
     const QFileInfo existing(path);
     if (existing.isDir()) {
@@ -34,12 +36,12 @@ void CheckReplaceable(const QString& path) {
     if (existing.exists() && !existing.permission(QFileDevice::WriteOwner)) {
         throw WriteError(path, u"Die Datei ist schreibgeschützt"_s);
     }
+    return path;
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path) : path_(path), file_(path) {
-    CheckReplaceable(path);
+AtomicFile::AtomicFile(const QString& path) : path_(Replaceable(path)), file_(path_) {
     if (!file_.Create()) {
         throw WriteError(path, file_.errorString());
     }
