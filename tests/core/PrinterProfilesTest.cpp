@@ -105,6 +105,13 @@ TEST_F(PrinterProfiles, AnIndexThatCannotBeWrittenKeepsTheProfileWhole) {
     EXPECT_EQ(printer.current, saved);
 }
 
+TEST_F(PrinterProfiles, ADataFolderThatTakesNoFileGivesAnError) {
+    QDir(data.DataFolder()).removeRecursively();
+    installation.Write("common/Kadrona", "in the way");
+    EXPECT_THROW(data.SavePrintProfile(u"A"_s), platform::FileError);
+    EXPECT_THROW(data.SavePrinterProfileToIni(u"A"_s, u"prn1.tmp"_s), platform::FileError);
+}
+
 TEST_F(PrinterProfiles, ADamagedFileOrAPrinterThatIsGoneLeavesTheCurrentOne) {
     data.SavePrintProfile(u"A"_s);
     const QString file = data.DataFolder() + u'/' + SettingsFiles().first();

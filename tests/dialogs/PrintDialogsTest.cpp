@@ -137,6 +137,11 @@ TEST_F(PrintDialogs, AFailureIsShownAndAddsNoEntry) {
         printer.failure = u"Der Druckdienst antwortet nicht."_s;
         ExpectMessage(printer.failure);
         Click(shown, u"btnNewProfile"_s);
+        printer.failure.clear();
+        QDir(data.DataFolder()).removeRecursively();
+        ExpectName(u"Foto"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Click(shown, u"btnNewProfile"_s);
         EXPECT_EQ(Texts(shown), (QStringList{u"A"_s, u"B"_s}));
     });
 }
