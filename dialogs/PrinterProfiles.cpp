@@ -43,6 +43,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     auto* explanation = new QLabel(
         u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
     explanation->setWordWrap(true);
+    explanation->setContentsMargins(0, 0, 0, 6);
     auto* caption = new QLabel(u"Profile"_s);
     caption->setBuddy(lbProfiles_);
     auto* buttons = new QVBoxLayout;
@@ -56,6 +57,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     layout->addWidget(caption, 1, 0);
     layout->addWidget(lbProfiles_, 2, 0);
     layout->addLayout(buttons, 2, 1);
+    layout->setHorizontalSpacing(10);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(2, 1);
     lbProfiles_->setFocus();
