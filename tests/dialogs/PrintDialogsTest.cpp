@@ -79,10 +79,11 @@ class PrintDialogs : public ::testing::Test {
         return *settings.findChild<Control*>(name);
     }
 
-    /// Default profile and immediate printing.
+    /// Default profile and immediate printing, stored.
     void PrintAtOnce(int profile) {
         Setting<QComboBox>(u"PrintProfileBox"_s).setCurrentIndex(profile);
         Setting<QCheckBox>(u"PrintAfterCrop"_s).setChecked(true);
+        settings.AktivateProfileByName(u"Standard Profile"_s, true);
     }
 
     Installation installation;
