@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "app/PrintFlow.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
 #include "core/Product.h"
@@ -87,6 +88,7 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
 }
@@ -141,12 +143,14 @@ void TmainFm::ConnectActions() {
     Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
     Connect(u"acSave"_s, &TmainFm::acSaveExecute);
     Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
+    Connect(u"acPrintImage"_s, &TmainFm::acPrintImageExecute);
+    Connect(u"acPrinSetup"_s, &TmainFm::acPrinSetupExecute);
+    Connect(u"acPrinterProfilDlg"_s, &TmainFm::acPrinterProfilDlgExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
     for (const QString& name :
-         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s,
-          u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
-          u"acColorConfig"_s, u"acBeauty"_s}) {
+         {u"acSearchArchiv"_s, u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
+          u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
         connect(actions_[name], &QAction::triggered, this, [this, name] {
             actions_.SetChecked(name, false);
             ReportUnavailable(name);
@@ -176,6 +180,18 @@ void TmainFm::ShowMessage(const QString& text) {
 std::optional<QStringList> TmainFm::EditTags() {
     ReportUnavailable(u"acSearchArchiv"_s);
     return std::nullopt;
+}
+
+void TmainFm::acPrintImageExecute() {
+    printFlow_->PrintSheet(view_->Image());
+}
+
+void TmainFm::acPrinSetupExecute() {
+    printFlow_->SetUpPrinter();
+}
+
+void TmainFm::acPrinterProfilDlgExecute() {
+    printFlow_->ShowProfiles();
 }
 
 void TmainFm::acAboutExecute() {

@@ -29,6 +29,8 @@ class ImageView;
 
 namespace kadrona::app {
 
+class PrintFlow;
+
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
 /// PhotoOpening, PhotoViewing (zoom, undo, template layer, keys), PhotoCreation and PhotoSaving.
@@ -108,6 +110,11 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acSaveImageFastExecute();
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
 
+    // Printing (PrintFlow)
+    void acPrintImageExecute();
+    void acPrinSetupExecute();
+    void acPrinterProfilDlgExecute();
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
@@ -125,6 +132,7 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TSchabloneFm* templateChooser_ = nullptr;
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
 
