@@ -109,9 +109,9 @@ void TEinstellungenFm::InitPropertys() {
     TakeOverFrameSize();
 }
 
-int TEinstellungenFm::ShowEx() {
+controls::ModalResult TEinstellungenFm::ShowEx() {
     RefreshPrinterProfiles();
-    const int result = exec();
+    const controls::ModalResult result = controls::ShowModal(*this);
     TakeOverFrameSize();
     return result;
 }

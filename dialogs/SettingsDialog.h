@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <functional>
 
+#include "controls/ModalResult.h"
 #include "controls/PropertyStore.h"
 #include "core/ProfileStore.h"
 #include "core/Settings.h"
@@ -49,8 +50,8 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     /// Fills the lists, then binds and restores the start profile.
     void InitPropertys();
 
-    /// Shows the dialog modally with a fresh list of printer profiles; returns the modal result.
-    int ShowEx();
+    /// Shows the dialog modally with a fresh list of printer profiles; Ok or Cancel.
+    controls::ModalResult ShowEx();
 
     /// Makes a profile the active one; with `storeFirst` the one before is stored.
     void AktivateProfileByName(const QString& name, bool storeFirst);

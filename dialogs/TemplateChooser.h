@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <functional>
 
+#include "controls/ModalResult.h"
+
 class QListWidget;
 class QPushButton;
 class QTimer;
@@ -33,7 +35,8 @@ class TSchabloneFm : public QDialog {
     /// Index of the selected template; -1 none.
     int SelectedTemplate() const;
 
-    int ShowEx() { return exec(); }
+    /// Ok or Cancel.
+    controls::ModalResult ShowEx() { return controls::ShowModal(*this); }
 
  protected:
     void showEvent(QShowEvent* event) override;
