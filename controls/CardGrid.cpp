@@ -92,11 +92,16 @@ void CardGrid::Arrange() {
     const int height = viewport()->height();
     verticalScrollBar()->setPageStep(height);
     verticalScrollBar()->setRange(0, std::max(0, layout_.ContentHeight() - height));
+    FitPictures();
     constexpr int Screens = 3;
     constexpr int LeastCapacity = 120;
     const int visible = (height / layout_.RowPitch() + 2) * layout_.Columns();
     cache_.SetCapacity(std::max(LeastCapacity, Screens * visible));
     viewport()->update();
+}
+
+void CardGrid::FitPictures() {
+    cache_.SetPictureBox(CardPainter::PictureBox(), devicePixelRatioF());
 }
 
 /// The card that stays where it is when the grid changes its shape.
@@ -300,8 +305,7 @@ void CardGrid::paintEvent(QPaintEvent* event) {
 void CardGrid::PaintCards(QPainter& painter, const QRect& area) {
     using Clock = std::chrono::steady_clock;
     const auto deadline = Clock::now() + budget_;
-    // The window may have come to another screen since.
-    cache_.SetPictureBox(painter_.PictureBox(layout_.CardSize().width()), devicePixelRatioF());
+    FitPictures();  // the window may have come to another screen
     const int top = verticalScrollBar()->value();
     const CardLayout::Range range = layout_.CardsBetween(top + area.top(), top + area.bottom() + 1);
     bool mayLoad = true;

@@ -78,6 +78,7 @@ class CardGrid : public QAbstractScrollArea {
  private:
     void Arrange();
     void ArrangeAround(int anchor);
+    void FitPictures();
     int Anchor() const;
     void SetCurrentIndex(int index);
     void EnsureVisible(int index);

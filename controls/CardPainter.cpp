@@ -66,8 +66,8 @@ QSize CardPainter::SmallestSize() const {
     return {LeastWidth, 2 * Padding + PictureHeight + 2 * Spacing + texts};
 }
 
-QSize CardPainter::PictureBox(int cardWidth) const {
-    return {cardWidth - 2 * Padding, PictureHeight};
+QSize CardPainter::PictureBox() {
+    return {LeastWidth - 2 * Padding, PictureHeight};
 }
 
 void CardPainter::Paint(QPainter& painter, const QRect& area, const LoadedCard* card,
@@ -142,7 +142,7 @@ void CardPainter::PaintFailure(QPainter& painter, const QRect& inside, const Loa
 }
 
 bool CardPainter::IsCut(const LoadedCard& card, int cardWidth) const {
-    const int width = PictureBox(cardWidth).width();
+    const int width = cardWidth - 2 * Padding;
     const auto fits = [width](const QString& text, const QFont& font) {
         return QFontMetrics(font).horizontalAdvance(text) <= width;
     };

@@ -35,8 +35,8 @@ class CardPainter {
 
     /// A card's height and the least width that its picture and texts need.
     QSize SmallestSize() const;
-    /// The largest picture on a card of that width.
-    QSize PictureBox(int cardWidth) const;
+    /// The largest picture, which fits on the narrowest card.
+    static QSize PictureBox();
 
     /// `card` is null for one that is not loaded yet: an empty frame.
     void Paint(QPainter& painter, const QRect& area, const LoadedCard* card, CardState state) const;

@@ -45,12 +45,12 @@ TfmImageTagEdit::TfmImageTagEdit(QWidget* parent) : QDialog(parent) {
     setFixedSize(sizeHint().expandedTo(QSize(420, 280)));
 }
 
-int TfmImageTagEdit::ShowEx(const QString& tags) {
+controls::ModalResult TfmImageTagEdit::ShowEx(const QString& tags) {
     tagMemo_->setPlainText(tags);
     tagMemo_->moveCursor(QTextCursor::End);
     tagMemo_->setFocus();
     CentreOnParent(*this);
-    return exec();
+    return controls::ShowModal(*this);
 }
 
 QStringList TfmImageTagEdit::Lines() const {

@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <QStringList>
 
+#include "controls/ModalResult.h"
+
 class QPlainTextEdit;
 
 namespace kadrona::dialogs {
@@ -14,8 +16,8 @@ class TfmImageTagEdit : public QDialog {
  public:
     explicit TfmImageTagEdit(QWidget* parent = nullptr);
 
-    /// Shows the dialog modally with that text; returns the modal result.
-    int ShowEx(const QString& tags = {});
+    /// Shows the dialog modally with that text; returns Ok or Cancel.
+    controls::ModalResult ShowEx(const QString& tags = {});
 
     /// The lines of the memo; a line break at its very end begins no further line.
     QStringList Lines() const;

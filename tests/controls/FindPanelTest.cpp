@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
@@ -26,6 +25,9 @@ class FindPanelTest : public ::testing::Test {
         return texts;
     }
 
+    /// The toolkit's own, the last one in the field.
+    QToolButton* ClearButton() const { return edit.findChildren<QToolButton*>().last(); }
+
     FindPanel panel;
     QLineEdit& edit = *panel.findChild<QLineEdit*>(u"FindEdit"_s);
     QSignalSpy searched{&panel, &FindPanel::Searched};
@@ -34,10 +36,10 @@ class FindPanelTest : public ::testing::Test {
 
 TEST_F(FindPanelTest, SearchesOnceTheUserPauses) {
     panel.SetDelay(30ms);
-    QTest::keyClicks(&edit, u"Müller"_s);
+    QTest::keyClicks(&edit, u"Meier"_s);
     EXPECT_EQ(searched.count(), 0);
     EXPECT_TRUE(searched.wait(2000));
-    EXPECT_EQ(Searches(), QStringList(u"Müller"_s));
+    EXPECT_EQ(Searches(), QStringList(u"Meier"_s));
 }
 
 TEST_F(FindPanelTest, ReturnAndDownSearchAtOnceAndLeave) {
@@ -57,7 +59,7 @@ TEST_F(FindPanelTest, EscapeAndTheButtonClear) {
     QTest::keyClick(&edit, Qt::Key_Escape);
     EXPECT_TRUE(panel.Text().isEmpty());
     panel.SetText(u"b"_s);
-    edit.findChild<QAction*>(u"_q_qlineeditclearaction"_s)->trigger();
+    ClearButton()->click();
     EXPECT_TRUE(QTest::qWaitFor([&] { return searched.count() == 4; }));
     EXPECT_EQ(Searches(), QStringList({u"a"_s, u""_s, u"b"_s, u""_s}));
 
