@@ -1,5 +1,7 @@
 #include "core/ArchiveSearch.h"
 
+#include <QList>
+
 namespace kadrona::core {
 
 namespace {
