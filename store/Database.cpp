@@ -7,6 +7,7 @@
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"
+#include "store/WordTokenizer.h"
 
 namespace kadrona::store {
 namespace {
@@ -38,6 +39,9 @@ Database::Database(const QString& folder) : path_(platform::JoinPath(folder, u"K
         sqlite3_extended_result_codes(handle, 1);
         sqlite3_busy_timeout(handle, BusyTimeout);
         Harden(handle);
+        result = RegisterWordTokenizer(handle);
+    }
+    if (result == SQLITE_OK) {
         // The file is read only now: without this, garbage would pass for a database.
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
     }
@@ -69,6 +73,12 @@ bool Database::TableExists(const QString& name) {
 
 qint64 Database::LastInsertedId() const {
     return sqlite3_last_insert_rowid(handle_.get());
+}
+
+Database::State Database::PresentState() {
+    Statement statement(*this, u"PRAGMA data_version"_s);
+    statement.Step();
+    return {sqlite3_total_changes64(handle_.get()), statement.Integer(0)};
 }
 
 }  // namespace kadrona::store

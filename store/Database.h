@@ -16,6 +16,8 @@ class Database {
     /// StoreError, also where the file is no database.
     explicit Database(const QString& folder);
 
+    const QString& Path() const { return path_; }
+
     /// Runs one statement that yields no rows worth reading. Throws StoreError.
     void Execute(const QString& sql);
 
@@ -27,6 +29,14 @@ class Database {
 
     /// The automatic number of the row inserted last; 0 before any.
     qint64 LastInsertedId() const;
+
+    /// Another one after every change, whichever program made it.
+    struct State {
+        qint64 ownChanges = 0;
+        qint64 othersVersion = 0;
+        bool operator==(const State&) const = default;
+    };
+    State PresentState();
 
  private:
     friend class Statement;
