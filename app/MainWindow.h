@@ -21,6 +21,8 @@ class TFileNameFm;
 class TProfileDlgFM;
 class TSchabloneFm;
 class TfmAbout;
+class TfmImageTagEdit;
+class TfmImgSearch;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -28,6 +30,8 @@ class ImageView;
 }
 
 namespace kadrona::app {
+
+class ArchiveActions;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
@@ -108,6 +112,10 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acSaveImageFastExecute();
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
 
+    // Archive (ArchiveActions)
+    void acSearchArchivExecute();
+    void ArchivePhotoReplaced(bool created);
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
@@ -125,6 +133,9 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
+    dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
+    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
+    std::unique_ptr<ArchiveActions> archiveActions_;
 
     imaging::view::ImageView* view_ = nullptr;
     QWidget* viewPanel_ = nullptr;

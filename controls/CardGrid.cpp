@@ -60,11 +60,6 @@ void CardGrid::Reload(qint64 key) {
     Describe();
 }
 
-void CardGrid::ReloadAll() {
-    cache_.Clear();
-    viewport()->update();
-}
-
 void CardGrid::SetEmptyText(const QString& heading, const QString& hint) {
     emptyHeading_ = heading;
     emptyHint_ = hint;

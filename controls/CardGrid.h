@@ -25,7 +25,8 @@ class CardGrid : public QAbstractScrollArea {
  public:
     explicit CardGrid(QWidget* parent = nullptr);
 
-    /// The source outlives the grid or its next source; null for none.
+    /// The source outlives the grid or its next source; null for none. Whatever was read is
+    /// forgotten.
     void SetSource(CardSource* source);
 
     /// What happens to the current card when other cards are shown.
@@ -40,9 +41,8 @@ class CardGrid : public QAbstractScrollArea {
     /// Key of the current card; nothing when there are no cards.
     std::optional<qint64> Current() const;
 
-    /// Reads a card, or all of them, anew when they are visible.
+    /// Reads a card anew when it is visible.
     void Reload(qint64 key);
-    void ReloadAll();
 
     /// What stands in place of the cards when there are none. The hint may be empty.
     void SetEmptyText(const QString& heading, const QString& hint = {});

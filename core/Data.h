@@ -61,6 +61,8 @@ class TData {
     const QString& CurrentFile() const { return currentFile_; }
     const QString& CurrentFileFolder() const { return currentFileFolder_; }
     void SetCurrentFile(const QString& path);
+    /// For a photo of the archive, whose folder is none to open further photos from.
+    void SetCurrentFileName(const QString& name) { currentFile_ = name; }
     /// The "adjusted" flag of the colour tools.
     bool Adjusted() const { return adjusted_; }
     void SetAdjusted(bool adjusted) { adjusted_ = adjusted; }

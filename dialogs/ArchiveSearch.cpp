@@ -93,12 +93,12 @@ void TfmImgSearch::BuildLayout() {
         bar->AddAction(action, controls::Caption::Shown);
     }
     findPanel_->setObjectName(u"FindPanel"_s);
-    findPanel_->SetSyntaxTip(u"Suche"_s,
-                             u"In Datum, Dateiname, Schablone und Tags. Mehrere Wörter müssen alle "
-                             u"vorkommen.\n\n"
-                             u"*\tsteht für beliebige Zeichen\n"
-                             u"\"Anna Berg\"\tdie Wörter stehen beieinander\n"
-                             u"-Berlin\tdas Wort kommt nicht vor"_s);
+    findPanel_->SetSyntaxTip(
+        u"Suche"_s,
+        u"In Datum, Dateiname, Schablone und Tags; alle Wörter müssen vorkommen.\n\n"
+        u"Ber*n: * steht für beliebige Zeichen\n"
+        u"\"Anna Berg\": die Wörter stehen nebeneinander\n"
+        u"-Berlin: das Wort kommt nicht vor"_s);
     grid_->setObjectName(u"CardGrid"_s);
     grid_->setAccessibleName(u"Archivierte Bilder"_s);
     grid_->addActions({acPrintImg_, acEditTags_});
@@ -134,11 +134,9 @@ void TfmImgSearch::Open() {
             u"konnte."_s);
     }
     table->SetFilter({});
-    if (cards_ == nullptr) {
-        cards_ = std::make_unique<ArchiveCards>(*table);
-        grid_->SetSource(cards_.get());
-    }
-    grid_->ReloadAll();
+    auto cards = std::make_unique<ArchiveCards>(*table);
+    grid_->SetSource(cards.get());
+    cards_ = std::move(cards);
     findPanel_->Clear();
     grid_->SetCards(table->Ids(), controls::CardGrid::Position::Start);
     recordCount_ = grid_->Cards().size();
@@ -182,11 +180,10 @@ void TfmImgSearch::acEditTagsExecute() {
 
 /// The size that the window has now is the one that it is opened with the next time.
 void TfmImgSearch::done(int result) {
-    QDialog::done(result);
-    const bool restored = !isMaximized() && !isFullScreen();
     controls::Guarded(this, [&] {
-        data_.SaveLayerPosToIni(LayoutSection, restored ? geometry() : normalGeometry());
+        data_.SaveLayerPosToIni(LayoutSection, isMaximized() ? normalGeometry() : geometry());
     });
+    QDialog::done(result);
 }
 
 }  // namespace kadrona::dialogs
