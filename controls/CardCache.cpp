@@ -50,6 +50,9 @@ const LoadedCard& CardCache::Load(qint64 key) {
 
 /// Scaled to the screen's pixels at once, so that painting is copying.
 QPixmap CardCache::Decoded(const QByteArray& jpeg) const {
+    if (jpeg.isEmpty()) {
+        return {};
+    }
     QBuffer buffer;
     buffer.setData(jpeg);
     QImageReader reader(&buffer, "jpeg");
