@@ -32,8 +32,9 @@ void Database::Closer::operator()(sqlite3* handle) const {
 
 Database::Database(const QString& folder) : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
     sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(path_.toUtf8().constData(), &handle,
-                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    int result =
+        sqlite3_open_v2(path_.toUtf8().constData(), &handle,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
