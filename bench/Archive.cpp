@@ -1,9 +1,9 @@
 // The archive with 100,000 records (or as many as the argument says): how long lists and searches
 // take, how large the database is, and what filing a photo costs beside encoding it. Plain figures;
 // nothing is asserted.
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
@@ -119,9 +119,8 @@ void MeasureArchiving(const QString& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
-    const int count = QGuiApplication::arguments().value(1, u"100000"_s).toInt();
+    const QCoreApplication application(argc, argv);
+    const int count = QCoreApplication::arguments().value(1, u"100000"_s).toInt();
     const QTemporaryDir folder;
     std::printf("making %d records: %.0f ms\n", count,
                 Milliseconds([&] { bench::MakeArchiveRecords(folder.path(), count); }));

@@ -3,17 +3,16 @@
 //
 //   bench_make_archive DATA_FOLDER COUNT
 //   KADRONA_COMMON_APPDATA=DATA_FOLDER build/kadrona
+#include <QCoreApplication>
 #include <QDir>
-#include <QGuiApplication>
 #include <cstdio>
 
 #include "bench/ArchiveRecords.h"
 #include "platform/Error.h"
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
-    const QStringList arguments = QGuiApplication::arguments();
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
     const int count = arguments.value(2).toInt();
     if (arguments.size() != 3 || count <= 0) {
         std::fprintf(stderr, "usage: bench_make_archive DATA_FOLDER COUNT\n");
