@@ -1,6 +1,7 @@
 #include "core/ArchiveSearch.h"
 
 #include <QList>
+#include <algorithm>
 
 namespace kadrona::core {
 
@@ -15,40 +16,63 @@ QByteArray FoldedByUnicode(QByteArrayView text) {
     return QString::fromUtf8(text).normalized(QString::NormalizationForm_C).toCaseFolded().toUtf8();
 }
 
-/// Whether all characters of UTF-8 text lie below U+0100 (bytes C2 and C3 lead those beyond ASCII),
-/// without the one whose folded form is not the letter 0x20 behind it.
-bool IsSimple(QByteArrayView text) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<uchar>(text[i]);
-        if (byte > 0xc3 || (byte == 0xc2 && text.sliced(i).startsWith("\xc2\xb5")) ||
-            (byte == 0xc3 && text.sliced(i).startsWith("\xc3\x9f"))) {
-            return false;
-        }
-    }
-    return true;
+/// Whether all characters of UTF-8 text lie below U+0100: C2 and C3 lead those beyond ASCII.
+bool IsLatin1(QByteArrayView text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<uchar>(byte) <= 0xc3; });
 }
 
-/// Folds a byte of simple text; `lead` is the one before it.
-char FoldedByte(char byte, char lead) {
-    const auto code = static_cast<uchar>(byte);
-    const bool ascii = code >= 'A' && code <= 'Z';
-    const bool latin = lead == '\xc3' && code >= 0x80 && code <= 0x9e && code != 0x97;
-    return static_cast<char>(ascii || latin ? code + 0x20 : code);
+/// Folds a character of two bytes below U+0100, in place. No folded form is longer.
+void FoldLatin1(char* character) {
+    const int code = (static_cast<uchar>(character[0]) & 3) << 6 | (character[1] & 0x3f);
+    if (code >= 0xc0 && code <= 0xde && code != 0xd7) {
+        character[1] = static_cast<char>(character[1] + 0x20);
+    } else if (code == 0xdf) {  // sharp s
+        character[0] = character[1] = 's';
+    } else if (code == 0xb5) {  // the micro sign is a small Greek mu
+        character[0] = '\xce';
+        character[1] = '\xbc';
+    }
+}
+
+/// Writes the folded form of such text, which is no longer, and returns its end.
+char* FoldLatin1(QByteArrayView text, char* out) {
+    const char* const end = text.end();
+    for (const char* at = text.begin(); at < end; ++at) {
+        *out++ = *at >= 'A' && *at <= 'Z' ? static_cast<char>(*at + 0x20) : *at;
+        if (static_cast<uchar>(*at) >= 0x80 && at + 1 < end) {
+            *out++ = *++at;
+            FoldLatin1(out - 2);
+        }
+    }
+    return out;
+}
+
+/// Drops the blanks at the beginning and makes one of each other run; returns the new end.
+char* JoinBlanks(char* begin, const char* end) {
+    char* out = begin;
+    for (const char* at = begin; at < end; ++at) {
+        if (!IsBlank(*at)) {
+            *out++ = *at;
+        } else if (out > begin && out[-1] != ' ') {
+            *out++ = ' ';
+        }
+    }
+    return out;
 }
 
 }  // namespace
 
 void AppendFolded(QByteArray& folded, QByteArrayView text) {
-    const bool simple = IsSimple(text);
-    const QByteArray unicode = simple ? QByteArray() : FoldedByUnicode(text);
-    char lead = FieldEnd;
-    for (const char byte : simple ? text : QByteArrayView(unicode)) {
-        if (!IsBlank(byte)) {
-            folded.append(simple ? FoldedByte(byte, lead) : byte);
-        } else if (!IsBlank(lead)) {
-            folded.append(' ');
-        }
-        lead = byte;
+    const qsizetype before = folded.size();
+    if (IsLatin1(text)) {
+        folded.resize(before + text.size());
+        char* const begin = folded.data() + before;
+        folded.resize(JoinBlanks(begin, FoldLatin1(text, begin)) - folded.constData());
+    } else {
+        folded.append(FoldedByUnicode(text));
+        char* const begin = folded.data() + before;
+        folded.resize(JoinBlanks(begin, folded.constEnd()) - folded.constData());
     }
 }
 

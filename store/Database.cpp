@@ -14,9 +14,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// How long to wait for another program that writes, in milliseconds.
-constexpr int BusyTimeout = 5000;
-
 /// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
 /// our own SQL from the file's inner structures.
 void Harden(sqlite3* handle) {
@@ -30,14 +27,16 @@ void Database::Closer::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);
 }
 
-Database::Database(const QString& folder) : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
+Database::Database(const QString& folder, std::chrono::milliseconds patience)
+    : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
     sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(path_.toUtf8().constData(), &handle,
-                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    int result =
+        sqlite3_open_v2(path_.toUtf8().constData(), &handle,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
-        sqlite3_busy_timeout(handle, BusyTimeout);
+        sqlite3_busy_timeout(handle, static_cast<int>(patience.count()));
         Harden(handle);
         result = RegisterWordTokenizer(handle);
     }
