@@ -21,6 +21,8 @@ class TFileNameFm;
 class TProfileDlgFM;
 class TSchabloneFm;
 class TfmAbout;
+class TfmImageTagEdit;
+class TfmImgSearch;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -29,6 +31,7 @@ class ImageView;
 
 namespace kadrona::app {
 
+class ArchiveActions;
 class PrintFlow;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
@@ -115,6 +118,10 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acPrinSetupExecute();
     void acPrinterProfilDlgExecute();
 
+    // Archive (ArchiveActions)
+    void acSearchArchivExecute();
+    void ArchivePhotoReplaced(bool created);
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
@@ -135,6 +142,9 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
+    dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
+    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
+    std::unique_ptr<ArchiveActions> archiveActions_;
 
     imaging::view::ImageView* view_ = nullptr;
     QWidget* viewPanel_ = nullptr;
