@@ -7,12 +7,17 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "app/ColourTools.h"
+#include "app/RetouchTool.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
+#include "controls/StatusPanels.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ProfileChooser.h"
+#include "dialogs/RgbCurves.h"
+#include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
 #include "imaging/view/ImageView.h"
@@ -87,12 +92,16 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    rotateDialog_ = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
+    curveDialog_ = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 }
 
 void TmainFm::FormDestroy() {
     platform::WriteRegistryInteger(CountValue, dbCount_);
+    colourTools_.reset();
+    retouchTool_.reset();
     // The dialogs and the view may still ask the data module while they go.
     delete templateChooser_;
     delete settings_;
@@ -143,10 +152,9 @@ void TmainFm::ConnectActions() {
     Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
+    ConnectTools();
     for (const QString& name :
-         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s,
-          u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
-          u"acColorConfig"_s, u"acBeauty"_s}) {
+         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s}) {
         connect(actions_[name], &QAction::triggered, this, [this, name] {
             actions_.SetChecked(name, false);
             ReportUnavailable(name);
@@ -157,6 +165,36 @@ void TmainFm::ConnectActions() {
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
+}
+
+void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) {
+    connect(actions_[action], &QAction::triggered, this, [this, handler = std::move(handler)] {
+        controls::Guarded(this, handler);
+        UpdateActions();
+    });
+}
+
+void TmainFm::ConnectTools() {
+    const ToolSurroundings surroundings{.actions = actions_,
+                                        .view = *view_,
+                                        .statusBar = *statusPanels_,
+                                        .showTemplateLayer =
+                                            [this](bool show) { ShowTemplateLayer(show); },
+                                        .zoomFit = [this] { acZoomFitExecute(); },
+                                        .zoomFull = [this] { acZoomFullExecute(); }};
+    colourTools_ = std::make_unique<ColourTools>(surroundings);
+    retouchTool_ = std::make_unique<RetouchTool>(surroundings);
+    Connect(u"acRotateDlg"_s, &TmainFm::acRotateDlgExecute);
+    ConnectTool(u"acSetWhitePoint"_s, [this] { colourTools_->acSetWhitePointExecute(); });
+    ConnectTool(u"acGradation"_s, [this] { colourTools_->acGradationExecute(*curveDialog_); });
+    ConnectTool(u"acSchwarzweiss"_s, [this] { colourTools_->acSchwarzweissExecute(); });
+    ConnectTool(u"acColorConfig"_s, [this] { colourTools_->acColorConfigExecute(); });
+    ConnectTool(u"acBeauty"_s, [this] { retouchTool_->acBeautyExecute(); });
+}
+
+void TmainFm::LeaveToolModes() {
+    colourTools_->LeaveMode();
+    retouchTool_->LeaveMode();
 }
 
 void TmainFm::UpdateActions() {
