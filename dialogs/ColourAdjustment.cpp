@@ -66,6 +66,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     buttons->addWidget(resetAll);
     buttons->addStretch();
     buttons->addWidget(ok);

@@ -28,6 +28,7 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr int ItemHeight = 16;
+constexpr int ButtonSpacing = 8;
 const QString Extension = u".acv"_s;
 
 /// Choosing by the keyboard counts as a click, as in every list of this program.
@@ -90,10 +91,12 @@ void TfmRGBKurve::BuildPresets() {
     btnDelete_ = Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick);
 
     auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(ButtonSpacing);
     buttons->addWidget(btnAdd_);
     buttons->addWidget(btnUpdate_);
     buttons->addWidget(btnDelete_);
     auto* column = new QVBoxLayout;
+    column->setSpacing(ButtonSpacing);
     column->addWidget(labPreset);
     column->addWidget(cbPreset2_, 1);
     column->addLayout(buttons);
@@ -129,11 +132,13 @@ void TfmRGBKurve::BuildChannel() {
     }
 
     auto* channel = new QHBoxLayout;
+    channel->setSpacing(ButtonSpacing);
     channel->addWidget(cbChannel_);
     channel->addStretch();
     channel->addWidget(btnReset);
     channel->addWidget(btnResetAll);
     auto* confirm = new QHBoxLayout;
+    confirm->setSpacing(ButtonSpacing);
     confirm->addStretch();
     confirm->addWidget(btnOk);
     confirm->addWidget(btnCancel);

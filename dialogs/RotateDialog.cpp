@@ -51,6 +51,7 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
     auto* label = new QLabel(u"Winkel"_s);
     label->setBuddy(angle_);
     auto* row = new QHBoxLayout;
+    row->setSpacing(8);
     row->addWidget(label);
     row->addWidget(angle_);
     row->addStretch();

@@ -13,15 +13,18 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr int Side = 460;
+constexpr int Side = 480;
 constexpr int GuideTop = 120;  // picture pixels below the top
 constexpr double PictureOpacity = 230 / 255.0;
+/// Up to this angle the whole picture stays in sight.
+constexpr double AngleInSight = 15;
 constexpr double FineStep = 0.1;
 constexpr double CoarseStep = 1.0;
 constexpr double WheelNotch = 120.0;
 constexpr int GridSpacing = 30;  // picture pixels
 constexpr QColor GridLight(255, 255, 255, 70);
-constexpr QColor GridDark(0, 0, 0, 45);
+constexpr QColor GridDark(0, 0, 0, 38);
+constexpr int GuideAlpha = 190;
 
 double Normalized(double degrees) {
     const double turned = std::remainder(degrees, 360.0);
@@ -61,8 +64,13 @@ void RotationPreview::SetDegrees(double degrees) {
 }
 
 double RotationPreview::Scale() const {
-    const double diagonal = std::hypot(picture_.width(), picture_.height());
-    return diagonal > 0 ? std::min(width(), height()) / diagonal : 1.0;
+    if (picture_.isNull()) {
+        return 1.0;
+    }
+    const QSize turned =
+        QTransform().rotate(AngleInSight).mapRect(QRect(QPoint(), picture_.size())).size();
+    return std::min(width(), height()) /
+           static_cast<double>(std::max(turned.width(), turned.height()));
 }
 
 QTransform RotationPreview::ToWidget() const {
@@ -109,12 +117,12 @@ void RotationPreview::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
-/// Upright and level lines in the guide line's measure; each a light beside a dark one, so that
-/// they show on every photo.
+/// Upright and level lines, each a light beside a dark one, so that they show on every photo, and
+/// the guide line once more, over the picture.
 void RotationPreview::PaintGrid(QPainter& painter) const {
-    const QTransform upright = ToWidget();
+    const double guide = ToWidget().map(QPointF(0, GuideTop)).y();
     const double spacing = GridSpacing * Scale();
-    const double firstY = std::fmod(upright.map(QPointF(0, GuideTop)).y(), spacing);
+    const double firstY = std::fmod(guide, spacing);
     for (double y = firstY; y < height(); y += spacing) {
         painter.fillRect(QRectF(0, std::floor(y), width(), 1), GridDark);
         painter.fillRect(QRectF(0, std::floor(y) + 1, width(), 1), GridLight);
@@ -124,6 +132,9 @@ void RotationPreview::PaintGrid(QPainter& painter) const {
         painter.fillRect(QRectF(std::floor(x), 0, 1, height()), GridDark);
         painter.fillRect(QRectF(std::floor(x) + 1, 0, 1, height()), GridLight);
     }
+    QColor guideColour = palette().color(QPalette::Highlight);
+    guideColour.setAlpha(GuideAlpha);
+    painter.fillRect(QRectF(0, std::floor(guide), width(), 1), guideColour);
 }
 
 void RotationPreview::mousePressEvent(QMouseEvent* event) {

@@ -6,8 +6,7 @@
 
 namespace kadrona::dialogs {
 
-/// A small half-transparent picture over a levelling guide, turned and moved with the mouse. It is
-/// shown so large that no angle takes a corner out of sight.
+/// A small, slightly transparent picture over a levelling guide, turned and moved with the mouse.
 ///
 ///     +--------------------------+
 ///     |      _____               |

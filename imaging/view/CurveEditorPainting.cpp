@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "imaging/view/CurveEditor.h"
 
@@ -96,10 +97,12 @@ void CurveEditor::PaintField(QPainter& painter) const {
     painter.drawRect(field);
 }
 
-/// Heights are square roots, for few pixels matter as well as many.
+/// Heights are square roots, for few pixels matter as well as many. Black and white, often more
+/// than all else together, may reach beyond the field.
 void CurveEditor::PaintHistogram(QPainter& painter) const {
     const LevelCounts& counts = LevelsOf(histogram_, channel_);
-    const double highest = std::sqrt(static_cast<double>(std::ranges::max(counts)));
+    const std::span between(counts.begin() + 1, counts.end() - 1);
+    const double highest = std::sqrt(static_cast<double>(std::ranges::max(between)));
     if (highest == 0) {
         return;
     }
@@ -107,7 +110,8 @@ void CurveEditor::PaintHistogram(QPainter& painter) const {
     const double step = field.width() / static_cast<double>(counts.size());
     QPainterPath outline(field.bottomLeft());
     for (size_t level = 0; level < counts.size(); ++level) {
-        const double share = std::sqrt(static_cast<double>(counts.at(level))) / highest;
+        const double share =
+            std::min(std::sqrt(static_cast<double>(counts.at(level))) / highest, 1.0);
         const double top = field.bottom() - share * (field.height() - 2);
         const double left = field.left() + static_cast<double>(level) * step;
         outline.lineTo(left, top);
