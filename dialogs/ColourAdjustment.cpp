@@ -38,7 +38,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     contrast_ = AddPage(u"ContrastPage"_s,
                         new AdjustmentPage({{u"Kontrast"_s, u"Contrast"_s},
                                             {u"Helligkeit"_s, u"Brightness"_s}}),
-                        u"Kontrast"_s);
+                        u"Kontrast und Helligkeit"_s);
     hue_ = AddPage(u"HuePage"_s,
                    new AdjustmentPage({{u"Farbton"_s, u"Hue"_s, -180, 180, u"°"_s},
                                        {u"Sättigung"_s, u"Saturation"_s},
