@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <opencv2/core/hal/intrin.hpp>
 
 #include "imaging/ColourEffects.h"
 
@@ -7,20 +9,65 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// Floats throughout, and selections instead of branches, so that the compiler handles several
-/// pixels at once.
+/// Four pixels at once: a number of each.
+using Floats = cv::v_float32x4;
+using Words = cv::v_uint32x4;
+constexpr size_t Lanes = Floats::nlanes;
+
+inline Floats All(float value) {
+    return cv::v_setall_f32(value);
+}
+
+inline Floats Clamped(const Floats& value) {
+    return cv::v_min(cv::v_max(value, All(0)), All(1));
+}
+
+inline Floats ChannelOf(const Words& pixels) {
+    return cv::v_cvt_f32(cv::v_reinterpret_as_s32(pixels & cv::v_setall_u32(0xff)));
+}
+
+/// Levels 0 ... 255 and a half, which cutting off the rest makes a rounding.
+inline Words ToChannel(const Floats& levels) {
+    return cv::v_reinterpret_as_u32(cv::v_trunc(levels));
+}
+
+struct Colours {
+    Floats red;
+    Floats green;
+    Floats blue;
+};
+
+/// In sixths of a turn, -1 ... 5; 0 for greys.
+inline Floats HueOf(const Colours& colours, const Floats& highest, const Floats& chroma) {
+    const Floats perChroma = All(1) / cv::v_max(chroma, All(1));
+    const Floats fromRed = (colours.green - colours.blue) * perChroma;
+    const Floats fromGreen = (colours.blue - colours.red) * perChroma + All(2);
+    const Floats fromBlue = (colours.red - colours.green) * perChroma + All(4);
+    const Floats notRed = cv::v_select(colours.green == highest, fromGreen, fromBlue);
+    return cv::v_select(colours.red == highest, fromRed, notRed);
+}
+
+/// The colour of a hue, 0 ... 6, with the given chroma above its lowest channel.
+inline Colours ColoursOf(const Floats& hue, const Floats& chroma, const Floats& lowest) {
+    // Red's own hue is both 0 and 6: what counts is the distance from the opposite one.
+    return {lowest + chroma * Clamped(cv::v_abs(hue - All(3)) - All(1)),
+            lowest + chroma * Clamped(All(2) - cv::v_abs(hue - All(2))),
+            lowest + chroma * Clamped(All(2) - cv::v_abs(hue - All(4)))};
+}
+
+/// The largest chroma at a lightness, 0 ... 255: twice the distance from black or white.
+inline Floats RoomAt(const Floats& lightness) {
+    return All(255) - cv::v_abs(lightness + lightness - All(255));
+}
+
 class HueEffect : public PixelFilter {
  public:
     explicit HueEffect(const HueAdjustment& adjustment);
 
-    void Apply(std::span<QRgb> pixels) const override {
-        for (QRgb& pixel : pixels) {
-            pixel = Changed(pixel);
-        }
-    }
+    void Apply(std::span<QRgb> pixels) const override;
 
  private:
-    QRgb Changed(QRgb pixel) const;
+    Words Changed(const Words& pixels) const;
 
     /// In sixths of a turn, 0 ... 6.
     float turn_;
@@ -40,44 +87,38 @@ HueEffect::HueEffect(const HueAdjustment& adjustment)
       gain_(1 - std::abs(Share(adjustment.lightness))),
       offset_(255 * std::max(Share(adjustment.lightness), 0.0F)) {}
 
-/// 0 ... 1: how far a channel stands above the lowest one at a distance in sixths of a turn of the
-/// hue from the channel's own, in parts of the chroma.
-inline float Weight(float distance) {
-    return std::min(std::max(2 - distance, 0.0F), 1.0F);
+void HueEffect::Apply(std::span<QRgb> pixels) const {
+    size_t done = 0;
+    for (; done + Lanes <= pixels.size(); done += Lanes) {
+        cv::v_store(&pixels[done], Changed(cv::v_load(&pixels[done])));
+    }
+    std::array<QRgb, Lanes> last{};
+    const auto rest = pixels.subspan(done);
+    std::copy(rest.begin(), rest.end(), last.begin());
+    cv::v_store(last.data(), Changed(cv::v_load(last.data())));
+    std::copy_n(last.begin(), rest.size(), rest.begin());
 }
 
-inline QRgb HueEffect::Changed(QRgb pixel) const {
-    const auto red = static_cast<float>(static_cast<int>((pixel >> 16) & 0xff));
-    const auto green = static_cast<float>(static_cast<int>((pixel >> 8) & 0xff));
-    const auto blue = static_cast<float>(static_cast<int>(pixel & 0xff));
-    const float highest = std::max(std::max(red, green), blue);
-    const float lowest = std::min(std::min(red, green), blue);
-    const float chroma = highest - lowest;
+inline Words HueEffect::Changed(const Words& pixels) const {
+    const Colours colours{ChannelOf(pixels >> 16), ChannelOf(pixels >> 8), ChannelOf(pixels)};
+    const Floats highest = cv::v_max(cv::v_max(colours.red, colours.green), colours.blue);
+    const Floats lowest = cv::v_min(cv::v_min(colours.red, colours.green), colours.blue);
+    const Floats chroma = highest - lowest;
 
-    const float perChroma = 1 / std::max(chroma, 1.0F);
-    const float fromRed = (green - blue) * perChroma;
-    const float fromGreen = (blue - red) * perChroma + 2;
-    const float fromBlue = (red - green) * perChroma + 4;
-    const float notRed = green == highest ? fromGreen : fromBlue;
-    float hue = (red == highest ? fromRed : notRed) + turn_;
-    hue = hue < 0 ? hue + 6 : hue;
-    hue = hue >= 6 ? hue - 6 : hue;
+    const Floats turned = HueOf(colours, highest, chroma) + All(turn_);
+    const Floats positive = cv::v_select(turned < All(0), turned + All(6), turned);
+    const Floats hue = cv::v_select(positive >= All(6), positive - All(6), positive);
 
-    // The largest chroma at a lightness is twice the distance from black or white.
-    const float lightness = (highest + lowest) / 2;
-    const float room = std::max(255 - std::abs(2 * lightness - 255), 1.0F);
-    const float newLightness = lightness * gain_ + offset_;
-    const float newRoom = 255 - std::abs(2 * newLightness - 255);
-    const float newChroma = std::min(chroma / room * saturation_, 1.0F) * newRoom;
-    const float floor = newLightness - newChroma / 2 + 0.5F;
+    const Floats lightness = (highest + lowest) * All(0.5F);
+    const Floats saturation = chroma / cv::v_max(RoomAt(lightness), All(1));
+    const Floats newLightness = lightness * All(gain_) + All(offset_);
+    const Floats newChroma =
+        cv::v_min(saturation * All(saturation_), All(1)) * RoomAt(newLightness);
+    const Floats newLowest = newLightness - newChroma * All(0.5F) + All(0.5F);
 
-    // Red's own hue is both 0 and 6: what counts is the distance from the opposite one.
-    const float redWeight = std::min(std::max(std::abs(hue - 3) - 1, 0.0F), 1.0F);
-    const int newRed = static_cast<int>(floor + newChroma * redWeight);
-    const int newGreen = static_cast<int>(floor + newChroma * Weight(std::abs(hue - 2)));
-    const int newBlue = static_cast<int>(floor + newChroma * Weight(std::abs(hue - 4)));
-    return (pixel & 0xff000000) | static_cast<QRgb>(newRed << 16) |
-           static_cast<QRgb>(newGreen << 8) | static_cast<QRgb>(newBlue);
+    const Colours changed = ColoursOf(hue, newChroma, newLowest);
+    return (pixels & cv::v_setall_u32(0xff000000)) | (ToChannel(changed.red) << 16) |
+           (ToChannel(changed.green) << 8) | ToChannel(changed.blue);
 }
 
 }  // namespace

@@ -21,11 +21,6 @@ std::int64_t ToFixed(double value) {
     return std::llround(value * FixedOne);
 }
 
-/// How much of a pixel lies inside 0 ... length, where its middle is at `position`; 0 ... 1.
-double Covered(double position, int length) {
-    return std::clamp(position + 0.5, 0.0, 1.0) * std::clamp(length - position + 0.5, 0.0, 1.0);
-}
-
 /// Premultiplied, no colour may exceed its alpha.
 QRgb WithinAlpha(QRgb pixel) {
     const int alpha = qAlpha(pixel);
@@ -93,9 +88,10 @@ RotationSampler::Span RotationSampler::ColumnsWithin(double margin, Span columns
     double begin = columns.begin;
     double end = columns.end;
     const auto narrow = [&](double position, double step, double length) {
-        if (std::abs(step) < 1e-12) {
-            const bool isWithin = position >= margin && position <= length - margin;
-            end = isWithin ? end : begin;
+        const bool isPossible = margin <= length - margin;
+        const bool isWithin = position >= margin && position <= length - margin;
+        if (!isPossible || std::abs(step) < 1e-12) {
+            end = isPossible && isWithin ? end : begin;
             return;
         }
         const double one = (margin - position) / step;
@@ -113,7 +109,7 @@ void RotationSampler::Draw(const QRect& part, uchar* bits, qsizetype bytesPerLin
     // Of the four pixels that are mixed in each direction all must be there; the hundredths are for
     // rounding.
     constexpr double InsideMargin = 1.52;
-    constexpr double TouchedMargin = -0.52;
+    constexpr double TouchedMargin = -0.72;
     for (int y = part.top(); y <= part.bottom(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(bits + y * bytesPerLine);
         const Span all{part.left(), part.left() + part.width()};
@@ -163,6 +159,24 @@ void RotationSampler::DrawInside(Span columns, int y, QRgb* row) const {
         sourceX += stepX;
         sourceY += stepY;
     }
+}
+
+/// The part of a canvas pixel beyond a line of the source's direction, `distance` from the pixel's
+/// middle; 0 ... 1.
+double RotationSampler::PartBeyond(double distance) const {
+    const double longer = std::max(std::abs(cosine_), std::abs(sine_));
+    const double shorter = std::min(std::abs(cosine_), std::abs(sine_));
+    const double reach = (longer + shorter) / 2;
+    const double far = std::abs(distance);
+    // Of the half that the line is nearer to: a corner of the pixel at most, or its middle strip.
+    const double corner = std::max(reach - far, 0.0);
+    const double part = far >= reach - shorter ? corner * corner / (2 * longer * shorter)
+                                               : 0.5 - far / longer;
+    return distance < 0 ? part : 1 - part;
+}
+
+double RotationSampler::Covered(double position, int length) const {
+    return PartBeyond(position) - PartBeyond(position - length);
 }
 
 /// A pixel near or beyond the source's edge: what is mixed continues the edge's pixels outward.

@@ -44,6 +44,9 @@ class RotationSampler {
     Position SourceOf(int x, int y) const;
     Span ColumnsWithin(double margin, Span columns, int y) const;
     void DrawInside(Span columns, int y, QRgb* row) const;
+    double PartBeyond(double distance) const;
+    /// The part of a canvas pixel between 0 and `length` in a direction of the source.
+    double Covered(double position, int length) const;
     QRgb Edge(Position position) const;
 
     QImage source_;
