@@ -27,7 +27,7 @@ class SavingStory : public Story {
     /// Opens the photo and makes one photo of it. Opening activates the profile, so that what a
     /// test sets goes between the two.
     void MakeSinglePhoto(const std::function<void()>& set = [] {}) {
-        Open("photo.png");
+        Open(photoName);
         Setting<QLineEdit>("ImageSaveDir").setText(installation.Path("saved"));
         set();
         window->findChild<QComboBox*>(QStringLiteral("Anzahl"))
@@ -56,6 +56,8 @@ class SavingStory : public Story {
     QStringList SavedFiles() const {
         return QDir(installation.Path("saved")).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
+
+    const char* photoName = "photo.png";
 };
 
 }  // namespace kadrona::testing
