@@ -148,7 +148,7 @@ void Driver::ReadPapers() {
     }
 }
 
-const DriverOption* Driver::Find(std::initializer_list<const char*> keywords) const {
+const DriverOption* Driver::Find(const std::vector<const char*>& keywords) const {
     for (const char* keyword : keywords) {
         const auto found =
             std::find_if(options_.begin(), options_.end(),

@@ -61,7 +61,7 @@ class Driver {
 
     const std::vector<DriverOption>& Options() const { return options_; }
     /// The first of several keywords that the driver has an option for; null for none.
-    const DriverOption* Find(std::initializer_list<const char*> keywords) const;
+    const DriverOption* Find(const std::vector<const char*>& keywords) const;
 
     const std::vector<Paper>& Papers() const { return papers_; }
     /// Also of a size given in numbers ("Custom.100x150mm") where the driver allows it.

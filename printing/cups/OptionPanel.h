@@ -34,7 +34,7 @@ class OptionPanel : public QWidget {
  private:
     struct Field {
         OptionBox* box;
-        std::initializer_list<const char*> keywords;
+        std::vector<const char*> keywords;
     };
 
     QComboBox* AddPaperRows(QFormLayout& form);
