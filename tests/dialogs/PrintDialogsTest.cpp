@@ -206,10 +206,13 @@ TEST_F(PrintDialogs, EveryButtonGivesItsResultAndAPrintProfileNeedsASelection) {
     data.SavePrintProfile(u"C"_s);
     driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
         EXPECT_EQ(Texts(shown).last(), u"C"_s);
-        Click(shown, u"btnNoProfile"_s);
+        QTest::mouseClick(shown.findChild<QPushButton*>(u"btnNoProfile"_s), Qt::LeftButton);
     });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::No);
-    driver.Press(u"BeforPrintDlgFm"_s, u"btnCancel"_s);
+    driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
+        EXPECT_TRUE(shown.findChild<QPushButton*>(u"btnProfile"_s)->isDefault());
+        Click(shown, u"btnCancel"_s);
+    });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
     driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) { shown.close(); });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
