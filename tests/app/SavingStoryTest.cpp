@@ -4,7 +4,6 @@
 #include <QFileDialog>
 #include <QImageReader>
 #include <QLineEdit>
-#include <QMessageBox>
 
 #include "core/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
@@ -37,14 +36,6 @@ class SavingStory : public Story {
         Trigger(u"acCrop"_s);
     }
 
-    void ExpectMessage(const QString& part) {
-        driver.Expect(u"MessageBox"_s, [part](QWidget& shown) {
-            const QString text = dynamic_cast<QMessageBox&>(shown).text();
-            EXPECT_TRUE(text.contains(part)) << text.toStdString();
-            shown.findChild<QPushButton*>(u"OkButton"_s)->click();
-        });
-    }
-
     /// Types a name into the save dialog and accepts it.
     static void Type(QWidget& shown, const QString& name) {
         shown.findChild<QLineEdit*>(u"fileNameEdit"_s)->setText(name);
@@ -61,7 +52,7 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     const QSize made = Image().Photo().Size();
     ASSERT_NE(made, QSize(413, 531));
     for (int i = 0; i < 2; ++i) {
-        ExpectMessage(
+        driver.Answer(
             u"Das Bild wurde unter %1 gespeichert"_s.arg(installation.Path("saved/Bildname.jpg")));
         Trigger(u"acSaveImageFast"_s);
     }
@@ -76,8 +67,8 @@ TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
         printer.failure = u"Der Drucker „Laser“ nimmt keine Aufträge an."_s;
         driver.Expect(u"BeforPrintDlgFm"_s,
                       [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
-        ExpectMessage(printer.failure);
-        ExpectMessage(u"gespeichert"_s);
+        driver.Answer(printer.failure);
+        driver.Answer(u"gespeichert"_s);
         Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
         Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
     });
@@ -88,7 +79,7 @@ TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
 TEST_F(SavingStory, AFailingQuickSaveIsReportedWithPathAndReason) {
     MakeSinglePhoto();
     QDir().mkpath(installation.Path("saved/Bildname.jpg"));
-    ExpectMessage(installation.Path("saved/Bildname.jpg"));
+    driver.Answer(installation.Path("saved/Bildname.jpg"));
     Trigger(u"acSaveImageFast"_s);
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
 }
