@@ -68,7 +68,7 @@ QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
 }
 
 void OptionPanel::AddOptionRow(QFormLayout& form, const QString& caption, const QString& name,
-                               std::initializer_list<const char*> keywords) {
+                               const std::vector<const char*>& keywords) {
     auto* box = new OptionBox;
     box->setObjectName(name);
     form.addRow(caption, box);
