@@ -38,7 +38,8 @@ OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayo
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     paperBox_ = AddPaperRows(*form_);
     AddOrientationRow(*form_);
-    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s, {"InputSlot", "ManualFeed"});
+    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s,
+                 {"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"});
     AddOptionRow(*form_, u"Papierart"_s, u"MediaTypeBox"_s,
                  {"MediaType", "EPIJ_Medi", "CNMediaType"});
     AddOptionRow(*form_, u"Qualität"_s, u"QualityBox"_s,

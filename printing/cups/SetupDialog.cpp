@@ -89,7 +89,7 @@ QWidget* SetupDialog::BuildOptions() {
     }
     connect(panel_, &OptionPanel::ModeChanged, this, &SetupDialog::ShowConflicts);
     connect(further_, &FurtherOptions::ModeChanged, this, &SetupDialog::ShowConflicts);
-    connect(further_, &FurtherOptions::Toggled, this, &SetupDialog::FitHeight);
+    connect(further_, &FurtherOptions::Toggled, this, &SetupDialog::MakeRoom);
 
     auto* options = new QWidget;
     auto* layout = new QVBoxLayout(options);
@@ -122,6 +122,7 @@ QWidget* SetupDialog::BuildNote() {
 void SetupDialog::ShowNote(const QString& text) {
     note_->setText(text);
     noteRow_->setVisible(!text.isEmpty());
+    MakeRoom();
 }
 
 QWidget* SetupDialog::BuildButtons() {
@@ -221,9 +222,9 @@ void SetupDialog::ShowConflicts() {
                   .arg(names.join(u", "_s)));
 }
 
-void SetupDialog::FitHeight() {
+void SetupDialog::MakeRoom() {
     layout()->activate();
-    resize(width(), std::max(sizeHint().height(), LeastSize.height()));
+    resize(width(), std::max(sizeHint().height(), height()));
 }
 
 }  // namespace kadrona::printing::cups

@@ -56,7 +56,7 @@ class SetupDialog : public QDialog {
     void ShowOptions();
     void ShowConflicts();
     void ShowNote(const QString& text);
-    void FitHeight();
+    void MakeRoom();
 
     std::vector<Queue> queues_;
     DriverSource drivers_;
