@@ -17,6 +17,8 @@ struct ppd_file_s;
 
 namespace kadrona::printing::cups {
 
+class GermanTexts;
+
 struct DriverChoice {
     QByteArray name;
     QString label;
@@ -83,7 +85,7 @@ class Driver {
         void operator()(ppd_file_s* description) const;
     };
 
-    void ReadOptions();
+    void ReadOptions(const GermanTexts& texts);
     void ReadPapers();
 
     std::unique_ptr<ppd_file_s, Closer> description_;

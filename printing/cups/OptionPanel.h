@@ -39,7 +39,7 @@ class OptionPanel : public QWidget {
 
     QComboBox* AddPaperRows(QFormLayout& form);
     void AddOptionRow(QFormLayout& form, const QString& caption, const QString& name,
-                      std::initializer_list<const char*> keywords);
+                      const std::vector<const char*>& keywords);
     void AddOrientationRow(QFormLayout& form);
     void AddCopiesRow(QFormLayout& form);
     void ShowPapers();

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QImage>
+#include <QLocalServer>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -277,6 +277,21 @@ TEST_F(PrintingTest, AServiceThatDiesIsNamedWithThePrinter) {
     for (const auto& step : {std::function<void()>([&] { fresh.CurrentPrinter(); }),
                              std::function<void()>([&] { fresh.ShowSetupDialog(nullptr); })}) {
         EXPECT_THAT(ErrorOf(step), StartsWith("Der Druckdienst ist nicht erreichbar"));
+    }
+}
+
+// The system takes the connection, and then nobody answers.
+TEST(SilentServiceTest, IsGivenUp) {
+    QTemporaryDir folder;
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(folder.filePath(u"socket"_s)));
+    CupsPrinterLayer layer(silent.fullServerName(), std::chrono::milliseconds(50));
+    const PrinterChoice choice{u"Photo"_s, {}, {}, {}};
+    try {
+        layer.SetCurrentPrinter(choice);
+        ADD_FAILURE() << "a service that says nothing was believed";
+    } catch (const PrinterError& error) {
+        EXPECT_STREQ(error.what(), "Drucker „Photo“: Der Druckdienst antwortet nicht.");
     }
 }
 
