@@ -3,6 +3,7 @@
 #include <QImage>
 
 #include "core/ArchiveTable.h"
+#include "core/PhotoLoading.h"
 #include "imaging/ImageReader.h"
 #include "imaging/ImageWriter.h"
 #include "imaging/WindowlessDisplay.h"
@@ -247,28 +248,51 @@ TEST_F(Archive, RefusesTheDatabaseOfANewerVersionOrAnotherProgram) {
     EXPECT_TRUE(connectError().endsWith(u"Die Datei ist keine Datenbank."_s));
 }
 
+/// "RECORD:DATASET TEXT" of each item.
+QStringList Texts(const imaging::IptcItems& items) {
+    QStringList all;
+    for (const imaging::IptcItem& item : items.Items()) {
+        all.append(u"%1:%2 "_s.arg(item.record).arg(item.dataset) + QString::fromUtf8(item.value));
+    }
+    return all;
+}
+
 TEST_F(Archive, TagsAreSetInAViewAndRewrittenInAFile) {
     data.SaveIptcToImage(view, u"Anna"_s, u"Anna\r\nBerlin\r\n2026\r\n"_s);
-    const auto texts = [](const imaging::IptcItems& items) {
-        QStringList all;
-        for (const imaging::IptcItem& item : items.Items()) {
-            all.append(u"%1:%2 "_s.arg(item.record).arg(item.dataset) +
-                       QString::fromUtf8(item.value));
-        }
-        return all;
-    };
-    EXPECT_EQ(texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
     data.SaveIptcToImage(view, u"Bea"_s, {});
-    EXPECT_EQ(texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
         << "the item at the very front counts as missing";
 
     const QString path = installation.Path("a.jpg");
     imaging::WriteImageFile(path, Image().Photo(), {300}, {{}, Image().Iptc()});
     data.RewriteIptcToImage(path, u"Käthe"_s, u"Käthe\r\n\r\n"_s);
-    EXPECT_EQ(texts(imaging::ReadImageFile(path).iptc),
+    EXPECT_EQ(Texts(imaging::ReadImageFile(path).iptc),
               QStringList({u"1:90 \u001b%G"_s, u"2:5 Käthe"_s, u"2:25 Käthe,,"_s}));
     data.RewriteIptcToImage(installation.Path("fehlt.jpg"), {}, {});
     EXPECT_FALSE(QFile::exists(installation.Path("fehlt.jpg")));
+}
+
+TEST_F(Archive, ItemsOfAnOpenedPhotoStayWithIt) {
+    const FakeSettings settings;
+    data.SetSettings(&settings);
+    // A list that begins with the object name.
+    const QByteArray segment(
+        "\xff\xed\0\x24Photoshop 3.0\0"
+        "8BIM\4\4\0\0\0\0\0\x08\x1c\2\5\0\3alt",
+        38);
+    installation.Write("a.jpg", imaging::EncodeJpeg(Image().Photo()).insert(2, segment));
+    core::OpenPhoto(installation.Path("a.jpg"), settings, Image());
+    data.SaveIptcToImage(view, u"neu"_s, u"neu"_s);
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 alt"_s, u"2:5 neu"_s, u"2:25 neu"_s}));
+
+    data.SaveImage(view, archiveFolder, u"b.jpg"_s, false);
+    core::OpenPhoto(archiveFolder + u"/b.jpg"_s, settings, Image());
+    data.SaveIptcToImage(view, u"neuer"_s, u"neuer"_s);
+    EXPECT_EQ(Texts(Image().Iptc()),
+              QStringList({u"1:90 \u001b%G"_s, u"2:5 neuer"_s, u"2:5 neu"_s, u"2:25 neuer"_s}));
+    Image().Open(Image().Photo(), {});
+    EXPECT_TRUE(Image().Iptc().IsEmpty());
 }
 
 }  // namespace kadrona::testing
