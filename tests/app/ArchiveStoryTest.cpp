@@ -152,6 +152,8 @@ TEST_F(ArchiveStory, NothingIsOpenedWithoutAFolderAPhotoOrAChoice) {
     Archive("photo.png", u"a"_s);
     const QSize before = Image().Photo().Size();
     Search({}, [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Q, Qt::ControlModifier); });
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
     EXPECT_TRUE(window->isVisible());
 
