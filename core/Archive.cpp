@@ -64,6 +64,8 @@ ArchiveTable* TData::Archive() {
         return nullptr;
     }
     if (archive_ == nullptr) {
+        // The start could not complete the database where another program was writing to it.
+        CreateArchive(*database_);
         archive_ = std::make_unique<ArchiveTable>(*database_);
     }
     return archive_.get();

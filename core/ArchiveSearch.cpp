@@ -3,6 +3,8 @@
 #include <QList>
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace kadrona::core {
 
 namespace {
@@ -13,7 +15,8 @@ bool IsBlank(char byte) {
 
 /// The general way, for texts with letters beyond Latin-1 or accents that stand by themselves.
 QByteArray FoldedByUnicode(QByteArrayView text) {
-    return QString::fromUtf8(text).normalized(QString::NormalizationForm_C).toCaseFolded().toUtf8();
+    const QString composed = QString::fromUtf8(text).normalized(QString::NormalizationForm_C);
+    return composed.toCaseFolded().replace(u'ß', u"ss"_s).toUtf8();
 }
 
 /// Whether all characters of UTF-8 text lie below U+0100: C2 and C3 lead those beyond ASCII.

@@ -29,8 +29,9 @@ bool IsText(int record, int dataset) {
     return record == 2 && !binary;
 }
 
+/// Without the two characters that are no part of a text.
 QByteArray TextValue(QString text) {
-    return text.remove(QChar::Null).toUtf8();
+    return text.remove(QChar::Null).remove(QChar::ByteOrderMark).toUtf8();
 }
 
 qint64 ReadLength(ByteReader& reader) {
