@@ -1,6 +1,5 @@
 #include "app/ArchiveActions.h"
 
-#include <QAction>
 #include <QFileInfo>
 
 #include "controls/StatusPanels.h"
@@ -48,7 +47,7 @@ void ArchiveActions::OpenForPrinting(const QString& path) {
     window_.photoReplaced(true);
     window_.view.Repaint();
     if (window_.settings.PrintAfterCrop()) {
-        window_.print.trigger();
+        window_.print();
     }
 }
 

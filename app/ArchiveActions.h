@@ -3,8 +3,6 @@
 #include <QString>
 #include <functional>
 
-class QAction;
-
 namespace kadrona::controls {
 class StatusPanels;
 }
@@ -37,7 +35,8 @@ class ArchiveActions {
         imaging::ImageDisplay& view;
         controls::StatusPanels& statusPanels;
         dialogs::TfmImgSearch& archive;
-        QAction& print;
+        /// The print action, which is hidden and so cannot be triggered while it runs by itself.
+        std::function<void()> print;
         std::function<int()> layoutIndex;
         /// The view shows a finished sheet now or, where `created` is false, nothing any more.
         std::function<void(bool created)> photoReplaced;

@@ -9,6 +9,7 @@
 #include <QScreen>
 
 #include "app/ArchiveActions.h"
+#include "app/PrintFlow.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
 #include "controls/WaitCursor.h"
@@ -92,6 +93,7 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
     tagEditor_ = new dialogs::TfmImageTagEdit(this);
@@ -103,7 +105,7 @@ void TmainFm::CreateReusedWindows() {
         .view = *view_,
         .statusPanels = *statusPanels_,
         .archive = *archiveWindow_,
-        .print = *actions_[u"acPrintImage"_s],
+        .print = [this] { acPrintImageExecute(); },
         .layoutIndex = [this] { return pictureCount_->currentIndex(); },
         .photoReplaced = [this](bool created) { ArchivePhotoReplaced(created); }});
 }
@@ -159,11 +161,13 @@ void TmainFm::ConnectActions() {
     Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
     Connect(u"acSave"_s, &TmainFm::acSaveExecute);
     Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
+    Connect(u"acPrintImage"_s, &TmainFm::acPrintImageExecute);
+    Connect(u"acPrinSetup"_s, &TmainFm::acPrinSetupExecute);
+    Connect(u"acPrinterProfilDlg"_s, &TmainFm::acPrinterProfilDlgExecute);
     Connect(u"acSearchArchiv"_s, &TmainFm::acSearchArchivExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
-    for (const QString& name : {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s,
-                                u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
+    for (const QString& name : {u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
                                 u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
         connect(actions_[name], &QAction::triggered, this, [this, name] {
             actions_.SetChecked(name, false);
@@ -226,6 +230,18 @@ void TmainFm::ArchivePhotoReplaced(bool created) {
     acZoomFitExecute();
     UpdateActions();
     view_->setFocus();
+}
+
+void TmainFm::acPrintImageExecute() {
+    printFlow_->PrintSheet(view_->Image());
+}
+
+void TmainFm::acPrinSetupExecute() {
+    printFlow_->SetUpPrinter();
+}
+
+void TmainFm::acPrinterProfilDlgExecute() {
+    printFlow_->ShowProfiles();
 }
 
 void TmainFm::acAboutExecute() {

@@ -32,6 +32,7 @@ class ImageView;
 namespace kadrona::app {
 
 class ArchiveActions;
+class PrintFlow;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
@@ -112,6 +113,11 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acSaveImageFastExecute();
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
 
+    // Printing (PrintFlow)
+    void acPrintImageExecute();
+    void acPrinSetupExecute();
+    void acPrinterProfilDlgExecute();
+
     // Archive (ArchiveActions)
     void acSearchArchivExecute();
     void ArchivePhotoReplaced(bool created);
@@ -125,12 +131,15 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     int dbCount_ = 0;
     bool imageLoaded_ = false;
     bool sheetCreated_ = false;
+    /// The save dialog's last one.
+    QString saveFilter_;
 
     MainActions actions_;
     std::unique_ptr<core::TData> data_;
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TSchabloneFm* templateChooser_ = nullptr;
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
     dialogs::TfmImageTagEdit* tagEditor_ = nullptr;

@@ -17,8 +17,13 @@
 #include "imaging/ImageDisplay.h"
 #include "store/Database.h"
 
+namespace kadrona::printing {
+class PrinterLayer;
+}
+
 namespace kadrona::core {
 
+class ProfileIndex;
 class Settings;
 class UserInterface;
 
@@ -97,7 +102,19 @@ class TData {
     QString ProfileFile(const QString& name) const;
 
     // Printer profiles
+    /// The way to the print service; null for none. Outlives the data module.
+    void SetPrinterLayer(printing::PrinterLayer* printer) { printer_ = printer; }
+    /// Throws printing::PrinterError where there is none.
+    printing::PrinterLayer& Printer() const;
     QStringList GetPrinterProfileList() const;
+    /// Keeps the current printer under a name. True; every failure throws and leaves no file.
+    bool SavePrintProfile(const QString& name) const;
+    void SavePrinterProfileToIni(const QString& name, const QString& fileName) const;
+    /// Makes a profile's printer the current one; does nothing where the profile or its file is
+    /// missing. Throws platform::Error for a damaged file or a printer that is gone; the current
+    /// printer then stays.
+    void LoadPrintProfile(const QString& name) const;
+    void DeletePrinterProfile(const QString& name) const;
 
     // File names
     const core::NameSources& NameSources() const { return nameSources_; }
@@ -160,13 +177,15 @@ class TData {
 
  private:
     QString LayoutFile() const;
-    QString ProfileIndexFile() const;
+    ProfileIndex PhotoProfileIndex() const;
+    ProfileIndex PrinterProfileIndex() const;
     void ArchiveSinglePhoto(imaging::ImageDisplay& view);
     void SaveByDialog(const imaging::LayeredImage& image);
     void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
 
     UserInterface& ui_;
     const Settings* settings_ = nullptr;
+    printing::PrinterLayer* printer_ = nullptr;
     std::function<void(TData&)> initHandler_;
 
     QString programFolder_;

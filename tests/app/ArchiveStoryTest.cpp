@@ -134,14 +134,12 @@ TEST_F(ArchiveStory, LaysOutAsTheWindowSaysAndPrintsAtOnce) {
         EXPECT_EQ(Image().Photo().Size(), QSize(columns * single.height(), rows * single.width()))
             << layout;
     }
-    int printed = 0;
-    QObject::connect(window->Actions()[u"acPrintImage"_s], &QAction::triggered, window.get(),
-                     [&printed] { ++printed; });
     Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
     Search({}, DoubleClickFirst);
-    ExpectMessage(u"Drucken"_s);
+    driver.Expect(u"BeforPrintDlgFm"_s,
+                  [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
     Trigger(u"acSearchArchiv"_s);
-    EXPECT_EQ(printed, 1);
+    EXPECT_EQ(printer.jobs.size(), 1);
 }
 
 TEST_F(ArchiveStory, NothingIsOpenedWithoutAFolderAPhotoOrAChoice) {
