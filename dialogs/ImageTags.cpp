@@ -12,7 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
 
-TfmImageTagEdit::TfmImageTagEdit(QWidget* parent) : QDialog(parent) {
+TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     setObjectName(u"fmImageTagEdit"_s);
     setWindowTitle(u"Schlüsselworte"_s);
     tagMemo_ = new QPlainTextEdit;

@@ -150,7 +150,9 @@ TEST_F(ArchiveStory, NothingIsOpenedWithoutAFolderAPhotoOrAChoice) {
     Archive("photo.png", u"a"_s);
     const QSize before = Image().Photo().Size();
     Search({}, [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Q, Qt::ControlModifier); });
-    Trigger(u"acSearchArchiv"_s);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
     EXPECT_TRUE(window->isVisible());
 
     ASSERT_TRUE(QFile::rename(PhotoOf(1), PhotoOf(9)));
