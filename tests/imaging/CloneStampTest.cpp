@@ -156,7 +156,7 @@ TEST_F(CloneStampTest, MakesEachStrokeOneUndoStepOfTheBlocksItTouched) {
 }
 
 TEST_F(CloneStampTest, LeavesOutWhatLiesOutsideThePhoto) {
-    const double huge = 1e300;
+    const double huge = std::numeric_limits<double>::max();
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const QImage photo = Picture({"rgbykw", "wkybgr"});
 
