@@ -10,17 +10,20 @@ namespace kadrona::imaging {
 namespace {
 
 /// Farther than any photo is long, and well within what positions are added in.
-constexpr double LongestOffset = 1e9;
+constexpr double FarAway = 1e9;
 
 bool IsFinite(QPointF position) {
     return std::isfinite(position.x()) && std::isfinite(position.y());
 }
 
+QPointF Bounded(QPointF position) {
+    return {std::clamp(position.x(), -FarAway, FarAway),
+            std::clamp(position.y(), -FarAway, FarAway)};
+}
+
 /// Whole pixels, so that what is copied stays as sharp as it is.
 QPoint WholeOffset(QPointF from, QPointF to) {
-    const auto whole = [](double length) {
-        return static_cast<int>(std::round(std::clamp(length, -LongestOffset, LongestOffset)));
-    };
+    const auto whole = [](double length) { return static_cast<int>(std::round(length)); };
     return {whole(to.x() - from.x()), whole(to.y() - from.y())};
 }
 
@@ -60,10 +63,10 @@ bool CloneStamp::BeginStroke(QPointF position, const Brush& brush) {
         return false;
     }
     if (!offset_) {
-        offset_ = WholeOffset(position, *source_);
+        offset_ = WholeOffset(Bounded(position), *source_);
     }
-    stroke_ = std::make_unique<Stroke>(image_, brush, offset_->toPoint(), position);
-    stroke_->DrawTo(position);
+    stroke_ = std::make_unique<Stroke>(image_, brush, offset_->toPoint(), Bounded(position));
+    stroke_->DrawTo(Bounded(position));
     return true;
 }
 
@@ -75,7 +78,7 @@ void CloneStamp::ContinueStroke(QPointF position) {
         EndStroke();
         return;
     }
-    stroke_->DrawTo(position);
+    stroke_->DrawTo(Bounded(position));
 }
 
 void CloneStamp::EndStroke() {

@@ -36,25 +36,33 @@ std::optional<QLineF> Clipped(const QLineF& line, const QRectF& rectangle) {
     return QLineF(line.pointAt(begin), line.pointAt(end));
 }
 
-/// The square of a pixel's distance from a way.
+/// The squares of the distances of a row's pixels from a way.
 class DistanceFrom {
  public:
-    explicit DistanceFrom(const QLineF& way) : start_(way.p1()), step_(way.p2() - way.p1()) {
-        const double square = QPointF::dotProduct(step_, step_);
+    DistanceFrom(const QLineF& way, int left, int y)
+        : x_(static_cast<float>(left + 0.5 - way.x1())),
+          y_(static_cast<float>(y + 0.5 - way.y1())),
+          stepX_(static_cast<float>(way.dx())),
+          stepY_(static_cast<float>(way.dy())) {
+        const float square = stepX_ * stepX_ + stepY_ * stepY_;
         perSquare_ = square > 0 ? 1 / square : 0;
     }
 
-    double SquareAt(int x, int y) const {
-        const QPointF from = QPointF(x + 0.5, y + 0.5) - start_;
-        const double along = std::clamp(QPointF::dotProduct(from, step_) * perSquare_, 0.0, 1.0);
-        const QPointF off = from - step_ * along;
-        return QPointF::dotProduct(off, off);
+    /// Of the pixel in a column counted from the left one.
+    float SquareAt(int column) const {
+        const float x = x_ + static_cast<float>(column);
+        const float along = std::clamp((x * stepX_ + y_ * stepY_) * perSquare_, 0.0F, 1.0F);
+        const float offX = x - along * stepX_;
+        const float offY = y_ - along * stepY_;
+        return offX * offX + offY * offY;
     }
 
  private:
-    QPointF start_;
-    QPointF step_;
-    double perSquare_;
+    float x_;
+    float y_;
+    float stepX_;
+    float stepY_;
+    float perSquare_;
 };
 
 /// `above` over `below`, channel by channel; coverage 0 ... 255.
@@ -86,14 +94,26 @@ double BrushFalloff::At(double distance) const {
     return t * t * (3 - 2 * t);
 }
 
+CoverageTable::CoverageTable(const BrushFalloff& falloff)
+    : innerSquare_(static_cast<float>(falloff.inner * falloff.inner)) {
+    const double range = falloff.outer * falloff.outer - falloff.inner * falloff.inner;
+    perSquare_ = static_cast<float>(Steps / range);
+    for (size_t i = 0; i < coverage_.size(); ++i) {
+        // Each entry is for the middle of its step; the last for all that lies beyond.
+        const double square = innerSquare_ + (static_cast<double>(i) + 0.5) * range / Steps;
+        coverage_[i] = static_cast<std::uint8_t>(std::lround(falloff.At(std::sqrt(square)) * 255));
+    }
+    coverage_.front() = 255;
+}
+
 double Coverage(const Brush& brush, double distance) {
     return BrushFalloff(brush).At(distance);
 }
 
 CloneStamp::Stroke::Stroke(LayeredImage& image, const Brush& brush, QPoint offset, QPointF start)
     : image_(image),
-      falloff_(brush),
-      pieceLength_(std::max(falloff_.outer, ShortestPiece)),
+      reach_(BrushFalloff(brush).outer),
+      coverage_(BrushFalloff(brush)),
       offset_(offset),
       position_(start),
       record_(image.Photo().Size()),
@@ -106,26 +126,25 @@ bool CloneStamp::Stroke::IsPhotoTheSame() const {
 void CloneStamp::Stroke::DrawTo(QPointF position) {
     const QLineF way(position_, position);
     position_ = position;
-    const double reach = falloff_.outer;
     const QRectF reachable =
-        QRectF(QPointF(), image_.Photo().Size()).adjusted(-reach, -reach, reach, reach);
+        QRectF(QPointF(), image_.Photo().Size()).adjusted(-reach_, -reach_, reach_, reach_);
     const std::optional<QLineF> part = Clipped(way, reachable);
     if (!part) {
         return;
     }
     // The box around a piece is little larger than what the brush covers on it.
-    const int pieces = std::max(1, static_cast<int>(std::ceil(part->length() / pieceLength_)));
+    const double length = std::max(reach_, ShortestPiece);
+    const int pieces = std::max(1, static_cast<int>(std::ceil(part->length() / length)));
     for (int i = 0; i < pieces; ++i) {
         DrawPiece({part->pointAt(double(i) / pieces), part->pointAt(double(i + 1) / pieces)});
     }
 }
 
 void CloneStamp::Stroke::DrawPiece(const QLineF& way) {
-    const double reach = falloff_.outer;
     const QRect photo(QPoint(), image_.Photo().Size());
     const QRect area = QRectF(way.p1(), way.p2())
                            .normalized()
-                           .adjusted(-reach, -reach, reach, reach)
+                           .adjusted(-reach_, -reach_, reach_, reach_)
                            .toAlignedRect() &
                        photo & photo.translated(-offset_);
     if (area.isEmpty()) {
@@ -155,24 +174,18 @@ void CloneStamp::Stroke::DrawPiece(const QLineF& way) {
 /// `row` and `source` are as wide as the area.
 void CloneStamp::Stroke::DrawRow(const QLineF& way, const QRect& area, int y, std::span<QRgb> row,
                                  std::span<QRgb> source) {
-    const DistanceFrom distance(way);
-    const double innerSquare = falloff_.inner * falloff_.inner;
-    const double outerSquare = falloff_.outer * falloff_.outer;
+    const DistanceFrom distance(way, area.left(), y);
     for (int begin = 0; begin < area.width();) {
         const int left = area.left() + begin;
         const int run = StrokeRecord::RunLength(left, area.width() - begin);
         const StrokeRecord::Row record = record_.RowAt(left, y);
         for (int i = 0; i < run; ++i) {
-            const double square = distance.SquareAt(left + i, y);
-            if (square >= outerSquare) {
-                continue;
-            }
-            const double share = square <= innerSquare ? 1 : falloff_.At(std::sqrt(square));
-            const auto coverage = static_cast<std::uint8_t>(std::lround(share * 255));
+            const int column = begin + i;
+            const std::uint8_t coverage = coverage_.At(distance.SquareAt(column));
             if (coverage > record.coverage[i]) {
                 record.coverage[i] = coverage;
-                const auto column = static_cast<size_t>(begin + i);
-                row[column] = Mixed(record.original[i], source[column], coverage);
+                QRgb& pixel = row[static_cast<size_t>(column)];
+                pixel = Mixed(record.original[i], source[static_cast<size_t>(column)], coverage);
             }
         }
         begin += run;

@@ -2,6 +2,9 @@
 
 #include <QLineF>
 #include <QPoint>
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <span>
 
 #include "imaging/CloneStamp.h"
@@ -17,6 +20,24 @@ struct BrushFalloff {
     /// In pixels from the brush's middle; the outer one is larger.
     double inner;
     double outer;
+};
+
+/// The same, 0 ... 255, from squares of distances.
+class CoverageTable {
+ public:
+    explicit CoverageTable(const BrushFalloff& falloff);
+
+    std::uint8_t At(float squareOfDistance) const {
+        const float place = (squareOfDistance - innerSquare_) * perSquare_;
+        return coverage_[static_cast<size_t>(std::clamp(place, 0.0F, float{Steps}))];
+    }
+
+ private:
+    static constexpr int Steps = 4096;
+
+    float innerSquare_;
+    float perSquare_;
+    std::array<std::uint8_t, Steps + 1> coverage_;
 };
 
 /// One stroke. The brush is drawn along lines, not dab by dab: the coverage of a pixel is that of
@@ -37,8 +58,8 @@ class CloneStamp::Stroke {
                  std::span<QRgb> source);
 
     LayeredImage& image_;
-    BrushFalloff falloff_;
-    double pieceLength_;
+    double reach_;
+    CoverageTable coverage_;
     QPoint offset_;
     QPointF position_;
     StrokeRecord record_;
