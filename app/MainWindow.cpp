@@ -175,13 +175,13 @@ void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) 
 }
 
 void TmainFm::ConnectTools() {
-    const ToolSurroundings surroundings{.actions = actions_,
-                                        .view = *view_,
-                                        .statusBar = *statusPanels_,
-                                        .showTemplateLayer =
-                                            [this](bool show) { ShowTemplateLayer(show); },
-                                        .zoomFit = [this] { acZoomFitExecute(); },
-                                        .zoomFull = [this] { acZoomFullExecute(); }};
+    const ToolSurroundings surroundings{
+        .actions = actions_,
+        .view = *view_,
+        .statusBar = *statusPanels_,
+        .showTemplateLayer = [this](bool show) { ShowTemplateLayer(show); },
+        .zoomFit = [this] { acZoomFitExecute(); },
+        .zoomFull = [this] { acZoomFullExecute(); }};
     colourTools_ = std::make_unique<ColourTools>(surroundings);
     retouchTool_ = std::make_unique<RetouchTool>(surroundings);
     Connect(u"acRotateDlg"_s, &TmainFm::acRotateDlgExecute);

@@ -62,8 +62,8 @@ class ToolsStory : public Story {
         Mouse(QEvent::MouseButtonRelease, to);
     }
     void Wheel(int notches, Qt::KeyboardModifiers modifiers = {}) {
-        QWheelEvent wheel({100, 100}, View().mapToGlobal(QPointF(100, 100)), {},
-                          {0, 120 * notches}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QWheelEvent wheel({100, 100}, View().mapToGlobal(QPointF(100, 100)), {}, {0, 120 * notches},
+                          Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&View(), &wheel);
     }
 

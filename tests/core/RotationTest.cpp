@@ -1,8 +1,7 @@
-#include "core/Rotation.h"
-
 #include <gtest/gtest.h>
 
 #include "core/Data.h"
+#include "core/Rotation.h"
 #include "imaging/WindowlessDisplay.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"

@@ -84,9 +84,9 @@ TEST_F(RotateDialog, WheelKeysAndFieldTurnInStepsAndEveryOpeningStartsUpright) {
         },
         u"btnOk"_s);
     EXPECT_EQ(degrees, -3.4);
-    EXPECT_EQ(Show([](RotationPreview& preview) { EXPECT_EQ(preview.Degrees(), 0); },
-                   u"btnCancel"_s),
-              std::nullopt);
+    EXPECT_EQ(
+        Show([](RotationPreview& preview) { EXPECT_EQ(preview.Degrees(), 0); }, u"btnCancel"_s),
+        std::nullopt);
 }
 
 TEST_F(RotateDialog, TheGuideLineShowsThroughBelowTheTop) {
@@ -94,8 +94,8 @@ TEST_F(RotateDialog, TheGuideLineShowsThroughBelowTheTop) {
         [](RotationPreview& preview) {
             const QImage shown = preview.grab().toImage();
             const double scale = preview.height() / (200 * 0.2588190451 + 300 * 0.9659258263);
-            const int row = static_cast<int>(
-                (preview.height() / 2.0 - 150 * scale + 120 * scale) * shown.devicePixelRatio());
+            const int row = static_cast<int>((preview.height() / 2.0 - 150 * scale + 120 * scale) *
+                                             shown.devicePixelRatio());
             const auto rowColour = [&](int y) { return shown.pixel(shown.width() / 2 + 7, y); };
             EXPECT_NE(rowColour(row), rowColour(row + 5));
         },

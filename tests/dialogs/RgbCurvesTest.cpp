@@ -1,5 +1,3 @@
-#include "dialogs/RgbCurves.h"
-
 #include <gtest/gtest.h>
 
 #include <QComboBox>
@@ -9,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "dialogs/RgbCurves.h"
 #include "imaging/CurveFile.h"
 #include "imaging/view/CurveEditor.h"
 #include "imaging/view/ImageView.h"
