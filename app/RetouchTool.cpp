@@ -94,9 +94,9 @@ void RetouchTool::ShowHint() {
                              ? u"Ziehen kopiert, Umschalt+Klick nimmt eine neue Quelle auf"_s
                              : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
     window_.statusBar.showMessage(
-        u"Stempel %1 px, Weichheit %2 %  –  %3  –  Mausrad: Größe, mit Umschalt: Weichheit"_s
-            .arg(QString::number(std::lround(brush_.diameter)),
-                 QString::number(std::lround(brush_.softness * 100)), what));
+        u"Stempel %1 px, Weichheit %2 %  –  %3  –  Mausrad: Größe, mit Umschalt: Weichheit"_s.arg(
+            QString::number(std::lround(brush_.diameter)),
+            QString::number(std::lround(brush_.softness * 100)), what));
 }
 
 bool RetouchTool::IsOnPhoto(QPointF photo) const {
@@ -126,8 +126,8 @@ void RetouchTool::Move(const ToolPointer& pointer) {
     pointer_ = pointer.photo;
     takesSource_ = pointer.modifiers.testFlag(Qt::ShiftModifier);
     if (stamp_.IsStroking()) {
-        const bool drawn = controls::Guarded(window_.view.window(),
-                                             [&] { stamp_.ContinueStroke(pointer.photo); });
+        const bool drawn =
+            controls::Guarded(window_.view.window(), [&] { stamp_.ContinueStroke(pointer.photo); });
         if (!drawn) {
             stamp_.EndStroke();
         }

@@ -35,10 +35,10 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     preview_ = new BeforeAfterView;
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
-    contrast_ = AddPage(u"ContrastPage"_s,
-                        new AdjustmentPage({{u"Kontrast"_s, u"Contrast"_s},
-                                            {u"Helligkeit"_s, u"Brightness"_s}}),
-                        u"Kontrast und Helligkeit"_s);
+    contrast_ = AddPage(
+        u"ContrastPage"_s,
+        new AdjustmentPage({{u"Kontrast"_s, u"Contrast"_s}, {u"Helligkeit"_s, u"Brightness"_s}}),
+        u"Kontrast und Helligkeit"_s);
     hue_ = AddPage(u"HuePage"_s,
                    new AdjustmentPage({{u"Farbton"_s, u"Hue"_s, -180, 180, u"°"_s},
                                        {u"Sättigung"_s, u"Saturation"_s},
@@ -48,10 +48,9 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
         u"BalancePage"_s,
         new AdjustmentPage({{u"Rot"_s, u"Red"_s}, {u"Grün"_s, u"Green"_s}, {u"Blau"_s, u"Blue"_s}}),
         u"RGB-Balance"_s);
-    equalisation_ =
-        AddPage(u"EqualisationPage"_s,
-                new AdjustmentPage({{u"Stärke"_s, u"Equalisation"_s, 0, 100, u" %"_s}}),
-                u"Histogrammausgleich"_s);
+    equalisation_ = AddPage(u"EqualisationPage"_s,
+                            new AdjustmentPage({{u"Stärke"_s, u"Equalisation"_s, 0, 100, u" %"_s}}),
+                            u"Histogrammausgleich"_s);
 
     auto* resetAll = new QPushButton(u"Alles zurücksetzen"_s);
     resetAll->setObjectName(u"btnResetAll"_s);
@@ -110,8 +109,7 @@ imaging::PixelFilterPointer ColourAdjustment::Filter() const {
     return Sequence(
         {equalisation == 0 ? nullptr : EqualisationFilter(histogram_, equalisation),
          FilterUnlessNeutral<ContrastAdjustment>(
-             ContrastFilter,
-             {.contrast = contrast_->Value(0), .brightness = contrast_->Value(1)}),
+             ContrastFilter, {.contrast = contrast_->Value(0), .brightness = contrast_->Value(1)}),
          FilterUnlessNeutral<HueAdjustment>(HueFilter, {.hueDegrees = hue_->Value(0),
                                                         .saturation = hue_->Value(1),
                                                         .lightness = hue_->Value(2)}),

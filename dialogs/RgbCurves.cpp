@@ -149,9 +149,9 @@ void TfmRGBKurve::BuildChannel() {
     grid->addLayout(confirm, 2, 1, Qt::AlignBottom);
     // From the preset to the curve, then to what is done with it.
     QWidget* last = cbPreset2_;
-    for (QWidget* next : std::initializer_list<QWidget*>{btnAdd_, btnUpdate_, btnDelete_,
-                                                         cbChannel_, editor_, btnReset, btnResetAll,
-                                                         btnOk, btnCancel}) {
+    for (QWidget* next :
+         std::initializer_list<QWidget*>{btnAdd_, btnUpdate_, btnDelete_, cbChannel_, editor_,
+                                         btnReset, btnResetAll, btnOk, btnCancel}) {
         setTabOrder(last, next);
         last = next;
     }
@@ -174,8 +174,8 @@ void TfmRGBKurve::FillPresets() {
     }
     cbPreset2_->clear();
     QStringList names;
-    for (const QFileInfo& file :
-         folder.entryInfoList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System | QDir::CaseSensitive)) {
+    for (const QFileInfo& file : folder.entryInfoList(
+             {u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System | QDir::CaseSensitive)) {
         names.append(file.fileName().chopped(Extension.size()));
     }
     names.sort(Qt::CaseInsensitive);
@@ -190,8 +190,8 @@ void TfmRGBKurve::FillPresets() {
 int TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
     editor_->SetHistogram(imaging::HistogramOf(view.Image().Photo()));
     editor_->ResetAll();
-    const auto preview = connect(
-        editor_, &imaging::view::CurveEditor::CurvesChanged, &view, [this, &view] {
+    const auto preview =
+        connect(editor_, &imaging::view::CurveEditor::CurvesChanged, &view, [this, &view] {
             const bool changes = Curves() != imaging::CurveSet();
             view.SetPreviewFilter(changes ? imaging::CurveFilter(Curves()) : nullptr);
         });
@@ -265,8 +265,7 @@ void TfmRGBKurve::btnAddClick() {
     if (cbPreset2_->findItems(name, Qt::MatchExactly).isEmpty()) {
         AddItem(*cbPreset2_, name);
     }
-    cbPreset2_->setCurrentItem(
-        cbPreset2_->findItems(name, Qt::MatchExactly).first());
+    cbPreset2_->setCurrentItem(cbPreset2_->findItems(name, Qt::MatchExactly).first());
 }
 
 void TfmRGBKurve::btnUpdateClick() {

@@ -197,10 +197,10 @@ void RotationPreview::keyPressEvent(QKeyEvent* event) {
 }
 
 void RotationPreview::UpdateCursor() {
-    setCursor(picture_.isNull()                ? Qt::ArrowCursor
-              : dragging_ == Qt::NoButton      ? Qt::OpenHandCursor
-              : dragging_ == Qt::RightButton   ? Qt::SizeAllCursor
-                                               : Qt::ClosedHandCursor);
+    setCursor(picture_.isNull()              ? Qt::ArrowCursor
+              : dragging_ == Qt::NoButton    ? Qt::OpenHandCursor
+              : dragging_ == Qt::RightButton ? Qt::SizeAllCursor
+                                             : Qt::ClosedHandCursor);
 }
 
 }  // namespace kadrona::dialogs

@@ -142,9 +142,8 @@ void CurveEditor::InsertBehindSelected() {
 }
 
 QRectF CurveEditor::Field() const {
-    const QRectF available = QRectF(rect())
-                                 .adjusted(0, 0, 0, -fontMetrics().height() - 4)
-                                 .marginsRemoved(FieldMargins);
+    const QRectF available =
+        QRectF(rect()).adjusted(0, 0, 0, -fontMetrics().height() - 4).marginsRemoved(FieldMargins);
     const double side = std::min(available.width(), available.height());
     return {available.topLeft(), QSizeF(side, side)};
 }
@@ -209,10 +208,10 @@ void CurveEditor::mouseMoveEvent(QMouseEvent* event) {
         drag_.reset();
     }
     if (drag_) {
-        const bool isOut = !Field()
-                                .adjusted(-DragOutDistance, -DragOutDistance, DragOutDistance,
-                                          DragOutDistance)
-                                .contains(position);
+        const bool isOut =
+            !Field()
+                 .adjusted(-DragOutDistance, -DragOutDistance, DragOutDistance, DragOutDistance)
+                 .contains(position);
         Points points = drag_->others;
         if (isOut && points.size() >= FewestPoints) {
             SetPoints(std::move(points), -1);

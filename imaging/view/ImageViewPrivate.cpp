@@ -109,10 +109,9 @@ void ImageView::Private::TakeEdit(const QRect& area) {
     painter_.TakePhotoEdit(image_.Photo(), area);
     editedPixels_ = image_.Photo().Tile().cacheKey();
     constexpr int FilterReach = 8;  // device pixels
-    view_.update(
-        ToLogicalPixels(geometry_.ToDevice(area).adjusted(-FilterReach, -FilterReach, FilterReach,
-                                                          FilterReach),
-                        DeviceScale()));
+    view_.update(ToLogicalPixels(
+        geometry_.ToDevice(area).adjusted(-FilterReach, -FilterReach, FilterReach, FilterReach),
+        DeviceScale()));
 }
 
 void ImageView::Private::UpdatePhoto() {
