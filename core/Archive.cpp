@@ -111,7 +111,7 @@ QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
     ArchiveTable* table = Archive();
     const ArchiveRecord record =
         table ? table->Read(currentRecord_).value_or(ArchiveRecord()) : ArchiveRecord();
-    const QString path =
+    QString path =
         platform::JoinPath(MonthPath(DelLastBackslash(archiveFolder), record.folder), record.name);
     if (QFileInfo(path).isFile()) {
         return path;

@@ -106,12 +106,8 @@ void ArchiveSearch::Add(QStringView term, bool excluded) {
 }
 
 bool ArchiveSearch::Matches(QByteArrayView record) const {
-    for (const Term& term : terms_) {
-        if (Finds(term, record) == term.excluded) {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(terms_.begin(), terms_.end(),
+                       [&](const Term& term) { return Finds(term, record) != term.excluded; });
 }
 
 bool ArchiveSearch::Finds(const Term& term, QByteArrayView record) {
@@ -122,13 +118,13 @@ bool ArchiveSearch::Finds(const Term& term, QByteArrayView record) {
     }
     while (at >= 0) {
         const qsizetype fieldEnd = record.indexOf(FieldEnd, at);
-        qsizetype end = at + first.pattern().size();
-        for (size_t i = 1; i < term.pieces.size() && end >= 0; ++i) {
+        qsizetype from = at + first.pattern().size();
+        for (size_t i = 1; i < term.pieces.size() && from >= 0; ++i) {
             const QByteArrayMatcher& piece = term.pieces[i];
-            at = piece.indexIn(record.data(), fieldEnd, end);
-            end = at < 0 ? -1 : at + piece.pattern().size();
+            at = piece.indexIn(record.data(), fieldEnd, from);
+            from = at < 0 ? -1 : at + piece.pattern().size();
         }
-        if (end >= 0) {
+        if (from >= 0) {
             return true;
         }
         // The earliest places of one field did not do; no later ones in it will.

@@ -17,7 +17,7 @@ namespace kadrona::store {
 std::vector<QByteArray> WordsOf(QByteArrayView text);
 
 /// The name under which a connection's full-text tables find the tokenizer.
-inline constexpr char WordTokenizerName[] = "kadrona_words";
+inline constexpr const char* WordTokenizerName = "kadrona_words";
 
 /// Makes the tokenizer known to the full-text engine of a connection. Returns SQLite's result code.
 int RegisterWordTokenizer(sqlite3* handle);
