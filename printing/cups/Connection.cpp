@@ -1,9 +1,6 @@
 #include "printing/cups/Connection.h"
 
 #include <QUrl>
-#include <cerrno>
-
-#include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -92,13 +89,12 @@ Connection::Connection(const ServiceAddress& address) {
     cupsSetPasswordCB2(NoPassword, nullptr);
     const Endpoint endpoint = EndpointOf(address.server);
     const auto milliseconds = static_cast<int>(address.timeout.count());
-    errno = 0;
     http_.reset(httpConnect2(endpoint.host.constData(), endpoint.port, nullptr, AF_UNSPEC,
                              cupsEncryption(), 1, milliseconds, nullptr));
     if (!http_) {
-        const int code = errno;
-        throw ServiceFailure(u"Der Druckdienst ist nicht erreichbar%1."_s.arg(
-            code == 0 ? QString() : u": "_s + platform::SystemReason(code)));
+        // The library does not keep the system's reason.
+        throw ServiceFailure(
+            u"Unter „%1“ läuft kein Druckdienst."_s.arg(QFile::decodeName(endpoint.host)));
     }
     httpSetTimeout(http_.get(), static_cast<double>(milliseconds) / 1000, GiveUp, nullptr);
 }
