@@ -2,19 +2,25 @@
 
 #include "app/MainWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
+#include "app/PrintFlow.h"
 #include "app/RetouchTool.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
 #include "controls/StatusPanels.h"
+#include "controls/WaitCursor.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
+#include "dialogs/ArchiveSearch.h"
 #include "dialogs/FileNamePrompt.h"
+#include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/RgbCurves.h"
 #include "dialogs/RotateDialog.h"
@@ -92,9 +98,22 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
     rotateDialog_ = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
+    tagEditor_ = new dialogs::TfmImageTagEdit(this);
+    archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor_, this);
+    archiveActions_ = std::make_unique<ArchiveActions>(ArchiveActions::Window{
+        .ui = *this,
+        .data = *data_,
+        .settings = *settings_,
+        .view = *view_,
+        .statusPanels = *statusPanels_,
+        .archive = *archiveWindow_,
+        .print = [this] { acPrintImageExecute(); },
+        .layoutIndex = [this] { return pictureCount_->currentIndex(); },
+        .photoReplaced = [this](bool created) { ArchivePhotoReplaced(created); }});
     curveDialog_ = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 }
 
@@ -103,6 +122,7 @@ void TmainFm::FormDestroy() {
     colourTools_.reset();
     retouchTool_.reset();
     // The dialogs and the view may still ask the data module while they go.
+    delete archiveWindow_;
     delete templateChooser_;
     delete settings_;
     data_.reset();
@@ -150,16 +170,13 @@ void TmainFm::ConnectActions() {
     Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
     Connect(u"acSave"_s, &TmainFm::acSaveExecute);
     Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
+    Connect(u"acPrintImage"_s, &TmainFm::acPrintImageExecute);
+    Connect(u"acPrinSetup"_s, &TmainFm::acPrinSetupExecute);
+    Connect(u"acPrinterProfilDlg"_s, &TmainFm::acPrinterProfilDlgExecute);
+    Connect(u"acSearchArchiv"_s, &TmainFm::acSearchArchivExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
     ConnectTools();
-    for (const QString& name :
-         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s}) {
-        connect(actions_[name], &QAction::triggered, this, [this, name] {
-            actions_.SetChecked(name, false);
-            ReportUnavailable(name);
-        });
-    }
 
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
@@ -207,13 +224,52 @@ void TmainFm::UpdateActions() {
                     *settings_);
 }
 
+/// Over the window that the user is in: one that is modal would keep a message below it.
 void TmainFm::ShowMessage(const QString& text) {
-    controls::ShowInformation(this, text);
+    const controls::WaitCursorPause pause;
+    QWidget* modal = QApplication::activeModalWidget();
+    controls::ShowInformation(modal != nullptr ? modal : this, text);
 }
 
 std::optional<QStringList> TmainFm::EditTags() {
-    ReportUnavailable(u"acSearchArchiv"_s);
-    return std::nullopt;
+    const controls::WaitCursorPause pause;
+    if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
+        return std::nullopt;
+    }
+    return tagEditor_->Lines();
+}
+
+void TmainFm::acSearchArchivExecute() {
+    archiveActions_->acSearchArchivExecute();
+}
+
+/// The archive put a sheet in the place of the photo, or left nothing there.
+void TmainFm::ArchivePhotoReplaced(bool created) {
+    imageLoaded_ = created;
+    sheetCreated_ = created;
+    // No tool goes on over a sheet.
+    for (const QString& tool : {u"acSetWhitePoint"_s, u"acShowLayer"_s, u"acBeauty"_s}) {
+        actions_.SetChecked(tool, false);
+    }
+    view_->setVisible(created);
+    emptyState_->setVisible(!created);
+    view_->SetInteraction(
+        {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
+    acZoomFitExecute();
+    UpdateActions();
+    view_->setFocus();
+}
+
+void TmainFm::acPrintImageExecute() {
+    printFlow_->PrintSheet(view_->Image());
+}
+
+void TmainFm::acPrinSetupExecute() {
+    printFlow_->SetUpPrinter();
+}
+
+void TmainFm::acPrinterProfilDlgExecute() {
+    printFlow_->ShowProfiles();
 }
 
 void TmainFm::acAboutExecute() {
@@ -226,12 +282,6 @@ void TmainFm::acShowConfigExecute() {
 
 void TmainFm::acCloseExecute() {
     close();
-}
-
-/// For the actions that this version shows without having them yet.
-void TmainFm::ReportUnavailable(const QString& action) {
-    ShowMessage(
-        u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
 }
 
 }  // namespace kadrona::app

@@ -24,6 +24,8 @@ class TFileNameFm;
 class TProfileDlgFM;
 class TSchabloneFm;
 class TfmAbout;
+class TfmImageTagEdit;
+class TfmImgSearch;
 class TfmRGBKurve;
 class TfmRotateDlg;
 }  // namespace kadrona::dialogs
@@ -34,7 +36,9 @@ class ImageView;
 
 namespace kadrona::app {
 
+class ArchiveActions;
 class ColourTools;
+class PrintFlow;
 class RetouchTool;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
@@ -122,25 +126,39 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acSaveImageFastExecute();
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
 
+    // Printing (PrintFlow)
+    void acPrintImageExecute();
+    void acPrinSetupExecute();
+    void acPrinterProfilDlgExecute();
+
+    // Archive (ArchiveActions)
+    void acSearchArchivExecute();
+    void ArchivePhotoReplaced(bool created);
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
     void acCloseExecute();
-    void ReportUnavailable(const QString& action);
 
     int dbCount_ = 0;
     bool imageLoaded_ = false;
     bool sheetCreated_ = false;
+    /// The save dialog's last one.
+    QString saveFilter_;
 
     MainActions actions_;
     std::unique_ptr<core::TData> data_;
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TSchabloneFm* templateChooser_ = nullptr;
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
     dialogs::TfmRotateDlg* rotateDialog_ = nullptr;
     dialogs::TfmRGBKurve* curveDialog_ = nullptr;
+    dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
+    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
+    std::unique_ptr<ArchiveActions> archiveActions_;
 
     imaging::view::ImageView* view_ = nullptr;
     QWidget* viewPanel_ = nullptr;

@@ -31,7 +31,7 @@ void TmainFm::acOpenExecute() {
 
 void TmainFm::acOpenWithProfileExecute() {
     profileChooser_->SetProfiles(data_->GetProfileList());
-    if (profileChooser_->ShowEx() != QDialog::Accepted) {
+    if (profileChooser_->ShowEx() != controls::ModalResult::Ok) {
         return;
     }
     settings_->AktivateProfileByName(profileChooser_->SelectedProfile(), false);
@@ -97,7 +97,7 @@ bool TmainFm::ReadPhoto(const QString& fileName) {
 
 /// A template that cannot be read is reported and leaves the photo without one.
 void TmainFm::ChooseTemplate() {
-    if (templateChooser_->ShowEx() != QDialog::Accepted) {
+    if (templateChooser_->ShowEx() != controls::ModalResult::Ok) {
         return;
     }
     controls::Guarded(this, [this] {

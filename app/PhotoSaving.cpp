@@ -18,7 +18,7 @@ void TmainFm::acSaveImageFastExecute() {
 }
 
 std::optional<QString> TmainFm::AskForSaveFile(const core::SaveDialog& dialog) {
-    return ChooseSaveFile(this, dialog);
+    return ChooseSaveFile(this, dialog, saveFilter_);
 }
 
 }  // namespace kadrona::app

@@ -37,23 +37,46 @@ bool HasKnownExtension(const QString& path, const QStringList& nameFilters) {
     return known.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
 }
 
-/// The dialog appends its extension only to a name without any dot and asks before it replaces a
-/// file; this does both for a name like "max.2024_kdr". Nothing when the user does not agree.
-std::optional<QString> WithExtension(QFileDialog& dialog) {
-    const QString chosen = dialog.selectedFiles().constFirst();
-    if (HasKnownExtension(chosen, dialog.nameFilters())) {
-        return chosen;
+/// Settles the whole path, and whether it may be replaced, before it closes. The toolkit's own
+/// dialog asks about the name as it was typed and appends an extension only to one without any dot.
+class SaveFileDialog : public QFileDialog {
+ public:
+    using QFileDialog::QFileDialog;
+
+    /// What was accepted, with its extension.
+    const QString& Path() const { return path_; }
+
+    void ChooseFilter(const QString& nameFilter) {
+        selectNameFilter(nameFilter);
+        setDefaultSuffix(ExtensionOf(nameFilter));
     }
-    const QString path = chosen + u'.' + dialog.defaultSuffix();
-    if (QFileInfo::exists(path) &&
-        !controls::AskYesNo(&dialog,
-                            u"Die Datei „%1“ existiert bereits.\nMöchten Sie sie ersetzen?"_s.arg(
-                                QDir::toNativeSeparators(path)),
-                            controls::Severity::Warning)) {
-        return std::nullopt;
+
+ protected:
+    void accept() override {
+        const QString typed = selectedFiles().value(0);
+        if (typed.isEmpty() || QFileInfo(typed).isDir()) {
+            QFileDialog::accept();  // opens the folder
+            return;
+        }
+        const bool complete = HasKnownExtension(typed, nameFilters());
+        path_ = complete ? typed : typed + u'.' + defaultSuffix();
+        if (MayReplace()) {
+            QDialog::accept();
+        }
     }
-    return path;
-}
+
+ private:
+    bool MayReplace() {
+        return !QFileInfo(path_).isFile() ||
+               controls::AskYesNo(
+                   this,
+                   u"Die Datei „%1“ existiert bereits.\nMöchten Sie sie ersetzen?"_s.arg(
+                       QDir::toNativeSeparators(path_)),
+                   controls::Severity::Warning);
+    }
+
+    QString path_;
+};
 
 }  // namespace
 
@@ -79,8 +102,9 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
     return window.selectedFiles().constFirst();
 }
 
-std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog) {
-    QFileDialog window(parent, dialog.title, StartFolder(dialog.initialFolder));
+std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog,
+                                      QString& nameFilter) {
+    SaveFileDialog window(parent, dialog.title, StartFolder(dialog.initialFolder));
     window.resize(DialogSize);
     window.setObjectName(u"SaveDialog"_s);
     window.setAcceptMode(QFileDialog::AcceptSave);
@@ -89,16 +113,16 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
     window.setFileMode(QFileDialog::AnyFile);
     window.setNameFilters(NameFilters(dialog.filter));
     window.setDefaultSuffix(dialog.defaultExtension);
-    QObject::connect(
-        &window, &QFileDialog::filterSelected, &window,
-        [&window](const QString& filter) { window.setDefaultSuffix(ExtensionOf(filter)); });
-    window.selectFile(dialog.fileName);
-    while (window.exec() == QDialog::Accepted && !window.selectedFiles().isEmpty()) {
-        if (auto path = WithExtension(window)) {
-            return path;
-        }
+    if (!nameFilter.isEmpty()) {
+        window.ChooseFilter(nameFilter);
     }
-    return std::nullopt;
+    QObject::connect(&window, &QFileDialog::filterSelected, &window, &SaveFileDialog::ChooseFilter);
+    window.selectFile(dialog.fileName);
+    if (window.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    nameFilter = window.selectedNameFilter();
+    return window.Path();
 }
 
 }  // namespace kadrona::app

@@ -21,7 +21,9 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
 
 /// Lets the user choose the file to save a picture to; nothing when cancelled. A name without an
 /// extension that can be written gets that of the chosen filter. An existing file is chosen only
-/// where the user agreed to replace it.
-std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog);
+/// where the user agreed to replace it. `nameFilter` is the filter to start with, the first where
+/// it is empty, and becomes the one that the user chose.
+std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog,
+                                      QString& nameFilter);
 
 }  // namespace kadrona::app

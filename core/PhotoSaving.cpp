@@ -22,7 +22,8 @@ namespace {
 constexpr QSize OutputSize(413, 531);
 
 void Write(const imaging::LayeredImage& image, const QString& path) {
-    imaging::WriteImageFile(path, image.Photo(), image.Resolution(), {SoftwareText.toByteArray()});
+    imaging::WriteImageFile(path, image.Photo(), image.Resolution(),
+                            {SoftwareText.toByteArray(), image.Iptc()});
 }
 
 }  // namespace
@@ -36,7 +37,9 @@ void TData::SaveImage(imaging::ImageDisplay& view, const QString& folder, const 
                       bool scale) {
     imaging::LayeredImage& image = view.Image();
     const QString target = DelLastBackslash(folder);
-    saveDialog_.initialFolder = target;
+    // A root without its separator would be no folder at all.
+    const bool isRoot = !folder.isEmpty() && QDir(folder).isRoot();
+    saveDialog_.initialFolder = isRoot ? folder : target;
     saveDialog_.fileName = GetNameWithSuffix(currentFile_, u"_kdr"_s);
     const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
     if (scale) {

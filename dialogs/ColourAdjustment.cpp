@@ -121,7 +121,7 @@ imaging::PixelFilterPointer ColourAdjustment::Filter() const {
 void ColourAdjustment::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnOwner(*this);
+        CentreOnParent(*this);
     }
 }
 

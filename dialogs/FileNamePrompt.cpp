@@ -69,12 +69,12 @@ TFileNameFm::TFileNameFm(core::NameSources nameSources, QWidget* parent)
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
-int TFileNameFm::ShowEx(const QString& folder) {
+controls::ModalResult TFileNameFm::ShowEx(const QString& folder) {
     praefixText_->setText(core::GetDatePrefix(nameSources_));
     fileNameEdit_->clear();
     fileNameEdit_->setFocus();
     folder_ = folder;
-    return exec();
+    return controls::ShowModal(*this);
 }
 
 QString TFileNameFm::Path() const {

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 
+#include "controls/ModalResult.h"
 #include "core/FileNaming.h"
 
 class QLineEdit;
@@ -17,10 +18,10 @@ class TFileNameFm : public QDialog {
  public:
     explicit TFileNameFm(core::NameSources nameSources, QWidget* parent = nullptr);
 
-    /// QDialog::Accepted or QDialog::Rejected.
-    int ShowEx(const QString& folder);
+    /// Ok or Cancel.
+    controls::ModalResult ShowEx(const QString& folder);
 
-    /// The path that the fields make; once ShowEx was accepted, that of a file that did not exist.
+    /// The path that the fields make; once ShowEx gave Ok, that of a file that did not exist.
     QString Path() const;
 
  protected:

@@ -1,23 +1,11 @@
 #pragma once
 
-#include <QScreen>
-#include <QWidget>
-#include <algorithm>
+class QWidget;
 
 namespace kadrona::dialogs {
 
-/// Moves a window that is about to show to the middle of its owner, kept on the screen.
-inline void CentreOnOwner(QWidget& window) {
-    const QWidget* owner = window.parentWidget();
-    if (owner == nullptr) {
-        return;
-    }
-    const QRect screen = window.screen()->availableGeometry();
-    QRect place(QPoint(), window.size());
-    place.moveCenter(owner->window()->frameGeometry().center());
-    place.moveRight(std::min(place.right(), screen.right()));
-    place.moveBottom(std::min(place.bottom(), screen.bottom()));
-    window.move(std::max(place.left(), screen.left()), std::max(place.top(), screen.top()));
-}
+/// Puts a window that is about to be shown over the middle of its parent, or of the screen when it
+/// has none, as far as the screen has room.
+void CentreOnParent(QWidget& window);
 
 }  // namespace kadrona::dialogs

@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+#include "controls/ModalResult.h"
+
 class QListWidget;
 
 namespace kadrona::dialogs {
@@ -14,7 +16,9 @@ class TProfileDlgFM : public QDialog {
     explicit TProfileDlgFM(QWidget* parent = nullptr);
 
     void SetProfiles(const QStringList& names);
-    int ShowEx() { return exec(); }
+
+    /// Ok or Cancel.
+    controls::ModalResult ShowEx() { return controls::ShowModal(*this); }
 
     /// Throws platform::Error when the list is empty.
     QString SelectedProfile() const;

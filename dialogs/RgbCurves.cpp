@@ -226,7 +226,7 @@ const imaging::CurveSet& TfmRGBKurve::Curves() const {
 void TfmRGBKurve::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnOwner(*this);
+        CentreOnParent(*this);
         editor_->setFocus(Qt::OtherFocusReason);
     }
 }

@@ -82,7 +82,7 @@ std::optional<double> TfmRotateDlg::ShowEx(const imaging::Pixels& preview) {
 void TfmRotateDlg::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnOwner(*this);
+        CentreOnParent(*this);
         preview_->setFocus(Qt::OtherFocusReason);
     }
 }

@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <functional>
 
+#include "controls/ModalResult.h"
 #include "controls/PropertyStore.h"
 #include "core/ProfileStore.h"
 #include "core/Settings.h"
@@ -49,11 +50,17 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     /// Fills the lists, then binds and restores the start profile.
     void InitPropertys();
 
-    /// Shows the dialog modally with a fresh list of printer profiles; returns the modal result.
-    int ShowEx();
+    /// Shows the dialog modally with a fresh list of printer profiles; Ok or Cancel.
+    controls::ModalResult ShowEx();
 
     /// Makes a profile the active one; with `storeFirst` the one before is stored.
     void AktivateProfileByName(const QString& name, bool storeFirst);
+
+    /// Fills the box with the printer profiles that there are now. The choice is kept by its place.
+    void RefreshPrinterProfiles();
+
+    /// Takes the default printer profile and the immediate printing back and stores the settings.
+    void ResetPrintDefaults();
 
     // core::Settings
     bool AutoWhiteBalance() const override;
@@ -97,7 +104,6 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     // Behaviour (SettingsDialog.cpp)
     void ConnectControls();
-    void RefreshPrinterProfiles();
     void ActivateSelected(bool storeFirst);
     void FormShow();
     void FormClose();

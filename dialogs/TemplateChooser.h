@@ -3,10 +3,15 @@
 #include <QDialog>
 #include <functional>
 
-class QListWidget;
+#include "controls/ModalResult.h"
+
 class QPushButton;
 class QTimer;
 class QToolButton;
+
+namespace kadrona::controls {
+class SelectionList;
+}
 
 namespace kadrona::core {
 class Settings;
@@ -33,7 +38,8 @@ class TSchabloneFm : public QDialog {
     /// Index of the selected template; -1 none.
     int SelectedTemplate() const;
 
-    int ShowEx() { return exec(); }
+    /// Ok or Cancel.
+    controls::ModalResult ShowEx() { return controls::ShowModal(*this); }
 
  protected:
     void showEvent(QShowEvent* event) override;
@@ -50,7 +56,7 @@ class TSchabloneFm : public QDialog {
 
     const core::Settings& settings_;
     std::function<void(int)> rotationHandler_;
-    QListWidget* lbSchablonen_;
+    controls::SelectionList* lbSchablonen_;
     QToolButton* btnRotateLeft_;
     QToolButton* btnRotateRight_;
     QPushButton* btnOk_;

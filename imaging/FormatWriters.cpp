@@ -1,11 +1,9 @@
 #include "imaging/FormatWriters.h"
 
 #include <QColorSpace>
-#include <QFileDevice>
 #include <cmath>
 
 #include "platform/Error.h"
-#include "platform/SystemReason.h"
 
 namespace kadrona::imaging {
 
@@ -15,14 +13,8 @@ void WriteBytes(QIODevice& device, const void* bytes, qint64 count) {
     }
 }
 
-QString FailureOf(QIODevice& device) {
-    auto* file = qobject_cast<QFileDevice*>(&device);
-    if (!file) {
-        return device.errorString();
-    }
-    // A write that the system cut short names no reason; the one that tries the rest does.
-    file->flush();
-    return platform::SystemReason(*file) + u'.';
+QString FailureOf(const QIODevice& device) {
+    return device.errorString() + u'.';
 }
 
 int DotsPerMetre(DotsPerInch resolution) {

@@ -43,7 +43,7 @@ void WritePdf(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
 void WriteBytes(QIODevice& device, const void* bytes, qint64 count);
 
 /// Why the last write failed, as a German sentence.
-QString FailureOf(QIODevice& device);
+QString FailureOf(const QIODevice& device);
 
 /// The nearest whole number of dots per metre. It is at most 0.013 dots per inch off, so that a
 /// reader that rounds gets every resolution back.

@@ -1,5 +1,6 @@
 #include "imaging/ImageWriter.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
 #include <array>
@@ -33,8 +34,10 @@ const Format& FormatOf(const QString& path) {
             return format;
         }
     }
-    throw platform::Error(u"Die Endung „%1“ ist nicht bekannt; bekannt sind .%2."_s.arg(
-        extension, WritableExtensions().join(u", ."_s)));
+    const QString known = u"bekannt sind ."_s + WritableExtensions().join(u", ."_s);
+    throw platform::Error(extension.isEmpty()
+                              ? u"Der Name hat keine Endung; %1."_s.arg(known)
+                              : u"Die Endung „%1“ ist nicht bekannt; %2."_s.arg(extension, known));
 }
 
 void Write(const QString& path, const Pixels& pixels, DotsPerInch resolution,
@@ -74,6 +77,13 @@ void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resol
     } catch (const std::bad_alloc&) {
         throw WriteError(text(u"Der Arbeitsspeicher reicht nicht aus."_s));
     }
+}
+
+QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution, const ImageMetadata& metadata) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    WriteJpeg(buffer, pixels, resolution, metadata);
+    return buffer.data();
 }
 
 }  // namespace kadrona::imaging

@@ -35,6 +35,7 @@ void LayeredImage::SetResolution(DotsPerInch resolution) {
 
 void LayeredImage::Clear() {
     resolution_ = {};
+    iptc_ = {};
     history_.Clear();
     if (IsEmpty()) {
         return;
@@ -57,6 +58,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     layers_.push_back({std::move(photo), rectangle});
     currentLayer_ = 0;
     resolution_ = resolution;
+    iptc_ = {};
     history_.Clear();
     Q_EMIT PhotoChanged();
     if (layersChange) {

@@ -3,9 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <cerrno>
 
-#include "platform/DiskFlush.h"
 #include "platform/Error.h"
 #include "platform/SystemReason.h"
 
@@ -22,9 +20,15 @@ FileError ReadError(const QString& path, const QString& reason) {
     return FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason));
 }
 
-/// Throws where something that must stay stands under the name. The permission bits are asked, not
-/// the system: it lets an administrator write to every file.
-void CheckReplaceable(const QString& path) {
+/// The path itself; throws where something that must stay stands under the name, or where nothing
+/// can. The permission bits are asked, not the system: it lets an administrator write to every
+/// file.
+const QString& Replaceable(const QString& path) {
+    if (path.contains(QChar::Null)) {
+        // The system would end the name there, as every text of an error does.
+        throw WriteError(QString(path).replace(QChar::Null, QChar::ReplacementCharacter),
+                         u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s);
+    }
     const QFileInfo existing(path);
     if (existing.isDir()) {
         throw WriteError(path, u"Unter diesem Namen gibt es einen Ordner"_s);
@@ -32,52 +36,21 @@ void CheckReplaceable(const QString& path) {
     if (existing.exists() && !existing.permission(QFileDevice::WriteOwner)) {
         throw WriteError(path, u"Die Datei ist schreibgeschützt"_s);
     }
+    return path;
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path) : file_(path) {
-    CheckReplaceable(path);
-    if (!file_.open(QIODevice::WriteOnly)) {
-        throw WriteError(path, SystemReason(file_));
+AtomicFile::AtomicFile(const QString& path) : path_(Replaceable(path)), file_(path_) {
+    if (!file_.Create()) {
+        throw WriteError(path, file_.errorString());
     }
-}
-
-qint64 AtomicFile::CompleteSaveFile::writeData(const char* data, qint64 size) {
-    qint64 written = 0;
-    while (written < size) {
-        // What follows a short write fails and leaves the reason behind, for commit to see.
-        const qint64 count = QSaveFile::writeData(data + written, size - written);
-        if (count <= 0) {
-            return -1;
-        }
-        written += count;
-    }
-    return written;
 }
 
 void AtomicFile::Commit() {
-    const QString path = file_.fileName();
-    // A write from Qt's buffer that the system cut short names no reason: the flush that tries the
-    // rest does. After closing, every reason is lost. QSaveFile also flushes by itself, but takes a
-    // failure to bring the content to the disk for a success.
-    const bool failedBefore = file_.error() != QFileDevice::NoError;
-    const bool flushed = file_.flush();
-    QString reason;
-    if (failedBefore || !flushed) {
-        reason = SystemReason(file_);
-    } else if (const int code = FlushToDisk(file_.handle()); code != 0) {
-        reason = SystemReason(code);
+    if (!file_.TakePlace()) {
+        throw WriteError(path_, file_.errorString());
     }
-    if (!reason.isEmpty()) {
-        file_.cancelWriting();
-        file_.commit();
-        throw WriteError(path, reason);
-    }
-    if (!file_.commit()) {
-        throw WriteError(path, SystemReason(file_));
-    }
-    FlushFolder(QFileInfo(path).path());
 }
 
 void WriteFileAtomically(const QString& path, QByteArrayView content) {

@@ -47,7 +47,9 @@ QString JoinPath(QStringView folder, QStringView name) {
     QString path;
     path.reserve(folder.size() + 1 + name.size());
     path += folder;
-    path += QDir::separator();
+    if (!folder.endsWith(QDir::separator())) {
+        path += QDir::separator();
+    }
     path += name;
     return path;
 }

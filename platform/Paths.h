@@ -5,8 +5,8 @@
 
 namespace kadrona::platform {
 
-/// folder + the platform's separator + name. An empty folder gives a path in the root, as every
-/// path built on a missing folder does.
+/// folder + the platform's separator, unless the folder ends in it, + name. An empty folder gives a
+/// path in the root, as every path built on a missing folder does.
 QString JoinPath(QStringView folder, QStringView name);
 
 /// Folder that holds the real program file (links followed), without a trailing separator.

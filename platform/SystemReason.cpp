@@ -24,6 +24,8 @@ constexpr Reason Reasons[] = {
     {ERROR_FILE_NOT_FOUND, u"Die Datei ist nicht vorhanden"},
     {ERROR_PATH_NOT_FOUND, u"Die Datei oder der Ordner ist nicht vorhanden"},
     {ERROR_FILENAME_EXCED_RANGE, u"Der Name ist zu lang"},
+    {ERROR_INVALID_NAME, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"},
+    {ERROR_FILE_EXISTS, u"Der Name ist schon vergeben"},
     {ERROR_TOO_MANY_OPEN_FILES, u"Es sind zu viele Dateien geöffnet"},
 };
 #else
@@ -38,6 +40,9 @@ constexpr Reason Reasons[] = {
     {ENOTDIR, u"Ein Teil des Pfades ist kein Ordner"},
     {EISDIR, u"Unter diesem Namen gibt es einen Ordner"},
     {ENAMETOOLONG, u"Der Name ist zu lang"},
+    {EINVAL, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"},
+    {EILSEQ, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"},
+    {EEXIST, u"Der Name ist schon vergeben"},
     {EFBIG, u"Die Datei würde zu groß"},
     {EIO, u"Der Datenträger meldet einen Ein- oder Ausgabefehler"},
     {EMFILE, u"Es sind zu viele Dateien geöffnet"},

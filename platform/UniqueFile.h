@@ -1,12 +1,22 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
+#include <functional>
 
 namespace kadrona::platform {
 
-/// Creates a new empty file in `folder` and returns its bare name: the first three characters of
-/// `prefix`, one to four hexadecimal digits, ".tmp". Created exclusively, so two callers (also of
-/// two processes) never get the same name. Throws FileError.
+/// Calls `isTaken` with one path after the other until it returns false: `folder`, the first three
+/// characters of `prefix`, one to four hexadecimal digits, ".tmp". False when all are taken.
+bool FindUniqueName(const QString& folder, const QString& prefix,
+                    const std::function<bool(const QString& path)>& isTaken);
+
+/// Creates a new empty file in `folder` under a name of this form and opens it for unbuffered
+/// writing. False when that failed; the reason is the file's error. Created exclusively, so two
+/// callers (also of two processes) never get the same name.
+bool OpenUniqueFile(QFile& file, const QString& folder, const QString& prefix);
+
+/// The same, but returns the bare name of the closed file. Throws FileError.
 QString CreateUniqueFile(const QString& folder, const QString& prefix);
 
 }  // namespace kadrona::platform

@@ -12,6 +12,7 @@
 #include "controls/ActionGuard.h"
 #include "controls/ClearableComboBox.h"
 #include "controls/MessageBoxes.h"
+#include "controls/ModalResult.h"
 #include "controls/PathEdit.h"
 #include "controls/StatusPanels.h"
 #include "platform/Error.h"
@@ -25,6 +26,22 @@ namespace {
 using testing::ModalDriver;
 
 const QString Box = u"MessageBox"_s;
+
+TEST(ModalResult, IsOneOfTheFourNumbers) {
+    const auto resultOf = [](const std::function<void(QDialog&)>& end) {
+        QDialog dialog;
+        dialog.setObjectName(u"Dialog"_s);
+        ModalDriver driver;
+        driver.Expect(u"Dialog"_s, [&](QWidget&) { end(dialog); });
+        return static_cast<int>(ShowModal(dialog));
+    };
+    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.accept(); }), 1);
+    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.reject(); }), 2);
+    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.close(); }), 2);
+    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.done(static_cast<int>(ModalResult::Yes)); }),
+              6);
+    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.done(static_cast<int>(ModalResult::No)); }), 7);
+}
 
 TEST(AskYesNo, OnlyJaIsYes) {
     ModalDriver driver;

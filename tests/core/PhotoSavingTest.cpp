@@ -127,6 +127,22 @@ TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
     EXPECT_EQ(data.SaveFolder(), folder + u'/') << "a file is no folder";
 }
 
+TEST_F(PhotoSaving, TheRootIsAFolderLikeAnyOther) {
+    settings.imageSaveDir = u"/"_s;
+    ui.saveFile = u"/Bildname.xyz"_s;
+    EXPECT_THROW(data.SaveImage(view, data.SaveFolder(), {}, false), imaging::WriteError);
+    EXPECT_EQ(ui.saveDialogs.first().initialFolder, u"/"_s);
+    EXPECT_EQ(data.LastSaveFolder(), u"/"_s);
+
+    settings.imageSaveDir.clear();
+    try {
+        data.SaveImage(view, data.SaveFolder(), u"Bildname.xyz"_s, false);
+        ADD_FAILURE() << "was written";
+    } catch (const imaging::WriteError& error) {
+        EXPECT_TRUE(error.Text().contains(u"„/Bildname.xyz“"_s)) << error.what();
+    }
+}
+
 TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
     QDir(folder).mkpath(u"folder.bmp"_s);
     installation.Write("saved/locked.bmp", "old");

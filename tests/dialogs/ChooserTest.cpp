@@ -34,7 +34,7 @@ class TemplateChooser : public ::testing::Test {
 TEST_F(TemplateChooser, ConfirmsItselfWithTheDefaultTemplate) {
     settings.schabloneBox = 1;
     driver.Expect(u"SchabloneFm"_s, [](QWidget&) {});
-    EXPECT_EQ(chooser.ShowEx(), QDialog::Accepted);
+    EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_EQ(chooser.SelectedTemplate(), 1);
 }
 
@@ -50,7 +50,7 @@ TEST_F(TemplateChooser, CannotBeClosedWithoutASelection) {
         List().setCurrentRow(2);
         shown.findChild<QPushButton*>(u"btnOk"_s)->click();
     });
-    EXPECT_EQ(chooser.ShowEx(), QDialog::Accepted);
+    EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_EQ(chooser.SelectedTemplate(), 2);
 }
 
@@ -65,7 +65,7 @@ TEST_F(TemplateChooser, TurnsThePhotoByItsButtonsAndTheSettings) {
         EXPECT_EQ(turns.last(), -90);
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
-    EXPECT_EQ(chooser.ShowEx(), QDialog::Rejected);
+    EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Cancel);
     EXPECT_FALSE(chooser.findChild<QTimer*>(u"Timer"_s)->isActive());
 }
 
@@ -80,12 +80,12 @@ TEST(ProfileChooser, ChoosesByDoubleClickAndFailsOnAnEmptyList) {
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, second);
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, second);
     });
-    EXPECT_EQ(chooser.ShowEx(), QDialog::Accepted);
+    EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_EQ(chooser.SelectedProfile(), u"B"_s);
 
     chooser.SetProfiles({});
     driver.Press(u"ProfileDlgFM"_s, u"btnOK"_s);
-    EXPECT_EQ(chooser.ShowEx(), QDialog::Accepted);
+    EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_THROW(chooser.SelectedProfile(), platform::Error);
 }
 

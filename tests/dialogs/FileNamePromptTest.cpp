@@ -45,7 +45,7 @@ TEST_F(FileNamePrompt, SwallowsWhatItsNamesMustNotHold) {
         EXPECT_EQ(Edit().text(), u"x"_s);
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
-    EXPECT_EQ(prompt.ShowEx(installation.Path("")), QDialog::Rejected);
+    EXPECT_EQ(prompt.ShowEx(installation.Path("")), controls::ModalResult::Cancel);
 }
 
 TEST_F(FileNamePrompt, StaysOpenWithoutANameAndForAnExistingFile) {
@@ -61,7 +61,7 @@ TEST_F(FileNamePrompt, StaysOpenWithoutANameAndForAnExistingFile) {
         QTest::keyClick(&Edit(), Qt::Key_Return);
     });
     const QString folder = QFileInfo(installation.Path("x")).path();
-    EXPECT_EQ(prompt.ShowEx(folder), QDialog::Accepted);
+    EXPECT_EQ(prompt.ShowEx(folder), controls::ModalResult::Ok);
     EXPECT_EQ(prompt.Path(), folder + u"/2026-03-07-max2.jpg"_s);
 
     driver.Expect(u"FileNameFm"_s, [this](QWidget& shown) {

@@ -7,10 +7,8 @@
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #ifdef Q_OS_LINUX
-#include <sys/mount.h>
-#include <sys/resource.h>
-
-#include <csignal>
+#include "tests/support/FileSizeLimit.h"
+#include "tests/support/HostileFolders.h"
 #endif
 #include <string>
 
@@ -33,7 +31,7 @@ std::string ErrorText(Action action) {
     return "no error";
 }
 
-class AtomicFileTest : public testing::Test {
+class AtomicFileTest : public ::testing::Test {
  protected:
     QString Path() const { return folder_.filePath(u"Blatt.jpg"_s); }
 
@@ -89,6 +87,10 @@ TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {
         EXPECT_EQ(ErrorText([&] { WriteFileAtomically(path, "x"_ba); }),
                   WriteErrorText(path, reason));
     }
+    const QString zero = folder_.filePath(u"a%1b"_s.arg(QChar(QChar::Null)));
+    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(zero, "x"_ba); }),
+              WriteErrorText(folder_.filePath(u"a\uFFFDb"_s),
+                             u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s));
     EXPECT_EQ(ErrorText([&] { ReadWholeFile(missing, 1); }),
               u"Die Datei „%1“ konnte nicht gelesen werden: Die Datei oder der Ordner ist nicht "
               u"vorhanden."_s.arg(missing)
@@ -115,28 +117,65 @@ TEST_F(AtomicFileTest, WritesThroughALink) {
     EXPECT_TRUE(QFileInfo(link).isSymLink());
 }
 
+TEST_F(AtomicFileTest, HasNoNameUntilItIsWhole) {
+    AtomicFile file(Path());
+    file.Device().write("new"_ba);
+    EXPECT_EQ(Names(folder_.path()), QStringList());
+    file.Commit();
+    EXPECT_EQ(Names(folder_.path()), QStringList{u"Blatt.jpg"_s});
+}
+
+TEST_F(AtomicFileTest, KeepsPermissionsAndTakesTheLongestName) {
+    const QString path = folder_.filePath(QString(255, u'n'));
+    WriteFileAtomically(path, "old"_ba);
+    const auto permissions =
+        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadOther;
+    QFile::setPermissions(path, permissions);
+    WriteFileAtomically(path, "new"_ba);
+    EXPECT_EQ(ReadWholeFile(path, 3), "new"_ba);
+    // Qt also tells what the user who asks may do.
+    EXPECT_EQ(QFile::permissions(path) & QFileDevice::Permissions(0x7077), permissions);
+}
+
 TEST_F(AtomicFileTest, KeepsTheOldFileWhenAWriteIsCutShort) {
     WriteFileAtomically(Path(), "old"_ba);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{100'000, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
+    const kadrona::testing::FileSizeLimit limit(100'000);
     ExpectOldFileAfterFailure(Path(), u"Die Datei würde zu groß"_s);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, oldHandler);
 }
 
 TEST_F(AtomicFileTest, KeepsTheOldFileWhenTheDiskIsFull) {
-    const QByteArray disk = folder_.filePath(u"disk"_s).toLocal8Bit();
-    QDir().mkdir(QString::fromLocal8Bit(disk));
-    if (mount("tmpfs", disk.constData(), "tmpfs", 0, "size=200k") != 0) {
+    const kadrona::testing::SmallDisk disk(folder_.filePath(u"disk"_s), "200k");
+    if (!disk.Succeeded()) {
         GTEST_SKIP() << "no right to mount a small file system";
     }
-    const QString path = QString::fromLocal8Bit(disk) + u"/Blatt.jpg"_s;
+    const QString path = folder_.filePath(u"disk/Blatt.jpg"_s);
     WriteFileAtomically(path, "old"_ba);
     ExpectOldFileAfterFailure(path, u"Auf dem Datenträger ist kein Platz mehr"_s);
-    umount(disk.constData());
+}
+
+TEST_F(AtomicFileTest, WorksWhereTheFileSystemKnowsNoFilesWithoutAName) {
+    const QString stick = folder_.filePath(u"stick"_s);
+    const kadrona::testing::MemoryStick mounted(stick, folder_.filePath(u"image"_s));
+    if (!mounted.Succeeded()) {
+        GTEST_SKIP() << "no ntfs-3g, or no right to mount";
+    }
+    const QString path = stick + u"/Blatt.jpg"_s;
+    WriteFileAtomically(path, "old"_ba);
+    {
+        AtomicFile abandoned(path);
+        abandoned.Device().write("new"_ba);
+        const QStringList names = Names(stick);
+        ASSERT_EQ(names.size(), 2);
+        EXPECT_TRUE(names.last().startsWith(u"kdr"_s) && names.last().endsWith(u".tmp"_s));
+    }
+    EXPECT_EQ(ReadWholeFile(path, 3), "old"_ba);
+    WriteFileAtomically(path, "new"_ba);
+    EXPECT_EQ(ReadWholeFile(path, 3), "new"_ba);
+
+    const QString refused = stick + u"/a:b.jpg"_s;
+    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(refused, "x"_ba); }),
+              WriteErrorText(refused, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s));
+    EXPECT_EQ(Names(stick), QStringList{u"Blatt.jpg"_s});
 }
 
 #endif

@@ -1,0 +1,143 @@
+#include "core/ArchiveSearch.h"
+
+#include <QList>
+#include <algorithm>
+
+namespace kadrona::core {
+
+namespace {
+
+bool IsBlank(char byte) {
+    return byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == FieldEnd;
+}
+
+/// The general way, for texts with letters beyond Latin-1 or accents that stand by themselves.
+QByteArray FoldedByUnicode(QByteArrayView text) {
+    return QString::fromUtf8(text).normalized(QString::NormalizationForm_C).toCaseFolded().toUtf8();
+}
+
+/// Whether all characters of UTF-8 text lie below U+0100: C2 and C3 lead those beyond ASCII.
+bool IsLatin1(QByteArrayView text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<uchar>(byte) <= 0xc3; });
+}
+
+/// Folds a character of two bytes below U+0100, in place. No folded form is longer.
+void FoldLatin1(char* character) {
+    const int code = (static_cast<uchar>(character[0]) & 3) << 6 | (character[1] & 0x3f);
+    if (code >= 0xc0 && code <= 0xde && code != 0xd7) {
+        character[1] = static_cast<char>(character[1] + 0x20);
+    } else if (code == 0xdf) {  // sharp s
+        character[0] = character[1] = 's';
+    } else if (code == 0xb5) {  // the micro sign is a small Greek mu
+        character[0] = '\xce';
+        character[1] = '\xbc';
+    }
+}
+
+/// Writes the folded form of such text, which is no longer, and returns its end.
+char* FoldLatin1(QByteArrayView text, char* out) {
+    const char* const end = text.end();
+    for (const char* at = text.begin(); at < end; ++at) {
+        *out++ = *at >= 'A' && *at <= 'Z' ? static_cast<char>(*at + 0x20) : *at;
+        if (static_cast<uchar>(*at) >= 0x80 && at + 1 < end) {
+            *out++ = *++at;
+            FoldLatin1(out - 2);
+        }
+    }
+    return out;
+}
+
+/// Drops the blanks at the beginning and makes one of each other run; returns the new end.
+char* JoinBlanks(char* begin, const char* end) {
+    char* out = begin;
+    for (const char* at = begin; at < end; ++at) {
+        if (!IsBlank(*at)) {
+            *out++ = *at;
+        } else if (out > begin && out[-1] != ' ') {
+            *out++ = ' ';
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+void AppendFolded(QByteArray& folded, QByteArrayView text) {
+    const qsizetype before = folded.size();
+    if (IsLatin1(text)) {
+        folded.resize(before + text.size());
+        char* const begin = folded.data() + before;
+        folded.resize(JoinBlanks(begin, FoldLatin1(text, begin)) - folded.constData());
+    } else {
+        folded.append(FoldedByUnicode(text));
+        char* const begin = folded.data() + before;
+        folded.resize(JoinBlanks(begin, folded.constEnd()) - folded.constData());
+    }
+}
+
+ArchiveSearch::ArchiveSearch(const QString& text) {
+    QStringView rest = text;
+    while (!(rest = rest.trimmed()).isEmpty()) {
+        const bool excluded = rest.front() == u'-';
+        rest = rest.sliced(excluded ? 1 : 0);
+        const bool phrase = rest.startsWith(u'"');
+        rest = rest.sliced(phrase ? 1 : 0);
+        qsizetype end = 0;
+        while (end < rest.size() && (phrase ? rest[end] != u'"' : !rest[end].isSpace())) {
+            ++end;
+        }
+        Add(rest.first(end), excluded);
+        rest = rest.sliced(qMin(end + (phrase ? 1 : 0), rest.size()));
+    }
+}
+
+/// A term of nothing but asterisks says nothing.
+void ArchiveSearch::Add(QStringView term, bool excluded) {
+    Term added;
+    added.excluded = excluded;
+    for (const QStringView piece : term.split(u'*', Qt::SkipEmptyParts)) {
+        QByteArray folded;
+        AppendFolded(folded, piece.toUtf8());
+        if (!folded.isEmpty()) {
+            added.pieces.emplace_back(folded);
+        }
+    }
+    if (!added.pieces.empty()) {
+        terms_.push_back(std::move(added));
+    }
+}
+
+bool ArchiveSearch::Matches(QByteArrayView record) const {
+    for (const Term& term : terms_) {
+        if (Finds(term, record) == term.excluded) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ArchiveSearch::Finds(const Term& term, QByteArrayView record) {
+    const QByteArrayMatcher& first = term.pieces.front();
+    qsizetype at = first.indexIn(record.data(), record.size());
+    if (term.pieces.size() == 1 || at < 0) {
+        return at >= 0;
+    }
+    while (at >= 0) {
+        const qsizetype fieldEnd = record.indexOf(FieldEnd, at);
+        qsizetype end = at + first.pattern().size();
+        for (size_t i = 1; i < term.pieces.size() && end >= 0; ++i) {
+            const QByteArrayMatcher& piece = term.pieces[i];
+            at = piece.indexIn(record.data(), fieldEnd, end);
+            end = at < 0 ? -1 : at + piece.pattern().size();
+        }
+        if (end >= 0) {
+            return true;
+        }
+        // The earliest places of one field did not do; no later ones in it will.
+        at = first.indexIn(record.data(), record.size(), fieldEnd);
+    }
+    return false;
+}
+
+}  // namespace kadrona::core
