@@ -33,6 +33,14 @@ ColourTools::ColourTools(ToolSurroundings surroundings, QObject* parent)
     : QObject(parent), window_(std::move(surroundings)) {
     connect(window_.actions[WhitePoint], &QAction::toggled, this,
             &ColourTools::FollowWhitePointAction);
+    // A setting can take the action away while its mode is on.
+    connect(window_.actions[WhitePoint], &QAction::changed, this, [this] {
+        const QAction& action = *window_.actions[WhitePoint];
+        if (action.isChecked() && !action.isVisible()) {
+            LeaveMode();
+            window_.showTemplateLayer(true);
+        }
+    });
 }
 
 ColourTools::~ColourTools() {

@@ -1,9 +1,11 @@
 // Whole-photo time of each photo tool on 24 and 50 megapixels beside OpenCV's equivalent, best of
-// several runs in turn, and the time of the retouch stamp's strokes. Plain figures; nothing is
-// asserted.
+// several runs in turn, and the time of the retouch stamp's strokes. Beside the time that passes it
+// gives that of all processors together, which other programs at work disturb less. Plain figures;
+// nothing is asserted.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <opencv2/imgproc.hpp>
 
@@ -19,6 +21,12 @@ namespace {
 constexpr int Runs = 7;
 constexpr double Degrees = 7.3;
 
+/// In milliseconds; the best of several runs.
+struct Time {
+    double passed = 1e9;
+    double processors = 1e9;
+};
+
 double Milliseconds(const std::function<void()>& work) {
     const auto start = std::chrono::steady_clock::now();
     work();
@@ -26,16 +34,24 @@ double Milliseconds(const std::function<void()>& work) {
     return time.count();
 }
 
+void Run(const std::function<void()>& work, Time& best) {
+    const std::clock_t start = std::clock();
+    best.passed = std::min(best.passed, Milliseconds(work));
+    const double processors = 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    best.processors = std::min(best.processors, processors);
+}
+
 void Compare(const char* name, const std::function<void()>& ours,
              const std::function<void()>& peer) {
-    double ourBest = 1e9;
-    double peerBest = 1e9;
+    Time our;
+    Time other;
     for (int run = 0; run < Runs; ++run) {
-        ourBest = std::min(ourBest, Milliseconds(ours));
-        peerBest = std::min(peerBest, Milliseconds(peer));
+        Run(ours, our);
+        Run(peer, other);
     }
-    std::printf("  %-28s %8.1f ms   OpenCV %8.1f ms   ratio %.2f\n", name, ourBest, peerBest,
-                ourBest / peerBest);
+    std::printf("  %-28s %7.1f ms, processors %7.1f   OpenCV %7.1f, %7.1f   ratio %.2f, %.2f\n",
+                name, our.passed, our.processors, other.passed, other.processors,
+                our.passed / other.passed, our.processors / other.processors);
 }
 
 /// Gradients with some noise, as a photo has them.
@@ -133,7 +149,8 @@ void CompareColours(const Pixels& photo, const cv::Mat& mat) {
         [&] { Equalise(mat); });
 }
 
-/// The longest time that one move of the mouse takes, of a stroke across the photo.
+/// The longest time of all processors that one move of the mouse takes, of a stroke across the
+/// photo.
 double SlowestMove(const QImage& photo, double diameter, double step) {
     LayeredImage image;
     image.Open(Pixels(photo.copy()), {300});
@@ -143,7 +160,9 @@ double SlowestMove(const QImage& photo, double diameter, double step) {
     double slowest = 0;
     for (int move = 1; move <= 40; ++move) {
         const QPointF position(photo.width() * 0.4 + move * step, photo.height() * 0.4 + move * 3);
-        slowest = std::max(slowest, Milliseconds([&] { stamp.ContinueStroke(position); }));
+        Time time;
+        Run([&] { stamp.ContinueStroke(position); }, time);
+        slowest = std::max(slowest, time.processors);
     }
     return slowest;
 }
@@ -158,8 +177,10 @@ void Measure(QSize size) {
         "rotation by 7.3 degrees", [&] { static_cast<void>(Rotated(photo, Degrees)); },
         [&] { Warp(mat); });
     for (const double diameter : {40.0, 400.0, 2000.0}) {
-        std::printf("  stamp of %4.0f pixels: slowest move of 20 pixels %.2f ms, of 200 %.2f ms\n",
-                    diameter, SlowestMove(image, diameter, 20), SlowestMove(image, diameter, 200));
+        std::printf(
+            "  stamp of %4.0f pixels: slowest move of 20 pixels %.2f ms of the "
+            "processors, of 200 %.2f\n",
+            diameter, SlowestMove(image, diameter, 20), SlowestMove(image, diameter, 200));
     }
 }
 

@@ -62,7 +62,6 @@ void BeforeAfterView::AddZoomButtons() {
 }
 
 void BeforeAfterView::SetPhoto(const imaging::Pixels& photo) {
-    after_->SetPreviewFilter(nullptr);
     for (ImageView* view : {before_, after_}) {
         view->SetAutomaticFit(true);
         view->Image().Open(photo, {});

@@ -17,7 +17,7 @@ class BeforeAfterView : public QWidget {
  public:
     explicit BeforeAfterView(QWidget* parent = nullptr);
 
-    /// Shows another photo as a whole; empty pixels show nothing.
+    /// Shows another photo as a whole.
     void SetPhoto(const imaging::Pixels& photo);
     /// Null changes nothing.
     void SetFilter(imaging::PixelFilterPointer filter);

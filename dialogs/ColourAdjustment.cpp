@@ -32,7 +32,6 @@ imaging::PixelFilterPointer FilterUnlessNeutral(
 ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     setObjectName(u"ColourAdjustment"_s);
     setWindowTitle(u"Farben anpassen"_s);
-    preview_ = new BeforeAfterView;
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
     contrast_ = AddPage(
@@ -74,7 +73,6 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->setSpacing(12);
-    layout->addWidget(preview_, 1);
     layout->addWidget(pages_);
     layout->addLayout(buttons);
     resize(DesignedSize.boundedTo(screen()->availableSize()));
@@ -84,7 +82,11 @@ AdjustmentPage* ColourAdjustment::AddPage(const QString& name, AdjustmentPage* p
                                           const QString& title) {
     page->setObjectName(name);
     pages_->addTab(page, title);
-    connect(page, &AdjustmentPage::Changed, this, [this] { preview_->SetFilter(Filter()); });
+    connect(page, &AdjustmentPage::Changed, this, [this] {
+        if (preview_ != nullptr) {
+            preview_->SetFilter(Filter());
+        }
+    });
     return page;
 }
 
@@ -92,8 +94,11 @@ int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     histogram_ = imaging::HistogramOf(photo);
     ResetAll();
     pages_->setCurrentIndex(0);
-    preview_->SetPhoto(photo);
-    const auto release = qScopeGuard([this] { preview_->SetPhoto({}); });
+    BeforeAfterView preview;
+    preview.SetPhoto(photo);
+    qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, &preview, 1);
+    preview_ = &preview;
+    const auto release = qScopeGuard([this] { preview_ = nullptr; });
     return exec();
 }
 

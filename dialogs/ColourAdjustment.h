@@ -34,7 +34,8 @@ class ColourAdjustment : public QDialog {
     AdjustmentPage* AddPage(const QString& name, AdjustmentPage* page, const QString& title);
     void ResetAll();
 
-    BeforeAfterView* preview_;
+    /// Lives while the dialog shows, so that it keeps no memory of a photo's size.
+    BeforeAfterView* preview_ = nullptr;
     QTabWidget* pages_;
     AdjustmentPage* contrast_;
     AdjustmentPage* hue_;

@@ -1,5 +1,6 @@
 // Stories of the tools that correct the photo.
 
+#include <QAbstractButton>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSpinBox>
@@ -133,6 +134,12 @@ TEST_F(ToolsStory, ModesEndWithThePhotoTheSheetAndEachOther) {
     EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
     EXPECT_NE(View().Tool(), nullptr);
     Trigger(u"acBeauty"_s);
+    auto* switchedOff = window->findChild<QAbstractButton*>(u"WhiteBalancePipette"_s);
+    Trigger(u"acSetWhitePoint"_s);
+    switchedOff->setChecked(true);
+    EXPECT_EQ(View().Tool(), nullptr) << "the settings took its action away";
+    EXPECT_TRUE(TemplateShows());
+    switchedOff->setChecked(false);
     Trigger(u"acSetWhitePoint"_s);
     Trigger(u"acCrop"_s);
     EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
