@@ -111,9 +111,9 @@ LevelTable ScaledTable(double factor) {
 
 LevelTable StretchedTable(const LevelCounts& counts) {
     const auto isUsed = [](std::uint64_t count) { return count > 0; };
-    const auto first = std::find_if(counts.begin(), counts.end(), isUsed);
+    const auto* const first = std::find_if(counts.begin(), counts.end(), isUsed);
     const auto last = std::find_if(counts.rbegin(), counts.rend(), isUsed);
-    const double lowest = static_cast<double>(first - counts.begin());
+    const auto lowest = static_cast<double>(first - counts.begin());
     const double highest = HighestLevel - static_cast<double>(last - counts.rbegin());
     if (lowest >= highest) {
         return MakeTable([](double level) { return level; });

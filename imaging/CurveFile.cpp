@@ -20,10 +20,10 @@ constexpr Word WrittenCurveCount = 5;
 constexpr Word MostPointsOfCurve = 256;
 constexpr Word HighestLevel = 255;
 /// Far more than any preset takes.
-constexpr qint64 LargestFile = 64 * 1024;
+constexpr qint64 LargestFile = qint64{64} * 1024;
 
-CurveFileError DamagedError(const QString& path, const QString& reason) {
-    return CurveFileError(
+[[noreturn]] void ThrowDamaged(const QString& path, const QString& reason) {
+    throw CurveFileError(
         u"Die Kurvenvorlage „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason));
 }
 
@@ -40,17 +40,17 @@ CurveFileError DamagedError(const QString& path, const QString& reason) {
 /// The stored words of one preset file. Throws OutOfBytes where they end early.
 class CurveReader {
  public:
-    CurveReader(const QString& path, QByteArrayView bytes)
-        : path_(path), reader_(bytes, ByteOrder::BigEndian) {}
+    CurveReader(QString path, QByteArrayView bytes)
+        : path_(std::move(path)), reader_(bytes, ByteOrder::BigEndian) {}
 
     CurveSet Read() {
         const Word version = reader_.Read<Word>();
         if (version != WrittenVersion && version != OlderVersion) {
-            throw DamagedError(path_, u"Sie ist keine Kurvenvorlage der Version 1 oder 4"_s);
+            ThrowDamaged(path_, u"Sie ist keine Kurvenvorlage der Version 1 oder 4"_s);
         }
         const Word count = reader_.Read<Word>();
         if (count == 0) {
-            throw DamagedError(path_, u"Sie enthält keine Kurve"_s);
+            ThrowDamaged(path_, u"Sie enthält keine Kurve"_s);
         }
         CurveSet set;
         for (size_t i = 0; i < count; ++i) {
@@ -68,14 +68,14 @@ class CurveReader {
     std::vector<CurvePoint> ReadPoints() {
         const Word count = reader_.Read<Word>();
         if (count > MostPointsOfCurve) {
-            throw DamagedError(path_, u"Eine Kurve hätte %1 Punkte"_s.arg(count));
+            ThrowDamaged(path_, u"Eine Kurve hätte %1 Punkte"_s.arg(count));
         }
         std::vector<CurvePoint> points;
         for (Word i = 0; i < count; ++i) {
             const Word output = reader_.Read<Word>();
             const Word input = reader_.Read<Word>();
             if (output > HighestLevel || input > HighestLevel) {
-                throw DamagedError(
+                ThrowDamaged(
                     path_,
                     u"Der Punkt %1, %2 liegt außerhalb von 0 bis 255"_s.arg(input).arg(output));
             }
@@ -108,7 +108,7 @@ CurveSet ReadCurveFile(const QString& path) {
         const QByteArray bytes = platform::ReadWholeFile(path, LargestFile);
         return CurveReader(path, bytes).Read();
     } catch (const OutOfBytes&) {
-        throw DamagedError(path, u"Die Datei ist unvollständig"_s);
+        ThrowDamaged(path, u"Die Datei ist unvollständig"_s);
     } catch (const CurveFileError&) {
         throw;
     } catch (const platform::FileError& error) {

@@ -91,7 +91,7 @@ RotationSampler::Span RotationSampler::ColumnsWithin(double margin, Span columns
         const bool isPossible = margin <= length - margin;
         const bool isWithin = position >= margin && position <= length - margin;
         if (!isPossible || std::abs(step) < 1e-12) {
-            end = isPossible && isWithin ? end : begin;
+            end = isPossible && isWithin ? end : columns.begin;
             return;
         }
         const double one = (margin - position) / step;
@@ -102,7 +102,7 @@ RotationSampler::Span RotationSampler::ColumnsWithin(double margin, Span columns
     narrow(start.x, cosine_, source_.width());
     narrow(start.y, sine_, source_.height());
     begin = std::min<double>(begin, columns.end);
-    return {static_cast<int>(begin), static_cast<int>(std::max(begin, end))};
+    return {static_cast<int>(begin), static_cast<int>(std::clamp<double>(end, begin, columns.end))};
 }
 
 void RotationSampler::Draw(const QRect& part, uchar* bits, qsizetype bytesPerLine) const {
@@ -150,8 +150,8 @@ void RotationSampler::DrawInside(Span columns, int y, QRgb* row) const {
         const uchar* pixels = bits + ((sourceY >> FractionBits) - 1) * bytesPerLine +
                               ((sourceX >> FractionBits) - 1) * qsizetype{sizeof(QRgb)};
         cv::v_float32x4 sum = cv::v_setzero_f32();
-        for (size_t tap = 0; tap < down.weights.size(); ++tap) {
-            sum += MixedRow(pixels, left, right) * cv::v_setall_f32(down.weights[tap]);
+        for (const float weight : down.weights) {
+            sum += MixedRow(pixels, left, right) * cv::v_setall_f32(weight);
             pixels += bytesPerLine;
         }
         const QRgb pixel = ToPixel(sum * scale);
@@ -170,8 +170,8 @@ double RotationSampler::PartBeyond(double distance) const {
     const double far = std::abs(distance);
     // Of the half that the line is nearer to: a corner of the pixel at most, or its middle strip.
     const double corner = std::max(reach - far, 0.0);
-    const double part = far >= reach - shorter ? corner * corner / (2 * longer * shorter)
-                                               : 0.5 - far / longer;
+    const double part =
+        far >= reach - shorter ? corner * corner / (2 * longer * shorter) : 0.5 - far / longer;
     return distance < 0 ? part : 1 - part;
 }
 

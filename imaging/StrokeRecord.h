@@ -38,9 +38,11 @@ class StrokeRecord {
     static int RunLength(int x, int count);
 
  private:
+    static constexpr size_t PixelCount = size_t{BlockLength} * BlockLength;
+
     struct Block {
-        std::array<QRgb, BlockLength * BlockLength> original;
-        std::array<std::uint8_t, BlockLength * BlockLength> coverage;
+        std::array<QRgb, PixelCount> original;
+        std::array<std::uint8_t, PixelCount> coverage;
     };
 
     size_t BlockIndex(int x, int y) const;
