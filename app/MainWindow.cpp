@@ -175,11 +175,6 @@ void TmainFm::ConnectActions() {
         });
     }
 
-    // Those that stand only in a menu would have no shortcut.
-    for (const ActionDefinition& definition : ActionDefinitions()) {
-        addAction(actions_[QString::fromUtf16(definition.name)]);
-    }
-
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
