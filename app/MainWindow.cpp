@@ -9,9 +9,12 @@
 #include <QScreen>
 
 #include "app/ArchiveActions.h"
+#include "app/ColourTools.h"
 #include "app/PrintFlow.h"
+#include "app/RetouchTool.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
+#include "controls/StatusPanels.h"
 #include "controls/WaitCursor.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
@@ -19,6 +22,8 @@
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"
+#include "dialogs/RgbCurves.h"
+#include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
 #include "imaging/view/ImageView.h"
@@ -94,6 +99,7 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 
 void TmainFm::CreateReusedWindows() {
     printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
+    rotateDialog_ = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
     tagEditor_ = new dialogs::TfmImageTagEdit(this);
@@ -108,10 +114,13 @@ void TmainFm::CreateReusedWindows() {
         .print = [this] { acPrintImageExecute(); },
         .layoutIndex = [this] { return pictureCount_->currentIndex(); },
         .photoReplaced = [this](bool created) { ArchivePhotoReplaced(created); }});
+    curveDialog_ = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 }
 
 void TmainFm::FormDestroy() {
     platform::WriteRegistryInteger(CountValue, dbCount_);
+    colourTools_.reset();
+    retouchTool_.reset();
     // The dialogs and the view may still ask the data module while they go.
     delete archiveWindow_;
     delete templateChooser_;
@@ -167,18 +176,42 @@ void TmainFm::ConnectActions() {
     Connect(u"acSearchArchiv"_s, &TmainFm::acSearchArchivExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
-    for (const QString& name : {u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
-                                u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
-        connect(actions_[name], &QAction::triggered, this, [this, name] {
-            actions_.SetChecked(name, false);
-            ReportUnavailable(name);
-        });
-    }
+    ConnectTools();
 
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
+}
+
+void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) {
+    connect(actions_[action], &QAction::triggered, this, [this, handler = std::move(handler)] {
+        controls::Guarded(this, handler);
+        UpdateActions();
+    });
+}
+
+void TmainFm::ConnectTools() {
+    const ToolSurroundings surroundings{
+        .actions = actions_,
+        .view = *view_,
+        .statusBar = *statusPanels_,
+        .showTemplateLayer = [this](bool show) { ShowTemplateLayer(show); },
+        .zoomFit = [this] { acZoomFitExecute(); },
+        .zoomFull = [this] { acZoomFullExecute(); }};
+    colourTools_ = std::make_unique<ColourTools>(surroundings);
+    retouchTool_ = std::make_unique<RetouchTool>(surroundings);
+    Connect(u"acRotateDlg"_s, &TmainFm::acRotateDlgExecute);
+    ConnectTool(u"acSetWhitePoint"_s, [this] { colourTools_->acSetWhitePointExecute(); });
+    ConnectTool(u"acGradation"_s, [this] { colourTools_->acGradationExecute(*curveDialog_); });
+    ConnectTool(u"acSchwarzweiss"_s, [this] { colourTools_->acSchwarzweissExecute(); });
+    ConnectTool(u"acColorConfig"_s, [this] { colourTools_->acColorConfigExecute(); });
+    ConnectTool(u"acBeauty"_s, [this] { retouchTool_->acBeautyExecute(); });
+}
+
+void TmainFm::LeaveToolModes() {
+    colourTools_->LeaveMode();
+    retouchTool_->LeaveMode();
 }
 
 void TmainFm::UpdateActions() {
@@ -214,10 +247,8 @@ void TmainFm::acSearchArchivExecute() {
 void TmainFm::ArchivePhotoReplaced(bool created) {
     imageLoaded_ = created;
     sheetCreated_ = created;
-    // No tool goes on over a sheet.
-    for (const QString& tool : {u"acSetWhitePoint"_s, u"acShowLayer"_s, u"acBeauty"_s}) {
-        actions_.SetChecked(tool, false);
-    }
+    LeaveToolModes();
+    actions_.SetChecked(u"acShowLayer"_s, false);
     view_->setVisible(created);
     emptyState_->setVisible(!created);
     view_->SetInteraction(
@@ -249,12 +280,6 @@ void TmainFm::acShowConfigExecute() {
 
 void TmainFm::acCloseExecute() {
     close();
-}
-
-/// For the actions that this version shows without having them yet.
-void TmainFm::ReportUnavailable(const QString& action) {
-    ShowMessage(
-        u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
 }
 
 }  // namespace kadrona::app

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/MainActions.h"
+#include "controls/WaitCursor.h"
 #include "core/Data.h"
 #include "core/UserInterface.h"
 
@@ -23,6 +26,8 @@ class TSchabloneFm;
 class TfmAbout;
 class TfmImageTagEdit;
 class TfmImgSearch;
+class TfmRGBKurve;
+class TfmRotateDlg;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -32,7 +37,9 @@ class ImageView;
 namespace kadrona::app {
 
 class ArchiveActions;
+class ColourTools;
 class PrintFlow;
+class RetouchTool;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
@@ -69,6 +76,8 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void RestoreRectangle();
     void ConnectActions();
     void Connect(const QString& action, Handler handler);
+    void ConnectTools();
+    void ConnectTool(const QString& action, std::function<void()> handler);
     void UpdateActions();
     void ShowMessage(const QString& text) override;
     std::optional<QStringList> EditTags() override;
@@ -96,7 +105,11 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acUndoExecute();
     void acRotateLeftExecute();
     void acRotateRightExecute();
+    void acRotateDlgExecute();
+    std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
     void QuarterTurn(int degrees);
+    /// Ends the modes that the mouse is in, as before another photo.
+    void LeaveToolModes();
     void RotatePhoto(int degrees);
     void KeepTemplateOnPhoto();
     void ViewLayerNotify(int layer);
@@ -126,7 +139,6 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acAboutExecute();
     void acShowConfigExecute();
     void acCloseExecute();
-    void ReportUnavailable(const QString& action);
 
     int dbCount_ = 0;
     bool imageLoaded_ = false;
@@ -142,6 +154,8 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
+    dialogs::TfmRotateDlg* rotateDialog_ = nullptr;
+    dialogs::TfmRGBKurve* curveDialog_ = nullptr;
     dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
     dialogs::TfmImgSearch* archiveWindow_ = nullptr;
     std::unique_ptr<ArchiveActions> archiveActions_;
@@ -151,6 +165,10 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     QWidget* emptyState_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
+    /// While the photo is turned by the angle that the user gave.
+    std::optional<controls::WaitCursor> turning_;
+    std::unique_ptr<ColourTools> colourTools_;
+    std::unique_ptr<RetouchTool> retouchTool_;
 };
 
 }  // namespace kadrona::app

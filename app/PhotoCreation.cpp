@@ -19,6 +19,7 @@ void TmainFm::acCropExecute() {
     if (actions_.IsChecked(u"acBeauty"_s) || image.LayerCount() < 2) {
         return;
     }
+    LeaveToolModes();
     image.SetCurrentLayer(0);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         ShowMessage(core::TooBrightWarning);

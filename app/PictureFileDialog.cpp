@@ -3,7 +3,9 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QStandardPaths>
+#include <QTreeView>
 
 #include "controls/MessageBoxes.h"
 #include "core/FileDialogs.h"
@@ -78,6 +80,17 @@ class SaveFileDialog : public QFileDialog {
     QString path_;
 };
 
+/// What both dialogs have in common.
+void Prepare(QFileDialog& window, const QString& objectName, const QString& filter) {
+    window.resize(DialogSize);
+    window.setObjectName(objectName);
+    window.setNameFilters(NameFilters(filter));
+    if (const auto* list = window.findChild<QTreeView*>(u"treeView"_s)) {
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
 }  // namespace
 
 QStringList NameFilters(const QString& pipeSeparated) {
@@ -92,10 +105,8 @@ QStringList NameFilters(const QString& pipeSeparated) {
 
 std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& dialog) {
     QFileDialog window(parent, u"Bild öffnen"_s, StartFolder(dialog.initialFolder));
-    window.resize(DialogSize);
-    window.setObjectName(u"OpenDialog"_s);
     window.setFileMode(QFileDialog::ExistingFile);
-    window.setNameFilters(NameFilters(dialog.filter));
+    Prepare(window, u"OpenDialog"_s, dialog.filter);
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) {
         return std::nullopt;
     }
@@ -105,13 +116,11 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
 std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog,
                                       QString& nameFilter) {
     SaveFileDialog window(parent, dialog.title, StartFolder(dialog.initialFolder));
-    window.resize(DialogSize);
-    window.setObjectName(u"SaveDialog"_s);
     window.setAcceptMode(QFileDialog::AcceptSave);
     // A desktop's own dialog asks about replacing before the extension is appended, if at all.
     window.setOption(QFileDialog::DontUseNativeDialog);
     window.setFileMode(QFileDialog::AnyFile);
-    window.setNameFilters(NameFilters(dialog.filter));
+    Prepare(window, u"SaveDialog"_s, dialog.filter);
     window.setDefaultSuffix(dialog.defaultExtension);
     if (!nameFilter.isEmpty()) {
         window.ChooseFilter(nameFilter);

@@ -33,6 +33,7 @@ class ConsoleInterface : public core::UserInterface {
         return std::nullopt;
     }
     std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }
+    std::optional<double> AskForRotation(const imaging::Pixels&) override { return std::nullopt; }
 
  private:
     QTextStream& errors_;

@@ -13,6 +13,23 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
+/// Lets the box break a word that is longer than a line, as a path may be, and would be cut off.
+QString WithBreaks(const QString& text) {
+    constexpr int LongestPiece = 60;
+    constexpr QChar ZeroWidthSpace(0x200b);
+    QString broken;
+    int length = 0;
+    for (const QChar character : text) {
+        length = character.isSpace() ? 0 : length + 1;
+        if (length > LongestPiece && !character.isLowSurrogate()) {
+            broken += ZeroWidthSpace;
+            length = 1;
+        }
+        broken += character;
+    }
+    return broken;
+}
+
 // `symbol` is the end of an icon's name: message-information, -question, -warning or -error.
 void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
     constexpr QSize SymbolSize(40, 40);
@@ -22,7 +39,7 @@ void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
                           .pixmap(SymbolSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    box.setText(text);
+    box.setText(WithBreaks(text));
 }
 
 QPushButton* AddButton(QMessageBox& box, const QString& caption, QMessageBox::ButtonRole role,

@@ -25,30 +25,26 @@ bool IsLatin1(QByteArrayView text) {
                        [](char byte) { return static_cast<uchar>(byte) <= 0xc3; });
 }
 
-/// Folds a character of two bytes below U+0100, in place. No folded form is longer.
-void FoldLatin1(char* character) {
-    const int code = (static_cast<uchar>(character[0]) & 3) << 6 | (character[1] & 0x3f);
-    if (code >= 0xc0 && code <= 0xde && code != 0xd7) {
-        character[1] = static_cast<char>(character[1] + 0x20);
-    } else if (code == 0xdf) {  // sharp s
-        character[0] = character[1] = 's';
-    } else if (code == 0xb5) {  // the micro sign is a small Greek mu
-        character[0] = '\xce';
-        character[1] = '\xbc';
-    }
-}
-
-/// Writes the folded form of such text, which is no longer, and returns its end.
-char* FoldLatin1(QByteArrayView text, char* out) {
-    const char* const end = text.end();
-    for (const char* at = text.begin(); at < end; ++at) {
-        *out++ = *at >= 'A' && *at <= 'Z' ? static_cast<char>(*at + 0x20) : *at;
-        if (static_cast<uchar>(*at) >= 0x80 && at + 1 < end) {
-            *out++ = *++at;
-            FoldLatin1(out - 2);
+/// Folds such text in place: no folded form is longer or shorter.
+void FoldLatin1(char* begin, const char* end) {
+    for (char* at = begin; at < end; ++at) {
+        if (*at >= 'A' && *at <= 'Z') {
+            *at = static_cast<char>(*at + 0x20);
         }
+        if (static_cast<uchar>(*at) < 0x80 || at + 1 == end) {
+            continue;
+        }
+        const int code = (static_cast<uchar>(at[0]) & 3) << 6 | (at[1] & 0x3f);
+        if (code >= 0xc0 && code <= 0xde && code != 0xd7) {
+            at[1] = static_cast<char>(at[1] + 0x20);
+        } else if (code == 0xdf) {  // sharp s
+            at[0] = at[1] = 's';
+        } else if (code == 0xb5) {  // the micro sign is a small Greek mu
+            at[0] = '\xce';
+            at[1] = '\xbc';
+        }
+        ++at;
     }
-    return out;
 }
 
 /// Drops the blanks at the beginning and makes one of each other run; returns the new end.
@@ -68,15 +64,13 @@ char* JoinBlanks(char* begin, const char* end) {
 
 void AppendFolded(QByteArray& folded, QByteArrayView text) {
     const qsizetype before = folded.size();
-    if (IsLatin1(text)) {
-        folded.resize(before + text.size());
-        char* const begin = folded.data() + before;
-        folded.resize(JoinBlanks(begin, FoldLatin1(text, begin)) - folded.constData());
-    } else {
-        folded.append(FoldedByUnicode(text));
-        char* const begin = folded.data() + before;
-        folded.resize(JoinBlanks(begin, folded.constEnd()) - folded.constData());
+    const bool latin1 = IsLatin1(text);
+    folded.append(latin1 ? text : FoldedByUnicode(text));
+    char* const begin = folded.data() + before;
+    if (latin1) {
+        FoldLatin1(begin, folded.constEnd());
     }
+    folded.resize(JoinBlanks(begin, folded.constEnd()) - folded.constData());
 }
 
 ArchiveSearch::ArchiveSearch(const QString& text) {

@@ -92,6 +92,10 @@ class TData {
     void CropImage(imaging::ImageDisplay& view, int layoutIndex);
     void TileImage(imaging::ImageDisplay& view, int layoutIndex);
 
+    /// Lets the user level the photo and turns it once, from its own pixels, by that angle; what
+    /// it uncovers is white. Cancelled, the photo stays as it is.
+    void RotateImage(imaging::ImageDisplay& view);
+
     // Photo profiles
     QStringList GetProfileList() const;
     void LoadProfile(const QString& name, ProfileStore& store) const;

@@ -78,6 +78,8 @@ void TBeforPrintDlgFm::showEvent(QShowEvent* event) {
 
 void TBeforPrintDlgFm::FormShow() {
     lbProfiles_->setFocus();
+    // Else Return would press the button that was pressed last time.
+    btnProfile_->setDefault(true);
     if (settings_.PrintAfterCrop()) {
         lbProfiles_->SelectRow(settings_.PrintProfileBox());
         if (lbProfiles_->SelectedRow() >= 0) {

@@ -36,8 +36,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     lbProfiles_->setMinimumSize(SmallestList);
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil löschen"_s);
-    auto* close = NamedButton(u"btnClose"_s, u"Schließen"_s);
-    close->setDefault(true);
+    btnClose_ = NamedButton(u"btnClose"_s, u"Schließen"_s);
     btnDelProfile_->setEnabled(false);
 
     auto* explanation = new QLabel(
@@ -47,10 +46,11 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     auto* caption = new QLabel(u"Profile"_s);
     caption->setBuddy(lbProfiles_);
     auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(6);
     buttons->addWidget(btnNewProfile_);
     buttons->addWidget(btnDelProfile_);
     buttons->addStretch();
-    buttons->addWidget(close);
+    buttons->addWidget(btnClose_);
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->addWidget(explanation, 0, 0, 1, 2);
@@ -60,7 +60,6 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     layout->setHorizontalSpacing(10);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(2, 1);
-    lbProfiles_->setFocus();
 
     connect(lbProfiles_, &QListWidget::itemSelectionChanged, this,
             [this] { btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0); });
@@ -68,9 +67,16 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
             [this] { controls::Guarded(this, [this] { btnNewProfileClick(); }); });
     connect(btnDelProfile_, &QPushButton::clicked, this,
             [this] { controls::Guarded(this, [this] { btnDelProfileClick(); }); });
-    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    connect(btnClose_, &QPushButton::clicked, this, &QDialog::accept);
     // An index that cannot be read must not keep the program from starting.
     controls::Guarded(parent, [this] { FormCreate(); });
+}
+
+controls::ModalResult TPrintProfilDlg::ShowEx() {
+    // Else both would be with the button that was pressed last time.
+    lbProfiles_->setFocus();
+    btnClose_->setDefault(true);
+    return controls::ShowModal(*this);
 }
 
 void TPrintProfilDlg::FormCreate() {

@@ -29,7 +29,7 @@ class TPrintProfilDlg : public QDialog {
     TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, QWidget* parent = nullptr);
 
     /// Ok or Cancel.
-    controls::ModalResult ShowEx() { return controls::ShowModal(*this); }
+    controls::ModalResult ShowEx();
 
  private:
     void FormCreate();
@@ -42,6 +42,7 @@ class TPrintProfilDlg : public QDialog {
     controls::SelectionList* lbProfiles_;
     QPushButton* btnNewProfile_;
     QPushButton* btnDelProfile_;
+    QPushButton* btnClose_;
 };
 
 }  // namespace kadrona::dialogs

@@ -20,10 +20,10 @@ class WriteError : public platform::FileError {
 QStringList WritableExtensions();
 
 /// Writes a picture in the format that the extension of `path` names (.jpg .jpeg .jp2 .png .bmp
-/// .tif .tiff .pdf), through a temporary file that is renamed when complete. The resolution reads
-/// back as exactly the integer given; JPEG is written at quality 95, 4:4:4. The metadata is written
-/// where the format can hold it. A grid is written row by row and never unrolled. Alpha is laid
-/// over white. Throws WriteError.
+/// .tif .tiff .pdf), through platform::AtomicFile. The resolution reads back as exactly the integer
+/// given; JPEG is written at quality 95, 4:4:4. The metadata is written where the format can hold
+/// it. A grid is written row by row and never unrolled. Alpha is laid over white. Throws
+/// WriteError.
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
                     const ImageMetadata& metadata = {});
 

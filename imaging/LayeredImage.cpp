@@ -90,6 +90,7 @@ void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage&
     }
     photo = Pixels(photo.ToImage());
     history_.EditInPlace(photo, inside, edit);
+    Q_EMIT PhotoEdited(inside);
     Q_EMIT PhotoChanged();
 }
 

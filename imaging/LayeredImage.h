@@ -96,6 +96,8 @@ class LayeredImage : public QObject {
  Q_SIGNALS:
     /// The photo's pixels or size changed.
     void PhotoChanged();
+    /// Comes before PhotoChanged where pixels inside `area` alone were changed in place.
+    void PhotoEdited(const QRect& area);
     /// A layer above the photo, the current layer or a visibility changed.
     void LayersChanged();
 

@@ -29,6 +29,12 @@ Queue RequiredQueue(Connection& connection, const QByteArray& name) {
     return *std::move(queue);
 }
 
+ServiceFailure Rejection(const Queue& queue) {
+    const QString remark = queue.stateMessage.isEmpty() ? QString() : u": "_s + queue.stateMessage;
+    return ServiceFailure(u"Der Drucker nimmt zurzeit keine Aufträge an%1."_s.arg(remark),
+                          IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS);
+}
+
 }  // namespace
 
 CupsPrinterLayer::CupsPrinterLayer(QString server, std::chrono::milliseconds timeout)
@@ -101,10 +107,7 @@ void CupsPrinterLayer::Print(const PrintImage& image) {
         Connection connection({server_, timeout_});
         const Queue queue = RequiredQueue(connection, name);
         if (!queue.acceptsJobs) {
-            throw ServiceFailure(
-                u"Der Drucker nimmt zurzeit keine Aufträge an%1."_s.arg(
-                    queue.stateMessage.isEmpty() ? QString() : u": "_s + queue.stateMessage),
-                IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS);
+            throw Rejection(queue);
         }
         SendJob(connection, queue, Driver::OfQueue(connection, queue),
                 DeviceMode(choice.deviceMode), image);

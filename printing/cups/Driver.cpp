@@ -5,6 +5,7 @@
 #include <QTemporaryFile>
 #include <algorithm>
 
+#include "printing/cups/GermanTexts.h"
 #include "printing/cups/OptionTexts.h"
 
 // The description is the only source that has every option of a driver. Its functions are marked as
@@ -20,31 +21,18 @@ namespace {
 /// Repeats the paper for drivers of old printers; the print service sets it by itself.
 constexpr const char* PaperAgain = "PageRegion";
 
-/// The driver's own German words; empty where it has none.
-QString GermanText(ppd_file_t* description, const QByteArray& keyword, const char* specifier) {
-    for (const char* language : {"de.", "de_DE."}) {
-        const ppd_attr_t* found =
-            ppdFindAttr(description, (language + keyword).constData(), specifier);
-        if (found != nullptr && found->text[0] != '\0') {
-            return QString::fromUtf8(found->text);
-        }
-    }
-    return {};
-}
-
-QString Label(ppd_file_t* description, const QByteArray& keyword, const char* specifier,
-              const char* ownText) {
-    const QString german = GermanText(description, keyword, specifier);
+/// The driver's German text, else this program's for the driver's own text, else that or the name.
+QString Label(const QString& german, const char* ownText, const char* name) {
     if (!german.isEmpty()) {
         return german;
     }
     const QString own = QString::fromUtf8(ownText).trimmed();
-    return own.isEmpty() ? QString::fromUtf8(specifier) : InGerman(own);
+    return own.isEmpty() ? QString::fromUtf8(name) : InGerman(own);
 }
 
-DriverOption OptionOf(ppd_file_t* description, const ppd_option_t& read) {
+DriverOption OptionOf(const GermanTexts& texts, const ppd_option_t& read) {
     DriverOption option{read.keyword,
-                        Label(description, "Translation", read.keyword, read.text),
+                        Label(texts.OfOption(read.keyword), read.text, read.keyword),
                         {},
                         read.defchoice};
     for (int i = 0; i < read.num_choices; ++i) {
@@ -52,7 +40,8 @@ DriverOption OptionOf(ppd_file_t* description, const ppd_option_t& read) {
         // What needs numbers beside it cannot be chosen from a list.
         if (qstrcmp(choice.choice, "Custom") != 0) {
             option.choices.push_back(
-                {choice.choice, Label(description, read.keyword, choice.choice, choice.text)});
+                {choice.choice,
+                 Label(texts.OfChoice(read.keyword, choice.choice), choice.text, choice.choice)});
         }
     }
     if (!option.Offers(option.standard) && !option.choices.empty()) {
@@ -61,18 +50,18 @@ DriverOption OptionOf(ppd_file_t* description, const ppd_option_t& read) {
     return option;
 }
 
-void CollectOptions(ppd_file_t* description, const ppd_group_t& group,
+void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
                     std::vector<DriverOption>& options) {
     for (int i = 0; i < group.num_options; ++i) {
         if (qstrcmp(group.options[i].keyword, PaperAgain) != 0) {
-            DriverOption option = OptionOf(description, group.options[i]);
+            DriverOption option = OptionOf(texts, group.options[i]);
             if (!option.choices.empty()) {
                 options.push_back(std::move(option));
             }
         }
     }
     for (int i = 0; i < group.num_subgroups; ++i) {
-        CollectOptions(description, group.subgroups[i], options);
+        CollectOptions(texts, group.subgroups[i], options);
     }
 }
 
@@ -122,15 +111,15 @@ Driver::Driver(const QString& descriptionFile)
     if (!description_) {
         throw ServiceFailure(u"Die Beschreibung des Druckertreibers ist beschädigt."_s);
     }
-    ReadOptions();
+    ReadOptions(GermanTexts(descriptionFile));
     ReadPapers();
 }
 
-void Driver::ReadOptions() {
+void Driver::ReadOptions(const GermanTexts& texts) {
     for (int i = 0; i < description_->num_groups; ++i) {
         // What is built into the printer is the administrator's matter.
         if (qstrcmp(description_->groups[i].name, "InstallableOptions") != 0) {
-            CollectOptions(description_.get(), description_->groups[i], options_);
+            CollectOptions(texts, description_->groups[i], options_);
         }
     }
 }
@@ -148,7 +137,7 @@ void Driver::ReadPapers() {
     }
 }
 
-const DriverOption* Driver::Find(std::initializer_list<const char*> keywords) const {
+const DriverOption* Driver::Find(const std::vector<const char*>& keywords) const {
     for (const char* keyword : keywords) {
         const auto found =
             std::find_if(options_.begin(), options_.end(),

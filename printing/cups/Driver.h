@@ -17,6 +17,8 @@ struct ppd_file_s;
 
 namespace kadrona::printing::cups {
 
+class GermanTexts;
+
 struct DriverChoice {
     QByteArray name;
     QString label;
@@ -61,7 +63,7 @@ class Driver {
 
     const std::vector<DriverOption>& Options() const { return options_; }
     /// The first of several keywords that the driver has an option for; null for none.
-    const DriverOption* Find(std::initializer_list<const char*> keywords) const;
+    const DriverOption* Find(const std::vector<const char*>& keywords) const;
 
     const std::vector<Paper>& Papers() const { return papers_; }
     /// Also of a size given in numbers ("Custom.100x150mm") where the driver allows it.
@@ -83,7 +85,7 @@ class Driver {
         void operator()(ppd_file_s* description) const;
     };
 
-    void ReadOptions();
+    void ReadOptions(const GermanTexts& texts);
     void ReadPapers();
 
     std::unique_ptr<ppd_file_s, Closer> description_;

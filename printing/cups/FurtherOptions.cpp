@@ -21,18 +21,17 @@ FurtherOptions::FurtherOptions(QWidget* parent)
     area_->setObjectName(u"FurtherOptionsArea"_s);
     area_->setWidgetResizable(true);
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area_->setMinimumHeight(150);
     area_->hide();
     connect(button_, &QToolButton::toggled, this, [this](bool open) {
         button_->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
         area_->setVisible(open);
-        Q_EMIT Toggled(open);
+        Q_EMIT Toggled();
     });
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(button_);
-    layout->addWidget(area_, 1);
+    layout->addWidget(area_);
 }
 
 void FurtherOptions::ShowMode(const Driver& driver, DeviceMode& mode,
@@ -54,6 +53,8 @@ void FurtherOptions::ShowMode(const Driver& driver, DeviceMode& mode,
             Q_EMIT ModeChanged();
         });
     }
+    constexpr int MostHeight = 190;
+    area_->setFixedHeight(qMin(form->sizeHint().height() + 2 * area_->frameWidth(), MostHeight));
     button_->setText(u"Weitere Einstellungen des Treibers (%1)"_s.arg(form->rowCount()));
     setVisible(form->rowCount() > 0);
     area_->setWidget(list);  // the one before it is deleted

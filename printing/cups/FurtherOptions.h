@@ -6,7 +6,6 @@
 #include "printing/cups/DeviceMode.h"
 #include "printing/cups/Driver.h"
 
-class QFormLayout;
 class QScrollArea;
 class QToolButton;
 
@@ -29,7 +28,7 @@ class FurtherOptions : public QWidget {
     /// The user changed the mode.
     void ModeChanged();
     /// The list was opened or closed.
-    void Toggled(bool open);
+    void Toggled();
 
  private:
     QToolButton* button_;

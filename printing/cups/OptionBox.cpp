@@ -4,6 +4,13 @@
 
 namespace kadrona::printing::cups {
 
+OptionBox::OptionBox(QWidget* parent) : QComboBox(parent) {
+    // Some drivers' texts are longer than any window is wide.
+    constexpr int ShownCharacters = 12;
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(ShownCharacters);
+}
+
 void OptionBox::ShowOption(const DriverOption& option, const DeviceMode& mode) {
     keyword_ = option.keyword;
     clear();

@@ -11,7 +11,7 @@ class OptionBox : public QComboBox {
     Q_OBJECT
 
  public:
-    using QComboBox::QComboBox;
+    explicit OptionBox(QWidget* parent = nullptr);
 
     /// Shows the option's choices, with what `mode` has for it, or where that is no choice of the
     /// driver its own.

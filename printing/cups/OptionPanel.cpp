@@ -38,7 +38,8 @@ OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayo
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     paperBox_ = AddPaperRows(*form_);
     AddOrientationRow(*form_);
-    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s, {"InputSlot", "ManualFeed"});
+    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s,
+                 {"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"});
     AddOptionRow(*form_, u"Papierart"_s, u"MediaTypeBox"_s,
                  {"MediaType", "EPIJ_Medi", "CNMediaType"});
     AddOptionRow(*form_, u"Qualität"_s, u"QualityBox"_s,
@@ -68,7 +69,7 @@ QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
 }
 
 void OptionPanel::AddOptionRow(QFormLayout& form, const QString& caption, const QString& name,
-                               std::initializer_list<const char*> keywords) {
+                               const std::vector<const char*>& keywords) {
     auto* box = new OptionBox;
     box->setObjectName(name);
     form.addRow(caption, box);

@@ -34,12 +34,12 @@ class OptionPanel : public QWidget {
  private:
     struct Field {
         OptionBox* box;
-        std::initializer_list<const char*> keywords;
+        std::vector<const char*> keywords;
     };
 
     QComboBox* AddPaperRows(QFormLayout& form);
     void AddOptionRow(QFormLayout& form, const QString& caption, const QString& name,
-                      std::initializer_list<const char*> keywords);
+                      const std::vector<const char*>& keywords);
     void AddOrientationRow(QFormLayout& form);
     void AddCopiesRow(QFormLayout& form);
     void ShowPapers();

@@ -38,6 +38,18 @@ QString WithoutPassword(const QString& uri) {
     return url.userInfo().isEmpty() ? uri : url.toString(QUrl::RemoveUserInfo);
 }
 
+/// What somebody wrote about the state, without a full stop. The service's own English words say
+/// nothing that StateText does not.
+QString Remark(QString message) {
+    if (message == u"Rejecting Jobs"_s || message == u"Paused"_s) {
+        return {};
+    }
+    while (message.endsWith(u'.')) {
+        message.chop(1);
+    }
+    return message;
+}
+
 void ReadState(Queue& queue, ipp_attribute_t* state) {
     queue.isPaused = ippGetInteger(state, 0) == IPP_PSTATE_STOPPED;
     queue.isPrinting = ippGetInteger(state, 0) == IPP_PSTATE_PROCESSING;
@@ -60,7 +72,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     } else if (name == "printer-state") {
         ReadState(queue, attribute);
     } else if (name == "printer-state-message") {
-        queue.stateMessage = Text(attribute);
+        queue.stateMessage = Remark(Text(attribute));
     } else if (name == "printer-state-reasons") {
         for (int i = 0; i < ippGetCount(attribute); ++i) {
             queue.stateReasons.emplace_back(ippGetString(attribute, i, nullptr));

@@ -21,8 +21,10 @@ struct Queue {
     bool isPaused = false;
     bool isPrinting = false;
     bool acceptsJobs = true;
-    /// The service's own words about the state, and its keywords (RFC 8011, 5.4.12).
+    /// What the administrator or the driver says about the state, without a full stop; may be
+    /// empty.
     QString stateMessage;
+    /// Keywords of RFC 8011, 5.4.12.
     std::vector<QByteArray> stateReasons;
     int copies = 1;
 

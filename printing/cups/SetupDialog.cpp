@@ -5,10 +5,11 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QStringList>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 
 #include "printing/cups/FurtherOptions.h"
 #include "printing/cups/OptionPanel.h"
@@ -19,6 +20,8 @@ using namespace Qt::StringLiterals;
 namespace kadrona::printing::cups {
 
 namespace {
+
+constexpr QSize LeastSize(760, 590);
 
 template <typename Control>
 Control* Named(Control* control, const QString& name) {
@@ -46,7 +49,7 @@ SetupDialog::SetupDialog(std::vector<Queue> queues, DriverSource drivers,
     layout->setSpacing(12);
     layout->addLayout(columns, 1);
     layout->addWidget(BuildButtons());
-    resize(sizeHint().expandedTo({760, 520}));
+    resize(sizeHint().expandedTo(LeastSize));
     Preselect(current);
     connect(queueList_, &QListWidget::currentRowChanged, this, &SetupDialog::ShowQueue);
     ShowQueue();
@@ -81,9 +84,7 @@ QWidget* SetupDialog::BuildOptions() {
     queueDetails_->setWordWrap(true);
     panel_ = new OptionPanel;
     further_ = new FurtherOptions;
-    note_ = Named(new QLabel, u"NoteLabel"_s);
-    note_->setWordWrap(true);
-    for (QLabel* label : {queueName_, queueDetails_, note_}) {
+    for (QLabel* label : {queueName_, queueDetails_}) {
         label->setTextFormat(Qt::PlainText);
     }
     connect(panel_, &OptionPanel::ModeChanged, this, &SetupDialog::ShowConflicts);
@@ -97,10 +98,31 @@ QWidget* SetupDialog::BuildOptions() {
     layout->addWidget(queueDetails_);
     layout->addSpacing(8);
     layout->addWidget(panel_);
-    layout->addWidget(further_, 1);
-    layout->addWidget(note_);
+    layout->addWidget(further_);
+    layout->addWidget(BuildNote());
     layout->addStretch();
     return options;
+}
+
+QWidget* SetupDialog::BuildNote() {
+    note_ = Named(new QLabel, u"NoteLabel"_s);
+    note_->setWordWrap(true);
+    note_->setTextFormat(Qt::PlainText);
+    auto* icon = new QLabel;
+    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    noteRow_ = new QWidget;
+    auto* layout = new QHBoxLayout(noteRow_);
+    layout->setContentsMargins({});
+    layout->addWidget(icon, 0, Qt::AlignTop);
+    layout->addWidget(note_, 1);
+    return noteRow_;
+}
+
+void SetupDialog::ShowNote(const QString& text) {
+    note_->setText(text);
+    noteRow_->setVisible(!text.isEmpty());
+    MakeRoom();
 }
 
 QWidget* SetupDialog::BuildButtons() {
@@ -162,8 +184,7 @@ void SetupDialog::ShowQueue() {
     } catch (const platform::Error& error) {
         panel_->hide();
         further_->hide();
-        note_->setText(error.Text());
-        note_->show();
+        ShowNote(error.Text());
         ok_->setEnabled(false);
     }
 }
@@ -194,15 +215,16 @@ void SetupDialog::ShowOptions() {
 
 void SetupDialog::ShowConflicts() {
     const QStringList names = driver_.Conflicts(modes_[ChosenQueue().name]);
-    note_->setVisible(!names.isEmpty());
-    note_->setText(
-        u"Diese Einstellungen schließen einander aus: %1. Der Drucker wird eine davon nicht befolgen."_s
-            .arg(names.join(u", "_s)));
+    ShowNote(
+        names.isEmpty()
+            ? QString()
+            : u"Diese Einstellungen schließen einander aus: %1. Der Drucker wird eine davon nicht befolgen."_s
+                  .arg(names.join(u", "_s)));
 }
 
-void SetupDialog::MakeRoom(bool furtherOptionsOpen) {
-    constexpr int Room = 180;
-    resize(width(), height() + (furtherOptionsOpen ? Room : -Room));
+void SetupDialog::MakeRoom() {
+    layout()->activate();
+    resize(width(), std::max(sizeHint().height(), height()));
 }
 
 }  // namespace kadrona::printing::cups

@@ -47,6 +47,7 @@ class SetupDialog : public QDialog {
  private:
     QWidget* BuildQueueList();
     QWidget* BuildOptions();
+    QWidget* BuildNote();
     QWidget* BuildButtons();
     void Preselect(const std::optional<PrinterChoice>& current);
     const Queue& ChosenQueue() const;
@@ -54,7 +55,8 @@ class SetupDialog : public QDialog {
     void ShowDetails();
     void ShowOptions();
     void ShowConflicts();
-    void MakeRoom(bool furtherOptionsOpen);
+    void ShowNote(const QString& text);
+    void MakeRoom();
 
     std::vector<Queue> queues_;
     DriverSource drivers_;
@@ -68,6 +70,7 @@ class SetupDialog : public QDialog {
     OptionPanel* panel_;
     FurtherOptions* further_;
     QLabel* note_;
+    QWidget* noteRow_;
     QPushButton* ok_;
 };
 

@@ -124,15 +124,18 @@ TEST_F(KilledSave, LeavesTheOldFileOrTheNewOne) {
             QFile::remove(installation.Path("saved/Bildname.jpg"));
         }
         const QByteArray before = Saved();
-        Save(photos[photo], QRandomGenerator::global()->bounded(duration + duration / 10));
+        Save(photos[photo], QRandomGenerator::global()->bounded(duration));
         const QByteArray after = Saved();
         ++kills;
         ASSERT_TRUE(after == before || after == whole[photo])
             << "kill " << kills << " left " << after.size() << " bytes";
-        replaced += after != before;
+        // Whatever else the machine does, about a third of the kills come after the writing.
+        const bool over = after != before;
+        duration += over ? -duration / 10 : duration / 20;
+        replaced += over;
         leftOver += CountAndRemoveOthers();
     }
-    std::cout << kills << " kills within " << duration / 1000 << " ms: " << replaced
+    std::cout << kills << " kills, at last within " << duration / 1000 << " ms: " << replaced
               << " times the new file, " << leftOver << " times a temporary file\n";
     EXPECT_GT(replaced, 0);
     EXPECT_LT(replaced, kills);

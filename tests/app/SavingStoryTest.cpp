@@ -2,7 +2,10 @@
 
 #include <QFileDialog>
 #include <QImageReader>
+#include <QProcess>
+#include <QStandardPaths>
 
+#include "core/Product.h"
 #include "tests/app/SavingFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -66,6 +69,46 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
     });
     Trigger(u"acSave"_s);
     EXPECT_EQ(SavedFiles(), QStringList({u"bild.tif"_s, u"photo_kdr.jpg"_s}));
+}
+
+TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
+    const auto exiftool = [](const QStringList& arguments) {
+        QProcess process;
+        process.start(u"exiftool"_s, arguments);
+        process.waitForFinished();
+        return QString::fromUtf8(process.readAllStandardOutput());
+    };
+    if (QStandardPaths::findExecutable(u"exiftool"_s).isEmpty()) {
+        GTEST_SKIP() << "exiftool is not installed";
+    }
+    QImage photo(1200, 1600, QImage::Format_RGB32);
+    photo.fill(Qt::gray);
+    ASSERT_TRUE(photo.scaled(160, 120).save(installation.Path("thumbnail.jpg")));
+    ASSERT_TRUE(photo.save(installation.Path("photo.jpg")));
+    const QString changed =
+        exiftool({u"-n"_s, u"-Orientation=6"_s, u"-ExifImageWidth=1200"_s,
+                  u"-ExifImageHeight=1600"_s, u"-XResolution=72"_s, u"-Software=camera"_s,
+                  u"-Model=camera"_s, u"-ThumbnailImage<="_s + installation.Path("thumbnail.jpg"),
+                  installation.Path("photo.jpg")});
+    ASSERT_TRUE(changed.contains(u"1 image files updated"_s)) << changed.toStdString();
+
+    photoName = "photo.jpg";
+    for (const int type : {0, 1}) {  // JPG, JP2
+        MakeSinglePhoto([this, type] {
+            Setting<QAbstractButton>("ScaleImageCk").setChecked(true);
+            Setting<QComboBox>("FileTypCombo").setCurrentIndex(type);
+        });
+        ExpectMessage({u"gespeichert"_s});
+        Trigger(u"acSaveImageFast"_s);
+        const QString file =
+            installation.Path(type == 0 ? "saved/Bildname.jpg" : "saved/Bildname.jp2");
+        const QString said =
+            exiftool({u"-n"_s, u"-T"_s, u"-Orientation"_s, u"-ThumbnailImage"_s, u"-Model"_s,
+                      u"-ImageSize"_s, u"-ExifImageWidth"_s, u"-ExifImageHeight"_s,
+                      u"-IFD0:XResolution"_s, u"-Software"_s, file});
+        EXPECT_EQ(said, u"-\t-\t-\t413 531\t413\t531\t%1\t%2\n"_s.arg(Image().Resolution().value)
+                            .arg(QString::fromLatin1(core::SoftwareText)));
+    }
 }
 
 TEST_F(SavingStory, OnlyTheFileThatIsWrittenIsAskedAbout) {

@@ -43,6 +43,15 @@ TEST(ModalResult, IsOneOfTheFourNumbers) {
     EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.done(static_cast<int>(ModalResult::No)); }), 7);
 }
 
+TEST(ShowError, BreaksALongName) {
+    ModalDriver driver;
+    driver.Expect(Box, [](QWidget& box) {
+        EXPECT_LT(box.width(), 800);
+        box.close();
+    });
+    ShowError(nullptr, u"Die Datei „/%1“ fehlt."_s.arg(QString(300, u'n')));
+}
+
 TEST(AskYesNo, OnlyJaIsYes) {
     ModalDriver driver;
     const auto answer = [] { return AskYesNo(nullptr, u"Wirklich?"_s, Severity::Warning); };

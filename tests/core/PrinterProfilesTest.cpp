@@ -41,6 +41,9 @@ TEST_F(PrinterProfiles, EachProfileHasASectionAtTheEndAndAFileOfItsOwn) {
     }
     named.sort();
     EXPECT_EQ(SettingsFiles(), named);
+    data.DeletePrinterProfile(names[1]);
+    EXPECT_EQ(SettingsFiles().size(), 2);
+    EXPECT_EQ(data.GetPrinterProfileList(), (QStringList{names[0], names[2]}));
 }
 
 TEST_F(PrinterProfiles, LoadingBringsThePrinterWithAllItsOptionsBack) {
@@ -71,15 +74,6 @@ TEST_F(PrinterProfiles, WhatIsMissingOrLeadsElsewhereIsSkipped) {
     EXPECT_TRUE(QFile::exists(installation.Path("precious.txt")));
 }
 
-TEST_F(PrinterProfiles, DeletingTakesTheFileAndLeavesTheOthers) {
-    data.SavePrintProfile(u"A"_s);
-    const QStringList first = SettingsFiles();
-    data.SavePrintProfile(u"B"_s);
-    data.DeletePrinterProfile(u"B"_s);
-    EXPECT_EQ(SettingsFiles(), first);
-    EXPECT_EQ(data.GetPrinterProfileList(), QStringList(u"A"_s));
-}
-
 TEST_F(PrinterProfiles, AFailedSaveLeavesNeitherFileNorSection) {
     data.SavePrintProfile(u"Gut"_s);
     for (const QString& name : {u"Glanz [10x15]"_s, u"  "_s, u"zwei\nZeilen"_s}) {
@@ -103,25 +97,6 @@ TEST_F(PrinterProfiles, AnIndexThatCannotBeWrittenKeepsTheProfileWhole) {
     const printing::PrinterChoice saved = std::exchange(printer.current, {});
     data.LoadPrintProfile(u"A"_s);
     EXPECT_EQ(printer.current, saved);
-}
-
-TEST_F(PrinterProfiles, ADataFolderThatTakesNoFileGivesAnError) {
-    QDir(data.DataFolder()).removeRecursively();
-    installation.Write("common/Kadrona", "in the way");
-    EXPECT_THROW(data.SavePrintProfile(u"A"_s), platform::FileError);
-    EXPECT_THROW(data.SavePrinterProfileToIni(u"A"_s, u"prn1.tmp"_s), platform::FileError);
-}
-
-TEST_F(PrinterProfiles, ADamagedFileOrAPrinterThatIsGoneLeavesTheCurrentOne) {
-    data.SavePrintProfile(u"A"_s);
-    const QString file = data.DataFolder() + u'/' + SettingsFiles().first();
-    printer.current = FakePrinter::Choice("Fotodrucker", "");
-    printer.failure = u"Den Drucker „Laser“ gibt es nicht mehr."_s;
-    EXPECT_THROW(data.LoadPrintProfile(u"A"_s), printing::PrinterError);
-    printer.failure.clear();
-    ASSERT_TRUE(QFile::resize(file, 207));
-    EXPECT_THROW(data.LoadPrintProfile(u"A"_s), platform::FileError);
-    EXPECT_EQ(printer.current.device, u"Fotodrucker"_s);
 }
 
 }  // namespace kadrona::testing
