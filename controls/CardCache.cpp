@@ -12,7 +12,7 @@ namespace {
 /// No card has room for more, and a tip with more cannot be read.
 constexpr qsizetype LongestText = 1000;
 /// A thumbnail that claims to be larger than this is none.
-constexpr int LargestSide = 8192;
+constexpr int LargestSide = 4096;
 
 }  // namespace
 

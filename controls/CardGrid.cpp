@@ -201,6 +201,9 @@ std::optional<int> CardGrid::KeyTarget(const QKeyEvent& event) const {
             return 0;
         case Qt::Key_End:
             return last;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return current_;
         default:
             return std::nullopt;
     }
@@ -208,15 +211,16 @@ std::optional<int> CardGrid::KeyTarget(const QKeyEvent& event) const {
 
 void CardGrid::keyPressEvent(QKeyEvent* event) {
     const auto modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool plain = modifiers == Qt::NoModifier || modifiers == Qt::ControlModifier;
+    const auto target = current_ >= 0 && plain ? KeyTarget(*event) : std::nullopt;
     const bool opens = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (current_ < 0 || (modifiers != Qt::NoModifier && modifiers != Qt::ControlModifier)) {
-        event->ignore();
-    } else if (opens) {
+    event->setAccepted(target.has_value());
+    if (!target) {
+        return;
+    }
+    SetCurrentIndex(*target);
+    if (opens) {
         Q_EMIT CardOpened(*Current());
-    } else if (const auto target = KeyTarget(*event)) {
-        SetCurrentIndex(*target);
-    } else {
-        event->ignore();
     }
 }
 

@@ -85,7 +85,7 @@ void CardPainter::Paint(QPainter& painter, const QRect& area, const LoadedCard* 
     }
 }
 
-void CardPainter::PaintFrame(QPainter& painter, const QRect& area, CardState state) const {
+void CardPainter::PaintFrame(QPainter& painter, const QRect& area, CardState state) {
     const ThemeColors& colors = Colors();
     const double width = state.current ? 2 : 1;
     QColor border = state.hovered ? colors.strongBorder : colors.border;

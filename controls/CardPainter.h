@@ -45,7 +45,7 @@ class CardPainter {
     bool IsCut(const LoadedCard& card, int cardWidth) const;
 
  private:
-    void PaintFrame(QPainter& painter, const QRect& area, CardState state) const;
+    static void PaintFrame(QPainter& painter, const QRect& area, CardState state);
     void PaintContent(QPainter& painter, const QRect& inside, const LoadedCard& card) const;
     void PaintPicture(QPainter& painter, const QRect& box, const LoadedCard& card) const;
     static void PaintFailure(QPainter& painter, const QRect& inside, const LoadedCard& card);

@@ -2,7 +2,9 @@
 
 #include <QAction>
 #include <QLocale>
+#include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "controls/ActionGuard.h"
 #include "controls/CardGrid.h"
@@ -112,12 +114,12 @@ void TfmImgSearch::BuildLayout() {
     layout->addWidget(grid_, 1);
     setMinimumSize(LeastSize);
     const QSize remembered = data_.ReadLayerPosFromIni(LayoutSection).size();
-    resize(remembered.isEmpty() ? DesignedSize : remembered);
+    resize((remembered.isEmpty() ? DesignedSize : remembered).boundedTo(screen()->availableSize()));
 }
 
 controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     archiveFolder_ = archiveFolder;
-    Open();
+    ListAll();
     findPanel_->TakeFocus();
     if (!isMaximized()) {
         CentreOnParent(*this);
@@ -126,7 +128,7 @@ controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
 }
 
 /// All records, read anew: others may have archived meanwhile.
-void TfmImgSearch::Open() {
+void TfmImgSearch::ListAll() {
     core::ArchiveTable* table = data_.Archive();
     if (table == nullptr) {
         throw platform::Error(
@@ -146,6 +148,9 @@ void TfmImgSearch::Open() {
 void TfmImgSearch::Search(const QString& text) {
     using Position = controls::CardGrid::Position;
     grid_->SetCards(data_.Archive()->Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+    // Others may have archived since the window was opened.
+    recordCount_ =
+        text.isEmpty() ? grid_->Cards().size() : std::max(recordCount_, grid_->Cards().size());
     ShowState();
 }
 

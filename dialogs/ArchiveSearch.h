@@ -43,7 +43,7 @@ class TfmImgSearch : public QDialog {
     void BuildActions();
     void BuildLayout();
     QAction* AddAction(const QString& name, const QString& caption, const QString& icon);
-    void Open();
+    void ListAll();
     void Search(const QString& text);
     void ShowState();
     void acEditTagsExecute();

@@ -94,7 +94,6 @@ TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
     Archive("photo.png", std::nullopt);
     Archive("photo.png", u"Anna"_s);
     ASSERT_EQ(data().Archive()->Ids().size(), 3U);
-    const imaging::Pixels sheet = Image().Photo();
 
     Search(u"özdem*"_s, [this](QWidget& shown) {
         AnswerTags(u"Müzeyyen Özdemir\nKöln"_s);
@@ -103,6 +102,10 @@ TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
     });
     Trigger(u"acSearchArchiv"_s);
     EXPECT_EQ(data().Archive()->Read(2)->tags, u"Müzeyyen Özdemir\r\nKöln\r\n"_s);
+
+    const imaging::IptcItems iptc = imaging::ReadImageFile(PhotoOf(2)).iptc;
+    EXPECT_EQ(iptc.Text(iptc.IndexOf(2, 5)), u"Müzeyyen Özdemir"_s);
+    EXPECT_EQ(iptc.Text(iptc.IndexOf(2, 25)), u"Müzeyyen Özdemir,Köln,"_s);
 
     // The archived photo has its border; it is only repeated.
     const QSize single = QImageReader(PhotoOf(2)).size();
