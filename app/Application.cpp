@@ -14,6 +14,7 @@
 #include "controls/Theme.h"
 #include "core/Product.h"
 #include "dialogs/ApplicationIcon.h"
+#include "printing/cups/CupsPrinterLayer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -89,7 +90,9 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
+        printing::cups::CupsPrinterLayer printer;
         TmainFm window;
+        window.Data().SetPrinterLayer(&printer);
         window.CreateReusedWindows();
         window.show();
         if (!photo.isEmpty()) {

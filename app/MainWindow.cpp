@@ -2,17 +2,28 @@
 
 #include "app/MainWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "app/ArchiveActions.h"
+#include "app/ColourTools.h"
+#include "app/PrintFlow.h"
+#include "app/RetouchTool.h"
 #include "controls/ActionGuard.h"
 #include "controls/MessageBoxes.h"
+#include "controls/StatusPanels.h"
+#include "controls/WaitCursor.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
+#include "dialogs/ArchiveSearch.h"
 #include "dialogs/FileNamePrompt.h"
+#include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"
+#include "dialogs/RgbCurves.h"
+#include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
 #include "imaging/view/ImageView.h"
@@ -87,13 +98,31 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
 }
 
 void TmainFm::CreateReusedWindows() {
+    printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
+    rotateDialog_ = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
+    tagEditor_ = new dialogs::TfmImageTagEdit(this);
+    archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor_, this);
+    archiveActions_ = std::make_unique<ArchiveActions>(ArchiveActions::Window{
+        .ui = *this,
+        .data = *data_,
+        .settings = *settings_,
+        .view = *view_,
+        .statusPanels = *statusPanels_,
+        .archive = *archiveWindow_,
+        .print = [this] { acPrintImageExecute(); },
+        .layoutIndex = [this] { return pictureCount_->currentIndex(); },
+        .photoReplaced = [this](bool created) { ArchivePhotoReplaced(created); }});
+    curveDialog_ = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 }
 
 void TmainFm::FormDestroy() {
     platform::WriteRegistryInteger(CountValue, dbCount_);
+    colourTools_.reset();
+    retouchTool_.reset();
     // The dialogs and the view may still ask the data module while they go.
+    delete archiveWindow_;
     delete templateChooser_;
     delete settings_;
     data_.reset();
@@ -141,22 +170,53 @@ void TmainFm::ConnectActions() {
     Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
     Connect(u"acSave"_s, &TmainFm::acSaveExecute);
     Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
+    Connect(u"acPrintImage"_s, &TmainFm::acPrintImageExecute);
+    Connect(u"acPrinSetup"_s, &TmainFm::acPrinSetupExecute);
+    Connect(u"acPrinterProfilDlg"_s, &TmainFm::acPrinterProfilDlgExecute);
+    Connect(u"acSearchArchiv"_s, &TmainFm::acSearchArchivExecute);
     Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
     Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
-    for (const QString& name :
-         {u"acPrintImage"_s, u"acPrinSetup"_s, u"acPrinterProfilDlg"_s, u"acSearchArchiv"_s,
-          u"acRotateDlg"_s, u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
-          u"acColorConfig"_s, u"acBeauty"_s}) {
-        connect(actions_[name], &QAction::triggered, this, [this, name] {
-            actions_.SetChecked(name, false);
-            ReportUnavailable(name);
-        });
+    ConnectTools();
+
+    // Those that stand only in a menu would have no shortcut.
+    for (const ActionDefinition& definition : ActionDefinitions()) {
+        addAction(actions_[QString::fromUtf16(definition.name)]);
     }
 
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
     connect(&view_->Image(), &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
+}
+
+void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) {
+    connect(actions_[action], &QAction::triggered, this, [this, handler = std::move(handler)] {
+        controls::Guarded(this, handler);
+        UpdateActions();
+    });
+}
+
+void TmainFm::ConnectTools() {
+    const ToolSurroundings surroundings{
+        .actions = actions_,
+        .view = *view_,
+        .statusBar = *statusPanels_,
+        .showTemplateLayer = [this](bool show) { ShowTemplateLayer(show); },
+        .zoomFit = [this] { acZoomFitExecute(); },
+        .zoomFull = [this] { acZoomFullExecute(); }};
+    colourTools_ = std::make_unique<ColourTools>(surroundings);
+    retouchTool_ = std::make_unique<RetouchTool>(surroundings);
+    Connect(u"acRotateDlg"_s, &TmainFm::acRotateDlgExecute);
+    ConnectTool(u"acSetWhitePoint"_s, [this] { colourTools_->acSetWhitePointExecute(); });
+    ConnectTool(u"acGradation"_s, [this] { colourTools_->acGradationExecute(*curveDialog_); });
+    ConnectTool(u"acSchwarzweiss"_s, [this] { colourTools_->acSchwarzweissExecute(); });
+    ConnectTool(u"acColorConfig"_s, [this] { colourTools_->acColorConfigExecute(); });
+    ConnectTool(u"acBeauty"_s, [this] { retouchTool_->acBeautyExecute(); });
+}
+
+void TmainFm::LeaveToolModes() {
+    colourTools_->LeaveMode();
+    retouchTool_->LeaveMode();
 }
 
 void TmainFm::UpdateActions() {
@@ -169,13 +229,50 @@ void TmainFm::UpdateActions() {
                     *settings_);
 }
 
+/// Over the window that the user is in: one that is modal would keep a message below it.
 void TmainFm::ShowMessage(const QString& text) {
-    controls::ShowInformation(this, text);
+    const controls::WaitCursorPause pause;
+    QWidget* modal = QApplication::activeModalWidget();
+    controls::ShowInformation(modal != nullptr ? modal : this, text);
 }
 
 std::optional<QStringList> TmainFm::EditTags() {
-    ReportUnavailable(u"acSearchArchiv"_s);
-    return std::nullopt;
+    const controls::WaitCursorPause pause;
+    if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
+        return std::nullopt;
+    }
+    return tagEditor_->Lines();
+}
+
+void TmainFm::acSearchArchivExecute() {
+    archiveActions_->acSearchArchivExecute();
+}
+
+/// The archive put a sheet in the place of the photo, or left nothing there.
+void TmainFm::ArchivePhotoReplaced(bool created) {
+    imageLoaded_ = created;
+    sheetCreated_ = created;
+    LeaveToolModes();
+    actions_.SetChecked(u"acShowLayer"_s, false);
+    view_->setVisible(created);
+    emptyState_->setVisible(!created);
+    view_->SetInteraction(
+        {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
+    acZoomFitExecute();
+    UpdateActions();
+    view_->setFocus();
+}
+
+void TmainFm::acPrintImageExecute() {
+    printFlow_->PrintSheet(view_->Image());
+}
+
+void TmainFm::acPrinSetupExecute() {
+    printFlow_->SetUpPrinter();
+}
+
+void TmainFm::acPrinterProfilDlgExecute() {
+    printFlow_->ShowProfiles();
 }
 
 void TmainFm::acAboutExecute() {
@@ -188,12 +285,6 @@ void TmainFm::acShowConfigExecute() {
 
 void TmainFm::acCloseExecute() {
     close();
-}
-
-/// For the actions that this version shows without having them yet.
-void TmainFm::ReportUnavailable(const QString& action) {
-    ShowMessage(
-        u"„%1“ ist in dieser Fassung noch nicht enthalten."_s.arg(actions_[action]->text()));
 }
 
 }  // namespace kadrona::app

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/MainActions.h"
+#include "controls/WaitCursor.h"
 #include "core/Data.h"
 #include "core/UserInterface.h"
 
@@ -21,6 +24,10 @@ class TFileNameFm;
 class TProfileDlgFM;
 class TSchabloneFm;
 class TfmAbout;
+class TfmImageTagEdit;
+class TfmImgSearch;
+class TfmRGBKurve;
+class TfmRotateDlg;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -28,6 +35,11 @@ class ImageView;
 }
 
 namespace kadrona::app {
+
+class ArchiveActions;
+class ColourTools;
+class PrintFlow;
+class RetouchTool;
 
 /// The one main window: command area, image view, status bar, and what the actions do. Its sources
 /// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
@@ -64,6 +76,8 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void RestoreRectangle();
     void ConnectActions();
     void Connect(const QString& action, Handler handler);
+    void ConnectTools();
+    void ConnectTool(const QString& action, std::function<void()> handler);
     void UpdateActions();
     void ShowMessage(const QString& text) override;
     std::optional<QStringList> EditTags() override;
@@ -91,7 +105,11 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acUndoExecute();
     void acRotateLeftExecute();
     void acRotateRightExecute();
+    void acRotateDlgExecute();
+    std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
     void QuarterTurn(int degrees);
+    /// Ends the modes that the mouse is in, as before another photo.
+    void LeaveToolModes();
     void RotatePhoto(int degrees);
     void KeepTemplateOnPhoto();
     void ViewLayerNotify(int layer);
@@ -108,11 +126,19 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acSaveImageFastExecute();
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
 
+    // Printing (PrintFlow)
+    void acPrintImageExecute();
+    void acPrinSetupExecute();
+    void acPrinterProfilDlgExecute();
+
+    // Archive (ArchiveActions)
+    void acSearchArchivExecute();
+    void ArchivePhotoReplaced(bool created);
+
     // Others
     void acAboutExecute();
     void acShowConfigExecute();
     void acCloseExecute();
-    void ReportUnavailable(const QString& action);
 
     int dbCount_ = 0;
     bool imageLoaded_ = false;
@@ -125,14 +151,24 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TSchabloneFm* templateChooser_ = nullptr;
     dialogs::TProfileDlgFM* profileChooser_ = nullptr;
+    std::unique_ptr<PrintFlow> printFlow_;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
+    dialogs::TfmRotateDlg* rotateDialog_ = nullptr;
+    dialogs::TfmRGBKurve* curveDialog_ = nullptr;
+    dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
+    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
+    std::unique_ptr<ArchiveActions> archiveActions_;
 
     imaging::view::ImageView* view_ = nullptr;
     QWidget* viewPanel_ = nullptr;
     QWidget* emptyState_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
+    /// While the photo is turned by the angle that the user gave.
+    std::optional<controls::WaitCursor> turning_;
+    std::unique_ptr<ColourTools> colourTools_;
+    std::unique_ptr<RetouchTool> retouchTool_;
 };
 
 }  // namespace kadrona::app

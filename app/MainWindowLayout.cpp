@@ -72,6 +72,7 @@ void TmainFm::BuildEditBar(controls::CommandArea& area) {
     }
     bar.AddAction(actions_[u"acSetWhitePoint"_s], Caption::Shown);
     bar.AddAction(actions_[u"acColorConfig"_s]);
+    bar.AddAction(actions_[u"acBeauty"_s]);
     bar.AddSeparator();
     for (const QString& name : {u"acZoomFit"_s, u"acZoomFull"_s, u"acShowLayer"_s}) {
         bar.AddAction(actions_[name]);

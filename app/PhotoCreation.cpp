@@ -3,6 +3,7 @@
 #include <QComboBox>
 
 #include "app/MainWindow.h"
+#include "controls/ActionGuard.h"
 #include "controls/WaitCursor.h"
 #include "core/PhotoLoading.h"
 #include "core/SheetLayout.h"
@@ -18,6 +19,7 @@ void TmainFm::acCropExecute() {
     if (actions_.IsChecked(u"acBeauty"_s) || image.LayerCount() < 2) {
         return;
     }
+    LeaveToolModes();
     image.SetCurrentLayer(0);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         ShowMessage(core::TooBrightWarning);
@@ -33,7 +35,8 @@ void TmainFm::acCropExecute() {
     acZoomFitExecute();
     UpdateActions();
     if (settings_->PrintAfterCrop()) {
-        ReportUnavailable(u"acPrintImage"_s);
+        // A printer that fails must not keep the photos from being saved.
+        controls::Guarded(this, [this] { acPrintImageExecute(); });
     }
     // As for the action itself: a sheet of several photos is not saved quickly.
     if (settings_->ImageAutoSave2() && pictureCount_->currentIndex() == core::SinglePhotoLayout) {

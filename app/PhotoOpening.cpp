@@ -56,6 +56,7 @@ void TmainFm::OpenDroppedFiles(const QStringList& paths) {
 }
 
 void TmainFm::LoadImageFile(const QString& fileName) {
+    LeaveToolModes();
     const bool read = ReadPhoto(fileName);
     view_->SetInteraction(
         {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});

@@ -1,12 +1,14 @@
 // Looking at the photo: zoom, panning keys, undo, quarter turns, and the template layer over it.
 
 #include <QKeyEvent>
+#include <QScopeGuard>
 #include <stdexcept>
 
 #include "app/MainWindow.h"
 #include "controls/ActionGuard.h"
 #include "core/LayerPosition.h"
 #include "core/Product.h"
+#include "dialogs/RotateDialog.h"
 #include "imaging/Processing.h"
 #include "imaging/view/ImageView.h"
 #include "platform/WebPage.h"
@@ -99,6 +101,36 @@ void TmainFm::QuarterTurn(int degrees) {
         image.SetCurrentLayer(1);
     }
     acZoomFitExecute();
+}
+
+void TmainFm::acRotateDlgExecute() {
+    imaging::LayeredImage& image = view_->Image();
+    if (image.IsEmpty()) {
+        return;
+    }
+    image.RecordUndoStep();
+    image.SetCurrentLayer(0);
+    const QSize before = image.Photo().Size();
+    {
+        const auto stopWaiting = qScopeGuard([this] { turning_.reset(); });
+        data_->RotateImage(*view_);
+    }
+    if (image.Photo().Size() != before) {
+        KeepTemplateOnPhoto();
+        acZoomFitExecute();
+    }
+    if (image.LayerCount() >= 2) {
+        image.SetCurrentLayer(1);
+    }
+}
+
+/// The wait begins with the answer and lasts until the whole photo is turned.
+std::optional<double> TmainFm::AskForRotation(const imaging::Pixels& preview) {
+    const auto degrees = rotateDialog_->ShowEx(preview);
+    if (degrees) {
+        turning_.emplace();
+    }
+    return degrees;
 }
 
 void TmainFm::RotatePhoto(int degrees) {

@@ -33,6 +33,7 @@ class ConsoleInterface : public core::UserInterface {
         return std::nullopt;
     }
     std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }
+    std::optional<double> AskForRotation(const imaging::Pixels&) override { return std::nullopt; }
 
  private:
     QTextStream& errors_;
@@ -159,7 +160,7 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
     }
     data.CropImage(view, request.layoutIndex.value_or(settings.ImageCount()));
     imaging::WriteImageFile(output, image.Photo(), image.Resolution(),
-                            {core::SoftwareText.toByteArray()});
+                            {core::SoftwareText.toByteArray(), image.Iptc()});
     return u"%1 x %2 Pixel, %3 dpi"_s.arg(image.Photo().Width())
         .arg(image.Photo().Height())
         .arg(image.Resolution().value);

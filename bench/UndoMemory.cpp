@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "imaging/CloneStamp.h"
 #include "imaging/LayeredImage.h"
 
 using namespace kadrona::imaging;
@@ -78,6 +79,15 @@ int main() {
     Measure("ten edits of 300 x 300, in place", [](LayeredImage& image, int step) {
         const QRect area = EditArea(step);
         image.EditPhoto(area, [&](QImage& photo) { Invert(photo, area); });
+    });
+    Measure("ten stamp strokes of 40 x 300 pixels", [](LayeredImage& image, int step) {
+        CloneStamp stamp(image);
+        stamp.TakeSource({3000, 2000});
+        const QPointF start = EditArea(step).center();
+        stamp.BeginStroke(start, {40, 0.5});
+        for (int move = 1; move <= 30; ++move) {
+            stamp.ContinueStroke(start + QPointF(10 * move, 2 * move));
+        }
     });
     Measure("ten edits of 300 x 300, new pixels", [](LayeredImage& image, int step) {
         QImage changed = image.Photo().ToImage();

@@ -1,26 +1,23 @@
-// The archive table.
+// The archive table, and photos going into it.
 
+#include <QDir>
+#include <QFileInfo>
+
+#include "core/ArchiveSchema.h"
+#include "core/ArchiveTable.h"
 #include "core/Data.h"
+#include "core/FileNaming.h"
+#include "core/UserInterface.h"
+#include "imaging/ImageWriter.h"
+#include "imaging/Processing.h"
 #include "platform/Error.h"
+#include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
 namespace {
-
-/// Makes what is missing and changes nothing that exists.
-const QStringList CreationScript{
-    uR"(CREATE TABLE IF NOT EXISTS "ImgDB" (
-        "ID" INTEGER PRIMARY KEY AUTOINCREMENT,
-        "ImgName" VARCHAR(25),
-        "ImgType" VARCHAR(50),
-        "ImgMD5" VARCHAR(40),
-        "ImgErstellt" TIMESTAMP,
-        "ImgAblage" VARCHAR(125),
-        "ImgTags" MEMO,
-        "ImgThumb" GRAPHIC))"_s,
-    uR"(CREATE INDEX IF NOT EXISTS "ImgErstellt_idx" ON "ImgDB" ("ImgErstellt" DESC))"_s};
 
 /// Whatever fails in the table store reaches the caller as a general error with the same text.
 template <typename Operation>
@@ -32,20 +29,95 @@ void AsGeneralError(Operation operation) {
     }
 }
 
+/// A month folder, which is stored with a backslash, as a path below the archive folder.
+QString MonthPath(const QString& archiveFolder, QString monthFolder) {
+    return platform::JoinPath(archiveFolder, monthFolder.replace(u'\\', QDir::separator()));
+}
+
+/// A JPEG 180 pixels high.
+QByteArray Thumbnail(const imaging::Pixels& photo) {
+    constexpr int Height = 180;
+    const qint64 width = (qint64{photo.Width()} * Height + photo.Height() / 2) / photo.Height();
+    const QSize size(static_cast<int>(qMax(width, qint64{1})), Height);
+    return imaging::EncodeJpeg(imaging::Resampled(photo, size));
+}
+
 }  // namespace
 
 bool TData::ConnectDB(const QString& folder) {
-    AsGeneralError([&] { database_ = std::make_unique<store::Database>(folder); });
+    AsGeneralError([&] {
+        auto database = std::make_unique<store::Database>(folder);
+        RequireKnownVersion(*database);
+        archive_.reset();
+        database_ = std::move(database);
+    });
     return database_ != nullptr;
 }
 
 bool TData::CreateDB() {
-    AsGeneralError([&] { database_->RunScript(CreationScript); });
+    AsGeneralError([&] { CreateArchive(*database_); });
     return true;
 }
 
-// The archive takes no photos yet.
-void TData::SaveImageToArchiv(imaging::ImageDisplay& /*view*/, const QString& /*archiveFolder*/,
-                              const QString& /*tags*/, const QString& /*objectName*/) {}
+ArchiveTable* TData::Archive() {
+    if (database_ == nullptr || !database_->TableExists(u"ImgDB"_s)) {
+        return nullptr;
+    }
+    if (archive_ == nullptr) {
+        // The start could not complete the database where another program was writing to it.
+        CreateArchive(*database_);
+        archive_ = std::make_unique<ArchiveTable>(*database_);
+    }
+    return archive_.get();
+}
+
+/// The number that names the photo is only known once its record exists. A photo that cannot be
+/// written leaves that record empty, so that no number is ever used again.
+void TData::SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
+                              const QString& tags, const QString& objectName) {
+    ArchiveTable* table = Archive();
+    if (table == nullptr) {
+        return;
+    }
+    const QString monthFolder = GetMonthDir(nameSources_);
+    const QString folder = MonthPath(archiveFolder, monthFolder);
+    if (QFileInfo(archiveFolder).isDir() && !platform::CreateFolder(folder)) {
+        return;
+    }
+    const imaging::Pixels photo = view.Image().Photo();
+    currentRecord_ = table->Insert();
+    const QString fileName = GetArchivFileName(currentRecord_, nameSources_) + u".jpg"_s;
+    SaveIptcToImage(view, objectName, tags);
+    imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, view.Image().Resolution(),
+                            {{}, view.Image().Iptc()});
+    table->Fill({.id = currentRecord_,
+                 .name = fileName,
+                 .type = templateName_,
+                 .created = nameSources_.now(),
+                 .folder = monthFolder,
+                 .tags = tags},
+                Thumbnail(photo));
+}
+
+void TData::ImgTagSearch(const QString& text) {
+    if (ArchiveTable* table = Archive()) {
+        const QString quoted = u'\'' + QString(text).replace(u"'"_s, u"''"_s) + u'\'';
+        table->SetFilter(text.isEmpty() ? QString()
+                                        : u"TEXTSEARCH("_s + quoted + u" IN ImgTags)"_s);
+    }
+}
+
+QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
+    ArchiveTable* table = Archive();
+    const ArchiveRecord record =
+        table ? table->Read(currentRecord_).value_or(ArchiveRecord()) : ArchiveRecord();
+    QString path =
+        platform::JoinPath(MonthPath(DelLastBackslash(archiveFolder), record.folder), record.name);
+    if (QFileInfo(path).isFile()) {
+        return path;
+    }
+    ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);
+    return {};
+}
 
 }  // namespace kadrona::core

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/ArchiveListing.h"
 #include "store/Database.h"
 
 namespace kadrona::core {
@@ -20,12 +21,21 @@ struct ArchiveRecord {
     QString tags;       ///< "ImgTags": lines, CR LF after each
 };
 
+/// "ImgErstellt" as it is shown and searched: "07.03.2026 14:30"; empty where there is none.
+QString ShownTime(const QDateTime& created);
+
 /// The open table "ImgDB" on its index "ImgErstellt_idx": every list is ordered newest first.
 /// Members throw store::StoreError.
 class ArchiveTable {
  public:
     /// `database` outlives the table.
     explicit ArchiveTable(store::Database& database) : database_(database) {}
+
+    /// Posts an empty record and returns the number that it got.
+    qint64 Insert();
+    /// Sets the fields of the record `record.id` and its thumbnail, a JPEG. What is longer than its
+    /// field is cut.
+    void Fill(const ArchiveRecord& record, QByteArrayView thumbnail);
 
     /// The records' numbers, as far as the table's filter lets them through.
     std::vector<qint64> Ids() const;
@@ -40,6 +50,7 @@ class ArchiveTable {
     std::optional<ArchiveRecord> Read(qint64 id) const;
     /// The JPEG; empty where the record has none.
     QByteArray ReadThumbnail(qint64 id) const;
+    /// Does nothing where there is no such record.
     void SetTags(qint64 id, const QString& tags);
 
     /// Only what the full-text expression finds is listed from now on, for example
@@ -47,8 +58,15 @@ class ArchiveTable {
     void SetFilter(const QString& expression);
 
  private:
+    const ArchiveListing& Listing() const;
+    std::vector<qint64> Filtered(std::vector<qint64> ids) const;
+
     store::Database& database_;
-    QString filter_;
+    /// What the full-text filter searches for.
+    std::optional<QString> filter_;
+    /// Read when it is needed and kept until anything in the database changes.
+    mutable std::optional<ArchiveListing> listing_;
+    mutable store::Database::State listed_;
 };
 
 }  // namespace kadrona::core

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "core/ArchiveTable.h"
 #include "core/FileDialogs.h"
 #include "core/FileNaming.h"
 #include "core/ProfileStore.h"
@@ -16,8 +17,13 @@
 #include "imaging/ImageDisplay.h"
 #include "store/Database.h"
 
+namespace kadrona::printing {
+class PrinterLayer;
+}
+
 namespace kadrona::core {
 
+class ProfileIndex;
 class Settings;
 class UserInterface;
 
@@ -60,6 +66,8 @@ class TData {
     const QString& CurrentFile() const { return currentFile_; }
     const QString& CurrentFileFolder() const { return currentFileFolder_; }
     void SetCurrentFile(const QString& path);
+    /// For a photo of the archive, whose folder is none to open further photos from.
+    void SetCurrentFileName(const QString& name) { currentFile_ = name; }
     /// The "adjusted" flag of the colour tools.
     bool Adjusted() const { return adjusted_; }
     void SetAdjusted(bool adjusted) { adjusted_ = adjusted; }
@@ -84,6 +92,10 @@ class TData {
     void CropImage(imaging::ImageDisplay& view, int layoutIndex);
     void TileImage(imaging::ImageDisplay& view, int layoutIndex);
 
+    /// Lets the user level the photo and turns it once, from its own pixels, by that angle; what
+    /// it uncovers is white. Cancelled, the photo stays as it is.
+    void RotateImage(imaging::ImageDisplay& view);
+
     // Photo profiles
     QStringList GetProfileList() const;
     void LoadProfile(const QString& name, ProfileStore& store) const;
@@ -94,7 +106,19 @@ class TData {
     QString ProfileFile(const QString& name) const;
 
     // Printer profiles
+    /// The way to the print service; null for none. Outlives the data module.
+    void SetPrinterLayer(printing::PrinterLayer* printer) { printer_ = printer; }
+    /// Throws printing::PrinterError where there is none.
+    printing::PrinterLayer& Printer() const;
     QStringList GetPrinterProfileList() const;
+    /// Keeps the current printer under a name. True; every failure throws and leaves no file.
+    bool SavePrintProfile(const QString& name) const;
+    void SavePrinterProfileToIni(const QString& name, const QString& fileName) const;
+    /// Makes a profile's printer the current one; does nothing where the profile or its file is
+    /// missing. Throws platform::Error for a damaged file or a printer that is gone; the current
+    /// printer then stays.
+    void LoadPrintProfile(const QString& name) const;
+    void DeletePrinterProfile(const QString& name) const;
 
     // File names
     const core::NameSources& NameSources() const { return nameSources_; }
@@ -127,18 +151,45 @@ class TData {
     static void SetArchivPath(const QString& folder);
     bool ConnectDB(const QString& folder);
     bool CreateDB();
+    /// Opened on first use; null while there is none.
+    ArchiveTable* Archive();
+    /// Files the view's photo: as a JPEG in the month's folder below `archiveFolder`, which is made
+    /// where the archive folder exists, and as a record, the current one from then on. `tags` and
+    /// `objectName` go into the view's IPTC items as SaveIptcToImage does, and into the file.
+    ///
+    /// Does nothing without the table, or where the month's folder cannot be made. Throws
+    /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and
+    /// store::StoreError.
     void SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
                            const QString& tags, const QString& objectName);
+    /// The record that GetFileNameFromRecord tells of; 0 is none.
+    qint64 CurrentRecord() const { return currentRecord_; }
+    void SetCurrentRecord(qint64 id) { currentRecord_ = id; }
+    /// Full path of the current record's photo; where there is no such file a message names it, and
+    /// the path is empty.
+    QString GetFileNameFromRecord(const QString& archiveFolder);
+    /// Lists only the records whose tags hold every word of `text`; all again where it is empty.
+    void ImgTagSearch(const QString& text);
+    /// Sets object name (2:5) and keywords (2:25, each line break a comma) among the IPTC items of
+    /// the view's image; writes no file.
+    void SaveIptcToImage(imaging::ImageDisplay& view, const QString& objectName,
+                         const QString& keywords);
+    /// Replaces the IPTC items of a JPEG file by these two. Does nothing where there is no such
+    /// file. Throws platform::FileError.
+    void RewriteIptcToImage(const QString& fileName, const QString& objectName,
+                            const QString& keywords);
 
  private:
     QString LayoutFile() const;
-    QString ProfileIndexFile() const;
+    ProfileIndex PhotoProfileIndex() const;
+    ProfileIndex PrinterProfileIndex() const;
     void ArchiveSinglePhoto(imaging::ImageDisplay& view);
     void SaveByDialog(const imaging::LayeredImage& image);
     void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
 
     UserInterface& ui_;
     const Settings* settings_ = nullptr;
+    printing::PrinterLayer* printer_ = nullptr;
     std::function<void(TData&)> initHandler_;
 
     QString programFolder_;
@@ -161,6 +212,8 @@ class TData {
     QSize templateCanvas_;
 
     std::unique_ptr<store::Database> database_;
+    std::unique_ptr<ArchiveTable> archive_;
+    qint64 currentRecord_ = 0;
 };
 
 }  // namespace kadrona::core

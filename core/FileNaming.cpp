@@ -92,7 +92,7 @@ QString GetMonthDir(const NameSources& sources) {
     return QString::number(today.year()) + u'\\' + Padded(today.month(), 2);
 }
 
-QString GetArchivFileName(int number, const NameSources& sources) {
+QString GetArchivFileName(qint64 number, const NameSources& sources) {
     const QDate today = sources.now().date();
     return QString::number(today.year()) + u'_' + Padded(today.month(), 2) + u'_' +
            Padded(number, 5);

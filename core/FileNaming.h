@@ -32,7 +32,7 @@ QString GetRandomStr(int count, const NameSources& sources = {});
 QString GetMonthDir(const NameSources& sources = {});
 
 /// Year, month and a number of at least five digits: "2026_03_00042".
-QString GetArchivFileName(int number, const NameSources& sources = {});
+QString GetArchivFileName(qint64 number, const NameSources& sources = {});
 
 /// Today: "2026-03-07".
 QString GetDatePrefix(const NameSources& sources = {});

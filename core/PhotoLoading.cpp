@@ -13,6 +13,7 @@ void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredIm
     imaging::LoadedImage loaded =
         imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()});
     image.Open(std::move(loaded.pixels), loaded.resolution);
+    image.SetIptc(std::move(loaded.iptc));
 }
 
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {

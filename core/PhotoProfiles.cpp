@@ -1,11 +1,10 @@
 // The index of the photo profiles and their settings files.
 
 #include <QFile>
-#include <QFileInfo>
 
 #include "core/Data.h"
+#include "core/ProfileIndex.h"
 #include "platform/Error.h"
-#include "platform/IniFile.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
 
@@ -13,28 +12,16 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
-namespace {
-
-const QString FileKey = u"Profilename"_s;
-
-}  // namespace
-
-QString TData::ProfileIndexFile() const {
-    return platform::JoinPath(dataFolder_, u"Profiles.ini");
+ProfileIndex TData::PhotoProfileIndex() const {
+    return {dataFolder_, u"Profiles.ini", u"Profilename"_s};
 }
 
 QStringList TData::GetProfileList() const {
-    return platform::IniFile(ProfileIndexFile()).Sections();
+    return PhotoProfileIndex().Names();
 }
 
 QString TData::ProfileFile(const QString& name) const {
-    const QString file = platform::IniFile(ProfileIndexFile()).ReadString(name, FileKey);
-    // Only a bare name: an index edited by hand must not lead deleting or storing elsewhere.
-    if (file != QFileInfo(file).fileName()) {
-        return {};
-    }
-    const QString path = platform::JoinPath(dataFolder_, file);
-    return QFileInfo(path).isFile() ? path : QString();
+    return PhotoProfileIndex().SettingsFile(name);
 }
 
 void TData::LoadProfile(const QString& name, ProfileStore& store) const {
@@ -64,17 +51,13 @@ bool TData::SaveNewProfile(const QString& name, ProfileStore& store) const {
 }
 
 void TData::SaveProfileToIni(const QString& name, const QString& fileName) const {
-    platform::IniFile index(ProfileIndexFile());
-    index.WriteString(name, FileKey, fileName);
-    index.Save();
+    PhotoProfileIndex().Record(name, fileName);
 }
 
 bool TData::DeleteProfile(const QString& name) const {
     const QString path = ProfileFile(name);
     const bool deleted = path.isEmpty() || QFile::remove(path);
-    platform::IniFile index(ProfileIndexFile());
-    index.EraseSection(name);
-    index.Save();
+    PhotoProfileIndex().Erase(name);
     return deleted;
 }
 

@@ -22,7 +22,8 @@ namespace {
 constexpr QSize OutputSize(413, 531);
 
 void Write(const imaging::LayeredImage& image, const QString& path) {
-    imaging::WriteImageFile(path, image.Photo(), image.Resolution(), {SoftwareText.toByteArray()});
+    imaging::WriteImageFile(path, image.Photo(), image.Resolution(),
+                            {SoftwareText.toByteArray(), image.Iptc()});
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // From the cut single photo to the sheet of copies.
 
+#include "core/SheetTiling.h"
+
 #include "core/Data.h"
 #include "core/Settings.h"
 #include "core/UserInterface.h"
@@ -8,6 +10,15 @@
 using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
+
+void LayOutCopies(imaging::LayeredImage& image, const Settings& settings, int layoutIndex) {
+    if (settings.RotateBeforeTileImg()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), imaging::QuarterTurn::CounterClockwise));
+    }
+    if (const auto layout = SheetLayoutAt(layoutIndex)) {
+        image.ChangePhoto(imaging::Repeated(image.Photo(), layout->columns, layout->rows));
+    }
+}
 
 void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
     imaging::LayeredImage& image = view.Image();
@@ -21,13 +32,8 @@ void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
     if (settings_->ImageAutoSave()) {
         ArchiveSinglePhoto(view);
     }
-    if (settings_->RotateBeforeTileImg()) {
-        image.ChangePhoto(imaging::Turned(image.Photo(), imaging::QuarterTurn::CounterClockwise));
-    }
     const imaging::PaintingSuspension suspension(view);
-    if (const auto layout = SheetLayoutAt(layoutIndex)) {
-        image.ChangePhoto(imaging::Repeated(image.Photo(), layout->columns, layout->rows));
-    }
+    LayOutCopies(image, *settings_, layoutIndex);
 }
 
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files

@@ -4,6 +4,10 @@
 #include <QStringList>
 #include <optional>
 
+namespace kadrona::imaging {
+class Pixels;
+}
+
 namespace kadrona::core {
 
 struct SaveDialog;
@@ -23,6 +27,10 @@ class UserInterface {
     /// Lets the user choose the file to save to, which may exist only where the user agreed to
     /// replace it. Nothing when cancelled.
     virtual std::optional<QString> AskForSaveFile(const SaveDialog& dialog) = 0;
+
+    /// Lets the user level a small copy of the photo: degrees counter-clockwise, or nothing when
+    /// cancelled.
+    virtual std::optional<double> AskForRotation(const imaging::Pixels& preview) = 0;
 };
 
 }  // namespace kadrona::core

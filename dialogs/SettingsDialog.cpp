@@ -116,13 +116,18 @@ controls::ModalResult TEinstellungenFm::ShowEx() {
     return result;
 }
 
-/// Fills the box with the printer profiles that there are now. The choice is kept by its place.
 void TEinstellungenFm::RefreshPrinterProfiles() {
     const int remembered = printProfileBox_->currentIndex();
     Refill(*printProfileBox_, data_.GetPrinterProfileList());
     if (printProfileBox_->count() > remembered) {
         printProfileBox_->setCurrentIndex(remembered);
     }
+}
+
+void TEinstellungenFm::ResetPrintDefaults() {
+    Refill(*printProfileBox_, data_.GetPrinterProfileList());
+    printAfterCrop_->setChecked(false);
+    propertyStore_.Store();
 }
 
 void TEinstellungenFm::AktivateProfileByName(const QString& name, bool storeFirst) {

@@ -56,6 +56,12 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     /// Makes a profile the active one; with `storeFirst` the one before is stored.
     void AktivateProfileByName(const QString& name, bool storeFirst);
 
+    /// Fills the box with the printer profiles that there are now. The choice is kept by its place.
+    void RefreshPrinterProfiles();
+
+    /// Takes the default printer profile and the immediate printing back and stores the settings.
+    void ResetPrintDefaults();
+
     // core::Settings
     bool AutoWhiteBalance() const override;
     QString FileNameEd() const override;
@@ -98,7 +104,6 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     // Behaviour (SettingsDialog.cpp)
     void ConnectControls();
-    void RefreshPrinterProfiles();
     void ActivateSelected(bool storeFirst);
     void FormShow();
     void FormClose();

@@ -1,7 +1,6 @@
 #include "dialogs/TemplateChooser.h"
 
 #include <QHBoxLayout>
-#include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
@@ -11,6 +10,7 @@
 
 #include "controls/ActionGuard.h"
 #include "controls/Icons.h"
+#include "controls/SelectionList.h"
 #include "controls/Theme.h"
 #include "core/Settings.h"
 
@@ -34,22 +34,9 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), settings_(settings) {
     setObjectName(u"SchabloneFm"_s);
     setWindowTitle(u"Schablonen"_s);
-    lbSchablonen_ = new QListWidget;
-    lbSchablonen_->setObjectName(u"lbSchablonen"_s);
-    lbSchablonen_->setAccessibleName(u"Schablonen"_s);
-    lbSchablonen_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    lbSchablonen_ = new controls::SelectionList(u"lbSchablonen"_s, u"Schablonen"_s);
     connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this,
             [this] { btnOk_->setEnabled(FormCloseQuery()); });
-    // A list that gets the focus makes its first row current without selecting it; the next key
-    // would then pass that row over.
-    connect(
-        lbSchablonen_, &QListWidget::currentRowChanged, this,
-        [this] {
-            if (SelectedTemplate() < 0) {
-                lbSchablonen_->selectionModel()->clearCurrentIndex();
-            }
-        },
-        Qt::QueuedConnection);
     btnRotateLeft_ =
         RotateButton(u"btnRotateLeft"_s, u"rotate-left"_s, u"Nach Links drehen"_s, TurnLeft);
     btnRotateRight_ =
@@ -91,18 +78,11 @@ QToolButton* TSchabloneFm::RotateButton(const QString& name, const QString& icon
 }
 
 void TSchabloneFm::SetTemplates(const QStringList& names) {
-    lbSchablonen_->clear();
-    lbSchablonen_->addItems(names);
-    for (int row = 0; row < lbSchablonen_->count(); ++row) {
-        lbSchablonen_->item(row)->setToolTip(names.at(row));
-    }
+    lbSchablonen_->SetTexts(names);
 }
 
-/// The current row does not tell: a list that gets the focus makes its first row current without
-/// selecting it.
 int TSchabloneFm::SelectedTemplate() const {
-    const auto selected = lbSchablonen_->selectedItems();
-    return selected.isEmpty() ? -1 : lbSchablonen_->row(selected.first());
+    return lbSchablonen_->SelectedRow();
 }
 
 void TSchabloneFm::showEvent(QShowEvent* event) {
@@ -124,7 +104,7 @@ void TSchabloneFm::paintEvent(QPaintEvent* event) {
 }
 
 void TSchabloneFm::FormShow() {
-    lbSchablonen_->setCurrentRow(settings_.SchabloneBox());
+    lbSchablonen_->SelectRow(settings_.SchabloneBox());
     lbSchablonen_->setFocus();
     if (settings_.ImgRotateLeft()) {
         btnRotateLeft_->click();

@@ -5,10 +5,13 @@
 
 #include "controls/ModalResult.h"
 
-class QListWidget;
 class QPushButton;
 class QTimer;
 class QToolButton;
+
+namespace kadrona::controls {
+class SelectionList;
+}
 
 namespace kadrona::core {
 class Settings;
@@ -53,7 +56,7 @@ class TSchabloneFm : public QDialog {
 
     const core::Settings& settings_;
     std::function<void(int)> rotationHandler_;
-    QListWidget* lbSchablonen_;
+    controls::SelectionList* lbSchablonen_;
     QToolButton* btnRotateLeft_;
     QToolButton* btnRotateRight_;
     QPushButton* btnOk_;

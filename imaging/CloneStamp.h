@@ -22,7 +22,11 @@ double Coverage(const Brush& brush, double distance);
 /// distance between source and target is set by the first stroke after the source was taken and
 /// kept for the strokes that follow (an aligned source). A stroke copies the photo as it was when
 /// the stroke began, so that overlapping source and target repeat no pattern. Each stroke is one
-/// undo step of what it touched.
+/// undo step of what it touched; one that changes nothing is none.
+///
+/// A stroke covers what the brush sweeps over, each pixel as much as where the brush's middle came
+/// nearest to it: neither the speed nor going over a place again makes a difference. Distances
+/// between source and target are whole pixels, so that what is copied stays sharp.
 class CloneStamp {
  public:
     explicit CloneStamp(LayeredImage& image);
@@ -39,10 +43,14 @@ class CloneStamp {
     /// Where the next dab at `target` copies from; nothing without a source.
     std::optional<QPointF> SourceFor(QPointF target) const;
 
-    /// Begins a stroke with a first dab; false, with nothing done, where no source was taken.
+    /// Begins a stroke with a first dab, where the position may lie outside the photo; false, with
+    /// nothing done, where no source was taken or there is no photo. Sizes of a brush beyond their
+    /// range are brought into it. Throws platform::Error where memory is short.
     bool BeginStroke(QPointF position, const Brush& brush);
-    /// Dabs along the way from the last position. What lies outside the photo is left out, as is
-    /// what would be copied from there. Does nothing outside a stroke.
+    /// Draws along the way from the last position. What lies outside the photo is left out, as is
+    /// what would be copied from there. Does nothing outside a stroke. A photo that was changed
+    /// otherwise meanwhile, as by an undo, ends the stroke. Throws platform::Error where memory is
+    /// short.
     void ContinueStroke(QPointF position);
     void EndStroke();
     bool IsStroking() const;

@@ -22,8 +22,9 @@ PixelFilterPointer GreyFilter();
 /// hue, its brightest channel kept. A sample that is black in a channel counts as 1 there.
 PixelFilterPointer WhitePointFilter(QRgb sample);
 
-/// Automatic gain and offset: stretches each channel's levels to the full range. A channel of one
-/// level stays as it is.
+/// Automatic gain and offset: stretches each channel's levels to the full range, the lowest used
+/// one becoming 0 and the highest 255. Every used level counts, however rare, so that nothing is
+/// clipped: white clothes and hair keep their detail. A channel of one level stays as it is.
 PixelFilterPointer GainAndOffsetFilter(const Histogram& histogram);
 
 /// What the colour dialog's pages set; all zero changes nothing.
@@ -32,6 +33,9 @@ struct ContrastAdjustment {
     int brightness = 0;  ///< -100 ... 100
     bool operator==(const ContrastAdjustment&) const = default;
 };
+/// Brightness comes first: it moves each level towards black or white, at full setting by half the
+/// way. Contrast then turns the line through the middle level, by up to 45 degrees: to level at
+/// -100, to nearly upright at 100.
 PixelFilterPointer ContrastFilter(const ContrastAdjustment& adjustment);
 
 struct HueAdjustment {
@@ -40,6 +44,10 @@ struct HueAdjustment {
     int lightness = 0;   ///< -100 ... 100
     bool operator==(const HueAdjustment&) const = default;
 };
+/// In the model of hue, saturation and lightness of A. Joblove and D. Greenberg, "Color spaces for
+/// computer graphics", SIGGRAPH 1978: the hue is turned, the saturation multiplied by 0 ... 2 and
+/// kept within its range, the lightness moved towards black or white by the setting's part of the
+/// way. Greys stay grey. Values are rounded once, in the end.
 PixelFilterPointer HueFilter(const HueAdjustment& adjustment);
 
 struct BalanceAdjustment {
@@ -48,13 +56,15 @@ struct BalanceAdjustment {
     int blue = 0;   ///< -100 ... 100
     bool operator==(const BalanceAdjustment&) const = default;
 };
+/// Adds to each channel, at full setting half of the range.
 PixelFilterPointer BalanceFilter(const BalanceAdjustment& adjustment);
 
-/// Histogram equalisation of the luma, the colours' differences kept; `percent` 0 ... 100 mixes it
-/// with the picture as it is.
+/// Histogram equalisation of the luma, the colours' differences kept: a pixel's channels all move
+/// as far as its luma, within 0 ... 255. `percent` 0 ... 100 mixes it with the picture as it is.
 PixelFilterPointer EqualisationFilter(const Histogram& histogram, int percent);
 
-/// One filter after the other; null ones are skipped. Null when none is left.
+/// One filter after the other; null ones are skipped. Null when none is left. Tables that follow
+/// each other become one.
 PixelFilterPointer Sequence(const std::vector<PixelFilterPointer>& filters);
 
 }  // namespace kadrona::imaging

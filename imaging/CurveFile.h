@@ -16,9 +16,10 @@ class CurveFileError : public platform::FileError {
 /// bytes, 22 of them fixed, 4 a point.
 inline constexpr int MaximumCurvePoints = 58;
 
-/// Reads a preset (".acv"): 16-bit big-endian words. Takes one curve and more than five, and curves
-/// of a single point; what lacks becomes the identity. Throws CurveFileError where the file cannot
-/// be read, is cut off or holds what no curve can be.
+/// Reads a preset (".acv"): 16-bit big-endian words. Takes versions 1 and 4, one curve and more
+/// than five, curves of a single point or none, points in any order and repeated ones; what lacks
+/// becomes the identity, what follows the curves is ignored. Throws CurveFileError where the file
+/// cannot be read, is cut off or holds what no curve can be.
 CurveSet ReadCurveFile(const QString& path);
 
 /// Writes a preset: version 4, five curves, the fifth the identity. Throws CurveFileError, also for

@@ -21,7 +21,7 @@ struct CurvePoint {
 
 /// A tone curve through points of strictly rising input, at least two. Smooth between them,
 /// never overshooting its points (monotone where they are), level before the first and after the
-/// last point.
+/// last point. imaging/MonotoneCubic.h names the method.
 class Curve {
  public:
     /// The identity: (0, 0) and (255, 255).
@@ -31,6 +31,7 @@ class Curve {
     explicit Curve(std::vector<CurvePoint> points);
 
     const std::vector<CurvePoint>& Points() const { return points_; }
+    /// True where no level changes.
     bool IsIdentity() const;
     LevelTable Table() const;
 
@@ -44,7 +45,7 @@ class Curve {
 enum class CurveChannel { Rgb = 0, Red = 1, Green = 2, Blue = 3 };
 
 /// The curves of one preset. Each of red, green and blue goes through its own curve first, then
-/// through the combined one.
+/// through the combined one, and is rounded in the end alone.
 struct CurveSet {
     std::array<Curve, 4> curves;
 

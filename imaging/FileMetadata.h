@@ -3,6 +3,7 @@
 #include <QByteArrayView>
 #include <QIODevice>
 
+#include "imaging/Iptc.h"
 #include "imaging/Orientation.h"
 #include "imaging/Resolution.h"
 
@@ -12,6 +13,8 @@ namespace kadrona::imaging {
 struct FileMetadata {
     Orientation orientation = Orientation::Upright;
     DotsPerInch resolution;
+    /// Of JPEG files alone.
+    IptcItems iptc = {};
 };
 
 /// A resolution rounded to an integer; unknown where it is not a sensible one.

@@ -6,12 +6,13 @@
 
 namespace kadrona::imaging {
 
-/// Size of the smallest upright rectangle around a picture turned by an angle.
+/// Size of the smallest upright rectangle of whole pixels around a picture turned by an angle.
 QSize RotatedSize(QSize size, double degreesCounterClockwise);
 
 /// The picture turned by an angle, bicubic, in the canvas of RotatedSize, the uncovered corners
-/// filled with `background`, edges antialiased. Full turns give the same pixels, shared; quarter
-/// turns are lossless. Throws platform::Error where memory is short.
+/// filled opaquely with `background`, edges antialiased. Full turns, and angles that are not
+/// finite, give the same pixels, shared; quarter turns are lossless, and a grid stays one. By other
+/// angles a grid becomes one picture. Throws platform::Error where memory is short.
 Pixels Rotated(const Pixels& pixels, double degreesCounterClockwise,
                const QColor& background = Qt::white);
 

@@ -36,7 +36,8 @@ LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
     if (applyOrientation) {
         image = Uprighted(std::move(image), decoded.metadata.orientation);
     }
-    return {Pixels(std::move(image)), decoded.metadata.resolution};
+    return {Pixels(std::move(image)), decoded.metadata.resolution,
+            std::move(decoded.metadata.iptc)};
 }
 
 QString OpeningFailure(QFileDevice::FileError error) {

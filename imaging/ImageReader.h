@@ -3,6 +3,7 @@
 #include <QIODevice>
 #include <QString>
 
+#include "imaging/Iptc.h"
 #include "imaging/Pixels.h"
 #include "imaging/Resolution.h"
 #include "platform/Error.h"
@@ -27,6 +28,8 @@ struct LoadedImage {
     Pixels pixels;
     /// What the file says; 0 where it says nothing.
     DotsPerInch resolution;
+    /// IPTC metadata of a JPEG file; of other files none is read.
+    IptcItems iptc = {};
 };
 
 /// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO,

@@ -1,5 +1,6 @@
 #include "imaging/ImageWriter.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
 #include <array>
@@ -76,6 +77,13 @@ void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resol
     } catch (const std::bad_alloc&) {
         throw WriteError(text(u"Der Arbeitsspeicher reicht nicht aus."_s));
     }
+}
+
+QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution, const ImageMetadata& metadata) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    WriteJpeg(buffer, pixels, resolution, metadata);
+    return buffer.data();
 }
 
 }  // namespace kadrona::imaging

@@ -27,4 +27,8 @@ QStringList WritableExtensions();
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
                     const ImageMetadata& metadata = {});
 
+/// The bytes of such a JPEG file. Throws platform::Error.
+QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution = {},
+                      const ImageMetadata& metadata = {});
+
 }  // namespace kadrona::imaging

@@ -12,6 +12,7 @@
 
 #include "imaging/ExifBlock.h"
 #include "imaging/FormatWriters.h"
+#include "imaging/PhotoshopBlock.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
@@ -131,6 +132,8 @@ QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetad
     if (known || !metadata.software.isEmpty()) {
         exif = QByteArray("Exif\0\0", 6) + ExifBlock(size, resolution, metadata);
     }
+    const std::vector<QByteArray> iptc =
+        PhotoshopSegments(WithIptcStream({}, EncodeIptc(metadata.iptc)));
     Compressor compressor;
     compressor.Start(size, [&](jpeg_compress_struct& info) {
         constexpr UINT8 AspectRatio = 0;
@@ -143,6 +146,9 @@ QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetad
         }
         jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(profile.constData()),
                                static_cast<unsigned>(profile.size()));
+        for (const QByteArray& segment : iptc) {
+            WriteSegment(info, JPEG_APP0 + 13, segment);
+        }
     });
     return compressor.Output().toByteArray();
 }

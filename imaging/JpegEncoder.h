@@ -11,7 +11,7 @@
 /// Pieces of one baseline JPEG file, each encoded by itself, so that they can be encoded at the
 /// same time:
 ///
-///     header                      SOI, JFIF, EXIF, ICC profile, tables, frame, scan
+///     header                      SOI, JFIF, EXIF, ICC profile, IPTC, tables, frame, scan
 ///     MCU row 0   RST0            an MCU row is 8 rows of pixels and one restart interval:
 ///     MCU row 1   RST1            nothing in it depends on its neighbours
 ///     ...

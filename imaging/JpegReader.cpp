@@ -7,6 +7,7 @@
 
 #include "imaging/JpegDecompressor.h"
 #include "imaging/NewImage.h"
+#include "imaging/PhotoshopBlock.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,12 +17,14 @@ namespace {
 
 constexpr int ExifMarker = JPEG_APP0 + 1;
 constexpr int ProfileMarker = JPEG_APP0 + 2;
+constexpr int PhotoshopMarker = JPEG_APP0 + 13;
 
 void ReadHeader(JpegDecompressor& jpeg) {
     jpeg.Run([](j_decompress_ptr info) {
         constexpr unsigned WholeMarker = 0xffff;
         jpeg_save_markers(info, ExifMarker, WholeMarker);
         jpeg_save_markers(info, ProfileMarker, WholeMarker);
+        jpeg_save_markers(info, PhotoshopMarker, WholeMarker);
         jpeg_read_header(info, TRUE);
     });
 }
@@ -49,6 +52,17 @@ FileMetadata ReadMetadata(const jpeg_decompress_struct& info) {
         metadata.resolution = density;
     }
     return metadata;
+}
+
+IptcItems ReadIptc(const jpeg_decompress_struct& info) {
+    QByteArray block;
+    for (const auto* marker = info.marker_list; marker; marker = marker->next) {
+        const QByteArrayView data(marker->data, static_cast<qsizetype>(marker->data_length));
+        if (marker->marker == PhotoshopMarker && data.startsWith(PhotoshopSignature)) {
+            block.append(data.sliced(PhotoshopSignature.size()));
+        }
+    }
+    return DecodeIptc(IptcStream(block));
 }
 
 QByteArray ReadProfile(JpegDecompressor& jpeg) {
@@ -107,6 +121,7 @@ DecodedImage Decode(const ReadTask& task) {
     task.RequireAllowedSize(info.image_width, info.image_height);
     DecodedImage decoded;
     decoded.metadata = ReadMetadata(info);
+    decoded.metadata.iptc = ReadIptc(info);
     decoded.profile = ReadProfile(jpeg);
     decoded.model = ModelOf(info);
     // The alpha of this byte order is 255, which is what QImage::Format_RGB32 wants of it.

@@ -35,6 +35,7 @@ void LayeredImage::SetResolution(DotsPerInch resolution) {
 
 void LayeredImage::Clear() {
     resolution_ = {};
+    iptc_ = {};
     history_.Clear();
     if (IsEmpty()) {
         return;
@@ -57,6 +58,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     layers_.push_back({std::move(photo), rectangle});
     currentLayer_ = 0;
     resolution_ = resolution;
+    iptc_ = {};
     history_.Clear();
     Q_EMIT PhotoChanged();
     if (layersChange) {
@@ -88,6 +90,7 @@ void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage&
     }
     photo = Pixels(photo.ToImage());
     history_.EditInPlace(photo, inside, edit);
+    Q_EMIT PhotoEdited(inside);
     Q_EMIT PhotoChanged();
 }
 

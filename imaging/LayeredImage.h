@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "imaging/Iptc.h"
 #include "imaging/Pixels.h"
 #include "imaging/Resolution.h"
 #include "imaging/UndoHistory.h"
@@ -46,10 +47,15 @@ class LayeredImage : public QObject {
     DotsPerInch Resolution() const { return resolution_; }
     void SetResolution(DotsPerInch resolution);
 
-    /// Removes every layer and the undo history; the resolution becomes unknown.
+    /// The photo's IPTC metadata; what changes the photo leaves it as it is.
+    const IptcItems& Iptc() const { return iptc_; }
+    void SetIptc(IptcItems items) { iptc_ = std::move(items); }
+
+    /// Removes every layer, the undo history and the IPTC items; the resolution becomes unknown.
     void Clear();
 
-    /// A new photo: replaces all layers, clears the undo history. Empty pixels only clear.
+    /// A new photo without IPTC items: replaces all layers, clears the undo history. Empty pixels
+    /// only clear.
     void Open(Pixels photo, DotsPerInch resolution);
 
     /// Replaces the photo's pixels by changed ones, as every tool does. Records an undo step first
@@ -90,6 +96,8 @@ class LayeredImage : public QObject {
  Q_SIGNALS:
     /// The photo's pixels or size changed.
     void PhotoChanged();
+    /// Comes before PhotoChanged where pixels inside `area` alone were changed in place.
+    void PhotoEdited(const QRect& area);
     /// A layer above the photo, the current layer or a visibility changed.
     void LayersChanged();
 
@@ -97,6 +105,7 @@ class LayeredImage : public QObject {
     std::vector<Layer> layers_;
     int currentLayer_ = -1;
     DotsPerInch resolution_;
+    IptcItems iptc_;
     bool automaticUndo_ = true;
     UndoHistory history_;
 };

@@ -1,6 +1,7 @@
 #include "imaging/NewImage.h"
 
 #include "platform/Error.h"
+#include "platform/LargePages.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +19,9 @@ QImage RequireAllocated(QImage image) {
 }
 
 QImage NewImage(QSize size, QImage::Format format) {
-    return RequireAllocated(QImage(size, format));
+    QImage image = RequireAllocated(QImage(size, format));
+    platform::PreferLargePages(image.bits(), static_cast<size_t>(image.sizeInBytes()));
+    return image;
 }
 
 }  // namespace kadrona::imaging

@@ -6,6 +6,7 @@
 #include <opencv2/core/utility.hpp>
 #include <vector>
 
+#include "imaging/CubicKernel.h"
 #include "imaging/NewImage.h"
 #include "imaging/Processing.h"
 
@@ -14,16 +15,6 @@ namespace kadrona::imaging {
 namespace {
 
 constexpr int Channels = 4;
-
-/// Keys' cubic convolution kernel with a = -1/2 (R. Keys, "Cubic convolution interpolation for
-/// digital image processing", IEEE Trans. ASSP 29(6), 1981). Zero from a distance of 2 on.
-double CubicKernel(double distance) {
-    const double x = std::abs(distance);
-    if (x < 1) {
-        return (1.5 * x - 2.5) * x * x + 1;
-    }
-    return x < 2 ? ((-0.5 * x + 2.5) * x - 4) * x + 2 : 0;
-}
 
 /// What a target pixel is mixed from: source pixels from `first` on, by weights that sum up to 1.
 struct Mix {

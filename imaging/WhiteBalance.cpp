@@ -9,6 +9,7 @@
 #include "imaging/MatView.h"
 #include "imaging/NewImage.h"
 #include "imaging/Processing.h"
+#include "imaging/StraightAlpha.h"
 
 namespace kadrona::imaging {
 
@@ -156,11 +157,7 @@ Pixels WhiteBalanced(const Pixels& pixels) {
     if (pixels.IsEmpty()) {
         return pixels;
     }
-    // Premultiplied values could be scaled above their alpha.
-    const QImage straight =
-        pixels.Tile().hasAlphaChannel()
-            ? RequireAllocated(pixels.Tile().convertToFormat(QImage::Format_ARGB32))
-            : pixels.Tile();
+    const QImage straight = StraightAlpha(pixels);
     const cv::Mat table = ScaleTable(EstimatedGains(straight));
     if (table.empty()) {
         return pixels;

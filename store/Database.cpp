@@ -7,14 +7,12 @@
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"
+#include "store/WordTokenizer.h"
 
 namespace kadrona::store {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-/// How long to wait for another program that writes, in milliseconds.
-constexpr int BusyTimeout = 5000;
 
 /// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
 /// our own SQL from the file's inner structures.
@@ -29,15 +27,20 @@ void Database::Closer::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);
 }
 
-Database::Database(const QString& folder) : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
+Database::Database(const QString& folder, std::chrono::milliseconds patience)
+    : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
     sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(path_.toUtf8().constData(), &handle,
-                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    int result =
+        sqlite3_open_v2(path_.toUtf8().constData(), &handle,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
-        sqlite3_busy_timeout(handle, BusyTimeout);
+        sqlite3_busy_timeout(handle, static_cast<int>(patience.count()));
         Harden(handle);
+        result = RegisterWordTokenizer(handle);
+    }
+    if (result == SQLITE_OK) {
         // The file is read only now: without this, garbage would pass for a database.
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
     }
@@ -69,6 +72,12 @@ bool Database::TableExists(const QString& name) {
 
 qint64 Database::LastInsertedId() const {
     return sqlite3_last_insert_rowid(handle_.get());
+}
+
+Database::State Database::PresentState() {
+    Statement statement(*this, u"PRAGMA data_version"_s);
+    statement.Step();
+    return {sqlite3_total_changes64(handle_.get()), statement.Integer(0)};
 }
 
 }  // namespace kadrona::store

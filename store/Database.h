@@ -2,19 +2,27 @@
 
 #include <QString>
 #include <QStringList>
+#include <chrono>
 #include <memory>
 
 struct sqlite3;
 
 namespace kadrona::store {
 
-/// The open database "KDRImageBase.db" of one folder. Every statement and transaction over it must
-/// end before it does.
+/// The open database "KDRImageBase.db" of one folder, which several programs may have open at once.
+/// Every statement and transaction over it must end before it does.
+///
+/// It keeps a rollback journal: whatever ends a program or the machine in the middle of a change,
+/// who opens the database next finds the state before it.
 class Database {
  public:
-    /// Opens the database and makes it where there is none yet; the folder must exist. Throws
-    /// StoreError, also where the file is no database.
-    explicit Database(const QString& folder);
+    /// Opens the database and makes it where there is none yet; the folder must exist. `patience`
+    /// is how long to wait each time while another program writes. Throws StoreError, also where
+    /// the file is no database.
+    explicit Database(const QString& folder,
+                      std::chrono::milliseconds patience = std::chrono::seconds(5));
+
+    const QString& Path() const { return path_; }
 
     /// Runs one statement that yields no rows worth reading. Throws StoreError.
     void Execute(const QString& sql);
@@ -27,6 +35,14 @@ class Database {
 
     /// The automatic number of the row inserted last; 0 before any.
     qint64 LastInsertedId() const;
+
+    /// Another one after every change, whichever program made it.
+    struct State {
+        qint64 ownChanges = 0;
+        qint64 othersVersion = 0;
+        bool operator==(const State&) const = default;
+    };
+    State PresentState();
 
  private:
     friend class Statement;

@@ -64,8 +64,12 @@ qint64 Statement::Integer(int column) const {
 }
 
 QString Statement::Text(int column) const {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
-    return QString::fromUtf8(text, sqlite3_column_bytes(handle_.get(), column));
+    return QString::fromUtf8(Utf8(column));
+}
+
+QByteArrayView Statement::Utf8(int column) const {
+    const unsigned char* text = sqlite3_column_text(handle_.get(), column);
+    return {text, sqlite3_column_bytes(handle_.get(), column)};
 }
 
 QByteArrayView Statement::Blob(int column) const {

@@ -35,6 +35,7 @@ class Statement {
     QString Text(int column) const;
 
     /// Valid until the next Step, Reset or the statement's end.
+    QByteArrayView Utf8(int column) const;
     QByteArrayView Blob(int column) const;
 
  private:

@@ -80,6 +80,37 @@ double ImageView::ZoomPercent() const {
     return d_->geometry_.Zoom() * 100;
 }
 
+void ImageView::ShowPart(double percent, QPointF middle) {
+    d_->ShowPart(percent / 100, middle);
+}
+
+QPointF ImageView::Middle() const {
+    return d_->geometry_.ToImage(d_->geometry_.ViewCentre());
+}
+
+void ImageView::SetPreviewFilter(PixelFilterPointer filter) {
+    if (filter != d_->filter_) {
+        d_->filter_ = std::move(filter);
+        d_->UpdatePhoto();
+    }
+}
+
+const PixelFilterPointer& ImageView::PreviewFilter() const {
+    return d_->filter_;
+}
+
+void ImageView::SetTool(ViewTool* tool) {
+    d_->SetTool(tool);
+}
+
+ViewTool* ImageView::Tool() const {
+    return d_->tool_;
+}
+
+void ImageView::RefreshTool() {
+    d_->UpdateOverlay();
+}
+
 QPointF ImageView::ToImage(QPointF widgetPosition) const {
     return d_->geometry_.ToImage(widgetPosition * d_->DeviceScale());
 }
@@ -105,6 +136,7 @@ void ImageView::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void ImageView::hideEvent(QHideEvent* /*event*/) {
+    d_->EndToolPress();
     d_->EndDrag();
 }
 

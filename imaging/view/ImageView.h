@@ -7,8 +7,11 @@
 #include <memory>
 
 #include "imaging/ImageDisplay.h"
+#include "imaging/PixelFilter.h"
 
 namespace kadrona::imaging::view {
+
+class ViewTool;
 
 /// Shows a layered image and lets the user zoom, pan, and move and scale the layers above the
 /// photo.
@@ -52,6 +55,24 @@ class ImageView : public QWidget, public ImageDisplay {
     void SetZoomPercent(double percent);
     double ZoomPercent() const;
 
+    /// Zooms to `percent` and brings a place of the photo into the view's middle, as far as the
+    /// view's bounds let it.
+    void ShowPart(double percent, QPointF middle);
+    /// The place of the photo in the view's middle.
+    QPointF Middle() const;
+
+    /// Shows the photo as the filter would make it; the layers above stay as they are. Only what
+    /// is visible is computed, at the size that it is shown in. Null shows the photo as it is.
+    void SetPreviewFilter(PixelFilterPointer filter);
+    const PixelFilterPointer& PreviewFilter() const;
+
+    /// Gives the left mouse button to a tool, which stays the caller's and outlives its use here;
+    /// null takes it back.
+    void SetTool(ViewTool* tool);
+    ViewTool* Tool() const;
+    /// What the tool paints has changed by something else than the view's events.
+    void RefreshTool();
+
     /// From widget coordinates to photo pixels and back.
     QPointF ToImage(QPointF widgetPosition) const;
     QPointF ToWidget(QPointF imagePosition) const;
@@ -70,6 +91,8 @@ class ImageView : public QWidget, public ImageDisplay {
     void MousePressed(QPointF imagePosition, Qt::MouseButton button,
                       Qt::KeyboardModifiers modifiers);
     void ZoomChanged(double percent);
+    /// Another part of the photo shows, or the same one in another size.
+    void PartChanged();
 
  protected:
     bool event(QEvent* event) override;
@@ -77,12 +100,14 @@ class ImageView : public QWidget, public ImageDisplay {
     void resizeEvent(QResizeEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
     class Private;

@@ -36,6 +36,9 @@ std::optional<QPoint> ArrowDirection(int key) {
 }  // namespace
 
 std::optional<ImageView::Private::Target> ImageView::Private::TargetAt(QPointF position) const {
+    if (tool_ != nullptr) {
+        return std::nullopt;
+    }
     const int current = image_.CurrentLayer();
     if (IsFramed(image_, current)) {
         const QRect place = geometry_.ToDevice(image_.LayerAt(current).rectangle);
@@ -55,7 +58,7 @@ std::optional<ImageView::Private::Target> ImageView::Private::TargetAt(QPointF p
 void ImageView::Private::Press(QPointF position, Qt::MouseButton button) {
     pointer_ = position;
     const bool isPanButton = button == Qt::MiddleButton || IsPanOnly();
-    if (IsDragging() || image_.IsEmpty() ||
+    if (IsDragging() || isToolPressed_ || image_.IsEmpty() ||
         (button != Qt::LeftButton && button != Qt::MiddleButton)) {
         return;
     }
@@ -171,7 +174,11 @@ bool ImageView::Private::PressKey(int key, bool shift) {
 
 void ImageView::mousePressEvent(QMouseEvent* event) {
     Q_EMIT MousePressed(ToImage(event->position()), event->button(), event->modifiers());
-    d_->Press(event->position() * d_->DeviceScale(), event->button());
+    if (event->button() == Qt::LeftButton && !d_->IsDragging() && d_->IsToolActive()) {
+        d_->PressTool(*event);
+    } else {
+        d_->Press(event->position() * d_->DeviceScale(), event->button());
+    }
 }
 
 void ImageView::mouseMoveEvent(QMouseEvent* event) {
@@ -179,10 +186,14 @@ void ImageView::mouseMoveEvent(QMouseEvent* event) {
         // The release went elsewhere, to a dialog for example.
         d_->EndDrag();
     }
+    d_->MoveTool(*event);
     d_->MoveTo(event->position() * d_->DeviceScale());
 }
 
 void ImageView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        d_->EndToolPress();
+    }
     const auto* pan = std::get_if<Private::PanDrag>(&d_->drag_);
     const Qt::MouseButton button = pan != nullptr ? pan->button : Qt::LeftButton;
     if (event->button() == button && d_->IsDragging()) {
@@ -196,6 +207,10 @@ void ImageView::wheelEvent(QWheelEvent* event) {
         event->ignore();
         return;
     }
+    if (d_->PassToTool(*event, notches)) {
+        event->accept();
+        return;
+    }
     const QPointF position = event->position() * d_->DeviceScale();
     d_->ZoomByUser(SteppedZoom(d_->geometry_.Zoom(), notches), position);
     d_->pointer_ = position;
@@ -204,10 +219,19 @@ void ImageView::wheelEvent(QWheelEvent* event) {
 }
 
 void ImageView::keyPressEvent(QKeyEvent* event) {
+    if (d_->PassToTool(*event)) {
+        return;
+    }
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool isPlain = (modifiers & ~Qt::ShiftModifier) == Qt::NoModifier;
     if (!isPlain || !d_->PressKey(event->key(), modifiers.testFlag(Qt::ShiftModifier))) {
         QWidget::keyPressEvent(event);
+    }
+}
+
+void ImageView::keyReleaseEvent(QKeyEvent* event) {
+    if (!d_->PassToTool(*event)) {
+        QWidget::keyReleaseEvent(event);
     }
 }
 

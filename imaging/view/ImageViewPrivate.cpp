@@ -32,16 +32,22 @@ ImageView::Private::Private(ImageView& view) : view_(view), cursor_(view) {
     settleTimer_.setInterval(SettleDelay);
     QObject::connect(&settleTimer_, &QTimer::timeout, &view, [this] { Settle(); });
     QObject::connect(&image_, &LayeredImage::PhotoChanged, &view, [this] { TakePhoto(); });
+    QObject::connect(&image_, &LayeredImage::PhotoEdited, &view,
+                     [this](const QRect& area) { TakeEdit(area); });
     QObject::connect(&image_, &LayeredImage::LayersChanged, &view,
                      [this] { RepaintChangedLayers(); });
 }
 
 void ImageView::Private::ChangeGeometry(const std::function<void()>& change) {
     const double zoom = geometry_.Zoom();
+    const QRect place = geometry_.ImageRectangle();
     change();
     view_.update();
     if (geometry_.Zoom() != zoom) {
         Q_EMIT view_.ZoomChanged(geometry_.Zoom() * 100);
+    }
+    if (geometry_.ImageRectangle() != place) {
+        Q_EMIT view_.PartChanged();
     }
 }
 
@@ -86,7 +92,38 @@ void ImageView::Private::Pan(QPointF imagePoint, QPointF to) {
     ChangeGeometry([&] { geometry_.Place(imagePoint, to); });
 }
 
+void ImageView::Private::ShowPart(double zoom, QPointF middle) {
+    isFitUnseen_ = false;
+    StartMoving();
+    ChangeGeometry([&] {
+        geometry_.SetZoom(zoom, geometry_.ViewCentre());
+        geometry_.Place(middle, geometry_.ViewCentre());
+    });
+}
+
+// A brush stroke would otherwise draw the whole view anew at each of its dabs.
+void ImageView::Private::TakeEdit(const QRect& area) {
+    if (image_.Photo().Size() != geometry_.ImageSize()) {
+        return;
+    }
+    painter_.TakePhotoEdit(image_.Photo(), area);
+    editedPixels_ = image_.Photo().Tile().cacheKey();
+    constexpr int FilterReach = 8;  // device pixels
+    view_.update(ToLogicalPixels(
+        geometry_.ToDevice(area).adjusted(-FilterReach, -FilterReach, FilterReach, FilterReach),
+        DeviceScale()));
+}
+
+void ImageView::Private::UpdatePhoto() {
+    view_.update(ToLogicalPixels(geometry_.ImageRectangle(), DeviceScale()));
+}
+
 void ImageView::Private::TakePhoto() {
+    if (!image_.IsEmpty() && image_.Photo().Tile().cacheKey() == editedPixels_) {
+        return;
+    }
+    editedPixels_ = 0;
+    painter_.ForgetPhoto();
     const QSize size = image_.Photo().Size();
     if (size != geometry_.ImageSize()) {
         EndDrag();
@@ -144,6 +181,7 @@ void ImageView::Private::Paint(const QRect& dirty) {
     painter.scale(1 / DeviceScale(), 1 / DeviceScale());
     PaintImage(painter, ToDevicePixels(dirty, DeviceScale()));
     painter.restore();
+    PaintOverlay(painter);
     if (showsFocus_ && view_.hasFocus()) {
         painter.setPen(view_.palette().color(QPalette::Highlight));
         painter.drawRect(view_.rect().adjusted(0, 0, -1, -1));
@@ -155,7 +193,7 @@ void ImageView::Private::PaintImage(QPainter& painter, const QRect& dirty) {
     try {
         painter_.Paint(painter, image_,
                        {geometry_, dirty, quality_, palette.color(QPalette::Base),
-                        palette.color(QPalette::Highlight), DeviceScale()});
+                        palette.color(QPalette::Highlight), DeviceScale(), filter_.get()});
     } catch (const platform::Error&) {
         // Memory is short, and nothing may be thrown through the event loop: the user sees the
         // background, and whatever needs the memory says so.

@@ -13,6 +13,7 @@
 #include "imaging/view/LayerPainter.h"
 #include "imaging/view/SelectionFrame.h"
 #include "imaging/view/ViewGeometry.h"
+#include "imaging/view/ViewTool.h"
 
 namespace kadrona::imaging::view {
 
@@ -30,6 +31,7 @@ class ImageView::Private {
     void ChangeZoom(double zoom, QPointF fixed);
     void ZoomByUser(double zoom, QPointF fixed);
     void Pan(QPointF imagePoint, QPointF to);
+    void ShowPart(double zoom, QPointF middle);
     /// Runs `change` and tells what came of it: zoom, repaint.
     void ChangeGeometry(const std::function<void()>& change);
 
@@ -40,6 +42,22 @@ class ImageView::Private {
     void StartMoving();
     void RepaintChangedLayers();
     void TakePhoto();
+    void TakeEdit(const QRect& area);
+    /// Paints the photo anew.
+    void UpdatePhoto();
+
+    // The tool.
+    void SetTool(ViewTool* tool);
+    /// True where the tool takes the left button now.
+    bool IsToolActive() const { return tool_ != nullptr && !IsPanOnly() && !image_.IsEmpty(); }
+    void PressTool(const QMouseEvent& event);
+    void MoveTool(const QMouseEvent& event);
+    void EndToolPress();
+    bool PassToTool(const QWheelEvent& event, double notches);
+    bool PassToTool(const QKeyEvent& event);
+    void UpdateOverlay();
+    void PaintOverlay(QPainter& painter);
+    bool IsPanOnly() const { return interactions_ == Interactions(Interaction::Pan); }
 
     // Input.
     void Press(QPointF position, Qt::MouseButton button);
@@ -77,6 +95,12 @@ class ImageView::Private {
     /// What shows while painting is suspended.
     QPixmap lastFrame_;
     std::vector<LayerAppearance> paintedLayers_;
+    PixelFilterPointer filter_;
+    /// Of the photo's pixels after the last edit that TakeEdit saw.
+    qint64 editedPixels_ = 0;
+    ViewTool* tool_ = nullptr;
+    bool isToolPressed_ = false;
+    QRect paintedOverlay_;
     bool showsFocus_ = false;
     std::variant<std::monostate, PanDrag, MovedLayer> drag_;
     /// Where the pointer was last seen.
@@ -91,7 +115,7 @@ class ImageView::Private {
     void StartLayerDrag(const Target& target, QPointF position);
     void SetLayerByUser(int layer, const QRect& rectangle);
     bool MoveCurrentLayer(QPoint by);
-    bool IsPanOnly() const { return interactions_ == Interactions(Interaction::Pan); }
+    ToolPointer PointerOf(QPointF widgetPosition, Qt::KeyboardModifiers modifiers) const;
 };
 
 }  // namespace kadrona::imaging::view

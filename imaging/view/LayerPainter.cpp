@@ -1,24 +1,64 @@
 #include "imaging/view/LayerPainter.h"
 
 #include <algorithm>
+#include <cstring>
+#include <opencv2/core.hpp>
+#include <span>
 
+#include "imaging/NewImage.h"
 #include "imaging/view/SelectionFrame.h"
 
 namespace kadrona::imaging::view {
 
 namespace {
 
-// Draws the pixels scaled to `place`.
-void PaintPixels(QPainter& painter, const Pixels& pixels, ScaledPixels& scaled, const QRect& place,
-                 const LayerPainter::Request& request) {
+// What is to be painted, and where it lies in the drawing.
+struct Painted {
+    QRect onScreen;
+    QRect inDrawing;
+};
+
+// Draws the pixels scaled to `place` into `scaled`. Empty where nothing of them is to be painted.
+Painted DrawScaled(const Pixels& pixels, ScaledPixels& scaled, const QRect& place,
+                   const LayerPainter::Request& request) {
     const QRect visible = place & QRect(QPoint(0, 0), request.geometry.ViewSize());
     const QRect painted = visible & request.dirty;
     if (painted.isEmpty() || pixels.IsEmpty()) {
-        return;
+        return {};
     }
     scaled.Draw(pixels, place.size(), visible.translated(-place.topLeft()), request.quality);
     const QPoint drawingOrigin = place.topLeft() + scaled.DrawnPart().topLeft();
-    painter.drawImage(painted.topLeft(), scaled.Drawing(), painted.translated(-drawingOrigin));
+    return {painted, painted.translated(-drawingOrigin)};
+}
+
+void PaintPixels(QPainter& painter, const Pixels& pixels, ScaledPixels& scaled, const QRect& place,
+                 const LayerPainter::Request& request) {
+    const Painted painted = DrawScaled(pixels, scaled, place, request);
+    if (painted.onScreen.isEmpty()) {
+        return;
+    }
+    painter.drawImage(painted.onScreen.topLeft(), scaled.Drawing(), painted.inDrawing);
+}
+
+// Copies `part` of the drawing, filtered, into the top left corner of `filtered`.
+void FilterPart(const QImage& drawing, const QRect& part, const PixelFilter& filter,
+                QImage& filtered) {
+    if (filtered.format() != drawing.format() || filtered.width() < part.width() ||
+        filtered.height() < part.height()) {
+        filtered = NewImage(part.size().expandedTo(filtered.size()), drawing.format());
+    }
+    uchar* const target = filtered.bits();
+    const qsizetype step = filtered.bytesPerLine();
+    cv::parallel_for_(cv::Range(0, part.height()), [&](const cv::Range& rows) {
+        for (int row = rows.start; row < rows.end; ++row) {
+            const std::span line(reinterpret_cast<QRgb*>(target + row * step),
+                                 static_cast<size_t>(part.width()));
+            std::memcpy(line.data(),
+                        drawing.constScanLine(part.top() + row) + ptrdiff_t{4} * part.left(),
+                        line.size_bytes());
+            filter.Apply(line);
+        }
+    });
 }
 
 void PaintBackground(QPainter& painter, const QRegion& uncovered, const QColor& background) {
@@ -39,7 +79,7 @@ void LayerPainter::Paint(QPainter& painter, const LayeredImage& image, const Req
     if (isShown && !place.contains(request.dirty)) {
         shadow_.Draw(painter, place, request.deviceScale);
     }
-    PaintPixels(painter, photo, photo_, place, request);
+    PaintPhoto(painter, photo, place, request);
 
     layers_.resize(static_cast<size_t>(std::max(0, image.LayerCount() - 1)),
                    ScaledPixels(Enlargement::Smooth));
@@ -56,6 +96,20 @@ void LayerPainter::Paint(QPainter& painter, const LayeredImage& image, const Req
         const QRect layer =
             request.geometry.ToDevice(image.LayerAt(image.CurrentLayer()).rectangle);
         SelectionFrame(request.deviceScale).Draw(painter, layer, request.accent);
+    }
+}
+
+void LayerPainter::PaintPhoto(QPainter& painter, const Pixels& photo, const QRect& place,
+                              const Request& request) {
+    if (request.filter == nullptr) {
+        PaintPixels(painter, photo, photo_, place, request);
+        return;
+    }
+    const Painted painted = DrawScaled(photo, photo_, place, request);
+    if (!painted.onScreen.isEmpty()) {
+        FilterPart(photo_.Drawing(), painted.inDrawing, *request.filter, filtered_);
+        painter.drawImage(painted.onScreen.topLeft(), filtered_,
+                          QRect(QPoint(), painted.onScreen.size()));
     }
 }
 

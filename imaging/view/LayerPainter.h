@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "imaging/LayeredImage.h"
+#include "imaging/PixelFilter.h"
 #include "imaging/view/ScaledPixels.h"
 #include "imaging/view/Shadow.h"
 #include "imaging/view/ViewGeometry.h"
@@ -43,16 +44,27 @@ class LayerPainter {
         QColor accent;
         /// Device pixels per logical pixel.
         double deviceScale = 1.0;
+        /// Changes what is visible of the photo; null leaves it as it is.
+        const PixelFilter* filter = nullptr;
     };
 
     /// Throws platform::Error where memory is short.
     void Paint(QPainter& painter, const LayeredImage& image, const Request& request);
 
+    /// The photo painted last was changed in place inside `area` alone.
+    void TakePhotoEdit(const Pixels& photo, const QRect& area) { photo_.TakeEdit(photo, area); }
+    /// Nothing is known of the photo any more.
+    void ForgetPhoto() { photo_.Forget(); }
+
  private:
+    void PaintPhoto(QPainter& painter, const Pixels& photo, const QRect& place,
+                    const Request& request);
     Shadow shadow_;
     ScaledPixels photo_{Enlargement::Crisp};
     /// Of the layers above the photo.
     std::vector<ScaledPixels> layers_;
+    /// What the filter made of the part painted last; its memory is kept from frame to frame.
+    QImage filtered_;
 };
 
 }  // namespace kadrona::imaging::view

@@ -55,6 +55,23 @@ void Pyramid::Invalidate() {
     }
 }
 
+void Pyramid::Invalidate(const QRect& area) {
+    const QRect inside = area & QRect(QPoint(0, 0), PictureSize());
+    if (inside.isEmpty()) {
+        return;
+    }
+    for (int row = inside.top() / BlockSide; row <= inside.bottom() / BlockSide; ++row) {
+        for (int column = inside.left() / BlockSide; column <= inside.right() / BlockSide;
+             ++column) {
+            const size_t block = static_cast<size_t>(row) * static_cast<size_t>(blockColumns_) +
+                                 static_cast<size_t>(column);
+            for (size_t level = 1; level < levels_.size(); ++level) {
+                levels_[level].isBuilt[block] = false;
+            }
+        }
+    }
+}
+
 bool Pyramid::IsBuilt(int level, const QRect& part) const {
     return MissingBlocks(level, part).empty();
 }

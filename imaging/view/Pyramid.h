@@ -27,6 +27,8 @@ class Pyramid {
     /// The picture has changed, but not its size: its levels are built anew, in the memory
     /// that they have.
     void Invalidate();
+    /// The picture has changed inside `area` (in its own pixels) alone.
+    void Invalidate(const QRect& area);
 
     /// True when a level needs no building for `part` (in the level's pixels).
     bool IsBuilt(int level, const QRect& part) const;

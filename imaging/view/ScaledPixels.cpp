@@ -1,6 +1,5 @@
 #include "imaging/view/ScaledPixels.h"
 
-#include <QRegion>
 #include <QScopeGuard>
 #include <algorithm>
 #include <cstring>
@@ -36,6 +35,14 @@ struct ScaledPixels::Steps {
     double Finer() const { return std::min(x, y); }
     Steps AtLevel(int level) const { return {x / (1 << level), y / (1 << level)}; }
 
+    /// The drawn pixels that may be mixed from those of `area`.
+    QRect Showing(const QRect& area) const {
+        return QRectF((area.x() - 2) / x, (area.y() - 2) / y, (area.width() + 4) / x,
+                      (area.height() + 4) / y)
+            .toAlignedRect()
+            .adjusted(-3, -3, 3, 3);
+    }
+
     /// The source pixels that drawing `part` may read.
     QRect Covered(const QRect& part) const {
         return QRectF(part.x() * x, part.y() * y, part.width() * x, part.height() * y)
@@ -57,12 +64,47 @@ void ScaledPixels::Notice(const Pixels& pixels) {
     }
     identity_ = identity;
     drawnPart_ = QRect();
+    stale_ = QRegion();
+}
+
+void ScaledPixels::TakeEdit(const Pixels& pixels, const QRect& area) {
+    const QSize tile = pixels.Tile().size();
+    const bool isPlain = pixels.Columns() == 1 && pixels.Rows() == 1;
+    if (identity_ == Identity() || !isPlain || identity_.columns != 1 || identity_.rows != 1 ||
+        pyramid_.PictureSize() != tile) {
+        Forget();
+        return;
+    }
+    identity_.tile = pixels.Tile().cacheKey();
+    pyramid_.Invalidate(area);
+    if (!drawnPart_.isEmpty()) {
+        // What is drawn of a coarser level may come from the pixels around as well.
+        const Steps steps{static_cast<double>(tile.width()) / size_.width(),
+                          static_cast<double>(tile.height()) / size_.height()};
+        stale_ += steps.Showing(area) & drawnPart_;
+    }
+}
+
+void ScaledPixels::Forget() {
+    identity_ = {};
+}
+
+void ScaledPixels::DrawStale(const Pixels& pixels) {
+    auto forgetIncomplete = qScopeGuard([this] { drawnPart_ = QRect(); });
+    for (const QRect& rectangle : std::exchange(stale_, QRegion())) {
+        DrawPart(pixels, rectangle);
+    }
+    forgetIncomplete.dismiss();
 }
 
 void ScaledPixels::Draw(const Pixels& pixels, QSize size, const QRect& part, Quality quality) {
     Notice(pixels);
     const bool reusable =
         size == size_ && (quality_ == Quality::Smooth || quality == Quality::Fast);
+    if (reusable) {
+        DrawStale(pixels);
+    }
+    stale_ = QRegion();
     if (reusable && drawnPart_.contains(part)) {
         return;
     }

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QRect>
+#include <QRegion>
 #include <QSize>
 
 #include "imaging/Pixels.h"
@@ -35,6 +36,12 @@ class ScaledPixels {
     /// ones than at the last call are noticed. Throws platform::Error where memory is short.
     void Draw(const Pixels& pixels, QSize size, const QRect& part, Quality quality);
 
+    /// The pixels, the same as at the last Draw, were changed in place inside `area` (in their own
+    /// pixels) alone: only what shows it is drawn anew.
+    void TakeEdit(const Pixels& pixels, const QRect& area);
+    /// Nothing is known of the pixels drawn last any more.
+    void Forget();
+
     const QImage& Drawing() const { return drawing_; }
     /// What of the scaled pixels Drawing() shows; contains the part last asked for.
     const QRect& DrawnPart() const { return drawnPart_; }
@@ -49,6 +56,7 @@ class ScaledPixels {
     };
 
     void Notice(const Pixels& pixels);
+    void DrawStale(const Pixels& pixels);
     void DrawPart(const Pixels& pixels, const QRect& part);
     void DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at);
     struct Steps;
@@ -64,6 +72,8 @@ class ScaledPixels {
     /// The drawing before, whose memory the next one takes.
     QImage spare_;
     QRect drawnPart_;
+    /// What of the drawn part shows edited pixels as they were.
+    QRegion stale_;
 };
 
 }  // namespace kadrona::imaging::view

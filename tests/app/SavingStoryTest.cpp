@@ -27,9 +27,12 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
 }
 
-TEST_F(SavingStory, MakingThePhotosPrintsThenSaves) {
+TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
     MakeSinglePhoto([this] {
-        ExpectMessage({u"Drucken"_s});
+        printer.failure = u"Der Drucker „Laser“ nimmt keine Aufträge an."_s;
+        driver.Expect(u"BeforPrintDlgFm"_s,
+                      [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
+        ExpectMessage({printer.failure});
         ExpectMessage({u"gespeichert"_s});
         Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
         Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);

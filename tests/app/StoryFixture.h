@@ -9,6 +9,7 @@
 #include "app/MainWindow.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/FakePrinter.h"
 #include "tests/support/ModalDriver.h"
 
 namespace kadrona::testing {
@@ -24,6 +25,7 @@ class Story : public ::testing::Test {
     void Start() {
         window.reset();
         window = std::make_unique<app::TmainFm>(installation.Folders());
+        window->Data().SetPrinterLayer(&printer);
         window->CreateReusedWindows();
         window->show();
     }
@@ -52,6 +54,7 @@ class Story : public ::testing::Test {
 
     Installation installation;
     ModalDriver driver;
+    FakePrinter printer;
     std::unique_ptr<app::TmainFm> window;
 };
 

@@ -135,14 +135,56 @@ TEST_F(DatabaseTest, NoticesDamage) {
     }
     QByteArray bytes = platform::ReadWholeFile(Path(), 10'000'000);
     ASSERT_GT(bytes.size(), 20'000);
+    const QByteArray truncated = bytes.first(bytes.size() / 2);
     std::fill(bytes.begin() + 4096, bytes.end(), '\xA5');
-    platform::WriteFileAtomically(Path(), bytes);
-    EXPECT_THROW(
-        {
+    for (const QByteArray& damaged : {bytes, truncated}) {
+        platform::WriteFileAtomically(Path(), damaged);
+        try {
             Database database(folder_.path());
             Count(database);
-        },
-        StoreError);
+            ADD_FAILURE() << "went unnoticed";
+        } catch (const StoreError& error) {
+            EXPECT_TRUE(error.Text().endsWith(u"Die Datenbank ist beschädigt."_s)) << error.what();
+        }
+    }
+}
+
+TEST_F(DatabaseTest, SaysWhatStandsInTheWay) {
+    using std::chrono::milliseconds;
+    Database database(folder_.path(), milliseconds(20));
+    database.RunScript(Script);
+    const auto insertError = [&] {
+        try {
+            Insert(database, QString(50'000, u'x'));
+        } catch (const StoreError& error) {
+            return error.Text();
+        }
+        return u"no error"_s;
+    };
+    {
+        Database other(folder_.path());
+        const Transaction writing(other);
+        EXPECT_TRUE(insertError().endsWith(u"Ein anderes Programm benutzt die Datenbank."_s));
+    }
+    database.Execute(u"PRAGMA max_page_count = 8"_s);
+    EXPECT_TRUE(insertError().endsWith(u"Auf dem Datenträger ist kein Platz mehr."_s));
+    database.Execute(u"PRAGMA query_only = 1"_s);
+    EXPECT_TRUE(insertError().endsWith(u"Die Datenbank ist schreibgeschützt."_s));
+    EXPECT_EQ(Count(database), 0);
+}
+
+TEST_F(DatabaseTest, StateTellsEveryChange) {
+    Database database(folder_.path());
+    database.RunScript(Script);
+    Database other(folder_.path());
+    const Database::State before = database.PresentState();
+    EXPECT_EQ(Count(database), 0);
+    EXPECT_EQ(database.PresentState(), before) << "reading changes nothing";
+    Insert(other, u"theirs"_s);
+    const Database::State between = database.PresentState();
+    EXPECT_NE(between, before);
+    Insert(database, u"ours"_s);
+    EXPECT_NE(database.PresentState(), between);
 }
 
 }  // namespace

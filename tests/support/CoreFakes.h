@@ -24,8 +24,14 @@ class FakeInterface : public core::UserInterface {
         saveDialogs.append(dialog);
         return saveFile;
     }
+    std::optional<double> AskForRotation(const imaging::Pixels& preview) override {
+        rotationPreview = preview.Size();
+        return rotation;
+    }
 
     QStringList messages;
+    QSize rotationPreview;
+    std::optional<double> rotation;
     QList<core::SaveDialog> saveDialogs;
     std::optional<QString> saveFile;
     std::optional<QStringList> tags;

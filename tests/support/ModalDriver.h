@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QMessageBox>
 #include <QTimer>
 #include <QWidget>
 #include <deque>
@@ -40,6 +41,15 @@ class ModalDriver {
             auto* pressed = shown.findChild<QAbstractButton*>(button);
             ASSERT_NE(pressed, nullptr) << button.toStdString();
             pressed->click();
+        });
+    }
+
+    /// Expects a message that contains `part` and presses one of its buttons.
+    ModalDriver& Answer(const QString& part, const QString& button = QStringLiteral("OkButton")) {
+        return Expect(QStringLiteral("MessageBox"), [part, button](QWidget& shown) {
+            const QString text = dynamic_cast<QMessageBox&>(shown).text();
+            EXPECT_TRUE(text.contains(part)) << text.toStdString();
+            shown.findChild<QAbstractButton*>(button)->click();
         });
     }
 

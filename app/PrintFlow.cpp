@@ -1,0 +1,117 @@
+#include "app/PrintFlow.h"
+
+#include <QFileInfo>
+#include <QLocale>
+#include <QWidget>
+
+#include "controls/MessageBoxes.h"
+#include "controls/WaitCursor.h"
+#include "core/Data.h"
+#include "dialogs/BeforePrint.h"
+#include "dialogs/PrinterProfiles.h"
+#include "dialogs/SettingsDialog.h"
+#include "imaging/LayeredImage.h"
+#include "printing/PrinterLayer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+QSize TenthsOf(QSizeF millimetres) {
+    return (millimetres * 10.0).toSize();
+}
+
+bool Fits(QSize sheet, QSize paper) {
+    return sheet.width() <= paper.width() && sheet.height() <= paper.height();
+}
+
+QString SizeText(QSize tenths) {
+    const QLocale german(QLocale::German);
+    return u"%1 × %2 mm"_s.arg(german.toString(tenths.width() / 10.0, 'f', 1),
+                               german.toString(tenths.height() / 10.0, 'f', 1));
+}
+
+printing::PrintImage PrintImageOf(const imaging::LayeredImage& sheet, const QString& photoFile) {
+    if (sheet.Resolution().value <= 0) {
+        throw platform::Error(
+            u"Das Bild kann nicht in wahrer Größe gedruckt werden: Seine Auflösung ist nicht "
+            u"bekannt. Öffnen Sie das Foto neu und erstellen Sie die Passbilder noch einmal."_s);
+    }
+    const imaging::Pixels& pixels = sheet.Photo();
+    return {.tile = pixels.Tile(),
+            .columns = pixels.Columns(),
+            .rows = pixels.Rows(),
+            .dotsPerInch = sheet.Resolution().value,
+            .title = QFileInfo(photoFile).fileName()};
+}
+
+}  // namespace
+
+QString PaperWarning(QSizeF sheetMillimetres, QSizeF paperMillimetres) {
+    const QSize sheet = TenthsOf(sheetMillimetres);
+    const QSize paper = TenthsOf(paperMillimetres);
+    if (paper.isEmpty() || Fits(sheet, paper)) {
+        return {};
+    }
+    QString text =
+        u"Das Blatt passt nicht auf das eingestellte Papier und wird am Rand abgeschnitten.\n\n"
+        u"Blatt:\t%1\nPapier:\t%2\n\n"_s.arg(SizeText(sheet), SizeText(paper));
+    if (Fits(sheet, paper.transposed())) {
+        text += u"Im %1 würde es passen.\n\n"_s.arg(
+            paper.width() < paper.height() ? u"Querformat"_s : u"Hochformat"_s);
+    }
+    return text + u"Trotzdem drucken?"_s;
+}
+
+PrintFlow::PrintFlow(QWidget& window, core::TData& data, dialogs::TEinstellungenFm& settings)
+    : window_(window),
+      data_(data),
+      profileDialog_(new dialogs::TPrintProfilDlg(data, settings, &window)),
+      beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)) {}
+
+void PrintFlow::PrintSheet(const imaging::LayeredImage& sheet) {
+    const printing::PrintImage image = PrintImageOf(sheet, data_.CurrentFile());
+    if (ChoosePrinter() && ConfirmPaper(image.Millimetres())) {
+        const controls::WaitCursor wait;
+        data_.Printer().Print(image);
+    }
+}
+
+/// False when the user cancelled. The choice stays the current printer for the rest of the run.
+bool PrintFlow::ChoosePrinter() {
+    switch (beforePrintDialog_->ShowEx()) {
+        case controls::ModalResult::Cancel:
+            return false;
+        case controls::ModalResult::Yes: {
+            const controls::WaitCursor wait;
+            data_.LoadPrintProfile(beforePrintDialog_->SelectedProfile());
+            return true;
+        }
+        case controls::ModalResult::No:
+            return data_.Printer().ShowSetupDialog(window_.windowHandle());
+        default:
+            return true;
+    }
+}
+
+/// Asks only where the sheet does not fit.
+bool PrintFlow::ConfirmPaper(QSizeF sheetMillimetres) {
+    QString warning;
+    {
+        const controls::WaitCursor wait;
+        warning = PaperWarning(sheetMillimetres, data_.Printer().PaperMillimetres());
+    }
+    return warning.isEmpty() || controls::AskYesNo(&window_, warning, controls::Severity::Warning);
+}
+
+void PrintFlow::SetUpPrinter() {
+    data_.Printer().ShowSetupDialog(window_.windowHandle());
+}
+
+void PrintFlow::ShowProfiles() {
+    profileDialog_->ShowEx();
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,253 @@
+#include "app/RetouchTool.h"
+
+#include <QStatusBar>
+#include <QToolTip>
+#include <algorithm>
+#include <cmath>
+
+#include "app/MainActions.h"
+#include "controls/ActionGuard.h"
+#include "controls/Cursors.h"
+#include "imaging/view/ImageView.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+using imaging::view::ToolPointer;
+
+namespace {
+
+const QString Retouch = u"acBeauty"_s;
+
+constexpr double SmallestDiameter = 1;
+constexpr double LargestDiameter = 2000;
+constexpr double SizeStep = 1.15;
+constexpr double SoftnessStep = 0.05;
+/// Of the photo's long side: about an eye's width in a portrait.
+constexpr int BrushesPerPhoto = 60;
+// In logical pixels.
+constexpr double CrossReach = 9;
+constexpr double OverlayMargin = 4;
+
+constexpr QColor Light(255, 255, 255, 220);
+constexpr QColor Dark(0, 0, 0, 200);
+
+}  // namespace
+
+RetouchTool::RetouchTool(ToolSurroundings surroundings, QObject* parent)
+    : QObject(parent), window_(std::move(surroundings)), stamp_(window_.view.Image()) {
+    connect(window_.actions[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
+    connect(&window_.view.Image(), &imaging::LayeredImage::PhotoChanged, this,
+            &RetouchTool::FollowPhoto);
+}
+
+RetouchTool::~RetouchTool() {
+    LeaveMode();
+}
+
+/// Triggering has toggled the action already.
+void RetouchTool::acBeautyExecute() {
+    const bool checked = window_.actions.IsChecked(Retouch);
+    window_.actions.SetChecked(Retouch, checked);
+    window_.showTemplateLayer(!checked);
+    if (checked) {
+        window_.view.Image().SetCurrentLayer(0);
+        window_.view.Image().RecordUndoStep();
+    }
+}
+
+/// Whatever unchecks the action ends the mode.
+void RetouchTool::FollowAction(bool checked) {
+    imaging::view::ImageView& view = window_.view;
+    if (checked) {
+        view.SetTool(this);
+        view.setCursor(controls::StampCursor());
+        view.setFocus();
+        ShowHint();
+    } else if (view.Tool() == this) {
+        view.SetTool(nullptr);
+        view.unsetCursor();
+        window_.statusBar.clearMessage();
+    }
+}
+
+void RetouchTool::LeaveMode() {
+    window_.actions.SetChecked(Retouch, false);
+    stamp_.Reset();
+}
+
+/// A photo of another size has no place for the old source, and wants another brush.
+void RetouchTool::FollowPhoto() {
+    const QSize size = window_.view.Image().Photo().Size();
+    if (size == photoSize_) {
+        return;
+    }
+    photoSize_ = size;
+    stamp_.Reset();
+    brush_.diameter = std::clamp<double>(std::max(size.width(), size.height()) / BrushesPerPhoto,
+                                         SmallestDiameter, LargestDiameter);
+}
+
+void RetouchTool::ShowHint() {
+    const QString what = stamp_.HasSource()
+                             ? u"Ziehen kopiert, Umschalt+Klick nimmt eine neue Quelle auf"_s
+                             : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
+    window_.statusBar.showMessage(
+        u"Stempel %1 px, Weichheit %2 %  –  %3  –  Mausrad: Größe, mit Umschalt: Weichheit"_s.arg(
+            QString::number(std::lround(brush_.diameter)),
+            QString::number(std::lround(brush_.softness * 100)), what));
+}
+
+bool RetouchTool::IsOnPhoto(QPointF photo) const {
+    return photo.x() >= 0 && photo.y() >= 0 && photo.x() < photoSize_.width() &&
+           photo.y() < photoSize_.height();
+}
+
+void RetouchTool::Press(const ToolPointer& pointer) {
+    Move(pointer);
+    if (!IsOnPhoto(pointer.photo)) {
+        return;
+    }
+    if (takesSource_) {
+        stamp_.TakeSource(pointer.photo);
+    } else if (!stamp_.HasSource()) {
+        QToolTip::showText(window_.view.mapToGlobal(pointer.widget.toPoint()),
+                           u"Zuerst mit gedrückter Umschalttaste anklicken, woher kopiert wird."_s,
+                           &window_.view);
+    } else {
+        controls::Guarded(window_.view.window(),
+                          [&] { stamp_.BeginStroke(pointer.photo, brush_); });
+    }
+    ShowHint();
+}
+
+void RetouchTool::Move(const ToolPointer& pointer) {
+    pointer_ = pointer.photo;
+    takesSource_ = pointer.modifiers.testFlag(Qt::ShiftModifier);
+    if (stamp_.IsStroking()) {
+        const bool drawn =
+            controls::Guarded(window_.view.window(), [&] { stamp_.ContinueStroke(pointer.photo); });
+        if (!drawn) {
+            stamp_.EndStroke();
+        }
+    }
+}
+
+void RetouchTool::Release() {
+    stamp_.EndStroke();
+}
+
+void RetouchTool::Leave() {
+    pointer_.reset();
+}
+
+void RetouchTool::ChangeSize(double notches) {
+    const double scaled = brush_.diameter * std::pow(SizeStep, notches);
+    // A small brush grows by whole pixels.
+    const double least = brush_.diameter + std::copysign(std::min(1.0, std::abs(notches)), notches);
+    brush_.diameter = std::clamp(notches > 0 ? std::max(scaled, least) : std::min(scaled, least),
+                                 SmallestDiameter, LargestDiameter);
+    ShowHint();
+}
+
+void RetouchTool::ChangeSoftness(double notches) {
+    brush_.softness = std::clamp(brush_.softness + notches * SoftnessStep, 0.0, 1.0);
+    ShowHint();
+}
+
+bool RetouchTool::Wheel(double notches, Qt::KeyboardModifiers modifiers) {
+    modifiers.testFlag(Qt::ShiftModifier) ? ChangeSoftness(notches) : ChangeSize(notches);
+    return true;
+}
+
+bool RetouchTool::Key(const QKeyEvent& event) {
+    if (event.key() == Qt::Key_Shift) {
+        takesSource_ = event.type() == QEvent::KeyPress;
+        return false;
+    }
+    const QString text = event.text();
+    if (event.type() != QEvent::KeyPress || text.size() != 1) {
+        return false;
+    }
+    if (text == u"+"_s || text == u"]"_s) {
+        ChangeSize(1);
+    } else if (text == u"-"_s || text == u"["_s) {
+        ChangeSize(-1);
+    } else if (text == u"."_s) {
+        ChangeSoftness(1);
+    } else if (text == u","_s) {
+        ChangeSoftness(-1);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+double RetouchTool::WidgetRadius() const {
+    const imaging::view::ImageView& view = window_.view;
+    return view.ToWidget({brush_.diameter / 2, 0}).x() - view.ToWidget({0, 0}).x();
+}
+
+/// Where the pointer copies from, in the view's coordinates.
+std::optional<QPointF> RetouchTool::SourceMark() const {
+    const auto source = pointer_ && !takesSource_ ? stamp_.SourceFor(*pointer_) : std::nullopt;
+    return source ? std::optional(window_.view.ToWidget(*source)) : std::nullopt;
+}
+
+QRectF RetouchTool::OverlayArea() const {
+    if (!pointer_) {
+        return {};
+    }
+    const auto around = [](QPointF middle, double reach) {
+        return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach);
+    };
+    QRectF area = around(window_.view.ToWidget(*pointer_),
+                         std::max(WidgetRadius(), CrossReach) + OverlayMargin);
+    if (const auto source = SourceMark()) {
+        area |= around(*source, CrossReach + OverlayMargin);
+    }
+    return area;
+}
+
+void RetouchTool::Paint(QPainter& painter) const {
+    if (!pointer_) {
+        return;
+    }
+    if (takesSource_) {
+        PaintCross(painter, window_.view.ToWidget(*pointer_));
+        return;
+    }
+    PaintBrush(painter);
+    if (const auto source = SourceMark()) {
+        PaintCross(painter, *source);
+    }
+}
+
+/// The circle of the whole brush, and dashed in it where a soft one still covers fully.
+void RetouchTool::PaintBrush(QPainter& painter) const {
+    const QPointF middle = window_.view.ToWidget(*pointer_);
+    const double radius = std::max(WidgetRadius(), 1.0);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Dark, 2.5));
+    painter.drawEllipse(middle, radius, radius);
+    painter.setPen(QPen(Light, 1.2));
+    painter.drawEllipse(middle, radius, radius);
+    const double core = radius * (1 - brush_.softness);
+    if (core >= 3 && radius - core >= 3) {
+        painter.setPen(QPen(Dark, 1));
+        painter.drawEllipse(middle, core, core);
+        painter.setPen(QPen(Light, 1, Qt::DashLine));
+        painter.drawEllipse(middle, core, core);
+    }
+}
+
+void RetouchTool::PaintCross(QPainter& painter, QPointF middle) {
+    for (const QPen& pen : {QPen(Dark, 3), QPen(Light, 1.2)}) {
+        painter.setPen(pen);
+        painter.drawLine(middle - QPointF(CrossReach, 0), middle + QPointF(CrossReach, 0));
+        painter.drawLine(middle - QPointF(0, CrossReach), middle + QPointF(0, CrossReach));
+    }
+}
+
+}  // namespace kadrona::app

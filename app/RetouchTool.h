@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QObject>
+#include <optional>
+
+#include "app/ToolSurroundings.h"
+#include "imaging/CloneStamp.h"
+#include "imaging/view/ViewTool.h"
+
+namespace kadrona::app {
+
+/// The retouch stamp, a mode held in the checked state of acBeauty: with Shift a click takes the
+/// source, without it a stroke copies. The wheel and the keys + - [ ] change the brush's size; with
+/// Shift the wheel, and the keys , . its softness. The brush shows as a circle at the pointer, the
+/// source as a cross.
+class RetouchTool : public QObject, private imaging::view::ViewTool {
+    Q_OBJECT
+
+ public:
+    explicit RetouchTool(ToolSurroundings surroundings, QObject* parent = nullptr);
+    ~RetouchTool() override;
+
+    void acBeautyExecute();
+
+    /// Ends the mode without touching the template, and forgets the source.
+    void LeaveMode();
+
+    const imaging::Brush& CurrentBrush() const { return brush_; }
+
+ private:
+    void FollowAction(bool checked);
+    void FollowPhoto();
+    void ShowHint();
+    void ChangeSize(double notches);
+    void ChangeSoftness(double notches);
+    bool IsOnPhoto(QPointF photo) const;
+    double WidgetRadius() const;
+    std::optional<QPointF> SourceMark() const;
+    void PaintBrush(QPainter& painter) const;
+    static void PaintCross(QPainter& painter, QPointF middle);
+
+    void Press(const imaging::view::ToolPointer& pointer) override;
+    void Move(const imaging::view::ToolPointer& pointer) override;
+    void Release() override;
+    void Leave() override;
+    bool Wheel(double notches, Qt::KeyboardModifiers modifiers) override;
+    bool Key(const QKeyEvent& event) override;
+    QRectF OverlayArea() const override;
+    void Paint(QPainter& painter) const override;
+
+    ToolSurroundings window_;
+    imaging::CloneStamp stamp_;
+    imaging::Brush brush_;
+    QSize photoSize_;
+    /// In photo pixels, while the pointer is over the view.
+    std::optional<QPointF> pointer_;
+    bool takesSource_ = false;
+};
+
+}  // namespace kadrona::app

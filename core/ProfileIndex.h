@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace kadrona::core {
+
+/// The index of a kind of profiles: an INI file in the data folder with a section per profile,
+/// whose one key holds the bare name of the profile's settings file in the same folder. Every
+/// operation opens the file anew; the order of the sections is the order of the profiles, and their
+/// names are found whatever their case. All throw platform::FileError where the file cannot be read
+/// or written.
+class ProfileIndex {
+ public:
+    ProfileIndex(QString dataFolder, QStringView fileName, QString key);
+
+    QStringList Names() const;
+
+    /// Full path of a profile's settings file; empty when the profile or its file is missing, or
+    /// when the index names a file outside the data folder.
+    QString SettingsFile(const QString& name) const;
+
+    /// Adds a profile at the end, or gives a known one another file. Throws platform::Error for a
+    /// name that no INI section can bear.
+    void Record(const QString& name, const QString& fileName) const;
+
+    void Erase(const QString& name) const;
+
+ private:
+    QString dataFolder_;
+    QString path_;
+    QString key_;
+};
+
+}  // namespace kadrona::core

@@ -1,0 +1,189 @@
+#include "dialogs/ArchiveSearch.h"
+
+#include <QAction>
+#include <QLocale>
+#include <QVBoxLayout>
+
+#include "controls/ActionGuard.h"
+#include "controls/CardGrid.h"
+#include "controls/CommandBar.h"
+#include "controls/FindPanel.h"
+#include "controls/Icons.h"
+#include "core/Data.h"
+#include "dialogs/ArchiveCards.h"
+#include "dialogs/ImageTags.h"
+#include "dialogs/Placement.h"
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr QSize DesignedSize(1000, 740);
+constexpr QSize LeastSize(420, 420);
+/// The window's section of the layout file.
+const QString LayoutSection = u"fmImgSearch"_s;
+
+QString CountText(size_t found, size_t all, bool searching) {
+    const QLocale german(QLocale::German);
+    const auto number = [&](size_t count) {
+        return german.toString(static_cast<qulonglong>(count));
+    };
+    if (searching) {
+        return u"%1 von %2"_s.arg(number(found), number(all));
+    }
+    return all == 1 ? u"1 Bild"_s : u"%1 Bilder"_s.arg(number(all));
+}
+
+}  // namespace
+
+TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                          Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint),
+      data_(data),
+      tagEditor_(tagEditor),
+      findPanel_(new controls::FindPanel(this)),
+      grid_(new controls::CardGrid(this)) {
+    setObjectName(LayoutSection);
+    setWindowTitle(u"Bild Archiv"_s);
+    BuildActions();
+    BuildLayout();
+    connect(findPanel_, &controls::FindPanel::Searched, this,
+            [this](const QString& text) { controls::Guarded(this, [&] { Search(text); }); });
+    connect(findPanel_, &controls::FindPanel::Left, grid_,
+            [this] { grid_->setFocus(Qt::OtherFocusReason); });
+    connect(grid_, &controls::CardGrid::CurrentChanged, this, [this] {
+        data_.SetCurrentRecord(grid_->Current().value_or(0));
+        acPrintImg_->setEnabled(grid_->Current().has_value());
+        acEditTags_->setEnabled(grid_->Current().has_value());
+    });
+    connect(grid_, &controls::CardGrid::CardOpened, acPrintImg_, &QAction::trigger);
+}
+
+TfmImgSearch::~TfmImgSearch() = default;
+
+QAction* TfmImgSearch::AddAction(const QString& name, const QString& caption, const QString& icon) {
+    auto* action = new QAction(controls::Icon(icon), caption, this);
+    action->setObjectName(name);
+    addAction(action);
+    return action;
+}
+
+void TfmImgSearch::BuildActions() {
+    acPrintImg_ = AddAction(u"acPrintImg"_s, u"zum Druck öffnen"_s, u"print"_s);
+    connect(acPrintImg_, &QAction::triggered, this, &QDialog::accept);
+    acEditTags_ = AddAction(u"acEditTags"_s, u"Tags bearbeiten"_s, u"tags"_s);
+    connect(acEditTags_, &QAction::triggered, this,
+            [this] { controls::Guarded(this, [this] { acEditTagsExecute(); }); });
+    acClose_ = AddAction(u"acClose"_s, u"Fenster schließen"_s, u"quit"_s);
+    acClose_->setShortcut(Qt::CTRL | Qt::Key_Q);
+    connect(acClose_, &QAction::triggered, this, &QDialog::reject);
+    QAction* search = AddAction(u"acSearchImg"_s, u"Suche"_s, u"search"_s);
+    search->setShortcut(Qt::CTRL | Qt::Key_F);
+    connect(search, &QAction::triggered, findPanel_, &controls::FindPanel::TakeFocus);
+    QAction* clear = AddAction(u"acClearSearch"_s, u"Abbruch"_s, u"clear"_s);
+    connect(clear, &QAction::triggered, findPanel_, &controls::FindPanel::Clear);
+}
+
+void TfmImgSearch::BuildLayout() {
+    auto* bar = new controls::CommandBar(u"Bild Archiv"_s, this);
+    for (QAction* action : {acPrintImg_, acEditTags_, acClose_}) {
+        bar->AddAction(action, controls::Caption::Shown);
+    }
+    findPanel_->setObjectName(u"FindPanel"_s);
+    findPanel_->SetSyntaxTip(
+        u"Suche"_s,
+        u"In Datum, Dateiname, Schablone und Tags; alle Wörter müssen vorkommen.\n\n"
+        u"Ber*n: * steht für beliebige Zeichen\n"
+        u"\"Anna Berg\": die Wörter stehen nebeneinander\n"
+        u"-Berlin: das Wort kommt nicht vor"_s);
+    grid_->setObjectName(u"CardGrid"_s);
+    grid_->setAccessibleName(u"Archivierte Bilder"_s);
+    grid_->addActions({acPrintImg_, acEditTags_});
+    grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(bar);
+    layout->addWidget(findPanel_);
+    layout->addWidget(grid_, 1);
+    setMinimumSize(LeastSize);
+    const QSize remembered = data_.ReadLayerPosFromIni(LayoutSection).size();
+    resize(remembered.isEmpty() ? DesignedSize : remembered);
+}
+
+controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
+    archiveFolder_ = archiveFolder;
+    Open();
+    findPanel_->TakeFocus();
+    if (!isMaximized()) {
+        CentreOnParent(*this);
+    }
+    return controls::ShowModal(*this);
+}
+
+/// All records, read anew: others may have archived meanwhile.
+void TfmImgSearch::Open() {
+    core::ArchiveTable* table = data_.Archive();
+    if (table == nullptr) {
+        throw platform::Error(
+            u"Das Bildarchiv ist nicht verfügbar, weil seine Datenbank nicht geöffnet werden "
+            u"konnte."_s);
+    }
+    table->SetFilter({});
+    auto cards = std::make_unique<ArchiveCards>(*table);
+    grid_->SetSource(cards.get());
+    cards_ = std::move(cards);
+    findPanel_->Clear();
+    grid_->SetCards(table->Ids(), controls::CardGrid::Position::Start);
+    recordCount_ = grid_->Cards().size();
+    ShowState();
+}
+
+void TfmImgSearch::Search(const QString& text) {
+    using Position = controls::CardGrid::Position;
+    grid_->SetCards(data_.Archive()->Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+    ShowState();
+}
+
+void TfmImgSearch::ShowState() {
+    const bool searching = !findPanel_->Text().isEmpty();
+    findPanel_->SetHits(CountText(grid_->Cards().size(), recordCount_, searching));
+    if (searching && recordCount_ > 0) {
+        grid_->SetEmptyText(u"Nichts gefunden."_s, u"Esc im Suchfeld zeigt wieder alle Bilder."_s);
+    } else {
+        grid_->SetEmptyText(
+            u"Das Archiv ist noch leer."_s,
+            u"Neue Passbilder kommen hierher, wenn in den Einstellungen „Automatisch im "
+            u"Bildarchiv speichern“ eingeschaltet ist."_s);
+    }
+}
+
+/// The record first, so that the tags are kept even where the photo's file is gone.
+void TfmImgSearch::acEditTagsExecute() {
+    core::ArchiveTable& table = *data_.Archive();
+    const qint64 id = grid_->Current().value();
+    const core::ArchiveRecord record = ExistingRecord(table, id);
+    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok) {
+        return;
+    }
+    table.SetTags(id, tagEditor_.Tags());
+    grid_->Reload(id);
+    if (!archiveFolder_.isEmpty()) {
+        const QString path = data_.GetFileNameFromRecord(archiveFolder_);
+        data_.RewriteIptcToImage(path, tagEditor_.FirstLine(), tagEditor_.Tags());
+    }
+}
+
+/// The size that the window has now is the one that it is opened with the next time.
+void TfmImgSearch::done(int result) {
+    controls::Guarded(this, [&] {
+        data_.SaveLayerPosToIni(LayoutSection, isMaximized() ? normalGeometry() : geometry());
+    });
+    QDialog::done(result);
+}
+
+}  // namespace kadrona::dialogs

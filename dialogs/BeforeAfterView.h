@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+#include "imaging/PixelFilter.h"
+
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
+namespace kadrona::dialogs {
+
+/// A photo beside itself as a filter would make it. Both sides zoom and pan together.
+class BeforeAfterView : public QWidget {
+    Q_OBJECT
+
+ public:
+    explicit BeforeAfterView(QWidget* parent = nullptr);
+
+    /// Shows another photo as a whole; empty pixels show nothing.
+    void SetPhoto(const imaging::Pixels& photo);
+    /// Null changes nothing.
+    void SetFilter(imaging::PixelFilterPointer filter);
+
+ private:
+    imaging::view::ImageView* AddSide(int column, const QString& title, const QString& name);
+    void AddZoomButtons();
+    void Follow(const imaging::view::ImageView& leader, imaging::view::ImageView& follower);
+
+    imaging::view::ImageView* before_;
+    imaging::view::ImageView* after_;
+    bool isFollowing_ = false;
+};
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,128 @@
+#include "dialogs/ColourAdjustment.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QScreen>
+#include <QShowEvent>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "dialogs/AdjustmentPage.h"
+#include "dialogs/BeforeAfterView.h"
+#include "dialogs/Placement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr QSize DesignedSize(800, 800);
+
+/// Null where nothing is adjusted, so that it costs nothing.
+template <typename Adjustment>
+imaging::PixelFilterPointer FilterUnlessNeutral(
+    imaging::PixelFilterPointer (*make)(const Adjustment&), const Adjustment& adjustment) {
+    return adjustment == Adjustment() ? nullptr : make(adjustment);
+}
+
+}  // namespace
+
+ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"ColourAdjustment"_s);
+    setWindowTitle(u"Farben anpassen"_s);
+    preview_ = new BeforeAfterView;
+    pages_ = new QTabWidget;
+    pages_->setObjectName(u"Pages"_s);
+    contrast_ = AddPage(
+        u"ContrastPage"_s,
+        new AdjustmentPage({{u"Kontrast"_s, u"Contrast"_s}, {u"Helligkeit"_s, u"Brightness"_s}}),
+        u"Kontrast und Helligkeit"_s);
+    hue_ = AddPage(u"HuePage"_s,
+                   new AdjustmentPage({{u"Farbton"_s, u"Hue"_s, -180, 180, u"°"_s},
+                                       {u"Sättigung"_s, u"Saturation"_s},
+                                       {u"Helligkeit"_s, u"Lightness"_s}}),
+                   u"Farbton, Sättigung, Helligkeit"_s);
+    balance_ = AddPage(
+        u"BalancePage"_s,
+        new AdjustmentPage({{u"Rot"_s, u"Red"_s}, {u"Grün"_s, u"Green"_s}, {u"Blau"_s, u"Blue"_s}}),
+        u"RGB-Balance"_s);
+    equalisation_ = AddPage(u"EqualisationPage"_s,
+                            new AdjustmentPage({{u"Stärke"_s, u"Equalisation"_s, 0, 100, u" %"_s}}),
+                            u"Histogrammausgleich"_s);
+
+    auto* resetAll = new QPushButton(u"Alles zurücksetzen"_s);
+    resetAll->setObjectName(u"btnResetAll"_s);
+    resetAll->setAutoDefault(false);
+    connect(resetAll, &QPushButton::clicked, this, &ColourAdjustment::ResetAll);
+    auto* ok = new QPushButton(u"Übernehmen"_s);
+    ok->setObjectName(u"btnOk"_s);
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    auto* cancel = new QPushButton(u"Abbrechen"_s);
+    cancel->setObjectName(u"btnCancel"_s);
+    cancel->setAutoDefault(false);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addWidget(resetAll);
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setSpacing(12);
+    layout->addWidget(preview_, 1);
+    layout->addWidget(pages_);
+    layout->addLayout(buttons);
+    resize(DesignedSize.boundedTo(screen()->availableSize()));
+}
+
+AdjustmentPage* ColourAdjustment::AddPage(const QString& name, AdjustmentPage* page,
+                                          const QString& title) {
+    page->setObjectName(name);
+    pages_->addTab(page, title);
+    connect(page, &AdjustmentPage::Changed, this, [this] { preview_->SetFilter(Filter()); });
+    return page;
+}
+
+int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
+    histogram_ = imaging::HistogramOf(photo);
+    ResetAll();
+    pages_->setCurrentIndex(0);
+    preview_->SetPhoto(photo);
+    const auto release = qScopeGuard([this] { preview_->SetPhoto({}); });
+    return exec();
+}
+
+void ColourAdjustment::ResetAll() {
+    for (AdjustmentPage* page : {contrast_, hue_, balance_, equalisation_}) {
+        page->Reset();
+    }
+}
+
+imaging::PixelFilterPointer ColourAdjustment::Filter() const {
+    using namespace imaging;
+    const int equalisation = equalisation_->Value(0);
+    return Sequence(
+        {equalisation == 0 ? nullptr : EqualisationFilter(histogram_, equalisation),
+         FilterUnlessNeutral<ContrastAdjustment>(
+             ContrastFilter, {.contrast = contrast_->Value(0), .brightness = contrast_->Value(1)}),
+         FilterUnlessNeutral<HueAdjustment>(HueFilter, {.hueDegrees = hue_->Value(0),
+                                                        .saturation = hue_->Value(1),
+                                                        .lightness = hue_->Value(2)}),
+         FilterUnlessNeutral<BalanceAdjustment>(BalanceFilter, {.red = balance_->Value(0),
+                                                                .green = balance_->Value(1),
+                                                                .blue = balance_->Value(2)})});
+}
+
+void ColourAdjustment::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous()) {
+        CentreOnParent(*this);
+    }
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,73 @@
+#include "dialogs/ImageTags.h"
+
+#include <QDialogButtonBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "dialogs/Placement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    setObjectName(u"fmImageTagEdit"_s);
+    setWindowTitle(u"Schlüsselworte"_s);
+    tagMemo_ = new QPlainTextEdit;
+    tagMemo_->setObjectName(u"TagMemo"_s);
+    tagMemo_->setAccessibleName(u"Schlüsselworte"_s);
+    tagMemo_->setPlaceholderText(u"Je Zeile ein Schlüsselwort, zum Beispiel der Name des Kunden"_s);
+    tagMemo_->setTabChangesFocus(true);
+
+    auto* buttons = new QDialogButtonBox;
+    QPushButton* ok = buttons->addButton(u"Übernehmen"_s, QDialogButtonBox::AcceptRole);
+    ok->setObjectName(u"btnOk"_s);
+    ok->setToolTip(u"Übernehmen und schließen"_s);
+    ok->setDefault(true);
+    QPushButton* cancel = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    cancel->setObjectName(u"btnCancel"_s);
+    cancel->setToolTip(u"Abbrechen"_s);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    // Return alone begins a new line.
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        connect(new QShortcut(Qt::CTRL | key, this), &QShortcut::activated, ok,
+                &QPushButton::click);
+    }
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(10);
+    layout->addWidget(tagMemo_, 1);
+    layout->addWidget(buttons);
+    setFixedSize(sizeHint().expandedTo(QSize(420, 280)));
+}
+
+controls::ModalResult TfmImageTagEdit::ShowEx(const QString& tags) {
+    tagMemo_->setPlainText(tags);
+    tagMemo_->moveCursor(QTextCursor::End);
+    tagMemo_->setFocus();
+    CentreOnParent(*this);
+    return controls::ShowModal(*this);
+}
+
+QStringList TfmImageTagEdit::Lines() const {
+    QStringList lines = tagMemo_->toPlainText().split(u'\n');
+    if (lines.last().isEmpty()) {
+        lines.removeLast();
+    }
+    return lines;
+}
+
+QString TfmImageTagEdit::Tags() const {
+    QString tags;
+    for (const QString& line : Lines()) {
+        tags += line + u"\r\n"_s;
+    }
+    return tags;
+}
+
+}  // namespace kadrona::dialogs

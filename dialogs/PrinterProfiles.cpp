@@ -1,0 +1,122 @@
+#include "dialogs/PrinterProfiles.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "controls/ActionGuard.h"
+#include "controls/MessageBoxes.h"
+#include "controls/SelectionList.h"
+#include "core/Data.h"
+#include "dialogs/SettingsDialog.h"
+#include "printing/PrinterLayer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr QSize SmallestList(260, 220);
+
+QPushButton* NamedButton(const QString& name, const QString& caption) {
+    auto* button = new QPushButton(caption);
+    button->setObjectName(name);
+    return button;
+}
+
+}  // namespace
+
+TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, QWidget* parent)
+    : QDialog(parent), data_(data), settings_(settings) {
+    setObjectName(u"PrintProfilDlg"_s);
+    setWindowTitle(u"Druck Profile"_s);
+    lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
+    lbProfiles_->setMinimumSize(SmallestList);
+    btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"Neues Profil"_s);
+    btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil löschen"_s);
+    btnClose_ = NamedButton(u"btnClose"_s, u"Schließen"_s);
+    btnDelProfile_->setEnabled(false);
+
+    auto* explanation = new QLabel(
+        u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
+    explanation->setWordWrap(true);
+    explanation->setContentsMargins(0, 0, 0, 6);
+    auto* caption = new QLabel(u"Profile"_s);
+    caption->setBuddy(lbProfiles_);
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(6);
+    buttons->addWidget(btnNewProfile_);
+    buttons->addWidget(btnDelProfile_);
+    buttons->addStretch();
+    buttons->addWidget(btnClose_);
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->addWidget(explanation, 0, 0, 1, 2);
+    layout->addWidget(caption, 1, 0);
+    layout->addWidget(lbProfiles_, 2, 0);
+    layout->addLayout(buttons, 2, 1);
+    layout->setHorizontalSpacing(10);
+    layout->setColumnStretch(0, 1);
+    layout->setRowStretch(2, 1);
+
+    connect(lbProfiles_, &QListWidget::itemSelectionChanged, this,
+            [this] { btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0); });
+    connect(btnNewProfile_, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { btnNewProfileClick(); }); });
+    connect(btnDelProfile_, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { btnDelProfileClick(); }); });
+    connect(btnClose_, &QPushButton::clicked, this, &QDialog::accept);
+    // An index that cannot be read must not keep the program from starting.
+    controls::Guarded(parent, [this] { FormCreate(); });
+}
+
+controls::ModalResult TPrintProfilDlg::ShowEx() {
+    // Else both would be with the button that was pressed last time.
+    lbProfiles_->setFocus();
+    btnClose_->setDefault(true);
+    return controls::ShowModal(*this);
+}
+
+void TPrintProfilDlg::FormCreate() {
+    lbProfiles_->SetTexts(data_.GetPrinterProfileList());
+}
+
+void TPrintProfilDlg::btnNewProfileClick() {
+    if (!data_.Printer().ShowSetupDialog(windowHandle())) {
+        return;
+    }
+    const auto name = controls::AskForLine(this, u"New Profile"_s, u"Name"_s);
+    if (!name || name->trimmed().isEmpty() || IsKnown(*name)) {
+        return;
+    }
+    data_.SavePrintProfile(*name);
+    lbProfiles_->AddText(name->trimmed());
+    lbProfiles_->SelectRow(lbProfiles_->count() - 1);
+    settings_.RefreshPrinterProfiles();
+}
+
+/// Names that differ in case or in blanks at their ends are one section of the index: making the
+/// second would take the first one's settings.
+bool TPrintProfilDlg::IsKnown(const QString& name) const {
+    return !lbProfiles_->findItems(name.trimmed(), Qt::MatchFixedString).isEmpty();
+}
+
+void TPrintProfilDlg::btnDelProfileClick() {
+    const int row = lbProfiles_->SelectedRow();
+    if (row < 0 ||
+        !controls::AskYesNo(this, u"Druck Profil löschen?"_s, controls::Severity::Warning)) {
+        return;
+    }
+    data_.DeletePrinterProfile(lbProfiles_->SelectedText());
+    delete lbProfiles_->takeItem(row);
+    lbProfiles_->SelectRow(-1);
+    settings_.ResetPrintDefaults();
+    controls::ShowInformation(
+        this,
+        u"Das Profil wurde gelöscht und die Einstellungen zurückgesetzt.\r\n"
+        u"Wechseln Sie zu den Einstellungen und konfigurieren die Druckausgabe erneut!"_s);
+}
+
+}  // namespace kadrona::dialogs

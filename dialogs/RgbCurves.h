@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QDialog>
+
+#include "imaging/Curves.h"
+#include "imaging/LayeredImage.h"
+
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+namespace kadrona::imaging::view {
+class CurveEditor;
+class ImageView;
+}  // namespace kadrona::imaging::view
+
+namespace kadrona::dialogs {
+
+/// "RGB Kurve": tone curves for the combined channel, red, green and blue, shown live on the main
+/// view, and presets of them, one ".acv" file each in the curves folder.
+class TfmRGBKurve : public QDialog {
+    Q_OBJECT
+
+ public:
+    /// Reads the names of the presets once; a missing folder gives an empty list.
+    explicit TfmRGBKurve(QString curvesFolder, QWidget* parent = nullptr);
+
+    /// Starts from identity curves. QDialog::Accepted: the whole photo was changed by the curves.
+    /// QDialog::Rejected: the photo is as it was, the curves are the identity.
+    int ShowEx(imaging::view::ImageView& view);
+
+    /// Applies the last curves to an image without showing anything.
+    void ShowSilent(imaging::LayeredImage& image);
+
+    const imaging::CurveSet& Curves() const;
+
+ public Q_SLOTS:
+    void reject() override;
+
+ protected:
+    void showEvent(QShowEvent* event) override;
+
+ private:
+    void BuildPresets();
+    void BuildChannel();
+    void FillPresets();
+    void cbPreset2Click();
+    void btnAddClick();
+    void btnUpdateClick();
+    void btnDeleteClick();
+    void cbChannelChange();
+    void ApplyTo(imaging::LayeredImage& image) const;
+    void ShowHint(bool pointRefused);
+    QPushButton* Button(const QString& name, const QString& text, void (TfmRGBKurve::*click)());
+    /// Throws imaging::CurveFileError for a name that no file can have.
+    QString PresetFile(const QString& name) const;
+
+    QString curvesFolder_;
+    imaging::view::CurveEditor* editor_;
+    QListWidget* cbPreset2_;
+    QComboBox* cbChannel_;
+    QLabel* hint_;
+    QPushButton* btnAdd_;
+    QPushButton* btnUpdate_;
+    QPushButton* btnDelete_;
+};
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,90 @@
+#include "dialogs/RotateDialog.h"
+
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QShowEvent>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "dialogs/Placement.h"
+#include "dialogs/RotationPreview.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"fmRotateDlg"_s);
+    setWindowTitle(u"Bild drehen"_s);
+    preview_ = new RotationPreview;
+    preview_->setObjectName(u"Preview"_s);
+    angle_ = new QDoubleSpinBox;
+    angle_->setObjectName(u"Angle"_s);
+    angle_->setAccessibleName(u"Winkel"_s);
+    angle_->setRange(-180, 180);
+    angle_->setDecimals(1);
+    angle_->setSingleStep(0.1);
+    angle_->setSuffix(u"°"_s);
+    angle_->setWrapping(true);
+    // The box shows the angle rounded; only what is typed there is taken from it.
+    connect(preview_, &RotationPreview::DegreesChanged, this, [this](double degrees) {
+        const QSignalBlocker blocker(angle_);
+        angle_->setValue(degrees);
+    });
+    connect(angle_, &QDoubleSpinBox::valueChanged, preview_, &RotationPreview::SetDegrees);
+    auto* hint = new QLabel(
+        u"Mit der Maus drehen, mit der rechten Taste verschieben. Mausrad und Pfeiltasten drehen "
+        u"in feinen Schritten."_s);
+    hint->setWordWrap(true);
+    auto* btnOk = new QPushButton(u"Übernehmen"_s);
+    btnOk->setObjectName(u"btnOk"_s);
+    btnOk->setDefault(true);
+    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
+    auto* btnCancel = new QPushButton(u"Abbrechen"_s);
+    btnCancel->setObjectName(u"btnCancel"_s);
+    btnCancel->setAutoDefault(false);
+    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
+
+    auto* label = new QLabel(u"Winkel"_s);
+    label->setBuddy(angle_);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(label);
+    row->addWidget(angle_);
+    row->addStretch();
+    row->addWidget(btnOk);
+    row->addWidget(btnCancel);
+    auto* below = new QVBoxLayout;
+    below->setContentsMargins(16, 10, 16, 14);
+    below->setSpacing(10);
+    below->addWidget(hint);
+    below->addLayout(row);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(preview_);
+    layout->addLayout(below);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+std::optional<double> TfmRotateDlg::ShowEx(const imaging::Pixels& preview) {
+    preview_->SetPicture(preview.ToImage());
+    const auto clean = qScopeGuard([this] { preview_->SetPicture(QImage()); });
+    if (exec() != Accepted) {
+        return std::nullopt;
+    }
+    return preview_->Degrees();
+}
+
+void TfmRotateDlg::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous()) {
+        CentreOnParent(*this);
+        preview_->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,1 @@
+kadrona_fuzzer(curve_fuzzer USES kadrona_imaging)

@@ -1,0 +1,1 @@
+kadrona_fuzzer(iptc_fuzzer USES kadrona_imaging)

@@ -1,0 +1,1 @@
+kadrona_fuzzer(printer_settings_fuzzer USES kadrona_printing)

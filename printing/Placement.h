@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QRectF>
+#include <QSizeF>
+
+/// Where a picture lies on paper; all lengths in millimetres, the origin at the paper's top left.
+namespace kadrona::printing {
+
+/// The picture in its own size, centred on the paper. It lies beyond the paper's edges, at a
+/// negative position, where it is larger.
+QRectF CentredOnPaper(QSizeF paper, QSizeF picture);
+
+/// Whether the picture, centred, loses nothing at the paper's edges. A twentieth of a millimetre
+/// may: no printer cuts or feeds more exactly.
+bool FitsOnPaper(QSizeF paper, QSizeF picture);
+
+}  // namespace kadrona::printing

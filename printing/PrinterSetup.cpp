@@ -1,0 +1,37 @@
+#include "printing/PrinterSetup.h"
+
+#include <QFileInfo>
+
+#include "platform/AtomicFile.h"
+#include "printing/PrinterSettingsFile.h"
+
+namespace kadrona::printing {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Far above what any driver keeps; bounds the memory that a foreign file can take.
+constexpr qint64 MaximumFileBytes = 64 * 1024 * 1024;
+
+}  // namespace
+
+void TPrinterSetup::SaveToFile(const QString& fileName) const {
+    platform::WriteFileAtomically(fileName, PrinterSettingsBytes(layer_.CurrentPrinter()));
+}
+
+void TPrinterSetup::LoadFromFile(const QString& fileName) {
+    if (!QFileInfo::exists(fileName)) {
+        return;
+    }
+    const std::optional<PrinterChoice> choice =
+        ReadPrinterSettings(platform::ReadWholeFile(fileName, MaximumFileBytes));
+    if (!choice) {
+        throw platform::FileError(
+            u"Die Druckereinstellungen „%1“ konnten nicht gelesen werden: Die Datei ist unvollständig oder beschädigt."_s
+                .arg(fileName));
+    }
+    layer_.SetCurrentPrinter(*choice);
+}
+
+}  // namespace kadrona::printing

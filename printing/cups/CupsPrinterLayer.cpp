@@ -1,0 +1,117 @@
+#include "printing/cups/CupsPrinterLayer.h"
+
+#include "printing/cups/Job.h"
+#include "printing/cups/QueueChoice.h"
+#include "printing/cups/SetupDialog.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+/// Lets `step` name only the reason of what fails, and puts the printer's name before it.
+template <typename Step>
+auto NamingPrinter(const QString& printer, const Step& step) {
+    try {
+        return step();
+    } catch (const platform::Error& error) {
+        throw PrinterError(u"Drucker „%1“: %2"_s.arg(printer, error.Text()));
+    }
+}
+
+Queue RequiredQueue(Connection& connection, const QByteArray& name) {
+    std::optional<Queue> queue = FindQueue(connection, name);
+    if (!queue) {
+        throw ServiceFailure(u"Der Drucker ist nicht mehr vorhanden."_s,
+                             IPP_STATUS_ERROR_NOT_FOUND);
+    }
+    return *std::move(queue);
+}
+
+ServiceFailure Rejection(const Queue& queue) {
+    const QString remark = queue.stateMessage.isEmpty() ? QString() : u": "_s + queue.stateMessage;
+    return ServiceFailure(u"Der Drucker nimmt zurzeit keine Aufträge an%1."_s.arg(remark),
+                          IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS);
+}
+
+}  // namespace
+
+CupsPrinterLayer::CupsPrinterLayer(QString server, std::chrono::milliseconds timeout)
+    : server_(std::move(server)), timeout_(timeout) {}
+
+PrinterChoice CupsPrinterLayer::CurrentPrinter() {
+    if (current_) {
+        return *current_;
+    }
+    Connection connection({server_, timeout_});
+    const std::optional<Queue> queue = DefaultQueue(Queues(connection));
+    if (!queue) {
+        throw PrinterError(u"Es ist kein Drucker eingerichtet."_s);
+    }
+    return NamingPrinter(QString::fromUtf8(queue->name), [&] {
+        return ChoiceOf(*queue, StandardMode(*queue, Driver::OfQueue(connection, *queue)));
+    });
+}
+
+void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
+    const QByteArray name = QueueNameOf(choice);
+    NamingPrinter(QString::fromUtf8(name), [&] {
+        Connection connection({server_, timeout_});
+        RequiredQueue(connection, name);
+    });
+    current_ = choice;
+    current_->device = QString::fromUtf8(name);
+}
+
+bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
+    Connection connection({server_, timeout_});
+    std::vector<Queue> queues = Queues(connection);
+    if (queues.empty()) {
+        throw PrinterError(u"Es ist kein Drucker eingerichtet."_s);
+    }
+    // The dialog may stand open for long: each question goes over a connection of its own.
+    const auto askDriver = [&](const Queue& queue) {
+        Connection fresh({server_, timeout_});
+        return Driver::OfQueue(fresh, queue);
+    };
+    SetupDialog dialog(std::move(queues), askDriver, current_);
+    if (!dialog.RunOver(owner)) {
+        return false;
+    }
+    current_ = dialog.Choice();
+    return true;
+}
+
+QSizeF CupsPrinterLayer::PaperMillimetres() {
+    const PrinterChoice choice = CurrentPrinter();
+    const QByteArray name = QueueNameOf(choice);
+    return NamingPrinter(QString::fromUtf8(name), [&] {
+        Connection connection({server_, timeout_});
+        const Driver driver = Driver::OfQueue(connection, RequiredQueue(connection, name));
+        const DeviceMode mode(choice.deviceMode);
+        const std::optional<Paper> paper = driver.PaperOf(mode);
+        const QSizeF size = paper ? paper->Millimetres() : QSizeF();
+        return mode.IsLandscape() ? size.transposed() : size;
+    });
+}
+
+void CupsPrinterLayer::Print(const PrintImage& image) {
+    const PrinterChoice choice = CurrentPrinter();
+    const QByteArray name = QueueNameOf(choice);
+    NamingPrinter(QString::fromUtf8(name), [&] {
+        if (image.tile.isNull() || image.dotsPerInch <= 0 || image.columns <= 0 ||
+            image.rows <= 0) {
+            throw ServiceFailure(u"Das Bild hat keine Größe."_s);
+        }
+        Connection connection({server_, timeout_});
+        const Queue queue = RequiredQueue(connection, name);
+        if (!queue.acceptsJobs) {
+            throw Rejection(queue);
+        }
+        SendJob(connection, queue, Driver::OfQueue(connection, queue),
+                DeviceMode(choice.deviceMode), image);
+    });
+}
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <utility>
+#include <vector>
+
+namespace kadrona::printing::cups {
+
+/// What a printer is set to, as its device mode block keeps it: UTF-8, a line `key=value` per
+/// option in the order in which they were set. A backslash stands before what would end a key or a
+/// line: `\\`, `\=` (in a key), `\n`, `\r`, `\0`.
+///
+///     PageSize=A6
+///     InputSlot=Photo
+///     copies=2
+///
+/// The keys are those of the queue's driver and of the print service, and those below.
+class DeviceMode {
+ public:
+    /// Number of copies of the page.
+    static constexpr const char* Copies = "copies";
+    /// "3" upright, "4" landscape (RFC 8011, 5.2.10). The page is turned before it is sent.
+    static constexpr const char* Orientation = "orientation-requested";
+    /// The queue's whole name where a printer settings file keeps only its beginning.
+    static constexpr const char* QueueName = "printer-name";
+
+    DeviceMode() = default;
+    /// Reads a block. A line that is not `key=value` is left out, of several with the same key the
+    /// last one counts.
+    explicit DeviceMode(const QByteArray& block);
+    QByteArray ToBlock() const;
+
+    /// Empty where the option is not set.
+    QByteArray Value(const QByteArray& key) const;
+    bool Contains(const QByteArray& key) const;
+    void Set(const QByteArray& key, const QByteArray& value);
+    void Remove(const QByteArray& key);
+    const std::vector<std::pair<QByteArray, QByteArray>>& Options() const { return options_; }
+
+    /// 1 ... MaximumCopies, whatever is stored.
+    int CopyCount() const;
+    static constexpr int MaximumCopies = 999;
+
+    bool IsLandscape() const { return Value(Orientation) == "4"; }
+    void SetLandscape(bool landscape) { Set(Orientation, landscape ? "4" : "3"); }
+
+    bool operator==(const DeviceMode&) const = default;
+
+ private:
+    std::vector<std::pair<QByteArray, QByteArray>> options_;
+};
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+
+namespace kadrona::printing::cups {
+
+/// The German texts in a driver's description. The library that reads the rest of it keeps only
+/// those of the user's own language.
+class GermanTexts {
+ public:
+    GermanTexts() = default;
+    explicit GermanTexts(const QString& descriptionFile);
+
+    /// Name of an option; empty where the driver has no German one.
+    QString OfOption(const QByteArray& keyword) const;
+    QString OfChoice(const QByteArray& keyword, const QByteArray& choice) const;
+
+ private:
+    /// By "keyword choice"; the name of an option stands as a choice of "Translation".
+    QHash<QByteArray, QString> texts_;
+};
+
+}  // namespace kadrona::printing::cups

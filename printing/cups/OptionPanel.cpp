@@ -1,0 +1,169 @@
+#include "printing/cups/OptionPanel.h"
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QSpinBox>
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+/// "10 x 15 cm (102 × 152 mm)"
+QString PaperText(const Paper& paper) {
+    const QSize size = paper.Millimetres().toSize();
+    return u"%1 (%2 × %3 mm)"_s.arg(paper.label).arg(size.width()).arg(size.height());
+}
+
+/// The paper that `variant` is the borderless one of; null for any other.
+const Paper* PaperWithBorder(const Driver& driver, const Paper& variant) {
+    const auto found =
+        std::find_if(driver.Papers().begin(), driver.Papers().end(), [&](const Paper& paper) {
+            const Paper* borderless = driver.BorderlessVariant(paper);
+            return borderless != nullptr && borderless->name == variant.name;
+        });
+    return found == driver.Papers().end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayout(this)) {
+    form_->setContentsMargins({});
+    form_->setHorizontalSpacing(16);
+    form_->setVerticalSpacing(8);
+    form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    paperBox_ = AddPaperRows(*form_);
+    AddOrientationRow(*form_);
+    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s,
+                 {"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"});
+    AddOptionRow(*form_, u"Papierart"_s, u"MediaTypeBox"_s,
+                 {"MediaType", "EPIJ_Medi", "CNMediaType"});
+    AddOptionRow(*form_, u"Qualität"_s, u"QualityBox"_s,
+                 {"cupsPrintQuality", "OutputMode", "PrintQuality", "StpQuality", "Quality",
+                  "EPIJ_Qual", "CNQuality", "Resolution"});
+    AddOptionRow(*form_, u"Farbe"_s, u"ColorBox"_s,
+                 {"ColorModel", "ColorMode", "print-color-mode", "StpColorCorrection",
+                  "HPColorMode", "EPIJ_Ink_", "BRMonoColor", "CNColorMode", "SelectColor"});
+    AddOptionRow(*form_, u"Doppelseitig"_s, u"DuplexBox"_s,
+                 {"Duplex", "EFDuplex", "EFDuplexing", "KD03Duplex", "JCLDuplex"});
+    AddCopiesRow(*form_);
+}
+
+QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
+    auto* box = new QComboBox;
+    box->setObjectName(u"PaperBox"_s);
+    form.addRow(u"Papierformat"_s, box);
+    borderlessBox_ = new QCheckBox(u"Randlos drucken"_s);
+    borderlessBox_->setObjectName(u"BorderlessBox"_s);
+    form.addRow(QString(), borderlessBox_);
+    connect(box, &QComboBox::activated, this, [this] {
+        ShowBorderless();
+        StorePaper();
+    });
+    connect(borderlessBox_, &QCheckBox::clicked, this, &OptionPanel::StorePaper);
+    return box;
+}
+
+void OptionPanel::AddOptionRow(QFormLayout& form, const QString& caption, const QString& name,
+                               const std::vector<const char*>& keywords) {
+    auto* box = new OptionBox;
+    box->setObjectName(name);
+    form.addRow(caption, box);
+    fields_.push_back({box, keywords});
+    connect(box, &QComboBox::activated, this, [this, box] {
+        box->Store(*mode_);
+        Q_EMIT ModeChanged();
+    });
+}
+
+void OptionPanel::AddOrientationRow(QFormLayout& form) {
+    orientationBox_ = new QComboBox;
+    orientationBox_->setObjectName(u"OrientationBox"_s);
+    orientationBox_->addItems({u"Hochformat"_s, u"Querformat"_s});
+    form.addRow(u"Ausrichtung"_s, orientationBox_);
+    connect(orientationBox_, &QComboBox::activated, this, [this](int index) {
+        mode_->SetLandscape(index == 1);
+        Q_EMIT ModeChanged();
+    });
+}
+
+void OptionPanel::AddCopiesRow(QFormLayout& form) {
+    copiesBox_ = new QSpinBox;
+    copiesBox_->setObjectName(u"CopiesBox"_s);
+    copiesBox_->setRange(1, DeviceMode::MaximumCopies);
+    form.addRow(u"Exemplare"_s, copiesBox_);
+    connect(copiesBox_, &QSpinBox::valueChanged, this, [this](int count) {
+        mode_->Set(DeviceMode::Copies, QByteArray::number(count));
+        Q_EMIT ModeChanged();
+    });
+}
+
+void OptionPanel::ShowMode(const Driver& driver, DeviceMode& mode) {
+    driver_ = &driver;
+    mode_ = &mode;
+    covered_ = {"PageSize"};
+    ShowPapers();
+    orientationBox_->setCurrentIndex(mode.IsLandscape() ? 1 : 0);
+    // A sheet on a paper that is not known lies as it is.
+    form_->setRowVisible(orientationBox_, !driver.Papers().empty());
+    for (const Field& field : fields_) {
+        const DriverOption* option = driver.Find(field.keywords);
+        form_->setRowVisible(field.box, option != nullptr);
+        if (option != nullptr) {
+            field.box->ShowOption(*option, mode);
+            covered_.push_back(option->keyword);
+        }
+    }
+    const QSignalBlocker blocker(copiesBox_);
+    copiesBox_->setValue(mode.CopyCount());
+}
+
+bool OptionPanel::Covers(const QByteArray& keyword) const {
+    return std::find(covered_.begin(), covered_.end(), keyword) != covered_.end();
+}
+
+void OptionPanel::ShowPapers() {
+    paperBox_->clear();
+    for (const Paper& paper : driver_->Papers()) {
+        if (PaperWithBorder(*driver_, paper) == nullptr) {
+            paperBox_->addItem(PaperText(paper), paper.name);
+        }
+    }
+    form_->setRowVisible(paperBox_, paperBox_->count() > 0);
+    const std::optional<Paper> chosen = driver_->PaperOf(*mode_);
+    if (chosen) {
+        const Paper* listed = PaperWithBorder(*driver_, *chosen);
+        const QByteArray name = listed == nullptr ? chosen->name : listed->name;
+        if (paperBox_->findData(name) < 0) {
+            paperBox_->addItem(PaperText(*chosen), name);
+        }
+        paperBox_->setCurrentIndex(paperBox_->findData(name));
+        borderlessBox_->setChecked(listed != nullptr);
+    }
+    ShowBorderless();
+}
+
+void OptionPanel::ShowBorderless() {
+    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const bool possible = paper && driver_->BorderlessVariant(*paper) != nullptr;
+    borderlessBox_->setEnabled(possible);
+    if (!possible) {
+        borderlessBox_->setChecked(paper && paper->IsBorderless());
+    }
+    form_->setRowVisible(borderlessBox_, paper.has_value());
+}
+
+void OptionPanel::StorePaper() {
+    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const Paper* borderless = paper ? driver_->BorderlessVariant(*paper) : nullptr;
+    const bool takeBorderless = borderless != nullptr && borderlessBox_->isChecked();
+    mode_->Set("PageSize",
+               takeBorderless ? borderless->name : paperBox_->currentData().toByteArray());
+    Q_EMIT ModeChanged();
+}
+
+}  // namespace kadrona::printing::cups

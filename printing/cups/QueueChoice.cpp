@@ -1,0 +1,29 @@
+#include "printing/cups/QueueChoice.h"
+
+#include "printing/PrinterSettingsFile.h"
+
+namespace kadrona::printing::cups {
+
+DeviceMode StandardMode(const Queue& queue, const Driver& driver) {
+    DeviceMode mode = driver.Defaults();
+    mode.Set(DeviceMode::Copies, QByteArray::number(queue.copies));
+    mode.SetLandscape(false);
+    return mode;
+}
+
+PrinterChoice ChoiceOf(const Queue& queue, DeviceMode mode) {
+    const QString name = QString::fromUtf8(queue.name);
+    mode.Remove(DeviceMode::QueueName);
+    if (StoredName(name) != name) {
+        mode.Set(DeviceMode::QueueName, queue.name);
+    }
+    return {name, queue.model, queue.deviceUri, mode.ToBlock()};
+}
+
+QByteArray QueueNameOf(const PrinterChoice& choice) {
+    const QByteArray whole = DeviceMode(choice.deviceMode).Value(DeviceMode::QueueName);
+    const bool isWhole = StoredName(QString::fromUtf8(whole)) == choice.device;
+    return isWhole ? whole : choice.device.toUtf8();
+}
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "printing/PrinterLayer.h"
+#include "printing/cups/DeviceMode.h"
+#include "printing/cups/Driver.h"
+#include "printing/cups/Queue.h"
+
+namespace kadrona::printing::cups {
+
+/// The queue with the options that it has by itself.
+DeviceMode StandardMode(const Queue& queue, const Driver& driver);
+
+/// The queue set to `mode`, as the rest of the program keeps it.
+PrinterChoice ChoiceOf(const Queue& queue, DeviceMode mode);
+
+/// The queue's whole name, where the choice comes from a file that keeps only its beginning.
+QByteArray QueueNameOf(const PrinterChoice& choice);
+
+}  // namespace kadrona::printing::cups

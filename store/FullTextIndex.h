@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "store/Database.h"
+
+namespace kadrona::store {
+
+/// A full-text index over one text of each row of a table, under the row's number. It stands in a
+/// table of its own and keeps a copy of the texts, so that whatever another program does to the
+/// rows, it never contradicts itself. WordTokenizer.h says what a word is.
+///
+/// A trigger could not keep it up to date: the full-text engine may not be used by what stands in a
+/// database file. Whoever changes a text calls Set in the same transaction.
+class FullTextIndex {
+ public:
+    /// `name` is the index's; `database` outlives it.
+    FullTextIndex(Database& database, QString name) : database_(database), name_(std::move(name)) {}
+
+    /// The statement that makes an index where there is none of that name.
+    static QString Creation(const QString& name);
+
+    /// Puts a row's text in the place of the one before. Throws StoreError.
+    void Set(qint64 row, const QString& text);
+
+    /// The rows in which every word of `text` occurs, as a whole word and whatever its case, in
+    /// ascending order; none where the text has no word. Throws StoreError.
+    std::vector<qint64> RowsWith(const QString& text) const;
+
+ private:
+    Database& database_;
+    QString name_;
+};
+
+/// A filter such as TEXTSEARCH('O''Neill' IN ImgTags).
+struct TextSearch {
+    QString text;
+    QString column;
+};
+
+/// Takes a filter apart, whatever the case of its words. Throws StoreError for anything else.
+TextSearch ParseTextSearch(const QString& expression);
+
+}  // namespace kadrona::store

@@ -1,0 +1,176 @@
+#include "store/WordTokenizer.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace kadrona::store {
+
+namespace {
+
+/// What the codes 128 to 159 of Windows-1252 stand for; the five that it leaves open stand for the
+/// control characters of their number. From 160 on code and character are the same.
+constexpr std::array<char32_t, 32> Windows1252{
+    0x20ac, 0x0081, 0x201a, 0x0192, 0x201e, 0x2026, 0x2020, 0x2021, 0x02c6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008d, 0x017d, 0x008f, 0x0090, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022,
+    0x2013, 0x2014, 0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178};
+
+bool IsSeparator(char32_t character) {
+    constexpr std::u32string_view Others = U" *+',-/:;<=>\\`";
+    return (character >= 1 && character <= 31) ||
+           Others.find(character) != std::u32string_view::npos;
+}
+
+bool BuildsWords(char32_t character) {
+    if (character < 128) {
+        return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
+               (character >= 'A' && character <= 'Z') || character == '_';
+    }
+    return (character >= 160 && character <= 254) ||
+           std::find(Windows1252.begin(), Windows1252.end(), character) != Windows1252.end();
+}
+
+/// The lower case of a character that builds words.
+char32_t LowerCase(char32_t character) {
+    const bool ascii = character >= 'A' && character <= 'Z';
+    const bool latin = character >= 0xc0 && character <= 0xde && character != 0xd7;
+    if (ascii || latin) {
+        return character + 0x20;
+    }
+    switch (character) {
+        case 0x0152:  // Œ
+        case 0x0160:  // Š
+        case 0x017d:  // Ž
+            return character + 1;
+        case 0x0178:  // Ÿ
+            return 0xff;
+        default:
+            return character;
+    }
+}
+
+/// `character` is below 0x10000.
+void AppendUtf8(QByteArray& bytes, char32_t character) {
+    const auto tail = [&](int shift) {
+        bytes.append(static_cast<char>(0x80 | ((character >> shift) & 0x3f)));
+    };
+    if (character < 0x80) {
+        bytes.append(static_cast<char>(character));
+    } else if (character < 0x800) {
+        bytes.append(static_cast<char>(0xc0 | (character >> 6)));
+        tail(0);
+    } else {
+        bytes.append(static_cast<char>(0xe0 | (character >> 12)));
+        tail(6);
+        tail(0);
+    }
+}
+
+/// Takes the next character off UTF-8 text, which is not empty; 0 for a byte that makes no sense
+/// and for what lies beyond 0xffff.
+char32_t TakeCharacter(QByteArrayView& text) {
+    const auto byteAt = [&](qsizetype index) {
+        return index < text.size() ? static_cast<uchar>(text[index]) : uchar{0};
+    };
+    const auto isTail = [&](qsizetype index) { return (byteAt(index) & 0xc0) == 0x80; };
+    const uchar lead = byteAt(0);
+    char32_t character = 0;
+    qsizetype length = 1;
+    if (lead < 0x80) {
+        character = lead;
+    } else if (lead >= 0xc2 && lead < 0xe0 && isTail(1)) {
+        character = ((lead & 0x1fU) << 6) | (byteAt(1) & 0x3fU);
+        length = 2;
+    } else if (lead >= 0xe0 && lead < 0xf0 && isTail(1) && isTail(2)) {
+        character = ((lead & 0x0fU) << 12) | ((byteAt(1) & 0x3fU) << 6) | (byteAt(2) & 0x3fU);
+        length = 3;
+    }
+    text = text.sliced(length);
+    return character;
+}
+
+/// Calls `visit(word, begin, end)` for each word and where it stands, until it returns false.
+template <typename Visit>
+void ForEachWord(QByteArrayView text, const Visit& visit) {
+    QByteArray word;
+    qsizetype begin = 0;
+    qsizetype end = 0;
+    QByteArrayView rest = text;
+    while (!rest.isEmpty()) {
+        const qsizetype position = text.size() - rest.size();
+        const char32_t character = TakeCharacter(rest);
+        if (BuildsWords(character)) {
+            begin = word.isEmpty() ? position : begin;
+            end = text.size() - rest.size();
+            AppendUtf8(word, LowerCase(character));
+        } else if (IsSeparator(character) && !word.isEmpty()) {
+            if (!visit(word, begin, end)) {
+                return;
+            }
+            word.resize(0);
+        }
+    }
+    if (!word.isEmpty()) {
+        visit(word, begin, end);
+    }
+}
+
+using TokenCallback = int (*)(void*, int, const char*, int, int, int);
+
+int Tokenize(Fts5Tokenizer* /*tokenizer*/, void* context, int /*flags*/, const char* text,
+             int length, TokenCallback report) {
+    int result = SQLITE_OK;
+    try {
+        ForEachWord({text, length}, [&](const QByteArray& word, qsizetype begin, qsizetype end) {
+            result = report(context, 0, word.constData(), static_cast<int>(word.size()),
+                            static_cast<int>(begin), static_cast<int>(end));
+            return result == SQLITE_OK;
+        });
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;
+    }
+    return result;
+}
+
+/// There is nothing to keep, but the engine wants something that is not null.
+int Create(void* /*context*/, const char** /*arguments*/, int /*count*/, Fts5Tokenizer** made) {
+    static char nothing;
+    *made = reinterpret_cast<Fts5Tokenizer*>(&nothing);
+    return SQLITE_OK;
+}
+
+/// Null where SQLite was built without its full-text engine.
+fts5_api* FullTextEngine(sqlite3* handle) {
+    fts5_api* engine = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(handle, "SELECT fts5(?1)", -1, &statement, nullptr) == SQLITE_OK) {
+        sqlite3_bind_pointer(statement, 1, &engine, "fts5_api_ptr", nullptr);
+        sqlite3_step(statement);
+    }
+    sqlite3_finalize(statement);
+    return engine;
+}
+
+}  // namespace
+
+std::vector<QByteArray> WordsOf(QByteArrayView text) {
+    std::vector<QByteArray> words;
+    ForEachWord(text, [&](const QByteArray& word, qsizetype /*begin*/, qsizetype /*end*/) {
+        words.push_back(word);
+        return true;
+    });
+    return words;
+}
+
+int RegisterWordTokenizer(sqlite3* handle) {
+    fts5_api* engine = FullTextEngine(handle);
+    if (engine == nullptr) {
+        return SQLITE_ERROR;
+    }
+    fts5_tokenizer tokenizer{Create, [](Fts5Tokenizer*) {}, Tokenize};
+    return engine->xCreateTokenizer(engine, WordTokenizerName, nullptr, &tokenizer, nullptr);
+}
+
+}  // namespace kadrona::store

@@ -1,0 +1,174 @@
+// The archive through the real window: filing photos with tags, finding one, changing its tags,
+// opening it for printing.
+
+#include <QComboBox>
+#include <QImageReader>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTest>
+
+#include "controls/CardGrid.h"
+#include "controls/StatusPanels.h"
+#include "dialogs/SettingsDialog.h"
+#include "imaging/ImageReader.h"
+#include "tests/app/StoryFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+class ArchiveStory : public Story {
+ protected:
+    ArchiveStory() {
+        data().SetNameSources(FixedNames());
+        QDir().mkpath(ArchiveFolder());
+    }
+
+    core::TData& data() { return window->Data(); }
+    QString ArchiveFolder() const { return installation.Path("archive"); }
+    QString PhotoOf(int id) const {
+        return ArchiveFolder() + u"/2026/03/2026_03_%1.jpg"_s.arg(id, 5, 10, QChar(u'0'));
+    }
+
+    static core::NameSources FixedNames() {
+        core::NameSources sources;
+        sources.now = [] { return QDateTime(QDate(2026, 3, 7), QTime(14, 30)); };
+        return sources;
+    }
+
+    template <typename Control>
+    Control& Setting(const char* name) {
+        auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
+        return *settings->findChild<Control*>(QLatin1StringView(name));
+    }
+
+    /// Opens a photo, makes a sheet of two by three and answers the tag dialog; without tags it is
+    /// cancelled.
+    void Archive(const char* photo, const std::optional<QString>& tags) {
+        Open(photo);
+        Setting<QLineEdit>("ImageDestinationDir").setText(ArchiveFolder());
+        Setting<QAbstractButton>("ImageAutoSave").setChecked(true);
+        window->findChild<QComboBox*>(u"Anzahl"_s)->setCurrentIndex(1);
+        AnswerTags(tags);
+        Trigger(u"acCrop"_s);
+    }
+
+    void AnswerTags(const std::optional<QString>& tags) {
+        driver.Expect(u"fmImageTagEdit"_s, [tags](QWidget& shown) {
+            EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+            shown.findChild<QPlainTextEdit*>(u"TagMemo"_s)->setPlainText(tags.value_or(u"x"_s));
+            shown.findChild<QPushButton*>(tags ? u"btnOk"_s : u"btnCancel"_s)->click();
+        });
+    }
+
+    /// Opens the archive, finds by a text and goes on with the window.
+    void Search(const QString& text, std::function<void(QWidget&)> then) {
+        driver.Expect(u"fmImgSearch"_s, [=](QWidget& shown) {
+            auto* edit = shown.findChild<QLineEdit*>(u"FindEdit"_s);
+            edit->setText(text);
+            QTest::keyClick(edit, Qt::Key_Return);
+            then(shown);
+        });
+    }
+
+    static void DoubleClickFirst(QWidget& shown) {
+        auto* grid = shown.findChild<controls::CardGrid*>(u"CardGrid"_s);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->CardRectangle(0).center());
+    }
+
+    void ExpectMessage(const QString& text) {
+        driver.Expect(u"MessageBox"_s, [text](QWidget& shown) {
+            const QString said = dynamic_cast<QMessageBox&>(shown).text();
+            EXPECT_TRUE(said.contains(text)) << said.toStdString();
+            shown.findChild<QPushButton*>(u"OkButton"_s)->click();
+        });
+    }
+};
+
+TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
+    SavePhoto("dark.png", QSize(900, 1200), 60);
+    Archive("photo.png", u"Jürgen Weiß\nLübeck"_s);
+    Archive("dark.png", u"Müzeyyen Özdemir"_s);
+    Archive("photo.png", std::nullopt);
+    Archive("photo.png", u"Anna"_s);
+    ASSERT_EQ(data().Archive()->Ids().size(), 3U);
+    const imaging::Pixels sheet = Image().Photo();
+
+    Search(u"özdem*"_s, [this](QWidget& shown) {
+        AnswerTags(u"Müzeyyen Özdemir\nKöln"_s);
+        shown.findChild<QAction*>(u"acEditTags"_s)->trigger();
+        DoubleClickFirst(shown);
+    });
+    Trigger(u"acSearchArchiv"_s);
+    EXPECT_EQ(data().Archive()->Read(2)->tags, u"Müzeyyen Özdemir\r\nKöln\r\n"_s);
+
+    // The archived photo has its border; it is only repeated.
+    const QSize single = QImageReader(PhotoOf(2)).size();
+    EXPECT_EQ(Image().Photo().Size(), QSize(3 * single.width(), 2 * single.height()));
+    EXPECT_EQ(Image().Resolution().value, imaging::ReadImageFile(PhotoOf(2)).resolution.value);
+    EXPECT_EQ(Image().LayerCount(), 1);
+    EXPECT_FALSE(Image().CanUndo());
+    EXPECT_EQ(data().CurrentFile(), u"2026_03_00002.jpg"_s);
+    EXPECT_EQ(data().CurrentFileFolder(), QFileInfo(installation.Path("photo.png")).path());
+    EXPECT_EQ(window->findChild<controls::StatusPanels*>()->Path(), u"Archiv Image"_s);
+    EXPECT_TRUE(IsEnabled(u"acPrintImage"_s));
+    EXPECT_FALSE(IsEnabled(u"acCrop"_s));
+    EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+}
+
+TEST_F(ArchiveStory, LaysOutAsTheWindowSaysAndPrintsAtOnce) {
+    Archive("photo.png", u"a"_s);
+    const QSize single = QImageReader(PhotoOf(1)).size();
+    Setting<QAbstractButton>("RotateBeforeTileImg").setChecked(true);
+    auto* count = window->findChild<QComboBox*>(u"Anzahl"_s);
+    struct Row {
+        int layout, columns, rows;
+    };
+    for (const auto& [layout, columns, rows] :
+         {Row{0, 4, 2}, Row{3, 4, 1}, Row{6, 1, 1}, Row{7, 3, 3}, Row{-1, 1, 1}}) {
+        count->setCurrentIndex(layout);
+        Search({}, DoubleClickFirst);
+        Trigger(u"acSearchArchiv"_s);
+        EXPECT_EQ(Image().Photo().Size(), QSize(columns * single.height(), rows * single.width()))
+            << layout;
+    }
+    Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
+    Search({}, DoubleClickFirst);
+    driver.Expect(u"BeforPrintDlgFm"_s,
+                  [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
+    Trigger(u"acSearchArchiv"_s);
+    EXPECT_EQ(printer.jobs.size(), 1);
+}
+
+TEST_F(ArchiveStory, NothingIsOpenedWithoutAFolderAPhotoOrAChoice) {
+    Setting<QLineEdit>("ImageDestinationDir").setText({});
+    ExpectMessage(u"Sie haben kein Bilddatenbankverzeichnis in den Einstellungen angegeben"_s);
+    Trigger(u"acSearchArchiv"_s);
+
+    Archive("photo.png", u"a"_s);
+    const QSize before = Image().Photo().Size();
+    Search({}, [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Q, Qt::ControlModifier); });
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(window->isVisible());
+
+    ASSERT_TRUE(QFile::rename(PhotoOf(1), PhotoOf(9)));
+    Search({}, DoubleClickFirst);
+    ExpectMessage(PhotoOf(1));
+    Trigger(u"acSearchArchiv"_s);
+    EXPECT_EQ(Image().Photo().Size(), before);
+
+    // A damaged photo leaves nothing that could be printed.
+    installation.Write("archive/2026/03/2026_03_00001.jpg", "damaged");
+    Search({}, DoubleClickFirst);
+    ExpectMessage(u"2026_03_00001.jpg"_s);
+    Trigger(u"acSearchArchiv"_s);
+    EXPECT_TRUE(Image().IsEmpty());
+    EXPECT_FALSE(IsEnabled(u"acPrintImage"_s));
+    EXPECT_TRUE(window->findChild<QWidget*>(u"EmptyState"_s)->isVisible());
+}
+
+}  // namespace kadrona::testing

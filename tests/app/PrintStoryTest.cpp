@@ -1,0 +1,165 @@
+// Printing through the real windows: every way from the sheet to the printer and off it.
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+
+#include "app/PrintFlow.h"
+#include "dialogs/SettingsDialog.h"
+#include "tests/app/StoryFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+/// A sheet of 150 x 95 mm, a profile for each of two printers, and the printer "Laser".
+class PrintStory : public Story {
+ protected:
+    PrintStory() {
+        for (const printing::PrinterChoice& choice : {photoPrinter, letterPrinter}) {
+            printer.current = choice;
+            window->Data().SavePrintProfile(choice.device);
+        }
+        printer.current.device = u"Laser"_s;
+    }
+
+    /// Opens the photo and makes the sheet. Opening activates the profile, so that what a test sets
+    /// goes between the two.
+    void MakeSheet(const std::function<void()>& set = [] {}) {
+        Open("photo.png");
+        set();
+        Trigger(u"acCrop"_s);
+    }
+
+    /// Immediate printing with the default profile in this row.
+    void PrintAtOnce(int profile) {
+        auto& settings = *window->findChild<dialogs::TEinstellungenFm*>();
+        settings.RefreshPrinterProfiles();
+        settings.findChild<QComboBox*>(u"PrintProfileBox"_s)->setCurrentIndex(profile);
+        settings.findChild<QCheckBox*>(u"PrintAfterCrop"_s)->setChecked(true);
+    }
+
+    void ExpectBeforePrint(const QString& button = u"btnProfile"_s) {
+        driver.Expect(u"BeforPrintDlgFm"_s, [button](QWidget& shown) {
+            shown.findChild<QListWidget*>(u"lbProfiles"_s)->setCurrentRow(0);
+            shown.findChild<QPushButton*>(button)->click();
+        });
+    }
+
+    /// The printers that the jobs since the last call went to.
+    QStringList NewJobs() {
+        QStringList names;
+        for (const FakePrinter::Job& job : std::exchange(printer.jobs, {})) {
+            names.append(job.printer.device);
+        }
+        return names;
+    }
+
+    const printing::PrinterChoice photoPrinter =
+        FakePrinter::Choice("Fotodrucker", "PageSize=A6\ncopies=2\n");
+    const printing::PrinterChoice letterPrinter = FakePrinter::Choice("Briefdrucker", "");
+};
+
+TEST_F(PrintStory, AProfileSetsThePrinterAndStaysTheCurrentOne) {
+    EXPECT_FALSE(IsEnabled(u"acPrintImage"_s));
+    MakeSheet();
+    ExpectBeforePrint();
+    Trigger(u"acPrintImage"_s);
+    ASSERT_EQ(printer.jobs.size(), 1);
+    EXPECT_EQ(printer.jobs.first().printer, photoPrinter);
+    EXPECT_EQ(printer.current, photoPrinter);
+
+    const printing::PrintImage& image = printer.jobs.first().image;
+    EXPECT_EQ(image.tile.cacheKey(), Image().Photo().Tile().cacheKey()) << "no copy of the pixels";
+    EXPECT_EQ(QSize(image.columns, image.rows), QSize(4, 2));
+    EXPECT_EQ(image.Millimetres(), QSizeF(150, 95));
+    EXPECT_EQ(image.title, u"photo.png"_s);
+
+    QDir folder(window->Data().DataFolder());
+    for (const QString& file : folder.entryList({u"prn*.tmp"_s})) {
+        folder.remove(file);
+    }
+    printer.jobs.clear();
+    printer.current.device = u"Laser"_s;
+    ExpectBeforePrint();
+    Trigger(u"acPrintImage"_s);
+    EXPECT_EQ(NewJobs(), QStringList(u"Laser"_s)) << "a profile without its file is passed over";
+}
+
+TEST_F(PrintStory, WithoutAProfileTheSetupDialogDecidesAndCancellingPrintsNothing) {
+    MakeSheet();
+    for (const QString& button : {u"btnCancel"_s, u"btnNoProfile"_s}) {
+        ExpectBeforePrint(button);
+        Trigger(u"acPrintImage"_s);
+        EXPECT_EQ(NewJobs(), QStringList());
+    }
+    EXPECT_EQ(printer.setupsShown, 1);
+    printer.setupChoice = letterPrinter;
+    ExpectBeforePrint(u"btnNoProfile"_s);
+    Trigger(u"acPrintImage"_s);
+    EXPECT_EQ(NewJobs(), QStringList(u"Briefdrucker"_s));
+
+    driver.Press(u"PrintProfilDlg"_s, u"btnClose"_s);
+    Trigger(u"acPrinterProfilDlg"_s);
+    printer.setupChoice = photoPrinter;
+    Trigger(u"acPrinSetup"_s);
+    driver.Expect(u"BeforPrintDlgFm"_s,
+                  [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
+    Trigger(u"acPrintImage"_s);
+    EXPECT_EQ(NewJobs(), QStringList(u"Fotodrucker"_s)) << "any other result: as it stands";
+}
+
+TEST_F(PrintStory, MakingThePhotosPrintsThemAtOnceWithTheDefaultProfile) {
+    MakeSheet([this] {
+        PrintAtOnce(1);
+        driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget&) {});
+    });
+    EXPECT_EQ(NewJobs(), QStringList(u"Briefdrucker"_s));
+    EXPECT_FALSE(window->Actions()[u"acPrintImage"_s]->isVisible());
+    EXPECT_FALSE(window->Actions()[u"acSave"_s]->isVisible());
+    MakeSheet([this] {
+        PrintAtOnce(-1);
+        ExpectBeforePrint();
+    });
+    EXPECT_EQ(NewJobs(), QStringList(u"Fotodrucker"_s)) << "without a default the user chooses";
+}
+
+TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefused) {
+    MakeSheet();
+    const QString sizes = u"Blatt:\t150,0 × 95,0 mm\nPapier:\t105,0 × 148,0 mm\n"_s;
+    for (const bool print : {false, true}) {
+        printer.paper = QSizeF(105, 148);
+        ExpectBeforePrint();
+        driver.Answer(sizes, print ? u"YesButton"_s : u"NoButton"_s);
+        Trigger(u"acPrintImage"_s);
+        EXPECT_EQ(NewJobs().size(), print ? 1 : 0);
+    }
+    const QSizeF sheet(150.0, 100.0);
+    for (const QSizeF paper : {QSizeF(150, 100), QSizeF(149.96, 99.96), QSizeF()}) {
+        EXPECT_EQ(app::PaperWarning(sheet, paper), QString()) << paper.width();
+    }
+    EXPECT_TRUE(app::PaperWarning(sheet, {149.94, 100}).contains(u"149,9 × 100,0 mm"));
+    EXPECT_TRUE(app::PaperWarning(sheet, {100, 150}).contains(u"Im Querformat würde es passen"));
+    EXPECT_TRUE(app::PaperWarning({100, 150}, sheet).contains(u"Im Hochformat würde es passen"));
+    EXPECT_FALSE(app::PaperWarning(sheet, {99, 150}).contains(u"würde es passen"));
+}
+
+TEST_F(PrintStory, ErrorsAreShownAndNothingIsTriedTwice) {
+    MakeSheet();
+    printer.failure = u"Der Drucker „Laser“ ist angehalten."_s;
+    for (const QString& button : {u"btnProfile"_s, u"btnNoProfile"_s}) {
+        ExpectBeforePrint(button);
+        driver.Answer(printer.failure);
+        Trigger(u"acPrintImage"_s);
+    }
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    window->Data().SetPrinterLayer(nullptr);
+    driver.Answer(u"Es ist kein Druckdienst vorhanden."_s);
+    Trigger(u"acPrinSetup"_s);
+    Image().SetResolution({0});
+    driver.Answer(u"Auflösung ist nicht bekannt"_s);
+    Trigger(u"acPrintImage"_s);
+    EXPECT_EQ(NewJobs(), QStringList());
+}
+
+}  // namespace kadrona::testing

@@ -1,0 +1,311 @@
+// Stories of the tools that correct the photo.
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSpinBox>
+#include <QStatusBar>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "dialogs/RotationPreview.h"
+#include "imaging/view/CurveEditor.h"
+#include "imaging/view/ViewTool.h"
+#include "tests/app/StoryFixture.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+class ToolsStory : public Story {
+ protected:
+    ToolsStory() {
+        // A reddish grey with a darker half and a spot.
+        QImage photo(600, 800, QImage::Format_RGB32);
+        photo.fill(qRgb(200, 160, 120));
+        QPainter painter(&photo);
+        painter.fillRect(0, 400, 600, 400, qRgb(60, 50, 40));
+        painter.fillRect(300, 200, 20, 20, Qt::black);
+        painter.end();
+        EXPECT_TRUE(photo.save(installation.Path("tools.png")));
+        Open("tools.png");
+        opened = Image().Photo().Tile().copy();
+    }
+
+    imaging::view::ImageView& View() { return window->View(); }
+    QRgb PhotoPixel(int x, int y) { return Image().Photo().Tile().pixel(x, y); }
+    bool TemplateShows() { return Image().LayerAt(1).visible && Image().CurrentLayer() == 1; }
+    bool IsChecked(const QString& action) { return window->Actions().IsChecked(action); }
+    void Undo(int steps) {
+        for (int i = 0; i < steps; ++i) {
+            Trigger(u"acUndo"_s);
+        }
+    }
+
+    void Mouse(QEvent::Type type, QPointF photo, Qt::KeyboardModifiers modifiers = {},
+               Qt::MouseButton button = Qt::LeftButton) {
+        const QPointF at = View().ToWidget(photo);
+        QMouseEvent event(type, at, View().mapToGlobal(at),
+                          type == QEvent::MouseMove ? Qt::NoButton : button,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : button, modifiers);
+        QCoreApplication::sendEvent(&View(), &event);
+    }
+    void Click(QPointF photo, Qt::KeyboardModifiers modifiers = {},
+               Qt::MouseButton button = Qt::LeftButton) {
+        Mouse(QEvent::MouseButtonPress, photo, modifiers, button);
+        Mouse(QEvent::MouseButtonRelease, photo, modifiers, button);
+    }
+    void Stroke(QPointF from, QPointF to) {
+        Mouse(QEvent::MouseButtonPress, from);
+        Mouse(QEvent::MouseMove, (from + to) / 2);
+        Mouse(QEvent::MouseMove, to);
+        Mouse(QEvent::MouseButtonRelease, to);
+    }
+    void Wheel(int notches, Qt::KeyboardModifiers modifiers = {}) {
+        QWheelEvent wheel({100, 100}, View().mapToGlobal(QPointF(100, 100)), {}, {0, 120 * notches},
+                          Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&View(), &wheel);
+    }
+
+    void ExpectCurves(const char* button) {
+        driver.Expect(u"fmRGBKurve"_s, [this, button](QWidget& shown) {
+            EXPECT_FALSE(Image().LayerAt(1).visible);
+            EXPECT_EQ(Image().CurrentLayer(), 0);
+            imaging::CurveSet curves;
+            curves[imaging::CurveChannel::Rgb] = imaging::Curve({{0, 255}, {255, 0}});
+            shown.findChild<imaging::view::CurveEditor*>(u"CurveEditor"_s)->SetCurves(curves);
+            shown.findChild<QPushButton*>(QLatin1StringView(button))->click();
+        });
+    }
+
+    QImage opened;
+};
+
+TEST_F(ToolsStory, TheWhitePointIsOneClickAndOneUndoStep) {
+    View().SetZoomPercent(55);
+    Trigger(u"acSetWhitePoint"_s);
+    EXPECT_TRUE(IsChecked(u"acSetWhitePoint"_s));
+    EXPECT_EQ(View().cursor().shape(), Qt::BitmapCursor);
+    EXPECT_FALSE(Image().LayerAt(1).visible);
+    EXPECT_NE(View().ZoomPercent(), 55) << "fits on entry";
+
+    Click({100, 100}, {}, Qt::RightButton);
+    Click({-5, 100});
+    Click({100, 800.5});
+    EXPECT_EQ(Image().UndoCount(), 0);
+    EXPECT_TRUE(IsChecked(u"acSetWhitePoint"_s));
+
+    Click({100.9, 100.2});
+    EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
+    EXPECT_EQ(View().cursor().shape(), Qt::ArrowCursor);
+    EXPECT_TRUE(TemplateShows());
+    EXPECT_EQ(PhotoPixel(100, 100), 0xffffffff);
+    EXPECT_EQ(PhotoPixel(305, 205), 0xff000000);
+    EXPECT_EQ(Image().UndoCount(), 1);
+    Click({100, 100});
+    EXPECT_EQ(Image().UndoCount(), 1) << "one click for each activation";
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+
+    Trigger(u"acSetWhitePoint"_s);
+    Trigger(u"acSetWhitePoint"_s);
+    EXPECT_EQ(View().ZoomPercent(), 100) << "full size on leaving";
+    EXPECT_TRUE(TemplateShows());
+    EXPECT_EQ(View().Tool(), nullptr);
+}
+
+TEST_F(ToolsStory, ModesEndWithThePhotoTheSheetAndEachOther) {
+    for (const QString& mode : {u"acSetWhitePoint"_s, u"acBeauty"_s}) {
+        Trigger(mode);
+        ASSERT_NE(View().Tool(), nullptr);
+        Open("photo.png");
+        EXPECT_FALSE(IsChecked(mode));
+        EXPECT_EQ(View().Tool(), nullptr);
+        EXPECT_EQ(View().cursor().shape(), Qt::ArrowCursor);
+        EXPECT_TRUE(TemplateShows());
+    }
+    Trigger(u"acSetWhitePoint"_s);
+    Trigger(u"acShowLayer"_s);
+    EXPECT_EQ(View().Tool(), nullptr) << "one check action of the group at a time";
+    Trigger(u"acSetWhitePoint"_s);
+    EXPECT_FALSE(IsChecked(u"acShowLayer"_s));
+    Trigger(u"acBeauty"_s);
+    EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
+    EXPECT_NE(View().Tool(), nullptr);
+    Trigger(u"acBeauty"_s);
+    Trigger(u"acSetWhitePoint"_s);
+    Trigger(u"acCrop"_s);
+    EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
+    EXPECT_EQ(View().Tool(), nullptr);
+    EXPECT_EQ(Image().Photo().Columns(), 4);
+}
+
+TEST_F(ToolsStory, GradationIsUndoneByCancelAndIsOneStepOtherwise) {
+    Trigger(u"acSchwarzweiss"_s);
+    const QImage grey = Image().Photo().Tile().copy();
+    ExpectCurves("btnCancel");
+    Trigger(u"acGradation"_s);
+    EXPECT_TRUE(SamePixels(Image().Photo(), grey));
+    EXPECT_EQ(Image().UndoCount(), 1);
+    EXPECT_TRUE(TemplateShows());
+
+    Trigger(u"acShowLayer"_s);
+    ExpectCurves("btnOk");
+    Trigger(u"acGradation"_s);
+    EXPECT_EQ(PhotoPixel(305, 205), 0xffffffff);
+    EXPECT_EQ(Image().UndoCount(), 2);
+    EXPECT_TRUE(IsChecked(u"acShowLayer"_s));
+    EXPECT_FALSE(Image().LayerAt(1).visible) << "hidden before, hidden after";
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), grey));
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+}
+
+TEST_F(ToolsStory, BlackAndWhiteIsOneStep) {
+    Trigger(u"acSchwarzweiss"_s);
+    // 0.299 * 200 + 0.587 * 160 + 0.114 * 120, rounded
+    EXPECT_EQ(PhotoPixel(10, 10), qRgb(167, 167, 167));
+    EXPECT_EQ(Image().UndoCount(), 1);
+    EXPECT_EQ(Image().CurrentLayer(), 1);
+}
+
+TEST_F(ToolsStory, TheColourDialogRecordsTheAdjustedPhotoToo) {
+    const auto adjust = [this](const QString& button) {
+        driver.Expect(u"ColourAdjustment"_s, [this, button](QWidget& shown) {
+            EXPECT_FALSE(Image().LayerAt(1).visible);
+            shown.findChild<QSpinBox*>(u"Brightness"_s)->setValue(30);
+            shown.findChild<QPushButton*>(button)->click();
+        });
+        Trigger(u"acColorConfig"_s);
+        EXPECT_TRUE(TemplateShows());
+    };
+    adjust(u"btnCancel"_s);
+    EXPECT_EQ(Image().UndoCount(), 0);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+    adjust(u"btnOk"_s);
+    EXPECT_EQ(Image().UndoCount(), 2);
+    const QRgb adjusted = PhotoPixel(10, 10);
+    EXPECT_GT(qRed(adjusted), 200);
+    Undo(1);
+    EXPECT_EQ(PhotoPixel(10, 10), adjusted);
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+}
+
+TEST_F(ToolsStory, TheFreeRotationLeavesAStepEvenWhenCancelled) {
+    const auto rotate = [this](double degrees, const QString& button) {
+        driver.Expect(u"fmRotateDlg"_s, [degrees, button](QWidget& shown) {
+            shown.findChild<dialogs::RotationPreview*>(u"Preview"_s)->SetDegrees(degrees);
+            shown.findChild<QPushButton*>(button)->click();
+        });
+        Trigger(u"acRotateDlg"_s);
+        EXPECT_EQ(Image().CurrentLayer(), 1);
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    };
+    rotate(10, u"btnCancel"_s);
+    EXPECT_EQ(Image().UndoCount(), 1);
+    rotate(0, u"btnOk"_s);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+    rotate(30, u"btnOk"_s);
+    EXPECT_EQ(Image().UndoCount(), 1) << "the same pixels are not recorded twice";
+    const QSize turned = Image().Photo().Size();
+    EXPECT_NEAR(turned.width(), 600 * 0.866 + 800 * 0.5, 2);
+    EXPECT_EQ(PhotoPixel(0, 0), 0xffffffff);
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+}
+
+TEST_F(ToolsStory, TheStampTakesWithShiftAndCopiesWithoutEachStrokeAStep) {
+    Trigger(u"acBeauty"_s);
+    EXPECT_EQ(View().cursor().shape(), Qt::BitmapCursor);
+    EXPECT_EQ(Image().UndoCount(), 1);
+    EXPECT_FALSE(Image().LayerAt(1).visible);
+    Stroke({310, 210}, {312, 210});
+    EXPECT_EQ(PhotoPixel(310, 210), 0xff000000) << "there is no source yet";
+    Click({-20, 300}, Qt::ShiftModifier);
+    Stroke({310, 210}, {312, 210});
+    EXPECT_EQ(PhotoPixel(310, 210), 0xff000000) << "nor is one outside";
+
+    Click({200, 210}, Qt::ShiftModifier);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+    Wheel(8);
+    Image().SetCurrentLayer(1);
+    Stroke({310, 210}, {310, 212});
+    EXPECT_EQ(Image().CurrentLayer(), 0);
+    EXPECT_EQ(PhotoPixel(310, 210), qRgb(200, 160, 120));
+    EXPECT_EQ(Image().UndoCount(), 1) << "the step of the mode's start is the first stroke's";
+    Stroke({-50, 300}, {310, 410});
+    EXPECT_EQ(PhotoPixel(310, 410), qRgb(60, 50, 40)) << "a press outside does nothing";
+    EXPECT_EQ(Image().UndoCount(), 1);
+    Click({310, 420}, Qt::ShiftModifier);
+    Stroke({310, 380}, {310, 380});
+    EXPECT_EQ(PhotoPixel(310, 380), qRgb(60, 50, 40));
+    EXPECT_EQ(Image().UndoCount(), 2);
+    Undo(1);
+    EXPECT_EQ(PhotoPixel(310, 380), qRgb(200, 160, 120));
+    Undo(1);
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+
+    for (const QString& other : {u"acGradation"_s, u"acSchwarzweiss"_s, u"acColorConfig"_s,
+                                 u"acSetWhitePoint"_s, u"acShowLayer"_s}) {
+        Trigger(other);
+        EXPECT_FALSE(IsChecked(other)) << other.toStdString();
+        EXPECT_TRUE(IsChecked(u"acBeauty"_s)) << other.toStdString();
+    }
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+    Trigger(u"acBeauty"_s);
+    EXPECT_EQ(View().cursor().shape(), Qt::ArrowCursor);
+    EXPECT_TRUE(TemplateShows());
+}
+
+TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
+    const double zoom = View().ZoomPercent();
+    Trigger(u"acBeauty"_s);
+    const auto hint = [this] { return window->statusBar()->currentMessage().section(u'–', 0, 0); };
+    EXPECT_EQ(hint(), u"Stempel 13 px, Weichheit 50 %  "_s);
+    Wheel(1);
+    EXPECT_EQ(hint(), u"Stempel 15 px, Weichheit 50 %  "_s);
+    Wheel(-2, Qt::ShiftModifier);
+    EXPECT_EQ(hint(), u"Stempel 15 px, Weichheit 40 %  "_s);
+    QTest::keyClicks(&View(), u"-[."_s);
+    EXPECT_EQ(hint(), u"Stempel 11 px, Weichheit 45 %  "_s);
+    Wheel(-100);
+    Wheel(-100, Qt::ShiftModifier);
+    EXPECT_EQ(hint(), u"Stempel 1 px, Weichheit 0 %  "_s);
+    QTest::keyClicks(&View(), u"+"_s);
+    EXPECT_EQ(hint(), u"Stempel 2 px, Weichheit 0 %  "_s);
+    EXPECT_EQ(View().ZoomPercent(), zoom);
+    Trigger(u"acBeauty"_s);
+    EXPECT_TRUE(window->statusBar()->currentMessage().isEmpty());
+    Wheel(1);
+    EXPECT_GT(View().ZoomPercent(), zoom);
+}
+
+TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
+    SavePhoto("pixel.png", QSize(1, 1), 77);
+    Open("pixel.png");
+    Trigger(u"acSetWhitePoint"_s);
+    Click({0.5, 0.5});
+    EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
+    Trigger(u"acSchwarzweiss"_s);
+    ExpectCurves("btnOk");
+    Trigger(u"acGradation"_s);
+    for (const QString& dialog : {u"ColourAdjustment"_s, u"fmRotateDlg"_s}) {
+        driver.Expect(dialog, [](QWidget& shown) {
+            if (auto* preview = shown.findChild<dialogs::RotationPreview*>(u"Preview"_s)) {
+                preview->SetDegrees(12);
+            } else {
+                shown.findChild<QSpinBox*>(u"Equalisation"_s)->setValue(100);
+            }
+            shown.findChild<QPushButton*>(u"btnOk"_s)->click();
+        });
+        Trigger(dialog == u"fmRotateDlg"_s ? u"acRotateDlg"_s : u"acColorConfig"_s);
+    }
+    Trigger(u"acBeauty"_s);
+    Click({0.5, 0.5}, Qt::ShiftModifier);
+    Stroke({0.5, 0.5}, {0.6, 0.6});
+    EXPECT_FALSE(Image().Photo().IsEmpty());
+}
+
+}  // namespace kadrona::testing

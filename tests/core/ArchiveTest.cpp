@@ -1,0 +1,298 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include "core/ArchiveTable.h"
+#include "core/PhotoLoading.h"
+#include "imaging/ImageReader.h"
+#include "imaging/ImageWriter.h"
+#include "imaging/WindowlessDisplay.h"
+#include "platform/AtomicFile.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/FileSizeLimit.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using Ids = std::vector<qint64>;
+
+/// A data module over a database and an archive folder, on 7 March 2026 at half past two.
+class Archive : public ::testing::Test {
+ protected:
+    Archive() {
+        for (const QString& folder : {databaseFolder, archiveFolder}) {
+            QDir().mkpath(folder);
+        }
+        data.ConnectDB(databaseFolder);
+        data.CreateDB();
+        core::NameSources sources;
+        sources.now = [this] { return now; };
+        data.SetNameSources(sources);
+        QImage photo(413, 531, QImage::Format_RGB32);
+        photo.fill(Qt::red);
+        Image().Open(imaging::Pixels(photo), {300});
+    }
+
+    imaging::LayeredImage& Image() { return view.Image(); }
+    core::ArchiveTable& Table() { return *data.Archive(); }
+    void File(const QString& tags) {
+        data.SaveImageToArchiv(view, archiveFolder, tags, tags.section(u"\r\n"_s, 0, 0));
+    }
+    QString DatabaseFile() const { return databaseFolder + u"/KDRImageBase.db"_s; }
+
+    /// The rows of a query, their columns between bars; NULL is ?.
+    QStringList Rows(const QString& query) const {
+        store::Database database(databaseFolder);
+        store::Statement select(database, query);
+        QStringList rows;
+        while (select.Step()) {
+            QStringList columns;
+            for (int column = 0; column < 8; ++column) {
+                columns.append(select.IsNull(column) ? u"?"_s : select.Text(column));
+            }
+            rows.append(columns.join(u'|'));
+        }
+        return rows;
+    }
+    QStringList Records() const {
+        return Rows(
+            uR"(SELECT "ID", "ImgName", "ImgType", "ImgMD5", "ImgErstellt", "ImgAblage",
+            "ImgTags", length("ImgThumb") > 0 FROM "ImgDB" ORDER BY "ID")"_s);
+    }
+
+    Installation installation;
+    QString databaseFolder = installation.Path("database");
+    QString archiveFolder = installation.Path("archive");
+    QDateTime now{QDate(2026, 3, 7), QTime(14, 30, 5, 123)};
+    FakeInterface ui;
+    core::TData data{ui, installation.Folders()};
+    imaging::WindowlessDisplay view;
+};
+
+TEST_F(Archive, FilesAPhotoWithItsRecordThumbnailAndTags) {
+    data.MaskLoadFromFile(installation.Path("program/Schablonen/Pass.msk"));
+    File(u"Jürgen\r\nKöln\r\n2026\r\n"_s);
+    File({});
+    EXPECT_EQ(
+        Records(),
+        QStringList({u"1|2026_03_00001.jpg|Pass.msk|?|2026-03-07 14:30:05.123|2026\\03|"
+                     u"Jürgen\r\nKöln\r\n2026\r\n|1"_s,
+                     u"2|2026_03_00002.jpg|Pass.msk|?|2026-03-07 14:30:05.123|2026\\03||1"_s}));
+    EXPECT_EQ(Table().Ids(), (Ids{2, 1})) << "newest first";
+    EXPECT_EQ(data.CurrentRecord(), 2);
+    EXPECT_EQ(QImage::fromData(Table().ReadThumbnail(1)).size(), QSize(140, 180));
+
+    data.SetCurrentRecord(1);
+    const QString path = archiveFolder + u"/2026/03/2026_03_00001.jpg"_s;
+    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), path);
+    const imaging::LoadedImage read = imaging::ReadImageFile(path);
+    EXPECT_EQ(read.pixels.Size(), QSize(413, 531));
+    EXPECT_EQ(read.resolution.value, 300);
+    EXPECT_EQ(read.iptc.Text(read.iptc.IndexOf(2, 5)), u"Jürgen"_s);
+    EXPECT_EQ(read.iptc.Text(read.iptc.IndexOf(2, 25)), u"Jürgen,Köln,2026,"_s);
+    EXPECT_TRUE(ui.messages.isEmpty());
+}
+
+TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
+    const QString missing = installation.Path("missing");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_THROW(data.SaveImageToArchiv(view, missing, u"a\r\n"_s, u"a"_s),
+                     imaging::WriteError);
+    }
+    EXPECT_FALSE(QFileInfo::exists(missing));
+    QDir().mkpath(archiveFolder + u"/2026/03/2026_03_00003.jpg"_s);
+    EXPECT_THROW(File(u"b\r\n"_s), imaging::WriteError) << "the photo's name is taken by a folder";
+    EXPECT_EQ(Records(),
+              QStringList({u"1|?|?|?|?|?|?|?"_s, u"2|?|?|?|?|?|?|?"_s, u"3|?|?|?|?|?|?|?"_s}));
+    EXPECT_EQ(Image().Iptc().Text(0), u"a"_s) << "the tags are set before the photo is written";
+    File(u"c\r\n"_s);
+    EXPECT_EQ(Table().Ids(), (Ids{4, 3, 2, 1})) << "those without a date come last";
+    EXPECT_EQ(Table().Read(2)->created, QDateTime());
+}
+
+TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
+    installation.Write("archive/2026", "a file in the way");
+    File(u"a\r\n"_s);
+    EXPECT_EQ(Records(), QStringList());
+    EXPECT_TRUE(Image().Iptc().IsEmpty());
+    store::Database(databaseFolder).Execute(uR"(DROP TABLE "ImgDB")"_s);
+    QFile::remove(installation.Path("archive/2026"));
+    File(u"a\r\n"_s);
+    EXPECT_EQ(data.Archive(), nullptr);
+    data.ImgTagSearch(u"a"_s);
+    core::TData unconnected(ui, installation.Folders());
+    unconnected.SaveImageToArchiv(view, archiveFolder, {}, {});
+    EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files), QStringList());
+    data.CreateDB();
+    EXPECT_EQ(Records(), QStringList());
+}
+
+TEST_F(Archive, AFullDiskLeavesAnEmptyRecordAtWorst) {
+    File(u"voll\r\n"_s);
+    {
+        const FileSizeLimit limit(8'000);
+        EXPECT_THROW(File(u"leer\r\n"_s), platform::Error);
+    }
+    EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s).first().section(u'|', 0, 0), u"ok"_s);
+    File(u"wieder\r\n"_s);
+    EXPECT_EQ(Table().Find(u"voll"_s), (Ids{1}));
+    EXPECT_EQ(Table().Find(u"leer"_s), Ids());
+    EXPECT_EQ(Table().Find(u"wieder"_s).size(), 1U);
+}
+
+TEST_F(Archive, NamesTheMissingPhotoOfARecord) {
+    File({});
+    const QString path = data.GetFileNameFromRecord(archiveFolder + u'/');
+    EXPECT_EQ(path, archiveFolder + u"/2026/03/2026_03_00001.jpg"_s);
+    QFile::remove(path);
+    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
+    EXPECT_EQ(ui.messages, QStringList(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s));
+    data.SetCurrentRecord(99);
+    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
+    EXPECT_EQ(ui.messages.size(), 2);
+}
+
+TEST_F(Archive, TagsAreFoundAndChangedWhateverTheyHold) {
+    const QStringList tags{u"O'Neill \"quoted\" 100% _x_\r\n"_s, u"Größe \U0001F4F7\r\n"_s,
+                           u"vor\0nach\r\n"_s, u"Wort "_s.repeated(200'000)};
+    for (const QString& text : tags) {
+        now = now.addSecs(60);
+        File(text);
+        EXPECT_EQ(Table().Read(data.CurrentRecord())->tags, text);
+    }
+    for (const auto& [text, id] : QList<std::pair<QString, qint64>>{
+             {u"O'Neill"_s, 1}, {u"GRÖßE"_s, 2}, {u"vor\0nach"_s, 3}, {u"wort"_s, 4}}) {
+        data.ImgTagSearch(text);
+        EXPECT_EQ(Table().Ids(), (Ids{id})) << qPrintable(text);
+        EXPECT_EQ(Table().Find(u"2026"_s), (Ids{id})) << "the filter holds for searches too";
+        data.ImgTagSearch({});
+        EXPECT_EQ(Table().Find(text), (Ids{id})) << qPrintable(text);
+    }
+    EXPECT_EQ(Table().Find(u"07.03.2026 14:32"_s), (Ids{2})) << "as it is shown";
+    EXPECT_EQ(core::ShownTime(Table().Read(2)->created), u"07.03.2026 14:32"_s);
+    Table().SetTags(2, u"Zürich\r\n"_s);
+    Table().SetTags(99, u"Zürich\r\n"_s);
+    EXPECT_EQ(Table().Find(u"zürich"_s), (Ids{2}));
+    data.ImgTagSearch(u"größe"_s);
+    EXPECT_EQ(Table().Ids(), Ids());
+    EXPECT_THROW(Table().SetFilter(u"TEXTSEARCH('a' IN ImgName)"_s), store::StoreError);
+}
+
+TEST_F(Archive, LongTextsAreCutToTheirFields) {
+    const qint64 id = Table().Insert();
+    Table().Fill({.id = id,
+                  .name = QString(40, u'n'),
+                  .type = QString(49, u't') + u"\U0001F4F7"_s,
+                  .created = now,
+                  .folder = QString(200, u'f'),
+                  .tags = {}},
+                 {});
+    const auto record = Table().Read(id);
+    EXPECT_EQ(record->name, QString(25, u'n'));
+    EXPECT_EQ(record->type, QString(49, u't')) << "no half of a character";
+    EXPECT_EQ(record->folder.size(), 125);
+}
+
+TEST_F(Archive, TwoProgramsSeeWhatTheOtherFiles) {
+    core::TData other(ui, installation.Folders());
+    other.ConnectDB(databaseFolder);
+    other.CreateDB();
+    for (int i = 0; i < 3; ++i) {
+        File(u"ours\r\n"_s);
+        other.SaveImageToArchiv(view, archiveFolder, u"theirs\r\n"_s, u"theirs"_s);
+        EXPECT_EQ(Table().Ids().size(), size_t(2 * i + 2));
+        EXPECT_EQ(other.Archive()->Find(u"ours"_s).size(), size_t(i + 1));
+    }
+}
+
+TEST_F(Archive, AnOlderDatabaseGetsItsIndexAndKeepsItsRecords) {
+    QFile::remove(DatabaseFile());
+    {
+        store::Database database(databaseFolder);
+        database.Execute(
+            uR"(CREATE TABLE "ImgDB" ("ID" INTEGER PRIMARY KEY AUTOINCREMENT,
+            "ImgName" VARCHAR(25), "ImgType" VARCHAR(50), "ImgMD5" VARCHAR(40),
+            "ImgErstellt" TIMESTAMP, "ImgAblage" VARCHAR(125), "ImgTags" MEMO, "ImgThumb" GRAPHIC))"_s);
+        database.Execute(uR"(INSERT INTO "ImgDB" ("ImgTags") VALUES ('Jürgen'), (NULL))"_s);
+    }
+    for (int start = 0; start < 2; ++start) {
+        data.ConnectDB(databaseFolder);
+        EXPECT_TRUE(data.CreateDB());
+        data.ImgTagSearch(u"jürgen"_s);
+        EXPECT_EQ(Table().Ids(), (Ids{1}));
+    }
+    EXPECT_EQ(Rows(u"PRAGMA user_version"_s).first().section(u'|', 0, 0), u"1"_s);
+}
+
+TEST_F(Archive, RefusesTheDatabaseOfANewerVersionOrAnotherProgram) {
+    const auto connectError = [&] {
+        try {
+            data.ConnectDB(databaseFolder);
+        } catch (const platform::Error& error) {
+            EXPECT_EQ(typeid(error), typeid(platform::Error)) << "a general error";
+            return error.Text();
+        }
+        return QString();
+    };
+    store::Database(databaseFolder).Execute(u"PRAGMA user_version = 2"_s);
+    EXPECT_EQ(connectError(),
+              u"Die Datenbank „%1“ stammt von einer neueren Version des Programms "
+              u"(2)."_s.arg(DatabaseFile()));
+    store::Database(databaseFolder).Execute(u"PRAGMA application_id = 42"_s);
+    EXPECT_EQ(connectError(),
+              u"Die Datenbank „%1“ gehört zu einem anderen Programm."_s.arg(DatabaseFile()));
+    platform::WriteFileAtomically(DatabaseFile(), QByteArray(3000, 'x'));
+    EXPECT_TRUE(connectError().endsWith(u"Die Datei ist keine Datenbank."_s));
+}
+
+/// "RECORD:DATASET TEXT" of each item.
+QStringList Texts(const imaging::IptcItems& items) {
+    QStringList all;
+    for (const imaging::IptcItem& item : items.Items()) {
+        all.append(u"%1:%2 "_s.arg(item.record).arg(item.dataset) + QString::fromUtf8(item.value));
+    }
+    return all;
+}
+
+TEST_F(Archive, TagsAreSetInAViewAndRewrittenInAFile) {
+    data.SaveIptcToImage(view, u"Anna"_s, u"Anna\r\nBerlin\r\n2026\r\n"_s);
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
+    data.SaveIptcToImage(view, u"Bea"_s, {});
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
+        << "the item at the very front counts as missing";
+
+    const QString path = installation.Path("a.jpg");
+    imaging::WriteImageFile(path, Image().Photo(), {300}, {{}, Image().Iptc()});
+    data.RewriteIptcToImage(path, u"Käthe"_s, u"Käthe\r\n\r\n"_s);
+    EXPECT_EQ(Texts(imaging::ReadImageFile(path).iptc),
+              QStringList({u"1:90 \u001b%G"_s, u"2:5 Käthe"_s, u"2:25 Käthe,,"_s}));
+    data.RewriteIptcToImage(installation.Path("fehlt.jpg"), {}, {});
+    EXPECT_FALSE(QFile::exists(installation.Path("fehlt.jpg")));
+}
+
+TEST_F(Archive, ItemsOfAnOpenedPhotoStayWithIt) {
+    const FakeSettings settings;
+    data.SetSettings(&settings);
+    // A list that begins with the object name.
+    const QByteArray segment(
+        "\xff\xed\0\x24Photoshop 3.0\0"
+        "8BIM\4\4\0\0\0\0\0\x08\x1c\2\5\0\3alt",
+        38);
+    installation.Write("a.jpg", imaging::EncodeJpeg(Image().Photo()).insert(2, segment));
+    core::OpenPhoto(installation.Path("a.jpg"), settings, Image());
+    data.SaveIptcToImage(view, u"neu"_s, u"neu"_s);
+    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 alt"_s, u"2:5 neu"_s, u"2:25 neu"_s}));
+
+    data.SaveImage(view, archiveFolder, u"b.jpg"_s, false);
+    core::OpenPhoto(archiveFolder + u"/b.jpg"_s, settings, Image());
+    data.SaveIptcToImage(view, u"neuer"_s, u"neuer"_s);
+    EXPECT_EQ(Texts(Image().Iptc()),
+              QStringList({u"1:90 \u001b%G"_s, u"2:5 neuer"_s, u"2:5 neu"_s, u"2:25 neuer"_s}));
+    Image().Open(Image().Photo(), {});
+    EXPECT_TRUE(Image().Iptc().IsEmpty());
+}
+
+}  // namespace kadrona::testing

@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+
+#include "core/Data.h"
+#include "core/Rotation.h"
+#include "imaging/WindowlessDisplay.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/PixelMatchers.h"
+
+namespace kadrona::testing {
+
+TEST(RotationPreview, HasALongSideOf300AndATruncatedShortOne) {
+    const struct {
+        QSize photo;
+        QSize preview;
+    } rows[] = {{{1000, 1500}, {200, 300}}, {{1500, 1000}, {300, 200}}, {{999, 1000}, {299, 300}},
+                {{700, 700}, {300, 300}},   {{1, 1}, {300, 300}},       {{1, 100000}, {1, 300}},
+                {{100000, 1}, {300, 1}}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(core::RotationPreviewSize(row.photo), row.preview)
+            << row.photo.width() << " x " << row.photo.height();
+    }
+}
+
+TEST(RotateImage, TurnsTheWholePhotoByTheAnswerAndNothingWithoutOne) {
+    const Installation installation;
+    FakeInterface ui;
+    core::TData data(ui, installation.Folders());
+    imaging::WindowlessDisplay display;
+    data.RotateImage(display);
+    EXPECT_TRUE(ui.rotationPreview.isEmpty()) << "there is no photo yet";
+
+    display.Image().Open(imaging::Pixels(Picture({"rgb", "wky"})), {});
+    data.RotateImage(display);
+    EXPECT_EQ(ui.rotationPreview, QSize(300, 200));
+    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"rgb", "wky"})));
+    ui.rotation = 0.0;
+    data.RotateImage(display);
+    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"rgb", "wky"})));
+    ui.rotation = 90.0;
+    data.RotateImage(display);
+    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"by", "gk", "rw"})));
+}
+
+}  // namespace kadrona::testing

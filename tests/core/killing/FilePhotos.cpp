@@ -1,0 +1,108 @@
+// Files photos in an archive until it is killed, as the program does; for kill-archiving.
+//
+//   file_photos FOLDER          checks the database, says "ready", then "filed NUMBER" for each
+//   photo file_photos FOLDER LOG      checks the database and every photo that the log says was
+//   filed
+#include <QCoreApplication>
+#include <QFile>
+#include <cstdio>
+
+#include "core/Data.h"
+#include "imaging/ImageReader.h"
+#include "imaging/WindowlessDisplay.h"
+#include "store/Statement.h"
+#include "tests/support/CoreFakes.h"
+
+using namespace Qt::StringLiterals;
+using namespace kadrona;
+
+namespace {
+
+const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
+
+void Require(bool condition, const QString& what) {
+    if (!condition) {
+        throw platform::Error(what);
+    }
+}
+
+QString FirstText(store::Database& database, const QString& query) {
+    store::Statement statement(database, query);
+    return statement.Step() ? statement.Text(0) : QString();
+}
+
+void CheckDatabase(store::Database& database) {
+    const QString found = FirstText(database, u"PRAGMA integrity_check"_s);
+    Require(found == u"ok"_s, found);
+    database.Execute(uR"(INSERT INTO "ImgTags_idx" ("ImgTags_idx") VALUES ('integrity-check'))"_s);
+    Require(FirstText(database,
+                      uR"(SELECT count(*) FROM "ImgDB" LEFT JOIN "ImgTags_idx"
+            ON "ImgTags_idx".rowid = "ID" WHERE "ImgTags" IS NOT "Text")"_s) == u"0"_s,
+            u"the full-text index is not that of the records"_s);
+}
+
+core::ArchiveTable& Open(core::TData& data, const QString& folder) {
+    data.ConnectDB(folder);
+    data.CreateDB();
+    return *data.Archive();
+}
+
+void FileForever(core::TData& data, const QString& folder) {
+    QImage photo(413, 531, QImage::Format_RGB32);
+    photo.fill(Qt::gray);
+    imaging::WindowlessDisplay view;
+    view.Image().Open(imaging::Pixels(photo), {300});
+    std::puts("ready");
+    std::fflush(stdout);
+    while (true) {
+        data.SaveImageToArchiv(view, folder, Tags, u"Jürgen Groß"_s);
+        std::printf("filed %lld\n", data.CurrentRecord());
+        std::fflush(stdout);
+    }
+}
+
+void CheckFiled(core::TData& data, const QString& folder, QFile& log) {
+    int count = 0;
+    while (!log.atEnd()) {
+        const QByteArray line = log.readLine().trimmed();
+        if (!line.startsWith("filed ")) {
+            continue;
+        }
+        const qint64 id = line.sliced(6).toLongLong();
+        const auto record = data.Archive()->Read(id);
+        Require(record && record->tags == Tags, u"record %1 is lost"_s.arg(id));
+        data.SetCurrentRecord(id);
+        imaging::ReadImageFile(data.GetFileNameFromRecord(folder));
+        ++count;
+    }
+    data.ImgTagSearch(u"groß"_s);
+    const size_t found = data.Archive()->Ids().size();
+    Require(found >= size_t(count), u"%1 of %2 are found"_s.arg(found).arg(count));
+    std::printf(
+        "%d photos filed, all there; %d records\n", count,
+        FirstText(*std::make_unique<store::Database>(folder), uR"(SELECT count(*) FROM "ImgDB")"_s)
+            .toInt());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString& folder = arguments.at(1);
+    testing::FakeInterface ui;
+    core::TData data(ui, {folder, folder});
+    Open(data, folder);
+    store::Database database(folder);
+    CheckDatabase(database);
+    if (arguments.size() < 3) {
+        FileForever(data, folder);
+    }
+    QFile log(arguments.at(2));
+    Require(log.open(QIODevice::ReadOnly), log.errorString());
+    CheckFiled(data, folder, log);
+    return 0;
+} catch (const platform::Error& error) {
+    std::fprintf(stderr, "file_photos: %s\n", error.what());
+    return 1;
+}

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include "printing/cups/DeviceMode.h"
+#include "printing/cups/OptionTexts.h"
+#include "printing/cups/QueueChoice.h"
+
+using namespace kadrona::printing;
+using namespace kadrona::printing::cups;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+TEST(DeviceModeTest, ABlockIsALineForEachOptionInOrder) {
+    DeviceMode mode;
+    mode.Set("PageSize", "A6");
+    mode.Set("InputSlot", "Photo");
+    mode.Set("PageSize", "A4");
+    EXPECT_EQ(mode.ToBlock(), "PageSize=A4\nInputSlot=Photo\n");
+}
+
+TEST(DeviceModeTest, AnyKeyAndValueSurvive) {
+    DeviceMode mode;
+    for (const QByteArray& text :
+         {QByteArray("a=b"), QByteArray("\\"), QByteArray("\\n"), QByteArray("\n"),
+          QByteArray("x\r\ny"), QByteArray("\0z", 2), QByteArray("ends\\"), QByteArray("Größe")}) {
+        mode.Set(text, text);
+    }
+    EXPECT_EQ(DeviceMode(mode.ToBlock()), mode);
+    EXPECT_EQ(mode.ToBlock().count('\n'), 8);
+}
+
+TEST(DeviceModeTest, AForeignBlockIsReadAsFarAsItMakesSense) {
+    struct Row {
+        const char* name;
+        QByteArray block;
+        QByteArray read;
+    };
+    const Row rows[] = {
+        {"nothing", "", ""},
+        {"no key", "=x\n\nkey\n", ""},
+        {"no last line end", "a=1\nb=2", "a=1\nb=2\n"},
+        {"twice", "a=1\nb=2\na=3\n", "a=3\nb=2\n"},
+        {"escape at the end", "a=1\\", "a=1\\\\\n"},
+        {"unknown escape", "a=\\q\n", "a=q\n"},
+        {"no text", QByteArray("\xff\xfe=\x80\n"), QByteArray("\xff\xfe=\x80\n")},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(DeviceMode(row.block).ToBlock(), row.read) << row.name;
+    }
+}
+
+TEST(DeviceModeTest, CopiesStayWithinReason) {
+    for (const auto& [stored, count] : {std::pair{"copies=3", 3},
+                                        {"copies=-1", 1},
+                                        {"copies=99999999999999999999", 1},
+                                        {"copies=5000", 999},
+                                        {"copies=x", 1},
+                                        {"", 1}}) {
+        EXPECT_EQ(DeviceMode(stored).CopyCount(), count) << stored;
+    }
+}
+
+TEST(QueueChoiceTest, AnotherQueuesWholeNameIsNotTaken) {
+    EXPECT_EQ(QueueNameOf({u"Photo"_s, {}, {}, "printer-name=Laser\n"}), "Photo");
+}
+
+TEST(OptionTextsTest, KnownWordsAreGermanAndOthersStay) {
+    EXPECT_EQ(InGerman(u"Glossy Photo Paper"_s), u"Fotopapier, glänzend"_s);
+    EXPECT_EQ(InGerman(u"Velvet Fine Art"_s), u"Velvet Fine Art"_s);
+}
+
+}  // namespace

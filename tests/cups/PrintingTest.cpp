@@ -1,0 +1,298 @@
+// Jobs through a real print service, measured on the page that comes out.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QLocalServer>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "PrintService.h"
+#include "PrintedPage.h"
+#include "core/SheetLayout.h"
+#include "printing/PrinterSetup.h"
+#include "printing/cups/CupsPrinterLayer.h"
+#include "printing/cups/DeviceMode.h"
+
+using namespace kadrona;
+using namespace kadrona::printing;
+using namespace kadrona::testing;
+using namespace Qt::StringLiterals;
+using printing::cups::CupsPrinterLayer;
+using printing::cups::DeviceMode;
+using ::testing::StartsWith;
+
+namespace {
+
+QImage Pattern(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, qRgb(x * 7 % 256, y * 5 % 256, x * y % 256));
+        }
+    }
+    return image;
+}
+
+/// A sheet as the program makes it of photos of that printed size.
+PrintImage Sheet(QSizeF photoMillimetres, const core::SheetLayout& layout) {
+    constexpr int Width = 500;
+    PrintImage image;
+    image.tile =
+        Pattern({Width, qRound(Width * photoMillimetres.height() / photoMillimetres.width())});
+    image.columns = layout.columns;
+    image.rows = layout.rows;
+    image.dotsPerInch = core::PrintResolution(Width, {qRound(photoMillimetres.width() * 10)}).value;
+    image.title = u"Müller, Größe"_s;
+    return image;
+}
+
+class PrintingTest : public ::testing::Test {
+ protected:
+    void Set(CupsPrinterLayer& layer,
+             std::initializer_list<std::pair<const char*, const char*>> options) {
+        PrinterChoice choice = layer.CurrentPrinter();
+        DeviceMode mode(choice.deviceMode);
+        for (const auto& [key, value] : options) {
+            mode.Set(key, value);
+        }
+        choice.deviceMode = mode.ToBlock();
+        layer.SetCurrentPrinter(choice);
+    }
+
+    PrintedPage Printed(CupsPrinterLayer& layer, const PrintImage& image) {
+        layer.Print(image);
+        service_.WaitForJobs();
+        return Measured(service_.PrintedFile());
+    }
+
+    std::string ErrorOf(const std::function<void()>& step) {
+        try {
+            step();
+        } catch (const PrinterError& error) {
+            return error.what();
+        }
+        return {};
+    }
+
+    PrintService service_;
+};
+
+void ExpectTrueSize(const PrintedPage& printed, const PrintImage& image, QSizeF photo, QSizeF paper,
+                    bool turned) {
+    EXPECT_EQ(printed.count, 1);
+    EXPECT_NEAR(printed.page.width(), paper.width(), 0.02);
+    EXPECT_NEAR(printed.page.height(), paper.height(), 0.02);
+    ASSERT_EQ(printed.copies.size(), static_cast<size_t>(image.columns * image.rows));
+    const QSizeF lying = turned ? photo.transposed() : photo;
+    for (const PrintedPage::Copy& copy : printed.copies) {
+        EXPECT_EQ(copy.turned, turned);
+        EXPECT_NEAR(copy.place.width(), lying.width(), 0.05);
+        EXPECT_NEAR(copy.place.height(), lying.height(), 0.05);
+    }
+    const QRectF sheet = printed.Sheet();
+    const QSizeF size = turned ? image.Millimetres().transposed() : image.Millimetres();
+    EXPECT_NEAR(sheet.width(), size.width(), 0.05) << "the copies do not touch each other";
+    EXPECT_NEAR(sheet.height(), size.height(), 0.05) << "the copies do not touch each other";
+    EXPECT_NEAR(sheet.center().x(), paper.width() / 2, 0.1);
+    EXPECT_NEAR(sheet.center().y(), paper.height() / 2, 0.1);
+}
+
+struct PaperCase {
+    const char* name;
+    QSizeF photo;
+    const char* paper;
+    const char* orientation;
+    QSizeF millimetres;
+};
+
+class TrueSizeTest : public PrintingTest, public ::testing::WithParamInterface<PaperCase> {};
+
+TEST_P(TrueSizeTest, EveryLayoutComesOutAtItsSizeAndCentred) {
+    const PaperCase& row = GetParam();
+    CupsPrinterLayer layer(service_.Address());
+    Set(layer, {{"PageSize", row.paper}, {DeviceMode::Orientation, row.orientation}});
+    const bool turned = qstrcmp(row.orientation, "4") == 0;
+    const QSizeF expected = turned ? row.millimetres.transposed() : row.millimetres;
+    EXPECT_NEAR(layer.PaperMillimetres().width(), expected.width(), 0.02);
+    EXPECT_NEAR(layer.PaperMillimetres().height(), expected.height(), 0.02);
+    for (const core::SheetLayout& layout : core::SheetLayouts) {
+        SCOPED_TRACE(layout.name.data());
+        const PrintImage image = Sheet(row.photo, layout);
+        ExpectTrueSize(Printed(layer, image), image, row.photo, row.millimetres, turned);
+    }
+}
+
+// On the A6 in landscape "3 x 3" is higher than the paper, and the first two have margins that
+// nothing may be fitted into.
+INSTANTIATE_TEST_SUITE_P(
+    Templates, TrueSizeTest,
+    ::testing::Values(PaperCase{"A6Landscape", {35, 45}, "A6", "4", {105, 148}},
+                      PaperCase{"A4", {50, 70}, "A4", "3", {210, 297}},
+                      PaperCase{"Borderless", {25, 35}, "A6.Borderless", "3", {105, 148}},
+                      PaperCase{"PhotoPaper", {50, 50}, "w288h432", "3", {101.6, 152.4}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
+    CupsPrinterLayer layer(service_.Address());
+    Set(layer, {{"PageSize", "A6"}});
+    const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
+    for (const char* standard : {"number-up=2", "fit-to-page=true", "print-scaling=fill",
+                                 "orientation-requested=4", "media=A4", "scaling=50"}) {
+        SCOPED_TRACE(standard);
+        const QStringList option = QString::fromLatin1(standard).split(u'=');
+        service_.Run(u"lpadmin"_s,
+                     {u"-p"_s, u"Photo"_s, u"-o"_s, option[0] + u"-default="_s + option[1]});
+        ExpectTrueSize(Printed(layer, image), image, {35, 45}, {105, 148}, false);
+        service_.Run(u"lpadmin"_s, {u"-p"_s, u"Photo"_s, u"-R"_s, option[0] + u"-default"_s});
+    }
+}
+
+TEST_F(PrintingTest, TheTileIsInThePageOnceAndLossless) {
+    CupsPrinterLayer layer(service_.Address());
+    const PrintImage image = Sheet({35, 45}, core::SheetLayouts[0]);
+    layer.Print(image);
+    service_.WaitForJobs();
+    QTemporaryDir folder;
+    QProcess images;
+    images.start(u"pdfimages"_s, {u"-png"_s, service_.PrintedFile(), folder.filePath(u"i"_s)});
+    ASSERT_TRUE(images.waitForFinished());
+    EXPECT_EQ(QImage(folder.filePath(u"i-000.png"_s)).convertToFormat(QImage::Format_RGB32),
+              image.tile);
+    images.start(u"pdfimages"_s, {u"-list"_s, service_.PrintedFile()});
+    ASSERT_TRUE(images.waitForFinished());
+    QStringList objects;
+    const QStringList lines =
+        QString::fromUtf8(images.readAllStandardOutput()).trimmed().split(u'\n').mid(2);
+    for (const QString& line : lines) {
+        objects.append(line.simplified().section(u' ', 10, 10));
+    }
+    EXPECT_EQ(lines.size(), 8);
+    EXPECT_EQ(objects.removeDuplicates(), 7) << "the tile is in the file more than once";
+}
+
+TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
+    QTemporaryDir folder;
+    const QString file = folder.filePath(u"prn1.tmp"_s);
+    {
+        CupsPrinterLayer layer(service_.Address());
+        Set(layer, {{"PageSize", "A6"},
+                    {"InputSlot", "Photo"},
+                    {"ColorModel", "Gray"},
+                    {"DryTime", "Long"},
+                    {DeviceMode::Copies, "2"},
+                    {"GoneOption", "Kept"},
+                    {"MediaType", "GoneChoice"}});
+        TPrinterSetup(layer).SaveToFile(file);
+    }
+    service_.AddQueue(u"Another"_s);
+    service_.Run(u"lpadmin"_s, {u"-d"_s, u"Another"_s});
+
+    CupsPrinterLayer layer(service_.Address());
+    TPrinterSetup(layer).LoadFromFile(file);
+    EXPECT_EQ(layer.CurrentPrinter().device, u"Photo"_s);
+    const DeviceMode mode(layer.CurrentPrinter().deviceMode);
+    EXPECT_EQ(mode.Value("GoneOption"), "Kept");
+    EXPECT_EQ(mode.Value("MediaType"), "GoneChoice");
+
+    const PrintedPage printed = Printed(layer, Sheet({35, 45}, core::SheetLayouts[5]));
+    EXPECT_NEAR(printed.page.width(), 105, 0.02);
+    const QHash<QString, std::string> job = service_.JobAttributes(1);
+    EXPECT_EQ(job[u"PageSize"_s], "A6");
+    EXPECT_EQ(job[u"InputSlot"_s], "Photo");
+    EXPECT_EQ(job[u"ColorModel"_s], "Gray");
+    EXPECT_EQ(job[u"DryTime"_s], "Long");
+    EXPECT_EQ(job[u"PhotoEnhance"_s], "true") << "an option that nobody changed is kept, too";
+    EXPECT_EQ(job[u"copies"_s], "2");
+    EXPECT_EQ(job[u"print-scaling"_s], "none");
+    EXPECT_EQ(job[u"job-name"_s], "Müller, Größe");
+    EXPECT_FALSE(job.contains(u"GoneOption"_s));
+    EXPECT_FALSE(job.contains(u"MediaType"_s));
+}
+
+TEST_F(PrintingTest, AQueueWithALongNameIsFoundAgain) {
+    const QString name = u"Fotodrucker-im-hinteren-Buero-am-Fenster"_s;
+    service_.AddQueue(name);
+    service_.Run(u"lpadmin"_s, {u"-d"_s, name});
+    QTemporaryDir folder;
+    CupsPrinterLayer layer(service_.Address());
+    TPrinterSetup(layer).SaveToFile(folder.filePath(u"prn1.tmp"_s));
+    CupsPrinterLayer other(service_.Address());
+    TPrinterSetup(other).LoadFromFile(folder.filePath(u"prn1.tmp"_s));
+    EXPECT_EQ(other.CurrentPrinter().device, name);
+}
+
+TEST_F(PrintingTest, APausedQueueTakesTheJobAndARejectingOneNamesItself) {
+    CupsPrinterLayer layer(service_.Address());
+    const PrintImage image = Sheet({35, 45}, core::SheetLayouts[6]);
+    service_.Run(u"cupsdisable"_s, {u"Photo"_s});
+    layer.Print(image);
+    EXPECT_EQ(service_.JobAttributes(1)[u"job-state"_s], "pending");
+    service_.Run(u"cupsenable"_s, {u"Photo"_s});
+    service_.WaitForJobs();
+
+    service_.Run(u"cupsreject"_s, {u"-r"_s, u"Wartung bis Montag"_s, u"Photo"_s});
+    const auto print = [&] { layer.Print(image); };
+    EXPECT_EQ(ErrorOf(print),
+              "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an: Wartung bis Montag.");
+    service_.Run(u"cupsreject"_s, {u"Photo"_s});
+    EXPECT_EQ(ErrorOf(print), "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an.");
+}
+
+TEST_F(PrintingTest, AQueueThatIsGoneLeavesTheCurrentPrinter) {
+    CupsPrinterLayer layer(service_.Address());
+    const PrinterChoice photo = layer.CurrentPrinter();
+    PrinterChoice gone = photo;
+    gone.device = u"Alt"_s;
+    EXPECT_EQ(ErrorOf([&] { layer.SetCurrentPrinter(gone); }),
+              "Drucker „Alt“: Der Drucker ist nicht mehr vorhanden.");
+    EXPECT_EQ(layer.CurrentPrinter(), photo);
+    for (const QString& hostile : {QString(), u"a/b?c#d %s"_s, QString(33, QChar(0xd800))}) {
+        gone.device = hostile;
+        EXPECT_FALSE(ErrorOf([&] { layer.SetCurrentPrinter(gone); }).empty());
+    }
+
+    layer.SetCurrentPrinter(photo);
+    service_.Run(u"lpadmin"_s, {u"-x"_s, u"Photo"_s});
+    const std::string text = "Drucker „Photo“: Der Drucker ist nicht mehr vorhanden.";
+    EXPECT_EQ(ErrorOf([&] { layer.Print(Sheet({35, 45}, core::SheetLayouts[6])); }), text);
+    EXPECT_EQ(ErrorOf([&] { layer.PaperMillimetres(); }), text);
+
+    CupsPrinterLayer fresh(service_.Address());
+    EXPECT_EQ(ErrorOf([&] { fresh.CurrentPrinter(); }), "Es ist kein Drucker eingerichtet.");
+    EXPECT_EQ(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }),
+              "Es ist kein Drucker eingerichtet.");
+}
+
+TEST_F(PrintingTest, AServiceThatDiesIsNamedWithThePrinter) {
+    CupsPrinterLayer layer(service_.Address());
+    layer.SetCurrentPrinter(layer.CurrentPrinter());
+    service_.Kill();
+    EXPECT_THAT(ErrorOf([&] {
+                    layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
+                }),
+                StartsWith("Drucker „Photo“: Unter „/"));
+    CupsPrinterLayer fresh(service_.Address());
+    for (const auto& step : {std::function<void()>([&] { fresh.CurrentPrinter(); }),
+                             std::function<void()>([&] { fresh.ShowSetupDialog(nullptr); })}) {
+        EXPECT_THAT(ErrorOf(step), StartsWith("Unter „/"));
+    }
+}
+
+// The system takes the connection, and then nobody answers.
+TEST(SilentServiceTest, IsGivenUp) {
+    QTemporaryDir folder;
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(folder.filePath(u"socket"_s)));
+    CupsPrinterLayer layer(silent.fullServerName(), std::chrono::milliseconds(50));
+    const PrinterChoice choice{u"Photo"_s, {}, {}, {}};
+    try {
+        layer.SetCurrentPrinter(choice);
+        ADD_FAILURE() << "a service that says nothing was believed";
+    } catch (const PrinterError& error) {
+        EXPECT_STREQ(error.what(), "Drucker „Photo“: Der Druckdienst antwortet nicht.");
+    }
+}
+
+}  // namespace

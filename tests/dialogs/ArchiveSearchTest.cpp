@@ -1,0 +1,185 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QToolButton>
+
+#include "controls/CardGrid.h"
+#include "controls/FindPanel.h"
+#include "core/Data.h"
+#include "dialogs/ArchiveSearch.h"
+#include "dialogs/ImageTags.h"
+#include "store/Database.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/ModalDriver.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ArchiveSearch : public ::testing::Test {
+ protected:
+    ArchiveSearch() {
+        data.SetSettings(&settings);
+        data.InitSystem();
+    }
+
+    /// Archived a minute after the one before.
+    qint64 AddRecord(const QString& tags) {
+        core::ArchiveTable& table = *data.Archive();
+        const qint64 id = table.Insert();
+        table.Fill({.id = id,
+                    .name = u"2026_03_%1.jpg"_s.arg(id, 5, 10, QChar(u'0')),
+                    .type = u"Pass.msk"_s,
+                    .created = QDateTime(QDate(2026, 3, 7), QTime(14, static_cast<int>(id))),
+                    .folder = u"2026\\03"_s,
+                    .tags = tags},
+                   {});
+        return id;
+    }
+
+    controls::ModalResult Show(std::function<void(QWidget&)> answer,
+                               const QString& folder = u"/archive"_s) {
+        driver.Expect(u"fmImgSearch"_s, std::move(answer));
+        return window.ShowEx(folder);
+    }
+
+    /// Types as a user would and waits for the hits.
+    void Find(const QString& text) {
+        window.findChild<QLineEdit*>(u"FindEdit"_s)->setText(text);
+        QTest::keyClick(window.findChild<QLineEdit*>(u"FindEdit"_s), Qt::Key_Return);
+    }
+
+    QString Hits() { return window.findChild<QLabel*>(u"FindHits"_s)->text(); }
+    controls::CardGrid& Grid() { return *window.findChild<controls::CardGrid*>(u"CardGrid"_s); }
+    QAction& Action(const char* name) {
+        return *window.findChild<QAction*>(QLatin1StringView(name));
+    }
+
+    Installation installation;
+    FakeInterface ui;
+    FakeSettings settings;
+    ModalDriver driver;
+    core::TData data{ui, installation.Folders()};
+    dialogs::TfmImageTagEdit tagEditor;
+    dialogs::TfmImgSearch window{data, tagEditor};
+};
+
+TEST_F(ArchiveSearch, HasItsActionsInOrder) {
+    struct Row {
+        const char* name;
+        QString caption, shortcut;
+    };
+    for (const auto& [name, caption, shortcut] :
+         {Row{"acPrintImg", u"zum Druck öffnen"_s, {}}, Row{"acEditTags", u"Tags bearbeiten"_s, {}},
+          Row{"acClose", u"Fenster schließen"_s, u"Ctrl+Q"_s},
+          Row{"acSearchImg", u"Suche"_s, u"Ctrl+F"_s}, Row{"acClearSearch", u"Abbruch"_s, {}}}) {
+        EXPECT_EQ(Action(name).text(), caption);
+        EXPECT_EQ(Action(name).shortcut().toString(), shortcut) << name;
+    }
+    EXPECT_EQ(window.windowTitle(), u"Bild Archiv"_s);
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+    Show([this](QWidget& shown) {
+        int last = -1;
+        for (const QString& name :
+             {u"acPrintImgButton"_s, u"acEditTagsButton"_s, u"acCloseButton"_s}) {
+            const int left = shown.findChild<QToolButton*>(name)->x();
+            EXPECT_GT(left, last) << name.toStdString();
+            last = left;
+        }
+        EXPECT_EQ(Grid().EmptyHeading(), u"Das Archiv ist noch leer."_s);
+        EXPECT_FALSE(Action("acPrintImg").isEnabled());
+        EXPECT_FALSE(Action("acEditTags").isEnabled());
+        QTest::keyClick(&shown, Qt::Key_Q, Qt::ControlModifier);
+    });
+}
+
+TEST_F(ArchiveSearch, ListsTheNewestFirstAndFindsWhatTheCardsShow) {
+    for (const QString& tags : {u"Anna\r\nMüller\r\n"_s, u"Jürgen\r\nO'Neill\r\n"_s, u"\r\n"_s}) {
+        AddRecord(tags);
+    }
+    const auto result = Show([this](QWidget& shown) {
+        EXPECT_THAT(Grid().Cards(), ElementsAre(3, 2, 1));
+        EXPECT_EQ(Hits(), u"3 Bilder"_s);
+        Find(u"müll*"_s);
+        EXPECT_THAT(Grid().Cards(), ElementsAre(1));
+        EXPECT_EQ(Hits(), u"1 von 3"_s);
+        EXPECT_TRUE(Grid().hasFocus());
+        Find(u"07.03.2026 -00002"_s);
+        EXPECT_THAT(Grid().Cards(), ElementsAre(3, 1));
+        Find(u"Meier"_s);
+        EXPECT_THAT(Grid().Cards(), IsEmpty());
+        EXPECT_EQ(Grid().EmptyHeading(), u"Nichts gefunden."_s);
+        EXPECT_FALSE(Action("acPrintImg").isEnabled());
+        QTest::keyClick(&shown, Qt::Key_F, Qt::ControlModifier);
+        EXPECT_TRUE(shown.findChild<QLineEdit*>(u"FindEdit"_s)->hasFocus());
+        Action("acClearSearch").trigger();
+        EXPECT_EQ(Grid().Cards().size(), 3U);
+        Find(u"o'neill"_s);
+        QTest::keyClick(&Grid(), Qt::Key_Return);
+    });
+    EXPECT_EQ(result, controls::ModalResult::Ok);
+    EXPECT_EQ(data.CurrentRecord(), 2);
+
+    AddRecord(u"Neu\r\n"_s);
+    data.ImgTagSearch(u"Anna"_s);
+    const auto again = Show([this](QWidget& shown) {
+        EXPECT_THAT(Grid().Cards(), ElementsAre(4, 3, 2, 1));  // neither search is left
+        QTest::keyClick(&shown, Qt::Key_Escape);
+    });
+    EXPECT_EQ(again, controls::ModalResult::Cancel);
+}
+
+TEST_F(ArchiveSearch, KeepsTheNewTagsWhereThePhotoIsGone) {
+    AddRecord(u"alt\r\n"_s);
+    for (const QString& folder : {u"/no/such/archive"_s, QString()}) {
+        driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
+            Action("acEditTags").trigger();
+            shown.close();
+        });
+        driver.Expect(u"fmImageTagEdit"_s, [](QWidget& shown) {
+            auto* memo = shown.findChild<QPlainTextEdit*>(u"TagMemo"_s);
+            memo->setPlainText(memo->toPlainText() + u"neu %1's"_s);
+            dynamic_cast<QDialog&>(shown).accept();
+        });
+        window.ShowEx(folder);
+    }
+    EXPECT_EQ(data.Archive()->Read(1)->tags, u"alt\r\nneu %1's\r\nneu %1's\r\n"_s);
+    EXPECT_THAT(ui.messages, ElementsAre(u"Datei /no/such/archive/2026/03/2026_03_00001.jpg "
+                                         u"konnte nicht gefunden werden!"_s));
+}
+
+TEST_F(ArchiveSearch, ARecordThatIsGoneOrEmptyShowsAndHarmsNothing) {
+    data.Archive()->Insert();
+    const qint64 lost = AddRecord(u"x\r\n"_s);
+    Show([&](QWidget& shown) {
+        store::Database other(installation.DataFile("Database"));
+        other.Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" = %1)"_s.arg(lost));
+        shown.grab();
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Action("acEditTags").trigger();
+        shown.close();
+    });
+}
+
+TEST_F(ArchiveSearch, RemembersItsSize) {
+    Show([](QWidget& shown) {
+        shown.resize(640, 480);
+        shown.close();
+    });
+    Show([](QWidget& shown) {
+        EXPECT_EQ(shown.size(), QSize(640, 480));
+        shown.close();
+    });
+    dialogs::TfmImgSearch next(data, tagEditor);
+    EXPECT_EQ(next.size(), QSize(640, 480));
+}
+
+}  // namespace kadrona::testing

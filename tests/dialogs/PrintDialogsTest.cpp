@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "core/StoredSettings.h"
+#include "dialogs/BeforePrint.h"
+#include "dialogs/PrinterProfiles.h"
+#include "dialogs/SettingsDialog.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/FakePrinter.h"
+#include "tests/support/ModalDriver.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using controls::ModalResult;
+
+/// Both dialogs over one installation with the printer profiles "A" and "B".
+class PrintDialogs : public ::testing::Test {
+ protected:
+    PrintDialogs() {
+        data.SetPrinterLayer(&printer);
+        data.SetSettings(&settings);
+        data.SetInitHandler([this](core::TData&) { settings.InitPropertys(); });
+        data.SavePrintProfile(u"A"_s);
+        data.SavePrintProfile(u"B"_s);
+        data.InitSystem();
+        profiles = std::make_unique<dialogs::TPrintProfilDlg>(data, settings);
+    }
+
+    static QStringList Texts(const QWidget& shown) {
+        QStringList texts;
+        const auto* list = shown.findChild<QListWidget*>(u"lbProfiles"_s);
+        for (int row = 0; row < list->count(); ++row) {
+            texts.append(list->item(row)->text());
+        }
+        return texts;
+    }
+
+    static void Click(QWidget& shown, const QString& button) {
+        shown.findChild<QPushButton*>(button)->click();
+    }
+
+    /// What a user does in the profile dialog, which is then closed by its button.
+    void InProfiles(const std::function<void(QWidget&)>& steps) {
+        driver.Expect(u"PrintProfilDlg"_s, [steps](QWidget& shown) {
+            steps(shown);
+            Click(shown, u"btnClose"_s);
+        });
+        EXPECT_EQ(profiles->ShowEx(), ModalResult::Ok);
+    }
+
+    void ExpectName(const std::optional<QString>& answer) {
+        driver.Expect(u"LineDialog"_s, [answer](QWidget& shown) {
+            EXPECT_EQ(shown.windowTitle(), u"New Profile"_s);
+            shown.findChild<QLineEdit*>(u"LineEdit"_s)->setText(answer.value_or(u"x"_s));
+            Click(shown, answer ? u"OkButton"_s : u"CancelButton"_s);
+        });
+    }
+
+    /// Default profile and immediate printing, stored.
+    void PrintAtOnce(int profile) {
+        settings.findChild<QComboBox*>(u"PrintProfileBox"_s)->setCurrentIndex(profile);
+        settings.findChild<QCheckBox*>(u"PrintAfterCrop"_s)->setChecked(true);
+        settings.AktivateProfileByName(u"Standard Profile"_s, true);
+    }
+
+    Installation installation;
+    FakeInterface ui;
+    FakePrinter printer;
+    ModalDriver driver;
+    core::TData data{ui, installation.Folders()};
+    dialogs::TEinstellungenFm settings{data};
+    std::unique_ptr<dialogs::TPrintProfilDlg> profiles;
+    dialogs::TBeforPrintDlgFm beforePrint{data, settings};
+};
+
+TEST_F(PrintDialogs, ANewProfileKeepsWhatTheSetupDialogConfirmed) {
+    printer.setupChoice = FakePrinter::Choice("Fotodrucker", "PageSize=A6\n");
+    InProfiles([this](QWidget& shown) {
+        EXPECT_EQ(shown.windowTitle(), u"Druck Profile"_s);
+        EXPECT_EQ(Texts(shown), (QStringList{u"A"_s, u"B"_s}));
+        ExpectName(u" Foto "_s);
+        Click(shown, u"btnNewProfile"_s);
+        EXPECT_EQ(Texts(shown).last(), u"Foto"_s);
+    });
+    EXPECT_EQ(data.GetPrinterProfileList().last(), u"Foto"_s);
+    EXPECT_EQ(settings.findChild<QComboBox*>(u"PrintProfileBox"_s)->count(), 3);
+    printer.current = {};
+    data.LoadPrintProfile(u"Foto"_s);
+    EXPECT_EQ(printer.current, *printer.setupChoice);
+}
+
+TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameOrUnderAKnownName) {
+    const QStringList before = QDir(data.DataFolder()).entryList();
+    InProfiles([this](QWidget& shown) {
+        Click(shown, u"btnNewProfile"_s);
+        printer.setupChoice = printer.current;
+        for (const auto& name :
+             {std::optional<QString>(), std::optional(u""_s), std::optional(u"  "_s),
+              std::optional(u"A"_s), std::optional(u"b "_s)}) {
+            ExpectName(name);
+            Click(shown, u"btnNewProfile"_s);
+        }
+        EXPECT_EQ(printer.setupsShown, 6);
+        EXPECT_EQ(Texts(shown), (QStringList{u"A"_s, u"B"_s}));
+    });
+    EXPECT_EQ(QDir(data.DataFolder()).entryList(), before);
+}
+
+TEST_F(PrintDialogs, AFailureIsShownAndAddsNoEntry) {
+    printer.setupChoice = printer.current;
+    InProfiles([this](QWidget& shown) {
+        ExpectName(u"Glanz [10x15]"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Click(shown, u"btnNewProfile"_s);
+        printer.failure = u"Der Druckdienst antwortet nicht."_s;
+        driver.Answer(printer.failure);
+        Click(shown, u"btnNewProfile"_s);
+        printer.failure.clear();
+        QDir(data.DataFolder()).removeRecursively();
+        ExpectName(u"Foto"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Click(shown, u"btnNewProfile"_s);
+        EXPECT_EQ(Texts(shown), (QStringList{u"A"_s, u"B"_s}));
+    });
+}
+
+TEST_F(PrintDialogs, DeletingAnyProfileResetsThePrintDefaults) {
+    PrintAtOnce(0);
+    InProfiles([this](QWidget& shown) {
+        EXPECT_FALSE(shown.findChild<QPushButton*>(u"btnDelProfile"_s)->isEnabled());
+        shown.findChild<QListWidget*>(u"lbProfiles"_s)->setCurrentRow(1);
+        driver.Answer(u"Druck Profil löschen?"_s, u"NoButton"_s);
+        Click(shown, u"btnDelProfile"_s);
+        EXPECT_EQ(Texts(shown).size(), 2);
+        EXPECT_TRUE(settings.PrintAfterCrop());
+
+        driver.Answer(u"Druck Profil löschen?"_s, u"YesButton"_s);
+        driver.Answer(
+            u"Das Profil wurde gelöscht und die Einstellungen zurückgesetzt.\r\n"
+            u"Wechseln Sie zu den Einstellungen und konfigurieren die Druckausgabe erneut!"_s);
+        Click(shown, u"btnDelProfile"_s);
+        EXPECT_EQ(Texts(shown), QStringList(u"A"_s));
+    });
+    EXPECT_EQ(data.GetPrinterProfileList(), QStringList(u"A"_s));
+    EXPECT_EQ(settings.PrintProfileBox(), -1);
+    EXPECT_FALSE(settings.PrintAfterCrop());
+    const core::StoredSettings stored(data.ProfileFile(u"Standard Profile"_s));
+    EXPECT_EQ(stored.PrintProfileBox(), -1);
+    EXPECT_FALSE(stored.PrintAfterCrop());
+}
+
+TEST_F(PrintDialogs, PrintingWithAProfileNeedsASelection) {
+    driver.Expect(u"BeforPrintDlgFm"_s, [this](QWidget& shown) {
+        EXPECT_EQ(shown.windowTitle(), u"Print Profiles"_s);
+        auto* list = shown.findChild<QListWidget*>(u"lbProfiles"_s);
+        EXPECT_EQ(shown.focusWidget(), list);
+        driver.Answer(u"Please select a Profile"_s);
+        Click(shown, u"btnProfile"_s);
+        EXPECT_TRUE(shown.isVisible());
+        QTest::keyClick(list, Qt::Key_Down);
+        QTest::keyClick(list, Qt::Key_Down);
+        EXPECT_EQ(beforePrint.SelectedProfile(), u"B"_s);
+        QTest::mouseClick(shown.findChild<QPushButton*>(u"btnNoProfile"_s), Qt::LeftButton);
+    });
+    EXPECT_EQ(beforePrint.ShowEx(), ModalResult::No);
+    driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
+        EXPECT_TRUE(shown.findChild<QPushButton*>(u"btnProfile"_s)->isDefault());
+        shown.close();
+    });
+    EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
+}
+
+TEST_F(PrintDialogs, OnlyADefaultProfileThatIsThereStartsTheTimer) {
+    auto& timer = *beforePrint.findChild<QTimer*>(u"Timer"_s);
+    EXPECT_EQ(timer.interval(), 500);
+    PrintAtOnce(1);
+    for (const bool present : {true, false}) {
+        driver.Expect(u"BeforPrintDlgFm"_s, [&](QWidget& shown) {
+            EXPECT_EQ(timer.isActive(), present);
+            EXPECT_EQ(beforePrint.SelectedProfile(), present ? u"B"_s : QString());
+            Click(shown, u"btnCancel"_s);
+        });
+        EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
+        EXPECT_FALSE(timer.isActive());
+        data.DeletePrinterProfile(u"B"_s);
+    }
+}
+
+}  // namespace kadrona::testing

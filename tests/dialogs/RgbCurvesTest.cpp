@@ -1,0 +1,226 @@
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "dialogs/RgbCurves.h"
+#include "imaging/CurveFile.h"
+#include "imaging/view/CurveEditor.h"
+#include "imaging/view/ImageView.h"
+#include "tests/support/ModalDriver.h"
+#include "tests/support/PixelMatchers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+using imaging::CurveChannel;
+using imaging::CurveSet;
+using imaging::view::CurveEditor;
+
+class RgbCurves : public ::testing::Test {
+ protected:
+    RgbCurves() { view.Image().Open(imaging::Pixels(Picture({"r-k", "w-b"})), {}); }
+
+    QString File(const QString& name) const { return folder.filePath(name + u".acv"_s); }
+
+    static CurveSet Inverse() {
+        CurveSet curves;
+        curves[CurveChannel::Rgb] = imaging::Curve({{0, 255}, {255, 0}});
+        return curves;
+    }
+
+    template <typename Widget>
+    Widget& Find(const char* name) {
+        return *dialog->findChild<Widget*>(QLatin1StringView(name));
+    }
+    CurveEditor& Editor() { return Find<CurveEditor>("CurveEditor"); }
+    QStringList Names() {
+        QStringList names;
+        for (int row = 0; row < Find<QListWidget>("cbPreset2").count(); ++row) {
+            names.append(Find<QListWidget>("cbPreset2").item(row)->text());
+        }
+        return names;
+    }
+    void ClickPreset(int row) {
+        auto& list = Find<QListWidget>("cbPreset2");
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                          list.visualItemRect(list.item(row)).center());
+    }
+
+    /// Presses "Neu" and gives the name; `refused` expects an error instead of a new entry.
+    void Add(const QString& name, bool refused = false) {
+        driver.Expect(u"LineDialog"_s, [this, name, refused](QWidget& line) {
+            EXPECT_EQ(line.windowTitle(), u"Kurven Name"_s);
+            if (refused) {
+                driver.Press(u"MessageBox"_s, u"OkButton"_s);
+            }
+            line.findChild<QLineEdit*>(u"LineEdit"_s)->setText(name);
+            line.findChild<QPushButton*>(u"OkButton"_s)->click();
+        });
+        Find<QPushButton>("btnAdd").click();
+    }
+
+    /// Opens the dialog, does what is given and closes it by a button.
+    int Show(const std::function<void()>& answer, const char* button) {
+        driver.Expect(u"fmRGBKurve"_s, [this, answer, button](QWidget&) {
+            answer();
+            Find<QPushButton>(button).click();
+        });
+        return dialog->ShowEx(view);
+    }
+
+    void Make() { dialog = std::make_unique<dialogs::TfmRGBKurve>(folder.path()); }
+
+    QTemporaryDir folder;
+    ModalDriver driver;
+    imaging::view::ImageView view;
+    std::unique_ptr<dialogs::TfmRGBKurve> dialog;
+};
+
+TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
+    Make();
+    const auto invert = [this] {
+        EXPECT_EQ(Editor().Curves(), CurveSet());
+        EXPECT_EQ(view.PreviewFilter(), nullptr);
+        Editor().SetCurves(Inverse());
+        ASSERT_NE(view.PreviewFilter(), nullptr);
+        EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
+    };
+    EXPECT_EQ(Show(invert, "btnCancel"), 0 + QDialog::Rejected);
+    EXPECT_EQ(Editor().Curves(), CurveSet());
+    EXPECT_EQ(view.PreviewFilter(), nullptr);
+    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
+    EXPECT_EQ(Show(invert, "btnOk"), 0 + QDialog::Accepted);
+    EXPECT_EQ(view.PreviewFilter(), nullptr);
+    EXPECT_EQ(view.Image().Photo().Tile().pixel(0, 0), 0xff00ffff);
+
+    imaging::LayeredImage other;
+    other.Open(imaging::Pixels(Picture({"kw"})), {});
+    dialog->ShowSilent(other);
+    EXPECT_TRUE(SamePixels(other.Photo(), Picture({"wk"}))) << "the last curves";
+}
+
+TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenClicked) {
+    imaging::WriteCurveFile(File(u"b"_s), Inverse());
+    imaging::WriteCurveFile(File(u"a.b"_s), CurveSet());
+    imaging::WriteCurveFile(File(u"Ärger"_s), CurveSet());
+    imaging::WriteCurveFile(folder.filePath(u"no preset"_s), CurveSet());
+    Make();
+    EXPECT_EQ(Names(), (QStringList{u"a.b"_s, u"b"_s, u"Ärger"_s}));
+    EXPECT_EQ(Find<QListWidget>("cbPreset2").currentRow(), 0);
+    Show(
+        [this] {
+            EXPECT_EQ(Editor().Curves(), CurveSet()) << "selected is not loaded";
+            ClickPreset(1);
+            EXPECT_EQ(Editor().Curves(), Inverse());
+            QTest::keyClick(&Find<QListWidget>("cbPreset2"), Qt::Key_Up);
+            EXPECT_EQ(Editor().Curves(), CurveSet());
+            ASSERT_TRUE(QFile::remove(File(u"b"_s)));
+            driver.Press(u"MessageBox"_s, u"OkButton"_s);
+            ClickPreset(1);
+        },
+        "btnCancel");
+}
+
+TEST_F(RgbCurves, NewUpdateAndDeleteKeepListAndFolderTogether) {
+    Make();
+    EXPECT_EQ(Names(), QStringList());
+    Show(
+        [this] {
+            Find<QPushButton>("btnUpdate").click();
+            Find<QPushButton>("btnDelete").click();
+            Add(u"z"_s);
+            Add(u"Über.alles"_s);
+            Add(u""_s);
+            EXPECT_EQ(Names(), (QStringList{u"z"_s, u"Über.alles"_s})) << "appended, not sorted";
+            EXPECT_EQ(Find<QListWidget>("cbPreset2").currentRow(), 1);
+            Editor().SetCurves(Inverse());
+            Add(u"z"_s);
+            EXPECT_EQ(Names().size(), 2);
+            EXPECT_EQ(imaging::ReadCurveFile(File(u"z"_s)), Inverse());
+            ClickPreset(1);
+            Editor().SetCurves(Inverse());
+            Find<QPushButton>("btnUpdate").click();
+            EXPECT_EQ(imaging::ReadCurveFile(File(u"Über.alles"_s)), Inverse());
+
+            driver.Press(u"MessageBox"_s, u"NoButton"_s);
+            Find<QPushButton>("btnDelete").click();
+            EXPECT_EQ(Names().size(), 2);
+            driver.Press(u"MessageBox"_s, u"YesButton"_s);
+            Find<QPushButton>("btnDelete").click();
+            EXPECT_EQ(Names(), QStringList{u"z"_s});
+            EXPECT_FALSE(QFile::exists(File(u"Über.alles"_s)));
+            ASSERT_TRUE(QFile::remove(File(u"z"_s)));
+            driver.Press(u"MessageBox"_s, u"YesButton"_s);
+            Find<QPushButton>("btnDelete").click();
+            EXPECT_EQ(Names(), QStringList()) << "its file was gone already";
+        },
+        "btnOk");
+}
+
+TEST_F(RgbCurves, ANameThatNoFileCanHaveAddsNothing) {
+    QDir(folder.path()).mkdir(u"below"_s);
+    Make();
+    Show(
+        [this] {
+            for (const QString& name : {u"a/b"_s, u"../outside"_s, u"below/x"_s, u"/etc/x"_s,
+                                        QString(255, u'x'), QString(200, u'ä')}) {
+                Add(name, true);
+                EXPECT_EQ(Names(), QStringList()) << name.toStdString();
+            }
+            Add(u".."_s);
+            EXPECT_EQ(Names(), QStringList{u".."_s}) << "a file can be called so";
+        },
+        "btnOk");
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"../outside.acv"_s)));
+    EXPECT_EQ(QDir(folder.filePath(u"below"_s)).entryList(QDir::Files), QStringList());
+}
+
+TEST_F(RgbCurves, AVanishedFolderIsReportedAndTheDialogStaysOpen) {
+    imaging::WriteCurveFile(File(u"a"_s), Inverse());
+    Make();
+    folder.remove();
+    Show(
+        [this] {
+            driver.Press(u"MessageBox"_s, u"OkButton"_s);
+            ClickPreset(0);
+            Add(u"new"_s, true);
+            driver.Press(u"MessageBox"_s, u"OkButton"_s);
+            Find<QPushButton>("btnUpdate").click();
+            EXPECT_EQ(Names(), QStringList{u"a"_s});
+            EXPECT_TRUE(dialog->isVisible());
+        },
+        "btnCancel");
+    Make();
+    EXPECT_EQ(Names(), QStringList());
+    EXPECT_FALSE(QDir(folder.path()).exists());
+}
+
+TEST_F(RgbCurves, TheChannelBoxChoosesTheCurveThatIsResetAndEscapeCancels) {
+    Make();
+    driver.Expect(u"fmRGBKurve"_s, [this](QWidget& shown) {
+        CurveSet all;
+        for (imaging::Curve& curve : all.curves) {
+            curve = imaging::Curve({{0, 20}, {255, 200}});
+        }
+        Editor().SetCurves(all);
+        for (const int channel : {1, 2, 3, 0}) {
+            Find<QComboBox>("cbChannel").setCurrentIndex(channel);
+            Find<QPushButton>("btnReset").click();
+            all.curves.at(static_cast<size_t>(channel)) = imaging::Curve();
+            EXPECT_EQ(Editor().Curves(), all) << channel;
+        }
+        Editor().SetCurves(Inverse());
+        Find<QPushButton>("btnResetAll").click();
+        EXPECT_EQ(Editor().Curves(), CurveSet());
+        QTest::keyClick(&shown, Qt::Key_Escape);
+    });
+    EXPECT_EQ(dialog->ShowEx(view), 0 + QDialog::Rejected);
+}
+
+}  // namespace kadrona::testing

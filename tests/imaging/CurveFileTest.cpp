@@ -1,0 +1,175 @@
+#include <QDir>
+
+#include "WriterFixture.h"
+#include "imaging/CurveFile.h"
+#include "tests/support/FileSizeLimit.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+/// 16-bit big-endian words.
+QByteArray Words(std::initializer_list<int> words) {
+    QByteArray bytes;
+    for (const int word : words) {
+        bytes.append(static_cast<char>(word >> 8)).append(static_cast<char>(word));
+    }
+    return bytes;
+}
+
+/// A curve of `count` points.
+Curve Detailed(int count) {
+    std::vector<CurvePoint> points;
+    for (int i = 0; i < count; ++i) {
+        points.push_back({i * 3, 255 - i});
+    }
+    return Curve(points);
+}
+
+CurveSet SomeCurves() {
+    CurveSet set;
+    set[CurveChannel::Rgb] = Curve({{0, 0}, {128, 160}, {255, 255}});
+    set[CurveChannel::Green] = Curve({{10, 20}, {200, 250}});
+    return set;
+}
+
+}  // namespace
+
+class CurveFileTest : public WriterTest {
+ protected:
+    void Put(const QByteArray& bytes) const {
+        QFile file(path_);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    CurveSet Read(const QByteArray& bytes) const {
+        Put(bytes);
+        return ReadCurveFile(path_);
+    }
+
+    /// The text of the error that reading ends with, which names the file; empty where it succeeds.
+    QString Failure(const QByteArray& bytes) const {
+        try {
+            Read(bytes);
+        } catch (const CurveFileError& error) {
+            EXPECT_TRUE(error.Text().contains(path_)) << qPrintable(error.Text());
+            return error.Text();
+        }
+        return {};
+    }
+
+    const QString path_ = PathOf(u"Weiße Wand 100 %1.acv"_s);
+};
+
+TEST_F(CurveFileTest, WritesTheWordsOfTheFormat) {
+    WriteCurveFile(path_, {});
+    const QByteArray identity = Words({2, 0, 0, 255, 255});
+    EXPECT_EQ(Bytes(QFileInfo(path_).fileName()), Words({4, 5}) + identity.repeated(5));
+
+    WriteCurveFile(path_, SomeCurves());
+    EXPECT_EQ(Bytes(QFileInfo(path_).fileName()), Words({4, 5, 3, 0, 0, 160, 128, 255, 255}) +
+                                                      identity + Words({2, 20, 10, 250, 200}) +
+                                                      identity + identity);
+    EXPECT_EQ(ReadCurveFile(path_), SomeCurves());
+    EXPECT_EQ(Files().size(), 1);
+}
+
+TEST_F(CurveFileTest, TakesFiftyEightPointsAndNoMore) {
+    CurveSet set;
+    set[CurveChannel::Rgb] = Detailed(52);
+    ASSERT_EQ(set.PointCount(), MaximumCurvePoints);
+    WriteCurveFile(path_, set);
+    EXPECT_EQ(QFileInfo(path_).size(), 22 + 4 * 58);
+    EXPECT_EQ(ReadCurveFile(path_), set);
+
+    const auto failure = [this](const CurveSet& tooMany) {
+        try {
+            WriteCurveFile(path_, tooMany);
+        } catch (const CurveFileError& error) {
+            return error.Text();
+        }
+        return QString();
+    };
+    CurveSet more = set;
+    more[CurveChannel::Blue] = Detailed(3);
+    EXPECT_EQ(failure(more),
+              u"Die Kurvenvorlage „%1“ konnte nicht gespeichert werden: Die Kurven haben zusammen "
+              "59 Punkte, in eine Vorlage passen höchstens 58. Bitte entfernen Sie mindestens "
+              "einen Punkt und speichern Sie noch einmal."_s.arg(path_));
+    more[CurveChannel::Red] = Detailed(80);
+    EXPECT_TRUE(failure(more).contains(u"137 Punkte"_s));
+    EXPECT_TRUE(failure(more).contains(u"mindestens 79 Punkte"_s));
+    EXPECT_EQ(ReadCurveFile(path_), set) << "the older file stays";
+}
+
+TEST_F(CurveFileTest, ReadsWhatOtherProgramsWrite) {
+    const QByteArray rgb = Words({3, 0, 0, 160, 128, 255, 255});
+    const QByteArray green = Words({2, 20, 10, 250, 200});
+    const QByteArray identity = Words({2, 0, 0, 255, 255});
+    const QByteArray four = rgb + identity + green + identity;
+    const QByteArray full = Words({4, 5}) + four + identity;
+    CurveSet onlyRgb;
+    onlyRgb[CurveChannel::Rgb] = SomeCurves()[CurveChannel::Rgb];
+
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        CurveSet expected;
+    } cases[] = {
+        {"version 1", Words({1, 5}) + four + identity, SomeCurves()},
+        {"four curves", Words({4, 4}) + four, SomeCurves()},
+        {"one curve", Words({1, 1}) + rgb, onlyRgb},
+        {"seven curves", Words({4, 7}) + four + green.repeated(3), SomeCurves()},
+        {"bytes after the last curve", full + "more", SomeCurves()},
+        {"unsorted, repeated points", Words({4, 1, 5, 255, 255, 9, 0, 0, 0, 1, 128, 160, 128}),
+         onlyRgb},
+        {"a single point", Words({4, 2, 1, 100, 50}) + identity, {}},
+        {"a curve without points", Words({4, 2, 0}) + identity, {}},
+    };
+    for (const auto& example : cases) {
+        EXPECT_EQ(Read(example.bytes), example.expected) << example.name;
+    }
+    for (qsizetype length = 0; length < full.size(); ++length) {
+        EXPECT_TRUE(Failure(full.first(length)).contains(u"unvollständig"_s)) << length;
+    }
+}
+
+TEST_F(CurveFileTest, RefusesWhatNoCurveCanBe) {
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QString reason;
+    } cases[] = {
+        {"another version", Words({2, 1, 2, 0, 0, 255, 255}), u"Version"_s},
+        {"a picture", QByteArray("\x89PNG\r\n\x1a\n"), u"Version"_s},
+        {"no curve", Words({4, 0}), u"keine Kurve"_s},
+        {"huge count of curves", Words({4, 0xffff, 2, 0, 0, 255, 255}), u"unvollständig"_s},
+        {"huge count of points", Words({4, 1, 0xffff, 0, 0, 255, 255}), u"65535 Punkte"_s},
+        {"input 256", Words({4, 1, 2, 0, 0, 255, 256}), u"außerhalb"_s},
+        {"output 32768", Words({4, 1, 2, 0x8000, 0, 255, 255}), u"außerhalb"_s},
+        {"a huge file", QByteArray(1 << 20, '\0'), u"größer"_s},
+    };
+    for (const auto& example : cases) {
+        EXPECT_TRUE(Failure(example.bytes).contains(example.reason))
+            << example.name << ": " << qPrintable(Failure(example.bytes));
+    }
+    QFile::remove(path_);
+    EXPECT_THROW(ReadCurveFile(path_), CurveFileError) << "no such file";
+    EXPECT_THROW(ReadCurveFile(folder_.path()), CurveFileError) << "a folder";
+}
+
+TEST_F(CurveFileTest, KeepsTheOlderFileWhereWritingFails) {
+    WriteCurveFile(path_, SomeCurves());
+    {
+        const testing::FileSizeLimit full(20);
+        EXPECT_THROW(WriteCurveFile(path_, {}), CurveFileError);
+    }
+    EXPECT_THROW(WriteCurveFile(PathOf(u"fehlt/a.acv"_s), {}), CurveFileError);
+    EXPECT_EQ(ReadCurveFile(path_), SomeCurves());
+    EXPECT_EQ(Files().size(), 1) << "nothing temporary is left";
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+
+#include <QMouseEvent>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "imaging/view/ImageView.h"
+#include "imaging/view/ViewTool.h"
+#include "tests/view/ViewTestSupport.h"
+
+namespace kadrona::imaging::view {
+namespace {
+
+using test::Pattern;
+using test::SamePixels;
+
+class Inverting : public PixelFilter {
+ public:
+    void Apply(std::span<QRgb> pixels) const override {
+        for (QRgb& pixel : pixels) {
+            pixel ^= 0x00ffffff;
+        }
+    }
+};
+
+class Recorder : public ViewTool {
+ public:
+    void Press(const ToolPointer& pointer) override { presses.append(pointer.photo); }
+    void Move(const ToolPointer& pointer) override { moves.append(pointer.photo); }
+    void Release() override { ++releases; }
+    bool Wheel(double notches, Qt::KeyboardModifiers) override {
+        wheel += notches;
+        return true;
+    }
+    bool Key(const QKeyEvent& event) override { return event.key() == Qt::Key_Plus; }
+    QRectF OverlayArea() const override { return {10, 10, 20, 20}; }
+    void Paint(QPainter& painter) const override { painter.fillRect(OverlayArea(), Qt::red); }
+
+    QList<QPointF> presses;
+    QList<QPointF> moves;
+    int releases = 0;
+    double wheel = 0;
+};
+
+class ViewToolTest : public ::testing::Test {
+ protected:
+    ViewToolTest() {
+        view_.SetAutomaticFit(false);
+        view_.resize(300, 200);
+        view_.show();
+    }
+
+    void Open(QSize size, double percent) {
+        view_.Image().Open(Pixels(Pattern(size.width(), size.height())), DotsPerInch{300});
+        view_.SetZoomPercent(percent);
+    }
+
+    void Send(QEvent::Type type, QPointF at, Qt::MouseButton button,
+              Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        const bool ends = type == QEvent::MouseButtonRelease;
+        QMouseEvent event(type, at, view_.mapToGlobal(at),
+                          type == QEvent::MouseMove ? Qt::NoButton : button,
+                          ends ? Qt::NoButton : button, modifiers);
+        QCoreApplication::sendEvent(&view_, &event);
+    }
+
+    QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+
+    ImageView view_;
+    Recorder tool_;
+};
+
+TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
+    for (const double percent : {100.0, 37.0, 250.0}) {
+        Open({120, 90}, percent);
+        QImage layer(2, 2, QImage::Format_ARGB32_Premultiplied);
+        layer.fill(qRgb(10, 20, 30));
+        view_.Image().AddLayer({Pixels(layer), QRect(20, 20, 30, 30), true, false});
+        const QImage plain = Grab();
+        view_.SetPreviewFilter(std::make_shared<Inverting>());
+        const QImage filtered = Grab();
+        const QPoint onLayer = view_.ToWidget({35, 35}).toPoint();
+        const QPoint onPhoto = view_.ToWidget({80, 60}).toPoint();
+        EXPECT_EQ(filtered.pixel(onLayer), qRgb(10, 20, 30));
+        EXPECT_EQ(filtered.pixel(onPhoto), plain.pixel(onPhoto) ^ 0x00ffffff);
+        EXPECT_EQ(view_.Image().Photo().Tile().pixel(5, 5), Pattern(120, 90).pixel(5, 5));
+        view_.SetPreviewFilter(nullptr);
+        EXPECT_TRUE(SamePixels(Grab(), plain));
+    }
+}
+
+TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
+    Open({100, 80}, 200);
+    view_.Image().AddLayer({Pixels(Pattern(10, 10)), QRect(10, 10, 50, 50)});
+    view_.SetTool(&tool_);
+    const QPointF at = view_.ToWidget({30.5, 20.5});
+    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    Send(QEvent::MouseMove, at + QPointF(8, 4), Qt::LeftButton);
+    Send(QEvent::MouseButtonRelease, at + QPointF(8, 4), Qt::LeftButton);
+    EXPECT_EQ(tool_.presses, QList<QPointF>{QPointF(30.5, 20.5)});
+    EXPECT_EQ(tool_.moves, QList<QPointF>{QPointF(34.5, 22.5)});
+    EXPECT_EQ(tool_.releases, 1);
+    EXPECT_EQ(view_.Image().LayerAt(1).rectangle, QRect(10, 10, 50, 50));
+    Send(QEvent::MouseButtonPress, at, Qt::RightButton);
+    EXPECT_EQ(tool_.presses.size(), 1);
+
+    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    Send(QEvent::MouseMove, at, Qt::NoButton);
+    EXPECT_EQ(tool_.releases, 2) << "a release that went elsewhere";
+    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    view_.SetTool(nullptr);
+    EXPECT_EQ(tool_.releases, 3);
+    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    EXPECT_EQ(tool_.presses.size(), 3);
+}
+
+TEST_F(ViewToolTest, PanningStaysWithTheViewAndTheWheelGoesToTheTool) {
+    Open({1000, 1000}, 100);
+    view_.SetTool(&tool_);
+    QWheelEvent wheel({50, 50}, view_.mapToGlobal(QPointF(50, 50)), {}, {0, 240}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&view_, &wheel);
+    QTest::keyClick(&view_, Qt::Key_Plus);
+    EXPECT_EQ(tool_.wheel, 2);
+    EXPECT_EQ(view_.ZoomPercent(), 100);
+    view_.SetInteraction(ImageView::Interaction::Pan);
+    const QPointF before = view_.Middle();
+    Send(QEvent::MouseButtonPress, {50, 50}, Qt::LeftButton);
+    Send(QEvent::MouseMove, {60, 55}, Qt::LeftButton);
+    Send(QEvent::MouseButtonRelease, {60, 55}, Qt::LeftButton);
+    EXPECT_TRUE(tool_.presses.isEmpty());
+    EXPECT_EQ(before - view_.Middle(), QPointF(10, 5));
+    QCoreApplication::sendEvent(&view_, &wheel);
+    EXPECT_GT(view_.ZoomPercent(), 100);
+}
+
+TEST_F(ViewToolTest, TheOverlayComesAndGoesWithTheTool) {
+    Open({100, 80}, 100);
+    const QImage plain = Grab();
+    view_.SetTool(&tool_);
+    EXPECT_EQ(Grab().pixel(15, 15), 0xffff0000);
+    view_.SetTool(nullptr);
+    EXPECT_TRUE(SamePixels(Grab(), plain));
+}
+
+// What is repainted after an edit is what a view that never saw the photo before paints.
+TEST_F(ViewToolTest, AnEditShowsAsIfAllWereDrawnAnew) {
+    for (const double percent : {7.0, 23.0, 50.0, 100.0, 170.0, 400.0}) {
+        Open({2300, 1500}, percent);
+        Grab();
+        for (const QRect& area :
+             {QRect(1100, 740, 60, 30), QRect(1023, 700, 3, 90), QRect(0, 0, 5, 5)}) {
+            view_.Image().EditPhoto(area, [&](QImage& photo) {
+                for (int y = area.top(); y <= area.bottom(); ++y) {
+                    auto* line = reinterpret_cast<QRgb*>(photo.scanLine(y));
+                    std::fill(line + area.left(), line + area.right() + 1, 0xffff00ff);
+                }
+            });
+        }
+        const QImage edited = Grab();
+        view_.Image().ChangePhoto(Pixels(view_.Image().Photo().Tile().copy()));
+        EXPECT_TRUE(SamePixels(edited, Grab())) << percent;
+    }
+}
+
+}  // namespace
+}  // namespace kadrona::imaging::view
