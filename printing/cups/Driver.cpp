@@ -167,7 +167,7 @@ std::optional<Paper> Driver::PaperNamed(const QByteArray& name) const {
 }
 
 std::optional<Paper> Driver::PaperOf(const DeviceMode& mode) const {
-    if (const std::optional<Paper> chosen = PaperNamed(mode.Value("PageSize"))) {
+    if (std::optional<Paper> chosen = PaperNamed(mode.Value("PageSize"))) {
         return chosen;
     }
     const DriverOption* option = Find({"PageSize"});

@@ -1,6 +1,7 @@
 #include "printing/cups/Job.h"
 
 #include <QTemporaryFile>
+#include <array>
 #include <utility>
 
 #include "printing/cups/JobPage.h"
@@ -33,10 +34,11 @@ class JobOptions {
 
 /// What keeps the filters from changing the page, even where the administrator has set the queue
 /// to do so: the page is the paper already, turned and placed.
-constexpr std::pair<const char*, const char*> Untouched[] = {{"print-scaling", "none"},
-                                                             {"fit-to-page", "false"},
-                                                             {"number-up", "1"},
-                                                             {"orientation-requested", "3"}};
+constexpr auto Untouched =
+    std::to_array<std::pair<const char*, const char*>>({{"print-scaling", "none"},
+                                                        {"fit-to-page", "false"},
+                                                        {"number-up", "1"},
+                                                        {"orientation-requested", "3"}});
 
 void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
     JobOptions options;

@@ -1,6 +1,7 @@
 #include "printing/cups/OptionTexts.h"
 
 #include <QHash>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +15,7 @@ struct Row {
 };
 
 /// Words of the print service's own drivers and of the common manufacturers', in lower case.
-constexpr Row Words[] = {
+constexpr auto Words = std::to_array<Row>({
     // options
     {u"page size", u"Papierformat"},
     {u"media size", u"Papierformat"},
@@ -148,7 +149,7 @@ constexpr Row Words[] = {
     {u"thick", u"Dick"},
     {u"thin", u"Dünn"},
     {u"recycled paper", u"Recyclingpapier"},
-};
+});
 
 QHash<QString, QString> Dictionary() {
     QHash<QString, QString> words;

@@ -158,8 +158,8 @@ QString ReasonText(QByteArray reason) {
             reason.chop(static_cast<qsizetype>(qstrlen(suffix)));
         }
     }
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [&](const Row& row) { return reason == row.keyword; });
+    const auto* found = std::find_if(rows.begin(), rows.end(),
+                                     [&](const Row& row) { return reason == row.keyword; });
     return found == rows.end() ? QString() : found->text;
 }
 
