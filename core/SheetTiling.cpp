@@ -6,6 +6,7 @@
 #include "core/Settings.h"
 #include "core/UserInterface.h"
 #include "imaging/Processing.h"
+#include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +31,8 @@ void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
     }
     view.Repaint();
     if (settings_->ImageAutoSave()) {
+        // Whose photo gets the tags is to be seen behind the editor.
+        view.Fit();
         ArchiveSinglePhoto(view);
     }
     const imaging::PaintingSuspension suspension(view);
@@ -48,7 +51,12 @@ void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
     for (const QString& line : *lines) {
         tags += line + u"\r\n"_s;
     }
-    SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+    try {
+        SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+    } catch (const platform::Error& error) {
+        // An archive out of reach must not cost the customer the photos.
+        ui_.ShowMessage(error.Text());
+    }
 }
 
 }  // namespace kadrona::core

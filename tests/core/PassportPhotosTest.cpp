@@ -118,6 +118,17 @@ TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMak
     EXPECT_EQ(view.Image().Photo().Columns(), 4);
 }
 
+TEST_F(PassportPhotos, AnArchiveOutOfReachIsToldAndTheSheetIsMade) {
+    settings.imageAutoSave = true;
+    settings.imageDestinationDir = installation.Path("unplugged");
+    ui.tags = QStringList{u"Anna"_s};
+    OpenPhoto(Grey(500, 600));
+    data.CropImage(view, 0);
+    ASSERT_EQ(ui.messages.size(), 1);
+    EXPECT_TRUE(ui.messages.first().contains(settings.imageDestinationDir));
+    EXPECT_EQ(view.Image().Photo().Columns(), 4);
+}
+
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
     OpenPhoto(Grey(100, 100));
     data.CropImage(view, core::SinglePhotoLayout);
