@@ -51,6 +51,11 @@ bool ColourTools::StampIsOn() const {
     return window_.actions.IsChecked(u"acBeauty"_s);
 }
 
+/// Not while the stamp works on the photo, and not after a file that could not be read.
+bool ColourTools::MayChangePhoto() const {
+    return !StampIsOn() && !window_.view.Image().IsEmpty();
+}
+
 bool ColourTools::TemplateIsHidden() const {
     return window_.actions.IsChecked(u"acShowLayer"_s);
 }
@@ -58,7 +63,7 @@ bool ColourTools::TemplateIsHidden() const {
 /// Triggering has toggled the action already; that is taken back where it may not.
 void ColourTools::acSetWhitePointExecute() {
     const bool checked = window_.actions.IsChecked(WhitePoint);
-    if (StampIsOn()) {
+    if (!MayChangePhoto()) {
         window_.actions.SetChecked(WhitePoint, false);
         return;
     }
@@ -93,6 +98,16 @@ void ColourTools::Press(const imaging::view::ToolPointer& pointer) {
     }
 }
 
+/// Escape gives the template back and leaves the zoom alone.
+bool ColourTools::Key(const QKeyEvent& event) {
+    if (event.type() != QEvent::KeyPress || event.key() != Qt::Key_Escape) {
+        return false;
+    }
+    LeaveMode();
+    window_.showTemplateLayer(true);
+    return true;
+}
+
 /// White balance and levels are one change, so that they are one undo step.
 void ColourTools::SetWhitePoint(QPoint pixel) {
     LayeredImage& image = window_.view.Image();
@@ -110,7 +125,7 @@ void ColourTools::SetWhitePoint(QPoint pixel) {
 }
 
 void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
-    if (StampIsOn()) {
+    if (!MayChangePhoto()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -130,7 +145,7 @@ void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
 }
 
 void ColourTools::acSchwarzweissExecute() {
-    if (StampIsOn()) {
+    if (!MayChangePhoto()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -148,7 +163,7 @@ void ColourTools::acSchwarzweissExecute() {
 /// The step recorded after the change holds the adjusted photo; the one before it, which the change
 /// records by itself, the photo as it was.
 void ColourTools::acColorConfigExecute() {
-    if (StampIsOn()) {
+    if (!MayChangePhoto()) {
         return;
     }
     LayeredImage& image = window_.view.Image();

@@ -33,9 +33,11 @@ class ColourTools : public QObject, private imaging::view::ViewTool {
 
  private:
     bool StampIsOn() const;
+    bool MayChangePhoto() const;
     bool TemplateIsHidden() const;
     void FollowWhitePointAction(bool checked);
     void Press(const imaging::view::ToolPointer& pointer) override;
+    bool Key(const QKeyEvent& event) override;
     void SetWhitePoint(QPoint pixel);
 
     ToolSurroundings window_;

@@ -46,9 +46,9 @@ RetouchTool::~RetouchTool() {
     LeaveMode();
 }
 
-/// Triggering has toggled the action already.
+/// Triggering has toggled the action already; that is taken back where there is no photo.
 void RetouchTool::acBeautyExecute() {
-    const bool checked = window_.actions.IsChecked(Retouch);
+    const bool checked = window_.actions.IsChecked(Retouch) && !window_.view.Image().IsEmpty();
     window_.actions.SetChecked(Retouch, checked);
     window_.showTemplateLayer(!checked);
     if (checked) {
@@ -165,6 +165,11 @@ bool RetouchTool::Key(const QKeyEvent& event) {
     if (event.key() == Qt::Key_Shift) {
         takesSource_ = event.type() == QEvent::KeyPress;
         return false;
+    }
+    if (event.type() == QEvent::KeyPress && event.key() == Qt::Key_Escape) {
+        LeaveMode();
+        window_.showTemplateLayer(true);
+        return true;
     }
     const QString text = event.text();
     if (event.type() != QEvent::KeyPress || text.size() != 1) {

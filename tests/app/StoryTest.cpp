@@ -115,9 +115,12 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
         EXPECT_TRUE(window->findChild<QWidget*>(u"EmptyState"_s)->isVisible()) << name;
         EXPECT_FALSE(IsEnabled(u"acCrop"_s)) << name;
         for (const QString& action :
-             {u"acRotateLeft"_s, u"acZoomFit"_s, u"acZoomFull"_s, u"acShowLayer"_s, u"acUndo"_s}) {
+             {u"acRotateLeft"_s, u"acRotateDlg"_s, u"acZoomFit"_s, u"acZoomFull"_s,
+              u"acShowLayer"_s, u"acUndo"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
+              u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
             Trigger(action);
         }
+        EXPECT_EQ(window->View().Tool(), nullptr) << name;
     }
     Open("photo.png");
     EXPECT_TRUE(IsEnabled(u"acCrop"_s));

@@ -289,6 +289,20 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     EXPECT_GT(View().ZoomPercent(), zoom);
 }
 
+TEST_F(ToolsStory, EscapeEndsAModeAndLeavesPhotoAndZoom) {
+    View().SetZoomPercent(55);
+    for (const QString& mode : {u"acSetWhitePoint"_s, u"acBeauty"_s}) {
+        Trigger(mode);
+        const double zoom = View().ZoomPercent();
+        QTest::keyClick(&View(), Qt::Key_Escape);
+        EXPECT_FALSE(IsChecked(mode)) << mode.toStdString();
+        EXPECT_EQ(View().Tool(), nullptr);
+        EXPECT_TRUE(TemplateShows());
+        EXPECT_EQ(View().ZoomPercent(), zoom);
+    }
+    EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+}
+
 TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
     SavePhoto("pixel.png", QSize(1, 1), 77);
     Open("pixel.png");
