@@ -40,6 +40,11 @@ void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.setText(WithBreaks(text));
+    // A short text must not cut the title off.
+    constexpr int SmallestTextWidth = 240;
+    if (auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s)) {
+        label->setMinimumWidth(SmallestTextWidth);
+    }
 }
 
 QPushButton* AddButton(QMessageBox& box, const QString& caption, QMessageBox::ButtonRole role,
