@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QToolTip>
 
 #include "controls/ScreenTip.h"
@@ -19,6 +20,15 @@ CommandButton::CommandButton(QAction* action, Caption caption, QWidget* parent)
     setToolButtonStyle(caption == Caption::Shown ? Qt::ToolButtonTextBesideIcon
                                                  : Qt::ToolButtonIconOnly);
     setDefaultAction(action);
+}
+
+/// Like a push button in a window that has no default button.
+void CommandButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+    } else {
+        QToolButton::keyPressEvent(event);
+    }
 }
 
 bool CommandButton::event(QEvent* event) {

@@ -18,6 +18,7 @@ class CommandButton : public QToolButton {
 
  protected:
     bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace kadrona::controls
