@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -41,9 +42,10 @@ void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.setText(WithBreaks(text));
     // A short text must not cut the title off.
-    constexpr int SmallestTextWidth = 240;
-    if (auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s)) {
-        label->setMinimumWidth(SmallestTextWidth);
+    constexpr int SmallestWidth = 280;
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(SmallestWidth, 0), grid->rowCount(), 0, 1,
+                      grid->columnCount());
     }
 }
 

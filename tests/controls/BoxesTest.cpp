@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -47,6 +48,8 @@ TEST(ShowError, BreaksALongName) {
     ModalDriver driver;
     driver.Expect(Box, [](QWidget& box) {
         EXPECT_LT(box.width(), 800);
+        const auto* text = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
+        EXPECT_GE(text->height(), text->heightForWidth(text->width())) << "nothing is cut off";
         box.close();
     });
     ShowError(nullptr, u"Die Datei „/%1“ fehlt."_s.arg(QString(300, u'n')));
