@@ -55,6 +55,8 @@ CommandBar::~CommandBar() = default;
 CommandButton* CommandBar::AddAction(QAction* action, Caption caption) {
     auto* button = new CommandButton(action, caption, this);
     entries_.push_back({BarItem::Kind::Command, button, action});
+    // The extension stands behind all else, also for the Tab key.
+    setTabOrder(button, extension_);
     // A button that went into the extension menu is hidden, and so would be its shortcut.
     addAction(action);
     connect(action, &QAction::changed, this, &CommandBar::Arrange);

@@ -92,6 +92,10 @@ TEST_F(CommandBarTest, ButtonsFollowTheirActions) {
     }
     undo_.setEnabled(false);
     EXPECT_FALSE(Button(u"acUndoButton"_s)->isEnabled());
+
+    QSignalSpy triggered(&crop_, &QAction::triggered);
+    QTest::keyClick(Button(u"acCropButton"_s), Qt::Key_Return);
+    EXPECT_EQ(triggered.count(), 1);
 }
 
 TEST_F(CommandBarTest, WhatDoesNotFitIsInTheMenuAndKeepsItsShortcut) {
@@ -103,6 +107,14 @@ TEST_F(CommandBarTest, WhatDoesNotFitIsInTheMenuAndKeepsItsShortcut) {
     EXPECT_TRUE(menu->actions().contains(&about_));
     EXPECT_FALSE(menu->actions().contains(&crop_));
 
+    bar_.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&bar_));
+    box_->setFocus();
+    for (const QString& next : {u"acCropButton"_s, u"acUndoButton"_s, u"ExtensionButton"_s}) {
+        QTest::keyClick(bar_.focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(bar_.focusWidget()->objectName(), next);
+    }
+
     bar_.resize(bar_.minimumSizeHint().width(), bar_.height());
     EXPECT_FALSE(Button(u"acCropButton"_s)->isVisible());
     EXPECT_TRUE(box_->isVisible());
@@ -111,8 +123,6 @@ TEST_F(CommandBarTest, WhatDoesNotFitIsInTheMenuAndKeepsItsShortcut) {
 
     about_.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
     QSignalSpy triggered(&about_, &QAction::triggered);
-    bar_.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&bar_));
     QTest::keyClick(&bar_, Qt::Key_G, Qt::ControlModifier);
     EXPECT_EQ(triggered.count(), 1);
 }
