@@ -90,6 +90,14 @@ void TfmRGBKurve::BuildPresets() {
     btnUpdate_ = Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick);
     btnDelete_ = Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick);
 
+    const auto offerForSelection = [this] {
+        const bool selected = !cbPreset2_->selectedItems().isEmpty();
+        btnUpdate_->setEnabled(selected);
+        btnDelete_->setEnabled(selected);
+    };
+    connect(cbPreset2_, &QListWidget::itemSelectionChanged, this, offerForSelection);
+    offerForSelection();
+
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(ButtonSpacing);
     buttons->addWidget(btnAdd_);
