@@ -89,14 +89,13 @@ void RetouchTool::FollowPhoto() {
                                          SmallestDiameter, LargestDiameter);
 }
 
+/// One hint at a time: the status bar of a window of the designed size holds no more.
 void RetouchTool::ShowHint() {
-    const QString what = stamp_.HasSource()
-                             ? u"Ziehen kopiert, Umschalt+Klick nimmt eine neue Quelle auf"_s
-                             : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
-    window_.statusBar.showMessage(
-        u"Stempel %1 px, Weichheit %2 %  –  %3  –  Mausrad: Größe, mit Umschalt: Weichheit"_s.arg(
-            QString::number(std::lround(brush_.diameter)),
-            QString::number(std::lround(brush_.softness * 100)), what));
+    const QString next = stamp_.HasSource() ? u"Mausrad: Größe, mit Umschalt: Weichheit"_s
+                                            : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
+    window_.statusBar.showMessage(u"Stempel %1 px, Weichheit %2 %  –  %3"_s.arg(
+        QString::number(std::lround(brush_.diameter)),
+        QString::number(std::lround(brush_.softness * 100)), next));
 }
 
 bool RetouchTool::IsOnPhoto(QPointF photo) const {
