@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -31,8 +32,9 @@ class ArchiveTable {
     /// `database` outlives the table.
     explicit ArchiveTable(store::Database& database) : database_(database) {}
 
-    /// Posts an empty record and returns the number that it got.
-    qint64 Insert();
+    /// Posts an empty record and returns the number that it got: the next one, or the first after
+    /// it that `isTaken` does not refuse.
+    qint64 Insert(const std::function<bool(qint64 id)>& isTaken = [](qint64) { return false; });
     /// Sets the fields of the record `record.id` and its thumbnail, a JPEG. What is longer than its
     /// field is cut.
     void Fill(const ArchiveRecord& record, QByteArrayView thumbnail);
