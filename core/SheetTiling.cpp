@@ -6,6 +6,7 @@
 #include "core/Settings.h"
 #include "core/UserInterface.h"
 #include "imaging/Processing.h"
+#include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,7 +38,7 @@ void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
 }
 
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
-/// nothing and the sheet is made all the same.
+/// nothing, a failing archive is told of, and the sheet is made all the same.
 void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
     const auto lines = ui_.EditTags();
     if (!lines) {
@@ -48,7 +49,11 @@ void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
     for (const QString& line : *lines) {
         tags += line + u"\r\n"_s;
     }
-    SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+    try {
+        SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+    } catch (const platform::Error& error) {
+        ui_.ShowMessage(error.Text());
+    }
 }
 
 }  // namespace kadrona::core

@@ -118,6 +118,16 @@ TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMak
     EXPECT_EQ(view.Image().Photo().Columns(), 4);
 }
 
+TEST_F(PassportPhotos, AnArchiveThatFailsIsToldOfAndStillMakesTheSheet) {
+    settings.imageAutoSave = true;
+    ui.tags = QStringList(u"Anna"_s);
+    OpenPhoto(Grey(500, 600));
+    data.CropImage(view, 0);
+    EXPECT_EQ(data.Archive()->Ids().size(), 1U) << "no folder for the photo of the empty record";
+    EXPECT_EQ(ui.messages.size(), 1);
+    EXPECT_EQ(view.Image().Photo().Columns(), 4);
+}
+
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
     OpenPhoto(Grey(100, 100));
     data.CropImage(view, core::SinglePhotoLayout);
