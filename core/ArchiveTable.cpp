@@ -25,6 +25,14 @@ QString Cut(const QString& text, qsizetype length) {
 
 }  // namespace
 
+QString TagText(const QStringList& lines) {
+    QString text;
+    for (const QString& line : lines) {
+        text += line + u"\r\n"_s;
+    }
+    return text;
+}
+
 QString ShownTime(const QDateTime& created) {
     return created.toString(u"dd.MM.yyyy HH:mm"_s);
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -19,8 +20,11 @@ struct ArchiveRecord {
     QString type;       ///< "ImgType": file name of the template
     QDateTime created;  ///< "ImgErstellt", local time
     QString folder;     ///< "ImgAblage": month folder below the archive folder
-    QString tags;       ///< "ImgTags": lines, CR LF after each
+    QString tags;       ///< "ImgTags": see TagText
 };
+
+/// Tags as they are stored: CR LF after every line.
+QString TagText(const QStringList& lines);
 
 /// "ImgErstellt" as it is shown and searched: "07.03.2026 14:30"; empty where there is none.
 QString ShownTime(const QDateTime& created);

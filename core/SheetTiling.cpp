@@ -45,12 +45,8 @@ void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
         return;
     }
     const QString keyword = lines->isEmpty() ? QString() : lines->first();
-    QString tags;
-    for (const QString& line : *lines) {
-        tags += line + u"\r\n"_s;
-    }
     try {
-        SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+        SaveImageToArchiv(view, settings_->ImageDestinationDir(), TagText(*lines), keyword);
     } catch (const platform::Error& error) {
         ui_.ShowMessage(error.Text());
     }
