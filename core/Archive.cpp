@@ -55,6 +55,9 @@ bool TData::ConnectDB(const QString& folder) {
 }
 
 bool TData::CreateDB() {
+    if (database_ == nullptr) {
+        return false;
+    }
     AsGeneralError([&] { CreateArchive(*database_); });
     return true;
 }

@@ -150,6 +150,7 @@ class TData {
     static QString GetArchivPath();
     static void SetArchivPath(const QString& folder);
     bool ConnectDB(const QString& folder);
+    /// False where no database is connected.
     bool CreateDB();
     /// Opened on first use; null while there is none.
     ArchiveTable* Archive();

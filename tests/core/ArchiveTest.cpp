@@ -150,6 +150,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     EXPECT_EQ(data.Archive(), nullptr);
     data.ImgTagSearch(u"a"_s);
     core::TData unconnected(ui, installation.Folders());
+    EXPECT_FALSE(unconnected.CreateDB());
     unconnected.SaveImageToArchiv(view, archiveFolder, {}, {});
     EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files), QStringList());
     data.CreateDB();
