@@ -47,8 +47,8 @@ ColourTools::~ColourTools() {
     LeaveMode();
 }
 
-bool ColourTools::StampIsOn() const {
-    return window_.actions.IsChecked(u"acBeauty"_s);
+bool ColourTools::MayWork() const {
+    return !window_.actions.IsChecked(u"acBeauty"_s) && !window_.view.Image().IsEmpty();
 }
 
 bool ColourTools::TemplateIsHidden() const {
@@ -58,7 +58,7 @@ bool ColourTools::TemplateIsHidden() const {
 /// Triggering has toggled the action already; that is taken back where it may not.
 void ColourTools::acSetWhitePointExecute() {
     const bool checked = window_.actions.IsChecked(WhitePoint);
-    if (StampIsOn()) {
+    if (!MayWork()) {
         window_.actions.SetChecked(WhitePoint, false);
         return;
     }
@@ -70,7 +70,7 @@ void ColourTools::acSetWhitePointExecute() {
 /// Whatever unchecks the action ends the mode.
 void ColourTools::FollowWhitePointAction(bool checked) {
     imaging::view::ImageView& view = window_.view;
-    if (checked && !StampIsOn()) {
+    if (checked && MayWork()) {
         view.SetTool(this);
         view.setCursor(controls::PipetteCursor());
         view.setFocus();
@@ -110,7 +110,7 @@ void ColourTools::SetWhitePoint(QPoint pixel) {
 }
 
 void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
-    if (StampIsOn()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -130,7 +130,7 @@ void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
 }
 
 void ColourTools::acSchwarzweissExecute() {
-    if (StampIsOn()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -148,7 +148,7 @@ void ColourTools::acSchwarzweissExecute() {
 /// The step recorded after the change holds the adjusted photo; the one before it, which the change
 /// records by itself, the photo as it was.
 void ColourTools::acColorConfigExecute() {
-    if (StampIsOn()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();

@@ -46,9 +46,9 @@ RetouchTool::~RetouchTool() {
     LeaveMode();
 }
 
-/// Triggering has toggled the action already.
+/// Triggering has toggled the action already; that is taken back where a photo could not be read.
 void RetouchTool::acBeautyExecute() {
-    const bool checked = window_.actions.IsChecked(Retouch);
+    const bool checked = window_.actions.IsChecked(Retouch) && !window_.view.Image().IsEmpty();
     window_.actions.SetChecked(Retouch, checked);
     window_.showTemplateLayer(!checked);
     if (checked) {

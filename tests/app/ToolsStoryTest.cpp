@@ -315,4 +315,21 @@ TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
     EXPECT_FALSE(Image().Photo().IsEmpty());
 }
 
+TEST_F(ToolsStory, NoToolDoesAnythingWhereAPhotoCouldNotBeRead) {
+    QFile broken(installation.Path("broken.jpg"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("no picture");
+    broken.close();
+    driver.Press(u"MessageBox"_s, u"OkButton"_s);
+    window->OpenDroppedFiles({broken.fileName()});
+    ASSERT_TRUE(Image().IsEmpty());
+    for (const QString& tool : {u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
+                                u"acColorConfig"_s, u"acBeauty"_s, u"acRotateDlg"_s,
+                                u"acRotateLeft"_s, u"acUndo"_s, u"acCrop"_s, u"acShowLayer"_s}) {
+        Trigger(tool);
+        EXPECT_EQ(View().Tool(), nullptr) << tool.toStdString();
+    }
+    EXPECT_FALSE(IsChecked(u"acBeauty"_s));
+}
+
 }  // namespace kadrona::testing
