@@ -289,6 +289,20 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     EXPECT_GT(View().ZoomPercent(), zoom);
 }
 
+TEST_F(ToolsStory, TheBrushStaysAtThePointerWhileThePhotoMovesBelowIt) {
+    Trigger(u"acBeauty"_s);
+    View().SetZoomPercent(400);
+    const QPointF pointer = View().rect().center();
+    Mouse(QEvent::MouseMove, View().ToImage(pointer));
+    const QRectF before = View().Tool()->OverlayArea();
+    EXPECT_LE((before.center() - pointer).manhattanLength(), 1);
+    QTest::keyClick(&View(), Qt::Key_Right);
+    EXPECT_LE((View().Tool()->OverlayArea().center() - pointer).manhattanLength(), 1);
+    View().SetZoomPercent(800);
+    EXPECT_LE((View().Tool()->OverlayArea().center() - pointer).manhattanLength(), 1);
+    EXPECT_GT(View().Tool()->OverlayArea().width(), before.width());
+}
+
 TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
     SavePhoto("pixel.png", QSize(1, 1), 77);
     Open("pixel.png");
