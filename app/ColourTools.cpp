@@ -1,6 +1,5 @@
 #include "app/ColourTools.h"
 
-#include <QDialog>
 #include <QScopeGuard>
 #include <cmath>
 
@@ -124,7 +123,7 @@ void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
     });
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    if (dialog.ShowEx(window_.view) != QDialog::Accepted) {
+    if (dialog.ShowEx(window_.view) != controls::ModalResult::Ok) {
         image.Undo();
     }
 }
@@ -157,7 +156,7 @@ void ColourTools::acColorConfigExecute() {
     if (colourDialog_ == nullptr) {
         colourDialog_ = new dialogs::ColourAdjustment(window_.view.window());
     }
-    if (colourDialog_->ShowEx(image.Photo()) == QDialog::Accepted) {
+    if (colourDialog_->ShowEx(image.Photo()) == controls::ModalResult::Ok) {
         if (const imaging::PixelFilterPointer filter = colourDialog_->Filter()) {
             const controls::WaitCursor wait;
             image.ChangePhoto(imaging::Filtered(image.Photo(), *filter));

@@ -90,7 +90,7 @@ AdjustmentPage* ColourAdjustment::AddPage(const QString& name, AdjustmentPage* p
     return page;
 }
 
-int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
+controls::ModalResult ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     histogram_ = imaging::HistogramOf(photo);
     ResetAll();
     pages_->setCurrentIndex(0);
@@ -99,7 +99,7 @@ int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, &preview, 1);
     preview_ = &preview;
     const auto release = qScopeGuard([this] { preview_ = nullptr; });
-    return exec();
+    return controls::ShowModal(*this);
 }
 
 void ColourAdjustment::ResetAll() {

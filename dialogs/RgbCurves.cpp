@@ -187,7 +187,7 @@ void TfmRGBKurve::FillPresets() {
     }
 }
 
-int TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
+controls::ModalResult TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
     editor_->SetHistogram(imaging::HistogramOf(view.Image().Photo()));
     editor_->ResetAll();
     const auto preview =
@@ -195,12 +195,12 @@ int TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
             const bool changes = Curves() != imaging::CurveSet();
             view.SetPreviewFilter(changes ? imaging::CurveFilter(Curves()) : nullptr);
         });
-    const int result = exec();
+    const controls::ModalResult result = controls::ShowModal(*this);
     disconnect(preview);
     // The photo changes under the preview, so that it is never seen as it was before.
     const imaging::PaintingSuspension suspension(view);
     view.SetPreviewFilter(nullptr);
-    if (result == Accepted) {
+    if (result == controls::ModalResult::Ok) {
         ApplyTo(view.Image());
         view.Repaint();
     }

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 
+#include "controls/ModalResult.h"
 #include "imaging/Curves.h"
 #include "imaging/LayeredImage.h"
 
@@ -26,9 +27,9 @@ class TfmRGBKurve : public QDialog {
     /// Reads the names of the presets once; a missing folder gives an empty list.
     explicit TfmRGBKurve(QString curvesFolder, QWidget* parent = nullptr);
 
-    /// Starts from identity curves. QDialog::Accepted: the whole photo was changed by the curves.
-    /// QDialog::Rejected: the photo is as it was, the curves are the identity.
-    int ShowEx(imaging::view::ImageView& view);
+    /// Starts from identity curves. Ok: the whole photo was changed by the curves. Cancel: the
+    /// photo is as it was, the curves are the identity.
+    controls::ModalResult ShowEx(imaging::view::ImageView& view);
 
     /// Applies the last curves to an image without showing anything.
     void ShowSilent(imaging::LayeredImage& image);

@@ -66,7 +66,7 @@ class RgbCurves : public ::testing::Test {
     }
 
     /// Opens the dialog, does what is given and closes it by a button.
-    int Show(const std::function<void()>& answer, const char* button) {
+    controls::ModalResult Show(const std::function<void()>& answer, const char* button) {
         driver.Expect(u"fmRGBKurve"_s, [this, answer, button](QWidget&) {
             answer();
             Find<QPushButton>(button).click();
@@ -91,11 +91,11 @@ TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
         ASSERT_NE(view.PreviewFilter(), nullptr);
         EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
     };
-    EXPECT_EQ(Show(invert, "btnCancel"), 0 + QDialog::Rejected);
+    EXPECT_EQ(Show(invert, "btnCancel"), controls::ModalResult::Cancel);
     EXPECT_EQ(Editor().Curves(), CurveSet());
     EXPECT_EQ(view.PreviewFilter(), nullptr);
     EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
-    EXPECT_EQ(Show(invert, "btnOk"), 0 + QDialog::Accepted);
+    EXPECT_EQ(Show(invert, "btnOk"), controls::ModalResult::Ok);
     EXPECT_EQ(view.PreviewFilter(), nullptr);
     EXPECT_EQ(view.Image().Photo().Tile().pixel(0, 0), 0xff00ffff);
 
@@ -220,7 +220,7 @@ TEST_F(RgbCurves, TheChannelBoxChoosesTheCurveThatIsResetAndEscapeCancels) {
         EXPECT_EQ(Editor().Curves(), CurveSet());
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
-    EXPECT_EQ(dialog->ShowEx(view), 0 + QDialog::Rejected);
+    EXPECT_EQ(dialog->ShowEx(view), controls::ModalResult::Cancel);
 }
 
 }  // namespace kadrona::testing
