@@ -32,6 +32,8 @@ class ColourAdjustment : public QDialog {
     void showEvent(QShowEvent* event) override;
 
  private:
+    void AddPages();
+    QLayout* Buttons();
     AdjustmentPage* AddPage(const QString& name, AdjustmentPage* page, const QString& title);
     void ResetAll();
 

@@ -72,6 +72,8 @@ TfmRGBKurve::TfmRGBKurve(QString curvesFolder, QWidget* parent)
     ShowHint(false);
     BuildPresets();
     BuildChannel();
+    BuildConfirmation();
+    SetTabOrder();
     FillPresets();
 }
 
@@ -86,15 +88,12 @@ void TfmRGBKurve::BuildPresets() {
     connect(cbPreset2_, &QListWidget::itemClicked, this,
             [this] { controls::Guarded(this, [this] { cbPreset2Click(); }); });
     labPreset->setBuddy(cbPreset2_);
-    btnAdd_ = Button(u"btnAdd"_s, u"Neu"_s, &TfmRGBKurve::btnAddClick);
-    btnUpdate_ = Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick);
-    btnDelete_ = Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(ButtonSpacing);
-    buttons->addWidget(btnAdd_);
-    buttons->addWidget(btnUpdate_);
-    buttons->addWidget(btnDelete_);
+    buttons->addWidget(Button(u"btnAdd"_s, u"Neu"_s, &TfmRGBKurve::btnAddClick));
+    buttons->addWidget(Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick));
+    buttons->addWidget(Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick));
     auto* column = new QVBoxLayout;
     column->setSpacing(ButtonSpacing);
     column->addWidget(labPreset);
@@ -120,38 +119,47 @@ void TfmRGBKurve::BuildChannel() {
     auto* btnResetAll = new QPushButton(u"Alles zurücksetzen"_s);
     btnResetAll->setObjectName(u"btnResetAll"_s);
     connect(btnResetAll, &QPushButton::clicked, editor_, &imaging::view::CurveEditor::ResetAll);
-    auto* btnOk = new QPushButton(u"Ok"_s);
-    btnOk->setObjectName(u"btnOk"_s);
-    btnOk->setDefault(true);
-    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
-    auto* btnCancel = new QPushButton(u"Cancel"_s);
-    btnCancel->setObjectName(u"btnCancel"_s);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
-    for (QPushButton* button : {btnReset, btnResetAll, btnCancel}) {
+    for (QPushButton* button : {btnReset, btnResetAll}) {
         button->setAutoDefault(false);
     }
-
     auto* channel = new QHBoxLayout;
     channel->setSpacing(ButtonSpacing);
     channel->addWidget(cbChannel_);
     channel->addStretch();
     channel->addWidget(btnReset);
     channel->addWidget(btnResetAll);
+    Grid().addLayout(channel, 0, 0);
+    Grid().addWidget(editor_, 1, 0);
+}
+
+void TfmRGBKurve::BuildConfirmation() {
+    auto* btnOk = new QPushButton(u"Ok"_s);
+    btnOk->setObjectName(u"btnOk"_s);
+    btnOk->setDefault(true);
+    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
+    auto* btnCancel = new QPushButton(u"Cancel"_s);
+    btnCancel->setObjectName(u"btnCancel"_s);
+    btnCancel->setAutoDefault(false);
+    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
     auto* confirm = new QHBoxLayout;
     confirm->setSpacing(ButtonSpacing);
     confirm->addStretch();
     confirm->addWidget(btnOk);
     confirm->addWidget(btnCancel);
-    auto* grid = qobject_cast<QGridLayout*>(layout());
-    grid->addLayout(channel, 0, 0);
-    grid->addWidget(editor_, 1, 0);
-    grid->addWidget(hint_, 2, 0);
-    grid->addLayout(confirm, 2, 1, Qt::AlignBottom);
-    // From the preset to the curve, then to what is done with it.
+    Grid().addWidget(hint_, 2, 0);
+    Grid().addLayout(confirm, 2, 1, Qt::AlignBottom);
+}
+
+QGridLayout& TfmRGBKurve::Grid() const {
+    return *qobject_cast<QGridLayout*>(layout());
+}
+
+/// From the preset to the curve, then to what is done with it.
+void TfmRGBKurve::SetTabOrder() {
     QWidget* last = cbPreset2_;
-    for (QWidget* next :
-         std::initializer_list<QWidget*>{btnAdd_, btnUpdate_, btnDelete_, cbChannel_, editor_,
-                                         btnReset, btnResetAll, btnOk, btnCancel}) {
+    for (const char* name : {"btnAdd", "btnUpdate", "btnDelete", "cbChannel", "CurveEditor",
+                             "btnReset", "btnResetAll", "btnOk", "btnCancel"}) {
+        auto* next = findChild<QWidget*>(QLatin1StringView(name));
         setTabOrder(last, next);
         last = next;
     }

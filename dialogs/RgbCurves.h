@@ -7,6 +7,7 @@
 #include "imaging/LayeredImage.h"
 
 class QComboBox;
+class QGridLayout;
 class QLabel;
 class QListWidget;
 class QPushButton;
@@ -45,6 +46,8 @@ class TfmRGBKurve : public QDialog {
  private:
     void BuildPresets();
     void BuildChannel();
+    void BuildConfirmation();
+    void SetTabOrder();
     void FillPresets();
     void cbPreset2Click();
     void btnAddClick();
@@ -54,6 +57,7 @@ class TfmRGBKurve : public QDialog {
     void ApplyTo(imaging::LayeredImage& image) const;
     void ShowHint(bool pointRefused);
     QPushButton* Button(const QString& name, const QString& text, void (TfmRGBKurve::*click)());
+    QGridLayout& Grid() const;
     /// Throws imaging::CurveFileError for a name that no file can have.
     QString PresetFile(const QString& name) const;
 
@@ -62,9 +66,6 @@ class TfmRGBKurve : public QDialog {
     QListWidget* cbPreset2_;
     QComboBox* cbChannel_;
     QLabel* hint_;
-    QPushButton* btnAdd_;
-    QPushButton* btnUpdate_;
-    QPushButton* btnDelete_;
 };
 
 }  // namespace kadrona::dialogs
