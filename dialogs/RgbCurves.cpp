@@ -46,8 +46,16 @@ class PresetList : public QListWidget {
     }
 };
 
-void AddItem(QListWidget& list, const QString& name) {
+/// Of a file in the curves folder; other programs write the extension in capitals as well.
+QString PresetName(const QString& fileName) {
+    return fileName.chopped(Extension.size());
+}
+
+/// An entry shows the preset's name and keeps its file name as data.
+void AddItem(QListWidget& list, const QString& fileName) {
+    const QString name = PresetName(fileName);
     auto* item = new QListWidgetItem(name, &list);
+    item->setData(Qt::UserRole, fileName);
     item->setSizeHint({0, std::max(ItemHeight, list.fontMetrics().height())});
     item->setToolTip(name);
 }
@@ -181,16 +189,15 @@ void TfmRGBKurve::FillPresets() {
         return;
     }
     cbPreset2_->clear();
-    QStringList names;
-    for (const QFileInfo& file : folder.entryInfoList(
-             {u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System | QDir::CaseSensitive)) {
-        names.append(file.fileName().chopped(Extension.size()));
+    QStringList files =
+        folder.entryList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System);
+    std::ranges::stable_sort(files, [](const QString& a, const QString& b) {
+        return PresetName(a).compare(PresetName(b), Qt::CaseInsensitive) < 0;
+    });
+    for (const QString& file : files) {
+        AddItem(*cbPreset2_, file);
     }
-    names.sort(Qt::CaseInsensitive);
-    for (const QString& name : names) {
-        AddItem(*cbPreset2_, name);
-    }
-    if (!names.isEmpty()) {
+    if (!files.isEmpty()) {
         cbPreset2_->setCurrentRow(0);
     }
 }
@@ -245,7 +252,11 @@ void TfmRGBKurve::reject() {
     QDialog::reject();
 }
 
-QString TfmRGBKurve::PresetFile(const QString& name) const {
+QString TfmRGBKurve::PresetFile(const QListWidgetItem& item) const {
+    return platform::JoinPath(curvesFolder_, item.data(Qt::UserRole).toString());
+}
+
+QString TfmRGBKurve::NewPresetFile(const QString& name) const {
     const QString file = name + Extension;
     if (file.contains(u'/') || file.contains(QDir::separator()) || file.contains(QChar::Null)) {
         throw imaging::CurveFileError(
@@ -258,7 +269,7 @@ QString TfmRGBKurve::PresetFile(const QString& name) const {
 void TfmRGBKurve::cbPreset2Click() {
     if (const QListWidgetItem* item = cbPreset2_->currentItem()) {
         editor_->ResetAll();
-        editor_->SetCurves(imaging::ReadCurveFile(PresetFile(item->text())));
+        editor_->SetCurves(imaging::ReadCurveFile(PresetFile(*item)));
     }
 }
 
@@ -269,16 +280,18 @@ void TfmRGBKurve::btnAddClick() {
     if (name.isEmpty()) {
         return;
     }
-    imaging::WriteCurveFile(PresetFile(name), Curves());
-    if (cbPreset2_->findItems(name, Qt::MatchExactly).isEmpty()) {
-        AddItem(*cbPreset2_, name);
+    const auto known = cbPreset2_->findItems(name, Qt::MatchExactly);
+    imaging::WriteCurveFile(known.isEmpty() ? NewPresetFile(name) : PresetFile(*known.first()),
+                            Curves());
+    if (known.isEmpty()) {
+        AddItem(*cbPreset2_, name + Extension);
     }
     cbPreset2_->setCurrentItem(cbPreset2_->findItems(name, Qt::MatchExactly).first());
 }
 
 void TfmRGBKurve::btnUpdateClick() {
     if (const QListWidgetItem* item = cbPreset2_->currentItem()) {
-        imaging::WriteCurveFile(PresetFile(item->text()), Curves());
+        imaging::WriteCurveFile(PresetFile(*item), Curves());
         cbPreset2_->viewport()->update();
     }
 }
@@ -289,7 +302,7 @@ void TfmRGBKurve::btnDeleteClick() {
         return;
     }
     const std::unique_ptr<QListWidgetItem> item(cbPreset2_->takeItem(cbPreset2_->currentRow()));
-    const QString file = PresetFile(item->text());
+    const QString file = PresetFile(*item);
     if (!QFile::remove(file) && QFileInfo::exists(file)) {
         throw imaging::CurveFileError(u"%1 konnte nicht gelöscht werden."_s.arg(file));
     }

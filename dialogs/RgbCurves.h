@@ -10,6 +10,7 @@ class QComboBox;
 class QGridLayout;
 class QLabel;
 class QListWidget;
+class QListWidgetItem;
 class QPushButton;
 
 namespace kadrona::imaging::view {
@@ -58,8 +59,9 @@ class TfmRGBKurve : public QDialog {
     void ShowHint(bool pointRefused);
     QPushButton* Button(const QString& name, const QString& text, void (TfmRGBKurve::*click)());
     QGridLayout& Grid() const;
+    QString PresetFile(const QListWidgetItem& item) const;
     /// Throws imaging::CurveFileError for a name that no file can have.
-    QString PresetFile(const QString& name) const;
+    QString NewPresetFile(const QString& name) const;
 
     QString curvesFolder_;
     imaging::view::CurveEditor* editor_;

@@ -127,6 +127,26 @@ TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenClicked) {
         "btnCancel");
 }
 
+TEST_F(RgbCurves, APresetWithTheExtensionInCapitalsIsOneLikeTheOthers) {
+    const QString capitals = folder.filePath(u"Weich.ACV"_s);
+    imaging::WriteCurveFile(capitals, Inverse());
+    QDir(folder.path()).mkdir(u"folder.acv"_s);
+    Make();
+    EXPECT_EQ(Names(), QStringList{u"Weich"_s});
+    Show(
+        [this, capitals] {
+            ClickPreset(0);
+            EXPECT_EQ(Editor().Curves(), Inverse());
+            Editor().ResetAll();
+            Find<QPushButton>("btnUpdate").click();
+            EXPECT_EQ(imaging::ReadCurveFile(capitals), CurveSet());
+            driver.Press(u"MessageBox"_s, u"YesButton"_s);
+            Find<QPushButton>("btnDelete").click();
+            EXPECT_FALSE(QFile::exists(capitals));
+        },
+        "btnCancel");
+}
+
 TEST_F(RgbCurves, NewUpdateAndDeleteKeepListAndFolderTogether) {
     Make();
     EXPECT_EQ(Names(), QStringList());
