@@ -87,7 +87,10 @@ void RetouchTool::FollowPhoto() {
     stamp_.Reset();
     brush_.diameter = std::clamp<double>(std::max(size.width(), size.height()) / BrushesPerPhoto,
                                          SmallestDiameter, LargestDiameter);
-    window_.view.RefreshTool();
+    if (window_.view.Tool() == this) {
+        ShowHint();
+        window_.view.RefreshTool();
+    }
 }
 
 void RetouchTool::ShowHint() {

@@ -283,6 +283,14 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     QTest::keyClicks(&View(), u"+"_s);
     EXPECT_EQ(hint(), u"Stempel 2 px, Weichheit 0 %  "_s);
     EXPECT_EQ(View().ZoomPercent(), zoom);
+    const auto tellsToCopy = [this] {
+        return window->statusBar()->currentMessage().contains(u"Ziehen kopiert"_s);
+    };
+    Click({200, 210}, Qt::ShiftModifier);
+    EXPECT_TRUE(tellsToCopy());
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_FALSE(tellsToCopy()) << "the turned photo has another place there";
+    Undo(1);
     Trigger(u"acBeauty"_s);
     EXPECT_TRUE(window->statusBar()->currentMessage().isEmpty());
     Wheel(1);
