@@ -52,7 +52,7 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     imaging::CloneStamp stamp_;
     imaging::Brush brush_;
     QSize photoSize_;
-    /// In photo pixels, while the pointer is over the view.
+    /// In the view's coordinates, while the pointer is over it: the photo may move below.
     std::optional<QPointF> pointer_;
     bool takesSource_ = false;
 };
