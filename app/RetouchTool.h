@@ -25,8 +25,6 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     /// Ends the mode without touching the template, and forgets the source.
     void LeaveMode();
 
-    const imaging::Brush& CurrentBrush() const { return brush_; }
-
  private:
     void FollowAction(bool checked);
     void FollowPhoto();
