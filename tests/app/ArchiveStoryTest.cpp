@@ -156,6 +156,7 @@ TEST_F(ArchiveStory, NothingIsOpenedWithoutAFolderAPhotoOrAChoice) {
     driver.Answer(u"2026_03_00001.jpg"_s);
     Trigger(u"acSearchArchiv"_s);
     EXPECT_TRUE(Image().IsEmpty());
+    EXPECT_EQ(window->findChild<controls::StatusPanels*>()->Path(), QString());
     EXPECT_FALSE(IsEnabled(u"acPrintImage"_s));
     EXPECT_TRUE(window->findChild<QWidget*>(u"EmptyState"_s)->isVisible());
 }
