@@ -76,6 +76,10 @@ ServiceFailure NoAnswer() {
 
 IppMessage NewRequest(ipp_op_t operation, const QByteArray& queueUri) {
     IppMessage request(ippNewRequest(operation));
+    // What the service and its drivers say is shown in the program, whatever the user's language.
+    ipp_attribute_t* language =
+        ippFindAttribute(request.get(), "attributes-natural-language", IPP_TAG_LANGUAGE);
+    ippSetString(request.get(), &language, 0, "de");
     if (!queueUri.isEmpty()) {
         ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr,
                      queueUri.constData());
