@@ -33,10 +33,9 @@ class JobOptions {
 
 /// What keeps the filters from changing the page, even where the administrator has set the queue
 /// to do so: the page is the paper already, turned and placed.
-constexpr std::pair<const char*, const char*> Untouched[] = {{"print-scaling", "none"},
-                                                             {"fit-to-page", "false"},
-                                                             {"number-up", "1"},
-                                                             {"orientation-requested", "3"}};
+constexpr std::pair<const char*, const char*> Untouched[] = {
+    {"print-scaling", "none"}, {"fit-to-page", "false"}, {"landscape", "false"},
+    {"number-up", "1"},        {"booklet", "false"},     {"orientation-requested", "3"}};
 
 void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
     JobOptions options;

@@ -138,8 +138,9 @@ TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
     CupsPrinterLayer layer(service_.Address());
     Set(layer, {{"PageSize", "A6"}});
     const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
-    for (const char* standard : {"number-up=2", "fit-to-page=true", "print-scaling=fill",
-                                 "orientation-requested=4", "media=A4", "scaling=50"}) {
+    for (const char* standard :
+         {"number-up=2", "fit-to-page=true", "print-scaling=fill", "orientation-requested=4",
+          "landscape=true", "booklet=true", "media=A4", "scaling=50"}) {
         SCOPED_TRACE(standard);
         const QStringList option = QString::fromLatin1(standard).split(u'=');
         service_.Run(u"lpadmin"_s,
