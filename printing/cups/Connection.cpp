@@ -55,6 +55,15 @@ QString StatusReason(ipp_status_t status) {
         case IPP_STATUS_ERROR_TEMPORARY:
         case IPP_STATUS_ERROR_BUSY:
             return u"Der Drucker ist belegt."_s;
+        case IPP_STATUS_ERROR_DEVICE:
+            return u"Der Drucker meldet einen Gerätefehler."_s;
+        case IPP_STATUS_ERROR_ATTRIBUTES_OR_VALUES:
+        case IPP_STATUS_ERROR_CONFLICTING:
+            return u"Der Drucker lehnt die Einstellungen des Auftrags ab."_s;
+        case IPP_STATUS_ERROR_SERVICE_UNAVAILABLE:
+            return u"Der Druckdienst steht zurzeit nicht zur Verfügung."_s;
+        case IPP_STATUS_ERROR_INTERNAL:
+            return u"Im Druckdienst ist ein Fehler aufgetreten."_s;
         default:
             return u"Der Druckdienst meldet „%1“."_s.arg(QString::fromUtf8(ippErrorString(status)));
     }

@@ -1,9 +1,10 @@
 #include "printing/cups/Job.h"
 
-#include <QTemporaryFile>
 #include <utility>
 
+#include "platform/SystemReason.h"
 #include "printing/cups/JobPage.h"
+#include "printing/cups/TemporaryFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -66,16 +67,13 @@ QByteArray JobName(const QString& title) {
 int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
             const DeviceMode& mode, const PrintImage& image) {
     QTemporaryFile page;
-    if (!page.open()) {
-        throw ServiceFailure(
-            u"Es kann keine temporäre Datei angelegt werden: %1."_s.arg(page.errorString()));
-    }
+    CreateTemporaryFile(page);
     const std::optional<Paper> paper = driver.PaperOf(mode);
     WriteJobPage(page, image, paper ? paper->Millimetres() : QSizeF(),
                  mode.IsLandscape() ? SheetTurn::Landscape : SheetTurn::Upright);
     if (!page.flush()) {
-        throw ServiceFailure(
-            u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(page.errorString()));
+        throw ServiceFailure(u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(
+            platform::SystemReason(page)));
     }
 
     IppMessage request = NewRequest(IPP_OP_PRINT_JOB, queue.Uri());

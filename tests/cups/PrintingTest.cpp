@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLocalServer>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include "PrintService.h"
@@ -279,6 +280,19 @@ TEST_F(PrintingTest, AServiceThatDiesIsNamedWithThePrinter) {
                              std::function<void()>([&] { fresh.ShowSetupDialog(nullptr); })}) {
         EXPECT_THAT(ErrorOf(step), StartsWith("Unter „/"));
     }
+}
+
+TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {
+    CupsPrinterLayer layer(service_.Address());
+    const QByteArray folder = qgetenv("TMPDIR");
+    const auto restored =
+        qScopeGuard([&] { folder.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", folder); });
+    qputenv("TMPDIR", "/proc");  // takes no files, not even an administrator's
+    EXPECT_EQ(ErrorOf([&] {
+                  layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
+              }),
+              "Drucker „Photo“: Es kann keine temporäre Datei angelegt werden: Die Datei oder der "
+              "Ordner ist nicht vorhanden.");
 }
 
 // The system takes the connection, and then nobody answers.
