@@ -132,7 +132,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(PaperCase{"A6Landscape", {35, 45}, "A6", "4", {105, 148}},
                       PaperCase{"A4", {50, 70}, "A4", "3", {210, 297}},
                       PaperCase{"Borderless", {25, 35}, "A6.Borderless", "3", {105, 148}},
-                      PaperCase{"PhotoPaper", {50, 50}, "w288h432", "3", {101.6, 152.4}}),
+                      PaperCase{"PhotoPaper", {50, 50}, "w288h432", "3", {101.6, 152.4}},
+                      PaperCase{"Wide", {25, 35}, "Wide127x89", "4", {127, 88.9}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
