@@ -38,13 +38,15 @@ QImage Pattern(QSize size) {
 
 /// A sheet as the program makes it of photos of that printed size.
 PrintImage Sheet(QSizeF photoMillimetres, const core::SheetLayout& layout) {
-    constexpr int Width = 500;
+    // Exactly 127 pixels per inch, so that small images, which are measured quickly, have the size
+    // without rounding.
+    constexpr int PixelsPerMillimetre = 5;
     PrintImage image;
-    image.tile =
-        Pattern({Width, qRound(Width * photoMillimetres.height() / photoMillimetres.width())});
+    image.tile = Pattern((photoMillimetres * PixelsPerMillimetre).toSize());
     image.columns = layout.columns;
     image.rows = layout.rows;
-    image.dotsPerInch = core::PrintResolution(Width, {qRound(photoMillimetres.width() * 10)}).value;
+    image.dotsPerInch =
+        core::PrintResolution(image.tile.width(), {qRound(photoMillimetres.width() * 10)}).value;
     image.title = u"Müller, Größe"_s;
     return image;
 }
