@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -38,6 +39,7 @@ class SavingStory : public Story {
     /// Expects a message with all of these parts.
     void ExpectMessage(const QStringList& parts) {
         driver.Expect(QStringLiteral("MessageBox"), [parts](QWidget& shown) {
+            EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the hourglass stays";
             // A long name is broken where it has to be.
             const QString text = dynamic_cast<QMessageBox&>(shown).text().remove(QChar(0x200b));
             for (const QString& part : parts) {
@@ -50,6 +52,7 @@ class SavingStory : public Story {
 
     /// Types a name into the save dialog and accepts it.
     static void Type(QWidget& shown, const QString& name) {
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the hourglass stays";
         shown.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
         dynamic_cast<QDialog&>(shown).accept();
     }
