@@ -46,9 +46,9 @@ RetouchTool::~RetouchTool() {
     LeaveMode();
 }
 
-/// Triggering has toggled the action already.
+/// Triggering has toggled the action already; that is taken back where a photo could not be read.
 void RetouchTool::acBeautyExecute() {
-    const bool checked = window_.actions.IsChecked(Retouch);
+    const bool checked = window_.actions.IsChecked(Retouch) && !window_.view.Image().IsEmpty();
     window_.actions.SetChecked(Retouch, checked);
     window_.showTemplateLayer(!checked);
     if (checked) {
@@ -87,6 +87,10 @@ void RetouchTool::FollowPhoto() {
     stamp_.Reset();
     brush_.diameter = std::clamp<double>(std::max(size.width(), size.height()) / BrushesPerPhoto,
                                          SmallestDiameter, LargestDiameter);
+    if (window_.view.Tool() == this) {
+        ShowHint();
+        window_.view.RefreshTool();
+    }
 }
 
 void RetouchTool::ShowHint() {
@@ -123,7 +127,7 @@ void RetouchTool::Press(const ToolPointer& pointer) {
 }
 
 void RetouchTool::Move(const ToolPointer& pointer) {
-    pointer_ = pointer.photo;
+    pointer_ = pointer.widget;
     takesSource_ = pointer.modifiers.testFlag(Qt::ShiftModifier);
     if (stamp_.IsStroking()) {
         const bool drawn =
@@ -191,7 +195,10 @@ double RetouchTool::WidgetRadius() const {
 
 /// Where the pointer copies from, in the view's coordinates.
 std::optional<QPointF> RetouchTool::SourceMark() const {
-    const auto source = pointer_ && !takesSource_ ? stamp_.SourceFor(*pointer_) : std::nullopt;
+    if (!pointer_ || takesSource_) {
+        return std::nullopt;
+    }
+    const auto source = stamp_.SourceFor(window_.view.ToImage(*pointer_));
     return source ? std::optional(window_.view.ToWidget(*source)) : std::nullopt;
 }
 
@@ -202,8 +209,7 @@ QRectF RetouchTool::OverlayArea() const {
     const auto around = [](QPointF middle, double reach) {
         return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach);
     };
-    QRectF area = around(window_.view.ToWidget(*pointer_),
-                         std::max(WidgetRadius(), CrossReach) + OverlayMargin);
+    QRectF area = around(*pointer_, std::max(WidgetRadius(), CrossReach) + OverlayMargin);
     if (const auto source = SourceMark()) {
         area |= around(*source, CrossReach + OverlayMargin);
     }
@@ -215,7 +221,7 @@ void RetouchTool::Paint(QPainter& painter) const {
         return;
     }
     if (takesSource_) {
-        PaintCross(painter, window_.view.ToWidget(*pointer_));
+        PaintCross(painter, *pointer_);
         return;
     }
     PaintBrush(painter);
@@ -226,7 +232,7 @@ void RetouchTool::Paint(QPainter& painter) const {
 
 /// The circle of the whole brush, and dashed in it where a soft one still covers fully.
 void RetouchTool::PaintBrush(QPainter& painter) const {
-    const QPointF middle = window_.view.ToWidget(*pointer_);
+    const QPointF middle = *pointer_;
     const double radius = std::max(WidgetRadius(), 1.0);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Dark, 2.5));

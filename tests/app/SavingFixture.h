@@ -19,12 +19,6 @@ class SavingStory : public Story {
         Setting<QLineEdit>("ImageSaveDir").setText(installation.Path("saved"));
     }
 
-    template <typename Control>
-    Control& Setting(const char* name) {
-        auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
-        return *settings->findChild<Control*>(QLatin1StringView(name));
-    }
-
     /// Opens the photo and makes one photo of it. Opening activates the profile, so that what a
     /// test sets goes between the two.
     void MakeSinglePhoto(const std::function<void()>& set = [] {}) {
@@ -34,20 +28,6 @@ class SavingStory : public Story {
         window->findChild<QComboBox*>(QStringLiteral("Anzahl"))
             ->setCurrentIndex(core::SinglePhotoLayout);
         Trigger(QStringLiteral("acCrop"));
-    }
-
-    /// Expects a message with all of these parts.
-    void ExpectMessage(const QStringList& parts) {
-        driver.Expect(QStringLiteral("MessageBox"), [parts](QWidget& shown) {
-            EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the hourglass stays";
-            // A long name is broken where it has to be.
-            const QString text = dynamic_cast<QMessageBox&>(shown).text().remove(QChar(0x200b));
-            for (const QString& part : parts) {
-                EXPECT_TRUE(text.contains(part))
-                    << part.toStdString() << " is not in " << text.toStdString();
-            }
-            shown.findChild<QPushButton*>(QStringLiteral("OkButton"))->click();
-        });
     }
 
     /// Types a name into the save dialog and accepts it.
