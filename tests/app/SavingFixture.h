@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -31,6 +32,7 @@ class SavingStory : public Story {
 
     /// Types a name into the save dialog and accepts it.
     static void Type(QWidget& shown, const QString& name) {
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the hourglass stays";
         shown.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
         dynamic_cast<QDialog&>(shown).accept();
     }
