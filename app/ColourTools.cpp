@@ -1,6 +1,5 @@
 #include "app/ColourTools.h"
 
-#include <QDialog>
 #include <QScopeGuard>
 #include <cmath>
 
@@ -47,13 +46,8 @@ ColourTools::~ColourTools() {
     LeaveMode();
 }
 
-bool ColourTools::StampIsOn() const {
-    return window_.actions.IsChecked(u"acBeauty"_s);
-}
-
-/// Not while the stamp works on the photo, and not after a file that could not be read.
-bool ColourTools::MayChangePhoto() const {
-    return !StampIsOn() && !window_.view.Image().IsEmpty();
+bool ColourTools::MayWork() const {
+    return !window_.actions.IsChecked(u"acBeauty"_s) && !window_.view.Image().IsEmpty();
 }
 
 bool ColourTools::TemplateIsHidden() const {
@@ -63,7 +57,7 @@ bool ColourTools::TemplateIsHidden() const {
 /// Triggering has toggled the action already; that is taken back where it may not.
 void ColourTools::acSetWhitePointExecute() {
     const bool checked = window_.actions.IsChecked(WhitePoint);
-    if (!MayChangePhoto()) {
+    if (!MayWork()) {
         window_.actions.SetChecked(WhitePoint, false);
         return;
     }
@@ -75,7 +69,7 @@ void ColourTools::acSetWhitePointExecute() {
 /// Whatever unchecks the action ends the mode.
 void ColourTools::FollowWhitePointAction(bool checked) {
     imaging::view::ImageView& view = window_.view;
-    if (checked && !StampIsOn()) {
+    if (checked && MayWork()) {
         view.SetTool(this);
         view.setCursor(controls::PipetteCursor());
         view.setFocus();
@@ -125,7 +119,7 @@ void ColourTools::SetWhitePoint(QPoint pixel) {
 }
 
 void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
-    if (!MayChangePhoto()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -139,13 +133,13 @@ void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
     });
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    if (dialog.ShowEx(window_.view) != QDialog::Accepted) {
+    if (dialog.ShowEx(window_.view) != controls::ModalResult::Ok) {
         image.Undo();
     }
 }
 
 void ColourTools::acSchwarzweissExecute() {
-    if (!MayChangePhoto()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -163,7 +157,7 @@ void ColourTools::acSchwarzweissExecute() {
 /// The step recorded after the change holds the adjusted photo; the one before it, which the change
 /// records by itself, the photo as it was.
 void ColourTools::acColorConfigExecute() {
-    if (!MayChangePhoto()) {
+    if (!MayWork()) {
         return;
     }
     LayeredImage& image = window_.view.Image();
@@ -172,7 +166,7 @@ void ColourTools::acColorConfigExecute() {
     if (colourDialog_ == nullptr) {
         colourDialog_ = new dialogs::ColourAdjustment(window_.view.window());
     }
-    if (colourDialog_->ShowEx(image.Photo()) == QDialog::Accepted) {
+    if (colourDialog_->ShowEx(image.Photo()) == controls::ModalResult::Ok) {
         if (const imaging::PixelFilterPointer filter = colourDialog_->Filter()) {
             const controls::WaitCursor wait;
             image.ChangePhoto(imaging::Filtered(image.Photo(), *filter));

@@ -15,7 +15,7 @@ namespace kadrona::app {
 
 /// The tools that change the photo's colours: white point (a mode, held in its action's checked
 /// state), gradation, black and white, and the colour dialog. None of them does anything while the
-/// retouch stamp is on.
+/// retouch stamp is on, nor where a photo could not be read.
 class ColourTools : public QObject, private imaging::view::ViewTool {
     Q_OBJECT
 
@@ -32,8 +32,7 @@ class ColourTools : public QObject, private imaging::view::ViewTool {
     void LeaveMode();
 
  private:
-    bool StampIsOn() const;
-    bool MayChangePhoto() const;
+    bool MayWork() const;
     bool TemplateIsHidden() const;
     void FollowWhitePointAction(bool checked);
     void Press(const imaging::view::ToolPointer& pointer) override;

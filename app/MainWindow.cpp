@@ -251,6 +251,9 @@ void TmainFm::ArchivePhotoReplaced(bool created) {
     actions_.SetChecked(u"acShowLayer"_s, false);
     view_->setVisible(created);
     emptyState_->setVisible(!created);
+    if (!created) {
+        statusPanels_->SetPath({});
+    }
     view_->SetInteraction(
         {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
     acZoomFitExecute();

@@ -31,12 +31,8 @@ QString ExtensionOf(const QString& nameFilter) {
     return nameFilter.section(u"*."_s, -1).chopped(1);
 }
 
-bool HasKnownExtension(const QString& path, const QStringList& nameFilters) {
-    QStringList known = imaging::WritableExtensions();
-    for (const QString& filter : nameFilters) {
-        known.append(ExtensionOf(filter));
-    }
-    return known.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+bool CanBeWritten(const QString& path) {
+    return imaging::WritableExtensions().contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
 }
 
 /// Settles the whole path, and whether it may be replaced, before it closes. The toolkit's own
@@ -60,8 +56,7 @@ class SaveFileDialog : public QFileDialog {
             QFileDialog::accept();  // opens the folder
             return;
         }
-        const bool complete = HasKnownExtension(typed, nameFilters());
-        path_ = complete ? typed : typed + u'.' + defaultSuffix();
+        path_ = CanBeWritten(typed) ? typed : typed + u'.' + defaultSuffix();
         if (MayReplace()) {
             QDialog::accept();
         }

@@ -46,7 +46,7 @@ RetouchTool::~RetouchTool() {
     LeaveMode();
 }
 
-/// Triggering has toggled the action already; that is taken back where there is no photo.
+/// Triggering has toggled the action already; that is taken back where a photo could not be read.
 void RetouchTool::acBeautyExecute() {
     const bool checked = window_.actions.IsChecked(Retouch) && !window_.view.Image().IsEmpty();
     window_.actions.SetChecked(Retouch, checked);
@@ -87,12 +87,17 @@ void RetouchTool::FollowPhoto() {
     stamp_.Reset();
     brush_.diameter = std::clamp<double>(std::max(size.width(), size.height()) / BrushesPerPhoto,
                                          SmallestDiameter, LargestDiameter);
+    if (window_.view.Tool() == this) {
+        ShowHint();
+        window_.view.RefreshTool();
+    }
 }
 
 /// One hint at a time: the status bar of a window of the designed size holds no more.
 void RetouchTool::ShowHint() {
-    const QString next = stamp_.HasSource() ? u"Mausrad: Größe, mit Umschalt: Weichheit"_s
-                                            : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
+    const QString next = stamp_.HasSource()
+                             ? u"Ziehen kopiert, Mausrad: Größe, mit Umschalt: Weichheit"_s
+                             : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
     window_.statusBar.showMessage(u"Stempel %1 px, Weichheit %2 %  –  %3"_s.arg(
         QString::number(std::lround(brush_.diameter)),
         QString::number(std::lround(brush_.softness * 100)), next));
@@ -122,7 +127,7 @@ void RetouchTool::Press(const ToolPointer& pointer) {
 }
 
 void RetouchTool::Move(const ToolPointer& pointer) {
-    pointer_ = pointer.photo;
+    pointer_ = pointer.widget;
     takesSource_ = pointer.modifiers.testFlag(Qt::ShiftModifier);
     if (stamp_.IsStroking()) {
         const bool drawn =
@@ -195,7 +200,10 @@ double RetouchTool::WidgetRadius() const {
 
 /// Where the pointer copies from, in the view's coordinates.
 std::optional<QPointF> RetouchTool::SourceMark() const {
-    const auto source = pointer_ && !takesSource_ ? stamp_.SourceFor(*pointer_) : std::nullopt;
+    if (!pointer_ || takesSource_) {
+        return std::nullopt;
+    }
+    const auto source = stamp_.SourceFor(window_.view.ToImage(*pointer_));
     return source ? std::optional(window_.view.ToWidget(*source)) : std::nullopt;
 }
 
@@ -206,8 +214,7 @@ QRectF RetouchTool::OverlayArea() const {
     const auto around = [](QPointF middle, double reach) {
         return QRectF(middle.x() - reach, middle.y() - reach, 2 * reach, 2 * reach);
     };
-    QRectF area = around(window_.view.ToWidget(*pointer_),
-                         std::max(WidgetRadius(), CrossReach) + OverlayMargin);
+    QRectF area = around(*pointer_, std::max(WidgetRadius(), CrossReach) + OverlayMargin);
     if (const auto source = SourceMark()) {
         area |= around(*source, CrossReach + OverlayMargin);
     }
@@ -219,7 +226,7 @@ void RetouchTool::Paint(QPainter& painter) const {
         return;
     }
     if (takesSource_) {
-        PaintCross(painter, window_.view.ToWidget(*pointer_));
+        PaintCross(painter, *pointer_);
         return;
     }
     PaintBrush(painter);
@@ -230,7 +237,7 @@ void RetouchTool::Paint(QPainter& painter) const {
 
 /// The circle of the whole brush, and dashed in it where a soft one still covers fully.
 void RetouchTool::PaintBrush(QPainter& painter) const {
-    const QPointF middle = window_.view.ToWidget(*pointer_);
+    const QPointF middle = *pointer_;
     const double radius = std::max(WidgetRadius(), 1.0);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Dark, 2.5));

@@ -25,8 +25,6 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     /// Ends the mode without touching the template, and forgets the source.
     void LeaveMode();
 
-    const imaging::Brush& CurrentBrush() const { return brush_; }
-
  private:
     void FollowAction(bool checked);
     void FollowPhoto();
@@ -52,7 +50,7 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     imaging::CloneStamp stamp_;
     imaging::Brush brush_;
     QSize photoSize_;
-    /// In photo pixels, while the pointer is over the view.
+    /// In the view's coordinates, while the pointer is over it: the photo may move below.
     std::optional<QPointF> pointer_;
     bool takesSource_ = false;
 };

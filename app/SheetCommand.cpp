@@ -28,8 +28,8 @@ class ConsoleInterface : public core::UserInterface {
     void ShowMessage(const QString& text) override { errors_ << text << Qt::endl; }
     std::optional<QStringList> EditTags() override {
         ShowMessage(
-            u"Das Foto wird nicht archiviert: Das Bildarchiv ist in dieser Fassung noch "
-            u"nicht enthalten."_s);
+            u"Das Foto wird nicht archiviert: Schlüsselworte können nur im Fenster eingegeben "
+            u"werden."_s);
         return std::nullopt;
     }
     std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }

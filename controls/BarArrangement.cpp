@@ -1,7 +1,6 @@
 #include "controls/BarArrangement.h"
 
 #include <algorithm>
-#include <cstddef>
 
 namespace kadrona::controls {
 namespace {
@@ -56,6 +55,24 @@ BarArrangement ArrangeBar(const std::vector<BarItem>& items, int width, int spac
         }
     }
     return result;
+}
+
+std::size_t SecondRowBegin(const std::vector<BarItem>& items, int width, int spacing) {
+    const auto fits = [&](std::size_t count) {
+        const std::vector<BarItem> row(items.begin(),
+                                       items.begin() + static_cast<std::ptrdiff_t>(count));
+        constexpr int Unlimited = 1 << 20;
+        return BarWidth(row, ArrangeBar(row, Unlimited, spacing, 0).shown, spacing) <= width;
+    };
+    if (fits(items.size())) {
+        return items.size();
+    }
+    for (std::size_t i = items.size(); i > 0; --i) {
+        if (items[i - 1].kind == BarItem::Kind::Separator && fits(i - 1)) {
+            return i - 1;
+        }
+    }
+    return items.size();
 }
 
 }  // namespace kadrona::controls

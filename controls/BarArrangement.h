@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace kadrona::controls {
@@ -25,6 +26,11 @@ struct BarArrangement {
 /// from the end; once one is given up, `extensionWidth` is set aside for the button of the menu.
 BarArrangement ArrangeBar(const std::vector<BarItem>& items, int width, int spacing,
                           int extensionWidth);
+
+/// Index of the separator that gives way to a second row where not all items fit into one of
+/// `width` pixels: the last one up to which they do. The number of items where there is no such
+/// separator or all fit.
+std::size_t SecondRowBegin(const std::vector<BarItem>& items, int width, int spacing);
 
 /// Width of everything shown, with the spacing between neighbours.
 int BarWidth(const std::vector<BarItem>& items, const std::vector<bool>& shown, int spacing);

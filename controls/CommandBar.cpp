@@ -9,7 +9,6 @@
 #include <QMenu>
 #include <algorithm>
 
-#include "controls/BarArrangement.h"
 #include "controls/Separator.h"
 
 using namespace Qt::StringLiterals;
@@ -19,6 +18,7 @@ namespace {
 
 constexpr int Margin = 6;
 constexpr int Spacing = 3;
+constexpr int RowSpacing = 4;
 
 }  // namespace
 
@@ -36,7 +36,9 @@ CommandBar::CommandBar(const QString& title, QWidget* parent)
     : QWidget(parent), extension_(new QToolButton(this)), extensionMenu_(new QMenu(this)) {
     setAccessibleName(title);
     setAttribute(Qt::WA_StyledBackground);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
     extension_->setObjectName(u"ExtensionButton"_s);
     extension_->setText(u"»"_s);
     extension_->setToolTip(u"Weitere Befehle"_s);
@@ -55,8 +57,6 @@ CommandBar::~CommandBar() = default;
 CommandButton* CommandBar::AddAction(QAction* action, Caption caption) {
     auto* button = new CommandButton(action, caption, this);
     entries_.push_back({BarItem::Kind::Command, button, action});
-    // The extension stands behind all else, also for the Tab key.
-    setTabOrder(button, extension_);
     // A button that went into the extension menu is hidden, and so would be its shortcut.
     addAction(action);
     connect(action, &QAction::changed, this, &CommandBar::Arrange);
@@ -97,7 +97,15 @@ void CommandBar::AddSeparator() {
     Arrange();
 }
 
-int CommandBar::ContentHeight() const {
+std::vector<BarItem> CommandBar::Items() const {
+    std::vector<BarItem> items;
+    for (const Entry& entry : entries_) {
+        items.push_back(entry.Item());
+    }
+    return items;
+}
+
+int CommandBar::RowHeight() const {
     int height = 0;
     for (const Entry& entry : entries_) {
         height = std::max(height, entry.widget->sizeHint().height());
@@ -105,24 +113,25 @@ int CommandBar::ContentHeight() const {
     return height;
 }
 
+int CommandBar::heightForWidth(int width) const {
+    const std::vector<BarItem> items = Items();
+    const bool twoRows = SecondRowBegin(items, width - 2 * Margin, Spacing) < items.size();
+    return 2 * Margin + RowHeight() + (twoRows ? RowSpacing + RowHeight() : 0);
+}
+
+/// All in one row.
 QSize CommandBar::sizeHint() const {
-    std::vector<BarItem> items;
-    for (const Entry& entry : entries_) {
-        items.push_back(entry.Item());
-    }
+    const std::vector<BarItem> items = Items();
     constexpr int Unlimited = 1 << 20;
     const std::vector<bool> shown = ArrangeBar(items, Unlimited, Spacing, 0).shown;
-    return {BarWidth(items, shown, Spacing) + 2 * Margin, ContentHeight() + 2 * Margin};
+    return {BarWidth(items, shown, Spacing) + 2 * Margin, RowHeight() + 2 * Margin};
 }
 
 QSize CommandBar::minimumSizeHint() const {
-    std::vector<BarItem> items;
-    for (const Entry& entry : entries_) {
-        items.push_back(entry.Item());
-    }
+    const std::vector<BarItem> items = Items();
     const std::vector<bool> shown = ArrangeBar(items, 0, Spacing, 0).shown;
     return {BarWidth(items, shown, Spacing) + Spacing + extension_->sizeHint().width() + 2 * Margin,
-            ContentHeight() + 2 * Margin};
+            RowHeight() + 2 * Margin};
 }
 
 bool CommandBar::event(QEvent* event) {
@@ -145,27 +154,39 @@ void CommandBar::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void CommandBar::Arrange() {
-    std::vector<BarItem> items;
-    for (const Entry& entry : entries_) {
-        items.push_back(entry.Item());
+    const std::vector<BarItem> items = Items();
+    const std::size_t secondRow = SecondRowBegin(items, width() - 2 * Margin, Spacing);
+    shown_.assign(items.size(), false);
+    bool extensionNeeded = ArrangeRow(items, 0, secondRow, Margin);
+    if (secondRow < items.size()) {
+        const int y = Margin + RowHeight() + RowSpacing;
+        extensionNeeded = ArrangeRow(items, secondRow + 1, items.size(), y);
     }
-    const int extensionWidth = extension_->sizeHint().width();
-    const BarArrangement arrangement =
-        ArrangeBar(items, width() - 2 * Margin, Spacing, extensionWidth);
-    shown_ = arrangement.shown;
-    const int contentHeight = height() - 2 * Margin;
-    int x = Margin;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-        if (shown_[i]) {
-            entries_[i].widget->setGeometry(x, Margin, items[i].width, contentHeight);
-            x += items[i].width + Spacing;
-        }
         entries_[i].widget->setVisible(shown_[i]);
     }
-    extension_->setGeometry(width() - Margin - extensionWidth, Margin, extensionWidth,
-                            contentHeight);
-    extension_->setVisible(arrangement.extensionNeeded);
+    extension_->setVisible(extensionNeeded);
     updateGeometry();
+}
+
+/// Places one row; true when it needs the extension button, which is then at its end.
+bool CommandBar::ArrangeRow(const std::vector<BarItem>& items, std::size_t begin, std::size_t end,
+                            int y) {
+    const auto at = [&](std::size_t i) { return items.begin() + static_cast<std::ptrdiff_t>(i); };
+    const std::vector<BarItem> row(at(begin), at(end));
+    const int extensionWidth = extension_->sizeHint().width();
+    const BarArrangement arrangement =
+        ArrangeBar(row, width() - 2 * Margin, Spacing, extensionWidth);
+    int x = Margin;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (arrangement.shown[i]) {
+            shown_[begin + i] = true;
+            entries_[begin + i].widget->setGeometry(x, y, row[i].width, RowHeight());
+            x += row[i].width + Spacing;
+        }
+    }
+    extension_->setGeometry(width() - Margin - extensionWidth, y, extensionWidth, RowHeight());
+    return arrangement.extensionNeeded;
 }
 
 void CommandBar::FillExtensionMenu() {

@@ -3,17 +3,20 @@
 #include <QWidget>
 #include <vector>
 
+#include "controls/BarArrangement.h"
 #include "controls/CommandButton.h"
 
 class QComboBox;
 
 namespace kadrona::controls {
 
-/// A row of commands in groups. What does not fit goes from the end into a menu behind a "»"
+/// A row of commands in groups, or two rows where they do not fit into one: the groups at the end
+/// then stand below. What does not fit there either goes from the end into a menu behind a "»"
 /// button; labelled widgets stay, and the bar never gets narrower than they are. Hidden actions
 /// leave no gap and no separator without neighbours.
 ///
-///     Anzahl [2 x 4 v]  [create] [save] | [undo] [..] | [fit] | »
+///     Anzahl [2 x 4 v]  [create] [save]
+///     [undo] [..] | [fit] | »
 ///
 /// The shortcuts of all its actions work as long as the bar itself is visible.
 class CommandBar : public QWidget {
@@ -38,6 +41,8 @@ class CommandBar : public QWidget {
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
 
  protected:
     bool event(QEvent* event) override;
@@ -47,8 +52,10 @@ class CommandBar : public QWidget {
     struct Entry;
 
     void Arrange();
+    bool ArrangeRow(const std::vector<BarItem>& items, std::size_t begin, std::size_t end, int y);
     void FillExtensionMenu();
-    int ContentHeight() const;
+    std::vector<BarItem> Items() const;
+    int RowHeight() const;
 
     std::vector<Entry> entries_;
     std::vector<bool> shown_;

@@ -55,6 +55,9 @@ bool TData::ConnectDB(const QString& folder) {
 }
 
 bool TData::CreateDB() {
+    if (database_ == nullptr) {
+        return false;
+    }
     AsGeneralError([&] { CreateArchive(*database_); });
     return true;
 }
@@ -73,6 +76,10 @@ ArchiveTable* TData::Archive() {
 
 /// The number that names the photo is only known once its record exists. A photo that cannot be
 /// written leaves that record empty, so that no number is ever used again.
+///
+/// Numbers start anew where the database was lost, or go on from those of a backup; a second
+/// computer that files in the same folder counts for itself. The numbers of photos that are there
+/// already are left out: no photo is overwritten, and a database that comes back finds its own.
 void TData::SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
                               const QString& tags, const QString& objectName) {
     ArchiveTable* table = Archive();
@@ -85,8 +92,12 @@ void TData::SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiv
         return;
     }
     const imaging::Pixels photo = view.Image().Photo();
-    currentRecord_ = table->Insert();
-    const QString fileName = GetArchivFileName(currentRecord_, nameSources_) + u".jpg"_s;
+    const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, nameSources_) + u".jpg"_s; };
+    currentRecord_ = table->Insert([&](qint64 id) {
+        const QFileInfo older(platform::JoinPath(folder, nameOf(id)));
+        return older.isFile() || older.isSymLink();
+    });
+    const QString fileName = nameOf(currentRecord_);
     SaveIptcToImage(view, objectName, tags);
     imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, view.Image().Resolution(),
                             {{}, view.Image().Iptc()});

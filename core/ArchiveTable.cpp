@@ -25,13 +25,34 @@ QString Cut(const QString& text, qsizetype length) {
 
 }  // namespace
 
+QString TagText(const QStringList& lines) {
+    QString text;
+    for (const QString& line : lines) {
+        text += line + u"\r\n"_s;
+    }
+    return text;
+}
+
 QString ShownTime(const QDateTime& created) {
     return created.toString(u"dd.MM.yyyy HH:mm"_s);
 }
 
-qint64 ArchiveTable::Insert() {
+qint64 ArchiveTable::Insert(const std::function<bool(qint64 id)>& isTaken) {
+    store::Transaction transaction(database_);
     database_.Execute(uR"(INSERT INTO "ImgDB" DEFAULT VALUES)"_s);
-    return database_.LastInsertedId();
+    const qint64 next = database_.LastInsertedId();
+    qint64 id = next;
+    while (isTaken(id)) {
+        ++id;
+    }
+    if (id != next) {
+        store::Statement(database_, uR"(UPDATE "ImgDB" SET "ID" = ? WHERE "ID" = ?)"_s)
+            .Bind(1, id)
+            .Bind(2, next)
+            .Step();
+    }
+    transaction.Commit();
+    return id;
 }
 
 void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail) {

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,8 +20,11 @@ struct ArchiveRecord {
     QString type;       ///< "ImgType": file name of the template
     QDateTime created;  ///< "ImgErstellt", local time
     QString folder;     ///< "ImgAblage": month folder below the archive folder
-    QString tags;       ///< "ImgTags": lines, CR LF after each
+    QString tags;       ///< "ImgTags": see TagText
 };
+
+/// Tags as they are stored: CR LF after every line.
+QString TagText(const QStringList& lines);
 
 /// "ImgErstellt" as it is shown and searched: "07.03.2026 14:30"; empty where there is none.
 QString ShownTime(const QDateTime& created);
@@ -31,8 +36,9 @@ class ArchiveTable {
     /// `database` outlives the table.
     explicit ArchiveTable(store::Database& database) : database_(database) {}
 
-    /// Posts an empty record and returns the number that it got.
-    qint64 Insert();
+    /// Posts an empty record and returns the number that it got: the next one, or the first after
+    /// it that `isTaken` does not refuse.
+    qint64 Insert(const std::function<bool(qint64 id)>& isTaken = [](qint64) { return false; });
     /// Sets the fields of the record `record.id` and its thumbnail, a JPEG. What is longer than its
     /// field is cut.
     void Fill(const ArchiveRecord& record, QByteArrayView thumbnail);

@@ -150,12 +150,14 @@ class TData {
     static QString GetArchivPath();
     static void SetArchivPath(const QString& folder);
     bool ConnectDB(const QString& folder);
+    /// False where no database is connected.
     bool CreateDB();
     /// Opened on first use; null while there is none.
     ArchiveTable* Archive();
     /// Files the view's photo: as a JPEG in the month's folder below `archiveFolder`, which is made
-    /// where the archive folder exists, and as a record, the current one from then on. `tags` and
-    /// `objectName` go into the view's IPTC items as SaveIptcToImage does, and into the file.
+    /// where the archive folder exists, and as a record, the current one from then on. A file that
+    /// is there already is never replaced: its number is left out. `tags` and `objectName` go into
+    /// the view's IPTC items as SaveIptcToImage does, and into the file.
     ///
     /// Does nothing without the table, or where the month's folder cannot be made. Throws
     /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and

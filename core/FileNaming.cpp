@@ -1,11 +1,11 @@
 #include "core/FileNaming.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QUuid>
 
 #include "core/Data.h"
+#include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 
 using namespace Qt::StringLiterals;
@@ -71,8 +71,7 @@ NameSources::NameSources()
       guid([] { return QUuid::createUuid().toString(QUuid::WithBraces).toUpper(); }) {}
 
 QString DelLastBackslash(const QString& path) {
-    const bool ends = path.endsWith(QDir::separator());
-    return ends ? path.chopped(1) : path;
+    return platform::WithoutTrailingSeparator(path);
 }
 
 QString GetNameWithSuffix(const QString& path, const QString& suffix) {

@@ -40,21 +40,16 @@ void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
 }
 
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
-/// nothing and the sheet is made all the same.
+/// nothing, a failing archive is told of, and the sheet is made all the same.
 void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
     const auto lines = ui_.EditTags();
     if (!lines) {
         return;
     }
     const QString keyword = lines->isEmpty() ? QString() : lines->first();
-    QString tags;
-    for (const QString& line : *lines) {
-        tags += line + u"\r\n"_s;
-    }
     try {
-        SaveImageToArchiv(view, settings_->ImageDestinationDir(), tags, keyword);
+        SaveImageToArchiv(view, settings_->ImageDestinationDir(), TagText(*lines), keyword);
     } catch (const platform::Error& error) {
-        // An archive out of reach must not cost the customer the photos.
         ui_.ShowMessage(error.Text());
     }
 }

@@ -178,7 +178,10 @@ void TfmImgSearch::acEditTagsExecute() {
     table.SetTags(id, tagEditor_.Tags());
     grid_->Reload(id);
     if (!archiveFolder_.isEmpty()) {
+        // A search that was still due has made another record current meanwhile.
+        data_.SetCurrentRecord(id);
         const QString path = data_.GetFileNameFromRecord(archiveFolder_);
+        data_.SetCurrentRecord(grid_->Current().value_or(0));
         data_.RewriteIptcToImage(path, tagEditor_.FirstLine(), tagEditor_.Tags());
     }
 }

@@ -34,6 +34,16 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     setWindowTitle(u"Farben anpassen"_s);
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
+    AddPages();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setSpacing(12);
+    layout->addWidget(pages_);
+    layout->addLayout(Buttons());
+    resize(DesignedSize.boundedTo(screen()->availableSize()));
+}
+
+void ColourAdjustment::AddPages() {
     contrast_ = AddPage(
         u"ContrastPage"_s,
         new AdjustmentPage({{u"Kontrast"_s, u"Contrast"_s}, {u"Helligkeit"_s, u"Brightness"_s}}),
@@ -50,7 +60,9 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     equalisation_ = AddPage(u"EqualisationPage"_s,
                             new AdjustmentPage({{u"Stärke"_s, u"Equalisation"_s, 0, 100, u" %"_s}}),
                             u"Histogrammausgleich"_s);
+}
 
+QLayout* ColourAdjustment::Buttons() {
     auto* resetAll = new QPushButton(u"Alles zurücksetzen"_s);
     resetAll->setObjectName(u"btnResetAll"_s);
     resetAll->setAutoDefault(false);
@@ -69,13 +81,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     buttons->addStretch();
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->setSpacing(12);
-    layout->addWidget(pages_);
-    layout->addLayout(buttons);
-    resize(DesignedSize.boundedTo(screen()->availableSize()));
+    return buttons;
 }
 
 AdjustmentPage* ColourAdjustment::AddPage(const QString& name, AdjustmentPage* page,
@@ -90,7 +96,7 @@ AdjustmentPage* ColourAdjustment::AddPage(const QString& name, AdjustmentPage* p
     return page;
 }
 
-int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
+controls::ModalResult ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     histogram_ = imaging::HistogramOf(photo);
     ResetAll();
     pages_->setCurrentIndex(0);
@@ -99,7 +105,7 @@ int ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, &preview, 1);
     preview_ = &preview;
     const auto release = qScopeGuard([this] { preview_ = nullptr; });
-    return exec();
+    return controls::ShowModal(*this);
 }
 
 void ColourAdjustment::ResetAll() {

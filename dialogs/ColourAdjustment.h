@@ -2,6 +2,7 @@
 
 #include <QDialog>
 
+#include "controls/ModalResult.h"
 #include "imaging/ColourEffects.h"
 
 class QTabWidget;
@@ -20,8 +21,8 @@ class ColourAdjustment : public QDialog {
  public:
     explicit ColourAdjustment(QWidget* parent = nullptr);
 
-    /// Starts with nothing adjusted. QDialog::Accepted or QDialog::Rejected; applies nothing.
-    int ShowEx(const imaging::Pixels& photo);
+    /// Starts with nothing adjusted. Ok or Cancel; applies nothing.
+    controls::ModalResult ShowEx(const imaging::Pixels& photo);
 
     /// What was adjusted, as one filter for the photo that was shown; null for nothing. The
     /// equalisation comes first, for it knows the levels of the photo as it was.
@@ -31,6 +32,8 @@ class ColourAdjustment : public QDialog {
     void showEvent(QShowEvent* event) override;
 
  private:
+    void AddPages();
+    QLayout* Buttons();
     AdjustmentPage* AddPage(const QString& name, AdjustmentPage* page, const QString& title);
     void ResetAll();
 

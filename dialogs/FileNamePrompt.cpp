@@ -34,6 +34,21 @@ TFileNameFm::TFileNameFm(core::NameSources nameSources, QWidget* parent)
     : QDialog(parent), nameSources_(std::move(nameSources)) {
     setObjectName(u"FileNameFm"_s);
     setWindowTitle(u"Dialog"_s);
+    BuildFields();
+    auto* row = new QHBoxLayout;
+    row->addWidget(praefixText_);
+    row->addWidget(new QLabel(u"-"_s));
+    row->addWidget(fileNameEdit_, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->addWidget(new QLabel(u"Bitte geben Sie einen Dateiname ein.."_s));
+    layout->addLayout(row);
+    layout->addSpacing(10);
+    layout->addWidget(Buttons());
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void TFileNameFm::BuildFields() {
     praefixText_ = new QLineEdit;
     praefixText_->setObjectName(u"PraefixText"_s);
     praefixText_->setAccessibleName(u"Datum"_s);
@@ -47,7 +62,9 @@ TFileNameFm::TFileNameFm(core::NameSources nameSources, QWidget* parent)
     fileNameEdit_->setMinimumWidth(260);
     fileNameEdit_->installEventFilter(this);
     connect(fileNameEdit_, &QLineEdit::textEdited, this, &TFileNameFm::FileNameEditChange);
+}
 
+QDialogButtonBox* TFileNameFm::Buttons() {
     auto* buttons = new QDialogButtonBox;
     auto* ok = buttons->addButton(u"Übernehmen"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOk"_s);
@@ -55,18 +72,7 @@ TFileNameFm::TFileNameFm(core::NameSources nameSources, QWidget* parent)
     buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &TFileNameFm::btnOkClick);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-
-    auto* row = new QHBoxLayout;
-    row->addWidget(praefixText_);
-    row->addWidget(new QLabel(u"-"_s));
-    row->addWidget(fileNameEdit_, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->addWidget(new QLabel(u"Bitte geben Sie einen Dateiname ein.."_s));
-    layout->addLayout(row);
-    layout->addSpacing(10);
-    layout->addWidget(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    return buttons;
 }
 
 controls::ModalResult TFileNameFm::ShowEx(const QString& folder) {

@@ -5,6 +5,7 @@
 #include "controls/ModalResult.h"
 #include "core/FileNaming.h"
 
+class QDialogButtonBox;
 class QLineEdit;
 
 namespace kadrona::dialogs {
@@ -28,13 +29,15 @@ class TFileNameFm : public QDialog {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+    void BuildFields();
+    QDialogButtonBox* Buttons();
     void FileNameEditChange();
     void btnOkClick();
 
     core::NameSources nameSources_;
     QString folder_;
-    QLineEdit* praefixText_;
-    QLineEdit* fileNameEdit_;
+    QLineEdit* praefixText_ = nullptr;
+    QLineEdit* fileNameEdit_ = nullptr;
 };
 
 }  // namespace kadrona::dialogs

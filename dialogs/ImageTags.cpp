@@ -6,6 +6,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "core/ArchiveTable.h"
 #include "dialogs/Placement.h"
 
 using namespace Qt::StringLiterals;
@@ -63,11 +64,7 @@ QStringList TfmImageTagEdit::Lines() const {
 }
 
 QString TfmImageTagEdit::Tags() const {
-    QString tags;
-    for (const QString& line : Lines()) {
-        tags += line + u"\r\n"_s;
-    }
-    return tags;
+    return core::TagText(Lines());
 }
 
 }  // namespace kadrona::dialogs

@@ -60,7 +60,12 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     layout->setHorizontalSpacing(10);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(2, 1);
+    ConnectControls();
+    // An index that cannot be read must not keep the program from starting.
+    controls::Guarded(parent, [this] { FormCreate(); });
+}
 
+void TPrintProfilDlg::ConnectControls() {
     connect(lbProfiles_, &QListWidget::itemSelectionChanged, this,
             [this] { btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0); });
     connect(btnNewProfile_, &QPushButton::clicked, this,
@@ -68,8 +73,6 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     connect(btnDelProfile_, &QPushButton::clicked, this,
             [this] { controls::Guarded(this, [this] { btnDelProfileClick(); }); });
     connect(btnClose_, &QPushButton::clicked, this, &QDialog::accept);
-    // An index that cannot be read must not keep the program from starting.
-    controls::Guarded(parent, [this] { FormCreate(); });
 }
 
 controls::ModalResult TPrintProfilDlg::ShowEx() {

@@ -32,6 +32,7 @@ class TPrintProfilDlg : public QDialog {
     controls::ModalResult ShowEx();
 
  private:
+    void ConnectControls();
     void FormCreate();
     void btnNewProfileClick();
     void btnDelProfileClick();

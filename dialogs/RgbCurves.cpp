@@ -46,8 +46,16 @@ class PresetList : public QListWidget {
     }
 };
 
-void AddItem(QListWidget& list, const QString& name) {
+/// Of a file in the curves folder; other programs write the extension in capitals as well.
+QString PresetName(const QString& fileName) {
+    return fileName.chopped(Extension.size());
+}
+
+/// An entry shows the preset's name and keeps its file name as data.
+void AddItem(QListWidget& list, const QString& fileName) {
+    const QString name = PresetName(fileName);
     auto* item = new QListWidgetItem(name, &list);
+    item->setData(Qt::UserRole, fileName);
     item->setSizeHint({0, std::max(ItemHeight, list.fontMetrics().height())});
     item->setToolTip(name);
 }
@@ -72,6 +80,8 @@ TfmRGBKurve::TfmRGBKurve(QString curvesFolder, QWidget* parent)
     ShowHint(false);
     BuildPresets();
     BuildChannel();
+    BuildConfirmation();
+    SetTabOrder();
     FillPresets();
 }
 
@@ -86,23 +96,18 @@ void TfmRGBKurve::BuildPresets() {
     connect(cbPreset2_, &QListWidget::itemClicked, this,
             [this] { controls::Guarded(this, [this] { cbPreset2Click(); }); });
     labPreset->setBuddy(cbPreset2_);
-    btnAdd_ = Button(u"btnAdd"_s, u"Neu"_s, &TfmRGBKurve::btnAddClick);
-    btnUpdate_ = Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick);
-    btnDelete_ = Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick);
-
-    const auto offerForSelection = [this] {
-        const bool selected = !cbPreset2_->selectedItems().isEmpty();
-        btnUpdate_->setEnabled(selected);
-        btnDelete_->setEnabled(selected);
-    };
-    connect(cbPreset2_, &QListWidget::itemSelectionChanged, this, offerForSelection);
-    offerForSelection();
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(ButtonSpacing);
-    buttons->addWidget(btnAdd_);
-    buttons->addWidget(btnUpdate_);
-    buttons->addWidget(btnDelete_);
+    buttons->addWidget(Button(u"btnAdd"_s, u"Neu"_s, &TfmRGBKurve::btnAddClick));
+    for (QPushButton* forSelection :
+         {Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick),
+          Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick)}) {
+        buttons->addWidget(forSelection);
+        forSelection->setEnabled(false);
+        connect(cbPreset2_, &QListWidget::itemSelectionChanged, forSelection,
+                [=, this] { forSelection->setEnabled(!cbPreset2_->selectedItems().isEmpty()); });
+    }
     auto* column = new QVBoxLayout;
     column->setSpacing(ButtonSpacing);
     column->addWidget(labPreset);
@@ -128,38 +133,47 @@ void TfmRGBKurve::BuildChannel() {
     auto* btnResetAll = new QPushButton(u"Alles zurücksetzen"_s);
     btnResetAll->setObjectName(u"btnResetAll"_s);
     connect(btnResetAll, &QPushButton::clicked, editor_, &imaging::view::CurveEditor::ResetAll);
-    auto* btnOk = new QPushButton(u"Ok"_s);
-    btnOk->setObjectName(u"btnOk"_s);
-    btnOk->setDefault(true);
-    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
-    auto* btnCancel = new QPushButton(u"Cancel"_s);
-    btnCancel->setObjectName(u"btnCancel"_s);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
-    for (QPushButton* button : {btnReset, btnResetAll, btnCancel}) {
+    for (QPushButton* button : {btnReset, btnResetAll}) {
         button->setAutoDefault(false);
     }
-
     auto* channel = new QHBoxLayout;
     channel->setSpacing(ButtonSpacing);
     channel->addWidget(cbChannel_);
     channel->addStretch();
     channel->addWidget(btnReset);
     channel->addWidget(btnResetAll);
+    Grid().addLayout(channel, 0, 0);
+    Grid().addWidget(editor_, 1, 0);
+}
+
+void TfmRGBKurve::BuildConfirmation() {
+    auto* btnOk = new QPushButton(u"Ok"_s);
+    btnOk->setObjectName(u"btnOk"_s);
+    btnOk->setDefault(true);
+    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
+    auto* btnCancel = new QPushButton(u"Cancel"_s);
+    btnCancel->setObjectName(u"btnCancel"_s);
+    btnCancel->setAutoDefault(false);
+    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
     auto* confirm = new QHBoxLayout;
     confirm->setSpacing(ButtonSpacing);
     confirm->addStretch();
     confirm->addWidget(btnOk);
     confirm->addWidget(btnCancel);
-    auto* grid = qobject_cast<QGridLayout*>(layout());
-    grid->addLayout(channel, 0, 0);
-    grid->addWidget(editor_, 1, 0);
-    grid->addWidget(hint_, 2, 0);
-    grid->addLayout(confirm, 2, 1, Qt::AlignBottom);
-    // From the preset to the curve, then to what is done with it.
+    Grid().addWidget(hint_, 2, 0);
+    Grid().addLayout(confirm, 2, 1, Qt::AlignBottom);
+}
+
+QGridLayout& TfmRGBKurve::Grid() const {
+    return *qobject_cast<QGridLayout*>(layout());
+}
+
+/// From the preset to the curve, then to what is done with it.
+void TfmRGBKurve::SetTabOrder() {
     QWidget* last = cbPreset2_;
-    for (QWidget* next :
-         std::initializer_list<QWidget*>{btnAdd_, btnUpdate_, btnDelete_, cbChannel_, editor_,
-                                         btnReset, btnResetAll, btnOk, btnCancel}) {
+    for (const char* name : {"btnAdd", "btnUpdate", "btnDelete", "cbChannel", "CurveEditor",
+                             "btnReset", "btnResetAll", "btnOk", "btnCancel"}) {
+        auto* next = findChild<QWidget*>(QLatin1StringView(name));
         setTabOrder(last, next);
         last = next;
     }
@@ -181,21 +195,20 @@ void TfmRGBKurve::FillPresets() {
         return;
     }
     cbPreset2_->clear();
-    QStringList names;
-    for (const QFileInfo& file : folder.entryInfoList(
-             {u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System | QDir::CaseSensitive)) {
-        names.append(file.fileName().chopped(Extension.size()));
+    QStringList files =
+        folder.entryList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System);
+    std::ranges::stable_sort(files, [](const QString& a, const QString& b) {
+        return PresetName(a).compare(PresetName(b), Qt::CaseInsensitive) < 0;
+    });
+    for (const QString& file : files) {
+        AddItem(*cbPreset2_, file);
     }
-    names.sort(Qt::CaseInsensitive);
-    for (const QString& name : names) {
-        AddItem(*cbPreset2_, name);
-    }
-    if (!names.isEmpty()) {
+    if (!files.isEmpty()) {
         cbPreset2_->setCurrentRow(0);
     }
 }
 
-int TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
+controls::ModalResult TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
     editor_->SetHistogram(imaging::HistogramOf(view.Image().Photo()));
     editor_->ResetAll();
     const auto preview =
@@ -203,12 +216,12 @@ int TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
             const bool changes = Curves() != imaging::CurveSet();
             view.SetPreviewFilter(changes ? imaging::CurveFilter(Curves()) : nullptr);
         });
-    const int result = exec();
+    const controls::ModalResult result = controls::ShowModal(*this);
     disconnect(preview);
     // The photo changes under the preview, so that it is never seen as it was before.
     const imaging::PaintingSuspension suspension(view);
     view.SetPreviewFilter(nullptr);
-    if (result == Accepted) {
+    if (result == controls::ModalResult::Ok) {
         ApplyTo(view.Image());
         view.Repaint();
     }
@@ -245,7 +258,11 @@ void TfmRGBKurve::reject() {
     QDialog::reject();
 }
 
-QString TfmRGBKurve::PresetFile(const QString& name) const {
+QString TfmRGBKurve::PresetFile(const QListWidgetItem& item) const {
+    return platform::JoinPath(curvesFolder_, item.data(Qt::UserRole).toString());
+}
+
+QString TfmRGBKurve::NewPresetFile(const QString& name) const {
     const QString file = name + Extension;
     if (file.contains(u'/') || file.contains(QDir::separator()) || file.contains(QChar::Null)) {
         throw imaging::CurveFileError(
@@ -258,7 +275,7 @@ QString TfmRGBKurve::PresetFile(const QString& name) const {
 void TfmRGBKurve::cbPreset2Click() {
     if (const QListWidgetItem* item = cbPreset2_->currentItem()) {
         editor_->ResetAll();
-        editor_->SetCurves(imaging::ReadCurveFile(PresetFile(item->text())));
+        editor_->SetCurves(imaging::ReadCurveFile(PresetFile(*item)));
     }
 }
 
@@ -269,16 +286,18 @@ void TfmRGBKurve::btnAddClick() {
     if (name.isEmpty()) {
         return;
     }
-    imaging::WriteCurveFile(PresetFile(name), Curves());
-    if (cbPreset2_->findItems(name, Qt::MatchExactly).isEmpty()) {
-        AddItem(*cbPreset2_, name);
+    const auto known = cbPreset2_->findItems(name, Qt::MatchExactly);
+    imaging::WriteCurveFile(known.isEmpty() ? NewPresetFile(name) : PresetFile(*known.first()),
+                            Curves());
+    if (known.isEmpty()) {
+        AddItem(*cbPreset2_, name + Extension);
     }
     cbPreset2_->setCurrentItem(cbPreset2_->findItems(name, Qt::MatchExactly).first());
 }
 
 void TfmRGBKurve::btnUpdateClick() {
     if (const QListWidgetItem* item = cbPreset2_->currentItem()) {
-        imaging::WriteCurveFile(PresetFile(item->text()), Curves());
+        imaging::WriteCurveFile(PresetFile(*item), Curves());
         cbPreset2_->viewport()->update();
     }
 }
@@ -289,7 +308,7 @@ void TfmRGBKurve::btnDeleteClick() {
         return;
     }
     const std::unique_ptr<QListWidgetItem> item(cbPreset2_->takeItem(cbPreset2_->currentRow()));
-    const QString file = PresetFile(item->text());
+    const QString file = PresetFile(*item);
     if (!QFile::remove(file) && QFileInfo::exists(file)) {
         throw imaging::CurveFileError(u"%1 konnte nicht gelöscht werden."_s.arg(file));
     }

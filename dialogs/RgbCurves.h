@@ -2,12 +2,15 @@
 
 #include <QDialog>
 
+#include "controls/ModalResult.h"
 #include "imaging/Curves.h"
 #include "imaging/LayeredImage.h"
 
 class QComboBox;
+class QGridLayout;
 class QLabel;
 class QListWidget;
+class QListWidgetItem;
 class QPushButton;
 
 namespace kadrona::imaging::view {
@@ -26,9 +29,9 @@ class TfmRGBKurve : public QDialog {
     /// Reads the names of the presets once; a missing folder gives an empty list.
     explicit TfmRGBKurve(QString curvesFolder, QWidget* parent = nullptr);
 
-    /// Starts from identity curves. QDialog::Accepted: the whole photo was changed by the curves.
-    /// QDialog::Rejected: the photo is as it was, the curves are the identity.
-    int ShowEx(imaging::view::ImageView& view);
+    /// Starts from identity curves. Ok: the whole photo was changed by the curves. Cancel: the
+    /// photo is as it was, the curves are the identity.
+    controls::ModalResult ShowEx(imaging::view::ImageView& view);
 
     /// Applies the last curves to an image without showing anything.
     void ShowSilent(imaging::LayeredImage& image);
@@ -44,6 +47,8 @@ class TfmRGBKurve : public QDialog {
  private:
     void BuildPresets();
     void BuildChannel();
+    void BuildConfirmation();
+    void SetTabOrder();
     void FillPresets();
     void cbPreset2Click();
     void btnAddClick();
@@ -53,17 +58,16 @@ class TfmRGBKurve : public QDialog {
     void ApplyTo(imaging::LayeredImage& image) const;
     void ShowHint(bool pointRefused);
     QPushButton* Button(const QString& name, const QString& text, void (TfmRGBKurve::*click)());
+    QGridLayout& Grid() const;
+    QString PresetFile(const QListWidgetItem& item) const;
     /// Throws imaging::CurveFileError for a name that no file can have.
-    QString PresetFile(const QString& name) const;
+    QString NewPresetFile(const QString& name) const;
 
     QString curvesFolder_;
     imaging::view::CurveEditor* editor_;
     QListWidget* cbPreset2_;
     QComboBox* cbChannel_;
     QLabel* hint_;
-    QPushButton* btnAdd_;
-    QPushButton* btnUpdate_;
-    QPushButton* btnDelete_;
 };
 
 }  // namespace kadrona::dialogs

@@ -21,6 +21,26 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
     setWindowTitle(u"Bild drehen"_s);
     preview_ = new RotationPreview;
     preview_->setObjectName(u"Preview"_s);
+    BuildAngle();
+    auto* hint = new QLabel(
+        u"Mit der Maus drehen, mit der rechten Taste verschieben. Mausrad und Pfeiltasten drehen "
+        u"in feinen Schritten."_s);
+    hint->setWordWrap(true);
+
+    auto* below = new QVBoxLayout;
+    below->setContentsMargins(16, 10, 16, 14);
+    below->setSpacing(10);
+    below->addWidget(hint);
+    below->addLayout(AngleAndButtons());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(preview_);
+    layout->addLayout(below);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void TfmRotateDlg::BuildAngle() {
     angle_ = new QDoubleSpinBox;
     angle_->setObjectName(u"Angle"_s);
     angle_->setAccessibleName(u"Winkel"_s);
@@ -35,10 +55,9 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
         angle_->setValue(degrees);
     });
     connect(angle_, &QDoubleSpinBox::valueChanged, preview_, &RotationPreview::SetDegrees);
-    auto* hint = new QLabel(
-        u"Mit der Maus drehen, mit der rechten Taste verschieben. Mausrad und Pfeiltasten drehen "
-        u"in feinen Schritten."_s);
-    hint->setWordWrap(true);
+}
+
+QLayout* TfmRotateDlg::AngleAndButtons() {
     auto* btnOk = new QPushButton(u"Übernehmen"_s);
     btnOk->setObjectName(u"btnOk"_s);
     btnOk->setDefault(true);
@@ -57,17 +76,7 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
     row->addStretch();
     row->addWidget(btnOk);
     row->addWidget(btnCancel);
-    auto* below = new QVBoxLayout;
-    below->setContentsMargins(16, 10, 16, 14);
-    below->setSpacing(10);
-    below->addWidget(hint);
-    below->addLayout(row);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    layout->setSpacing(0);
-    layout->addWidget(preview_);
-    layout->addLayout(below);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    return row;
 }
 
 std::optional<double> TfmRotateDlg::ShowEx(const imaging::Pixels& preview) {

@@ -26,6 +26,9 @@ class TfmRotateDlg : public QDialog {
     void showEvent(QShowEvent* event) override;
 
  private:
+    void BuildAngle();
+    QLayout* AngleAndButtons();
+
     RotationPreview* preview_;
     QDoubleSpinBox* angle_;
 };

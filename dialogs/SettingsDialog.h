@@ -98,6 +98,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     // Construction (SettingsDialogLayout.cpp)
     void BuildControls();
     QWidget* BuildProfilePanel();
+    void MakeGeneralControls();
     QWidget* BuildGeneralPage();
     QWidget* BuildOptionsPage();
     void FillPropertyStore();

@@ -109,7 +109,7 @@ QWidget* TEinstellungenFm::BuildProfilePanel() {
     return panel;
 }
 
-QWidget* TEinstellungenFm::BuildGeneralPage() {
+void TEinstellungenFm::MakeGeneralControls() {
     imageDestinationDir_ = Named<controls::PathEdit>(u"ImageDestinationDir"_s);
     imageAutoSave_ = Named<QCheckBox>(u"ImageAutoSave"_s, u"Automatisch im Bildarchiv speichern"_s);
     imageSaveDir_ = Named<controls::PathEdit>(u"ImageSaveDir"_s);
@@ -138,8 +138,11 @@ QWidget* TEinstellungenFm::BuildGeneralPage() {
     rotateBeforeTileImg_ = Named<QCheckBox>(
         u"RotateBeforeTileImg"_s,
         u"Bild vor dem Druck 90° drehen (Achtung bei 10x15 nur bis max. 6 Bilder)"_s);
-
     fileNameEd_->setAccessibleName(u"Dateiname"_s);
+}
+
+QWidget* TEinstellungenFm::BuildGeneralPage() {
+    MakeGeneralControls();
     auto* nameColumn = new QVBoxLayout;
     nameColumn->addStretch();
     nameColumn->addWidget(fileNameEd_);

@@ -232,6 +232,7 @@ bool EmfPlayer::PlayAttribute(Record& record) {
     }
 }
 
+// A table.
 bool EmfPlayer::PlayObject(Record& record) {
     ByteReader& reader = record.reader;
     switch (record.type) {

@@ -14,6 +14,7 @@ constexpr quint16 StretchDibFunction = 0x0f43;
 
 }  // namespace
 
+// A table.
 bool WmfPlayer::PlayFigure(quint16 function, ByteReader& parameters) {
     switch (function) {
         case 0x0213:  // LINETO

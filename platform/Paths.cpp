@@ -13,13 +13,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-QString WithoutTrailingSeparator(QString path) {
-    if (path.endsWith(QDir::separator())) {
-        path.chop(1);
-    }
-    return path;
-}
-
 #ifdef Q_OS_WIN
 
 QString SystemCommonAppDataFolder() {
@@ -51,6 +44,13 @@ QString JoinPath(QStringView folder, QStringView name) {
         path += QDir::separator();
     }
     path += name;
+    return path;
+}
+
+QString WithoutTrailingSeparator(QString path) {
+    if (path.endsWith(QDir::separator())) {
+        path.chop(1);
+    }
     return path;
 }
 

@@ -9,6 +9,9 @@ namespace kadrona::platform {
 /// path in the root, as every path built on a missing folder does.
 QString JoinPath(QStringView folder, QStringView name);
 
+/// The path without one trailing path separator; unchanged where it does not end in one.
+QString WithoutTrailingSeparator(QString path);
+
 /// Folder that holds the real program file (links followed), without a trailing separator.
 QString ProgramFolder();
 

@@ -1,6 +1,8 @@
 #include "platform/ReplacementFile.h"
 
+#include <QDateTime>
 #include <QFileInfo>
+#include <QSet>
 
 #include "platform/DiskFlush.h"
 #include "platform/SystemReason.h"
@@ -72,6 +74,18 @@ int Rename(const QString& from, const QString& to) {
 
 #endif
 
+/// Removes what killed programs left in the folder of a file that was just written. The time is
+/// told by that file, for the folder may lie on a machine with another clock; that folder may also
+/// hold very many files, so it is looked through only once.
+void RemoveLeftOvers(const QString& written) {
+    static QSet<QString> tidyFolders;
+    const QString folder = FolderOf(written);
+    if (!tidyFolders.contains(folder)) {
+        tidyFolders.insert(folder);
+        RemoveUniqueFiles(folder, NamePrefix, QFileInfo(written).lastModified().addDays(-1));
+    }
+}
+
 }  // namespace
 
 ReplacementFile::ReplacementFile(const QString& target) : target_(LinkFollowed(target)) {}
@@ -121,6 +135,15 @@ bool ReplacementFile::TakePlace() {
     return true;
 }
 
+bool ReplacementFile::RenameToTarget() {
+    if (const int code = Rename(waitingName_, target_); code != 0) {
+        return Fail(SystemReason(code));
+    }
+    waitingName_.clear();
+    RemoveLeftOvers(target_);
+    return true;
+}
+
 bool ReplacementFile::seek(qint64 position) {
     return QIODevice::seek(position) && (file_.seek(position) || Fail(SystemReason(file_)));
 }
@@ -150,11 +173,7 @@ bool ReplacementFile::OpenWithoutName() {
 
 bool ReplacementFile::GiveName() {
     file_.close();
-    if (const int code = Rename(waitingName_, target_); code != 0) {
-        return Fail(SystemReason(code));
-    }
-    waitingName_.clear();
-    return true;
+    return RenameToTarget();
 }
 
 #else
@@ -194,11 +213,7 @@ bool ReplacementFile::GiveName() {
             return Fail(SystemReason(code));
         }
     }
-    if (const int code = Rename(waitingName_, target_); code != 0) {
-        return Fail(SystemReason(code));
-    }
-    waitingName_.clear();
-    return true;
+    return RenameToTarget();
 }
 
 #endif

@@ -7,8 +7,10 @@ namespace kadrona::platform {
 
 /// A new file that is to take the place of `target`, which need not exist. While it is written it
 /// has no name, so that even a killed program leaves nothing behind; only where the file system
-/// knows no such files it stands beside its target as "kdr1A2B.tmp". What did not take its place
-/// is removed by the destructor. Permissions are those of the file that is replaced.
+/// knows no such files, and for the moment in which it replaces an older file, it stands beside its
+/// target as "kdr1A2B.tmp". What did not take its place is removed by the destructor, and what a
+/// killed program left of that kind by a later one, once it is a day old. Permissions are those of
+/// the file that is replaced.
 ///
 /// What fails returns false or -1 and leaves the system's reason, in German and without a full
 /// stop, in errorString(). Once a write has failed everything later fails for the same reason.
@@ -36,6 +38,7 @@ class ReplacementFile : public QIODevice {
  private:
     bool OpenWithoutName();
     bool GiveName();
+    bool RenameToTarget();
     bool Fail(const QString& reason);
 
     QString target_;

@@ -1,7 +1,9 @@
 #include "platform/UniqueFile.h"
 
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -43,6 +45,18 @@ QString CreateUniqueFile(const QString& folder, const QString& prefix) {
             folder, SystemReason(file)));
     }
     return QFileInfo(file.fileName()).fileName();
+}
+
+void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time) {
+    const QRegularExpression form(
+        u"^%1[0-9A-F]{1,4}\\.tmp$"_s.arg(QRegularExpression::escape(prefix.left(3))));
+    QDirIterator files(folder, {prefix.left(3) + u"*.tmp"_s}, QDir::Files | QDir::NoSymLinks);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (form.match(files.fileName()).hasMatch() && files.fileInfo().lastModified() < time) {
+            QFile::remove(path);
+        }
+    }
 }
 
 }  // namespace kadrona::platform

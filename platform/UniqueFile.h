@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QFile>
 #include <QString>
 #include <functional>
@@ -18,5 +19,9 @@ bool OpenUniqueFile(QFile& file, const QString& folder, const QString& prefix);
 
 /// The same, but returns the bare name of the closed file. Throws FileError.
 QString CreateUniqueFile(const QString& folder, const QString& prefix);
+
+/// Removes the files of `folder` that have a name of this form and were last written to before
+/// `time`. What cannot be removed stays.
+void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time);
 
 }  // namespace kadrona::platform

@@ -7,10 +7,4 @@ QRectF CentredOnPaper(QSizeF paper, QSizeF picture) {
             picture};
 }
 
-bool FitsOnPaper(QSizeF paper, QSizeF picture) {
-    constexpr double Tolerance = 0.05;
-    return picture.width() <= paper.width() + Tolerance &&
-           picture.height() <= paper.height() + Tolerance;
-}
-
 }  // namespace kadrona::printing

@@ -10,8 +10,4 @@ namespace kadrona::printing {
 /// negative position, where it is larger.
 QRectF CentredOnPaper(QSizeF paper, QSizeF picture);
 
-/// Whether the picture, centred, loses nothing at the paper's edges. A twentieth of a millimetre
-/// may: no printer cuts or feeds more exactly.
-bool FitsOnPaper(QSizeF paper, QSizeF picture);
-
 }  // namespace kadrona::printing

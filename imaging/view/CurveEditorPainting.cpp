@@ -7,6 +7,7 @@
 #include <cmath>
 #include <span>
 
+#include "imaging/MonotoneCubic.h"
 #include "imaging/view/CurveEditor.h"
 
 using namespace Qt::StringLiterals;
@@ -15,6 +16,7 @@ namespace kadrona::imaging::view {
 
 namespace {
 
+constexpr int HighestLevel = 255;
 // In logical pixels.
 constexpr double PointRadius = 4;
 constexpr double ScaleWidth = 8;
@@ -147,10 +149,13 @@ void CurveEditor::PaintScales(QPainter& painter) const {
 }
 
 void CurveEditor::PaintCurve(QPainter& painter, CurveChannel channel, double opacity) const {
-    const LevelTable table = curves_[channel].Table();
+    // Whole levels would show as steps.
+    const MonotoneCubic curve(curves_[channel].Points());
+    const QRectF field = Field();
     QPolygonF line;
-    for (int input = 0; input < static_cast<int>(table.size()); ++input) {
-        line.append(ToWidget({input, table.at(static_cast<size_t>(input))}));
+    for (int input = 0; input <= HighestLevel; ++input) {
+        line.append({field.left() + field.width() * input / HighestLevel,
+                     field.bottom() - field.height() * curve.At(input) / HighestLevel});
     }
     painter.setPen(QPen(Faded(ColourOf(channel, palette()), opacity), channel == channel_ ? 2 : 1));
     painter.setBrush(Qt::NoBrush);

@@ -43,6 +43,7 @@ void ImageView::Private::ChangeGeometry(const std::function<void()>& change) {
     const QRect place = geometry_.ImageRectangle();
     change();
     view_.update();
+    UpdateOverlay();
     if (geometry_.Zoom() != zoom) {
         Q_EMIT view_.ZoomChanged(geometry_.Zoom() * 100);
     }

@@ -58,11 +58,13 @@ bool ImageView::Private::PassToTool(const QWheelEvent& event, double notches) {
 }
 
 bool ImageView::Private::PassToTool(const QKeyEvent& event) {
-    if (tool_ == nullptr || image_.IsEmpty() || !tool_->Key(event)) {
+    if (tool_ == nullptr || image_.IsEmpty()) {
         return false;
     }
+    // A key that it leaves to the view may still change what it paints, as Shift does.
+    const bool isTaken = tool_->Key(event);
     UpdateOverlay();
-    return true;
+    return isTaken;
 }
 
 void ImageView::Private::UpdateOverlay() {

@@ -55,6 +55,15 @@ QString StatusReason(ipp_status_t status) {
         case IPP_STATUS_ERROR_TEMPORARY:
         case IPP_STATUS_ERROR_BUSY:
             return u"Der Drucker ist belegt."_s;
+        case IPP_STATUS_ERROR_DEVICE:
+            return u"Der Drucker meldet einen Gerätefehler."_s;
+        case IPP_STATUS_ERROR_ATTRIBUTES_OR_VALUES:
+        case IPP_STATUS_ERROR_CONFLICTING:
+            return u"Der Drucker lehnt die Einstellungen des Auftrags ab."_s;
+        case IPP_STATUS_ERROR_SERVICE_UNAVAILABLE:
+            return u"Der Druckdienst steht zurzeit nicht zur Verfügung."_s;
+        case IPP_STATUS_ERROR_INTERNAL:
+            return u"Im Druckdienst ist ein Fehler aufgetreten."_s;
         default:
             return u"Der Druckdienst meldet „%1“."_s.arg(QString::fromUtf8(ippErrorString(status)));
     }
@@ -76,6 +85,10 @@ ServiceFailure NoAnswer() {
 
 IppMessage NewRequest(ipp_op_t operation, const QByteArray& queueUri) {
     IppMessage request(ippNewRequest(operation));
+    // What the service and its drivers say is shown in the program, whatever the user's language.
+    ipp_attribute_t* language =
+        ippFindAttribute(request.get(), "attributes-natural-language", IPP_TAG_LANGUAGE);
+    ippSetString(request.get(), &language, 0, "de");
     if (!queueUri.isEmpty()) {
         ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri", nullptr,
                      queueUri.constData());

@@ -17,7 +17,7 @@ struct ServiceAddress {
     /// Host, host:port or path of a socket, as in the environment variable CUPS_SERVER; empty for
     /// what libcups finds by itself.
     QString server;
-    std::chrono::milliseconds timeout{10'000};
+    std::chrono::milliseconds timeout;
 };
 
 /// The print service or the queue refused something. The text is a German sentence that names the

@@ -14,10 +14,10 @@ namespace kadrona::printing::cups {
 class CupsPrinterLayer : public PrinterLayer {
  public:
     /// `server` is the print service's host, host:port or path of its socket, as in the environment
-    /// variable CUPS_SERVER; empty for the system's own. No call waits longer than `timeout` for
-    /// a step of the service.
+    /// variable CUPS_SERVER; empty for the system's own. No call waits longer than `timeout`, and
+    /// a second of the library's own, for a step of the service: the window stands still so long.
     explicit CupsPrinterLayer(QString server = {},
-                              std::chrono::milliseconds timeout = std::chrono::seconds(10));
+                              std::chrono::milliseconds timeout = std::chrono::seconds(5));
 
     PrinterChoice CurrentPrinter() override;
     void SetCurrentPrinter(const PrinterChoice& choice) override;

@@ -19,7 +19,8 @@ class DeviceMode {
  public:
     /// Number of copies of the page.
     static constexpr const char* Copies = "copies";
-    /// "3" upright, "4" landscape (RFC 8011, 5.2.10). The page is turned before it is sent.
+    /// "3" as the driver has the paper, "4" turned by a quarter (RFC 8011, 5.2.10: portrait and
+    /// landscape). The page is turned before it is sent.
     static constexpr const char* Orientation = "orientation-requested";
     /// The queue's whole name where a printer settings file keeps only its beginning.
     static constexpr const char* QueueName = "printer-name";

@@ -2,11 +2,11 @@
 
 #include <cups/ppd.h>
 
-#include <QTemporaryFile>
 #include <algorithm>
 
 #include "printing/cups/GermanTexts.h"
 #include "printing/cups/OptionTexts.h"
+#include "printing/cups/TemporaryFile.h"
 
 // The description is the only source that has every option of a driver. Its functions are marked as
 // old since 2012, for they leave libcups with version 3, into a library of their own.
@@ -97,9 +97,7 @@ Driver& Driver::operator=(Driver&& other) noexcept = default;
 
 Driver Driver::OfQueue(Connection& connection, const Queue& queue) {
     QTemporaryFile file;
-    if (!file.open()) {
-        throw ServiceFailure(u"Es kann keine temporäre Datei angelegt werden."_s);
-    }
+    CreateTemporaryFile(file);
     if (!connection.Fetch(queue.Resource() + ".ppd", file)) {
         return {};
     }

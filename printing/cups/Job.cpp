@@ -1,10 +1,11 @@
 #include "printing/cups/Job.h"
 
-#include <QTemporaryFile>
 #include <array>
 #include <utility>
 
+#include "platform/SystemReason.h"
 #include "printing/cups/JobPage.h"
+#include "printing/cups/TemporaryFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,7 +38,9 @@ class JobOptions {
 constexpr auto Untouched =
     std::to_array<std::pair<const char*, const char*>>({{"print-scaling", "none"},
                                                         {"fit-to-page", "false"},
+                                                        {"landscape", "false"},
                                                         {"number-up", "1"},
+                                                        {"booklet", "false"},
                                                         {"orientation-requested", "3"}});
 
 void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
@@ -69,16 +72,13 @@ QByteArray JobName(const QString& title) {
 int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
             const DeviceMode& mode, const PrintImage& image) {
     QTemporaryFile page;
-    if (!page.open()) {
-        throw ServiceFailure(
-            u"Es kann keine temporäre Datei angelegt werden: %1."_s.arg(page.errorString()));
-    }
+    CreateTemporaryFile(page);
     const std::optional<Paper> paper = driver.PaperOf(mode);
     WriteJobPage(page, image, paper ? paper->Millimetres() : QSizeF(),
                  mode.IsLandscape() ? SheetTurn::Landscape : SheetTurn::Upright);
     if (!page.flush()) {
-        throw ServiceFailure(
-            u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(page.errorString()));
+        throw ServiceFailure(u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(
+            platform::SystemReason(page)));
     }
 
     IppMessage request = NewRequest(IPP_OP_PRINT_JOB, queue.Uri());

@@ -62,6 +62,7 @@ QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
     form.addRow(QString(), borderlessBox_);
     connect(box, &QComboBox::activated, this, [this] {
         ShowBorderless();
+        ShowOrientations();
         StorePaper();
     });
     connect(borderlessBox_, &QCheckBox::clicked, this, &OptionPanel::StorePaper);
@@ -145,6 +146,16 @@ void OptionPanel::ShowPapers() {
         borderlessBox_->setChecked(listed != nullptr);
     }
     ShowBorderless();
+    ShowOrientations();
+}
+
+/// The names of both orientations, the driver's own way of the paper first: some have a paper that
+/// is wider than high.
+void OptionPanel::ShowOrientations() {
+    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const bool isWide = paper && paper->points.width() > paper->points.height();
+    orientationBox_->setItemText(0, isWide ? u"Querformat"_s : u"Hochformat"_s);
+    orientationBox_->setItemText(1, isWide ? u"Hochformat"_s : u"Querformat"_s);
 }
 
 void OptionPanel::ShowBorderless() {

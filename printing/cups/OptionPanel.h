@@ -44,6 +44,7 @@ class OptionPanel : public QWidget {
     void AddCopiesRow(QFormLayout& form);
     void ShowPapers();
     void ShowBorderless();
+    void ShowOrientations();
     void StorePaper();
 
     const Driver* driver_ = nullptr;

@@ -96,7 +96,7 @@ class BadTargetStory : public SavingStory, public ::testing::WithParamInterface<
     }
 
     void ExpectReason(const QString& file) {
-        ExpectMessage({u"Die Datei „%1/%2“ konnte nicht ge"_s.arg(installation.Path("saved"), file),
+        driver.Answer({u"Die Datei „%1/%2“ konnte nicht ge"_s.arg(installation.Path("saved"), file),
                        QString::fromUtf16(GetParam().reason)});
     }
 
@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
 /// The settings let a profile choose no type at all.
 TEST_F(SavingStory, ANameWithoutAnExtensionIsRefused) {
     MakeSinglePhoto([this] { Setting<QComboBox>("FileTypCombo").setCurrentIndex(-1); });
-    ExpectMessage({installation.Path("saved/Bildname"), u"Der Name hat keine Endung"_s});
+    driver.Answer({installation.Path("saved/Bildname"), u"Der Name hat keine Endung"_s});
     Trigger(u"acSaveImageFast"_s);
     EXPECT_EQ(SavedFiles(), QStringList());
 }

@@ -17,7 +17,7 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     const QSize made = Image().Photo().Size();
     ASSERT_NE(made, QSize(413, 531));
     for (int i = 0; i < 2; ++i) {
-        ExpectMessage({u"Das Bild wurde unter %1 gespeichert"_s.arg(
+        driver.Answer({u"Das Bild wurde unter %1 gespeichert"_s.arg(
             installation.Path("saved/Bildname.jpg"))});
         Trigger(u"acSaveImageFast"_s);
     }
@@ -32,8 +32,8 @@ TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
         printer.failure = u"Der Drucker „Laser“ nimmt keine Aufträge an."_s;
         driver.Expect(u"BeforPrintDlgFm"_s,
                       [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
-        ExpectMessage({printer.failure});
-        ExpectMessage({u"gespeichert"_s});
+        driver.Answer(printer.failure);
+        driver.Answer(u"gespeichert"_s);
         Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
         Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
     });
@@ -98,7 +98,7 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
             Setting<QAbstractButton>("ScaleImageCk").setChecked(true);
             Setting<QComboBox>("FileTypCombo").setCurrentIndex(type);
         });
-        ExpectMessage({u"gespeichert"_s});
+        driver.Answer(u"gespeichert"_s);
         Trigger(u"acSaveImageFast"_s);
         const QString file =
             installation.Path(type == 0 ? "saved/Bildname.jpg" : "saved/Bildname.jp2");

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/MainWindow.h"
+#include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
@@ -48,6 +49,11 @@ class Story : public ::testing::Test {
 
     void Trigger(const QString& action) { window->Actions()[action]->trigger(); }
     bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
+    template <typename Control>
+    Control& Setting(const char* name) {
+        auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
+        return *settings->findChild<Control*>(QLatin1StringView(name));
+    }
     imaging::LayeredImage& Image() { return window->View().Image(); }
     QRect Template() { return Image().LayerAt(1).rectangle; }
     QPoint OnScreen(QPoint photo) { return window->View().ToWidget(photo).toPoint(); }

@@ -283,6 +283,14 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     QTest::keyClicks(&View(), u"+"_s);
     EXPECT_EQ(hint(), u"Stempel 2 px, Weichheit 0 %  "_s);
     EXPECT_EQ(View().ZoomPercent(), zoom);
+    const auto tellsToCopy = [this] {
+        return window->statusBar()->currentMessage().contains(u"Ziehen kopiert"_s);
+    };
+    Click({200, 210}, Qt::ShiftModifier);
+    EXPECT_TRUE(tellsToCopy());
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_FALSE(tellsToCopy()) << "the turned photo has another place there";
+    Undo(1);
     Trigger(u"acBeauty"_s);
     EXPECT_TRUE(window->statusBar()->currentMessage().isEmpty());
     Wheel(1);
@@ -301,6 +309,20 @@ TEST_F(ToolsStory, EscapeEndsAModeAndLeavesPhotoAndZoom) {
         EXPECT_EQ(View().ZoomPercent(), zoom);
     }
     EXPECT_TRUE(SamePixels(Image().Photo(), opened));
+}
+
+TEST_F(ToolsStory, TheBrushStaysAtThePointerWhileThePhotoMovesBelowIt) {
+    Trigger(u"acBeauty"_s);
+    View().SetZoomPercent(400);
+    const QPointF pointer = View().rect().center();
+    Mouse(QEvent::MouseMove, View().ToImage(pointer));
+    const QRectF before = View().Tool()->OverlayArea();
+    EXPECT_LE((before.center() - pointer).manhattanLength(), 1);
+    QTest::keyClick(&View(), Qt::Key_Right);
+    EXPECT_LE((View().Tool()->OverlayArea().center() - pointer).manhattanLength(), 1);
+    View().SetZoomPercent(800);
+    EXPECT_LE((View().Tool()->OverlayArea().center() - pointer).manhattanLength(), 1);
+    EXPECT_GT(View().Tool()->OverlayArea().width(), before.width());
 }
 
 TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
@@ -327,6 +349,23 @@ TEST_F(ToolsStory, EveryToolTakesAPhotoOfOnePixel) {
     Click({0.5, 0.5}, Qt::ShiftModifier);
     Stroke({0.5, 0.5}, {0.6, 0.6});
     EXPECT_FALSE(Image().Photo().IsEmpty());
+}
+
+TEST_F(ToolsStory, NoToolDoesAnythingWhereAPhotoCouldNotBeRead) {
+    QFile broken(installation.Path("broken.jpg"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("no picture");
+    broken.close();
+    driver.Press(u"MessageBox"_s, u"OkButton"_s);
+    window->OpenDroppedFiles({broken.fileName()});
+    ASSERT_TRUE(Image().IsEmpty());
+    for (const QString& tool : {u"acSetWhitePoint"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
+                                u"acColorConfig"_s, u"acBeauty"_s, u"acRotateDlg"_s,
+                                u"acRotateLeft"_s, u"acUndo"_s, u"acCrop"_s, u"acShowLayer"_s}) {
+        Trigger(tool);
+        EXPECT_EQ(View().Tool(), nullptr) << tool.toStdString();
+    }
+    EXPECT_FALSE(IsChecked(u"acBeauty"_s));
 }
 
 }  // namespace kadrona::testing

@@ -113,6 +113,32 @@ TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
     EXPECT_EQ(Table().Read(2)->created, QDateTime());
 }
 
+TEST_F(Archive, AfterTheDatabaseWasLostNoOlderPhotoIsReplaced) {
+    const auto number = [&](const char* name) {
+        return installation.Path("archive/2026/03/") + QLatin1StringView(name);
+    };
+    File(u"a\r\n"_s);
+    File(u"b\r\n"_s);
+    const QByteArray first = platform::ReadWholeFile(number("2026_03_00001.jpg"), 1 << 20);
+    installation.Write("archive/2026/03/2026_03_00004.jpg", "of another computer");
+
+    ASSERT_TRUE(QFile::rename(DatabaseFile(), DatabaseFile() + u".lost"_s));
+    data.ConnectDB(databaseFolder);
+    data.CreateDB();
+    File(u"c\r\n"_s);
+    File(u"d\r\n"_s);
+    EXPECT_EQ(Table().Ids(), (Ids{5, 3}));
+    EXPECT_EQ(Table().Read(3)->name, u"2026_03_00003.jpg"_s);
+    EXPECT_EQ(Table().Read(5)->tags, u"d\r\n"_s);
+    EXPECT_EQ(platform::ReadWholeFile(number("2026_03_00001.jpg"), 1 << 20), first);
+    EXPECT_EQ(platform::ReadWholeFile(number("2026_03_00004.jpg"), 99), "of another computer");
+    EXPECT_TRUE(QFile::exists(number("2026_03_00005.jpg")));
+
+    now = now.addMonths(1);
+    File(u"e\r\n"_s);
+    EXPECT_EQ(data.CurrentRecord(), 6) << "the numbers go on";
+}
+
 TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     installation.Write("archive/2026", "a file in the way");
     File(u"a\r\n"_s);
@@ -124,6 +150,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     EXPECT_EQ(data.Archive(), nullptr);
     data.ImgTagSearch(u"a"_s);
     core::TData unconnected(ui, installation.Folders());
+    EXPECT_FALSE(unconnected.CreateDB());
     unconnected.SaveImageToArchiv(view, archiveFolder, {}, {});
     EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files), QStringList());
     data.CreateDB();

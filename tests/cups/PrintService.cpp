@@ -79,7 +79,7 @@ void PrintService::WaitForJobs() const {
 
 QHash<QString, std::string> PrintService::JobAttributes(int job) const {
     using namespace printing::cups;
-    Connection connection({Address()});
+    Connection connection({Address(), std::chrono::milliseconds(Patience)});
     IppMessage request = NewRequest(IPP_OP_GET_JOB_ATTRIBUTES);
     ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "job-uri", nullptr,
                  ("ipp://localhost/jobs/" + QByteArray::number(job)).constData());

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLocalServer>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include "PrintService.h"
@@ -37,13 +38,15 @@ QImage Pattern(QSize size) {
 
 /// A sheet as the program makes it of photos of that printed size.
 PrintImage Sheet(QSizeF photoMillimetres, const core::SheetLayout& layout) {
-    constexpr int Width = 500;
+    // Exactly 127 pixels per inch, so that small images, which are measured quickly, have the size
+    // without rounding.
+    constexpr int PixelsPerMillimetre = 5;
     PrintImage image;
-    image.tile =
-        Pattern({Width, qRound(Width * photoMillimetres.height() / photoMillimetres.width())});
+    image.tile = Pattern((photoMillimetres * PixelsPerMillimetre).toSize());
     image.columns = layout.columns;
     image.rows = layout.rows;
-    image.dotsPerInch = core::PrintResolution(Width, {qRound(photoMillimetres.width() * 10)}).value;
+    image.dotsPerInch =
+        core::PrintResolution(image.tile.width(), {qRound(photoMillimetres.width() * 10)}).value;
     image.title = u"Müller, Größe"_s;
     return image;
 }
@@ -131,15 +134,17 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(PaperCase{"A6Landscape", {35, 45}, "A6", "4", {105, 148}},
                       PaperCase{"A4", {50, 70}, "A4", "3", {210, 297}},
                       PaperCase{"Borderless", {25, 35}, "A6.Borderless", "3", {105, 148}},
-                      PaperCase{"PhotoPaper", {50, 50}, "w288h432", "3", {101.6, 152.4}}),
+                      PaperCase{"PhotoPaper", {50, 50}, "w288h432", "3", {101.6, 152.4}},
+                      PaperCase{"Wide", {25, 35}, "Wide127x89", "4", {127, 88.9}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
     CupsPrinterLayer layer(service_.Address());
     Set(layer, {{"PageSize", "A6"}});
     const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
-    for (const char* standard : {"number-up=2", "fit-to-page=true", "print-scaling=fill",
-                                 "orientation-requested=4", "media=A4", "scaling=50"}) {
+    for (const char* standard :
+         {"number-up=2", "fit-to-page=true", "print-scaling=fill", "orientation-requested=4",
+          "landscape=true", "booklet=true", "media=A4", "scaling=50"}) {
         SCOPED_TRACE(standard);
         const QStringList option = QString::fromLatin1(standard).split(u'=');
         service_.Run(u"lpadmin"_s,
@@ -278,6 +283,19 @@ TEST_F(PrintingTest, AServiceThatDiesIsNamedWithThePrinter) {
                              std::function<void()>([&] { fresh.ShowSetupDialog(nullptr); })}) {
         EXPECT_THAT(ErrorOf(step), StartsWith("Unter „/"));
     }
+}
+
+TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {
+    CupsPrinterLayer layer(service_.Address());
+    const QByteArray folder = qgetenv("TMPDIR");
+    const auto restored =
+        qScopeGuard([&] { folder.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", folder); });
+    qputenv("TMPDIR", "/proc");  // takes no files, not even an administrator's
+    EXPECT_EQ(ErrorOf([&] {
+                  layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
+              }),
+              "Drucker „Photo“: Es kann keine temporäre Datei angelegt werden: Die Datei oder der "
+              "Ordner ist nicht vorhanden.");
 }
 
 // The system takes the connection, and then nobody answers.

@@ -79,9 +79,10 @@ class SetupDialogTest : public ::testing::Test {
 TEST_F(SetupDialogTest, EveryFieldShowsTheQueuesChoicesInGerman) {
     Run([](QWidget& window) {
         EXPECT_EQ(window.windowTitle(), u"Drucker einrichten"_s);
-        EXPECT_EQ(Texts(window, "PaperBox"),
-                  (QStringList{u"A4 (210 × 297 mm)"_s, u"A6 (105 × 148 mm)"_s,
-                               u"4x6 (102 × 152 mm)"_s, u"5x7 Roll (127 × 178 mm)"_s}));
+        EXPECT_EQ(
+            Texts(window, "PaperBox"),
+            (QStringList{u"A4 (210 × 297 mm)"_s, u"A6 (105 × 148 mm)"_s, u"4x6 (102 × 152 mm)"_s,
+                         u"5x7 Roll (127 × 178 mm)"_s, u"3.5x5 Wide (127 × 89 mm)"_s}));
         EXPECT_EQ(Texts(window, "TrayBox"), (QStringList{u"Hauptfach"_s, u"Fotofach"_s}));
         EXPECT_EQ(Texts(window, "MediaTypeBox"),
                   (QStringList{u"Normalpapier"_s, u"Fotopapier, glänzend"_s}));
@@ -122,6 +123,17 @@ TEST_F(SetupDialogTest, WhatIsChosenIsTheCurrentPrinterAndIsShownAgain) {
         Find<QCheckBox>(window, "BorderlessBox").click();
     });
     EXPECT_EQ(Mode().Value("PageSize"), "A6");
+}
+
+TEST_F(SetupDialogTest, APaperThatIsWiderThanHighIsCalledSo) {
+    Run([](QWidget& window) {
+        auto& orientation = Find<QComboBox>(window, "OrientationBox");
+        EXPECT_EQ(orientation.currentText(), u"Hochformat"_s);
+        Choose(window, "PaperBox", u"3.5x5 Wide"_s);
+        EXPECT_EQ(orientation.currentText(), u"Querformat"_s);
+        EXPECT_EQ(Texts(window, "OrientationBox").last(), u"Hochformat"_s);
+    });
+    EXPECT_NEAR(layer_.PaperMillimetres().width(), 127, 0.02);
 }
 
 TEST_F(SetupDialogTest, CancellingChangesNothing) {

@@ -141,7 +141,7 @@ TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
         EXPECT_NE(Seen(after), Seen(before));
         shown.findChild<QPushButton*>(u"btnOk"_s)->click();
     });
-    EXPECT_EQ(dialog.ShowEx(photo), 0 + QDialog::Accepted);
+    EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Ok);
     EXPECT_GT(qRed(imaging::Filtered(photo, *dialog.Filter()).Tile().pixel(0, 0)), 90);
 }
 
@@ -160,7 +160,7 @@ TEST_F(ColourDialog, BothSidesZoomTogetherAndTheSizeIsKept) {
         shown.resize(700, 650);
         shown.findChild<QPushButton*>(u"btnCancel"_s)->click();
     });
-    EXPECT_EQ(dialog.ShowEx(photo), 0 + QDialog::Rejected);
+    EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Cancel);
     driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {
         EXPECT_EQ(shown.size(), QSize(700, 650));
         shown.close();

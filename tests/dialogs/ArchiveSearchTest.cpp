@@ -156,6 +156,25 @@ TEST_F(ArchiveSearch, KeepsTheNewTagsWhereThePhotoIsGone) {
                                          u"konnte nicht gefunden werden!"_s));
 }
 
+TEST_F(ArchiveSearch, TagsGoToThePhotoThatTheyWereEnteredFor) {
+    AddRecord(u"Anna\r\n"_s);
+    AddRecord(u"Bea\r\n"_s);
+    driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
+        shown.findChild<QLineEdit*>(u"FindEdit"_s)->setText(u"Anna"_s);
+        Action("acEditTags").trigger();
+        EXPECT_EQ(data.CurrentRecord(), 1) << "as the card that is shown as current";
+        shown.close();
+    });
+    driver.Expect(u"fmImageTagEdit"_s, [this](QWidget& shown) {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return Grid().Cards().size() == 1; }));
+        dynamic_cast<QDialog&>(shown).accept();
+    });
+    window.ShowEx(u"/no/such/archive"_s);
+    EXPECT_EQ(data.Archive()->Read(2)->tags, u"Bea\r\n"_s);
+    ASSERT_EQ(ui.messages.size(), 1);
+    EXPECT_TRUE(ui.messages[0].contains(u"2026_03_00002.jpg"_s)) << ui.messages[0].toStdString();
+}
+
 TEST_F(ArchiveSearch, ARecordThatIsGoneOrEmptyShowsAndHarmsNothing) {
     data.Archive()->Insert();
     const qint64 lost = AddRecord(u"x\r\n"_s);

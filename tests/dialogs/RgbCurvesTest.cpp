@@ -66,7 +66,7 @@ class RgbCurves : public ::testing::Test {
     }
 
     /// Opens the dialog, does what is given and closes it by a button.
-    int Show(const std::function<void()>& answer, const char* button) {
+    controls::ModalResult Show(const std::function<void()>& answer, const char* button) {
         driver.Expect(u"fmRGBKurve"_s, [this, answer, button](QWidget&) {
             answer();
             Find<QPushButton>(button).click();
@@ -91,11 +91,11 @@ TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
         ASSERT_NE(view.PreviewFilter(), nullptr);
         EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
     };
-    EXPECT_EQ(Show(invert, "btnCancel"), 0 + QDialog::Rejected);
+    EXPECT_EQ(Show(invert, "btnCancel"), controls::ModalResult::Cancel);
     EXPECT_EQ(Editor().Curves(), CurveSet());
     EXPECT_EQ(view.PreviewFilter(), nullptr);
     EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
-    EXPECT_EQ(Show(invert, "btnOk"), 0 + QDialog::Accepted);
+    EXPECT_EQ(Show(invert, "btnOk"), controls::ModalResult::Ok);
     EXPECT_EQ(view.PreviewFilter(), nullptr);
     EXPECT_EQ(view.Image().Photo().Tile().pixel(0, 0), 0xff00ffff);
 
@@ -123,6 +123,26 @@ TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenClicked) {
             ASSERT_TRUE(QFile::remove(File(u"b"_s)));
             driver.Press(u"MessageBox"_s, u"OkButton"_s);
             ClickPreset(1);
+        },
+        "btnCancel");
+}
+
+TEST_F(RgbCurves, APresetWithTheExtensionInCapitalsIsOneLikeTheOthers) {
+    const QString capitals = folder.filePath(u"Weich.ACV"_s);
+    imaging::WriteCurveFile(capitals, Inverse());
+    QDir(folder.path()).mkdir(u"folder.acv"_s);
+    Make();
+    EXPECT_EQ(Names(), QStringList{u"Weich"_s});
+    Show(
+        [this, capitals] {
+            ClickPreset(0);
+            EXPECT_EQ(Editor().Curves(), Inverse());
+            Editor().ResetAll();
+            Find<QPushButton>("btnUpdate").click();
+            EXPECT_EQ(imaging::ReadCurveFile(capitals), CurveSet());
+            driver.Press(u"MessageBox"_s, u"YesButton"_s);
+            Find<QPushButton>("btnDelete").click();
+            EXPECT_FALSE(QFile::exists(capitals));
         },
         "btnCancel");
 }
@@ -220,7 +240,7 @@ TEST_F(RgbCurves, TheChannelBoxChoosesTheCurveThatIsResetAndEscapeCancels) {
         EXPECT_EQ(Editor().Curves(), CurveSet());
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
-    EXPECT_EQ(dialog->ShowEx(view), 0 + QDialog::Rejected);
+    EXPECT_EQ(dialog->ShowEx(view), controls::ModalResult::Cancel);
 }
 
 }  // namespace kadrona::testing

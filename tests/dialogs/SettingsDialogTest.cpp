@@ -74,17 +74,6 @@ class SettingsDialog : public ::testing::Test {
         });
     }
 
-    void ExpectMessage(const QString& text) {
-        driver.Expect(u"MessageBox"_s, [text](QWidget& shown) {
-            QStringList texts;
-            for (const QLabel* label : shown.findChildren<QLabel*>()) {
-                texts.append(label->text());
-            }
-            EXPECT_TRUE(texts.contains(text)) << texts.join(u" | ").toStdString();
-            shown.findChild<QPushButton*>(u"OkButton"_s)->click();
-        });
-    }
-
     Installation installation;
     FakeInterface ui;
     ModalDriver driver;
@@ -164,7 +153,7 @@ TEST_F(SettingsDialog, ANameMustBeUniqueExceptThatOfTheFirstEntry) {
     AddProfile(u"Laden"_s);
     InDialog([&] {
         ExpectLine(u"laden"_s);
-        ExpectMessage(u"Wählen Sie bitte einen eindeutigen Namen aus"_s);
+        driver.Answer(u"Wählen Sie bitte einen eindeutigen Namen aus"_s);
         ExpectLine(u"standard profile"_s);
         The<QPushButton>(u"btnNew"_s)->click();
     });
@@ -193,7 +182,7 @@ TEST_F(SettingsDialog, DeletingShowsTheFirstProfilesStoredValues) {
 TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
     InDialog([&] {
         ExpectLine(QString());
-        ExpectMessage(u"Can not save this profile settings!"_s);
+        driver.Answer(u"Can not save this profile settings!"_s);
         The<QPushButton>(u"btnNew"_s)->click();
         The<QLineEdit>(u"FrameSize"_s)->setText(u"99"_s);
     });
@@ -205,18 +194,18 @@ TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
 TEST_F(SettingsDialog, TickingTheAutomaticSavingsChecksWhatTheyNeed) {
     InDialog([&] {
         auto* archive = The<QCheckBox>(u"ImageAutoSave"_s);
-        ExpectMessage(u"Bitte geben Sie ein Verzeichnis an!"_s);
+        driver.Answer(u"Bitte geben Sie ein Verzeichnis an!"_s);
         archive->click();
         EXPECT_TRUE(archive->isChecked()) << "it only warns";
         archive->click();
         The<QLineEdit>(u"ImageDestinationDir"_s)->setText(installation.Path("none"));
-        ExpectMessage(u"Das Verzeichnis ist ungültig!"_s);
+        driver.Answer(u"Das Verzeichnis ist ungültig!"_s);
         archive->click();
 
         auto* save = The<QCheckBox>(u"ImageAutoSave2"_s);
         const auto tick = [&](const QString& message) {
             save->setChecked(false);
-            ExpectMessage(message);
+            driver.Answer(message);
             save->click();
         };
         tick(u"Bitte geben Sie ein Verzeichnis an!"_s);

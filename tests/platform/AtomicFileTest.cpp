@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -73,6 +74,25 @@ TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
     file.Commit();
     EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
     EXPECT_EQ(Names(folder_.path()), QStringList{u"Blatt.jpg"_s});
+}
+
+TEST_F(AtomicFileTest, RemovesWhatAKilledProgramLeftADayAgo) {
+    const auto leave = [this](const QString& name, int hours) {
+        QFile file(folder_.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hours),
+                                     QFileDevice::FileModificationTime));
+    };
+    for (const QString& name : {u"kdr0.tmp"_s, u"kdr1A2B.tmp"_s, u"kdr12345.tmp"_s, u"kdr.tmp"_s,
+                                u"kdrx.tmp"_s, u"pro1A2B.tmp"_s, u"kdr1A2B.tmp.jpg"_s}) {
+        leave(name, 25);
+    }
+    leave(u"kdr1A2C.tmp"_s, 23);
+    WriteFileAtomically(Path(), "old"_ba);
+    WriteFileAtomically(Path(), "new"_ba);
+    EXPECT_EQ(Names(folder_.path()),
+              QStringList({u"Blatt.jpg"_s, u"kdr.tmp"_s, u"kdr12345.tmp"_s, u"kdr1A2B.tmp.jpg"_s,
+                           u"kdr1A2C.tmp"_s, u"kdrx.tmp"_s, u"pro1A2B.tmp"_s}));
 }
 
 TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {

@@ -49,7 +49,7 @@ class FakeSettings : public core::Settings {
     bool ImageAutoSave() const override { return imageAutoSave; }
     bool ImageAutoSave2() const override { return false; }
     int ImageCount() const override { return 0; }
-    QString ImageDestinationDir() const override { return imageDestinationDir; }
+    QString ImageDestinationDir() const override { return {}; }
     QString ImageSaveDir() const override { return imageSaveDir; }
     bool ImgAutoRotate() const override { return true; }
     bool ImgRotateLeft() const override { return imgRotateLeft; }
@@ -67,7 +67,6 @@ class FakeSettings : public core::Settings {
     QString frameSize = QStringLiteral("25");
     bool autoWhiteBalance = false;
     bool imageAutoSave = false;
-    QString imageDestinationDir;
     QString imageSaveDir;
     bool imgRotateLeft = false;
     bool imgRotateRight = false;

@@ -44,13 +44,21 @@ class ModalDriver {
         });
     }
 
-    /// Expects a message that contains `part` and presses one of its buttons.
-    ModalDriver& Answer(const QString& part, const QString& button = QStringLiteral("OkButton")) {
-        return Expect(QStringLiteral("MessageBox"), [part, button](QWidget& shown) {
-            const QString text = dynamic_cast<QMessageBox&>(shown).text();
-            EXPECT_TRUE(text.contains(part)) << text.toStdString();
+    /// Expects a message that contains all of the parts and presses one of its buttons.
+    ModalDriver& Answer(const QStringList& parts,
+                        const QString& button = QStringLiteral("OkButton")) {
+        return Expect(QStringLiteral("MessageBox"), [parts, button](QWidget& shown) {
+            // A long name is broken where it has to be.
+            const QString text = dynamic_cast<QMessageBox&>(shown).text().remove(QChar(0x200b));
+            for (const QString& part : parts) {
+                EXPECT_TRUE(text.contains(part))
+                    << part.toStdString() << " is not in " << text.toStdString();
+            }
             shown.findChild<QAbstractButton*>(button)->click();
         });
+    }
+    ModalDriver& Answer(const QString& part, const QString& button = QStringLiteral("OkButton")) {
+        return Answer(QStringList(part), button);
     }
 
  private:

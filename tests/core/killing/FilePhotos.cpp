@@ -1,8 +1,7 @@
 // Files photos in an archive until it is killed, as the program does; for kill-archiving.
 //
-//   file_photos FOLDER          checks the database, says "ready", then "filed NUMBER" for each
-//   photo file_photos FOLDER LOG      checks the database and every photo that the log says was
-//   filed
+//   file_photos FOLDER      checks the database, says "ready", then "filed NUMBER" for each photo
+//   file_photos FOLDER LOG  checks the database and every photo that the log says was filed
 #include <QCoreApplication>
 #include <QFile>
 #include <cstdio>
