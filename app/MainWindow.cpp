@@ -262,7 +262,11 @@ void TmainFm::ArchivePhotoReplaced(bool created) {
 }
 
 void TmainFm::acPrintImageExecute() {
-    printFlow_->PrintSheet(view_->Image());
+    const QString printer = printFlow_->PrintSheet(view_->Image());
+    if (!printer.isEmpty()) {
+        constexpr int Milliseconds = 8000;
+        statusPanels_->showMessage(u"Druckauftrag an „%1“ gesendet"_s.arg(printer), Milliseconds);
+    }
 }
 
 void TmainFm::acPrinSetupExecute() {

@@ -71,12 +71,14 @@ PrintFlow::PrintFlow(QWidget& window, core::TData& data, dialogs::TEinstellungen
       profileDialog_(new dialogs::TPrintProfilDlg(data, settings, &window)),
       beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)) {}
 
-void PrintFlow::PrintSheet(const imaging::LayeredImage& sheet) {
+QString PrintFlow::PrintSheet(const imaging::LayeredImage& sheet) {
     const printing::PrintImage image = PrintImageOf(sheet, data_.CurrentFile());
-    if (ChoosePrinter() && ConfirmPaper(image.Millimetres())) {
-        const controls::WaitCursor wait;
-        data_.Printer().Print(image);
+    if (!ChoosePrinter() || !ConfirmPaper(image.Millimetres())) {
+        return {};
     }
+    const controls::WaitCursor wait;
+    data_.Printer().Print(image);
+    return data_.Printer().CurrentPrinter().device;
 }
 
 /// False when the user cancelled. The choice stays the current printer for the rest of the run.

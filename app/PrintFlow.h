@@ -29,8 +29,9 @@ class PrintFlow {
     /// object.
     PrintFlow(QWidget& window, core::TData& data, dialogs::TEinstellungenFm& settings);
 
-    /// Asks how the printer is to be set, then prints the image's photo as one job.
-    void PrintSheet(const imaging::LayeredImage& sheet);
+    /// Asks how the printer is to be set, then prints the image's photo as one job. The name of the
+    /// printer that took it; empty when the user cancelled.
+    QString PrintSheet(const imaging::LayeredImage& sheet);
     void SetUpPrinter();
     void ShowProfiles();
 

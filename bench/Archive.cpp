@@ -10,9 +10,9 @@
 #include <functional>
 
 #include "bench/ArchiveRecords.h"
+#include "bench/SilentInterface.h"
 #include "core/ArchiveTable.h"
 #include "core/Data.h"
-#include "core/UserInterface.h"
 #include "imaging/ImageWriter.h"
 #include "imaging/Processing.h"
 #include "imaging/WindowlessDisplay.h"
@@ -21,15 +21,6 @@ using namespace Qt::StringLiterals;
 using namespace kadrona;
 
 namespace {
-
-class SilentInterface : public core::UserInterface {
- public:
-    void ShowMessage(const QString& text) override { std::printf("%s\n", qPrintable(text)); }
-    std::optional<QStringList> EditTags() override { return {}; }
-    std::optional<QString> AskForSaveFile(const core::SaveDialog& /*dialog*/) override {
-        return {};
-    }
-};
 
 double Milliseconds(const std::function<void()>& work) {
     QElapsedTimer timer;
@@ -97,7 +88,7 @@ QImage Photo() {
 
 void MeasureArchiving(const QString& folder) {
     constexpr int Rounds = 30;
-    SilentInterface ui;
+    bench::SilentInterface ui;
     core::TData data(ui, {folder, folder});
     data.ConnectDB(folder);
     data.CreateDB();

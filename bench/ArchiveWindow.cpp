@@ -13,11 +13,11 @@
 #include <functional>
 
 #include "bench/ArchiveRecords.h"
+#include "bench/SilentInterface.h"
 #include "controls/CardGrid.h"
 #include "controls/FindPanel.h"
 #include "controls/Theme.h"
 #include "core/Data.h"
-#include "core/UserInterface.h"
 #include "dialogs/ArchiveSearch.h"
 #include "dialogs/ImageTags.h"
 
@@ -27,15 +27,6 @@ using namespace kadrona;
 namespace {
 
 constexpr int Frames = 300;
-
-class SilentInterface : public core::UserInterface {
- public:
-    void ShowMessage(const QString& text) override { std::printf("%s\n", qPrintable(text)); }
-    std::optional<QStringList> EditTags() override { return {}; }
-    std::optional<QString> AskForSaveFile(const core::SaveDialog& /*dialog*/) override {
-        return {};
-    }
-};
 
 double Now() {
     return 1000.0 * static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -124,7 +115,7 @@ int main(int argc, char** argv) {
     const QString database = folder.filePath(u"Database"_s);
     QDir().mkpath(database);
     bench::MakeArchiveRecords(database, count);
-    SilentInterface ui;
+    bench::SilentInterface ui;
     core::TData data(ui, {folder.path(), folder.path()});
     data.ConnectDB(database);
     data.CreateDB();

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QStatusBar>
 
 #include "app/PrintFlow.h"
 #include "dialogs/SettingsDialog.h"
@@ -68,6 +69,7 @@ TEST_F(PrintStory, AProfileSetsThePrinterAndStaysTheCurrentOne) {
     ASSERT_EQ(printer.jobs.size(), 1);
     EXPECT_EQ(printer.jobs.first().printer, photoPrinter);
     EXPECT_EQ(printer.current, photoPrinter);
+    EXPECT_TRUE(window->findChild<QStatusBar*>()->currentMessage().contains(photoPrinter.device));
 
     const printing::PrintImage& image = printer.jobs.first().image;
     EXPECT_EQ(image.tile.cacheKey(), Image().Photo().Tile().cacheKey()) << "no copy of the pixels";
