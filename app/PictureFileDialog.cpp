@@ -58,7 +58,7 @@ class SaveFileDialog : public QFileDialog {
         }
         path_ = CanBeWritten(typed) ? typed : typed + u'.' + defaultSuffix();
         if (MayReplace()) {
-            QDialog::accept();
+            done(Accepted);  // accept() would look at the typed name once more
         }
     }
 

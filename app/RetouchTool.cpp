@@ -25,7 +25,7 @@ constexpr double LargestDiameter = 2000;
 constexpr double SizeStep = 1.15;
 constexpr double SoftnessStep = 0.05;
 /// Of the photo's long side: about an eye's width in a portrait.
-constexpr int BrushesPerPhoto = 60;
+constexpr double BrushesPerPhoto = 60;
 // In logical pixels.
 constexpr double CrossReach = 9;
 constexpr double OverlayMargin = 4;
@@ -85,8 +85,9 @@ void RetouchTool::FollowPhoto() {
     }
     photoSize_ = size;
     stamp_.Reset();
-    brush_.diameter = std::clamp<double>(std::max(size.width(), size.height()) / BrushesPerPhoto,
-                                         SmallestDiameter, LargestDiameter);
+    brush_.diameter =
+        std::clamp(std::floor(std::max(size.width(), size.height()) / BrushesPerPhoto),
+                   SmallestDiameter, LargestDiameter);
     if (window_.view.Tool() == this) {
         ShowHint();
         window_.view.RefreshTool();

@@ -38,7 +38,6 @@ class TfmRGBKurve : public QDialog {
 
     const imaging::CurveSet& Curves() const;
 
- public Q_SLOTS:
     void reject() override;
 
  protected:

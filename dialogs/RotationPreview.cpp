@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 #include <QtMath>
 #include <cmath>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -31,12 +32,22 @@ double Normalized(double degrees) {
     return turned <= -180.0 ? 180.0 : turned;
 }
 
+/// Where lines `spacing` apart, one of them at `through`, lie between 0 and `end`: whole pixels.
+std::vector<double> LinePlaces(double through, double spacing, double end) {
+    std::vector<double> places;
+    const double first = std::fmod(through, spacing);
+    for (int i = 0; first + i * spacing < end; ++i) {
+        places.push_back(std::floor(first + i * spacing));
+    }
+    return places;
+}
+
 }  // namespace
 
 RotationPreview::RotationPreview(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(u"Vorschau der Drehung"_s);
-    setFixedSize(sizeHint());
+    setFixedSize(Side, Side);
     UpdateCursor();
 }
 
@@ -122,15 +133,13 @@ void RotationPreview::paintEvent(QPaintEvent* /*event*/) {
 void RotationPreview::PaintGrid(QPainter& painter) const {
     const double guide = ToWidget().map(QPointF(0, GuideTop)).y();
     const double spacing = GridSpacing * Scale();
-    const double firstY = std::fmod(guide, spacing);
-    for (double y = firstY; y < height(); y += spacing) {
-        painter.fillRect(QRectF(0, std::floor(y), width(), 1), GridDark);
-        painter.fillRect(QRectF(0, std::floor(y) + 1, width(), 1), GridLight);
+    for (const double y : LinePlaces(guide, spacing, height())) {
+        painter.fillRect(QRectF(0, y, width(), 1), GridDark);
+        painter.fillRect(QRectF(0, y + 1, width(), 1), GridLight);
     }
-    const double firstX = std::fmod(width() / 2.0, spacing);
-    for (double x = firstX; x < width(); x += spacing) {
-        painter.fillRect(QRectF(std::floor(x), 0, 1, height()), GridDark);
-        painter.fillRect(QRectF(std::floor(x) + 1, 0, 1, height()), GridLight);
+    for (const double x : LinePlaces(width() / 2.0, spacing, width())) {
+        painter.fillRect(QRectF(x, 0, 1, height()), GridDark);
+        painter.fillRect(QRectF(x + 1, 0, 1, height()), GridLight);
     }
     QColor guideColour = palette().color(QPalette::Highlight);
     guideColour.setAlpha(GuideAlpha);
