@@ -21,10 +21,10 @@ constexpr int PhotoshopMarker = JPEG_APP0 + 13;
 
 void ReadHeader(JpegDecompressor& jpeg) {
     jpeg.Run([](j_decompress_ptr info) {
-        constexpr unsigned WholeMarker = 0xffff;
-        jpeg_save_markers(info, ExifMarker, WholeMarker);
-        jpeg_save_markers(info, ProfileMarker, WholeMarker);
-        jpeg_save_markers(info, PhotoshopMarker, WholeMarker);
+        constexpr unsigned EveryByte = 0xffff;
+        jpeg_save_markers(info, ExifMarker, EveryByte);
+        jpeg_save_markers(info, ProfileMarker, EveryByte);
+        jpeg_save_markers(info, PhotoshopMarker, EveryByte);
         jpeg_read_header(info, TRUE);
     });
 }

@@ -27,7 +27,8 @@ size_t StrokeRecord::BlockIndex(int x, int y) const {
 }
 
 size_t StrokeRecord::OffsetInBlock(int x, int y) {
-    return static_cast<size_t>(y % BlockLength * BlockLength + x % BlockLength);
+    const int offset = y % BlockLength * BlockLength + x % BlockLength;
+    return static_cast<size_t>(offset);
 }
 
 int StrokeRecord::RunLength(int x, int count) {

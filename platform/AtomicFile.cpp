@@ -13,11 +13,11 @@ namespace {
 using namespace Qt::StringLiterals;
 
 FileError WriteError(const QString& path, const QString& reason) {
-    return FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason));
+    return FileError{u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason)};
 }
 
 FileError ReadError(const QString& path, const QString& reason) {
-    return FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason));
+    return FileError{u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason)};
 }
 
 /// The path itself; throws where something that must stay stands under the name, or where nothing

@@ -1,5 +1,7 @@
 #include "platform/SystemReason.h"
 
+#include <array>
+
 #ifdef Q_OS_WIN
 #include <windows.h>
 #else
@@ -16,7 +18,7 @@ struct Reason {
 
 #ifdef Q_OS_WIN
 constexpr int NameTakenCode = ERROR_FILE_EXISTS;
-constexpr Reason Reasons[] = {
+constexpr auto Reasons = std::to_array<Reason>({
     {ERROR_DISK_FULL, u"Auf dem Datenträger ist kein Platz mehr"},
     {ERROR_ACCESS_DENIED, u"Der Zugriff wurde verweigert"},
     {ERROR_SHARING_VIOLATION, u"Ein anderes Programm benutzt die Datei"},
@@ -27,10 +29,10 @@ constexpr Reason Reasons[] = {
     {ERROR_INVALID_NAME, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"},
     {ERROR_FILE_EXISTS, u"Der Name ist schon vergeben"},
     {ERROR_TOO_MANY_OPEN_FILES, u"Es sind zu viele Dateien geöffnet"},
-};
+});
 #else
 constexpr int NameTakenCode = EEXIST;
-constexpr Reason Reasons[] = {
+constexpr auto Reasons = std::to_array<Reason>({
     {ENOSPC, u"Auf dem Datenträger ist kein Platz mehr"},
     {EDQUOT, u"Der zugeteilte Speicherplatz ist aufgebraucht"},
     {EACCES, u"Der Zugriff wurde verweigert"},
@@ -48,7 +50,7 @@ constexpr Reason Reasons[] = {
     {EMFILE, u"Es sind zu viele Dateien geöffnet"},
     {ENFILE, u"Es sind zu viele Dateien geöffnet"},
     {ELOOP, u"Die Verknüpfungen des Pfades führen im Kreis"},
-};
+});
 #endif
 
 /// Qt keeps of an error only the text that it makes of the code, so codes are told by that text.

@@ -34,7 +34,7 @@ QString NameAt(QByteArrayView header, qsizetype offset) {
 }  // namespace
 
 QString StoredName(const QString& name) {
-    const QString ended = name.left(name.indexOf(QChar(0)));
+    QString ended = name.left(name.indexOf(QChar(0)));
     if (ended.size() <= LongestStoredName) {
         return ended;
     }

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Far above what any driver keeps; bounds the memory that a foreign file can take.
-constexpr qint64 MaximumFileBytes = 64 * 1024 * 1024;
+constexpr qint64 MaximumFileBytes = qint64{64} * 1024 * 1024;
 
 }  // namespace
 

@@ -127,7 +127,8 @@ void CurveEditor::RemovePoint(int index) {
         return;
     }
     points.erase(points.begin() + index);
-    SetPoints(std::move(points), std::min(index, static_cast<int>(points.size()) - 1));
+    const int last = static_cast<int>(points.size()) - 1;
+    SetPoints(std::move(points), std::min(index, last));
 }
 
 /// Halfway to the next point, or to the one before where that is the last; on the curve, so that

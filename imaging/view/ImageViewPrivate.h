@@ -56,7 +56,7 @@ class ImageView::Private {
     bool PassToTool(const QWheelEvent& event, double notches);
     bool PassToTool(const QKeyEvent& event);
     void UpdateOverlay();
-    void PaintOverlay(QPainter& painter);
+    void PaintOverlay(QPainter& painter) const;
     bool IsPanOnly() const { return interactions_ == Interactions(Interaction::Pan); }
 
     // Input.

@@ -74,7 +74,7 @@ void ImageView::Private::UpdateOverlay() {
     paintedOverlay_ = area;
 }
 
-void ImageView::Private::PaintOverlay(QPainter& painter) {
+void ImageView::Private::PaintOverlay(QPainter& painter) const {
     if (tool_ != nullptr && !image_.IsEmpty()) {
         painter.setRenderHint(QPainter::Antialiasing);
         tool_->Paint(painter);

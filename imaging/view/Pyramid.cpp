@@ -114,7 +114,7 @@ QRect Pyramid::BlockRectangle(size_t block, int level) const {
 }
 
 int Pyramid::NearestFinerLevel(int level, size_t block) const {
-    --level;
+    level = std::max(level - 1, 0);
     while (level > 0 && !levels_[static_cast<size_t>(level)].isBuilt[block]) {
         --level;
     }
