@@ -58,7 +58,7 @@ class ArchiveStory : public Story {
     }
 
     /// Opens the archive, finds by a text and goes on with the window.
-    void Search(const QString& text, std::function<void(QWidget&)> then) {
+    void Search(const QString& text, const std::function<void(QWidget&)>& then) {
         driver.Expect(u"fmImgSearch"_s, [=](QWidget& shown) {
             auto* edit = shown.findChild<QLineEdit*>(u"FindEdit"_s);
             edit->setText(text);
