@@ -7,7 +7,7 @@
 #include "core/FileNaming.h"
 #include "core/LayerPosition.h"
 #include "core/PhotoLoading.h"
-#include "core/Product.h"
+#include "core/PhotoSaving.h"
 #include "core/StoredSettings.h"
 #include "core/UserInterface.h"
 #include "imaging/ImageWriter.h"
@@ -159,8 +159,7 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
         errors << photo << u": "_s << core::TooBrightWarning << Qt::endl;
     }
     data.CropImage(view, request.layoutIndex.value_or(settings.ImageCount()));
-    imaging::WriteImageFile(output, image.Photo(), image.Resolution(),
-                            {core::SoftwareText.toByteArray(), image.Iptc()});
+    core::WritePhoto(image, output);
     return u"%1 x %2 Pixel, %3 dpi"_s.arg(image.Photo().Width())
         .arg(image.Photo().Height())
         .arg(image.Resolution().value);

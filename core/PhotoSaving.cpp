@@ -1,5 +1,7 @@
 // Saving the finished passport photos: under a name that the user chooses, and quickly.
 
+#include "core/PhotoSaving.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -21,12 +23,12 @@ namespace {
 /// What the authorities' printing house takes, in pixels.
 constexpr QSize OutputSize(413, 531);
 
-void Write(const imaging::LayeredImage& image, const QString& path) {
+}  // namespace
+
+void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
     imaging::WriteImageFile(path, image.Photo(), image.Resolution(),
                             {SoftwareText.toByteArray(), image.Iptc()});
 }
-
-}  // namespace
 
 QString TData::SaveFolder() const {
     const QString folder = settings_->ImageSaveDir();
@@ -63,14 +65,14 @@ void TData::SaveByDialog(const imaging::LayeredImage& image) {
         return;
     }
     lastSaveFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
-    Write(image, *path);
+    WritePhoto(image, *path);
 }
 
 /// Taking the newest step back without a scaling before it reverts the last change of the photo,
 /// and is meant to.
 void TData::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled) {
     try {
-        Write(image, path);
+        WritePhoto(image, path);
     } catch (...) {
         if (scaled) {
             image.Undo();
