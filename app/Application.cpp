@@ -9,9 +9,9 @@
 #include <QWindow>
 
 #include "app/MainWindow.h"
-#include "app/SheetCommand.h"
-#include "controls/ActionGuard.h"
-#include "controls/Theme.h"
+#include "app/commandline/SheetCommand.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/theme/Theme.h"
 #include "core/Product.h"
 #include "dialogs/ApplicationIcon.h"
 #include "printing/cups/CupsPrinterLayer.h"

@@ -2,15 +2,15 @@
 
 #include <QFileInfo>
 
-#include "controls/StatusPanels.h"
-#include "controls/WaitCursor.h"
+#include "controls/fields/StatusPanels.h"
+#include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
-#include "core/PhotoLoading.h"
-#include "core/Settings.h"
-#include "core/SheetTiling.h"
 #include "core/UserInterface.h"
+#include "core/settings/Settings.h"
+#include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetTiling.h"
 #include "dialogs/ArchiveSearch.h"
-#include "imaging/ImageDisplay.h"
+#include "imaging/document/ImageDisplay.h"
 
 using namespace Qt::StringLiterals;
 

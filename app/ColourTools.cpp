@@ -4,12 +4,12 @@
 #include <cmath>
 
 #include "app/MainActions.h"
-#include "controls/ActionGuard.h"
-#include "controls/Cursors.h"
-#include "controls/WaitCursor.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/WaitCursor.h"
+#include "controls/theme/Cursors.h"
 #include "dialogs/ColourAdjustment.h"
-#include "dialogs/RgbCurves.h"
-#include "imaging/ColourEffects.h"
+#include "dialogs/curves/RgbCurves.h"
+#include "imaging/tone/ColourEffects.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;

@@ -3,9 +3,9 @@
 #include <array>
 #include <stdexcept>
 
-#include "controls/Icons.h"
-#include "core/Settings.h"
-#include "core/SheetLayout.h"
+#include "controls/theme/Icons.h"
+#include "core/settings/Settings.h"
+#include "core/sheet/SheetLayout.h"
 
 using namespace Qt::StringLiterals;
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "app/MainActions.h"
-#include "controls/WaitCursor.h"
+#include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/UserInterface.h"
 

@@ -7,14 +7,14 @@
 #include <QVBoxLayout>
 
 #include "app/MainWindow.h"
-#include "controls/ApplicationMenu.h"
-#include "controls/CommandArea.h"
-#include "controls/FileDropTarget.h"
-#include "controls/Icons.h"
-#include "controls/ScreenTip.h"
-#include "controls/StatusPanels.h"
+#include "controls/commands/ApplicationMenu.h"
+#include "controls/commands/CommandArea.h"
+#include "controls/commands/ScreenTip.h"
+#include "controls/fields/FileDropTarget.h"
+#include "controls/fields/StatusPanels.h"
+#include "controls/theme/Icons.h"
 #include "core/Product.h"
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;

@@ -3,10 +3,10 @@
 #include <QComboBox>
 
 #include "app/MainWindow.h"
-#include "controls/ActionGuard.h"
-#include "controls/WaitCursor.h"
-#include "core/PhotoLoading.h"
-#include "core/SheetLayout.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 

@@ -2,7 +2,7 @@
 
 #include "app/MainWindow.h"
 #include "app/PictureFileDialog.h"
-#include "controls/WaitCursor.h"
+#include "controls/messages/WaitCursor.h"
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 

@@ -5,11 +5,11 @@
 #include <stdexcept>
 
 #include "app/MainWindow.h"
-#include "controls/ActionGuard.h"
-#include "core/LayerPosition.h"
+#include "controls/messages/ActionGuard.h"
 #include "core/Product.h"
+#include "core/templates/LayerPosition.h"
 #include "dialogs/RotateDialog.h"
-#include "imaging/Processing.h"
+#include "imaging/pixels/Processing.h"
 #include "imaging/view/ImageView.h"
 #include "platform/WebPage.h"
 

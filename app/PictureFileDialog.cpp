@@ -7,9 +7,9 @@
 #include <QStandardPaths>
 #include <QTreeView>
 
-#include "controls/MessageBoxes.h"
-#include "core/FileDialogs.h"
-#include "imaging/ImageWriter.h"
+#include "controls/messages/MessageBoxes.h"
+#include "core/sheet/FileDialogs.h"
+#include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,13 +4,13 @@
 #include <QLocale>
 #include <QWidget>
 
-#include "controls/MessageBoxes.h"
-#include "controls/WaitCursor.h"
+#include "controls/messages/MessageBoxes.h"
+#include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
-#include "imaging/LayeredImage.h"
+#include "imaging/document/LayeredImage.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;

@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "app/MainActions.h"
-#include "controls/ActionGuard.h"
-#include "controls/Cursors.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/theme/Cursors.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;

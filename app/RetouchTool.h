@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "app/ToolSurroundings.h"
-#include "imaging/CloneStamp.h"
+#include "imaging/retouch/CloneStamp.h"
 #include "imaging/view/ViewTool.h"
 
 namespace kadrona::app {

@@ -11,11 +11,11 @@
 
 #include "bench/ArchiveRecords.h"
 #include "bench/SilentInterface.h"
-#include "core/ArchiveTable.h"
 #include "core/Data.h"
-#include "imaging/ImageWriter.h"
-#include "imaging/Processing.h"
-#include "imaging/WindowlessDisplay.h"
+#include "core/archive/ArchiveTable.h"
+#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/pixels/Processing.h"
+#include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona;

@@ -4,10 +4,10 @@
 #include <QRandomGenerator>
 #include <array>
 
-#include "core/ArchiveSchema.h"
-#include "core/ArchiveTable.h"
-#include "core/FileNaming.h"
-#include "imaging/ImageWriter.h"
+#include "core/archive/ArchiveSchema.h"
+#include "core/archive/ArchiveTable.h"
+#include "core/sheet/FileNaming.h"
+#include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
 

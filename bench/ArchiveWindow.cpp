@@ -14,9 +14,9 @@
 
 #include "bench/ArchiveRecords.h"
 #include "bench/SilentInterface.h"
-#include "controls/CardGrid.h"
-#include "controls/FindPanel.h"
-#include "controls/Theme.h"
+#include "controls/cards/CardGrid.h"
+#include "controls/fields/FindPanel.h"
+#include "controls/theme/Theme.h"
 #include "core/Data.h"
 #include "dialogs/ArchiveSearch.h"
 #include "dialogs/ImageTags.h"

@@ -9,10 +9,10 @@
 #include <functional>
 #include <opencv2/imgproc.hpp>
 
-#include "imaging/CloneStamp.h"
-#include "imaging/ColourEffects.h"
-#include "imaging/FreeRotation.h"
-#include "imaging/MatView.h"
+#include "imaging/pixels/FreeRotation.h"
+#include "imaging/pixels/MatView.h"
+#include "imaging/retouch/CloneStamp.h"
+#include "imaging/tone/ColourEffects.h"
 
 using namespace kadrona::imaging;
 

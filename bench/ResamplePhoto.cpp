@@ -9,7 +9,7 @@
 #include <QImage>
 #include <cstdio>
 
-#include "imaging/Processing.h"
+#include "imaging/pixels/Processing.h"
 
 using namespace kadrona;
 

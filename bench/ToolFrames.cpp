@@ -8,8 +8,8 @@
 #include <opencv2/core/utility.hpp>
 
 #include "bench/TimedView.h"
-#include "imaging/CloneStamp.h"
-#include "imaging/ColourEffects.h"
+#include "imaging/retouch/CloneStamp.h"
+#include "imaging/tone/ColourEffects.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <functional>
 
-#include "imaging/CloneStamp.h"
-#include "imaging/LayeredImage.h"
+#include "imaging/document/LayeredImage.h"
+#include "imaging/retouch/CloneStamp.h"
 
 using namespace kadrona::imaging;
 

@@ -1,14 +1,24 @@
-# One module of the program: a static library made of the folder's own sources.
+# One module of the program: a static library made of the folder's own sources, or of those of the
+# subfolders named.
 #
-#   kadrona_module(NAME USES lib ... [PRIVATE lib ...])
+#   kadrona_module(NAME [FOLDERS folder ...] USES lib ... [PRIVATE lib ...])
 #
 # A module sees only what it names under USES (also visible to its users) and PRIVATE. That is what
 # keeps the levels of docs/architecture.md: a lower module cannot link, nor find the Qt headers of,
 # a higher one.
 function(kadrona_module name)
-  cmake_parse_arguments(arg "" "" "USES;PRIVATE" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp"
-       "${CMAKE_CURRENT_SOURCE_DIR}/*.h" "${CMAKE_CURRENT_SOURCE_DIR}/*.qrc")
+  cmake_parse_arguments(arg "" "" "FOLDERS;USES;PRIVATE" ${ARGN})
+  if(NOT arg_FOLDERS)
+    set(arg_FOLDERS .)
+  endif()
+  set(patterns)
+  foreach(folder IN LISTS arg_FOLDERS)
+    foreach(extension cpp h qrc)
+      cmake_path(SET pattern NORMALIZE "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.${extension}")
+      list(APPEND patterns "${pattern}")
+    endforeach()
+  endforeach()
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE kadrona_build_options ${arg_PRIVATE})

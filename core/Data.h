@@ -7,14 +7,14 @@
 #include <memory>
 #include <vector>
 
-#include "core/ArchiveTable.h"
-#include "core/FileDialogs.h"
-#include "core/FileNaming.h"
-#include "core/ProfileStore.h"
-#include "core/SheetLayout.h"
-#include "core/TemplateCatalogue.h"
-#include "core/TemplateFile.h"
-#include "imaging/ImageDisplay.h"
+#include "core/archive/ArchiveTable.h"
+#include "core/profiles/ProfileStore.h"
+#include "core/sheet/FileDialogs.h"
+#include "core/sheet/FileNaming.h"
+#include "core/sheet/SheetLayout.h"
+#include "core/templates/TemplateCatalogue.h"
+#include "core/templates/TemplateFile.h"
+#include "imaging/document/ImageDisplay.h"
 #include "store/Database.h"
 
 namespace kadrona::printing {

@@ -4,8 +4,8 @@
 #include <QFileInfo>
 
 #include "core/Data.h"
-#include "core/FileNaming.h"
 #include "core/UserInterface.h"
+#include "core/sheet/FileNaming.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controls/CardSource.h"
-#include "core/ArchiveTable.h"
+#include "controls/cards/CardSource.h"
+#include "core/archive/ArchiveTable.h"
 
 namespace kadrona::dialogs {
 

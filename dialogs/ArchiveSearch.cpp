@@ -6,11 +6,11 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "controls/ActionGuard.h"
-#include "controls/CardGrid.h"
-#include "controls/CommandBar.h"
-#include "controls/FindPanel.h"
-#include "controls/Icons.h"
+#include "controls/cards/CardGrid.h"
+#include "controls/commands/CommandBar.h"
+#include "controls/fields/FindPanel.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/theme/Icons.h"
 #include "core/Data.h"
 #include "dialogs/ArchiveCards.h"
 #include "dialogs/ImageTags.h"

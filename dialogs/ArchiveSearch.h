@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "controls/ModalResult.h"
+#include "controls/messages/ModalResult.h"
 
 class QAction;
 

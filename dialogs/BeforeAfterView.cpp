@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <QToolButton>
 
-#include "controls/Icons.h"
+#include "controls/theme/Icons.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "imaging/PixelFilter.h"
+#include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging::view {
 class ImageView;

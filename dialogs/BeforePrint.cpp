@@ -6,10 +6,10 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "controls/MessageBoxes.h"
-#include "controls/SelectionList.h"
+#include "controls/fields/SelectionList.h"
+#include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
-#include "core/Settings.h"
+#include "core/settings/Settings.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,8 +2,8 @@
 
 #include <QDialog>
 
-#include "controls/ModalResult.h"
-#include "imaging/ColourEffects.h"
+#include "controls/messages/ModalResult.h"
+#include "imaging/tone/ColourEffects.h"
 
 class QTabWidget;
 

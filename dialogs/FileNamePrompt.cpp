@@ -9,7 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "controls/MessageBoxes.h"
+#include "controls/messages/MessageBoxes.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;

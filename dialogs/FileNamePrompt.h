@@ -2,8 +2,8 @@
 
 #include <QDialog>
 
-#include "controls/ModalResult.h"
-#include "core/FileNaming.h"
+#include "controls/messages/ModalResult.h"
+#include "core/sheet/FileNaming.h"
 
 class QDialogButtonBox;
 class QLineEdit;

@@ -6,7 +6,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include "core/ArchiveTable.h"
+#include "core/archive/ArchiveTable.h"
 #include "dialogs/Placement.h"
 
 using namespace Qt::StringLiterals;

@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <QStringList>
 
-#include "controls/ModalResult.h"
+#include "controls/messages/ModalResult.h"
 
 class QPlainTextEdit;
 

@@ -5,9 +5,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "controls/ActionGuard.h"
-#include "controls/MessageBoxes.h"
-#include "controls/SelectionList.h"
+#include "controls/fields/SelectionList.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
 #include "dialogs/SettingsDialog.h"
 #include "printing/PrinterLayer.h"

@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-#include "controls/ModalResult.h"
+#include "controls/messages/ModalResult.h"
 
 class QPushButton;
 

@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <optional>
 
-#include "imaging/Pixels.h"
+#include "imaging/pixels/Pixels.h"
 
 class QDoubleSpinBox;
 

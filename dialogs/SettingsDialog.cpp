@@ -12,12 +12,12 @@
 #include <QSignalBlocker>
 #include <QTabWidget>
 
-#include "controls/ActionGuard.h"
-#include "controls/ClearableComboBox.h"
-#include "controls/MessageBoxes.h"
-#include "controls/PathEdit.h"
+#include "controls/fields/ClearableComboBox.h"
+#include "controls/fields/PathEdit.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 
 using namespace Qt::StringLiterals;
 

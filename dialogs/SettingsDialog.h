@@ -3,10 +3,10 @@
 #include <QDialog>
 #include <functional>
 
-#include "controls/ModalResult.h"
-#include "controls/PropertyStore.h"
-#include "core/ProfileStore.h"
-#include "core/Settings.h"
+#include "controls/fields/PropertyStore.h"
+#include "controls/messages/ModalResult.h"
+#include "core/profiles/ProfileStore.h"
+#include "core/settings/Settings.h"
 
 class QCheckBox;
 class QComboBox;

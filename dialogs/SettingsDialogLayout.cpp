@@ -12,10 +12,10 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-#include "controls/ClearableComboBox.h"
-#include "controls/PathEdit.h"
-#include "core/ProfileRecord.h"
-#include "core/SheetLayout.h"
+#include "controls/fields/ClearableComboBox.h"
+#include "controls/fields/PathEdit.h"
+#include "core/settings/ProfileRecord.h"
+#include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 
 using namespace Qt::StringLiterals;

@@ -8,11 +8,11 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "controls/ActionGuard.h"
-#include "controls/Icons.h"
-#include "controls/SelectionList.h"
-#include "controls/Theme.h"
-#include "core/Settings.h"
+#include "controls/fields/SelectionList.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/theme/Icons.h"
+#include "controls/theme/Theme.h"
+#include "core/settings/Settings.h"
 
 using namespace Qt::StringLiterals;
 

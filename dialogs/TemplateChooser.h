@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <functional>
 
-#include "controls/ModalResult.h"
+#include "controls/messages/ModalResult.h"
 
 class QPushButton;
 class QTimer;

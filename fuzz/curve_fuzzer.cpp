@@ -4,7 +4,7 @@
 #include <QTemporaryDir>
 #include <cstdlib>
 
-#include "imaging/CurveFile.h"
+#include "imaging/tone/CurveFile.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::imaging;

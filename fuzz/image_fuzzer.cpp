@@ -3,7 +3,7 @@
 #include <QGuiApplication>
 #include <QLoggingCategory>
 
-#include "imaging/ImageReader.h"
+#include "imaging/reading/ImageReader.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "imaging/IptcFile.h"
-#include "imaging/PhotoshopBlock.h"
+#include "imaging/metadata/IptcFile.h"
+#include "imaging/metadata/PhotoshopBlock.h"
 #include "platform/Error.h"
 
 using namespace kadrona::imaging;

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "core/TemplateDrawing.h"
-#include "core/TemplateFile.h"
+#include "core/templates/TemplateDrawing.h"
+#include "core/templates/TemplateFile.h"
 
 using namespace kadrona::core;
 

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-#include "imaging/ImageWriter.h"
+#include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
 #include "tools/ToolMain.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/TemplateFile.h"
+#include "core/templates/TemplateFile.h"
 #include "tools/TemplateTable.h"
 
 namespace kadrona::tools {

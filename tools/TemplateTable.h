@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "platform/Error.h"
 
 namespace kadrona::tools {

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <memory>
 
-#include "imaging/ImageDisplay.h"
-#include "imaging/PixelFilter.h"
+#include "imaging/document/ImageDisplay.h"
+#include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging::view {
 

@@ -5,7 +5,7 @@
 #include <opencv2/core.hpp>
 #include <span>
 
-#include "imaging/NewImage.h"
+#include "imaging/pixels/NewImage.h"
 #include "imaging/view/SelectionFrame.h"
 
 namespace kadrona::imaging::view {

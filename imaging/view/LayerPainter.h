@@ -5,8 +5,8 @@
 #include <QRect>
 #include <vector>
 
-#include "imaging/LayeredImage.h"
-#include "imaging/PixelFilter.h"
+#include "imaging/document/LayeredImage.h"
+#include "imaging/tone/PixelFilter.h"
 #include "imaging/view/ScaledPixels.h"
 #include "imaging/view/Shadow.h"
 #include "imaging/view/ViewGeometry.h"

@@ -5,8 +5,8 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "imaging/MatView.h"
-#include "imaging/NewImage.h"
+#include "imaging/pixels/MatView.h"
+#include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging::view {
 

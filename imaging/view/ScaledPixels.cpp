@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "imaging/NewImage.h"
+#include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging::view {
 

@@ -5,7 +5,7 @@
 #include <QRegion>
 #include <QSize>
 
-#include "imaging/Pixels.h"
+#include "imaging/pixels/Pixels.h"
 #include "imaging/view/Pyramid.h"
 #include "imaging/view/Resample.h"
 

@@ -1,8 +1,8 @@
 #include "printing/cups/CupsPrinterLayer.h"
 
-#include "printing/cups/Job.h"
 #include "printing/cups/QueueChoice.h"
 #include "printing/cups/SetupDialog.h"
+#include "printing/cups/service/Job.h"
 
 using namespace Qt::StringLiterals;
 

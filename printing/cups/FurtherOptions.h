@@ -3,8 +3,8 @@
 #include <QWidget>
 #include <functional>
 
-#include "printing/cups/DeviceMode.h"
-#include "printing/cups/Driver.h"
+#include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/Driver.h"
 
 class QScrollArea;
 class QToolButton;

@@ -2,7 +2,7 @@
 
 #include <QComboBox>
 
-#include "printing/cups/Driver.h"
+#include "printing/cups/service/Driver.h"
 
 namespace kadrona::printing::cups {
 

@@ -2,9 +2,9 @@
 
 #include <QWidget>
 
-#include "printing/cups/DeviceMode.h"
-#include "printing/cups/Driver.h"
 #include "printing/cups/OptionBox.h"
+#include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/Driver.h"
 
 class QCheckBox;
 class QFormLayout;

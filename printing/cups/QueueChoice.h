@@ -3,9 +3,9 @@
 #include <QByteArray>
 
 #include "printing/PrinterLayer.h"
-#include "printing/cups/DeviceMode.h"
-#include "printing/cups/Driver.h"
-#include "printing/cups/Queue.h"
+#include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/Driver.h"
+#include "printing/cups/service/Queue.h"
 
 namespace kadrona::printing::cups {
 

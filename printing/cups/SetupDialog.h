@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "printing/PrinterLayer.h"
-#include "printing/cups/DeviceMode.h"
-#include "printing/cups/Driver.h"
-#include "printing/cups/Queue.h"
+#include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/Driver.h"
+#include "printing/cups/service/Queue.h"
 
 class QLabel;
 class QListWidget;

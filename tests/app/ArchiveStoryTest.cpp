@@ -9,10 +9,10 @@
 #include <QPlainTextEdit>
 #include <QTest>
 
-#include "controls/CardGrid.h"
-#include "controls/StatusPanels.h"
+#include "controls/cards/CardGrid.h"
+#include "controls/fields/StatusPanels.h"
 #include "dialogs/SettingsDialog.h"
-#include "imaging/ImageReader.h"
+#include "imaging/reading/ImageReader.h"
 #include "tests/app/StoryFixture.h"
 
 using namespace Qt::StringLiterals;

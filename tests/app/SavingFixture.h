@@ -5,7 +5,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "tests/app/StoryFixture.h"
 

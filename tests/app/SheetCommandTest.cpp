@@ -2,8 +2,8 @@
 
 #include <QImageReader>
 
-#include "app/SheetCommand.h"
-#include "core/PhotoLoading.h"
+#include "app/commandline/SheetCommand.h"
+#include "core/sheet/PhotoLoading.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;

@@ -9,7 +9,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "core/PhotoLoading.h"
+#include "core/sheet/PhotoLoading.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"

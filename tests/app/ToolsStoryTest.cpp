@@ -9,7 +9,7 @@
 #include <QWheelEvent>
 
 #include "dialogs/RotationPreview.h"
-#include "imaging/view/CurveEditor.h"
+#include "dialogs/curves/CurveEditor.h"
 #include "imaging/view/ViewTool.h"
 #include "tests/app/StoryFixture.h"
 #include "tests/support/PixelMatchers.h"
@@ -74,7 +74,7 @@ class ToolsStory : public Story {
             EXPECT_EQ(Image().CurrentLayer(), 0);
             imaging::CurveSet curves;
             curves[imaging::CurveChannel::Rgb] = imaging::Curve({{0, 255}, {255, 0}});
-            shown.findChild<imaging::view::CurveEditor*>(u"CurveEditor"_s)->SetCurves(curves);
+            shown.findChild<dialogs::CurveEditor*>(u"CurveEditor"_s)->SetCurves(curves);
             shown.findChild<QPushButton*>(QLatin1StringView(button))->click();
         });
     }

@@ -6,8 +6,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include "controls/ApplicationMenu.h"
-#include "controls/CommandArea.h"
+#include "controls/commands/ApplicationMenu.h"
+#include "controls/commands/CommandArea.h"
 
 using namespace Qt::StringLiterals;
 

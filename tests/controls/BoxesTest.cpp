@@ -10,12 +10,12 @@
 #include <functional>
 #include <stdexcept>
 
-#include "controls/ActionGuard.h"
-#include "controls/ClearableComboBox.h"
-#include "controls/MessageBoxes.h"
-#include "controls/ModalResult.h"
-#include "controls/PathEdit.h"
-#include "controls/StatusPanels.h"
+#include "controls/fields/ClearableComboBox.h"
+#include "controls/fields/PathEdit.h"
+#include "controls/fields/StatusPanels.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
+#include "controls/messages/ModalResult.h"
 #include "platform/Error.h"
 #include "tests/support/ModalDriver.h"
 

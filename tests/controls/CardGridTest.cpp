@@ -9,7 +9,7 @@
 #include <numeric>
 #include <set>
 
-#include "controls/CardGrid.h"
+#include "controls/cards/CardGrid.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;

@@ -7,9 +7,9 @@
 #include <QTest>
 #include <algorithm>
 
-#include "controls/BarArrangement.h"
-#include "controls/CommandBar.h"
-#include "controls/Separator.h"
+#include "controls/commands/BarArrangement.h"
+#include "controls/commands/CommandBar.h"
+#include "controls/commands/Separator.h"
 
 using namespace Qt::StringLiterals;
 

@@ -7,8 +7,8 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
-#include "controls/FileDropTarget.h"
-#include "controls/PathEdit.h"
+#include "controls/fields/FileDropTarget.h"
+#include "controls/fields/PathEdit.h"
 
 using namespace Qt::StringLiterals;
 

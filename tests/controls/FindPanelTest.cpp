@@ -5,7 +5,7 @@
 #include <QTest>
 #include <QToolButton>
 
-#include "controls/FindPanel.h"
+#include "controls/fields/FindPanel.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "controls/PathShortening.h"
+#include "controls/fields/PathShortening.h"
 
 using namespace Qt::StringLiterals;
 

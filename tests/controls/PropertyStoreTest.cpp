@@ -8,7 +8,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
-#include "controls/PropertyStore.h"
+#include "controls/fields/PropertyStore.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyFile.h"
 

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controls/Icons.h"
-#include "controls/ScreenTip.h"
-#include "controls/Theme.h"
+#include "controls/commands/ScreenTip.h"
+#include "controls/theme/Icons.h"
+#include "controls/theme/Theme.h"
 
 using namespace Qt::StringLiterals;
 

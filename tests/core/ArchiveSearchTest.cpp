@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "core/ArchiveSearch.h"
+#include "core/archive/ArchiveSearch.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,11 +2,11 @@
 
 #include <QImage>
 
-#include "core/ArchiveTable.h"
-#include "core/PhotoLoading.h"
-#include "imaging/ImageReader.h"
-#include "imaging/ImageWriter.h"
-#include "imaging/WindowlessDisplay.h"
+#include "core/archive/ArchiveTable.h"
+#include "core/sheet/PhotoLoading.h"
+#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/reading/ImageReader.h"
+#include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"

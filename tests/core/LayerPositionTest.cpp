@@ -3,7 +3,7 @@
 #include <limits>
 #include <vector>
 
-#include "core/LayerPosition.h"
+#include "core/templates/LayerPosition.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

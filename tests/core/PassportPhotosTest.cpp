@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "core/PhotoLoading.h"
-#include "imaging/WindowlessDisplay.h"
+#include "core/sheet/PhotoLoading.h"
+#include "imaging/document/WindowlessDisplay.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
 

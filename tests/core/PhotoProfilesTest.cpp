@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QRegularExpression>
 
-#include "core/StoredSettings.h"
+#include "core/settings/StoredSettings.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;

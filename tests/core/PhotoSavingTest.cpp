@@ -2,8 +2,8 @@
 
 #include <QImageReader>
 
-#include "imaging/ImageWriter.h"
-#include "imaging/WindowlessDisplay.h"
+#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/writing/ImageWriter.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/PixelMatchers.h"

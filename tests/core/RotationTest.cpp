@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "core/Data.h"
-#include "core/Rotation.h"
-#include "imaging/WindowlessDisplay.h"
+#include "core/sheet/Rotation.h"
+#include "imaging/document/WindowlessDisplay.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
 

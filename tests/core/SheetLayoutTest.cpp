@@ -3,7 +3,7 @@
 #include <limits>
 #include <vector>
 
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

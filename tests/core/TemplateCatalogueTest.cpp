@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/TemplateCatalogue.h"
+#include "core/templates/TemplateCatalogue.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

@@ -4,7 +4,7 @@
 #include <map>
 #include <vector>
 
-#include "core/TemplateDrawing.h"
+#include "core/templates/TemplateDrawing.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <tuple>
 
-#include "core/TemplateFile.h"
+#include "core/templates/TemplateFile.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

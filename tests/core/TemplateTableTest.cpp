@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/TemplateCatalogue.h"
-#include "core/TemplateDrawing.h"
-#include "core/TemplateFile.h"
+#include "core/templates/TemplateCatalogue.h"
+#include "core/templates/TemplateDrawing.h"
+#include "core/templates/TemplateFile.h"
 #include "tests/core/GeometryPrinting.h"
 #include "tools/TemplateTable.h"
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "printing/cups/DeviceMode.h"
-#include "printing/cups/OptionTexts.h"
 #include "printing/cups/QueueChoice.h"
+#include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/OptionTexts.h"
 
 using namespace kadrona::printing;
 using namespace kadrona::printing::cups;

@@ -8,7 +8,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "printing/cups/Connection.h"
+#include "printing/cups/service/Connection.h"
 
 using namespace Qt::StringLiterals;
 

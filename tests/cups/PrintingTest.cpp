@@ -11,10 +11,10 @@
 
 #include "PrintService.h"
 #include "PrintedPage.h"
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "printing/PrinterSetup.h"
 #include "printing/cups/CupsPrinterLayer.h"
-#include "printing/cups/DeviceMode.h"
+#include "printing/cups/service/DeviceMode.h"
 
 using namespace kadrona;
 using namespace kadrona::printing;

@@ -11,7 +11,7 @@
 
 #include "PrintService.h"
 #include "printing/cups/CupsPrinterLayer.h"
-#include "printing/cups/DeviceMode.h"
+#include "printing/cups/service/DeviceMode.h"
 #include "tests/support/ModalDriver.h"
 
 using namespace kadrona::printing;

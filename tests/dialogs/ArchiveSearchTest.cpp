@@ -8,8 +8,8 @@
 #include <QTest>
 #include <QToolButton>
 
-#include "controls/CardGrid.h"
-#include "controls/FindPanel.h"
+#include "controls/cards/CardGrid.h"
+#include "controls/fields/FindPanel.h"
 #include "core/Data.h"
 #include "dialogs/ArchiveSearch.h"
 #include "dialogs/ImageTags.h"

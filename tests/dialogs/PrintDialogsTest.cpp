@@ -8,7 +8,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "core/StoredSettings.h"
+#include "core/settings/StoredSettings.h"
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"

@@ -7,9 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "dialogs/RgbCurves.h"
-#include "imaging/CurveFile.h"
-#include "imaging/view/CurveEditor.h"
+#include "dialogs/curves/CurveEditor.h"
+#include "dialogs/curves/RgbCurves.h"
+#include "imaging/tone/CurveFile.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/ModalDriver.h"
 #include "tests/support/PixelMatchers.h"
@@ -18,9 +18,9 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::testing {
 
+using dialogs::CurveEditor;
 using imaging::CurveChannel;
 using imaging::CurveSet;
-using imaging::view::CurveEditor;
 
 class RgbCurves : public ::testing::Test {
  protected:

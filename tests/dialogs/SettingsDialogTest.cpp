@@ -10,7 +10,7 @@
 #include <QTabWidget>
 #include <QTest>
 
-#include "core/ProfileRecord.h"
+#include "core/settings/ProfileRecord.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"

@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "ImageMagick.h"
-#include "imaging/CloneStamp.h"
+#include "imaging/retouch/CloneStamp.h"
 
 using namespace kadrona::testing;
 

@@ -2,7 +2,7 @@
 #include <numeric>
 
 #include "ImageMagick.h"
-#include "imaging/ColourEffects.h"
+#include "imaging/tone/ColourEffects.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::testing;

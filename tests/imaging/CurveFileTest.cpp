@@ -1,7 +1,7 @@
 #include <QDir>
 
 #include "WriterFixture.h"
-#include "imaging/CurveFile.h"
+#include "imaging/tone/CurveFile.h"
 #include "tests/support/FileSizeLimit.h"
 
 using namespace Qt::StringLiterals;

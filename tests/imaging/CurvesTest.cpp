@@ -3,7 +3,7 @@
 #include <QRandomGenerator>
 
 #include "ImageMagick.h"
-#include "imaging/Curves.h"
+#include "imaging/tone/Curves.h"
 
 using namespace Qt::StringLiterals;
 

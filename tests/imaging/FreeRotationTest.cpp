@@ -2,8 +2,8 @@
 #include <limits>
 
 #include "ImageMagick.h"
-#include "imaging/FreeRotation.h"
-#include "imaging/Processing.h"
+#include "imaging/pixels/FreeRotation.h"
+#include "imaging/pixels/Processing.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::testing;

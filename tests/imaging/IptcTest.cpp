@@ -1,7 +1,7 @@
 #include "WriterFixture.h"
-#include "imaging/ImageReader.h"
-#include "imaging/Iptc.h"
-#include "imaging/IptcFile.h"
+#include "imaging/metadata/Iptc.h"
+#include "imaging/metadata/IptcFile.h"
+#include "imaging/reading/ImageReader.h"
 #include "platform/AtomicFile.h"
 
 using namespace Qt::StringLiterals;

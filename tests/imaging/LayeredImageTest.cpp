@@ -1,7 +1,7 @@
 #include <stdexcept>
 
-#include "imaging/LayeredImage.h"
-#include "imaging/Processing.h"
+#include "imaging/document/LayeredImage.h"
+#include "imaging/pixels/Processing.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;

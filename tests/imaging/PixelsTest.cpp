@@ -1,7 +1,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "imaging/Pixels.h"
+#include "imaging/pixels/Pixels.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
 

@@ -2,7 +2,7 @@
 #include <limits>
 #include <optional>
 
-#include "imaging/Processing.h"
+#include "imaging/pixels/Processing.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
 

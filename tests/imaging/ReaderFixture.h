@@ -11,7 +11,7 @@
 #include <array>
 #include <functional>
 
-#include "imaging/ImageReader.h"
+#include "imaging/reading/ImageReader.h"
 
 namespace kadrona::imaging::test {
 

@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "imaging/UndoHistory.h"
+#include "imaging/document/UndoHistory.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <vector>
 
-#include "imaging/Processing.h"
+#include "imaging/pixels/Processing.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;

@@ -10,7 +10,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include "imaging/ImageWriter.h"
+#include "imaging/writing/ImageWriter.h"
 #include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging {

@@ -6,9 +6,9 @@
 #include <QTemporaryDir>
 
 #include "core/Data.h"
-#include "core/Settings.h"
-#include "core/TemplateFile.h"
 #include "core/UserInterface.h"
+#include "core/settings/Settings.h"
+#include "core/templates/TemplateFile.h"
 
 namespace kadrona::testing {
 

@@ -7,7 +7,7 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "imaging/Pixels.h"
+#include "imaging/pixels/Pixels.h"
 
 namespace kadrona::testing {
 

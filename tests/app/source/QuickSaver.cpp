@@ -18,7 +18,7 @@
 #include <cstdio>
 
 #include "app/MainWindow.h"
-#include "core/SheetLayout.h"
+#include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 

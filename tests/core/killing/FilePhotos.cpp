@@ -7,8 +7,8 @@
 #include <cstdio>
 
 #include "core/Data.h"
-#include "imaging/ImageReader.h"
-#include "imaging/WindowlessDisplay.h"
+#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/reading/ImageReader.h"
 #include "store/Statement.h"
 #include "tests/support/CoreFakes.h"
 

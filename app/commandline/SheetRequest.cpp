@@ -1,0 +1,105 @@
+#include "app/commandline/SheetRequest.h"
+
+#include <QCommandLineParser>
+
+#include "core/sheet/SheetLayout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+TemplatePlace ParsePlace(const QString& text) {
+    const QStringList parts = text.split(u',');
+    std::array<int, 3> values{};
+    bool valid = parts.size() == 3;
+    for (size_t i = 0; valid && i < values.size(); ++i) {
+        values.at(i) = parts.at(static_cast<qsizetype>(i)).trimmed().toInt(&valid);
+    }
+    if (!valid || values[2] <= 0) {
+        throw UsageError(
+            u"--at erwartet LINKS,OBEN,BREITE in Pixeln des Fotos, nicht „%1“."_s.arg(text));
+    }
+    return {values[0], values[1], values[2]};
+}
+
+int ParseLayout(const QString& text) {
+    // "2x4" is meant as "2 x 4".
+    const QString name = QString(text).remove(u' ').replace(u"x"_s, u" x "_s);
+    const int index = core::SheetLayoutIndexOf(name);
+    if (index < 0) {
+        QStringList names;
+        for (const core::SheetLayout& layout : core::SheetLayouts) {
+            names.append(u"„%1“"_s.arg(layout.name));
+        }
+        throw UsageError(u"Die Aufteilung „%1“ gibt es nicht; möglich sind %2."_s.arg(
+            text, names.join(u", "_s)));
+    }
+    return index;
+}
+
+}  // namespace
+
+SheetRequest ParseSheetRequest(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOptions({{u"template"_s, {}, u"NAME"_s},
+                       {u"out"_s, {}, u"ZIEL"_s},
+                       {u"layout"_s, {}, u"AUFTEILUNG"_s},
+                       {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
+                       {u"profile"_s, {}, u"NAME"_s}});
+    // The parser drops the first argument, which usually is the program.
+    if (!parser.parse(QStringList(u"kadrona"_s) + arguments)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        throw UsageError(unknown.isEmpty()
+                             ? u"Einer Option fehlt ihr Wert."_s
+                             : u"Die Option „%1“ gibt es nicht."_s.arg(unknown.first()));
+    }
+    SheetRequest request;
+    request.photos = parser.positionalArguments();
+    request.templateName = parser.value(u"template"_s);
+    request.output = parser.value(u"out"_s);
+    request.profile = parser.value(u"profile"_s);
+    if (request.photos.isEmpty()) {
+        throw UsageError(u"Es ist kein Foto angegeben."_s);
+    }
+    if (request.templateName.isEmpty()) {
+        throw UsageError(u"Es ist keine Schablone angegeben (--template NAME)."_s);
+    }
+    if (request.output.isEmpty()) {
+        throw UsageError(u"Es ist kein Ziel angegeben (--out DATEI oder ORDNER)."_s);
+    }
+    if (parser.isSet(u"layout"_s)) {
+        request.layoutIndex = ParseLayout(parser.value(u"layout"_s));
+    }
+    if (parser.isSet(u"at"_s)) {
+        request.place = ParsePlace(parser.value(u"at"_s));
+    }
+    return request;
+}
+
+QString CommandLineHelp() {
+    return uR"(Aufruf:
+  kadrona [FOTO]
+      öffnet das Fenster, auf Wunsch gleich mit einem Foto.
+  kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
+      macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
+      ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
+
+Optionen von „sheet“:
+  --template NAME         Schablone, wie sie im Programm heißt
+  --out DATEI|ORDNER      Ziel; die Endung bestimmt das Format
+                          (.jpg .jpeg .jp2 .png .bmp .tif .tiff .pdf)
+  --layout "2 x 4"        Aufteilung des Bogens; sonst die des Profils
+  --at LINKS,OBEN,BREITE  Lage der Schablone in Pixeln des Fotos; sonst die
+                          für Fotos dieser Größe gespeicherte
+  --profile NAME          Einstellungsprofil; sonst „Standard Profile“
+
+  --help                  zeigt diese Hilfe
+  --version               zeigt die Fassung
+
+Ergebnis: 0 alles erledigt, 1 mindestens ein Foto ging nicht, 2 falscher Aufruf.
+)"_s;
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,154 @@
+#include "controls/cards/CardPainter.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QStringList>
+#include <QTextLayout>
+
+#include "controls/cards/CardCache.h"
+#include "controls/theme/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+constexpr int Padding = 10;
+constexpr int Spacing = 6;  // around the picture
+constexpr int PictureHeight = 180;
+constexpr int LeastWidth = 180;
+constexpr int TextLines = 2;
+constexpr double Radius = 5;
+
+/// The text broken into at most `count` lines of that width, the last one cut with an ellipsis.
+QStringList WrappedLines(const QString& text, const QFont& font, int width, int count) {
+    QTextLayout layout(text, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    const QFontMetrics metrics(font);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (lines.size() + 1 == count) {
+            lines += metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, width);
+            break;
+        }
+        lines += text.mid(line.textStart(), line.textLength()).trimmed();
+    }
+    layout.endLayout();
+    return lines;
+}
+
+/// Paints one line at the top of `rest` and takes it off.
+void PaintLine(QPainter& painter, QRect& rest, const QString& text, const QFont& font,
+               const QColor& color, Qt::TextElideMode cut = Qt::ElideRight) {
+    const QFontMetrics metrics(font);
+    painter.setFont(font);
+    painter.setPen(color);
+    painter.drawText(rest.x(), rest.y() + metrics.ascent(),
+                     metrics.elidedText(text, cut, rest.width()));
+    rest.setTop(rest.top() + metrics.height());
+}
+
+}  // namespace
+
+CardPainter::CardPainter(const QFont& font) : plain_(font), bold_(font), small_(font) {
+    bold_.setWeight(QFont::DemiBold);
+    small_.setPointSizeF(font.pointSizeF() * 0.9);
+}
+
+QSize CardPainter::SmallestSize() const {
+    const int small = QFontMetrics(small_).height();
+    const int texts = 2 * small + QFontMetrics(bold_).height() +
+                      TextLines * QFontMetrics(plain_).height() + Spacing / 2;
+    return {LeastWidth, 2 * Padding + PictureHeight + 2 * Spacing + texts};
+}
+
+QSize CardPainter::PictureBox() {
+    return {LeastWidth - 2 * Padding, PictureHeight};
+}
+
+void CardPainter::Paint(QPainter& painter, const QRect& area, const LoadedCard* card,
+                        CardState state) const {
+    PaintFrame(painter, area, state);
+    if (card == nullptr) {
+        return;
+    }
+    const QRect inside = area.adjusted(Padding, Padding, -Padding, -Padding);
+    if (card->failure.isEmpty()) {
+        PaintContent(painter, inside, *card);
+    } else {
+        painter.setFont(plain_);
+        PaintFailure(painter, inside, *card);
+    }
+}
+
+void CardPainter::PaintFrame(QPainter& painter, const QRect& area, CardState state) {
+    const ThemeColors& colors = Colors();
+    const double width = state.current ? 2 : 1;
+    QColor border = state.hovered ? colors.strongBorder : colors.border;
+    if (state.current) {
+        border = state.focused ? colors.accent : colors.strongBorder;
+    }
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    painter.setPen(QPen(border, width));
+    painter.setBrush(state.current   ? colors.accentTint
+                     : state.hovered ? colors.accentTint.lighter(102)
+                                     : colors.content);
+    const double inset = width / 2;
+    painter.drawRoundedRect(QRectF(area).adjusted(inset, inset, -inset, -inset), Radius, Radius);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
+void CardPainter::PaintContent(QPainter& painter, const QRect& inside,
+                               const LoadedCard& card) const {
+    const ThemeColors& colors = Colors();
+    QRect rest = inside;
+    PaintLine(painter, rest, card.card.heading, small_, colors.mutedText);
+    const QRect box(rest.x(), rest.y() + Spacing, rest.width(), PictureHeight);
+    PaintPicture(painter, box, card);
+    rest.setTop(box.bottom() + 1 + Spacing);
+    PaintLine(painter, rest, card.card.title, bold_, colors.text, Qt::ElideMiddle);
+    PaintLine(painter, rest, card.card.detail, small_, colors.mutedText, Qt::ElideMiddle);
+    rest.setTop(rest.top() + Spacing / 2);
+    for (const QString& line : WrappedLines(card.card.text, plain_, rest.width(), TextLines)) {
+        PaintLine(painter, rest, line, plain_, colors.text);
+    }
+}
+
+void CardPainter::PaintPicture(QPainter& painter, const QRect& box, const LoadedCard& card) const {
+    if (card.picture.isNull()) {
+        painter.fillRect(box, Colors().window);
+        painter.setFont(small_);
+        painter.setPen(Colors().mutedText);
+        painter.drawText(box, Qt::AlignCenter, u"Kein Vorschaubild"_s);
+        return;
+    }
+    QRect picture(QPoint(), card.picture.deviceIndependentSize().toSize());
+    picture.moveCenter(box.center());
+    painter.drawPixmap(picture.topLeft(), card.picture);
+    // A white passport photo would have no edge on the white card.
+    painter.setPen(Colors().border);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(picture.adjusted(0, 0, -1, -1));
+}
+
+void CardPainter::PaintFailure(QPainter& painter, const QRect& inside, const LoadedCard& card) {
+    painter.setPen(Colors().mutedText);
+    painter.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap,
+                     u"Dieser Eintrag kann nicht gelesen werden.\n\n"_s + card.failure.left(200));
+}
+
+bool CardPainter::IsCut(const LoadedCard& card, int cardWidth) const {
+    const int width = cardWidth - 2 * Padding;
+    const auto fits = [width](const QString& text, const QFont& font) {
+        return QFontMetrics(font).horizontalAdvance(text) <= width;
+    };
+    const QStringList lines = WrappedLines(card.card.text, plain_, width, TextLines + 1);
+    return lines.size() > TextLines || !fits(card.card.title, bold_) ||
+           !fits(card.card.detail, small_);
+}
+
+}  // namespace kadrona::controls

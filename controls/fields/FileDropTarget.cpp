@@ -1,0 +1,119 @@
+#include "controls/fields/FileDropTarget.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QUrl>
+#include <QWidget>
+
+#include "controls/theme/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+// The frame laid over the target while files hover; lets every event through.
+class DropFrame : public QWidget {
+ public:
+    explicit DropFrame(QWidget* parent) : QWidget(parent) {
+        setObjectName(u"DropFrame"_s);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+ protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        constexpr double Thickness = 3;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor veil = Colors().accent;
+        veil.setAlphaF(0.06F);
+        painter.setBrush(veil);
+        painter.setPen(QPen(Colors().accent, Thickness));
+        const double inset = Thickness / 2 + 3;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 6, 6);
+    }
+};
+
+}  // namespace
+
+QStringList DroppedFiles(const QMimeData& data) {
+    QStringList paths;
+    const QList<QUrl> urls = data.urls();
+    for (const QUrl& url : urls) {
+        if (url.isLocalFile()) {
+            paths.append(url.toLocalFile());
+        }
+    }
+    return paths;
+}
+
+void AnswerDrag(QDropEvent& event) {
+    if (event.proposedAction() == Qt::MoveAction) {
+        const Qt::DropActions possible = event.possibleActions();
+        event.setDropAction(possible.testFlag(Qt::CopyAction)   ? Qt::CopyAction
+                            : possible.testFlag(Qt::LinkAction) ? Qt::LinkAction
+                                                                : Qt::IgnoreAction);
+        // Accepted all the same. An X11 source goes by this answer and not by that to the drop.
+        event.accept();
+        return;
+    }
+    event.acceptProposedAction();
+}
+
+void AnswerDrop(QDropEvent& event) {
+    event.setDropAction(event.proposedAction() == Qt::MoveAction ? Qt::IgnoreAction
+                                                                 : event.proposedAction());
+    event.accept();
+}
+
+FileDropTarget::FileDropTarget(QWidget* widget)
+    : QObject(widget), widget_(widget), frame_(new DropFrame(widget)) {
+    widget->setAcceptDrops(true);
+    widget->installEventFilter(this);
+}
+
+bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+        case QEvent::DragEnter:
+        case QEvent::DragMove: {
+            auto& drag = static_cast<QDropEvent&>(*event);
+            if (DroppedFiles(*drag.mimeData()).isEmpty()) {
+                drag.ignore();
+                return true;
+            }
+            AnswerDrag(drag);
+            ShowFrame(true);
+            return true;
+        }
+        case QEvent::DragLeave:
+            ShowFrame(false);
+            return true;
+        case QEvent::Drop: {
+            ShowFrame(false);
+            auto& drop = static_cast<QDropEvent&>(*event);
+            const QStringList paths = DroppedFiles(*drop.mimeData());
+            if (paths.isEmpty()) {
+                drop.ignore();
+                return true;
+            }
+            AnswerDrop(drop);
+            // A receiver may open dialogs. Until this event is over the source of the drag waits,
+            // so it is told first.
+            QMetaObject::invokeMethod(
+                this, [this, paths] { Q_EMIT FilesDropped(paths); }, Qt::QueuedConnection);
+            return true;
+        }
+        default:
+            return QObject::eventFilter(watched, event);
+    }
+}
+
+void FileDropTarget::ShowFrame(bool show) {
+    frame_->setGeometry(widget_->rect());
+    frame_->raise();
+    frame_->setVisible(show);
+}
+
+}  // namespace kadrona::controls

@@ -1,0 +1,58 @@
+#include "controls/fields/PathLabel.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPainter>
+
+#include "controls/fields/PathShortening.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+
+PathLabel::PathLabel(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+}
+
+void PathLabel::SetPath(const QString& path) {
+    path_ = path;
+    setToolTip(path.isEmpty() ? QString()
+                              : u"<p style='white-space:pre'>%1</p>"_s.arg(path.toHtmlEscaped()));
+    setAccessibleName(path);
+    updateGeometry();
+    update();
+}
+
+QSize PathLabel::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(path_), fontMetrics().height()};
+}
+
+QSize PathLabel::minimumSizeHint() const {
+    return {fontMetrics().horizontalAdvance(u'…'), fontMetrics().height()};
+}
+
+void PathLabel::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const QFontMetrics metrics = fontMetrics();
+    const QString text = ShortenPath(
+        path_, width(), [&metrics](const QString& t) { return metrics.horizontalAdvance(t); });
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+}
+
+void PathLabel::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu(this);
+    QAction* copy = menu.addAction(u"Pfad kopieren"_s);
+    copy->setEnabled(!path_.isEmpty());
+    if (menu.exec(event->globalPos()) == copy) {
+        CopyPath();
+    }
+}
+
+void PathLabel::CopyPath() const {
+    QGuiApplication::clipboard()->setText(path_);
+}
+
+}  // namespace kadrona::controls

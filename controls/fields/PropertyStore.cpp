@@ -1,0 +1,130 @@
+#include "controls/fields/PropertyStore.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <optional>
+
+#include "platform/PropertyFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+using platform::PropertyFile;
+
+const QString Checked = u"Checked"_s;
+const QString Text = u"Text"_s;
+const QString ItemIndex = u"ItemIndex"_s;
+const QString Items = u"Properties.Items"_s;
+
+QStringList ItemsOf(const QComboBox& box) {
+    QStringList items;
+    for (int i = 0; i < box.count(); ++i) {
+        items.append(box.itemText(i));
+    }
+    return items;
+}
+
+int ValidIndex(int index, const QComboBox& box) {
+    return index >= 0 && index < box.count() ? index : -1;
+}
+
+void RestoreList(QComboBox& box, const PropertyFile& file) {
+    const std::optional<QStringList> items = file.ReadList(box.objectName(), Items);
+    const int index = file.ReadInteger(box.objectName(), ItemIndex).value_or(box.currentIndex());
+    const int oldIndex = box.currentIndex();
+    const QString oldText = box.currentText();
+    {
+        const QSignalBlocker blocker(box);
+        if (items) {
+            box.clear();
+            box.addItems(*items);
+        }
+        box.setCurrentIndex(ValidIndex(index, box));
+        if (box.isEditable()) {
+            box.setEditText(file.ReadText(box.objectName(), Text).value_or(box.currentText()));
+        }
+    }
+    if (box.currentIndex() != oldIndex) {
+        Q_EMIT box.currentIndexChanged(box.currentIndex());
+    }
+    if (box.currentText() != oldText) {
+        Q_EMIT box.currentTextChanged(box.currentText());
+    }
+}
+
+}  // namespace
+
+void PropertyStore::AddChecked(QAbstractButton& button) {
+    const QString name = button.objectName();
+    entries_.push_back({[&button, name](PropertyFile& file) {
+                            file.WriteBoolean(name, Checked, button.isChecked());
+                        },
+                        [&button, name](const PropertyFile& file) {
+                            button.setChecked(
+                                file.ReadBoolean(name, Checked).value_or(button.isChecked()));
+                        }});
+}
+
+void PropertyStore::AddText(QLineEdit& edit) {
+    const QString name = edit.objectName();
+    entries_.push_back(
+        {[&edit, name](PropertyFile& file) { file.WriteText(name, Text, edit.text()); },
+         [&edit, name](const PropertyFile& file) {
+             edit.setText(file.ReadText(name, Text).value_or(edit.text()));
+         }});
+}
+
+void PropertyStore::AddItemIndex(QComboBox& box) {
+    const QString name = box.objectName();
+    entries_.push_back({[&box, name](PropertyFile& file) {
+                            file.WriteInteger(name, ItemIndex, box.currentIndex());
+                        },
+                        [&box, name](const PropertyFile& file) {
+                            const int index =
+                                file.ReadInteger(name, ItemIndex).value_or(box.currentIndex());
+                            if (index >= -1 && index < box.count()) {
+                                box.setCurrentIndex(index);
+                            }
+                        }});
+}
+
+void PropertyStore::AddList(QComboBox& box) {
+    entries_.push_back({[&box](PropertyFile& file) {
+                            const QString name = box.objectName();
+                            file.WriteInteger(name, ItemIndex, box.currentIndex());
+                            file.WriteList(name, Items, ItemsOf(box));
+                            file.WriteText(name, Text, box.currentText());
+                        },
+                        [&box](const PropertyFile& file) { RestoreList(box, file); }});
+}
+
+bool PropertyStore::HasFile() const {
+    return storageFile_ != u"empty"_s;
+}
+
+void PropertyStore::Store() const {
+    if (!HasFile()) {
+        return;
+    }
+    PropertyFile file(storageFile_);
+    for (const Entry& entry : entries_) {
+        entry.store(file);
+    }
+    file.Save();
+}
+
+void PropertyStore::Restore() const {
+    if (!HasFile()) {
+        return;
+    }
+    const PropertyFile file(storageFile_);
+    for (const Entry& entry : entries_) {
+        entry.restore(file);
+    }
+}
+
+}  // namespace kadrona::controls

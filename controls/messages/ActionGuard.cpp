@@ -1,0 +1,36 @@
+#include "controls/messages/ActionGuard.h"
+
+#include <new>
+
+#include "controls/messages/MessageBoxes.h"
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+
+QString FailureText(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const platform::Error& error) {
+        return error.Text();
+    } catch (const std::bad_alloc&) {
+        return u"Für diesen Vorgang reicht der Arbeitsspeicher nicht aus."_s;
+    } catch (const std::exception& error) {
+        return u"Der Vorgang konnte nicht ausgeführt werden.\n\n%1"_s.arg(
+            QString::fromUtf8(error.what()));
+    } catch (...) {
+        return u"Der Vorgang konnte wegen eines unbekannten Fehlers nicht ausgeführt werden."_s;
+    }
+}
+
+void ShowFailure(QWidget* parent, const std::exception_ptr& failure) noexcept {
+    try {
+        ShowError(parent, FailureText(failure));
+    } catch (...) {
+        // Not even the message could be made; going on is all that is left.
+        qCritical("A failure could not be shown");
+    }
+}
+
+}  // namespace kadrona::controls

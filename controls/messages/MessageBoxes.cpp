@@ -1,0 +1,122 @@
+#include "controls/messages/MessageBoxes.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+namespace {
+
+/// Lets the box break a word that is longer than a line, as a path may be, and would be cut off.
+QString WithBreaks(const QString& text) {
+    constexpr int LongestPiece = 60;
+    constexpr QChar ZeroWidthSpace(0x200b);
+    QString broken;
+    int length = 0;
+    for (const QChar character : text) {
+        length = character.isSpace() ? 0 : length + 1;
+        if (length > LongestPiece && !character.isLowSurrogate()) {
+            broken += ZeroWidthSpace;
+            length = 1;
+        }
+        broken += character;
+    }
+    return broken;
+}
+
+// `symbol` is the end of an icon's name: message-information, -question, -warning or -error.
+void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
+    constexpr QSize SymbolSize(40, 40);
+    box.setObjectName(u"MessageBox"_s);
+    box.setWindowTitle(QGuiApplication::applicationDisplayName());
+    box.setIconPixmap(QIcon(u":/kadrona/icons/message-%1.svg"_s.arg(symbol))
+                          .pixmap(SymbolSize, box.devicePixelRatio()));
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box.setText(WithBreaks(text));
+    // A short text must not cut the title off.
+    constexpr int SmallestWidth = 280;
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(SmallestWidth, 0), grid->rowCount(), 0, 1,
+                      grid->columnCount());
+    }
+}
+
+QPushButton* AddButton(QMessageBox& box, const QString& caption, QMessageBox::ButtonRole role,
+                       const QString& name) {
+    QPushButton* button = box.addButton(caption, role);
+    button->setObjectName(name);
+    return button;
+}
+
+void ShowMessage(QWidget* parent, const QString& symbol, const QString& text) {
+    QMessageBox box(parent);
+    Prepare(box, symbol, text);
+    QPushButton* ok = AddButton(box, u"OK"_s, QMessageBox::AcceptRole, u"OkButton"_s);
+    box.setDefaultButton(ok);
+    box.setEscapeButton(ok);
+    box.exec();
+}
+
+}  // namespace
+
+void ShowInformation(QWidget* parent, const QString& text) {
+    ShowMessage(parent, u"information"_s, text);
+}
+
+void ShowError(QWidget* parent, const QString& text) {
+    ShowMessage(parent, u"error"_s, text);
+}
+
+bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
+    QMessageBox box(parent);
+    Prepare(box, severity == Severity::Warning ? u"warning"_s : u"question"_s, text);
+    QPushButton* yes = AddButton(box, u"&Ja"_s, QMessageBox::YesRole, u"YesButton"_s);
+    QPushButton* no = AddButton(box, u"&Nein"_s, QMessageBox::NoRole, u"NoButton"_s);
+    box.setDefaultButton(no);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt) {
+    QDialog dialog(parent);
+    dialog.setObjectName(u"LineDialog"_s);
+    dialog.setWindowTitle(title);
+    auto* label = new QLabel(prompt, &dialog);
+    label->setTextFormat(Qt::PlainText);
+    auto* edit = new QLineEdit(&dialog);
+    edit->setObjectName(u"LineEdit"_s);
+    edit->setMinimumWidth(320);
+    label->setBuddy(edit);
+
+    auto* buttons = new QDialogButtonBox(&dialog);
+    QPushButton* ok = buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
+    ok->setObjectName(u"OkButton"_s);
+    ok->setDefault(true);
+    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)
+        ->setObjectName(u"CancelButton"_s);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setSpacing(6);
+    layout->addWidget(label);
+    layout->addWidget(edit);
+    layout->addSpacing(10);
+    layout->addWidget(buttons);
+    if (dialog.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return edit->text();
+}
+
+}  // namespace kadrona::controls

@@ -1,0 +1,141 @@
+#include "controls/theme/Theme.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFont>
+#include <QIcon>
+#include <QPalette>
+#include <QStandardPaths>
+#include <utility>
+
+#include "controls/theme/ThemeStyle.h"
+
+using namespace Qt::StringLiterals;
+
+// Resources of a static library are linked in only where they are asked for, and the macro must
+// stand outside any namespace.
+static void LinkResources() {
+    Q_INIT_RESOURCE(controls);
+}
+
+namespace kadrona::controls {
+namespace {
+
+QPalette MakePalette() {
+    const ThemeColors& c = Colors();
+    QPalette palette(c.content, c.window);
+    for (const auto& [role, color] : {
+             std::pair{QPalette::WindowText, c.text},
+             {QPalette::Base, c.content},
+             {QPalette::AlternateBase, QColor(0xf7, 0xf8, 0xfa)},
+             {QPalette::Text, c.text},
+             {QPalette::PlaceholderText, c.mutedText},
+             {QPalette::Button, c.content},
+             {QPalette::ButtonText, c.text},
+             {QPalette::BrightText, Qt::white},
+             {QPalette::Light, Qt::white},
+             {QPalette::Midlight, QColor(0xe9, 0xeb, 0xee)},
+             {QPalette::Mid, c.border},
+             {QPalette::Dark, c.strongBorder},
+             {QPalette::Shadow, c.mutedText},
+             {QPalette::Highlight, c.accent},
+             {QPalette::HighlightedText, Qt::white},
+             {QPalette::Link, c.accent},
+             {QPalette::LinkVisited, c.accentDark},
+             {QPalette::ToolTipBase, c.content},
+             {QPalette::ToolTipText, c.text},
+         }) {
+        palette.setColor(role, color);
+    }
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, c.disabledText);
+    }
+    palette.setColor(QPalette::Disabled, QPalette::Base, c.window);
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, c.strongBorder);
+    return palette;
+}
+
+// The style sheet with the theme's colours in place of its @names.
+QString StyleSheet() {
+    QFile file(u":/kadrona/style.qss"_s);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("The style sheet is not part of the program");
+    }
+    QString sheet = QString::fromUtf8(file.readAll());
+    const ThemeColors& c = Colors();
+    for (const auto& [name, color] : {
+             std::pair{u"@window;"_s, c.window},
+             {u"@content;"_s, c.content},
+             {u"@text;"_s, c.text},
+             {u"@mutedText;"_s, c.mutedText},
+             {u"@disabledText;"_s, c.disabledText},
+             {u"@border;"_s, c.border},
+             {u"@strongBorder;"_s, c.strongBorder},
+             {u"@accent;"_s, c.accent},
+             {u"@accentDark;"_s, c.accentDark},
+             {u"@accentTint;"_s, c.accentTint},
+             {u"@accentWash;"_s, c.accentWash},
+         }) {
+        sheet.replace(name, color.name() + u';');
+    }
+    return sheet;
+}
+
+void UseReadableFont() {
+    constexpr double MinimumPointSize = 10;
+    constexpr double PointsPerPixel = 0.75;  // at 96 dots per inch, for fonts given in pixels
+    QFont font = QApplication::font();
+    const double points =
+        font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize() * PointsPerPixel;
+    if (points < MinimumPointSize) {
+        font.setPointSizeF(MinimumPointSize);
+    }
+    QApplication::setFont(font);
+}
+
+// Breeze even where the desktop has another theme or none: its pictures go with our own.
+void UseIconTheme() {
+    QStringList paths = QIcon::themeSearchPaths();
+    paths += QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, u"icons"_s,
+                                       QStandardPaths::LocateDirectory);
+    paths.removeDuplicates();
+    for (const QString& path : std::as_const(paths)) {
+        if (QFile::exists(path + u"/breeze/index.theme"_s)) {
+            QIcon::setThemeSearchPaths(paths);
+            QIcon::setThemeName(u"breeze"_s);
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+const ThemeColors& Colors() {
+    static const ThemeColors colors{
+        .window = QColor(0xf2, 0xf3, 0xf5),
+        .content = QColor(0xff, 0xff, 0xff),
+        .text = QColor(0x23, 0x26, 0x29),
+        .mutedText = QColor(0x5d, 0x65, 0x6f),
+        .disabledText = QColor(0xa3, 0xa9, 0xb1),
+        .border = QColor(0xd9, 0xdc, 0xe1),
+        .strongBorder = QColor(0xb9, 0xbf, 0xc7),
+        .accent = QColor(0x1a, 0x6f, 0xb5),
+        .accentDark = QColor(0x12, 0x55, 0x8d),
+        .accentTint = QColor(0xe6, 0xf0, 0xf8),
+        .accentWash = QColor(0xcd, 0xe2, 0xf3),
+    };
+    return colors;
+}
+
+void ApplyTheme(QApplication& application) {
+    LinkResources();
+    QApplication::setStyle(new ThemeStyle);  // owned by the application
+    QApplication::setPalette(MakePalette());
+    UseReadableFont();
+    UseIconTheme();
+    application.setStyleSheet(StyleSheet());
+}
+
+}  // namespace kadrona::controls

@@ -1,0 +1,149 @@
+#include "core/archive/ArchiveTable.h"
+
+#include <algorithm>
+
+#include "core/archive/ArchiveSchema.h"
+#include "store/FullTextIndex.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/Transaction.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+/// Sorts as text in the order of time; SQLite's own date functions understand it.
+constexpr QLatin1StringView StoredTimeFormat("yyyy-MM-dd HH:mm:ss.zzz");
+
+/// Cut to a field's length without leaving half of a character.
+QString Cut(const QString& text, qsizetype length) {
+    const bool inside = text.size() > length && text[length].isLowSurrogate();
+    return text.left(inside ? length - 1 : length);
+}
+
+}  // namespace
+
+QString TagText(const QStringList& lines) {
+    QString text;
+    for (const QString& line : lines) {
+        text += line + u"\r\n"_s;
+    }
+    return text;
+}
+
+QString ShownTime(const QDateTime& created) {
+    return created.toString(u"dd.MM.yyyy HH:mm"_s);
+}
+
+qint64 ArchiveTable::Insert(const std::function<bool(qint64 id)>& isTaken) {
+    store::Transaction transaction(database_);
+    database_.Execute(uR"(INSERT INTO "ImgDB" DEFAULT VALUES)"_s);
+    const qint64 next = database_.LastInsertedId();
+    qint64 id = next;
+    while (isTaken(id)) {
+        ++id;
+    }
+    if (id != next) {
+        store::Statement(database_, uR"(UPDATE "ImgDB" SET "ID" = ? WHERE "ID" = ?)"_s)
+            .Bind(1, id)
+            .Bind(2, next)
+            .Step();
+    }
+    transaction.Commit();
+    return id;
+}
+
+void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail) {
+    store::Transaction transaction(database_);
+    store::Statement(database_,
+                     uR"(UPDATE "ImgDB" SET "ImgErstellt" = ?, "ImgName" = ?,
+        "ImgType" = ?, "ImgAblage" = ?, "ImgTags" = ?, "ImgThumb" = ? WHERE "ID" = ?)"_s)
+        .Bind(1, record.created.toString(StoredTimeFormat))
+        .Bind(2, Cut(record.name, 25))
+        .Bind(3, Cut(record.type, 50))
+        .Bind(4, Cut(record.folder, 125))
+        .Bind(5, record.tags)
+        .Bind(6, thumbnail)
+        .Bind(7, record.id)
+        .Step();
+    store::FullTextIndex(database_, TagIndexName).Set(record.id, record.tags);
+    transaction.Commit();
+}
+
+void ArchiveTable::SetTags(qint64 id, const QString& tags) {
+    store::Transaction transaction(database_);
+    const bool exists =
+        store::Statement(database_,
+                         uR"(UPDATE "ImgDB" SET "ImgTags" = ? WHERE "ID" = ? RETURNING "ID")"_s)
+            .Bind(1, tags)
+            .Bind(2, id)
+            .Step();
+    if (exists) {
+        store::FullTextIndex(database_, TagIndexName).Set(id, tags);
+        transaction.Commit();
+    }
+}
+
+std::optional<ArchiveRecord> ArchiveTable::Read(qint64 id) const {
+    // The thumbnail stands last in its row, so that the bytes before it are read alone.
+    store::Statement select(database_,
+                            uR"(SELECT "ImgName", "ImgType", "ImgErstellt", "ImgAblage", "ImgTags"
+                                FROM "ImgDB" WHERE "ID" = ?)"_s);
+    if (!select.Bind(1, id).Step()) {
+        return {};
+    }
+    return ArchiveRecord{.id = id,
+                         .name = select.Text(0),
+                         .type = select.Text(1),
+                         .created = QDateTime::fromString(select.Text(2), StoredTimeFormat),
+                         .folder = select.Text(3),
+                         .tags = select.Text(4)};
+}
+
+QByteArray ArchiveTable::ReadThumbnail(qint64 id) const {
+    store::Statement select(database_, uR"(SELECT "ImgThumb" FROM "ImgDB" WHERE "ID" = ?)"_s);
+    return select.Bind(1, id).Step() ? select.Blob(0).toByteArray() : QByteArray();
+}
+
+std::vector<qint64> ArchiveTable::Ids() const {
+    return Filtered(Listing().Ids());
+}
+
+std::vector<qint64> ArchiveTable::Find(const QString& text) const {
+    return Filtered(Listing().Find(ArchiveSearch(text)));
+}
+
+void ArchiveTable::SetFilter(const QString& expression) {
+    if (expression.isEmpty()) {
+        filter_.reset();
+        return;
+    }
+    store::TextSearch search = store::ParseTextSearch(expression);
+    if (search.column.compare("ImgTags"_L1, Qt::CaseInsensitive) != 0) {
+        throw store::StoreError(u"Im Feld „%1“ kann nicht gesucht werden."_s.arg(search.column));
+    }
+    filter_ = std::move(search.text);
+}
+
+const ArchiveListing& ArchiveTable::Listing() const {
+    const store::Database::State present = database_.PresentState();
+    if (!listing_ || present != listed_) {
+        listing_.emplace(database_);
+        listed_ = present;
+    }
+    return *listing_;
+}
+
+std::vector<qint64> ArchiveTable::Filtered(std::vector<qint64> ids) const {
+    if (filter_) {
+        const std::vector<qint64> rows =
+            store::FullTextIndex(database_, TagIndexName).RowsWith(*filter_);
+        std::erase_if(ids,
+                      [&](qint64 id) { return !std::binary_search(rows.begin(), rows.end(), id); });
+    }
+    return ids;
+}
+
+}  // namespace kadrona::core

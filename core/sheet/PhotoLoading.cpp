@@ -1,0 +1,39 @@
+#include "core/sheet/PhotoLoading.h"
+
+#include "core/settings/Settings.h"
+#include "imaging/pixels/Processing.h"
+#include "imaging/reading/ImageReader.h"
+
+namespace kadrona::core {
+
+using imaging::QuarterTurn;
+
+void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
+    image.Clear();
+    imaging::LoadedImage loaded =
+        imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()});
+    image.Open(std::move(loaded.pixels), loaded.resolution);
+    image.SetIptc(std::move(loaded.iptc));
+}
+
+void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {
+    if (settings.AutoWhiteBalance() && !image.IsEmpty()) {
+        image.ChangePhoto(imaging::WhiteBalanced(image.Photo()));
+    }
+}
+
+void TurnOpenedPhoto(const Settings& settings, imaging::LayeredImage& image) {
+    if (settings.ImgRotateLeft()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), QuarterTurn::CounterClockwise));
+    }
+    if (settings.ImgRotateRight()) {
+        image.ChangePhoto(imaging::Turned(image.Photo(), QuarterTurn::Clockwise));
+    }
+}
+
+int AverageBrightness(const imaging::Pixels& photo) {
+    const imaging::AverageColour average = imaging::AverageOf(photo);
+    return (average.red + average.green + average.blue) / 3;
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include "imaging/document/LayeredImage.h"
+
+namespace kadrona::core {
+
+class Settings;
+
+/// Reads a photo into layer 0 of `image`, turned by its own orientation where ImgAutoRotate is on.
+/// The layers and the undo history of the photo before are gone. Throws imaging::ReadError, with
+/// the image empty.
+void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image);
+
+/// The automatic white balance of a freshly opened photo, where AutoWhiteBalance is on.
+void BalancePhoto(const Settings& settings, imaging::LayeredImage& image);
+
+/// The quarter turns that the settings ask for after a photo was opened: left first, then right.
+void TurnOpenedPhoto(const Settings& settings, imaging::LayeredImage& image);
+
+/// A photo brighter than this on average may be refused by an authority.
+inline constexpr int BrightestAccepted = 190;
+inline const QString TooBrightWarning = QStringLiteral(
+    "Hinweis! Das Bild ist durchschnittlich zu hell und wird womöglich nicht akzeptiert!");
+
+/// (red + green + blue) div 3 of the average colour of a whole photo, 0 ... 255.
+int AverageBrightness(const imaging::Pixels& photo);
+
+}  // namespace kadrona::core

@@ -1,0 +1,43 @@
+// Turning the photo by any angle.
+
+#include "core/sheet/Rotation.h"
+
+#include <algorithm>
+
+#include "core/Data.h"
+#include "core/UserInterface.h"
+#include "imaging/pixels/FreeRotation.h"
+#include "imaging/pixels/Processing.h"
+
+namespace kadrona::core {
+
+namespace {
+
+constexpr qint64 LongSide = 300;
+
+}  // namespace
+
+QSize RotationPreviewSize(QSize photo) {
+    const auto shortSide = [](qint64 part, qint64 whole) {
+        return static_cast<int>(std::max<qint64>(part * LongSide / whole, 1));
+    };
+    if (photo.width() <= photo.height()) {
+        return {shortSide(photo.width(), photo.height()), static_cast<int>(LongSide)};
+    }
+    return {static_cast<int>(LongSide), shortSide(photo.height(), photo.width())};
+}
+
+void TData::RotateImage(imaging::ImageDisplay& view) {
+    imaging::LayeredImage& image = view.Image();
+    if (image.IsEmpty()) {
+        return;
+    }
+    const imaging::Pixels preview =
+        imaging::Resampled(image.Photo(), RotationPreviewSize(image.Photo().Size()));
+    if (const auto degrees = ui_.AskForRotation(preview)) {
+        image.ChangePhoto(imaging::Rotated(image.Photo(), *degrees));
+        view.Repaint();
+    }
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QtGlobal>
+#include <deque>
+#include <functional>
+
+#include "imaging/document/PixelDifference.h"
+#include "imaging/pixels/Pixels.h"
+#include "imaging/pixels/Resolution.h"
+
+namespace kadrona::imaging {
+
+/// The earlier states of one photo (pixels and resolution), newest on top. Holds at most `limit`
+/// steps and at most a budget of bytes (the oldest go first; the newest always stays). Steps share
+/// what has not changed: the newest shares the live photo's pixels until the photo changes, and a
+/// state that differs from its successor only in places is kept as those places alone.
+///
+///     oldest                         newest
+///     step 0  -->  step 1  -->  ...  step n  -->  reference        live photo
+///           blocks        blocks         none     (shared with the live photo until that changes)
+///
+/// Each step is held as its difference from the next newer one, the newest as its difference from a
+/// reference picture: the live photo as it was at the last recording or undo. Changes to the live
+/// photo are found at the next recording, by comparison.
+class UndoHistory {
+ public:
+    static constexpr qsizetype DefaultByteBudget = qsizetype{1} << 30;
+
+    explicit UndoHistory(int limit = 10, qsizetype byteBudget = DefaultByteBudget);
+
+    /// At 0 nothing is recorded.
+    void SetLimit(int limit);
+
+    /// Records the photo's present state. Does nothing where the newest step has the same pixels,
+    /// so that "record, then an operation that records by itself" is one step.
+    void Record(const Pixels& photo, DotsPerInch resolution);
+
+    bool IsEmpty() const { return steps_.empty(); }
+    int Count() const { return static_cast<int>(steps_.size()); }
+
+    /// Takes the newest step off and brings the photo back to it; in place where only blocks differ
+    /// and nothing else shares the photo's pixels. There is no redo. Throws platform::Error where
+    /// memory is short; photo and history stay then. Precondition: not empty.
+    void TakeNewest(Pixels& photo, DotsPerInch& resolution);
+
+    /// Lets `edit` change the photo's tile in place, inside `area` alone, and keeps only the blocks
+    /// touched: nothing but those is copied unless pixels are shared beside the history. Throws
+    /// platform::Error where memory is short, before anything is changed.
+    void EditInPlace(Pixels& photo, const QRect& area, const std::function<void(QImage&)>& edit);
+
+    void Clear();
+
+    /// Memory that the steps hold by themselves, without what they share with the live photo.
+    qsizetype ByteCount(const Pixels& photo) const;
+
+ private:
+    struct Step {
+        PixelDifference difference;
+        DotsPerInch resolution;
+    };
+
+    void MoveReferenceTo(const Pixels& photo);
+    void DropOldest();
+
+    std::deque<Step> steps_;
+    Pixels reference_;
+    int limit_;
+    qsizetype byteBudget_;
+};
+
+}  // namespace kadrona::imaging

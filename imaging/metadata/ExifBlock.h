@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSize>
+
+#include "imaging/metadata/ImageMetadata.h"
+#include "imaging/pixels/Resolution.h"
+
+namespace kadrona::imaging {
+
+/// A small TIFF file with what the EXIF standard (CIPA DC-008, tables 4 and 5) demands of a colour
+/// picture: resolution in dots per inch, sRGB, size in pixels; and the metadata. An unknown
+/// resolution is left out.
+QByteArray ExifBlock(QSize size, DotsPerInch resolution, const ImageMetadata& metadata);
+
+}  // namespace kadrona::imaging

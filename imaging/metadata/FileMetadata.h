@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QIODevice>
+
+#include "imaging/metadata/Iptc.h"
+#include "imaging/pixels/Orientation.h"
+#include "imaging/pixels/Resolution.h"
+
+namespace kadrona::imaging {
+
+/// What stands beside the pixels of an image file.
+struct FileMetadata {
+    Orientation orientation = Orientation::Upright;
+    DotsPerInch resolution;
+    /// Of JPEG files alone.
+    IptcItems iptc = {};
+};
+
+/// A resolution rounded to an integer; unknown where it is not a sensible one.
+DotsPerInch ResolutionFrom(double dotsPerInch);
+
+/// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF) or BMP file. Damaged or missing
+/// metadata is the default, never an error. Moves the device.
+///
+/// Only four tags are of interest here and all stand in the first directory, so no library walks
+/// the rest (maker notes, previews) of a block that may come from anywhere.
+FileMetadata ReadFileMetadata(QIODevice& device);
+
+/// The ICC profile of a PNG file; empty where there is none or it is damaged. Moves the device.
+QByteArray ReadPngProfile(QIODevice& device);
+
+/// Reads the metadata of an EXIF block, which is a small TIFF file.
+FileMetadata ReadExif(QByteArrayView block);
+
+}  // namespace kadrona::imaging

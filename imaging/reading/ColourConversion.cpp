@@ -1,0 +1,201 @@
+#include "imaging/reading/ColourConversion.h"
+
+#include <lcms2.h>
+
+#include <QColorSpace>
+#include <QColorTransform>
+#include <algorithm>
+#include <memory>
+#include <opencv2/core/utility.hpp>
+
+#include "imaging/pixels/NewImage.h"
+
+namespace kadrona::imaging {
+
+namespace {
+
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "pixels are taken as B G R A bytes");
+
+struct ProfileCloser {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+struct TransformDeleter {
+    void operator()(void* transform) const { cmsDeleteTransform(transform); }
+};
+using Profile = std::unique_ptr<void, ProfileCloser>;
+using Transform = std::unique_ptr<void, TransformDeleter>;
+
+bool IsCmyk(ColourModel model) {
+    return model == ColourModel::Cmyk || model == ColourModel::InvertedCmyk;
+}
+
+/// Calls `row(bits, width)` for every row, in parallel.
+template <typename Row>
+void ForEachRow(QImage& image, Row row) {
+    uchar* const bits = image.bits();
+    const qsizetype stride = image.bytesPerLine();
+    const int width = image.width();
+    cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
+        for (int y = rows.start; y < rows.end; ++y) {
+            row(bits + y * stride, width);
+        }
+    });
+}
+
+/// Only the first of four equal channels is read.
+constexpr cmsUInt32Number GreyOfFour(cmsUInt32Number bytes) {
+    return COLORSPACE_SH(PT_GRAY) | CHANNELS_SH(1) | EXTRA_SH(3) | BYTES_SH(bytes);
+}
+
+/// Little CMS's description of our pixels as the profile takes them; 0 where it takes others.
+cmsUInt32Number InputFormat(cmsColorSpaceSignature channels, ColourModel model, bool is16Bit) {
+    switch (channels) {
+        case cmsSigRgbData:
+            return IsCmyk(model) ? 0 : (is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8);
+        case cmsSigGrayData:
+            return model == ColourModel::Grey ? GreyOfFour(is16Bit ? 2 : 1) : 0;
+        case cmsSigCmykData:
+            return model == ColourModel::Cmyk           ? TYPE_CMYK_8
+                   : model == ColourModel::InvertedCmyk ? TYPE_CMYK_8_REV
+                                                        : 0;
+        default:
+            return 0;
+    }
+}
+
+/// Null where the profile cannot be used for such pixels.
+Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit) {
+    if (bytes.isEmpty()) {
+        return {};
+    }
+    const Profile source(
+        cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
+    if (!source) {
+        return {};
+    }
+    const auto input = InputFormat(cmsGetColorSpace(source.get()), model, is16Bit);
+    if (input == 0) {
+        return {};
+    }
+    const Profile srgb(cmsCreate_sRGBProfile());
+    // Without its cache one transform serves several threads.
+    return Transform(cmsCreateTransform(
+        source.get(), input, srgb.get(), is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8,
+        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
+}
+
+void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
+    ForEachRow(image, [&](uchar* row, int width) {
+        cmsDoTransform(transform.get(), row, row, static_cast<cmsUInt32Number>(width));
+        for (qsizetype x = 0; makeOpaque && x < width; ++x) {
+            row[4 * x + 3] = 255;
+        }
+    });
+}
+
+/// Qt's way of profiles that are a matrix and curves, several times faster than Little CMS. Not
+/// valid for other profiles, and for those made for other channels.
+QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
+    constexpr qsizetype ChannelsOffset = 16;
+    const bool isForGrey =
+        QByteArrayView(profile).sliced(std::min(ChannelsOffset, profile.size())).startsWith("GRAY");
+    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey)) {
+        return {};
+    }
+    return QColorSpace::fromIccProfile(profile);
+}
+
+void Apply(const QColorTransform& transform, QImage& image) {
+    uchar* const bits = image.bits();
+    cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
+        QImage(bits + rows.start * image.bytesPerLine(), image.width(), rows.size(),
+               image.bytesPerLine(), image.format())
+            .applyColorTransform(transform);
+    });
+}
+
+constexpr int DividedBy255(int product) {
+    return (product + 127) / 255;
+}
+
+/// Four inks to an opaque pixel, without knowing more about them.
+void MultiplyInksOut(QImage& image, bool inverted) {
+    const int flip = inverted ? 0 : 255;
+    ForEachRow(image, [flip](uchar* row, int width) {
+        for (uchar* pixel = row; pixel < row + 4 * qsizetype{width}; pixel += 4) {
+            const int cyan = pixel[0] ^ flip;
+            const int magenta = pixel[1] ^ flip;
+            const int yellow = pixel[2] ^ flip;
+            const int black = pixel[3] ^ flip;
+            pixel[0] = static_cast<uchar>(DividedBy255(yellow * black));
+            pixel[1] = static_cast<uchar>(DividedBy255(magenta * black));
+            pixel[2] = static_cast<uchar>(DividedBy255(cyan * black));
+            pixel[3] = 255;
+        }
+    });
+}
+
+QImage Rounded16BitOverWhite(const QImage& image) {
+    constexpr qint64 White = 65535;
+    QImage result = NewImage(image.size(), QImage::Format_RGB32);
+    uchar* const target = result.bits();
+    const qsizetype stride = result.bytesPerLine();
+    cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
+        for (int y = rows.start; y < rows.end; ++y) {
+            const auto* in = reinterpret_cast<const quint16*>(image.constScanLine(y));
+            uchar* out = target + y * stride;
+            for (int x = 0; x < image.width(); ++x, in += 4, out += 4) {
+                const qint64 alpha = in[3];
+                const auto over = [alpha](qint64 channel) {
+                    const qint64 sum = channel * alpha + White * (White - alpha);
+                    return static_cast<uchar>((sum * 255 + White * White / 2) / (White * White));
+                };
+                out[0] = over(in[2]);
+                out[1] = over(in[1]);
+                out[2] = over(in[0]);
+                out[3] = 255;
+            }
+        }
+    });
+    return result;
+}
+
+}  // namespace
+
+bool IsSrgbProfile(const QByteArray& profile) {
+    return !profile.isEmpty() &&
+           QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
+}
+
+void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {
+    const bool is16Bit = image.format() == QImage::Format_RGBA64;
+    if (const QColorSpace space = UsableByQt(profile, model); space.isValid()) {
+        Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
+    } else if (const Transform transform = MakeTransform(profile, model, is16Bit)) {
+        Apply(transform, image, IsCmyk(model));
+    } else if (IsCmyk(model)) {
+        MultiplyInksOut(image, model == ColourModel::InvertedCmyk);
+    }
+}
+
+QImage LaidOverWhite(QImage image) {
+    if (image.format() == QImage::Format_RGBA64) {
+        return Rounded16BitOverWhite(image);
+    }
+    if (image.format() == QImage::Format_ARGB32) {
+        ForEachRow(image, [](uchar* row, int width) {
+            for (uchar* pixel = row; pixel < row + 4 * qsizetype{width}; pixel += 4) {
+                const int alpha = pixel[3];
+                for (int channel = 0; channel < 3; ++channel) {
+                    pixel[channel] = static_cast<uchar>(
+                        DividedBy255(pixel[channel] * alpha + 255 * (255 - alpha)));
+                }
+                pixel[3] = 255;
+            }
+        });
+        image.reinterpretAsFormat(QImage::Format_RGB32);
+    }
+    return image;
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QIODevice>
+#include <QString>
+
+#include "imaging/metadata/Iptc.h"
+#include "imaging/pixels/Pixels.h"
+#include "imaging/pixels/Resolution.h"
+#include "platform/Error.h"
+
+namespace kadrona::imaging {
+
+/// An image file could not be read: it is damaged, of no known format, empty or too large. The text
+/// names the file and the reason.
+class ReadError : public platform::FileError {
+    using FileError::FileError;
+};
+
+struct ReadOptions {
+    /// Turn and mirror the picture as its EXIF orientation says.
+    bool applyOrientation = true;
+    /// A file with more pixels is refused before anything of its size is allocated.
+    qint64 maximumPixels = 200'000'000;
+};
+
+struct LoadedImage {
+    /// sRGB, opaque (alpha is laid over white).
+    Pixels pixels;
+    /// What the file says; 0 where it says nothing.
+    DotsPerInch resolution;
+    /// IPTC metadata of a JPEG file; of other files none is read.
+    IptcItems iptc = {};
+};
+
+/// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO,
+/// WMF, EMF and whatever the installed Qt plug-ins read. The first page or frame. The content
+/// decides the format, not the name. Embedded profiles are brought to sRGB. Throws ReadError.
+LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});
+
+/// The same from an open device with random access, from its start; `name` stands for the file in
+/// the text of an error.
+LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options = {});
+
+}  // namespace kadrona::imaging

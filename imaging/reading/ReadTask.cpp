@@ -1,0 +1,46 @@
+#include "imaging/reading/ReadTask.h"
+
+#include <QLocale>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+void ReadTask::Fail(const QString& reason) const {
+    throw ReadError(ReadErrorText(name_, reason));
+}
+
+void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
+    constexpr qint64 Mega = 1'000'000;
+    if (width <= 0 || height <= 0) {
+        Fail(u"Das Bild hat keine Pixel."_s);
+    }
+    if (width <= options_.maximumPixels / height) {
+        return;
+    }
+    // Rounded away from each other, so that the text never says "200 of 200".
+    const QLocale german(QLocale::German);
+    const auto megapixels = static_cast<qint64>(std::ceil(double(width) * double(height) / Mega));
+    throw ReadError(
+        u"Das Bild „%1“ hat %2 Megapixel; es werden höchstens %3 Megapixel unterstützt."_s.arg(
+            name_, german.toString(megapixels), german.toString(options_.maximumPixels / Mega)));
+}
+
+QString IncompleteFileReason() {
+    return u"Die Datei ist unvollständig."_s;
+}
+
+QString DamagedFileReason() {
+    return u"Die Datei ist beschädigt."_s;
+}
+
+QString OutOfMemoryReason() {
+    return u"Der Arbeitsspeicher reicht nicht aus."_s;
+}
+
+QString ReadErrorText(const QString& name, const QString& reason) {
+    return u"Die Datei „%1“ konnte nicht gelesen werden: %2"_s.arg(name, reason);
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QIODevice>
+#include <QImage>
+#include <QString>
+
+#include "imaging/metadata/FileMetadata.h"
+#include "imaging/reading/ColourConversion.h"
+#include "imaging/reading/ImageReader.h"
+
+namespace kadrona::imaging {
+
+/// What the reader of one format hands back: the pixels as stored and what has yet to be done to
+/// them.
+struct DecodedImage {
+    /// 32 bits a pixel, or 64 bits a pixel (QImage::Format_RGBA64, only with ColourModel::Rgb or
+    /// Grey). With a CMYK model the 32 bits are the four inks, in this order.
+    QImage image;
+    ColourModel model = ColourModel::Rgb;
+    /// The embedded ICC profile as found; empty where there is none or where it is sRGB.
+    QByteArray profile;
+    FileMetadata metadata;
+};
+
+/// The reading of one file: where its bytes come from, what is allowed and how to complain. Does
+/// not own what it refers to. The device is open, random access, and at its start.
+class ReadTask {
+ public:
+    ReadTask(QIODevice& device, QString name, const ReadOptions& options)
+        : device_(device), name_(std::move(name)), options_(options) {}
+
+    QIODevice& Device() const { return device_; }
+    qint64 MaximumPixels() const { return options_.maximumPixels; }
+
+    /// Throws the ReadError that names the file and `reason`, a German sentence.
+    [[noreturn]] void Fail(const QString& reason) const;
+
+    /// Throws a ReadError where a picture of that size is empty or over the allowed size.
+    void RequireAllowedSize(qint64 width, qint64 height) const;
+
+ private:
+    QIODevice& device_;
+    QString name_;
+    const ReadOptions& options_;
+};
+
+/// Reasons that several formats share.
+QString IncompleteFileReason();
+QString DamagedFileReason();
+QString OutOfMemoryReason();
+
+/// The text of a ReadError: which file, and why.
+QString ReadErrorText(const QString& name, const QString& reason);
+
+}  // namespace kadrona::imaging

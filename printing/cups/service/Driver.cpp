@@ -1,0 +1,225 @@
+#include "printing/cups/service/Driver.h"
+
+#include <cups/ppd.h>
+
+#include <algorithm>
+
+#include "printing/cups/service/GermanTexts.h"
+#include "printing/cups/service/OptionTexts.h"
+#include "printing/cups/service/TemporaryFile.h"
+
+// The description is the only source that has every option of a driver. Its functions are marked as
+// old since 2012, for they leave libcups with version 3, into a library of their own.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+/// Repeats the paper for drivers of old printers; the print service sets it by itself.
+constexpr const char* PaperAgain = "PageRegion";
+
+/// The driver's German text, else this program's for the driver's own text, else that or the name.
+QString Label(const QString& german, const char* ownText, const char* name) {
+    if (!german.isEmpty()) {
+        return german;
+    }
+    const QString own = QString::fromUtf8(ownText).trimmed();
+    return own.isEmpty() ? QString::fromUtf8(name) : InGerman(own);
+}
+
+DriverOption OptionOf(const GermanTexts& texts, const ppd_option_t& read) {
+    DriverOption option{read.keyword,
+                        Label(texts.OfOption(read.keyword), read.text, read.keyword),
+                        {},
+                        read.defchoice};
+    for (int i = 0; i < read.num_choices; ++i) {
+        const ppd_choice_t& choice = read.choices[i];
+        // What needs numbers beside it cannot be chosen from a list.
+        if (qstrcmp(choice.choice, "Custom") != 0) {
+            option.choices.push_back(
+                {choice.choice,
+                 Label(texts.OfChoice(read.keyword, choice.choice), choice.text, choice.choice)});
+        }
+    }
+    if (!option.Offers(option.standard) && !option.choices.empty()) {
+        option.standard = option.choices.front().name;
+    }
+    return option;
+}
+
+void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
+                    std::vector<DriverOption>& options) {
+    for (int i = 0; i < group.num_options; ++i) {
+        if (qstrcmp(group.options[i].keyword, PaperAgain) != 0) {
+            DriverOption option = OptionOf(texts, group.options[i]);
+            if (!option.choices.empty()) {
+                options.push_back(std::move(option));
+            }
+        }
+    }
+    for (int i = 0; i < group.num_subgroups; ++i) {
+        CollectOptions(texts, group.subgroups[i], options);
+    }
+}
+
+Paper PaperOfSize(const ppd_size_t& size, const QString& label) {
+    // Distances from the left and the lower edge; drivers round them.
+    const auto margin = [](double points) { return points < 0.1 ? 0.0 : points; };
+    return {size.name,
+            label,
+            {size.width, size.length},
+            {margin(size.left), margin(size.length - size.top), margin(size.width - size.right),
+             margin(size.bottom)}};
+}
+
+}  // namespace
+
+bool DriverOption::Offers(const QByteArray& choice) const {
+    return std::any_of(choices.begin(), choices.end(),
+                       [&](const DriverChoice& offered) { return offered.name == choice; });
+}
+
+QSizeF Paper::Millimetres() const {
+    return points * 25.4 / 72;
+}
+
+void Driver::Closer::operator()(ppd_file_s* description) const {
+    ppdClose(description);
+}
+
+Driver::Driver() = default;
+Driver::~Driver() = default;
+Driver::Driver(Driver&& other) noexcept = default;
+Driver& Driver::operator=(Driver&& other) noexcept = default;
+
+Driver Driver::OfQueue(Connection& connection, const Queue& queue) {
+    QTemporaryFile file;
+    CreateTemporaryFile(file);
+    if (!connection.Fetch(queue.Resource() + ".ppd", file)) {
+        return {};
+    }
+    return Driver(file.fileName());
+}
+
+Driver::Driver(const QString& descriptionFile)
+    : description_(ppdOpenFile(QFile::encodeName(descriptionFile).constData())) {
+    if (!description_) {
+        throw ServiceFailure(u"Die Beschreibung des Druckertreibers ist beschädigt."_s);
+    }
+    ReadOptions(GermanTexts(descriptionFile));
+    ReadPapers();
+}
+
+void Driver::ReadOptions(const GermanTexts& texts) {
+    for (int i = 0; i < description_->num_groups; ++i) {
+        // What is built into the printer is the administrator's matter.
+        if (qstrcmp(description_->groups[i].name, "InstallableOptions") != 0) {
+            CollectOptions(texts, description_->groups[i], options_);
+        }
+    }
+}
+
+void Driver::ReadPapers() {
+    const DriverOption* paperOption = Find({"PageSize"});
+    if (paperOption == nullptr) {
+        return;
+    }
+    for (const DriverChoice& choice : paperOption->choices) {
+        const ppd_size_t* size = ppdPageSize(description_.get(), choice.name.constData());
+        if (size != nullptr && size->width > 0 && size->length > 0) {
+            papers_.push_back(PaperOfSize(*size, choice.label));
+        }
+    }
+}
+
+const DriverOption* Driver::Find(const std::vector<const char*>& keywords) const {
+    for (const char* keyword : keywords) {
+        const auto found =
+            std::find_if(options_.begin(), options_.end(),
+                         [&](const DriverOption& option) { return option.keyword == keyword; });
+        if (found != options_.end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<Paper> Driver::PaperNamed(const QByteArray& name) const {
+    const auto found = std::find_if(papers_.begin(), papers_.end(),
+                                    [&](const Paper& paper) { return paper.name == name; });
+    if (found != papers_.end()) {
+        return *found;
+    }
+    if (description_ && description_->variable_sizes != 0 && name.startsWith("Custom.")) {
+        const ppd_size_t* size = ppdPageSize(description_.get(), name.constData());
+        if (size != nullptr && size->width > 0 && size->length > 0) {
+            Paper paper = PaperOfSize(*size, u"Eigenes Format"_s);
+            paper.name = name;
+            return paper;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Paper> Driver::PaperOf(const DeviceMode& mode) const {
+    if (std::optional<Paper> chosen = PaperNamed(mode.Value("PageSize"))) {
+        return chosen;
+    }
+    const DriverOption* option = Find({"PageSize"});
+    return option == nullptr ? std::nullopt : PaperNamed(option->standard);
+}
+
+const Paper* Driver::BorderlessVariant(const Paper& paper) const {
+    // Drivers make a borderless paper a little larger than it is, up to some millimetres.
+    constexpr double LargestExcess = 20;
+    const auto found = std::find_if(papers_.begin(), papers_.end(), [&](const Paper& other) {
+        const QSizeF excess = other.points - paper.points;
+        return other.name != paper.name && other.IsBorderless() && !paper.IsBorderless() &&
+               other.name.toLower().contains(paper.name.toLower()) && excess.width() > -1 &&
+               excess.height() > -1 && excess.width() < LargestExcess &&
+               excess.height() < LargestExcess;
+    });
+    return found == papers_.end() ? nullptr : &*found;
+}
+
+DeviceMode Driver::Defaults() const {
+    DeviceMode mode;
+    for (const DriverOption& option : options_) {
+        mode.Set(option.keyword, option.standard);
+    }
+    return mode;
+}
+
+bool Driver::Knows(const QByteArray& keyword, const QByteArray& choice) const {
+    const DriverOption* option = Find({keyword.constData()});
+    return option != nullptr &&
+           (option->Offers(choice) || (keyword == "PageSize" && PaperNamed(choice)));
+}
+
+QStringList Driver::Conflicts(const DeviceMode& mode) const {
+    if (!description_) {
+        return {};
+    }
+    ppdMarkDefaults(description_.get());
+    for (const auto& [keyword, choice] : mode.Options()) {
+        if (Knows(keyword, choice)) {
+            ppdMarkOption(description_.get(), keyword.constData(), choice.constData());
+        }
+    }
+    QStringList names;
+    if (ppdConflicts(description_.get()) > 0) {
+        for (const DriverOption& option : options_) {
+            const ppd_option_t* marked =
+                ppdFindOption(description_.get(), option.keyword.constData());
+            if (marked != nullptr && marked->conflicted != 0) {
+                names.append(option.label);
+            }
+        }
+    }
+    return names;
+}
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,96 @@
+#include "printing/cups/service/Job.h"
+
+#include <array>
+#include <utility>
+
+#include "platform/SystemReason.h"
+#include "printing/cups/service/JobPage.h"
+#include "printing/cups/service/TemporaryFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+/// The options of a job, in the library's own form.
+class JobOptions {
+ public:
+    JobOptions() = default;
+    ~JobOptions() { cupsFreeOptions(count_, options_); }
+    JobOptions(const JobOptions&) = delete;
+    JobOptions& operator=(const JobOptions&) = delete;
+
+    void Add(const char* name, const char* value) {
+        count_ = cupsAddOption(name, value, count_, &options_);
+    }
+    void Encode(ipp_t* request) const {
+        cupsEncodeOptions2(request, count_, options_, IPP_TAG_JOB);
+    }
+
+ private:
+    int count_ = 0;
+    cups_option_t* options_ = nullptr;
+};
+
+/// What keeps the filters from changing the page, even where the administrator has set the queue
+/// to do so: the page is the paper already, turned and placed.
+constexpr auto Untouched =
+    std::to_array<std::pair<const char*, const char*>>({{"print-scaling", "none"},
+                                                        {"fit-to-page", "false"},
+                                                        {"landscape", "false"},
+                                                        {"number-up", "1"},
+                                                        {"booklet", "false"},
+                                                        {"orientation-requested", "3"}});
+
+void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
+    JobOptions options;
+    for (const auto& [keyword, choice] : mode.Options()) {
+        if (driver.Knows(keyword, choice)) {
+            options.Add(keyword.constData(), choice.constData());
+        }
+    }
+    options.Add("copies", QByteArray::number(mode.CopyCount()).constData());
+    for (const auto& [name, value] : Untouched) {
+        options.Add(name, value);
+    }
+    options.Encode(request);
+}
+
+void AddText(ipp_t* request, ipp_tag_t tag, const char* name, const QByteArray& text) {
+    ippAddString(request, IPP_TAG_OPERATION, tag, name, nullptr, text.constData());
+}
+
+/// The service keeps at most 255 bytes of a name.
+QByteArray JobName(const QString& title) {
+    constexpr qsizetype LongestName = 60;
+    return title.isEmpty() ? QByteArray("Passbilder") : title.left(LongestName).toUtf8();
+}
+
+}  // namespace
+
+int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
+            const DeviceMode& mode, const PrintImage& image) {
+    QTemporaryFile page;
+    CreateTemporaryFile(page);
+    const std::optional<Paper> paper = driver.PaperOf(mode);
+    WriteJobPage(page, image, paper ? paper->Millimetres() : QSizeF(),
+                 mode.IsLandscape() ? SheetTurn::Landscape : SheetTurn::Upright);
+    if (!page.flush()) {
+        throw ServiceFailure(u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(
+            platform::SystemReason(page)));
+    }
+
+    IppMessage request = NewRequest(IPP_OP_PRINT_JOB, queue.Uri());
+    AddText(request.get(), IPP_TAG_NAME, "job-name", JobName(image.title));
+    AddText(request.get(), IPP_TAG_MIMETYPE, "document-format", "application/pdf");
+    AddOptions(request.get(), driver, mode);
+    const IppMessage answer = connection.Ask(std::move(request), queue.Resource(), page.fileName());
+    ipp_attribute_t* job = ippFindAttribute(answer.get(), "job-id", IPP_TAG_INTEGER);
+    if (job == nullptr) {
+        throw FailureOf(*answer);
+    }
+    return ippGetInteger(job, 0);
+}
+
+}  // namespace kadrona::printing::cups

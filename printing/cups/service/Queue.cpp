@@ -1,0 +1,224 @@
+#include "printing/cups/service/Queue.h"
+
+#include <QStringList>
+#include <QUrl>
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+constexpr std::array WantedAttributes{"printer-name",
+                                      "printer-info",
+                                      "printer-location",
+                                      "printer-type",
+                                      "printer-make-and-model",
+                                      "device-uri",
+                                      "printer-state",
+                                      "printer-state-message",
+                                      "printer-state-reasons",
+                                      "copies-default",
+                                      "printer-is-accepting-jobs"};
+
+void AddWantedAttributes(ipp_t* request) {
+    ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
+                  WantedAttributes.size(), nullptr, WantedAttributes.data());
+}
+
+QString Text(ipp_attribute_t* attribute) {
+    return QString::fromUtf8(ippGetString(attribute, 0, nullptr));
+}
+
+/// Where the jobs go may hold the password of a network printer.
+QString WithoutPassword(const QString& uri) {
+    const QUrl url(uri);
+    return url.userInfo().isEmpty() ? uri : url.toString(QUrl::RemoveUserInfo);
+}
+
+/// What somebody wrote about the state, without a full stop. The service's own English words say
+/// nothing that StateText does not.
+QString Remark(QString message) {
+    if (message == u"Rejecting Jobs"_s || message == u"Paused"_s) {
+        return {};
+    }
+    while (message.endsWith(u'.')) {
+        message.chop(1);
+    }
+    return message;
+}
+
+void ReadState(Queue& queue, ipp_attribute_t* state) {
+    queue.isPaused = ippGetInteger(state, 0) == IPP_PSTATE_STOPPED;
+    queue.isPrinting = ippGetInteger(state, 0) == IPP_PSTATE_PROCESSING;
+}
+
+void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
+    const QByteArray name(ippGetName(attribute));
+    if (name == "printer-name") {
+        queue.name = ippGetString(attribute, 0, nullptr);
+    } else if (name == "printer-info") {
+        queue.description = Text(attribute);
+    } else if (name == "printer-location") {
+        queue.location = Text(attribute);
+    } else if (name == "printer-make-and-model") {
+        queue.model = Text(attribute);
+    } else if (name == "device-uri") {
+        queue.deviceUri = WithoutPassword(Text(attribute));
+    } else if (name == "printer-type") {
+        queue.isClass = (ippGetInteger(attribute, 0) & CUPS_PRINTER_CLASS) != 0;
+    } else if (name == "printer-state") {
+        ReadState(queue, attribute);
+    } else if (name == "printer-state-message") {
+        queue.stateMessage = Remark(Text(attribute));
+    } else if (name == "printer-state-reasons") {
+        for (int i = 0; i < ippGetCount(attribute); ++i) {
+            queue.stateReasons.emplace_back(ippGetString(attribute, i, nullptr));
+        }
+    } else if (name == "copies-default") {
+        queue.copies = std::max(ippGetInteger(attribute, 0), 1);
+    } else if (name == "printer-is-accepting-jobs") {
+        queue.acceptsJobs = ippGetBoolean(attribute, 0) != 0;
+    }
+}
+
+/// The groups of an answer that describe a queue each.
+std::vector<Queue> QueuesIn(ipp_t* answer) {
+    std::vector<Queue> queues;
+    bool inGroup = false;
+    for (ipp_attribute_t* attribute = ippFirstAttribute(answer); attribute != nullptr;
+         attribute = ippNextAttribute(answer)) {
+        const bool isPart = ippGetGroupTag(attribute) == IPP_TAG_PRINTER;
+        if (isPart && !inGroup) {
+            queues.emplace_back();
+        }
+        inGroup = isPart;
+        if (isPart) {
+            ReadAttribute(queues.back(), attribute);
+        }
+    }
+    std::erase_if(queues, [](const Queue& queue) { return queue.name.isEmpty(); });
+    return queues;
+}
+
+bool Succeeded(const ipp_t& answer) {
+    return ippGetStatusCode(const_cast<ipp_t*>(&answer)) < IPP_STATUS_REDIRECTION_OTHER_SITE;
+}
+
+/// The queues of an answer; none where it says that there is nothing. Throws ServiceFailure.
+std::vector<Queue> QueuesOrNone(const IppMessage& answer) {
+    if (Succeeded(*answer)) {
+        return QueuesIn(answer.get());
+    }
+    const ServiceFailure failure = FailureOf(*answer);
+    if (failure.Status() != IPP_STATUS_ERROR_NOT_FOUND) {
+        throw failure;
+    }
+    return {};
+}
+
+QByteArray UriOf(const char* folder, const QByteArray& name) {
+    std::array<char, HTTP_MAX_URI> uri{};
+    httpAssembleURIf(HTTP_URI_CODING_ALL, uri.data(), uri.size(), "ipp", nullptr, "localhost", 0,
+                     "/%s/%s", folder, name.constData());
+    return uri.data();
+}
+
+/// What a state reason says, without its suffix "-error", "-warning" or "-report"; empty for what
+/// a user need not know.
+QString ReasonText(QByteArray reason) {
+    struct Row {
+        const char* keyword;
+        QString text;
+    };
+    static const std::array rows{
+        Row{"media-empty", u"Kein Papier"_s},
+        Row{"media-needed", u"Papier einlegen"_s},
+        Row{"media-jam", u"Papierstau"_s},
+        Row{"media-low", u"Papier geht zur Neige"_s},
+        Row{"input-tray-missing", u"Papierfach fehlt"_s},
+        Row{"output-area-full", u"Ausgabefach voll"_s},
+        Row{"cover-open", u"Klappe offen"_s},
+        Row{"door-open", u"Klappe offen"_s},
+        Row{"marker-supply-empty", u"Tinte leer"_s},
+        Row{"marker-supply-low", u"Tinte geht zur Neige"_s},
+        Row{"toner-empty", u"Toner leer"_s},
+        Row{"toner-low", u"Toner geht zur Neige"_s},
+        Row{"marker-waste-full", u"Resttintenbehälter voll"_s},
+        Row{"offline", u"Nicht verbunden"_s},
+        Row{"connecting-to-device", u"Verbindung wird aufgebaut"_s},
+        Row{"timed-out", u"Keine Antwort vom Drucker"_s},
+        Row{"shutdown", u"Ausgeschaltet"_s},
+        Row{"cups-missing-filter", u"Treiberdatei fehlt"_s},
+    };
+    for (const char* suffix : {"-error", "-warning", "-report"}) {
+        if (reason.endsWith(suffix)) {
+            reason.chop(static_cast<qsizetype>(qstrlen(suffix)));
+        }
+    }
+    const auto* found = std::find_if(rows.begin(), rows.end(),
+                                     [&](const Row& row) { return reason == row.keyword; });
+    return found == rows.end() ? QString() : found->text;
+}
+
+}  // namespace
+
+QByteArray Queue::Uri() const {
+    return UriOf(isClass ? "classes" : "printers", name);
+}
+
+QByteArray Queue::Resource() const {
+    return (isClass ? "/classes/" : "/printers/") +
+           QUrl::toPercentEncoding(QString::fromUtf8(name));
+}
+
+std::vector<Queue> Queues(Connection& connection) {
+    IppMessage request = NewRequest(IPP_OP_CUPS_GET_PRINTERS);
+    AddWantedAttributes(request.get());
+    // A fax machine prints no photos.
+    ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type", 0);
+    ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type-mask",
+                  CUPS_PRINTER_FAX);
+    std::vector<Queue> queues = QueuesOrNone(connection.Ask(std::move(request), "/"));
+    const std::vector<Queue> standard =
+        QueuesOrNone(connection.Ask(NewRequest(IPP_OP_CUPS_GET_DEFAULT), "/"));
+    for (Queue& queue : queues) {
+        queue.isDefault = !standard.empty() && standard.front().name == queue.name;
+    }
+    return queues;
+}
+
+std::optional<Queue> FindQueue(Connection& connection, const QByteArray& name) {
+    // The service finds a class under the address of a printer, too.
+    IppMessage request = NewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES, UriOf("printers", name));
+    AddWantedAttributes(request.get());
+    std::vector<Queue> queues = QueuesOrNone(connection.Ask(std::move(request), "/"));
+    return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
+}
+
+std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues) {
+    const auto found = std::find_if(queues.begin(), queues.end(),
+                                    [](const Queue& queue) { return queue.isDefault; });
+    if (found != queues.end()) {
+        return *found;
+    }
+    return queues.empty() ? std::nullopt : std::optional(queues.front());
+}
+
+QString StateText(const Queue& queue) {
+    QString state = queue.isPaused ? u"Angehalten"_s : queue.isPrinting ? u"Druckt"_s : u"Bereit"_s;
+    if (!queue.acceptsJobs) {
+        state = u"Nimmt keine Aufträge an"_s;
+    }
+    QStringList reasons;
+    for (const QByteArray& reason : queue.stateReasons) {
+        if (const QString text = ReasonText(reason); !text.isEmpty() && !reasons.contains(text)) {
+            reasons.append(text);
+        }
+    }
+    return reasons.isEmpty() ? state : state + u" – "_s + reasons.join(u", "_s);
+}
+
+}  // namespace kadrona::printing::cups

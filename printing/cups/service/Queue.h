@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "printing/cups/service/Connection.h"
+
+namespace kadrona::printing::cups {
+
+/// A print queue as the service describes it at the moment.
+struct Queue {
+    QByteArray name;
+    /// What the administrator calls it and where it stands; may be empty.
+    QString description;
+    QString location;
+    QString model;
+    /// Where the jobs go; without a password.
+    QString deviceUri;
+    bool isClass = false;
+    bool isDefault = false;
+    bool isPaused = false;
+    bool isPrinting = false;
+    bool acceptsJobs = true;
+    /// What the administrator or the driver says about the state, without a full stop; may be
+    /// empty.
+    QString stateMessage;
+    /// Keywords of RFC 8011, 5.4.12.
+    std::vector<QByteArray> stateReasons;
+    int copies = 1;
+
+    QByteArray Uri() const;
+    /// Where a document for the queue is sent to.
+    QByteArray Resource() const;
+};
+
+/// Every queue that there is, in the service's order. Throws ServiceFailure.
+std::vector<Queue> Queues(Connection& connection);
+
+/// The queue with that name. Nothing where there is none. Throws ServiceFailure.
+std::optional<Queue> FindQueue(Connection& connection, const QByteArray& name);
+
+/// The service's default queue, or where it has none the first. Nothing where there is no queue.
+std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues);
+
+/// State in German, with what is wrong: "Bereit", "Angehalten – Kein Papier".
+QString StateText(const Queue& queue);
+
+}  // namespace kadrona::printing::cups
