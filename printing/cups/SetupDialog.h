@@ -21,7 +21,8 @@ namespace kadrona::printing::cups {
 class FurtherOptions;
 class OptionPanel;
 
-/// The set-up dialog: the queues on the left, what the chosen one is set to on the right. Object
+/// The set-up dialog: the queues on the left, what the chosen one is set to on the right. Qt's own
+/// (QPrintDialog) was weighed: it hands back only the usual options, none of the driver's. Object
 /// names: "PrinterSetupDialog", "QueueList" (an item's user data is the queue's name),
 /// "QueueNameLabel", "QueueDetailsLabel", "NoteLabel", "OkButton", "CancelButton" and those of
 /// OptionPanel and FurtherOptions.

@@ -106,11 +106,6 @@ QByteArray DeviceMode::Value(const QByteArray& key) const {
     return found == options_.end() ? QByteArray() : found->second;
 }
 
-bool DeviceMode::Contains(const QByteArray& key) const {
-    return std::any_of(options_.begin(), options_.end(),
-                       [&](const auto& option) { return option.first == key; });
-}
-
 void DeviceMode::Set(const QByteArray& key, const QByteArray& value) {
     const auto found = std::find_if(options_.begin(), options_.end(),
                                     [&](const auto& option) { return option.first == key; });

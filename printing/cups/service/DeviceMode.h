@@ -33,7 +33,6 @@ class DeviceMode {
 
     /// Empty where the option is not set.
     QByteArray Value(const QByteArray& key) const;
-    bool Contains(const QByteArray& key) const;
     void Set(const QByteArray& key, const QByteArray& value);
     void Remove(const QByteArray& key);
     const std::vector<std::pair<QByteArray, QByteArray>>& Options() const { return options_; }
