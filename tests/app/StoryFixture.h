@@ -10,6 +10,7 @@
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FakePrinter.h"
 #include "tests/support/ModalDriver.h"
 
@@ -40,9 +41,8 @@ class Story : public ::testing::Test {
     /// Drops a photo and chooses a template by its row.
     void Open(const char* name, int templateRow = 0) {
         driver.Expect(QStringLiteral("SchabloneFm"), [templateRow](QWidget& shown) {
-            shown.findChild<QListWidget*>(QStringLiteral("lbSchablonen"))
-                ->setCurrentRow(templateRow);
-            shown.findChild<QPushButton*>(QStringLiteral("btnOk"))->click();
+            Child<QListWidget>(shown, "lbSchablonen").setCurrentRow(templateRow);
+            Child<QPushButton>(shown, "btnOk").click();
         });
         window->OpenDroppedFiles({installation.Path(name)});
     }
@@ -51,8 +51,7 @@ class Story : public ::testing::Test {
     bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
     template <typename Control>
     Control& Setting(const char* name) {
-        auto* settings = window->findChild<dialogs::TEinstellungenFm*>();
-        return *settings->findChild<Control*>(QLatin1StringView(name));
+        return Child<Control>(Child<dialogs::TEinstellungenFm>(*window), name);
     }
     imaging::LayeredImage& Image() { return window->View().Image(); }
     QRect Template() { return Image().LayerAt(1).rectangle; }

@@ -5,6 +5,7 @@
 
 #include "core/settings/StoredSettings.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -81,12 +82,8 @@ TEST_F(PhotoProfiles, AnIndexThatPointsElsewhereDeletesNothingThere) {
 TEST_F(PhotoProfiles, AFileThatCannotBeMadeGivesTheOneMessage) {
     QDir(data.DataFolder()).removeRecursively();
     installation.Write("common/Kadrona", "in the way");
-    try {
-        data.SaveNewProfile(u"A"_s, store);
-        FAIL() << "nothing was thrown";
-    } catch (const platform::Error& error) {
-        EXPECT_EQ(error.Text(), u"Can not save this profile settings!"_s);
-    }
+    EXPECT_EQ(TextOf([&] { data.SaveNewProfile(u"A"_s, store); }),
+              u"Can not save this profile settings!"_s);
 }
 
 TEST_F(PhotoProfiles, StoredSettingsReadTheFileAndFallBackToTheDesignValues) {

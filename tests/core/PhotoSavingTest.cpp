@@ -5,6 +5,7 @@
 #include "imaging/document/WindowlessDisplay.h"
 #include "imaging/writing/ImageWriter.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -135,12 +136,9 @@ TEST_F(PhotoSaving, TheRootIsAFolderLikeAnyOther) {
     EXPECT_EQ(data.LastSaveFolder(), u"/"_s);
 
     settings.imageSaveDir.clear();
-    try {
-        data.SaveImage(view, data.SaveFolder(), u"Bildname.xyz"_s, false);
-        ADD_FAILURE() << "was written";
-    } catch (const imaging::WriteError& error) {
-        EXPECT_TRUE(error.Text().contains(u"„/Bildname.xyz“"_s)) << error.what();
-    }
+    const QString error = TextOf<imaging::WriteError>(
+        [&] { data.SaveImage(view, data.SaveFolder(), u"Bildname.xyz"_s, false); });
+    EXPECT_TRUE(error.contains(u"„/Bildname.xyz“"_s)) << qPrintable(error);
 }
 
 TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
@@ -153,12 +151,9 @@ TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
         for (const char* name :
              {"folder.bmp", "locked.bmp", "full.bmp", "none/a.bmp", "a.xyz", "a"}) {
             const FileSizeLimit limit(10'000);
-            try {
-                data.SaveImage(view, folder, QLatin1StringView(name), scale);
-                ADD_FAILURE() << name << " was written";
-            } catch (const imaging::WriteError& error) {
-                EXPECT_TRUE(error.Text().contains(Saved(name))) << error.what();
-            }
+            const QString error = TextOf<imaging::WriteError>(
+                [&] { data.SaveImage(view, folder, QLatin1StringView(name), scale); });
+            EXPECT_TRUE(error.contains(Saved(name))) << name << ": " << qPrintable(error);
             EXPECT_EQ(Image().Photo().Size(), QSize(600, 750)) << name;
             EXPECT_EQ(Image().UndoCount(), 1) << name;
             EXPECT_TRUE(Image().AutomaticUndo()) << name;
