@@ -2,21 +2,12 @@
 
 #include "printing/cups/QueueChoice.h"
 #include "printing/cups/service/DeviceMode.h"
-#include "printing/cups/service/OptionTexts.h"
 
 using namespace kadrona::printing;
 using namespace kadrona::printing::cups;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-TEST(DeviceModeTest, ABlockIsALineForEachOptionInOrder) {
-    DeviceMode mode;
-    mode.Set("PageSize", "A6");
-    mode.Set("InputSlot", "Photo");
-    mode.Set("PageSize", "A4");
-    EXPECT_EQ(mode.ToBlock(), "PageSize=A4\nInputSlot=Photo\n");
-}
 
 TEST(DeviceModeTest, AnyKeyAndValueSurvive) {
     DeviceMode mode;
@@ -36,6 +27,7 @@ TEST(DeviceModeTest, AForeignBlockIsReadAsFarAsItMakesSense) {
         QByteArray read;
     };
     const Row rows[] = {
+        {"in order", "PageSize=A6\nInputSlot=Photo\n", "PageSize=A6\nInputSlot=Photo\n"},
         {"nothing", "", ""},
         {"no key", "=x\n\nkey\n", ""},
         {"no last line end", "a=1\nb=2", "a=1\nb=2\n"},
@@ -62,11 +54,6 @@ TEST(DeviceModeTest, CopiesStayWithinReason) {
 
 TEST(QueueChoiceTest, AnotherQueuesWholeNameIsNotTaken) {
     EXPECT_EQ(QueueNameOf({u"Photo"_s, {}, {}, "printer-name=Laser\n"}), "Photo");
-}
-
-TEST(OptionTextsTest, KnownWordsAreGermanAndOthersStay) {
-    EXPECT_EQ(InGerman(u"Glossy Photo Paper"_s), u"Fotopapier, glänzend"_s);
-    EXPECT_EQ(InGerman(u"Velvet Fine Art"_s), u"Velvet Fine Art"_s);
 }
 
 }  // namespace

@@ -216,73 +216,62 @@ TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
     EXPECT_FALSE(job.contains(u"MediaType"_s));
 }
 
-TEST_F(PrintingTest, AQueueWithALongNameIsFoundAgain) {
-    const QString name = u"Fotodrucker-im-hinteren-Buero-am-Fenster"_s;
-    service_.AddQueue(name);
-    service_.Run(u"lpadmin"_s, {u"-d"_s, name});
-    QTemporaryDir folder;
-    CupsPrinterLayer layer(service_.Address());
-    TPrinterSetup(layer).SaveToFile(folder.filePath(u"prn1.tmp"_s));
-    CupsPrinterLayer other(service_.Address());
-    TPrinterSetup(other).LoadFromFile(folder.filePath(u"prn1.tmp"_s));
-    EXPECT_EQ(other.CurrentPrinter().device, name);
+TEST_F(PrintingTest, EveryQueueIsTheStandardOneAndIsFoundAgain) {
+    const QString longName = u"Zweiter-Drucker-im-hinteren-Buero-am-Fenster"_s;
+    service_.AddQueue(longName);
+    service_.Run(u"lpadmin"_s, {u"-p"_s, u"Photo"_s, u"-c"_s, u"Alle"_s});
+    service_.Run(u"cupsaccept"_s, {u"Alle"_s});
+    service_.Run(u"cupsenable"_s, {u"Alle"_s});
+    for (const QString& name : {longName, u"Alle"_s, u"Photo"_s}) {
+        SCOPED_TRACE(name.toStdString());
+        service_.Run(u"lpadmin"_s, {u"-d"_s, name});
+        QTemporaryDir folder;
+        CupsPrinterLayer layer(service_.Address());
+        TPrinterSetup(layer).SaveToFile(folder.filePath(u"prn1.tmp"_s));
+        CupsPrinterLayer other(service_.Address());
+        TPrinterSetup(other).LoadFromFile(folder.filePath(u"prn1.tmp"_s));
+        EXPECT_EQ(other.CurrentPrinter().device, name);
+        EXPECT_EQ(ErrorOf([&] { other.Print(Sheet({35, 45}, core::SheetLayouts[6])); }), "");
+    }
 }
 
-TEST_F(PrintingTest, APausedQueueTakesTheJobAndARejectingOneNamesItself) {
-    CupsPrinterLayer layer(service_.Address());
-    const PrintImage image = Sheet({35, 45}, core::SheetLayouts[6]);
-    service_.Run(u"cupsdisable"_s, {u"Photo"_s});
-    layer.Print(image);
-    EXPECT_EQ(service_.JobAttributes(1)[u"job-state"_s], "pending");
-    service_.Run(u"cupsenable"_s, {u"Photo"_s});
-    service_.WaitForJobs();
-
-    service_.Run(u"cupsreject"_s, {u"-r"_s, u"Wartung bis Montag"_s, u"Photo"_s});
-    const auto print = [&] { layer.Print(image); };
-    EXPECT_EQ(ErrorOf(print),
-              "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an: Wartung bis Montag.");
-    service_.Run(u"cupsreject"_s, {u"Photo"_s});
-    EXPECT_EQ(ErrorOf(print), "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an.");
-}
-
-TEST_F(PrintingTest, AQueueThatIsGoneLeavesTheCurrentPrinter) {
+TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) {
     CupsPrinterLayer layer(service_.Address());
     const PrinterChoice photo = layer.CurrentPrinter();
+    const auto print = [&] { layer.Print(Sheet({35, 45}, core::SheetLayouts[6])); };
+    service_.Run(u"cupsdisable"_s, {u"Photo"_s});
+    EXPECT_EQ(ErrorOf(print), "") << "a paused queue takes the job";
+    EXPECT_EQ(service_.JobAttributes(1)[u"job-state"_s], "pending");
+
     PrinterChoice gone = photo;
     gone.device = u"Alt"_s;
-    EXPECT_EQ(ErrorOf([&] { layer.SetCurrentPrinter(gone); }),
-              "Drucker „Alt“: Der Drucker ist nicht mehr vorhanden.");
-    EXPECT_EQ(layer.CurrentPrinter(), photo);
+    const auto load = [&] { layer.SetCurrentPrinter(gone); };
+    EXPECT_EQ(ErrorOf(load), "Drucker „Alt“: Der Drucker ist nicht mehr vorhanden.");
     for (const QString& hostile : {QString(), u"a/b?c#d %s"_s, QString(33, QChar(0xd800))}) {
         gone.device = hostile;
-        EXPECT_FALSE(ErrorOf([&] { layer.SetCurrentPrinter(gone); }).empty());
+        EXPECT_FALSE(ErrorOf(load).empty());
     }
-
+    EXPECT_EQ(layer.CurrentPrinter(), photo);
     layer.SetCurrentPrinter(photo);
-    service_.Run(u"lpadmin"_s, {u"-x"_s, u"Photo"_s});
-    const std::string text = "Drucker „Photo“: Der Drucker ist nicht mehr vorhanden.";
-    EXPECT_EQ(ErrorOf([&] { layer.Print(Sheet({35, 45}, core::SheetLayouts[6])); }), text);
-    EXPECT_EQ(ErrorOf([&] { layer.PaperMillimetres(); }), text);
 
+    const std::string rejects = "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an";
+    const std::string isGone = "Drucker „Photo“: Der Drucker ist nicht mehr vorhanden.";
+    service_.Run(u"cupsreject"_s, {u"-r"_s, u"Wartung bis Montag"_s, u"Photo"_s});
+    EXPECT_EQ(ErrorOf(print), rejects + ": Wartung bis Montag.");
+    service_.Run(u"cupsreject"_s, {u"Photo"_s});
+    EXPECT_EQ(ErrorOf(print), rejects + ".");
+    service_.Run(u"lpadmin"_s, {u"-x"_s, u"Photo"_s});
+    EXPECT_EQ(ErrorOf(print), isGone);
+    EXPECT_EQ(ErrorOf([&] { layer.PaperMillimetres(); }), isGone);
     CupsPrinterLayer fresh(service_.Address());
     EXPECT_EQ(ErrorOf([&] { fresh.CurrentPrinter(); }), "Es ist kein Drucker eingerichtet.");
     EXPECT_EQ(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }),
               "Es ist kein Drucker eingerichtet.");
-}
 
-TEST_F(PrintingTest, AServiceThatDiesIsNamedWithThePrinter) {
-    CupsPrinterLayer layer(service_.Address());
-    layer.SetCurrentPrinter(layer.CurrentPrinter());
     service_.Kill();
-    EXPECT_THAT(ErrorOf([&] {
-                    layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
-                }),
-                StartsWith("Drucker „Photo“: Unter „/"));
-    CupsPrinterLayer fresh(service_.Address());
-    for (const auto& step : {std::function<void()>([&] { fresh.CurrentPrinter(); }),
-                             std::function<void()>([&] { fresh.ShowSetupDialog(nullptr); })}) {
-        EXPECT_THAT(ErrorOf(step), StartsWith("Unter „/"));
-    }
+    EXPECT_THAT(ErrorOf(print), StartsWith("Drucker „Photo“: Unter „/"));
+    EXPECT_THAT(ErrorOf([&] { fresh.CurrentPrinter(); }), StartsWith("Unter „/"));
+    EXPECT_THAT(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }), StartsWith("Unter „/"));
 }
 
 TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {

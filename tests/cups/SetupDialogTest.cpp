@@ -76,29 +76,31 @@ class SetupDialogTest : public ::testing::Test {
     CupsPrinterLayer layer_{service_.Address()};
 };
 
-TEST_F(SetupDialogTest, EveryFieldShowsTheQueuesChoicesInGerman) {
-    Run([](QWidget& window) {
-        EXPECT_EQ(window.windowTitle(), u"Drucker einrichten"_s);
+TEST_F(SetupDialogTest, EveryFieldShowsTheDriverInGermanAndKeepsWhatIsChosen) {
+    const PrinterChoice before = layer_.CurrentPrinter();
+    EXPECT_FALSE(
+        Run([](QWidget& window) { Choose(window, "PaperBox", u"A6"_s); }, u"CancelButton"_s));
+    EXPECT_EQ(layer_.CurrentPrinter(), before);
+    ASSERT_TRUE(Run([](QWidget& window) {
         EXPECT_EQ(
             Texts(window, "PaperBox"),
             (QStringList{u"A4 (210 × 297 mm)"_s, u"A6 (105 × 148 mm)"_s, u"4x6 (102 × 152 mm)"_s,
                          u"5x7 Roll (127 × 178 mm)"_s, u"3.5x5 Wide (127 × 89 mm)"_s}));
-        EXPECT_EQ(Texts(window, "TrayBox"), (QStringList{u"Hauptfach"_s, u"Fotofach"_s}));
-        EXPECT_EQ(Texts(window, "MediaTypeBox"),
-                  (QStringList{u"Normalpapier"_s, u"Fotopapier, glänzend"_s}));
-        EXPECT_EQ(Texts(window, "QualityBox"), (QStringList{u"Entwurf"_s, u"Normal"_s, u"Hoch"_s}));
-        EXPECT_EQ(Texts(window, "ColorBox"), (QStringList{u"Farbe"_s, u"Graustufen"_s}));
-        EXPECT_EQ(Texts(window, "DuplexBox"),
-                  (QStringList{u"Aus"_s, u"Lange Seite"_s, u"Kurze Seite"_s}));
-        EXPECT_EQ(Texts(window, "PhotoEnhance"), (QStringList{u"Ein"_s, u"Aus"_s}));
+        for (const auto& [box, texts] : std::initializer_list<std::pair<const char*, QString>>{
+                 {"TrayBox", u"Hauptfach,Fotofach"_s},
+                 {"MediaTypeBox", u"Normalpapier,Fotopapier, glänzend"_s},
+                 {"QualityBox", u"Entwurf,Normal,Hoch"_s},
+                 {"ColorBox", u"Farbe,Graustufen"_s},
+                 {"DuplexBox", u"Aus,Lange Seite,Kurze Seite"_s},
+                 {"PhotoEnhance", u"Ein,Aus"_s}}) {
+            EXPECT_EQ(Texts(window, box).join(u','), texts) << box;
+        }
         EXPECT_EQ(Find<QAbstractButton>(window, "FurtherOptionsButton").text(),
                   u"Weitere Einstellungen des Treibers (2)"_s);
-    });
-    EXPECT_EQ(Mode().Value("PageSize"), "A4");
-}
-
-TEST_F(SetupDialogTest, WhatIsChosenIsTheCurrentPrinterAndIsShownAgain) {
-    ASSERT_TRUE(Run([](QWidget& window) {
+        auto& orientation = Find<QComboBox>(window, "OrientationBox");
+        EXPECT_EQ(orientation.currentText(), u"Hochformat"_s);
+        Choose(window, "PaperBox", u"3.5x5 Wide"_s);
+        EXPECT_EQ(orientation.currentText(), u"Querformat"_s);
         EXPECT_FALSE(Find<QCheckBox>(window, "BorderlessBox").isEnabled());
         Choose(window, "PaperBox", u"A6"_s);
         Find<QCheckBox>(window, "BorderlessBox").click();
@@ -125,25 +127,7 @@ TEST_F(SetupDialogTest, WhatIsChosenIsTheCurrentPrinterAndIsShownAgain) {
     EXPECT_EQ(Mode().Value("PageSize"), "A6");
 }
 
-TEST_F(SetupDialogTest, APaperThatIsWiderThanHighIsCalledSo) {
-    Run([](QWidget& window) {
-        auto& orientation = Find<QComboBox>(window, "OrientationBox");
-        EXPECT_EQ(orientation.currentText(), u"Hochformat"_s);
-        Choose(window, "PaperBox", u"3.5x5 Wide"_s);
-        EXPECT_EQ(orientation.currentText(), u"Querformat"_s);
-        EXPECT_EQ(Texts(window, "OrientationBox").last(), u"Hochformat"_s);
-    });
-    EXPECT_NEAR(layer_.PaperMillimetres().width(), 127, 0.02);
-}
-
-TEST_F(SetupDialogTest, CancellingChangesNothing) {
-    const PrinterChoice before = layer_.CurrentPrinter();
-    EXPECT_FALSE(
-        Run([](QWidget& window) { Choose(window, "PaperBox", u"A6"_s); }, u"CancelButton"_s));
-    EXPECT_EQ(layer_.CurrentPrinter(), before);
-}
-
-TEST_F(SetupDialogTest, AQueueThatAppearsIsThereAtTheNextOpeningWithItsState) {
+TEST_F(SetupDialogTest, QueuesComeAndGoWithTheirState) {
     Run([](QWidget& window) { EXPECT_EQ(QueueTexts(window), QStringList{u"Photo\nBereit"_s}); });
     service_.AddQueue(u"Neu"_s);
     service_.AddQueue(u"Voll"_s);
@@ -164,6 +148,14 @@ TEST_F(SetupDialogTest, AQueueThatAppearsIsThereAtTheNextOpeningWithItsState) {
         list.setCurrentRow(0);
     });
     EXPECT_EQ(layer_.CurrentPrinter().device, u"Neu"_s);
+    Run(
+        [this](QWidget& window) {
+            service_.Kill();
+            Find<QListWidget>(window, "QueueList").setCurrentRow(1);
+            EXPECT_TRUE(Find<QLabel>(window, "NoteLabel").isVisible());
+            EXPECT_FALSE(Find<QAbstractButton>(window, "OkButton").isEnabled());
+        },
+        u"CancelButton"_s);
 }
 
 TEST_F(SetupDialogTest, OptionsThatTheQueueNoLongerHasAreKeptUntilChosenAnew) {
@@ -191,18 +183,6 @@ TEST_F(SetupDialogTest, ChoicesThatExcludeEachOtherAreNamed) {
         Choose(window, "DuplexBox", u"Aus"_s);
         EXPECT_FALSE(note.isVisible());
     });
-}
-
-TEST_F(SetupDialogTest, AServiceThatDiesUnderTheDialogIsShownInIt) {
-    service_.AddQueue(u"Neu"_s);
-    Run(
-        [this](QWidget& window) {
-            service_.Kill();
-            Find<QListWidget>(window, "QueueList").setCurrentRow(1);
-            EXPECT_TRUE(Find<QLabel>(window, "NoteLabel").isVisible());
-            EXPECT_FALSE(Find<QAbstractButton>(window, "OkButton").isEnabled());
-        },
-        u"CancelButton"_s);
 }
 
 }  // namespace
