@@ -8,9 +8,9 @@ namespace kadrona::platform {
 
 class IniContent;
 
-/// One INI file in memory. Sections and keys are found whatever their case; the order of sections,
-/// comments and lines that are no key survive a change. Blanks at the ends of names and values do
-/// not count. Meant to be opened, used and closed by each operation, so that nothing is cached.
+/// One INI file in memory. Sections and keys are found whatever their case; a change touches only
+/// the lines that it must. Blanks at the ends of names and values do not count. Meant to be opened,
+/// used and closed by each operation, so that nothing is cached.
 class IniFile {
  public:
     /// Reads the file; a missing one is empty. Bytes are decoded by DecodeText. A repeated section
