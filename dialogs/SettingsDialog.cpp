@@ -274,71 +274,19 @@ void TEinstellungenFm::TakeOverFrameSize() {
     data_.SetFrameSize(core::FrameSizeOf(*this));
 }
 
-bool TEinstellungenFm::AutoWhiteBalance() const {
-    return autoWhiteBalance_->isChecked();
+bool TEinstellungenFm::Checked(const core::ProfileEntry& entry) const {
+    return findChild<QAbstractButton*>(entry.control)->isChecked();
 }
-QString TEinstellungenFm::FileNameEd() const {
-    return fileNameEd_->text();
+
+int TEinstellungenFm::ItemIndex(const core::ProfileEntry& entry) const {
+    return findChild<QComboBox*>(entry.control)->currentIndex();
 }
-int TEinstellungenFm::FileTypCombo() const {
-    return fileTypCombo_->currentIndex();
-}
-int TEinstellungenFm::FileVarCombo() const {
-    return fileVarCombo_->currentIndex();
-}
-QString TEinstellungenFm::FrameSize() const {
-    return frameSize_->text();
-}
-bool TEinstellungenFm::ImageAutoSave() const {
-    return imageAutoSave_->isChecked();
-}
-bool TEinstellungenFm::ImageAutoSave2() const {
-    return imageAutoSave2_->isChecked();
-}
-int TEinstellungenFm::ImageCount() const {
-    return imageCount_->currentIndex();
-}
-QString TEinstellungenFm::ImageDestinationDir() const {
-    return imageDestinationDir_->text();
-}
-QString TEinstellungenFm::ImageSaveDir() const {
-    return imageSaveDir_->text();
-}
-bool TEinstellungenFm::ImgAutoRotate() const {
-    return imgAutoRotate_->isChecked();
-}
-bool TEinstellungenFm::ImgRotateLeft() const {
-    return imgRotateLeft_->isChecked();
-}
-bool TEinstellungenFm::ImgRotateRight() const {
-    return imgRotateRight_->isChecked();
-}
-bool TEinstellungenFm::PrintAfterCrop() const {
-    return printAfterCrop_->isChecked();
-}
-int TEinstellungenFm::PrintProfileBox() const {
-    return printProfileBox_->currentIndex();
-}
-bool TEinstellungenFm::RotateBeforeTileImg() const {
-    return rotateBeforeTileImg_->isChecked();
-}
-bool TEinstellungenFm::ScaleImageCk() const {
-    return scaleImageCk_->isChecked();
-}
-int TEinstellungenFm::SchabloneBox() const {
-    return schabloneBox_->currentIndex();
-}
-bool TEinstellungenFm::ShowBlackWhite() const {
-    return showBlackWhite_->isChecked();
-}
-bool TEinstellungenFm::ShowGradation() const {
-    return showGradation_->isChecked();
-}
-bool TEinstellungenFm::ShowRotate() const {
-    return showRotate_->isChecked();
-}
-bool TEinstellungenFm::WhiteBalancePipette() const {
-    return whiteBalancePipette_->isChecked();
+
+QString TEinstellungenFm::Text(const core::ProfileEntry& entry) const {
+    if (entry.property == core::ProfileProperty::List) {
+        return findChild<QComboBox*>(entry.control)->currentText();
+    }
+    return findChild<QLineEdit*>(entry.control)->text();
 }
 
 }  // namespace kadrona::dialogs

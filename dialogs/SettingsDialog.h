@@ -63,28 +63,9 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void ResetPrintDefaults();
 
     // core::Settings
-    bool AutoWhiteBalance() const override;
-    QString FileNameEd() const override;
-    int FileTypCombo() const override;
-    int FileVarCombo() const override;
-    QString FrameSize() const override;
-    bool ImageAutoSave() const override;
-    bool ImageAutoSave2() const override;
-    int ImageCount() const override;
-    QString ImageDestinationDir() const override;
-    QString ImageSaveDir() const override;
-    bool ImgAutoRotate() const override;
-    bool ImgRotateLeft() const override;
-    bool ImgRotateRight() const override;
-    bool PrintAfterCrop() const override;
-    int PrintProfileBox() const override;
-    bool RotateBeforeTileImg() const override;
-    bool ScaleImageCk() const override;
-    int SchabloneBox() const override;
-    bool ShowBlackWhite() const override;
-    bool ShowGradation() const override;
-    bool ShowRotate() const override;
-    bool WhiteBalancePipette() const override;
+    bool Checked(const core::ProfileEntry& entry) const override;
+    int ItemIndex(const core::ProfileEntry& entry) const override;
+    QString Text(const core::ProfileEntry& entry) const override;
 
  Q_SIGNALS:
     /// A setting that shows or hides actions changed.

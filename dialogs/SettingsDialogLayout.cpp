@@ -114,7 +114,7 @@ void TEinstellungenFm::MakeGeneralControls() {
     imageAutoSave_ = Named<QCheckBox>(u"ImageAutoSave"_s, u"Automatisch im Bildarchiv speichern"_s);
     imageSaveDir_ = Named<controls::PathEdit>(u"ImageSaveDir"_s);
     imageAutoSave2_ = Named<QCheckBox>(u"ImageAutoSave2"_s, u"Automatisch speichern"_s);
-    fileNameEd_ = Named<QLineEdit>(u"FileNameEd"_s, u"Bildname"_s);
+    fileNameEd_ = Named<QLineEdit>(u"FileNameEd"_s);
     fileVarCombo_ =
         ChoiceBox(u"FileVarCombo"_s, {u"LEER"_s, u"DATUM"_s, u"UID"_s, u"Zufall 8 Zeichen"_s,
                                       u"Zufall 6 Zeichen"_s, u"Zufall 4 Zeichen"_s});
@@ -130,7 +130,7 @@ void TEinstellungenFm::MakeGeneralControls() {
     imageCount_ = ChoiceBox(u"ImageCount"_s, layouts);
     printProfileBox_ = Named<controls::ClearableComboBox>(
         u"PrintProfileBox"_s, u"Druckprofile, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
-    frameSize_ = Named<QLineEdit>(u"FrameSize"_s, u"20"_s);
+    frameSize_ = Named<QLineEdit>(u"FrameSize"_s);
     frameSize_->setValidator(
         new QRegularExpressionValidator(QRegularExpression(u"\\d+"_s), frameSize_));
     printAfterCrop_ = Named<QCheckBox>(
@@ -183,7 +183,6 @@ QWidget* TEinstellungenFm::BuildOptionsPage() {
     imgAutoRotate_ = Named<QRadioButton>(u"ImgAutoRotate"_s, u"Bild automatisch drehen"_s);
     imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach Rechts drehen"_s);
     imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"Bild nach Links drehen"_s);
-    imgAutoRotate_->setChecked(true);
 
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
@@ -200,22 +199,23 @@ QWidget* TEinstellungenFm::BuildOptionsPage() {
     return page;
 }
 
+/// Sets each control to its value while nothing is stored, and hands it to the store.
 void TEinstellungenFm::FillPropertyStore() {
     for (const core::ProfileEntry& entry : core::ProfileRecord) {
         auto* control = findChild<QWidget*>(entry.control);
-        switch (entry.property) {
-            case core::ProfileProperty::Checked:
-                propertyStore_.AddChecked(dynamic_cast<QAbstractButton&>(*control));
-                break;
-            case core::ProfileProperty::Text:
-                propertyStore_.AddText(dynamic_cast<QLineEdit&>(*control));
-                break;
-            case core::ProfileProperty::ItemIndex:
-                propertyStore_.AddItemIndex(dynamic_cast<QComboBox&>(*control));
-                break;
-            case core::ProfileProperty::List:
-                propertyStore_.AddList(dynamic_cast<QComboBox&>(*control));
-                break;
+        if (entry.property == core::ProfileProperty::Checked) {
+            auto& button = dynamic_cast<QAbstractButton&>(*control);
+            button.setChecked(entry.checked);
+            propertyStore_.AddChecked(button);
+        } else if (entry.property == core::ProfileProperty::Text) {
+            auto& field = dynamic_cast<QLineEdit&>(*control);
+            field.setText(entry.text);
+            propertyStore_.AddText(field);
+        } else {
+            auto& box = dynamic_cast<QComboBox&>(*control);
+            box.setCurrentIndex(entry.itemIndex);
+            entry.property == core::ProfileProperty::List ? propertyStore_.AddList(box)
+                                                          : propertyStore_.AddItemIndex(box);
         }
     }
 }

@@ -2,53 +2,68 @@
 
 #include <QString>
 
+#include "core/settings/ProfileRecord.h"
+
 namespace kadrona::core {
 
 /// The live settings: every getter bears the name of the settings dialog's control that holds the
 /// value and reads it at the moment of the call. Nobody keeps a copy.
+///
+/// What answers (the dialog's controls, a stored profile, a test) implements the three that take an
+/// entry of ProfileRecord.
 class Settings {
  public:
     virtual ~Settings() = default;
 
+    virtual bool Checked(const ProfileEntry& entry) const = 0;
+    /// -1 is no choice.
+    virtual int ItemIndex(const ProfileEntry& entry) const = 0;
+    /// The text of a field, or of a list's choice.
+    virtual QString Text(const ProfileEntry& entry) const = 0;
+
     /// Automatic white balance when a photo is opened.
-    virtual bool AutoWhiteBalance() const = 0;
+    bool AutoWhiteBalance() const { return Checked(EntryOf("AutoWhiteBalance")); }
     /// Prefix of generated file names.
-    virtual QString FileNameEd() const = 0;
+    QString FileNameEd() const { return Text(EntryOf("FileNameEd")); }
     /// 0 "JPG", 1 "JP2".
-    virtual int FileTypCombo() const = 0;
+    int FileTypCombo() const { return ItemIndex(EntryOf("FileTypCombo")); }
     /// Variable part of generated file names, 0 to 5.
-    virtual int FileVarCombo() const = 0;
+    int FileVarCombo() const { return ItemIndex(EntryOf("FileVarCombo")); }
     /// White gap between the photos of a sheet in pixels, as the text of its field.
-    virtual QString FrameSize() const = 0;
+    QString FrameSize() const { return Text(EntryOf("FrameSize")); }
     /// File every single photo in the archive.
-    virtual bool ImageAutoSave() const = 0;
+    bool ImageAutoSave() const { return Checked(EntryOf("ImageAutoSave")); }
     /// Save right after the photos were made.
-    virtual bool ImageAutoSave2() const = 0;
+    bool ImageAutoSave2() const { return Checked(EntryOf("ImageAutoSave2")); }
     /// Index of the sheet layout that new photos start with; -1 none.
-    virtual int ImageCount() const = 0;
+    int ImageCount() const { return ItemIndex(EntryOf("ImageCount")); }
     /// Folder of the archive; not part of a profile.
-    virtual QString ImageDestinationDir() const = 0;
+    QString ImageDestinationDir() const { return Text(ArchiveFolderEntry); }
     /// Folder that saved photos go to.
-    virtual QString ImageSaveDir() const = 0;
+    QString ImageSaveDir() const { return Text(EntryOf("ImageSaveDir")); }
     /// What turns a photo after it was opened: its own orientation, or a fixed quarter turn.
-    virtual bool ImgAutoRotate() const = 0;
-    virtual bool ImgRotateLeft() const = 0;
-    virtual bool ImgRotateRight() const = 0;
+    bool ImgAutoRotate() const { return Checked(EntryOf("ImgAutoRotate")); }
+    bool ImgRotateLeft() const { return Checked(EntryOf("ImgRotateLeft")); }
+    bool ImgRotateRight() const { return Checked(EntryOf("ImgRotateRight")); }
     /// Print right after the photos were made.
-    virtual bool PrintAfterCrop() const = 0;
-    /// Index of the default printer profile; -1 none.
-    virtual int PrintProfileBox() const = 0;
+    bool PrintAfterCrop() const { return Checked(EntryOf("PrintAfterCrop")); }
+    /// Index of the default printer profile in the list of the day it was stored; -1 none.
+    int PrintProfileBox() const { return ItemIndex(EntryOf("PrintProfileBox")); }
+    /// Its name.
+    QString PrintProfileBoxText() const { return Text(EntryOf("PrintProfileBox")); }
     /// Turn the single photo by 90 degrees before it is repeated.
-    virtual bool RotateBeforeTileImg() const = 0;
+    bool RotateBeforeTileImg() const { return Checked(EntryOf("RotateBeforeTileImg")); }
     /// Scale quickly saved photos to 413 by 531 pixels.
-    virtual bool ScaleImageCk() const = 0;
-    /// Index of the default template; -1 none.
-    virtual int SchabloneBox() const = 0;
+    bool ScaleImageCk() const { return Checked(EntryOf("ScaleImageCk")); }
+    /// Index of the default template in the list of the day it was stored; -1 none.
+    int SchabloneBox() const { return ItemIndex(EntryOf("SchabloneBox")); }
+    /// Its name.
+    QString SchabloneBoxText() const { return Text(EntryOf("SchabloneBox")); }
     /// The four that follow switch a tool off when on, whatever their names say.
-    virtual bool ShowBlackWhite() const = 0;
-    virtual bool ShowGradation() const = 0;
-    virtual bool ShowRotate() const = 0;
-    virtual bool WhiteBalancePipette() const = 0;
+    bool ShowBlackWhite() const { return Checked(EntryOf("ShowBlackWhite")); }
+    bool ShowGradation() const { return Checked(EntryOf("ShowGradation")); }
+    bool ShowRotate() const { return Checked(EntryOf("ShowRotate")); }
+    bool WhiteBalancePipette() const { return Checked(EntryOf("WhiteBalancePipette")); }
 };
 
 /// The gap between photos in pixels: the decimal value of the FrameSize text. Throws

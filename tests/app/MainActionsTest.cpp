@@ -60,24 +60,24 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
 }
 
 TEST(Actions, AreHiddenByTheSettingThatSwitchesThemOff) {
-    const std::map<QString, bool FakeSettings::*> switches{
-        {u"acGradation"_s, &FakeSettings::showGradation},
-        {u"acSchwarzweiss"_s, &FakeSettings::showBlackWhite},
-        {u"acRotateDlg"_s, &FakeSettings::showRotate},
-        {u"acSetWhitePoint"_s, &FakeSettings::whiteBalancePipette},
-        {u"acPrintImage"_s, &FakeSettings::printAfterCrop},
-        {u"acSave"_s, &FakeSettings::printAfterCrop},
-        {u"acSaveImageFast"_s, &FakeSettings::printAfterCrop}};
+    const std::map<QString, QString> switches{{u"acGradation"_s, u"ShowGradation"_s},
+                                              {u"acSchwarzweiss"_s, u"ShowBlackWhite"_s},
+                                              {u"acRotateDlg"_s, u"ShowRotate"_s},
+                                              {u"acSetWhitePoint"_s, u"WhiteBalancePipette"_s},
+                                              {u"acPrintImage"_s, u"PrintAfterCrop"_s},
+                                              {u"acSave"_s, u"PrintAfterCrop"_s},
+                                              {u"acSaveImageFast"_s, u"PrintAfterCrop"_s}};
     for (const app::ActionDefinition& definition : app::ActionDefinitions()) {
         const QString name = QString::fromUtf16(definition.name);
         FakeSettings settings;
         EXPECT_TRUE(app::StateOf(definition, SinglePhoto, settings).visible) << name.toStdString();
-        settings.showGradation = settings.showBlackWhite = settings.showRotate =
-            settings.whiteBalancePipette = settings.printAfterCrop = true;
+        for (const auto& [action, setting] : switches) {
+            settings[setting] = true;
+        }
         EXPECT_EQ(app::StateOf(definition, SinglePhoto, settings).visible, !switches.contains(name))
             << name.toStdString();
         if (switches.contains(name)) {
-            settings.*switches.at(name) = false;
+            settings[switches.at(name)] = false;
             EXPECT_TRUE(app::StateOf(definition, SinglePhoto, settings).visible)
                 << name.toStdString();
         }

@@ -99,7 +99,7 @@ TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
     OpenPhoto(photo);
     view.Image().SetLayerRectangle(1, QRect(0, 0, 2, 2));
     data.SetFrameSize(2);
-    settings.rotateBeforeTileImg = true;
+    settings[u"RotateBeforeTileImg"_s] = true;
     data.CropImage(view, 5);
     EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"wwwwwwww",  //
                                                           "wgywwgyw",  //
@@ -111,7 +111,7 @@ TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMak
     OpenPhoto(Grey(500, 600));
     data.CropImage(view, 0);
     EXPECT_EQ(ui.tagEditorShown, 0);
-    settings.imageAutoSave = true;
+    settings[u"ImageAutoSave"_s] = true;
     OpenPhoto(Grey(500, 600));
     data.CropImage(view, 0);
     EXPECT_EQ(ui.tagEditorShown, 1);
@@ -119,7 +119,7 @@ TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMak
 }
 
 TEST_F(PassportPhotos, AnArchiveThatFailsIsToldOfAndStillMakesTheSheet) {
-    settings.imageAutoSave = true;
+    settings[u"ImageAutoSave"_s] = true;
     ui.tags = QStringList(u"Anna"_s);
     OpenPhoto(Grey(500, 600));
     data.CropImage(view, 0);
@@ -154,7 +154,7 @@ TEST_F(PassportPhotos, BrightnessIsTheWholeThirdOfTheAverages) {
 
 TEST_F(PassportPhotos, AnOpenedPhotoIsTurnedAsTheSettingsSay) {
     view.Image().Open(imaging::Pixels(Picture({"rg"})), {});
-    settings.imgRotateLeft = true;
+    settings[u"ImgRotateLeft"_s] = true;
     core::TurnOpenedPhoto(settings, view.Image());
     EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"g", "r"})));
 }

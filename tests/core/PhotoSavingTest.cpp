@@ -113,9 +113,9 @@ TEST_F(PhotoSaving, ACancelledDialogLeavesNoTrace) {
 }
 
 TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
-    settings.imageSaveDir = folder;
+    settings[u"ImageSaveDir"_s] = folder;
     EXPECT_EQ(data.SaveFolder(), folder);
-    settings.imageSaveDir = installation.Path("missing");
+    settings[u"ImageSaveDir"_s] = installation.Path("missing");
     EXPECT_EQ(data.SaveFolder(), QString());
     // With neither folder the root is meant, as in every path built on a missing folder.
     data.SaveImage(view, {}, Saved("root.bmp").mid(1), false);
@@ -124,18 +124,18 @@ TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
     ui.saveFile = Saved("chosen.jpg");
     data.SaveImage(view, data.SaveFolder(), {}, false);
     EXPECT_EQ(data.SaveFolder(), folder + u'/');
-    settings.imageSaveDir = Saved("chosen.jpg");
+    settings[u"ImageSaveDir"_s] = Saved("chosen.jpg");
     EXPECT_EQ(data.SaveFolder(), folder + u'/') << "a file is no folder";
 }
 
 TEST_F(PhotoSaving, TheRootIsAFolderLikeAnyOther) {
-    settings.imageSaveDir = u"/"_s;
+    settings[u"ImageSaveDir"_s] = u"/"_s;
     ui.saveFile = u"/Bildname.xyz"_s;
     EXPECT_THROW(data.SaveImage(view, data.SaveFolder(), {}, false), imaging::WriteError);
     EXPECT_EQ(ui.saveDialogs.first().initialFolder, u"/"_s);
     EXPECT_EQ(data.LastSaveFolder(), u"/"_s);
 
-    settings.imageSaveDir.clear();
+    settings[u"ImageSaveDir"_s] = QString();
     const QString error = TextOf<imaging::WriteError>(
         [&] { data.SaveImage(view, data.SaveFolder(), u"Bildname.xyz"_s, false); });
     EXPECT_TRUE(error.contains(u"„/Bildname.xyz“"_s)) << qPrintable(error);

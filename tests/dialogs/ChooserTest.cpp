@@ -32,7 +32,7 @@ class TemplateChooser : public ::testing::Test {
 };
 
 TEST_F(TemplateChooser, ConfirmsItselfWithTheDefaultTemplate) {
-    settings.schabloneBox = 1;
+    settings[u"SchabloneBox"_s] = 1;
     driver.Expect(u"SchabloneFm"_s, [](QWidget&) {});
     EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_EQ(chooser.SelectedTemplate(), 1);
@@ -55,9 +55,9 @@ TEST_F(TemplateChooser, CannotBeClosedWithoutASelection) {
 }
 
 TEST_F(TemplateChooser, TurnsThePhotoByItsButtonsAndTheSettings) {
-    settings.schabloneBox = 0;
-    settings.imgRotateLeft = true;
-    settings.imgRotateRight = true;
+    settings[u"SchabloneBox"_s] = 0;
+    settings[u"ImgRotateLeft"_s] = true;
+    settings[u"ImgRotateRight"_s] = true;
     chooser.findChild<QTimer*>(u"Timer"_s)->setInterval(10000);
     driver.Expect(u"SchabloneFm"_s, [this](QWidget& shown) {
         EXPECT_EQ(turns, (QList<int>{+90, -90}));

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QVariantMap>
 
 #include "core/Data.h"
 #include "core/UserInterface.h"
@@ -38,45 +39,27 @@ class FakeInterface : public core::UserInterface {
     int tagEditorShown = 0;
 };
 
-/// Settings with the dialog's design values; the ones that a test needs can be set.
+/// Settings with the values of a profile that stored nothing; those that a test needs can be set by
+/// their names.
 class FakeSettings : public core::Settings {
  public:
-    bool AutoWhiteBalance() const override { return autoWhiteBalance; }
-    QString FileNameEd() const override { return QStringLiteral("Bildname"); }
-    int FileTypCombo() const override { return 0; }
-    int FileVarCombo() const override { return 0; }
-    QString FrameSize() const override { return frameSize; }
-    bool ImageAutoSave() const override { return imageAutoSave; }
-    bool ImageAutoSave2() const override { return false; }
-    int ImageCount() const override { return 0; }
-    QString ImageDestinationDir() const override { return {}; }
-    QString ImageSaveDir() const override { return imageSaveDir; }
-    bool ImgAutoRotate() const override { return true; }
-    bool ImgRotateLeft() const override { return imgRotateLeft; }
-    bool ImgRotateRight() const override { return imgRotateRight; }
-    bool PrintAfterCrop() const override { return printAfterCrop; }
-    int PrintProfileBox() const override { return -1; }
-    bool RotateBeforeTileImg() const override { return rotateBeforeTileImg; }
-    bool ScaleImageCk() const override { return false; }
-    int SchabloneBox() const override { return schabloneBox; }
-    bool ShowBlackWhite() const override { return showBlackWhite; }
-    bool ShowGradation() const override { return showGradation; }
-    bool ShowRotate() const override { return showRotate; }
-    bool WhiteBalancePipette() const override { return whiteBalancePipette; }
+    QVariant& operator[](const QString& control) { return values_[control]; }
 
-    QString frameSize = QStringLiteral("25");
-    bool autoWhiteBalance = false;
-    bool imageAutoSave = false;
-    QString imageSaveDir;
-    bool imgRotateLeft = false;
-    bool imgRotateRight = false;
-    bool printAfterCrop = false;
-    bool rotateBeforeTileImg = false;
-    int schabloneBox = -1;
-    bool showBlackWhite = false;
-    bool showGradation = false;
-    bool showRotate = false;
-    bool whiteBalancePipette = false;
+    bool Checked(const core::ProfileEntry& entry) const override {
+        return values_.value(entry.control, entry.checked).toBool();
+    }
+    int ItemIndex(const core::ProfileEntry& entry) const override {
+        return values_.value(entry.control, entry.itemIndex).toInt();
+    }
+    /// A list's text is set by the name of its control and "Text".
+    QString Text(const core::ProfileEntry& entry) const override {
+        const bool list = entry.property == core::ProfileProperty::List;
+        return values_.value(entry.control + QLatin1StringView(list ? "Text" : ""), entry.text)
+            .toString();
+    }
+
+ private:
+    QVariantMap values_;
 };
 
 /// A program folder with templates and an empty place for data, gone with the object. The user's
