@@ -1,7 +1,6 @@
 #include "platform/IniContent.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "platform/Error.h"
 #include "platform/IniLine.h"
@@ -172,11 +171,12 @@ bool IniContent::SetValue(const QString& section, const QString& key, const QStr
 }
 
 QStringView IniContent::LastLine() const {
-    for (const Block& block : std::views::reverse(blocks_)) {
-        for (const QStringView line : std::views::reverse(block.lines)) {
-            if (!line.isEmpty()) {
-                return line;
-            }
+    for (size_t block = blocks_.size(); block > 0; --block) {
+        const std::vector<QStringView>& lines = blocks_[block - 1].lines;
+        const auto line = std::find_if_not(lines.rbegin(), lines.rend(),
+                                           [](QStringView text) { return text.isEmpty(); });
+        if (line != lines.rend()) {
+            return *line;
         }
     }
     return {};
