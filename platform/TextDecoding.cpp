@@ -12,10 +12,6 @@ constexpr std::array<char16_t, 32> Windows1252 = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-QChar FromWindows1252(uchar byte) {
-    return byte >= 0x80 && byte < 0xA0 ? QChar(Windows1252[byte - 0x80]) : QChar(ushort(byte));
-}
-
 /// Number of bytes of the valid UTF-8 sequence that starts at `position`, 0 where there is none.
 qsizetype SequenceLength(QByteArrayView bytes, qsizetype position) {
     const auto lead = uchar(bytes[position]);
@@ -35,6 +31,10 @@ qsizetype SequenceLength(QByteArrayView bytes, qsizetype position) {
 }
 
 }  // namespace
+
+QChar FromWindows1252(uchar byte) {
+    return byte >= 0x80 && byte < 0xA0 ? QChar(Windows1252[byte - 0x80]) : QChar(ushort(byte));
+}
 
 QString DecodeText(QByteArrayView bytes) {
     QString text;

@@ -2,20 +2,23 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <array>
 #include <string_view>
+
+#include "platform/TextDecoding.h"
 
 namespace kadrona::store {
 
 namespace {
 
-/// What the codes 128 to 159 of Windows-1252 stand for; the five that it leaves open stand for the
-/// control characters of their number. From 160 on code and character are the same.
-constexpr std::array<char32_t, 32> Windows1252{
-    0x20ac, 0x0081, 0x201a, 0x0192, 0x201e, 0x2026, 0x2020, 0x2021, 0x02c6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008d, 0x017d, 0x008f, 0x0090, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022,
-    0x2013, 0x2014, 0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178};
+/// True for what the codes 128 to 159 of Windows-1252 stand for.
+bool IsOfMiddleCodes(char32_t character) {
+    for (int code = 128; code < 160; ++code) {
+        if (platform::FromWindows1252(static_cast<uchar>(code)).unicode() == character) {
+            return true;
+        }
+    }
+    return false;
+}
 
 bool IsSeparator(char32_t character) {
     constexpr std::u32string_view Others = U" *+',-/:;<=>\\`";
@@ -28,8 +31,7 @@ bool BuildsWords(char32_t character) {
         return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
                (character >= 'A' && character <= 'Z') || character == '_';
     }
-    return (character >= 160 && character <= 254) ||
-           std::find(Windows1252.begin(), Windows1252.end(), character) != Windows1252.end();
+    return (character >= 160 && character <= 254) || IsOfMiddleCodes(character);
 }
 
 /// The lower case of a character that builds words.

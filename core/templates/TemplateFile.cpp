@@ -26,12 +26,12 @@ constexpr qsizetype ShapeOffset = IntegerBytes * static_cast<qsizetype>(Integers
 constexpr qsizetype NameOffset = ShapeOffset + 1;
 static_assert(NameOffset + 1 + LongestName == TemplateElementBytes);
 
-/// One byte at a time, so that no two of them read as UTF-8: a lone byte above 0x7F never does and
-/// is taken as Windows-1252.
 QString NameOfBytes(QByteArrayView bytes) {
     QString name;
-    for (const char& byte : bytes) {
-        name += platform::DecodeText(QByteArrayView(&byte, 1));
+    for (const char byte : bytes) {
+        if (byte != '\0') {
+            name += platform::FromWindows1252(static_cast<uchar>(byte));
+        }
     }
     return name;
 }
@@ -43,9 +43,8 @@ char ByteOfCharacter(QChar character) {
         return static_cast<char>(code);
     }
     for (int byte = 0x80; byte < 0xA0; ++byte) {
-        const char candidate = static_cast<char>(byte);
-        if (platform::DecodeText(QByteArrayView(&candidate, 1)) == character) {
-            return candidate;
+        if (platform::FromWindows1252(static_cast<uchar>(byte)) == character) {
+            return static_cast<char>(byte);
         }
     }
     return '?';

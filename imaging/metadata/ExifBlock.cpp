@@ -78,7 +78,7 @@ QByteArray Directory(const Fields& fields, quint32 offset) {
     return directory + values;
 }
 
-Fields ImageFields(DotsPerInch resolution, const ImageMetadata& metadata) {
+Fields ImageFields(DotsPerInch resolution, const WrittenMetadata& metadata) {
     constexpr quint16 Inch = 2;
     constexpr quint16 Centred = 1;
     Fields fields;
@@ -108,7 +108,7 @@ Fields ExifFields(QSize size) {
 
 }  // namespace
 
-QByteArray ExifBlock(QSize size, DotsPerInch resolution, const ImageMetadata& metadata) {
+QByteArray ExifBlock(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata) {
     Fields fields = ImageFields(resolution, metadata);
     fields.push_back(Long(0x8769, 0));  // where the EXIF directory stands
     const qsizetype imageBytes = Directory(fields, HeaderBytes).size();

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QSize>
 
-#include "imaging/metadata/ImageMetadata.h"
+#include "imaging/metadata/WrittenMetadata.h"
 #include "imaging/pixels/Resolution.h"
 
 namespace kadrona::imaging {
@@ -11,6 +11,6 @@ namespace kadrona::imaging {
 /// A small TIFF file with what the EXIF standard (CIPA DC-008, tables 4 and 5) demands of a colour
 /// picture: resolution in dots per inch, sRGB, size in pixels; and the metadata. An unknown
 /// resolution is left out.
-QByteArray ExifBlock(QSize size, DotsPerInch resolution, const ImageMetadata& metadata);
+QByteArray ExifBlock(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata);
 
 }  // namespace kadrona::imaging

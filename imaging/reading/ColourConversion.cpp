@@ -135,31 +135,6 @@ void MultiplyInksOut(QImage& image, bool inverted) {
     });
 }
 
-QImage Rounded16BitOverWhite(const QImage& image) {
-    constexpr qint64 White = 65535;
-    QImage result = NewImage(image.size(), QImage::Format_RGB32);
-    uchar* const target = result.bits();
-    const qsizetype stride = result.bytesPerLine();
-    cv::parallel_for_({0, image.height()}, [&](const cv::Range& rows) {
-        for (int y = rows.start; y < rows.end; ++y) {
-            const auto* in = reinterpret_cast<const quint16*>(image.constScanLine(y));
-            uchar* out = target + y * stride;
-            for (int x = 0; x < image.width(); ++x, in += 4, out += 4) {
-                const qint64 alpha = in[3];
-                const auto over = [alpha](qint64 channel) {
-                    const qint64 sum = channel * alpha + White * (White - alpha);
-                    return static_cast<uchar>((sum * 255 + White * White / 2) / (White * White));
-                };
-                out[0] = over(in[2]);
-                out[1] = over(in[1]);
-                out[2] = over(in[0]);
-                out[3] = 255;
-            }
-        }
-    });
-    return result;
-}
-
 }  // namespace
 
 bool IsSrgbProfile(const QByteArray& profile) {
@@ -176,26 +151,6 @@ void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) 
     } else if (IsCmyk(model)) {
         MultiplyInksOut(image, model == ColourModel::InvertedCmyk);
     }
-}
-
-QImage LaidOverWhite(QImage image) {
-    if (image.format() == QImage::Format_RGBA64) {
-        return Rounded16BitOverWhite(image);
-    }
-    if (image.format() == QImage::Format_ARGB32) {
-        ForEachRow(image, [](uchar* row, int width) {
-            for (uchar* pixel = row; pixel < row + 4 * qsizetype{width}; pixel += 4) {
-                const int alpha = pixel[3];
-                for (int channel = 0; channel < 3; ++channel) {
-                    pixel[channel] = static_cast<uchar>(
-                        DividedBy255(pixel[channel] * alpha + 255 * (255 - alpha)));
-                }
-                pixel[3] = 255;
-            }
-        });
-        image.reinterpretAsFormat(QImage::Format_RGB32);
-    }
-    return image;
 }
 
 }  // namespace kadrona::imaging

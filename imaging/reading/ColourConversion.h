@@ -18,8 +18,4 @@ bool IsSrgbProfile(const QByteArray& profile);
 /// are, inks are multiplied out. Conversion is relative colorimetric with black point compensation.
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile);
 
-/// The picture over white, as QImage::Format_RGB32. In place for QImage::Format_ARGB32; an image
-/// of QImage::Format_RGBA64 is rounded to 8 bits a channel.
-QImage LaidOverWhite(QImage image);
-
 }  // namespace kadrona::imaging

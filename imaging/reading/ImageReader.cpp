@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <new>
 
+#include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/reading/JpegReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"

@@ -6,22 +6,9 @@
 #include "imaging/metadata/Iptc.h"
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resolution.h"
-#include "platform/Error.h"
+#include "imaging/reading/ReadError.h"
 
 namespace kadrona::imaging {
-
-/// An image file could not be read: it is damaged, of no known format, empty or too large. The text
-/// names the file and the reason.
-class ReadError : public platform::FileError {
-    using FileError::FileError;
-};
-
-struct ReadOptions {
-    /// Turn and mirror the picture as its EXIF orientation says.
-    bool applyOrientation = true;
-    /// A file with more pixels is refused before anything of its size is allocated.
-    qint64 maximumPixels = 200'000'000;
-};
 
 struct LoadedImage {
     /// sRGB, opaque (alpha is laid over white).

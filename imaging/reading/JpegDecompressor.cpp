@@ -5,7 +5,7 @@
 namespace kadrona::imaging {
 
 JpegDecompressor::JpegDecompressor(QIODevice& device) {
-    info_.err = jpeg_std_error(&errors_);
+    info_.err = &errors_;
     errors_.error_exit = &HandleError;
     errors_.emit_message = &HandleMessage;
     Run([](j_decompress_ptr info) { jpeg_create_decompress(info); });
@@ -34,9 +34,8 @@ void JpegDecompressor::AttachSource(QIODevice& device) {
 }
 
 void JpegDecompressor::Exit(j_common_ptr info, JpegFault fault) {
-    auto* errors = static_cast<ErrorManager*>(info->err);
-    errors->fault = fault;
-    std::longjmp(errors->exit, 1);
+    static_cast<ErrorManager*>(info->err)->fault = fault;
+    JpegErrors::Leave(info);
 }
 
 void JpegDecompressor::HandleError(j_common_ptr info) {

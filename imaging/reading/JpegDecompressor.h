@@ -2,13 +2,8 @@
 
 #include <QIODevice>
 #include <array>
-#include <csetjmp>
-#include <cstdio>
 
-// jpeglib.h does not include what it needs.
-// clang-format off
-#include <jpeglib.h>
-// clang-format on
+#include "imaging/codec/JpegErrors.h"
 
 namespace kadrona::imaging {
 
@@ -27,14 +22,12 @@ class JpegDecompressor {
 
     jpeg_decompress_struct& Info() { return info_; }
 
-    /// Runs a step that calls libjpeg; throws JpegFault. libjpeg leaves a failing step by longjmp:
-    /// no object with a destructor may live in it, and it must not throw.
+    /// Runs a step as JpegErrors::Run does; throws JpegFault.
     template <typename Step>
     void Run(const Step& step) {
-        if (setjmp(errors_.exit) != 0) {
+        if (!errors_.Run([&] { step(&info_); })) {
             throw errors_.fault;
         }
-        step(&info_);
     }
 
     /// Reads on to the end marker. Throws JpegFault where much data comes first: the pixels were
@@ -48,10 +41,9 @@ class JpegDecompressor {
     static constexpr size_t BufferSize = 1 << 16;
 
     // libjpeg knows these by their first member alone.
-    struct ErrorManager : jpeg_error_mgr {
-        std::jmp_buf exit;
-        JpegFault fault;
-        bool pixelsAreRead;
+    struct ErrorManager : JpegErrors {
+        JpegFault fault = JpegFault::Damaged;
+        bool pixelsAreRead = false;
     };
     struct Source : jpeg_source_mgr {
         QIODevice* device;
@@ -70,7 +62,7 @@ class JpegDecompressor {
 
     jpeg_decompress_struct info_ = {};
     jpeg_progress_mgr progress_ = {};
-    ErrorManager errors_ = {};
+    ErrorManager errors_;
     Source source_ = {};
 };
 

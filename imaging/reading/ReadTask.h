@@ -6,7 +6,7 @@
 
 #include "imaging/metadata/FileMetadata.h"
 #include "imaging/reading/ColourConversion.h"
-#include "imaging/reading/ImageReader.h"
+#include "imaging/reading/ReadError.h"
 
 namespace kadrona::imaging {
 

@@ -1,8 +1,9 @@
+#include "imaging/writing/BmpWriter.h"
+
 #include <QDataStream>
 #include <limits>
 #include <vector>
 
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
 
@@ -38,7 +39,7 @@ QByteArray Headers(const RowSource& rows, quint32 pixelBytes, DotsPerInch resolu
 }  // namespace
 
 void WriteBmp(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-              const ImageMetadata& /*metadata*/) {
+              const WrittenMetadata& /*metadata*/) {
     const RowSource rows(pixels, ChannelOrder::BlueFirst);
     // Rows begin at multiples of four bytes.
     const qint64 stride = (rows.BytesPerRow() + 3) / 4 * 4;

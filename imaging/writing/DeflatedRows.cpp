@@ -9,7 +9,7 @@
 #include <opencv2/core/utility.hpp>
 #include <vector>
 
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/FormatWriting.h"
 
 namespace kadrona::imaging {
 

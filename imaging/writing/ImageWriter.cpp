@@ -6,7 +6,12 @@
 #include <array>
 #include <new>
 
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/BmpWriter.h"
+#include "imaging/writing/Jpeg2000Writer.h"
+#include "imaging/writing/JpegWriter.h"
+#include "imaging/writing/PdfWriter.h"
+#include "imaging/writing/PngWriter.h"
+#include "imaging/writing/TiffWriter.h"
 #include "platform/AtomicFile.h"
 
 using namespace Qt::StringLiterals;
@@ -17,8 +22,7 @@ namespace {
 
 struct Format {
     QLatin1StringView extension;
-    void (*write)(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-                  const ImageMetadata& metadata);
+    FormatWriter* write;
 };
 
 constexpr std::array Formats{
@@ -41,7 +45,7 @@ const Format& FormatOf(const QString& path) {
 }
 
 void Write(const QString& path, const Pixels& pixels, DotsPerInch resolution,
-           const ImageMetadata& metadata) {
+           const WrittenMetadata& metadata) {
     const Format& format = FormatOf(path);
     if (pixels.IsEmpty()) {
         throw platform::Error(u"Das Bild ist leer."_s);
@@ -62,7 +66,7 @@ QStringList WritableExtensions() {
 }
 
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
-                    const ImageMetadata& metadata) {
+                    const WrittenMetadata& metadata) {
     const auto text = [&](const QString& reason) {
         return u"Die Datei „%1“ konnte nicht gespeichert werden: %2"_s.arg(
             QDir::toNativeSeparators(path), reason);
@@ -79,7 +83,8 @@ void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resol
     }
 }
 
-QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution, const ImageMetadata& metadata) {
+QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution,
+                      const WrittenMetadata& metadata) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     WriteJpeg(buffer, pixels, resolution, metadata);

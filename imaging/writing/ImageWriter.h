@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "imaging/metadata/ImageMetadata.h"
+#include "imaging/metadata/WrittenMetadata.h"
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resolution.h"
 #include "platform/Error.h"
@@ -25,10 +25,10 @@ QStringList WritableExtensions();
 /// it. A grid is written row by row and never unrolled. Alpha is laid over white. Throws
 /// WriteError.
 void WriteImageFile(const QString& path, const Pixels& pixels, DotsPerInch resolution,
-                    const ImageMetadata& metadata = {});
+                    const WrittenMetadata& metadata = {});
 
 /// The bytes of such a JPEG file. Throws platform::Error.
 QByteArray EncodeJpeg(const Pixels& pixels, DotsPerInch resolution = {},
-                      const ImageMetadata& metadata = {});
+                      const WrittenMetadata& metadata = {});
 
 }  // namespace kadrona::imaging

@@ -1,3 +1,5 @@
+#include "imaging/writing/Jpeg2000Writer.h"
+
 #include <openjpeg.h>
 
 #include <QDataStream>
@@ -8,7 +10,6 @@
 #include <vector>
 
 #include "imaging/metadata/ExifBlock.h"
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
 
@@ -40,12 +41,6 @@ constexpr int MaximumWidth = 65535;
 
 /// Largest resolution that the box can hold.
 constexpr int MaximumDotsPerInch = 65535;
-
-/// Where OpenJPEG writes to, and why it failed.
-struct Target {
-    QIODevice& device;
-    QString reason;
-};
 
 template <auto Destroy>
 struct Release {
@@ -79,7 +74,7 @@ QByteArray ResolutionBox(DotsPerInch resolution) {
 }
 
 /// Everything before the codestream.
-QByteArray Header(QSize size, DotsPerInch resolution, const ImageMetadata& metadata) {
+QByteArray Header(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata) {
     constexpr quint16 Channels = RowSource::BytesPerPixel;
     constexpr quint8 EightBits = 7;
     constexpr quint8 WaveletCompression = 7;
@@ -101,21 +96,13 @@ QByteArray Header(QSize size, DotsPerInch resolution, const ImageMetadata& metad
 }
 
 OPJ_SIZE_T WriteToDevice(void* bytes, OPJ_SIZE_T count, void* user) {
-    auto* target = static_cast<Target*>(user);
-    const auto length = static_cast<qint64>(count);
-    if (target->device.write(static_cast<const char*>(bytes), length) != length) {
-        target->reason = FailureOf(target->device);
-        return static_cast<OPJ_SIZE_T>(-1);
-    }
-    return count;
+    auto* target = static_cast<CodecTarget*>(user);
+    return target->Write(bytes, static_cast<qint64>(count)) ? count : static_cast<OPJ_SIZE_T>(-1);
 }
 
 void KeepReason(const char* message, void* user) {
-    auto* target = static_cast<Target*>(user);
-    if (target->reason.isEmpty()) {
-        target->reason =
-            u"Das JPEG-2000-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message).trimmed());
-    }
+    static_cast<CodecTarget*>(user)->KeepReason(
+        u"Das JPEG-2000-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message).trimmed()));
 }
 
 int RowsPerStrip(const RowSource& rows) {
@@ -188,7 +175,7 @@ bool WriteStrips(opj_codec_t* codec, opj_stream_t* stream, const RowSource& rows
     return true;
 }
 
-bool WriteCodestream(Target& target, const RowSource& rows) {
+bool WriteCodestream(CodecTarget& target, const RowSource& rows) {
     const Image image = ImageOf({rows.Width(), rows.Height()});
     const Codec codec(opj_create_compress(OPJ_CODEC_J2K));
     const Stream stream(opj_stream_default_create(OPJ_FALSE));
@@ -209,7 +196,7 @@ bool WriteCodestream(Target& target, const RowSource& rows) {
 }  // namespace
 
 void WriteJpeg2000(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-                   const ImageMetadata& metadata) {
+                   const WrittenMetadata& metadata) {
     if (pixels.Width() > MaximumWidth) {
         throw platform::Error(
             u"JPEG 2000 kann höchstens %1 Bildpunkte breit geschrieben werden, das Bild hat %2."_s
@@ -225,9 +212,9 @@ void WriteJpeg2000(QIODevice& device, const Pixels& pixels, DotsPerInch resoluti
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     const QByteArray header = Header(pixels.Size(), resolution, metadata);
     WriteBytes(device, header.constData(), header.size());
-    Target target{device, {}};
+    CodecTarget target{device};
     if (!WriteCodestream(target, rows)) {
-        throw platform::Error(target.reason);
+        target.Fail();
     }
 }
 

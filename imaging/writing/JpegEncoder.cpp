@@ -1,18 +1,17 @@
 #include "imaging/writing/JpegEncoder.h"
 
+#include <jerror.h>
+
 #include <QByteArrayView>
 #include <algorithm>
 #include <array>
-#include <csetjmp>
-#include <cstdio>
 #include <cstdlib>
+#include <new>
 
-// Needs what <cstdio> declares.
-#include <jpeglib.h>
-
+#include "imaging/codec/JpegErrors.h"
 #include "imaging/metadata/ExifBlock.h"
 #include "imaging/metadata/PhotoshopBlock.h"
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/FormatWriting.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
@@ -23,26 +22,10 @@ namespace {
 
 constexpr int Quality = 95;
 
-struct ErrorManager {
-    jpeg_error_mgr base;
-    std::jmp_buf jump;
-    std::array<char, JMSG_LENGTH_MAX> message;
-};
-
-[[noreturn]] void JumpOnError(j_common_ptr info) {
-    auto* errors = reinterpret_cast<ErrorManager*>(info->err);
-    info->err->format_message(info, errors->message.data());
-    std::longjmp(errors->jump, 1);
-}
-
 /// A libjpeg compressor that writes into memory.
 class Compressor {
  public:
-    Compressor() {
-        info_.err = jpeg_std_error(&errors_.base);
-        errors_.base.error_exit = JumpOnError;
-        errors_.base.output_message = [](j_common_ptr) {};
-    }
+    Compressor() { info_.err = &errors_; }
     ~Compressor() {
         Output();
         jpeg_destroy_compress(&info_);
@@ -51,15 +34,18 @@ class Compressor {
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
 
-    /// Runs calls of libjpeg; what fails in one throws platform::Error. An error leaves `steps` by
-    /// longjmp: nothing with a destructor may live in there.
+    /// Runs steps as JpegErrors::Run does; what fails throws platform::Error.
     template <typename Steps>
     void Run(const Steps& steps) {
-        if (setjmp(errors_.jump) != 0) {
-            throw platform::Error(u"Das JPEG-Verfahren meldet „%1“."_s.arg(
-                QString::fromUtf8(errors_.message.data())));
+        if (errors_.Run([&] { steps(info_); })) {
+            return;
         }
-        steps(info_);
+        if (errors_.msg_code == JERR_OUT_OF_MEMORY) {
+            throw std::bad_alloc();
+        }
+        const auto message = JpegErrors::Message(reinterpret_cast<j_common_ptr>(&info_));
+        throw platform::Error(
+            u"Das JPEG-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message.data())));
     }
 
     /// Prepares a picture of `size` and emits what comes before its restart intervals. `segments`
@@ -97,7 +83,7 @@ class Compressor {
 
  private:
     jpeg_compress_struct info_ = {};
-    ErrorManager errors_ = {};
+    JpegErrors errors_;
     unsigned char* buffer_ = nullptr;
     unsigned long bytes_ = 0;
 };
@@ -125,7 +111,7 @@ std::vector<QByteArray> SplitAtMarkers(QByteArrayView scan) {
 
 }  // namespace
 
-QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetadata& metadata) {
+QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata) {
     const QByteArray profile = SrgbProfile();
     const bool known = resolution.value > 0;
     QByteArray exif;

@@ -4,7 +4,7 @@
 #include <QSize>
 #include <vector>
 
-#include "imaging/metadata/ImageMetadata.h"
+#include "imaging/metadata/WrittenMetadata.h"
 #include "imaging/pixels/Resolution.h"
 #include "imaging/writing/RowSource.h"
 
@@ -29,7 +29,7 @@ constexpr int JpegMaximumDotsPerInch = 65535;
 
 /// Everything before the entropy-coded data. `size` and `resolution` are within the limits above.
 /// Throws platform::Error.
-QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const ImageMetadata& metadata);
+QByteArray EncodeJpegHeader(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata);
 
 /// The entropy-coded data of the MCU rows `first` to `first + count - 1`, without markers. `rows`
 /// have red first. Throws platform::Error.

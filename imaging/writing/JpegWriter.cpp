@@ -1,9 +1,10 @@
+#include "imaging/writing/JpegWriter.h"
+
 #include <algorithm>
 #include <array>
 #include <numeric>
 #include <opencv2/core/utility.hpp>
 
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/JpegEncoder.h"
 #include "platform/Error.h"
 
@@ -90,7 +91,7 @@ class ScanWriter {
 }  // namespace
 
 void WriteJpeg(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-               const ImageMetadata& metadata) {
+               const WrittenMetadata& metadata) {
     if (std::max(pixels.Width(), pixels.Height()) > JpegMaximumLength) {
         throw platform::Error(
             u"JPEG fasst höchstens %1 Bildpunkte in jeder Richtung, das Bild hat %2 × %3."_s

@@ -1,16 +1,47 @@
 #include "imaging/writing/PdfFile.h"
 
+#include <vector>
+
 #include "imaging/writing/DeflatedRows.h"
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/FormatWriting.h"
 
 namespace kadrona::imaging {
 
-PdfFile::PdfFile(QIODevice& device) : device_(device) {
-    Append("%PDF-1.4\n%\xe2\xe3\xcf\xd3\n");  // four bytes that say that it is binary
+namespace {
+
+/// The objects in the order in which they stand in the file.
+enum class Object { Catalogue = 1, Pages, Page, Content, Image, ImageLength, Profile, Information };
+
+/// "N 0 R"
+QByteArray Reference(Object object) {
+    return QByteArray::number(static_cast<int>(object)) + " 0 R";
 }
 
-QByteArray PdfFile::Reference(int object) {
-    return QByteArray::number(object) + " 0 R";
+/// Writes a file object by object, in the order of their numbers.
+class PdfFile {
+ public:
+    explicit PdfFile(QIODevice& device);
+
+    void AppendObject(const QByteArray& content);
+    /// `entries` of the stream's dictionary, without its length.
+    void AppendStream(const QByteArray& entries, const QByteArray& bytes);
+    /// Two objects: a lossless image and the length of its stream.
+    void AppendImage(const RowSource& rows);
+    /// The table of objects and the trailer.
+    void Finish();
+
+ private:
+    void Append(const QByteArray& text);
+    void Begin();
+    void End();
+
+    QIODevice& device_;
+    /// Where the objects begin.
+    std::vector<qint64> offsets_;
+};
+
+PdfFile::PdfFile(QIODevice& device) : device_(device) {
+    Append("%PDF-1.4\n%\xe2\xe3\xcf\xd3\n");  // four bytes that say that it is binary
 }
 
 void PdfFile::Append(const QByteArray& text) {
@@ -37,15 +68,15 @@ void PdfFile::AppendStream(const QByteArray& entries, const QByteArray& bytes) {
                  " >>\nstream\n" + bytes + "\nendstream");
 }
 
-void PdfFile::AppendImage(const RowSource& rows, int profile) {
+void PdfFile::AppendImage(const RowSource& rows) {
     const QByteArray width = QByteArray::number(rows.Width());
-    const auto length = static_cast<int>(offsets_.size()) + 2;
     Begin();
     Append("<< /Type /XObject /Subtype /Image /Width " + width + " /Height " +
-           QByteArray::number(rows.Height()) + " /ColorSpace [/ICCBased " + Reference(profile) +
+           QByteArray::number(rows.Height()) + " /ColorSpace [/ICCBased " +
+           Reference(Object::Profile) +
            "] /BitsPerComponent 8 /Interpolate false /Filter /FlateDecode /DecodeParms <<" +
            " /Predictor 11 /Colors 3 /BitsPerComponent 8 /Columns " + width + " >> /Length " +
-           Reference(length) + " >>\nstream\n");
+           Reference(Object::ImageLength) + " >>\nstream\n");
     const qint64 begin = device_.pos();
     WriteDeflatedRows(device_, rows);
     const qint64 bytes = device_.pos() - begin;
@@ -54,20 +85,35 @@ void PdfFile::AppendImage(const RowSource& rows, int profile) {
     AppendObject(QByteArray::number(bytes));
 }
 
-void PdfFile::AppendSrgbProfile() {
-    AppendStream("/N 3 /Alternate /DeviceRGB", SrgbProfile());
-}
-
-void PdfFile::Finish(int root, int info) {
+void PdfFile::Finish() {
     const qint64 table = device_.pos();
     const QByteArray count = QByteArray::number(offsets_.size() + 1);
     QByteArray text = "xref\n0 " + count + "\n0000000000 65535 f \n";
     for (const qint64 offset : offsets_) {
         text += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
     }
-    text += "trailer\n<< /Size " + count + " /Root " + Reference(root) + " /Info " +
-            Reference(info) + " >>\nstartxref\n" + QByteArray::number(table) + "\n%%EOF\n";
+    text += "trailer\n<< /Size " + count + " /Root " + Reference(Object::Catalogue) + " /Info " +
+            Reference(Object::Information) + " >>\nstartxref\n" + QByteArray::number(table) +
+            "\n%%EOF\n";
     Append(text);
+}
+
+}  // namespace
+
+void WritePdfFile(QIODevice& device, const PdfPage& page, const RowSource& picture) {
+    PdfFile file(device);
+    file.AppendObject("<< /Type /Catalog /Pages " + Reference(Object::Pages) +
+                      page.catalogueEntries + " >>");
+    file.AppendObject("<< /Type /Pages /Count 1 /Kids [" + Reference(Object::Page) + "] >>");
+    file.AppendObject("<< /Type /Page /Parent " + Reference(Object::Pages) + " /MediaBox [0 0 " +
+                      page.width + ' ' + page.height + "] /Contents " + Reference(Object::Content) +
+                      " /Resources << /XObject << /Image " + Reference(Object::Image) +
+                      " >> >> >>");
+    file.AppendStream({}, page.content);
+    file.AppendImage(picture);
+    file.AppendStream("/N 3 /Alternate /DeviceRGB", SrgbProfile());
+    file.AppendObject(page.information);
+    file.Finish();
 }
 
 }  // namespace kadrona::imaging

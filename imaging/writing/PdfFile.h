@@ -2,43 +2,27 @@
 
 #include <QByteArray>
 #include <QIODevice>
-#include <vector>
 
 #include "imaging/writing/RowSource.h"
 
 namespace kadrona::imaging {
 
-/// Writes a PDF file (ISO 32000-1) object by object, in the order of their numbers from 1. Throws
-/// platform::Error with the bare reason.
-class PdfFile {
- public:
-    /// `device` is open for writing, empty and outlives the object.
-    explicit PdfFile(QIODevice& device);
-
-    /// "N 0 R"
-    static QByteArray Reference(int object);
-
-    void AppendObject(const QByteArray& content);
-    /// `entries` of the stream's dictionary, without its length.
-    void AppendStream(const QByteArray& entries, const QByteArray& bytes);
-    /// Two objects: a lossless image and the length of its stream. `profile` is the object of its
-    /// colour profile.
-    void AppendImage(const RowSource& rows, int profile);
-    /// The colour profile of sRGB.
-    void AppendSrgbProfile();
-
-    /// The table of objects and the trailer; `root` and `info` are the objects of the catalogue and
-    /// of the information dictionary.
-    void Finish(int root, int info);
-
- private:
-    void Append(const QByteArray& text);
-    void Begin();
-    void End();
-
-    QIODevice& device_;
-    /// Where the objects begin.
-    std::vector<qint64> offsets_;
+/// The page of a PDF file that shows one picture. QPdfWriter was weighed: it rounds the page to
+/// whole points and writes the picture once for each copy. All texts are PDF syntax.
+struct PdfPage {
+    /// In points, 72 to the inch.
+    QByteArray width;
+    QByteArray height;
+    /// What draws on the page; the picture is called /Image and fills the unit square.
+    QByteArray content;
+    /// More entries of the catalogue; begin with a blank.
+    QByteArray catalogueEntries = {};
+    /// The dictionary of information.
+    QByteArray information = "<< >>";
 };
+
+/// Writes a PDF file (ISO 32000-1) of that page: the picture lossless, in sRGB. `device` is open
+/// for writing and empty. Throws platform::Error with the bare reason.
+void WritePdfFile(QIODevice& device, const PdfPage& page, const RowSource& picture);
 
 }  // namespace kadrona::imaging

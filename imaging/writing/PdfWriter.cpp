@@ -1,6 +1,7 @@
+#include "imaging/writing/PdfWriter.h"
+
 #include <limits>
 
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/PdfFile.h"
 #include "platform/Error.h"
 
@@ -12,13 +13,6 @@ namespace kadrona::imaging {
 namespace {
 
 constexpr qint64 PointsPerInch = 72;
-
-/// The objects in the order in which they stand in the file.
-enum class Object { Catalogue = 1, Pages, Page, Content, Image, ImageLength, Profile, Info };
-
-QByteArray Reference(Object object) {
-    return PdfFile::Reference(static_cast<int>(object));
-}
 
 /// Points that so many pixels measure, a third of a nanometre less at most. Never exactly as many
 /// and never more: readers take a page that ends where a pixel begins for one pixel larger.
@@ -35,7 +29,7 @@ QByteArray LiteralString(QByteArray text) {
     return '(' + text + ')';
 }
 
-QByteArray InfoDictionary(const ImageMetadata& metadata) {
+QByteArray InfoDictionary(const WrittenMetadata& metadata) {
     if (metadata.software.isEmpty()) {
         return "<< >>";
     }
@@ -46,25 +40,16 @@ QByteArray InfoDictionary(const ImageMetadata& metadata) {
 }  // namespace
 
 void WritePdf(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-              const ImageMetadata& metadata) {
+              const WrittenMetadata& metadata) {
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     if (rows.BytesPerRow() * rows.Height() > std::numeric_limits<quint32>::max()) {
         throw platform::Error(u"Das Bild ist zu groß: PDF wird bis 4 GiB geschrieben."_s);
     }
     const QByteArray width = Points(pixels.Width(), resolution);
     const QByteArray height = Points(pixels.Height(), resolution);
-    PdfFile file(device);
-    file.AppendObject("<< /Type /Catalog /Pages " + Reference(Object::Pages) + " >>");
-    file.AppendObject("<< /Type /Pages /Count 1 /Kids [" + Reference(Object::Page) + "] >>");
-    file.AppendObject("<< /Type /Page /Parent " + Reference(Object::Pages) + " /MediaBox [0 0 " +
-                      width + ' ' + height + "] /Contents " + Reference(Object::Content) +
-                      " /Resources << /XObject << /Image " + Reference(Object::Image) +
-                      " >> >> >>");
-    file.AppendStream({}, width + " 0 0 " + height + " 0 0 cm /Image Do");
-    file.AppendImage(rows, static_cast<int>(Object::Profile));
-    file.AppendSrgbProfile();
-    file.AppendObject(InfoDictionary(metadata));
-    file.Finish(static_cast<int>(Object::Catalogue), static_cast<int>(Object::Info));
+    PdfPage page{width, height, width + " 0 0 " + height + " 0 0 cm /Image Do"};
+    page.information = InfoDictionary(metadata);
+    WritePdfFile(device, page, rows);
 }
 
 }  // namespace kadrona::imaging

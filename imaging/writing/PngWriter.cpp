@@ -1,10 +1,11 @@
+#include "imaging/writing/PngWriter.h"
+
 #include <png.h>
 
 #include <array>
 #include <csetjmp>
 #include <vector>
 
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
 
@@ -21,7 +22,7 @@ constexpr int Filter = PNG_FILTER_SUB;
 /// Owns libpng's structures for writing a file.
 class PngFile {
  public:
-    explicit PngFile(QIODevice& device) : device_(device) {
+    explicit PngFile(QIODevice& device) : target_{device} {
         png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, JumpOnError, [](auto, auto) {});
         info_ = png_ ? png_create_info_struct(png_) : nullptr;
         if (!info_) {
@@ -39,7 +40,7 @@ class PngFile {
     template <typename Steps>
     void Run(const Steps& steps) {
         if (setjmp(jump_) != 0) {
-            throw platform::Error(reason_);
+            target_.Fail();
         }
         steps(png_, info_);
     }
@@ -47,30 +48,26 @@ class PngFile {
  private:
     [[noreturn]] static void JumpOnError(png_structp png, png_const_charp message) {
         auto* self = static_cast<PngFile*>(png_get_error_ptr(png));
-        if (self->reason_.isEmpty()) {
-            self->reason_ = u"Das PNG-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message));
-        }
+        self->target_.KeepReason(
+            u"Das PNG-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message)));
         std::longjmp(self->jump_, 1);
     }
 
     static void WriteToDevice(png_structp png, png_bytep bytes, size_t count) {
         auto* self = static_cast<PngFile*>(png_get_io_ptr(png));
-        const auto length = static_cast<qint64>(count);
-        if (self->device_.write(reinterpret_cast<const char*>(bytes), length) != length) {
-            self->reason_ = FailureOf(self->device_);
+        if (!self->target_.Write(bytes, static_cast<qint64>(count))) {
             png_error(png, "");
         }
     }
 
-    QIODevice& device_;
+    CodecTarget target_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     std::jmp_buf jump_ = {};
-    QString reason_;
 };
 
 void WriteHeader(png_structp png, png_infop info, const RowSource& rows, DotsPerInch resolution,
-                 const ImageMetadata& metadata) {
+                 const WrittenMetadata& metadata) {
     constexpr int BitsPerChannel = 8;
     png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
     png_set_IHDR(png, info, static_cast<png_uint_32>(rows.Width()),
@@ -95,7 +92,7 @@ void WriteHeader(png_structp png, png_infop info, const RowSource& rows, DotsPer
 }  // namespace
 
 void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-              const ImageMetadata& metadata) {
+              const WrittenMetadata& metadata) {
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     std::vector<uchar> row(static_cast<size_t>(rows.BytesPerRow()));
     PngFile file(device);

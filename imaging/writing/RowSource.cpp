@@ -1,26 +1,11 @@
 #include "imaging/writing/RowSource.h"
 
-#include <QPainter>
 #include <cstring>
 #include <opencv2/imgproc.hpp>
 
-#include "imaging/pixels/NewImage.h"
+#include "imaging/pixels/LaidOverWhite.h"
 
 namespace kadrona::imaging {
-
-namespace {
-
-QImage LaidOverWhite(const QImage& tile) {
-    if (!tile.hasAlphaChannel()) {
-        return tile;
-    }
-    QImage opaque = NewImage(tile.size(), QImage::Format_RGB32);
-    opaque.fill(Qt::white);
-    QPainter(&opaque).drawImage(0, 0, tile);
-    return opaque;
-}
-
-}  // namespace
 
 RowSource::RowSource(const Pixels& pixels, ChannelOrder order)
     : tile_(LaidOverWhite(pixels.Tile())),

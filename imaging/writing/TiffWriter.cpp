@@ -1,3 +1,5 @@
+#include "imaging/writing/TiffWriter.h"
+
 #include <tiffio.h>
 
 #include <algorithm>
@@ -5,7 +7,6 @@
 #include <memory>
 #include <vector>
 
-#include "imaging/writing/FormatWriters.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
 
@@ -21,23 +22,12 @@ constexpr qint64 StripBytes = 262'144;
 /// Higher levels take twice the time for less than a tenth of the size.
 constexpr int DeflateLevel = 1;
 
-/// Where libtiff writes to, and why it failed.
-struct Target {
-    QIODevice& device;
-    QString reason;
-};
-
 tmsize_t WriteToDevice(thandle_t handle, void* bytes, tmsize_t count) {
-    auto* target = static_cast<Target*>(handle);
-    const qint64 written = target->device.write(static_cast<const char*>(bytes), count);
-    if (written != count) {
-        target->reason = FailureOf(target->device);
-    }
-    return written;
+    return static_cast<CodecTarget*>(handle)->Write(bytes, count) ? count : -1;
 }
 
 toff_t SeekInDevice(thandle_t handle, toff_t offset, int whence) {
-    auto* target = static_cast<Target*>(handle);
+    auto* target = static_cast<CodecTarget*>(handle);
     QIODevice& device = target->device;
     auto position = static_cast<qint64>(offset);
     if (whence == SEEK_CUR) {
@@ -46,18 +36,15 @@ toff_t SeekInDevice(thandle_t handle, toff_t offset, int whence) {
         position += device.size();
     }
     if (!device.seek(position)) {
-        target->reason = FailureOf(device);
+        target->KeepReason(FailureOf(device));
         return static_cast<toff_t>(-1);
     }
     return static_cast<toff_t>(position);
 }
 
 int KeepReason(TIFF*, void* handle, const char*, const char* format, va_list arguments) {
-    auto* target = static_cast<Target*>(handle);
-    if (target->reason.isEmpty()) {
-        target->reason =
-            u"Das TIFF-Verfahren meldet „%1“."_s.arg(QString::vasprintf(format, arguments));
-    }
+    static_cast<CodecTarget*>(handle)->KeepReason(
+        u"Das TIFF-Verfahren meldet „%1“."_s.arg(QString::vasprintf(format, arguments)));
     return 1;
 }
 
@@ -66,7 +53,7 @@ struct CloseTiff {
 };
 using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
 
-TiffFile OpenTiff(Target& target) {
+TiffFile OpenTiff(CodecTarget& target) {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
         TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), KeepReason, &target);
@@ -76,7 +63,7 @@ TiffFile OpenTiff(Target& target) {
         "", "w", &target, [](thandle_t, void*, tmsize_t) { return tmsize_t{-1}; }, WriteToDevice,
         SeekInDevice, [](thandle_t) { return 0; },
         [](thandle_t handle) {
-            return static_cast<toff_t>(static_cast<Target*>(handle)->device.size());
+            return static_cast<toff_t>(static_cast<CodecTarget*>(handle)->device.size());
         },
         nullptr, nullptr, options.get()));
 }
@@ -87,7 +74,7 @@ int RowsPerStrip(const RowSource& rows) {
 }
 
 bool SetFields(TIFF* tiff, const RowSource& rows, DotsPerInch resolution,
-               const ImageMetadata& metadata) {
+               const WrittenMetadata& metadata) {
     const QByteArray profile = SrgbProfile();
     bool done =
         TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<quint32>(rows.Width())) &&
@@ -135,16 +122,16 @@ bool WriteStrips(TIFF* tiff, const RowSource& rows) {
 }  // namespace
 
 void WriteTiff(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
-               const ImageMetadata& metadata) {
+               const WrittenMetadata& metadata) {
     const RowSource rows(pixels, ChannelOrder::RedFirst);
     if (rows.BytesPerRow() * rows.Height() > std::numeric_limits<quint32>::max()) {
         throw platform::Error(u"Das Bild ist zu groß: TIFF fasst höchstens 4 GiB."_s);
     }
-    Target target{device, {}};
+    CodecTarget target{device};
     const TiffFile file = OpenTiff(target);
     if (!file || !SetFields(file.get(), rows, resolution, metadata) ||
         !WriteStrips(file.get(), rows)) {
-        throw platform::Error(target.reason);
+        target.Fail();
     }
 }
 

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "WriterFixture.h"
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/FormatWriting.h"
 #include "tests/support/FileSizeLimit.h"
 
 using namespace Qt::StringLiterals;

@@ -12,13 +12,6 @@ namespace {
 
 constexpr double PointsPerMillimetre = 72 / 25.4;
 
-/// The objects in the order in which they stand in the file.
-enum class Object { Catalogue = 1, Pages, Page, Content, Image, ImageLength, Profile, Info };
-
-QByteArray Reference(Object object) {
-    return imaging::PdfFile::Reference(static_cast<int>(object));
-}
-
 /// Points to a millionth.
 QByteArray Points(double points) {
     return QByteArray::number(points, 'f', 6);
@@ -55,21 +48,11 @@ void WriteJobPage(QIODevice& device, const PrintImage& image, QSizeF paperMillim
         content.prepend("0 1 -1 0 " + Points(paper.width()) + " 0 cm\n");
     }
 
-    imaging::PdfFile file(device);
-    file.AppendObject("<< /Type /Catalog /Pages " + Reference(Object::Pages) +
-                      " /ViewerPreferences << /PrintScaling /None >> >>");
-    file.AppendObject("<< /Type /Pages /Count 1 /Kids [" + Reference(Object::Page) + "] >>");
-    file.AppendObject("<< /Type /Page /Parent " + Reference(Object::Pages) + " /MediaBox [0 0 " +
-                      Points(paper.width()) + ' ' + Points(paper.height()) + "] /Contents " +
-                      Reference(Object::Content) + " /Resources << /XObject << /Image " +
-                      Reference(Object::Image) + " >> >> >>");
-    file.AppendStream({}, content);
-    file.AppendImage(
-        imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst),
-        static_cast<int>(Object::Profile));
-    file.AppendSrgbProfile();
-    file.AppendObject("<< >>");
-    file.Finish(static_cast<int>(Object::Catalogue), static_cast<int>(Object::Info));
+    const imaging::PdfPage written{Points(paper.width()), Points(paper.height()), content,
+                                   " /ViewerPreferences << /PrintScaling /None >>"};
+    imaging::WritePdfFile(
+        device, written,
+        imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst));
 }
 
 }  // namespace kadrona::printing::cups

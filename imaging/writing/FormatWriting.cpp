@@ -1,11 +1,33 @@
-#include "imaging/writing/FormatWriters.h"
+#include "imaging/writing/FormatWriting.h"
 
 #include <QColorSpace>
 #include <cmath>
+#include <new>
 
 #include "platform/Error.h"
 
 namespace kadrona::imaging {
+
+bool CodecTarget::Write(const void* bytes, qint64 count) {
+    if (device.write(static_cast<const char*>(bytes), count) == count) {
+        return true;
+    }
+    KeepReason(FailureOf(device));
+    return false;
+}
+
+void CodecTarget::KeepReason(const QString& failure) {
+    if (reason.isEmpty()) {
+        reason = failure;
+    }
+}
+
+void CodecTarget::Fail() const {
+    if (reason.isEmpty()) {
+        throw std::bad_alloc();
+    }
+    throw platform::Error(reason);
+}
 
 void WriteBytes(QIODevice& device, const void* bytes, qint64 count) {
     if (device.write(static_cast<const char*>(bytes), count) != count) {

@@ -7,7 +7,7 @@
 namespace kadrona::imaging {
 
 /// What is written into an image file beside its pixels and its resolution.
-struct ImageMetadata {
+struct WrittenMetadata {
     /// Name of the program that made the file, ASCII; empty writes none.
     QByteArray software;
     /// Written into JPEG files alone.
