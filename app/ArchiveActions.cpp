@@ -9,7 +9,7 @@
 #include "core/settings/Settings.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetTiling.h"
-#include "dialogs/ArchiveSearch.h"
+#include "dialogs/ArchiveWindow.h"
 #include "imaging/document/ImageDisplay.h"
 
 using namespace Qt::StringLiterals;

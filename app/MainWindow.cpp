@@ -18,7 +18,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "core/Product.h"
 #include "dialogs/About.h"
-#include "dialogs/ArchiveSearch.h"
+#include "dialogs/ArchiveWindow.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"

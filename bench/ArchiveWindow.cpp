@@ -2,6 +2,8 @@
 // the call to the first painted cards, and how long a frame takes while it is scrolled. In a window
 // of 1920 x 1080 pixels, in processor time, so that whatever else the machine does is left out.
 
+#include "dialogs/ArchiveWindow.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QScrollBar>
@@ -18,7 +20,6 @@
 #include "controls/fields/FindPanel.h"
 #include "controls/theme/Theme.h"
 #include "core/Data.h"
-#include "dialogs/ArchiveSearch.h"
 #include "dialogs/ImageTags.h"
 
 using namespace Qt::StringLiterals;

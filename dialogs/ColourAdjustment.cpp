@@ -10,7 +10,7 @@
 
 #include "dialogs/AdjustmentPage.h"
 #include "dialogs/BeforeAfterView.h"
-#include "dialogs/Placement.h"
+#include "dialogs/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 

@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 #include "core/archive/ArchiveTable.h"
-#include "dialogs/Placement.h"
+#include "dialogs/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 

@@ -9,8 +9,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include "dialogs/Placement.h"
 #include "dialogs/RotationPreview.h"
+#include "dialogs/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 

@@ -76,7 +76,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void done(int result) override;
 
  private:
-    // Construction (SettingsDialogLayout.cpp)
+    // Construction (SettingsDialog_Layout.cpp)
     void BuildControls();
     QWidget* BuildProfilePanel();
     void MakeGeneralControls();

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "controls/messages/ActionGuard.h"
+#include "platform/HarmlessText.h"
 
 namespace kadrona::controls {
 namespace {
@@ -41,9 +42,12 @@ const LoadedCard& CardCache::Load(qint64 key) {
     try {
         loaded->card = source_->ReadCard(key);
         loaded->card.text.truncate(LongestText);
+        for (QString Card::*text : {&Card::heading, &Card::title, &Card::detail, &Card::text}) {
+            loaded->card.*text = platform::HarmlessLine(loaded->card.*text);
+        }
         loaded->picture = Decoded(source_->ReadPicture(key));
     } catch (...) {
-        loaded->failure = FailureText(std::current_exception());
+        loaded->failure = platform::HarmlessText(FailureText(std::current_exception()));
     }
     return *loaded;
 }

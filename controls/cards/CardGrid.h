@@ -1,25 +1,29 @@
 #pragma once
 
-#include <QAbstractScrollArea>
-#include <QBasicTimer>
+#include <QListView>
 #include <chrono>
 #include <optional>
 #include <vector>
 
-#include "controls/cards/CardCache.h"
-#include "controls/cards/CardLayout.h"
-#include "controls/cards/CardPainter.h"
-#include "controls/cards/SmoothScroll.h"
+#include "controls/cards/CardSource.h"
 
 namespace kadrona::controls {
 
+class CardDelegate;
+class CardModel;
+
 /// Any number of cards in rows, of which only the visible ones are read. One card is the current
 /// one as long as there are any; arrows, Home, End and the page keys move it, Return and a double
-/// click open it.
+/// click open it. The columns are as many as fit and together as wide as the view:
+///
+///     +--------------------------+
+///     |  [ 0 ]   [ 1 ]   [ 2 ]   |
+///     |  [ 3 ]   [ 4 ]           |
+///     +--------------------------+
 ///
 /// A frame takes no longer for reading than the loading budget: what did not come in time shows as
 /// an empty frame and follows in the next one. So scrolling is smooth however slow the source is.
-class CardGrid : public QAbstractScrollArea {
+class CardGrid : public QListView {
     Q_OBJECT
 
  public:
@@ -36,7 +40,7 @@ class CardGrid : public QAbstractScrollArea {
     };
     /// The keys of all cards in the order in which they stand, each only once.
     void SetCards(std::vector<qint64> keys, Position position);
-    const std::vector<qint64>& Cards() const { return keys_; }
+    const std::vector<qint64>& Cards() const;
 
     /// Key of the current card; nothing when there are no cards.
     std::optional<qint64> Current() const;
@@ -51,8 +55,12 @@ class CardGrid : public QAbstractScrollArea {
     /// At least one card is read in each frame.
     void SetLoadingBudget(std::chrono::microseconds budget) { budget_ = budget; }
 
-    /// Where a card is shown, in pixels of the viewport; it may lie outside.
+    /// Where a card is shown, in pixels of the viewport; it may lie outside. The space between two
+    /// cards belongs to them half and half.
     QRect CardRectangle(int index) const;
+
+    /// Does nothing: it would read the whole archive for the card whose text begins with a letter.
+    void keyboardSearch(const QString& /*search*/) override {}
 
  Q_SIGNALS:
     /// Another card is the current one, or none any more.
@@ -61,45 +69,20 @@ class CardGrid : public QAbstractScrollArea {
     void CardOpened(qint64 key);
 
  protected:
-    bool viewportEvent(QEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void scrollContentsBy(int dx, int dy) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
 
  private:
-    void Arrange();
-    void ArrangeAround(int anchor);
-    void FitPictures();
-    int Anchor() const;
-    void SetCurrentIndex(int index);
-    void EnsureVisible(int index);
-    void SetHovered(int index);
-    void UpdateCard(int index);
-    void Describe();
-    std::optional<int> KeyTarget(const QKeyEvent& event) const;
-    CardLayout::Range VisibleCards() const;
-    void PaintCards(QPainter& painter, const QRect& area);
-    void PaintEmpty(QPainter& painter) const;
-    QString TipOf(int index) const;
-    int CardUnder(QPoint viewportPosition) const;
+    void FitCards();
+    void FitAround();
+    void PaintEmpty();
 
-    std::vector<qint64> keys_;
-    int current_ = -1;
-    int hovered_ = -1;
-    CardPainter painter_;
-    CardLayout layout_;
-    CardCache cache_;
-    SmoothScroll scroll_;
-    QBasicTimer remaining_;
+    CardModel* cards_;
+    CardDelegate* delegate_;
+    int columns_ = 1;
     std::chrono::microseconds budget_{8000};
     QString emptyHeading_;
     QString emptyHint_;

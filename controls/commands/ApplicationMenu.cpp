@@ -4,7 +4,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -73,20 +72,11 @@ QWidget* ApplicationMenu::MakeSidePane() {
     description_->setTextFormat(Qt::PlainText);
     description_->setWordWrap(true);
     description_->hide();
-    sideItems_ = new QListWidget(pane);
-    sideItems_->setObjectName(u"SideItems"_s);
-    sideItems_->setSizeAdjustPolicy(QListWidget::AdjustToContents);
-    sideItems_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Maximum);
-    sideItems_->setMaximumHeight(320);
-    sideItems_->hide();
-    connect(sideItems_, &QListWidget::itemClicked, this,
-            [this] { CloseAndChoose(sideItems_->currentRow()); });
     auto* layout = new QVBoxLayout(pane);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->setSpacing(8);
     layout->addWidget(heading_);
     layout->addWidget(description_);
-    layout->addWidget(sideItems_);
     layout->addStretch();
     return pane;
 }
@@ -106,12 +96,6 @@ void ApplicationMenu::SetSidePane(const QString& heading, const QString& descrip
     heading_->setText(heading);
     description_->setText(description);
     description_->setVisible(!description.isEmpty());
-}
-
-void ApplicationMenu::SetSideItems(const QStringList& items) {
-    sideItems_->clear();
-    sideItems_->addItems(items);
-    sideItems_->setVisible(!items.isEmpty());
 }
 
 void ApplicationMenu::SetFootAction(QAction* action) {
@@ -209,12 +193,6 @@ void ApplicationMenu::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_End:
             FocusEnd(true);
             break;
-        case Qt::Key_Right:
-            sideItems_->setFocus(Qt::TabFocusReason);
-            break;
-        case Qt::Key_Left:
-            FocusEnd(false);
-            break;
         case Qt::Key_Return:
         case Qt::Key_Enter:
             Trigger();
@@ -241,9 +219,7 @@ bool ApplicationMenu::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ApplicationMenu::Trigger() {
-    if (sideItems_->hasFocus()) {
-        CloseAndChoose(sideItems_->currentRow());
-    } else if (auto* button = qobject_cast<QAbstractButton*>(focusWidget())) {
+    if (auto* button = qobject_cast<QAbstractButton*>(focusWidget())) {
         button->click();
     }
 }
@@ -251,13 +227,6 @@ void ApplicationMenu::Trigger() {
 void ApplicationMenu::CloseAndTrigger(QAction* action) {
     hide();
     action->trigger();
-}
-
-void ApplicationMenu::CloseAndChoose(int row) {
-    if (row >= 0) {
-        hide();
-        Q_EMIT SideItemChosen(row);
-    }
 }
 
 }  // namespace kadrona::controls

@@ -1,12 +1,10 @@
 #pragma once
 
 #include <QFrame>
-#include <QStringList>
 
 class QAction;
 class QBoxLayout;
 class QLabel;
-class QListWidget;
 class QPushButton;
 
 namespace kadrona::controls {
@@ -16,7 +14,7 @@ namespace kadrona::controls {
 ///     +----------------+--------------------+
 ///     | [] Open  Ctrl+N| Heading            |
 ///     | [] ...         | description        |
-///     | -------------- | list               |
+///     | -------------- |                    |
 ///     | [] Quit  Ctrl+Q|                    |
 ///     +----------------+--------------------+
 ///     |                           [Settings]|
@@ -38,17 +36,11 @@ class ApplicationMenu : public QFrame {
     /// Heading of the side pane with an optional description below (plain texts).
     void SetSidePane(const QString& heading, const QString& description = {});
 
-    /// Optional entries below the description; SideItemChosen tells which one the user took.
-    void SetSideItems(const QStringList& items);
-
     /// The one button at the foot. Object name: the action's name + "FootButton".
     void SetFootAction(QAction* action);
 
     /// Shows the menu below `anchor`, within the screen, with the first entry focused.
     void PopUp(const QWidget& anchor);
-
- Q_SIGNALS:
-    void SideItemChosen(int index);
 
  protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -62,12 +54,10 @@ class ApplicationMenu : public QFrame {
     void JumpTo(QChar letter);
     void Trigger();
     void CloseAndTrigger(QAction* action);
-    void CloseAndChoose(int row);
 
     QBoxLayout* entries_;
     QLabel* heading_ = nullptr;
     QLabel* description_ = nullptr;
-    QListWidget* sideItems_ = nullptr;
     QPushButton* footButton_;
 };
 

@@ -15,7 +15,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
-#include "dialogs/Placement.h"
+#include "dialogs/WindowPlacement.h"
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/tone/CurveFile.h"
 #include "imaging/view/ImageView.h"

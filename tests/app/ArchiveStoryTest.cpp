@@ -69,7 +69,9 @@ class ArchiveStory : public Story {
 
     static void DoubleClickFirst(QWidget& shown) {
         auto* grid = shown.findChild<controls::CardGrid*>(u"CardGrid"_s);
-        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->CardRectangle(0).center());
+        const QPoint first = grid->CardRectangle(0).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, first);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, first);
     }
 };
 

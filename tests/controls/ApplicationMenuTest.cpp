@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -93,19 +92,6 @@ TEST_F(ApplicationMenuTest, EnterSpaceAndClickTrigger) {
     open_.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     QTest::keyClick(&area_, Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(triggered_.join(u' '), u"acOpen acClose acShowConfig acOpenWithProfile acOpen"_s);
-}
-
-TEST_F(ApplicationMenuTest, SideItemsAreChosenByKeyboard) {
-    Menu().SetSideItems({u"a"_s, u"b"_s});
-    QSignalSpy chosen(&Menu(), &ApplicationMenu::SideItemChosen);
-    area_.Application().OpenMenu();
-    Press(Qt::Key_Right);
-    EXPECT_EQ(Focused(), u"SideItems"_s);
-    Menu().findChild<QListWidget*>(u"SideItems"_s)->setCurrentRow(1);
-    Press(Qt::Key_Return);
-    ASSERT_EQ(chosen.count(), 1);
-    EXPECT_EQ(chosen[0][0].toInt(), 1);
-    EXPECT_FALSE(Menu().isVisible());
 }
 
 }  // namespace

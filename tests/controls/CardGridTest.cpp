@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QHelpEvent>
 #include <QImage>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
 #include <numeric>
 #include <set>
 
@@ -52,34 +55,6 @@ std::vector<qint64> Keys(int count) {
     std::vector<qint64> keys(static_cast<size_t>(count));
     std::iota(keys.rbegin(), keys.rend(), 1);
     return keys;
-}
-
-TEST(CardLayoutTest, FillsTheWidthAndFindsCardsByPlace) {
-    struct Row {
-        int cards, width, columns, cardWidth, height;
-    };
-    for (const auto& [cards, width, columns, cardWidth, height] :
-         {Row{7, 430, 2, 200, 4 * 310 + 10}, Row{7, 429, 2, 199, 4 * 310 + 10},
-          Row{7, 390, 2, 180, 4 * 310 + 10}, Row{7, 389, 1, 369, 7 * 310 + 10},
-          Row{1, 50, 1, 30, 320}, Row{0, 0, 1, 1, 10}}) {
-        const CardLayout layout(cards, width, {180, 300});
-        EXPECT_EQ(layout.Columns(), columns) << width;
-        EXPECT_EQ(layout.CardSize(), QSize(cardWidth, 300)) << width;
-        EXPECT_EQ(layout.ContentHeight(), height) << width;
-    }
-    const CardLayout layout(7, 430, {180, 300});
-    EXPECT_EQ(layout.CardAt(3), QRect(220, 320, 200, 300));
-    EXPECT_EQ(layout.CardUnder({220, 320}), 3);
-    EXPECT_EQ(layout.CardUnder({219, 320}), -1);
-    EXPECT_EQ(layout.CardUnder({220, 319}), -1);
-    EXPECT_EQ(layout.CardUnder({220, 940}), -1);  // beside the last card
-    EXPECT_EQ(layout.CardsBetween(0, 10), (CardLayout::Range{0, 0}));
-    EXPECT_EQ(layout.CardsBetween(-50, 11), (CardLayout::Range{0, 2}));
-    EXPECT_EQ(layout.CardsBetween(319, 631), (CardLayout::Range{0, 6}));
-    EXPECT_EQ(layout.CardsBetween(320, 630), (CardLayout::Range{2, 4}));
-    EXPECT_EQ(layout.CardsBetween(900, 9000), (CardLayout::Range{4, 7}));
-    EXPECT_EQ(layout.CardsBetween(9000, 9999), (CardLayout::Range{7, 7}));
-    EXPECT_GT(CardLayout(2'000'000'000, 100, {180, 300}).ContentHeight(), 0);
 }
 
 class CardGridTest : public ::testing::Test {
@@ -169,6 +144,29 @@ TEST_F(CardGridTest, KeysMoveTheCurrentCardAndKeepItVisible) {
     EXPECT_EQ(opened.value(0).value(0).toLongLong(), 20);
 }
 
+TEST_F(CardGridTest, ANotchOfTheWheelIsHalfARow) {
+    Fill(300);
+    const int row = grid.CardRectangle(3).top() - grid.CardRectangle(0).top();
+    for (const int notches : {-1, -3, 1}) {
+        const int before = grid.verticalScrollBar()->value();
+        QWheelEvent turn({9, 9}, {9, 9}, {}, {0, 120 * notches}, {}, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(grid.viewport(), &turn);
+        EXPECT_NEAR(grid.verticalScrollBar()->value() - before, -notches * row / 2, 9) << notches;
+    }
+}
+
+TEST_F(CardGridTest, ForeignTextsAreShownAsTheyAreAndHarmless) {
+    source.texts[1] = u"<img src='/etc/hostname'>\u202egpj.\n"_s + QString(200, u'x');
+    Fill(1);
+    QHelpEvent help(QEvent::ToolTip, grid.CardRectangle(0).center(), {});
+    QCoreApplication::sendEvent(grid.viewport(), &help);
+    EXPECT_TRUE(QToolTip::text().contains(u"&lt;img src='/etc/hostname'&gt;\ufffdgpj.\ufffdx"_s))
+        << QToolTip::text().toStdString();
+    const QString spoken = grid.model()->index(0, 0).data(Qt::AccessibleTextRole).toString();
+    EXPECT_TRUE(spoken.startsWith(u"Bild 1, heute, <img src='/etc/hostname'>\ufffdgpj"_s))
+        << spoken.toStdString();
+}
+
 TEST_F(CardGridTest, ADoubleClickOpensTheCardUnderItAlone) {
     Fill(2);
     QSignalSpy opened(&grid, &CardGrid::CardOpened);
@@ -176,6 +174,7 @@ TEST_F(CardGridTest, ADoubleClickOpensTheCardUnderItAlone) {
     QTest::mouseDClick(grid.viewport(), Qt::RightButton, {}, second);
     QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, second + QPoint(0, 350));
     EXPECT_EQ(opened.count(), 0);
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, second);
     QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, second);
     EXPECT_EQ(opened.value(0).value(0).toLongLong(), 1);
     EXPECT_EQ(grid.Current(), 1);

@@ -1,4 +1,4 @@
-#include "dialogs/Placement.h"
+#include "dialogs/WindowPlacement.h"
 
 #include <QScreen>
 #include <QWidget>

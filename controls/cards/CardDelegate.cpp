@@ -1,11 +1,14 @@
-#include "controls/cards/CardPainter.h"
+#include "controls/cards/CardDelegate.h"
 
+#include <QAbstractItemView>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStringList>
 #include <QTextLayout>
+#include <QToolTip>
 
-#include "controls/cards/CardCache.h"
+#include "controls/cards/CardModel.h"
 #include "controls/theme/Theme.h"
 
 using namespace Qt::StringLiterals;
@@ -13,6 +16,7 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
+constexpr int Gap = 10;  // between two cards
 constexpr int Padding = 10;
 constexpr int Spacing = 6;  // around the picture
 constexpr int PictureHeight = 180;
@@ -54,56 +58,70 @@ void PaintLine(QPainter& painter, QRect& rest, const QString& text, const QFont&
 
 }  // namespace
 
-CardPainter::CardPainter(const QFont& font) : plain_(font), bold_(font), small_(font) {
+CardDelegate::CardDelegate(const CardModel& cards, QWidget* parent)
+    : QStyledItemDelegate(parent), cards_(cards) {
+    SetFont(parent->font());
+}
+
+void CardDelegate::SetFont(const QFont& font) {
+    plain_ = bold_ = small_ = font;
     bold_.setWeight(QFont::DemiBold);
     small_.setPointSizeF(font.pointSizeF() * 0.9);
 }
 
-QSize CardPainter::SmallestSize() const {
+QSize CardDelegate::SmallestSize() const {
     const int small = QFontMetrics(small_).height();
     const int texts = 2 * small + QFontMetrics(bold_).height() +
                       TextLines * QFontMetrics(plain_).height() + Spacing / 2;
-    return {LeastWidth, 2 * Padding + PictureHeight + 2 * Spacing + texts};
+    return {Gap + LeastWidth, Gap + 2 * Padding + PictureHeight + 2 * Spacing + texts};
 }
 
-QSize CardPainter::PictureBox() {
+QRect CardDelegate::CardIn(const QRect& item) {
+    return item.adjusted(Gap / 2, Gap / 2, -Gap / 2, -Gap / 2);
+}
+
+QSize CardDelegate::PictureBox() {
     return {LeastWidth - 2 * Padding, PictureHeight};
 }
 
-void CardPainter::Paint(QPainter& painter, const QRect& area, const LoadedCard* card,
-                        CardState state) const {
-    PaintFrame(painter, area, state);
+/// A card that is not read yet is an empty frame.
+void CardDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
+    const QRect area = CardIn(option.rect);
+    const LoadedCard* card = cards_.Painted(index);
+    PaintFrame(*painter, area, option.state);
     if (card == nullptr) {
         return;
     }
     const QRect inside = area.adjusted(Padding, Padding, -Padding, -Padding);
     if (card->failure.isEmpty()) {
-        PaintContent(painter, inside, *card);
+        PaintContent(*painter, inside, *card);
     } else {
-        painter.setFont(plain_);
-        PaintFailure(painter, inside, *card);
+        PaintFailure(*painter, inside, *card);
     }
 }
 
-void CardPainter::PaintFrame(QPainter& painter, const QRect& area, CardState state) {
+void CardDelegate::PaintFrame(QPainter& painter, const QRect& area, QStyle::State state) {
     const ThemeColors& colors = Colors();
-    const double width = state.current ? 2 : 1;
-    QColor border = state.hovered ? colors.strongBorder : colors.border;
-    if (state.current) {
-        border = state.focused ? colors.accent : colors.strongBorder;
+    const bool current = state.testFlag(QStyle::State_Selected);
+    const bool hovered = state.testFlag(QStyle::State_MouseOver);
+    const double width = current ? 2 : 1;
+    QColor border = hovered ? colors.strongBorder : colors.border;
+    if (current) {
+        border = state.testFlag(QStyle::State_HasFocus) ? colors.accent : colors.strongBorder;
     }
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setPen(QPen(border, width));
-    painter.setBrush(state.current   ? colors.accentTint
-                     : state.hovered ? colors.accentTint.lighter(102)
-                                     : colors.content);
+    painter.setBrush(current   ? colors.accentTint
+                     : hovered ? colors.accentTint.lighter(102)
+                               : colors.content);
     const double inset = width / 2;
     painter.drawRoundedRect(QRectF(area).adjusted(inset, inset, -inset, -inset), Radius, Radius);
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
-void CardPainter::PaintContent(QPainter& painter, const QRect& inside,
-                               const LoadedCard& card) const {
+void CardDelegate::PaintContent(QPainter& painter, const QRect& inside,
+                                const LoadedCard& card) const {
     const ThemeColors& colors = Colors();
     QRect rest = inside;
     PaintLine(painter, rest, card.card.heading, small_, colors.mutedText);
@@ -118,7 +136,7 @@ void CardPainter::PaintContent(QPainter& painter, const QRect& inside,
     }
 }
 
-void CardPainter::PaintPicture(QPainter& painter, const QRect& box, const LoadedCard& card) const {
+void CardDelegate::PaintPicture(QPainter& painter, const QRect& box, const LoadedCard& card) const {
     if (card.picture.isNull()) {
         painter.fillRect(box, Colors().window);
         painter.setFont(small_);
@@ -135,13 +153,15 @@ void CardPainter::PaintPicture(QPainter& painter, const QRect& box, const Loaded
     painter.drawRect(picture.adjusted(0, 0, -1, -1));
 }
 
-void CardPainter::PaintFailure(QPainter& painter, const QRect& inside, const LoadedCard& card) {
+void CardDelegate::PaintFailure(QPainter& painter, const QRect& inside,
+                                const LoadedCard& card) const {
+    painter.setFont(plain_);
     painter.setPen(Colors().mutedText);
     painter.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap,
                      u"Dieser Eintrag kann nicht gelesen werden.\n\n"_s + card.failure.left(200));
 }
 
-bool CardPainter::IsCut(const LoadedCard& card, int cardWidth) const {
+bool CardDelegate::IsCut(const LoadedCard& card, int cardWidth) const {
     const int width = cardWidth - 2 * Padding;
     const auto fits = [width](const QString& text, const QFont& font) {
         return QFontMetrics(font).horizontalAdvance(text) <= width;
@@ -149,6 +169,31 @@ bool CardPainter::IsCut(const LoadedCard& card, int cardWidth) const {
     const QStringList lines = WrappedLines(card.card.text, plain_, width, TextLines + 1);
     return lines.size() > TextLines || !fits(card.card.title, bold_) ||
            !fits(card.card.detail, small_);
+}
+
+/// What the card has no room for.
+QString CardDelegate::TipOf(const LoadedCard& card, int cardWidth) const {
+    if (!card.failure.isEmpty()) {
+        return u"<p>%1</p>"_s.arg(card.failure.toHtmlEscaped());
+    }
+    if (!IsCut(card, cardWidth)) {
+        return {};
+    }
+    return u"<p><b>%1</b><br>%2</p><p>%3</p>"_s.arg(card.card.title.toHtmlEscaped(),
+                                                    card.card.detail.toHtmlEscaped(),
+                                                    card.card.text.toHtmlEscaped());
+}
+
+bool CardDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                             const QStyleOptionViewItem& option, const QModelIndex& index) {
+    if (event->type() != QEvent::ToolTip || !index.isValid()) {
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    }
+    const QRect area = CardIn(option.rect);
+    const LoadedCard* card = cards_.Painted(index);
+    QToolTip::showText(event->globalPos(), card != nullptr ? TipOf(*card, area.width()) : QString(),
+                       view->viewport(), area);
+    return true;
 }
 
 }  // namespace kadrona::controls

@@ -1,4 +1,4 @@
-#include "dialogs/ArchiveSearch.h"
+#include "dialogs/ArchiveWindow.h"
 
 #include <QAction>
 #include <QLocale>
@@ -14,7 +14,7 @@
 #include "core/Data.h"
 #include "dialogs/ArchiveCards.h"
 #include "dialogs/ImageTags.h"
-#include "dialogs/Placement.h"
+#include "dialogs/WindowPlacement.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;

@@ -11,7 +11,7 @@
 #include "controls/cards/CardGrid.h"
 #include "controls/fields/FindPanel.h"
 #include "core/Data.h"
-#include "dialogs/ArchiveSearch.h"
+#include "dialogs/ArchiveWindow.h"
 #include "dialogs/ImageTags.h"
 #include "store/Database.h"
 #include "tests/support/CoreFakes.h"
@@ -24,9 +24,9 @@ namespace kadrona::testing {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class ArchiveSearch : public ::testing::Test {
+class ArchiveWindow : public ::testing::Test {
  protected:
-    ArchiveSearch() {
+    ArchiveWindow() {
         data.SetSettings(&settings);
         data.InitSystem();
     }
@@ -72,7 +72,7 @@ class ArchiveSearch : public ::testing::Test {
     dialogs::TfmImgSearch window{data, tagEditor};
 };
 
-TEST_F(ArchiveSearch, HasItsActionsInOrder) {
+TEST_F(ArchiveWindow, HasItsActionsInOrder) {
     struct Row {
         const char* name;
         QString caption, shortcut;
@@ -101,7 +101,7 @@ TEST_F(ArchiveSearch, HasItsActionsInOrder) {
     });
 }
 
-TEST_F(ArchiveSearch, ListsTheNewestFirstAndFindsWhatTheCardsShow) {
+TEST_F(ArchiveWindow, ListsTheNewestFirstAndFindsWhatTheCardsShow) {
     for (const QString& tags : {u"Anna\r\nMüller\r\n"_s, u"Jürgen\r\nO'Neill\r\n"_s, u"\r\n"_s}) {
         AddRecord(tags);
     }
@@ -137,7 +137,7 @@ TEST_F(ArchiveSearch, ListsTheNewestFirstAndFindsWhatTheCardsShow) {
     EXPECT_EQ(again, controls::ModalResult::Cancel);
 }
 
-TEST_F(ArchiveSearch, KeepsTheNewTagsWhereThePhotoIsGone) {
+TEST_F(ArchiveWindow, KeepsTheNewTagsWhereThePhotoIsGone) {
     AddRecord(u"alt\r\n"_s);
     for (const QString& folder : {u"/no/such/archive"_s, QString()}) {
         driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
@@ -156,7 +156,7 @@ TEST_F(ArchiveSearch, KeepsTheNewTagsWhereThePhotoIsGone) {
                                          u"konnte nicht gefunden werden!"_s));
 }
 
-TEST_F(ArchiveSearch, TagsGoToThePhotoThatTheyWereEnteredFor) {
+TEST_F(ArchiveWindow, TagsGoToThePhotoThatTheyWereEnteredFor) {
     AddRecord(u"Anna\r\n"_s);
     AddRecord(u"Bea\r\n"_s);
     driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
@@ -175,7 +175,7 @@ TEST_F(ArchiveSearch, TagsGoToThePhotoThatTheyWereEnteredFor) {
     EXPECT_TRUE(ui.messages[0].contains(u"2026_03_00002.jpg"_s)) << ui.messages[0].toStdString();
 }
 
-TEST_F(ArchiveSearch, ARecordThatIsGoneOrEmptyShowsAndHarmsNothing) {
+TEST_F(ArchiveWindow, ARecordThatIsGoneOrEmptyShowsAndHarmsNothing) {
     data.Archive()->Insert();
     const qint64 lost = AddRecord(u"x\r\n"_s);
     Show([&](QWidget& shown) {
@@ -188,7 +188,7 @@ TEST_F(ArchiveSearch, ARecordThatIsGoneOrEmptyShowsAndHarmsNothing) {
     });
 }
 
-TEST_F(ArchiveSearch, RemembersItsSize) {
+TEST_F(ArchiveWindow, RemembersItsSize) {
     Show([](QWidget& shown) {
         shown.resize(640, 480);
         shown.close();
