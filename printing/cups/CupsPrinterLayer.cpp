@@ -20,7 +20,7 @@ auto NamingPrinter(const QString& printer, const Step& step) {
     }
 }
 
-Queue RequiredQueue(Connection& connection, const QByteArray& name) {
+Queue RequiredQueue(const Connection& connection, const QByteArray& name) {
     std::optional<Queue> queue = FindQueue(connection, name);
     if (!queue) {
         throw ServiceFailure(u"Der Drucker ist nicht mehr vorhanden."_s,
@@ -44,7 +44,7 @@ PrinterChoice CupsPrinterLayer::CurrentPrinter() {
     if (current_) {
         return *current_;
     }
-    Connection connection({server_, timeout_});
+    const Connection connection = Service();
     const std::optional<Queue> queue = DefaultQueue(Queues(connection));
     if (!queue) {
         throw PrinterError(u"Es ist kein Drucker eingerichtet."_s);
@@ -57,7 +57,7 @@ PrinterChoice CupsPrinterLayer::CurrentPrinter() {
 void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     NamingPrinter(QString::fromUtf8(name), [&] {
-        Connection connection({server_, timeout_});
+        const Connection connection = Service();
         RequiredQueue(connection, name);
     });
     current_ = choice;
@@ -65,16 +65,12 @@ void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
 }
 
 bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
-    Connection connection({server_, timeout_});
+    const Connection connection = Service();
     std::vector<Queue> queues = Queues(connection);
     if (queues.empty()) {
         throw PrinterError(u"Es ist kein Drucker eingerichtet."_s);
     }
-    // The dialog may stand open for long: each question goes over a connection of its own.
-    const auto askDriver = [&](const Queue& queue) {
-        Connection fresh({server_, timeout_});
-        return Driver::OfQueue(fresh, queue);
-    };
+    const auto askDriver = [&](const Queue& queue) { return Driver::OfQueue(connection, queue); };
     SetupDialog dialog(std::move(queues), askDriver, current_);
     if (!dialog.RunOver(owner)) {
         return false;
@@ -87,7 +83,7 @@ QSizeF CupsPrinterLayer::PaperMillimetres() {
     const PrinterChoice choice = CurrentPrinter();
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
-        Connection connection({server_, timeout_});
+        const Connection connection = Service();
         const Driver driver = Driver::OfQueue(connection, RequiredQueue(connection, name));
         const DeviceMode mode(choice.deviceMode);
         const std::optional<Paper> paper = driver.PaperOf(mode);
@@ -104,7 +100,7 @@ void CupsPrinterLayer::Print(const PrintImage& image) {
             image.rows <= 0) {
             throw ServiceFailure(u"Das Bild hat keine Größe."_s);
         }
-        Connection connection({server_, timeout_});
+        const Connection connection = Service();
         const Queue queue = RequiredQueue(connection, name);
         if (!queue.acceptsJobs) {
             throw Rejection(queue);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "printing/PrinterLayer.h"
+#include "printing/cups/WaitDialog.h"
 
 namespace kadrona::printing::cups {
 
@@ -14,8 +15,8 @@ namespace kadrona::printing::cups {
 class CupsPrinterLayer : public PrinterLayer {
  public:
     /// `server` is the print service's host, host:port or path of its socket, as in the environment
-    /// variable CUPS_SERVER; empty for the system's own. No call waits longer than `timeout`, and
-    /// a second of the library's own, for a step of the service: the window stands still so long.
+    /// variable CUPS_SERVER; empty for the system's own. No question to the service takes longer
+    /// than `timeout`, with a document a second more for each megabyte. The user can cancel it.
     explicit CupsPrinterLayer(QString server = {},
                               std::chrono::milliseconds timeout = std::chrono::seconds(5));
 
@@ -26,8 +27,11 @@ class CupsPrinterLayer : public PrinterLayer {
     void Print(const PrintImage& image) override;
 
  private:
+    Connection Service() { return Connection({server_, timeout_, &waiting_}); }
+
     QString server_;
     std::chrono::milliseconds timeout_;
+    WaitDialog waiting_;
     std::optional<PrinterChoice> current_;
 };
 

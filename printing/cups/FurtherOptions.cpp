@@ -1,6 +1,7 @@
 #include "printing/cups/FurtherOptions.h"
 
 #include <QFormLayout>
+#include <QLabel>
 #include <QScrollArea>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -47,7 +48,10 @@ void FurtherOptions::ShowMode(const Driver& driver, DeviceMode& mode,
         auto* box = new OptionBox;
         box->setObjectName(QString::fromUtf8(option.keyword));
         box->ShowOption(option, mode);
-        form->addRow(option.label, box);
+        auto* caption = new QLabel(option.label);
+        caption->setTextFormat(Qt::PlainText);  // whoever wrote the driver wrote this
+        caption->setBuddy(box);
+        form->addRow(caption, box);
         connect(box, &QComboBox::activated, this, [this, box, &mode] {
             box->Store(mode);
             Q_EMIT ModeChanged();

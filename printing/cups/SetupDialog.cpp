@@ -68,7 +68,8 @@ QWidget* SetupDialog::BuildQueueList() {
     for (const Queue& queue : queues_) {
         auto* item = new QListWidgetItem(icon, ListText(queue), queueList_);
         item->setData(Qt::UserRole, queue.name);
-        item->setToolTip(QString::fromUtf8(queue.name) + u'\n' + StateText(queue));
+        item->setToolTip(Qt::convertFromPlainText(
+            QString::fromUtf8(queue.name) + u'\n' + StateText(queue), Qt::WhiteSpaceNormal));
     }
     connect(queueList_, &QListWidget::itemDoubleClicked, this, [this] { ok_->click(); });
     return queueList_;

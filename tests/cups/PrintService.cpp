@@ -79,11 +79,11 @@ void PrintService::WaitForJobs() const {
 
 QHash<QString, std::string> PrintService::JobAttributes(int job) const {
     using namespace printing::cups;
-    Connection connection({Address(), std::chrono::milliseconds(Patience)});
+    const Connection connection({Address(), std::chrono::milliseconds(Patience)});
     IppMessage request = NewRequest(IPP_OP_GET_JOB_ATTRIBUTES);
     ippAddString(request.get(), IPP_TAG_OPERATION, IPP_TAG_URI, "job-uri", nullptr,
                  ("ipp://localhost/jobs/" + QByteArray::number(job)).constData());
-    const IppMessage answer = connection.Ask(std::move(request), "/");
+    const IppMessage answer = connection.Ask(request, "/");
     QHash<QString, std::string> attributes;
     for (ipp_attribute_t* attribute = ippFirstAttribute(answer.get()); attribute != nullptr;
          attribute = ippNextAttribute(answer.get())) {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QLocalServer>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
@@ -285,21 +284,6 @@ TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {
               }),
               "Drucker „Photo“: Es kann keine temporäre Datei angelegt werden: Die Datei oder der "
               "Ordner ist nicht vorhanden.");
-}
-
-// The system takes the connection, and then nobody answers.
-TEST(SilentServiceTest, IsGivenUp) {
-    QTemporaryDir folder;
-    QLocalServer silent;
-    ASSERT_TRUE(silent.listen(folder.filePath(u"socket"_s)));
-    CupsPrinterLayer layer(silent.fullServerName(), std::chrono::milliseconds(50));
-    const PrinterChoice choice{u"Photo"_s, {}, {}, {}};
-    try {
-        layer.SetCurrentPrinter(choice);
-        ADD_FAILURE() << "a service that says nothing was believed";
-    } catch (const PrinterError& error) {
-        EXPECT_STREQ(error.what(), "Drucker „Photo“: Der Druckdienst antwortet nicht.");
-    }
 }
 
 }  // namespace

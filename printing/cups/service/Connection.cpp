@@ -1,37 +1,18 @@
 #include "printing/cups/service/Connection.h"
 
-#include <QUrl>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QStringList>
+#include <QTimer>
+#include <algorithm>
+
+#include "printing/cups/service/Question.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::printing::cups {
 
 namespace {
-
-/// libcups would otherwise ask on the terminal and wait there.
-const char* NoPassword(const char*, http_t*, const char*, const char*, void*) {
-    return nullptr;
-}
-
-int GiveUp(http_t*, void*) {
-    return 0;
-}
-
-struct Endpoint {
-    QByteArray host;
-    int port;
-};
-
-Endpoint EndpointOf(const QString& server) {
-    if (server.isEmpty()) {
-        return {cupsServer(), ippPort()};
-    }
-    if (server.startsWith(u'/')) {
-        return {QFile::encodeName(server), ippPort()};
-    }
-    const QUrl url(u"ipp://"_s + server);
-    return {url.host().toUtf8(), url.port(ippPort())};
-}
 
 QString StatusReason(ipp_status_t status) {
     switch (status) {
@@ -69,17 +50,37 @@ QString StatusReason(ipp_status_t status) {
     }
 }
 
-ServiceFailure NoAnswer() {
-    switch (const ipp_status_t status = cupsLastError()) {
-        case IPP_STATUS_ERROR_FORBIDDEN:
-        case IPP_STATUS_ERROR_NOT_AUTHENTICATED:
-        case IPP_STATUS_ERROR_NOT_AUTHORIZED:
-        case IPP_STATUS_ERROR_CUPS_AUTHENTICATION_CANCELED:
-            return ServiceFailure(StatusReason(status), status);
-        default:
-            return ServiceFailure(u"Der Druckdienst antwortet nicht."_s);
-    }
+bool IsAboutRights(ipp_status_t status) {
+    return status == IPP_STATUS_ERROR_FORBIDDEN || status == IPP_STATUS_ERROR_NOT_AUTHENTICATED ||
+           status == IPP_STATUS_ERROR_NOT_AUTHORIZED ||
+           status == IPP_STATUS_ERROR_CUPS_AUTHENTICATION_CANCELED;
 }
+
+/// A place in bytes, for libcups' reading and writing of messages.
+struct Cursor {
+    QByteArray bytes;
+    qsizetype at = 0;
+};
+
+ssize_t PutBytes(void* cursor, ipp_uchar_t* bytes, size_t count) {
+    static_cast<Cursor*>(cursor)->bytes.append(reinterpret_cast<const char*>(bytes),
+                                               static_cast<qsizetype>(count));
+    return static_cast<ssize_t>(count);
+}
+
+ssize_t TakeBytes(void* context, ipp_uchar_t* bytes, size_t count) {
+    auto& cursor = *static_cast<Cursor*>(context);
+    const qsizetype taken =
+        std::min(static_cast<qsizetype>(count), cursor.bytes.size() - cursor.at);
+    std::copy_n(cursor.bytes.constData() + cursor.at, taken, reinterpret_cast<char*>(bytes));
+    cursor.at += taken;
+    return taken;
+}
+
+/// Far above what real drivers and services have to say.
+constexpr qint64 MostAnswerBytes = qint64{16} << 20;
+/// So long the window may stand still.
+constexpr int UnnoticedMilliseconds = 150;
 
 }  // namespace
 
@@ -98,39 +99,94 @@ IppMessage NewRequest(ipp_op_t operation, const QByteArray& queueUri) {
     return request;
 }
 
-Connection::Connection(const ServiceAddress& address) {
-    cupsSetPasswordCB2(NoPassword, nullptr);
-    const Endpoint endpoint = EndpointOf(address.server);
-    const auto milliseconds = static_cast<int>(address.timeout.count());
-    http_.reset(httpConnect2(endpoint.host.constData(), endpoint.port, nullptr, AF_UNSPEC,
-                             cupsEncryption(), 1, milliseconds, nullptr));
-    if (!http_) {
-        // The library does not keep the system's reason.
-        throw ServiceFailure(
-            u"Unter „%1“ läuft kein Druckdienst."_s.arg(QFile::decodeName(endpoint.host)));
-    }
-    httpSetTimeout(http_.get(), static_cast<double>(milliseconds) / 1000, GiveUp, nullptr);
+QByteArray BytesOf(const IppMessage& message) {
+    Cursor cursor;
+    ippSetState(message.get(), IPP_STATE_IDLE);
+    ippWriteIO(&cursor, PutBytes, 1, nullptr, message.get());
+    return cursor.bytes;
 }
 
-IppMessage Connection::Ask(IppMessage request, const QByteArray& resource,
-                           const QString& fileName) {
-    const QByteArray file = QFile::encodeName(fileName);
-    IppMessage answer(cupsDoFileRequest(http_.get(), request.release(), resource.constData(),
-                                        file.isEmpty() ? nullptr : file.constData()));
+IppMessage MessageOf(const QByteArray& bytes) {
+    Cursor cursor{bytes};
+    IppMessage message(ippNew());
+    return ippReadIO(&cursor, TakeBytes, 1, nullptr, message.get()) == IPP_STATE_DATA
+               ? std::move(message)
+               : nullptr;
+}
+
+IppMessage Connection::Ask(const IppMessage& request, const QByteArray& resource,
+                           const QString& fileName) const {
+    QStringList arguments{u"ask"_s, address_.server, QString::fromUtf8(resource)};
+    auto time = address_.timeout;
+    if (!fileName.isEmpty()) {
+        arguments.append(fileName);
+        // The slowest network that anybody prints over carries a megabyte a second.
+        time += std::chrono::milliseconds(QFileInfo(fileName).size() / 1000);
+    }
+    Question question(arguments, BytesOf(request), {time, MostAnswerBytes});
+    WaitFor(question);
+    RequireAnswer(question);
+    IppMessage answer = MessageOf(question.Answer());
     if (!answer) {
-        throw NoAnswer();
+        throw ServiceFailure(u"Der Druckdienst antwortet unverständlich."_s);
     }
     return answer;
 }
 
-bool Connection::Fetch(const QByteArray& resource, QFile& file) {
-    switch (cupsGetFd(http_.get(), resource.constData(), file.handle())) {
-        case HTTP_STATUS_OK:
-            return true;
-        case HTTP_STATUS_NOT_FOUND:
-            return false;
-        default:
-            throw NoAnswer();
+std::optional<QByteArray> Connection::Fetch(const QByteArray& resource) const {
+    Question question({u"get"_s, address_.server, QString::fromUtf8(resource)}, {},
+                      {address_.timeout, MostAnswerBytes});
+    WaitFor(question);
+    if (question.Result() == Question::Outcome::Missing) {
+        return std::nullopt;
+    }
+    RequireAnswer(question);
+    return question.Answer();
+}
+
+void Connection::WaitFor(Question& question) const {
+    QEventLoop loop;
+    QObject::connect(&question, &Question::Finished, &loop, &QEventLoop::quit);
+    if (!question.IsFinished()) {
+        QTimer::singleShot(UnnoticedMilliseconds, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+    if (question.IsFinished()) {
+        return;
+    }
+    if (address_.display != nullptr) {
+        address_.display->Show([&question] { question.Cancel(); });
+        loop.exec();
+        address_.display->Hide();
+    } else {
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+    // The loop also ends where the program does.
+    question.Cancel();
+}
+
+void Connection::RequireAnswer(const Question& question) const {
+    switch (question.Result()) {
+        case Question::Outcome::Answered:
+        case Question::Outcome::Missing:
+            return;
+        case Question::Outcome::NoService:
+            throw ServiceFailure(u"Unter „%1“ läuft kein Druckdienst."_s.arg(
+                address_.server.isEmpty() ? QString::fromUtf8(cupsServer()) : address_.server));
+        case Question::Outcome::Refused: {
+            const auto status = static_cast<ipp_status_t>(question.Status());
+            throw IsAboutRights(status) ? ServiceFailure(StatusReason(status), status)
+                                        : ServiceFailure(u"Der Druckdienst antwortet nicht."_s);
+        }
+        case Question::Outcome::Silent:
+            throw ServiceFailure(u"Der Druckdienst antwortet nicht."_s);
+        case Question::Outcome::TooLarge:
+            throw ServiceFailure(u"Die Antwort des Druckdienstes nimmt kein Ende."_s);
+        case Question::Outcome::Cancelled:
+            throw ServiceFailure(u"Die Anfrage an den Druckdienst wurde abgebrochen."_s);
+        case Question::Outcome::NotAsked:
+            throw ServiceFailure(
+                u"Das Programm „kadrona-ask-cups“ fehlt im Programmordner oder startet nicht."_s);
     }
 }
 

@@ -3,21 +3,37 @@
 #include <cups/cups.h>
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "printing/PrinterLayer.h"
 
 namespace kadrona::printing::cups {
 
-/// Where the print service is, and how long it may be silent.
+class Question;
+
+/// What shows the user that the print service lets them wait. Without windows here, so the level
+/// above implements it.
+class WaitDisplay {
+ public:
+    virtual ~WaitDisplay() = default;
+    /// A question takes long: from now on the user may call `cancel`. Input reaches nothing else.
+    virtual void Show(std::function<void()> cancel) = 0;
+    virtual void Hide() = 0;
+};
+
+/// Where the print service is, and how long a question may take.
 struct ServiceAddress {
     /// Host, host:port or path of a socket, as in the environment variable CUPS_SERVER; empty for
     /// what libcups finds by itself.
     QString server;
     std::chrono::milliseconds timeout;
+    /// Null for none; outlives the connections.
+    WaitDisplay* display = nullptr;
 };
 
 /// The print service or the queue refused something. The text is a German sentence that names the
@@ -42,27 +58,31 @@ using IppMessage = std::unique_ptr<ipp_t, IppDeleter>;
 /// A request with the attributes that all have; `queueUri` empty for none.
 IppMessage NewRequest(ipp_op_t operation, const QByteArray& queueUri = {});
 
-/// A connection to the print service. Never asks for a password, never waits longer than the
-/// address allows for a step.
+/// The way to the print service. Each question is asked by a process of its own (Question) while
+/// this one's events go on; the user's input waits, and after a moment the display lets them
+/// cancel. Never asks for a password.
 class Connection {
  public:
-    /// Throws ServiceFailure where no service answers.
-    explicit Connection(const ServiceAddress& address);
+    explicit Connection(ServiceAddress address) : address_(std::move(address)) {}
 
     /// Sends a request and returns the answer, also one that says no. `fileName` is the document to
     /// send after it, empty for none. Throws ServiceFailure where no answer comes.
-    IppMessage Ask(IppMessage request, const QByteArray& resource, const QString& fileName = {});
+    IppMessage Ask(const IppMessage& request, const QByteArray& resource,
+                   const QString& fileName = {}) const;
 
-    /// Writes what the service has under `resource` to `file`. False where it has nothing. Throws
-    /// ServiceFailure.
-    bool Fetch(const QByteArray& resource, QFile& file);
+    /// What the service has under `resource`; nothing where it has nothing. Throws ServiceFailure.
+    std::optional<QByteArray> Fetch(const QByteArray& resource) const;
 
  private:
-    struct HttpCloser {
-        void operator()(http_t* http) const { httpClose(http); }
-    };
-    std::unique_ptr<http_t, HttpCloser> http_;
+    void WaitFor(Question& question) const;
+    void RequireAnswer(const Question& question) const;
+
+    ServiceAddress address_;
 };
+
+/// A request or an answer as bytes, and back; null for bytes that are none.
+QByteArray BytesOf(const IppMessage& message);
+IppMessage MessageOf(const QByteArray& bytes);
 
 /// The failure that an answer speaks of.
 ServiceFailure FailureOf(const ipp_t& answer);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/SystemReason.h"
 #include "printing/cups/service/GermanTexts.h"
 #include "printing/cups/service/OptionTexts.h"
 #include "printing/cups/service/TemporaryFile.h"
@@ -95,11 +96,16 @@ Driver::~Driver() = default;
 Driver::Driver(Driver&& other) noexcept = default;
 Driver& Driver::operator=(Driver&& other) noexcept = default;
 
-Driver Driver::OfQueue(Connection& connection, const Queue& queue) {
+Driver Driver::OfQueue(const Connection& connection, const Queue& queue) {
+    const std::optional<QByteArray> description = connection.Fetch(queue.Resource() + ".ppd");
+    if (!description) {
+        return {};
+    }
     QTemporaryFile file;
     CreateTemporaryFile(file);
-    if (!connection.Fetch(queue.Resource() + ".ppd", file)) {
-        return {};
+    if (file.write(*description) != description->size() || !file.flush()) {
+        throw ServiceFailure(u"Die Beschreibung des Druckers kann nicht abgelegt werden: %1."_s.arg(
+            platform::SystemReason(file)));
     }
     return Driver(file.fileName());
 }

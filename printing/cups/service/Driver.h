@@ -52,7 +52,7 @@ struct Paper {
 class Driver {
  public:
     /// Asks the service. Throws ServiceFailure.
-    static Driver OfQueue(Connection& connection, const Queue& queue);
+    static Driver OfQueue(const Connection& connection, const Queue& queue);
 
     /// Reads a description. Throws ServiceFailure where it is damaged.
     explicit Driver(const QString& descriptionFile);

@@ -69,7 +69,7 @@ QByteArray JobName(const QString& title) {
 
 }  // namespace
 
-int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
+int SendJob(const Connection& connection, const Queue& queue, const Driver& driver,
             const DeviceMode& mode, const PrintImage& image) {
     QTemporaryFile page;
     CreateTemporaryFile(page);
@@ -85,7 +85,7 @@ int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
     AddText(request.get(), IPP_TAG_NAME, "job-name", JobName(image.title));
     AddText(request.get(), IPP_TAG_MIMETYPE, "document-format", "application/pdf");
     AddOptions(request.get(), driver, mode);
-    const IppMessage answer = connection.Ask(std::move(request), queue.Resource(), page.fileName());
+    const IppMessage answer = connection.Ask(request, queue.Resource(), page.fileName());
     ipp_attribute_t* job = ippFindAttribute(answer.get(), "job-id", IPP_TAG_INTEGER);
     if (job == nullptr) {
         throw FailureOf(*answer);

@@ -10,7 +10,7 @@ namespace kadrona::printing::cups {
 
 /// Sends one page to the queue as one job, with those options of `mode` that the driver knows.
 /// Returns the job's number. Throws ServiceFailure, or platform::Error with the bare reason.
-int SendJob(Connection& connection, const Queue& queue, const Driver& driver,
+int SendJob(const Connection& connection, const Queue& queue, const Driver& driver,
             const DeviceMode& mode, const PrintImage& image);
 
 }  // namespace kadrona::printing::cups

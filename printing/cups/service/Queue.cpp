@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <QUrl>
+#include <QUrlQuery>
 #include <algorithm>
 #include <array>
 
@@ -32,12 +33,6 @@ QString Text(ipp_attribute_t* attribute) {
     return QString::fromUtf8(ippGetString(attribute, 0, nullptr));
 }
 
-/// Where the jobs go may hold the password of a network printer.
-QString WithoutPassword(const QString& uri) {
-    const QUrl url(uri);
-    return url.userInfo().isEmpty() ? uri : url.toString(QUrl::RemoveUserInfo);
-}
-
 /// What somebody wrote about the state, without a full stop. The service's own English words say
 /// nothing that StateText does not.
 QString Remark(QString message) {
@@ -66,7 +61,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     } else if (name == "printer-make-and-model") {
         queue.model = Text(attribute);
     } else if (name == "device-uri") {
-        queue.deviceUri = WithoutPassword(Text(attribute));
+        queue.deviceUri = WithoutSecrets(Text(attribute));
     } else if (name == "printer-type") {
         queue.isClass = (ippGetInteger(attribute, 0) & CUPS_PRINTER_CLASS) != 0;
     } else if (name == "printer-state") {
@@ -165,6 +160,25 @@ QString ReasonText(QByteArray reason) {
 
 }  // namespace
 
+QString WithoutSecrets(const QString& deviceUri) {
+    QUrl url(deviceUri);
+    if (!url.isValid()) {
+        return deviceUri.section(u':', 0, 0);
+    }
+    url.setUserInfo({});
+    url.setFragment({});
+    // These tell two printers of one kind apart; whatever else stands there may be a secret.
+    const QUrlQuery asked(url);
+    QUrlQuery kept;
+    for (const QString& key : {u"serial"_s, u"interface"_s}) {
+        if (asked.hasQueryItem(key)) {
+            kept.addQueryItem(key, asked.queryItemValue(key));
+        }
+    }
+    url.setQuery(kept);
+    return url.toString(QUrl::FullyEncoded);
+}
+
 QByteArray Queue::Uri() const {
     return UriOf(isClass ? "classes" : "printers", name);
 }
@@ -174,14 +188,14 @@ QByteArray Queue::Resource() const {
            QUrl::toPercentEncoding(QString::fromUtf8(name));
 }
 
-std::vector<Queue> Queues(Connection& connection) {
+std::vector<Queue> Queues(const Connection& connection) {
     IppMessage request = NewRequest(IPP_OP_CUPS_GET_PRINTERS);
     AddWantedAttributes(request.get());
     // A fax machine prints no photos.
     ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type", 0);
     ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type-mask",
                   CUPS_PRINTER_FAX);
-    std::vector<Queue> queues = QueuesOrNone(connection.Ask(std::move(request), "/"));
+    std::vector<Queue> queues = QueuesOrNone(connection.Ask(request, "/"));
     const std::vector<Queue> standard =
         QueuesOrNone(connection.Ask(NewRequest(IPP_OP_CUPS_GET_DEFAULT), "/"));
     for (Queue& queue : queues) {
@@ -190,11 +204,11 @@ std::vector<Queue> Queues(Connection& connection) {
     return queues;
 }
 
-std::optional<Queue> FindQueue(Connection& connection, const QByteArray& name) {
+std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name) {
     // The service finds a class under the address of a printer, too.
     IppMessage request = NewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES, UriOf("printers", name));
     AddWantedAttributes(request.get());
-    std::vector<Queue> queues = QueuesOrNone(connection.Ask(std::move(request), "/"));
+    std::vector<Queue> queues = QueuesOrNone(connection.Ask(request, "/"));
     return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
 }
 

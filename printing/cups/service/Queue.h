@@ -14,7 +14,7 @@ struct Queue {
     QString description;
     QString location;
     QString model;
-    /// Where the jobs go; without a password.
+    /// Where the jobs go, WithoutSecrets.
     QString deviceUri;
     bool isClass = false;
     bool isDefault = false;
@@ -33,11 +33,14 @@ struct Queue {
     QByteArray Resource() const;
 };
 
+/// The address of a device without user, password and those parts of the query that may hold one.
+QString WithoutSecrets(const QString& deviceUri);
+
 /// Every queue that there is, in the service's order. Throws ServiceFailure.
-std::vector<Queue> Queues(Connection& connection);
+std::vector<Queue> Queues(const Connection& connection);
 
 /// The queue with that name. Nothing where there is none. Throws ServiceFailure.
-std::optional<Queue> FindQueue(Connection& connection, const QByteArray& name);
+std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name);
 
 /// The service's default queue, or where it has none the first. Nothing where there is no queue.
 std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues);

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace kadrona::printing::cups {
+
+/// How the process ends that asks the print service (ask/main.cpp).
+enum class AskCode {
+    Answered = 0,
+    Usage = 10,
+    /// Nothing stands at the address.
+    Missing,
+    NoService,
+    /// The service answered in HTTP only; the output is libcups' status.
+    Refused,
+    Silent,
+};
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,83 @@
+#include "printing/cups/service/Question.h"
+
+#include <QCoreApplication>
+
+#include "printing/cups/service/AskCodes.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing::cups {
+
+namespace {
+
+Question::Outcome OutcomeOf(int code) {
+    switch (static_cast<AskCode>(code)) {
+        case AskCode::Answered:
+            return Question::Outcome::Answered;
+        case AskCode::Missing:
+            return Question::Outcome::Missing;
+        case AskCode::NoService:
+            return Question::Outcome::NoService;
+        case AskCode::Refused:
+            return Question::Outcome::Refused;
+        default:
+            return Question::Outcome::Silent;
+    }
+}
+
+}  // namespace
+
+Question::Question(QStringList arguments, const QByteArray& input, Limits limits)
+    : limits_(limits) {
+    // The process ends itself only where this one can no longer end it.
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits.time).count() + 2;
+    constexpr int SecondsPlace = 3;
+    arguments.insert(SecondsPlace, QString::number(seconds));
+    connect(&process_, &QProcess::readyReadStandardOutput, this, &Question::Collect);
+    connect(&process_, &QProcess::finished, this, &Question::ProcessEnded);
+    connect(&process_, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            End(Outcome::NotAsked);
+        }
+    });
+    deadline_.setSingleShot(true);
+    connect(&deadline_, &QTimer::timeout, this, [this] { End(Outcome::Silent); });
+    deadline_.start(limits.time);
+    process_.setStandardErrorFile(QProcess::nullDevice());
+    process_.start(QCoreApplication::applicationDirPath() + u"/kadrona-ask-cups"_s, arguments);
+    process_.write(input);
+    process_.closeWriteChannel();
+}
+
+Question::~Question() {
+    End(Outcome::Cancelled);
+}
+
+void Question::Collect() {
+    answer_ += process_.readAllStandardOutput();
+    if (answer_.size() > limits_.bytes) {
+        End(Outcome::TooLarge);
+    }
+}
+
+void Question::ProcessEnded(int code, QProcess::ExitStatus status) {
+    Collect();
+    End(status == QProcess::NormalExit ? OutcomeOf(code) : Outcome::Silent);
+}
+
+void Question::End(Outcome outcome) {
+    if (finished_) {
+        return;
+    }
+    finished_ = true;
+    outcome_ = outcome;
+    deadline_.stop();
+    process_.disconnect(this);
+    if (process_.state() != QProcess::NotRunning) {
+        process_.kill();
+        process_.waitForFinished();
+    }
+    Q_EMIT Finished();
+}
+
+}  // namespace kadrona::printing::cups

@@ -1,0 +1,106 @@
+// Print services that are ill or hostile: the window stays alive, and the question ends.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include "printing/cups/CupsPrinterLayer.h"
+#include "tests/support/Errors.h"
+#include "tests/support/ModalDriver.h"
+
+using namespace kadrona::printing;
+using namespace kadrona::testing;
+using namespace Qt::StringLiterals;
+using cups::CupsPrinterLayer;
+
+namespace {
+
+class SickService {
+ public:
+    explicit SickService(const QString& illness) {
+        process_.start(QStringLiteral(KADRONA_CUPS_TESTS "/sick-service"), {Address(), illness});
+        EXPECT_TRUE(process_.waitForReadyRead(30'000)) << "python3 is needed";
+    }
+    ~SickService() {
+        process_.closeWriteChannel();
+        process_.waitForFinished();
+    }
+    SickService(const SickService&) = delete;
+    SickService& operator=(const SickService&) = delete;
+
+    QString Address() const { return folder_.filePath(u"socket"_s); }
+
+ private:
+    QTemporaryDir folder_;
+    QProcess process_;
+};
+
+/// Notes the longest time for which the thread's events stood still.
+class Heartbeat {
+ public:
+    Heartbeat() {
+        sinceBeat_.start();
+        timer_.callOnTimeout([this] { longest_ = std::max(longest_, sinceBeat_.restart()); });
+        timer_.start(10);
+    }
+    qint64 LongestMilliseconds() const { return longest_; }
+
+ private:
+    QTimer timer_;
+    QElapsedTimer sinceBeat_;
+    qint64 longest_ = 0;
+};
+
+constexpr std::chrono::milliseconds Deadline{700};
+const PrinterChoice Photo{u"Photo"_s, {}, {}, {}};
+
+TEST(SickServiceTest, IsGivenUpInTimeWhileTheWindowLives) {
+    for (const auto& [illness, text] : std::initializer_list<std::pair<QString, QString>>{
+             {u"silent"_s, u"Der Druckdienst antwortet nicht."_s},
+             {u"drip"_s, u"Der Druckdienst antwortet nicht."_s},
+             {u"redirects"_s, u"Der Druckdienst antwortet nicht."_s},
+             {u"headers"_s, u"Der Druckdienst antwortet nicht."_s},
+             {u"flood"_s, u"Der Druckdienst "_s},
+             {u"garbage"_s, u"Der Druckdienst "_s}}) {
+        SCOPED_TRACE(illness.toStdString());
+        const SickService service(illness);
+        CupsPrinterLayer layer(service.Address(), Deadline);
+        const Heartbeat heartbeat;
+        QElapsedTimer time;
+        time.start();
+        const QString said = TextOf<PrinterError>([&] { layer.SetCurrentPrinter(Photo); });
+        EXPECT_TRUE(said.startsWith(u"Drucker „Photo“: "_s + text)) << said.toStdString();
+        EXPECT_LT(time.elapsed(), 3 * Deadline.count());
+        EXPECT_LT(heartbeat.LongestMilliseconds(), 200);
+    }
+}
+
+TEST(SickServiceTest, ADescriptionWithoutEndIsNotKept) {
+    const SickService service(u"flood"_s);
+    const cups::Connection connection({service.Address(), std::chrono::seconds(20)});
+    EXPECT_EQ(TextOf<cups::ServiceFailure>([&] { connection.Fetch("/printers/Photo.ppd"); }),
+              u"Die Antwort des Druckdienstes nimmt kein Ende."_s);
+}
+
+TEST(SickServiceTest, WaitingCanBeCancelled) {
+    const SickService service(u"silent"_s);
+    CupsPrinterLayer layer(service.Address(), std::chrono::seconds(60));
+    ModalDriver driver;
+    driver.Expect(u"PrintServiceWait"_s,
+                  [](QWidget& shown) { Child<QAbstractButton>(shown).click(); });
+    EXPECT_EQ(TextOf<PrinterError>([&] { layer.SetCurrentPrinter(Photo); }),
+              u"Drucker „Photo“: Die Anfrage an den Druckdienst wurde abgebrochen."_s);
+}
+
+TEST(SickServiceTest, PasswordsInAnAddressAreNotKept) {
+    const SickService service(u"gossip"_s);
+    CupsPrinterLayer layer(service.Address());
+    EXPECT_EQ(layer.CurrentPrinter().port, u"ipp://fern/ipp?serial=7"_s);
+}
+
+}  // namespace
