@@ -56,6 +56,8 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
             [this] { done(static_cast<int>(ModalResult::No)); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(timer_, &QTimer::timeout, this, &TBeforPrintDlgFm::TimerTimer);
+    lbProfiles_->installEventFilter(this);
+    lbProfiles_->viewport()->installEventFilter(this);
 }
 
 ModalResult TBeforPrintDlgFm::ShowEx() {
@@ -81,11 +83,29 @@ void TBeforPrintDlgFm::FormShow() {
     // Else Return would press the button that was pressed last time.
     btnProfile_->setDefault(true);
     if (settings_.PrintAfterCrop()) {
-        lbProfiles_->SelectRow(settings_.PrintProfileBox());
+        // By name: the profiles may have changed since their places were stored.
+        SelectProfile(settings_.PrintProfileBoxText());
         if (lbProfiles_->SelectedRow() >= 0) {
             timer_->start();
         }
+    } else {
+        SelectProfile(lastUsed_);
     }
+}
+
+/// Nothing where there is no profile of that name.
+void TBeforPrintDlgFm::SelectProfile(const QString& name) {
+    const QList<QListWidgetItem*> found = lbProfiles_->findItems(name, Qt::MatchCaseSensitive);
+    lbProfiles_->SelectRow(found.isEmpty() ? -1 : lbProfiles_->row(found.first()));
+}
+
+/// Whoever begins to choose is not hurried.
+bool TBeforPrintDlgFm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress ||
+        event->type() == QEvent::Wheel) {
+        timer_->stop();
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 /// Every way of closing a dialog ends here.
@@ -99,6 +119,7 @@ void TBeforPrintDlgFm::btnProfileClick() {
         controls::ShowInformation(this, u"Please select a Profile"_s);
         return;
     }
+    lastUsed_ = SelectedProfile();
     done(static_cast<int>(ModalResult::Yes));
 }
 

@@ -19,7 +19,8 @@ class TData;
 namespace kadrona::dialogs {
 
 /// "Print Profiles": asks for the printer profile that the sheet is printed with. Where photos are
-/// printed as soon as they are made, it takes the default profile by itself after half a second.
+/// printed as soon as they are made, it takes the default profile by itself after half a second,
+/// unless the user begins to choose; else the profile used last is selected.
 class TBeforPrintDlgFm : public QDialog {
     Q_OBJECT
 
@@ -36,9 +37,11 @@ class TBeforPrintDlgFm : public QDialog {
  protected:
     void showEvent(QShowEvent* event) override;
     void done(int result) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
     void FormShow();
+    void SelectProfile(const QString& name);
     void btnProfileClick();
     void TimerTimer();
 
@@ -47,6 +50,8 @@ class TBeforPrintDlgFm : public QDialog {
     controls::SelectionList* lbProfiles_;
     QPushButton* btnProfile_;
     QTimer* timer_;
+    /// The profile that the last sheet was printed with.
+    QString lastUsed_;
 };
 
 }  // namespace kadrona::dialogs

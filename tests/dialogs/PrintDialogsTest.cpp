@@ -98,9 +98,9 @@ TEST_F(PrintDialogs, ANewProfileKeepsWhatTheSetupDialogConfirmed) {
     EXPECT_EQ(printer.current, *printer.setupChoice);
 }
 
-TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameOrUnderAKnownName) {
+TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameUnderAKnownNameOrByAFailure) {
     const QStringList before = QDir(data.DataFolder()).entryList();
-    InProfiles([this](QWidget& shown) {
+    InProfiles([&](QWidget& shown) {
         Click(shown, u"btnNewProfile"_s);
         printer.setupChoice = printer.current;
         for (const auto& name :
@@ -110,14 +110,7 @@ TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameOrUnderAKnownName) {
             Click(shown, u"btnNewProfile"_s);
         }
         EXPECT_EQ(printer.setupsShown, 6);
-        EXPECT_EQ(Texts(shown), (QStringList{u"A"_s, u"B"_s}));
-    });
-    EXPECT_EQ(QDir(data.DataFolder()).entryList(), before);
-}
-
-TEST_F(PrintDialogs, AFailureIsShownAndAddsNoEntry) {
-    printer.setupChoice = printer.current;
-    InProfiles([this](QWidget& shown) {
+        EXPECT_EQ(QDir(data.DataFolder()).entryList(), before);
         ExpectName(u"Glanz [10x15]"_s);
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
         Click(shown, u"btnNewProfile"_s);
@@ -183,16 +176,23 @@ TEST_F(PrintDialogs, OnlyADefaultProfileThatIsThereStartsTheTimer) {
     auto& timer = *beforePrint.findChild<QTimer*>(u"Timer"_s);
     EXPECT_EQ(timer.interval(), 500);
     PrintAtOnce(1);
-    for (const bool present : {true, false}) {
-        driver.Expect(u"BeforPrintDlgFm"_s, [&](QWidget& shown) {
-            EXPECT_EQ(timer.isActive(), present);
-            EXPECT_EQ(beforePrint.SelectedProfile(), present ? u"B"_s : QString());
+    const auto expect = [&](const QString& selected, bool running) {
+        driver.Expect(u"BeforPrintDlgFm"_s, [&, selected, running](QWidget& shown) {
+            EXPECT_EQ(timer.isActive(), running);
+            EXPECT_EQ(beforePrint.SelectedProfile(), selected);
+            QTest::keyClick(shown.findChild<QListWidget*>(u"lbProfiles"_s), Qt::Key_Down);
+            EXPECT_FALSE(timer.isActive()) << "the user is hurried";
             Click(shown, u"btnCancel"_s);
         });
         EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
         EXPECT_FALSE(timer.isActive());
-        data.DeletePrinterProfile(u"B"_s);
-    }
+    };
+    expect(u"B"_s, true);
+    data.DeletePrinterProfile(u"A"_s);
+    data.SavePrintProfile(u"C"_s);
+    expect(u"B"_s, true);  // its place is another's now
+    data.DeletePrinterProfile(u"B"_s);
+    expect({}, false);
 }
 
 }  // namespace kadrona::testing
