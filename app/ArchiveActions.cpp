@@ -10,7 +10,7 @@
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetTiling.h"
 #include "dialogs/ArchiveWindow.h"
-#include "imaging/document/ImageDisplay.h"
+#include "imaging/view/PaintingSuspension.h"
 
 using namespace Qt::StringLiterals;
 
@@ -35,7 +35,7 @@ void ArchiveActions::acSearchArchivExecute() {
 void ArchiveActions::OpenForPrinting(const QString& path) {
     window_.view.Image().Clear();
     try {
-        const imaging::PaintingSuspension suspension(window_.view);
+        const imaging::view::PaintingSuspension suspension(window_.view);
         const controls::WaitCursor wait;
         MakeSheet(path);
     } catch (...) {
@@ -45,7 +45,6 @@ void ArchiveActions::OpenForPrinting(const QString& path) {
         throw;
     }
     window_.photoReplaced(true);
-    window_.view.Repaint();
     if (window_.settings.PrintAfterCrop()) {
         window_.print();
     }

@@ -17,8 +17,8 @@ namespace kadrona::dialogs {
 class TfmImgSearch;
 }
 
-namespace kadrona::imaging {
-class ImageDisplay;
+namespace kadrona::imaging::view {
+class ImageView;
 }
 
 namespace kadrona::app {
@@ -32,7 +32,7 @@ class ArchiveActions {
         core::UserInterface& ui;
         core::TData& data;
         const core::Settings& settings;
-        imaging::ImageDisplay& view;
+        imaging::view::ImageView& view;
         controls::StatusPanels& statusPanels;
         dialogs::TfmImgSearch& archive;
         /// The print action, which is hidden and so cannot be triggered while it runs by itself.

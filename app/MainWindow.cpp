@@ -89,8 +89,8 @@ void TmainFm::FormCreate(const core::TData::Folders& folders) {
     });
     profileChooser_ = new dialogs::TProfileDlgFM(this);
     templateChooser_->SetTemplates(data_->GetSchablonenList());
-    view_->Image().SetAutomaticUndo(true);
-    view_->Image().SetUndoLimit(UndoLimit);
+    image_.SetAutomaticUndo(true);
+    image_.SetUndoLimit(UndoLimit);
     controls::Guarded(this, [this] { RestoreRectangle(); });
     sheetCreated_ = false;
     imageLoaded_ = false;
@@ -121,6 +121,7 @@ void TmainFm::FormDestroy() {
     platform::WriteRegistryInteger(CountValue, dbCount_);
     colourTools_.reset();
     retouchTool_.reset();
+    delete view_;
     // The dialogs and the view may still ask the data module while they go.
     delete archiveWindow_;
     delete templateChooser_;
@@ -180,8 +181,8 @@ void TmainFm::ConnectActions() {
 
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
     connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
-    connect(&view_->Image(), &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
-    connect(&view_->Image(), &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
+    connect(&image_, &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
+    connect(&image_, &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
 }
 
 void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) {
@@ -215,11 +216,10 @@ void TmainFm::LeaveToolModes() {
 }
 
 void TmainFm::UpdateActions() {
-    const imaging::LayeredImage& image = view_->Image();
     actions_.Update({.imageLoaded = imageLoaded_,
                      .sheetCreated = sheetCreated_,
-                     .templateLoaded = image.LayerCount() >= 2,
-                     .canUndo = image.CanUndo(),
+                     .templateLoaded = image_.LayerCount() >= 2,
+                     .canUndo = image_.CanUndo(),
                      .layoutIndex = pictureCount_->currentIndex()},
                     *settings_);
 }
@@ -233,6 +233,8 @@ void TmainFm::ShowMessage(const QString& text) {
 
 std::optional<QStringList> TmainFm::EditTags() {
     const controls::WaitCursorPause pause;
+    // Whose photo gets the tags is to be seen behind the editor.
+    view_->Fit();
     if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
         return std::nullopt;
     }
@@ -262,7 +264,7 @@ void TmainFm::ArchivePhotoReplaced(bool created) {
 }
 
 void TmainFm::acPrintImageExecute() {
-    const QString printer = printFlow_->PrintSheet(view_->Image());
+    const QString printer = printFlow_->PrintSheet(image_);
     if (!printer.isEmpty()) {
         constexpr int Milliseconds = 8000;
         statusPanels_->showMessage(u"Druckauftrag an „%1“ gesendet"_s.arg(printer), Milliseconds);

@@ -146,6 +146,8 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     /// The save dialog's last one.
     QString saveFilter_;
 
+    imaging::LayeredImage image_;
+
     MainActions actions_;
     std::unique_ptr<core::TData> data_;
     dialogs::TEinstellungenFm* settings_ = nullptr;

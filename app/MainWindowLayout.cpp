@@ -84,7 +84,7 @@ void TmainFm::BuildEditBar(controls::CommandArea& area) {
 void TmainFm::BuildViewPanel() {
     viewPanel_ = new QWidget(this);
     viewPanel_->setObjectName(u"ViewPanel"_s);
-    view_ = new imaging::view::ImageView(viewPanel_);
+    view_ = new imaging::view::ImageView(image_, viewPanel_);
     view_->setObjectName(u"View"_s);
     view_->installEventFilter(this);
     view_->hide();

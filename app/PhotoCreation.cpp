@@ -15,21 +15,20 @@ using namespace Qt::StringLiterals;
 namespace kadrona::app {
 
 void TmainFm::acCropExecute() {
-    imaging::LayeredImage& image = view_->Image();
-    if (actions_.IsChecked(u"acBeauty"_s) || image.LayerCount() < 2) {
+    if (actions_.IsChecked(u"acBeauty"_s) || image_.LayerCount() < 2) {
         return;
     }
     LeaveToolModes();
-    image.SetCurrentLayer(0);
-    if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
+    image_.SetCurrentLayer(0);
+    if (core::AverageBrightness(image_.Photo()) > core::BrightestAccepted) {
         ShowMessage(core::TooBrightWarning);
     }
     {
         const controls::WaitCursor wait;
-        data_->CropImage(*view_, pictureCount_->currentIndex());
+        data_->CropImage(image_, pictureCount_->currentIndex());
     }
     sheetCreated_ = true;
-    image.ClearUndo();
+    image_.ClearUndo();
     view_->SetInteraction(
         {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
     acZoomFitExecute();

@@ -12,7 +12,7 @@
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
-#include "imaging/view/ImageView.h"
+#include "imaging/view/PaintingSuspension.h"
 
 using namespace Qt::StringLiterals;
 
@@ -72,24 +72,24 @@ void TmainFm::LoadImageFile(const QString& fileName) {
     }
     controls::Guarded(this, [this] {
         const controls::WaitCursor wait;
-        core::BalancePhoto(*settings_, view_->Image());
+        core::BalancePhoto(*settings_, image_);
     });
     ChooseTemplate();
-    data_->LoadLayer(*view_);
+    data_->LoadLayer(image_);
     view_->setFocus();
 }
 
 /// Brings the file into layer 0 and shows it; a failure is shown and leaves the view empty.
 bool TmainFm::ReadPhoto(const QString& fileName) {
-    view_->Image().Clear();
+    image_.Clear();
     emptyState_->hide();
     view_->show();
-    const imaging::PaintingSuspension suspension(*view_);
+    const imaging::view::PaintingSuspension suspension(*view_);
     statusPanels_->SetPath(fileName);
     data_->SetCurrentFile(fileName);
     const bool read = controls::Guarded(this, [&] {
         const controls::WaitCursor wait;
-        core::OpenPhoto(fileName, *settings_, view_->Image());
+        core::OpenPhoto(fileName, *settings_, image_);
     });
     acZoomFitExecute();
     return read;
@@ -103,7 +103,7 @@ void TmainFm::ChooseTemplate() {
     controls::Guarded(this, [this] {
         const QString file = data_->GetMaskFileName(templateChooser_->SelectedTemplate());
         if (data_->MaskLoadFromFile(file)) {
-            data_->DrawMask(*view_);
+            data_->DrawMask(image_);
         }
     });
 }

@@ -4,20 +4,19 @@
 #include "app/PictureFileDialog.h"
 #include "controls/messages/WaitCursor.h"
 #include "dialogs/SettingsDialog.h"
-#include "imaging/view/ImageView.h"
 
 namespace kadrona::app {
 
 void TmainFm::acSaveExecute() {
     const controls::WaitCursor wait;
-    data_->SaveImage(*view_, data_->SaveFolder(), {}, false);
+    data_->SaveImage(image_, data_->SaveFolder(), {}, false);
 }
 
 void TmainFm::acSaveImageFastExecute() {
     const QString fileName = data_->GetFileName(settings_->FileNameEd(), settings_->FileVarCombo(),
                                                 settings_->FileTypCombo());
     const controls::WaitCursor wait;
-    data_->SaveImage(*view_, data_->SaveFolder(), fileName, settings_->ScaleImageCk());
+    data_->SaveImage(image_, data_->SaveFolder(), fileName, settings_->ScaleImageCk());
 }
 
 std::optional<QString> TmainFm::AskForSaveFile(const core::SaveDialog& dialog) {

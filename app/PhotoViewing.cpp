@@ -20,12 +20,11 @@ namespace kadrona::app {
 using imaging::view::ImageView;
 
 void TmainFm::ShowTemplateLayer(bool show) {
-    imaging::LayeredImage& image = view_->Image();
-    if (image.LayerCount() < 2) {
+    if (image_.LayerCount() < 2) {
         return;
     }
-    image.SetLayerVisible(1, show, show);
-    image.SetCurrentLayer(show ? 1 : 0);
+    image_.SetLayerVisible(1, show, show);
+    image_.SetCurrentLayer(show ? 1 : 0);
     if (show && actions_.IsChecked(u"acShowLayer"_s)) {
         actions_.SetChecked(u"acShowLayer"_s, false);
     }
@@ -53,18 +52,16 @@ void TmainFm::acZoomFitExecute() {
 void TmainFm::acZoomFullExecute() {
     view_->SetAutomaticFit(false);
     view_->SetZoomPercent(100.0);
-    view_->Repaint();
 }
 
 void TmainFm::acUndoExecute() {
-    imaging::LayeredImage& image = view_->Image();
-    if (!image.CanUndo()) {
+    if (!image_.CanUndo()) {
         return;
     }
-    image.SetCurrentLayer(0);
-    const QSize before = image.Photo().Size();
-    image.Undo();
-    if (image.Photo().Size() != before) {
+    image_.SetCurrentLayer(0);
+    const QSize before = image_.Photo().Size();
+    image_.Undo();
+    if (image_.Photo().Size() != before) {
         KeepTemplateOnPhoto();
         acZoomFitExecute();
     }
@@ -72,9 +69,8 @@ void TmainFm::acUndoExecute() {
 
 /// A photo of another shape must not leave its template outside, where nobody can take hold of it.
 void TmainFm::KeepTemplateOnPhoto() {
-    const imaging::LayeredImage& image = view_->Image();
-    const QRect photo(QPoint(), image.Photo().Size());
-    if (image.LayerCount() >= 2 && !photo.contains(image.LayerAt(1).rectangle)) {
+    const QRect photo(QPoint(), image_.Photo().Size());
+    if (image_.LayerCount() >= 2 && !photo.contains(image_.LayerAt(1).rectangle)) {
         ViewLayerNotify(1);
     }
 }
@@ -89,38 +85,36 @@ void TmainFm::acRotateRightExecute() {
 
 /// Turns the photo and gives the template back to the mouse, as long as there is one.
 void TmainFm::QuarterTurn(int degrees) {
-    imaging::LayeredImage& image = view_->Image();
-    if (image.IsEmpty()) {
+    if (image_.IsEmpty()) {
         return;
     }
-    image.RecordUndoStep();
-    image.SetCurrentLayer(0);
+    image_.RecordUndoStep();
+    image_.SetCurrentLayer(0);
     RotatePhoto(degrees);
     KeepTemplateOnPhoto();
-    if (!sheetCreated_ && image.LayerCount() >= 2) {
-        image.SetCurrentLayer(1);
+    if (!sheetCreated_ && image_.LayerCount() >= 2) {
+        image_.SetCurrentLayer(1);
     }
     acZoomFitExecute();
 }
 
 void TmainFm::acRotateDlgExecute() {
-    imaging::LayeredImage& image = view_->Image();
-    if (image.IsEmpty()) {
+    if (image_.IsEmpty()) {
         return;
     }
-    image.RecordUndoStep();
-    image.SetCurrentLayer(0);
-    const QSize before = image.Photo().Size();
+    image_.RecordUndoStep();
+    image_.SetCurrentLayer(0);
+    const QSize before = image_.Photo().Size();
     {
         const auto stopWaiting = qScopeGuard([this] { turning_.reset(); });
-        data_->RotateImage(*view_);
+        data_->RotateImage(image_);
     }
-    if (image.Photo().Size() != before) {
+    if (image_.Photo().Size() != before) {
         KeepTemplateOnPhoto();
         acZoomFitExecute();
     }
-    if (image.LayerCount() >= 2) {
-        image.SetCurrentLayer(1);
+    if (image_.LayerCount() >= 2) {
+        image_.SetCurrentLayer(1);
     }
 }
 
@@ -134,25 +128,22 @@ std::optional<double> TmainFm::AskForRotation(const imaging::Pixels& preview) {
 }
 
 void TmainFm::RotatePhoto(int degrees) {
-    imaging::LayeredImage& image = view_->Image();
-    if (!image.IsEmpty()) {
+    if (!image_.IsEmpty()) {
         const auto turn =
             degrees > 0 ? imaging::QuarterTurn::CounterClockwise : imaging::QuarterTurn::Clockwise;
-        image.ChangePhoto(imaging::Turned(image.Photo(), turn));
+        image_.ChangePhoto(imaging::Turned(image_.Photo(), turn));
     }
 }
 
 void TmainFm::ViewLayerNotify(int layer) {
-    imaging::LayeredImage& image = view_->Image();
-    image.SetLayerRectangle(
-        layer, core::KeptInsidePhoto(image.LayerAt(layer).rectangle, image.Photo().Size()));
-    view_->Repaint();
+    image_.SetLayerRectangle(
+        layer, core::KeptInsidePhoto(image_.LayerAt(layer).rectangle, image_.Photo().Size()));
 }
 
 /// The retouch stamp works on the photo, whatever layer was picked.
 void TmainFm::ViewMouseDown() {
-    if (actions_.IsChecked(u"acBeauty"_s) && !view_->Image().IsEmpty()) {
-        view_->Image().SetCurrentLayer(0);
+    if (actions_.IsChecked(u"acBeauty"_s) && !image_.IsEmpty()) {
+        image_.SetCurrentLayer(0);
     }
 }
 

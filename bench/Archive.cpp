@@ -13,7 +13,7 @@
 #include "bench/SilentInterface.h"
 #include "core/Data.h"
 #include "core/archive/ArchiveTable.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/pixels/Processing.h"
 #include "imaging/writing/ImageWriter.h"
 
@@ -92,18 +92,19 @@ void MeasureArchiving(const QString& folder) {
     core::TData data(ui, {folder, folder});
     data.ConnectDB(folder);
     data.CreateDB();
-    imaging::WindowlessDisplay view;
-    view.Image().Open(imaging::Pixels(Photo()), {886});
+    imaging::LayeredImage image;
+    image.Open(imaging::Pixels(Photo()), {886});
     Report("encoding a photo of 1220 x 1565",
-           Repeated(Rounds, [&] { imaging::EncodeJpeg(view.Image().Photo(), {886}); }));
+           Repeated(Rounds, [&] { imaging::EncodeJpeg(image.Photo(), {886}); }));
     Report("its thumbnail", Repeated(Rounds, [&] {
-               imaging::EncodeJpeg(imaging::Resampled(view.Image().Photo(), {140, 180}));
+               imaging::EncodeJpeg(imaging::Resampled(image.Photo(), {140, 180}));
            }));
     Report("writing the photo into a file", Repeated(Rounds, [&] {
-               imaging::WriteImageFile(folder + u"/alone.jpg"_s, view.Image().Photo(), {886});
+               imaging::WriteImageFile(folder + u"/alone.jpg"_s, image.Photo(), {886});
            }));
     Report("filing it with tags and thumbnail", Repeated(Rounds, [&] {
-               data.SaveImageToArchiv(view, folder, u"Anna Müller\r\nKöln\r\n"_s, u"Anna Müller"_s);
+               data.SaveImageToArchiv(image, folder, u"Anna Müller\r\nKöln\r\n"_s,
+                                      u"Anna Müller"_s);
            }));
 }
 

@@ -73,7 +73,8 @@ void MeasureStroke(TimedView& view, const char* name, double percent) {
 
 void MeasurePhoto(const char* name, QSize size) {
     std::printf("%s (%d x %d)\n", name, size.width(), size.height());
-    TimedView view;
+    LayeredImage image;
+    TimedView view(image);
     view.SetSettleDelay(std::chrono::milliseconds(0));
     view.resize(ViewSize);
     view.show();

@@ -16,6 +16,7 @@ namespace {
 
 using namespace kadrona::bench;
 using kadrona::imaging::DotsPerInch;
+using kadrona::imaging::LayeredImage;
 using kadrona::imaging::Pixels;
 
 QImage MakeTemplate() {
@@ -94,7 +95,8 @@ void MeasurePhoto(const char* name, QSize size) {
     const double plain = MeasurePlainDrawing(photo).median;
     std::printf("%s (%d x %d); plain drawing of the whole: %.2f ms\n", name, size.width(),
                 size.height(), plain);
-    TimedView view;
+    LayeredImage image;
+    TimedView view(image);
     // Movement and rest are measured apart.
     view.SetSettleDelay(std::chrono::minutes(10));
     view.resize(ViewSize);

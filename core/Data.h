@@ -14,7 +14,7 @@
 #include "core/sheet/SheetLayout.h"
 #include "core/templates/TemplateCatalogue.h"
 #include "core/templates/TemplateFile.h"
-#include "imaging/document/ImageDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "store/Database.h"
 
 namespace kadrona::printing {
@@ -80,8 +80,8 @@ class TData {
     /// Loads a template. False, with nothing changed, when the file does not exist. Throws
     /// TemplateFileError for a damaged one, with nothing changed either.
     bool MaskLoadFromFile(const QString& path);
-    void DrawMask(imaging::ImageDisplay& view);
-    void LoadLayer(imaging::ImageDisplay& view);
+    void DrawMask(imaging::LayeredImage& image);
+    void LoadLayer(imaging::LayeredImage& image);
     const QString& TemplateName() const { return templateName_; }
     QSize TemplateCanvasSize() const { return templateCanvas_; }
     /// One section of "kdr.ini": "PosX", "PosY", "Width", "Height".
@@ -89,12 +89,12 @@ class TData {
     void SaveLayerPosToIni(const QString& section, const QRect& rectangle) const;
 
     // Passport photos
-    void CropImage(imaging::ImageDisplay& view, int layoutIndex);
-    void TileImage(imaging::ImageDisplay& view, int layoutIndex);
+    void CropImage(imaging::LayeredImage& image, int layoutIndex);
+    void TileImage(imaging::LayeredImage& image, int layoutIndex);
 
     /// Lets the user level the photo and turns it once, from its own pixels, by that angle; what
     /// it uncovers is white. Cancelled, the photo stays as it is.
-    void RotateImage(imaging::ImageDisplay& view);
+    void RotateImage(imaging::LayeredImage& image);
 
     // Photo profiles
     QStringList GetProfileList() const;
@@ -134,17 +134,17 @@ class TData {
     /// Folder of the file last chosen in the save dialog, with a trailing separator; empty at
     /// first.
     const QString& LastSaveFolder() const { return lastSaveFolder_; }
-    /// Writes the view's image into `folder`: under `fileName`, over an older file of that name, or
+    /// Writes the image into `folder`: under `fileName`, over an older file of that name, or
     /// under a name that the user is asked for where it is empty.
     ///
     /// `scale` writes it in 413 x 531 pixels. After a save under a given name the newest undo step
     /// is taken back, whether or not the image was scaled, and the others are dropped. Throws
     /// imaging::WriteError where the file cannot be written; the image and its undo steps are then
     /// as they were.
-    void SaveImage(imaging::ImageDisplay& view, const QString& folder, const QString& fileName,
+    void SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
                    bool scale);
     /// Writes nothing: this way of saving never had a file name.
-    void AutoSaveImage(imaging::ImageDisplay& view, const QString& folder) const;
+    void AutoSaveImage(imaging::LayeredImage& image, const QString& folder) const;
 
     // Archive
     static QString GetArchivPath();
@@ -154,15 +154,15 @@ class TData {
     bool CreateDB();
     /// Opened on first use; null while there is none.
     ArchiveTable* Archive();
-    /// Files the view's photo: as a JPEG in the month's folder below `archiveFolder`, which is made
-    /// where the archive folder exists, and as a record, the current one from then on. A file that
-    /// is there already is never replaced: its number is left out. `tags` and `objectName` go into
-    /// the view's IPTC items as SaveIptcToImage does, and into the file.
+    /// Files the image's photo: as a JPEG in the month's folder below `archiveFolder`, which is
+    /// made where the archive folder exists, and as a record, the current one from then on. A file
+    /// that is there already is never replaced: its number is left out. `tags` and `objectName` go
+    /// into the image's IPTC items as SaveIptcToImage does, and into the file.
     ///
     /// Does nothing without the table, or where the month's folder cannot be made. Throws
     /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and
     /// store::StoreError.
-    void SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
+    void SaveImageToArchiv(imaging::LayeredImage& image, const QString& archiveFolder,
                            const QString& tags, const QString& objectName);
     /// The record that GetFileNameFromRecord tells of; 0 is none.
     qint64 CurrentRecord() const { return currentRecord_; }
@@ -172,9 +172,9 @@ class TData {
     QString GetFileNameFromRecord(const QString& archiveFolder);
     /// Lists only the records whose tags hold every word of `text`; all again where it is empty.
     void ImgTagSearch(const QString& text);
-    /// Sets object name (2:5) and keywords (2:25, each line break a comma) among the IPTC items of
-    /// the view's image; writes no file.
-    void SaveIptcToImage(imaging::ImageDisplay& view, const QString& objectName,
+    /// Sets object name (2:5) and keywords (2:25, each line break a comma) among the image's IPTC
+    /// items; writes no file.
+    void SaveIptcToImage(imaging::LayeredImage& image, const QString& objectName,
                          const QString& keywords);
     /// Replaces the IPTC items of a JPEG file by these two. Does nothing where there is no such
     /// file. Throws platform::FileError.
@@ -185,7 +185,7 @@ class TData {
     QString LayoutFile() const;
     ProfileIndex PhotoProfileIndex() const;
     ProfileIndex PrinterProfileIndex() const;
-    void ArchiveSinglePhoto(imaging::ImageDisplay& view);
+    void ArchiveSinglePhoto(imaging::LayeredImage& image);
     void SaveByDialog(const imaging::LayeredImage& image);
     void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
 

@@ -22,6 +22,7 @@ class UserInterface {
     virtual void ShowMessage(const QString& text) = 0;
 
     /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
+    /// The image holds the single photo that gets them.
     virtual std::optional<QStringList> EditTags() = 0;
 
     /// Lets the user choose the file to save to, which may exist only where the user agreed to

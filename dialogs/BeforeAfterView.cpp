@@ -27,8 +27,14 @@ BeforeAfterView::BeforeAfterView(QWidget* parent) : QWidget(parent) {
     AddZoomButtons();
 }
 
+/// The sides go before the photo that they show.
+BeforeAfterView::~BeforeAfterView() {
+    delete before_;
+    delete after_;
+}
+
 ImageView* BeforeAfterView::AddSide(int column, const QString& title, const QString& name) {
-    auto* view = new ImageView;
+    auto* view = new ImageView(photo_);
     view->setObjectName(name);
     view->setAccessibleName(title);
     view->setMinimumSize(120, 120);
@@ -64,8 +70,8 @@ void BeforeAfterView::AddZoomButtons() {
 void BeforeAfterView::SetPhoto(const imaging::Pixels& photo) {
     for (ImageView* view : {before_, after_}) {
         view->SetAutomaticFit(true);
-        view->Image().Open(photo, {});
     }
+    photo_.Open(photo, {});
 }
 
 void BeforeAfterView::SetFilter(imaging::PixelFilterPointer filter) {

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "imaging/document/LayeredImage.h"
 #include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging::view {
@@ -16,6 +17,7 @@ class BeforeAfterView : public QWidget {
 
  public:
     explicit BeforeAfterView(QWidget* parent = nullptr);
+    ~BeforeAfterView() override;
 
     /// Shows another photo as a whole.
     void SetPhoto(const imaging::Pixels& photo);
@@ -27,6 +29,7 @@ class BeforeAfterView : public QWidget {
     void AddZoomButtons();
     void Follow(const imaging::view::ImageView& leader, imaging::view::ImageView& follower);
 
+    imaging::LayeredImage photo_;
     imaging::view::ImageView* before_;
     imaging::view::ImageView* after_;
     bool isFollowing_ = false;

@@ -10,7 +10,7 @@
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/PhotoSaving.h"
 #include "core/templates/LayerPosition.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
@@ -110,9 +110,8 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
     return core::StoredSettings(data.ProfileFile(profile.isEmpty() ? StandardProfile : profile));
 }
 
-void PlaceTemplate(core::TData& data, imaging::ImageDisplay& view,
+void PlaceTemplate(core::TData& data, imaging::LayeredImage& image,
                    const std::optional<TemplatePlace>& place) {
-    imaging::LayeredImage& image = view.Image();
     const QSize photo = image.Photo().Size();
     if (place) {
         const QRect wanted(place->left, place->top, place->width, 1);
@@ -126,7 +125,7 @@ void PlaceTemplate(core::TData& data, imaging::ImageDisplay& view,
                 u"geben Sie sie mit --at an."_s.arg(photo.width())
                     .arg(photo.height()));
         }
-        data.LoadLayer(view);
+        data.LoadLayer(image);
     }
     const QRect rectangle = image.LayerAt(1).rectangle;
     if (!QRect(QPoint(), photo).contains(rectangle)) {
@@ -147,18 +146,17 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
     if (QFileInfo(output).exists() && QFileInfo(output) == QFileInfo(photo)) {
         throw platform::Error(u"Das Ziel ist das Foto selbst und würde es überschreiben."_s);
     }
-    imaging::WindowlessDisplay view;
-    imaging::LayeredImage& image = view.Image();
+    imaging::LayeredImage image;
     core::OpenPhoto(photo, settings, image);
     data.SetCurrentFile(photo);
     core::BalancePhoto(settings, image);
     core::TurnOpenedPhoto(settings, image);
-    data.DrawMask(view);
-    PlaceTemplate(data, view, request.place);
+    data.DrawMask(image);
+    PlaceTemplate(data, image, request.place);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         errors << photo << u": "_s << core::TooBrightWarning << Qt::endl;
     }
-    data.CropImage(view, request.layoutIndex.value_or(settings.ImageCount()));
+    data.CropImage(image, request.layoutIndex.value_or(settings.ImageCount()));
     core::WritePhoto(image, output);
     return u"%1 x %2 Pixel, %3 dpi"_s.arg(image.Photo().Width())
         .arg(image.Photo().Height())

@@ -80,7 +80,7 @@ ArchiveTable* TData::Archive() {
 /// Numbers start anew where the database was lost, or go on from those of a backup; a second
 /// computer that files in the same folder counts for itself. The numbers of photos that are there
 /// already are left out: no photo is overwritten, and a database that comes back finds its own.
-void TData::SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiveFolder,
+void TData::SaveImageToArchiv(imaging::LayeredImage& image, const QString& archiveFolder,
                               const QString& tags, const QString& objectName) {
     ArchiveTable* table = Archive();
     if (table == nullptr) {
@@ -91,16 +91,16 @@ void TData::SaveImageToArchiv(imaging::ImageDisplay& view, const QString& archiv
     if (QFileInfo(archiveFolder).isDir() && !platform::CreateFolder(folder)) {
         return;
     }
-    const imaging::Pixels photo = view.Image().Photo();
+    const imaging::Pixels photo = image.Photo();
     const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, nameSources_) + u".jpg"_s; };
     currentRecord_ = table->Insert([&](qint64 id) {
         const QFileInfo older(platform::JoinPath(folder, nameOf(id)));
         return older.isFile() || older.isSymLink();
     });
     const QString fileName = nameOf(currentRecord_);
-    SaveIptcToImage(view, objectName, tags);
-    imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, view.Image().Resolution(),
-                            {{}, view.Image().Iptc()});
+    SaveIptcToImage(image, objectName, tags);
+    imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, image.Resolution(),
+                            {{}, image.Iptc()});
     table->Fill({.id = currentRecord_,
                  .name = fileName,
                  .type = templateName_,

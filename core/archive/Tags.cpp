@@ -33,11 +33,11 @@ void SetTags(imaging::IptcItems& items, const QString& objectName, QString keywo
 }  // namespace
 
 // NOLINTBEGIN(readability-convert-member-functions-to-static): operations of the data module
-void TData::SaveIptcToImage(imaging::ImageDisplay& view, const QString& objectName,
+void TData::SaveIptcToImage(imaging::LayeredImage& image, const QString& objectName,
                             const QString& keywords) {
-    imaging::IptcItems items = view.Image().Iptc();
+    imaging::IptcItems items = image.Iptc();
     SetTags(items, objectName, keywords);
-    view.Image().SetIptc(std::move(items));
+    image.SetIptc(std::move(items));
 }
 
 void TData::RewriteIptcToImage(const QString& fileName, const QString& objectName,

@@ -8,8 +8,7 @@
 
 namespace kadrona::core {
 
-void TData::CropImage(imaging::ImageDisplay& view, int layoutIndex) {
-    imaging::LayeredImage& image = view.Image();
+void TData::CropImage(imaging::LayeredImage& image, int layoutIndex) {
     image.SetCurrentLayer(1);
     const QRect rectangle = image.LayerAt(1).rectangle;
     image.SetCurrentLayer(0);
@@ -21,9 +20,7 @@ void TData::CropImage(imaging::ImageDisplay& view, int layoutIndex) {
     }
     image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
     image.RemoveLayersAbovePhoto();
-    TileImage(view, layoutIndex);
-    view.Fit();
-    view.Repaint();
+    TileImage(image, layoutIndex);
 }
 
 }  // namespace kadrona::core

@@ -35,9 +35,8 @@ QString TData::SaveFolder() const {
     return QFileInfo(folder).isDir() ? folder : lastSaveFolder_;
 }
 
-void TData::SaveImage(imaging::ImageDisplay& view, const QString& folder, const QString& fileName,
+void TData::SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
                       bool scale) {
-    imaging::LayeredImage& image = view.Image();
     const QString target = DelLastBackslash(folder);
     // A root without its separator would be no folder at all.
     const bool isRoot = !folder.isEmpty() && QDir(folder).isRoot();
@@ -50,7 +49,6 @@ void TData::SaveImage(imaging::ImageDisplay& view, const QString& folder, const 
         image.SetAutomaticUndo(false);
         image.RecordUndoStep();
         image.ChangePhoto(std::move(scaled));
-        view.Repaint();
     }
     if (fileName.isEmpty()) {
         SaveByDialog(image);
@@ -84,6 +82,6 @@ void TData::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool 
     image.ClearUndo();
 }
 
-void TData::AutoSaveImage(imaging::ImageDisplay& /*view*/, const QString& /*folder*/) const {}
+void TData::AutoSaveImage(imaging::LayeredImage& /*image*/, const QString& /*folder*/) const {}
 
 }  // namespace kadrona::core

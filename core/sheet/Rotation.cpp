@@ -27,8 +27,7 @@ QSize RotationPreviewSize(QSize photo) {
     return {static_cast<int>(LongSide), shortSide(photo.height(), photo.width())};
 }
 
-void TData::RotateImage(imaging::ImageDisplay& view) {
-    imaging::LayeredImage& image = view.Image();
+void TData::RotateImage(imaging::LayeredImage& image) {
     if (image.IsEmpty()) {
         return;
     }
@@ -36,7 +35,6 @@ void TData::RotateImage(imaging::ImageDisplay& view) {
         imaging::Resampled(image.Photo(), RotationPreviewSize(image.Photo().Size()));
     if (const auto degrees = ui_.AskForRotation(preview)) {
         image.ChangePhoto(imaging::Rotated(image.Photo(), *degrees));
-        view.Repaint();
     }
 }
 

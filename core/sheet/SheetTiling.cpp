@@ -21,34 +21,29 @@ void LayOutCopies(imaging::LayeredImage& image, const Settings& settings, int la
     }
 }
 
-void TData::TileImage(imaging::ImageDisplay& view, int layoutIndex) {
-    imaging::LayeredImage& image = view.Image();
+void TData::TileImage(imaging::LayeredImage& image, int layoutIndex) {
     const QSize photo = image.Photo().Size();
     image.SetResolution(PrintResolution(photo.width(), {templateCanvas_.width()}));
     const QSize bordered = BorderedSize(photo, frameSize_, layoutIndex);
     if (bordered != photo) {
         image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
     }
-    view.Repaint();
     if (settings_->ImageAutoSave()) {
-        // Whose photo gets the tags is to be seen behind the editor.
-        view.Fit();
-        ArchiveSinglePhoto(view);
+        ArchiveSinglePhoto(image);
     }
-    const imaging::PaintingSuspension suspension(view);
     LayOutCopies(image, *settings_, layoutIndex);
 }
 
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
 /// nothing, a failing archive is told of, and the sheet is made all the same.
-void TData::ArchiveSinglePhoto(imaging::ImageDisplay& view) {
+void TData::ArchiveSinglePhoto(imaging::LayeredImage& image) {
     const auto lines = ui_.EditTags();
     if (!lines) {
         return;
     }
     const QString keyword = lines->isEmpty() ? QString() : lines->first();
     try {
-        SaveImageToArchiv(view, settings_->ImageDestinationDir(), TagText(*lines), keyword);
+        SaveImageToArchiv(image, settings_->ImageDestinationDir(), TagText(*lines), keyword);
     } catch (const platform::Error& error) {
         ui_.ShowMessage(error.Text());
     }

@@ -77,8 +77,7 @@ bool TData::MaskLoadFromFile(const QString& path) {
     return true;
 }
 
-void TData::DrawMask(imaging::ImageDisplay& view) {
-    imaging::LayeredImage& image = view.Image();
+void TData::DrawMask(imaging::LayeredImage& image) {
     image.RemoveLayersAbovePhoto();
     templateCanvas_ = TemplateCanvas(objectList_);
     image.AddLayer(
@@ -87,8 +86,7 @@ void TData::DrawMask(imaging::ImageDisplay& view) {
          .transparency = TemplateTransparency});
 }
 
-void TData::LoadLayer(imaging::ImageDisplay& view) {
-    imaging::LayeredImage& image = view.Image();
+void TData::LoadLayer(imaging::LayeredImage& image) {
     if (image.LayerCount() < 2) {
         return;
     }

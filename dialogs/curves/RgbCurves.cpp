@@ -18,7 +18,7 @@
 #include "dialogs/WindowPlacement.h"
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/tone/CurveFile.h"
-#include "imaging/view/ImageView.h"
+#include "imaging/view/PaintingSuspension.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
@@ -218,11 +218,10 @@ controls::ModalResult TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
     const controls::ModalResult result = controls::ShowModal(*this);
     disconnect(preview);
     // The photo changes under the preview, so that it is never seen as it was before.
-    const imaging::PaintingSuspension suspension(view);
+    const imaging::view::PaintingSuspension suspension(view);
     view.SetPreviewFilter(nullptr);
     if (result == controls::ModalResult::Ok) {
         ApplyTo(view.Image());
-        view.Repaint();
     }
     return result;
 }

@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::imaging::view {
 
-ImageView::ImageView(QWidget* parent) : QWidget(parent), d_(std::make_unique<Private>(*this)) {
+ImageView::ImageView(LayeredImage& image, QWidget* parent)
+    : QWidget(parent), d_(std::make_unique<Private>(*this, image)) {
     QPalette white = palette();
     white.setColor(QPalette::Base, Qt::white);
     setPalette(white);
@@ -31,10 +32,6 @@ LayeredImage& ImageView::Image() {
 
 void ImageView::Fit() {
     d_->Fit();
-}
-
-void ImageView::Repaint() {
-    update();
 }
 
 void ImageView::SuspendPainting() {

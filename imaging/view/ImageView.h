@@ -6,7 +6,7 @@
 #include <chrono>
 #include <memory>
 
-#include "imaging/document/ImageDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging::view {
@@ -24,7 +24,7 @@ class ViewTool;
 ///
 /// The view sets its cursor itself where the pointer can drag something. A cursor that its owner
 /// sets shows everywhere else.
-class ImageView : public QWidget, public ImageDisplay {
+class ImageView : public QWidget {
     Q_OBJECT
 
  public:
@@ -32,14 +32,17 @@ class ImageView : public QWidget, public ImageDisplay {
     enum class Interaction { None = 0, Zoom = 1, Pan = 2 };
     Q_DECLARE_FLAGS(Interactions, Interaction)
 
-    explicit ImageView(QWidget* parent = nullptr);
+    /// Shows `image`, which outlives the view.
+    explicit ImageView(LayeredImage& image, QWidget* parent = nullptr);
     ~ImageView() override;
 
-    LayeredImage& Image() override;
-    void Fit() override;
-    void Repaint() override;
-    void SuspendPainting() override;
-    void ResumePainting() override;
+    LayeredImage& Image();
+    /// Brings the whole image into view.
+    void Fit();
+
+    /// Between the two the view goes on showing what it shows; calls nest.
+    void SuspendPainting();
+    void ResumePainting();
 
     /// With Pan alone the view only pans, whatever lies under the pointer.
     void SetInteraction(Interactions interaction);

@@ -27,7 +27,8 @@ QRect ToLogicalPixels(const QRect& device, double scale) {
 
 }  // namespace
 
-ImageView::Private::Private(ImageView& view) : view_(view), cursor_(view) {
+ImageView::Private::Private(ImageView& view, LayeredImage& image)
+    : view_(view), image_(image), cursor_(view) {
     settleTimer_.setSingleShot(true);
     settleTimer_.setInterval(SettleDelay);
     QObject::connect(&settleTimer_, &QTimer::timeout, &view, [this] { Settle(); });

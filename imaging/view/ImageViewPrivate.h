@@ -21,7 +21,7 @@ namespace kadrona::imaging::view {
 /// otherwise.
 class ImageView::Private {
  public:
-    explicit Private(ImageView& view);
+    Private(ImageView& view, LayeredImage& image);
 
     // Geometry.
     double DeviceScale() const { return view_.devicePixelRatioF(); }
@@ -80,7 +80,7 @@ class ImageView::Private {
     };
 
     ImageView& view_;
-    LayeredImage image_;
+    LayeredImage& image_;
     ViewGeometry geometry_;
     LayerPainter painter_;
     CursorOverride cursor_;

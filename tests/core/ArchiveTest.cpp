@@ -4,7 +4,7 @@
 
 #include "core/archive/ArchiveTable.h"
 #include "core/sheet/PhotoLoading.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
@@ -33,13 +33,12 @@ class Archive : public ::testing::Test {
         data.SetNameSources(sources);
         QImage photo(413, 531, QImage::Format_RGB32);
         photo.fill(Qt::red);
-        Image().Open(imaging::Pixels(photo), {300});
+        image.Open(imaging::Pixels(photo), {300});
     }
 
-    imaging::LayeredImage& Image() { return view.Image(); }
     core::ArchiveTable& Table() { return *data.Archive(); }
     void File(const QString& tags) {
-        data.SaveImageToArchiv(view, archiveFolder, tags, tags.section(u"\r\n"_s, 0, 0));
+        data.SaveImageToArchiv(image, archiveFolder, tags, tags.section(u"\r\n"_s, 0, 0));
     }
     QString DatabaseFile() const { return databaseFolder + u"/KDRImageBase.db"_s; }
 
@@ -69,7 +68,7 @@ class Archive : public ::testing::Test {
     QDateTime now{QDate(2026, 3, 7), QTime(14, 30, 5, 123)};
     FakeInterface ui;
     core::TData data{ui, installation.Folders()};
-    imaging::WindowlessDisplay view;
+    imaging::LayeredImage image;
 };
 
 TEST_F(Archive, FilesAPhotoWithItsRecordThumbnailAndTags) {
@@ -99,7 +98,7 @@ TEST_F(Archive, FilesAPhotoWithItsRecordThumbnailAndTags) {
 TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
     const QString missing = installation.Path("missing");
     for (int i = 0; i < 2; ++i) {
-        EXPECT_THROW(data.SaveImageToArchiv(view, missing, u"a\r\n"_s, u"a"_s),
+        EXPECT_THROW(data.SaveImageToArchiv(image, missing, u"a\r\n"_s, u"a"_s),
                      imaging::WriteError);
     }
     EXPECT_FALSE(QFileInfo::exists(missing));
@@ -107,7 +106,7 @@ TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
     EXPECT_THROW(File(u"b\r\n"_s), imaging::WriteError) << "the photo's name is taken by a folder";
     EXPECT_EQ(Records(),
               QStringList({u"1|?|?|?|?|?|?|?"_s, u"2|?|?|?|?|?|?|?"_s, u"3|?|?|?|?|?|?|?"_s}));
-    EXPECT_EQ(Image().Iptc().Text(0), u"a"_s) << "the tags are set before the photo is written";
+    EXPECT_EQ(image.Iptc().Text(0), u"a"_s) << "the tags are set before the photo is written";
     File(u"c\r\n"_s);
     EXPECT_EQ(Table().Ids(), (Ids{4, 3, 2, 1})) << "those without a date come last";
     EXPECT_EQ(Table().Read(2)->created, QDateTime());
@@ -143,7 +142,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     installation.Write("archive/2026", "a file in the way");
     File(u"a\r\n"_s);
     EXPECT_EQ(Records(), QStringList());
-    EXPECT_TRUE(Image().Iptc().IsEmpty());
+    EXPECT_TRUE(image.Iptc().IsEmpty());
     store::Database(databaseFolder).Execute(uR"(DROP TABLE "ImgDB")"_s);
     QFile::remove(installation.Path("archive/2026"));
     File(u"a\r\n"_s);
@@ -151,7 +150,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     data.ImgTagSearch(u"a"_s);
     core::TData unconnected(ui, installation.Folders());
     EXPECT_FALSE(unconnected.CreateDB());
-    unconnected.SaveImageToArchiv(view, archiveFolder, {}, {});
+    unconnected.SaveImageToArchiv(image, archiveFolder, {}, {});
     EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files), QStringList());
     data.CreateDB();
     EXPECT_EQ(Records(), QStringList());
@@ -229,7 +228,7 @@ TEST_F(Archive, TwoProgramsSeeWhatTheOtherFiles) {
     other.CreateDB();
     for (int i = 0; i < 3; ++i) {
         File(u"ours\r\n"_s);
-        other.SaveImageToArchiv(view, archiveFolder, u"theirs\r\n"_s, u"theirs"_s);
+        other.SaveImageToArchiv(image, archiveFolder, u"theirs\r\n"_s, u"theirs"_s);
         EXPECT_EQ(Table().Ids().size(), size_t(2 * i + 2));
         EXPECT_EQ(other.Archive()->Find(u"ours"_s).size(), size_t(i + 1));
     }
@@ -285,14 +284,14 @@ QStringList Texts(const imaging::IptcItems& items) {
 }
 
 TEST_F(Archive, TagsAreSetInAViewAndRewrittenInAFile) {
-    data.SaveIptcToImage(view, u"Anna"_s, u"Anna\r\nBerlin\r\n2026\r\n"_s);
-    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
-    data.SaveIptcToImage(view, u"Bea"_s, {});
-    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
+    data.SaveIptcToImage(image, u"Anna"_s, u"Anna\r\nBerlin\r\n2026\r\n"_s);
+    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
+    data.SaveIptcToImage(image, u"Bea"_s, {});
+    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
         << "the item at the very front counts as missing";
 
     const QString path = installation.Path("a.jpg");
-    imaging::WriteImageFile(path, Image().Photo(), {300}, {{}, Image().Iptc()});
+    imaging::WriteImageFile(path, image.Photo(), {300}, {{}, image.Iptc()});
     data.RewriteIptcToImage(path, u"Käthe"_s, u"Käthe\r\n\r\n"_s);
     EXPECT_EQ(Texts(imaging::ReadImageFile(path).iptc),
               QStringList({u"1:90 \u001b%G"_s, u"2:5 Käthe"_s, u"2:25 Käthe,,"_s}));
@@ -308,18 +307,18 @@ TEST_F(Archive, ItemsOfAnOpenedPhotoStayWithIt) {
         "\xff\xed\0\x24Photoshop 3.0\0"
         "8BIM\4\4\0\0\0\0\0\x08\x1c\2\5\0\3alt",
         38);
-    installation.Write("a.jpg", imaging::EncodeJpeg(Image().Photo()).insert(2, segment));
-    core::OpenPhoto(installation.Path("a.jpg"), settings, Image());
-    data.SaveIptcToImage(view, u"neu"_s, u"neu"_s);
-    EXPECT_EQ(Texts(Image().Iptc()), QStringList({u"2:5 alt"_s, u"2:5 neu"_s, u"2:25 neu"_s}));
+    installation.Write("a.jpg", imaging::EncodeJpeg(image.Photo()).insert(2, segment));
+    core::OpenPhoto(installation.Path("a.jpg"), settings, image);
+    data.SaveIptcToImage(image, u"neu"_s, u"neu"_s);
+    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 alt"_s, u"2:5 neu"_s, u"2:25 neu"_s}));
 
-    data.SaveImage(view, archiveFolder, u"b.jpg"_s, false);
-    core::OpenPhoto(archiveFolder + u"/b.jpg"_s, settings, Image());
-    data.SaveIptcToImage(view, u"neuer"_s, u"neuer"_s);
-    EXPECT_EQ(Texts(Image().Iptc()),
+    data.SaveImage(image, archiveFolder, u"b.jpg"_s, false);
+    core::OpenPhoto(archiveFolder + u"/b.jpg"_s, settings, image);
+    data.SaveIptcToImage(image, u"neuer"_s, u"neuer"_s);
+    EXPECT_EQ(Texts(image.Iptc()),
               QStringList({u"1:90 \u001b%G"_s, u"2:5 neuer"_s, u"2:5 neu"_s, u"2:25 neuer"_s}));
-    Image().Open(Image().Photo(), {});
-    EXPECT_TRUE(Image().Iptc().IsEmpty());
+    image.Open(image.Photo(), {});
+    EXPECT_TRUE(image.Iptc().IsEmpty());
 }
 
 }  // namespace kadrona::testing

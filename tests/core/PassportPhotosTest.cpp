@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/sheet/PhotoLoading.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -17,10 +17,10 @@ class PassportPhotos : public ::testing::Test {
     }
 
     void OpenPhoto(const QImage& photo, int templateIndex = 0) {
-        view.Image().Open(imaging::Pixels(photo), {});
+        image.Open(imaging::Pixels(photo), {});
         ASSERT_TRUE(data.MaskLoadFromFile(data.GetMaskFileName(templateIndex)));
-        data.DrawMask(view);
-        data.LoadLayer(view);
+        data.DrawMask(image);
+        data.LoadLayer(image);
     }
 
     static QImage Grey(int width, int height, int value = 128) {
@@ -33,38 +33,38 @@ class PassportPhotos : public ::testing::Test {
     FakeInterface ui;
     FakeSettings settings;
     core::TData data{ui, installation.Folders()};
-    imaging::WindowlessDisplay view;
+    imaging::LayeredImage image;
 };
 
 TEST_F(PassportPhotos, ANewTemplateStartsAtTheTopLeftInItsOwnSize) {
     OpenPhoto(Grey(1200, 1600));
-    EXPECT_EQ(view.Image().LayerAt(1).rectangle, QRect(0, 0, 350, 450));
-    EXPECT_EQ(view.Image().LayerAt(1).transparency, 60);
-    EXPECT_EQ(view.Image().CurrentLayer(), 1);
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(0, 0, 350, 450));
+    EXPECT_EQ(image.LayerAt(1).transparency, 60);
+    EXPECT_EQ(image.CurrentLayer(), 1);
 }
 
 TEST_F(PassportPhotos, CuttingStoresThePlaceForThatPhotoSize) {
     OpenPhoto(Grey(1200, 1600));
-    view.Image().SetLayerRectangle(1, QRect(100, 200, 600, 750));
-    data.CropImage(view, core::SinglePhotoLayout);
-    EXPECT_EQ(view.Image().Photo().Size(), QSize(600, 750));
-    EXPECT_EQ(view.Image().LayerCount(), 1);
+    image.SetLayerRectangle(1, QRect(100, 200, 600, 750));
+    data.CropImage(image, core::SinglePhotoLayout);
+    EXPECT_EQ(image.Photo().Size(), QSize(600, 750));
+    EXPECT_EQ(image.LayerCount(), 1);
     EXPECT_EQ(data.ReadLayerPosFromIni(u"Pass.msk 1200x1600"_s), QRect(100, 200, 600, 750));
 
     OpenPhoto(Grey(1200, 1600));
-    EXPECT_EQ(view.Image().LayerAt(1).rectangle, QRect(100, 200, 600, 771))
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(100, 200, 600, 771))
         << "the height follows the template, not what was saved";
     OpenPhoto(Grey(1600, 1200));
-    EXPECT_EQ(view.Image().LayerAt(1).rectangle.topLeft(), QPoint());
+    EXPECT_EQ(image.LayerAt(1).rectangle.topLeft(), QPoint());
 }
 
 TEST_F(PassportPhotos, APlaceThatCannotBeStoredDoesNotCostThePhotos) {
     OpenPhoto(Grey(1200, 1600));
     installation.Write("common/Kadrona/kdr.ini", "[old]\nPosX=1\n");
     QFile(installation.DataFile("kdr.ini")).setPermissions(QFile::ReadOwner);
-    data.CropImage(view, 0);
+    data.CropImage(image, 0);
     EXPECT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(view.Image().Photo().Size(), QSize(4 * 375, 2 * 475));
+    EXPECT_EQ(image.Photo().Size(), QSize(4 * 375, 2 * 475));
     EXPECT_EQ(data.ReadLayerPosFromIni(u"old"_s).x(), 1);
 }
 
@@ -78,11 +78,11 @@ class Sheets : public PassportPhotos, public ::testing::WithParamInterface<Sheet
 
 TEST_P(Sheets, AreTheGridOfTheBorderedPhotos) {
     OpenPhoto(Grey(500, 600));
-    view.Image().SetLayerRectangle(1, QRect(10, 10, 413, 531));
+    image.SetLayerRectangle(1, QRect(10, 10, 413, 531));
     data.SetFrameSize(GetParam().frameSize);
-    data.CropImage(view, GetParam().layout);
-    EXPECT_EQ(view.Image().Photo().Size(), GetParam().sheet);
-    EXPECT_EQ(view.Image().Resolution().value, 300);
+    data.CropImage(image, GetParam().layout);
+    EXPECT_EQ(image.Photo().Size(), GetParam().sheet);
+    EXPECT_EQ(image.Resolution().value, 300);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -97,43 +97,43 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
     QImage photo = Picture({"rg-", "by-", "---"});
     OpenPhoto(photo);
-    view.Image().SetLayerRectangle(1, QRect(0, 0, 2, 2));
+    image.SetLayerRectangle(1, QRect(0, 0, 2, 2));
     data.SetFrameSize(2);
     settings[u"RotateBeforeTileImg"_s] = true;
-    data.CropImage(view, 5);
-    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"wwwwwwww",  //
-                                                          "wgywwgyw",  //
-                                                          "wrbwwrbw",  //
-                                                          "wwwwwwww"})));
+    data.CropImage(image, 5);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"wwwwwwww",  //
+                                                   "wgywwgyw",  //
+                                                   "wrbwwrbw",  //
+                                                   "wwwwwwww"})));
 }
 
 TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMakesTheSheet) {
     OpenPhoto(Grey(500, 600));
-    data.CropImage(view, 0);
+    data.CropImage(image, 0);
     EXPECT_EQ(ui.tagEditorShown, 0);
     settings[u"ImageAutoSave"_s] = true;
     OpenPhoto(Grey(500, 600));
-    data.CropImage(view, 0);
+    data.CropImage(image, 0);
     EXPECT_EQ(ui.tagEditorShown, 1);
-    EXPECT_EQ(view.Image().Photo().Columns(), 4);
+    EXPECT_EQ(image.Photo().Columns(), 4);
 }
 
 TEST_F(PassportPhotos, AnArchiveThatFailsIsToldOfAndStillMakesTheSheet) {
     settings[u"ImageAutoSave"_s] = true;
     ui.tags = QStringList(u"Anna"_s);
     OpenPhoto(Grey(500, 600));
-    data.CropImage(view, 0);
+    data.CropImage(image, 0);
     EXPECT_EQ(data.Archive()->Ids().size(), 1U) << "no folder for the photo of the empty record";
     EXPECT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(view.Image().Photo().Columns(), 4);
+    EXPECT_EQ(image.Photo().Columns(), 4);
 }
 
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
     OpenPhoto(Grey(100, 100));
-    data.CropImage(view, core::SinglePhotoLayout);
-    EXPECT_EQ(view.Image().Photo().Size(), QSize(350, 450));
-    EXPECT_EQ(view.Image().Photo().ToImage().pixel(349, 449), 0xffffffff);
-    EXPECT_EQ(view.Image().Resolution().value, 254);
+    data.CropImage(image, core::SinglePhotoLayout);
+    EXPECT_EQ(image.Photo().Size(), QSize(350, 450));
+    EXPECT_EQ(image.Photo().ToImage().pixel(349, 449), 0xffffffff);
+    EXPECT_EQ(image.Resolution().value, 254);
 }
 
 TEST_F(PassportPhotos, ADamagedTemplateChangesNothing) {
@@ -141,7 +141,7 @@ TEST_F(PassportPhotos, ADamagedTemplateChangesNothing) {
     installation.Write("program/Schablonen/USA.msk", QByteArray("\x02\0\0\0only", 8));
     EXPECT_THROW(data.MaskLoadFromFile(data.GetMaskFileName(1)), core::TemplateFileError);
     EXPECT_EQ(data.TemplateName(), u"Pass.msk"_s);
-    EXPECT_EQ(view.Image().LayerCount(), 2);
+    EXPECT_EQ(image.LayerCount(), 2);
     EXPECT_FALSE(data.MaskLoadFromFile(installation.Path("program/Schablonen/none.msk")));
 }
 
@@ -153,10 +153,10 @@ TEST_F(PassportPhotos, BrightnessIsTheWholeThirdOfTheAverages) {
 }
 
 TEST_F(PassportPhotos, AnOpenedPhotoIsTurnedAsTheSettingsSay) {
-    view.Image().Open(imaging::Pixels(Picture({"rg"})), {});
+    image.Open(imaging::Pixels(Picture({"rg"})), {});
     settings[u"ImgRotateLeft"_s] = true;
-    core::TurnOpenedPhoto(settings, view.Image());
-    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"g", "r"})));
+    core::TurnOpenedPhoto(settings, image);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"g", "r"})));
 }
 
 }  // namespace kadrona::testing

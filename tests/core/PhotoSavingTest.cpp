@@ -2,7 +2,7 @@
 
 #include <QImageReader>
 
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/writing/ImageWriter.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Errors.h"
@@ -34,7 +34,7 @@ class PhotoSaving : public ::testing::Test {
         data.SetCurrentFile(u"/photos/max.png"_s);
         folder = installation.Path("saved");
         QDir().mkpath(folder);
-        Image().Open(imaging::Pixels(Filled(Qt::red)), {300});
+        image.Open(imaging::Pixels(Filled(Qt::red)), {300});
     }
 
     static QImage Filled(Qt::GlobalColor colour) {
@@ -43,23 +43,22 @@ class PhotoSaving : public ::testing::Test {
         return image;
     }
 
-    imaging::LayeredImage& Image() { return view.Image(); }
     QString Saved(const char* name) const { return folder + u'/' + QLatin1StringView(name); }
     static QRgb FirstPixel(const QString& file) { return QImage(file).pixel(0, 0); }
-    QRgb FirstPixel() { return Image().Photo().Tile().pixel(0, 0); }
+    QRgb FirstPixel() { return image.Photo().Tile().pixel(0, 0); }
 
     Installation installation;
     FakeSettings settings;
-    imaging::WindowlessDisplay view;
-    WatchingInterface ui{view.Image()};
+    imaging::LayeredImage image;
+    WatchingInterface ui{image};
     core::TData data{ui, installation.Folders()};
     QString folder;
 };
 
 TEST_F(PhotoSaving, QuicklyOverwritesWithoutAsking) {
-    data.SaveImage(view, folder, u"Bildname.bmp"_s, false);
-    Image().Open(imaging::Pixels(Filled(Qt::blue)), {300});
-    data.SaveImage(view, folder + u'/', u"Bildname.bmp"_s, false);
+    data.SaveImage(image, folder, u"Bildname.bmp"_s, false);
+    image.Open(imaging::Pixels(Filled(Qt::blue)), {300});
+    data.SaveImage(image, folder + u'/', u"Bildname.bmp"_s, false);
     EXPECT_EQ(FirstPixel(Saved("Bildname.bmp")), qRgb(0, 0, 255));
     EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList(u"Bildname.bmp"_s));
     const QString message = u"Das Bild wurde unter "_s + Saved("Bildname.bmp") + u" gespeichert"_s;
@@ -68,30 +67,30 @@ TEST_F(PhotoSaving, QuicklyOverwritesWithoutAsking) {
 }
 
 TEST_F(PhotoSaving, ScalesTheFileAndGivesThePhotoBack) {
-    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
-    data.SaveImage(view, folder, u"a.jpg"_s, true);
+    image.ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    data.SaveImage(image, folder, u"a.jpg"_s, true);
     EXPECT_EQ(QImageReader(Saved("a.jpg")).size(), QSize(413, 531));
     EXPECT_EQ(ui.sizes, QList<QSize>({QSize(413, 531)})) << "taken back after the message";
-    EXPECT_EQ(Image().Photo().Size(), QSize(600, 750));
-    EXPECT_EQ(Image().Resolution().value, 300);
+    EXPECT_EQ(image.Photo().Size(), QSize(600, 750));
+    EXPECT_EQ(image.Resolution().value, 300);
     EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0)) << "only the scaling is undone";
-    EXPECT_FALSE(Image().CanUndo());
-    EXPECT_TRUE(Image().AutomaticUndo());
+    EXPECT_FALSE(image.CanUndo());
+    EXPECT_TRUE(image.AutomaticUndo());
 }
 
 TEST_F(PhotoSaving, UnscaledTakesTheLastChangeBack) {
-    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
-    Image().ChangePhoto(imaging::Pixels(Filled(Qt::blue)));
-    data.SaveImage(view, folder, u"a.bmp"_s, false);
+    image.ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    image.ChangePhoto(imaging::Pixels(Filled(Qt::blue)));
+    data.SaveImage(image, folder, u"a.bmp"_s, false);
     EXPECT_EQ(FirstPixel(Saved("a.bmp")), qRgb(0, 0, 255));
     EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0));
-    EXPECT_FALSE(Image().CanUndo());
+    EXPECT_FALSE(image.CanUndo());
 }
 
 TEST_F(PhotoSaving, ByDialogProposesANameAndTakesTheFormatOfTheChosenOne) {
-    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    image.ChangePhoto(imaging::Pixels(Filled(Qt::green)));
     ui.saveFile = Saved("max.tif");
-    data.SaveImage(view, folder + u'/', {}, false);
+    data.SaveImage(image, folder + u'/', {}, false);
     ASSERT_EQ(ui.saveDialogs.size(), 1);
     const core::SaveDialog& dialog = ui.saveDialogs.first();
     EXPECT_EQ(dialog.title, u"Passbild speichern"_s);
@@ -100,12 +99,12 @@ TEST_F(PhotoSaving, ByDialogProposesANameAndTakesTheFormatOfTheChosenOne) {
     EXPECT_EQ(dialog.defaultExtension, u"jpg"_s);
     EXPECT_EQ(QImageReader::imageFormat(Saved("max.tif")), "tiff");
     EXPECT_TRUE(ui.messages.isEmpty());
-    EXPECT_TRUE(Image().CanUndo());
+    EXPECT_TRUE(image.CanUndo());
     EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0));
 }
 
 TEST_F(PhotoSaving, ACancelledDialogLeavesNoTrace) {
-    data.SaveImage(view, folder, {}, false);
+    data.SaveImage(image, folder, {}, false);
     EXPECT_EQ(ui.saveDialogs.size(), 1);
     EXPECT_TRUE(QDir(folder).isEmpty());
     EXPECT_TRUE(ui.messages.isEmpty());
@@ -118,11 +117,11 @@ TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
     settings[u"ImageSaveDir"_s] = installation.Path("missing");
     EXPECT_EQ(data.SaveFolder(), QString());
     // With neither folder the root is meant, as in every path built on a missing folder.
-    data.SaveImage(view, {}, Saved("root.bmp").mid(1), false);
+    data.SaveImage(image, {}, Saved("root.bmp").mid(1), false);
     EXPECT_TRUE(QFile::exists(Saved("root.bmp")));
 
     ui.saveFile = Saved("chosen.jpg");
-    data.SaveImage(view, data.SaveFolder(), {}, false);
+    data.SaveImage(image, data.SaveFolder(), {}, false);
     EXPECT_EQ(data.SaveFolder(), folder + u'/');
     settings[u"ImageSaveDir"_s] = Saved("chosen.jpg");
     EXPECT_EQ(data.SaveFolder(), folder + u'/') << "a file is no folder";
@@ -131,13 +130,13 @@ TEST_F(PhotoSaving, TheFolderOfTheLastSaveStandsInForAMissingOne) {
 TEST_F(PhotoSaving, TheRootIsAFolderLikeAnyOther) {
     settings[u"ImageSaveDir"_s] = u"/"_s;
     ui.saveFile = u"/Bildname.xyz"_s;
-    EXPECT_THROW(data.SaveImage(view, data.SaveFolder(), {}, false), imaging::WriteError);
+    EXPECT_THROW(data.SaveImage(image, data.SaveFolder(), {}, false), imaging::WriteError);
     EXPECT_EQ(ui.saveDialogs.first().initialFolder, u"/"_s);
     EXPECT_EQ(data.LastSaveFolder(), u"/"_s);
 
     settings[u"ImageSaveDir"_s] = QString();
     const QString error = TextOf<imaging::WriteError>(
-        [&] { data.SaveImage(view, data.SaveFolder(), u"Bildname.xyz"_s, false); });
+        [&] { data.SaveImage(image, data.SaveFolder(), u"Bildname.xyz"_s, false); });
     EXPECT_TRUE(error.contains(u"„/Bildname.xyz“"_s)) << qPrintable(error);
 }
 
@@ -146,29 +145,29 @@ TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
     installation.Write("saved/locked.bmp", "old");
     QFile(Saved("locked.bmp")).setPermissions(QFile::ReadOwner);
     installation.Write("saved/full.bmp", "old");
-    Image().ChangePhoto(imaging::Pixels(Filled(Qt::green)));
+    image.ChangePhoto(imaging::Pixels(Filled(Qt::green)));
     for (const bool scale : {false, true}) {
         for (const char* name :
              {"folder.bmp", "locked.bmp", "full.bmp", "none/a.bmp", "a.xyz", "a"}) {
             const FileSizeLimit limit(10'000);
             const QString error = TextOf<imaging::WriteError>(
-                [&] { data.SaveImage(view, folder, QLatin1StringView(name), scale); });
+                [&] { data.SaveImage(image, folder, QLatin1StringView(name), scale); });
             EXPECT_TRUE(error.contains(Saved(name))) << name << ": " << qPrintable(error);
-            EXPECT_EQ(Image().Photo().Size(), QSize(600, 750)) << name;
-            EXPECT_EQ(Image().UndoCount(), 1) << name;
-            EXPECT_TRUE(Image().AutomaticUndo()) << name;
+            EXPECT_EQ(image.Photo().Size(), QSize(600, 750)) << name;
+            EXPECT_EQ(image.UndoCount(), 1) << name;
+            EXPECT_TRUE(image.AutomaticUndo()) << name;
         }
     }
     EXPECT_TRUE(ui.messages.isEmpty());
     EXPECT_EQ(QFileInfo(Saved("full.bmp")).size(), 3);
     EXPECT_EQ(QFileInfo(Saved("locked.bmp")).size(), 3);
     EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 2) << "no half-written file is left";
-    Image().Undo();
+    image.Undo();
     EXPECT_EQ(FirstPixel(), qRgb(255, 0, 0));
 }
 
 TEST_F(PhotoSaving, TheAutomaticSaveWithoutANameWritesNothing) {
-    data.AutoSaveImage(view, folder);
+    data.AutoSaveImage(image, folder);
     EXPECT_TRUE(QDir(folder).isEmpty());
 }
 

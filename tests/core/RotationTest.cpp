@@ -2,7 +2,7 @@
 
 #include "core/Data.h"
 #include "core/sheet/Rotation.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -25,20 +25,20 @@ TEST(RotateImage, TurnsTheWholePhotoByTheAnswerAndNothingWithoutOne) {
     const Installation installation;
     FakeInterface ui;
     core::TData data(ui, installation.Folders());
-    imaging::WindowlessDisplay display;
-    data.RotateImage(display);
+    imaging::LayeredImage image;
+    data.RotateImage(image);
     EXPECT_TRUE(ui.rotationPreview.isEmpty()) << "there is no photo yet";
 
-    display.Image().Open(imaging::Pixels(Picture({"rgb", "wky"})), {});
-    data.RotateImage(display);
+    image.Open(imaging::Pixels(Picture({"rgb", "wky"})), {});
+    data.RotateImage(image);
     EXPECT_EQ(ui.rotationPreview, QSize(300, 200));
-    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"rgb", "wky"})));
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rgb", "wky"})));
     ui.rotation = 0.0;
-    data.RotateImage(display);
-    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"rgb", "wky"})));
+    data.RotateImage(image);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rgb", "wky"})));
     ui.rotation = 90.0;
-    data.RotateImage(display);
-    EXPECT_TRUE(SamePixels(display.Image().Photo(), Picture({"by", "gk", "rw"})));
+    data.RotateImage(image);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"by", "gk", "rw"})));
 }
 
 }  // namespace kadrona::testing

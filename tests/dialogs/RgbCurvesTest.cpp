@@ -24,7 +24,7 @@ using imaging::CurveSet;
 
 class RgbCurves : public ::testing::Test {
  protected:
-    RgbCurves() { view.Image().Open(imaging::Pixels(Picture({"r-k", "w-b"})), {}); }
+    RgbCurves() { image.Open(imaging::Pixels(Picture({"r-k", "w-b"})), {}); }
 
     QString File(const QString& name) const { return folder.filePath(name + u".acv"_s); }
 
@@ -78,7 +78,8 @@ class RgbCurves : public ::testing::Test {
 
     QTemporaryDir folder;
     ModalDriver driver;
-    imaging::view::ImageView view;
+    imaging::LayeredImage image;
+    imaging::view::ImageView view{image};
     std::unique_ptr<dialogs::TfmRGBKurve> dialog;
 };
 
@@ -89,15 +90,15 @@ TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
         EXPECT_EQ(view.PreviewFilter(), nullptr);
         Editor().SetCurves(Inverse());
         ASSERT_NE(view.PreviewFilter(), nullptr);
-        EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
+        EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r-k", "w-b"})));
     };
     EXPECT_EQ(Show(invert, "btnCancel"), controls::ModalResult::Cancel);
     EXPECT_EQ(Editor().Curves(), CurveSet());
     EXPECT_EQ(view.PreviewFilter(), nullptr);
-    EXPECT_TRUE(SamePixels(view.Image().Photo(), Picture({"r-k", "w-b"})));
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r-k", "w-b"})));
     EXPECT_EQ(Show(invert, "btnOk"), controls::ModalResult::Ok);
     EXPECT_EQ(view.PreviewFilter(), nullptr);
-    EXPECT_EQ(view.Image().Photo().Tile().pixel(0, 0), 0xff00ffff);
+    EXPECT_EQ(image.Photo().Tile().pixel(0, 0), 0xff00ffff);
 
     imaging::LayeredImage other;
     other.Open(imaging::Pixels(Picture({"kw"})), {});

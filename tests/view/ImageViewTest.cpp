@@ -50,7 +50,7 @@ class ImageViewTest : public ::testing::Test {
         return Image().AddLayer({Pixels(layer), rectangle, true, true, 60});
     }
 
-    LayeredImage& Image() { return view_.Image(); }
+    LayeredImage& Image() { return image_; }
     QRect Rectangle(int layer) { return Image().LayerAt(layer).rectangle; }
     QPointF OnLayer(int layer) { return view_.ToWidget(QRectF(Rectangle(layer)).center()); }
 
@@ -72,7 +72,8 @@ class ImageViewTest : public ::testing::Test {
 
     QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
 
-    ImageView view_;
+    LayeredImage image_;
+    ImageView view_{image_};
 };
 
 TEST_F(ImageViewTest, AtFullSizeShowsThePhotosPixels) {
@@ -360,13 +361,14 @@ TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
         }
         return;
     }
+    LayeredImage image;
     QWidget window;
     window.resize(207, 157);
-    auto* view = new ImageView(&window);
+    auto* view = new ImageView(image, &window);
     view->setGeometry(7, 7, 200, 150);
     window.show();
     ASSERT_GT(window.devicePixelRatioF(), 1.0);
-    view->Image().Open(Pixels(Pattern(121, 91)), DotsPerInch{300});
+    image.Open(Pixels(Pattern(121, 91)), DotsPerInch{300});
     view->SetZoomPercent(100);
     const double scale = window.devicePixelRatioF();
     const QPointF place = (view->ToWidget({0, 0}) + QPointF(7, 7)) * scale;

@@ -51,7 +51,7 @@ class ViewToolTest : public ::testing::Test {
     }
 
     void Open(QSize size, double percent) {
-        view_.Image().Open(Pixels(Pattern(size.width(), size.height())), DotsPerInch{300});
+        image_.Open(Pixels(Pattern(size.width(), size.height())), DotsPerInch{300});
         view_.SetZoomPercent(percent);
     }
 
@@ -66,7 +66,8 @@ class ViewToolTest : public ::testing::Test {
 
     QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
 
-    ImageView view_;
+    LayeredImage image_;
+    ImageView view_{image_};
     Recorder tool_;
 };
 
@@ -75,7 +76,7 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
         Open({120, 90}, percent);
         QImage layer(2, 2, QImage::Format_ARGB32_Premultiplied);
         layer.fill(qRgb(10, 20, 30));
-        view_.Image().AddLayer({Pixels(layer), QRect(20, 20, 30, 30), true, false});
+        image_.AddLayer({Pixels(layer), QRect(20, 20, 30, 30), true, false});
         const QImage plain = Grab();
         view_.SetPreviewFilter(std::make_shared<Inverting>());
         const QImage filtered = Grab();
@@ -83,7 +84,7 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
         const QPoint onPhoto = view_.ToWidget({80, 60}).toPoint();
         EXPECT_EQ(filtered.pixel(onLayer), qRgb(10, 20, 30));
         EXPECT_EQ(filtered.pixel(onPhoto), plain.pixel(onPhoto) ^ 0x00ffffff);
-        EXPECT_EQ(view_.Image().Photo().Tile().pixel(5, 5), Pattern(120, 90).pixel(5, 5));
+        EXPECT_EQ(image_.Photo().Tile().pixel(5, 5), Pattern(120, 90).pixel(5, 5));
         view_.SetPreviewFilter(nullptr);
         EXPECT_TRUE(SamePixels(Grab(), plain));
     }
@@ -91,7 +92,7 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
 
 TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
     Open({100, 80}, 200);
-    view_.Image().AddLayer({Pixels(Pattern(10, 10)), QRect(10, 10, 50, 50)});
+    image_.AddLayer({Pixels(Pattern(10, 10)), QRect(10, 10, 50, 50)});
     view_.SetTool(&tool_);
     const QPointF at = view_.ToWidget({30.5, 20.5});
     Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
@@ -100,7 +101,7 @@ TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
     EXPECT_EQ(tool_.presses, QList<QPointF>{QPointF(30.5, 20.5)});
     EXPECT_EQ(tool_.moves, QList<QPointF>{QPointF(34.5, 22.5)});
     EXPECT_EQ(tool_.releases, 1);
-    EXPECT_EQ(view_.Image().LayerAt(1).rectangle, QRect(10, 10, 50, 50));
+    EXPECT_EQ(image_.LayerAt(1).rectangle, QRect(10, 10, 50, 50));
     Send(QEvent::MouseButtonPress, at, Qt::RightButton);
     EXPECT_EQ(tool_.presses.size(), 1);
 
@@ -150,7 +151,7 @@ TEST_F(ViewToolTest, AnEditShowsAsIfAllWereDrawnAnew) {
         Grab();
         for (const QRect& area :
              {QRect(1100, 740, 60, 30), QRect(1023, 700, 3, 90), QRect(0, 0, 5, 5)}) {
-            view_.Image().EditPhoto(area, [&](QImage& photo) {
+            image_.EditPhoto(area, [&](QImage& photo) {
                 for (int y = area.top(); y <= area.bottom(); ++y) {
                     auto* line = reinterpret_cast<QRgb*>(photo.scanLine(y));
                     std::fill(line + area.left(), line + area.right() + 1, 0xffff00ff);
@@ -158,7 +159,7 @@ TEST_F(ViewToolTest, AnEditShowsAsIfAllWereDrawnAnew) {
             });
         }
         const QImage edited = Grab();
-        view_.Image().ChangePhoto(Pixels(view_.Image().Photo().Tile().copy()));
+        image_.ChangePhoto(Pixels(image_.Photo().Tile().copy()));
         EXPECT_TRUE(SamePixels(edited, Grab())) << percent;
     }
 }

@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "core/Data.h"
-#include "imaging/document/WindowlessDisplay.h"
+#include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
 #include "store/Statement.h"
 #include "tests/support/CoreFakes.h"
@@ -49,12 +49,12 @@ core::ArchiveTable& Open(core::TData& data, const QString& folder) {
 void FileForever(core::TData& data, const QString& folder) {
     QImage photo(413, 531, QImage::Format_RGB32);
     photo.fill(Qt::gray);
-    imaging::WindowlessDisplay view;
-    view.Image().Open(imaging::Pixels(photo), {300});
+    imaging::LayeredImage image;
+    image.Open(imaging::Pixels(photo), {300});
     std::puts("ready");
     std::fflush(stdout);
     while (true) {
-        data.SaveImageToArchiv(view, folder, Tags, u"Jürgen Groß"_s);
+        data.SaveImageToArchiv(image, folder, Tags, u"Jürgen Groß"_s);
         std::printf("filed %lld\n", data.CurrentRecord());
         std::fflush(stdout);
     }
