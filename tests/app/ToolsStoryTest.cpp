@@ -1,17 +1,16 @@
 // Stories of the tools that correct the photo.
 
 #include <QAbstractButton>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTest>
-#include <QWheelEvent>
 
 #include "dialogs/RotationPreview.h"
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/view/ViewTool.h"
 #include "tests/app/StoryFixture.h"
+#include "tests/support/Input.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
@@ -43,29 +42,16 @@ class ToolsStory : public Story {
         }
     }
 
-    void Mouse(QEvent::Type type, QPointF photo, Qt::KeyboardModifiers modifiers = {},
-               Qt::MouseButton button = Qt::LeftButton) {
-        const QPointF at = View().ToWidget(photo);
-        QMouseEvent event(type, at, View().mapToGlobal(at),
-                          type == QEvent::MouseMove ? Qt::NoButton : button,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : button, modifiers);
-        QCoreApplication::sendEvent(&View(), &event);
-    }
     void Click(QPointF photo, Qt::KeyboardModifiers modifiers = {},
                Qt::MouseButton button = Qt::LeftButton) {
-        Mouse(QEvent::MouseButtonPress, photo, modifiers, button);
-        Mouse(QEvent::MouseButtonRelease, photo, modifiers, button);
+        Drag(View(), {View().ToWidget(photo)}, button, modifiers);
     }
     void Stroke(QPointF from, QPointF to) {
-        Mouse(QEvent::MouseButtonPress, from);
-        Mouse(QEvent::MouseMove, (from + to) / 2);
-        Mouse(QEvent::MouseMove, to);
-        Mouse(QEvent::MouseButtonRelease, to);
+        Drag(View(),
+             {View().ToWidget(from), View().ToWidget((from + to) / 2), View().ToWidget(to)});
     }
     void Wheel(int notches, Qt::KeyboardModifiers modifiers = {}) {
-        QWheelEvent wheel({100, 100}, View().mapToGlobal(QPointF(100, 100)), {}, {0, 120 * notches},
-                          Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&View(), &wheel);
+        SendWheel(View(), {100, 100}, 120 * notches, modifiers);
     }
 
     void ExpectCurves(const char* button) {
@@ -315,7 +301,7 @@ TEST_F(ToolsStory, TheBrushStaysAtThePointerWhileThePhotoMovesBelowIt) {
     Trigger(u"acBeauty"_s);
     View().SetZoomPercent(400);
     const QPointF pointer = View().rect().center();
-    Mouse(QEvent::MouseMove, View().ToImage(pointer));
+    SendMouse(View(), QEvent::MouseMove, pointer);
     const QRectF before = View().Tool()->OverlayArea();
     EXPECT_LE((before.center() - pointer).manhattanLength(), 1);
     QTest::keyClick(&View(), Qt::Key_Right);
