@@ -100,7 +100,7 @@ void TData::SaveImageToArchiv(imaging::LayeredImage& image, const QString& archi
     const QString fileName = nameOf(currentRecord_);
     SaveIptcToImage(image, objectName, tags);
     imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, image.Resolution(),
-                            {{}, image.Iptc()});
+                            {{}, image.Iptc().Own()});
     table->Fill({.id = currentRecord_,
                  .name = fileName,
                  .type = templateName_,

@@ -27,7 +27,7 @@ constexpr QSize OutputSize(413, 531);
 
 void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
     imaging::WriteImageFile(path, image.Photo(), image.Resolution(),
-                            {SoftwareText.toByteArray(), image.Iptc()});
+                            {SoftwareText.toByteArray(), image.Iptc().Own()});
 }
 
 QString TData::SaveFolder() const {

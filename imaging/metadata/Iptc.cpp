@@ -1,6 +1,8 @@
 #include "imaging/metadata/Iptc.h"
 
 #include <QtEndian>
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "platform/ByteReader.h"
@@ -87,6 +89,13 @@ void AppendItem(QByteArray& stream, const IptcItem& item) {
 
 }  // namespace
 
+IptcItems IptcItems::Own() const {
+    IptcItems own;
+    std::copy_if(items_.begin(), items_.end(), std::back_inserter(own.items_),
+                 [](const IptcItem& item) { return item.own; });
+    return own;
+}
+
 int IptcItems::IndexOf(int record, int dataset) const {
     for (size_t i = 0; i < items_.size(); ++i) {
         if (items_[i].record == record && items_[i].dataset == dataset) {
@@ -97,12 +106,14 @@ int IptcItems::IndexOf(int record, int dataset) const {
 }
 
 int IptcItems::AddText(int record, int dataset, const QString& text) {
-    items_.push_back({record, dataset, TextValue(text)});
+    items_.push_back({record, dataset, TextValue(text), true});
     return static_cast<int>(items_.size()) - 1;
 }
 
 void IptcItems::SetText(int index, const QString& text) {
-    items_.at(static_cast<size_t>(index)).value = TextValue(text);
+    IptcItem& item = items_.at(static_cast<size_t>(index));
+    item.value = TextValue(text);
+    item.own = true;
 }
 
 QString IptcItems::Text(int index) const {

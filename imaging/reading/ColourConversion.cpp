@@ -4,6 +4,7 @@
 
 #include <QColorSpace>
 #include <QColorTransform>
+#include <QtEndian>
 #include <algorithm>
 #include <memory>
 #include <opencv2/core/utility.hpp>
@@ -47,8 +48,15 @@ constexpr cmsUInt32Number GreyOfFour(cmsUInt32Number bytes) {
     return COLORSPACE_SH(PT_GRAY) | CHANNELS_SH(1) | EXTRA_SH(3) | BYTES_SH(bytes);
 }
 
+/// The kind of channels that a profile is made for, as it stands in its header. A number: the enum
+/// of Little CMS does not have room for what a file may say.
+quint32 ChannelsOf(const QByteArray& profile) {
+    constexpr qsizetype Offset = 16;
+    return profile.size() < Offset + 4 ? 0 : qFromBigEndian<quint32>(profile.constData() + Offset);
+}
+
 /// Little CMS's description of our pixels as the profile takes them; 0 where it takes others.
-cmsUInt32Number InputFormat(cmsColorSpaceSignature channels, ColourModel model, bool is16Bit) {
+cmsUInt32Number InputFormat(quint32 channels, ColourModel model, bool is16Bit) {
     switch (channels) {
         case cmsSigRgbData:
             return IsCmyk(model) ? 0 : (is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8);
@@ -65,16 +73,13 @@ cmsUInt32Number InputFormat(cmsColorSpaceSignature channels, ColourModel model, 
 
 /// Null where the profile cannot be used for such pixels.
 Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit) {
-    if (bytes.isEmpty()) {
+    const auto input = InputFormat(ChannelsOf(bytes), model, is16Bit);
+    if (input == 0) {
         return {};
     }
     const Profile source(
         cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
     if (!source) {
-        return {};
-    }
-    const auto input = InputFormat(cmsGetColorSpace(source.get()), model, is16Bit);
-    if (input == 0) {
         return {};
     }
     const Profile srgb(cmsCreate_sRGBProfile());
@@ -96,9 +101,7 @@ void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
 /// Qt's way of profiles that are a matrix and curves, several times faster than Little CMS. Not
 /// valid for other profiles, and for those made for other channels.
 QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
-    constexpr qsizetype ChannelsOffset = 16;
-    const bool isForGrey =
-        QByteArrayView(profile).sliced(std::min(ChannelsOffset, profile.size())).startsWith("GRAY");
+    const bool isForGrey = ChannelsOf(profile) == cmsSigGrayData;
     if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey)) {
         return {};
     }
@@ -140,6 +143,26 @@ void MultiplyInksOut(QImage& image, bool inverted) {
 bool IsSrgbProfile(const QByteArray& profile) {
     return !profile.isEmpty() &&
            QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
+}
+
+QByteArray GammaProfile(const PrimariesAndWhite& primaries, double gamma) {
+    const auto isUsable = [](double value) { return value > 0.001 && value < 1; };
+    if (!std::all_of(primaries.begin(), primaries.end(), isUsable) || gamma < 0.1 || gamma > 10) {
+        return {};
+    }
+    const auto& p = primaries;
+    const cmsCIExyY white{p[0], p[1], 1};
+    const cmsCIExyYTRIPLE colours{{p[2], p[3], 1}, {p[4], p[5], 1}, {p[6], p[7], 1}};
+    const std::unique_ptr<cmsToneCurve, decltype(&cmsFreeToneCurve)> curve(
+        cmsBuildGamma(nullptr, gamma), cmsFreeToneCurve);
+    const std::array<cmsToneCurve*, 3> curves{curve.get(), curve.get(), curve.get()};
+    const Profile profile(curve ? cmsCreateRGBProfile(&white, &colours, curves.data()) : nullptr);
+    cmsUInt32Number size = 0;
+    if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &size)) {
+        return {};
+    }
+    QByteArray bytes(static_cast<qsizetype>(size), Qt::Uninitialized);
+    return cmsSaveProfileToMem(profile.get(), bytes.data(), &size) ? bytes : QByteArray();
 }
 
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {

@@ -2,13 +2,19 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <array>
+#include <filesystem>
 #include <new>
 
 #include "imaging/pixels/LaidOverWhite.h"
+#include "imaging/reading/IconReader.h"
 #include "imaging/reading/JpegReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"
+#include "imaging/reading/PngReader.h"
 #include "imaging/reading/ReadTask.h"
+#include "imaging/reading/WebPReader.h"
+#include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,19 +22,51 @@ namespace kadrona::imaging {
 
 namespace {
 
+bool IsGif(QByteArrayView start) {
+    return start.startsWith("GIF87a") || start.startsWith("GIF89a");
+}
+
+bool IsBmp(QByteArrayView start) {
+    return start.startsWith("BM");
+}
+
+/// Also those whose offsets have 64 bits.
+bool IsTiff(QByteArrayView start) {
+    return start.startsWith(QByteArrayView("II*\0", 4)) ||
+           start.startsWith(QByteArrayView("MM\0*", 4)) ||
+           start.startsWith(QByteArrayView("II+\0", 4)) ||
+           start.startsWith(QByteArrayView("MM\0+", 4));
+}
+
+/// A format that is read, told by the first bytes of a file.
+struct Format {
+    bool (*starts)(QByteArrayView start);
+    DecodedImage (*read)(const ReadTask& task);
+};
+
+constexpr std::array Formats{
+    Format{IsJpeg, ReadJpeg},
+    Format{IsPng, ReadPng},
+    Format{IsMetafile, ReadMetafile},
+    Format{IsWebP, ReadWebP},
+    Format{IsIcon, ReadIcon},
+    Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
+    Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},
+    Format{IsTiff, [](const ReadTask& task) { return ReadByPlugin(task, "tiff"); }},
+};
+
 DecodedImage Decode(const ReadTask& task) {
     constexpr qint64 LongestSignature = 44;
     const QByteArray start = task.Device().peek(LongestSignature);
     if (start.isEmpty()) {
         task.Fail(u"Die Datei ist leer."_s);
     }
-    if (start.startsWith("\xff\xd8\xff")) {
-        return ReadJpeg(task);
+    for (const Format& format : Formats) {
+        if (format.starts(start)) {
+            return format.read(task);
+        }
     }
-    if (IsMetafile(start)) {
-        return ReadMetafile(task);
-    }
-    return ReadByPlugin(task);
+    task.Fail(u"Das Format der Datei ist nicht bekannt."_s);
 }
 
 LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
@@ -41,32 +79,39 @@ LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
             std::move(decoded.metadata.iptc)};
 }
 
-QString OpeningFailure(QFileDevice::FileError error) {
-    return error == QFileDevice::PermissionsError ? u"Der Zugriff wurde verweigert."_s
-                                                  : u"Die Datei ließ sich nicht öffnen."_s;
+/// Why no ordinary file can be opened under that path; empty where one can be.
+QString LookUpFailure(const QString& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
+    switch (status.type()) {
+        case std::filesystem::file_type::regular:
+            return {};
+        case std::filesystem::file_type::directory:
+            return u"Es ist ein Ordner."_s;
+        case std::filesystem::file_type::not_found:
+            return u"Die Datei ist nicht vorhanden."_s;
+        case std::filesystem::file_type::none:
+            return platform::SystemReason(error.value()) + u'.';
+        default:  // a pipe or a device would keep us waiting
+            return u"Es ist keine gewöhnliche Datei."_s;
+    }
 }
 
 }  // namespace
 
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
-    const QFileInfo info(path);
-    QFile file(path);
-    const auto fail = [&info](const QString& reason) {
-        throw ReadError(ReadErrorText(info.fileName(), reason));
+    const QString name = QFileInfo(path).fileName();
+    const auto fail = [&name](const QString& reason) {
+        throw ReadError(ReadErrorText(name, reason));
     };
-    if (!info.exists()) {
-        fail(u"Die Datei ist nicht vorhanden."_s);
+    if (const QString reason = LookUpFailure(path); !reason.isEmpty()) {
+        fail(reason);
     }
-    if (info.isDir()) {
-        fail(u"Es ist ein Ordner."_s);
-    }
-    if (!info.isFile()) {  // a pipe or a device would keep us waiting
-        fail(u"Es ist keine gewöhnliche Datei."_s);
-    }
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        fail(OpeningFailure(file.error()));
+        fail(platform::SystemReason(file) + u'.');
     }
-    return ReadImage(file, info.fileName(), options);
+    return ReadImage(file, name, options);
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {

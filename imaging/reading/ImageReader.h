@@ -20,8 +20,9 @@ struct LoadedImage {
 };
 
 /// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO,
-/// WMF, EMF and whatever the installed Qt plug-ins read. The first page or frame. The content
-/// decides the format, not the name. Embedded profiles are brought to sRGB. Throws ReadError.
+/// WMF, EMF and WebP, and nothing else whatever plug-ins are installed. The first page or frame.
+/// The content decides the format, not the name. Embedded profiles are brought to sRGB. Throws
+/// ReadError.
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});
 
 /// The same from an open device with random access, from its start; `name` stands for the file in

@@ -9,6 +9,8 @@ JpegDecompressor::JpegDecompressor(QIODevice& device) {
     errors_.error_exit = &HandleError;
     errors_.emit_message = &HandleMessage;
     Run([](j_decompress_ptr info) { jpeg_create_decompress(info); });
+    constexpr long MostMemory = 300'000'000;  // a progressive file keeps all its coefficients
+    info_.mem->max_memory_to_use = MostMemory;
     progress_.progress_monitor = &LimitScans;
     info_.progress = &progress_;
     AttachSource(device);
@@ -46,6 +48,7 @@ void JpegDecompressor::HandleError(j_common_ptr info) {
         case JERR_BAD_PRECISION:
         case JERR_CONVERSION_NOTIMPL:
         case JERR_EMPTY_IMAGE:
+        case JERR_NO_BACKING_STORE:
         case JERR_SOF_UNSUPPORTED:
             Exit(info, JpegFault::Unsupported);
         default:

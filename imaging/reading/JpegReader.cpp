@@ -149,6 +149,10 @@ QString ReasonOf(JpegFault fault) {
 
 }  // namespace
 
+bool IsJpeg(QByteArrayView start) {
+    return start.startsWith("\xff\xd8\xff");
+}
+
 DecodedImage ReadJpeg(const ReadTask& task) try { return Decode(task); } catch (JpegFault fault) {
     task.Fail(ReasonOf(fault));
 }

@@ -18,15 +18,6 @@ namespace {
 /// Drawings scale to any size; beyond this one nothing is gained.
 constexpr double LongestSide = 10'000;
 
-QByteArray ReadWhole(const ReadTask& task) {
-    constexpr qint64 MaximumSize = qint64{1} << 30;
-    QIODevice& device = task.Device();
-    if (device.size() > MaximumSize) {
-        task.Fail(u"Die Datei ist zu groß."_s);
-    }
-    return device.readAll();
-}
-
 void Play(QByteArrayView file, MetafileCanvas& canvas) {
     if (IsEmf(file)) {
         EmfPlayer(file, canvas).Play();
@@ -105,7 +96,7 @@ bool IsMetafile(QByteArrayView start) {
 
 DecodedImage ReadMetafile(const ReadTask& task) try {
     LimitAllocations(task.MaximumPixels());
-    const QByteArray file = ReadWhole(task);
+    const QByteArray file = task.ReadWhole();
     return Drawn(task, file);
 } catch (MetafileFault fault) {
     task.Fail(ReasonOf(fault));

@@ -14,25 +14,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// Documents that draw, and Apple's icons, whose plug-in allocates whatever a header says.
-bool IsUnwanted(const QByteArray& format) {
-    return format == "svg" || format == "svgz" || format == "pdf" || format == "icns";
-}
-
-void JumpToLargestIcon(QImageReader& reader) {
-    int largest = 0;
-    qint64 largestArea = 0;
-    for (int i = 0; i < reader.imageCount() && reader.jumpToImage(i); ++i) {
-        const QSize size = reader.size();
-        const qint64 area = qint64{size.width()} * size.height();
-        if (area > largestArea) {
-            largestArea = area;
-            largest = i;
-        }
-    }
-    reader.jumpToImage(largest);
-}
-
 QString ReasonOf(QImageReader::ImageReaderError error) {
     return error == QImageReader::UnsupportedFormatError
                ? u"Das Format der Datei ist nicht bekannt."_s
@@ -40,13 +21,9 @@ QString ReasonOf(QImageReader::ImageReaderError error) {
 }
 
 /// Empty where there is none or where it is sRGB.
-QByteArray ProfileOf(const QImage& image, const QByteArray& format, QIODevice& device) {
+QByteArray ProfileOf(const QImage& image) {
     const QColorSpace space = image.colorSpace();
-    if (space == QColorSpace(QColorSpace::SRgb)) {
-        return {};
-    }
-    // The PNG plug-in drops a profile that QColorSpace does not understand.
-    return format == "png" && !space.isValid() ? ReadPngProfile(device) : space.iccProfile();
+    return space == QColorSpace(QColorSpace::SRgb) ? QByteArray() : space.iccProfile();
 }
 
 /// One of the formats that the colour conversion takes, with every bit that the image has.
@@ -68,21 +45,19 @@ void LimitAllocations(qint64 maximumPixels) {
         static_cast<int>(std::min<qint64>(limit, std::numeric_limits<int>::max())));
 }
 
-DecodedImage ReadByPlugin(const ReadTask& task) {
+DecodedImage ReadByPlugin(const ReadTask& task, const char* format, int index) {
     DecodedImage decoded;
     decoded.metadata = ReadFileMetadata(task.Device());
     task.Device().seek(0);
     LimitAllocations(task.MaximumPixels());
-    QImageReader reader(&task.Device());
+    QImageReader reader(&task.Device(), format);
+    reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(false);
-    const QByteArray format = reader.format();  // none any more once it was read
-    if (!reader.canRead() || IsUnwanted(format)) {
-        task.Fail(ReasonOf(QImageReader::UnsupportedFormatError));
+    if (!reader.canRead() || (index > 0 && !reader.jumpToImage(index))) {
+        task.Fail(DamagedFileReason());
     }
-    if (format == "ico") {
-        JumpToLargestIcon(reader);
-    }
-    if (const QSize size = reader.size(); size.isValid()) {
+    const QSize size = reader.size();
+    if (size.isValid()) {
         task.RequireAllowedSize(size.width(), size.height());
     }
     if (!IsComplete(task.Device())) {
@@ -90,10 +65,13 @@ DecodedImage ReadByPlugin(const ReadTask& task) {
     }
     QImage image = reader.read();
     if (image.isNull()) {
+        if (size.isValid()) {
+            NewImage(size, QImage::Format_RGB32);  // says so where that is too much for the memory
+        }
         task.Fail(ReasonOf(reader.error()));
     }
     task.RequireAllowedSize(image.width(), image.height());
-    decoded.profile = ProfileOf(image, format, task.Device());
+    decoded.profile = ProfileOf(image);
     if (!decoded.profile.isEmpty() && image.allGray()) {
         decoded.model = ColourModel::Grey;
     }

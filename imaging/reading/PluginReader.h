@@ -9,9 +9,8 @@ namespace kadrona::imaging {
 /// beforehand do not get that far.
 void LimitAllocations(qint64 maximumPixels);
 
-/// Decodes a file with Qt's image plug-ins, which tell its format from its content: the first page
-/// or frame, of an icon file the largest image. Documents that draw (SVG, PDF) are refused, as they
-/// may name other files, and so are Apple's icons. Throws ReadError.
-DecodedImage ReadByPlugin(const ReadTask& task);
+/// Decodes a file with Qt's plug-in for `format`, as Qt names it, and with no other, whatever other
+/// plug-ins claim of the content: image `index` of the file. Throws ReadError.
+DecodedImage ReadByPlugin(const ReadTask& task, const char* format, int index = 0);
 
 }  // namespace kadrona::imaging

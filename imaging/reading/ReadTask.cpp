@@ -27,6 +27,15 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
             name_, german.toString(megapixels), german.toString(options_.maximumPixels / Mega)));
 }
 
+QByteArray ReadTask::ReadWhole() const {
+    constexpr qint64 MaximumSize = 200'000'000;
+    if (device_.size() > MaximumSize) {
+        Fail(u"Die Datei ist zu groß."_s);
+    }
+    device_.seek(0);
+    return device_.readAll();
+}
+
 QString IncompleteFileReason() {
     return u"Die Datei ist unvollständig."_s;
 }
@@ -37,6 +46,10 @@ QString DamagedFileReason() {
 
 QString OutOfMemoryReason() {
     return u"Der Arbeitsspeicher reicht nicht aus."_s;
+}
+
+QString TooMuchMemoryReason() {
+    return u"Das Bild braucht in diesem Format zu viel Arbeitsspeicher."_s;
 }
 
 QString ReadErrorText(const QString& name, const QString& reason) {

@@ -32,8 +32,15 @@ class ReadTask {
     QIODevice& Device() const { return device_; }
     qint64 MaximumPixels() const { return options_.maximumPixels; }
 
+    /// The same task for a picture that lies inside the file, as `device`.
+    ReadTask Within(QIODevice& device) const { return {device, name_, options_}; }
+
     /// Throws the ReadError that names the file and `reason`, a German sentence.
     [[noreturn]] void Fail(const QString& reason) const;
+
+    /// The whole file, from its start. Throws a ReadError where it is larger than any picture of a
+    /// format that is read so.
+    QByteArray ReadWhole() const;
 
     /// Throws a ReadError where a picture of that size is empty or over the allowed size.
     void RequireAllowedSize(qint64 width, qint64 height) const;
@@ -48,6 +55,8 @@ class ReadTask {
 QString IncompleteFileReason();
 QString DamagedFileReason();
 QString OutOfMemoryReason();
+/// A picture that would take far more memory than its pixels.
+QString TooMuchMemoryReason();
 
 /// The text of a ReadError: which file, and why.
 QString ReadErrorText(const QString& name, const QString& reason);

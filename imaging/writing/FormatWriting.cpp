@@ -6,6 +6,8 @@
 
 #include "platform/Error.h"
 
+using namespace Qt::StringLiterals;
+
 namespace kadrona::imaging {
 
 bool CodecTarget::Write(const void* bytes, qint64 count) {
@@ -22,8 +24,14 @@ void CodecTarget::KeepReason(const QString& failure) {
     }
 }
 
+void CodecTarget::KeepMessage(const QString& library, const QString& message) {
+    outOfMemory = outOfMemory || message.contains(u"memory"_s, Qt::CaseInsensitive) ||
+                  message.contains(u"no space for"_s, Qt::CaseInsensitive);
+    KeepReason(u"Das %1-Verfahren meldet „%2“."_s.arg(library, message.trimmed()));
+}
+
 void CodecTarget::Fail() const {
-    if (reason.isEmpty()) {
+    if (outOfMemory || reason.isEmpty()) {
         throw std::bad_alloc();
     }
     throw platform::Error(reason);

@@ -23,12 +23,16 @@ using FormatWriter = void(QIODevice& device, const Pixels& pixels, DotsPerInch r
 struct CodecTarget {
     QIODevice& device;
     QString reason = {};
+    bool outOfMemory = false;
 
     /// False where the system refuses, which becomes the reason.
     bool Write(const void* bytes, qint64 count);
     /// The first reason stays: what follows it follows from it.
     void KeepReason(const QString& failure);
-    /// Throws the reason as platform::Error; without one memory was short.
+    /// The same with a message of the library itself, in English. One that says that memory is
+    /// short is no reason.
+    void KeepMessage(const QString& library, const QString& message);
+    /// Throws the reason as platform::Error, or std::bad_alloc where memory was short.
     [[noreturn]] void Fail() const;
 };
 

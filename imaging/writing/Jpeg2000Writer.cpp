@@ -101,8 +101,7 @@ OPJ_SIZE_T WriteToDevice(void* bytes, OPJ_SIZE_T count, void* user) {
 }
 
 void KeepReason(const char* message, void* user) {
-    static_cast<CodecTarget*>(user)->KeepReason(
-        u"Das JPEG-2000-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message).trimmed()));
+    static_cast<CodecTarget*>(user)->KeepMessage(u"JPEG-2000"_s, QString::fromUtf8(message));
 }
 
 int RowsPerStrip(const RowSource& rows) {

@@ -48,8 +48,7 @@ class PngFile {
  private:
     [[noreturn]] static void JumpOnError(png_structp png, png_const_charp message) {
         auto* self = static_cast<PngFile*>(png_get_error_ptr(png));
-        self->target_.KeepReason(
-            u"Das PNG-Verfahren meldet „%1“."_s.arg(QString::fromUtf8(message)));
+        self->target_.KeepMessage(u"PNG"_s, QString::fromUtf8(message));
         std::longjmp(self->jump_, 1);
     }
 

@@ -43,8 +43,8 @@ toff_t SeekInDevice(thandle_t handle, toff_t offset, int whence) {
 }
 
 int KeepReason(TIFF*, void* handle, const char*, const char* format, va_list arguments) {
-    static_cast<CodecTarget*>(handle)->KeepReason(
-        u"Das TIFF-Verfahren meldet „%1“."_s.arg(QString::vasprintf(format, arguments)));
+    static_cast<CodecTarget*>(handle)->KeepMessage(u"TIFF"_s,
+                                                   QString::vasprintf(format, arguments));
     return 1;
 }
 

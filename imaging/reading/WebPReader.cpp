@@ -1,0 +1,100 @@
+#include "imaging/reading/WebPReader.h"
+
+#include <webp/decode.h>
+#include <webp/demux.h>
+
+#include <memory>
+
+#include "imaging/pixels/NewImage.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+struct DeleteDemuxer {
+    void operator()(WebPDemuxer* demuxer) const { WebPDemuxDelete(demuxer); }
+};
+using Demuxer = std::unique_ptr<WebPDemuxer, DeleteDemuxer>;
+
+/// A lossless picture is decoded beside the result, in four bytes a pixel of its own.
+constexpr qint64 MostLosslessPixels = 70'000'000;
+
+/// Empty where there is none or where it is sRGB.
+QByteArray ProfileOf(const WebPDemuxer* demuxer) {
+    QByteArray profile;
+    WebPChunkIterator chunk = {};
+    if (WebPDemuxGetChunk(demuxer, "ICCP", 1, &chunk)) {
+        profile = QByteArray(reinterpret_cast<const char*>(chunk.chunk.bytes),
+                             static_cast<qsizetype>(chunk.chunk.size));
+        WebPDemuxReleaseChunkIterator(&chunk);
+    }
+    return IsSrgbProfile(profile) ? QByteArray() : profile;
+}
+
+QString ReasonOf(VP8StatusCode status) {
+    switch (status) {
+        case VP8_STATUS_OUT_OF_MEMORY:
+            return OutOfMemoryReason();
+        case VP8_STATUS_SUSPENDED:
+        case VP8_STATUS_NOT_ENOUGH_DATA:
+            return IncompleteFileReason();
+        default:
+            return DamagedFileReason();
+    }
+}
+
+QImage DecodeFrame(const WebPData& frame, const ReadTask& task) {
+    constexpr int Lossless = 2;
+    WebPDecoderConfig config;
+    if (!WebPInitDecoderConfig(&config)) {
+        task.Fail(DamagedFileReason());
+    }
+    if (const auto status = WebPGetFeatures(frame.bytes, frame.size, &config.input);
+        status != VP8_STATUS_OK) {
+        task.Fail(ReasonOf(status));
+    }
+    const WebPBitstreamFeatures& features = config.input;
+    task.RequireAllowedSize(features.width, features.height);
+    if (features.format == Lossless &&
+        qint64{features.width} * features.height > MostLosslessPixels) {
+        task.Fail(TooMuchMemoryReason());
+    }
+    QImage image = NewImage({features.width, features.height},
+                            features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    config.output.colorspace = MODE_BGRA;
+    config.output.is_external_memory = 1;
+    config.output.u.RGBA = {image.bits(), static_cast<int>(image.bytesPerLine()),
+                            static_cast<size_t>(image.sizeInBytes())};
+    if (const auto status = WebPDecode(frame.bytes, frame.size, &config); status != VP8_STATUS_OK) {
+        task.Fail(ReasonOf(status));
+    }
+    return image;
+}
+
+}  // namespace
+
+bool IsWebP(QByteArrayView start) {
+    return start.size() >= 12 && start.startsWith("RIFF") && start.sliced(8, 4) == "WEBP";
+}
+
+DecodedImage ReadWebP(const ReadTask& task) {
+    DecodedImage decoded;
+    decoded.metadata = ReadFileMetadata(task.Device());
+    const QByteArray file = task.ReadWhole();
+    const WebPData data{reinterpret_cast<const uint8_t*>(file.constData()),
+                        static_cast<size_t>(file.size())};
+    const Demuxer demuxer(WebPDemux(&data));
+    WebPIterator frame = {};
+    if (!demuxer || !WebPDemuxGetFrame(demuxer.get(), 1, &frame)) {
+        task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+    }
+    const WebPData first = frame.fragment;  // bytes of the file
+    WebPDemuxReleaseIterator(&frame);
+    decoded.profile = ProfileOf(demuxer.get());
+    decoded.image = DecodeFrame(first, task);
+    return decoded;
+}
+
+}  // namespace kadrona::imaging
