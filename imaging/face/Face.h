@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QPointF>
+#include <optional>
+
+namespace kadrona::imaging {
+
+/// A point of a face, in pixels of the photo; it may lie outside the photo where the head is cut.
+struct FacePoint {
+    QPointF position;
+    /// 0 guessed from the proportions of a face ... 1 certain.
+    double confidence = 0;
+};
+
+/// What is known of one face. Left and right are as seen in the picture.
+struct Face {
+    FacePoint leftEye;   ///< pupil
+    FacePoint rightEye;  ///< pupil
+    FacePoint chin;      ///< lowest point of the jaw
+    FacePoint crown;     ///< top of the head, hair included
+    FacePoint skull;     ///< top of the head without the hair's volume, estimated
+    /// How far the line through the pupils falls to the right, degrees; the photo stands upright
+    /// when it is turned counter-clockwise by it.
+    double tiltDegrees = 0;
+
+    QPointF EyeMiddle() const { return (leftEye.position + rightEye.position) / 2; }
+    /// Distance of the pupils.
+    double EyeDistance() const;
+    /// Of the least certain of pupils, chin and crown.
+    double Confidence() const;
+};
+
+/// The answer of a search.
+struct FaceSearch {
+    /// The largest face near the middle; nothing where no face was found.
+    std::optional<Face> face;
+    /// How many faces were seen.
+    int faceCount = 0;
+};
+
+/// The tilt of the line through two points of a photo, as in Face.
+double TiltDegrees(QPointF left, QPointF right);
+
+}  // namespace kadrona::imaging

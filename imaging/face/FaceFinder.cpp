@@ -1,0 +1,191 @@
+#include "imaging/face/FaceFinder.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+
+#include "imaging/face/ChinFinder.h"
+#include "imaging/face/CrownFinder.h"
+#include "imaging/face/EyeFinder.h"
+#include "imaging/face/FaceFrame.h"
+#include "imaging/pixels/MatView.h"
+#include "imaging/pixels/NewImage.h"
+
+namespace kadrona::imaging {
+
+namespace {
+
+/// Shorter sides than this hold no face that could be measured.
+constexpr int SmallestSide = 40;
+/// Smallest face, as a part of the shorter side of the photo.
+constexpr double SmallestFace = 0.09;
+/// Where alt2's box has the eyes: their middle below its upper edge and their distance, as parts of
+/// its side.
+constexpr double EyesBelowTop = 0.38;
+constexpr double EyeDistanceInBox = 0.40;
+
+/// A face's box, as a frame that guesses its eyes.
+struct Candidate {
+    FaceFrame frame;
+    double side = 0;  ///< photo pixels
+    int votes = 0;
+};
+
+/// The reduction turned about its middle by an angle, and the way back.
+struct TurnedPicture {
+    cv::Mat grey;
+    cv::Matx23d back;
+};
+
+TurnedPicture TurnedBy(const cv::Mat& grey, double degrees) {
+    if (degrees == 0) {
+        return {grey, cv::Matx23d(1, 0, 0, 0, 1, 0)};
+    }
+    const cv::Point2f middle(static_cast<float>(grey.cols) / 2, static_cast<float>(grey.rows) / 2);
+    const cv::Matx23d forth = cv::getRotationMatrix2D(middle, degrees, 1);
+    TurnedPicture turned;
+    cv::warpAffine(grey, turned.grey, forth, grey.size(), cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+    cv::invertAffineTransform(forth, turned.back);
+    return turned;
+}
+
+std::vector<Candidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
+                                    const Cascades& cascades) {
+    const TurnedPicture turned = TurnedBy(grey, degrees);
+    const int shorter = std::min(grey.cols, grey.rows);
+    const int smallest = std::max(24, static_cast<int>(SmallestFace * shorter));
+    std::vector<Candidate> candidates;
+    for (const CascadeHit& hit :
+         cascades.Find(Cascades::FrontalFace, turned.grey, smallest, shorter, 3)) {
+        const double side = hit.box.width();
+        const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
+        const cv::Vec2d at = turned.back * eyes;
+        const double scale = photo.Reduction();
+        candidates.push_back(
+            {{QPointF(at[0], at[1]) * scale, EyeDistanceInBox * side * scale, degrees},
+             side * scale,
+             hit.votes});
+    }
+    return candidates;
+}
+
+bool Overlap(const Candidate& one, const Candidate& other) {
+    const QPointF between = one.frame.origin - other.frame.origin;
+    return std::hypot(between.x(), between.y()) < 0.5 * std::max(one.side, other.side);
+}
+
+/// Adds those that are not there yet; of two at one place the one with more votes stays.
+void Merge(std::vector<Candidate>& all, const std::vector<Candidate>& more) {
+    for (const Candidate& candidate : more) {
+        const auto same = std::ranges::find_if(
+            all, [&](const Candidate& other) { return Overlap(candidate, other); });
+        if (same == all.end()) {
+            all.push_back(candidate);
+        } else if (candidate.votes > same->votes) {
+            *same = candidate;
+        }
+    }
+}
+
+/// How much a face looks like the one that the photo was taken of: large and in the middle.
+double Prominence(const Candidate& candidate, cv::Size photo) {
+    const double x = candidate.frame.origin.x() / photo.width - 0.5;
+    const double y = candidate.frame.origin.y() / photo.height - 0.45;
+    return candidate.side * std::exp(-1.5 * (x * x + y * y)) *
+           std::min(1.0, 0.4 + candidate.votes / 20.0);
+}
+
+struct SeenFace {
+    Candidate candidate;
+    EyePair eyes;
+};
+
+/// A pattern gathers fewer votes than a face, and has no eyes more often.
+bool IsLikely(const SeenFace& face) {
+    constexpr std::array FewestVotes{20, 12, 8};
+    return face.candidate.votes >= FewestVotes.at(static_cast<size_t>(face.eyes.seen));
+}
+
+/// The candidates with their eyes, the most prominent first, as long as eyes are seen.
+std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<Candidate> candidates,
+                               const Cascades& cascades) {
+    // Fifty faces of a group need no eyes each: only the most prominent few are of interest.
+    constexpr size_t MostFaces = 4;
+    std::ranges::sort(candidates, std::greater(), [&](const Candidate& candidate) {
+        return Prominence(candidate, photo.Size());
+    });
+    candidates.resize(std::min(candidates.size(), MostFaces));
+    std::vector<SeenFace> faces;
+    for (const Candidate& candidate : candidates) {
+        faces.push_back({candidate, FindEyes(photo, candidate.frame, cascades)});
+    }
+    std::ranges::stable_sort(faces, std::greater(), IsLikely);
+    return faces;
+}
+
+/// Looks once more from the found eyes where the head is tilted, for the classifiers know eyes on a
+/// level line alone.
+EyePair Settled(const FacePhoto& photo, const EyePair& eyes, double guessedTilt,
+                const Cascades& cascades) {
+    constexpr double WorthAnotherLook = 5;
+    const FaceFrame frame = FaceFrame::OfEyes(eyes.left.position, eyes.right.position);
+    if (std::abs(frame.tiltDegrees - guessedTilt) < WorthAnotherLook) {
+        return eyes;
+    }
+    const EyePair again = FindEyes(photo, frame, cascades);
+    return again.seen >= eyes.seen ? again : eyes;
+}
+
+Face Measured(const FacePhoto& photo, const EyePair& eyes) {
+    Face face;
+    face.leftEye = eyes.left;
+    face.rightEye = eyes.right;
+    face.tiltDegrees = TiltDegrees(eyes.left.position, eyes.right.position);
+    const FaceFrame frame = FaceFrame::OfEyes(eyes.left.position, eyes.right.position);
+    const FacePlace chin = FindChin(photo, frame);
+    const FacePlace crown = FindCrown(photo, frame);
+    face.chin = {frame.ToPhoto(chin.place), chin.confidence};
+    face.crown = {frame.ToPhoto(crown.place), crown.confidence};
+    const double skull = std::max(-SkullAboveEyes(chin.place.y()), crown.place.y());
+    face.skull = {frame.ToPhoto({crown.place.x(), skull}), 0.5};
+    return face;
+}
+
+}  // namespace
+
+FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
+    if (photo.Width() < SmallestSide || photo.Height() < SmallestSide) {
+        return {};
+    }
+    const QImage image = photo.ToImage();
+    const FacePhoto facePhoto(ConstMatView(image));
+    if (std::min(facePhoto.Reduced().cols, facePhoto.Reduced().rows) < SmallestSide) {
+        return {};
+    }
+    cv::Mat grey;
+    cv::cvtColor(facePhoto.Reduced(), grey, cv::COLOR_BGR2GRAY);
+
+    std::vector<Candidate> candidates = CandidatesAt(facePhoto, grey, 0, cascades);
+    std::vector<SeenFace> faces = WithEyes(facePhoto, candidates, cascades);
+    if (faces.empty() || faces.front().eyes.seen < 2 || !IsLikely(faces.front())) {
+        constexpr double Turn = 14;
+        Merge(candidates, CandidatesAt(facePhoto, grey, Turn, cascades));
+        Merge(candidates, CandidatesAt(facePhoto, grey, -Turn, cascades));
+        faces = WithEyes(facePhoto, candidates, cascades);
+    }
+    if (faces.empty() || !IsLikely(faces.front())) {
+        return {};
+    }
+    const EyePair eyes =
+        Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
+    const auto count = std::ranges::count_if(
+        candidates, [](const Candidate& candidate) { return candidate.votes >= 8; });
+    return {Measured(facePhoto, eyes), std::max(1, static_cast<int>(count))};
+}
+
+FaceSearch FindFace(const Pixels& photo) {
+    return FindFace(photo, InstalledCascades());
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QTemporaryDir>
+#include <QTransform>
+#include <cmath>
+#include <random>
+
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
+
+namespace kadrona::imaging {
+namespace {
+
+/// The drawn portrait, 600 x 800 pixels, whose measures are known.
+const QSize DrawnSize(600, 800);
+const QPointF DrawnLeftEye(241.4, 329.8);
+const QPointF DrawnRightEye(359, 329.8);
+const QPointF DrawnChin(300, 517.4);
+const QPointF DrawnCrown(300, 137.8);
+
+QImage DrawnPortrait() {
+    QImage image(DrawnSize, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QSvgRenderer(QStringLiteral(SAMPLE_PORTRAIT)).render(&painter);
+    return image;
+}
+
+/// A photo of `size` with portraits on a grey wall, each drawn by its transform.
+QImage Wall(QSize size, const std::vector<QTransform>& portraits) {
+    QImage wall(size, QImage::Format_RGB32);
+    wall.fill(QColor(200, 205, 210));
+    QPainter painter(&wall);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QImage portrait = DrawnPortrait();
+    for (const QTransform& transform : portraits) {
+        painter.setTransform(transform);
+        painter.drawImage(0, 0, portrait);
+    }
+    return wall;
+}
+
+double Distance(QPointF one, QPointF other) {
+    return std::hypot(one.x() - other.x(), one.y() - other.y());
+}
+
+void ExpectDrawnFace(const Face& face, const QTransform& drawing, bool mirrored = false) {
+    const double eyes = Distance(drawing.map(DrawnLeftEye), drawing.map(DrawnRightEye));
+    const double head = Distance(drawing.map(DrawnChin), drawing.map(DrawnCrown));
+    const QPointF left = mirrored ? DrawnRightEye : DrawnLeftEye;
+    const QPointF right = mirrored ? DrawnLeftEye : DrawnRightEye;
+    EXPECT_LT(Distance(face.leftEye.position, drawing.map(left)), 0.06 * eyes);
+    EXPECT_LT(Distance(face.rightEye.position, drawing.map(right)), 0.06 * eyes);
+    EXPECT_LT(Distance(face.chin.position, drawing.map(DrawnChin)), 0.05 * head);
+    EXPECT_LT(Distance(face.crown.position, drawing.map(DrawnCrown)), 0.05 * head);
+    EXPECT_GT(face.Confidence(), 0.4);
+}
+
+struct Pose {
+    const char* name;
+    double scale;
+    double degrees;
+    bool mirrored;
+};
+
+class DrawnFace : public testing::TestWithParam<Pose> {};
+
+TEST_P(DrawnFace, IsMeasuredWhereItWasDrawn) {
+    const Pose& pose = GetParam();
+    QTransform drawing = QTransform::fromScale(pose.scale, pose.scale);
+    drawing.translate(300, 400).rotate(pose.degrees).scale(pose.mirrored ? -1 : 1, 1);
+    drawing.translate(-300, -400);
+    const FaceSearch search =
+        FindFace(Pixels(Wall(DrawnSize * pose.scale, {drawing})), InstalledCascades());
+    ASSERT_TRUE(search.face);
+    EXPECT_EQ(search.faceCount, 1);
+    ExpectDrawnFace(*search.face, drawing, pose.mirrored);
+    EXPECT_NEAR(search.face->tiltDegrees, pose.degrees, 2);
+    EXPECT_LE(search.face->crown.position.y(), search.face->skull.position.y() + 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Poses, DrawnFace,
+                         testing::Values(Pose{"plain", 1, 0, false}, Pose{"mirrored", 1, 0, true},
+                                         Pose{"small", 0.35, 0, false}, Pose{"large", 4, 0, false},
+                                         Pose{"left", 1, -13, false},
+                                         Pose{"right", 1.5, 13, false}),
+                         [](const auto& info) { return info.param.name; });
+
+TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {
+    QTransform large = QTransform::fromTranslate(500, 100);
+    const QTransform small = QTransform::fromScale(0.5, 0.5);
+    const FaceSearch search =
+        FindFace(Pixels(Wall({1500, 900}, {large, small})), InstalledCascades());
+    ASSERT_TRUE(search.face);
+    EXPECT_EQ(search.faceCount, 2);
+    ExpectDrawnFace(*search.face, large);
+}
+
+QImage Noise(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    std::mt19937 random(7);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, 0xff000000U | (random() & 0xffffffU));
+        }
+    }
+    return image;
+}
+
+TEST(FaceSearch, SaysThatThereIsNone) {
+    QTransform upsideDown = QTransform::fromTranslate(600, 800).rotate(180);
+    QTransform outside = QTransform::fromTranslate(-330, 0);
+    for (const QImage& image : {QImage(1, 1, QImage::Format_RGB32), Wall({30000, 2}, {}),
+                                Wall({2, 30000}, {}), Wall({800, 600}, {}), Noise({900, 700}),
+                                Wall(DrawnSize, {upsideDown}), Wall({300, 800}, {outside})}) {
+        const FaceSearch search = FindFace(Pixels(image), InstalledCascades());
+        EXPECT_FALSE(search.face) << image.width() << " x " << image.height();
+        EXPECT_EQ(search.faceCount, 0);
+    }
+    EXPECT_FALSE(FindFace(Pixels(), InstalledCascades()).face);
+}
+
+TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
+    const QTransform cut = QTransform::fromTranslate(0, -180);
+    const FaceSearch search = FindFace(Pixels(Wall({600, 620}, {cut})), InstalledCascades());
+    ASSERT_TRUE(search.face);
+    EXPECT_LT(search.face->crown.position.y(), 25);
+    EXPECT_LT(search.face->crown.confidence, 0.5);
+}
+
+TEST(Cascades, SayWhatToInstallWhereTheyAreMissingOrDamaged) {
+    const QTemporaryDir folder;
+    const auto complaint = [&] {
+        try {
+            const Cascades cascades(folder.path());
+        } catch (const CascadesMissing& error) {
+            return error.Text();
+        }
+        return QString();
+    };
+    EXPECT_TRUE(complaint().contains(u"opencv-data"));
+    QFile damaged(folder.filePath(QStringLiteral("haarcascade_frontalface_alt2.xml")));
+    ASSERT_TRUE(damaged.open(QFile::WriteOnly));
+    damaged.write("<?xml version=\"1.0\"?><opencv_storage><cascade>");
+    damaged.close();
+    EXPECT_TRUE(complaint().contains(u"frontalface_alt2"));
+}
+
+}  // namespace
+}  // namespace kadrona::imaging
