@@ -12,7 +12,7 @@
 #include "app/commandline/SheetCommand.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
 #include "printing/cups/CupsPrinterLayer.h"
 
@@ -91,8 +91,7 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
         printing::cups::CupsPrinterLayer printer;
-        TmainFm window;
-        window.Data().SetPrinterLayer(&printer);
+        TmainFm window(core::Folders::OfThisMachine(), &printer);
         window.CreateReusedWindows();
         window.show();
         if (!photo.isEmpty()) {

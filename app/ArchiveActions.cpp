@@ -5,7 +5,7 @@
 #include "controls/fields/StatusPanels.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
-#include "core/UserInterface.h"
+#include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetTiling.h"

@@ -16,7 +16,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "dialogs/About.h"
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/FileNamePrompt.h"
@@ -54,7 +54,7 @@ const QScreen* ScreenOf(const QRect& window) {
 
 }  // namespace
 
-TmainFm::TmainFm(const core::TData::Folders& folders) {
+TmainFm::TmainFm(const core::Folders& folders, printing::PrinterLayer* printer) {
     setObjectName(LayoutSection);
     setWindowTitle(core::WindowCaption.toString());
     BuildCommandArea();
@@ -62,7 +62,7 @@ TmainFm::TmainFm(const core::TData::Folders& folders) {
     BuildStatusBar();
     SetScreenTips();
     resize(DesignedClientArea.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
-    FormCreate(folders);
+    FormCreate(folders, printer);
     ConnectActions();
     UpdateActions();
 }
@@ -71,9 +71,10 @@ TmainFm::~TmainFm() {
     FormDestroy();
 }
 
-void TmainFm::FormCreate(const core::TData::Folders& folders) {
+void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* printer) {
     dbCount_ = platform::ReadRegistryInteger(CountValue);
-    data_ = std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders);
+    data_ =
+        std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders, printer);
     settings_ = new dialogs::TEinstellungenFm(*data_, this);
     data_->SetSettings(settings_);
     // A setting that makes no sense must not keep the database closed.

@@ -8,7 +8,7 @@
 #include "app/MainActions.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
-#include "core/UserInterface.h"
+#include "core/base/UserInterface.h"
 
 class QComboBox;
 class QLabel;
@@ -48,8 +48,10 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     Q_OBJECT
 
  public:
-    /// Starts the program's data and dialogs in their fixed order.
-    explicit TmainFm(const core::TData::Folders& folders = core::TData::Folders::OfThisMachine());
+    /// Starts the program's data and dialogs in their fixed order. `printer`, null for none,
+    /// outlives the window.
+    explicit TmainFm(const core::Folders& folders = core::Folders::OfThisMachine(),
+                     printing::PrinterLayer* printer = nullptr);
     ~TmainFm() override;
 
     /// Windows that are made after the main window and live as long as it does.
@@ -70,7 +72,7 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     using Handler = void (TmainFm::*)();
 
     // Life (MainWindow.cpp)
-    void FormCreate(const core::TData::Folders& folders);
+    void FormCreate(const core::Folders& folders, printing::PrinterLayer* printer);
     void FormDestroy();
     void FormCloseQuery();
     void RestoreRectangle();

@@ -13,7 +13,7 @@
 #include "controls/fields/FileDropTarget.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/theme/Icons.h"
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "core/sheet/SheetLayout.h"
 #include "imaging/view/ImageView.h"
 

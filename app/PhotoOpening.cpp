@@ -60,7 +60,6 @@ void TmainFm::LoadImageFile(const QString& fileName) {
     const bool read = ReadPhoto(fileName);
     view_->SetInteraction(
         {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
-    data_->SetAdjusted(false);
     sheetCreated_ = false;
     imageLoaded_ = true;
     actions_.SetChecked(u"acShowLayer"_s, false);

@@ -6,7 +6,7 @@
 
 #include "app/MainWindow.h"
 #include "controls/messages/ActionGuard.h"
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "core/templates/LayerPosition.h"
 #include "dialogs/RotateDialog.h"
 #include "imaging/pixels/Processing.h"

@@ -8,7 +8,7 @@
 #include <QTreeView>
 
 #include "controls/messages/MessageBoxes.h"
-#include "core/sheet/FileDialogs.h"
+#include "core/base/FileDialogs.h"
 #include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;

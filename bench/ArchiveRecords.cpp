@@ -6,7 +6,7 @@
 
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/ArchiveTable.h"
-#include "core/sheet/FileNaming.h"
+#include "core/base/FileNaming.h"
 #include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;

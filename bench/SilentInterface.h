@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "core/UserInterface.h"
+#include "core/base/UserInterface.h"
 
 namespace kadrona::bench {
 

@@ -6,7 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
 
 using namespace Qt::StringLiterals;

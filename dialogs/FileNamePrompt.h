@@ -3,7 +3,7 @@
 #include <QDialog>
 
 #include "controls/messages/ModalResult.h"
-#include "core/sheet/FileNaming.h"
+#include "core/base/FileNaming.h"
 
 class QDialogButtonBox;
 class QLineEdit;

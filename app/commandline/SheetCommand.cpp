@@ -4,11 +4,11 @@
 #include <QFileInfo>
 #include <QSet>
 
-#include "core/UserInterface.h"
+#include "core/base/FileNaming.h"
+#include "core/base/UserInterface.h"
 #include "core/settings/StoredSettings.h"
-#include "core/sheet/FileNaming.h"
 #include "core/sheet/PhotoLoading.h"
-#include "core/sheet/PhotoSaving.h"
+#include "core/sheet/PhotoSaver.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/writing/ImageWriter.h"

@@ -1,8 +1,7 @@
-// Tags in a photo's IPTC metadata.
+#include "core/archive/Tags.h"
 
 #include <QFileInfo>
 
-#include "core/Data.h"
 #include "imaging/metadata/IptcFile.h"
 
 using namespace Qt::StringLiterals;
@@ -32,16 +31,13 @@ void SetTags(imaging::IptcItems& items, const QString& objectName, QString keywo
 
 }  // namespace
 
-// NOLINTBEGIN(readability-convert-member-functions-to-static): operations of the data module
-void TData::SaveIptcToImage(imaging::LayeredImage& image, const QString& objectName,
-                            const QString& keywords) {
+void SetIptcTags(imaging::LayeredImage& image, const QString& objectName, const QString& keywords) {
     imaging::IptcItems items = image.Iptc();
     SetTags(items, objectName, keywords);
     image.SetIptc(std::move(items));
 }
 
-void TData::RewriteIptcToImage(const QString& fileName, const QString& objectName,
-                               const QString& keywords) {
+void RewriteIptcTags(const QString& fileName, const QString& objectName, const QString& keywords) {
     if (!QFileInfo(fileName).isFile()) {
         return;
     }
@@ -49,6 +45,5 @@ void TData::RewriteIptcToImage(const QString& fileName, const QString& objectNam
     SetTags(items, objectName, keywords);
     imaging::RewriteIptc(fileName, items);
 }
-// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace kadrona::core

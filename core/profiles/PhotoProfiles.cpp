@@ -1,9 +1,7 @@
-// The index of the photo profiles and their settings files.
+#include "core/profiles/PhotoProfiles.h"
 
 #include <QFile>
 
-#include "core/Data.h"
-#include "core/profiles/ProfileIndex.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
@@ -12,33 +10,24 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
-ProfileIndex TData::PhotoProfileIndex() const {
-    return {dataFolder_, u"Profiles.ini", u"Profilename"_s};
-}
+PhotoProfiles::PhotoProfiles(const QString& dataFolder)
+    : dataFolder_(dataFolder), index_(dataFolder, u"Profiles.ini", u"Profilename"_s) {}
 
-QStringList TData::GetProfileList() const {
-    return PhotoProfileIndex().Names();
-}
-
-QString TData::ProfileFile(const QString& name) const {
-    return PhotoProfileIndex().SettingsFile(name);
-}
-
-void TData::LoadProfile(const QString& name, ProfileStore& store) const {
-    const QString path = ProfileFile(name);
+void PhotoProfiles::Load(const QString& name, ProfileStore& store) const {
+    const QString path = SettingsFile(name);
     if (path.isEmpty()) {
-        SaveNewProfile(name, store);
+        SaveNew(name, store);
     } else {
         store.SetStorageFile(path);
     }
 }
 
-bool TData::SaveNewProfile(const QString& name, ProfileStore& store) const {
+void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
     const QString bound = store.StorageFile();
     try {
         const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
         store.SetStorageFile(platform::JoinPath(dataFolder_, file));
-        SaveProfileToIni(name, file);
+        Record(name, file);
     } catch (const std::exception&) {
         // Else what is stored later would go into a file that no profile knows.
         if (store.StorageFile() != bound) {
@@ -47,17 +36,16 @@ bool TData::SaveNewProfile(const QString& name, ProfileStore& store) const {
         }
         throw platform::Error(u"Can not save this profile settings!"_s);
     }
-    return true;
 }
 
-void TData::SaveProfileToIni(const QString& name, const QString& fileName) const {
-    PhotoProfileIndex().Record(name, fileName);
+void PhotoProfiles::Record(const QString& name, const QString& fileName) const {
+    index_.Record(name, fileName);
 }
 
-bool TData::DeleteProfile(const QString& name) const {
-    const QString path = ProfileFile(name);
+bool PhotoProfiles::Delete(const QString& name) const {
+    const QString path = SettingsFile(name);
     const bool deleted = path.isEmpty() || QFile::remove(path);
-    PhotoProfileIndex().Erase(name);
+    index_.Erase(name);
     return deleted;
 }
 

@@ -1,6 +1,6 @@
 #include "core/settings/StoredSettings.h"
 
-#include "core/Data.h"
+#include "core/settings/ArchiveFolder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +18,7 @@ int StoredSettings::ItemIndex(const ProfileEntry& entry) const {
 
 QString StoredSettings::Text(const ProfileEntry& entry) const {
     if (entry.control == ArchiveFolderEntry.control) {
-        return TData::GetArchivPath();
+        return ArchiveFolder();
     }
     return file_.ReadText(entry.control, u"Text"_s).value_or(entry.text);
 }

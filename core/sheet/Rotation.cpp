@@ -1,11 +1,8 @@
-// Turning the photo by any angle.
-
 #include "core/sheet/Rotation.h"
 
 #include <algorithm>
 
-#include "core/Data.h"
-#include "core/UserInterface.h"
+#include "core/base/UserInterface.h"
 #include "imaging/pixels/FreeRotation.h"
 #include "imaging/pixels/Processing.h"
 
@@ -27,13 +24,13 @@ QSize RotationPreviewSize(QSize photo) {
     return {static_cast<int>(LongSide), shortSide(photo.height(), photo.width())};
 }
 
-void TData::RotateImage(imaging::LayeredImage& image) {
+void LevelPhoto(imaging::LayeredImage& image, UserInterface& ui) {
     if (image.IsEmpty()) {
         return;
     }
     const imaging::Pixels preview =
         imaging::Resampled(image.Photo(), RotationPreviewSize(image.Photo().Size()));
-    if (const auto degrees = ui_.AskForRotation(preview)) {
+    if (const auto degrees = ui.AskForRotation(preview)) {
         image.ChangePhoto(imaging::Rotated(image.Photo(), *degrees));
     }
 }

@@ -1,16 +1,63 @@
-// From the cut single photo to the sheet of copies.
-
 #include "core/sheet/SheetTiling.h"
 
-#include "core/Data.h"
-#include "core/UserInterface.h"
+#include "core/archive/PhotoArchive.h"
+#include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
+#include "core/sheet/SheetLayout.h"
+#include "core/templates/LayerPosition.h"
 #include "imaging/pixels/Processing.h"
 #include "platform/Error.h"
 
-using namespace Qt::StringLiterals;
-
 namespace kadrona::core {
+
+namespace {
+
+/// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
+/// nothing, a failing archive is told of, and the sheet is made all the same.
+void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making) {
+    const auto lines = making.ui.EditTags();
+    if (!lines) {
+        return;
+    }
+    try {
+        making.archive.File(image, {.archiveFolder = making.settings.ImageDestinationDir(),
+                                    .templateName = making.shape.name,
+                                    .tags = TagText(*lines),
+                                    .objectName = lines->value(0)});
+    } catch (const platform::Error& error) {
+        making.ui.ShowMessage(error.Text());
+    }
+}
+
+}  // namespace
+
+void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
+    image.SetCurrentLayer(1);
+    const QRect rectangle = image.LayerAt(1).rectangle;
+    image.SetCurrentLayer(0);
+    try {
+        making.layout.Save(LayerSection(making.shape.name, image.Photo().Size()), rectangle);
+    } catch (const platform::Error& error) {
+        // A place that cannot be remembered must not cost the customer the photos.
+        making.ui.ShowMessage(error.Text());
+    }
+    image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
+    image.RemoveLayersAbovePhoto();
+    TilePhoto(image, making, layoutIndex);
+}
+
+void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
+    const QSize photo = image.Photo().Size();
+    image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
+    const QSize bordered = BorderedSize(photo, making.frameSize, layoutIndex);
+    if (bordered != photo) {
+        image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
+    }
+    if (making.settings.ImageAutoSave()) {
+        ArchiveSinglePhoto(image, making);
+    }
+    LayOutCopies(image, making.settings, layoutIndex);
+}
 
 void LayOutCopies(imaging::LayeredImage& image, const Settings& settings, int layoutIndex) {
     if (settings.RotateBeforeTileImg()) {
@@ -18,34 +65,6 @@ void LayOutCopies(imaging::LayeredImage& image, const Settings& settings, int la
     }
     if (const auto layout = SheetLayoutAt(layoutIndex)) {
         image.ChangePhoto(imaging::Repeated(image.Photo(), layout->columns, layout->rows));
-    }
-}
-
-void TData::TileImage(imaging::LayeredImage& image, int layoutIndex) {
-    const QSize photo = image.Photo().Size();
-    image.SetResolution(PrintResolution(photo.width(), {templateCanvas_.width()}));
-    const QSize bordered = BorderedSize(photo, frameSize_, layoutIndex);
-    if (bordered != photo) {
-        image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
-    }
-    if (settings_->ImageAutoSave()) {
-        ArchiveSinglePhoto(image);
-    }
-    LayOutCopies(image, *settings_, layoutIndex);
-}
-
-/// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
-/// nothing, a failing archive is told of, and the sheet is made all the same.
-void TData::ArchiveSinglePhoto(imaging::LayeredImage& image) {
-    const auto lines = ui_.EditTags();
-    if (!lines) {
-        return;
-    }
-    const QString keyword = lines->isEmpty() ? QString() : lines->first();
-    try {
-        SaveImageToArchiv(image, settings_->ImageDestinationDir(), TagText(*lines), keyword);
-    } catch (const platform::Error& error) {
-        ui_.ShowMessage(error.Text());
     }
 }
 

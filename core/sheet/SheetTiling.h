@@ -1,10 +1,31 @@
 #pragma once
 
+#include "core/templates/Template.h"
 #include "imaging/document/LayeredImage.h"
 
 namespace kadrona::core {
 
+class PhotoArchive;
 class Settings;
+class UserInterface;
+
+/// What a sheet is made by, beside the photo. All references outlive the call.
+struct SheetMaking {
+    const Template& shape;
+    const Settings& settings;
+    const LayoutFile& layout;
+    PhotoArchive& archive;
+    UserInterface& ui;
+    int frameSize;  ///< between copies, in pixels
+};
+
+/// From the photo under a template to the sheet: remembers where the template lies, cuts the photo
+/// to it, drops the template, and makes the sheet of copies.
+void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex);
+
+/// From the cut photo to the sheet: stamps its resolution, adds its border, files it in the archive
+/// where the settings say so, and lays out the copies.
+void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex);
 
 /// From a single photo to the sheet: turns it counter-clockwise where RotateBeforeTileImg is on and
 /// repeats it as the layout says. An index beyond the layouts repeats nothing.

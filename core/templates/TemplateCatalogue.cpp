@@ -1,10 +1,18 @@
 #include "core/templates/TemplateCatalogue.h"
 
+#include <QFileInfo>
 #include <QStringView>
+
+#include "platform/AtomicFile.h"
+#include "platform/Paths.h"
+#include "platform/TextDecoding.h"
 
 namespace kadrona::core {
 
 namespace {
+
+/// Far more than any catalogue of templates needs.
+constexpr qint64 LargestCatalogue = 4 << 20;
 
 CatalogueEntry ParseLine(QStringView line) {
     const qsizetype equals = line.indexOf(u'=');
@@ -30,6 +38,30 @@ std::vector<CatalogueEntry> ParseCatalogue(const QString& text) {
         }
     }
     return entries;
+}
+
+void TemplateCatalogue::Load() {
+    const QString path = platform::JoinPath(folder_, u"MaskList.kdr");
+    if (QFileInfo::exists(path)) {
+        entries_ =
+            ParseCatalogue(platform::DecodeText(platform::ReadWholeFile(path, LargestCatalogue)));
+    }
+}
+
+QStringList TemplateCatalogue::Names() const {
+    QStringList names;
+    for (const CatalogueEntry& entry : entries_) {
+        names.append(entry.name);
+    }
+    return names;
+}
+
+QString TemplateCatalogue::FileAt(int index) const {
+    if (index < 0 || static_cast<size_t>(index) >= entries_.size()) {
+        return {};
+    }
+    const QString path = platform::JoinPath(folder_, entries_[static_cast<size_t>(index)].file);
+    return QFileInfo(path).isFile() ? path : QString();
 }
 
 }  // namespace kadrona::core

@@ -155,13 +155,14 @@ TEST_F(PrintStory, ErrorsAreShownAndNothingIsTriedTwice) {
         Trigger(u"acPrintImage"_s);
     }
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    window->Data().SetPrinterLayer(nullptr);
-    driver.Answer(u"Es ist kein Druckdienst vorhanden."_s);
-    Trigger(u"acPrinSetup"_s);
     Image().SetResolution({0});
     driver.Answer(u"Auflösung ist nicht bekannt"_s);
     Trigger(u"acPrintImage"_s);
     EXPECT_EQ(NewJobs(), QStringList());
+    service = nullptr;
+    Start();
+    driver.Answer(u"Es ist kein Druckdienst vorhanden."_s);
+    Trigger(u"acPrinSetup"_s);
 }
 
 }  // namespace kadrona::testing

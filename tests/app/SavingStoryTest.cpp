@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include "core/Product.h"
+#include "core/base/Product.h"
 #include "tests/app/SavingFixture.h"
 
 using namespace Qt::StringLiterals;

@@ -4,6 +4,7 @@
 
 #include "app/commandline/SheetCommand.h"
 #include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetLayout.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;

@@ -26,8 +26,7 @@ class Story : public ::testing::Test {
 
     void Start() {
         window.reset();
-        window = std::make_unique<app::TmainFm>(installation.Folders());
-        window->Data().SetPrinterLayer(&printer);
+        window = std::make_unique<app::TmainFm>(installation.Folders(), service);
         window->CreateReusedWindows();
         window->show();
     }
@@ -60,6 +59,8 @@ class Story : public ::testing::Test {
     Installation installation;
     ModalDriver driver;
     FakePrinter printer;
+    /// What the next start gets.
+    printing::PrinterLayer* service = &printer;
     std::unique_ptr<app::TmainFm> window;
 };
 

@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"

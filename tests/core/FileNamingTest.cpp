@@ -4,7 +4,7 @@
 #include <QRegularExpression>
 #include <array>
 
-#include "core/sheet/FileNaming.h"
+#include "core/base/FileNaming.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;

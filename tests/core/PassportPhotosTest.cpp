@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetLayout.h"
 #include "imaging/document/LayeredImage.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"

@@ -13,8 +13,6 @@ namespace kadrona::testing {
 
 class PrinterProfiles : public ::testing::Test {
  protected:
-    PrinterProfiles() { data.SetPrinterLayer(&printer); }
-
     QStringList SettingsFiles() const {
         return QDir(data.DataFolder()).entryList({u"*.tmp"_s}, QDir::Files, QDir::Name);
     }
@@ -22,7 +20,7 @@ class PrinterProfiles : public ::testing::Test {
     Installation installation;
     FakeInterface ui;
     FakePrinter printer;
-    core::TData data{ui, installation.Folders()};
+    core::TData data{ui, installation.Folders(), &printer};
 };
 
 TEST_F(PrinterProfiles, EachProfileHasASectionAtTheEndAndAFileOfItsOwn) {
@@ -81,8 +79,8 @@ TEST_F(PrinterProfiles, AFailedSaveLeavesNeitherFileNorSection) {
     }
     printer.failure = u"Kein Drucker vorhanden."_s;
     EXPECT_THROW(data.SavePrintProfile(u"Ohne Drucker"_s), printing::PrinterError);
-    data.SetPrinterLayer(nullptr);
-    EXPECT_THROW(data.SavePrintProfile(u"Ohne Druckdienst"_s), printing::PrinterError);
+    const core::TData withoutService(ui, installation.Folders());
+    EXPECT_THROW(withoutService.SavePrintProfile(u"Ohne Druckdienst"_s), printing::PrinterError);
     EXPECT_EQ(data.GetPrinterProfileList(), QStringList(u"Gut"_s));
     EXPECT_EQ(SettingsFiles().size(), 1);
 }

@@ -26,7 +26,6 @@ using controls::ModalResult;
 class PrintDialogs : public ::testing::Test {
  protected:
     PrintDialogs() {
-        data.SetPrinterLayer(&printer);
         data.SetSettings(&settings);
         data.SetInitHandler([this](core::TData&) { settings.InitPropertys(); });
         data.SavePrintProfile(u"A"_s);
@@ -76,7 +75,7 @@ class PrintDialogs : public ::testing::Test {
     FakeInterface ui;
     FakePrinter printer;
     ModalDriver driver;
-    core::TData data{ui, installation.Folders()};
+    core::TData data{ui, installation.Folders(), &printer};
     dialogs::TEinstellungenFm settings{data};
     std::unique_ptr<dialogs::TPrintProfilDlg> profiles;
     dialogs::TBeforPrintDlgFm beforePrint{data, settings};

@@ -7,7 +7,7 @@
 #include <QVariantMap>
 
 #include "core/Data.h"
-#include "core/UserInterface.h"
+#include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "core/templates/TemplateFile.h"
 
@@ -74,7 +74,7 @@ class Installation {
     }
 
     QString Path(const char* below) const { return root_.filePath(QLatin1StringView(below)); }
-    core::TData::Folders Folders() const { return {Path("program"), Path("common")}; }
+    core::Folders Folders() const { return {Path("program"), Path("common")}; }
     /// A file in the data folder.
     QString DataFile(const char* name) const {
         return Path("common/Kadrona/") + QLatin1StringView(name);

@@ -9,6 +9,9 @@ struct OpenDialog {
     QString initialFolder;
     /// Pairs of a name and patterns, separated by "|".
     QString filter;
+
+    /// With the formats that are offered, and no folder yet.
+    static OpenDialog OfPhotos();
 };
 
 /// The dialog that saves passport photos.
@@ -20,6 +23,9 @@ struct SaveDialog {
     QString defaultExtension;
     QString initialFolder;
     QString fileName;
+
+    /// With title and formats, and neither folder nor name yet.
+    static SaveDialog OfPhotos();
 };
 
 }  // namespace kadrona::core

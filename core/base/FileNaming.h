@@ -37,4 +37,10 @@ QString GetArchivFileName(qint64 number, const NameSources& sources = {});
 /// Today: "2026-03-07".
 QString GetDatePrefix(const NameSources& sources = {});
 
+/// Name of a quickly saved photo: the prefix, what FileVarCombo's index `nameVariable` adds and the
+/// extension of FileTypCombo's index `fileType`, nothing between them. An index beyond the choices
+/// adds nothing.
+QString GetFileName(const QString& prefix, int nameVariable, int fileType,
+                    const NameSources& sources = {});
+
 }  // namespace kadrona::core

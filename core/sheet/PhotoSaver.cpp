@@ -1,14 +1,12 @@
-// Saving the finished passport photos: under a name that the user chooses, and quickly.
-
-#include "core/sheet/PhotoSaving.h"
+#include "core/sheet/PhotoSaver.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QScopeGuard>
 
-#include "core/Data.h"
-#include "core/Product.h"
-#include "core/UserInterface.h"
+#include "core/base/FileNaming.h"
+#include "core/base/Product.h"
+#include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "imaging/pixels/Processing.h"
 #include "imaging/writing/ImageWriter.h"
@@ -30,45 +28,45 @@ void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
                             {SoftwareText.toByteArray(), image.Iptc().Own()});
 }
 
-QString TData::SaveFolder() const {
-    const QString folder = settings_->ImageSaveDir();
-    return QFileInfo(folder).isDir() ? folder : lastSaveFolder_;
+QString PhotoSaver::Folder(const Settings& settings) const {
+    const QString folder = settings.ImageSaveDir();
+    return QFileInfo(folder).isDir() ? folder : lastFolder_;
 }
 
-void TData::SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
-                      bool scale) {
-    const QString target = DelLastBackslash(folder);
-    // A root without its separator would be no folder at all.
-    const bool isRoot = !folder.isEmpty() && QDir(folder).isRoot();
-    saveDialog_.initialFolder = isRoot ? folder : target;
-    saveDialog_.fileName = GetNameWithSuffix(currentFile_, u"_kdr"_s);
+void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
+    const QString target = DelLastBackslash(request.folder);
     const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
-    if (scale) {
+    if (request.scale) {
         // What may fail for lack of memory comes before anything is changed.
         imaging::Pixels scaled = imaging::Resampled(image.Photo(), OutputSize);
         image.SetAutomaticUndo(false);
         image.RecordUndoStep();
         image.ChangePhoto(std::move(scaled));
     }
-    if (fileName.isEmpty()) {
-        SaveByDialog(image);
+    if (request.fileName.isEmpty()) {
+        SaveDialog dialog = SaveDialog::OfPhotos();
+        // A root without its separator would be no folder at all.
+        const bool isRoot = !request.folder.isEmpty() && QDir(request.folder).isRoot();
+        dialog.initialFolder = isRoot ? request.folder : target;
+        dialog.fileName = GetNameWithSuffix(request.source, u"_kdr"_s);
+        SaveByDialog(image, dialog);
     } else {
-        SaveQuickly(image, platform::JoinPath(target, fileName), scale);
+        SaveQuickly(image, platform::JoinPath(target, request.fileName), request.scale);
     }
 }
 
-void TData::SaveByDialog(const imaging::LayeredImage& image) {
-    const auto path = ui_.AskForSaveFile(saveDialog_);
+void PhotoSaver::SaveByDialog(const imaging::LayeredImage& image, const SaveDialog& dialog) {
+    const auto path = ui_.AskForSaveFile(dialog);
     if (!path) {
         return;
     }
-    lastSaveFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
+    lastFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
     WritePhoto(image, *path);
 }
 
 /// Taking the newest step back without a scaling before it reverts the last change of the photo,
 /// and is meant to.
-void TData::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled) {
+void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled) {
     try {
         WritePhoto(image, path);
     } catch (...) {
@@ -81,7 +79,5 @@ void TData::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool 
     image.Undo();
     image.ClearUndo();
 }
-
-void TData::AutoSaveImage(imaging::LayeredImage& /*image*/, const QString& /*folder*/) const {}
 
 }  // namespace kadrona::core

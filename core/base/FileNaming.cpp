@@ -1,12 +1,10 @@
-#include "core/sheet/FileNaming.h"
+#include "core/base/FileNaming.h"
 
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QUuid>
 
-#include "core/Data.h"
 #include "platform/Paths.h"
-#include "platform/UserRegistry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +12,6 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr QLatin1StringView ArchiveFolderValue("ArchivFilesDir");
 constexpr QLatin1StringView RandomAlphabet(
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789");
 
@@ -101,18 +98,9 @@ QString GetDatePrefix(const NameSources& sources) {
     return DateText(sources.now().date(), u'-');
 }
 
-QString TData::GetFileName(const QString& prefix, int nameVariable, int fileType) const {
-    return prefix + NamePart(nameVariable, nameSources_) + Extension(fileType);
+QString GetFileName(const QString& prefix, int nameVariable, int fileType,
+                    const NameSources& sources) {
+    return prefix + NamePart(nameVariable, sources) + Extension(fileType);
 }
-
-// NOLINTBEGIN(readability-convert-member-functions-to-static): operations of the data module
-QString TData::GetArchivPath() {
-    return platform::ReadRegistryText(ArchiveFolderValue);
-}
-
-void TData::SetArchivPath(const QString& folder) {
-    platform::WriteRegistryText(ArchiveFolderValue, folder);
-}
-// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace kadrona::core

@@ -1,13 +1,10 @@
-// The archive table, and photos going into it.
+#include "core/archive/PhotoArchive.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include "core/Data.h"
-#include "core/UserInterface.h"
 #include "core/archive/ArchiveSchema.h"
-#include "core/archive/ArchiveTable.h"
-#include "core/sheet/FileNaming.h"
+#include "core/archive/Tags.h"
 #include "imaging/pixels/Processing.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
@@ -44,17 +41,16 @@ QByteArray Thumbnail(const imaging::Pixels& photo) {
 
 }  // namespace
 
-bool TData::ConnectDB(const QString& folder) {
+void PhotoArchive::Connect(const QString& folder) {
     AsGeneralError([&] {
         auto database = std::make_unique<store::Database>(folder);
         RequireKnownVersion(*database);
-        archive_.reset();
+        table_.reset();
         database_ = std::move(database);
     });
-    return database_ != nullptr;
 }
 
-bool TData::CreateDB() {
+bool PhotoArchive::Create() {
     if (database_ == nullptr) {
         return false;
     }
@@ -62,16 +58,16 @@ bool TData::CreateDB() {
     return true;
 }
 
-ArchiveTable* TData::Archive() {
+ArchiveTable* PhotoArchive::Table() {
     if (database_ == nullptr || !database_->TableExists(u"ImgDB"_s)) {
         return nullptr;
     }
-    if (archive_ == nullptr) {
+    if (table_ == nullptr) {
         // The start could not complete the database where another program was writing to it.
         CreateArchive(*database_);
-        archive_ = std::make_unique<ArchiveTable>(*database_);
+        table_ = std::make_unique<ArchiveTable>(*database_);
     }
-    return archive_.get();
+    return table_.get();
 }
 
 /// The number that names the photo is only known once its record exists. A photo that cannot be
@@ -80,55 +76,49 @@ ArchiveTable* TData::Archive() {
 /// Numbers start anew where the database was lost, or go on from those of a backup; a second
 /// computer that files in the same folder counts for itself. The numbers of photos that are there
 /// already are left out: no photo is overwritten, and a database that comes back finds its own.
-void TData::SaveImageToArchiv(imaging::LayeredImage& image, const QString& archiveFolder,
-                              const QString& tags, const QString& objectName) {
-    ArchiveTable* table = Archive();
+void PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known) {
+    ArchiveTable* table = Table();
     if (table == nullptr) {
         return;
     }
-    const QString monthFolder = GetMonthDir(nameSources_);
-    const QString folder = MonthPath(archiveFolder, monthFolder);
-    if (QFileInfo(archiveFolder).isDir() && !platform::CreateFolder(folder)) {
+    const QString monthFolder = GetMonthDir(names_);
+    const QString folder = MonthPath(known.archiveFolder, monthFolder);
+    if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
         return;
     }
     const imaging::Pixels photo = image.Photo();
-    const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, nameSources_) + u".jpg"_s; };
+    const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, names_) + u".jpg"_s; };
     currentRecord_ = table->Insert([&](qint64 id) {
         const QFileInfo older(platform::JoinPath(folder, nameOf(id)));
         return older.isFile() || older.isSymLink();
     });
     const QString fileName = nameOf(currentRecord_);
-    SaveIptcToImage(image, objectName, tags);
+    SetIptcTags(image, known.objectName, known.tags);
     imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, image.Resolution(),
                             {{}, image.Iptc().Own()});
     table->Fill({.id = currentRecord_,
                  .name = fileName,
-                 .type = templateName_,
-                 .created = nameSources_.now(),
+                 .type = known.templateName,
+                 .created = names_.now(),
                  .folder = monthFolder,
-                 .tags = tags},
+                 .tags = known.tags},
                 Thumbnail(photo));
 }
 
-void TData::ImgTagSearch(const QString& text) {
-    if (ArchiveTable* table = Archive()) {
+QString PhotoArchive::PathOfCurrent(const QString& archiveFolder) {
+    ArchiveTable* table = Table();
+    const ArchiveRecord record =
+        table ? table->Read(currentRecord_).value_or(ArchiveRecord()) : ArchiveRecord();
+    return platform::JoinPath(MonthPath(DelLastBackslash(archiveFolder), record.folder),
+                              record.name);
+}
+
+void PhotoArchive::Filter(const QString& text) {
+    if (ArchiveTable* table = Table()) {
         const QString quoted = u'\'' + QString(text).replace(u"'"_s, u"''"_s) + u'\'';
         table->SetFilter(text.isEmpty() ? QString()
                                         : u"TEXTSEARCH("_s + quoted + u" IN ImgTags)"_s);
     }
-}
-
-QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
-    ArchiveTable* table = Archive();
-    const ArchiveRecord record =
-        table ? table->Read(currentRecord_).value_or(ArchiveRecord()) : ArchiveRecord();
-    QString path =
-        platform::JoinPath(MonthPath(DelLastBackslash(archiveFolder), record.folder), record.name);
-    if (QFileInfo(path).isFile()) {
-        return path;
-    }
-    ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);
-    return {};
 }
 
 }  // namespace kadrona::core

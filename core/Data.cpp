@@ -1,0 +1,68 @@
+#include "core/Data.h"
+
+#include <QFileInfo>
+
+#include "core/base/UserInterface.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+TData::TData(UserInterface& ui, Folders folders, printing::PrinterLayer* printer)
+    : ui_(ui),
+      folders_(std::move(folders)),
+      photoProfiles_(folders_.data),
+      printerProfiles_(folders_.data, printer),
+      catalogue_(folders_.templates),
+      layout_(folders_.data),
+      saver_(ui),
+      archive_(nameSources_) {}
+
+void TData::InitSystem() {
+    try {
+        catalogue_.Load();
+    } catch (const platform::FileError& error) {
+        ui_.ShowMessage(error.Text());
+    }
+    if (initHandler_) {
+        initHandler_(*this);
+    }
+    if (!platform::CreateFolder(folders_.database)) {
+        ui_.ShowMessage(u"Fehler, das Datenbankverzeichnis konnte nicht erstellt werden."_s);
+        return;
+    }
+    if (!platform::CreateFolder(folders_.curves)) {
+        ui_.ShowMessage(u"Fehler, das Kurvenverzeichnis konnte nicht erstellt werden."_s);
+        return;
+    }
+    if (ConnectDB(folders_.database)) {
+        CreateDB();
+    }
+}
+
+void TData::SetCurrentFile(const QString& path) {
+    currentFile_ = path;
+    currentFileFolder_ = QFileInfo(path).path();
+}
+
+bool TData::MaskLoadFromFile(const QString& path) {
+    auto read = ReadTemplate(path);
+    if (!read) {
+        return false;
+    }
+    template_ = *std::move(read);
+    return true;
+}
+
+QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
+    QString path = archive_.PathOfCurrent(archiveFolder);
+    if (QFileInfo(path).isFile()) {
+        return path;
+    }
+    ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);
+    return {};
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,29 @@
+#include "core/base/FileDialogs.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+OpenDialog OpenDialog::OfPhotos() {
+    return {
+        .initialFolder = {},
+        .filter =
+            u"Alle (*.gif;*.png;*.jpg;*.jpeg;*.bmp;*.ico;*.emf;*.wmf;*.tif;*.tiff)|"
+            u"*.gif;*.png;*.jpg;*.jpeg;*.bmp;*.ico;*.emf;*.wmf;*.tif;*.tiff|"
+            u"GIF-Bild (*.gif)|*.gif|Portable Network Graphics (*.png)|*.png|"
+            u"JPEG-Grafikdatei (*.jpg)|*.jpg|JPEG-Grafikdatei (*.jpeg)|*.jpeg|Bitmaps (*.bmp)|"
+            u"*.bmp|Symbole (*.ico)|*.ico|Erweiterte Metadateien (*.emf)|*.emf|Metadateien (*.wmf)|"
+            u"*.wmf|TIFF-Grafiken (*.tif)|*.tif|TIFF-Grafiken (*.tiff)|*.tiff"_s};
+}
+
+SaveDialog SaveDialog::OfPhotos() {
+    return {.title = u"Passbild speichern"_s,
+            .filter =
+                u"JPEG-Grafikdatei (*.jpg)|*.jpg|JPEG-Grafikdatei (*.jpeg)|*.jpeg|Bitmaps (*.bmp)|"
+                u"*.bmp|PDF|*.pdf|TIFF|*.tif"_s,
+            .defaultExtension = u"jpg"_s,
+            .initialFolder = {},
+            .fileName = {}};
+}
+
+}  // namespace kadrona::core

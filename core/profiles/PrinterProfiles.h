@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/profiles/ProfileIndex.h"
+
+namespace kadrona::printing {
+class PrinterLayer;
+}
+
+namespace kadrona::core {
+
+/// The printer profiles: "Printerprofiles42.ini", the settings files that it names, and the printer
+/// that they are taken from and applied to. Operations throw platform::Error.
+class PrinterProfiles {
+ public:
+    /// `printer` may be null; it outlives the profiles.
+    PrinterProfiles(const QString& dataFolder, printing::PrinterLayer* printer);
+
+    /// Throws printing::PrinterError where there is none.
+    printing::PrinterLayer& Printer() const;
+
+    QStringList Names() const { return index_.Names(); }
+    /// Keeps the current printer under a name; a failure leaves no file.
+    void Save(const QString& name) const;
+    void Record(const QString& name, const QString& fileName) const;
+    /// Makes a profile's printer the current one; does nothing where the profile or its file is
+    /// missing. Throws for a damaged file or a printer that is gone; the current printer then
+    /// stays.
+    void Load(const QString& name) const;
+    void Delete(const QString& name) const;
+
+ private:
+    QString dataFolder_;
+    ProfileIndex index_;
+    printing::PrinterLayer* printer_;
+};
+
+}  // namespace kadrona::core

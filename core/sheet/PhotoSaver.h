@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+
+#include "core/base/FileDialogs.h"
+#include "imaging/document/LayeredImage.h"
+
+namespace kadrona::core {
+
+class Settings;
+class UserInterface;
+
+/// Writes an image's photo as every finished one is written: with its resolution, its IPTC items
+/// and the program's name. Throws imaging::WriteError.
+void WritePhoto(const imaging::LayeredImage& image, const QString& path);
+
+/// Saves finished photos: under a name that the user chooses, and quickly.
+class PhotoSaver {
+ public:
+    /// `ui` outlives the saver.
+    explicit PhotoSaver(UserInterface& ui) : ui_(ui) {}
+
+    /// Where photos are saved: ImageSaveDir, or while there is no such folder the last save folder.
+    QString Folder(const Settings& settings) const;
+    /// Folder of the file last chosen in the save dialog, with a trailing separator; empty at
+    /// first.
+    const QString& LastFolder() const { return lastFolder_; }
+
+    /// A photo that is to be saved.
+    struct Request {
+        QString folder;
+        /// Empty where the user is asked for it.
+        QString fileName;
+        /// Write it in 413 x 531 pixels.
+        bool scale = false;
+        /// The photo that the image was made of; what the dialog proposes is made of its name.
+        QString source;
+    };
+
+    /// Writes an image, over an older file of that name.
+    ///
+    /// After a save under a given name the newest undo step is taken back, whether or not the image
+    /// was scaled, and the others are dropped. Throws imaging::WriteError where the file cannot be
+    /// written; the image and its undo steps are then as they were.
+    void Save(imaging::LayeredImage& image, const Request& request);
+
+ private:
+    void SaveByDialog(const imaging::LayeredImage& image, const SaveDialog& dialog);
+    void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
+
+    UserInterface& ui_;
+    QString lastFolder_;
+};
+
+}  // namespace kadrona::core
