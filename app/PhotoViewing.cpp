@@ -9,7 +9,7 @@
 #include "core/base/Product.h"
 #include "core/templates/LayerPosition.h"
 #include "dialogs/RotateDialog.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/QuarterTurn.h"
 #include "imaging/view/ImageView.h"
 #include "platform/WebPage.h"
 

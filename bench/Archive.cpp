@@ -14,7 +14,7 @@
 #include "core/Data.h"
 #include "core/archive/ArchiveTable.h"
 #include "imaging/document/LayeredImage.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;

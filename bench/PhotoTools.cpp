@@ -13,6 +13,8 @@
 #include "imaging/pixels/MatView.h"
 #include "imaging/retouch/CloneStamp.h"
 #include "imaging/tone/ColourEffects.h"
+#include "imaging/tone/Curves.h"
+#include "imaging/tone/HueFilter.h"
 
 using namespace kadrona::imaging;
 

@@ -9,7 +9,7 @@
 #include <QImage>
 #include <cstdio>
 
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Resampling.h"
 
 using namespace kadrona;
 

@@ -10,6 +10,8 @@
 #include "bench/TimedView.h"
 #include "imaging/retouch/CloneStamp.h"
 #include "imaging/tone/ColourEffects.h"
+#include "imaging/tone/Curves.h"
+#include "imaging/tone/HueFilter.h"
 
 namespace {
 

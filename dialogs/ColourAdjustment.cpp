@@ -11,6 +11,7 @@
 #include "dialogs/AdjustmentPage.h"
 #include "dialogs/BeforeAfterView.h"
 #include "dialogs/WindowPlacement.h"
+#include "imaging/tone/HueFilter.h"
 
 using namespace Qt::StringLiterals;
 

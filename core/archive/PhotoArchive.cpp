@@ -5,7 +5,7 @@
 
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/Tags.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"

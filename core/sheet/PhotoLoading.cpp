@@ -1,8 +1,10 @@
 #include "core/sheet/PhotoLoading.h"
 
 #include "core/settings/Settings.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/QuarterTurn.h"
 #include "imaging/reading/ImageReader.h"
+#include "imaging/tone/AverageColour.h"
+#include "imaging/tone/WhiteBalance.h"
 
 namespace kadrona::core {
 

@@ -8,7 +8,7 @@
 #include "core/base/Product.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Paths.h"
 

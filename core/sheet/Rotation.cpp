@@ -4,7 +4,7 @@
 
 #include "core/base/UserInterface.h"
 #include "imaging/pixels/FreeRotation.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Resampling.h"
 
 namespace kadrona::core {
 

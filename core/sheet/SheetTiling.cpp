@@ -5,7 +5,8 @@
 #include "core/settings/Settings.h"
 #include "core/sheet/SheetLayout.h"
 #include "core/templates/LayerPosition.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Cropping.h"
+#include "imaging/pixels/QuarterTurn.h"
 #include "platform/Error.h"
 
 namespace kadrona::core {

@@ -6,7 +6,7 @@
 #include <opencv2/core/utility.hpp>
 
 #include "imaging/pixels/NewImage.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/QuarterTurn.h"
 #include "imaging/pixels/RotationSampler.h"
 
 namespace kadrona::imaging {

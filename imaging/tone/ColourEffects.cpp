@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numbers>
 
-#include "imaging/tone/LevelTables.h"
+#include "imaging/tone/LevelTable.h"
 #include "imaging/tone/Luma.h"
 
 namespace kadrona::imaging {

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "imaging/tone/Curves.h"
+#include <vector>
+
 #include "imaging/tone/Histogram.h"
+#include "imaging/tone/LevelTable.h"
 #include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging {
@@ -27,7 +29,7 @@ PixelFilterPointer WhitePointFilter(QRgb sample);
 /// clipped: white clothes and hair keep their detail. A channel of one level stays as it is.
 PixelFilterPointer GainAndOffsetFilter(const Histogram& histogram);
 
-/// What the colour dialog's pages set; all zero changes nothing.
+/// What a page of the colour dialog sets; all zero changes nothing, as with those below.
 struct ContrastAdjustment {
     int contrast = 0;    ///< -100 ... 100
     int brightness = 0;  ///< -100 ... 100
@@ -37,18 +39,6 @@ struct ContrastAdjustment {
 /// way. Contrast then turns the line through the middle level, by up to 45 degrees: to level at
 /// -100, to nearly upright at 100.
 PixelFilterPointer ContrastFilter(const ContrastAdjustment& adjustment);
-
-struct HueAdjustment {
-    int hueDegrees = 0;  ///< -180 ... 180
-    int saturation = 0;  ///< -100 ... 100
-    int lightness = 0;   ///< -100 ... 100
-    bool operator==(const HueAdjustment&) const = default;
-};
-/// In the model of hue, saturation and lightness of A. Joblove and D. Greenberg, "Color spaces for
-/// computer graphics", SIGGRAPH 1978: the hue is turned, the saturation multiplied by 0 ... 2 and
-/// kept within its range, the lightness moved towards black or white by the setting's part of the
-/// way. Greys stay grey. Values are rounded once, in the end.
-PixelFilterPointer HueFilter(const HueAdjustment& adjustment);
 
 struct BalanceAdjustment {
     int red = 0;    ///< -100 ... 100

@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "imaging/tone/ColourEffects.h"
-#include "imaging/tone/LevelTables.h"
+#include "imaging/tone/LevelTable.h"
 #include "imaging/tone/MonotoneCubic.h"
 
 namespace kadrona::imaging {

@@ -2,15 +2,12 @@
 
 #include <QPoint>
 #include <array>
-#include <cstdint>
 #include <vector>
 
+#include "imaging/tone/LevelTable.h"
 #include "imaging/tone/PixelFilter.h"
 
 namespace kadrona::imaging {
-
-/// What becomes of each level, 0 ... 255.
-using LevelTable = std::array<std::uint8_t, 256>;
 
 /// One point of a tone curve; both 0 ... 255.
 struct CurvePoint {

@@ -1,9 +1,9 @@
+#include "imaging/tone/HueFilter.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <opencv2/core/hal/intrin.hpp>
-
-#include "imaging/tone/ColourEffects.h"
 
 namespace kadrona::imaging {
 

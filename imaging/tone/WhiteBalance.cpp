@@ -1,3 +1,5 @@
+#include "imaging/tone/WhiteBalance.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -8,7 +10,6 @@
 
 #include "imaging/pixels/MatView.h"
 #include "imaging/pixels/NewImage.h"
-#include "imaging/pixels/Processing.h"
 #include "imaging/pixels/StraightAlpha.h"
 
 namespace kadrona::imaging {

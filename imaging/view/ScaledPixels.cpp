@@ -157,7 +157,7 @@ void ScaledPixels::DrawTile(const QImage& tile, QSize size, const QRect& part, Q
         MakeAxisTaps(source.width(), steps.x, part.left(), part.right() + 1, FilterFor(steps.x));
     const AxisTaps rows =
         MakeAxisTaps(source.height(), steps.y, part.top(), part.bottom() + 1, FilterFor(steps.y));
-    Resample(pyramid_.Level(tile, level, steps.Covered(part)), columns, rows, drawing_, at);
+    DrawResampled(pyramid_.Level(tile, level, steps.Covered(part)), columns, rows, drawing_, at);
 }
 
 // The level whose pixels are at most twice as fine as the device's along the finer axis. While

@@ -6,8 +6,8 @@
 #include <QSize>
 
 #include "imaging/pixels/Pixels.h"
+#include "imaging/pixels/Resampling.h"
 #include "imaging/view/Pyramid.h"
-#include "imaging/view/Resample.h"
 
 namespace kadrona::imaging::view {
 

@@ -3,6 +3,8 @@
 
 #include "ImageMagick.h"
 #include "imaging/tone/ColourEffects.h"
+#include "imaging/tone/Curves.h"
+#include "imaging/tone/HueFilter.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::testing;

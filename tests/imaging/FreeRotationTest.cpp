@@ -3,7 +3,6 @@
 
 #include "ImageMagick.h"
 #include "imaging/pixels/FreeRotation.h"
-#include "imaging/pixels/Processing.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::testing;

@@ -1,7 +1,7 @@
 #include <stdexcept>
 
 #include "imaging/document/LayeredImage.h"
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Cropping.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;

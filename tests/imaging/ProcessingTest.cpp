@@ -2,7 +2,10 @@
 #include <limits>
 #include <optional>
 
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Cropping.h"
+#include "imaging/pixels/QuarterTurn.h"
+#include "imaging/pixels/Resampling.h"
+#include "imaging/tone/AverageColour.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
 

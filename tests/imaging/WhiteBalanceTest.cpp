@@ -2,7 +2,7 @@
 #include <cmath>
 #include <vector>
 
-#include "imaging/pixels/Processing.h"
+#include "imaging/tone/WhiteBalance.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;

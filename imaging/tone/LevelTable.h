@@ -1,12 +1,14 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 
-#include "imaging/tone/Curves.h"
-
 namespace kadrona::imaging {
+
+/// What becomes of each level, 0 ... 255.
+using LevelTable = std::array<std::uint8_t, 256>;
 
 /// A level that a formula gives, rounded and brought into 0 ... 255.
 inline std::uint8_t ToLevel(double value) {

@@ -1,18 +1,10 @@
-#include "imaging/pixels/Processing.h"
+#include "imaging/pixels/Cropping.h"
 
-#include <algorithm>
-#include <opencv2/core.hpp>
-
-#include "imaging/pixels/MatView.h"
 #include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging {
 
 namespace {
-
-int RoundedQuotient(double sum, qint64 count) {
-    return static_cast<int>((2 * static_cast<qint64>(sum) + count) / (2 * count));
-}
 
 /// `part` of an image, sharing its scan lines. The result keeps the image's pixels alive, and as it
 /// is read-only to Qt, whoever changes it gets a copy of its own first; changing the image itself
@@ -37,18 +29,6 @@ bool CoversWholeTiles(const QRect& part, QSize tile) {
 }
 
 }  // namespace
-
-AverageColour AverageOf(const Pixels& pixels) {
-    if (pixels.IsEmpty()) {
-        return {};
-    }
-    const QImage& tile = pixels.Tile();
-    // Sums of bytes stay exact in a double up to 2^53, far above any picture.
-    const cv::Scalar sums = cv::sum(ConstMatView(tile));
-    const qint64 count = qint64{tile.width()} * tile.height();
-    return {RoundedQuotient(sums[2], count), RoundedQuotient(sums[1], count),
-            RoundedQuotient(sums[0], count)};
-}
 
 Pixels Cropped(const Pixels& pixels, const QRect& rectangle) {
     if (rectangle.isEmpty()) {
@@ -78,19 +58,6 @@ Pixels CanvasEnlarged(const Pixels& pixels, QSize size, const QColor& background
     const QSize difference = canvas - pixels.Size();
     const QPoint topLeft(-(difference.width() / 2), -(difference.height() / 2));
     return Pixels(pixels.Region(QRect(topLeft, canvas), background.rgb()));
-}
-
-Pixels Turned(const Pixels& pixels, QuarterTurn turn) {
-    if (pixels.IsEmpty()) {
-        return {};
-    }
-    const QImage& tile = pixels.Tile();
-    QImage turned = NewImage(tile.size().transposed(), tile.format());
-    cv::Mat target = MatView(turned);
-    cv::rotate(
-        ConstMatView(tile), target,
-        turn == QuarterTurn::Clockwise ? cv::ROTATE_90_CLOCKWISE : cv::ROTATE_90_COUNTERCLOCKWISE);
-    return {turned, pixels.Rows(), pixels.Columns()};
 }
 
 Pixels Repeated(const Pixels& pixels, int columns, int rows) {
