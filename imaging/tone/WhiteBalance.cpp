@@ -27,83 +27,190 @@ struct Gains {
 /// So many points give the gains to a thousandth, whatever the picture's size.
 constexpr int SamplesPerDirection = 512;
 
-/// Beyond these a channel is clipped or mostly noise and says nothing about the light.
-constexpr int DarkestMiddleTone = 16;
-constexpr int BrightestMiddleTone = 250;
+/// Below this a channel is mostly noise and says nothing about the light. White that is clipped
+/// counts: it is to stay white.
+constexpr int DarkestTone = 16;
 
-/// The histogram of chromaticities goes from a gain of 1/2 to one of 2 in both directions: no light
-/// that a portrait is taken in needs more. One step is 3 per cent.
+/// A chromaticity is the logarithm of red over green and of blue over green. Histograms of them go
+/// from 1/2 to 2 in both directions; one step is 3 per cent.
 constexpr int StepsPerDirection = 23;
 constexpr int HistogramLength = 2 * StepsPerDirection + 1;
-const double LargestLogGain = std::log(2.0);
+const double LargestLogarithm = std::log(2.0);
 
-/// How likely a light is, as the spread of its logarithmic gains: cameras have corrected most of
-/// it.
-constexpr double PriorSpread = 0.25;
+/// Skin depends on its brightness, so points are counted apart by their green, in so many ranges.
+constexpr int BrightnessRanges = 3;
+constexpr std::array<int, BrightnessRanges - 1> RangeEnds = {120, 175};
+/// How red skin is at the least, and how blue: bright skin is never as saturated as dark one.
+struct SkinLimits {
+    double leastRed;
+    double leastBlue;
+};
+constexpr std::array<SkinLimits, BrightnessRanges> LimitsOfSkin = {
+    SkinLimits{0.18, -0.36}, SkinLimits{0.12, -0.31}, SkinLimits{0.1, -0.26}};
 
-/// Where fewer points than this (weighted by how likely their light is) agree on a light, the
-/// colours are the picture's own.
-constexpr double LeastEvidence = 0.01;
+/// The spread of what counts as grey, as a logarithm.
+constexpr double GreySpread = 0.04;
+/// How sharply the range of skin ends.
+constexpr double SkinSpread = 0.025;
 
+/// How likely a light is, as the spread of its chromaticities.
+constexpr double PriorSpread = 0.35;
+/// Parts of the picture that count as grey, and as skin, whatever it shows: neither is always
+/// there.
+constexpr double GreyAnyway = 0.2;
+constexpr double SkinAnyway = 0.01;
+/// More skin than this says little more: it is rather a wall that a light makes look like skin.
+constexpr double UsualSkin = 0.15;
+
+/// A light must be so many times likelier than none. Lights that are less red than daylight need
+/// more: light blue is a usual wall, and skin looks right before it in both lights.
+constexpr double AdvantageOfWarmLight = 4;
+constexpr double AdvantageOfCoolLight = 4.5;
+/// Slighter casts, as a logarithm, may be a wall's paint.
+constexpr double SlightestCast = 0.13;
+
+/// Where so much of the picture is grey it settles the gains.
+constexpr double GreyThatSettles = 0.1;
 /// A point is nearly grey where its channels differ by at most this part of the largest.
 constexpr double GreySaturation = 0.12;
 
-std::vector<QRgb> MiddleTones(const QImage& image) {
+std::vector<QRgb> UsefulPoints(const QImage& image) {
     const int stepX = std::max(1, image.width() / SamplesPerDirection);
     const int stepY = std::max(1, image.height() / SamplesPerDirection);
-    std::vector<QRgb> tones;
+    std::vector<QRgb> points;
     for (int y = 0; y < image.height(); y += stepY) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         for (int x = 0; x < image.width(); x += stepX) {
-            const auto [least, most] = std::minmax({qRed(row[x]), qGreen(row[x]), qBlue(row[x])});
-            if (least >= DarkestMiddleTone && most <= BrightestMiddleTone) {
-                tones.push_back(row[x]);
+            if (std::min({qRed(row[x]), qGreen(row[x]), qBlue(row[x])}) >= DarkestTone) {
+                points.push_back(row[x]);
             }
         }
     }
-    return tones;
+    return points;
 }
 
-double LogGain(int bin) {
-    return (bin - StepsPerDirection) * LargestLogGain / StepsPerDirection;
+/// The chromaticity of a histogram's row or column.
+double LogarithmOf(int bin) {
+    return (bin - StepsPerDirection) * LargestLogarithm / StepsPerDirection;
 }
 
-/// The part of the points that each pair of gains makes neutral: rows are gains of red, columns of
-/// blue, smoothed over the width of nearly grey.
-cv::Mat LightHistogram(const std::vector<QRgb>& points) {
-    cv::Mat histogram = cv::Mat::zeros(HistogramLength, HistogramLength, CV_32F);
-    const auto bin = [](int green, int channel) {
-        const double gain = std::log(double(green) / channel);
-        return StepsPerDirection + qRound(gain / LargestLogGain * StepsPerDirection);
+using Histograms = std::array<cv::Mat, BrightnessRanges>;
+
+/// The part of the points that has each chromaticity, red over green in the rows, blue over green
+/// in the columns.
+Histograms ChromaticitiesOf(const std::vector<QRgb>& points) {
+    Histograms histograms;
+    for (cv::Mat& histogram : histograms) {
+        histogram = cv::Mat::zeros(HistogramLength, HistogramLength, CV_32F);
+    }
+    const auto bin = [](int channel, int green) {
+        const double logarithm = std::log(double(channel) / green);
+        return StepsPerDirection + qRound(logarithm / LargestLogarithm * StepsPerDirection);
     };
     for (const QRgb point : points) {
-        const int red = bin(qGreen(point), qRed(point));
-        const int blue = bin(qGreen(point), qBlue(point));
+        const int red = bin(qRed(point), qGreen(point));
+        const int blue = bin(qBlue(point), qGreen(point));
         if (red >= 0 && red < HistogramLength && blue >= 0 && blue < HistogramLength) {
-            histogram.at<float>(red, blue) += 1.0F / static_cast<float>(points.size());
+            const auto range =
+                std::ranges::upper_bound(RangeEnds, qGreen(point)) - RangeEnds.begin();
+            histograms[static_cast<size_t>(range)].at<float>(red, blue) +=
+                1.0F / static_cast<float>(points.size());
         }
     }
-    constexpr int Width = 5;
-    cv::boxFilter(histogram, histogram, -1, {Width, Width}, {-1, -1}, false, cv::BORDER_CONSTANT);
-    return histogram;
+    return histograms;
 }
 
-/// The light that most points agree on, weighted by how likely it is; none where too few do.
-std::optional<Gains> MostLikelyGains(const std::vector<QRgb>& points) {
-    cv::Mat evidence = LightHistogram(points);
-    for (int red = 0; red < HistogramLength; ++red) {
-        for (int blue = 0; blue < HistogramLength; ++blue) {
-            const double distance = std::hypot(LogGain(red), LogGain(blue)) / PriorSpread;
-            evidence.at<float>(red, blue) *= static_cast<float>(std::exp(-distance * distance / 2));
+double Falloff(double beyond, double spread) {
+    const double distance = std::max(beyond, 0.0) / spread;
+    return std::exp(-distance * distance / 2);
+}
+
+/// 0 ... 1, from faces of all complexions in neutral light: red is well above green and blue below
+/// it, by a part of what red is above.
+double LikenessToSkin(double red, double blue, const SkinLimits& limits) {
+    constexpr double MostRed = 0.45;
+    constexpr double LeastFall = 0.42;
+    constexpr double MostFall = 1.25;
+    return Falloff(limits.leastRed - red, SkinSpread) * Falloff(red - MostRed, SkinSpread) *
+           Falloff(blue + LeastFall * red, SkinSpread) *
+           Falloff(-MostFall * red - blue, SkinSpread) *
+           Falloff(limits.leastBlue - blue, SkinSpread);
+}
+
+/// For each light, at its place in the histogram, the sum of what `likeness` makes of the points
+/// once that light is corrected.
+template <typename Likeness>
+cv::Mat SumForEachLight(const cv::Mat& histogram, const Likeness& likeness) {
+    constexpr int Side = 2 * HistogramLength - 1;
+    cv::Mat kernel(Side, Side, CV_32F);
+    for (int row = 0; row < Side; ++row) {
+        for (int column = 0; column < Side; ++column) {
+            const auto logarithm = [](int index) {
+                return LogarithmOf(index - HistogramLength + 1 + StepsPerDirection);
+            };
+            kernel.at<float>(row, column) =
+                static_cast<float>(likeness(logarithm(row), logarithm(column)));
         }
     }
-    double most = 0;
-    cv::Point peak;
-    cv::minMaxLoc(evidence, nullptr, &most, nullptr, &peak);
-    if (most < LeastEvidence) {
-        return std::nullopt;
+    cv::Mat sums;
+    cv::filter2D(histogram, sums, -1, kernel, {-1, -1}, 0, cv::BORDER_CONSTANT);
+    return sums;
+}
+
+cv::Mat GreyForEachLight(const Histograms& histograms) {
+    cv::Mat all = histograms.front().clone();
+    std::for_each(histograms.begin() + 1, histograms.end(),
+                  [&](const cv::Mat& next) { all += next; });
+    return SumForEachLight(
+        all, [](double red, double blue) { return Falloff(std::hypot(red, blue), GreySpread); });
+}
+
+cv::Mat SkinForEachLight(const Histograms& histograms) {
+    cv::Mat all = cv::Mat::zeros(HistogramLength, HistogramLength, CV_32F);
+    for (size_t range = 0; range < histograms.size(); ++range) {
+        all += SumForEachLight(histograms[range], [&](double red, double blue) {
+            return LikenessToSkin(red, blue, LimitsOfSkin[range]);
+        });
     }
-    return Gains{std::exp(LogGain(peak.y)), std::exp(LogGain(peak.x))};
+    return all;
+}
+
+struct Light {
+    double red = 0;   ///< what it makes of grey: the logarithm of red over green
+    double blue = 0;  ///< the same of blue over green
+    double grey = 0;  ///< the part of the picture that is grey once it is corrected
+
+    double Cast() const { return std::hypot(red, blue); }
+    Gains Correction() const { return {std::exp(-red), std::exp(-blue)}; }
+};
+
+/// The light that the picture was taken in; none where that is unsure.
+std::optional<Light> LightOf(const std::vector<QRgb>& points) {
+    const Histograms histograms = ChromaticitiesOf(points);
+    const cv::Mat grey = GreyForEachLight(histograms);
+    const cv::Mat skin = SkinForEachLight(histograms);
+    Light best;
+    double most = 0;
+    double neutral = 0;
+    for (int row = 0; row < HistogramLength; ++row) {
+        for (int column = 0; column < HistogramLength; ++column) {
+            const Light light{LogarithmOf(row), LogarithmOf(column), grey.at<float>(row, column)};
+            const double skinPart = skin.at<float>(row, column);
+            const double likelihood = (GreyAnyway + light.grey) *
+                                      (SkinAnyway + skinPart / (skinPart + UsualSkin)) *
+                                      Falloff(light.Cast(), PriorSpread);
+            if (row == StepsPerDirection && column == StepsPerDirection) {
+                neutral = likelihood;
+            }
+            if (likelihood > most) {
+                most = likelihood;
+                best = light;
+            }
+        }
+    }
+    const double advantage = best.red < 0 ? AdvantageOfCoolLight : AdvantageOfWarmLight;
+    const bool isSure = best.Cast() >= SlightestCast && most >= advantage * neutral;
+    return isSure ? std::optional(best) : std::nullopt;
 }
 
 /// The gains that make the average of those points neutral that `gains` make nearly grey.
@@ -125,13 +232,13 @@ Gains Refined(const std::vector<QRgb>& points, const Gains& gains) {
 
 Gains EstimatedGains(const QImage& image) {
     constexpr int Rounds = 5;
-    const std::vector<QRgb> points = MiddleTones(image);
-    const std::optional<Gains> likely = MostLikelyGains(points);
-    if (!likely) {
+    const std::vector<QRgb> points = UsefulPoints(image);
+    const std::optional<Light> light = LightOf(points);
+    if (!light) {
         return {};
     }
-    Gains gains = *likely;
-    for (int round = 0; round < Rounds; ++round) {
+    Gains gains = light->Correction();
+    for (int round = 0; round < Rounds && light->grey >= GreyThatSettles; ++round) {
         gains = Refined(points, gains);
     }
     return gains;

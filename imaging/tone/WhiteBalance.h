@@ -4,17 +4,21 @@
 
 namespace kadrona::imaging {
 
-/// Automatic white balance: red and blue scaled so that the picture's grey middle tones are neutral
-/// on average. A neutral picture, and one in which too little can be grey, comes back as it is,
-/// sharing its pixels.
+/// Automatic white balance for portraits: red and blue scaled so that what is grey in the scene
+/// becomes neutral. Where it is unsure the picture comes back as it is, sharing its pixels: where
+/// its colours are likely without a cast, where no skin tells a coloured wall from coloured light,
+/// and where the cast is so slight that the paint of a wall could be it.
 ///
-/// A grey world over all middle tones would turn the background of a portrait blue, for skin fills
-/// much of it. So the light is first found in the histogram of the middle tones' logarithmic
-/// chromaticities: the one that makes most of them grey, weighted by how likely it is (Finlayson,
-/// Hordley and Hubel, "Color by correlation", IEEE Trans. PAMI 23(11), 2001; Barron, "Convolutional
-/// color constancy", ICCV 2015). Averaging over the points that are nearly grey in it then settles
-/// the gains (Huo, Chang, Wang and Wei, "Robust automatic white balance algorithm using gray color
-/// points in images", IEEE Trans. Consumer Electronics 52(2), 2006).
+/// A light is judged by what it would leave after its correction: how much of the picture is grey
+/// then, how much of it has the colours of skin, and how likely the light is by itself, for cameras
+/// have corrected most of it (after Finlayson, Hordley and Hubel, "Color by correlation", IEEE
+/// Trans. PAMI 23(11), 2001; Barron, "Convolutional color constancy", ICCV 2015). Averaging over
+/// the points that are nearly grey in it then settles the gains (Huo, Chang, Wang and Wei, "Robust
+/// automatic white balance algorithm using gray color points in images", IEEE Trans. Consumer
+/// Electronics 52(2), 2006).
+///
+/// OpenCV's xphoto was weighed: its methods know no skin, and turn a face orange before a light
+/// blue wall. Throws platform::Error where memory is short.
 Pixels WhiteBalanced(const Pixels& pixels);
 
 }  // namespace kadrona::imaging

@@ -11,66 +11,90 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// A grey wall that darkens downwards with a skin-coloured face of some radius before it, in
-/// light that multiplies the channels.
-QImage Portrait(double red, double green, double blue, int radius) {
+struct Light {
+    const char* name;
+    double red, green, blue;
+};
+constexpr Light Daylight{"daylight", 1, 1, 1};
+constexpr Light Tungsten{"tungsten", 1, 0.83, 0.58};
+constexpr Light Shade{"shade", 0.71, 0.83, 1};
+constexpr Light Fluorescent{"fluorescent", 0.86, 1, 0.81};
+
+QRgb Lit(QRgb colour, double brightness, const Light& light) {
+    const auto channel = [&](int level, double factor) {
+        return std::clamp(qRound(level * factor * brightness), 0, 255);
+    };
+    return qRgb(channel(qRed(colour), light.red), channel(qGreen(colour), light.green),
+                channel(qBlue(colour), light.blue));
+}
+
+/// A head with brown hair before a wall that darkens downwards unless it is white.
+QImage Portrait(QRgb wall, QRgb skin, const Light& light) {
     QImage image(300, 400, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
+        const double shade = wall == qRgb(255, 255, 255) ? 1 : 1 - 0.1 * y / image.height();
         for (int x = 0; x < image.width(); ++x) {
-            const bool isFace = std::hypot(x - 150, y - 200) < radius;
-            const int wall = 190 - y / 5;
-            const QRgb lit = isFace ? qRgb(200, 150, 125) : qRgb(wall, wall, wall);
+            const bool isFace = std::hypot(x - 150, 0.75 * (y - 200)) < 75;
+            const bool isHair = std::hypot(x - 150, y - 150) < 95;
             image.setPixel(x, y,
-                           qRgb(std::lround(qRed(lit) * red), std::lround(qGreen(lit) * green),
-                                std::lround(qBlue(lit) * blue)));
+                           isFace   ? Lit(skin, 1 - 0.0006 * std::abs(x - 140), light)
+                           : isHair ? Lit(qRgb(70, 52, 40), 1, light)
+                                    : Lit(wall, shade, light));
         }
     }
     return image;
 }
 
-/// How far a colour is from grey: the largest difference between two of its channels.
-int Cast(QRgb colour) {
-    const auto [least, most] = std::minmax({qRed(colour), qGreen(colour), qBlue(colour)});
-    return most - least;
+/// How far a colour's chromaticity is from the true one's.
+double Cast(QRgb colour, QRgb truth) {
+    const auto logarithm = [](int channel, int green) { return std::log(double(channel) / green); };
+    return std::hypot(
+        logarithm(qRed(colour), qGreen(colour)) - logarithm(qRed(truth), qGreen(truth)),
+        logarithm(qBlue(colour), qGreen(colour)) - logarithm(qBlue(truth), qGreen(truth)));
 }
 
 }  // namespace
 
-TEST(WhiteBalanced, LeavesPicturesThatAreNeutralOrWithoutGrey) {
+TEST(WhiteBalanced, LeavesWhatIsNeutralOrUnsure) {
     QImage saturated(4, 4, QImage::Format_RGB32);
     saturated.fill(qRgb(40, 60, 220));
-    for (const Pixels& left :
-         {Pixels(Picture({"wk-", "--w"}), 2, 1), Pixels(Picture({"kkk"})), Pixels(saturated)}) {
-        EXPECT_TRUE(WhiteBalanced(left).SharesPixelsWith(left));
+    std::vector<Pixels> left = {Pixels(Picture({"wk-", "--w"}), 2, 1), Pixels(Picture({"kkk"})),
+                                Pixels(saturated)};
+    for (const QRgb wall : {qRgb(255, 255, 255), qRgb(215, 215, 215), qRgb(140, 140, 140),
+                            qRgb(190, 214, 240), qRgb(240, 225, 195), qRgb(170, 190, 160)}) {
+        for (const QRgb skin : {qRgb(238, 204, 183), qRgb(233, 184, 166), qRgb(120, 84, 68)}) {
+            left.emplace_back(Portrait(wall, skin, Daylight));
+        }
+    }
+    for (size_t i = 0; i < left.size(); ++i) {
+        EXPECT_TRUE(WhiteBalanced(left[i]).SharesPixelsWith(left[i])) << i;
     }
     EXPECT_TRUE(WhiteBalanced(Pixels()).IsEmpty());
 }
 
-TEST(WhiteBalanced, MakesTheWallNeutralNotTheAverage) {
-    struct Light {
-        const char* name;
-        double red, green, blue;
-        int faceRadius;
-    };
-    const std::vector<Light> lights = {{"daylight", 1, 1, 1, 120},
-                                       {"tungsten", 1.2, 1, 0.7, 120},
-                                       {"shade", 0.85, 1, 1.2, 120},
-                                       {"fluorescent", 0.9, 1.1, 0.85, 120},
-                                       {"mostly face", 1.05, 1, 0.9, 165}};
-    for (const Light& light : lights) {
-        const QImage balanced =
-            WhiteBalanced(Pixels(Portrait(light.red, light.green, light.blue, light.faceRadius)))
-                .ToImage();
-        EXPECT_LE(Cast(balanced.pixel(10, 10)), 3) << light.name;
-        EXPECT_LE(Cast(balanced.pixel(290, 390)), 3) << light.name;
-        // The face keeps its colour: red over blue as in neutral light, 1.6.
-        const QRgb face = balanced.pixel(150, 200);
-        EXPECT_NEAR(double(qRed(face)) / qBlue(face), 1.6, 0.05) << light.name;
+TEST(WhiteBalanced, TakesTheLightOffWallAndSkin) {
+    for (const Light& light : {Tungsten, Shade, Fluorescent}) {
+        for (const QRgb wall : {qRgb(255, 255, 255), qRgb(215, 215, 215), qRgb(140, 140, 140)}) {
+            for (const QRgb skin : {qRgb(238, 204, 183), qRgb(200, 150, 125), qRgb(120, 84, 68)}) {
+                const QImage balanced =
+                    WhiteBalanced(Pixels(Portrait(wall, skin, light))).ToImage();
+                const auto name = ::testing::Message() << light.name << ", wall " << qRed(wall)
+                                                       << ", skin " << qRed(skin);
+                EXPECT_LE(Cast(balanced.pixel(10, 10), wall), 0.02) << name;
+                EXPECT_LE(Cast(balanced.pixel(140, 200), skin), 0.02) << name;
+            }
+        }
     }
+    // Half of a lamp's light at least, where the wall has a colour of its own.
+    const QRgb skin = qRgb(238, 204, 183);
+    const QImage photo = Portrait(qRgb(190, 214, 240), skin, Tungsten);
+    EXPECT_LE(Cast(WhiteBalanced(Pixels(photo)).ToImage().pixel(140, 200), skin),
+              Cast(photo.pixel(140, 200), skin) / 2);
 }
 
 TEST(WhiteBalanced, KeepsAlphaAndGrid) {
-    QImage tile = Portrait(1.2, 1, 0.7, 120).convertToFormat(QImage::Format_ARGB32);
+    QImage tile = Portrait(qRgb(215, 215, 215), qRgb(238, 204, 183), Tungsten)
+                      .convertToFormat(QImage::Format_ARGB32);
     tile.setPixel(0, 0, qRgba(0, 0, 0, 0));
     tile.setPixel(1, 0, qRgba(200, 200, 200, 100));
     const Pixels balanced = WhiteBalanced(Pixels(tile, 2, 3));
