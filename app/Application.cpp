@@ -51,12 +51,8 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
 
 /// Qt would end the program without a word that a user understands.
 bool HasDisplay() {
-#ifdef Q_OS_LINUX
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-#else
-    return true;
-#endif
 }
 
 QStringList ArgumentsOf(int argc, char** argv) {

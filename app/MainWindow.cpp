@@ -72,7 +72,7 @@ TmainFm::~TmainFm() {
 }
 
 void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* printer) {
-    dbCount_ = platform::ReadRegistryInteger(CountValue);
+    controls::Guarded(this, [this] { dbCount_ = platform::ReadRegistryInteger(CountValue); });
     data_ =
         std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders, printer);
     settings_ = new dialogs::TEinstellungenFm(*data_, this);
@@ -119,7 +119,11 @@ void TmainFm::CreateReusedWindows() {
 }
 
 void TmainFm::FormDestroy() {
-    platform::WriteRegistryInteger(CountValue, dbCount_);
+    controls::Guarded(this, [this] {
+        if (dbCount_) {
+            platform::WriteRegistryInteger(CountValue, *dbCount_);
+        }
+    });
     colourTools_.reset();
     retouchTool_.reset();
     delete view_;

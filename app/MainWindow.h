@@ -142,7 +142,7 @@ class TmainFm : public QMainWindow, private core::UserInterface {
     void acShowConfigExecute();
     void acCloseExecute();
 
-    int dbCount_ = 0;
+    std::optional<int> dbCount_;  // nothing where it could not be read
     bool imageLoaded_ = false;
     bool sheetCreated_ = false;
     /// The save dialog's last one.

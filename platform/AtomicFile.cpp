@@ -1,8 +1,11 @@
 #include "platform/AtomicFile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <QFile>
-#include <QFileInfo>
 #include <QLocale>
+#include <cerrno>
 
 #include "platform/Error.h"
 #include "platform/SystemReason.h"
@@ -12,38 +15,25 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// The text of an error ends at a NUL, as a path does for the system.
+QString Shown(QString path) {
+    return path.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
 FileError WriteError(const QString& path, const QString& reason) {
-    return FileError{u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason)};
+    return FileError{
+        u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(Shown(path), reason)};
 }
 
 FileError ReadError(const QString& path, const QString& reason) {
-    return FileError{u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason)};
-}
-
-/// The path itself; throws where something that must stay stands under the name, or where nothing
-/// can. The permission bits are asked, not the system: it lets an administrator write to every
-/// file.
-const QString& Replaceable(const QString& path) {
-    if (path.contains(QChar::Null)) {
-        // The system would end the name there, as every text of an error does.
-        throw WriteError(QString(path).replace(QChar::Null, QChar::ReplacementCharacter),
-                         u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s);
-    }
-    const QFileInfo existing(path);
-    if (existing.isDir()) {
-        throw WriteError(path, u"Unter diesem Namen gibt es einen Ordner"_s);
-    }
-    if (existing.exists() && !existing.permission(QFileDevice::WriteOwner)) {
-        throw WriteError(path, u"Die Datei ist schreibgeschützt"_s);
-    }
-    return path;
+    return FileError{u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(Shown(path), reason)};
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path) : path_(Replaceable(path)), file_(path_) {
+AtomicFile::AtomicFile(const QString& path, Links links) : path_(path), file_(path, links) {
     if (!file_.Create()) {
-        throw WriteError(path, file_.errorString());
+        throw WriteError(path_, file_.errorString());
     }
 }
 
@@ -53,21 +43,31 @@ void AtomicFile::Commit() {
     }
 }
 
-void WriteFileAtomically(const QString& path, QByteArrayView content) {
-    AtomicFile file(path);
+void WriteFileAtomically(const QString& path, QByteArrayView content, Links links) {
+    AtomicFile file(path, links);
     file.Device().write(content.data(), content.size());
     file.Commit();
 }
 
-QByteArray ReadWholeFile(const QString& path, qint64 maximumBytes) {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) {
-        // A pipe or a device might never end.
-        throw ReadError(path, u"Es ist keine gewöhnliche Datei"_s);
+std::optional<QByteArray> ReadFileIfThere(const QString& path, qint64 maximumBytes, Links links) {
+    const FollowedPath followed = FollowLinks(path, links);
+    if (!followed.refusal.isEmpty()) {
+        throw ReadError(path, followed.refusal);
     }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw ReadError(path, SystemReason(file));
+    // Opening a pipe would wait for a writer.
+    QFile file;
+    const int handle = open(QFile::encodeName(followed.path).constData(),
+                            O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    if (handle < 0 && errno == ENOENT) {
+        return std::nullopt;
+    }
+    if (handle < 0 && errno != ENXIO) {
+        throw ReadError(path, SystemReason(errno));
+    }
+    struct stat status {};
+    if (!file.open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
+        fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
+        throw ReadError(path, u"Es ist keine gewöhnliche Datei"_s);  // it might never end
     }
     const auto checkSize = [&](qint64 size) {
         if (size > maximumBytes) {
@@ -75,13 +75,21 @@ QByteArray ReadWholeFile(const QString& path, qint64 maximumBytes) {
             throw ReadError(path, u"Sie ist größer als %1"_s.arg(limit));
         }
     };
-    checkSize(file.size());
+    checkSize(status.st_size);
     QByteArray content = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         throw ReadError(path, SystemReason(file));
     }
     checkSize(content.size());
     return content;
+}
+
+QByteArray ReadWholeFile(const QString& path, qint64 maximumBytes, Links links) {
+    std::optional<QByteArray> content = ReadFileIfThere(path, maximumBytes, links);
+    if (!content) {
+        throw ReadError(path, SystemReason(ENOENT));
+    }
+    return *std::move(content);
 }
 
 }  // namespace kadrona::platform

@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QString>
+#include <optional>
 
 #include "platform/ReplacementFile.h"
 
@@ -11,16 +12,20 @@ namespace kadrona::platform {
 /// same folder without a name, where the file system can, flushed to the disk and put under its
 /// name by Commit. Without Commit nothing is left behind and an older file of that name stays as it
 /// was. A file that is marked read-only is not replaced, not even for a user whom the system would
-/// let.
+/// let, and neither is a pipe or a device.
+///
+/// The library weighed, QSaveFile, puts a file that was cut short over the good one where the disk
+/// fills up, refuses names of more than 248 bytes and leaves its temporary file when it is killed.
 class AtomicFile {
  public:
     /// Creates the new file. Throws FileError with the path and the system's reason.
-    explicit AtomicFile(const QString& path);
+    explicit AtomicFile(const QString& path, Links links = Links::All);
 
     /// Where to write; check nothing, Commit reports every failure.
     QIODevice& Device() { return file_; }
 
-    /// Flushes and replaces. Throws FileError with the path and the system's reason.
+    /// Flushes and replaces. Throws FileError with the path and the system's reason; the older file
+    /// is still there then, unless only its folder could not be flushed.
     void Commit();
 
  private:
@@ -29,9 +34,14 @@ class AtomicFile {
 };
 
 /// Writes a whole file through AtomicFile.
-void WriteFileAtomically(const QString& path, QByteArrayView content);
+void WriteFileAtomically(const QString& path, QByteArrayView content, Links links = Links::All);
 
-/// Reads a whole file. Throws FileError when it cannot be read or is larger than `maximumBytes`.
-QByteArray ReadWholeFile(const QString& path, qint64 maximumBytes);
+/// Reads a whole file; nothing only where there is none. Throws FileError when it cannot be looked
+/// up or read, is no regular file or larger than `maximumBytes`.
+std::optional<QByteArray> ReadFileIfThere(const QString& path, qint64 maximumBytes,
+                                          Links links = Links::All);
+
+/// The same, but a missing file is an error too.
+QByteArray ReadWholeFile(const QString& path, qint64 maximumBytes, Links links = Links::All);
 
 }  // namespace kadrona::platform

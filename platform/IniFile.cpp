@@ -1,7 +1,5 @@
 #include "platform/IniFile.h"
 
-#include <QFileInfo>
-
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/IniContent.h"
@@ -11,16 +9,15 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
-
-QByteArray ReadBytes(const QString& path) {
-    return QFileInfo::exists(path) ? ReadWholeFile(path, MaximumBytes) : QByteArray();
-}
+constexpr qint64 MaximumBytes = qint64{16} << 20;
 
 }  // namespace
 
-IniFile::IniFile(QString path)
-    : path_(std::move(path)), content_(std::make_unique<IniContent>(ReadBytes(path_))) {}
+IniFile::IniFile(QString path, Links links)
+    : path_(std::move(path)),
+      links_(links),
+      content_(std::make_unique<IniContent>(
+          ReadFileIfThere(path_, MaximumBytes, links_).value_or(QByteArray()))) {}
 
 IniFile::~IniFile() = default;
 
@@ -66,7 +63,7 @@ void IniFile::Save() {
         throw FileError(
             u"Die Datei „%1“ konnte nicht geschrieben werden: Sie würde zu groß."_s.arg(path_));
     }
-    WriteFileAtomically(path_, bytes);
+    WriteFileAtomically(path_, bytes, links_);
     changed_ = false;
 }
 

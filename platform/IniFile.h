@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <memory>
 
+#include "platform/Links.h"
+
 namespace kadrona::platform {
 
 class IniContent;
@@ -14,9 +16,9 @@ class IniContent;
 class IniFile {
  public:
     /// Reads the file; a missing one is empty. Bytes are decoded by DecodeText. A repeated section
-    /// continues the first one, of a repeated key the first one counts. Throws FileError when an
-    /// existing file cannot be read or is larger than 16 MiB.
-    explicit IniFile(QString path);
+    /// continues the first one, of a repeated key the first one counts. Throws FileError when the
+    /// file cannot be looked up or read or is larger than 16 MiB.
+    explicit IniFile(QString path, Links links = Links::Own);
     ~IniFile();
     IniFile(const IniFile&) = delete;
     IniFile& operator=(const IniFile&) = delete;
@@ -45,6 +47,7 @@ class IniFile {
 
  private:
     QString path_;
+    Links links_;
     std::unique_ptr<IniContent> content_;
     bool changed_ = false;
 };

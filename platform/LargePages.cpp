@@ -1,17 +1,12 @@
 #include "platform/LargePages.h"
 
-#include <QtGlobal>
-
-#ifdef Q_OS_LINUX
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <QtGlobal>
 #include <cstdint>
-#endif
 
 namespace kadrona::platform {
-
-#ifdef Q_OS_LINUX
 
 void PreferLargePages(void* memory, std::size_t bytes) {
     constexpr std::size_t LargeMemory = std::size_t{8} << 20;
@@ -26,11 +21,5 @@ void PreferLargePages(void* memory, std::size_t bytes) {
     const std::uintptr_t end = (start + bytes) / page * page;
     madvise(static_cast<char*>(memory) + (first - start), end - first, MADV_HUGEPAGE);
 }
-
-#else
-
-void PreferLargePages(void*, std::size_t) {}
-
-#endif
 
 }  // namespace kadrona::platform

@@ -1,28 +1,19 @@
 #include "platform/Paths.h"
 
+#include <sys/stat.h>
+
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#ifdef Q_OS_WIN
-#include <QSettings>
-#endif
+
+#include "platform/FileModes.h"
 
 namespace kadrona::platform {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-#ifdef Q_OS_WIN
-
-QString SystemCommonAppDataFolder() {
-    const QSettings shellFolders(
-        u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders"_s,
-        QSettings::NativeFormat);
-    return shellFolders.value(u"Common AppData"_s).toString();
-}
-
-#else
 
 QString SystemCommonAppDataFolder() {
     const QFileInfo shared(u"/var/lib/Kadrona"_s);
@@ -31,8 +22,6 @@ QString SystemCommonAppDataFolder() {
     }
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
-
-#endif
 
 }  // namespace
 
@@ -66,7 +55,20 @@ QString CommonAppDataFolder() {
 }
 
 bool CreateFolder(const QString& path) {
-    return !path.isEmpty() && QDir().mkpath(path) && QFileInfo(path).isDir();
+    if (path.isEmpty() || QFileInfo(path).isDir()) {
+        return !path.isEmpty();
+    }
+    const QString clean = QDir::cleanPath(path);
+    const QString parent = QFileInfo(clean).path();
+    if (parent == clean || !CreateFolder(parent)) {
+        return false;
+    }
+    const QByteArray name = QFile::encodeName(clean);
+    const mode_t mode = ModeOfNewFolder(parent);
+    if (mkdir(name.constData(), mode) == 0) {
+        chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
+    }
+    return QFileInfo(clean).isDir();
 }
 
 }  // namespace kadrona::platform

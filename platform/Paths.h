@@ -20,7 +20,8 @@ QString ProgramFolder();
 /// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
 QString CommonAppDataFolder();
 
-/// Creates a folder with all missing parents. True when it exists afterwards.
+/// Creates a folder with all missing parents, with the permissions of FileModes.h. True when it
+/// exists afterwards.
 bool CreateFolder(const QString& path);
 
 }  // namespace kadrona::platform

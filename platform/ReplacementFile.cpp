@@ -1,24 +1,19 @@
 #include "platform/ReplacementFile.h"
 
-#include <QDateTime>
-#include <QFileInfo>
-#include <QSet>
-
-#include "platform/DiskFlush.h"
-#include "platform/SystemReason.h"
-#include "platform/UniqueFile.h"
-
-#ifdef Q_OS_WIN
-#include <windows.h>
-
-#include <QDir>
-#else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
 #include <cerrno>
 #include <cstdio>
-#endif
+
+#include "platform/FileModes.h"
+#include "platform/SystemReason.h"
+#include "platform/UniqueFile.h"
 
 namespace kadrona::platform {
 namespace {
@@ -27,31 +22,21 @@ using namespace Qt::StringLiterals;
 
 const QString NamePrefix = u"kdr"_s;
 
-/// Also where the link leads to nothing yet.
-QString LinkFollowed(const QString& path) {
-    const QFileInfo info(path);
-    if (!info.isSymLink()) {
-        return path;
-    }
-    return info.exists() ? info.canonicalFilePath() : info.symLinkTarget();
-}
-
 QString FolderOf(const QString& path) {
     return QFileInfo(path).path();
 }
 
-#ifdef Q_OS_WIN
-
-/// Returns 0 or the system's error code.
-int Rename(const QString& from, const QString& to) {
-    const auto native = [](const QString& path) {
-        return QDir::toNativeSeparators(path).toStdWString();
-    };
-    const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExW(native(from).c_str(), native(to).c_str(), flags) ? 0 : int(GetLastError());
+/// Why what stands under a name must stay; empty where it can be replaced. The permission bits are
+/// asked, not the system: it lets an administrator write to every file.
+QString Obstacle(mode_t mode) {
+    if (S_ISDIR(mode)) {
+        return u"Unter diesem Namen gibt es einen Ordner"_s;
+    }
+    if (!S_ISREG(mode)) {
+        return u"Es ist keine gewöhnliche Datei"_s;
+    }
+    return (mode & S_IWUSR) == 0 ? u"Die Datei ist schreibgeschützt"_s : QString();
 }
-
-#else
 
 /// Where the system shows an open file.
 QByteArray OpenFilePath(int handle) {
@@ -65,14 +50,24 @@ int Link(int handle, const QString& path) {
     return result == 0 ? 0 : errno;
 }
 
-/// Returns 0 or the system's error code.
-int Rename(const QString& from, const QString& to) {
-    const int result =
-        rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData());
-    return result == 0 ? 0 : errno;
+/// Waits until the content of an open file or folder is on the disk. Returns 0 or the system's
+/// error code; a file system that cannot tell counts as done.
+int Flush(int handle) {
+    return fsync(handle) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
 }
 
-#endif
+/// Waits until a new name in `folder` is on the disk. Returns 0 or the system's error code; a
+/// folder that may be written to but not listed cannot be asked.
+int FlushFolder(const QString& folder) {
+    const int handle =
+        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle < 0) {
+        return errno == EACCES ? 0 : errno;
+    }
+    const int code = Flush(handle);
+    close(handle);
+    return code;
+}
 
 /// Removes what killed programs left in the folder of a file that was just written. The time is
 /// told by that file, for the folder may lie on a machine with another clock; that folder may also
@@ -88,10 +83,10 @@ void RemoveLeftOvers(const QString& written) {
 
 }  // namespace
 
-ReplacementFile::ReplacementFile(const QString& target) : target_(LinkFollowed(target)) {}
-
 ReplacementFile::~ReplacementFile() {
-    file_.close();
+    if (handle_ >= 0) {
+        ::close(handle_);
+    }
     if (!waitingName_.isEmpty()) {
         QFile::remove(waitingName_);
     }
@@ -103,49 +98,118 @@ bool ReplacementFile::Fail(const QString& reason) {
     return false;
 }
 
+bool ReplacementFile::FailWith(int code) {
+    return Fail(SystemReason(code));
+}
+
 bool ReplacementFile::Create() {
-    if (!OpenWithoutName()) {
-        if (failed_) {
-            return false;
-        }
-        if (!OpenUniqueFile(file_, FolderOf(target_), NamePrefix)) {
-            return Fail(SystemReason(file_));
-        }
-        waitingName_ = file_.fileName();
+    if (!FindTarget() || (!OpenWithoutName() && (failed_ || !OpenWithName()))) {
+        return false;
     }
-    if (const QFileInfo existing(target_); existing.exists()) {
-        file_.setPermissions(existing.permissions());
-    }
+    // Past the mask, which knows nothing of the folder. A file system without permissions refuses.
+    fchmod(handle_, mode_);
     // Every write must reach the system, for the first that fails to be known.
     return open(WriteOnly | Unbuffered);
+}
+
+/// Learns where the file is to stand, and with which permissions.
+bool ReplacementFile::FindTarget() {
+    const FollowedPath followed = FollowLinks(target_, links_);
+    if (!followed.refusal.isEmpty()) {
+        return Fail(followed.refusal);
+    }
+    target_ = followed.path;
+    struct stat existing {};
+    if (lstat(QFile::encodeName(target_).constData(), &existing) == 0) {
+        constexpr mode_t Permissions = S_IRWXU | S_IRWXG | S_IRWXO;
+        mode_ = existing.st_mode & Permissions;
+        const QString obstacle = Obstacle(existing.st_mode);
+        return obstacle.isEmpty() || Fail(obstacle);
+    }
+    mode_ = ModeOfNewFile(FolderOf(target_));
+    return errno == ENOENT || FailWith(errno);
+}
+
+/// False without a failure where the file system or the machine knows no such files.
+bool ReplacementFile::OpenWithoutName() {
+    handle_ = ::open(QFile::encodeName(FolderOf(target_)).constData(),
+                     O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (handle_ < 0) {
+        const bool unknown = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
+        return unknown ? false : FailWith(errno);
+    }
+    if (access(OpenFilePath(handle_).constData(), F_OK) != 0) {
+        ::close(handle_);
+        handle_ = -1;
+    }
+    return handle_ >= 0;
+}
+
+bool ReplacementFile::OpenWithName() {
+    const UniqueFile file = OpenUniqueFile(FolderOf(target_), NamePrefix);
+    handle_ = file.handle;
+    if (handle_ < 0) {
+        return FailWith(file.error);
+    }
+    waitingName_ = file.path;
+    return true;
 }
 
 bool ReplacementFile::TakePlace() {
     if (failed_) {
         return false;
     }
-    if (const int code = FlushToDisk(file_.handle()); code != 0) {
-        return Fail(SystemReason(code));
+    if (const int code = Flush(handle_); code != 0) {
+        return FailWith(code);
     }
     if (!GiveName()) {
         return false;
     }
     close();
-    FlushFolder(FolderOf(target_));
-    return true;
+    const int code = FlushFolder(FolderOf(target_));
+    return code == 0 || FailWith(code);
+}
+
+/// A link cannot take another file's place, a rename can. So only where there is such a file a
+/// name is needed for the moment between the two.
+bool ReplacementFile::GiveName() {
+    if (waitingName_.isEmpty()) {
+        int code = Link(handle_, target_);
+        if (code == 0) {
+            return true;
+        }
+        if (code == EEXIST) {
+            FindUniqueName(FolderOf(target_), NamePrefix, [&](const QString& path) {
+                code = Link(handle_, path);
+                waitingName_ = code == 0 ? path : QString();
+                return code == EEXIST;
+            });
+        }
+        if (code != 0) {
+            return FailWith(code);
+        }
+    }
+    return RenameToTarget();
 }
 
 bool ReplacementFile::RenameToTarget() {
-    if (const int code = Rename(waitingName_, target_); code != 0) {
-        return Fail(SystemReason(code));
+    if (rename(QFile::encodeName(waitingName_).constData(),
+               QFile::encodeName(target_).constData()) != 0) {
+        return FailWith(errno);
     }
     waitingName_.clear();
     RemoveLeftOvers(target_);
     return true;
 }
 
+qint64 ReplacementFile::size() const {
+    struct stat status {};
+    return fstat(handle_, &status) == 0 ? status.st_size : 0;
+}
+
 bool ReplacementFile::seek(qint64 position) {
-    return QIODevice::seek(position) && (file_.seek(position) || Fail(SystemReason(file_)));
+    return QIODevice::seek(position) &&
+           (lseek(handle_, position, SEEK_SET) >= 0 || FailWith(errno));
 }
 
 qint64 ReplacementFile::readData(char* /*data*/, qint64 /*maximum*/) {
@@ -156,66 +220,14 @@ qint64 ReplacementFile::writeData(const char* data, qint64 size) {
     qint64 written = 0;
     while (written < size && !failed_) {
         // The system may cut a write short and name the reason only when the rest is tried.
-        const qint64 count = file_.write(data + written, size - written);
-        if (count <= 0) {
-            Fail(SystemReason(file_));
+        const ssize_t count = ::write(handle_, data + written, static_cast<size_t>(size - written));
+        if (count > 0) {
+            written += count;
+        } else if (count == 0 || errno != EINTR) {
+            FailWith(count == 0 ? ENOSPC : errno);
         }
-        written += count;
     }
     return failed_ ? -1 : written;
 }
-
-#ifdef Q_OS_WIN
-
-bool ReplacementFile::OpenWithoutName() {
-    return false;
-}
-
-bool ReplacementFile::GiveName() {
-    file_.close();
-    return RenameToTarget();
-}
-
-#else
-
-/// False without a failure where the file system or the machine knows no such files.
-bool ReplacementFile::OpenWithoutName() {
-    constexpr mode_t EveryoneWithinTheMask = 0666;
-    const int handle = ::open(QFile::encodeName(FolderOf(target_)).constData(),
-                              O_TMPFILE | O_WRONLY | O_CLOEXEC, EveryoneWithinTheMask);
-    if (handle < 0) {
-        const bool unknown = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
-        return unknown ? false : Fail(SystemReason(errno));
-    }
-    if (access(OpenFilePath(handle).constData(), F_OK) != 0) {
-        ::close(handle);
-        return false;
-    }
-    return file_.open(handle, WriteOnly | Unbuffered, QFile::AutoCloseHandle);
-}
-
-/// A link cannot take another file's place, a rename can. So only where there is such a file a
-/// name is needed for the moment between the two.
-bool ReplacementFile::GiveName() {
-    if (waitingName_.isEmpty()) {
-        int code = Link(file_.handle(), target_);
-        if (code == 0) {
-            return true;
-        }
-        if (code == EEXIST) {
-            FindUniqueName(FolderOf(target_), NamePrefix, [&](const QString& path) {
-                code = Link(file_.handle(), path);
-                waitingName_ = code == 0 ? path : QString();
-                return code == EEXIST;
-            });
-        }
-        if (code != 0) {
-            return Fail(SystemReason(code));
-        }
-    }
-    return RenameToTarget();
-}
-
-#endif
 
 }  // namespace kadrona::platform

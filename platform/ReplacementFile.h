@@ -1,7 +1,11 @@
 #pragma once
 
-#include <QFile>
+#include <sys/types.h>
+
 #include <QIODevice>
+#include <QString>
+
+#include "platform/Links.h"
 
 namespace kadrona::platform {
 
@@ -10,7 +14,7 @@ namespace kadrona::platform {
 /// knows no such files, and for the moment in which it replaces an older file, it stands beside its
 /// target as "kdr1A2B.tmp". What did not take its place is removed by the destructor, and what a
 /// killed program left of that kind by a later one, once it is a day old. Permissions are those of
-/// the file that is replaced.
+/// the file that is replaced, else those of FileModes.h.
 ///
 /// What fails returns false or -1 and leaves the system's reason, in German and without a full
 /// stop, in errorString(). Once a write has failed everything later fails for the same reason.
@@ -19,16 +23,19 @@ class ReplacementFile : public QIODevice {
 
  public:
     /// A symbolic link stands for the file that it leads to.
-    explicit ReplacementFile(const QString& target);
+    ReplacementFile(const QString& target, Links links) : links_(links), target_(target) {}
     ~ReplacementFile() override;
 
+    /// Fails also where something that must stay stands under the target's name: a folder, a pipe,
+    /// a device, a file that is marked read-only.
     bool Create();
 
-    /// Brings the content to the disk, then puts the file under the target's name in one step.
+    /// Brings the content to the disk, then puts the file under the target's name in one step, and
+    /// brings that to the disk. Where only the last fails the file stands there, whole.
     bool TakePlace();
 
     bool isSequential() const override { return false; }
-    qint64 size() const override { return file_.size(); }
+    qint64 size() const override;
     bool seek(qint64 position) override;
 
  protected:
@@ -36,13 +43,18 @@ class ReplacementFile : public QIODevice {
     qint64 writeData(const char* data, qint64 size) override;
 
  private:
+    bool FindTarget();
     bool OpenWithoutName();
+    bool OpenWithName();
     bool GiveName();
     bool RenameToTarget();
     bool Fail(const QString& reason);
+    bool FailWith(int code);
 
+    Links links_;
     QString target_;
-    QFile file_;
+    mode_t mode_ = 0;
+    int handle_ = -1;
     /// Path under which it can be found while it waits; empty while it has no name.
     QString waitingName_;
     bool failed_ = false;

@@ -1,12 +1,7 @@
 #include "platform/SystemReason.h"
 
 #include <array>
-
-#ifdef Q_OS_WIN
-#include <windows.h>
-#else
 #include <cerrno>
-#endif
 
 namespace kadrona::platform {
 namespace {
@@ -16,22 +11,6 @@ struct Reason {
     const char16_t* text;
 };
 
-#ifdef Q_OS_WIN
-constexpr int NameTakenCode = ERROR_FILE_EXISTS;
-constexpr auto Reasons = std::to_array<Reason>({
-    {ERROR_DISK_FULL, u"Auf dem Datenträger ist kein Platz mehr"},
-    {ERROR_ACCESS_DENIED, u"Der Zugriff wurde verweigert"},
-    {ERROR_SHARING_VIOLATION, u"Ein anderes Programm benutzt die Datei"},
-    {ERROR_WRITE_PROTECT, u"Der Datenträger ist schreibgeschützt"},
-    {ERROR_FILE_NOT_FOUND, u"Die Datei ist nicht vorhanden"},
-    {ERROR_PATH_NOT_FOUND, u"Die Datei oder der Ordner ist nicht vorhanden"},
-    {ERROR_FILENAME_EXCED_RANGE, u"Der Name ist zu lang"},
-    {ERROR_INVALID_NAME, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"},
-    {ERROR_FILE_EXISTS, u"Der Name ist schon vergeben"},
-    {ERROR_TOO_MANY_OPEN_FILES, u"Es sind zu viele Dateien geöffnet"},
-});
-#else
-constexpr int NameTakenCode = EEXIST;
 constexpr auto Reasons = std::to_array<Reason>({
     {ENOSPC, u"Auf dem Datenträger ist kein Platz mehr"},
     {EDQUOT, u"Der zugeteilte Speicherplatz ist aufgebraucht"},
@@ -47,16 +26,12 @@ constexpr auto Reasons = std::to_array<Reason>({
     {EEXIST, u"Der Name ist schon vergeben"},
     {EFBIG, u"Die Datei würde zu groß"},
     {EIO, u"Der Datenträger meldet einen Ein- oder Ausgabefehler"},
+    {ENOMEM, u"Der Arbeitsspeicher reicht nicht aus"},
+    {EBUSY, u"Ein anderes Programm benutzt die Datei"},
     {EMFILE, u"Es sind zu viele Dateien geöffnet"},
     {ENFILE, u"Es sind zu viele Dateien geöffnet"},
     {ELOOP, u"Die Verknüpfungen des Pfades führen im Kreis"},
 });
-#endif
-
-/// Qt keeps of an error only the text that it makes of the code, so codes are told by that text.
-bool HasError(const QFileDevice& file, int code) {
-    return file.errorString() == qt_error_string(code);
-}
 
 }  // namespace
 
@@ -70,16 +45,13 @@ QString SystemReason(int code) {
 }
 
 QString SystemReason(const QFileDevice& file) {
+    // Qt keeps of an error only the text that it makes of the code, so codes are told by that text.
     for (const Reason& reason : Reasons) {
-        if (HasError(file, reason.code)) {
+        if (file.errorString() == qt_error_string(reason.code)) {
             return QStringView(reason.text).toString();
         }
     }
     return file.errorString();
-}
-
-bool NameIsTaken(const QFileDevice& file) {
-    return HasError(file, NameTakenCode);
 }
 
 }  // namespace kadrona::platform

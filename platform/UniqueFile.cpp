@@ -1,11 +1,18 @@
 #include "platform/UniqueFile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <cerrno>
 
 #include "platform/Error.h"
+#include "platform/FileModes.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
 
@@ -28,23 +35,30 @@ bool FindUniqueName(const QString& folder, const QString& prefix,
     return false;
 }
 
-bool OpenUniqueFile(QFile& file, const QString& folder, const QString& prefix) {
+UniqueFile OpenUniqueFile(const QString& folder, const QString& prefix) {
+    UniqueFile file;
+    const mode_t mode = ModeOfNewFile(folder);
     FindUniqueName(folder, prefix, [&](const QString& path) {
-        file.setFileName(path);
-        const bool opened =
-            file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
-        return !opened && NameIsTaken(file);
+        file.handle = open(QFile::encodeName(path).constData(),
+                           O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        file.error = file.handle < 0 ? errno : 0;
+        file.path = path;
+        return file.error == EEXIST;
     });
-    return file.isOpen();
+    if (file.handle >= 0) {
+        fchmod(file.handle, mode);  // the mask must not close it to a group that shares it
+    }
+    return file;
 }
 
 QString CreateUniqueFile(const QString& folder, const QString& prefix) {
-    QFile file;
-    if (!OpenUniqueFile(file, folder, prefix)) {
+    const UniqueFile file = OpenUniqueFile(folder, prefix);
+    if (file.handle < 0) {
         throw FileError(u"Im Ordner „%1“ konnte keine neue Datei angelegt werden: %2."_s.arg(
-            folder, SystemReason(file)));
+            folder, SystemReason(file.error)));
     }
-    return QFileInfo(file.fileName()).fileName();
+    close(file.handle);
+    return QFileInfo(file.path).fileName();
 }
 
 void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QFile>
 #include <QString>
 #include <functional>
 
@@ -12,10 +11,16 @@ namespace kadrona::platform {
 bool FindUniqueName(const QString& folder, const QString& prefix,
                     const std::function<bool(const QString& path)>& isTaken);
 
-/// Creates a new empty file in `folder` under a name of this form and opens it for unbuffered
-/// writing. False when that failed; the reason is the file's error. Created exclusively, so two
-/// callers (also of two processes) never get the same name.
-bool OpenUniqueFile(QFile& file, const QString& folder, const QString& prefix);
+/// A new empty file, open for writing. The caller closes the handle.
+struct UniqueFile {
+    int handle = -1;  // -1 where none could be made
+    QString path;
+    int error = 0;  // the system's code
+};
+
+/// Creates a file in `folder` under a name of this form. Created exclusively, so two callers (also
+/// of two processes) never get the same name.
+UniqueFile OpenUniqueFile(const QString& folder, const QString& prefix);
 
 /// The same, but returns the bare name of the closed file. Throws FileError.
 QString CreateUniqueFile(const QString& folder, const QString& prefix);

@@ -1,26 +1,11 @@
 #include "platform/WebPage.h"
 
-#ifdef Q_OS_WIN
-#include <shellapi.h>
-#include <windows.h>
-#else
 #include <QProcess>
-#endif
 
 namespace kadrona::platform {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-#ifdef Q_OS_WIN
-
-bool StartBrowser(const QString& address) {
-    const auto result =
-        ShellExecuteW(nullptr, L"open", qUtf16Printable(address), nullptr, nullptr, SW_SHOWNORMAL);
-    return reinterpret_cast<INT_PTR>(result) > 32;
-}
-
-#else
 
 bool StartBrowser(const QString& address) {
     for (const QString& program : {u"xdg-open"_s, u"x-www-browser"_s}) {
@@ -35,8 +20,6 @@ bool StartBrowser(const QString& address) {
     }
     return false;
 }
-
-#endif
 
 }  // namespace
 

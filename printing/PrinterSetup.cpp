@@ -17,15 +17,16 @@ constexpr qint64 MaximumFileBytes = qint64{64} * 1024 * 1024;
 }  // namespace
 
 void TPrinterSetup::SaveToFile(const QString& fileName) const {
-    platform::WriteFileAtomically(fileName, PrinterSettingsBytes(layer_.CurrentPrinter()));
+    platform::WriteFileAtomically(fileName, PrinterSettingsBytes(layer_.CurrentPrinter()),
+                                  platform::Links::Own);
 }
 
 void TPrinterSetup::LoadFromFile(const QString& fileName) {
     if (!QFileInfo::exists(fileName)) {
         return;
     }
-    const std::optional<PrinterChoice> choice =
-        ReadPrinterSettings(platform::ReadWholeFile(fileName, MaximumFileBytes));
+    const std::optional<PrinterChoice> choice = ReadPrinterSettings(
+        platform::ReadWholeFile(fileName, MaximumFileBytes, platform::Links::Own));
     if (!choice) {
         throw platform::FileError(
             u"Die Druckereinstellungen „%1“ konnten nicht gelesen werden: Die Datei ist unvollständig oder beschädigt."_s

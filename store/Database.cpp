@@ -1,8 +1,17 @@
 #include "store/Database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <QFile>
+#include <cerrno>
+
+#include "platform/FileModes.h"
+#include "platform/Links.h"
 #include "platform/Paths.h"
+#include "platform/SystemReason.h"
 #include "store/SqliteReason.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
@@ -14,11 +23,33 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+constexpr QStringView FileName = u"KDRImageBase.db";
+
 /// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
 /// our own SQL from the file's inner structures.
 void Harden(sqlite3* handle) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+/// Sees to it that there is a file, an empty one where there was none. SQLite itself would give it
+/// the permissions that the mask leaves, and would wait at a pipe. Returns why there is none; empty
+/// where there is one.
+QString MakeFile(const QByteArray& path, mode_t mode) {
+    const int handle = open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (handle >= 0) {
+        fchmod(handle, mode);
+        close(handle);
+        return {};
+    }
+    struct stat existing {};
+    if (errno != EEXIST || lstat(path.constData(), &existing) != 0) {
+        return platform::SystemReason(errno);
+    }
+    if (S_ISLNK(existing.st_mode)) {
+        return u"Die Datei ist eine Verknüpfung"_s;
+    }
+    return S_ISREG(existing.st_mode) ? QString() : u"Es ist keine gewöhnliche Datei"_s;
 }
 
 }  // namespace
@@ -28,11 +59,22 @@ void Database::Closer::operator()(sqlite3* handle) const {
 }
 
 Database::Database(const QString& folder, std::chrono::milliseconds patience)
-    : path_(platform::JoinPath(folder, u"KDRImageBase.db")) {
+    : path_(platform::JoinPath(folder, FileName)) {
+    const auto check = [this](const QString& reason) {
+        if (!reason.isEmpty()) {
+            throw StoreError(
+                u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(path_, reason));
+        }
+    };
+    const auto [realFolder, refusal] = platform::FollowLinks(folder, platform::Links::Own);
+    check(refusal);
+    const QByteArray file = QFile::encodeName(platform::JoinPath(realFolder, FileName));
+    check(MakeFile(file, platform::ModeOfNewFile(realFolder)));
+
     sqlite3* handle = nullptr;
-    int result =
-        sqlite3_open_v2(path_.toUtf8().constData(), &handle,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    int result = sqlite3_open_v2(file.constData(), &handle,
+                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
+                                 nullptr);
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
@@ -44,10 +86,7 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
         // The file is read only now: without this, garbage would pass for a database.
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
     }
-    if (result != SQLITE_OK) {
-        throw StoreError(u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(
-            path_, SqliteReason(handle, result)));
-    }
+    check(result == SQLITE_OK ? QString() : SqliteReason(handle, result));
 }
 
 void Database::Execute(const QString& sql) {

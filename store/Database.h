@@ -16,9 +16,10 @@ namespace kadrona::store {
 /// who opens the database next finds the state before it.
 class Database {
  public:
-    /// Opens the database and makes it where there is none yet; the folder must exist. `patience`
-    /// is how long to wait each time while another program writes. Throws StoreError, also where
-    /// the file is no database.
+    /// Opens the database and makes it where there is none yet, with the permissions of
+    /// platform/FileModes.h; the folder must exist. `patience` is how long to wait each time while
+    /// another program writes. Throws StoreError, also where the file is no database, is a link, or
+    /// lies behind another user's link.
     explicit Database(const QString& folder,
                       std::chrono::milliseconds patience = std::chrono::seconds(5));
 

@@ -105,7 +105,7 @@ void Append(const Curve& curve, QByteArray& bytes) {
 
 CurveSet ReadCurveFile(const QString& path) {
     try {
-        const QByteArray bytes = platform::ReadWholeFile(path, LargestFile);
+        const QByteArray bytes = platform::ReadWholeFile(path, LargestFile, platform::Links::Own);
         return CurveReader(path, bytes).Read();
     } catch (const platform::OutOfBytes&) {
         ThrowDamaged(path, u"Die Datei ist unvollständig"_s);
@@ -129,7 +129,7 @@ void WriteCurveFile(const QString& path, const CurveSet& curves) {
     }
     Append(Curve(), bytes);
     try {
-        platform::WriteFileAtomically(path, bytes);
+        platform::WriteFileAtomically(path, bytes, platform::Links::Own);
     } catch (const platform::FileError& error) {
         throw CurveFileError(error.Text());
     }

@@ -1,68 +1,52 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <memory>
 
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
-#ifdef Q_OS_LINUX
+#include "platform/Paths.h"
+#include "platform/UniqueFile.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/HostileFolders.h"
-#endif
-#include <string>
 
 namespace kadrona::platform {
 namespace {
 
 using namespace Qt::StringLiterals;
+using kadrona::testing::TextOf;
 
-std::string WriteErrorText(const QString& path, const QString& reason) {
-    return u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(path, reason).toStdString();
+QStringList Names(const QString& folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                  QDir::NoDotAndDotDot);
 }
 
-template <typename Action>
-std::string ErrorText(Action action) {
-    try {
-        action();
-    } catch (const FileError& error) {
-        return error.what();
-    }
-    return "no error";
+/// Type and permissions of what stands under a name itself.
+mode_t ModeOf(const QString& path) {
+    struct stat status {};
+    return lstat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode : 0;
 }
 
 class AtomicFileTest : public ::testing::Test {
  protected:
-    QString Path() const { return folder_.filePath(u"Blatt.jpg"_s); }
+    AtomicFileTest() { chmod(QFile::encodeName(root_.path()).constData(), 0755); }
 
-    static QStringList Names(const QString& folder) {
-        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+    QString Folder() const { return root_.filePath(u"saved"_s); }
+    QString Path() const { return Folder() + u"/Blatt.jpg"_s; }
+    void WriteOld() const { WriteFileAtomically(Path(), "old"_ba); }
 
-    /// Checks that writing 1 MB in each of two ways fails for `reason` and leaves the old content
-    /// and nothing else.
-    void ExpectOldFileAfterFailure(const QString& path, const QString& reason) const {
-        const QByteArray big(1'000'000, 'x');
-        const std::string expected = WriteErrorText(path, reason);
-        EXPECT_EQ(ErrorText([&] { WriteFileAtomically(path, big); }), expected);
-        EXPECT_EQ(ErrorText([&] {
-                      AtomicFile file(path);
-                      for (int i = 0; i < big.size(); i += 1000) {
-                          file.Device().write(big.sliced(i, 1000));
-                      }
-                      file.Commit();
-                  }),
-                  expected);
-        EXPECT_EQ(ReadWholeFile(path, 100), "old"_ba);
-        EXPECT_EQ(Names(QFileInfo(path).path()), QStringList{u"Blatt.jpg"_s});
-    }
-
-    QTemporaryDir folder_;
+    QTemporaryDir root_;
+    bool made_ = QDir().mkpath(Folder());
 };
 
 TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
-    WriteFileAtomically(Path(), "old"_ba);
+    WriteOld();
     {
         AtomicFile abandoned(Path());
         abandoned.Device().write("new"_ba);
@@ -71,14 +55,15 @@ TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
     AtomicFile file(Path());
     file.Device().write("new 1"_ba);
     EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+    EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s}) << "no name until it is whole";
     file.Commit();
     EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
-    EXPECT_EQ(Names(folder_.path()), QStringList{u"Blatt.jpg"_s});
+    EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s});
 }
 
 TEST_F(AtomicFileTest, RemovesWhatAKilledProgramLeftADayAgo) {
     const auto leave = [this](const QString& name, int hours) {
-        QFile file(folder_.filePath(name));
+        QFile file(Folder() + u'/' + name);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hours),
                                      QFileDevice::FileModificationTime));
@@ -88,117 +73,232 @@ TEST_F(AtomicFileTest, RemovesWhatAKilledProgramLeftADayAgo) {
         leave(name, 25);
     }
     leave(u"kdr1A2C.tmp"_s, 23);
-    WriteFileAtomically(Path(), "old"_ba);
+    WriteOld();
     WriteFileAtomically(Path(), "new"_ba);
-    EXPECT_EQ(Names(folder_.path()),
+    EXPECT_EQ(Names(Folder()),
               QStringList({u"Blatt.jpg"_s, u"kdr.tmp"_s, u"kdr12345.tmp"_s, u"kdr1A2B.tmp.jpg"_s,
                            u"kdr1A2C.tmp"_s, u"kdrx.tmp"_s, u"pro1A2B.tmp"_s}));
 }
 
-TEST_F(AtomicFileTest, NamesTheReasonOfAFailure) {
-    const QString missing = folder_.filePath(u"fehlt/a.jpg"_s);
-    const QString name = folder_.filePath(QString(300, u'n'));
-    const std::pair<QString, QString> cases[] = {
-        {missing, u"Die Datei oder der Ordner ist nicht vorhanden"_s},
-        {folder_.path(), u"Unter diesem Namen gibt es einen Ordner"_s},
-        {name, u"Der Name ist zu lang"_s},
-    };
-    for (const auto& [path, reason] : cases) {
-        EXPECT_EQ(ErrorText([&] { WriteFileAtomically(path, "x"_ba); }),
-                  WriteErrorText(path, reason));
-    }
-    const QString zero = folder_.filePath(u"a%1b"_s.arg(QChar(QChar::Null)));
-    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(zero, "x"_ba); }),
-              WriteErrorText(folder_.filePath(u"a\uFFFDb"_s),
-                             u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s));
-    EXPECT_EQ(ErrorText([&] { ReadWholeFile(missing, 1); }),
-              u"Die Datei „%1“ konnte nicht gelesen werden: Die Datei oder der Ordner ist nicht "
-              u"vorhanden."_s.arg(missing)
-                  .toStdString());
-    EXPECT_TRUE(Names(folder_.path()).isEmpty());
-}
-
-TEST_F(AtomicFileTest, LeavesAReadOnlyFile) {
-    WriteFileAtomically(Path(), "old"_ba);
-    QFile::setPermissions(Path(), QFileDevice::ReadOwner);
-    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(Path(), "new"_ba); }),
-              WriteErrorText(Path(), u"Die Datei ist schreibgeschützt"_s));
-    EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
-}
-
-#ifdef Q_OS_LINUX
-
-TEST_F(AtomicFileTest, WritesThroughALink) {
-    WriteFileAtomically(Path(), "old"_ba);
-    const QString link = folder_.filePath(u"link"_s);
-    ASSERT_TRUE(QFile::link(Path(), link));
-    WriteFileAtomically(link, "new"_ba);
-    EXPECT_EQ(ReadWholeFile(Path(), 3), "new"_ba);
-    EXPECT_TRUE(QFileInfo(link).isSymLink());
-}
-
-TEST_F(AtomicFileTest, HasNoNameUntilItIsWhole) {
-    AtomicFile file(Path());
-    file.Device().write("new"_ba);
-    EXPECT_EQ(Names(folder_.path()), QStringList());
-    file.Commit();
-    EXPECT_EQ(Names(folder_.path()), QStringList{u"Blatt.jpg"_s});
-}
-
 TEST_F(AtomicFileTest, KeepsPermissionsAndTakesTheLongestName) {
-    const QString path = folder_.filePath(QString(255, u'n'));
+    const QString path = Folder() + u'/' + QString(255, u'n');
     WriteFileAtomically(path, "old"_ba);
-    const auto permissions =
-        QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadOther;
-    QFile::setPermissions(path, permissions);
+    EXPECT_EQ(ModeOf(path), S_IFREG | 0600U) << "faces and names are the user's alone";
+    chmod(QFile::encodeName(path).constData(), 0604);
     WriteFileAtomically(path, "new"_ba);
     EXPECT_EQ(ReadWholeFile(path, 3), "new"_ba);
-    // Qt also tells what the user who asks may do.
-    EXPECT_EQ(QFile::permissions(path) & QFileDevice::Permissions(0x7077), permissions);
+    EXPECT_EQ(ModeOf(path), S_IFREG | 0604U);
 }
 
-TEST_F(AtomicFileTest, KeepsTheOldFileWhenAWriteIsCutShort) {
-    WriteFileAtomically(Path(), "old"_ba);
-    const kadrona::testing::FileSizeLimit limit(100'000);
-    ExpectOldFileAfterFailure(Path(), u"Die Datei würde zu groß"_s);
-}
-
-TEST_F(AtomicFileTest, KeepsTheOldFileWhenTheDiskIsFull) {
-    const kadrona::testing::SmallDisk disk(folder_.filePath(u"disk"_s), "200k");
-    if (!disk.Succeeded()) {
-        GTEST_SKIP() << "no right to mount a small file system";
+/// Two accounts of a group in a folder that their group shares, whatever their masks.
+TEST_F(AtomicFileTest, AFolderWithTheSetGroupBitIsShared) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "no right to become two users";
     }
-    const QString path = folder_.filePath(u"disk/Blatt.jpg"_s);
-    WriteFileAtomically(path, "old"_ba);
-    ExpectOldFileAfterFailure(path, u"Auf dem Datenträger ist kein Platz mehr"_s);
+    constexpr gid_t Group = 4242;
+    const QByteArray folder = QFile::encodeName(Folder());
+    ASSERT_EQ(chown(folder.constData(), 0, Group), 0);
+    chmod(folder.constData(), 02770);
+    const QString below = Folder() + u"/Database"_s;
+    const mode_t mask = umask(077);
+    {
+        const kadrona::testing::WithoutPrivileges first(1001, Group);
+        WriteOld();
+        EXPECT_TRUE(CreateFolder(below));
+        CreateUniqueFile(below, u"pro"_s);
+    }
+    {
+        const kadrona::testing::WithoutPrivileges second(1002, Group);
+        EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+        WriteFileAtomically(Path(), "new"_ba);
+        WriteFileAtomically(below + u"/file"_s, "new"_ba);
+    }
+    umask(mask);
+    EXPECT_EQ(ModeOf(Path()), S_IFREG | 0660U);
+    EXPECT_EQ(ModeOf(below), S_IFDIR | 02770U);
+    EXPECT_EQ(ModeOf(below + u'/' + Names(below).last()), S_IFREG | 0660U);
+    EXPECT_EQ(QFileInfo(Path()).groupId(), Group);
+}
+
+TEST_F(AtomicFileTest, WhichLinksAreFollowed) {
+    WriteOld();
+    const QString link = root_.filePath(u"link"_s);
+    ASSERT_TRUE(QFile::link(Path(), link));
+    WriteFileAtomically(link, "new"_ba, Links::Own);
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "new"_ba) << "the user's own";
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+
+    const QString folderLink = root_.filePath(u"folder"_s);
+    ASSERT_TRUE(QFile::link(Folder(), folderLink));
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "no right to give a link away";
+    }
+    const QString dangling = root_.filePath(u"dangling"_s);
+    ASSERT_TRUE(QFile::link(u"saved/none"_s, dangling));
+    for (const QString& planted : {link, folderLink, dangling}) {
+        ASSERT_EQ(lchown(QFile::encodeName(planted).constData(), 1001, 1001), 0);
+        const QString path = planted == folderLink ? planted + u"/Blatt.jpg"_s : planted;
+        const QString reason =
+            u"„%1“ ist eine Verknüpfung, die einem anderen Benutzer gehört."_s.arg(planted);
+        EXPECT_TRUE(
+            TextOf([&] { WriteFileAtomically(path, "x"_ba, Links::Own); }).endsWith(reason));
+        EXPECT_TRUE(TextOf([&] { ReadFileIfThere(path, 9, Links::Own); }).endsWith(reason));
+        EXPECT_EQ(ReadWholeFile(Path(), 3), "new"_ba);
+        EXPECT_FALSE(QFile::exists(Folder() + u"/none"_s));
+        WriteFileAtomically(path, "new"_ba, Links::All);
+    }
+    EXPECT_EQ(ReadWholeFile(Folder() + u"/none"_s, 3), "new"_ba) << "chosen, so followed";
+}
+
+TEST_F(AtomicFileTest, OnlyWhatIsNotThereReadsAsNothing) {
+    WriteOld();
+    EXPECT_EQ(ReadFileIfThere(Folder() + u"/none"_s, 3), std::nullopt);
+    const auto error = [](const QString& path) {
+        return TextOf<FileError>([&] { ReadFileIfThere(path, 3); });
+    };
+    const QString pipe = Folder() + u"/pipe"_s;
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString& path : {pipe, Folder()}) {
+        EXPECT_EQ(error(path),
+                  u"Die Datei „%1“ konnte nicht gelesen werden: Es ist keine "
+                  u"gewöhnliche Datei."_s.arg(path));
+    }
+    EXPECT_TRUE(error(Path() + u"/a"_s).endsWith(u"Ein Teil des Pfades ist kein Ordner."_s));
+    const kadrona::testing::ClosedFolder closed(Folder(), 0);
+    EXPECT_TRUE(error(Folder() + u"/none"_s).endsWith(u"Der Zugriff wurde verweigert."_s));
 }
 
 TEST_F(AtomicFileTest, WorksWhereTheFileSystemKnowsNoFilesWithoutAName) {
-    const QString stick = folder_.filePath(u"stick"_s);
-    const kadrona::testing::MemoryStick mounted(stick, folder_.filePath(u"image"_s));
+    const kadrona::testing::MemoryStick mounted(Folder(), root_.filePath(u"image"_s));
     if (!mounted.Succeeded()) {
         GTEST_SKIP() << "no ntfs-3g, or no right to mount";
     }
-    const QString path = stick + u"/Blatt.jpg"_s;
-    WriteFileAtomically(path, "old"_ba);
+    WriteOld();
     {
-        AtomicFile abandoned(path);
+        AtomicFile abandoned(Path());
         abandoned.Device().write("new"_ba);
-        const QStringList names = Names(stick);
+        const QStringList names = Names(Folder());
         ASSERT_EQ(names.size(), 2);
         EXPECT_TRUE(names.last().startsWith(u"kdr"_s) && names.last().endsWith(u".tmp"_s));
     }
-    EXPECT_EQ(ReadWholeFile(path, 3), "old"_ba);
-    WriteFileAtomically(path, "new"_ba);
-    EXPECT_EQ(ReadWholeFile(path, 3), "new"_ba);
-
-    const QString refused = stick + u"/a:b.jpg"_s;
-    EXPECT_EQ(ErrorText([&] { WriteFileAtomically(refused, "x"_ba); }),
-              WriteErrorText(refused, u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s));
-    EXPECT_EQ(Names(stick), QStringList{u"Blatt.jpg"_s});
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
+    WriteFileAtomically(Path(), "new"_ba);
+    EXPECT_EQ(ReadWholeFile(Path(), 3), "new"_ba);
+    EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s});
 }
 
-#endif
+/// Keeps a target bad while it lives; null where this machine or this user cannot make it so.
+using Obstacle = std::shared_ptr<void>;
+
+struct BadTarget {
+    const char* name;
+    QString reason;
+    /// `folder` holds "Blatt.jpg" with the content "old", which has to stay.
+    Obstacle (*makeBad)(const QString& folder);
+    QString file = u"Blatt.jpg"_s;  // below the folder
+};
+
+void PrintTo(const BadTarget& target, std::ostream* stream) {
+    *stream << target.name;
+}
+
+template <typename Type, typename... Arguments>
+Obstacle Made(Arguments... arguments) {
+    const auto obstacle = std::make_shared<Type>(arguments...);
+    return obstacle->Succeeded() ? obstacle : nullptr;
+}
+
+/// An empty disk, filled again with what has to stay.
+Obstacle Disk(const QString& folder, const QByteArray& size, bool readOnly) {
+    auto disk = std::make_shared<kadrona::testing::SmallDisk>(folder, size);
+    if (disk->Succeeded()) {
+        WriteFileAtomically(folder + u"/Blatt.jpg"_s, "old"_ba);
+    }
+    if (disk->Succeeded() && readOnly) {
+        disk->MakeReadOnly();
+    }
+    return disk->Succeeded() ? disk : nullptr;
+}
+
+Obstacle Stick(const QString& folder) {
+    Obstacle stick = Made<kadrona::testing::MemoryStick>(folder, folder + u".image"_s);
+    WriteFileAtomically(folder + u"/Blatt.jpg"_s, "old"_ba);
+    return stick;
+}
+
+Obstacle Nothing(const QString& /*folder*/) {
+    return std::make_shared<int>();
+}
+
+class BadTargets : public AtomicFileTest, public ::testing::WithParamInterface<BadTarget> {};
+
+TEST_P(BadTargets, LeaveTheOldFileAndNothingElseAndNameTheReason) {
+    WriteOld();
+    const Obstacle obstacle = GetParam().makeBad(Folder());
+    if (!obstacle) {
+        GTEST_SKIP() << "cannot be done on this machine or by this user";
+    }
+    const QStringList before = Names(Folder());
+    const QString path = Folder() + u'/' + GetParam().file;
+    const mode_t mode = ModeOf(path);
+    const QString expected = u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
+        QString(path).replace(QChar::Null, QChar::ReplacementCharacter), GetParam().reason);
+    const QByteArray big(1'000'000, 'x');
+    EXPECT_EQ(TextOf<FileError>([&] { WriteFileAtomically(path, big); }), expected);
+    EXPECT_EQ(TextOf<FileError>([&] {
+                  AtomicFile file(path);
+                  for (int i = 0; i < big.size(); i += 1000) {
+                      file.Device().write(big.sliced(i, 1000));
+                  }
+                  file.Commit();
+              }),
+              expected);
+    EXPECT_EQ(ReadWholeFile(Path(), 100), "old"_ba);
+    EXPECT_EQ(Names(Folder()), before);
+    EXPECT_EQ(ModeOf(path), mode);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Targets, BadTargets,
+    ::testing::Values(
+        BadTarget{"folder_missing", u"Die Datei oder der Ordner ist nicht vorhanden"_s, Nothing,
+                  u"fehlt/a.jpg"_s},
+        BadTarget{"folder_is_a_file", u"Ein Teil des Pfades ist kein Ordner"_s, Nothing,
+                  u"Blatt.jpg/a.jpg"_s},
+        BadTarget{"name_is_a_folder", u"Unter diesem Namen gibt es einen Ordner"_s, Nothing,
+                  u"../saved"_s},
+        BadTarget{"long_name", u"Der Name ist zu lang"_s, Nothing, QString(300, u'n')},
+        BadTarget{"zero_in_the_name", u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s,
+                  Nothing, u"a%1b"_s.arg(QChar(QChar::Null))},
+        BadTarget{"name_on_a_stick", u"Der Name enthält Zeichen, die hier nicht erlaubt sind"_s,
+                  Stick, u"a:b.jpg"_s},
+        BadTarget{"read_only_file", u"Die Datei ist schreibgeschützt"_s,
+                  [](const QString& folder) -> Obstacle {
+                      QFile::setPermissions(folder + u"/Blatt.jpg"_s, QFileDevice::ReadOwner);
+                      return Nothing(folder);
+                  }},
+        BadTarget{"pipe", u"Es ist keine gewöhnliche Datei"_s,
+                  [](const QString& folder) -> Obstacle {
+                      mkfifo(QFile::encodeName(folder + u"/pipe"_s).constData(), 0600);
+                      return Nothing(folder);
+                  },
+                  u"pipe"_s},
+        BadTarget{"immutable_file", u"Der Zugriff wurde verweigert"_s,
+                  [](const QString& folder) {
+                      return Made<kadrona::testing::Immutable>(folder + u"/Blatt.jpg"_s);
+                  }},
+        BadTarget{"closed_folder", u"Der Zugriff wurde verweigert"_s,
+                  [](const QString& folder) -> Obstacle {
+                      chmod(QFile::encodeName(folder + u"/Blatt.jpg"_s).constData(), 0644);
+                      return std::make_shared<kadrona::testing::ClosedFolder>(folder, 0555);
+                  }},
+        BadTarget{"read_only_medium", u"Der Datenträger ist schreibgeschützt"_s,
+                  [](const QString& folder) { return Disk(folder, "200k", true); }},
+        BadTarget{"full_disk", u"Auf dem Datenträger ist kein Platz mehr"_s,
+                  [](const QString& folder) { return Disk(folder, "200k", false); }},
+        BadTarget{"size_limit", u"Die Datei würde zu groß"_s, [](const QString&) -> Obstacle {
+                      return std::make_shared<kadrona::testing::FileSizeLimit>(100'000);
+                  }}));
 
 }  // namespace
 }  // namespace kadrona::platform

@@ -76,7 +76,7 @@ TEST(Paths, CommonAppDataFollowsTheEnvironment) {
 
 TEST(UserRegistry, KeepsValuesAndReadsMissingOnesAsNothing) {
     const QTemporaryDir folder;
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+    const ScopedVariable home("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
     EXPECT_EQ(ReadRegistryInteger(u"DBCount"_s), 0);
     EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), QString());
 

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QVariantMap>
 
@@ -67,7 +66,7 @@ class FakeSettings : public core::Settings {
 class Installation {
  public:
     Installation() {
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Path("config"));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(Path("config")));
         QDir().mkpath(Path("program/Schablonen"));
         AddTemplate("Pass", "Pass.msk", 350, 450);
         AddTemplate("USA", "USA.msk", 508, 508);

@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QSettings>
 #include <QTimer>
 #include <cstdio>
 
@@ -49,7 +48,7 @@ void AnswerWindow() {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     const QDir folder(QApplication::arguments().value(1));
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.filePath(u"config"_s));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(u"config"_s)));
     app::TmainFm window({folder.filePath(u"program"_s), folder.filePath(u"common"_s)});
     window.CreateReusedWindows();
     window.show();
