@@ -1,3 +1,5 @@
+include(PrecompiledHeaders)
+
 # One module of the program: a static library made of the folder's own sources, or of those of the
 # subfolders named.
 #
@@ -27,6 +29,7 @@ function(kadrona_module name)
   # Else the generator of meta-objects would not look at a header that is new in an old build tree.
   list(FILTER sources INCLUDE REGEX "\\.h$")
   set_property(TARGET ${name} PROPERTY AUTOGEN_TARGET_DEPENDS "${sources}")
+  kadrona_use_precompiled_headers(${name})
 endfunction()
 
 # The tests of one module: every .cpp of the folder, run by CTest one test at a time without a
@@ -43,6 +46,7 @@ function(kadrona_tests name)
     set(main kadrona_test_main)
   endif()
   target_link_libraries(${name} PRIVATE ${arg_USES} ${main} kadrona_build_options GTest::gmock)
+  kadrona_use_precompiled_headers(${name} TESTS)
   if(arg_DISPLAY)
     set(properties ENVIRONMENT "QT_QPA_PLATFORM=xcb" LABELS display RESOURCE_LOCK display)
   else()
