@@ -88,7 +88,6 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     const bool started = controls::Guarded(nullptr, [&] {
         printing::cups::CupsPrinterLayer printer;
         TmainFm window(core::Folders::OfThisMachine(), &printer);
-        window.CreateReusedWindows();
         window.show();
         if (!photo.isEmpty()) {
             OpenOnceExposed(window, photo);

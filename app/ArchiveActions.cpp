@@ -1,8 +1,12 @@
 #include "app/ArchiveActions.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 
-#include "controls/fields/StatusPanels.h"
+#include "app/MainActions.h"
+#include "app/PhotoSession.h"
+#include "app/PrintFlow.h"
+#include "app/ViewActions.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
@@ -16,48 +20,69 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
 
+ArchiveActions::ArchiveActions(PhotoSession& session, imaging::view::ImageView& view,
+                               core::TData& data, const core::Settings& settings,
+                               core::UserInterface& ui, dialogs::TfmImgSearch& archive,
+                               MainActions& actions, ViewActions& viewActions, PrintFlow& printFlow)
+    : session_(session),
+      view_(view),
+      data_(data),
+      settings_(settings),
+      ui_(ui),
+      archive_(archive),
+      actions_(actions),
+      viewActions_(viewActions),
+      printFlow_(printFlow) {
+    actions.Connect(Action::SearchArchiv, this, [this] { acSearchArchivExecute(); });
+}
+
 void ArchiveActions::acSearchArchivExecute() {
-    const QString folder = window_.settings.ImageDestinationDir();
+    const QString folder = settings_.ImageDestinationDir();
     if (folder.isEmpty()) {
-        window_.ui.ShowMessage(
+        ui_.ShowMessage(
             u"Sie haben kein Bilddatenbankverzeichnis in den Einstellungen angegeben"_s);
         return;
     }
-    if (window_.archive.ShowEx(folder) != controls::ModalResult::Ok) {
+    if (archive_.ShowEx(folder) != controls::ModalResult::Ok) {
         return;
     }
-    const QString path = window_.data.GetFileNameFromRecord(folder);
+    const QString path = data_.GetFileNameFromRecord(folder);
     if (!path.isEmpty()) {
         OpenForPrinting(path);
     }
 }
 
+/// Printing is not triggered through its action, which is hidden while it runs by itself.
 void ArchiveActions::OpenForPrinting(const QString& path) {
-    window_.view.Image().Clear();
-    try {
-        const imaging::view::PaintingSuspension suspension(window_.view);
-        const controls::WaitCursor wait;
-        MakeSheet(path);
-    } catch (...) {
-        // A file that is damaged must not leave actions enabled that need a photo.
-        window_.view.Image().Clear();
-        window_.photoReplaced(false);
-        throw;
-    }
-    window_.photoReplaced(true);
-    if (window_.settings.PrintAfterCrop()) {
-        window_.print();
+    MakeSheet(path);
+    view_.setFocus();
+    if (settings_.PrintAfterCrop()) {
+        printFlow_.acPrintImageExecute();
     }
 }
 
-/// The archived photo has its border and its resolution already; it is only turned and repeated.
+/// The archived photo has its border and its resolution already; it is only turned and repeated. A
+/// file that is damaged must not leave actions enabled that need a photo.
 void ArchiveActions::MakeSheet(const QString& path) {
-    imaging::LayeredImage& image = window_.view.Image();
-    window_.statusPanels.SetPath(u"Archiv Image"_s);
-    window_.data.SetCurrentFileName(QFileInfo(path).fileName());
-    core::OpenPhoto(path, window_.settings, image);
-    core::LayOutCopies(image, window_.settings, window_.layoutIndex());
+    const imaging::view::PaintingSuspension suspension(view_);
+    const controls::WaitCursor wait;
+    imaging::LayeredImage& image = session_.Image();
+    image.Clear();
+    session_.SetFileName({});
+    session_.SetStage(PhotoSession::Stage::NoPhoto);
+    actions_.SetChecked(Action::ShowLayer, false);
+    auto startAnew = qScopeGuard([this] { viewActions_.StartAnew(); });
+    data_.SetCurrentFileName(QFileInfo(path).fileName());
+    try {
+        core::OpenPhoto(path, settings_, image);
+        core::LayOutCopies(image, settings_, session_.LayoutIndex());
+    } catch (...) {
+        image.Clear();
+        throw;
+    }
     image.ClearUndo();
+    session_.SetFileName(u"Archiv Image"_s);
+    session_.SetStage(PhotoSession::Stage::SheetMade);
 }
 
 }  // namespace kadrona::app

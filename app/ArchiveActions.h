@@ -1,11 +1,8 @@
 #pragma once
 
-#include <QString>
-#include <functional>
+#include <QObject>
 
-namespace kadrona::controls {
-class StatusPanels;
-}
+class QString;
 
 namespace kadrona::core {
 class Settings;
@@ -23,34 +20,36 @@ class ImageView;
 
 namespace kadrona::app {
 
-/// "Bild Archiv" of the main window: lets the user choose an archived photo and makes a sheet of
-/// it that is ready to be printed.
-class ArchiveActions {
+class MainActions;
+class PhotoSession;
+class PrintFlow;
+class ViewActions;
+
+/// "Bild Archiv": lets the user choose an archived photo and makes a sheet of it that is ready to
+/// be printed. All that is given outlives the object.
+class ArchiveActions : public QObject {
+    Q_OBJECT
+
  public:
-    /// What of the main window the actions work on; all of it outlives them.
-    struct Window {
-        core::UserInterface& ui;
-        core::TData& data;
-        const core::Settings& settings;
-        imaging::view::ImageView& view;
-        controls::StatusPanels& statusPanels;
-        dialogs::TfmImgSearch& archive;
-        /// The print action, which is hidden and so cannot be triggered while it runs by itself.
-        std::function<void()> print;
-        std::function<int()> layoutIndex;
-        /// The view shows a finished sheet now or, where `created` is false, nothing any more.
-        std::function<void(bool created)> photoReplaced;
-    };
-
-    explicit ArchiveActions(Window window) : window_(std::move(window)) {}
-
-    void acSearchArchivExecute();
+    ArchiveActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
+                   const core::Settings& settings, core::UserInterface& ui,
+                   dialogs::TfmImgSearch& archive, MainActions& actions, ViewActions& viewActions,
+                   PrintFlow& printFlow);
 
  private:
+    void acSearchArchivExecute();
     void OpenForPrinting(const QString& path);
     void MakeSheet(const QString& path);
 
-    Window window_;
+    PhotoSession& session_;
+    imaging::view::ImageView& view_;
+    core::TData& data_;
+    const core::Settings& settings_;
+    core::UserInterface& ui_;
+    dialogs::TfmImgSearch& archive_;
+    MainActions& actions_;
+    ViewActions& viewActions_;
+    PrintFlow& printFlow_;
 };
 
 }  // namespace kadrona::app

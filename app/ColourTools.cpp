@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include "app/MainActions.h"
+#include "app/PhotoSession.h"
+#include "app/ViewActions.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "controls/theme/Cursors.h"
@@ -20,7 +22,7 @@ using imaging::LayeredImage;
 
 namespace {
 
-const QString WhitePoint = u"acSetWhitePoint"_s;
+constexpr Action WhitePoint = Action::SetWhitePoint;
 
 QRgb PixelAt(const imaging::Pixels& photo, QPoint pixel) {
     return photo.Tile().pixel(pixel.x() % photo.Tile().width(), pixel.y() % photo.Tile().height());
@@ -28,16 +30,25 @@ QRgb PixelAt(const imaging::Pixels& photo, QPoint pixel) {
 
 }  // namespace
 
-ColourTools::ColourTools(ToolSurroundings surroundings, QObject* parent)
-    : QObject(parent), window_(std::move(surroundings)) {
-    connect(window_.actions[WhitePoint], &QAction::toggled, this,
-            &ColourTools::FollowWhitePointAction);
+ColourTools::ColourTools(PhotoSession& session, imaging::view::ImageView& view,
+                         MainActions& actions, ViewActions& viewActions,
+                         dialogs::TfmRGBKurve& curveDialog)
+    : session_(session),
+      view_(view),
+      actions_(actions),
+      viewActions_(viewActions),
+      curveDialog_(curveDialog) {
+    actions.Connect(WhitePoint, this, [this] { acSetWhitePointExecute(); });
+    actions.Connect(Action::Gradation, this, [this] { acGradationExecute(); });
+    actions.Connect(Action::Schwarzweiss, this, [this] { acSchwarzweissExecute(); });
+    actions.Connect(Action::ColorConfig, this, [this] { acColorConfigExecute(); });
+    connect(actions_[WhitePoint], &QAction::toggled, this, &ColourTools::FollowWhitePointAction);
     // A setting can take the action away while its mode is on.
-    connect(window_.actions[WhitePoint], &QAction::changed, this, [this] {
-        const QAction& action = *window_.actions[WhitePoint];
+    connect(actions_[WhitePoint], &QAction::changed, this, [this] {
+        const QAction& action = *actions_[WhitePoint];
         if (action.isChecked() && !action.isVisible()) {
             LeaveMode();
-            window_.showTemplateLayer(true);
+            viewActions_.ShowTemplateLayer(true);
         }
     });
 }
@@ -47,48 +58,47 @@ ColourTools::~ColourTools() {
 }
 
 bool ColourTools::MayWork() const {
-    return !window_.actions.IsChecked(u"acBeauty"_s) && !window_.view.Image().IsEmpty();
+    return !actions_.IsChecked(Action::Beauty) && !session_.Image().IsEmpty();
 }
 
 bool ColourTools::TemplateIsHidden() const {
-    return window_.actions.IsChecked(u"acShowLayer"_s);
+    return actions_.IsChecked(Action::ShowLayer);
 }
 
 /// Triggering has toggled the action already; that is taken back where it may not.
 void ColourTools::acSetWhitePointExecute() {
-    const bool checked = window_.actions.IsChecked(WhitePoint);
+    const bool checked = actions_.IsChecked(WhitePoint);
     if (!MayWork()) {
-        window_.actions.SetChecked(WhitePoint, false);
+        actions_.SetChecked(WhitePoint, false);
         return;
     }
-    window_.actions.SetChecked(WhitePoint, checked);
-    window_.showTemplateLayer(!checked);
-    checked ? window_.zoomFit() : window_.zoomFull();
+    actions_.SetChecked(WhitePoint, checked);
+    viewActions_.ShowTemplateLayer(!checked);
+    checked ? viewActions_.ZoomFit() : viewActions_.ZoomFull();
 }
 
 /// Whatever unchecks the action ends the mode.
 void ColourTools::FollowWhitePointAction(bool checked) {
-    imaging::view::ImageView& view = window_.view;
     if (checked && MayWork()) {
-        view.SetTool(this);
-        view.setCursor(controls::PipetteCursor());
-        view.setFocus();
-    } else if (view.Tool() == this) {
-        view.SetTool(nullptr);
-        view.unsetCursor();
+        view_.SetTool(this);
+        view_.setCursor(controls::PipetteCursor());
+        view_.setFocus();
+    } else if (view_.Tool() == this) {
+        view_.SetTool(nullptr);
+        view_.unsetCursor();
     }
 }
 
 void ColourTools::LeaveMode() {
-    window_.actions.SetChecked(WhitePoint, false);
+    actions_.SetChecked(WhitePoint, false);
 }
 
 void ColourTools::Press(const imaging::view::ToolPointer& pointer) {
     const QPoint pixel(static_cast<int>(std::floor(pointer.photo.x())),
                        static_cast<int>(std::floor(pointer.photo.y())));
-    const QRect photo(QPoint(), window_.view.Image().Photo().Size());
+    const QRect photo(QPoint(), session_.Image().Photo().Size());
     if (photo.contains(pixel)) {
-        controls::Guarded(window_.view.window(), [&] { SetWhitePoint(pixel); });
+        controls::Guarded(view_.window(), [&] { SetWhitePoint(pixel); });
     }
 }
 
@@ -98,13 +108,13 @@ bool ColourTools::Key(const QKeyEvent& event) {
         return false;
     }
     LeaveMode();
-    window_.showTemplateLayer(true);
+    viewActions_.ShowTemplateLayer(true);
     return true;
 }
 
 /// White balance and levels are one change, so that they are one undo step.
 void ColourTools::SetWhitePoint(QPoint pixel) {
-    LayeredImage& image = window_.view.Image();
+    LayeredImage& image = session_.Image();
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
     {
@@ -114,26 +124,26 @@ void ColourTools::SetWhitePoint(QPoint pixel) {
         image.ChangePhoto(imaging::Filtered(
             balanced, *imaging::GainAndOffsetFilter(imaging::HistogramOf(balanced))));
     }
-    window_.actions.SetChecked(WhitePoint, false);
-    window_.showTemplateLayer(true);
+    actions_.SetChecked(WhitePoint, false);
+    viewActions_.ShowTemplateLayer(true);
 }
 
-void ColourTools::acGradationExecute(dialogs::TfmRGBKurve& dialog) {
+void ColourTools::acGradationExecute() {
     if (!MayWork()) {
         return;
     }
-    LayeredImage& image = window_.view.Image();
+    LayeredImage& image = session_.Image();
     if (!TemplateIsHidden()) {
-        window_.showTemplateLayer(false);
+        viewActions_.ShowTemplateLayer(false);
     }
     const auto showAgain = qScopeGuard([this] {
         if (!TemplateIsHidden()) {
-            window_.showTemplateLayer(true);
+            viewActions_.ShowTemplateLayer(true);
         }
     });
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    if (dialog.ShowEx(window_.view) != controls::ModalResult::Ok) {
+    if (curveDialog_.ShowEx(view_) != controls::ModalResult::Ok) {
         image.Undo();
     }
 }
@@ -142,7 +152,7 @@ void ColourTools::acSchwarzweissExecute() {
     if (!MayWork()) {
         return;
     }
-    LayeredImage& image = window_.view.Image();
+    LayeredImage& image = session_.Image();
     image.SetCurrentLayer(0);
     image.RecordUndoStep();
     {
@@ -160,11 +170,11 @@ void ColourTools::acColorConfigExecute() {
     if (!MayWork()) {
         return;
     }
-    LayeredImage& image = window_.view.Image();
-    window_.showTemplateLayer(false);
-    const auto showAgain = qScopeGuard([this] { window_.showTemplateLayer(true); });
+    LayeredImage& image = session_.Image();
+    viewActions_.ShowTemplateLayer(false);
+    const auto showAgain = qScopeGuard([this] { viewActions_.ShowTemplateLayer(true); });
     if (colourDialog_ == nullptr) {
-        colourDialog_ = new dialogs::ColourAdjustment(window_.view.window());
+        colourDialog_ = new dialogs::ColourAdjustment(view_.window());
     }
     if (colourDialog_->ShowEx(image.Photo()) == controls::ModalResult::Ok) {
         if (const imaging::PixelFilterPointer filter = colourDialog_->Filter()) {

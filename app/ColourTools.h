@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <memory>
 
-#include "app/ToolSurroundings.h"
 #include "imaging/view/ViewTool.h"
 
 namespace kadrona::dialogs {
@@ -11,7 +9,15 @@ class ColourAdjustment;
 class TfmRGBKurve;
 }  // namespace kadrona::dialogs
 
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
 namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+class ViewActions;
 
 /// The tools that change the photo's colours: white point (a mode, held in its action's checked
 /// state), gradation, black and white, and the colour dialog. None of them does anything while the
@@ -20,18 +26,17 @@ class ColourTools : public QObject, private imaging::view::ViewTool {
     Q_OBJECT
 
  public:
-    explicit ColourTools(ToolSurroundings surroundings, QObject* parent = nullptr);
+    /// All that is given outlives the object.
+    ColourTools(PhotoSession& session, imaging::view::ImageView& view, MainActions& actions,
+                ViewActions& viewActions, dialogs::TfmRGBKurve& curveDialog);
     ~ColourTools() override;
 
+ private:
     void acSetWhitePointExecute();
-    void acGradationExecute(dialogs::TfmRGBKurve& dialog);
+    void acGradationExecute();
     void acSchwarzweissExecute();
     void acColorConfigExecute();
-
-    /// Ends the white point mode without touching template or zoom.
     void LeaveMode();
-
- private:
     bool MayWork() const;
     bool TemplateIsHidden() const;
     void FollowWhitePointAction(bool checked);
@@ -39,7 +44,11 @@ class ColourTools : public QObject, private imaging::view::ViewTool {
     bool Key(const QKeyEvent& event) override;
     void SetWhitePoint(QPoint pixel);
 
-    ToolSurroundings window_;
+    PhotoSession& session_;
+    imaging::view::ImageView& view_;
+    MainActions& actions_;
+    ViewActions& viewActions_;
+    dialogs::TfmRGBKurve& curveDialog_;
     dialogs::ColourAdjustment* colourDialog_ = nullptr;
 };
 

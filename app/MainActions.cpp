@@ -1,8 +1,8 @@
 #include "app/MainActions.h"
 
 #include <array>
-#include <stdexcept>
 
+#include "controls/messages/ActionGuard.h"
 #include "controls/theme/Icons.h"
 #include "core/settings/Settings.h"
 #include "core/sheet/SheetLayout.h"
@@ -14,52 +14,55 @@ namespace kadrona::app {
 namespace {
 
 constexpr std::array Definitions = {
-    ActionDefinition{u"acOpen", u"Öffnen", u"Bild öffnen", u"Ctrl+N", u"open", -1,
+    ActionDefinition{Action::Open, u"acOpen", u"Öffnen", u"Bild öffnen", u"Ctrl+N", u"open", -1,
                      UpdateRule::None},
-    ActionDefinition{u"acOpenWithProfile", u"Mit Einstellungen öffnen",
+    ActionDefinition{Action::OpenWithProfile, u"acOpenWithProfile", u"Mit Einstellungen öffnen",
                      u"Wendet Einstellungen automatisch an", u"", u"open-with-profile", -1,
                      UpdateRule::None},
-    ActionDefinition{u"acClose", u"Beenden", u"Beenden", u"Ctrl+Q", u"quit", -1, UpdateRule::None},
-    ActionDefinition{u"acCrop", u"Passbilder erstellen", u"Passbilder erstellen", u"Ctrl+P",
-                     u"create-photos", 5, UpdateRule::Editing},
-    ActionDefinition{u"acPrintImage", u"Drucken", u"Drucken", u"", u"print", -1, UpdateRule::Sheet},
-    ActionDefinition{u"acPrinSetup", u"Drucker Einstellung", u"Drucker Einstellung", u"",
-                     u"printer-setup", -1, UpdateRule::None},
-    ActionDefinition{u"acZoomFull", u"Volle Bildgröße", u"Volle Bildgröße", u"", u"zoom-full", -1,
+    ActionDefinition{Action::Close, u"acClose", u"Beenden", u"Beenden", u"Ctrl+Q", u"quit", -1,
                      UpdateRule::None},
-    ActionDefinition{u"acZoomFit", u"Bildgröße anpassen", u"Bildgröße anpassen", u"", u"zoom-fit",
-                     -1, UpdateRule::None},
-    ActionDefinition{u"acRotateLeft", u"Nach Links drehen", u"Nach Links drehen", u"",
-                     u"rotate-left", -1, UpdateRule::None},
-    ActionDefinition{u"acRotateRight", u"Nach Rechts drehen", u"Nach Rechts drehen", u"",
-                     u"rotate-right", -1, UpdateRule::None},
-    ActionDefinition{u"acAbout", u"Über", u"Info", u"", u"about", -1, UpdateRule::None},
-    ActionDefinition{u"acSave", u"Speichern", u"Speichern", u"Ctrl+S", u"save", -1,
+    ActionDefinition{Action::Crop, u"acCrop", u"Passbilder erstellen", u"Passbilder erstellen",
+                     u"Ctrl+P", u"create-photos", 5, UpdateRule::Editing},
+    ActionDefinition{Action::PrintImage, u"acPrintImage", u"Drucken", u"Drucken", u"", u"print", -1,
                      UpdateRule::Sheet},
-    ActionDefinition{u"acUndo", u"Rückgängig", u"Rückgängig", u"Ctrl+Z", u"undo", -1,
-                     UpdateRule::Undo},
-    ActionDefinition{u"acRotateDlg", u"Bild drehen", u"Bild stufenweise drehen", u"",
-                     u"rotate-free", 3, UpdateRule::Editing},
-    ActionDefinition{u"acSetWhitePoint", u"Weißpunkt", u"Weißpunkt setzen", u"", u"white-point", 4,
-                     UpdateRule::Editing, true},
-    ActionDefinition{u"acGradation", u"Gradation", u"Gradationskurve", u"Ctrl+G", u"gradation", 1,
-                     UpdateRule::Editing},
-    ActionDefinition{u"acShowLayer", u"Schablone an/aus", u"Schablone an/aus", u"Ctrl+L",
-                     u"template-shown", 7, UpdateRule::Editing, true},
-    ActionDefinition{u"acPrinterProfilDlg", u"Druck Profile", u"Druck Profile", u"",
-                     u"printer-profiles", -1, UpdateRule::None},
-    ActionDefinition{u"acSchwarzweiss", u"Schwarz Weiß", u"Schwarz Weiß Bild", u"", u"black-white",
-                     2, UpdateRule::Editing},
-    ActionDefinition{u"acShowConfig", u"Einstellungen", u"Einstellungen", u"", u"settings", -1,
+    ActionDefinition{Action::PrinSetup, u"acPrinSetup", u"Drucker Einstellung",
+                     u"Drucker Einstellung", u"", u"printer-setup", -1, UpdateRule::None},
+    ActionDefinition{Action::ZoomFull, u"acZoomFull", u"Volle Bildgröße", u"Volle Bildgröße", u"",
+                     u"zoom-full", -1, UpdateRule::None},
+    ActionDefinition{Action::ZoomFit, u"acZoomFit", u"Bildgröße anpassen", u"Bildgröße anpassen",
+                     u"", u"zoom-fit", -1, UpdateRule::None},
+    ActionDefinition{Action::RotateLeft, u"acRotateLeft", u"Nach Links drehen",
+                     u"Nach Links drehen", u"", u"rotate-left", -1, UpdateRule::None},
+    ActionDefinition{Action::RotateRight, u"acRotateRight", u"Nach Rechts drehen",
+                     u"Nach Rechts drehen", u"", u"rotate-right", -1, UpdateRule::None},
+    ActionDefinition{Action::About, u"acAbout", u"Über", u"Info", u"", u"about", -1,
                      UpdateRule::None},
-    ActionDefinition{u"acBeauty", u"Retuschier Stempel", u"Retuschier Stempel", u"", u"retouch", 0,
-                     UpdateRule::Editing, true},
-    ActionDefinition{u"acSearchArchiv", u"Bild Archiv", u"Bild Archiv öffnen", u"Ctrl+F",
-                     u"archive", -1, UpdateRule::None},
-    ActionDefinition{u"acColorConfig", u"Farben anpassen", u"", u"", u"colors", 6,
-                     UpdateRule::Editing},
-    ActionDefinition{u"acSaveImageFast", u"Speichern", u"", u"", u"save-fast", -1,
-                     UpdateRule::SaveFast},
+    ActionDefinition{Action::Save, u"acSave", u"Speichern", u"Speichern", u"Ctrl+S", u"save", -1,
+                     UpdateRule::Sheet},
+    ActionDefinition{Action::Undo, u"acUndo", u"Rückgängig", u"Rückgängig", u"Ctrl+Z", u"undo", -1,
+                     UpdateRule::Undo},
+    ActionDefinition{Action::RotateDlg, u"acRotateDlg", u"Bild drehen", u"Bild stufenweise drehen",
+                     u"", u"rotate-free", 3, UpdateRule::Editing},
+    ActionDefinition{Action::SetWhitePoint, u"acSetWhitePoint", u"Weißpunkt", u"Weißpunkt setzen",
+                     u"", u"white-point", 4, UpdateRule::Editing, true},
+    ActionDefinition{Action::Gradation, u"acGradation", u"Gradation", u"Gradationskurve", u"Ctrl+G",
+                     u"gradation", 1, UpdateRule::Editing},
+    ActionDefinition{Action::ShowLayer, u"acShowLayer", u"Schablone an/aus", u"Schablone an/aus",
+                     u"Ctrl+L", u"template-shown", 7, UpdateRule::Editing, true},
+    ActionDefinition{Action::PrinterProfilDlg, u"acPrinterProfilDlg", u"Druck Profile",
+                     u"Druck Profile", u"", u"printer-profiles", -1, UpdateRule::None},
+    ActionDefinition{Action::Schwarzweiss, u"acSchwarzweiss", u"Schwarz Weiß", u"Schwarz Weiß Bild",
+                     u"", u"black-white", 2, UpdateRule::Editing},
+    ActionDefinition{Action::ShowConfig, u"acShowConfig", u"Einstellungen", u"Einstellungen", u"",
+                     u"settings", -1, UpdateRule::None},
+    ActionDefinition{Action::Beauty, u"acBeauty", u"Retuschier Stempel", u"Retuschier Stempel", u"",
+                     u"retouch", 0, UpdateRule::Editing, true},
+    ActionDefinition{Action::SearchArchiv, u"acSearchArchiv", u"Bild Archiv", u"Bild Archiv öffnen",
+                     u"Ctrl+F", u"archive", -1, UpdateRule::None},
+    ActionDefinition{Action::ColorConfig, u"acColorConfig", u"Farben anpassen", u"", u"", u"colors",
+                     6, UpdateRule::Editing},
+    ActionDefinition{Action::SaveImageFast, u"acSaveImageFast", u"Speichern", u"", u"",
+                     u"save-fast", -1, UpdateRule::SaveFast},
 };
 
 /// acCrop's tag; it also needs a template to cut by.
@@ -108,7 +111,7 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
     return {};
 }
 
-MainActions::MainActions(QObject* parent) : QObject(parent) {
+MainActions::MainActions(QWidget* window) : window_(window) {
     for (const ActionDefinition& definition : Definitions) {
         auto* action = new QAction(controls::Icon(QString::fromUtf16(definition.icon)),
                                    QString::fromUtf16(definition.caption), this);
@@ -116,35 +119,39 @@ MainActions::MainActions(QObject* parent) : QObject(parent) {
         action->setToolTip(QString::fromUtf16(definition.hint));
         action->setShortcut(QKeySequence(QString::fromUtf16(definition.shortcut)));
         action->setCheckable(definition.checkable);
-        actions_.insert(action->objectName(), action);
+        actions_.push_back(action);
     }
-    QAction* showLayer = (*this)[u"acShowLayer"_s];
+    QAction* showLayer = (*this)[Action::ShowLayer];
     connect(showLayer, &QAction::toggled, showLayer, [showLayer](bool hidden) {
         showLayer->setIcon(controls::Icon(hidden ? u"template-hidden"_s : u"template-shown"_s));
     });
 }
 
-QAction* MainActions::operator[](const QString& name) const {
-    QAction* action = actions_.value(name);
-    if (action == nullptr) {
-        throw std::out_of_range("no such action: " + name.toStdString());
-    }
-    return action;
+void MainActions::Connect(Action action, QObject* owner, std::function<void()> handler) {
+    connect((*this)[action], &QAction::triggered, owner, [this, handler = std::move(handler)] {
+        controls::Guarded(window_, handler);
+        Q_EMIT Handled();
+    });
 }
 
-void MainActions::SetChecked(const QString& name, bool checked) {
+void MainActions::SetChecked(Action action, bool checked) {
     if (checked) {
-        for (const QString& other : {u"acSetWhitePoint"_s, u"acShowLayer"_s, u"acBeauty"_s}) {
+        for (const Action other : {Action::SetWhitePoint, Action::ShowLayer, Action::Beauty}) {
             (*this)[other]->setChecked(false);
         }
     }
-    (*this)[name]->setChecked(checked);
+    (*this)[action]->setChecked(checked);
+}
+
+void MainActions::LeaveModes() {
+    SetChecked(Action::SetWhitePoint, false);
+    SetChecked(Action::Beauty, false);
 }
 
 void MainActions::Update(const ActionCircumstances& circumstances, const core::Settings& settings) {
     for (const ActionDefinition& definition : Definitions) {
         const ActionState state = StateOf(definition, circumstances, settings);
-        QAction* action = (*this)[QString::fromUtf16(definition.name)];
+        QAction* action = (*this)[definition.action];
         action->setEnabled(state.enabled);
         action->setVisible(state.visible);
     }

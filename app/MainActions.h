@@ -2,14 +2,44 @@
 
 #include <QAction>
 #include <QObject>
-#include <QString>
+#include <functional>
 #include <span>
+#include <vector>
 
 namespace kadrona::core {
 class Settings;
 }
 
 namespace kadrona::app {
+
+/// Every action of the main window, in the order of the action list. The object name of each is its
+/// name here behind "ac".
+enum class Action {
+    Open,
+    OpenWithProfile,
+    Close,
+    Crop,
+    PrintImage,
+    PrinSetup,
+    ZoomFull,
+    ZoomFit,
+    RotateLeft,
+    RotateRight,
+    About,
+    Save,
+    Undo,
+    RotateDlg,
+    SetWhitePoint,
+    Gradation,
+    ShowLayer,
+    PrinterProfilDlg,
+    Schwarzweiss,
+    ShowConfig,
+    Beauty,
+    SearchArchiv,
+    ColorConfig,
+    SaveImageFast,
+};
 
 /// What decides whether an action can be used, besides the settings.
 struct ActionCircumstances {
@@ -32,6 +62,7 @@ enum class UpdateRule {
 
 /// One row of the list of actions.
 struct ActionDefinition {
+    Action action;
     const char16_t* name;
     const char16_t* caption;
     const char16_t* hint;      ///< may be empty
@@ -42,7 +73,7 @@ struct ActionDefinition {
     bool checkable = false;
 };
 
-/// Every action of the main window, in the order of the action list.
+/// In the order of Action.
 std::span<const ActionDefinition> ActionDefinitions();
 
 /// Whether an action is enabled and visible.
@@ -56,28 +87,40 @@ struct ActionState {
 ActionState StateOf(const ActionDefinition& definition, const ActionCircumstances& circumstances,
                     const core::Settings& settings);
 
-/// The main window's actions, each with its name as object name. What they do is connected by the
-/// main window.
+/// The main window's actions, each with its name as object name. What each does is said by the
+/// class that has the group it belongs to.
 class MainActions : public QObject {
     Q_OBJECT
 
  public:
-    explicit MainActions(QObject* parent = nullptr);
+    /// `window` is where a handler's failure is shown; may be null.
+    explicit MainActions(QWidget* window = nullptr);
 
-    /// The action of a name. Throws std::out_of_range for an unknown one.
-    QAction* operator[](const QString& name) const;
+    QAction* operator[](Action action) const { return actions_.at(static_cast<size_t>(action)); }
 
-    bool IsChecked(const QString& name) const { return (*this)[name]->isChecked(); }
+    /// Calls `handler` whenever the action is triggered, as long as `owner` lives. What it throws
+    /// becomes a message.
+    void Connect(Action action, QObject* owner, std::function<void()> handler);
+
+    bool IsChecked(Action action) const { return (*this)[action]->isChecked(); }
 
     /// Checks or unchecks a check action. Checking one unchecks the others of the exclusive group
-    /// (acSetWhitePoint, acShowLayer, acBeauty). Triggers nothing.
-    void SetChecked(const QString& name, bool checked);
+    /// (SetWhitePoint, ShowLayer, Beauty). Triggers nothing.
+    void SetChecked(Action action, bool checked);
+
+    /// Ends the modes that the mouse is in.
+    void LeaveModes();
 
     /// Runs the update handlers of all actions.
     void Update(const ActionCircumstances& circumstances, const core::Settings& settings);
 
+ Q_SIGNALS:
+    /// A handler has run, whether or not it failed.
+    void Handled();
+
  private:
-    QHash<QString, QAction*> actions_;
+    QWidget* window_;
+    std::vector<QAction*> actions_;
 };
 
 }  // namespace kadrona::app

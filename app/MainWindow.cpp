@@ -1,8 +1,7 @@
-// Life of the main window: start, end, closing, and the update of its actions.
+// Life of the main window: start, end, closing, and what it shows of the session.
 
 #include "app/MainWindow.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -10,24 +9,26 @@
 
 #include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
+#include "app/OpenActions.h"
 #include "app/PrintFlow.h"
 #include "app/RetouchTool.h"
+#include "app/RotateActions.h"
+#include "app/SheetActions.h"
+#include "app/ViewActions.h"
+#include "app/WindowInterface.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/messages/ActionGuard.h"
-#include "controls/messages/MessageBoxes.h"
-#include "controls/messages/WaitCursor.h"
 #include "core/base/Product.h"
 #include "dialogs/About.h"
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
-#include "dialogs/ProfileChooser.h"
 #include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
-#include "dialogs/TemplateChooser.h"
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/view/ImageView.h"
 #include "platform/UserRegistry.h"
+#include "platform/WebPage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -63,8 +64,9 @@ TmainFm::TmainFm(const core::Folders& folders, printing::PrinterLayer* printer) 
     SetScreenTips();
     resize(DesignedClientArea.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     FormCreate(folders, printer);
+    CreateReusedWindows();
     ConnectActions();
-    UpdateActions();
+    ShowSession();
 }
 
 TmainFm::~TmainFm() {
@@ -73,8 +75,8 @@ TmainFm::~TmainFm() {
 
 void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* printer) {
     controls::Guarded(this, [this] { dbCount_ = platform::ReadRegistryInteger(CountValue); });
-    data_ =
-        std::make_unique<core::TData>(static_cast<core::UserInterface&>(*this), folders, printer);
+    ui_ = std::make_unique<WindowInterface>(*this, *view_);
+    data_ = std::make_unique<core::TData>(*ui_, folders, printer);
     settings_ = new dialogs::TEinstellungenFm(*data_, this);
     data_->SetSettings(settings_);
     // A setting that makes no sense must not keep the database closed.
@@ -83,39 +85,67 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
     settings_->SetImageCountHandler([this](int index) { pictureCount_->setCurrentIndex(index); });
     controls::Guarded(this, [this] { data_->InitSystem(); });
 
-    templateChooser_ = new dialogs::TSchabloneFm(*settings_, this);
-    templateChooser_->SetRotationHandler([this](int degrees) {
-        RotatePhoto(degrees);
-        acZoomFitExecute();
-    });
-    profileChooser_ = new dialogs::TProfileDlgFM(this);
-    templateChooser_->SetTemplates(data_->GetSchablonenList());
-    image_.SetAutomaticUndo(true);
-    image_.SetUndoLimit(UndoLimit);
+    viewActions_ = std::make_unique<ViewActions>(session_, *view_, actions_);
+    rotateActions_ = std::make_unique<RotateActions>(session_, *data_, actions_, *viewActions_);
+    openActions_ = std::make_unique<OpenActions>(session_, *view_, *data_, *settings_, actions_,
+                                                 *viewActions_, *rotateActions_);
+    session_.Image().SetAutomaticUndo(true);
+    session_.Image().SetUndoLimit(UndoLimit);
     controls::Guarded(this, [this] { RestoreRectangle(); });
-    sheetCreated_ = false;
-    imageLoaded_ = false;
     pictureCount_->setCurrentIndex(settings_->ImageCount());
+    session_.SetLayoutIndex(pictureCount_->currentIndex());
 }
 
+/// Windows that are made after the main window and live as long as it does, in their fixed order.
 void TmainFm::CreateReusedWindows() {
-    printFlow_ = std::make_unique<PrintFlow>(*this, *data_, *settings_);
-    rotateDialog_ = new dialogs::TfmRotateDlg(this);
+    printFlow_ =
+        std::make_unique<PrintFlow>(session_, *this, *statusPanels_, *data_, *settings_, actions_);
+    auto* rotateDialog = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
-    tagEditor_ = new dialogs::TfmImageTagEdit(this);
-    archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor_, this);
-    archiveActions_ = std::make_unique<ArchiveActions>(ArchiveActions::Window{
-        .ui = *this,
-        .data = *data_,
-        .settings = *settings_,
-        .view = *view_,
-        .statusPanels = *statusPanels_,
-        .archive = *archiveWindow_,
-        .print = [this] { acPrintImageExecute(); },
-        .layoutIndex = [this] { return pictureCount_->currentIndex(); },
-        .photoReplaced = [this](bool created) { ArchivePhotoReplaced(created); }});
-    curveDialog_ = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
+    auto* tagEditor = new dialogs::TfmImageTagEdit(this);
+    archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor, this);
+    auto* curveDialog = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
+
+    ui_->SetDialogs(*tagEditor, *rotateDialog);
+    sheetActions_ = std::make_unique<SheetActions>(session_, *this, *data_, *settings_, *ui_,
+                                                   actions_, *viewActions_, *printFlow_);
+    archiveActions_ =
+        std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
+                                         *archiveWindow_, actions_, *viewActions_, *printFlow_);
+    colourTools_ =
+        std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, *curveDialog);
+    retouchTool_ =
+        std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
+}
+
+void TmainFm::ConnectActions() {
+    actions_.Connect(Action::About, this, [this] { about_->exec(); });
+    actions_.Connect(Action::ShowConfig, this, [this] { settings_->ShowEx(); });
+    actions_.Connect(Action::Close, this, [this] { close(); });
+    connect(pictureCount_, &QComboBox::currentIndexChanged, &session_,
+            &PhotoSession::SetLayoutIndex);
+    connect(&session_, &PhotoSession::Changed, this, &TmainFm::ShowSession);
+    connect(&actions_, &MainActions::Handled, this, &TmainFm::ShowSession);
+    connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::ShowSession);
+}
+
+void TmainFm::ShowSession() {
+    using Stage = PhotoSession::Stage;
+    const imaging::LayeredImage& image = session_.Image();
+    actions_.Update({.imageLoaded = session_.CurrentStage() != Stage::NoPhoto,
+                     .sheetCreated = session_.CurrentStage() == Stage::SheetMade,
+                     .templateLoaded = session_.HasTemplate(),
+                     .canUndo = image.CanUndo(),
+                     .layoutIndex = session_.LayoutIndex()},
+                    *settings_);
+    emptyState_->setVisible(image.IsEmpty());
+    view_->setVisible(!image.IsEmpty());
+    statusPanels_->SetPath(session_.FileName());
+}
+
+void TmainFm::OpenDroppedFiles(const QStringList& paths) {
+    openActions_->OpenFiles(paths);
 }
 
 void TmainFm::FormDestroy() {
@@ -124,12 +154,18 @@ void TmainFm::FormDestroy() {
             platform::WriteRegistryInteger(CountValue, *dbCount_);
         }
     });
+    // What works on the view and the data goes before them.
     colourTools_.reset();
     retouchTool_.reset();
+    archiveActions_.reset();
+    sheetActions_.reset();
+    printFlow_.reset();
+    openActions_.reset();
+    rotateActions_.reset();
+    viewActions_.reset();
     delete view_;
-    // The dialogs and the view may still ask the data module while they go.
+    // The dialogs may still ask the data module while they go.
     delete archiveWindow_;
-    delete templateChooser_;
     delete settings_;
     data_.reset();
 }
@@ -156,144 +192,14 @@ void TmainFm::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void TmainFm::Connect(const QString& action, Handler handler) {
-    connect(actions_[action], &QAction::triggered, this, [this, handler] {
-        controls::Guarded(this, [this, handler] { (this->*handler)(); });
-        UpdateActions();
+void TmainFm::StatusBarPanel2Click() {
+    controls::Guarded(this, [] {
+        if (!platform::OpenWebPage(QUrl(core::MakerHomePage.toString()))) {
+            throw platform::Error(
+                u"Die Seite %1 konnte nicht geöffnet werden: Es wurde kein "
+                u"Webbrowser gefunden."_s.arg(core::MakerHomePage));
+        }
     });
-}
-
-void TmainFm::ConnectActions() {
-    Connect(u"acOpen"_s, &TmainFm::acOpenExecute);
-    Connect(u"acOpenWithProfile"_s, &TmainFm::acOpenWithProfileExecute);
-    Connect(u"acClose"_s, &TmainFm::acCloseExecute);
-    Connect(u"acCrop"_s, &TmainFm::acCropExecute);
-    Connect(u"acZoomFit"_s, &TmainFm::acZoomFitExecute);
-    Connect(u"acZoomFull"_s, &TmainFm::acZoomFullExecute);
-    Connect(u"acRotateLeft"_s, &TmainFm::acRotateLeftExecute);
-    Connect(u"acRotateRight"_s, &TmainFm::acRotateRightExecute);
-    Connect(u"acUndo"_s, &TmainFm::acUndoExecute);
-    Connect(u"acShowLayer"_s, &TmainFm::acShowLayerExecute);
-    Connect(u"acSave"_s, &TmainFm::acSaveExecute);
-    Connect(u"acSaveImageFast"_s, &TmainFm::acSaveImageFastExecute);
-    Connect(u"acPrintImage"_s, &TmainFm::acPrintImageExecute);
-    Connect(u"acPrinSetup"_s, &TmainFm::acPrinSetupExecute);
-    Connect(u"acPrinterProfilDlg"_s, &TmainFm::acPrinterProfilDlgExecute);
-    Connect(u"acSearchArchiv"_s, &TmainFm::acSearchArchivExecute);
-    Connect(u"acAbout"_s, &TmainFm::acAboutExecute);
-    Connect(u"acShowConfig"_s, &TmainFm::acShowConfigExecute);
-    ConnectTools();
-
-    connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::UpdateActions);
-    connect(pictureCount_, &QComboBox::currentIndexChanged, this, &TmainFm::UpdateActions);
-    connect(&image_, &imaging::LayeredImage::PhotoChanged, this, &TmainFm::UpdateActions);
-    connect(&image_, &imaging::LayeredImage::LayersChanged, this, &TmainFm::UpdateActions);
-}
-
-void TmainFm::ConnectTool(const QString& action, std::function<void()> handler) {
-    connect(actions_[action], &QAction::triggered, this, [this, handler = std::move(handler)] {
-        controls::Guarded(this, handler);
-        UpdateActions();
-    });
-}
-
-void TmainFm::ConnectTools() {
-    const ToolSurroundings surroundings{
-        .actions = actions_,
-        .view = *view_,
-        .statusBar = *statusPanels_,
-        .showTemplateLayer = [this](bool show) { ShowTemplateLayer(show); },
-        .zoomFit = [this] { acZoomFitExecute(); },
-        .zoomFull = [this] { acZoomFullExecute(); }};
-    colourTools_ = std::make_unique<ColourTools>(surroundings);
-    retouchTool_ = std::make_unique<RetouchTool>(surroundings);
-    Connect(u"acRotateDlg"_s, &TmainFm::acRotateDlgExecute);
-    ConnectTool(u"acSetWhitePoint"_s, [this] { colourTools_->acSetWhitePointExecute(); });
-    ConnectTool(u"acGradation"_s, [this] { colourTools_->acGradationExecute(*curveDialog_); });
-    ConnectTool(u"acSchwarzweiss"_s, [this] { colourTools_->acSchwarzweissExecute(); });
-    ConnectTool(u"acColorConfig"_s, [this] { colourTools_->acColorConfigExecute(); });
-    ConnectTool(u"acBeauty"_s, [this] { retouchTool_->acBeautyExecute(); });
-}
-
-void TmainFm::LeaveToolModes() {
-    colourTools_->LeaveMode();
-    retouchTool_->LeaveMode();
-}
-
-void TmainFm::UpdateActions() {
-    actions_.Update({.imageLoaded = imageLoaded_,
-                     .sheetCreated = sheetCreated_,
-                     .templateLoaded = image_.LayerCount() >= 2,
-                     .canUndo = image_.CanUndo(),
-                     .layoutIndex = pictureCount_->currentIndex()},
-                    *settings_);
-}
-
-/// Over the window that the user is in: one that is modal would keep a message below it.
-void TmainFm::ShowMessage(const QString& text) {
-    const controls::WaitCursorPause pause;
-    QWidget* modal = QApplication::activeModalWidget();
-    controls::ShowInformation(modal != nullptr ? modal : this, text);
-}
-
-std::optional<QStringList> TmainFm::EditTags() {
-    const controls::WaitCursorPause pause;
-    // Whose photo gets the tags is to be seen behind the editor.
-    view_->Fit();
-    if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
-        return std::nullopt;
-    }
-    return tagEditor_->Lines();
-}
-
-void TmainFm::acSearchArchivExecute() {
-    archiveActions_->acSearchArchivExecute();
-}
-
-/// The archive put a sheet in the place of the photo, or left nothing there.
-void TmainFm::ArchivePhotoReplaced(bool created) {
-    imageLoaded_ = created;
-    sheetCreated_ = created;
-    LeaveToolModes();
-    actions_.SetChecked(u"acShowLayer"_s, false);
-    view_->setVisible(created);
-    emptyState_->setVisible(!created);
-    if (!created) {
-        statusPanels_->SetPath({});
-    }
-    view_->SetInteraction(
-        {imaging::view::ImageView::Interaction::Zoom, imaging::view::ImageView::Interaction::Pan});
-    acZoomFitExecute();
-    UpdateActions();
-    view_->setFocus();
-}
-
-void TmainFm::acPrintImageExecute() {
-    const QString printer = printFlow_->PrintSheet(image_);
-    if (!printer.isEmpty()) {
-        constexpr int Milliseconds = 8000;
-        statusPanels_->showMessage(u"Druckauftrag an „%1“ gesendet"_s.arg(printer), Milliseconds);
-    }
-}
-
-void TmainFm::acPrinSetupExecute() {
-    printFlow_->SetUpPrinter();
-}
-
-void TmainFm::acPrinterProfilDlgExecute() {
-    printFlow_->ShowProfiles();
-}
-
-void TmainFm::acAboutExecute() {
-    about_->exec();
-}
-
-void TmainFm::acShowConfigExecute() {
-    settings_->ShowEx();
-}
-
-void TmainFm::acCloseExecute() {
-    close();
 }
 
 }  // namespace kadrona::app

@@ -1,33 +1,27 @@
 #pragma once
 
 #include <QMainWindow>
-#include <functional>
 #include <memory>
 #include <optional>
 
 #include "app/MainActions.h"
-#include "controls/messages/WaitCursor.h"
+#include "app/PhotoSession.h"
 #include "core/Data.h"
-#include "core/base/UserInterface.h"
 
 class QComboBox;
 class QLabel;
 
 namespace kadrona::controls {
 class CommandArea;
+class CommandBar;
 class StatusPanels;
 }  // namespace kadrona::controls
 
 namespace kadrona::dialogs {
 class TEinstellungenFm;
 class TFileNameFm;
-class TProfileDlgFM;
-class TSchabloneFm;
 class TfmAbout;
-class TfmImageTagEdit;
 class TfmImgSearch;
-class TfmRGBKurve;
-class TfmRotateDlg;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -38,13 +32,18 @@ namespace kadrona::app {
 
 class ArchiveActions;
 class ColourTools;
+class OpenActions;
 class PrintFlow;
 class RetouchTool;
+class RotateActions;
+class SheetActions;
+class ViewActions;
+class WindowInterface;
 
-/// The one main window: command area, image view, status bar, and what the actions do. Its sources
-/// are split by subject: MainWindow (life and update), MainWindowLayout (bars and tips),
-/// PhotoOpening, PhotoViewing (zoom, undo, template layer, keys), PhotoCreation and PhotoSaving.
-class TmainFm : public QMainWindow, private core::UserInterface {
+/// The one main window: it makes the program's parts in their fixed order, lays out command area,
+/// view and status bar (MainWindowLayout.cpp), shows what the session holds, and keeps its place.
+/// What the actions do stands in a class for each group of them.
+class TmainFm : public QMainWindow {
     Q_OBJECT
 
  public:
@@ -54,123 +53,58 @@ class TmainFm : public QMainWindow, private core::UserInterface {
                      printing::PrinterLayer* printer = nullptr);
     ~TmainFm() override;
 
-    /// Windows that are made after the main window and live as long as it does.
-    void CreateReusedWindows();
-
     /// Opens a photo as a drop of that file would.
     void OpenDroppedFiles(const QStringList& paths);
 
     core::TData& Data() { return *data_; }
+    PhotoSession& Session() { return session_; }
     imaging::view::ImageView& View() { return *view_; }
     MainActions& Actions() { return actions_; }
 
  protected:
     void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-    using Handler = void (TmainFm::*)();
-
     // Life (MainWindow.cpp)
     void FormCreate(const core::Folders& folders, printing::PrinterLayer* printer);
+    void CreateReusedWindows();
+    void ConnectActions();
     void FormDestroy();
     void FormCloseQuery();
     void RestoreRectangle();
-    void ConnectActions();
-    void Connect(const QString& action, Handler handler);
-    void ConnectTools();
-    void ConnectTool(const QString& action, std::function<void()> handler);
-    void UpdateActions();
-    void ShowMessage(const QString& text) override;
-    std::optional<QStringList> EditTags() override;
+    void ShowSession();
+    void StatusBarPanel2Click();
 
     // Bars and panels (MainWindowLayout.cpp)
     void BuildCommandArea();
     void BuildEditBar(controls::CommandArea& area);
+    void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);
     void BuildViewPanel();
+    QWidget* BuildEmptyState();
     void BuildStatusBar();
     void SetScreenTips();
 
-    // Opening (PhotoOpening.cpp)
-    void acOpenExecute();
-    void acOpenWithProfileExecute();
-    void ChooseAndLoad();
-    void LoadImageFile(const QString& fileName);
-    bool ReadPhoto(const QString& fileName);
-    void ChooseTemplate();
-
-    // Viewing (PhotoViewing.cpp)
-    void ShowTemplateLayer(bool show);
-    void acShowLayerExecute();
-    void acZoomFitExecute();
-    void acZoomFullExecute();
-    void acUndoExecute();
-    void acRotateLeftExecute();
-    void acRotateRightExecute();
-    void acRotateDlgExecute();
-    std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
-    void QuarterTurn(int degrees);
-    /// Ends the modes that the mouse is in, as before another photo.
-    void LeaveToolModes();
-    void RotatePhoto(int degrees);
-    void KeepTemplateOnPhoto();
-    void ViewLayerNotify(int layer);
-    void ViewMouseDown();
-    void ViewKeyDown();
-    void ViewKeyUp();
-    void StatusBarPanel2Click();
-
-    // Creation (PhotoCreation.cpp)
-    void acCropExecute();
-
-    // Saving (PhotoSaving.cpp)
-    void acSaveExecute();
-    void acSaveImageFastExecute();
-    std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
-
-    // Printing (PrintFlow)
-    void acPrintImageExecute();
-    void acPrinSetupExecute();
-    void acPrinterProfilDlgExecute();
-
-    // Archive (ArchiveActions)
-    void acSearchArchivExecute();
-    void ArchivePhotoReplaced(bool created);
-
-    // Others
-    void acAboutExecute();
-    void acShowConfigExecute();
-    void acCloseExecute();
-
     std::optional<int> dbCount_;  // nothing where it could not be read
-    bool imageLoaded_ = false;
-    bool sheetCreated_ = false;
-    /// The save dialog's last one.
-    QString saveFilter_;
-
-    imaging::LayeredImage image_;
-
-    MainActions actions_;
-    std::unique_ptr<core::TData> data_;
-    dialogs::TEinstellungenFm* settings_ = nullptr;
-    dialogs::TSchabloneFm* templateChooser_ = nullptr;
-    dialogs::TProfileDlgFM* profileChooser_ = nullptr;
-    std::unique_ptr<PrintFlow> printFlow_;
-    dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
-    dialogs::TfmAbout* about_ = nullptr;
-    dialogs::TfmRotateDlg* rotateDialog_ = nullptr;
-    dialogs::TfmRGBKurve* curveDialog_ = nullptr;
-    dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
-    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
-    std::unique_ptr<ArchiveActions> archiveActions_;
-
+    PhotoSession session_;
+    MainActions actions_{this};
     imaging::view::ImageView* view_ = nullptr;
-    QWidget* viewPanel_ = nullptr;
     QWidget* emptyState_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
-    /// While the photo is turned by the angle that the user gave.
-    std::optional<controls::WaitCursor> turning_;
+
+    std::unique_ptr<WindowInterface> ui_;
+    std::unique_ptr<core::TData> data_;
+    dialogs::TEinstellungenFm* settings_ = nullptr;
+    dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
+    dialogs::TfmAbout* about_ = nullptr;
+    dialogs::TfmImgSearch* archiveWindow_ = nullptr;
+
+    std::unique_ptr<ViewActions> viewActions_;
+    std::unique_ptr<RotateActions> rotateActions_;
+    std::unique_ptr<OpenActions> openActions_;
+    std::unique_ptr<PrintFlow> printFlow_;
+    std::unique_ptr<SheetActions> sheetActions_;
+    std::unique_ptr<ArchiveActions> archiveActions_;
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;
 };

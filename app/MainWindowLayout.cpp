@@ -33,22 +33,22 @@ constexpr int PictureCountWidth = 46;
 void TmainFm::BuildCommandArea() {
     auto* area = new controls::CommandArea(u"Hauptmenu"_s, this);
     controls::ApplicationMenu& menu = area->Application().Menu();
-    area->Application().AddAction(actions_[u"acOpen"_s]);
-    area->Application().AddAction(actions_[u"acOpenWithProfile"_s]);
+    area->Application().AddAction(actions_[Action::Open]);
+    area->Application().AddAction(actions_[Action::OpenWithProfile]);
     menu.AddSeparator();
-    area->Application().AddAction(actions_[u"acClose"_s]);
-    menu.SetFootAction(actions_[u"acShowConfig"_s]);
+    area->Application().AddAction(actions_[Action::Close]);
+    menu.SetFootAction(actions_[Action::ShowConfig]);
     menu.SetSidePane(u"KDR Prof"_s,
                      u"Porträt öffnen, Schablone auf das Gesicht legen, Passbilder erstellen."_s);
 
     QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
     file->setToolTipsVisible(true);
-    for (const QString& name : {u"acOpen"_s, u"acSearchArchiv"_s, u"acSave"_s, u"acPrinSetup"_s,
-                                u"acPrinterProfilDlg"_s, u"acShowConfig"_s}) {
-        file->addAction(actions_[name]);
+    for (const Action action : {Action::Open, Action::SearchArchiv, Action::Save, Action::PrinSetup,
+                                Action::PrinterProfilDlg, Action::ShowConfig}) {
+        file->addAction(actions_[action]);
     }
     file->addSeparator();
-    file->addAction(actions_[u"acClose"_s]);
+    file->addAction(actions_[Action::Close]);
 
     BuildEditBar(*area);
     setMenuWidget(area);
@@ -62,59 +62,62 @@ void TmainFm::BuildEditBar(controls::CommandArea& area) {
     }
     controls::CommandBar& bar = area.AddBar(u"Bearbeiten"_s);
     bar.AddChoice(u"Anzahl"_s, pictureCount_, PictureCountWidth);
-    for (const QString& name : {u"acCrop"_s, u"acSaveImageFast"_s, u"acPrintImage"_s}) {
-        bar.AddAction(actions_[name], Caption::Shown);
+    for (const Action action : {Action::Crop, Action::SaveImageFast, Action::PrintImage}) {
+        bar.AddAction(actions_[action], Caption::Shown);
     }
     bar.AddSeparator();
-    for (const QString& name : {u"acUndo"_s, u"acGradation"_s, u"acSchwarzweiss"_s,
-                                u"acRotateLeft"_s, u"acRotateRight"_s, u"acRotateDlg"_s}) {
-        bar.AddAction(actions_[name]);
-    }
-    bar.AddAction(actions_[u"acSetWhitePoint"_s], Caption::Shown);
-    bar.AddAction(actions_[u"acColorConfig"_s]);
-    bar.AddAction(actions_[u"acBeauty"_s]);
+    AddActions(bar, {Action::Undo, Action::Gradation, Action::Schwarzweiss, Action::RotateLeft,
+                     Action::RotateRight, Action::RotateDlg});
+    bar.AddAction(actions_[Action::SetWhitePoint], Caption::Shown);
+    AddActions(bar, {Action::ColorConfig, Action::Beauty});
     bar.AddSeparator();
-    for (const QString& name : {u"acZoomFit"_s, u"acZoomFull"_s, u"acShowLayer"_s}) {
-        bar.AddAction(actions_[name]);
-    }
+    AddActions(bar, {Action::ZoomFit, Action::ZoomFull, Action::ShowLayer});
     bar.AddSeparator();
-    bar.AddAction(actions_[u"acAbout"_s]);
+    AddActions(bar, {Action::About});
+}
+
+void TmainFm::AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions) {
+    for (const Action action : actions) {
+        bar.AddAction(actions_[action]);
+    }
 }
 
 void TmainFm::BuildViewPanel() {
-    viewPanel_ = new QWidget(this);
-    viewPanel_->setObjectName(u"ViewPanel"_s);
-    view_ = new imaging::view::ImageView(image_, viewPanel_);
+    auto* panel = new QWidget(this);
+    panel->setObjectName(u"ViewPanel"_s);
+    view_ = new imaging::view::ImageView(session_.Image(), panel);
     view_->setObjectName(u"View"_s);
-    view_->installEventFilter(this);
     view_->hide();
-    emptyState_ = new QWidget(viewPanel_);
-    emptyState_->setObjectName(u"EmptyState"_s);
-    auto* symbol = new QLabel(emptyState_);
-    symbol->setPixmap(controls::Icon(u"open"_s).pixmap(QSize(64, 64), devicePixelRatioF()));
-    auto* hint = new QLabel(u"Ziehen Sie ein Foto hierher oder öffnen Sie eines."_s, emptyState_);
-    auto* open = new QPushButton(actions_[u"acOpen"_s]->icon(), u"Bild öffnen"_s, emptyState_);
-    open->setObjectName(u"EmptyStateOpenButton"_s);
-    connect(open, &QPushButton::clicked, actions_[u"acOpen"_s], &QAction::trigger);
+    emptyState_ = BuildEmptyState();
 
-    auto* column = new QVBoxLayout(emptyState_);
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins({});
+    layout->addWidget(emptyState_);
+    layout->addWidget(view_);
+    setCentralWidget(panel);
+
+    auto* drop = new controls::FileDropTarget(panel);
+    connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
+}
+
+QWidget* TmainFm::BuildEmptyState() {
+    auto* empty = new QWidget;
+    empty->setObjectName(u"EmptyState"_s);
+    auto* symbol = new QLabel(empty);
+    symbol->setPixmap(controls::Icon(u"open"_s).pixmap(QSize(64, 64), devicePixelRatioF()));
+    auto* hint = new QLabel(u"Ziehen Sie ein Foto hierher oder öffnen Sie eines."_s, empty);
+    auto* open = new QPushButton(actions_[Action::Open]->icon(), u"Bild öffnen"_s, empty);
+    open->setObjectName(u"EmptyStateOpenButton"_s);
+    connect(open, &QPushButton::clicked, actions_[Action::Open], &QAction::trigger);
+
+    auto* column = new QVBoxLayout(empty);
     column->setSpacing(16);
     column->addStretch(2);
     column->addWidget(symbol, 0, Qt::AlignHCenter);
     column->addWidget(hint, 0, Qt::AlignHCenter);
     column->addWidget(open, 0, Qt::AlignHCenter);
     column->addStretch(3);
-
-    auto* layout = new QVBoxLayout(viewPanel_);
-    layout->setContentsMargins({});
-    layout->addWidget(emptyState_);
-    layout->addWidget(view_);
-    setCentralWidget(viewPanel_);
-
-    connect(view_, &imaging::view::ImageView::LayerChangedByUser, this, &TmainFm::ViewLayerNotify);
-    connect(view_, &imaging::view::ImageView::MousePressed, this, &TmainFm::ViewMouseDown);
-    auto* drop = new controls::FileDropTarget(viewPanel_);
-    connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
+    return empty;
 }
 
 void TmainFm::BuildStatusBar() {
@@ -131,17 +134,17 @@ void TmainFm::SetScreenTips() {
     using controls::SetScreenTip;
     SetScreenTip(pictureCount_, u"Bildanzahl"_s,
                  u"Wählen Sie hier die Anzahl der gewünschten Passbilder"_s);
-    SetScreenTip(actions_[u"acCrop"_s], u"Passbilder erstellen"_s,
+    SetScreenTip(actions_[Action::Crop], u"Passbilder erstellen"_s,
                  u"Nach dem Sie ein Bild geöffnet haben, und die Schablone positioniert wurde, "
                  u"können Sie hier die gewünschte Anzahl Passbilder erstellen."_s);
-    SetScreenTip(actions_[u"acPrintImage"_s], u"Drucken"_s, u"Passbild drucken"_s);
-    SetScreenTip(actions_[u"acPrinterProfilDlg"_s], u"Druckprofil"_s,
+    SetScreenTip(actions_[Action::PrintImage], u"Drucken"_s, u"Passbild drucken"_s);
+    SetScreenTip(actions_[Action::PrinterProfilDlg], u"Druckprofil"_s,
                  u"Speichern Sie individuelle Drucker Einstellungen als Profil"_s);
-    SetScreenTip(actions_[u"acOpen"_s], u"Bild öffnen"_s, u"Passbild öffnen"_s);
-    SetScreenTip(actions_[u"acBeauty"_s], u"Retusche"_s,
+    SetScreenTip(actions_[Action::Open], u"Bild öffnen"_s, u"Passbild öffnen"_s);
+    SetScreenTip(actions_[Action::Beauty], u"Retusche"_s,
                  u"Mit gedrückter Shifttaste werden Pixel aufgenommen und ohne gedrückte "
                  u"Shifttaste kopiert."_s);
-    SetScreenTip(actions_[u"acSaveImageFast"_s], u"Speichern"_s,
+    SetScreenTip(actions_[Action::SaveImageFast], u"Speichern"_s,
                  u"Die Bildanzahl muss 1 x 1 betragen.\n"
                  u"Geben Sie den Dateinamen und das Ziel in den Einstellungen vor."_s);
 }

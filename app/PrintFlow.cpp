@@ -2,15 +2,16 @@
 
 #include <QFileInfo>
 #include <QLocale>
-#include <QWidget>
+#include <QStatusBar>
 
+#include "app/MainActions.h"
+#include "app/PhotoSession.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
-#include "imaging/document/LayeredImage.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;
@@ -65,20 +66,30 @@ QString PaperWarning(QSizeF sheetMillimetres, QSizeF paperMillimetres) {
     return text + u"Trotzdem drucken?"_s;
 }
 
-PrintFlow::PrintFlow(QWidget& window, core::TData& data, dialogs::TEinstellungenFm& settings)
-    : window_(window),
+PrintFlow::PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusBar,
+                     core::TData& data, dialogs::TEinstellungenFm& settings, MainActions& actions)
+    : session_(session),
+      window_(window),
+      statusBar_(statusBar),
       data_(data),
       profileDialog_(new dialogs::TPrintProfilDlg(data, settings, &window)),
-      beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)) {}
+      beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)) {
+    actions.Connect(Action::PrintImage, this, [this] { acPrintImageExecute(); });
+    actions.Connect(Action::PrinSetup, this, [this] { acPrinSetupExecute(); });
+    actions.Connect(Action::PrinterProfilDlg, this, [this] { profileDialog_->ShowEx(); });
+}
 
-QString PrintFlow::PrintSheet(const imaging::LayeredImage& sheet) {
-    const printing::PrintImage image = PrintImageOf(sheet, data_.CurrentFile());
+void PrintFlow::acPrintImageExecute() {
+    const printing::PrintImage image = PrintImageOf(session_.Image(), data_.CurrentFile());
     if (!ChoosePrinter() || !ConfirmPaper(image.Millimetres())) {
-        return {};
+        return;
     }
     const controls::WaitCursor wait;
     data_.Printer().Print(image);
-    return data_.Printer().CurrentPrinter().device;
+    constexpr int Milliseconds = 8000;
+    statusBar_.showMessage(
+        u"Druckauftrag an „%1“ gesendet"_s.arg(data_.Printer().CurrentPrinter().device),
+        Milliseconds);
 }
 
 /// False when the user cancelled. The choice stays the current printer for the rest of the run.
@@ -108,12 +119,8 @@ bool PrintFlow::ConfirmPaper(QSizeF sheetMillimetres) {
     return warning.isEmpty() || controls::AskYesNo(&window_, warning, controls::Severity::Warning);
 }
 
-void PrintFlow::SetUpPrinter() {
+void PrintFlow::acPrinSetupExecute() {
     data_.Printer().ShowSetupDialog(window_.windowHandle());
-}
-
-void PrintFlow::ShowProfiles() {
-    profileDialog_->ShowEx();
 }
 
 }  // namespace kadrona::app

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QObject>
 #include <QSizeF>
 #include <QString>
 
+class QStatusBar;
 class QWidget;
 
 namespace kadrona::core {
@@ -15,31 +17,33 @@ class TEinstellungenFm;
 class TPrintProfilDlg;
 }  // namespace kadrona::dialogs
 
-namespace kadrona::imaging {
-class LayeredImage;
-}
-
 namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
 
 /// The actions that print: the sheet at its true size, the printer's set-up, the printer profiles.
 /// Every operation throws what the print service refuses; nothing is tried twice.
-class PrintFlow {
- public:
-    /// Makes its two dialogs as children of `window`, which with `data` and `settings` outlives the
-    /// object.
-    PrintFlow(QWidget& window, core::TData& data, dialogs::TEinstellungenFm& settings);
+class PrintFlow : public QObject {
+    Q_OBJECT
 
-    /// Asks how the printer is to be set, then prints the image's photo as one job. The name of the
-    /// printer that took it; empty when the user cancelled.
-    QString PrintSheet(const imaging::LayeredImage& sheet);
-    void SetUpPrinter();
-    void ShowProfiles();
+ public:
+    /// Makes its two dialogs as children of `window`. All that is given outlives the object.
+    PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusBar, core::TData& data,
+              dialogs::TEinstellungenFm& settings, MainActions& actions);
+
+    /// Asks how the printer is to be set, then prints the sheet as one job; the status bar tells
+    /// which printer took it.
+    void acPrintImageExecute();
 
  private:
+    void acPrinSetupExecute();
     bool ChoosePrinter();
     bool ConfirmPaper(QSizeF sheetMillimetres);
 
+    PhotoSession& session_;
     QWidget& window_;
+    QStatusBar& statusBar_;
     core::TData& data_;
     dialogs::TPrintProfilDlg* profileDialog_;
     dialogs::TBeforPrintDlgFm* beforePrintDialog_;

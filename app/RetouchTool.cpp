@@ -6,6 +6,8 @@
 #include <cmath>
 
 #include "app/MainActions.h"
+#include "app/PhotoSession.h"
+#include "app/ViewActions.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Cursors.h"
 #include "imaging/view/ImageView.h"
@@ -18,7 +20,7 @@ using imaging::view::ToolPointer;
 
 namespace {
 
-const QString Retouch = u"acBeauty"_s;
+constexpr Action Retouch = Action::Beauty;
 
 constexpr double SmallestDiameter = 1;
 constexpr double LargestDiameter = 2000;
@@ -35,10 +37,17 @@ constexpr QColor Dark(0, 0, 0, 200);
 
 }  // namespace
 
-RetouchTool::RetouchTool(ToolSurroundings surroundings, QObject* parent)
-    : QObject(parent), window_(std::move(surroundings)), stamp_(window_.view.Image()) {
-    connect(window_.actions[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
-    connect(&window_.view.Image(), &imaging::LayeredImage::PhotoChanged, this,
+RetouchTool::RetouchTool(PhotoSession& session, imaging::view::ImageView& view,
+                         QStatusBar& statusBar, MainActions& actions, ViewActions& viewActions)
+    : session_(session),
+      view_(view),
+      statusBar_(statusBar),
+      actions_(actions),
+      viewActions_(viewActions),
+      stamp_(session.Image()) {
+    actions.Connect(Retouch, this, [this] { acBeautyExecute(); });
+    connect(actions_[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
+    connect(&session_.Image(), &imaging::LayeredImage::PhotoChanged, this,
             &RetouchTool::FollowPhoto);
 }
 
@@ -48,38 +57,37 @@ RetouchTool::~RetouchTool() {
 
 /// Triggering has toggled the action already; that is taken back where a photo could not be read.
 void RetouchTool::acBeautyExecute() {
-    const bool checked = window_.actions.IsChecked(Retouch) && !window_.view.Image().IsEmpty();
-    window_.actions.SetChecked(Retouch, checked);
-    window_.showTemplateLayer(!checked);
+    const bool checked = actions_.IsChecked(Retouch) && !session_.Image().IsEmpty();
+    actions_.SetChecked(Retouch, checked);
+    viewActions_.ShowTemplateLayer(!checked);
     if (checked) {
-        window_.view.Image().SetCurrentLayer(0);
-        window_.view.Image().RecordUndoStep();
+        session_.Image().SetCurrentLayer(0);
+        session_.Image().RecordUndoStep();
     }
 }
 
 /// Whatever unchecks the action ends the mode.
 void RetouchTool::FollowAction(bool checked) {
-    imaging::view::ImageView& view = window_.view;
     if (checked) {
-        view.SetTool(this);
-        view.setCursor(controls::StampCursor());
-        view.setFocus();
+        view_.SetTool(this);
+        view_.setCursor(controls::StampCursor());
+        view_.setFocus();
         ShowHint();
-    } else if (view.Tool() == this) {
-        view.SetTool(nullptr);
-        view.unsetCursor();
-        window_.statusBar.clearMessage();
+    } else if (view_.Tool() == this) {
+        view_.SetTool(nullptr);
+        view_.unsetCursor();
+        statusBar_.clearMessage();
     }
 }
 
 void RetouchTool::LeaveMode() {
-    window_.actions.SetChecked(Retouch, false);
+    actions_.SetChecked(Retouch, false);
     stamp_.Reset();
 }
 
 /// A photo of another size has no place for the old source, and wants another brush.
 void RetouchTool::FollowPhoto() {
-    const QSize size = window_.view.Image().Photo().Size();
+    const QSize size = session_.Image().Photo().Size();
     if (size == photoSize_) {
         return;
     }
@@ -88,9 +96,9 @@ void RetouchTool::FollowPhoto() {
     brush_.diameter =
         std::clamp(std::floor(std::max(size.width(), size.height()) / BrushesPerPhoto),
                    SmallestDiameter, LargestDiameter);
-    if (window_.view.Tool() == this) {
+    if (view_.Tool() == this) {
         ShowHint();
-        window_.view.RefreshTool();
+        view_.RefreshTool();
     }
 }
 
@@ -99,7 +107,7 @@ void RetouchTool::ShowHint() {
     const QString next = stamp_.HasSource()
                              ? u"Ziehen kopiert, Mausrad: Größe, mit Umschalt: Weichheit"_s
                              : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
-    window_.statusBar.showMessage(u"Stempel %1 px, Weichheit %2 %  –  %3"_s.arg(
+    statusBar_.showMessage(u"Stempel %1 px, Weichheit %2 %  –  %3"_s.arg(
         QString::number(std::lround(brush_.diameter)),
         QString::number(std::lround(brush_.softness * 100)), next));
 }
@@ -117,12 +125,11 @@ void RetouchTool::Press(const ToolPointer& pointer) {
     if (takesSource_) {
         stamp_.TakeSource(pointer.photo);
     } else if (!stamp_.HasSource()) {
-        QToolTip::showText(window_.view.mapToGlobal(pointer.widget.toPoint()),
+        QToolTip::showText(view_.mapToGlobal(pointer.widget.toPoint()),
                            u"Zuerst mit gedrückter Umschalttaste anklicken, woher kopiert wird."_s,
-                           &window_.view);
+                           &view_);
     } else {
-        controls::Guarded(window_.view.window(),
-                          [&] { stamp_.BeginStroke(pointer.photo, brush_); });
+        controls::Guarded(view_.window(), [&] { stamp_.BeginStroke(pointer.photo, brush_); });
     }
     ShowHint();
 }
@@ -132,7 +139,7 @@ void RetouchTool::Move(const ToolPointer& pointer) {
     takesSource_ = pointer.modifiers.testFlag(Qt::ShiftModifier);
     if (stamp_.IsStroking()) {
         const bool drawn =
-            controls::Guarded(window_.view.window(), [&] { stamp_.ContinueStroke(pointer.photo); });
+            controls::Guarded(view_.window(), [&] { stamp_.ContinueStroke(pointer.photo); });
         if (!drawn) {
             stamp_.EndStroke();
         }
@@ -173,7 +180,7 @@ bool RetouchTool::Key(const QKeyEvent& event) {
     }
     if (event.type() == QEvent::KeyPress && event.key() == Qt::Key_Escape) {
         LeaveMode();
-        window_.showTemplateLayer(true);
+        viewActions_.ShowTemplateLayer(true);
         return true;
     }
     const QString text = event.text();
@@ -195,8 +202,7 @@ bool RetouchTool::Key(const QKeyEvent& event) {
 }
 
 double RetouchTool::WidgetRadius() const {
-    const imaging::view::ImageView& view = window_.view;
-    return view.ToWidget({brush_.diameter / 2, 0}).x() - view.ToWidget({0, 0}).x();
+    return view_.ToWidget({brush_.diameter / 2, 0}).x() - view_.ToWidget({0, 0}).x();
 }
 
 /// Where the pointer copies from, in the view's coordinates.
@@ -204,8 +210,8 @@ std::optional<QPointF> RetouchTool::SourceMark() const {
     if (!pointer_ || takesSource_) {
         return std::nullopt;
     }
-    const auto source = stamp_.SourceFor(window_.view.ToImage(*pointer_));
-    return source ? std::optional(window_.view.ToWidget(*source)) : std::nullopt;
+    const auto source = stamp_.SourceFor(view_.ToImage(*pointer_));
+    return source ? std::optional(view_.ToWidget(*source)) : std::nullopt;
 }
 
 QRectF RetouchTool::OverlayArea() const {

@@ -3,11 +3,20 @@
 #include <QObject>
 #include <optional>
 
-#include "app/ToolSurroundings.h"
 #include "imaging/retouch/CloneStamp.h"
 #include "imaging/view/ViewTool.h"
 
+class QStatusBar;
+
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
 namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+class ViewActions;
 
 /// The retouch stamp, a mode held in the checked state of acBeauty: with Shift a click takes the
 /// source, without it a stroke copies. The wheel and the keys + - [ ] change the brush's size; with
@@ -17,15 +26,15 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     Q_OBJECT
 
  public:
-    explicit RetouchTool(ToolSurroundings surroundings, QObject* parent = nullptr);
+    /// All that is given outlives the object.
+    RetouchTool(PhotoSession& session, imaging::view::ImageView& view, QStatusBar& statusBar,
+                MainActions& actions, ViewActions& viewActions);
     ~RetouchTool() override;
 
+ private:
     void acBeautyExecute();
-
     /// Ends the mode without touching the template, and forgets the source.
     void LeaveMode();
-
- private:
     void FollowAction(bool checked);
     void FollowPhoto();
     void ShowHint();
@@ -46,7 +55,11 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     QRectF OverlayArea() const override;
     void Paint(QPainter& painter) const override;
 
-    ToolSurroundings window_;
+    PhotoSession& session_;
+    imaging::view::ImageView& view_;
+    QStatusBar& statusBar_;
+    MainActions& actions_;
+    ViewActions& viewActions_;
     imaging::CloneStamp stamp_;
     imaging::Brush brush_;
     QSize photoSize_;

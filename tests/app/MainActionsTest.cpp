@@ -86,11 +86,11 @@ TEST(Actions, AreHiddenByTheSettingThatSwitchesThemOff) {
 
 TEST(Actions, CheckingOneOfTheExclusiveGroupUnchecksTheOthers) {
     app::MainActions actions;
-    actions.SetChecked(u"acShowLayer"_s, true);
-    actions.SetChecked(u"acBeauty"_s, true);
-    EXPECT_FALSE(actions.IsChecked(u"acShowLayer"_s));
-    actions.SetChecked(u"acSetWhitePoint"_s, false);
-    EXPECT_TRUE(actions.IsChecked(u"acBeauty"_s));
+    actions.SetChecked(app::Action::ShowLayer, true);
+    actions.SetChecked(app::Action::Beauty, true);
+    EXPECT_FALSE(actions.IsChecked(app::Action::ShowLayer));
+    actions.SetChecked(app::Action::SetWhitePoint, false);
+    EXPECT_TRUE(actions.IsChecked(app::Action::Beauty));
 }
 
 }  // namespace kadrona::testing

@@ -117,8 +117,8 @@ TEST_F(PrintStory, MakingThePhotosPrintsThemAtOnceWithTheDefaultProfile) {
         driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget&) {});
     });
     EXPECT_EQ(NewJobs(), QStringList(u"Briefdrucker"_s));
-    EXPECT_FALSE(window->Actions()[u"acPrintImage"_s]->isVisible());
-    EXPECT_FALSE(window->Actions()[u"acSave"_s]->isVisible());
+    EXPECT_FALSE(Named(u"acPrintImage"_s).isVisible());
+    EXPECT_FALSE(Named(u"acSave"_s).isVisible());
     MakeSheet([this] {
         PrintAtOnce(-1);
         ExpectBeforePrint();

@@ -38,7 +38,7 @@ TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
         Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
     });
     EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
-    EXPECT_FALSE(window->Actions()[u"acSaveImageFast"_s]->isVisible());
+    EXPECT_FALSE(Named(u"acSaveImageFast"_s).isVisible());
 }
 
 TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
@@ -138,6 +138,40 @@ TEST_F(SavingStory, OnlyTheFileThatIsWrittenIsAskedAbout) {
     Trigger(u"acSave"_s);
     EXPECT_EQ(QFileInfo(installation.Path("saved/x.gif")).size(), 5);
     EXPECT_EQ(SavedFiles(), QStringList({u"max.2024_kdr.jpg"_s, u"x.gif"_s, u"x.gif.jpg"_s}));
+}
+
+TEST_F(SavingStory, ABadTargetIsToldOfByBothWaysOfSavingAndStaysAsItWas) {
+    installation.Write("saved/Bildname.jpg", "old");
+    QFile::setPermissions(installation.Path("saved/Bildname.jpg"), QFile::ReadOwner);
+    const struct {
+        const char16_t* name;
+        const char16_t* reason;
+    } rows[] = {{u"Bildname", u"Die Datei ist schreibgeschützt"},
+                {u"fehlt/Bildname", u"Die Datei oder der Ordner ist nicht vorhanden"}};
+    for (const auto& row : rows) {
+        const QString name = QString::fromUtf16(row.name);
+        const QStringList said{installation.Path("saved/") + name, QString::fromUtf16(row.reason)};
+        MakeSinglePhoto([&] { Setting<QLineEdit>("FileNameEd").setText(name); });
+        driver.Answer(said);
+        Trigger(u"acSaveImageFast"_s);
+        EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s)) << name.toStdString();
+        driver.Expect(u"SaveDialog"_s, [&](QWidget& shown) { Type(shown, name); });
+        if (name == u"Bildname"_s) {
+            driver.Press(u"MessageBox"_s, u"YesButton"_s);
+        }
+        driver.Answer(said);
+        Trigger(u"acSave"_s);
+    }
+    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
+    EXPECT_EQ(QFileInfo(installation.Path("saved/Bildname.jpg")).size(), 3);
+}
+
+/// The settings let a profile choose no type at all.
+TEST_F(SavingStory, ANameWithoutAnExtensionIsRefused) {
+    MakeSinglePhoto([this] { Setting<QComboBox>("FileTypCombo").setCurrentIndex(-1); });
+    driver.Answer({installation.Path("saved/Bildname"), u"Der Name hat keine Endung"_s});
+    Trigger(u"acSaveImageFast"_s);
+    EXPECT_EQ(SavedFiles(), QStringList());
 }
 
 }  // namespace kadrona::testing

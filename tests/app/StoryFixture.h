@@ -27,7 +27,6 @@ class Story : public ::testing::Test {
     void Start() {
         window.reset();
         window = std::make_unique<app::TmainFm>(installation.Folders(), service);
-        window->CreateReusedWindows();
         window->show();
     }
 
@@ -46,8 +45,10 @@ class Story : public ::testing::Test {
         window->OpenDroppedFiles({installation.Path(name)});
     }
 
-    void Trigger(const QString& action) { window->Actions()[action]->trigger(); }
-    bool IsEnabled(const QString& action) { return window->Actions()[action]->isEnabled(); }
+    QAction& Named(const QString& action) { return *window->Actions().findChild<QAction*>(action); }
+    void Trigger(const QString& action) { Named(action).trigger(); }
+    bool IsEnabled(const QString& action) { return Named(action).isEnabled(); }
+    bool IsChecked(const QString& action) { return Named(action).isChecked(); }
     template <typename Control>
     Control& Setting(const char* name) {
         return Child<Control>(Child<dialogs::TEinstellungenFm>(*window), name);

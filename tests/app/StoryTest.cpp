@@ -67,14 +67,14 @@ TEST_F(Story, TheTemplateStaysInsideThePhotoAndCanBeHidden) {
     EXPECT_EQ(Template().topLeft(), QPoint(1200 - 350, 1600 - 450));
 
     Trigger(u"acShowLayer"_s);
-    EXPECT_TRUE(window->Actions().IsChecked(u"acShowLayer"_s));
+    EXPECT_TRUE(IsChecked(u"acShowLayer"_s));
     EXPECT_FALSE(Image().LayerAt(1).visible);
     EXPECT_EQ(Image().CurrentLayer(), 0);
     Trigger(u"acShowLayer"_s);
     EXPECT_TRUE(Image().LayerAt(1).visible);
     EXPECT_EQ(Image().CurrentLayer(), 1);
 
-    window->Actions().SetChecked(u"acBeauty"_s, true);
+    window->Actions().SetChecked(app::Action::Beauty, true);
     Trigger(u"acShowLayer"_s);
     EXPECT_TRUE(Image().LayerAt(1).visible) << "nothing while the retouch stamp is on";
     Trigger(u"acCrop"_s);

@@ -35,7 +35,6 @@ class ToolsStory : public Story {
     imaging::view::ImageView& View() { return window->View(); }
     QRgb PhotoPixel(int x, int y) { return Image().Photo().Tile().pixel(x, y); }
     bool TemplateShows() { return Image().LayerAt(1).visible && Image().CurrentLayer() == 1; }
-    bool IsChecked(const QString& action) { return window->Actions().IsChecked(action); }
     void Undo(int steps) {
         for (int i = 0; i < steps; ++i) {
             Trigger(u"acUndo"_s);

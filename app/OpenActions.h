@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+namespace kadrona::core {
+class TData;
+}
+
+namespace kadrona::dialogs {
+class TEinstellungenFm;
+class TProfileDlgFM;
+class TSchabloneFm;
+}  // namespace kadrona::dialogs
+
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
+namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+class RotateActions;
+class ViewActions;
+
+/// Opening a photo: by dialog, by drop, with a profile; then its template. All that is given
+/// outlives the object.
+class OpenActions : public QObject {
+    Q_OBJECT
+
+ public:
+    OpenActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
+                dialogs::TEinstellungenFm& settings, MainActions& actions, ViewActions& viewActions,
+                RotateActions& rotateActions);
+    ~OpenActions() override;
+
+    /// Opens the first of the files, as a drop of them does.
+    void OpenFiles(const QStringList& paths);
+
+ private:
+    void acOpenExecute();
+    void acOpenWithProfileExecute();
+    void ChooseAndLoad();
+    void LoadImageFile(const QString& fileName);
+    bool ReadPhoto(const QString& fileName);
+    void ChooseTemplate();
+
+    PhotoSession& session_;
+    imaging::view::ImageView& view_;
+    core::TData& data_;
+    dialogs::TEinstellungenFm& settings_;
+    MainActions& actions_;
+    ViewActions& viewActions_;
+    dialogs::TSchabloneFm* templateChooser_;
+    dialogs::TProfileDlgFM* profileChooser_;
+};
+
+}  // namespace kadrona::app

@@ -1,0 +1,67 @@
+#include "app/RotateActions.h"
+
+#include "app/MainActions.h"
+#include "app/PhotoSession.h"
+#include "app/ViewActions.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/Data.h"
+#include "imaging/pixels/QuarterTurn.h"
+
+namespace kadrona::app {
+
+using imaging::LayeredImage;
+
+RotateActions::RotateActions(PhotoSession& session, core::TData& data, MainActions& actions,
+                             ViewActions& viewActions)
+    : session_(session), data_(data), viewActions_(viewActions) {
+    actions.Connect(Action::RotateLeft, this, [this] { QuarterTurn(+90); });
+    actions.Connect(Action::RotateRight, this, [this] { QuarterTurn(-90); });
+    actions.Connect(Action::RotateDlg, this, [this] { acRotateDlgExecute(); });
+}
+
+void RotateActions::RotatePhoto(int degrees) {
+    LayeredImage& image = session_.Image();
+    if (!image.IsEmpty()) {
+        const auto turn =
+            degrees > 0 ? imaging::QuarterTurn::CounterClockwise : imaging::QuarterTurn::Clockwise;
+        image.ChangePhoto(imaging::Turned(image.Photo(), turn));
+    }
+    viewActions_.ZoomFit();
+}
+
+/// Turns the photo and gives the template back to the mouse, as long as there is one.
+void RotateActions::QuarterTurn(int degrees) {
+    LayeredImage& image = session_.Image();
+    if (image.IsEmpty()) {
+        return;
+    }
+    image.RecordUndoStep();
+    image.SetCurrentLayer(0);
+    const QSize before = image.Photo().Size();
+    RotatePhoto(degrees);
+    viewActions_.KeepTemplateOnPhoto(before);
+    if (session_.CurrentStage() != PhotoSession::Stage::SheetMade && session_.HasTemplate()) {
+        image.SetCurrentLayer(1);
+    }
+}
+
+/// The zoom stays: a photo that is levelled is looked at closely, and is levelled again.
+void RotateActions::acRotateDlgExecute() {
+    LayeredImage& image = session_.Image();
+    if (image.IsEmpty()) {
+        return;
+    }
+    image.RecordUndoStep();
+    image.SetCurrentLayer(0);
+    const QSize before = image.Photo().Size();
+    {
+        const controls::WaitCursor wait;
+        data_.RotateImage(image);
+    }
+    viewActions_.KeepTemplateOnPhoto(before);
+    if (session_.HasTemplate()) {
+        image.SetCurrentLayer(1);
+    }
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QObject>
+
+class QWidget;
+
+namespace kadrona::core {
+class Settings;
+class TData;
+class UserInterface;
+}  // namespace kadrona::core
+
+namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+class PrintFlow;
+class ViewActions;
+
+/// "Passbilder erstellen" and "Speichern", under a name that the user chooses and quickly under a
+/// generated one. All that is given outlives the object.
+class SheetActions : public QObject {
+    Q_OBJECT
+
+ public:
+    SheetActions(PhotoSession& session, QWidget& window, core::TData& data,
+                 const core::Settings& settings, core::UserInterface& ui, MainActions& actions,
+                 ViewActions& viewActions, PrintFlow& printFlow);
+
+ private:
+    void acCropExecute();
+    void acSaveExecute();
+    void acSaveImageFastExecute();
+
+    PhotoSession& session_;
+    QWidget& window_;
+    core::TData& data_;
+    const core::Settings& settings_;
+    core::UserInterface& ui_;
+    MainActions& actions_;
+    ViewActions& viewActions_;
+    PrintFlow& printFlow_;
+};
+
+}  // namespace kadrona::app
