@@ -13,7 +13,9 @@ OpenDialog OpenDialog::OfPhotos() {
             u"GIF-Bild (*.gif)|*.gif|Portable Network Graphics (*.png)|*.png|"
             u"JPEG-Grafikdatei (*.jpg)|*.jpg|JPEG-Grafikdatei (*.jpeg)|*.jpeg|Bitmaps (*.bmp)|"
             u"*.bmp|Symbole (*.ico)|*.ico|Erweiterte Metadateien (*.emf)|*.emf|Metadateien (*.wmf)|"
-            u"*.wmf|TIFF-Grafiken (*.tif)|*.tif|TIFF-Grafiken (*.tiff)|*.tiff"_s};
+            u"*.wmf|TIFF-Grafiken (*.tif)|*.tif|TIFF-Grafiken (*.tiff)|*.tiff|"
+            u"Fotos von Telefonen (*.heic;*.heif;*.avif)|*.heic;*.heif;*.avif|"
+            u"WebP-Bilder (*.webp)|*.webp|JPEG 2000 (*.jp2;*.j2k)|*.jp2;*.j2k"_s};
 }
 
 SaveDialog SaveDialog::OfPhotos() {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 
+#include "imaging/metadata/Jpeg2000Boxes.h"
 #include "platform/ByteReader.h"
 
 namespace kadrona::imaging {
@@ -193,6 +194,15 @@ FileMetadata ReadBmp(QIODevice& device) {
     return {Orientation::Upright, FromDotsPerMetre(reader.Read<qint32>())};
 }
 
+FileMetadata ReadJpeg2000(QIODevice& device) {
+    constexpr QByteArrayView Mark("JpgTiffExif->JP2");
+    const auto box = FindJpeg2000Box(device, "uuid", Mark);
+    if (!box || box->length > MaximumExifSize) {
+        return {};
+    }
+    return ReadExif(BytesAt(device, box->position + Mark.size(), box->length - Mark.size()));
+}
+
 }  // namespace
 
 DotsPerInch ResolutionFrom(double dotsPerInch) {
@@ -217,6 +227,9 @@ FileMetadata ReadFileMetadata(QIODevice& device) try {
     }
     if (start.startsWith("BM")) {
         return ReadBmp(device);
+    }
+    if (start.sliced(4).startsWith("jP  ")) {
+        return ReadJpeg2000(device);
     }
     return {};
 } catch (const platform::OutOfBytes&) {

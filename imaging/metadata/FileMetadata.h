@@ -20,7 +20,8 @@ struct FileMetadata {
 /// A resolution rounded to an integer; unknown where it is not a sensible one.
 DotsPerInch ResolutionFrom(double dotsPerInch);
 
-/// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF) or BMP file. Damaged or missing
+/// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF), JP2 (EXIF) or BMP
+/// file. Damaged or missing
 /// metadata is the default, never an error. Moves the device.
 ///
 /// Only four tags are of interest here and all stand in the first directory, so no library walks

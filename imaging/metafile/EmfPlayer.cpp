@@ -1,4 +1,3 @@
-// The header of an EMF, its records that change the state, and its objects. EmfDrawing.cpp draws.
 #include "imaging/metafile/EmfPlayer.h"
 
 #include <algorithm>
@@ -60,10 +59,64 @@ MetafileCanvas::Object StockObject(quint32 number) {
             return QPen(Qt::NoPen);
         case 18:
             return QBrush(Qt::white);
-        case 19:
-            return QPen(Qt::black, 0);
         default:
-            return MetafileFont();
+            return QPen(Qt::black, 0);
+    }
+}
+
+struct NamedRecord {
+    quint32 type;
+    const char* name;
+};
+/// Those that would change the picture.
+constexpr auto UnsupportedRecords = std::to_array<NamedRecord>({
+    {20, "SETROP2"},
+    {26, "OFFSETCLIPRGN"},
+    {29, "EXCLUDECLIPRECT"},
+    {41, "ANGLEARC"},
+    {45, "ARC"},
+    {46, "CHORD"},
+    {47, "PIE"},
+    {53, "EXTFLOODFILL"},
+    {55, "ARCTO"},
+    {56, "POLYDRAW"},
+    {59, "BEGINPATH"},
+    {62, "FILLPATH"},
+    {63, "STROKEANDFILLPATH"},
+    {64, "STROKEPATH"},
+    {67, "SELECTCLIPPATH"},
+    {71, "FILLRGN"},
+    {72, "FRAMERGN"},
+    {73, "INVERTRGN"},
+    {74, "PAINTRGN"},
+    {75, "EXTSELECTCLIPRGN"},
+    {78, "MASKBLT"},
+    {79, "PLGBLT"},
+    {83, "EXTTEXTOUTA"},
+    {84, "EXTTEXTOUTW"},
+    {92, "POLYDRAW16"},
+    {93, "CREATEMONOBRUSH"},
+    {94, "CREATEDIBPATTERNBRUSHPT"},
+    {96, "POLYTEXTOUTA"},
+    {97, "POLYTEXTOUTW"},
+    {102, "GLSRECORD"},
+    {103, "GLSBOUNDEDRECORD"},
+    {108, "SMALLTEXTOUT"},
+    {116, "TRANSPARENTBLT"},
+    {118, "GRADIENTFILL"},
+});
+
+/// Refuses a record by its name. Those that alone change nothing (palettes, colour management, how
+/// text would look, comments, escapes to a printer) pass.
+void RequireWithoutEffect(quint32 type) {
+    constexpr quint32 LastKnown = 122;
+    for (const NamedRecord& record : UnsupportedRecords) {
+        if (record.type == type) {
+            throw UnsupportedRecord{record.name, type};
+        }
+    }
+    if (type > LastKnown) {
+        throw UnsupportedRecord{nullptr, type};
     }
 }
 
@@ -134,9 +187,10 @@ void EmfPlayer::Play() {
 }
 
 void EmfPlayer::PlayRecord(Record& record) {
-    PlayMapping(record) || PlayAttribute(record) || PlayObject(record) || PlayPath(record) ||
-        PlayClip(record) || PlayFigure(record) || PlayPoints(record) || PlayBitmap(record) ||
-        PlayText(record);
+    if (!(PlayMapping(record) || PlayState(record) || PlayObject(record) || PlayFigure(record) ||
+          PlayPoints(record) || PlayBitmap(record))) {
+        RequireWithoutEffect(record.type);
+    }
 }
 
 bool EmfPlayer::PlayMapping(Record& record) {
@@ -196,27 +250,17 @@ void EmfPlayer::ModifyWorld(platform::ByteReader& reader) {
     }
 }
 
-bool EmfPlayer::PlayAttribute(Record& record) {
+bool EmfPlayer::PlayState(Record& record) {
     platform::ByteReader& reader = record.reader;
-    MetafileState& state = canvas_.State();
     switch (record.type) {
-        case 18:  // SETBKMODE
-            state.opaqueBackground = reader.Read<quint32>() == 2;
-            return true;
         case 19:  // SETPOLYFILLMODE
-            state.fillRule = reader.Read<quint32>() == 2 ? Qt::WindingFill : Qt::OddEvenFill;
+            canvas_.State().fillRule =
+                reader.Read<quint32>() == 2 ? Qt::WindingFill : Qt::OddEvenFill;
             return true;
         case 20:  // SETROP2
-            state.rasterOperation = reader.Read<qint32>();
-            return true;
-        case 22:  // SETTEXTALIGN
-            state.textAlignment = reader.Read<quint32>();
-            return true;
-        case 24:  // SETTEXTCOLOR
-            state.textColour = ColourFrom(reader.Read<quint32>());
-            return true;
-        case 25:  // SETBKCOLOR
-            state.backgroundColour = ColourFrom(reader.Read<quint32>());
+            return reader.Read<quint32>() == CopyPen;
+        case 30:  // INTERSECTCLIPRECT
+            canvas_.ClipTo(ReadCorners<qint32>(reader));
             return true;
         case 33:  // SAVEDC
             canvas_.Save();
@@ -224,9 +268,8 @@ bool EmfPlayer::PlayAttribute(Record& record) {
         case 34:  // RESTOREDC
             canvas_.Restore(reader.Read<qint32>());
             return true;
-        case 57:  // SETARCDIRECTION
-            state.arcsClockwise = reader.Read<quint32>() == 2;
-            return true;
+        case 75:  // EXTSELECTCLIPRGN
+            return SelectClipRegion(reader);
         default:
             return false;
     }
@@ -256,13 +299,6 @@ bool EmfPlayer::PlayObject(Record& record) {
         case 40:  // DELETEOBJECT
             objects_.erase(reader.Read<quint32>());
             return true;
-        case 82:  // EXTCREATEFONTINDIRECTW
-            CreateFont(reader);
-            return true;
-        case 93:  // CREATEMONOBRUSH
-        case 94:  // CREATEDIBPATTERNBRUSHPT
-            CreatePatternBrush(record);
-            return true;
         case 95: {  // EXTCREATEPEN
             constexpr quint32 Geometric = 0x00010000;
             const auto handle = reader.Read<quint32>();
@@ -288,86 +324,16 @@ void EmfPlayer::SelectObject(quint32 handle) {
     }
 }
 
-void EmfPlayer::CreateFont(platform::ByteReader& reader) {
-    constexpr int LongestName = 32;
-    const auto handle = reader.Read<quint32>();
-    MetafileFont font;
-    font.height = reader.Read<qint32>();
-    reader.Skip(4);
-    font.escapementDegrees = reader.Read<qint32>() / 10.0;
-    reader.Skip(4);
-    font.weight = reader.Read<qint32>();
-    font.italic = reader.Read<quint8>() != 0;
-    font.underlined = reader.Read<quint8>() != 0;
-    font.struckOut = reader.Read<quint8>() != 0;
-    reader.Skip(5);
-    for (int i = 0; i < LongestName; ++i) {
-        const QChar character(reader.Read<quint16>());
-        if (character.isNull()) {
-            break;
-        }
-        font.family.append(character);
-    }
-    objects_[handle] = font;
-}
-
-bool EmfPlayer::PlayPath(Record& record) {
-    switch (record.type) {
-        case 59:  // BEGINPATH
-            canvas_.BeginPath();
-            return true;
-        case 60:  // ENDPATH
-            canvas_.EndPath();
-            return true;
-        case 61:  // CLOSEFIGURE
-            canvas_.CloseFigure();
-            return true;
-        case 62:  // FILLPATH
-            canvas_.DrawPath(ShapePainting::Fill);
-            return true;
-        case 63:  // STROKEANDFILLPATH
-            canvas_.DrawPath(ShapePainting::FillAndStroke);
-            return true;
-        case 64:  // STROKEPATH
-            canvas_.DrawPath(ShapePainting::Stroke);
-            return true;
-        case 67:  // SELECTCLIPPATH
-            canvas_.ClipToPath();
-            return true;
-        case 68:  // ABORTPATH
-            canvas_.AbortPath();
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool EmfPlayer::PlayClip(Record& record) {
-    switch (record.type) {
-        case 29:  // EXCLUDECLIPRECT
-            canvas_.ClipOut(ReadCorners<qint32>(record.reader));
-            return true;
-        case 30:  // INTERSECTCLIPRECT
-            canvas_.ClipTo(ReadCorners<qint32>(record.reader));
-            return true;
-        case 75:  // EXTSELECTCLIPRGN
-            SelectClipRegion(record.reader);
-            return true;
-        default:
-            return false;
-    }
-}
-
-void EmfPlayer::SelectClipRegion(platform::ByteReader& reader) {
+bool EmfPlayer::SelectClipRegion(platform::ByteReader& reader) {
     constexpr quint32 Copy = 5;
     constexpr quint32 MaximumParts = 10'000;
     const auto size = reader.Read<quint32>();
     if (reader.Read<quint32>() != Copy) {
-        return;  // combinations with the clipping so far are rare and narrow it at most
+        return false;
     }
     if (size == 0) {
         canvas_.SetDeviceClip({});
-        return;
+        return true;
     }
     reader.Skip(8);
     const quint32 count = std::min(reader.Read<quint32>(), MaximumParts);
@@ -377,6 +343,7 @@ void EmfPlayer::SelectClipRegion(platform::ByteReader& reader) {
         parts.push_back(ReadCorners<qint32>(reader));
     }
     canvas_.SetDeviceClip(parts);
+    return true;
 }
 
 }  // namespace kadrona::imaging

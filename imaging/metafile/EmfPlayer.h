@@ -16,13 +16,18 @@ bool IsEmf(QByteArrayView start);
 /// Reads the header of an EMF. Throws MetafileFault or platform::OutOfBytes.
 MetafilePicture ReadEmfHeader(QByteArrayView file);
 
-/// Draws the records of an EMF (Microsoft's [MS-EMF]). Records that it does not know are skipped.
+/// Draws the records of an EMF (Microsoft's [MS-EMF]). Bitmaps and the basic shapes
+/// are drawn, no texts, paths, arcs, patterns or regions: photos have none of these.
+///
+/// libwmf and libemf were weighed: the one wants fonts of its own and knows no EMF, the other only
+/// writes. Qt has no player.
 class EmfPlayer {
  public:
     /// Owns neither.
     EmfPlayer(QByteArrayView file, MetafileCanvas& canvas) : file_(file), canvas_(canvas) {}
 
-    /// Throws MetafileFault, or platform::OutOfBytes where a record holds less than it says.
+    /// Throws MetafileFault, UnsupportedRecord, or platform::OutOfBytes where a record holds less
+    /// than it says.
     void Play();
 
  private:
@@ -38,28 +43,21 @@ class EmfPlayer {
     void PlayRecord(Record& record);
     // Each of these returns false for a record of another group.
     bool PlayMapping(Record& record);
-    bool PlayAttribute(Record& record);
+    bool PlayState(Record& record);
     bool PlayObject(Record& record);
-    bool PlayPath(Record& record);
-    bool PlayClip(Record& record);
     bool PlayFigure(Record& record);
     bool PlayPoints(Record& record);
     bool PlayBitmap(Record& record);
-    bool PlayText(Record& record);
 
     void SelectObject(quint32 handle);
-    void CreateFont(platform::ByteReader& reader);
-    void CreatePatternBrush(Record& record);
     void ModifyWorld(platform::ByteReader& reader);
-    void SelectClipRegion(platform::ByteReader& reader);
+    /// False for a region that is combined with the clipping so far.
+    bool SelectClipRegion(platform::ByteReader& reader);
     template <typename Coordinate>
     void DrawPoints(platform::ByteReader& reader, quint32 wideType);
     template <typename Coordinate>
     void DrawManyPolygons(platform::ByteReader& reader, bool closed);
-    void DrawArc(platform::ByteReader& reader, ArcKind kind);
     void BlitBitmap(Record& record);
-    void DrawSmallText(platform::ByteReader& reader);
-    void DrawExtendedText(Record& record);
 
     QByteArrayView file_;
     MetafileCanvas& canvas_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace kadrona::imaging {
 
@@ -25,43 +26,9 @@ double ScaleOf(const QTransform& transform) {
     return std::sqrt(std::abs(transform.determinant()));
 }
 
-/// Of SetROP2, as far as the painter knows it.
-QPainter::CompositionMode PenComposition(int rasterOperation) {
-    switch (rasterOperation) {
-        case 1:
-            return QPainter::RasterOp_ClearDestination;
-        case 4:
-            return QPainter::RasterOp_NotSource;
-        case 6:
-            return QPainter::RasterOp_NotDestination;
-        case 7:
-            return QPainter::RasterOp_SourceXorDestination;
-        case 9:
-            return QPainter::RasterOp_SourceAndDestination;
-        case 11:
-            return QPainter::CompositionMode_Destination;
-        case 15:
-            return QPainter::RasterOp_SourceOrDestination;
-        case 16:
-            return QPainter::RasterOp_SetDestination;
-        default:
-            return QPainter::CompositionMode_SourceOver;
-    }
-}
-
-/// Of a bitmap's raster operation code, as far as the painter knows it.
-QPainter::CompositionMode BitmapComposition(quint32 rasterOperation) {
-    switch (rasterOperation) {
-        case 0x00330008:  // NOTSRCCOPY
-            return QPainter::RasterOp_NotSource;
-        case 0x00660046:  // SRCINVERT
-            return QPainter::RasterOp_SourceXorDestination;
-        case 0x008800c6:  // SRCAND
-            return QPainter::RasterOp_SourceAndDestination;
-        case 0x00ee0086:  // SRCPAINT
-            return QPainter::RasterOp_SourceOrDestination;
-        default:
-            return QPainter::CompositionMode_SourceOver;
+void RequireKnown(quint32 rasterOperation, std::initializer_list<quint32> known) {
+    if (std::find(known.begin(), known.end(), rasterOperation) == known.end()) {
+        throw UnsupportedRecord{"TERNARYRASTEROPERATION", rasterOperation};
     }
 }
 
@@ -130,10 +97,8 @@ void MetafileCanvas::Restore(int saved) {
 void MetafileCanvas::Select(const Object& object) {
     if (const auto* pen = std::get_if<QPen>(&object)) {
         state_.pen = *pen;
-    } else if (const auto* brush = std::get_if<QBrush>(&object)) {
-        state_.brush = *brush;
-    } else if (const auto* font = std::get_if<MetafileFont>(&object)) {
-        state_.font = *font;
+    } else {
+        state_.brush = std::get<QBrush>(object);
     }
 }
 
@@ -172,38 +137,19 @@ void MetafileCanvas::Paint(const QPainterPath& imagePath, ShapePainting painting
     // The painter follows an edge for its whole length, also outside of the picture.
     Charge(visible.width() * visible.height() + 4 * length + 100.0 * imagePath.elementCount());
 
-    const auto composition = PenComposition(state_.rasterOperation);
-    painter_.setCompositionMode(composition);
-    // The painter's raster operations know no half covered pixels.
-    painter_.setRenderHint(QPainter::Antialiasing,
-                           composition == QPainter::CompositionMode_SourceOver);
     if (painting != ShapePainting::Stroke) {
         painter_.fillPath(imagePath, state_.brush);
     }
     if (painting != ShapePainting::Fill && state_.pen.style() != Qt::NoPen) {
         Stroke(imagePath, length);
     }
-    painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
     hasDrawn_ = true;
 }
 
 void MetafileCanvas::Draw(const QPainterPath& path, ShapePainting painting) {
     QPainterPath imagePath = ToImage(path);
     imagePath.setFillRule(state_.fillRule);
-    if (collecting_) {
-        Charge(100.0 * imagePath.elementCount());
-        path_.addPath(imagePath);
-    } else {
-        Paint(imagePath, painting);
-    }
-}
-
-void MetafileCanvas::MoveTo(const QPointF& point) {
-    state_.position = point;
-    if (collecting_) {
-        const QPointF mapped = ToImage().map(point);
-        path_.moveTo(Clamped(mapped.x()), Clamped(mapped.y()));
-    }
+    Paint(imagePath, painting);
 }
 
 void MetafileCanvas::DrawFromPosition(const QPolygonF& points, bool bezier) {
@@ -221,17 +167,7 @@ void MetafileCanvas::DrawFromPosition(const QPolygonF& points, bool bezier) {
         }
     }
     state_.position = points.back();
-    if (!collecting_) {
-        Draw(path, ShapePainting::Stroke);
-        return;
-    }
-    const QPainterPath imagePath = ToImage(path);
-    Charge(100.0 * imagePath.elementCount());
-    if (path_.isEmpty()) {
-        path_.addPath(imagePath);
-    } else {
-        path_.connectPath(imagePath);
-    }
+    Draw(path, ShapePainting::Stroke);
 }
 
 void MetafileCanvas::NoteFineness(const BitmapDrawing& drawing, const QTransform& toImage) {
@@ -251,6 +187,7 @@ void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
         drawing.source.height() == 0) {
         return;
     }
+    RequireKnown(drawing.rasterOperation, {rasteroperation::SourceCopy});
     const QTransform toImage = ToImage();
     const QTransform fromBitmap = SourceToTarget(drawing.source, drawing.target) * toImage;
     const QRectF visible = Clamped(fromBitmap.mapRect(drawing.source)) & QRectF(target_.rect());
@@ -271,24 +208,25 @@ void MetafileCanvas::Draw(const BitmapDrawing& drawing) {
         return;
     }
     painter_.setTransform(fromBitmap);
-    painter_.setCompositionMode(BitmapComposition(drawing.rasterOperation));
     painter_.setOpacity(drawing.opacity);
     const QRectF source = drawing.source.normalized();
     painter_.drawImage(source, image, source);
     painter_.setOpacity(1);
-    painter_.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter_.resetTransform();
     hasDrawn_ = true;
 }
 
 void MetafileCanvas::FillRectangle(const QRectF& rectangle, quint32 rasterOperation) {
+    if (rasterOperation == rasteroperation::Nothing) {
+        return;
+    }
+    RequireKnown(rasterOperation, {rasteroperation::PatternCopy, rasteroperation::Blackness,
+                                   rasteroperation::Whiteness});
     const QBrush kept = state_.brush;
     if (rasterOperation == rasteroperation::Blackness) {
         state_.brush = Qt::black;
     } else if (rasterOperation == rasteroperation::Whiteness) {
         state_.brush = Qt::white;
-    } else if (rasterOperation != rasteroperation::PatternCopy) {
-        return;
     }
     QPainterPath path;
     path.addRect(rectangle);
@@ -302,52 +240,11 @@ void MetafileCanvas::SetPixel(const QPointF& point, const QColor& colour) {
     state_.brush = kept;
 }
 
-void MetafileCanvas::BeginPath() {
-    path_ = {};
-    collecting_ = true;
-    MoveTo(state_.position);
-}
-
-void MetafileCanvas::CloseFigure() {
-    if (collecting_) {
-        path_.closeSubpath();
-    }
-}
-
-void MetafileCanvas::AbortPath() {
-    path_ = {};
-    collecting_ = false;
-}
-
-void MetafileCanvas::DrawPath(ShapePainting painting) {
-    path_.setFillRule(state_.fillRule);
-    Paint(path_, painting);
-    path_ = {};
-}
-
-void MetafileCanvas::ClipToPath() {
-    Charge(100.0 * path_.elementCount() + target_.width() * double(target_.height()));
-    path_.setFillRule(state_.fillRule);
-    painter_.setClipPath(path_, Qt::IntersectClip);
-    path_ = {};
-}
-
 void MetafileCanvas::ClipTo(const QRectF& rectangle) {
     Charge(0);
     QPainterPath path;
     path.addRect(rectangle);
     painter_.setClipPath(ToImage(path), Qt::IntersectClip);
-}
-
-void MetafileCanvas::ClipOut(const QRectF& rectangle) {
-    Charge(target_.width() * double(target_.height()));
-    QPainterPath hole;
-    hole.addRect(rectangle);
-    QPainterPath rest;
-    rest.addRect(target_.rect());
-    rest.addPath(ToImage(hole));
-    rest.setFillRule(Qt::OddEvenFill);
-    painter_.setClipPath(rest, Qt::IntersectClip);
 }
 
 void MetafileCanvas::SetDeviceClip(const std::optional<std::vector<QRectF>>& parts) {

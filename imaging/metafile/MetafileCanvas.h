@@ -9,12 +9,10 @@
 #include <vector>
 
 #include "imaging/metafile/DeviceIndependentBitmap.h"
+#include "imaging/metafile/MetafileFault.h"
 #include "imaging/metafile/MetafileState.h"
 
 namespace kadrona::imaging {
-
-/// Why a metafile cannot be drawn.
-enum class MetafileFault { Damaged, Incomplete, TooComplex };
 
 enum class ShapePainting { Fill, Stroke, FillAndStroke };
 
@@ -33,30 +31,19 @@ struct BitmapDrawing {
     BitmapView bitmap;
     QRectF source;
     QRectF target;
+    /// Any other than SourceCopy and Nothing is refused.
     quint32 rasterOperation = rasteroperation::SourceCopy;
     BitmapAlpha alpha = BitmapAlpha::Ignored;
     double opacity = 1;
 };
 
-/// A text to draw; lengths are logical units.
-struct TextDrawing {
-    static constexpr quint32 Opaque = 2;
-    static constexpr quint32 Clipped = 4;
-
-    QPointF reference;
-    QString text;
-    quint32 options = 0;
-    QRectF rectangle;
-    /// Advance of each character; empty where the font decides.
-    std::vector<double> advances;
-};
-
 /// Where metafile records are drawn: a device context over an image. Coordinates are logical, the
 /// present state maps them. Whatever the records ask for, the work is bounded: throws
-/// MetafileFault::TooComplex.
+/// MetafileFault::TooComplex; and UnsupportedRecord where a bitmap is combined with what is below
+/// it.
 class MetafileCanvas {
  public:
-    using Object = std::variant<QPen, QBrush, MetafileFont>;
+    using Object = std::variant<QPen, QBrush>;
 
     /// For `maximumBitmapPixels`, where bitmaps are looked at but not drawn.
     static constexpr qint64 MeasureOnly = 0;
@@ -72,23 +59,14 @@ class MetafileCanvas {
     void Select(const Object& object);
 
     void Draw(const QPainterPath& path, ShapePainting painting);
-    void MoveTo(const QPointF& point);
+    void MoveTo(const QPointF& point) { state_.position = point; }
     /// From the present position on; the path's last point becomes the position.
     void DrawFromPosition(const QPolygonF& points, bool bezier);
     void Draw(const BitmapDrawing& drawing);
-    void Draw(const TextDrawing& drawing);
     void FillRectangle(const QRectF& rectangle, quint32 rasterOperation);
     void SetPixel(const QPointF& point, const QColor& colour);
 
-    /// Until EndPath shapes are collected instead of drawn.
-    void BeginPath();
-    void EndPath() { collecting_ = false; }
-    void CloseFigure();
-    void AbortPath();
-    void DrawPath(ShapePainting painting);
-    void ClipToPath();
     void ClipTo(const QRectF& rectangle);
-    void ClipOut(const QRectF& rectangle);
     /// Replaces the clipping, in pixels of the device; none: everything.
     void SetDeviceClip(const std::optional<std::vector<QRectF>>& parts);
 
@@ -105,8 +83,6 @@ class MetafileCanvas {
     void Paint(const QPainterPath& imagePath, ShapePainting painting);
     void Charge(double work);
     void NoteFineness(const BitmapDrawing& drawing, const QTransform& toImage);
-    QFont ScaledFont(double pixelsPerUnit) const;
-    void DrawTextLine(QPainter& painter, const TextDrawing& drawing, double pixelsPerUnit);
 
     QImage& target_;
     QPainter painter_;
@@ -115,8 +91,6 @@ class MetafileCanvas {
     qint64 maximumBitmapPixels_;
     MetafileState state_;
     std::vector<MetafileState> saved_;
-    QPainterPath path_;
-    bool collecting_ = false;
     bool hasDrawn_ = false;
     double finestBitmap_ = 0;
     double workLeft_;

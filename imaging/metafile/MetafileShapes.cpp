@@ -1,21 +1,8 @@
 #include "imaging/metafile/MetafileShapes.h"
 
 #include <cmath>
-#include <numbers>
 
 namespace kadrona::imaging {
-
-namespace {
-
-/// The direction of a point from a box's middle, in degrees counterclockwise, on the circle that
-/// the box squeezes into its ellipse.
-double AngleOf(const QRectF& box, const QPointF& point) {
-    const QPointF offset = point - box.center();
-    return std::atan2(-offset.y() * box.width(), offset.x() * box.height()) * 180 /
-           std::numbers::pi;
-}
-
-}  // namespace
 
 QPainterPath PolylinePath(const QPolygonF& points) {
     QPainterPath path;
@@ -57,30 +44,6 @@ QPainterPath RoundRectanglePath(const QRectF& rectangle, QSizeF corner) {
     QPainterPath path;
     path.addRoundedRect(rectangle.normalized(), std::abs(corner.width()) / 2,
                         std::abs(corner.height()) / 2);
-    return path;
-}
-
-QPainterPath ArcPath(const QRectF& box, const QPointF& start, const QPointF& end, ArcKind kind,
-                     bool clockwise) {
-    const QRectF ellipse = box.normalized();
-    const double startAngle = AngleOf(ellipse, start);
-    double sweep = AngleOf(ellipse, end) - startAngle;
-    // Equal rays mean the whole ellipse.
-    if (!clockwise && sweep <= 0) {
-        sweep += 360;
-    } else if (clockwise && sweep >= 0) {
-        sweep -= 360;
-    }
-    QPainterPath path;
-    if (kind == ArcKind::Pie) {
-        path.moveTo(ellipse.center());
-    } else {
-        path.arcMoveTo(ellipse, startAngle);
-    }
-    path.arcTo(ellipse, startAngle, sweep);
-    if (kind != ArcKind::Open) {
-        path.closeSubpath();
-    }
     return path;
 }
 

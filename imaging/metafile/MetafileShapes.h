@@ -5,8 +5,6 @@
 
 namespace kadrona::imaging {
 
-enum class ArcKind { Open, Chord, Pie };
-
 /// Shapes that EMF and WMF share, as paths in logical units.
 QPainterPath PolylinePath(const QPolygonF& points);
 QPainterPath PolygonPath(const QPolygonF& points);
@@ -16,8 +14,5 @@ QPainterPath RectanglePath(const QRectF& rectangle);
 QPainterPath EllipsePath(const QRectF& rectangle);
 /// `corner` is width and height of the corners' ellipse.
 QPainterPath RoundRectanglePath(const QRectF& rectangle, QSizeF corner);
-/// The part of the ellipse in `box` between the rays from its middle through `start` and `end`.
-QPainterPath ArcPath(const QRectF& box, const QPointF& start, const QPointF& end, ArcKind kind,
-                     bool clockwise);
 
 }  // namespace kadrona::imaging

@@ -5,7 +5,6 @@
 #include <QPen>
 #include <QPointF>
 #include <QSizeF>
-#include <QString>
 #include <QTransform>
 
 namespace kadrona::imaging {
@@ -31,35 +30,18 @@ struct MetafileMapping {
     QTransform LogicalToDevice(QSizeF dotsPerMillimetre) const;
 };
 
-/// A font as a metafile asks for it; lengths are logical units.
-struct MetafileFont {
-    /// Negative: of the letters; positive: of the line; 0: the default.
-    double height = 0;
-    double escapementDegrees = 0;
-    int weight = 400;
-    bool italic = false;
-    bool underlined = false;
-    bool struckOut = false;
-    QString family;
-};
-
 /// What SaveDC keeps, beside the clipping that the painter keeps.
 struct MetafileState {
     MetafileMapping mapping;
     /// The width is in logical units; a cosmetic pen is one pixel wide.
     QPen pen{Qt::black, 0};
     QBrush brush{Qt::white};
-    MetafileFont font;
-    QColor textColour = Qt::black;
-    QColor backgroundColour = Qt::white;
-    bool opaqueBackground = true;
     Qt::FillRule fillRule = Qt::OddEvenFill;
-    bool arcsClockwise = false;
-    unsigned textAlignment = 0;
-    /// Of SetROP2; 13 paints over.
-    int rasterOperation = 13;
     QPointF position;
 };
+
+/// Of SetROP2: the pen paints over what is there.
+constexpr quint32 CopyPen = 13;
 
 /// GDI's 0x00bbggrr.
 QColor ColourFrom(quint32 colourReference);

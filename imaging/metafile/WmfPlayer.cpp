@@ -1,6 +1,7 @@
 #include "imaging/metafile/WmfPlayer.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -78,6 +79,53 @@ QRectF FirstWindow(QByteArrayView file, qsizetype recordsStart) {
     return window;
 }
 
+struct NamedRecord {
+    quint16 function;
+    const char* name;
+};
+/// Those that would change the picture.
+constexpr auto UnsupportedRecords = std::to_array<NamedRecord>({
+    {0x0104, "SETROP2"},
+    {0x012a, "INVERTREGION"},
+    {0x012b, "PAINTREGION"},
+    {0x012c, "SELECTCLIPREGION"},
+    {0x0142, "DIBCREATEPATTERNBRUSH"},
+    {0x01f9, "CREATEPATTERNBRUSH"},
+    {0x0220, "OFFSETCLIPRGN"},
+    {0x0228, "FILLREGION"},
+    {0x0410, "SCALEWINDOWEXT"},
+    {0x0415, "EXCLUDECLIPRECT"},
+    {0x0419, "FLOODFILL"},
+    {0x0429, "FRAMEREGION"},
+    {0x0521, "TEXTOUT"},
+    {0x0548, "EXTFLOODFILL"},
+    {0x0817, "ARC"},
+    {0x081a, "PIE"},
+    {0x0830, "CHORD"},
+    {0x0922, "BITBLT"},
+    {0x0a32, "EXTTEXTOUT"},
+    {0x0b23, "STRETCHBLT"},
+});
+
+/// Those that alone change nothing: palettes, how text would look, the viewport, escapes.
+constexpr auto RecordsWithoutEffect = std::to_array<quint16>({
+    0x0035, 0x0037, 0x0102, 0x0103, 0x0105, 0x0107, 0x0108, 0x012e, 0x0139, 0x0149, 0x0201,
+    0x0209, 0x020a, 0x020d, 0x020e, 0x0211, 0x0231, 0x0234, 0x0412, 0x0436, 0x0626,
+});
+
+void RequireWithoutEffect(quint16 function) {
+    const auto unsupported =
+        std::find_if(std::begin(UnsupportedRecords), std::end(UnsupportedRecords),
+                     [function](const NamedRecord& record) { return record.function == function; });
+    if (unsupported != std::end(UnsupportedRecords)) {
+        throw UnsupportedRecord{unsupported->name, function};
+    }
+    if (std::find(std::begin(RecordsWithoutEffect), std::end(RecordsWithoutEffect), function) ==
+        std::end(RecordsWithoutEffect)) {
+        throw UnsupportedRecord{nullptr, function};
+    }
+}
+
 }  // namespace
 
 bool IsWmf(QByteArrayView start) {
@@ -127,9 +175,11 @@ void WmfPlayer::Play() {
 }
 
 void WmfPlayer::PlayRecord(quint16 function, platform::ByteReader& parameters) {
-    PlayState(function, parameters) || PlayObject(function, parameters) ||
-        PlayFigure(function, parameters) || PlayPoints(function, parameters) ||
-        PlayFill(function, parameters) || PlayBitmap(function, parameters);
+    if (!(PlayState(function, parameters) || PlayObject(function, parameters) ||
+          PlayFigure(function, parameters) || PlayPoints(function, parameters) ||
+          PlayFill(function, parameters) || PlayBitmap(function, parameters))) {
+        RequireWithoutEffect(function);
+    }
 }
 
 // A table. The viewport and the mapping mode are ours: the window always fills the picture.
@@ -139,26 +189,13 @@ bool WmfPlayer::PlayState(quint16 function, platform::ByteReader& parameters) {
         case 0x001e:  // SAVEDC
             canvas_.Save();
             return true;
-        case 0x0102:  // SETBKMODE
-            state.opaqueBackground = parameters.Read<quint16>() == 2;
-            return true;
         case 0x0104:  // SETROP2
-            state.rasterOperation = parameters.Read<quint16>();
-            return true;
+            return parameters.Read<quint16>() == CopyPen;
         case 0x0106:  // SETPOLYFILLMODE
             state.fillRule = parameters.Read<quint16>() == 2 ? Qt::WindingFill : Qt::OddEvenFill;
             return true;
         case 0x0127:  // RESTOREDC
             canvas_.Restore(parameters.Read<qint16>());
-            return true;
-        case 0x012e:  // SETTEXTALIGN
-            state.textAlignment = parameters.Read<quint16>();
-            return true;
-        case 0x0201:  // SETBKCOLOR
-            state.backgroundColour = ColourFrom(parameters.Read<quint32>());
-            return true;
-        case 0x0209:  // SETTEXTCOLOR
-            state.textColour = ColourFrom(parameters.Read<quint32>());
             return true;
         case SetWindowOriginFunction:
             state.mapping.windowOrigin = ReadPointBackwards(parameters);
@@ -168,9 +205,6 @@ bool WmfPlayer::PlayState(quint16 function, platform::ByteReader& parameters) {
             return true;
         case 0x020f:  // OFFSETWINDOWORG
             state.mapping.windowOrigin += ReadPointBackwards(parameters);
-            return true;
-        case 0x0415:  // EXCLUDECLIPRECT
-            canvas_.ClipOut(ReadCornersBackwards(parameters));
             return true;
         case 0x0416:  // INTERSECTCLIPRECT
             canvas_.ClipTo(ReadCornersBackwards(parameters));
@@ -183,18 +217,15 @@ bool WmfPlayer::PlayState(quint16 function, platform::ByteReader& parameters) {
 bool WmfPlayer::PlayObject(quint16 function, platform::ByteReader& parameters) {
     switch (function) {
         case 0x00f7:  // CREATEPALETTE
-        case 0x01f9:  // CREATEPATTERNBRUSH, of a bitmap whose kind only the device knows
+        case 0x02fb:  // CREATEFONTINDIRECT
         case 0x06ff:  // CREATEREGION
-            AddObject(QBrush(Qt::NoBrush));
+            AddObject({});
             return true;
         case 0x012d:  // SELECTOBJECT
             if (const auto index = parameters.Read<quint16>();
-                index < objects_.size() && !freePlaces_.contains(index)) {
-                canvas_.Select(objects_[index]);
+                index < objects_.size() && objects_[index]) {
+                canvas_.Select(*objects_[index]);
             }
-            return true;
-        case 0x0142:  // DIBCREATEPATTERNBRUSH
-            CreatePatternBrush(parameters);
             return true;
         case 0x01f0:  // DELETEOBJECT
             DeleteObject(parameters.Read<quint16>());
@@ -205,9 +236,6 @@ bool WmfPlayer::PlayObject(quint16 function, platform::ByteReader& parameters) {
             AddObject(PenFrom(style, width, ColourFrom(parameters.Read<quint32>())));
             return true;
         }
-        case 0x02fb:  // CREATEFONTINDIRECT
-            CreateFont(parameters);
-            return true;
         case 0x02fc: {  // CREATEBRUSHINDIRECT
             const auto style = parameters.Read<quint16>();
             const QColor colour = ColourFrom(parameters.Read<quint32>());
@@ -219,7 +247,7 @@ bool WmfPlayer::PlayObject(quint16 function, platform::ByteReader& parameters) {
     }
 }
 
-void WmfPlayer::AddObject(Object object) {
+void WmfPlayer::AddObject(std::optional<Object> object) {
     if (!freePlaces_.empty()) {
         const quint16 place = *freePlaces_.begin();
         freePlaces_.erase(freePlaces_.begin());
@@ -233,26 +261,8 @@ void WmfPlayer::DeleteObject(quint16 index) {
     if (index >= objects_.size()) {
         return;
     }
-    objects_[index] = QBrush(Qt::NoBrush);
+    objects_[index].reset();
     freePlaces_.insert(index);
-}
-
-void WmfPlayer::CreateFont(platform::ByteReader& parameters) {
-    constexpr qint64 LongestName = 32;
-    MetafileFont font;
-    font.height = parameters.Read<qint16>();
-    parameters.Skip(2);
-    font.escapementDegrees = parameters.Read<qint16>() / 10.0;
-    parameters.Skip(2);
-    font.weight = parameters.Read<qint16>();
-    font.italic = parameters.Read<quint8>() != 0;
-    font.underlined = parameters.Read<quint8>() != 0;
-    font.struckOut = parameters.Read<quint8>() != 0;
-    parameters.Skip(5);
-    const QByteArrayView name =
-        parameters.Take(std::min<qint64>(LongestName, parameters.Remaining()));
-    font.family = QString::fromLatin1(name.first(qstrnlen(name.data(), size_t(name.size()))));
-    AddObject(font);
 }
 
 }  // namespace kadrona::imaging

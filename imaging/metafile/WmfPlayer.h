@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -18,13 +19,15 @@ bool IsWmf(QByteArrayView start);
 /// header. Its device is one of 96 dots per inch. Throws MetafileFault or platform::OutOfBytes.
 MetafilePicture ReadWmfHeader(QByteArrayView file);
 
-/// Draws the records of a WMF (Microsoft's [MS-WMF]). Records that it does not know are skipped.
+/// Draws the records of a WMF (Microsoft's [MS-WMF]). What is drawn and why by code of
+/// our own stands at EmfPlayer.
 class WmfPlayer {
  public:
     /// Owns neither.
     WmfPlayer(QByteArrayView file, MetafileCanvas& canvas) : file_(file), canvas_(canvas) {}
 
-    /// Throws MetafileFault, or platform::OutOfBytes where a record holds less than it says.
+    /// Throws MetafileFault, UnsupportedRecord, or platform::OutOfBytes where a record holds less
+    /// than it says.
     void Play();
 
  private:
@@ -39,18 +42,14 @@ class WmfPlayer {
     bool PlayFill(quint16 function, platform::ByteReader& parameters);
     bool PlayBitmap(quint16 function, platform::ByteReader& parameters);
 
-    void AddObject(Object object);
+    /// None: what takes a place and is never drawn with.
+    void AddObject(std::optional<Object> object);
     void DeleteObject(quint16 index);
-    void CreateFont(platform::ByteReader& parameters);
-    void CreatePatternBrush(platform::ByteReader& parameters);
-    void DrawArc(platform::ByteReader& parameters, ArcKind kind);
-    void DrawText(platform::ByteReader& parameters);
-    void DrawExtendedText(platform::ByteReader& parameters);
 
     QByteArrayView file_;
     MetafileCanvas& canvas_;
     /// A new object takes the lowest free place.
-    std::vector<Object> objects_;
+    std::vector<std::optional<Object>> objects_;
     std::set<quint16> freePlaces_;
 };
 

@@ -138,6 +138,15 @@ void MultiplyInksOut(QImage& image, bool inverted) {
     });
 }
 
+/// The curve x ^ `gamma`; that of sRGB (IEC 61966-2-1) for 0.
+cmsToneCurve* CurveOf(double gamma) {
+    constexpr cmsInt32Number PowerAndLine = 4;
+    constexpr std::array<cmsFloat64Number, 5> Srgb{2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92,
+                                                   0.04045};
+    return gamma == 0 ? cmsBuildParametricToneCurve(nullptr, PowerAndLine, Srgb.data())
+                      : cmsBuildGamma(nullptr, gamma);
+}
+
 }  // namespace
 
 bool IsSrgbProfile(const QByteArray& profile) {
@@ -145,16 +154,17 @@ bool IsSrgbProfile(const QByteArray& profile) {
            QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
 }
 
-QByteArray GammaProfile(const PrimariesAndWhite& primaries, double gamma) {
+QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma) {
     const auto isUsable = [](double value) { return value > 0.001 && value < 1; };
-    if (!std::all_of(primaries.begin(), primaries.end(), isUsable) || gamma < 0.1 || gamma > 10) {
+    if (!std::all_of(primaries.begin(), primaries.end(), isUsable) ||
+        (gamma != 0 && (gamma < 0.1 || gamma > 10))) {
         return {};
     }
     const auto& p = primaries;
     const cmsCIExyY white{p[0], p[1], 1};
     const cmsCIExyYTRIPLE colours{{p[2], p[3], 1}, {p[4], p[5], 1}, {p[6], p[7], 1}};
-    const std::unique_ptr<cmsToneCurve, decltype(&cmsFreeToneCurve)> curve(
-        cmsBuildGamma(nullptr, gamma), cmsFreeToneCurve);
+    const std::unique_ptr<cmsToneCurve, decltype(&cmsFreeToneCurve)> curve(CurveOf(gamma),
+                                                                           cmsFreeToneCurve);
     const std::array<cmsToneCurve*, 3> curves{curve.get(), curve.get(), curve.get()};
     const Profile profile(curve ? cmsCreateRGBProfile(&white, &colours, curves.data()) : nullptr);
     cmsUInt32Number size = 0;

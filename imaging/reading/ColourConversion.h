@@ -18,8 +18,9 @@ using PrimariesAndWhite = std::array<double, 8>;
 inline constexpr PrimariesAndWhite SrgbPrimaries{0.3127, 0.3290, 0.64, 0.33,
                                                  0.30,   0.60,   0.15, 0.06};
 
-/// An ICC profile of these primaries and the curve x ^ `gamma`; empty where there can be none.
-QByteArray GammaProfile(const PrimariesAndWhite& primaries, double gamma);
+/// An ICC profile of these primaries and the curve x ^ `gamma`, of sRGB's curve for a gamma of 0;
+/// empty where there can be none.
+QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma);
 
 /// Brings pixels to sRGB in place, rows in parallel. `image` has 32 bits a pixel (the four inks for
 /// a CMYK model) or is QImage::Format_RGBA64; alpha stays, a CMYK image gets opaque. Where the

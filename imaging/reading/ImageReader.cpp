@@ -7,7 +7,9 @@
 #include <new>
 
 #include "imaging/pixels/LaidOverWhite.h"
+#include "imaging/reading/HeifReader.h"
 #include "imaging/reading/IconReader.h"
+#include "imaging/reading/Jpeg2000Reader.h"
 #include "imaging/reading/JpegReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"
@@ -49,6 +51,8 @@ constexpr std::array Formats{
     Format{IsPng, ReadPng},
     Format{IsMetafile, ReadMetafile},
     Format{IsWebP, ReadWebP},
+    Format{IsHeif, ReadHeif},
+    Format{IsJpeg2000, ReadJpeg2000},
     Format{IsIcon, ReadIcon},
     Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
     Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},

@@ -76,6 +76,12 @@ DecodedImage Drawn(const ReadTask& task, QByteArrayView file) {
     return decoded;
 }
 
+QString ReasonOf(const UnsupportedRecord& record) {
+    const QString name =
+        record.name ? QString::fromLatin1(record.name) : u"0x%1"_s.arg(record.number, 0, 16);
+    return u"Der Zeichenbefehl „%1“ wird nicht unterstützt."_s.arg(name);
+}
+
 QString ReasonOf(MetafileFault fault) {
     switch (fault) {
         case MetafileFault::Incomplete:
@@ -100,6 +106,8 @@ DecodedImage ReadMetafile(const ReadTask& task) try {
     return Drawn(task, file);
 } catch (MetafileFault fault) {
     task.Fail(ReasonOf(fault));
+} catch (const UnsupportedRecord& record) {
+    task.Fail(ReasonOf(record));
 } catch (const platform::OutOfBytes&) {
     task.Fail(DamagedFileReason());
 }

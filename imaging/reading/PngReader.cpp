@@ -146,7 +146,7 @@ QByteArray ProfileOf(const Header& header, QIODevice& device) {
     if (header.saysSrgb || header.gamma == 0 || IsGammaOfSrgb(header)) {
         return {};
     }
-    return GammaProfile(header.primaries, header.gamma);
+    return PrimariesProfile(header.primaries, header.gamma);
 }
 
 /// Every kind of pixel becomes four bytes, blue first, or four 16-bit numbers, red first.

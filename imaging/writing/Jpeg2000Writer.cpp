@@ -1,14 +1,12 @@
 #include "imaging/writing/Jpeg2000Writer.h"
 
-#include <openjpeg.h>
-
 #include <QDataStream>
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <opencv2/core.hpp>
 #include <vector>
 
+#include "imaging/codec/OpenJpeg.h"
 #include "imaging/metadata/ExifBlock.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
@@ -41,14 +39,6 @@ constexpr int MaximumWidth = 65535;
 
 /// Largest resolution that the box can hold.
 constexpr int MaximumDotsPerInch = 65535;
-
-template <auto Destroy>
-struct Release {
-    void operator()(auto* object) const { Destroy(object); }
-};
-using Codec = std::unique_ptr<opj_codec_t, Release<opj_destroy_codec>>;
-using Image = std::unique_ptr<opj_image_t, Release<opj_image_destroy>>;
-using Stream = std::unique_ptr<opj_stream_t, Release<opj_stream_destroy>>;
 
 QByteArray Box(const char* type, const QByteArray& content) {
     QByteArray box;
@@ -127,7 +117,7 @@ opj_cparameters_t Parameters(int stripWidth, int stripHeight) {
     return parameters;
 }
 
-Image ImageOf(QSize size) {
+OpenJpegImage ImageOf(QSize size) {
     std::array<opj_image_cmptparm_t, RowSource::BytesPerPixel> channels{};
     for (opj_image_cmptparm_t& channel : channels) {
         channel.dx = channel.dy = 1;
@@ -135,7 +125,7 @@ Image ImageOf(QSize size) {
         channel.h = static_cast<OPJ_UINT32>(size.height());
         channel.prec = 8;
     }
-    Image image(opj_image_tile_create(channels.size(), channels.data(), OPJ_CLRSPC_SRGB));
+    OpenJpegImage image(opj_image_tile_create(channels.size(), channels.data(), OPJ_CLRSPC_SRGB));
     if (image) {
         image->x1 = static_cast<OPJ_UINT32>(size.width());
         image->y1 = static_cast<OPJ_UINT32>(size.height());
@@ -175,9 +165,9 @@ bool WriteStrips(opj_codec_t* codec, opj_stream_t* stream, const RowSource& rows
 }
 
 bool WriteCodestream(CodecTarget& target, const RowSource& rows) {
-    const Image image = ImageOf({rows.Width(), rows.Height()});
-    const Codec codec(opj_create_compress(OPJ_CODEC_J2K));
-    const Stream stream(opj_stream_default_create(OPJ_FALSE));
+    const OpenJpegImage image = ImageOf({rows.Width(), rows.Height()});
+    const OpenJpegCodec codec(opj_create_compress(OPJ_CODEC_J2K));
+    const OpenJpegStream stream(opj_stream_default_create(OPJ_FALSE));
     if (!image || !codec || !stream) {
         throw std::bad_alloc();
     }

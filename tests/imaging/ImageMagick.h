@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QTemporaryDir>
-#include <algorithm>
 
 #include "WriterFixture.h"
 
@@ -21,27 +20,6 @@ inline QImage ByImageMagick(const QImage& image, const QStringList& operations) 
     return QImage(result);
 }
 
-/// The largest difference of a channel inside `area`; 255 where a size is wrong.
-inline int LargestDifference(const QImage& a, const QImage& b, const QRect& area) {
-    if (a.size() != b.size() || !a.rect().contains(area)) {
-        ADD_FAILURE() << "sizes differ";
-        return 255;
-    }
-    int largest = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const QColor left(a.pixel(x, y));
-            const QColor right(b.pixel(x, y));
-            largest = std::max({largest, std::abs(left.red() - right.red()),
-                                std::abs(left.green() - right.green()),
-                                std::abs(left.blue() - right.blue())});
-        }
-    }
-    return largest;
-}
-
-inline int LargestDifference(const QImage& a, const QImage& b) {
-    return LargestDifference(a, b, a.rect());
-}
+using testing::LargestDifference;
 
 }  // namespace kadrona::imaging

@@ -51,6 +51,30 @@ TEST(ReaderColour, WideGamutProfilesAreBroughtToSrgb) {
     }
 }
 
+// Chunks of PNG: 100000 times the gamma of the file; white, red, green and blue.
+TEST(ReaderColour, AGammaOfPngIsThatOfSrgbWhereItIsMeantSo) {
+    const QByteArray png = Written(Plain(1, 1, QColor(20, 55, 200)), "png");
+    const QByteArray plain = png.first(33) + png.mid(png.indexOf("IDAT") - 4);
+    const auto gamma = [](quint32 value) { return BigEndian(value); };
+    const auto primaries = [](std::array<quint32, 8> values) {
+        QByteArray bytes;
+        for (const quint32 value : values) {
+            bytes += BigEndian(value);
+        }
+        return bytes;
+    };
+    const QByteArray srgb = primaries({31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000});
+    const QByteArray adobe = primaries({31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000});
+    const QByteArray meant = WithChunk(plain, "gAMA", gamma(45455));
+    ExpectColours(Read(meant), {{0, 0, "#1437c8"}});
+    ExpectColours(Read(WithChunk(meant, "cHRM", srgb)), {{0, 0, "#1437c8"}});
+    ExpectColours(Read(WithChunk(WithChunk(plain, "sRGB", QByteArray(1, '\0')), "gAMA", gamma(9))),
+                  {{0, 0, "#1437c8"}});
+    ExpectColour(Read(WithChunk(plain, "gAMA", gamma(100'000))), {0, 0}, QColor(79, 128, 229), 2);
+    EXPECT_LT(Read(WithChunk(meant, "cHRM", adobe)).pixels.Tile().pixelColor(0, 0).red(), 10);
+    ExpectColours(Read(WithChunk(plain, "gAMA", gamma(0))), {{0, 0, "#1437c8"}});
+}
+
 TEST(ReaderColour, TableProfilesAreApplied) {
     // Lightness from the first channel alone: no matrix does that.
     const QByteArray profile = TableProfile(3, [](const std::array<double, 4>& rgb) {
@@ -123,6 +147,7 @@ TEST(ReaderColour, BrokenAndForeignProfilesAreIgnored) {
                                    good.first(100),
                                    good.first(good.size() / 2),
                                    longTags,
+                                   QByteArray(good).replace(16, 4, "\xff\xff\xff\xff"),
                                    QByteArray(5000, '\xff'),
                                    TableProfile(4, [](const std::array<double, 4>&) {
                                        return cmsCIELab{50, 0, 0};

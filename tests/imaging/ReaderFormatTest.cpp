@@ -70,7 +70,7 @@ TEST(ReaderFormat, ResolutionIsWhatTheFileSays) {
     EXPECT_EQ(ResolutionOf(density(3780, 1)), 96);
     EXPECT_EQ(ResolutionOf(density(0, 1)), 0);
     EXPECT_EQ(ResolutionOf(density(0xffffffff, 1)), 0);
-    EXPECT_EQ(ResolutionOf(density(4, 0)), 0);  // an aspect ratio
+    EXPECT_EQ(ResolutionOf(density(11811, 0)), 0) << "an aspect ratio";
     EXPECT_EQ(ResolutionOf(WithChunk(plainPng, "eXIf", ExifResolution(240, 2))), 240);
 
     EXPECT_EQ(ResolutionOf(SmallTiff({})), 0);
@@ -108,11 +108,15 @@ TEST(ReaderFormat, TheLargestImageOfAnIconFile) {
     const auto entry = [](const QByteArray& icon, qsizetype offset) {
         return icon.mid(6, 12) + LittleEndian(static_cast<quint32>(offset));
     };
-    const LoadedImage loaded =
-        Read(Packed<quint16>(0, 1, 2) + entry(small, 6 + 2 * 16) +
-             entry(large, 6 + 2 * 16 + small.size() - 22) + small.mid(22) + large.mid(22));
-    EXPECT_EQ(loaded.pixels.Size(), QSize(4, 4));
-    EXPECT_EQ(Colour(loaded, 1, 1), "#0000ff");
+    // The large one as a bitmap, or as a PNG.
+    for (const QByteArray& picture : {large.mid(22), Written(Plain(4, 4, Qt::blue), "png")}) {
+        QByteArray second = entry(large, 6 + 2 * 16 + small.size() - 22);
+        second.replace(8, 4, LittleEndian(static_cast<quint32>(picture.size())));
+        const LoadedImage loaded = Read(Packed<quint16>(0, 1, 2) + entry(small, 6 + 2 * 16) +
+                                        second + small.mid(22) + picture);
+        EXPECT_EQ(loaded.pixels.Size(), QSize(4, 4));
+        EXPECT_EQ(Colour(loaded, 1, 1), "#0000ff");
+    }
 }
 
 TEST(ReaderFormat, TheFirstFrameOfAnAnimation) {

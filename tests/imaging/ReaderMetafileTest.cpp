@@ -92,9 +92,9 @@ QByteArray WmfBrushAndNoPen(quint32 colour) {
 
 }  // namespace
 
-TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatItDoesNotKnow) {
+TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatHasNoEffect) {
     const LoadedImage loaded =
-        Read(Emf(EmfRecord(9999, "unknown") + StretchDibits({8, 8, 16, 32}, TwoColourBits())));
+        Read(Emf(EmfRecord(70, "a comment") + StretchDibits({8, 8, 16, 32}, TwoColourBits())));
     EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height));
     EXPECT_EQ(loaded.resolution.value, 100);
     ExpectColours(
@@ -157,6 +157,48 @@ TEST(ReaderMetafile, EmfMappingStateAndClipping) {
     ExpectColours(clipped, {{5, 5, "#ff0000"}, {15, 15, "#ffffff"}, {35, 35, "#ff0000"}});
 }
 
+TEST(ReaderMetafile, WhatIsNotDrawnIsRefusedByName) {
+    const auto complaint = [](const char* name) {
+        return Complaint(
+            ("Der Zeichenbefehl „" + std::string(name) + "“ wird nicht unterstützt.").c_str());
+    };
+    const QByteArray drawn = EmfBrush(1, 0xff) + EmfRectangle(0, 0, 20, 20);
+    const auto emf = [&](const QByteArray& record) { return Failure(Emf(drawn + record)); };
+    EXPECT_EQ(emf(EmfRecord(84, Bounds())), complaint("EXTTEXTOUTW"));
+    EXPECT_EQ(emf(EmfRecord(59)), complaint("BEGINPATH"));
+    EXPECT_EQ(emf(EmfRecord(20, Packed<quint32>(7))), complaint("SETROP2"));
+    EXPECT_EQ(emf(EmfRecord(20, Packed<quint32>(13))), QString());
+    EXPECT_EQ(emf(EmfRecord(75, Packed<quint32>(0, 1))), complaint("EXTSELECTCLIPRGN"));
+    EXPECT_EQ(emf(EmfRecord(9999)), complaint("0x270f"));
+    EXPECT_EQ(emf(StretchDibits({0, 0, 9, 9}, TwoColourBits()).replace(68, 4, "\xc6\0\x88\0", 4)),
+              complaint("TERNARYRASTEROPERATION"));
+    const auto wmf = [](quint16 function) {
+        return Failure(Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)) +
+                           WmfRecord(function, Packed<quint16>(1, 1, 1, 1))));
+    };
+    EXPECT_EQ(wmf(0x0a32), complaint("EXTTEXTOUT"));
+    EXPECT_EQ(wmf(0x7777), complaint("0x7777"));
+    EXPECT_EQ(wmf(0x0626), QString()) << "an escape";
+}
+
+TEST(ReaderMetafile, WmfKeepsStatesAndPlaces) {
+    const auto rectangle = [](int left) {
+        return WmfRecord(0x041b, Packed<qint16>(100, left + 80, 0, left));
+    };
+    // The clipping and the brush end with RestoreDC.
+    const LoadedImage restored =
+        Read(Wmf(WmfWindow() + WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x001e) +
+                 WmfRecord(0x0416, Packed<qint16>(480, 100, 0, 0)) + rectangle(200) +
+                 WmfRecord(0x0127, Packed<qint16>(-1)) + rectangle(300)));
+    ExpectColours(restored, {{24, 4, "#ffffff"}, {34, 4, "#ff0000"}});
+    // The place of a deleted brush is the next one's: the second brush is object 0 again.
+    const LoadedImage reused = Read(
+        Wmf(WmfWindow() + WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x01f0, Packed<quint16>(0)) +
+            WmfRecord(0x02fc, Packed<quint16>(0) + Packed<quint32>(0x00ff00) + Packed<quint16>(0)) +
+            WmfRecord(0x012d, Packed<quint16>(0)) + rectangle(0)));
+    ExpectColours(reused, {{4, 4, "#00ff00"}});
+}
+
 TEST(ReaderMetafile, WmfPolygonAndBitmap) {
     const QByteArray polygon = WmfRecord(0x0324, Packed<qint16>(3, 0, 0, 200, 0, 0, 200));
     const QByteArray bitmap = WmfRecord(
@@ -187,8 +229,8 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
 
     const QString damaged = Complaint("Die Datei ist beschädigt.");
     EXPECT_EQ(Failure(Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits().first(4)))), damaged);
-    EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 4))), damaged);
-    EXPECT_EQ(Failure(Emf(Packed<quint32>(9999, 0xfffffffc))),
+    EXPECT_EQ(Failure(Emf(Packed<quint32>(70, 4))), damaged);
+    EXPECT_EQ(Failure(Emf(Packed<quint32>(70, 0xfffffffc))),
               Complaint("Die Datei ist unvollständig."));
     QByteArray turnedAround = emf;
     turnedAround.replace(8, 32, Packed<qint32>(9, 9, -9, -9, 9, 9, -9, -9));

@@ -111,18 +111,17 @@ TEST(ReaderOrientation, LeavesThePictureWhereNotAskedFor) {
 
 TEST(ReaderOrientation, HostileExifIsIgnored) {
     const QByteArray good = Exif(6);
-    const auto lettersWith = [](const QByteArray& exif) { return Letters(Read(LetterJpeg(exif))); };
+    std::vector<QByteArray> blocks{
+        QByteArray(good).replace(4, 4, "\xff\xff\xff\xff"),  // a directory far away
+        QByteArray(good).replace(8, 2, "\xff\xff"),          // of many entries
+        // One that lies over itself, and a rational far outside.
+        Tiff({Short(0x112, 6), {0x11a, 5, QByteArray(4, '\xff')}})};
     for (qsizetype size = 1; size < good.size() - 4; ++size) {
-        EXPECT_EQ(lettersWith(good.first(size)), "ABC/DEF") << size;
+        blocks.push_back(good.first(size));
     }
-    QByteArray farDirectory = good;
-    farDirectory.replace(4, 4, "\xff\xff\xff\xff");
-    EXPECT_EQ(lettersWith(farDirectory), "ABC/DEF");
-    QByteArray manyEntries = good;
-    manyEntries.replace(8, 2, "\xff\xff");
-    EXPECT_EQ(lettersWith(manyEntries), "ABC/DEF");
-    // A directory that lies over itself and a rational far outside.
-    EXPECT_EQ(lettersWith(Tiff({Short(0x112, 6), {0x11a, 5, QByteArray(4, '\xff')}})), "ABC/DEF");
+    for (const QByteArray& block : blocks) {
+        EXPECT_EQ(Letters(Read(LetterJpeg(block))), "ABC/DEF") << block.toHex().toStdString();
+    }
 }
 
 }  // namespace kadrona::imaging::test

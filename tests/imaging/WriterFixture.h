@@ -15,30 +15,8 @@
 
 namespace kadrona::imaging {
 
-/// A picture in which no row or column repeats: gradients with a little noise over them.
-inline QImage TestPicture(int width, int height, unsigned seed = 1) {
-    QImage image(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            seed = seed * 1664525U + 1013904223U;
-            const int noise = static_cast<int>(seed >> 28);
-            row[x] = qRgb((x + noise) & 255, (2 * y + noise) & 255, (x + y) / 2 & 255);
-        }
-    }
-    return image;
-}
-
-/// The picture that a grid stands for, put together pixel by pixel.
-inline QImage Unrolled(const QImage& tile, int columns, int rows) {
-    QImage image(tile.width() * columns, tile.height() * rows, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, tile.pixel(x % tile.width(), y % tile.height()));
-        }
-    }
-    return image;
-}
+using testing::TestPicture;
+using testing::Unrolled;
 
 /// What an outside program says about a file.
 struct ProgramResult {
@@ -60,11 +38,6 @@ inline ProgramResult RunProgram(const QString& program, const QStringList& argum
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
-
-/// Extensions of the formats that Qt reads, with their resolution.
-const QStringList RasterExtensions{QStringLiteral("jpg"), QStringLiteral("jpeg"),
-                                   QStringLiteral("png"), QStringLiteral("bmp"),
-                                   QStringLiteral("tif"), QStringLiteral("tiff")};
 
 class WriterTest : public ::testing::Test {
  protected:

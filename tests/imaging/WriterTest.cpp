@@ -1,8 +1,9 @@
-#include <QColorSpace>
 #include <cmath>
+#include <vector>
 
 #include "WriterFixture.h"
 #include "imaging/writing/FormatWriting.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
 
 using namespace Qt::StringLiterals;
@@ -23,86 +24,42 @@ QStringList FindLosslessFiles() {
 const QStringList LosslessFiles = FindLosslessFiles();
 
 QString ErrorOf(const QString& path, const Pixels& pixels, DotsPerInch resolution = {300}) {
-    try {
-        WriteImageFile(path, pixels, resolution);
-    } catch (const WriteError& error) {
-        return error.Text();
-    }
-    return {};
+    return TextOf<WriteError>([&] { WriteImageFile(path, pixels, resolution); });
 }
 
 }  // namespace
 
-TEST_F(WriterTest, LosslessFormatsKeepEveryPixelOfEverySize) {
-    for (const QSize size : {QSize(1, 1), QSize(7, 5), QSize(2, 3), QSize(33, 65), QSize(1, 3000),
+TEST_F(WriterTest, LosslessFormatsKeepEveryPixel) {
+    struct Case {
+        const char* what;
+        Pixels written;
+        QImage read;
+    };
+    std::vector<Case> cases;
+    for (const QSize size : {QSize(1, 1), QSize(2, 3), QSize(33, 65), QSize(1, 3000),
                              QSize(3000, 1), QSize(401, 301)}) {
         const QImage image = TestPicture(size.width(), size.height());
-        for (const QString& name : LosslessFiles) {
-            SCOPED_TRACE(qPrintable(u"%1 %2x%3"_s.arg(name).arg(size.width()).arg(size.height())));
-            WriteImageFile(PathOf(name), Pixels(image), {300});
-            EXPECT_TRUE(testing::SamePixels(ReadBack(name), image));
-        }
+        cases.push_back({"a size", Pixels(image), image});
     }
-}
-
-TEST_F(WriterTest, ChannelsKeepTheirPlaces) {
-    QImage image(3, 1, QImage::Format_RGB32);
-    image.setPixel(0, 0, qRgb(255, 0, 1));
-    image.setPixel(1, 0, qRgb(2, 254, 0));
-    image.setPixel(2, 0, qRgb(0, 3, 253));
-    for (const QString& name : LosslessFiles) {
-        WriteImageFile(PathOf(name), Pixels(image), {300});
-        const QImage read = ReadBack(name);
-        EXPECT_EQ(read.pixel(0, 0), qRgb(255, 0, 1)) << qPrintable(name);
-        EXPECT_EQ(read.pixel(1, 0), qRgb(2, 254, 0)) << qPrintable(name);
-        EXPECT_EQ(read.pixel(2, 0), qRgb(0, 3, 253)) << qPrintable(name);
-    }
-}
-
-TEST_F(WriterTest, GridIsWrittenAsThePictureItStandsFor) {
-    const QImage tile = TestPicture(37, 29);
-    const Pixels grid(tile, 3, 4);
-    for (const QString& name : LosslessFiles) {
-        WriteImageFile(PathOf(name), grid, {300});
-        SCOPED_TRACE(qPrintable(name));
-        EXPECT_TRUE(testing::SamePixels(ReadBack(name), Unrolled(tile, 3, 4)));
-    }
-}
-
-TEST_F(WriterTest, PartOfAPictureIsWrittenWithItsOwnRows) {
     const QImage whole = TestPicture(40, 30);
-    const uchar* corner = whole.constScanLine(7) + 5 * sizeof(QRgb);
-    const QImage part(corner, 11, 13, whole.bytesPerLine(), QImage::Format_RGB32);
-    for (const QString& name : LosslessFiles) {
-        WriteImageFile(PathOf(name), Pixels(part), {300});
-        SCOPED_TRACE(qPrintable(name));
-        EXPECT_TRUE(testing::SamePixels(ReadBack(name), whole.copy(5, 7, 11, 13)));
-    }
-}
-
-TEST_F(WriterTest, AlphaIsLaidOverWhite) {
-    QImage image(3, 1, QImage::Format_ARGB32_Premultiplied);
-    image.setPixel(0, 0, qRgba(0, 0, 0, 0));
-    image.setPixel(1, 0, qRgba(51, 0, 0, 51));  // a fifth of pure red
-    image.setPixel(2, 0, qRgba(9, 8, 7, 255));
-    for (const QString& name : LosslessFiles) {
-        WriteImageFile(PathOf(name), Pixels(image, 2, 1), {300});
-        const QImage read = ReadBack(name);
-        EXPECT_EQ(read.pixel(0, 0), qRgb(255, 255, 255)) << qPrintable(name);
-        EXPECT_EQ(read.pixel(4, 0), qRgb(255, 204, 204)) << qPrintable(name);
-        EXPECT_EQ(read.pixel(5, 0), qRgb(9, 8, 7)) << qPrintable(name);
-    }
-}
-
-TEST_F(WriterTest, ResolutionReadsBackAsTheIntegerGiven) {
-    const Pixels pixels(TestPicture(8, 8));
-    for (const int dotsPerInch : {72, 96, 254, 299, 300, 301, 305, 600, 1200, 2540}) {
-        for (const QString& extension : RasterExtensions) {
-            const QString name = u"a."_s + extension;
-            WriteImageFile(PathOf(name), pixels, {dotsPerInch});
-            const QImage read = ReadBack(name);
-            EXPECT_EQ(std::lround(read.dotsPerMeterX() * 0.0254), dotsPerInch) << qPrintable(name);
-            EXPECT_EQ(std::lround(read.dotsPerMeterY() * 0.0254), dotsPerInch) << qPrintable(name);
+    cases.push_back({"a grid", Pixels(whole, 3, 4), Unrolled(whole, 3, 4)});
+    const QImage part(whole.constScanLine(7) + 5 * sizeof(QRgb), 11, 13, whole.bytesPerLine(),
+                      QImage::Format_RGB32);
+    cases.push_back({"rows of another length", Pixels(part), whole.copy(5, 7, 11, 13)});
+    QImage clear(3, 1, QImage::Format_ARGB32_Premultiplied);
+    clear.setPixel(0, 0, qRgba(0, 0, 0, 0));
+    clear.setPixel(1, 0, qRgba(51, 0, 0, 51));  // a fifth of pure red
+    clear.setPixel(2, 0, qRgba(9, 8, 7, 255));
+    QImage overWhite(3, 1, QImage::Format_RGB32);
+    overWhite.setPixel(0, 0, qRgb(255, 255, 255));
+    overWhite.setPixel(1, 0, qRgb(255, 204, 204));
+    overWhite.setPixel(2, 0, qRgb(9, 8, 7));
+    cases.push_back({"alpha", Pixels(clear, 2, 1), Unrolled(overWhite, 2, 1)});
+    for (const Case& sample : cases) {
+        for (const QString& name : LosslessFiles) {
+            WriteImageFile(PathOf(name), sample.written, {300});
+            EXPECT_TRUE(SamePixels(ReadBack(name), sample.read))
+                << sample.what << ' ' << sample.read.width() << ' ' << qPrintable(name);
         }
     }
 }
@@ -113,14 +70,6 @@ TEST(WriterResolution, EveryResolutionSurvivesDotsPerMetre) {
     }
     EXPECT_EQ(DotsPerMetre({300}), 11811);
     EXPECT_EQ(DotsPerMetre({72}), 2835);
-}
-
-TEST_F(WriterTest, MarksThePictureAsSrgb) {
-    for (const char* name : {"a.jpg", "a.png", "a.tif"}) {
-        const QString file = QString::fromLatin1(name);
-        WriteImageFile(PathOf(file), Pixels(TestPicture(8, 8)), {300});
-        EXPECT_EQ(ReadBack(file).colorSpace(), QColorSpace(QColorSpace::SRgb)) << name;
-    }
 }
 
 TEST_F(WriterTest, ExtensionChoosesTheFormatWhateverItsCase) {
@@ -157,12 +106,16 @@ TEST_F(WriterTest, RefusesWhatNoFormatCanHold) {
     EXPECT_TRUE(ErrorOf(PathOf(u"gross.tif"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
     EXPECT_TRUE(ErrorOf(PathOf(u"fehlt/a.jpg"_s), pixels).contains(u"a.jpg"_s));
     EXPECT_EQ(Files(), QStringList());
+
+    const QImage strip = TestPicture(655, 1);
+    EXPECT_EQ(ErrorOf(PathOf(u"gerade.jpg"_s), Pixels(strip, 100, 1)), QString());
 }
 
 TEST_F(WriterTest, FullDiskLeavesTheOldFileAndNoOther) {
     const QByteArray old("what was there before");
-    for (const QString& extension : WritableExtensions()) {
-        const QString name = u"alt."_s + extension;
+    // A format of each library.
+    for (const char* extension : {"jpg", "png", "tif", "jp2", "pdf"}) {
+        const QString name = u"alt."_s + QString::fromLatin1(extension);
         SCOPED_TRACE(qPrintable(name));
         QFile file(PathOf(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));

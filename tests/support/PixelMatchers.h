@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QColor>
 #include <QImage>
 #include <QString>
+#include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
+#include <ostream>
 #include <string_view>
 
 #include "imaging/pixels/Pixels.h"
@@ -77,4 +81,59 @@ inline ::testing::AssertionResult SamePixels(const imaging::Pixels& actual,
     return SamePixels(actual.ToImage(), expected);
 }
 
+/// A picture in which no row or column repeats and no channel is like another: gradients with a
+/// little noise over them.
+inline QImage TestPicture(int width, int height, unsigned seed = 1) {
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            seed = seed * 1664525U + 1013904223U;
+            const int noise = static_cast<int>(seed >> 28);
+            row[x] = qRgb((x + noise) & 255, (2 * y + noise) & 255, (x + y) / 2 & 255);
+        }
+    }
+    return image;
+}
+
+/// The picture that a grid stands for, put together pixel by pixel.
+inline QImage Unrolled(const QImage& tile, int columns, int rows) {
+    QImage image(tile.width() * columns, tile.height() * rows, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixel(x, y, tile.pixel(x % tile.width(), y % tile.height()));
+        }
+    }
+    return image;
+}
+
+/// The largest difference of a channel inside `area`; 255 where a size is wrong.
+inline int LargestDifference(const QImage& a, const QImage& b, const QRect& area) {
+    if (a.size() != b.size() || !a.rect().contains(area)) {
+        ADD_FAILURE() << "sizes differ";
+        return 255;
+    }
+    int largest = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            const QColor left(a.pixel(x, y));
+            const QColor right(b.pixel(x, y));
+            largest = std::max({largest, std::abs(left.red() - right.red()),
+                                std::abs(left.green() - right.green()),
+                                std::abs(left.blue() - right.blue())});
+        }
+    }
+    return largest;
+}
+
+inline int LargestDifference(const QImage& a, const QImage& b) {
+    return LargestDifference(a, b, a.rect());
+}
+
 }  // namespace kadrona::testing
+
+// Sizes and places in the words of a failed test. Found by the argument's own namespace, which is
+// the global one.
+inline void PrintTo(const QSize& size, std::ostream* stream) {
+    *stream << size.width() << " x " << size.height();
+}

@@ -42,31 +42,9 @@ bool WmfPlayer::PlayFigure(quint16 function, platform::ByteReader& parameters) {
                          ShapePainting::FillAndStroke);
             return true;
         }
-        case 0x0817:  // ARC
-            DrawArc(parameters, ArcKind::Open);
-            return true;
-        case 0x081a:  // PIE
-            DrawArc(parameters, ArcKind::Pie);
-            return true;
-        case 0x0830:  // CHORD
-            DrawArc(parameters, ArcKind::Chord);
-            return true;
-        case 0x0521:  // TEXTOUT
-            DrawText(parameters);
-            return true;
-        case 0x0a32:  // EXTTEXTOUT
-            DrawExtendedText(parameters);
-            return true;
         default:
             return false;
     }
-}
-
-void WmfPlayer::DrawArc(platform::ByteReader& parameters, ArcKind kind) {
-    const QPointF end = ReadPointBackwards(parameters);
-    const QPointF start = ReadPointBackwards(parameters);
-    canvas_.Draw(ArcPath(ReadCornersBackwards(parameters), start, end, kind, false),
-                 kind == ArcKind::Open ? ShapePainting::Stroke : ShapePainting::FillAndStroke);
 }
 
 bool WmfPlayer::PlayPoints(quint16 function, platform::ByteReader& parameters) {
@@ -149,43 +127,6 @@ bool WmfPlayer::PlayBitmap(quint16 function, platform::ByteReader& parameters) {
     }
     canvas_.Draw(drawing);
     return true;
-}
-
-void WmfPlayer::CreatePatternBrush(platform::ByteReader& parameters) {
-    constexpr qint64 MaximumPatternPixels = 1 << 20;
-    parameters.Skip(2);
-    const bool hasOwnColours = parameters.Read<quint16>() == 0;
-    BitmapView bitmap = SplitPackedBitmap(parameters.Take(parameters.Remaining()));
-    bitmap.hasOwnColours = hasOwnColours;
-    const QImage image = DecodeBitmap(bitmap, BitmapAlpha::Ignored, MaximumPatternPixels);
-    AddObject(image.isNull() ? QBrush(Qt::NoBrush) : QBrush(image));
-}
-
-void WmfPlayer::DrawText(platform::ByteReader& parameters) {
-    TextDrawing drawing;
-    const auto count = parameters.Read<quint16>();
-    drawing.text = QString::fromLatin1(parameters.Take(count));
-    parameters.Skip(count % 2);
-    drawing.reference = ReadPointBackwards(parameters);
-    canvas_.Draw(drawing);
-}
-
-void WmfPlayer::DrawExtendedText(platform::ByteReader& parameters) {
-    TextDrawing drawing;
-    drawing.reference = ReadPointBackwards(parameters);
-    const auto count = parameters.Read<quint16>();
-    drawing.options = parameters.Read<quint16>();
-    if (drawing.options & (TextDrawing::Opaque | TextDrawing::Clipped)) {
-        drawing.rectangle = ReadCorners<qint16>(parameters);
-    }
-    drawing.text = QString::fromLatin1(parameters.Take(count));
-    if (count % 2 != 0 && parameters.Remaining() > 0) {
-        parameters.Skip(1);
-    }
-    for (int i = 0; i < count && parameters.Remaining() >= 2; ++i) {
-        drawing.advances.push_back(parameters.Read<qint16>());
-    }
-    canvas_.Draw(drawing);
 }
 
 }  // namespace kadrona::imaging

@@ -1,0 +1,227 @@
+#include "imaging/reading/Jpeg2000Reader.h"
+
+#include <algorithm>
+#include <array>
+
+#include "imaging/codec/OpenJpeg.h"
+#include "imaging/metadata/Jpeg2000Boxes.h"
+#include "imaging/pixels/NewImage.h"
+#include "platform/ByteReader.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+const QByteArrayView FileSignature("\0\0\0\x0cjP  \r\n\x87\n", 12);
+const QByteArrayView CodestreamSignature("\xff\x4f\xff\x51", 4);
+
+constexpr int MostChannels = 4;
+
+/// What the codestream's first segment says (ITU-T T.800, A.5.1).
+struct Layout {
+    qint64 width = 0;
+    qint64 height = 0;
+    qint64 tileWidth = 0;
+    qint64 tileHeight = 0;
+    qint64 tiles = 0;
+    int channels = 0;
+};
+
+qint64 CountOf(qint64 length, qint64 part) {
+    return (length + part - 1) / part;
+}
+
+Layout ReadLayout(QIODevice& device, qint64 codestream) {
+    constexpr qint64 SegmentBytes = 42;
+    device.seek(codestream);
+    const QByteArray bytes = device.read(SegmentBytes);
+    platform::ByteReader reader(bytes, platform::ByteOrder::BigEndian);
+    reader.Skip(8);
+    std::array<qint64, 8> numbers{};
+    for (qint64& number : numbers) {
+        number = reader.Read<quint32>();
+    }
+    const auto& [right, bottom, left, top, tileWidth, tileHeight, tileLeft, tileTop] = numbers;
+    if (left >= right || top >= bottom || tileLeft > left || tileTop > top || tileWidth == 0 ||
+        tileHeight == 0) {
+        throw platform::OutOfBytes();
+    }
+    Layout layout{right - left, bottom - top};
+    layout.tileWidth = std::min(tileWidth, layout.width);
+    layout.tileHeight = std::min(tileHeight, layout.height);
+    layout.tiles = CountOf(right - tileLeft, tileWidth) * CountOf(bottom - tileTop, tileHeight);
+    layout.channels = reader.Read<quint16>();
+    return layout;
+}
+
+void RequireAllowed(const ReadTask& task, const Layout& layout) {
+    constexpr qint64 MostTiles = 16'384;  // each takes some six kilobytes
+    constexpr qint64 MostTilePixels = 25'000'000;
+    task.RequireAllowedSize(layout.width, layout.height);
+    if (layout.channels < 1 || layout.channels > MostChannels) {
+        task.Fail(u"Diese Art von JPEG-2000-Datei wird nicht unterstützt."_s);
+    }
+    if (layout.tiles > MostTiles || layout.tileWidth > MostTilePixels / layout.tileHeight) {
+        task.Fail(TooMuchMemoryReason());
+    }
+}
+
+OPJ_SIZE_T ReadFromDevice(void* bytes, OPJ_SIZE_T count, void* user) {
+    const qint64 read =
+        static_cast<QIODevice*>(user)->read(static_cast<char*>(bytes), static_cast<qint64>(count));
+    return read > 0 ? static_cast<OPJ_SIZE_T>(read) : static_cast<OPJ_SIZE_T>(-1);
+}
+
+OPJ_OFF_T SkipInDevice(OPJ_OFF_T count, void* user) {
+    auto* device = static_cast<QIODevice*>(user);
+    return count >= 0 && count <= device->size() - device->pos() &&
+                   device->seek(device->pos() + count)
+               ? count
+               : -1;
+}
+
+OPJ_BOOL SeekInDevice(OPJ_OFF_T position, void* user) {
+    auto* device = static_cast<QIODevice*>(user);
+    return position >= 0 && position <= device->size() && device->seek(position);
+}
+
+OpenJpegStream OpenStream(QIODevice& device) {
+    device.seek(0);
+    OpenJpegStream stream(opj_stream_default_create(OPJ_TRUE));
+    if (!stream) {
+        throw std::bad_alloc();
+    }
+    opj_stream_set_user_data(stream.get(), &device, nullptr);
+    opj_stream_set_user_data_length(stream.get(), static_cast<OPJ_UINT64>(device.size()));
+    opj_stream_set_read_function(stream.get(), ReadFromDevice);
+    opj_stream_set_skip_function(stream.get(), SkipInDevice);
+    opj_stream_set_seek_function(stream.get(), SeekInDevice);
+    return stream;
+}
+
+/// One channel of a decoded tile, as 8 bits.
+class Channel {
+ public:
+    explicit Channel(const opj_image_comp_t& component)
+        : component_(component), offset_(component.sgnd ? 1LL << (component.prec - 1) : 0) {}
+
+    /// `x` and `y` count from the tile's corner.
+    int At(qint64 x, qint64 y) const {
+        const qint64 maximum = (1LL << component_.prec) - 1;
+        const qint64 column = std::min<qint64>(x / component_.dx, component_.w - 1);
+        const qint64 row = std::min<qint64>(y / component_.dy, component_.h - 1);
+        const qint64 value =
+            std::clamp<qint64>(component_.data[row * component_.w + column] + offset_, 0, maximum);
+        return static_cast<int>((value * 255 + maximum / 2) / maximum);
+    }
+
+ private:
+    const opj_image_comp_t& component_;
+    qint64 offset_;
+};
+
+bool IsUsable(const opj_image_comp_t& component) {
+    constexpr OPJ_UINT32 MostBits = 16;
+    return component.data && component.w > 0 && component.h > 0 && component.dx > 0 &&
+           component.dy > 0 && component.prec > 0 && component.prec <= MostBits;
+}
+
+/// Luminance and chroma to a colour (ITU-T T.871, section 7).
+QRgb FromLuminanceAndChroma(int y, int cb, int cr, int alpha) {
+    const auto channel = [y](double rest) { return qBound(0, qRound(y + rest), 255); };
+    return qRgba(channel(1.402 * (cr - 128)),
+                 channel(-0.344136 * (cb - 128) - 0.714136 * (cr - 128)),
+                 channel(1.772 * (cb - 128)), alpha);
+}
+
+/// Puts a decoded tile into its place in `target`; false where it makes no sense.
+bool PlaceTile(const opj_image_t& tile, QPoint origin, QImage& target) {
+    const OPJ_UINT32 count = tile.numcomps;
+    const auto usable = std::all_of(tile.comps, tile.comps + count, IsUsable);
+    const QRect place =
+        QRect(static_cast<int>(tile.x0) - origin.x(), static_cast<int>(tile.y0) - origin.y(),
+              static_cast<int>(tile.x1 - tile.x0), static_cast<int>(tile.y1 - tile.y0));
+    if (count < 1 || count > MostChannels || !usable || !target.rect().contains(place)) {
+        return false;
+    }
+    const bool coloured = count >= 3;
+    const bool hasAlpha = count % 2 == 0 && tile.comps[count - 1].alpha != 0;
+    const Channel first(tile.comps[0]);
+    const Channel second(tile.comps[coloured ? 1 : 0]);
+    const Channel third(tile.comps[coloured ? 2 : 0]);
+    const Channel last(tile.comps[count - 1]);
+    for (int y = 0; y < place.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(target.scanLine(place.y() + y)) + place.x();
+        for (int x = 0; x < place.width(); ++x) {
+            const int alpha = hasAlpha ? last.At(x, y) : 255;
+            const int a = first.At(x, y);
+            const int b = second.At(x, y);
+            const int c = third.At(x, y);
+            row[x] = coloured && tile.color_space == OPJ_CLRSPC_SYCC
+                         ? FromLuminanceAndChroma(a, b, c, alpha)
+                         : qRgba(a, b, c, alpha);
+        }
+    }
+    return true;
+}
+
+QByteArray ProfileOf(const opj_image_t& image) {
+    const QByteArray profile(reinterpret_cast<const char*>(image.icc_profile_buf),
+                             static_cast<qsizetype>(image.icc_profile_len));
+    return IsSrgbProfile(profile) ? QByteArray() : profile;
+}
+
+void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, DecodedImage& decoded) {
+    const OpenJpegStream stream = OpenStream(task.Device());
+    const OpenJpegCodec codec(opj_create_decompress(isFile ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
+    opj_dparameters_t parameters;
+    opj_set_default_decoder_parameters(&parameters);
+    opj_image_t* header = nullptr;
+    const bool begun = codec && opj_setup_decoder(codec.get(), &parameters) &&
+                       opj_codec_set_threads(codec.get(), opj_get_num_cpus()) &&
+                       opj_read_header(stream.get(), codec.get(), &header);
+    const OpenJpegImage image(header);
+    if (!begun || !image) {
+        task.Fail(DamagedFileReason());
+    }
+    const QPoint origin(static_cast<int>(image->x0), static_cast<int>(image->y0));
+    decoded.image = NewImage({static_cast<int>(layout.width), static_cast<int>(layout.height)},
+                             QImage::Format_ARGB32);
+    for (qint64 tile = 0; tile < layout.tiles; ++tile) {
+        if (!opj_get_decoded_tile(codec.get(), stream.get(), image.get(),
+                                  static_cast<OPJ_UINT32>(tile)) ||
+            !PlaceTile(*image, origin, decoded.image)) {
+            task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+        }
+    }
+    decoded.profile = ProfileOf(*image);
+    decoded.model = image->numcomps < 3 ? ColourModel::Grey : ColourModel::Rgb;
+}
+
+}  // namespace
+
+bool IsJpeg2000(QByteArrayView start) {
+    return start.startsWith(FileSignature) || start.startsWith(CodestreamSignature);
+}
+
+DecodedImage ReadJpeg2000(const ReadTask& task) try {
+    QIODevice& device = task.Device();
+    const bool isFile = !device.peek(4).startsWith(CodestreamSignature);
+    DecodedImage decoded;
+    decoded.metadata = ReadFileMetadata(device);
+    const auto codestream = isFile ? FindJpeg2000Box(device, "jp2c", CodestreamSignature)
+                                   : Jpeg2000Box{0, device.size()};
+    if (!codestream) {
+        task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+    }
+    const Layout layout = ReadLayout(device, codestream->position);
+    RequireAllowed(task, layout);
+    DecodeTiles(task, layout, isFile, decoded);
+    return decoded;
+} catch (const platform::OutOfBytes&) {
+    task.Fail(DamagedFileReason());
+}
+
+}  // namespace kadrona::imaging
