@@ -39,7 +39,11 @@ AtomicFile::AtomicFile(const QString& path, Links links) : path_(path), file_(pa
 
 void AtomicFile::Commit() {
     if (!file_.TakePlace()) {
-        throw WriteError(path_, file_.errorString());
+        const FileError error = WriteError(path_, file_.errorString());
+        if (file_.HasTakenPlace()) {
+            throw UnflushedError(error.Text());
+        }
+        throw error;
     }
 }
 

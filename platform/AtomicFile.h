@@ -24,8 +24,8 @@ class AtomicFile {
     /// Where to write; check nothing, Commit reports every failure.
     QIODevice& Device() { return file_; }
 
-    /// Flushes and replaces. Throws FileError with the path and the system's reason; the older file
-    /// is still there then, unless only its folder could not be flushed.
+    /// Flushes and replaces. Throws FileError with the path and the system's reason: the older file
+    /// is still there then, but for UnflushedError.
     void Commit();
 
  private:

@@ -25,4 +25,10 @@ class FileError : public Error {
     using Error::Error;
 };
 
+/// A file stands under its name, whole, but may be gone after a power cut. What depends on it must
+/// not be undone.
+class UnflushedError : public FileError {
+    using FileError::FileError;
+};
+
 }  // namespace kadrona::platform

@@ -7,8 +7,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <cerrno>
 
+#include "platform/Error.h"
 #include "platform/FileModes.h"
+#include "platform/SystemReason.h"
 
 namespace kadrona::platform {
 namespace {
@@ -52,6 +55,18 @@ QString CommonAppDataFolder() {
     const QString chosen = qEnvironmentVariable("KADRONA_COMMON_APPDATA");
     return WithoutTrailingSeparator(
         QDir::toNativeSeparators(chosen.isEmpty() ? SystemCommonAppDataFolder() : chosen));
+}
+
+bool IsFile(const QString& path) {
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) == 0) {
+        return S_ISREG(status.st_mode);
+    }
+    if (errno == ENOENT) {
+        return false;
+    }
+    throw FileError(
+        u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, SystemReason(errno)));
 }
 
 bool CreateFolder(const QString& path) {

@@ -20,6 +20,10 @@ QString ProgramFolder();
 /// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
 QString CommonAppDataFolder();
 
+/// Whether there is a regular file, or a link to one. Throws FileError where that cannot be looked
+/// up: what may be there must not be taken for missing.
+bool IsFile(const QString& path);
+
 /// Creates a folder with all missing parents, with the permissions of FileModes.h. True when it
 /// exists afterwards.
 bool CreateFolder(const QString& path);

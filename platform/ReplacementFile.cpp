@@ -165,6 +165,7 @@ bool ReplacementFile::TakePlace() {
     if (!GiveName()) {
         return false;
     }
+    hasTakenPlace_ = true;
     close();
     const int code = FlushFolder(FolderOf(target_));
     return code == 0 || FailWith(code);
@@ -202,11 +203,6 @@ bool ReplacementFile::RenameToTarget() {
     return true;
 }
 
-qint64 ReplacementFile::size() const {
-    struct stat status {};
-    return fstat(handle_, &status) == 0 ? status.st_size : 0;
-}
-
 bool ReplacementFile::seek(qint64 position) {
     return QIODevice::seek(position) &&
            (lseek(handle_, position, SEEK_SET) >= 0 || FailWith(errno));
@@ -227,6 +223,7 @@ qint64 ReplacementFile::writeData(const char* data, qint64 size) {
             FailWith(count == 0 ? ENOSPC : errno);
         }
     }
+    size_ = qMax(size_, pos() + written);
     return failed_ ? -1 : written;
 }
 

@@ -34,8 +34,11 @@ class ReplacementFile : public QIODevice {
     /// brings that to the disk. Where only the last fails the file stands there, whole.
     bool TakePlace();
 
+    /// Whether the file stands under the target's name, even where TakePlace failed.
+    bool HasTakenPlace() const { return hasTakenPlace_; }
+
     bool isSequential() const override { return false; }
-    qint64 size() const override;
+    qint64 size() const override { return size_; }
     bool seek(qint64 position) override;
 
  protected:
@@ -57,7 +60,9 @@ class ReplacementFile : public QIODevice {
     int handle_ = -1;
     /// Path under which it can be found while it waits; empty while it has no name.
     QString waitingName_;
+    qint64 size_ = 0;
     bool failed_ = false;
+    bool hasTakenPlace_ = false;
 };
 
 }  // namespace kadrona::platform

@@ -35,19 +35,24 @@ bool FindUniqueName(const QString& folder, const QString& prefix,
     return false;
 }
 
+int CreateNewFile(const QString& path) {
+    const mode_t mode = ModeOfNewFile(QFileInfo(path).path());
+    const int handle =
+        open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (handle >= 0) {
+        fchmod(handle, mode);  // the mask must not close it to a group that shares it
+    }
+    return handle;
+}
+
 UniqueFile OpenUniqueFile(const QString& folder, const QString& prefix) {
     UniqueFile file;
-    const mode_t mode = ModeOfNewFile(folder);
     FindUniqueName(folder, prefix, [&](const QString& path) {
-        file.handle = open(QFile::encodeName(path).constData(),
-                           O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        file.handle = CreateNewFile(path);
         file.error = file.handle < 0 ? errno : 0;
         file.path = path;
         return file.error == EEXIST;
     });
-    if (file.handle >= 0) {
-        fchmod(file.handle, mode);  // the mask must not close it to a group that shares it
-    }
     return file;
 }
 

@@ -18,6 +18,11 @@ struct UniqueFile {
     int error = 0;  // the system's code
 };
 
+/// Creates an empty file where nothing stands under that name, with the permissions of FileModes.h,
+/// and opens it for writing. Returns the handle, which the caller closes; -1 and errno where it
+/// failed, EEXIST where the name is taken.
+int CreateNewFile(const QString& path);
+
 /// Creates a file in `folder` under a name of this form. Created exclusively, so two callers (also
 /// of two processes) never get the same name.
 UniqueFile OpenUniqueFile(const QString& folder, const QString& prefix);

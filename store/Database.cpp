@@ -1,6 +1,5 @@
 #include "store/Database.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,10 +7,10 @@
 #include <QFile>
 #include <cerrno>
 
-#include "platform/FileModes.h"
 #include "platform/Links.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
+#include "platform/UniqueFile.h"
 #include "store/SqliteReason.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
@@ -35,15 +34,14 @@ void Harden(sqlite3* handle) {
 /// Sees to it that there is a file, an empty one where there was none. SQLite itself would give it
 /// the permissions that the mask leaves, and would wait at a pipe. Returns why there is none; empty
 /// where there is one.
-QString MakeFile(const QByteArray& path, mode_t mode) {
-    const int handle = open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+QString MakeFile(const QString& path) {
+    const int handle = platform::CreateNewFile(path);
     if (handle >= 0) {
-        fchmod(handle, mode);
         close(handle);
         return {};
     }
     struct stat existing {};
-    if (errno != EEXIST || lstat(path.constData(), &existing) != 0) {
+    if (errno != EEXIST || lstat(QFile::encodeName(path).constData(), &existing) != 0) {
         return platform::SystemReason(errno);
     }
     if (S_ISLNK(existing.st_mode)) {
@@ -68,11 +66,11 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
     };
     const auto [realFolder, refusal] = platform::FollowLinks(folder, platform::Links::Own);
     check(refusal);
-    const QByteArray file = QFile::encodeName(platform::JoinPath(realFolder, FileName));
-    check(MakeFile(file, platform::ModeOfNewFile(realFolder)));
+    const QString file = platform::JoinPath(realFolder, FileName);
+    check(MakeFile(file));
 
     sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(file.constData(), &handle,
+    int result = sqlite3_open_v2(file.toUtf8().constData(), &handle,
                                  SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
                                  nullptr);
     handle_.reset(handle);

@@ -1,8 +1,7 @@
 #include "core/archive/Tags.h"
 
-#include <QFileInfo>
-
 #include "imaging/metadata/IptcFile.h"
+#include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
 
@@ -38,7 +37,7 @@ void SetIptcTags(imaging::LayeredImage& image, const QString& objectName, const 
 }
 
 void RewriteIptcTags(const QString& fileName, const QString& objectName, const QString& keywords) {
-    if (!QFileInfo(fileName).isFile()) {
+    if (!platform::IsFile(fileName)) {
         return;
     }
     imaging::IptcItems items;

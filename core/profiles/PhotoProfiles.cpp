@@ -28,6 +28,8 @@ void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
         const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
         store.SetStorageFile(platform::JoinPath(dataFolder_, file));
         Record(name, file);
+    } catch (const platform::UnflushedError&) {
+        throw;  // the profile is there
     } catch (const std::exception&) {
         // Else what is stored later would go into a file that no profile knows.
         if (store.StorageFile() != bound) {

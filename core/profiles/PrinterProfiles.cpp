@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QScopeGuard>
 
+#include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
 #include "printing/PrinterLayer.h"
@@ -29,7 +30,12 @@ void PrinterProfiles::Save(const QString& name) const {
     const QString path = platform::JoinPath(dataFolder_, file);
     auto noOrphan = qScopeGuard([&path] { QFile::remove(path); });
     printing::TPrinterSetup(Printer()).SaveToFile(path);
-    Record(name, file);
+    try {
+        Record(name, file);
+    } catch (const platform::UnflushedError&) {
+        noOrphan.dismiss();  // the profile is there
+        throw;
+    }
     noOrphan.dismiss();
 }
 

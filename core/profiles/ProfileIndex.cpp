@@ -23,7 +23,7 @@ QString ProfileIndex::SettingsFile(const QString& name) const {
         return {};
     }
     const QString path = platform::JoinPath(dataFolder_, file);
-    return QFileInfo(path).isFile() ? path : QString();
+    return platform::IsFile(path) ? path : QString();
 }
 
 void ProfileIndex::Record(const QString& name, const QString& fileName) const {

@@ -6,12 +6,14 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <cerrno>
 #include <memory>
 
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
+#include "tests/faults/FailingCalls.h"
 #include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/HostileFolders.h"
@@ -59,6 +61,27 @@ TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
     file.Commit();
     EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
     EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s});
+}
+
+/// Else a power cut could leave an empty file under the name, or the older one after all.
+TEST_F(AtomicFileTest, IsOnTheDiskBeforeAndAfterItTakesItsPlace) {
+    WriteOld();
+    WriteOld();  // the first replacement also looks for what was left behind
+    const QByteArray folder = QFile::encodeName(Folder());
+    kadrona::testing::StartFailing(folder, {});
+    WriteFileAtomically(Path(), "new"_ba);
+    const QByteArrayList calls = kadrona::testing::StopFailing();
+    const qsizetype rename = calls.indexOf("rename");
+    EXPECT_GT(rename, calls.lastIndexOf("write"));
+    EXPECT_GT(calls.lastIndexOf("fsync", rename), calls.lastIndexOf("write"));
+    const qsizetype folderFlush = calls.indexOf("fsync", rename);
+    ASSERT_GT(folderFlush, rename);
+
+    kadrona::testing::StartFailing(folder, {static_cast<int>(folderFlush) + 1, EIO});
+    const QString error = TextOf<FileError>([&] { WriteFileAtomically(Path(), "newer"_ba); });
+    kadrona::testing::StopFailing();
+    EXPECT_TRUE(error.endsWith(u"Ein- oder Ausgabefehler."_s)) << error.toStdString();
+    EXPECT_EQ(ReadWholeFile(Path(), 5), "newer"_ba) << "whole all the same";
 }
 
 TEST_F(AtomicFileTest, RemovesWhatAKilledProgramLeftADayAgo) {

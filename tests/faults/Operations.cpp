@@ -1,0 +1,211 @@
+#include "tests/faults/Operations.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <memory>
+
+#include "core/Data.h"
+#include "core/archive/ArchiveTable.h"
+#include "imaging/document/LayeredImage.h"
+#include "imaging/tone/CurveFile.h"
+#include "imaging/writing/ImageWriter.h"
+#include "platform/AtomicFile.h"
+#include "platform/PropertyFile.h"
+#include "store/Statement.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/FakePrinter.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+namespace {
+
+const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
+
+/// The data module of the installation in a folder, and what it works with.
+struct Module {
+    explicit Module(const QString& folder)
+        : data(ui, {folder + u"/program"_s, folder + u"/common"_s}, &printer),
+          archive(folder + u"/archive"_s) {
+        core::NameSources sources;
+        sources.now = [] { return QDateTime(QDate(2026, 3, 7), QTime(14, 30)); };
+        data.SetNameSources(sources);
+        QImage photo(120, 160, QImage::Format_RGB32);
+        photo.fill(Qt::gray);
+        image.Open(imaging::Pixels(photo), {300});
+    }
+
+    void File() { data.SaveImageToArchiv(image, archive, Tags, u"Jürgen Groß"_s); }
+
+    FakeInterface ui;
+    FakePrinter printer;
+    core::TData data;
+    QString archive;
+    imaging::LayeredImage image;
+};
+
+/// Remembers the file that a profile is bound to.
+class BoundFile : public core::ProfileStore {
+ public:
+    QString StorageFile() const override { return file_; }
+    void SetStorageFile(const QString& path) override { file_ = path; }
+
+ private:
+    QString file_;
+};
+
+/// What a program that ran before has left.
+void MakeInstallation(const QString& folder) {
+    for (const char* name : {"program/Schablonen", "archive", "saved"}) {
+        QDir().mkpath(folder + u'/' + QLatin1StringView(name));
+    }
+    Module module(folder);
+    module.data.InitSystem();
+    module.File();
+    BoundFile bound;
+    module.data.SaveNewProfile(u"Alt"_s, bound);
+    module.data.SavePrintProfile(u"Alt"_s);
+    module.data.SaveLayerPosToIni(u"alt"_s, {1, 2, 3, 4});
+    core::TData::SetArchivPath(folder);
+    imaging::WriteCurveFile(folder + u"/common/Kadrona/Curves/Alt.acv"_s, {});
+}
+
+/// An operation of the data module of a finished installation.
+Operation OfModule(const char* name, const std::function<void(Module&, const QString&)>& run) {
+    return {QLatin1StringView(name), MakeInstallation,
+            [run](const QString& folder, QStringList& messages) -> std::function<void()> {
+                const auto module = std::make_shared<Module>(folder);
+                module->data.InitSystem();
+                return [module, run, folder, &messages] {
+                    run(*module, folder);
+                    messages += module->ui.messages;
+                };
+            }};
+}
+
+/// A sheet of four over an older file.
+Operation Sheet(const QString& extension) {
+    const auto path = [extension](const QString& folder) {
+        return folder + u"/saved/Blatt."_s + extension;
+    };
+    return {u"sheet-"_s + extension,
+            [path](const QString& folder) {
+                QDir().mkpath(folder + u"/saved"_s);
+                platform::WriteFileAtomically(path(folder), "old"_ba);
+            },
+            [path](const QString& folder, QStringList&) -> std::function<void()> {
+                QImage photo(150, 200, QImage::Format_RGB32);
+                photo.fill(Qt::red);
+                photo.setPixel(3, 4, qRgb(1, 2, 3));
+                const imaging::Pixels sheet(photo, 2, 2);
+                return
+                    [path, folder, sheet] { imaging::WriteImageFile(path(folder), sheet, {300}); };
+            }};
+}
+
+Operation FirstStart() {
+    return {u"first-start"_s,
+            [](const QString& folder) {
+                for (const char* name : {"program/Schablonen", "archive", "common"}) {
+                    QDir().mkpath(folder + u'/' + QLatin1StringView(name));
+                }
+            },
+            [](const QString& folder, QStringList& messages) -> std::function<void()> {
+                return [folder, &messages] {
+                    const auto module = std::make_unique<Module>(folder);
+                    module->data.InitSystem();
+                    messages += module->ui.messages;
+                };
+            }};
+}
+
+void WriteSettings(Module& module, const QString&) {
+    platform::PropertyFile file(module.data.ProfileFile(u"Alt"_s));
+    file.WriteText(u"FileNameEd"_s, u"Text"_s, u"Bild"_s);
+    file.WriteList(u"Box"_s, u"Properties.Items"_s, {u"a"_s, u"b"_s});
+    file.Save();
+}
+
+void NewProfile(Module& module, const QString&) {
+    BoundFile bound;
+    module.data.SaveNewProfile(u"Neu"_s, bound);
+}
+
+QStringList Column(store::Database& database, const QString& query) {
+    store::Statement statement(database, query);
+    QStringList values;
+    while (statement.Step()) {
+        values.append(statement.Text(0));
+    }
+    return values;
+}
+
+}  // namespace
+
+std::vector<Operation> AllOperations() {
+    std::vector<Operation> operations;
+    for (const QString& extension : {u"jpg"_s, u"jp2"_s, u"png"_s, u"bmp"_s, u"tif"_s, u"pdf"_s}) {
+        operations.push_back(Sheet(extension));
+    }
+    operations.push_back(FirstStart());
+    const auto add = [&](const char* name,
+                         const std::function<void(Module&, const QString&)>& run) {
+        operations.push_back(OfModule(name, run));
+    };
+    add("archiving", [](Module& module, const QString&) { module.File(); });
+    add("tags",
+        [](Module& module, const QString&) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); });
+    add("tags-in-photo", [](Module& module, const QString&) {
+        module.data.RewriteIptcToImage(module.archive + u"/2026/03/2026_03_00001.jpg"_s, u"Ö"_s,
+                                       u"Ö\r\n"_s);
+    });
+    add("profile", WriteSettings);
+    add("new-profile", NewProfile);
+    add("delete-profile",
+        [](Module& module, const QString&) { module.data.DeleteProfile(u"Alt"_s); });
+    add("printer-profile",
+        [](Module& module, const QString&) { module.data.SavePrintProfile(u"Neu"_s); });
+    add("layout", [](Module& module, const QString&) {
+        module.data.SaveLayerPosToIni(u"neu"_s, {5, 6, 7, 8});
+    });
+    add("registry",
+        [](Module&, const QString& folder) { core::TData::SetArchivPath(folder + u"/archive"_s); });
+    add("preset", [](Module& module, const QString&) {
+        imaging::WriteCurveFile(module.data.CurvesFolder() + u"/Neu.acv"_s, {});
+    });
+    return operations;
+}
+
+QString ArchiveFault(const QString& folder) {
+    const QString databaseFolder = folder + u"/common/Kadrona/Database"_s;
+    if (!QFile::exists(databaseFolder + u"/KDRImageBase.db"_s)) {
+        return {};
+    }
+    store::Database database(databaseFolder);
+    const QString state = Column(database, u"PRAGMA integrity_check"_s).join(u' ');
+    if (state != u"ok" || !database.TableExists(u"ImgTags_idx"_s)) {
+        return state == u"ok" ? QString() : state;
+    }
+    database.Execute(uR"(INSERT INTO "ImgTags_idx" ("ImgTags_idx") VALUES ('integrity-check'))"_s);
+    if (!Column(database,
+                uR"(SELECT "ID" FROM "ImgDB" LEFT JOIN "ImgTags_idx"
+            ON "ImgTags_idx".rowid = "ID" WHERE "ImgTags" IS NOT "Text")"_s)
+             .isEmpty()) {
+        return u"the index of words is not that of the records"_s;
+    }
+    QStringList recorded = Column(
+        database, uR"(SELECT "ImgName" FROM "ImgDB" WHERE "ImgName" IS NOT NULL ORDER BY 1)"_s);
+    QStringList photos;
+    for (QDirIterator files(folder + u"/archive"_s, QDir::Files, QDirIterator::Subdirectories);
+         files.hasNext();) {
+        photos.append(QFileInfo(files.next()).fileName());
+    }
+    photos.sort();
+    return photos == recorded
+               ? QString()
+               : u"records: %1; photos: %2"_s.arg(recorded.join(u' '), photos.join(u' '));
+}
+
+}  // namespace kadrona::testing
