@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -10,6 +11,8 @@
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/PropertyFile.h"
+#include "platform/TextDecoding.h"
 #include "platform/UniqueFile.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
@@ -74,21 +77,42 @@ TEST(Paths, CommonAppDataFollowsTheEnvironment) {
     EXPECT_EQ(CommonAppDataFolder(), u"/srv/data-home"_s);
 }
 
-TEST(UserRegistry, KeepsValuesAndReadsMissingOnesAsNothing) {
-    const QTemporaryDir folder;
-    const ScopedVariable home("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
+/// Sets the folder that the registry's file lies in until the end of the scope.
+class UserRegistry : public ::testing::Test {
+ protected:
+    QString Path() const { return folder_.filePath(u"Veltmark/Kadrona.conf"_s); }
+
+    QTemporaryDir folder_;
+    ScopedVariable home_{"XDG_CONFIG_HOME", QFile::encodeName(folder_.path())};
+};
+
+TEST_F(UserRegistry, HasTheFormOfQSettings) {
     EXPECT_EQ(ReadRegistryInteger(u"DBCount"_s), 0);
     EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), QString());
-
-    const QString archive = u"/daten/Bilder, „alt“; neu=1"_s;
     WriteRegistryInteger(u"DBCount"_s, -12);
-    WriteRegistryText(u"ArchivFilesDir"_s, archive);
-    EXPECT_EQ(ReadRegistryInteger(u"DBCount"_s), -12);
-    EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), archive);
-    EXPECT_EQ(ReadRegistryInteger(u"ArchivFilesDir"_s), 0) << "a text is no integer";
+    for (const QString& archive : {u"/daten/Bilder, „alt“; neu=1"_s, u"@Variant(x)"_s,
+                                   u" C:\\Bilder \"a\"\n\x01e2\t"_s, QString()}) {
+        WriteRegistryText(u"ArchivFilesDir"_s, archive);
+        EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), archive);
+        QSettings other(Path(), QSettings::IniFormat);
+        EXPECT_EQ(other.value(u"Save/DBCount"_s).toInt(), -12);
+        EXPECT_EQ(other.value(u"Save/ArchivFilesDir"_s).toString(), archive);
+        other.setValue(u"Save/ArchivFilesDir"_s, archive + u'e');
+        other.sync();
+        EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), archive + u'e');
+        EXPECT_EQ(ReadRegistryInteger(u"ArchivFilesDir"_s), 0) << "a text is no integer";
+    }
+}
 
-    const QByteArray file = ReadWholeFile(folder.filePath(u"Veltmark/Kadrona.conf"_s), 10'000);
-    EXPECT_TRUE(file.startsWith("[Save]\n")) << file.toStdString();
+TEST_F(UserRegistry, SaysWhatFailsAndWaitsForNobody) {
+    WriteRegistryText(u"ArchivFilesDir"_s, u"/a"_s);
+    WriteFileAtomically(Path() + u".lock"_s, "1\nKadrona\nanother\n"_ba);
+    WriteRegistryText(u"ArchivFilesDir"_s, u"/b"_s);
+    EXPECT_EQ(ReadRegistryText(u"ArchivFilesDir"_s), u"/b"_s);
+    QFile::remove(Path());
+    ASSERT_EQ(mkfifo(QFile::encodeName(Path()).constData(), 0600), 0);
+    EXPECT_THROW(ReadRegistryText(u"ArchivFilesDir"_s), FileError);
+    EXPECT_THROW(WriteRegistryInteger(u"DBCount"_s, 1), FileError);
 }
 
 TEST(WebPage, StartsTheBrowserForWebAddressesOnly) {
@@ -108,6 +132,101 @@ TEST(WebPage, StartsTheBrowserForWebAddressesOnly) {
         QThread::msleep(10);
     }
     EXPECT_EQ(ReadWholeFile(seen, 1000), "https://example.org/a%20b?q=%C3%A4\n"_ba);
+}
+
+class PropertyFileTest : public ::testing::Test {
+ protected:
+    QString Path() const { return folder_.filePath(u"pro1.tmp"_s); }
+
+    QTemporaryDir folder_;
+};
+
+TEST_F(PropertyFileTest, KeepsTextsExactly) {
+    QStringList texts =
+        u"|Bildname|  both ends\t|zwei\r\nZeilen|\"„ß“\"|C:\\Bilder\\neu|\\u0041|;#[x]=y|<<<END|"
+        u"\U0001F4F7|25|true|\x01\x7F|\uFEFF"_s.split(u'|');
+    texts << QString(QChar(0xD83D)) << QString(QChar(0xDCF7)) + u'x' << u"\0"_s;
+    PropertyFile written(Path());
+    for (int i = 0; i < texts.size(); ++i) {
+        written.WriteText(u"Ed"_s, QString::number(i), texts[i]);
+    }
+    written.WriteList(u"Box"_s, u"Properties.Items"_s, texts);
+    written.Save();
+
+    const PropertyFile read(Path());
+    for (int i = 0; i < texts.size(); ++i) {
+        EXPECT_EQ(read.ReadText(u"Ed"_s, QString::number(i)), texts[i]) << i;
+    }
+    EXPECT_EQ(read.ReadList(u"Box"_s, u"Properties.Items"_s), texts);
+}
+
+TEST_F(PropertyFileTest, WritesAReadableForm) {
+    PropertyFile file(Path());
+    file.WriteText(u"FileNameEd"_s, u"Text"_s, u"Größe \"L\"\n"_s);
+    file.WriteBoolean(u"ScaleImageCk"_s, u"Checked"_s, true);
+    file.WriteList(u"Box"_s, u"Properties.Items"_s, {u"a"_s, u"b"_s, u"c"_s});
+    file.WriteList(u"Box"_s, u"Properties.Items"_s, {u"d"_s});
+    file.WriteInteger(u"Box"_s, u"ItemIndex"_s, -1);
+    file.Save();
+    EXPECT_EQ(ReadWholeFile(Path(), 1000),
+              "[FileNameEd]\nText=\"Größe \\\"L\\\"\\n\"\n"
+              "\n[ScaleImageCk]\nChecked=true\n"
+              "\n[Box]\nProperties.Items=1\nProperties.Items.1=\"d\"\nItemIndex=-1\n"_ba);
+}
+
+TEST_F(PropertyFileTest, WrongTypesAndDamageReadAsNothing) {
+    WriteFileAtomically(
+        Path(),
+        "[C]\nnumber=5\nflag=TRUE\ntext=\"x\"\nopen=\"x\nodd=\"a\"b\"\nescape=\"\\q\"\n"
+        "short=\"\\u00\"\nend=\"\\\"\nquote=\"\nbig=99999999999\n"
+        "[L]\nItems=2\nItems.1=\"a\"\nless=-1\nhuge=2147483647\nhuge.1=\"a\"\nempty=0\n"_ba);
+    const PropertyFile file(Path());
+    for (const QString& key : {u"number"_s, u"flag"_s, u"open"_s, u"odd"_s, u"escape"_s, u"short"_s,
+                               u"end"_s, u"quote"_s, u"missing"_s}) {
+        EXPECT_EQ(file.ReadText(u"C"_s, key), std::nullopt) << key.toStdString();
+    }
+    EXPECT_EQ(file.ReadInteger(u"C"_s, u"number"_s), 5);
+    EXPECT_EQ(file.ReadInteger(u"C"_s, u"text"_s), std::nullopt);
+    EXPECT_EQ(file.ReadInteger(u"C"_s, u"big"_s), std::nullopt);
+    EXPECT_EQ(file.ReadBoolean(u"C"_s, u"flag"_s), true);
+    EXPECT_EQ(file.ReadBoolean(u"C"_s, u"number"_s), std::nullopt);
+    for (const QString& key : {u"Items"_s, u"less"_s, u"huge"_s, u"missing"_s}) {
+        EXPECT_EQ(file.ReadList(u"L"_s, key), std::nullopt) << key.toStdString();
+    }
+    EXPECT_EQ(file.ReadList(u"L"_s, u"empty"_s), QStringList());
+}
+
+struct Case {
+    const char* name;
+    QByteArray bytes;
+    QString text;
+};
+
+TEST(TextDecoding, TakesUtf8AndFallsBackByteByByte) {
+    const Case cases[] = {
+        {"empty", ""_ba, u""_s},
+        {"UTF-8",
+         "Gr\xC3\xB6\xC3\x9F"
+         "e \xF0\x9F\x93\xB7"_ba,
+         u"Größe \U0001F4F7"_s},
+        {"byte order mark", "\xEF\xBB\xBF[A]"_ba, u"[A]"_s},
+        {"Windows-1252 letters",
+         "Gr\xF6\xDF"
+         "e"_ba,
+         u"Größe"_s},
+        {"Windows-1252 own block", "\x80\x84x\x93\x96\x9F"_ba, u"€„x“–Ÿ"_s},
+        {"open codes", "\x81\x9D"_ba, u"\x81\x9D"_s},
+        {"both in one file", "\xC3\xA4=\xE4"_ba, u"ä=ä"_s},
+        {"cut off at the end", "a\xE2\x82"_ba, u"aâ‚"_s},
+        {"overlong slash", "\xC0\xAF"_ba, u"À¯"_s},
+        {"encoded surrogate", "\xED\xA0\x80"_ba, u"í\u00A0€"_s},
+        {"beyond Unicode", "\xF4\x90\x80\x80"_ba, u"ô\x90€€"_s},
+        {"NUL", QByteArray("a\0b", 3), u"ab"_s},
+        {"UTF-16", QByteArray("\xFF\xFEk\0=\0", 6), u"ÿþk="_s},
+    };
+    for (const Case& example : cases) {
+        EXPECT_EQ(DecodeText(example.bytes), example.text) << example.name;
+    }
 }
 
 }  // namespace
