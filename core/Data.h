@@ -41,6 +41,7 @@ class TData {
 
     const QString& ProgramFolder() const { return folders_.program; }
     const QString& DataFolder() const { return folders_.data; }
+    const QString& TemplateFolder() const { return folders_.templates; }
     const QString& CurvesFolder() const { return folders_.curves; }
 
     int FrameSize() const { return frameSize_; }

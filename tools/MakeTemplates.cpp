@@ -1,15 +1,15 @@
-// Writes the template files and the catalogue from the template table.
+// Writes the template files, the catalogue and the figures from the template table.
 
 #include <QDir>
 #include <QFileInfo>
 
+#include "core/check/TemplateTable.h"
 #include "core/templates/TemplateFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/TextDecoding.h"
 #include "tools/TemplateDesign.h"
-#include "tools/TemplateTable.h"
 #include "tools/ToolMain.h"
 
 using namespace kadrona;
@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 LargestTable = 16 << 20;
+constexpr qint64 LargestTable = 1 << 20;
 
 void MakeTemplates(const QString& table, const QString& folder) {
     const QString text = platform::DecodeText(platform::ReadWholeFile(table, LargestTable));
@@ -25,11 +25,14 @@ void MakeTemplates(const QString& table, const QString& folder) {
         throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
     }
     QString catalogue;
-    for (const tools::TemplateRow& row : tools::ParseTemplateTable(text, table)) {
+    for (const core::TemplateRow& row : core::ParseTemplateTable(text, table)) {
         platform::WriteFileAtomically(platform::JoinPath(folder, row.file),
                                       core::SerializeTemplate(tools::DesignTemplate(row)));
         catalogue += row.name + u'=' + row.file + u'\n';
     }
+    // The program reads the figures themselves from a copy beside the drawings.
+    platform::WriteFileAtomically(platform::JoinPath(folder, core::TemplateTableFile),
+                                  text.toUtf8());
     platform::WriteFileAtomically(platform::JoinPath(folder, u"MaskList.kdr"), catalogue.toUtf8());
 }
 

@@ -6,6 +6,8 @@
 
 namespace kadrona::tools {
 
+using core::Band;
+using core::TemplateRow;
 using core::TenthsOfMillimetre;
 using core::TMask;
 using namespace Qt::StringLiterals;
@@ -31,10 +33,6 @@ constexpr int OvalExtraWidth = 1;
 
 /// Width of a head by its height, ears included.
 constexpr double NaturalHeadRatio = 0.74;
-/// Part of the free height that lies below the chin.
-constexpr double FreeHeightBelowChin = 0.6;
-/// Room above the largest head, tenths of a millimetre.
-constexpr double RoomAboveCrown = 20;
 
 int LineWidth(bool isAdvice) {
     return isAdvice ? AdviceLine : BindingLine;
@@ -157,7 +155,7 @@ class Designer {
                 LineWidth(row_.headIsAdvice) + OvalExtraWidth);
     }
 
-    int ChinLine() const { return height_ - ChinAboveLowerEdge(row_); }
+    int ChinLine() const { return height_ - core::ChinAboveLowerEdge(row_); }
 
     const TemplateRow& row_;
     const int width_;
@@ -165,35 +163,7 @@ class Designer {
     std::vector<TMask> elements_;
 };
 
-double FreeChin(const TemplateRow& row, double smallest, double middle, double largest) {
-    const double height = row.height.value;
-    const double crownInUpperQuarter = 0.75 * height - middle;
-    double chin = std::max(FreeHeightBelowChin * (height - middle), crownInUpperQuarter);
-    if (row.eyes.IsComplete()) {
-        chin = std::max(chin, row.eyes.from->value - smallest / 2);
-        chin = std::min(chin, row.eyes.to->value - middle / 2);
-    }
-    const double room = height - largest;
-    return std::min(chin, std::max(room - RoomAboveCrown, room / 2));
-}
-
 }  // namespace
-
-int ChinAboveLowerEdge(const TemplateRow& row) {
-    const Band& head = row.head;
-    const double largest = (head.to ? head.to : head.from).value_or(row.height).value;
-    const double smallest = (head.from ? head.from : head.to).value_or(row.height).value;
-    const double middle = (smallest + largest) / 2;
-    double chin = 0;
-    if (row.chin.IsComplete()) {
-        chin = row.chin.Middle();
-    } else if (row.top.IsComplete()) {
-        chin = row.height.value - row.top.Middle() - middle;
-    } else {
-        chin = FreeChin(row, smallest, middle, largest);
-    }
-    return static_cast<int>(std::lround(std::clamp(chin, 0.0, row.height.value - largest)));
-}
 
 std::vector<TMask> DesignTemplate(const TemplateRow& row) {
     return Designer(row).Draw();

@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/check/TemplateTable.h"
 #include "core/templates/TemplateCatalogue.h"
 #include "core/templates/TemplateDrawing.h"
 #include "core/templates/TemplateFile.h"
 #include "tests/core/GeometryPrinting.h"
-#include "tools/TemplateTable.h"
 
-namespace kadrona::tools {
+namespace kadrona::core {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -22,12 +22,12 @@ using testing::HasSubstr;
 const QString Header =
     u"Name\tDatei\tBreite\tHöhe\tKopf von\tKopf bis\tAugen von\tAugen bis\tOben von\tOben bis\t"
     "Kinn von\tKinn bis\tGesicht von\tGesicht bis\tAchse von\tAchse "
-    "bis\tRichtwert\tHinweis\tBeleg\t"
+    "bis\tAugenabstand von\tRichtwert\tScheitel\tBearbeitung\tHintergrund\tPapier\tHinweis\tBeleg\t"
     "Gelesen am\n"_s;
 
 /// A row of the header's columns: the cells given, the rest empty.
 QString Row(QStringList cells) {
-    cells.resize(20);
+    cells.resize(25);
     return cells.join(u'\t') + u'\n';
 }
 
@@ -42,7 +42,7 @@ std::string FaultsOf(const QString& text) {
 }
 
 TEST(TemplateTable, CellsMayHaveADecimalCommaAndSeveralAdvices) {
-    const QStringList cells = u"A;a.s;50.8;45,5;;;;;;;;;;;;;Augen, Kopf"_s.split(u';');
+    const QStringList cells = u"A;a.s;50.8;45,5;;;;;;;;;;;;;;Augen, Kopf"_s.split(u';');
     const auto rows = ParseTemplateTable(u"# a comment\n\n"_s + Header + Row(cells), u"t"_s);
     EXPECT_EQ(rows.at(0).width.value, 508);
     EXPECT_EQ(rows.at(0).height.value, 455);
@@ -253,4 +253,4 @@ TEST_F(DeliveredTemplates, NothingIsDrawnThatIsNotPublished) {
 }
 
 }  // namespace
-}  // namespace kadrona::tools
+}  // namespace kadrona::core

@@ -1,18 +1,31 @@
-#include "tools/TemplateTable.h"
+#include "core/check/TemplateTable.h"
 
+#include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
+#include <algorithm>
+#include <cmath>
 
-namespace kadrona::tools {
+#include "platform/AtomicFile.h"
+#include "platform/Paths.h"
+#include "platform/TextDecoding.h"
 
-using core::TenthsOfMillimetre;
+namespace kadrona::core {
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int LongestSide = 10000;
+/// Nobody's table is longer, bytes.
+constexpr qint64 LargestTable = 1 << 20;
+
+/// Part of the free height that lies below the chin.
+constexpr double FreeHeightBelowChin = 0.6;
+/// Room above the largest head, tenths of a millimetre.
+constexpr double RoomAboveCrown = 20;
 
 QStringList ColumnNames() {
     return {u"Name"_s,      u"Datei"_s,     u"Breite"_s,      u"Höhe"_s,        u"Kopf von"_s,
@@ -68,6 +81,20 @@ class RowReader {
         row.chin = CompleteBandWithin(u"Kinn"_s, row.height);
         row.face = BandWithin(u"Gesicht"_s, row.width);
         row.axis = CompleteBandWithin(u"Achse"_s, row.width);
+        row.eyeDistance = Length(u"Augenabstand von"_s);
+        row.crown = OneOf<Crown>(
+            u"Scheitel"_s,
+            {{{}, Crown::Hair}, {u"Haar"_s, Crown::Hair}, {u"Schädel"_s, Crown::Skull}});
+        row.editing = OneOf<AllowedEditing>(
+            u"Bearbeitung"_s, {{{}, AllowedEditing::Unregulated},
+                               {u"nur Geometrie"_s, AllowedEditing::GeometryOnly},
+                               {u"Hintergrund bleibt"_s, AllowedEditing::BackgroundUnmade}});
+        row.whiteBackgroundForbidden =
+            OneOf<bool>(u"Hintergrund"_s, {{{}, false}, {u"nicht weiß"_s, true}});
+        row.paper = cells_.value(u"Papier"_s);
+        row.hint = cells_.value(u"Hinweis"_s);
+        row.evidence = cells_.value(u"Beleg"_s);
+        row.readOn = cells_.value(u"Gelesen am"_s);
         ReadAdvice(row);
         return row;
     }
@@ -118,6 +145,19 @@ class RowReader {
             return {LongestSide};
         }
         return *side;
+    }
+
+    /// The meaning of a cell that holds one of a few words.
+    template <typename Value>
+    Value OneOf(const QString& column, const std::vector<std::pair<QString, Value>>& meanings) {
+        const QString cell = cells_.value(column);
+        for (const auto& [word, meaning] : meanings) {
+            if (cell == word) {
+                return meaning;
+            }
+        }
+        faults_.Add(u"%1: „%2“ ist keines der Wörter dieser Spalte."_s.arg(column, cell));
+        return meanings.front().second;
     }
 
     Band BandWithin(const QString& subject, TenthsOfMillimetre photoSide) {
@@ -193,7 +233,50 @@ void CheckColumns(const QStringList& columns, Faults& faults) {
     faults.ThrowIfAny();
 }
 
+double FreeChin(const TemplateRow& row, double smallest, double middle, double largest) {
+    const double height = row.height.value;
+    const double crownInUpperQuarter = 0.75 * height - middle;
+    double chin = std::max(FreeHeightBelowChin * (height - middle), crownInUpperQuarter);
+    if (row.eyes.IsComplete()) {
+        chin = std::max(chin, row.eyes.from->value - smallest / 2);
+        chin = std::min(chin, row.eyes.to->value - middle / 2);
+    }
+    const double room = height - largest;
+    return std::min(chin, std::max(room - RoomAboveCrown, room / 2));
+}
+
 }  // namespace
+
+int ChinAboveLowerEdge(const TemplateRow& row) {
+    const Band& head = row.head;
+    const double largest = (head.to ? head.to : head.from).value_or(row.height).value;
+    const double smallest = (head.from ? head.from : head.to).value_or(row.height).value;
+    const double middle = (smallest + largest) / 2;
+    double chin = 0;
+    if (row.chin.IsComplete()) {
+        chin = row.chin.Middle();
+    } else if (row.top.IsComplete()) {
+        chin = row.height.value - row.top.Middle() - middle;
+    } else {
+        chin = FreeChin(row, smallest, middle, largest);
+    }
+    return static_cast<int>(std::lround(std::clamp(chin, 0.0, row.height.value - largest)));
+}
+
+std::optional<TemplateRow> TemplateFigures(const QString& templateFolder,
+                                           const QString& templateFile) {
+    const QString path = platform::JoinPath(templateFolder, TemplateTableFile);
+    if (!QFileInfo(path).isFile()) {
+        return std::nullopt;
+    }
+    const QString text = platform::DecodeText(platform::ReadWholeFile(path, LargestTable));
+    for (TemplateRow& row : ParseTemplateTable(text, path)) {
+        if (row.file.compare(templateFile, Qt::CaseInsensitive) == 0) {
+            return std::move(row);
+        }
+    }
+    return std::nullopt;
+}
 
 std::vector<TemplateRow> ParseTemplateTable(const QString& text, const QString& path) {
     Faults faults(path);
@@ -226,4 +309,4 @@ std::vector<TemplateRow> ParseTemplateTable(const QString& text, const QString& 
     return rows;
 }
 
-}  // namespace kadrona::tools
+}  // namespace kadrona::core

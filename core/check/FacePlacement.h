@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QRect>
+#include <QSize>
+
+#include "core/check/TemplateTable.h"
+#include "imaging/face/Face.h"
+
+namespace kadrona::core {
+
+/// Where a template belongs on a photo.
+struct FacePlacement {
+    QRect rectangle;  ///< photo pixels, inside the photo
+    /// The photo ends too close to the head: the template had to leave its place.
+    bool photoTooTight = false;
+};
+
+/// The top of the head that counts for a document.
+QPointF CrownFor(const imaging::Face& face, const TemplateRow& row);
+
+/// Middle of the face across the photo: between the pupils and the chin, photo pixels.
+double FaceAxis(const imaging::Face& face);
+
+/// The template so that the head from chin to crown has the middle of its band and the chin stands
+/// on the template's chin line, the face's axis in the middle of its band, and the eyes inside
+/// theirs. Where only an upper limit of the head is published, nine tenths of it; where nothing is,
+/// seven tenths of the photo's height. The rectangle has the shape of `canvas` (the size of the
+/// template's drawing) and is never stretched. A photo without room enough makes the head as large
+/// as its band allows, then moves the template.
+FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
+                          QSize photo);
+
+}  // namespace kadrona::core

@@ -1,0 +1,1 @@
+kadrona_fuzzer(template_table_fuzzer USES kadrona_core)

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPointF>
+#include <optional>
+
+#include "imaging/face/Face.h"
+#include "imaging/pixels/Pixels.h"
+
+namespace kadrona::imaging {
+
+/// What light, focus and background of a portrait are like. Lightness is L* of CIE Lab, 0 ... 100;
+/// what lies outside the photo is not measured and stays empty.
+struct PortraitMeasures {
+    std::optional<double> skinLightness;    ///< mean over forehead and cheeks
+    std::optional<double> skinClipped;      ///< percent of it with a channel at its end
+    std::optional<double> lightDifference;  ///< left cheek against right one, without sign
+    /// Mean strength of the finest detail at the eyes: the standard deviation of the Laplacian of
+    /// L*, at 100 pixels between the pupils.
+    std::optional<double> sharpness;
+    std::optional<double> redEye;  ///< percent of the pupils that is red
+    std::optional<double> backgroundLightness;
+    std::optional<double> backgroundSpread;  ///< standard deviation, CIE Lab units
+    std::optional<double> backgroundChroma;
+    /// How much darker a quarter of the background is than the lightest one: shadows.
+    std::optional<double> backgroundShadow;
+};
+
+/// Measures a portrait by its face: skin and eyes where the pupils and the chin put them, the
+/// background beside and above the head. The regions follow OFIQ's definitions of illumination
+/// uniformity, over- and underexposure and sharpness (ISO/IEC 29794-5) in simple form.
+PortraitMeasures MeasurePortrait(const Pixels& photo, const Face& face);
+
+}  // namespace kadrona::imaging

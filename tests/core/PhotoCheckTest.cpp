@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include "core/check/FacePlacement.h"
+#include "core/check/PhotoCheck.h"
+#include "tests/core/GeometryPrinting.h"
+
+namespace kadrona::core {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A level face, 100 pixels between the pupils, hair 30 pixels above the skull.
+imaging::Face FaceAt(QPointF eyes) {
+    imaging::Face face;
+    face.leftEye.position = eyes - QPointF(50, 0);
+    face.rightEye.position = eyes + QPointF(50, 0);
+    face.chin.position = eyes + QPointF(0, 190);
+    face.skull.position = eyes - QPointF(0, 180);
+    face.crown.position = eyes - QPointF(0, 210);
+    return face;
+}
+
+std::vector<TemplateRow> Delivered() {
+    QFile table(QStringLiteral(KADRONA_TEMPLATE_TABLE));
+    EXPECT_TRUE(table.open(QFile::ReadOnly));
+    return ParseTemplateTable(QString::fromUtf8(table.readAll()), table.fileName());
+}
+
+TemplateRow DeliveredRow(const QString& file) {
+    return TemplateFigures(QStringLiteral(KADRONA_TEMPLATE_FOLDER), file).value();
+}
+
+CheckedPhoto PlacedPhoto(const TemplateRow& row, QSize photo = {2000, 2600}) {
+    CheckedPhoto checked;
+    checked.face = FaceAt({1000, 1100});
+    checked.figures = row;
+    checked.printedWidth = row.width;
+    const FacePlacement placement =
+        PlaceOnFace(*checked.face, row, QSize(row.width.value, row.height.value), photo);
+    EXPECT_FALSE(placement.photoTooTight);
+    checked.rectangle = placement.rectangle;
+    return checked;
+}
+
+CheckLine LineOf(const CheckedPhoto& photo, const QString& name) {
+    for (const CheckLine& line : CheckPhoto(photo)) {
+        if (line.name == name) {
+            return line;
+        }
+    }
+    ADD_FAILURE() << "no line " << name.toStdString();
+    return {};
+}
+
+TEST(FacePlacement, MeetsEveryFigureOfEveryTemplate) {
+    for (const TemplateRow& row : Delivered()) {
+        SCOPED_TRACE(row.name.toStdString());
+        const CheckedPhoto photo = PlacedPhoto(row);
+        for (const CheckLine& line : CheckPhoto(photo)) {
+            EXPECT_NE(line.state, CheckState::Missed)
+                << line.label.toStdString() << ": " << FigureText(line).toStdString();
+        }
+        if (row.head.IsComplete()) {
+            EXPECT_NEAR(*LineOf(photo, u"headHeight"_s).value, row.head.Middle() / 10, 0.2);
+        }
+    }
+}
+
+TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
+    const TemplateRow row = DeliveredRow(u"deutschland-reisepass.schablone"_s);
+    const QSize canvas(row.width.value, row.height.value);
+    struct Case {
+        QSize photo;
+        QPointF eyes;
+    };
+    for (const auto& [photo, eyes] : {Case{{1000, 1000}, {60, 300}}, Case{{400, 700}, {200, 300}},
+                                      Case{{500, 360}, {250, 200}}, Case{{3, 2000}, {1, 900}}}) {
+        const FacePlacement placement = PlaceOnFace(FaceAt(eyes), row, canvas, photo);
+        EXPECT_TRUE(placement.photoTooTight);
+        EXPECT_TRUE(QRect({0, 0}, photo).contains(placement.rectangle))
+            << testing::PrintToString(placement.rectangle);
+        EXPECT_NEAR(placement.rectangle.height(), placement.rectangle.width() * 45 / 35.0, 1);
+    }
+}
+
+TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
+    TemplateRow row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
+    EXPECT_EQ(row.crown, Crown::Hair);
+    CheckedPhoto photo = PlacedPhoto(row);
+    photo.rectangle = {650, 700, 700, 900};  // 20 pixels a millimetre
+    EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 20.0);
+    photo.figures->crown = Crown::Skull;
+    EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 18.5);
+    EXPECT_DOUBLE_EQ(*LineOf(photo, u"eyeLine"_s).value, 25.0);
+    EXPECT_DOUBLE_EQ(*LineOf(photo, u"faceAxis"_s).value, 17.5);
+    EXPECT_EQ(*LineOf(photo, u"resolution"_s).value, 508);
+    const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
+    EXPECT_EQ(distance.state, CheckState::Missed);
+    EXPECT_EQ(FigureText(distance), u"5,0 mm statt mindestens 8 mm"_s);
+}
+
+TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
+    CheckedPhoto photo = PlacedPhoto(DeliveredRow(u"frankreich-reisepass.schablone"_s));
+    photo.rectangle = photo.rectangle.adjusted(-300, -300, 300, 300);
+    photo.measures.skinLightness = 2;
+    photo.measures.backgroundLightness = 99;
+    EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Missed);
+    EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Guidance);
+    EXPECT_EQ(LineOf(photo, u"exposure"_s).state, CheckState::Guidance);
+    EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Missed);
+    photo.measures.backgroundChroma = 10;
+    EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Met);
+    for (const CheckLine& line : CheckPhoto(photo)) {
+        EXPECT_FALSE(line.source.isEmpty()) << line.name.toStdString();
+    }
+    photo.face.reset();
+    EXPECT_EQ(LineOf(photo, u"face"_s).state, CheckState::Missed);
+    EXPECT_FALSE(LineOf(photo, u"headHeight"_s).value);
+}
+
+TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
+    struct Case {
+        QString file;
+        PhotoEdits edits;
+        CheckState state;
+    };
+    const QString usa = u"usa-reisepass.schablone"_s;
+    const QString korea = u"suedkorea-reisepass.schablone"_s;
+    for (const auto& [file, edits, state] :
+         {Case{usa, {}, CheckState::Met}, Case{usa, {.tone = true}, CheckState::Missed},
+          Case{korea, {.tone = true}, CheckState::Met},
+          Case{korea, {.retouched = true}, CheckState::Missed},
+          Case{u"irland-reisepass.schablone"_s, {.colours = true}, CheckState::Guidance}}) {
+        CheckedPhoto photo = PlacedPhoto(DeliveredRow(file));
+        photo.edits = edits;
+        EXPECT_EQ(LineOf(photo, u"editing"_s).state, state) << file.toStdString();
+    }
+    const CheckedPhoto german = PlacedPhoto(DeliveredRow(u"deutschland-reisepass.schablone"_s));
+    EXPECT_TRUE(LineOf(german, u"paper"_s).note.contains(u"digital"));
+}
+
+TEST(PhotoCheck, SeesTheCornersThatARotationLeaves) {
+    QImage photo(300, 400, QImage::Format_RGB32);
+    photo.fill(QColor(200, 200, 200));
+    const QRect whole(0, 0, 300, 400);
+    const auto corner = [&](QPoint at) {
+        for (int y = 0; y < 20; ++y) {
+            for (int x = 0; x < 20; ++x) {
+                photo.setPixel(at + QPoint(x, y), 0xffffffff);
+            }
+        }
+    };
+    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    corner({280, 0});
+    EXPECT_TRUE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole.adjusted(30, 30, -30, -30)));
+    corner({0, 0});  // a white wall above a dark coat
+    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
+}
+
+TEST(TemplateFigures, ReadsTheFolderOfTheProgramSafely) {
+    const QTemporaryDir folder;
+    EXPECT_FALSE(TemplateFigures(folder.path(), u"a.schablone"_s));
+    QFile table(folder.filePath(TemplateTableFile));
+    ASSERT_TRUE(table.open(QFile::WriteOnly));
+    table.write("Name\tDatei\nA\ta.schablone\n");
+    table.close();
+    EXPECT_THROW(TemplateFigures(folder.path(), u"a.schablone"_s), TemplateTableError);
+    EXPECT_FALSE(TemplateFigures(QStringLiteral(KADRONA_TEMPLATE_FOLDER), u"own.schablone"_s));
+}
+
+}  // namespace
+}  // namespace kadrona::core
