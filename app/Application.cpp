@@ -9,6 +9,7 @@
 #include <QWindow>
 
 #include "app/MainWindow.h"
+#include "app/commandline/CheckCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
@@ -27,10 +28,11 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
     QTextStream output(stdout);
     QTextStream errors(stderr);
     const QString first = arguments.value(1);
-    if (first == u"sheet"_s) {
+    if (first == u"sheet"_s || first == u"check"_s) {
         // No display and no fonts are needed, only the image plug-ins.
         const QCoreApplication console(argc, argv);
-        return RunSheetCommand(arguments.mid(2), output, errors);
+        const auto run = first == u"sheet"_s ? RunSheetCommand : RunCheckCommand;
+        return run(arguments.mid(2), output, errors);
     }
     if (first == u"--help"_s || first == u"-h"_s) {
         output << core::WindowCaption << u"\n\n"_s << CommandLineHelp();
@@ -106,7 +108,7 @@ int Run(int argc, char** argv) {
     }
     if (!HasDisplay()) {
         QTextStream(stderr) << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
-                               u"„kadrona sheet“ (siehe kadrona --help).\n"_s;
+                               u"„kadrona sheet“ und „kadrona check“ (siehe kadrona --help).\n"_s;
         return SomePhotoFailed;
     }
     const QString photo = arguments.value(1);

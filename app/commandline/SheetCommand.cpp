@@ -4,12 +4,11 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include "app/commandline/CommandSetup.h"
 #include "core/base/FileNaming.h"
-#include "core/base/UserInterface.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/PhotoSaver.h"
-#include "core/templates/LayerPosition.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/writing/ImageWriter.h"
 
@@ -18,45 +17,6 @@ using namespace Qt::StringLiterals;
 namespace kadrona::app {
 
 namespace {
-
-const QString StandardProfile = u"Standard Profile"_s;
-
-/// Messages become lines; nobody is there to enter tags or choose a file.
-class ConsoleInterface : public core::UserInterface {
- public:
-    explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
-    void ShowMessage(const QString& text) override { errors_ << text << Qt::endl; }
-    std::optional<QStringList> EditTags() override {
-        ShowMessage(
-            u"Das Foto wird nicht archiviert: Schlüsselworte können nur im Fenster eingegeben "
-            u"werden."_s);
-        return std::nullopt;
-    }
-    std::optional<QString> AskForSaveFile(const core::SaveDialog&) override { return std::nullopt; }
-    std::optional<double> AskForRotation(const imaging::Pixels&) override { return std::nullopt; }
-
- private:
-    QTextStream& errors_;
-};
-
-/// Unchanged file names; for a folder its image files by name.
-QStringList ExpandFolders(const QStringList& photos, const QString& filter) {
-    QStringList patterns;
-    for (const QString& part : filter.section(u'|', 1, 1).split(u';')) {
-        patterns.append(part);
-    }
-    QStringList files;
-    for (const QString& photo : photos) {
-        if (!QFileInfo(photo).isDir()) {
-            files.append(photo);
-            continue;
-        }
-        for (const QFileInfo& file : QDir(photo).entryInfoList(patterns, QDir::Files, QDir::Name)) {
-            files.append(file.filePath());
-        }
-    }
-    return files;
-}
 
 bool NamesFolder(const QString& output) {
     return output.endsWith(QDir::separator()) || QFileInfo(output).isDir() ||
@@ -91,52 +51,16 @@ QStringList OutputFiles(const SheetRequest& request, const QStringList& photos) 
     return outputs;
 }
 
-void LoadTemplate(core::TData& data, const QString& name) {
-    const auto index = static_cast<int>(data.GetSchablonenList().indexOf(name));
-    if (index < 0) {
-        throw UsageError(u"Die Schablone „%1“ gibt es nicht. Es gibt:\n  %2"_s.arg(
-            name, data.GetSchablonenList().join(u"\n  "_s)));
+/// The place on the face, the one asked for, or the one remembered.
+void PlaceTemplate(core::TData& data, imaging::LayeredImage& image, const SheetRequest& request,
+                   const QString& photo, QTextStream& errors) {
+    if (!request.automatic) {
+        PlaceTemplateAt(data, image, request.place);
+        return;
     }
-    if (!data.MaskLoadFromFile(data.GetMaskFileName(index))) {
-        throw UsageError(u"Die Datei der Schablone „%1“ fehlt."_s.arg(name));
-    }
-}
-
-core::StoredSettings ProfileSettings(const core::TData& data, const QString& profile) {
-    const bool known = data.GetProfileList().contains(profile, Qt::CaseInsensitive);
-    if (!profile.isEmpty() && !known) {
-        throw UsageError(u"Das Profil „%1“ gibt es nicht."_s.arg(profile));
-    }
-    return core::StoredSettings(data.ProfileFile(profile.isEmpty() ? StandardProfile : profile));
-}
-
-void PlaceTemplate(core::TData& data, imaging::LayeredImage& image,
-                   const std::optional<TemplatePlace>& place) {
-    const QSize photo = image.Photo().Size();
-    if (place) {
-        const QRect wanted(place->left, place->top, place->width, 1);
-        image.SetLayerRectangle(
-            1, core::RestoredLayerRectangle(wanted, wanted.size(), data.TemplateCanvasSize()));
-    } else {
-        const QString section = core::LayerSection(data.TemplateName(), photo);
-        if (data.ReadLayerPosFromIni(section).width() <= 0) {
-            throw platform::Error(
-                u"Für Fotos mit %1 x %2 Pixeln ist keine Lage dieser Schablone gespeichert; "
-                u"geben Sie sie mit --at an."_s.arg(photo.width())
-                    .arg(photo.height()));
-        }
-        data.LoadLayer(image);
-    }
-    const QRect rectangle = image.LayerAt(1).rectangle;
-    if (!QRect(QPoint(), photo).contains(rectangle)) {
-        throw platform::Error(
-            u"Die Schablone (links %1, oben %2, %3 x %4) ragt über das Foto (%5 x %6) hinaus."_s
-                .arg(rectangle.x())
-                .arg(rectangle.y())
-                .arg(rectangle.width())
-                .arg(rectangle.height())
-                .arg(photo.width())
-                .arg(photo.height()));
+    const core::FacePlacement placement = PlaceTemplateOnFace(data, image);
+    if (placement.photoTooTight) {
+        errors << photo << u": "_s << TooTightWarning << Qt::endl;
     }
 }
 
@@ -152,7 +76,7 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
     core::BalancePhoto(settings, image);
     core::TurnOpenedPhoto(settings, image);
     data.DrawMask(image);
-    PlaceTemplate(data, image, request.place);
+    PlaceTemplate(data, image, request, photo, errors);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         errors << photo << u": "_s << core::TooBrightWarning << Qt::endl;
     }
@@ -195,19 +119,11 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
 }
 
 int RunSheetCommand(const QStringList& arguments, QTextStream& progress, QTextStream& errors) {
-    try {
-        const SheetRequest request = ParseSheetRequest(arguments);
-        ConsoleInterface console(errors);
-        core::TData data(console);
-        data.InitSystem();
-        return MakeSheets(request, data, progress, errors);
-    } catch (const UsageError& error) {
-        errors << error.Text() << u"\nHilfe: kadrona --help"_s << Qt::endl;
-        return WrongUsage;
-    } catch (const std::exception& error) {
-        errors << QString::fromUtf8(error.what()) << Qt::endl;
-        return SomePhotoFailed;
-    }
+    return RunCommand(errors, [&] {
+        const auto request = ParseSheetRequest(arguments);
+        return WithData(
+            errors, [&](core::TData& data) { return MakeSheets(request, data, progress, errors); });
+    });
 }
 
 }  // namespace kadrona::app

@@ -2,13 +2,11 @@
 
 #include <QTextStream>
 
+#include "app/commandline/CommandSetup.h"
 #include "app/commandline/SheetRequest.h"
 #include "core/Data.h"
 
 namespace kadrona::app {
-
-/// Exit codes of the command line.
-enum ExitCode { Done = 0, SomePhotoFailed = 1, WrongUsage = 2 };
 
 /// Makes the requested sheets without a window, through the same operations as the window. One line
 /// per photo goes to `progress`, one per photo that could not be done (and why) to `errors`; the

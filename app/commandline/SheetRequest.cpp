@@ -39,6 +39,37 @@ int ParseLayout(const QString& text) {
     return index;
 }
 
+/// Throws UsageError for what the parser does not know.
+void Parse(QCommandLineParser& parser, const QStringList& arguments) {
+    // The parser drops the first argument, which usually is the program.
+    if (!parser.parse(QStringList(u"kadrona"_s) + arguments)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        throw UsageError(unknown.isEmpty()
+                             ? u"Einer Option fehlt ihr Wert."_s
+                             : u"Die Option „%1“ gibt es nicht."_s.arg(unknown.first()));
+    }
+}
+
+/// What both commands are told: photos, template and its place.
+template <typename Request>
+void ReadCommon(const QCommandLineParser& parser, Request& request) {
+    request.photos = parser.positionalArguments();
+    request.templateName = parser.value(u"template"_s);
+    if (request.photos.isEmpty()) {
+        throw UsageError(u"Es ist kein Foto angegeben."_s);
+    }
+    if (request.templateName.isEmpty()) {
+        throw UsageError(u"Es ist keine Schablone angegeben (--template NAME)."_s);
+    }
+    request.automatic = parser.isSet(u"auto"_s);
+    if (parser.isSet(u"at"_s)) {
+        if (request.automatic) {
+            throw UsageError(u"--at und --auto schließen einander aus."_s);
+        }
+        request.place = ParsePlace(parser.value(u"at"_s));
+    }
+}
+
 }  // namespace
 
 SheetRequest ParseSheetRequest(const QStringList& arguments) {
@@ -47,34 +78,34 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
                        {u"out"_s, {}, u"ZIEL"_s},
                        {u"layout"_s, {}, u"AUFTEILUNG"_s},
                        {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
+                       {u"auto"_s, {}},
                        {u"profile"_s, {}, u"NAME"_s}});
-    // The parser drops the first argument, which usually is the program.
-    if (!parser.parse(QStringList(u"kadrona"_s) + arguments)) {
-        const QStringList unknown = parser.unknownOptionNames();
-        throw UsageError(unknown.isEmpty()
-                             ? u"Einer Option fehlt ihr Wert."_s
-                             : u"Die Option „%1“ gibt es nicht."_s.arg(unknown.first()));
-    }
+    Parse(parser, arguments);
     SheetRequest request;
-    request.photos = parser.positionalArguments();
-    request.templateName = parser.value(u"template"_s);
+    ReadCommon(parser, request);
     request.output = parser.value(u"out"_s);
     request.profile = parser.value(u"profile"_s);
-    if (request.photos.isEmpty()) {
-        throw UsageError(u"Es ist kein Foto angegeben."_s);
-    }
-    if (request.templateName.isEmpty()) {
-        throw UsageError(u"Es ist keine Schablone angegeben (--template NAME)."_s);
-    }
     if (request.output.isEmpty()) {
         throw UsageError(u"Es ist kein Ziel angegeben (--out DATEI oder ORDNER)."_s);
     }
     if (parser.isSet(u"layout"_s)) {
         request.layoutIndex = ParseLayout(parser.value(u"layout"_s));
     }
-    if (parser.isSet(u"at"_s)) {
-        request.place = ParsePlace(parser.value(u"at"_s));
-    }
+    return request;
+}
+
+CheckRequest ParseCheckRequest(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOptions({{u"template"_s, {}, u"NAME"_s},
+                       {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
+                       {u"auto"_s, {}},
+                       {u"json"_s, {}},
+                       {u"strict"_s, {}}});
+    Parse(parser, arguments);
+    CheckRequest request;
+    ReadCommon(parser, request);
+    request.json = parser.isSet(u"json"_s);
+    request.strict = parser.isSet(u"strict"_s);
     return request;
 }
 
@@ -86,6 +117,10 @@ QString CommandLineHelp() {
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
 
+  kadrona check FOTO... --template NAME [--at LINKS,OBEN,BREITE | --auto]
+          [--json] [--strict]
+      prüft jedes Foto an den Vorgaben der Schablone, ohne Fenster.
+
 Optionen von „sheet“:
   --template NAME         Schablone, wie sie im Programm heißt
   --out DATEI|ORDNER      Ziel; die Endung bestimmt das Format
@@ -93,7 +128,14 @@ Optionen von „sheet“:
   --layout "2 x 4"        Aufteilung des Bogens; sonst die des Profils
   --at LINKS,OBEN,BREITE  Lage der Schablone in Pixeln des Fotos; sonst die
                           für Fotos dieser Größe gespeicherte
+  --auto                  Lage der Schablone am Gesicht; Fotos ohne Gesicht
+                          werden genannt, die anderen gemacht
   --profile NAME          Einstellungsprofil; sonst „Standard Profile“
+
+Optionen von „check“:
+  --template, --at, --auto  wie bei „sheet“
+  --json                  ein Objekt je Foto, bei mehreren eine Liste
+  --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
 
   --help                  zeigt diese Hilfe
   --version               zeigt die Fassung

@@ -32,9 +32,28 @@ struct SheetRequest {
     std::optional<int> layoutIndex;
     /// Nothing: the place saved for photos of that size.
     std::optional<TemplatePlace> place;
+    /// The place on each photo's face.
+    bool automatic = false;
     /// Empty: "Standard Profile", which need not exist.
     QString profile;
 };
+
+/// What "kadrona check" is asked to do.
+struct CheckRequest {
+    /// Files and folders, as given.
+    QStringList photos;
+    QString templateName;
+    /// Nothing: the place on the face where `automatic`, else the one saved for photos of that
+    /// size.
+    std::optional<TemplatePlace> place;
+    bool automatic = false;
+    bool json = false;
+    /// Something missed counts for the exit code.
+    bool strict = false;
+};
+
+/// Reads the arguments that follow "check". Throws UsageError.
+CheckRequest ParseCheckRequest(const QStringList& arguments);
 
 /// Reads the arguments that follow "sheet". Throws UsageError.
 SheetRequest ParseSheetRequest(const QStringList& arguments);

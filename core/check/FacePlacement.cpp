@@ -30,10 +30,14 @@ HeadSizes HeadsOf(const TemplateRow& row) {
 }
 
 /// Chin above the lower edge in tenths of a millimetre for a head of that size: the drawing's chin
-/// line, moved as far as the eyes need it to lie inside their band.
-double ChinAbove(const imaging::Face& face, const TemplateRow& row, double unitsPerPixel) {
+/// line, or below the published gap over the crown, moved as far as the eyes need it to lie inside
+/// their band.
+double ChinAbove(const imaging::Face& face, const TemplateRow& row, double head,
+                 double unitsPerPixel) {
     constexpr double Inside = 2;
-    double chin = ChinAboveLowerEdge(row);
+    double chin = row.top.IsComplete() && !row.chin.IsComplete()
+                      ? row.height.value - row.top.Middle() - head
+                      : ChinAboveLowerEdge(row);
     if (row.eyes.IsComplete()) {
         const double eyesOverChin = (face.chin.position.y() - face.EyeMiddle().y()) * unitsPerPixel;
         chin = std::max(chin, row.eyes.from->value + Inside - eyesOverChin);
@@ -46,7 +50,7 @@ QRect RectangleFor(const imaging::Face& face, const TemplateRow& row, QSize canv
     const double pixels = face.chin.position.y() - CrownFor(face, row).y();
     const double unitsPerPixel = head / std::max(pixels, 1.0);
     const double axis = row.axis.IsComplete() ? row.axis.Middle() : row.width.value / 2.0;
-    const double fromTop = row.height.value - ChinAbove(face, row, unitsPerPixel);
+    const double fromTop = row.height.value - ChinAbove(face, row, head, unitsPerPixel);
     const QRect wanted(
         static_cast<int>(std::lround(FaceAxis(face) - axis / unitsPerPixel)),
         static_cast<int>(std::lround(face.chin.position.y() - fromTop / unitsPerPixel)),

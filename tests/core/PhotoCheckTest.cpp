@@ -77,7 +77,7 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
         QSize photo;
         QPointF eyes;
     };
-    for (const auto& [photo, eyes] : {Case{{1000, 1000}, {60, 300}}, Case{{400, 700}, {200, 300}},
+    for (const auto& [photo, eyes] : {Case{{1000, 1000}, {60, 300}}, Case{{300, 700}, {150, 300}},
                                       Case{{500, 360}, {250, 200}}, Case{{3, 2000}, {1, 900}}}) {
         const FacePlacement placement = PlaceOnFace(FaceAt(eyes), row, canvas, photo);
         EXPECT_TRUE(placement.photoTooTight);

@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QPainter>
-#include <QSvgRenderer>
 #include <QTemporaryDir>
 #include <QTransform>
 #include <cmath>
@@ -10,24 +9,17 @@
 
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "tests/support/DrawnPortrait.h"
 
 namespace kadrona::imaging {
 namespace {
 
-/// The drawn portrait, 600 x 800 pixels, whose measures are known.
-const QSize DrawnSize(600, 800);
-const QPointF DrawnLeftEye(241.4, 329.8);
-const QPointF DrawnRightEye(359, 329.8);
-const QPointF DrawnChin(300, 517.4);
-const QPointF DrawnCrown(300, 137.8);
-
-QImage DrawnPortrait() {
-    QImage image(DrawnSize, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    QSvgRenderer(QStringLiteral(SAMPLE_PORTRAIT)).render(&painter);
-    return image;
-}
+using kadrona::testing::DrawnChin;
+using kadrona::testing::DrawnCrown;
+using kadrona::testing::DrawnLeftEye;
+using kadrona::testing::DrawnPortrait;
+using kadrona::testing::DrawnRightEye;
+using kadrona::testing::DrawnSize;
 
 /// A photo of `size` with portraits on a grey wall, each drawn by its transform.
 QImage Wall(QSize size, const std::vector<QTransform>& portraits) {
@@ -66,7 +58,7 @@ struct Pose {
     bool mirrored;
 };
 
-class DrawnFace : public testing::TestWithParam<Pose> {};
+class DrawnFace : public ::testing::TestWithParam<Pose> {};
 
 TEST_P(DrawnFace, IsMeasuredWhereItWasDrawn) {
     const Pose& pose = GetParam();
@@ -83,10 +75,10 @@ TEST_P(DrawnFace, IsMeasuredWhereItWasDrawn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Poses, DrawnFace,
-                         testing::Values(Pose{"plain", 1, 0, false}, Pose{"mirrored", 1, 0, true},
-                                         Pose{"small", 0.35, 0, false}, Pose{"large", 4, 0, false},
-                                         Pose{"left", 1, -13, false},
-                                         Pose{"right", 1.5, 13, false}),
+                         ::testing::Values(Pose{"plain", 1, 0, false}, Pose{"mirrored", 1, 0, true},
+                                           Pose{"small", 0.35, 0, false},
+                                           Pose{"large", 4, 0, false}, Pose{"left", 1, -13, false},
+                                           Pose{"right", 1.5, 13, false}),
                          [](const auto& info) { return info.param.name; });
 
 TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {

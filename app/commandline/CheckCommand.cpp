@@ -1,0 +1,208 @@
+#include "app/commandline/CheckCommand.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+
+#include "app/commandline/CommandSetup.h"
+#include "app/commandline/SheetCommand.h"
+#include "core/check/PhotoCheck.h"
+#include "core/sheet/PhotoLoading.h"
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+/// The check of one photo.
+struct Report {
+    QString file;
+    imaging::FaceSearch search;
+    /// Empty where the template was to be placed by a face that is not there.
+    QRect placement;
+    std::vector<core::CheckLine> lines;
+
+    bool HasMissed() const {
+        return std::ranges::any_of(lines, [](const core::CheckLine& line) {
+            return line.state == core::CheckState::Missed;
+        });
+    }
+};
+
+QJsonArray Point(const imaging::FacePoint& point) {
+    return {point.position.x(), point.position.y()};
+}
+
+QJsonValue FaceObject(const std::optional<imaging::Face>& face) {
+    if (!face) {
+        return QJsonValue::Null;
+    }
+    return QJsonObject{
+        {u"leftEye"_s, Point(face->leftEye)},  {u"rightEye"_s, Point(face->rightEye)},
+        {u"chin"_s, Point(face->chin)},        {u"crown"_s, Point(face->crown)},
+        {u"tiltDegrees"_s, face->tiltDegrees}, {u"confidence"_s, face->Confidence()}};
+}
+
+QString StateWord(core::CheckState state) {
+    switch (state) {
+        case core::CheckState::Met:
+            return u"met"_s;
+        case core::CheckState::Missed:
+            return u"missed"_s;
+        case core::CheckState::Guidance:
+            break;
+    }
+    return u"guidance"_s;
+}
+
+QJsonValue Figure(std::optional<double> figure) {
+    return figure ? QJsonValue(*figure) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonObject ReportObject(const Report& report) {
+    QJsonArray checks;
+    for (const core::CheckLine& line : report.lines) {
+        checks.append(QJsonObject{{u"name"_s, line.name},
+                                  {u"state"_s, StateWord(line.state)},
+                                  {u"value"_s, Figure(line.value)},
+                                  {u"min"_s, Figure(line.minimum)},
+                                  {u"max"_s, Figure(line.maximum)},
+                                  {u"unit"_s, line.unit},
+                                  {u"source"_s, line.source}});
+    }
+    const QRect& place = report.placement;
+    const QJsonValue placement = place.isEmpty()
+                                     ? QJsonValue(QJsonValue::Null)
+                                     : QJsonValue(QJsonObject{{u"left"_s, place.x()},
+                                                              {u"top"_s, place.y()},
+                                                              {u"width"_s, place.width()},
+                                                              {u"height"_s, place.height()}});
+    return {{u"file"_s, report.file},
+            {u"face"_s, FaceObject(report.search.face)},
+            {u"placement"_s, placement},
+            {u"checks"_s, checks}};
+}
+
+void PrintText(const Report& report, QTextStream& output) {
+    output << report.file << u"\n"_s;
+    if (report.search.faceCount > 1) {
+        output << u"  %1 Gesichter; geprüft wird das größte nahe der Mitte.\n"_s.arg(
+            report.search.faceCount);
+    }
+    for (const core::CheckLine& line : report.lines) {
+        const QString band = core::BandText(line);
+        QString figure = core::ValueText(line);
+        figure = figure.isEmpty() ? line.note : figure;
+        output << u"  %1 %2 %3 %4\n"_s.arg(line.label, -34)
+                      .arg(figure, 10)
+                      .arg(band.isEmpty() ? QString() : u"("_s + band + u')', -24)
+                      .arg(core::StateText(line.state));
+    }
+    output.flush();
+}
+
+void PrintJson(const std::vector<Report>& reports, bool asList, QTextStream& output) {
+    QJsonArray list;
+    for (const Report& report : reports) {
+        list.append(ReportObject(report));
+    }
+    QJsonDocument document(list);
+    if (!asList) {
+        document = list.isEmpty() ? QJsonDocument() : QJsonDocument(list.first().toObject());
+    }
+    output << QString::fromUtf8(document.toJson()) << Qt::flush;
+}
+
+/// Looks for a face; where the finder's data is missing, that is said and the rest still checked.
+imaging::FaceSearch Search(const imaging::Pixels& photo, QTextStream& errors) {
+    try {
+        return imaging::FindFace(photo);
+    } catch (const imaging::CascadesMissing& error) {
+        errors << error.Text() << Qt::endl;
+        return {};
+    }
+}
+
+Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRequest& request,
+                const QString& file, QTextStream& errors) {
+    imaging::LayeredImage image;
+    core::OpenPhoto(file, settings, image);
+    core::TurnOpenedPhoto(settings, image);
+    data.DrawMask(image);
+    const core::TemplateRow figures = LoadedFigures(data);
+    Report report{file, Search(image.Photo(), errors), {}, {}};
+    const std::optional<imaging::Face>& face = report.search.face;
+    if (!request.automatic) {
+        PlaceTemplateAt(data, image, request.place);
+        report.placement = image.LayerAt(1).rectangle;
+    } else if (face) {
+        const core::FacePlacement placement =
+            core::PlaceOnFace(*face, figures, data.TemplateCanvasSize(), image.Photo().Size());
+        report.placement = placement.rectangle;
+        if (placement.photoTooTight) {
+            errors << file << u": "_s << TooTightWarning << Qt::endl;
+        }
+    }
+    core::CheckedPhoto checked;
+    checked.face = face;
+    if (face) {
+        checked.measures = imaging::MeasurePortrait(image.Photo(), *face);
+    }
+    checked.rectangle = report.placement;
+    checked.figures = figures;
+    checked.printedWidth = {data.TemplateCanvasSize().width()};
+    checked.whiteCorners = core::HasWhiteCorners(image.Photo(), report.placement);
+    report.lines = core::CheckPhoto(checked);
+    return report;
+}
+
+}  // namespace
+
+int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& output,
+                QTextStream& errors) {
+    LoadTemplate(data, request.templateName);
+    const core::StoredSettings settings = ProfileSettings(data, {});
+    const QStringList photos = ExpandFolders(request.photos, data.OpenDialog().filter);
+    if (photos.isEmpty()) {
+        throw UsageError(u"In „%1“ ist kein Foto."_s.arg(request.photos.join(u"“, „"_s)));
+    }
+    int result = Done;
+    bool missed = false;
+    std::vector<Report> reports;
+    for (const QString& photo : photos) {
+        try {
+            Report report = CheckOne(data, settings, request, photo, errors);
+            if (request.automatic && !report.search.face) {
+                errors << photo << u": Kein Gesicht gefunden."_s << Qt::endl;
+                result = SomePhotoFailed;
+            }
+            missed |= report.HasMissed();
+            if (request.json) {
+                reports.push_back(std::move(report));
+            } else {
+                PrintText(report, output);
+            }
+        } catch (const std::exception& error) {
+            errors << photo << u": "_s << QString::fromUtf8(error.what()) << Qt::endl;
+            result = SomePhotoFailed;
+        }
+    }
+    if (request.json) {
+        PrintJson(reports, photos.size() > 1, output);
+    }
+    return result == Done && missed && request.strict ? SomethingMissed : result;
+}
+
+int RunCheckCommand(const QStringList& arguments, QTextStream& output, QTextStream& errors) {
+    return RunCommand(errors, [&] {
+        const auto request = ParseCheckRequest(arguments);
+        return WithData(
+            errors, [&](core::TData& data) { return CheckPhotos(request, data, output, errors); });
+    });
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QTextStream>
+
+#include "app/commandline/SheetRequest.h"
+#include "core/Data.h"
+
+namespace kadrona::app {
+
+/// Exit code of a strict check that found something missed.
+inline constexpr int SomethingMissed = 3;
+
+/// Checks the requested photos without a window. The reports go to `output`, one line per photo
+/// that could not be read or, where the template is placed by the face, has none to `errors`.
+/// Throws UsageError when the request cannot be met for any photo.
+int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& output,
+                QTextStream& errors);
+
+/// Reads the arguments after "check" and checks with this machine's data.
+int RunCheckCommand(const QStringList& arguments, QTextStream& output, QTextStream& errors);
+
+}  // namespace kadrona::app
