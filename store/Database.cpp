@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/Links.h"
@@ -57,7 +58,7 @@ void Database::Closer::operator()(sqlite3* handle) const {
 }
 
 Database::Database(const QString& folder, std::chrono::milliseconds patience)
-    : path_(platform::JoinPath(folder, FileName)) {
+    : path_(platform::JoinPath(folder, FileName)), patience_(patience) {
     const auto check = [this](const QString& reason) {
         if (!reason.isEmpty()) {
             throw StoreError(
@@ -76,7 +77,7 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
-        sqlite3_busy_timeout(handle, static_cast<int>(patience.count()));
+        WaitUpTo(ReadingPatience);
         Harden(handle);
         result = RegisterWordTokenizer(handle);
     }
@@ -85,6 +86,10 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
     }
     check(result == SQLITE_OK ? QString() : SqliteReason(handle, result));
+}
+
+void Database::WaitUpTo(std::chrono::milliseconds patience) {
+    sqlite3_busy_timeout(handle_.get(), static_cast<int>(std::min(patience, patience_).count()));
 }
 
 void Database::Execute(const QString& sql) {

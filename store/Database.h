@@ -17,9 +17,10 @@ namespace kadrona::store {
 class Database {
  public:
     /// Opens the database and makes it where there is none yet, with the permissions of
-    /// platform/FileModes.h; the folder must exist. `patience` is how long to wait each time while
-    /// another program writes. Throws StoreError, also where the file is no database, is a link, or
-    /// lies behind another user's link.
+    /// platform/FileModes.h; the folder must exist. `patience` is how long a transaction waits each
+    /// time while another program writes; whoever only reads waits a moment at most, because a
+    /// window may be waiting too. Throws StoreError, also where the file is no database, is a link,
+    /// or lies behind another user's link.
     explicit Database(const QString& folder,
                       std::chrono::milliseconds patience = std::chrono::seconds(5));
 
@@ -53,7 +54,13 @@ class Database {
         void operator()(sqlite3* handle) const;
     };
 
+    /// The longest that a reader waits. A commit keeps readers out for a few milliseconds.
+    static constexpr std::chrono::milliseconds ReadingPatience{300};
+    /// How long statements wait from now on.
+    void WaitUpTo(std::chrono::milliseconds patience);
+
     QString path_;
+    std::chrono::milliseconds patience_;
     std::unique_ptr<sqlite3, Closer> handle_;
 };
 

@@ -9,8 +9,14 @@ namespace kadrona::store {
 using namespace Qt::StringLiterals;
 
 Transaction::Transaction(Database& database) : database_(database) {
+    database_.WaitUpTo(database_.patience_);
     // At once a writer: a reader that becomes one later can find that another was quicker.
-    database_.Execute(u"BEGIN IMMEDIATE"_s);
+    try {
+        database_.Execute(u"BEGIN IMMEDIATE"_s);
+    } catch (...) {
+        database_.WaitUpTo(Database::ReadingPatience);
+        throw;
+    }
 }
 
 Transaction::~Transaction() {
@@ -19,6 +25,7 @@ Transaction::~Transaction() {
     if (!committed_ && sqlite3_get_autocommit(handle) == 0) {
         sqlite3_exec(handle, "ROLLBACK", nullptr, nullptr, nullptr);
     }
+    database_.WaitUpTo(Database::ReadingPatience);
 }
 
 void Transaction::Commit() {
