@@ -31,11 +31,18 @@ bool IsHarmful(QStringView text, qsizetype place) {
     }
 }
 
-/// `kept`: control characters that stay.
-QString Cleaned(const QString& text, QStringView kept) {
+/// Of a text of several lines.
+bool IsLayout(QStringView text, qsizetype place) {
+    const QChar unit = text[place];
+    const bool endsLine = unit == u'\r' && place + 1 < text.size() && text[place + 1] == u'\n';
+    return unit == u'\n' || unit == u'\t' || endsLine;
+}
+
+template <typename IsKept>
+QString Cleaned(const QString& text, IsKept isKept) {
     QString cleaned = text;  // shared until something has to go
     for (qsizetype place = 0; place < text.size(); ++place) {
-        if (IsHarmful(text, place) && !kept.contains(text[place])) {
+        if (IsHarmful(text, place) && !isKept(text, place)) {
             cleaned[place] = QChar::ReplacementCharacter;
         }
     }
@@ -45,11 +52,11 @@ QString Cleaned(const QString& text, QStringView kept) {
 }  // namespace
 
 QString HarmlessLine(const QString& text) {
-    return Cleaned(text, {});
+    return Cleaned(text, [](QStringView, qsizetype) { return false; });
 }
 
 QString HarmlessText(const QString& text) {
-    return Cleaned(text, u"\n\t");
+    return Cleaned(text, IsLayout);
 }
 
 }  // namespace kadrona::platform

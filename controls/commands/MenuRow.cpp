@@ -38,6 +38,7 @@ void MenuRow::Follow() {
     setShortcut({});  // a mnemonic is the matter of the pop-up, in which it needs no Alt
     setIcon(action_->icon());
     setToolTip(ScreenTipOf(*action_));
+    setAccessibleDescription(action_->toolTip());
     setEnabled(action_->isEnabled());
     setVisible(action_->isVisible());
     updateGeometry();

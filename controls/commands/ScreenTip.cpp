@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "controls/theme/Theme.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -56,7 +57,8 @@ QString Tip(const QString& header, const QString& text, const QString& shortcut 
 void SetScreenTip(QAction* action, const QString& header, const QString& text) {
     action->setProperty(HeaderProperty, header);
     action->setProperty(TextProperty, text);
-    action->setToolTip(Tip(header, text));
+    // What shows the tip asks ScreenTipOf; this is what is read out.
+    action->setToolTip(header + u'\n' + text);
 }
 
 void SetScreenTip(QWidget* widget, const QString& header, const QString& text) {
@@ -64,6 +66,12 @@ void SetScreenTip(QWidget* widget, const QString& header, const QString& text) {
     if (widget->accessibleDescription().isEmpty()) {
         widget->setAccessibleDescription(text);
     }
+}
+
+QString PlainTip(const QString& text) {
+    return text.isEmpty() ? QString()
+                          : u"<p style='white-space:pre'>%1</p>"_s.arg(
+                                platform::HarmlessLine(text).toHtmlEscaped());
 }
 
 QString ScreenTipOf(const QAction& action) {

@@ -61,11 +61,15 @@ void FindPanel::SetSyntaxTip(const QString& header, const QString& text) {
 }
 
 void FindPanel::Search() {
-    delay_.stop();
     if (edit_->text() != searched_) {
-        searched_ = edit_->text();
-        Q_EMIT Searched(searched_);
+        SearchAgain();
     }
+}
+
+void FindPanel::SearchAgain() {
+    delay_.stop();
+    searched_ = edit_->text();
+    Q_EMIT Searched(searched_);
 }
 
 bool FindPanel::eventFilter(QObject* watched, QEvent* event) {
@@ -85,6 +89,9 @@ bool FindPanel::HandleKey(int key) {
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
+            SearchAgain();
+            Q_EMIT Left();
+            return true;
         case Qt::Key_Down:
             Search();
             Q_EMIT Left();

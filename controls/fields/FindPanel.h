@@ -36,7 +36,7 @@ class FindPanel : public QWidget {
     void SetDelay(std::chrono::milliseconds delay) { delay_.setInterval(delay); }
 
  Q_SIGNALS:
-    /// The text changed; not sent twice in a row for the same text.
+    /// The text changed, or Return was pressed to search for the same text again.
     void Searched(const QString& text);
     /// Return or the down arrow: the user goes on to the hits. They are searched by then.
     void Left();
@@ -46,6 +46,7 @@ class FindPanel : public QWidget {
 
  private:
     void Search();
+    void SearchAgain();
     bool HandleKey(int key);
 
     QLineEdit* edit_;

@@ -6,7 +6,9 @@
 #include <QMenu>
 #include <QPainter>
 
+#include "controls/commands/ScreenTip.h"
 #include "controls/fields/PathShortening.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,9 +20,9 @@ PathLabel::PathLabel(QWidget* parent) : QWidget(parent) {
 
 void PathLabel::SetPath(const QString& path) {
     path_ = path;
-    setToolTip(path.isEmpty() ? QString()
-                              : u"<p style='white-space:pre'>%1</p>"_s.arg(path.toHtmlEscaped()));
-    setAccessibleName(path);
+    setToolTip(PlainTip(path));
+    setAccessibleName(platform::HarmlessLine(path));
+    setAccessibleDescription(accessibleName());
     updateGeometry();
     update();
 }
@@ -36,8 +38,9 @@ QSize PathLabel::minimumSizeHint() const {
 void PathLabel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QFontMetrics metrics = fontMetrics();
-    const QString text = ShortenPath(
-        path_, width(), [&metrics](const QString& t) { return metrics.horizontalAdvance(t); });
+    const QString text =
+        ShortenPath(platform::HarmlessLine(path_), width(),
+                    [&metrics](const QString& t) { return metrics.horizontalAdvance(t); });
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
 }

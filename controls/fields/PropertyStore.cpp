@@ -2,10 +2,12 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <optional>
 
+#include "controls/fields/RememberedChoice.h"
 #include "platform/PropertyFile.h"
 
 using namespace Qt::StringLiterals;
@@ -28,10 +30,6 @@ QStringList ItemsOf(const QComboBox& box) {
     return items;
 }
 
-int ValidIndex(int index, const QComboBox& box) {
-    return index >= 0 && index < box.count() ? index : -1;
-}
-
 void RestoreList(QComboBox& box, const PropertyFile& file) {
     const std::optional<QStringList> items = file.ReadList(box.objectName(), Items);
     const int index = file.ReadInteger(box.objectName(), ItemIndex).value_or(box.currentIndex());
@@ -43,10 +41,8 @@ void RestoreList(QComboBox& box, const PropertyFile& file) {
             box.clear();
             box.addItems(*items);
         }
-        box.setCurrentIndex(ValidIndex(index, box));
-        if (box.isEditable()) {
-            box.setEditText(file.ReadText(box.objectName(), Text).value_or(box.currentText()));
-        }
+        const QString text = file.ReadText(box.objectName(), Text).value_or(QString());
+        box.setCurrentIndex(RememberedChoice(ItemsOf(box), text, index));
     }
     if (box.currentIndex() != oldIndex) {
         Q_EMIT box.currentIndexChanged(box.currentIndex());
@@ -115,6 +111,13 @@ void PropertyStore::Store() const {
         entry.store(file);
     }
     file.Save();
+}
+
+void PropertyStore::StoreUnwritten() const {
+    const QFileInfo file(storageFile_);
+    if (HasFile() && file.exists() && file.size() == 0) {
+        Store();
+    }
 }
 
 void PropertyStore::Restore() const {

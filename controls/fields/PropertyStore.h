@@ -32,7 +32,7 @@ class PropertyStore {
     void AddItemIndex(QComboBox& box);
 
     /// "ItemIndex", "Properties.Items" and "Text" of a box whose items are stored too. Restoring
-    /// replaces the items, then chooses; an index beyond the items chooses nothing. The box sends
+    /// replaces the items, then chooses as RememberedChoice does. The box sends
     /// its change signals once, when the choice has changed in the end.
     void AddList(QComboBox& box);
 
@@ -43,6 +43,9 @@ class PropertyStore {
     /// Writes all properties; what else the file holds is kept. Does nothing while no file is set.
     /// Throws platform::Error.
     void Store() const;
+
+    /// The same for a file that is still empty; any other one is left alone.
+    void StoreUnwritten() const;
 
     /// Reads all properties; a missing file changes nothing. Does nothing while no file is set.
     /// Throws platform::Error.

@@ -19,6 +19,13 @@ class SelectionList : public QListWidget {
     void SetTexts(const QStringList& texts);
     void AddText(const QString& text);
 
+    /// What stands at the right end of a row beside its text.
+    void SetDetail(int row, const QString& detail);
+
+    /// Shows only the rows whose text holds all words, whatever their case and accents. A selected
+    /// row that is hidden by it gives the selection to the first one that is left.
+    void Filter(const QString& words);
+
     /// -1 none.
     int SelectedRow() const;
     /// Selects nothing where there is no such row.

@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "platform/HarmlessText.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
@@ -40,7 +42,7 @@ void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
                           .pixmap(SymbolSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    box.setText(WithBreaks(text));
+    box.setText(WithBreaks(platform::HarmlessText(text)));
     // A short text must not cut the title off.
     constexpr int SmallestWidth = 280;
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
@@ -101,7 +103,7 @@ std::optional<QString> AskForLine(QWidget* parent, const QString& title, const Q
     QPushButton* ok = buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"OkButton"_s);
     ok->setDefault(true);
-    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)
+    buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole)
         ->setObjectName(u"CancelButton"_s);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);

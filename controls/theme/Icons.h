@@ -6,8 +6,8 @@
 
 namespace kadrona::controls {
 
-/// The icon of that name, crisp at every size: from the Breeze theme where it has one that fits,
-/// else the program's own drawing, so that no name of IconNames is ever without a picture.
+/// The program's own drawing of that name, crisp and of the same look at every size and scale. No
+/// name of IconNames is without a picture.
 ///
 ///     open                 open-with-profile    archive             save
 ///     save-fast            quit                 print               printer-setup
@@ -19,7 +19,7 @@ namespace kadrona::controls {
 ///     delete               search               clear               edit
 ///     tags
 ///
-/// Any other name is looked up in the icon theme as it stands.
+/// Null for any other name.
 QIcon Icon(const QString& name);
 
 /// Every name that Icon knows itself.

@@ -95,7 +95,8 @@ void UseReadableFont() {
     QApplication::setFont(font);
 }
 
-// Breeze even where the desktop has another theme or none: its pictures go with our own.
+// For the toolkit's own dialogs: Breeze even where the desktop has another theme or none, because
+// its pictures go with ours.
 void UseIconTheme() {
     QStringList paths = QIcon::themeSearchPaths();
     paths += QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, u"icons"_s,

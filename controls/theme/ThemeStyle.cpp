@@ -2,12 +2,34 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QLabel>
 #include <QMetaObject>
 #include <QStyledItemDelegate>
+
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
+
+namespace {
+
+/// Shows foreign names in lists harmless.
+class NameDelegate : public QStyledItemDelegate {
+ public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QString displayText(const QVariant& value, const QLocale& locale) const override {
+        return platform::HarmlessLine(QStyledItemDelegate::displayText(value, locale));
+    }
+};
+
+bool HasDelegate(const QAbstractItemView& view, const char* className) {
+    const QAbstractItemDelegate* delegate = view.itemDelegate();
+    return delegate != nullptr && qstrcmp(delegate->metaObject()->className(), className) == 0;
+}
+
+}  // namespace
 
 ThemeStyle::ThemeStyle() : QProxyStyle(u"Fusion"_s) {}
 
@@ -17,12 +39,28 @@ void ThemeStyle::polish(QWidget* widget) {
         // A view that was scrolled before it was first shown has measured its items without the
         // style sheet.
         QMetaObject::invokeMethod(view, &QAbstractItemView::doItemsLayout, Qt::QueuedConnection);
+        if (HasDelegate(*view, "QStyledItemDelegate") &&
+            dynamic_cast<NameDelegate*>(view->itemDelegate()) == nullptr) {
+            view->setItemDelegate(new NameDelegate(view));
+        }
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
         // A box's own delegate ignores the padding that the style sheet gives to items.
         if (qstrcmp(box->itemDelegate()->metaObject()->className(), "QComboBoxDelegate") == 0) {
-            box->setItemDelegate(new QStyledItemDelegate(box));
+            box->setItemDelegate(new NameDelegate(box));
+        }
+    } else if (auto* label = qobject_cast<QLabel*>(widget)) {
+        // Tool tips are labels as well; theirs is made by PlainTip and ScreenTipOf.
+        if (label->textFormat() == Qt::AutoText && !label->inherits("QTipLabel")) {
+            label->setTextFormat(Qt::PlainText);
         }
     }
+}
+
+void ThemeStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
+                              const QPalette& palette, bool enabled, const QString& text,
+                              QPalette::ColorRole role) const {
+    QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, platform::HarmlessText(text),
+                              role);
 }
 
 int ThemeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

@@ -11,11 +11,8 @@
 #include <stdexcept>
 
 #include "controls/fields/ClearableComboBox.h"
-#include "controls/fields/PathEdit.h"
-#include "controls/fields/StatusPanels.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
-#include "controls/messages/ModalResult.h"
 #include "platform/Error.h"
 #include "tests/support/ModalDriver.h"
 
@@ -27,22 +24,6 @@ namespace {
 using testing::ModalDriver;
 
 const QString Box = u"MessageBox"_s;
-
-TEST(ModalResult, IsOneOfTheFourNumbers) {
-    const auto resultOf = [](const std::function<void(QDialog&)>& end) {
-        QDialog dialog;
-        dialog.setObjectName(u"Dialog"_s);
-        ModalDriver driver;
-        driver.Expect(u"Dialog"_s, [&](QWidget&) { end(dialog); });
-        return static_cast<int>(ShowModal(dialog));
-    };
-    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.accept(); }), 1);
-    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.reject(); }), 2);
-    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.close(); }), 2);
-    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.done(static_cast<int>(ModalResult::Yes)); }),
-              6);
-    EXPECT_EQ(resultOf([](QDialog& dialog) { dialog.done(static_cast<int>(ModalResult::No)); }), 7);
-}
 
 TEST(ShowError, BreaksALongName) {
     ModalDriver driver;
@@ -101,6 +82,7 @@ TEST(Guarded, ShowsWhatEscapes) {
     EXPECT_EQ(Shown([] { throw std::bad_alloc(); }),
               u"Für diesen Vorgang reicht der Arbeitsspeicher nicht aus."_s);
     EXPECT_TRUE(Shown([] { throw std::runtime_error("bad größe"); }).endsWith(u"\n\nbad größe"_s));
+    EXPECT_EQ(Shown([] { throw platform::Error(u"a\u202eb\nc"_s); }), u"a\ufffdb\nc"_s);
     EXPECT_FALSE(Shown([] { throw 5; }).isEmpty());
     EXPECT_TRUE(Guarded(nullptr, [] {}));
 }
@@ -122,26 +104,6 @@ TEST(ClearableComboBox, DeleteTakesTheChoiceBack) {
     QTest::keyClick(box.view(), Qt::Key_Delete);
     EXPECT_EQ(box.currentIndex(), -1);
     EXPECT_FALSE(box.view()->isVisible());
-}
-
-TEST(PathEdit, TheButtonBearsTheEditsNameAndAsks) {
-    PathEdit edit;
-    edit.setObjectName(u"ImageSaveDir"_s);
-    QSignalSpy requests(&edit, &PathEdit::BrowseRequested);
-    edit.findChild<QAbstractButton*>(u"ImageSaveDirButton"_s)->click();
-    EXPECT_EQ(requests.count(), 1);
-}
-
-TEST(StatusPanels, TheLinkIsReachedByMouseAndKeyboard) {
-    StatusPanels bar;
-    bar.SetLink(u"Hersteller"_s, 150);
-    bar.show();
-    QSignalSpy clicks(&bar, &StatusPanels::LinkClicked);
-    auto* link = bar.findChild<QWidget*>(u"StatusPanel2"_s);
-    ASSERT_NE(link, nullptr);
-    QTest::mouseClick(link, Qt::LeftButton);
-    QTest::keyClick(link, Qt::Key_Space);
-    EXPECT_EQ(clicks.count(), 2);
 }
 
 }  // namespace

@@ -8,12 +8,12 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
-#include <QWheelEvent>
 #include <numeric>
 #include <set>
 
 #include "controls/cards/CardGrid.h"
 #include "platform/Error.h"
+#include "tests/support/Input.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -21,7 +21,6 @@ using namespace std::chrono_literals;
 namespace kadrona::controls {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
 QByteArray Jpeg(QSize size, QColor color) {
@@ -149,8 +148,7 @@ TEST_F(CardGridTest, ANotchOfTheWheelIsHalfARow) {
     const int row = grid.CardRectangle(3).top() - grid.CardRectangle(0).top();
     for (const int notches : {-1, -3, 1}) {
         const int before = grid.verticalScrollBar()->value();
-        QWheelEvent turn({9, 9}, {9, 9}, {}, {0, 120 * notches}, {}, {}, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(grid.viewport(), &turn);
+        testing::SendWheel(*grid.viewport(), {9, 9}, 120 * notches);
         EXPECT_NEAR(grid.verticalScrollBar()->value() - before, -notches * row / 2, 9) << notches;
     }
 }

@@ -98,7 +98,7 @@ TEST_F(CommandBarTest, ButtonsFollowTheirActions) {
     EXPECT_EQ(triggered.count(), 1);
 }
 
-TEST_F(CommandBarTest, GroupsThatDoNotFitStandInASecondRow) {
+TEST_F(CommandBarTest, GroupsThatDoNotFitStandInASecondRowThenInTheMenu) {
     const int oneRow = bar_.sizeHint().height();
     EXPECT_EQ(bar_.heightForWidth(bar_.sizeHint().width()), oneRow);
     const int narrow = bar_.sizeHint().width() - 1;
@@ -112,9 +112,7 @@ TEST_F(CommandBarTest, GroupsThatDoNotFitStandInASecondRow) {
     EXPECT_LT(below.left(), above.left());
     EXPECT_EQ(ShownSeparators(), 1);
     EXPECT_FALSE(Button(u"ExtensionButton"_s)->isVisible());
-}
 
-TEST_F(CommandBarTest, WhatDoesNotFitIsInTheMenuAndKeepsItsShortcut) {
     bar_.resize(bar_.minimumSizeHint().width(), bar_.height());
     ASSERT_TRUE(Button(u"ExtensionButton"_s)->isVisible());
     EXPECT_FALSE(Button(u"acCropButton"_s)->isVisible());

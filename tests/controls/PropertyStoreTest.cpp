@@ -72,89 +72,78 @@ class PropertyStoreTest : public testing::Test {
 };
 
 TEST_F(PropertyStoreTest, EveryControlComesBackAsItWasStored) {
-    for (const QStringList& names : {QStringList{u"Laser"_s, u""_s, u"Größe"_s}, QStringList()}) {
-        Page stored;
-        stored.check.setChecked(true);
-        stored.right.setChecked(true);
-        stored.edit.setText(u" Bild;name #1 = \"x\" "_s);
-        stored.fixed.setCurrentIndex(names.isEmpty() ? -1 : 1);
-        stored.list.clear();
-        stored.list.addItems(names);
-        stored.list.setCurrentIndex(names.isEmpty() ? -1 : 2);
-        stored.store.SetStorageFile(path_);
-        stored.store.Store();
+    Page stored;
+    stored.store.Store();  // into no file
+    stored.store.Restore();
+    EXPECT_FALSE(QFile::exists(stored.store.StorageFile()));
+    stored.ExpectDesignValues();
+    const QStringList names{u"Laser"_s, u""_s, u"Größe"_s};
+    stored.check.setChecked(true);
+    stored.right.setChecked(true);
+    stored.edit.setText(u" Bild;name #1 = \"x\" "_s);
+    stored.fixed.setCurrentIndex(-1);
+    stored.list.clear();
+    stored.list.addItems(names);
+    stored.list.setCurrentIndex(2);
+    stored.store.SetStorageFile(path_);
+    stored.store.Store();
 
-        Page restored;
-        QSignalSpy listChanges(&restored.list, &QComboBox::currentIndexChanged);
-        restored.store.SetStorageFile(path_);
-        restored.store.Restore();
-        EXPECT_TRUE(restored.check.isChecked());
-        EXPECT_FALSE(restored.left.isChecked());
-        EXPECT_TRUE(restored.right.isChecked());
-        EXPECT_EQ(restored.edit.text(), stored.edit.text());
-        EXPECT_EQ(restored.fixed.currentIndex(), stored.fixed.currentIndex());
-        EXPECT_EQ(ItemsOf(restored.list), names);
-        EXPECT_EQ(restored.list.currentIndex(), stored.list.currentIndex());
-        EXPECT_EQ(listChanges.count(), 1);
-    }
+    Page restored;
+    QSignalSpy listChanges(&restored.list, &QComboBox::currentIndexChanged);
+    restored.store.SetStorageFile(path_);
+    restored.store.Restore();
+    EXPECT_TRUE(restored.check.isChecked() && restored.right.isChecked());
+    EXPECT_FALSE(restored.left.isChecked());
+    EXPECT_EQ(restored.edit.text(), stored.edit.text());
+    EXPECT_EQ(restored.fixed.currentIndex(), -1);
+    EXPECT_EQ(ItemsOf(restored.list), names);
+    EXPECT_EQ(restored.list.currentIndex(), 2);
+    EXPECT_EQ(listChanges.count(), 1);
 }
 
-TEST_F(PropertyStoreTest, WithoutAFileNothingIsReadOrWritten) {
-    QFile::remove(u"empty"_s);
-    Page page;
-    EXPECT_EQ(page.store.StorageFile(), u"empty"_s);
-    page.store.Store();
-    page.store.Restore();
-    EXPECT_FALSE(QFile::exists(u"empty"_s));
-    page.ExpectDesignValues();
-}
-
-TEST_F(PropertyStoreTest, MissingPropertiesLeaveTheControls) {
+TEST_F(PropertyStoreTest, WhatAFileDoesNotHoldLeavesTheControls) {
     Page page;
     page.store.SetStorageFile(path_);
     page.store.Restore();  // no file
     page.ExpectDesignValues();
-
-    platform::PropertyFile properties(path_);
-    properties.WriteBoolean(u"Check"_s, u"Checked"_s, true);
-    properties.Save();
-    page.store.Restore();
-    EXPECT_TRUE(page.check.isChecked());
-    page.check.setChecked(false);
-    page.ExpectDesignValues();
-}
-
-TEST_F(PropertyStoreTest, WrongTypesAndIndexesBeyondTheItems) {
-    const struct {
-        QString check, fixedIndex, listIndex;
-    } rows[] = {{u"vielleicht"_s, u"2"_s, u"7"_s}, {u""_s, u"eins"_s, u"-99999999999999"_s}};
-    for (const auto& row : rows) {
-        const QString text =
-            u"[Check]\nChecked=%1\n[Fixed]\nItemIndex=%2\n[List]\nItemIndex=%3\n"
-            "Properties.Items=keine Liste\n"_s;
-        platform::WriteFileAtomically(path_,
-                                      text.arg(row.check, row.fixedIndex, row.listIndex).toUtf8());
-        Page page;
-        page.fixed.setCurrentIndex(1);
-        page.store.SetStorageFile(path_);
-        page.store.Restore();
-        EXPECT_FALSE(page.check.isChecked());
-        EXPECT_EQ(page.fixed.currentIndex(), 1);
-        EXPECT_EQ(ItemsOf(page.list), QStringList{u"design"_s});
-        EXPECT_EQ(page.list.currentIndex(), row.listIndex == u"7"_s ? -1 : 0);
-    }
-}
-
-TEST_F(PropertyStoreTest, DamagedFilesChangeNothing) {
-    Page page;
-    page.store.SetStorageFile(path_);
     for (const QByteArray& content :
          {QByteArray(), QByteArray("[Check\nChecked=1"),
+          QByteArray("[Check]\nChecked=vielleicht\n"),
           QByteArray("\xff\xfe\x00\x01[[[]]]===\n=\n", 16), QByteArray(5000, '\0'),
-          QByteArray("[List]\nProperties.Items=-3\n")}) {
+          QByteArray("[Fixed]\nItemIndex=2\n[List]\nProperties.Items=-3\n"),
+          QByteArray("[Fixed]\nItemIndex=eins\n[List]\nItemIndex=-99999999999999\n")}) {
         platform::WriteFileAtomically(path_, content);
         EXPECT_NO_THROW(page.store.Restore());
         page.ExpectDesignValues();
+    }
+    platform::PropertyFile partial(path_);
+    partial.WriteBoolean(u"Check"_s, u"Checked"_s, true);
+    partial.WriteInteger(u"List"_s, u"ItemIndex"_s, 7);
+    partial.Save();
+    page.store.Restore();
+    EXPECT_TRUE(page.check.isChecked());
+    EXPECT_EQ(page.list.currentIndex(), -1) << "an index beyond the items";
+}
+
+TEST_F(PropertyStoreTest, AChoiceIsItsTextAndAnEmptyFileIsFilledOnce) {
+    Page page;
+    page.store.SetStorageFile(path_);
+    page.store.StoreUnwritten();
+    EXPECT_FALSE(QFile::exists(path_)) << "it may have been deleted on purpose";
+    platform::WriteFileAtomically(path_, {});
+    page.store.StoreUnwritten();
+    page.edit.setText(u"later"_s);
+    page.store.StoreUnwritten();
+    platform::PropertyFile file(path_);
+    EXPECT_EQ(file.ReadText(u"Edit"_s, u"Text"_s), u"design"_s);
+
+    for (const auto& [text, index] : {std::pair(u"B"_s, 1), std::pair(u"gone"_s, -1)}) {
+        file.WriteList(u"List"_s, u"Properties.Items"_s, {u"A"_s, u"B"_s});
+        file.WriteInteger(u"List"_s, u"ItemIndex"_s, 0);
+        file.WriteText(u"List"_s, u"Text"_s, text);
+        file.Save();
+        page.store.Restore();
+        EXPECT_EQ(page.list.currentIndex(), index) << text.toStdString();
     }
 }
 

@@ -1,0 +1,227 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QStyledItemDelegate>
+#include <QTest>
+#include <QToolButton>
+#include <algorithm>
+#include <cmath>
+
+#include "controls/commands/ScreenTip.h"
+#include "controls/fields/FindPanel.h"
+#include "controls/fields/PathShortening.h"
+#include "controls/fields/RememberedChoice.h"
+#include "controls/fields/SelectionList.h"
+#include "controls/theme/Icons.h"
+#include "controls/theme/Theme.h"
+#include "platform/HarmlessText.h"
+#include "tests/support/Errors.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace kadrona::controls {
+namespace {
+
+using testing::Child;
+
+TEST(FindPanel, SearchesAfterAPauseAtOnceByReturnAndWhenCleared) {
+    QWidget window;
+    FindPanel panel(&window);
+    auto& edit = Child<QLineEdit>(panel, u"FindEdit"_s);
+    QStringList searches;
+    QObject::connect(&panel, &FindPanel::Searched, [&](const QString& text) { searches += text; });
+    const QSignalSpy left(&panel, &FindPanel::Left);
+    panel.SetDelay(30ms);
+    QTest::keyClicks(&edit, u"Meier"_s);
+    EXPECT_TRUE(searches.isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !searches.isEmpty(); }));
+    panel.SetDelay(1h);
+    QTest::keyClicks(&edit, u"s"_s);
+    QTest::keyClick(&edit, Qt::Key_Down);
+    QTest::keyClick(&edit, Qt::Key_Down);
+    QTest::keyClick(&edit, Qt::Key_Return);
+    EXPECT_EQ(searches.join(u'|'), u"Meier|Meiers|Meiers"_s) << "Return searches again";
+    EXPECT_EQ(left.count(), 3);
+    QTest::keyClick(&edit, Qt::Key_Escape);
+    panel.SetText(u"b"_s);
+    panel.SetDelay(1ms);
+    edit.findChildren<QToolButton*>().last()->click();  // the toolkit's button that clears
+    EXPECT_TRUE(QTest::qWaitFor([&] { return searches.size() == 6; }));
+    EXPECT_EQ(searches.join(u'|'), u"Meier|Meiers|Meiers||b|"_s);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, {});
+    QCoreApplication::sendEvent(&edit, &escape);
+    EXPECT_FALSE(escape.isAccepted());  // closes the window
+}
+
+TEST(ShortenPath, GivesTheLongestFormThatFits) {
+    // A font in which every character is as wide as the next, so that widths read as lengths.
+    const auto length = [](const QString& text) { return static_cast<int>(text.size()); };
+    const QString path = u"/home/anna/fotos/kunden/bild.jpg"_s;  // 32 characters
+    struct Row {
+        QString path;
+        int width;
+        QString expected;
+    };
+    for (const auto& [given, width, expected] :
+         {Row{path, 32, path}, Row{path, 31, u"/home/…/fotos/kunden/bild.jpg"_s},
+          Row{path, 23, u"/home/…/kunden/bild.jpg"_s}, Row{path, 22, u"/home/…/bild.jpg"_s},
+          Row{path, 15, u"…/bild.jpg"_s}, Row{path, 9, u"bild.jpg"_s}, Row{path, 7, u"bil…jpg"_s},
+          Row{path, 1, u"…"_s}, Row{path, 0, u""_s},
+          Row{u"C:\\Users\\anna\\Bilder\\bild.jpg"_s, 22, u"C:\\…\\Bilder\\bild.jpg"_s},
+          Row{u"\\\\server\\fotos\\kunden\\bild.jpg"_s, 20, u"\\\\server\\…\\bild.jpg"_s},
+          Row{u"/ein-langer-name.jpg"_s, 10, u"ein-l….jpg"_s},
+          Row{u"ein-langer-name.jpg"_s, 10, u"ein-l….jpg"_s},
+          Row{u"/home/anna/fotos/"_s, 12, u"/home/…/"_s}, Row{u""_s, 10, u""_s},
+          // A character beyond 16 bits is two code units: never half of one, whichever end it is.
+          Row{u"😀😀😀😀"_s, 4, u"😀…"_s}, Row{u"😀😀😀😀"_s, 6, u"😀…😀"_s}}) {
+        EXPECT_EQ(ShortenPath(given, width, length), expected) << given.toStdString() << width;
+    }
+}
+
+TEST(RememberedChoice, FollowsTheTextAndOnlyThenThePlace) {
+    const QStringList items{u"A"_s, u"B"_s, u"A"_s, u""_s};
+    struct Row {
+        QString text;
+        int place, expected;
+    };
+    for (const auto& [text, place, expected] :
+         {Row{u"B"_s, 1, 1}, Row{u"B"_s, 0, 1}, Row{u"A"_s, 2, 2}, Row{u"A"_s, 1, 0},
+          Row{u"C"_s, 1, -1}, Row{u"B"_s, -1, 1}, Row{u"B"_s, 99, 1}, Row{u""_s, 1, 1},
+          Row{u""_s, -1, -1}, Row{u""_s, 4, -1}}) {
+        EXPECT_EQ(RememberedChoice(items, text, place), expected) << text.toStdString() << place;
+    }
+}
+
+TEST(SelectionList, FiltersByWordsAndKeepsSomethingSelected) {
+    SelectionList list(u"list"_s, u"Liste"_s);
+    list.SetTexts({u"Österreich Reisepass"_s, u"Polen Reisepass"_s, u"China Visum"_s});
+    struct Row {
+        QString words, shown;
+        int selected;
+    };
+    for (const auto& [words, shown, selected] :
+         {Row{u"REISE"_s, u"01"_s, 0}, Row{u"pass osterr"_s, u"0"_s, 0},
+          Row{u" visum "_s, u"2"_s, 2}, Row{u"kein"_s, u""_s, -1}, Row{u""_s, u"012"_s, -1},
+          Row{u"e"_s, u"01"_s, 0}}) {
+        list.Filter(words);
+        QString left;
+        for (int row = 0; row < list.count(); ++row) {
+            left += list.item(row)->isHidden() ? QString() : QString::number(row);
+        }
+        EXPECT_EQ(left, shown) << words.toStdString();
+        EXPECT_EQ(list.SelectedRow(), selected) << words.toStdString();
+    }
+}
+
+TEST(HarmlessText, NoCharacterLeavesItsPlace) {
+    const QString kept = u"Größe <b> & 😀 \u05d0\u200d"_s;
+    EXPECT_EQ(platform::HarmlessLine(kept), kept);
+    for (const char16_t harmful :
+         {u'\n', u'\0', u'\x1b', u'\x85', u'\u2028', u'\u2029', u'\u202a', u'\u202e', u'\u2066',
+          u'\u2069', char16_t{0xd800}, char16_t{0xdc00}}) {
+        const QString text = u"a"_s + QChar(harmful) + u"b"_s;
+        EXPECT_EQ(platform::HarmlessLine(text), u"a\ufffdb"_s) << static_cast<int>(harmful);
+    }
+    EXPECT_EQ(platform::HarmlessText(u"a\r\n\tb\r\u202e"_s), u"a\r\n\tb\ufffd\ufffd"_s);
+}
+
+// Relative luminance and contrast of the Web Content Accessibility Guidelines 2.1.
+double Contrast(const QColor& a, const QColor& b) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double c) {
+            return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+TEST(Theme, ItsColoursAndStyleSheetAreWhole) {
+    ApplyTheme(*qApp);
+    const ThemeColors& c = Colors();
+    EXPECT_GE(std::min(Contrast(c.text, c.window), Contrast(c.text, c.accentWash)), 7);
+    EXPECT_GE(std::min(Contrast(c.mutedText, c.window), Contrast(c.accent, c.window)), 4.5);
+    EXPECT_GE(Contrast(Qt::white, c.accent), 4.5);
+    const QString sheet = qApp->styleSheet();
+    EXPECT_FALSE(sheet.contains(u'@')) << "a colour that the theme does not have";
+    const QStringList pictures = sheet.split(u"url("_s).mid(1);
+    EXPECT_FALSE(pictures.isEmpty());
+    for (const QString& picture : pictures) {
+        EXPECT_FALSE(QImage(picture.section(u')', 0, 0)).isNull()) << picture.toStdString();
+    }
+    EXPECT_GE(QApplication::font().pointSizeF(), 10);
+}
+
+bool IsDrawn(const QIcon& icon, int side) {
+    const QImage image = icon.pixmap(QSize(side, side), 2.0).toImage();
+    const QImage alpha = image.convertToFormat(QImage::Format_Alpha8);
+    return image.width() == 2 * side && alpha.sizeInBytes() > 0 &&
+           *std::max_element(alpha.constBits(), alpha.constBits() + alpha.sizeInBytes()) > 128;
+}
+
+TEST(Theme, EveryIconHasAPicture) {
+    ApplyTheme(*qApp);
+    for (const QString& name : IconNames()) {
+        EXPECT_TRUE(IsDrawn(Icon(name), 16) && IsDrawn(Icon(name), 22)) << name.toStdString();
+    }
+    EXPECT_TRUE(Icon(u"no-such-icon"_s).isNull());
+}
+
+TEST(Theme, ForeignNamesAreShownAsPlainText) {
+    ApplyTheme(*qApp);
+    const QString name = u"<img src='/etc/hostname'>\u202ex"_s;
+    QLabel foreign(name);
+    QLabel own(u"<b>x</b>"_s);
+    own.setTextFormat(Qt::RichText);
+    QListWidget list;
+    list.addItem(name);
+    for (QWidget* widget : {static_cast<QWidget*>(&foreign), static_cast<QWidget*>(&own),
+                            static_cast<QWidget*>(&list)}) {
+        widget->ensurePolished();
+    }
+    EXPECT_EQ(foreign.textFormat(), Qt::PlainText);
+    EXPECT_EQ(own.textFormat(), Qt::RichText);
+    const auto& delegate = dynamic_cast<QStyledItemDelegate&>(*list.itemDelegate());
+    EXPECT_EQ(delegate.displayText(name, {}), u"<img src='/etc/hostname'>\ufffdx"_s);
+    EXPECT_TRUE(PlainTip(name).contains(u"&lt;img src='/etc/hostname'&gt;\ufffdx"_s));
+}
+
+TEST(Theme, AListThatWasScrolledBeforeItIsShownHasItsRowsApart) {
+    ApplyTheme(*qApp);
+    QWidget window;
+    auto& list = *new QListWidget;
+    for (int i = 0; i < 30; ++i) {
+        list.addItem(QString::number(i));
+    }
+    list.setCurrentRow(3);
+    list.setParent(&window);
+    list.resize(200, 400);
+    window.show();
+    QApplication::processEvents();
+    EXPECT_EQ(list.visualItemRect(list.item(1)).top() - list.visualItemRect(list.item(0)).top(),
+              list.sizeHintForRow(0));
+}
+
+TEST(ScreenTip, HoldsHeaderTextLinesAndShortcut) {
+    QAction action(u"&Speichern..."_s);
+    action.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+    const QString keys = action.shortcut().toString(QKeySequence::NativeText);
+    EXPECT_TRUE(ScreenTipOf(action).contains(u"<b>Speichern"_s));
+    SetScreenTip(&action, u"A < B"_s, u"Zeile eins\nZeile zwei"_s);
+    for (const QString& part : {u"<b>A &lt; B</b>"_s, u"Zeile eins<br>Zeile zwei"_s, keys}) {
+        EXPECT_TRUE(ScreenTipOf(action).contains(part)) << part.toStdString();
+    }
+    EXPECT_EQ(action.toolTip(), u"A < B\nZeile eins\nZeile zwei"_s) << "is read out";
+}
+
+}  // namespace
+}  // namespace kadrona::controls
