@@ -9,6 +9,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/sheet/PhotoLoading.h"
+#include "core/templates/TemplateSize.h"
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/TemplateChooser.h"
@@ -37,7 +38,9 @@ OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, 
       profileChooser_(new dialogs::TProfileDlgFM(view.window())) {
     templateChooser_->SetRotationHandler(
         [&rotateActions](int degrees) { rotateActions.RotatePhoto(degrees); });
-    templateChooser_->SetTemplates(data.GetSchablonenList());
+    templateChooser_->SetTemplates(data.GetSchablonenList(), [&data](int index) {
+        return core::TemplateSize(data.GetMaskFileName(index));
+    });
     actions.Connect(Action::Open, this, [this] { acOpenExecute(); });
     actions.Connect(Action::OpenWithProfile, this, [this] { acOpenWithProfileExecute(); });
 }

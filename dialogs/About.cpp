@@ -25,6 +25,7 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent) {
         u"ohne jede Gewährleistung.<br>Gebaut mit Qt %5.</p>"_s.arg(
             core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
             QLatin1StringView(qVersion())));
+    text->setTextFormat(Qt::RichText);
     text->setOpenExternalLinks(true);
     text->setTextInteractionFlags(Qt::TextBrowserInteraction);
 

@@ -1,10 +1,21 @@
 #include "dialogs/ArchiveCards.h"
 
+#include "core/Data.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
+
+core::ArchiveTable& OpenArchive(core::TData& data) {
+    core::ArchiveTable* table = data.Archive();
+    if (table == nullptr) {
+        throw platform::Error(
+            u"Das Bildarchiv ist nicht verfügbar, weil seine Datenbank nicht geöffnet werden "
+            u"konnte."_s);
+    }
+    return *table;
+}
 
 core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
     auto record = table.Read(id);
@@ -15,7 +26,7 @@ core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
 }
 
 controls::Card ArchiveCards::ReadCard(qint64 key) {
-    const core::ArchiveRecord record = ExistingRecord(table_, key);
+    const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), key);
     QStringList tags = record.tags.split(u'\n', Qt::SkipEmptyParts);
     for (QString& tag : tags) {
         tag = tag.simplified();
@@ -24,6 +35,10 @@ controls::Card ArchiveCards::ReadCard(qint64 key) {
             .title = record.name,
             .detail = record.type,
             .text = tags.join(u", "_s)};
+}
+
+QByteArray ArchiveCards::ReadPicture(qint64 key) {
+    return OpenArchive(data_).ReadThumbnail(key);
 }
 
 }  // namespace kadrona::dialogs

@@ -3,20 +3,27 @@
 #include "controls/cards/CardSource.h"
 #include "core/archive/ArchiveTable.h"
 
+namespace kadrona::core {
+class TData;
+}
+
 namespace kadrona::dialogs {
 
 /// The records of the archive as cards, their keys the record numbers.
 class ArchiveCards : public controls::CardSource {
  public:
-    /// `table` outlives the cards.
-    explicit ArchiveCards(const core::ArchiveTable& table) : table_(table) {}
+    /// `data` outlives the cards.
+    explicit ArchiveCards(core::TData& data) : data_(data) {}
 
     controls::Card ReadCard(qint64 key) override;
-    QByteArray ReadPicture(qint64 key) override { return table_.ReadThumbnail(key); }
+    QByteArray ReadPicture(qint64 key) override;
 
  private:
-    const core::ArchiveTable& table_;
+    core::TData& data_;
 };
+
+/// The table of the archive. Throws platform::Error where there is none (any more).
+core::ArchiveTable& OpenArchive(core::TData& data);
 
 /// The record of that number. Throws platform::Error where there is none any more.
 core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id);

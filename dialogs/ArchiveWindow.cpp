@@ -10,6 +10,7 @@
 #include "controls/commands/CommandBar.h"
 #include "controls/fields/FindPanel.h"
 #include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
 #include "controls/theme/Icons.h"
 #include "core/Data.h"
 #include "dialogs/ArchiveCards.h"
@@ -46,6 +47,7 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
                           Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint),
       data_(data),
       tagEditor_(tagEditor),
+      cards_(std::make_unique<ArchiveCards>(data)),
       findPanel_(new controls::FindPanel(this)),
       grid_(new controls::CardGrid(this)) {
     setObjectName(LayoutSection);
@@ -113,8 +115,18 @@ void TfmImgSearch::BuildLayout() {
     layout->addWidget(findPanel_);
     layout->addWidget(grid_, 1);
     setMinimumSize(LeastSize);
-    const QSize remembered = data_.ReadLayerPosFromIni(LayoutSection).size();
-    resize((remembered.isEmpty() ? DesignedSize : remembered).boundedTo(screen()->availableSize()));
+    resize(StartSize().boundedTo(screen()->availableSize()));
+}
+
+/// The size of the last time. A layout file that cannot be read must not keep the program from
+/// starting: it only knows places of windows.
+QSize TfmImgSearch::StartSize() const {
+    try {
+        const QSize remembered = data_.ReadLayerPosFromIni(LayoutSection).size();
+        return remembered.isEmpty() ? DesignedSize : remembered;
+    } catch (const platform::Error&) {
+        return DesignedSize;
+    }
 }
 
 controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
@@ -129,25 +141,19 @@ controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
 
 /// All records, read anew: others may have archived meanwhile.
 void TfmImgSearch::ListAll() {
-    core::ArchiveTable* table = data_.Archive();
-    if (table == nullptr) {
-        throw platform::Error(
-            u"Das Bildarchiv ist nicht verfügbar, weil seine Datenbank nicht geöffnet werden "
-            u"konnte."_s);
-    }
-    table->SetFilter({});
-    auto cards = std::make_unique<ArchiveCards>(*table);
-    grid_->SetSource(cards.get());
-    cards_ = std::move(cards);
+    core::ArchiveTable& table = OpenArchive(data_);
+    table.SetFilter({});
+    grid_->SetSource(cards_.get());
     findPanel_->Clear();
-    grid_->SetCards(table->Ids(), controls::CardGrid::Position::Start);
+    grid_->SetCards(table.Ids(), controls::CardGrid::Position::Start);
     recordCount_ = grid_->Cards().size();
     ShowState();
 }
 
 void TfmImgSearch::Search(const QString& text) {
     using Position = controls::CardGrid::Position;
-    grid_->SetCards(data_.Archive()->Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+    grid_->SetCards(OpenArchive(data_).Find(text),
+                    text.isEmpty() ? Position::Keep : Position::Start);
     // Others may have archived since the window was opened.
     recordCount_ =
         text.isEmpty() ? grid_->Cards().size() : std::max(recordCount_, grid_->Cards().size());
@@ -167,12 +173,23 @@ void TfmImgSearch::ShowState() {
     }
 }
 
+/// Another program may have changed the tags while the editor was open.
+bool TfmImgSearch::MayReplaceTags(const core::ArchiveRecord& edited) {
+    const QString present = ExistingRecord(OpenArchive(data_), edited.id).tags;
+    return present == edited.tags ||
+           controls::AskYesNo(
+               this,
+               u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:\n\n"
+               u"%1\nSollen sie ersetzt werden?"_s.arg(QString(present).remove(u'\r')),
+               controls::Severity::Warning);
+}
+
 /// The record first, so that the tags are kept even where the photo's file is gone.
 void TfmImgSearch::acEditTagsExecute() {
-    core::ArchiveTable& table = *data_.Archive();
+    core::ArchiveTable& table = OpenArchive(data_);
     const qint64 id = grid_->Current().value();
     const core::ArchiveRecord record = ExistingRecord(table, id);
-    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok) {
+    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok || !MayReplaceTags(record)) {
         return;
     }
     table.SetTags(id, tagEditor_.Tags());

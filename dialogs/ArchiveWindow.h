@@ -14,8 +14,9 @@ class FindPanel;
 }  // namespace kadrona::controls
 
 namespace kadrona::core {
+struct ArchiveRecord;
 class TData;
-}
+}  // namespace kadrona::core
 
 namespace kadrona::dialogs {
 
@@ -42,10 +43,12 @@ class TfmImgSearch : public QDialog {
  private:
     void BuildActions();
     void BuildLayout();
+    QSize StartSize() const;
     QAction* AddAction(const QString& name, const QString& caption, const QString& icon);
     void ListAll();
     void Search(const QString& text);
     void ShowState();
+    bool MayReplaceTags(const core::ArchiveRecord& edited);
     void acEditTagsExecute();
 
     core::TData& data_;

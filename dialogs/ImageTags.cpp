@@ -24,11 +24,11 @@ TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
     tagMemo_->setTabChangesFocus(true);
 
     auto* buttons = new QDialogButtonBox;
-    QPushButton* ok = buttons->addButton(u"Übernehmen"_s, QDialogButtonBox::AcceptRole);
+    QPushButton* ok = buttons->addButton(u"&Übernehmen"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOk"_s);
     ok->setToolTip(u"Übernehmen und schließen"_s);
     ok->setDefault(true);
-    QPushButton* cancel = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    QPushButton* cancel = buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole);
     cancel->setObjectName(u"btnCancel"_s);
     cancel->setToolTip(u"Abbrechen"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -27,10 +27,10 @@ TProfileDlgFM::TProfileDlgFM(QWidget* parent) : QDialog(parent) {
     groupLayout->addWidget(profileListBox_);
 
     auto* buttons = new QDialogButtonBox;
-    auto* ok = buttons->addButton(u"Profil beim öffnen anwenden"_s, QDialogButtonBox::AcceptRole);
+    auto* ok = buttons->addButton(u"&Profil beim öffnen anwenden"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOK"_s);
     ok->setDefault(true);
-    auto* cancel = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    auto* cancel = buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole);
     cancel->setObjectName(u"btnCancel"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

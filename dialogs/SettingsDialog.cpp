@@ -14,10 +14,13 @@
 
 #include "controls/fields/ClearableComboBox.h"
 #include "controls/fields/PathEdit.h"
+#include "controls/fields/RememberedChoice.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/WindowPlacement.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,21 +30,32 @@ using platform::Error;
 
 namespace {
 
+/// What the store is bound to while no profile is.
+const QString NoFile = u"empty"_s;
 const QString StandardProfile = u"Standard Profile"_s;
 
-/// Upper case letter by letter: unlike QString::toUpper it keeps "ß", so that the index still finds
-/// the name.
+/// Upper case letter by letter, as far as the index still finds the name by it: "ß" stays, and so
+/// do letters whose upper case belongs to another letter, such as the dotless i.
 QString UpperCase(QString text) {
     for (QChar& letter : text) {
-        letter = letter.toUpper();
+        const QChar upper = letter.toUpper();
+        letter = upper.toLower() == letter.toLower() ? upper : letter;
     }
     return text;
 }
 
+/// A name that could not stand in the index, or would stand there as something else.
+bool IsUnfit(const QString& name) {
+    return name.contains(u']') || platform::HarmlessLine(name) != name;
+}
+
+/// The choice goes on where its text is among the new items.
 void Refill(QComboBox& box, const QStringList& items) {
+    const int place = box.currentIndex();
+    const int kept = place < 0 ? -1 : controls::RememberedChoice(items, box.currentText(), place);
     box.clear();
     box.addItems(items);
-    box.setCurrentIndex(-1);
+    box.setCurrentIndex(kept);
 }
 
 void RequireFolder(const QString& path) {
@@ -90,42 +104,45 @@ void TEinstellungenFm::ConnectControls() {
 
 void TEinstellungenFm::InitPropertys() {
     frameSize_->setText(QString::number(data_.FrameSize()));
-    Refill(*schabloneBox_, data_.GetSchablonenList());
-    Refill(*printProfileBox_, data_.GetPrinterProfileList());
+    ShowTodaysLists();
+    imageDestinationDir_->setText(core::TData::GetArchivPath());
     {
         const QSignalBlocker quiet(profileListBox_);
         profileListBox_->clear();
         profileListBox_->addItems(data_.GetProfileList());
-        if (profileListBox_->count() > 0) {
-            data_.LoadProfile(StandardProfile, propertyStore_);
-        } else if (data_.SaveNewProfile(StandardProfile, propertyStore_)) {
+        if (profileListBox_->count() == 0 &&
+            data_.SaveNewProfile(StandardProfile, propertyStore_)) {
             profileListBox_->addItem(StandardProfile);
         }
         profileListBox_->setCurrentRow(0);
     }
-    propertyStore_.Restore();
-    imageDestinationDir_->setText(core::TData::GetArchivPath());
     UpdateDeleteButton();
+    Bind(StandardProfile);
     TakeOverFrameSize();
 }
 
 controls::ModalResult TEinstellungenFm::ShowEx() {
     RefreshPrinterProfiles();
+    FitToScreen(*this);
     const controls::ModalResult result = controls::ShowModal(*this);
     TakeOverFrameSize();
     return result;
 }
 
 void TEinstellungenFm::RefreshPrinterProfiles() {
-    const int remembered = printProfileBox_->currentIndex();
     Refill(*printProfileBox_, data_.GetPrinterProfileList());
-    if (printProfileBox_->count() > remembered) {
-        printProfileBox_->setCurrentIndex(remembered);
-    }
+}
+
+/// A restored profile brings back the lists of the day it was stored; the dialog shows those of
+/// today.
+void TEinstellungenFm::ShowTodaysLists() {
+    Refill(*schabloneBox_, data_.GetSchablonenList());
+    RefreshPrinterProfiles();
 }
 
 void TEinstellungenFm::ResetPrintDefaults() {
-    Refill(*printProfileBox_, data_.GetPrinterProfileList());
+    RefreshPrinterProfiles();
+    printProfileBox_->setCurrentIndex(-1);
     printAfterCrop_->setChecked(false);
     propertyStore_.Store();
 }
@@ -133,11 +150,27 @@ void TEinstellungenFm::ResetPrintDefaults() {
 void TEinstellungenFm::AktivateProfileByName(const QString& name, bool storeFirst) {
     if (storeFirst) {
         propertyStore_.Store();
+    } else if (data_.ProfileFile(name) != propertyStore_.StorageFile()) {
+        // Else the profile would have no values of its own when it is activated again.
+        propertyStore_.StoreUnwritten();
     }
-    data_.LoadProfile(name, propertyStore_);
-    propertyStore_.Restore();
+    Bind(name);
     TakeOverFrameSize();
     ImageCountPropertiesChange();
+}
+
+/// Where the profile cannot be read the one before stays bound: what the controls show is its, and
+/// must not be stored as another one's.
+void TEinstellungenFm::Bind(const QString& name) {
+    const QString before = propertyStore_.StorageFile();
+    try {
+        data_.LoadProfile(name, propertyStore_);
+        propertyStore_.Restore();
+    } catch (...) {
+        propertyStore_.SetStorageFile(before);
+        throw;
+    }
+    activeProfile_ = name;
 }
 
 void TEinstellungenFm::showEvent(QShowEvent* event) {
@@ -152,15 +185,19 @@ void TEinstellungenFm::done(int result) {
     QDialog::done(result);
 }
 
-/// A restored profile brings back the printer list of the day it was stored; the dialog shows the
-/// one of today.
 void TEinstellungenFm::ActivateSelected(bool storeFirst) {
-    AktivateProfileByName(SelectedProfile(), storeFirst);
-    RefreshPrinterProfiles();
+    try {
+        AktivateProfileByName(SelectedProfile(), storeFirst);
+    } catch (...) {
+        SelectActiveProfile();
+        throw;
+    }
+    ShowTodaysLists();
 }
 
 void TEinstellungenFm::FormShow() {
     pages_->setCurrentIndex(0);
+    profileListBox_->setFocus();
     ActivateSelected(false);
 }
 
@@ -179,16 +216,25 @@ void TEinstellungenFm::ProfileListBoxClick() {
 /// The found place is compared with the first entry, not with "not found": a name that only the
 /// first entry bears gives that profile a new file.
 void TEinstellungenFm::btnNewClick() {
-    while (const auto name = controls::AskForLine(this, u"New Profile"_s, u"Name"_s)) {
-        const QString shownName = UpperCase(*name);
+    while (const auto answer = controls::AskForLine(this, u"New Profile"_s, u"Name"_s)) {
+        // A name that differs from another one by its blanks alone would look the same.
+        const QString name = answer->trimmed();
+        if (IsUnfit(name)) {
+            controls::ShowInformation(this,
+                                      u"Der Name darf weder „]“ noch Steuerzeichen enthalten."_s);
+            continue;
+        }
+        const QString shownName = UpperCase(name);
         const auto found =
             profileListBox_->findItems(shownName, Qt::MatchFixedString);  // whatever its case
         if (!found.isEmpty() && profileListBox_->row(found.first()) > 0) {
             controls::ShowInformation(this, u"Wählen Sie bitte einen eindeutigen Namen aus"_s);
             continue;
         }
-        if (data_.SaveNewProfile(*name, propertyStore_)) {
+        propertyStore_.StoreUnwritten();
+        if (data_.SaveNewProfile(name, propertyStore_)) {
             propertyStore_.Restore();
+            activeProfile_ = name;
             const QSignalBlocker quiet(profileListBox_);
             profileListBox_->addItem(shownName);
             SelectProfile(profileListBox_->count() - 1);
@@ -207,6 +253,7 @@ void TEinstellungenFm::btnDeleteClick() {
         return;
     }
     data_.DeleteProfile(SelectedProfile());
+    propertyStore_.SetStorageFile(NoFile);
     {
         const QSignalBlocker quiet(profileListBox_);
         delete profileListBox_->takeItem(row);
@@ -256,6 +303,13 @@ void TEinstellungenFm::WhiteBalancePipettePropertiesChange() {
 
 void TEinstellungenFm::UpdateDeleteButton() {
     btnDelete_->setEnabled(profileListBox_->currentRow() >= 1);
+}
+
+void TEinstellungenFm::SelectActiveProfile() {
+    const auto found = profileListBox_->findItems(activeProfile_, Qt::MatchFixedString);
+    if (!found.isEmpty()) {
+        SelectProfile(profileListBox_->row(found.first()));
+    }
 }
 
 /// Selects without activating.

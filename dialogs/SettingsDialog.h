@@ -56,7 +56,8 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     /// Makes a profile the active one; with `storeFirst` the one before is stored.
     void AktivateProfileByName(const QString& name, bool storeFirst);
 
-    /// Fills the box with the printer profiles that there are now. The choice is kept by its place.
+    /// Fills the box with the printer profiles that there are now. The choice is kept by its text;
+    /// where that is gone nothing is chosen.
     void RefreshPrinterProfiles();
 
     /// Takes the default printer profile and the immediate printing back and stores the settings.
@@ -86,6 +87,8 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     // Behaviour (SettingsDialog.cpp)
     void ConnectControls();
+    void Bind(const QString& name);
+    void ShowTodaysLists();
     void ActivateSelected(bool storeFirst);
     void FormShow();
     void FormClose();
@@ -98,12 +101,15 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void FolderButtonClick(controls::PathEdit& field);
     void WhiteBalancePipettePropertiesChange();
     void UpdateDeleteButton();
+    void SelectActiveProfile();
     void SelectProfile(int row);
     QString SelectedProfile() const;
     void TakeOverFrameSize();
 
     core::TData& data_;
     ProfilePropertyStore propertyStore_;
+    /// The name of the profile that the store is bound to.
+    QString activeProfile_;
     std::function<void(int)> imageCountHandler_;
 
     QTabWidget* pages_;

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -37,11 +38,11 @@ QComboBox* ChoiceBox(const QString& name, const QStringList& items) {
     return box;
 }
 
-/// A label over a field; the label's mnemonic or click leads to the field.
+/// A label over a field; the label's mnemonic leads to the field.
 QVBoxLayout* Captioned(const QString& caption, QWidget* field) {
     auto* label = new QLabel(caption);
     label->setBuddy(field);
-    field->setAccessibleName(caption);
+    field->setAccessibleName(QString(caption).remove(u'&'));
     auto* column = new QVBoxLayout;
     column->setSpacing(4);
     column->addWidget(label);
@@ -58,6 +59,23 @@ QHBoxLayout* Row(std::initializer_list<std::pair<QLayout*, int>> cells) {
     return row;
 }
 
+/// A page of the tabs that scrolls where the screen is too small for it.
+class ScrolledPage : public QScrollArea {
+ public:
+    explicit ScrolledPage(QWidget* page) {
+        setWidget(page);
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        // The page of the tabs paints the ground.
+        page->setAutoFillBackground(false);
+        viewport()->setAutoFillBackground(false);
+    }
+
+    /// The toolkit's own is at most a few hundred pixels, whatever the page needs.
+    QSize sizeHint() const override { return widget()->sizeHint(); }
+};
+
 /// Separates the page's groups of settings without a frame around each.
 constexpr int GroupSpacing = 8;
 
@@ -67,11 +85,11 @@ void TEinstellungenFm::BuildControls() {
     setObjectName(u"EinstellungenFm"_s);
     setWindowTitle(u"Einstellungen"_s);
     pages_ = Named<QTabWidget>(u"PageControl"_s);
-    pages_->addTab(BuildGeneralPage(), u"Allgemein"_s);
-    pages_->addTab(BuildOptionsPage(), u"Optionen"_s);
+    pages_->addTab(new ScrolledPage(BuildGeneralPage()), u"Allgemein"_s);
+    pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    buttons->button(QDialogButtonBox::Close)->setText(u"Schließen"_s);
+    buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
     buttons->button(QDialogButtonBox::Close)->setObjectName(u"btnClose"_s);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::accept);
 
@@ -85,13 +103,16 @@ void TEinstellungenFm::BuildControls() {
 }
 
 QWidget* TEinstellungenFm::BuildProfilePanel() {
-    auto* heading = new QLabel(u"<b>Profile</b>"_s);
+    auto* heading = new QLabel(u"Profil&e"_s);
+    QFont bold = heading->font();
+    bold.setBold(true);
+    heading->setFont(bold);
     profileListBox_ = Named<QListWidget>(u"ProfileListBox"_s);
     profileListBox_->setAccessibleName(u"Profile"_s);
     profileListBox_->setMinimumWidth(180);
     heading->setBuddy(profileListBox_);
-    btnNew_ = Named<QPushButton>(u"btnNew"_s, u"Neu"_s);
-    btnDelete_ = Named<QPushButton>(u"btnDelete"_s, u"Löschen"_s);
+    btnNew_ = Named<QPushButton>(u"btnNew"_s, u"&Neu"_s);
+    btnDelete_ = Named<QPushButton>(u"btnDelete"_s, u"&Löschen"_s);
     // Enter in a field must not make a profile.
     btnNew_->setAutoDefault(false);
     btnDelete_->setAutoDefault(false);
@@ -149,23 +170,23 @@ QWidget* TEinstellungenFm::BuildGeneralPage() {
 
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
-    layout->addLayout(Captioned(u"Bildarchiv Verzeichnis"_s, imageDestinationDir_));
+    layout->addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
     layout->addWidget(imageAutoSave_);
     layout->addSpacing(GroupSpacing);
-    layout->addLayout(Captioned(u"Bild Speichern Verzeichnis"_s, imageSaveDir_));
+    layout->addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
     layout->addWidget(imageAutoSave2_);
     layout->addLayout(Row({{nameColumn, 3},
-                           {Captioned(u"Variable"_s, fileVarCombo_), 2},
-                           {Captioned(u"Format"_s, fileTypCombo_), 1}}));
+                           {Captioned(u"Va&riable"_s, fileVarCombo_), 2},
+                           {Captioned(u"&Format"_s, fileTypCombo_), 1}}));
     layout->addWidget(scaleImageCk_);
     layout->addSpacing(GroupSpacing);
     auto* defaults = new QGridLayout;
     defaults->setHorizontalSpacing(12);
     defaults->setColumnStretch(0, 1);
-    defaults->addLayout(Captioned(u"Standard Schablone"_s, schabloneBox_), 0, 0);
-    defaults->addLayout(Captioned(u"Standard Bildanzahl"_s, imageCount_), 0, 1);
-    defaults->addLayout(Captioned(u"Standard Druckprofil"_s, printProfileBox_), 1, 0);
-    defaults->addLayout(Captioned(u"Bildabstand Pixel"_s, frameSize_), 1, 1);
+    defaults->addLayout(Captioned(u"Standard S&chablone"_s, schabloneBox_), 0, 0);
+    defaults->addLayout(Captioned(u"Standard Bildan&zahl"_s, imageCount_), 0, 1);
+    defaults->addLayout(Captioned(u"Standard &Druckprofil"_s, printProfileBox_), 1, 0);
+    defaults->addLayout(Captioned(u"Bildabstand &Pixel"_s, frameSize_), 1, 1);
     layout->addLayout(defaults);
     layout->addWidget(printAfterCrop_);
     layout->addWidget(rotateBeforeTileImg_);

@@ -1,18 +1,26 @@
 #include "dialogs/TemplateChooser.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QLocale>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QShowEvent>
-#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "controls/fields/RememberedChoice.h"
 #include "controls/fields/SelectionList.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Icons.h"
 #include "controls/theme/Theme.h"
 #include "core/settings/Settings.h"
+#include "dialogs/SelfConfirmation.h"
+#include "dialogs/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,12 +29,23 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr QSize ClientArea(272, 263);
-constexpr int SelfConfirmationMilliseconds = 500;
 
 /// Tags of the two buttons that turn the photo.
 constexpr int TurnLeft = 1;
 constexpr int TurnRight = 2;
 constexpr const char* TagProperty = "tag";
+
+/// "35 x 45 mm"; empty for an empty size.
+QString SizeText(QSizeF millimetres) {
+    const auto number = [](double value) {
+        QLocale german(QLocale::German);
+        german.setNumberOptions(QLocale::OmitGroupSeparator);
+        return german.toString(value, 'g', 4);
+    };
+    return millimetres.isEmpty()
+               ? QString()
+               : u"%1 x %2 mm"_s.arg(number(millimetres.width()), number(millimetres.height()));
+}
 
 }  // namespace
 
@@ -47,11 +66,19 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     btnOk_->setDefault(true);
     btnOk_->setEnabled(false);
     connect(btnOk_, &QPushButton::clicked, this, &QDialog::accept);
-    timer_ = new QTimer(this);
-    timer_->setObjectName(u"Timer"_s);
-    timer_->setInterval(SelfConfirmationMilliseconds);
-    connect(timer_, &QTimer::timeout, this, &TSchabloneFm::TimerTimer);
+    filterEdit_ = new QLineEdit;
+    filterEdit_->setObjectName(u"FilterEdit"_s);
+    filterEdit_->setAccessibleName(u"Schablonen filtern"_s);
+    filterEdit_->setPlaceholderText(u"Filtern …"_s);
+    filterEdit_->setClearButtonEnabled(true);
+    connect(filterEdit_, &QLineEdit::textChanged, lbSchablonen_, &controls::SelectionList::Filter);
+    BuildLayout();
+    filterEdit_->installEventFilter(this);
+    lbSchablonen_->installEventFilter(this);
+    confirmation_ = new SelfConfirmation(*this, *btnOk_);
+}
 
+void TSchabloneFm::BuildLayout() {
     auto* bar = new QHBoxLayout;
     bar->addWidget(btnRotateLeft_);
     bar->addWidget(btnRotateRight_);
@@ -59,9 +86,9 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     bar->addWidget(btnOk_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 8);
+    layout->addWidget(filterEdit_);
     layout->addWidget(lbSchablonen_, 1);
     layout->addLayout(bar);
-    resize(ClientArea);
 }
 
 QToolButton* TSchabloneFm::RotateButton(const QString& name, const QString& icon,
@@ -77,8 +104,24 @@ QToolButton* TSchabloneFm::RotateButton(const QString& name, const QString& icon
     return button;
 }
 
-void TSchabloneFm::SetTemplates(const QStringList& names) {
+void TSchabloneFm::SetTemplates(const QStringList& names, std::function<QSizeF(int index)> sizeOf) {
     lbSchablonen_->SetTexts(names);
+    sizeOf_ = std::move(sizeOf);
+}
+
+/// As wide as the names need; the line to filter comes on top of the designed size.
+void TSchabloneFm::ShowSizes() {
+    for (int row = 0; sizeOf_ && row < lbSchablonen_->count(); ++row) {
+        lbSchablonen_->SetDetail(row, SizeText(sizeOf_(row)));
+    }
+    sizeOf_ = {};
+    ensurePolished();
+    const QMargins margins = layout()->contentsMargins();
+    const int rows = lbSchablonen_->sizeHintForColumn(0) + 2 * lbSchablonen_->frameWidth() +
+                     lbSchablonen_->verticalScrollBar()->sizeHint().width();
+    const QSize needed(rows + margins.left() + margins.right(),
+                       ClientArea.height() + filterEdit_->sizeHint().height());
+    resize(ClientArea.expandedTo(needed).boundedTo(screen()->availableSize()));
 }
 
 int TSchabloneFm::SelectedTemplate() const {
@@ -88,9 +131,8 @@ int TSchabloneFm::SelectedTemplate() const {
 void TSchabloneFm::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        if (const QWidget* owner = parentWidget()) {
-            move(owner->frameGeometry().center() - rect().center());
-        }
+        ShowSizes();
+        CentreOnParent(*this);
         FormShow();
     }
 }
@@ -104,7 +146,13 @@ void TSchabloneFm::paintEvent(QPaintEvent* event) {
 }
 
 void TSchabloneFm::FormShow() {
-    lbSchablonen_->SelectRow(settings_.SchabloneBox());
+    filterEdit_->clear();
+    QStringList names;
+    for (int row = 0; row < lbSchablonen_->count(); ++row) {
+        names.append(lbSchablonen_->item(row)->text());
+    }
+    lbSchablonen_->SelectRow(
+        controls::RememberedChoice(names, settings_.SchabloneBoxText(), settings_.SchabloneBox()));
     lbSchablonen_->setFocus();
     if (settings_.ImgRotateLeft()) {
         btnRotateLeft_->click();
@@ -113,7 +161,7 @@ void TSchabloneFm::FormShow() {
         btnRotateRight_->click();
     }
     if (SelectedTemplate() >= 0) {
-        timer_->start();
+        confirmation_->Start();
     }
 }
 
@@ -124,7 +172,7 @@ bool TSchabloneFm::FormCloseQuery() const {
 /// Every way of closing a dialog ends here.
 void TSchabloneFm::done(int result) {
     if (FormCloseQuery()) {
-        timer_->stop();
+        confirmation_->Stop();
         QDialog::done(result);
     }
 }
@@ -135,9 +183,33 @@ void TSchabloneFm::RotateClick(const QToolButton& sender) {
     }
 }
 
-void TSchabloneFm::TimerTimer() {
-    timer_->stop();
-    btnOk_->click();
+/// The letters that are typed in the list filter it, and the arrow keys in the line move in the
+/// list.
+bool TSchabloneFm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) {
+        return QDialog::eventFilter(watched, event);
+    }
+    const auto& key = static_cast<QKeyEvent&>(*event);
+    if (watched == lbSchablonen_) {
+        return FilterByKey(key);
+    }
+    const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down ||
+                       key.key() == Qt::Key_PageUp || key.key() == Qt::Key_PageDown;
+    if (moves) {
+        QCoreApplication::sendEvent(lbSchablonen_, event);
+    }
+    return moves;
+}
+
+bool TSchabloneFm::FilterByKey(const QKeyEvent& event) {
+    const QString text = event.text();
+    const bool types = !text.isEmpty() && text.front().isPrint() && text != u" " &&
+                       !event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier);
+    if (types) {
+        filterEdit_->setFocus(Qt::OtherFocusReason);
+        filterEdit_->insert(text);
+    }
+    return types;
 }
 
 }  // namespace kadrona::dialogs

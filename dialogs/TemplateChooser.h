@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QDialog>
+#include <QSizeF>
 #include <functional>
 
 #include "controls/messages/ModalResult.h"
 
+class QKeyEvent;
+class QLineEdit;
 class QPushButton;
-class QTimer;
 class QToolButton;
 
 namespace kadrona::controls {
@@ -19,9 +21,11 @@ class Settings;
 
 namespace kadrona::dialogs {
 
+class SelfConfirmation;
+
 /// "Schablonen": lets the user pick a template and turn the photo right after it was opened. With a
 /// default template it confirms itself after half a second. It cannot be closed while no template
-/// is selected.
+/// is selected. Letters go into the line that filters the list.
 class TSchabloneFm : public QDialog {
     Q_OBJECT
 
@@ -33,7 +37,9 @@ class TSchabloneFm : public QDialog {
         rotationHandler_ = std::move(handler);
     }
 
-    void SetTemplates(const QStringList& names);
+    /// `sizeOf` tells the size of a template's photo in millimetres, empty where it has none; it is
+    /// asked for each template when the chooser is first shown.
+    void SetTemplates(const QStringList& names, std::function<QSizeF(int index)> sizeOf = {});
 
     /// Index of the selected template; -1 none.
     int SelectedTemplate() const;
@@ -45,22 +51,27 @@ class TSchabloneFm : public QDialog {
     void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void done(int result) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+    void BuildLayout();
+    void ShowSizes();
+    bool FilterByKey(const QKeyEvent& event);
     void FormShow();
     bool FormCloseQuery() const;
     void RotateClick(const QToolButton& sender);
-    void TimerTimer();
     QToolButton* RotateButton(const QString& name, const QString& icon, const QString& hint,
                               int tag);
 
     const core::Settings& settings_;
     std::function<void(int)> rotationHandler_;
+    std::function<QSizeF(int)> sizeOf_;
+    QLineEdit* filterEdit_;
     controls::SelectionList* lbSchablonen_;
     QToolButton* btnRotateLeft_;
     QToolButton* btnRotateRight_;
     QPushButton* btnOk_;
-    QTimer* timer_;
+    SelfConfirmation* confirmation_;
 };
 
 }  // namespace kadrona::dialogs

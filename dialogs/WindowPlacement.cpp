@@ -19,4 +19,10 @@ void CentreOnParent(QWidget& window) {
                 within(corner.y(), room.top(), room.bottom() - window.height()));
 }
 
+void FitToScreen(QWidget& window) {
+    constexpr QSize Frame(16, 48);  // the system's own is known only once the window is shown
+    window.ensurePolished();
+    window.resize(window.sizeHint().boundedTo(window.screen()->availableSize() - Frame));
+}
+
 }  // namespace kadrona::dialogs

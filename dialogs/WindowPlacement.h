@@ -8,4 +8,7 @@ namespace kadrona::dialogs {
 /// has none, as far as the screen has room.
 void CentreOnParent(QWidget& window);
 
+/// Gives a window the size that it asks for, as far as the screen has room for it with its frame.
+void FitToScreen(QWidget& window);
+
 }  // namespace kadrona::dialogs

@@ -12,6 +12,7 @@
 #include <QShowEvent>
 #include <algorithm>
 
+#include "controls/commands/ScreenTip.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
@@ -57,7 +58,7 @@ void AddItem(QListWidget& list, const QString& fileName) {
     auto* item = new QListWidgetItem(name, &list);
     item->setData(Qt::UserRole, fileName);
     item->setSizeHint({0, std::max(ItemHeight, list.fontMetrics().height())});
-    item->setToolTip(name);
+    item->setToolTip(controls::PlainTip(name));
 }
 
 }  // namespace

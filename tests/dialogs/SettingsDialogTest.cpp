@@ -14,6 +14,7 @@
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 #include "tests/support/ModalDriver.h"
 
 using namespace Qt::StringLiterals;
@@ -37,9 +38,7 @@ class SettingsDialog : public ::testing::Test {
 
     template <typename Control>
     Control* The(const QString& name) {
-        auto* control = dialog->findChild<Control*>(name);
-        EXPECT_NE(control, nullptr) << name.toStdString();
-        return control;
+        return &Child<Control>(*dialog, name);
     }
 
     QStringList Profiles() {
@@ -58,6 +57,8 @@ class SettingsDialog : public ::testing::Test {
         });
         dialog->ShowEx();
     }
+
+    void Select(int row) { The<QListWidget>(u"ProfileListBox"_s)->setCurrentRow(row); }
 
     void AddProfile(const QString& name) {
         InDialog([&] {
@@ -94,89 +95,123 @@ TEST_F(SettingsDialog, AFirstStartMakesTheStandardProfileWithTheDesignValues) {
 }
 
 TEST_F(SettingsDialog, EveryStoredControlSurvivesARestart) {
+    const QStringList boxes{u"AutoWhiteBalance"_s,    u"ImageAutoSave"_s,       u"ImageAutoSave2"_s,
+                            u"PrintAfterCrop"_s,      u"RotateBeforeTileImg"_s, u"ScaleImageCk"_s,
+                            u"ShowBlackWhite"_s,      u"ShowGradation"_s,       u"ShowRotate"_s,
+                            u"WhiteBalancePipette"_s, u"ImgRotateLeft"_s};
+    const QStringList choices{u"FileTypCombo"_s, u"FileVarCombo"_s, u"ImageCount"_s,
+                              u"SchabloneBox"_s, u"PrintProfileBox"_s};
+    const QStringList fields{u"FileNameEd"_s, u"ImageSaveDir"_s, u"FrameSize"_s,
+                             u"ImageDestinationDir"_s};
+    installation.Write("common/Kadrona/Printerprofiles42.ini", "[A]\nProfile=prn1.tmp\n");
     InDialog([&] {
-        for (const core::ProfileEntry& entry : core::ProfileRecord) {
-            auto* control = The<QWidget>(entry.control);
-            if (auto* box = qobject_cast<QCheckBox*>(control)) {
-                box->setChecked(true);
-            } else if (auto* combo = qobject_cast<QComboBox*>(control)) {
-                combo->setCurrentIndex(combo->count() - 1);
-            } else if (auto* edit = qobject_cast<QLineEdit*>(control)) {
-                edit->setText(u"  7"_s);
-            }
+        for (const QString& box : boxes) {
+            The<QAbstractButton>(box)->setChecked(true);
         }
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"7"_s);
-        The<QRadioButton>(u"ImgRotateLeft"_s)->setChecked(true);
-        The<QLineEdit>(u"ImageDestinationDir"_s)->setText(u"/archiv"_s);
+        for (const QString& choice : choices) {
+            The<QComboBox>(choice)->setCurrentIndex(The<QComboBox>(choice)->count() - 1);
+        }
+        for (const QString& field : fields) {
+            The<QLineEdit>(field)->setText(field == u"FrameSize" ? u"7"_s : u"  "_s + field);
+        }
     });
     EXPECT_EQ(data->FrameSize(), 7);
     Start();
     EXPECT_EQ(data->FrameSize(), 7);
-    EXPECT_EQ(dialog->FileNameEd(), u"  7"_s);
-    EXPECT_EQ(dialog->ImageSaveDir(), u"  7"_s);
-    EXPECT_EQ(dialog->FileTypCombo(), 1);
-    EXPECT_EQ(dialog->FileVarCombo(), 5);
-    EXPECT_EQ(dialog->ImageCount(), 7);
-    EXPECT_EQ(dialog->SchabloneBox(), 1);
-    EXPECT_TRUE(dialog->ImgRotateLeft());
-    EXPECT_FALSE(dialog->ImgAutoRotate());
-    EXPECT_EQ(dialog->ImageDestinationDir(), u"/archiv"_s);
-    for (const core::ProfileEntry& entry : core::ProfileRecord) {
-        if (auto* box = dialog->findChild<QCheckBox*>(entry.control)) {
-            EXPECT_TRUE(box->isChecked()) << box->objectName().toStdString();
-        }
+    for (const QString& box : boxes) {
+        EXPECT_TRUE(The<QAbstractButton>(box)->isChecked()) << box.toStdString();
     }
+    for (const QString& choice : choices) {
+        EXPECT_EQ(The<QComboBox>(choice)->currentIndex(), The<QComboBox>(choice)->count() - 1)
+            << choice.toStdString();
+    }
+    for (const QString& field : fields) {
+        EXPECT_EQ(The<QLineEdit>(field)->text(), field == u"FrameSize" ? u"7"_s : u"  "_s + field);
+    }
+    EXPECT_FALSE(dialog->ImgAutoRotate());
 }
 
 TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
-    InDialog([&] { The<QLineEdit>(u"FrameSize"_s)->setText(u"30"_s); });
+    auto* frame = The<QLineEdit>(u"FrameSize"_s);
     InDialog([&] {
-        ExpectLine(u"Laden Straße"_s);
+        // The standard profile was never stored: its values are the design's.
+        ExpectLine(u" Laden Straße "_s);
         The<QPushButton>(u"btnNew"_s)->click();
         EXPECT_EQ(Profiles().last(), u"LADEN STRAßE"_s);
-        EXPECT_EQ(dialog->FrameSize(), u"30"_s);
+        EXPECT_EQ(dialog->FrameSize(), u"25"_s);
         EXPECT_TRUE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"40"_s);
-        The<QListWidget>(u"ProfileListBox"_s)->setCurrentRow(0);
-        EXPECT_EQ(dialog->FrameSize(), u"30"_s);
-        The<QListWidget>(u"ProfileListBox"_s)->setCurrentRow(1);
+        frame->setText(u"40"_s);
+        Select(0);
+        EXPECT_EQ(dialog->FrameSize(), u"25"_s) << "not the values of the new one";
+        Select(1);
         EXPECT_EQ(dialog->FrameSize(), u"40"_s) << "the switch stored it";
     });
     EXPECT_EQ(data->GetProfileList(), (QStringList{u"Standard Profile"_s, u"Laden Straße"_s}));
+    dialog->AktivateProfileByName(u"Standard Profile"_s, false);
+    EXPECT_EQ(data->FrameSize(), 25);
+    InDialog([&] { EXPECT_EQ(dialog->FrameSize(), u"40"_s) << "as its own list says"; });
+    EXPECT_EQ(data->FrameSize(), 40);
     Start();
-    EXPECT_EQ(dialog->FrameSize(), u"30"_s) << "every run starts with the standard profile";
+    EXPECT_EQ(dialog->FrameSize(), u"25"_s) << "every run starts with the standard profile";
     dialog->AktivateProfileByName(u"laden straße"_s, false);
     EXPECT_EQ(data->FrameSize(), 40);
-}
 
-TEST_F(SettingsDialog, ANameMustBeUniqueExceptThatOfTheFirstEntry) {
-    AddProfile(u"Laden"_s);
     InDialog([&] {
-        ExpectLine(u"laden"_s);
-        driver.Answer(u"Wählen Sie bitte einen eindeutigen Namen aus"_s);
-        ExpectLine(u"standard profile"_s);
-        The<QPushButton>(u"btnNew"_s)->click();
-    });
-    EXPECT_EQ(Profiles().size(), 3);
-    EXPECT_EQ(data->GetProfileList().size(), 2) << "the first profile only got a new file";
-}
-
-TEST_F(SettingsDialog, DeletingShowsTheFirstProfilesStoredValues) {
-    InDialog([&] { The<QLineEdit>(u"FrameSize"_s)->setText(u"30"_s); });
-    AddProfile(u"B"_s);
-    InDialog([&] {
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"99"_s);
+        Select(1);
         driver.Press(u"MessageBox"_s, u"NoButton"_s);
         The<QPushButton>(u"btnDelete"_s)->click();
         EXPECT_EQ(Profiles().size(), 2);
         driver.Press(u"MessageBox"_s, u"YesButton"_s);
         The<QPushButton>(u"btnDelete"_s)->click();
         EXPECT_EQ(Profiles().size(), 1);
-        EXPECT_EQ(dialog->FrameSize(), u"30"_s);
+        EXPECT_EQ(dialog->FrameSize(), u"25"_s);
         EXPECT_FALSE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
     });
     EXPECT_EQ(data->GetProfileList(), QStringList(u"Standard Profile"_s));
     EXPECT_EQ(QDir(data->DataFolder()).entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
+}
+
+TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {
+    AddProfile(u"B"_s);
+    QFile b(data->ProfileFile(u"B"_s));
+    ASSERT_TRUE(b.setPermissions(QFile::ReadOwner));
+    InDialog([&] {
+        The<QLineEdit>(u"FrameSize"_s)->setText(u"66"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Select(0);
+        EXPECT_EQ(The<QListWidget>(u"ProfileListBox"_s)->currentRow(), 1);
+        ASSERT_TRUE(b.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+        Select(0);
+        // Larger than any settings file: it cannot be read.
+        ASSERT_TRUE(b.resize(17 << 20));
+        The<QLineEdit>(u"FrameSize"_s)->setText(u"77"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        Select(1);
+        EXPECT_EQ(The<QListWidget>(u"ProfileListBox"_s)->currentRow(), 0);
+    });
+    EXPECT_EQ(b.size(), 17 << 20);
+    Start();
+    EXPECT_EQ(dialog->FrameSize(), u"77"_s) << "stored as the profile that is shown";
+}
+
+TEST_F(SettingsDialog, ANameMustBeFitAndUniqueExceptThatOfTheFirstEntry) {
+    AddProfile(u"Laden"_s);
+    InDialog([&] {
+        const QString taken = u"Wählen Sie bitte einen eindeutigen Namen aus"_s;
+        for (const auto& [name, answer] :
+             {std::pair(u"laden"_s, taken), std::pair(u" LADEN "_s, taken),
+              std::pair(u"a]b"_s, u"Steuerzeichen"_s),
+              std::pair(u"a\u202eb"_s, u"Steuerzeichen"_s)}) {
+            ExpectLine(name);
+            driver.Answer(answer);
+        }
+        ExpectLine(u"standard profile "_s);
+        The<QPushButton>(u"btnNew"_s)->click();
+    });
+    EXPECT_EQ(Profiles().size(), 3);
+    EXPECT_EQ(data->GetProfileList().size(), 2) << "the first profile only got a new file";
+    AddProfile(u"ı-ſ"_s);
+    EXPECT_EQ(Profiles().last(), u"ı-ſ"_s) << "whose upper case would be another name";
 }
 
 TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
@@ -252,27 +287,26 @@ TEST_F(SettingsDialog, AnEmptyFrameSizeIsAnErrorAndKeepsTheOldOne) {
     EXPECT_EQ(data->FrameSize(), 25);
 }
 
-TEST_F(SettingsDialog, ShowingActivatesTheProfileSelectedInItsOwnList) {
-    InDialog([] {});
-    AddProfile(u"B"_s);
-    InDialog([&] { The<QLineEdit>(u"FrameSize"_s)->setText(u"44"_s); });
-    dialog->AktivateProfileByName(u"Standard Profile"_s, false);
-    EXPECT_EQ(data->FrameSize(), 25);
-    InDialog([&] { EXPECT_EQ(dialog->FrameSize(), u"44"_s); });
-    EXPECT_EQ(data->FrameSize(), 44);
-}
-
-TEST_F(SettingsDialog, TheDefaultPrinterIsKeptByItsPlaceInAFreshList) {
+TEST_F(SettingsDialog, TheListsAreThoseOfTodayAndAChoiceIsItsText) {
     const auto printers = [&](const char* index) {
         installation.Write("common/Kadrona/Printerprofiles42.ini", index);
     };
-    auto* box = The<QComboBox>(u"PrintProfileBox"_s);
+    auto* printer = The<QComboBox>(u"PrintProfileBox"_s);
     printers("[A]\nProfile=prn1.tmp\n[B]\nProfile=prn2.tmp\n");
-    InDialog([&] { box->setCurrentIndex(1); });
-    printers("[C]\nProfile=prn1.tmp\n[D]\nProfile=prn2.tmp\n[E]\nProfile=prn3.tmp\n");
     InDialog([&] {
-        EXPECT_EQ(box->count(), 3);
-        EXPECT_EQ(box->currentText(), u"D"_s);
+        printer->setCurrentIndex(1);
+        The<QComboBox>(u"SchabloneBox"_s)->setCurrentIndex(1);
+    });
+    printers("[C]\nProfile=prn1.tmp\n[D]\nProfile=prn2.tmp\n[B]\nProfile=prn3.tmp\n");
+    installation.Write("program/Schablonen/MaskList.kdr", "USA=USA.msk\nNeu=Pass.msk\nX=X.msk\n");
+    Start();
+    printer = The<QComboBox>(u"PrintProfileBox"_s);
+    EXPECT_EQ(dialog->SchabloneBoxText(), u"USA"_s);
+    InDialog([&] {
+        EXPECT_EQ(printer->count(), 3);
+        EXPECT_EQ(printer->currentIndex(), 2);
+        EXPECT_EQ(The<QComboBox>(u"SchabloneBox"_s)->count(), 3);
+        EXPECT_EQ(dialog->SchabloneBox(), 0);
     });
     printers("[C]\nProfile=prn1.tmp\n");
     InDialog([&] { EXPECT_EQ(dialog->PrintProfileBox(), -1); });
