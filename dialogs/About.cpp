@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextDocumentFragment>
 #include <QVBoxLayout>
 
 #include "core/base/Product.h"
@@ -26,6 +27,7 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent) {
             core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
             QLatin1StringView(qVersion())));
     text->setTextFormat(Qt::RichText);
+    text->setAccessibleName(QTextDocumentFragment::fromHtml(text->text()).toPlainText());
     text->setOpenExternalLinks(true);
     text->setTextInteractionFlags(Qt::TextBrowserInteraction);
 
