@@ -10,6 +10,7 @@
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -73,7 +74,9 @@ class ScrolledPage : public QScrollArea {
     }
 
     /// The toolkit's own is at most a few hundred pixels, whatever the page needs.
-    QSize sizeHint() const override { return widget()->sizeHint(); }
+    QSize sizeHint() const override {
+        return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
+    }
 };
 
 /// Separates the page's groups of settings without a frame around each.

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QMetaObject>
 #include <QStyledItemDelegate>
+#include <typeinfo>
 
 #include "platform/HarmlessText.h"
 
@@ -24,9 +25,10 @@ class NameDelegate : public QStyledItemDelegate {
     }
 };
 
-bool HasDelegate(const QAbstractItemView& view, const char* className) {
+/// Of that very class, which those derived from it do not tell by their meta object.
+bool HasPlainDelegate(const QAbstractItemView& view) {
     const QAbstractItemDelegate* delegate = view.itemDelegate();
-    return delegate != nullptr && qstrcmp(delegate->metaObject()->className(), className) == 0;
+    return delegate != nullptr && typeid(*delegate) == typeid(QStyledItemDelegate);
 }
 
 }  // namespace
@@ -39,8 +41,7 @@ void ThemeStyle::polish(QWidget* widget) {
         // A view that was scrolled before it was first shown has measured its items without the
         // style sheet.
         QMetaObject::invokeMethod(view, &QAbstractItemView::doItemsLayout, Qt::QueuedConnection);
-        if (HasDelegate(*view, "QStyledItemDelegate") &&
-            dynamic_cast<NameDelegate*>(view->itemDelegate()) == nullptr) {
+        if (HasPlainDelegate(*view)) {
             view->setItemDelegate(new NameDelegate(view));
         }
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
