@@ -79,11 +79,25 @@ class TimedView : public ImageView {
         return TimesOf(std::move(milliseconds));
     }
 
-    // Paints at rest whatever is still to be painted.
-    void WaitUntilPainted() {
-        FrameTime([this] { update(); });
-        FrameTime([] {});
+    // Paints at rest whatever is still to be painted. Gives what the single turns of the event loop
+    // took, preparation and paintings, until nothing was left to do.
+    Times WaitUntilPainted() {
+        update();
+        std::vector<double> milliseconds;
+        QElapsedTimer idle;
+        idle.start();
+        while (idle.elapsed() < 100) {
+            const Watch watch;
+            QCoreApplication::processEvents();
+            if (const double turn = watch.Milliseconds(); turn > 0.05) {
+                milliseconds.push_back(turn);
+                idle.restart();
+            }
+        }
+        turns_ = milliseconds.size();
+        return TimesOf(std::move(milliseconds));
     }
+    size_t Turns() const { return turns_; }
 
  protected:
     void paintEvent(QPaintEvent* event) override {
@@ -96,6 +110,7 @@ class TimedView : public ImageView {
  private:
     double painting_ = 0;
     bool isPainted_ = false;
+    size_t turns_ = 0;
 };
 
 inline void SendMouse(ImageView& view, QEvent::Type type, QPointF position) {

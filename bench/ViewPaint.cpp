@@ -69,7 +69,8 @@ void Print(const char* name, Times times, double plain) {
 void MeasurePans(TimedView& view, double plain) {
     for (const double percent : {30.0, 60.0, 100.0, 250.0}) {
         view.SetZoomPercent(percent);
-        view.WaitUntilPainted();
+        const Times turns = view.WaitUntilPainted();
+        std::printf("    worst turn %.2f ms\n", turns.worst);
         char name[64];
         std::snprintf(name, sizeof(name), "pan at %.0f %%", percent);
         Print(name, MeasureDrag(view, {10, 10}, {9, 7}), plain);
@@ -97,14 +98,17 @@ void MeasurePhoto(const char* name, QSize size) {
                 size.height(), plain);
     LayeredImage image;
     TimedView view(image);
-    // Movement and rest are measured apart.
-    view.SetSettleDelay(std::chrono::minutes(10));
+    view.SetSettleDelay(std::chrono::milliseconds(0));
     view.resize(ViewSize);
     view.show();
     view.WaitUntilPainted();
     const double first =
         view.FrameTime([&] { view.Image().Open(Pixels(photo), DotsPerInch{300}); });
     Print("first frame after opening", {first, first}, plain);
+    Print("turns of the loop until it is smooth", view.WaitUntilPainted(), plain);
+    std::printf("    %zu turns\n", view.Turns());
+    // Movement and rest are measured apart.
+    view.SetSettleDelay(std::chrono::minutes(10));
     const Times zooming = view.FrameTimes([&](int frame) {
         SendWheel(view, {700, 400}, frame <= Frames / 2 ? 60 : -60);
     });

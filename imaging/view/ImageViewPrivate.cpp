@@ -32,6 +32,8 @@ ImageView::Private::Private(ImageView& view, LayeredImage& image)
     settleTimer_.setSingleShot(true);
     settleTimer_.setInterval(SettleDelay);
     QObject::connect(&settleTimer_, &QTimer::timeout, &view, [this] { Settle(); });
+    prepareTimer_.setSingleShot(true);
+    QObject::connect(&prepareTimer_, &QTimer::timeout, &view, [this] { Prepare(); });
     QObject::connect(&image_, &LayeredImage::PhotoChanged, &view, [this] { TakePhoto(); });
     QObject::connect(&image_, &LayeredImage::PhotoEdited, &view,
                      [this](const QRect& area) { TakeEdit(area); });
@@ -150,6 +152,14 @@ void ImageView::Private::Settle() {
     view_.update();
 }
 
+void ImageView::Private::Prepare() {
+    try {
+        painter_.Prepare(image_) ? view_.update() : prepareTimer_.start();
+    } catch (const platform::Error&) {
+        // Memory is short: what shows already stays.
+    }
+}
+
 void ImageView::Private::RepaintChangedLayers() {
     const double scale = DeviceScale();
     std::vector<LayerAppearance> layers = AppearancesOf(image_, geometry_, scale);
@@ -202,6 +212,9 @@ void ImageView::Private::PaintImage(QPainter& painter, const QRect& dirty) {
         painter.fillRect(dirty, palette.base());
     }
     paintedLayers_ = AppearancesOf(image_, geometry_, DeviceScale());
+    if (quality_ == Quality::Smooth && painter_.IsProvisional()) {
+        prepareTimer_.start();
+    }
 }
 
 }  // namespace kadrona::imaging::view

@@ -39,6 +39,8 @@ class ImageView::Private {
     void Paint(const QRect& dirty);
     void PaintImage(QPainter& painter, const QRect& dirty);
     void Settle();
+    /// Works for a few milliseconds on what could not be painted well at once.
+    void Prepare();
     void StartMoving();
     void RepaintChangedLayers();
     void TakePhoto();
@@ -85,6 +87,7 @@ class ImageView::Private {
     LayerPainter painter_;
     CursorOverride cursor_;
     QTimer settleTimer_;
+    QTimer prepareTimer_;
     Quality quality_ = Quality::Smooth;
     Interactions interactions_{Interactions(Interaction::Zoom) | Interaction::Pan};
     bool automaticFit_ = true;

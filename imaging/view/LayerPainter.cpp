@@ -99,6 +99,24 @@ void LayerPainter::Paint(QPainter& painter, const LayeredImage& image, const Req
     }
 }
 
+bool LayerPainter::IsProvisional() const {
+    return photo_.IsProvisional() || std::ranges::any_of(layers_, [](const ScaledPixels& layer) {
+               return layer.IsProvisional();
+           });
+}
+
+bool LayerPainter::Prepare(const LayeredImage& image) {
+    if (image.IsEmpty()) {
+        return true;
+    }
+    bool isDone = photo_.Prepare(image.Photo());
+    for (int i = 1; i < image.LayerCount() && i <= static_cast<int>(layers_.size()) && isDone;
+         ++i) {
+        isDone = layers_[static_cast<size_t>(i) - 1].Prepare(image.LayerAt(i).pixels);
+    }
+    return isDone;
+}
+
 void LayerPainter::PaintPhoto(QPainter& painter, const Pixels& photo, const QRect& place,
                               const Request& request) {
     if (request.filter == nullptr) {

@@ -51,6 +51,12 @@ class LayerPainter {
     /// Throws platform::Error where memory is short.
     void Paint(QPainter& painter, const LayeredImage& image, const Request& request);
 
+    /// True where something was painted as well as was possible at once; Prepare makes it better.
+    bool IsProvisional() const;
+    /// Works on that for a few milliseconds; true when it is done and everything can be painted
+    /// anew. Throws platform::Error where memory is short.
+    bool Prepare(const LayeredImage& image);
+
     /// The photo painted last was changed in place inside `area` alone.
     void TakePhotoEdit(const Pixels& photo, const QRect& area) { photo_.TakeEdit(photo, area); }
     /// Nothing is known of the photo any more.

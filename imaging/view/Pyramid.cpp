@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -72,21 +73,35 @@ void Pyramid::Invalidate(const QRect& area) {
     }
 }
 
-bool Pyramid::IsBuilt(int level, const QRect& part) const {
-    return MissingBlocks(level, part).empty();
+qint64 Pyramid::CostOf(int level, size_t block) const {
+    const QSize source = BlockRectangle(block, NearestFinerLevel(level, block)).size();
+    return qint64{source.width()} * source.height();
 }
 
-const QImage& Pyramid::Level(const QImage& picture, int level, const QRect& part) {
-    if (level == 0) {
-        return picture;
+qint64 Pyramid::CostOf(int level, const QRect& part) const {
+    const std::vector<size_t> missing = MissingBlocks(level, part);
+    return std::accumulate(missing.begin(), missing.end(), qint64{0},
+                           [&](qint64 sum, size_t block) { return sum + CostOf(level, block); });
+}
+
+bool Pyramid::Build(const QImage& picture, int level, const QRect& part, qint64 mostCost) {
+    std::vector<size_t> missing = MissingBlocks(level, part);
+    if (missing.empty()) {
+        return true;
     }
     LevelState& state = levels_.at(static_cast<size_t>(level));
     if (state.image.isNull() || state.image.format() != picture.format()) {
         // Left uninitialised: memory that is never drawn from is never touched.
         state.image = NewImage(state.size, picture.format());
     }
-    Build(picture, level, MissingBlocks(level, part));
-    return state.image;
+    size_t count = 0;
+    for (qint64 cost = 0; count < missing.size() && cost < mostCost; ++count) {
+        cost += CostOf(level, missing[count]);
+    }
+    const bool isAll = count == missing.size();
+    missing.resize(count);
+    BuildBlocks(picture, level, missing);
+    return isAll;
 }
 
 std::vector<size_t> Pyramid::MissingBlocks(int level, const QRect& part) const {
@@ -121,7 +136,7 @@ int Pyramid::NearestFinerLevel(int level, size_t block) const {
     return level;
 }
 
-void Pyramid::Build(const QImage& picture, int level, const std::vector<size_t>& blocks) {
+void Pyramid::BuildBlocks(const QImage& picture, int level, const std::vector<size_t>& blocks) {
     LevelState& target = levels_.at(static_cast<size_t>(level));
     cv::Mat built = MatView(target.image);
     cv::parallel_for_(cv::Range(0, static_cast<int>(blocks.size())), [&](const cv::Range& range) {

@@ -31,12 +31,22 @@ class Pyramid {
     void Invalidate(const QRect& area);
 
     /// True when a level needs no building for `part` (in the level's pixels).
-    bool IsBuilt(int level, const QRect& part) const;
+    bool IsBuilt(int level, const QRect& part) const { return MissingBlocks(level, part).empty(); }
 
-    /// A level of which at least `part` (in the level's pixels) is built. `picture` is the same at
-    /// every call until Invalidate, 32 bits a pixel, opaque or premultiplied. Throws
-    /// platform::Error where memory is short.
-    const QImage& Level(const QImage& picture, int level, const QRect& part);
+    /// So many pixels of finer levels have to be read before `part` of a level is built. A million
+    /// take about a millisecond.
+    qint64 CostOf(int level, const QRect& part) const;
+
+    /// Builds what is missing of `part` (in the level's pixels), but reads no more than `mostCost`
+    /// pixels and one block; true when all of it is built. `picture` is the same at every call
+    /// until Invalidate, 32 bits a pixel, opaque or premultiplied. Throws platform::Error where
+    /// memory is short.
+    bool Build(const QImage& picture, int level, const QRect& part, qint64 mostCost);
+
+    /// A level, of which only what is built may be read; level 0 is `picture`.
+    const QImage& Level(const QImage& picture, int level) const {
+        return level == 0 ? picture : levels_.at(static_cast<size_t>(level)).image;
+    }
 
  private:
     struct LevelState {
@@ -49,7 +59,8 @@ class Pyramid {
 
     std::vector<size_t> MissingBlocks(int level, const QRect& part) const;
     QRect BlockRectangle(size_t block, int level) const;
-    void Build(const QImage& picture, int level, const std::vector<size_t>& blocks);
+    qint64 CostOf(int level, size_t block) const;
+    void BuildBlocks(const QImage& picture, int level, const std::vector<size_t>& blocks);
     int NearestFinerLevel(int level, size_t block) const;
 
     int blockColumns_ = 0;

@@ -13,6 +13,11 @@ namespace {
 
 constexpr double CrispAbove = 3.0;
 
+/// Pixels that are read at most to build a level while it is drawn, and in each step of preparing
+/// it: a few milliseconds on one core.
+constexpr qint64 MostCostOfDrawing = 5'000'000;
+constexpr qint64 CostOfStep = 4'000'000;
+
 int Edge(int index, int length, int count) {
     return static_cast<int>((2 * qint64{index} * length + count) / (2 * qint64{count}));
 }
@@ -65,6 +70,7 @@ void ScaledPixels::Notice(const Pixels& pixels) {
     identity_ = identity;
     drawnPart_ = QRect();
     stale_ = QRegion();
+    pending_.reset();
 }
 
 void ScaledPixels::TakeEdit(const Pixels& pixels, const QRect& area) {
@@ -97,12 +103,24 @@ void ScaledPixels::DrawStale(const Pixels& pixels) {
     forgetIncomplete.dismiss();
 }
 
+bool ScaledPixels::Prepare(const Pixels& pixels) {
+    Notice(pixels);
+    return !pending_ || pyramid_.Build(pixels.Tile(), pending_->level, pending_->part, CostOfStep);
+}
+
+bool ScaledPixels::IsReusable(QSize size, Quality quality) {
+    const bool isPrepared = pending_ && pyramid_.IsBuilt(pending_->level, pending_->part);
+    return size == size_ && !isPrepared &&
+           (quality_ == Quality::Smooth || quality == Quality::Fast);
+}
+
 void ScaledPixels::Draw(const Pixels& pixels, QSize size, const QRect& part, Quality quality) {
     Notice(pixels);
-    const bool reusable =
-        size == size_ && (quality_ == Quality::Smooth || quality == Quality::Fast);
+    const bool reusable = IsReusable(size, quality);
     if (reusable) {
         DrawStale(pixels);
+    } else {
+        pending_.reset();
     }
     stale_ = QRegion();
     if (reusable && drawnPart_.contains(part)) {
@@ -150,29 +168,54 @@ void ScaledPixels::DrawPart(const Pixels& pixels, const QRect& part) {
 void ScaledPixels::DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at) {
     const Steps full{static_cast<double>(tile.width()) / size.width(),
                      static_cast<double>(tile.height()) / size.height()};
-    const int level = LevelFor(full, part);
-    const Steps steps = full.AtLevel(level);
-    const QSize source = pyramid_.LevelSize(level);
+    const Source source = SourceFor(tile, full, part);
+    const Steps steps = full.AtLevel(source.level);
+    const QSize length = pyramid_.LevelSize(source.level);
+    const auto filter = [&](double step) {
+        // Of a much finer level few pixels are read.
+        return source.isProvisional && step > 2 ? Filter::Nearest : FilterFor(step);
+    };
     const AxisTaps columns =
-        MakeAxisTaps(source.width(), steps.x, part.left(), part.right() + 1, FilterFor(steps.x));
+        MakeAxisTaps(length.width(), steps.x, part.left(), part.right() + 1, filter(steps.x));
     const AxisTaps rows =
-        MakeAxisTaps(source.height(), steps.y, part.top(), part.bottom() + 1, FilterFor(steps.y));
-    DrawResampled(pyramid_.Level(tile, level, steps.Covered(part)), columns, rows, drawing_, at);
+        MakeAxisTaps(length.height(), steps.y, part.top(), part.bottom() + 1, filter(steps.y));
+    DrawResampled(pyramid_.Level(tile, source.level), columns, rows, drawing_, at);
 }
 
-// The level whose pixels are at most twice as fine as the device's along the finer axis. While
-// something moves a coarser one will do where that would have to be built first.
-int ScaledPixels::LevelFor(const Steps& full, const QRect& part) const {
+// The level whose pixels are at most twice as fine as the device's along the finer axis, built as
+// far as that takes no time. Else the nearest coarser one that is there, or a finer one; while
+// something moves a coarser one is taken whatever the finer would cost.
+ScaledPixels::Source ScaledPixels::SourceFor(const QImage& tile, const Steps& full,
+                                             const QRect& part) {
     int level = 0;
     while (full.AtLevel(level).Finer() > 2 && level + 1 < pyramid_.LevelCount()) {
         ++level;
     }
+    const auto covered = [&](int candidate) { return full.AtLevel(candidate).Covered(part); };
     const auto isBuilt = [&](int candidate) {
-        return pyramid_.IsBuilt(candidate, full.AtLevel(candidate).Covered(part));
+        return pyramid_.IsBuilt(candidate, covered(candidate));
     };
-    const bool takesCoarser = quality_ == Quality::Fast && level + 1 < pyramid_.LevelCount() &&
-                              !isBuilt(level) && isBuilt(level + 1);
-    return takesCoarser ? level + 1 : level;
+    int coarser = level + 1;
+    while (coarser < pyramid_.LevelCount() && !isBuilt(coarser)) {
+        ++coarser;
+    }
+    const bool hasCoarser = coarser < pyramid_.LevelCount();
+    if (isBuilt(level) || (quality_ == Quality::Fast && coarser == level + 1 && hasCoarser)) {
+        return {isBuilt(level) ? level : coarser, false};
+    }
+    if (pyramid_.CostOf(level, covered(level)) <= MostCostOfDrawing) {
+        pyramid_.Build(tile, level, covered(level), MostCostOfDrawing);
+        return {level, false};
+    }
+    const QRect needed = covered(level) & QRect(QPoint(), pyramid_.LevelSize(level));
+    pending_ = {level, pending_ && pending_->level == level ? pending_->part | needed : needed};
+    if (hasCoarser) {
+        return {coarser, true};
+    }
+    do {
+        --level;
+    } while (!isBuilt(level));
+    return {level, true};
 }
 
 Filter ScaledPixels::FilterFor(double step) const {

@@ -4,6 +4,7 @@
 #include <QRect>
 #include <QRegion>
 #include <QSize>
+#include <optional>
 
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resampling.h"
@@ -32,9 +33,18 @@ class ScaledPixels {
     explicit ScaledPixels(Enlargement enlargement) : enlargement_(enlargement) {}
 
     /// Draws `part` of the pixels scaled to `size`. Afterwards Drawing() holds `part`, at least in
-    /// this quality. `part` is not empty and lies within `size`. The pixels are not kept, but other
-    /// ones than at the last call are noticed. Throws platform::Error where memory is short.
+    /// this quality, unless IsProvisional(). `part` is not empty and lies within `size`. The pixels
+    /// are not kept, but other ones than at the last call are noticed. Throws platform::Error where
+    /// memory is short.
     void Draw(const Pixels& pixels, QSize size, const QRect& part, Quality quality);
+
+    /// True where what was drawn last would have taken too long in its quality, so that it was
+    /// drawn as well as what is there allows.
+    bool IsProvisional() const { return pending_.has_value(); }
+    /// Prepares the drawing of `pixels`, the same as at the last Draw, for a few milliseconds; true
+    /// when it is no longer provisional if it is drawn anew. Throws platform::Error where memory is
+    /// short.
+    bool Prepare(const Pixels& pixels);
 
     /// The pixels, the same as at the last Draw, were changed in place inside `area` (in their own
     /// pixels) alone: only what shows it is drawn anew.
@@ -60,8 +70,14 @@ class ScaledPixels {
     void DrawPart(const Pixels& pixels, const QRect& part);
     void DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at);
     struct Steps;
-    int LevelFor(const Steps& full, const QRect& part) const;
+    /// A level of the pyramid and how it is drawn from.
+    struct Source {
+        int level;
+        bool isProvisional;
+    };
+    Source SourceFor(const QImage& tile, const Steps& full, const QRect& part);
     Filter FilterFor(double step) const;
+    bool IsReusable(QSize size, Quality quality);
 
     Enlargement enlargement_;
     Identity identity_;
@@ -74,6 +90,12 @@ class ScaledPixels {
     QRect drawnPart_;
     /// What of the drawn part shows edited pixels as they were.
     QRegion stale_;
+    /// What has to be built before the drawn part can be drawn in its quality.
+    struct Pending {
+        int level;
+        QRect part;
+    };
+    std::optional<Pending> pending_;
 };
 
 }  // namespace kadrona::imaging::view

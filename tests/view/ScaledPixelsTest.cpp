@@ -22,6 +22,43 @@ QImage Row(std::initializer_list<QRgb> colours) {
     return image;
 }
 
+TEST(ScaledPixels, ALargePictureIsPreparedInSteps) {
+    // Pairs of columns whose mean is another colour than each of them.
+    QImage image(8192, 4096, QImage::Format_RGB32);
+    auto* pixels = reinterpret_cast<QRgb*>(image.bits());
+    for (qsizetype i = 0; i < qsizetype{8192} * 4096; ++i) {
+        pixels[i] = i % 2 == 0 ? qRgb(100, 0, 0) : qRgb(0, 0, 100);
+    }
+    const Pixels photo(image);
+    ScaledPixels scaled(Enlargement::Crisp);
+    const auto draw = [&](QSize size) {
+        scaled.Draw(photo, size, QRect({}, size), Quality::Smooth);
+    };
+    const auto isMean = [&] { return scaled.Drawing().pixel(200, 100) == qRgb(50, 0, 50); };
+    draw({512, 256});
+    EXPECT_TRUE(scaled.IsProvisional());
+    EXPECT_FALSE(isMean());
+    int steps = 1;
+    while (!scaled.Prepare(photo)) {
+        ++steps;
+        draw({512, 256});
+        ASSERT_LT(steps, 100);
+    }
+    EXPECT_GE(steps, 4) << "a step builds what takes a few milliseconds";
+    draw({512, 256});
+    EXPECT_FALSE(scaled.IsProvisional());
+    EXPECT_TRUE(isMean());
+    // The finer level is not there yet, the coarser one shows meanwhile.
+    draw({2048, 1024});
+    EXPECT_TRUE(scaled.IsProvisional());
+    EXPECT_TRUE(isMean());
+    // What is seen of it is little work.
+    scaled.Draw(photo, {2048, 1024}, QRect(0, 0, 400, 300), Quality::Smooth);
+    scaled.Forget();
+    scaled.Draw(photo, {2048, 1024}, QRect(0, 0, 400, 300), Quality::Smooth);
+    EXPECT_FALSE(scaled.IsProvisional());
+}
+
 TEST(ScaledPixels, LiteralRows) {
     constexpr QRgb black = qRgb(0, 0, 0);
     constexpr QRgb grey = qRgb(100, 50, 200);
