@@ -140,6 +140,26 @@ void CloneStamp::Stroke::DrawTo(QPointF position) {
     }
 }
 
+/// Whether the first piece of a stroke makes any difference: one over equal pixels makes none.
+bool CloneStamp::Stroke::Changes(const QLineF& way, const QRect& area) const {
+    const QImage& photo = image_.Photo().Tile();
+    if (photo.size() != image_.Photo().Size()) {
+        return true;
+    }
+    const auto row = [&](int y) { return reinterpret_cast<const QRgb*>(photo.constScanLine(y)); };
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const DistanceFrom distance(way, area.left(), y);
+        const QRgb* target = row(y) + area.left();
+        const QRgb* source = row(y + offset_.y()) + area.left() + offset_.x();
+        for (int i = 0; i < area.width(); ++i) {
+            if (target[i] != source[i] && coverage_.At(distance.SquareAt(i)) > 0) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 void CloneStamp::Stroke::DrawPiece(const QLineF& way) {
     const QRect photo(QPoint(), image_.Photo().Size());
     const QRect area = QRectF(way.p1(), way.p2())
@@ -148,6 +168,9 @@ void CloneStamp::Stroke::DrawPiece(const QLineF& way) {
                            .toAlignedRect() &
                        photo & photo.translated(-offset_);
     if (area.isEmpty()) {
+        return;
+    }
+    if (!isRecorded_ && !Changes(way, area)) {
         return;
     }
     if (!isRecorded_) {

@@ -53,6 +53,7 @@ class CloneStamp::Stroke {
     bool IsPhotoTheSame() const;
 
  private:
+    bool Changes(const QLineF& way, const QRect& area) const;
     void DrawPiece(const QLineF& way);
     void DrawRow(const QLineF& way, const QRect& area, int y, std::span<QRgb> row,
                  std::span<QRgb> source);

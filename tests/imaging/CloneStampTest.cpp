@@ -153,6 +153,18 @@ TEST_F(CloneStampTest, MakesEachStrokeOneUndoStepOfTheBlocksItTouched) {
     EXPECT_LE(image_.UndoByteCount(), 24 * BlockBytes) << "of 48";
     image_.Undo();
     EXPECT_TRUE(SamePixels(Photo(), photo));
+
+    // Over equal pixels, but for one that the brush reaches in the end.
+    QImage plain(100, 100, QImage::Format_RGB32);
+    plain.fill(Qt::gray);
+    plain.setPixel(90, 50, 0xffff0000);
+    Open(plain);
+    stamp_.TakeSource({10, 50});
+    Stroke({{30, 50}, {60, 50}}, {10, 0.5});
+    EXPECT_EQ(image_.UndoCount(), 0) << "it changed nothing";
+    Stroke({{30, 50}, {90, 50}}, {10, 0.5});
+    EXPECT_EQ(image_.UndoCount(), 1);
+    EXPECT_NE(Photo().pixel(90, 50), 0xffff0000);
 }
 
 TEST_F(CloneStampTest, LeavesOutWhatLiesOutsideThePhoto) {
