@@ -49,6 +49,9 @@ RetouchTool::RetouchTool(PhotoSession& session, imaging::view::ImageView& view,
     connect(actions_[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
     connect(&session_.Image(), &imaging::LayeredImage::PhotoChanged, this,
             &RetouchTool::FollowPhoto);
+    // Also where the photo keeps its size, as a square one does.
+    connect(&session_.Image(), &imaging::LayeredImage::PhotoTurned, this,
+            [this] { stamp_.Reset(); });
 }
 
 RetouchTool::~RetouchTool() {
@@ -85,7 +88,8 @@ void RetouchTool::LeaveMode() {
     stamp_.Reset();
 }
 
-/// A photo of another size has no place for the old source, and wants another brush.
+/// A photo of another size has no place for the old source, and wants another brush as long as
+/// nobody has chosen one.
 void RetouchTool::FollowPhoto() {
     const QSize size = session_.Image().Photo().Size();
     if (size == photoSize_) {
@@ -93,9 +97,11 @@ void RetouchTool::FollowPhoto() {
     }
     photoSize_ = size;
     stamp_.Reset();
-    brush_.diameter =
-        std::clamp(std::floor(std::max(size.width(), size.height()) / BrushesPerPhoto),
-                   SmallestDiameter, LargestDiameter);
+    if (!isBrushChosen_) {
+        brush_.diameter =
+            std::clamp(std::floor(std::max(size.width(), size.height()) / BrushesPerPhoto),
+                       SmallestDiameter, LargestDiameter);
+    }
     if (view_.Tool() == this) {
         ShowHint();
         view_.RefreshTool();
@@ -160,6 +166,7 @@ void RetouchTool::ChangeSize(double notches) {
     const double least = brush_.diameter + std::copysign(std::min(1.0, std::abs(notches)), notches);
     brush_.diameter = std::clamp(notches > 0 ? std::max(scaled, least) : std::min(scaled, least),
                                  SmallestDiameter, LargestDiameter);
+    isBrushChosen_ = true;
     ShowHint();
 }
 

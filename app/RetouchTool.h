@@ -62,6 +62,8 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     ViewActions& viewActions_;
     imaging::CloneStamp stamp_;
     imaging::Brush brush_;
+    /// The user has set its size.
+    bool isBrushChosen_ = false;
     QSize photoSize_;
     /// In the view's coordinates, while the pointer is over it: the photo may move below.
     std::optional<QPointF> pointer_;

@@ -5,7 +5,6 @@
 #include "app/ViewActions.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
-#include "imaging/pixels/QuarterTurn.h"
 
 namespace kadrona::app {
 
@@ -22,9 +21,7 @@ RotateActions::RotateActions(PhotoSession& session, core::TData& data, MainActio
 void RotateActions::RotatePhoto(int degrees) {
     LayeredImage& image = session_.Image();
     if (!image.IsEmpty()) {
-        const auto turn =
-            degrees > 0 ? imaging::QuarterTurn::CounterClockwise : imaging::QuarterTurn::Clockwise;
-        image.ChangePhoto(imaging::Turned(image.Photo(), turn));
+        image.TurnPhoto(degrees);
     }
     viewActions_.ZoomFit();
 }

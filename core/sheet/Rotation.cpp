@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/base/UserInterface.h"
-#include "imaging/pixels/FreeRotation.h"
 #include "imaging/pixels/Resampling.h"
 
 namespace kadrona::core {
@@ -31,7 +30,7 @@ void LevelPhoto(imaging::LayeredImage& image, UserInterface& ui) {
     const imaging::Pixels preview =
         imaging::Resampled(image.Photo(), RotationPreviewSize(image.Photo().Size()));
     if (const auto degrees = ui.AskForRotation(preview)) {
-        image.ChangePhoto(imaging::Rotated(image.Photo(), *degrees));
+        image.TurnPhoto(*degrees);
     }
 }
 

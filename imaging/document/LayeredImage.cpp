@@ -1,5 +1,6 @@
 #include "imaging/document/LayeredImage.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -37,6 +38,7 @@ void LayeredImage::Clear() {
     resolution_ = {};
     iptc_ = {};
     history_.Clear();
+    turns_.Forget();
     if (IsEmpty()) {
         return;
     }
@@ -60,6 +62,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     resolution_ = resolution;
     iptc_ = {};
     history_.Clear();
+    turns_.Forget();
     Q_EMIT PhotoChanged();
     if (layersChange) {
         Q_EMIT LayersChanged();
@@ -82,12 +85,33 @@ void LayeredImage::ChangePhoto(Pixels changed) {
     Q_EMIT PhotoChanged();
 }
 
+void LayeredImage::TurnPhoto(double degreesCounterClockwise) {
+    Pixels turned = turns_.Turned(layers_.at(0).pixels, degreesCounterClockwise);
+    if (turned.SharesPixelsWith(Photo())) {
+        return;
+    }
+    if (automaticUndo_) {
+        RecordUndoStep();
+        std::vector<LayerPlace> places;
+        for (auto layer = layers_.begin() + 1; layer != layers_.end(); ++layer) {
+            places.push_back({layer->pixels.Tile().cacheKey(), layer->rectangle});
+        }
+        history_.KeepPlaces(std::move(places));
+    }
+    layers_.front().rectangle = QRect(QPoint(), turned.Size());
+    layers_.front().pixels = std::move(turned);
+    Q_EMIT PhotoTurned();
+    Q_EMIT PhotoChanged();
+}
+
 void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage& photo)>& edit) {
     Pixels& photo = layers_.at(0).pixels;
     const QRect inside = area & QRect(QPoint(), photo.Size());
     if (inside.isEmpty()) {
         return;
     }
+    // Its hold on the pixels would have them copied.
+    turns_.Forget();
     photo = Pixels(photo.ToImage());
     history_.EditInPlace(photo, inside, edit);
     Q_EMIT PhotoEdited(inside);
@@ -149,10 +173,27 @@ void LayeredImage::Undo() {
     }
     Layer& photo = layers_.front();
     const auto before = Identity(photo.pixels);
-    history_.TakeNewest(photo.pixels, resolution_);
-    if (Identity(photo.pixels) != before) {
-        photo.rectangle = QRect(QPoint(), photo.pixels.Size());
-        Q_EMIT PhotoChanged();
+    const auto places = history_.TakeNewest(photo.pixels, resolution_);
+    if (Identity(photo.pixels) == before) {
+        return;
+    }
+    photo.rectangle = QRect(QPoint(), photo.pixels.Size());
+    if (places) {
+        Q_EMIT PhotoTurned();
+    }
+    Q_EMIT PhotoChanged();
+    if (places) {
+        Restore(*places);
+    }
+}
+
+/// A layer that has come or gone since is left alone.
+void LayeredImage::Restore(const std::vector<LayerPlace>& places) {
+    const size_t count = std::min(places.size() + 1, layers_.size());
+    for (size_t i = 1; i < count; ++i) {
+        if (layers_[i].pixels.Tile().cacheKey() == places[i - 1].pixels) {
+            SetLayerRectangle(static_cast<int>(i), places[i - 1].rectangle);
+        }
     }
 }
 

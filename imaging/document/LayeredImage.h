@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "imaging/document/TurnSeries.h"
 #include "imaging/document/UndoHistory.h"
 #include "imaging/metadata/Iptc.h"
 #include "imaging/pixels/Pixels.h"
@@ -63,6 +64,12 @@ class LayeredImage : public QObject {
     /// empty pixels.
     void ChangePhoto(Pixels changed);
 
+    /// Turns the photo by an angle, without loss by quarter turns, and records an undo step as
+    /// ChangePhoto does; undoing it also brings the layers above back to where they are now. Turns
+    /// that follow each other soften the photo once (TurnSeries). Throws platform::Error where
+    /// memory is short.
+    void TurnPhoto(double degreesCounterClockwise);
+
     /// Changes the photo in place, as a brush does: `edit` gets the photo's image and changes it
     /// inside `area` alone. A stroke begins with RecordUndoStep(), which costs nothing, and calls
     /// this for each dab; the history then takes the 256 x 256 blocks that the stroke touched.
@@ -98,16 +105,22 @@ class LayeredImage : public QObject {
     void PhotoChanged();
     /// Comes before PhotoChanged where pixels inside `area` alone were changed in place.
     void PhotoEdited(const QRect& area);
+    /// What the photo shows lies elsewhere in it: it was turned, or a turn undone. Comes before
+    /// PhotoChanged.
+    void PhotoTurned();
     /// A layer above the photo, the current layer or a visibility changed.
     void LayersChanged();
 
  private:
+    void Restore(const std::vector<LayerPlace>& places);
+
     std::vector<Layer> layers_;
     int currentLayer_ = -1;
     DotsPerInch resolution_;
     IptcItems iptc_;
     bool automaticUndo_ = true;
     UndoHistory history_;
+    TurnSeries turns_;
 };
 
 }  // namespace kadrona::imaging

@@ -67,7 +67,14 @@ void UndoHistory::Record(const Pixels& photo, DotsPerInch resolution) {
     }
 }
 
-void UndoHistory::TakeNewest(Pixels& photo, DotsPerInch& resolution) {
+void UndoHistory::KeepPlaces(std::vector<LayerPlace> places) {
+    if (!steps_.empty()) {
+        steps_.back().places = std::move(places);
+    }
+}
+
+std::optional<std::vector<LayerPlace>> UndoHistory::TakeNewest(Pixels& photo,
+                                                               DotsPerInch& resolution) {
     const bool isShared = reference_.SharesPixelsWith(photo);
     if (isShared) {
         // With one holder left, blocks are put back without a copy of the whole photo.
@@ -82,10 +89,12 @@ void UndoHistory::TakeNewest(Pixels& photo, DotsPerInch& resolution) {
     keepPhoto.dismiss();
     photo = reference_;
     resolution = steps_.back().resolution;
+    auto places = std::move(steps_.back().places);
     steps_.pop_back();
     if (steps_.empty()) {
         Clear();
     }
+    return places;
 }
 
 void UndoHistory::EditInPlace(Pixels& photo, const QRect& area,

@@ -1,14 +1,22 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QRect>
 #include <deque>
 #include <functional>
+#include <optional>
+#include <vector>
 
 #include "imaging/document/PixelDifference.h"
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resolution.h"
 
 namespace kadrona::imaging {
+
+/// Where a layer above the photo lay. Its pixels' key tells whether it is the same layer still.
+struct LayerPlace {
+    qint64 pixels;
+    QRect rectangle;
+};
 
 /// The earlier states of one photo (pixels and resolution), newest on top. Holds at most `limit`
 /// steps and at most a budget of bytes (the oldest go first; the newest always stays). Steps share
@@ -35,13 +43,18 @@ class UndoHistory {
     /// so that "record, then an operation that records by itself" is one step.
     void Record(const Pixels& photo, DotsPerInch resolution);
 
+    /// What follows the newest step moves what the photo shows, as a turn does: taking the step
+    /// brings the layers above back to these places.
+    void KeepPlaces(std::vector<LayerPlace> places);
+
     bool IsEmpty() const { return steps_.empty(); }
     int Count() const { return static_cast<int>(steps_.size()); }
 
     /// Takes the newest step off and brings the photo back to it; in place where only blocks differ
-    /// and nothing else shares the photo's pixels. There is no redo. Throws platform::Error where
-    /// memory is short; photo and history stay then. Precondition: not empty.
-    void TakeNewest(Pixels& photo, DotsPerInch& resolution);
+    /// and nothing else shares the photo's pixels. Gives the places that were kept with it. There
+    /// is no redo. Throws platform::Error where memory is short; photo and history stay then.
+    /// Precondition: not empty.
+    std::optional<std::vector<LayerPlace>> TakeNewest(Pixels& photo, DotsPerInch& resolution);
 
     /// Lets `edit` change the photo's tile in place, inside `area` alone, and keeps only the blocks
     /// touched: nothing but those is copied unless pixels are shared beside the history. Throws
@@ -57,6 +70,7 @@ class UndoHistory {
     struct Step {
         PixelDifference difference;
         DotsPerInch resolution;
+        std::optional<std::vector<LayerPlace>> places = std::nullopt;
     };
 
     void MoveReferenceTo(const Pixels& photo);

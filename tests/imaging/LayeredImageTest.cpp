@@ -1,7 +1,10 @@
+#include <algorithm>
+#include <random>
 #include <stdexcept>
 
 #include "imaging/document/LayeredImage.h"
 #include "imaging/pixels/Cropping.h"
+#include "imaging/pixels/FreeRotation.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::testing;
@@ -100,6 +103,51 @@ TEST_F(LayeredImageTest, UndoRestoresPixelsSizeAndResolution) {
     EXPECT_EQ(image.Resolution(), DotsPerInch{300});
     EXPECT_EQ(image.LayerCount(), 2);
     EXPECT_FALSE(image.CanUndo());
+}
+
+TEST_F(LayeredImageTest, UndoingATurnPutsLayersBack) {
+    image.Open(Pixels(Picture({"rg", "by"})), {});
+    image.AddLayer(mask);
+    int turns = 0;
+    QObject::connect(&image, &LayeredImage::PhotoTurned, [&] { ++turns; });
+    image.RecordUndoStep();
+    image.SetLayerRectangle(1, {1, 0, 1, 1});
+    image.TurnPhoto(90);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"gy", "rb"})));
+    image.SetLayerRectangle(1, {0, 1, 1, 1});
+    image.ChangePhoto(Pixels(Picture({"kkk"})));
+    image.Undo();
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(0, 1, 1, 1)) << "no turn was undone";
+    EXPECT_EQ(turns, 1);
+    image.Undo();
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(1, 0, 1, 1));
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rg", "by"})));
+    EXPECT_EQ(turns, 2);
+    image.TurnPhoto(90);
+    image.RemoveLayersAbovePhoto();
+    image.AddLayer({Pixels(Picture({"w"})), QRect(0, 0, 2, 2)});
+    image.Undo();
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(0, 0, 2, 2)) << "another layer";
+}
+
+TEST_F(LayeredImageTest, ARowOfTurnsSoftensOnce) {
+    QImage noise(60, 40, QImage::Format_RGB32);
+    std::minstd_rand random(1);
+    std::generate_n(reinterpret_cast<QRgb*>(noise.bits()), 60 * 40,
+                    [&] { return 0xff000000 | static_cast<QRgb>(random()); });
+    image.Open(Pixels(noise), {});
+    for (int i = 0; i < 6; ++i) {
+        image.TurnPhoto(2);
+    }
+    EXPECT_TRUE(SamePixels(image.Photo(), Rotated(Pixels(noise), 12).ToImage()));
+    image.Undo();
+    image.TurnPhoto(-10);
+    EXPECT_TRUE(SamePixels(image.Photo(), noise)) << "after an undo";
+    image.TurnPhoto(2);
+    image.ChangePhoto(Pixels(image.Photo().ToImage().copy()));
+    const QImage changed = image.Photo().ToImage();
+    image.TurnPhoto(2);
+    EXPECT_TRUE(SamePixels(image.Photo(), Rotated(Pixels(changed), 2).ToImage()));
 }
 
 TEST_F(LayeredImageTest, RecordsByItselfOnlyWhenAsked) {

@@ -1,0 +1,29 @@
+#include "imaging/document/TurnSeries.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "imaging/pixels/FreeRotation.h"
+
+namespace kadrona::imaging {
+
+Pixels TurnSeries::Turned(const Pixels& photo, double degreesCounterClockwise) {
+    const qint64 key = photo.Tile().cacheKey();
+    auto known = std::ranges::find(results_, key, &std::pair<qint64, double>::first);
+    if (known == results_.end()) {
+        first_ = photo;
+        results_ = {{key, 0.0}};
+        known = results_.begin();
+    }
+    const double degrees = std::remainder(known->second + degreesCounterClockwise, 360.0);
+    Pixels turned = Rotated(first_, degrees);
+    results_.emplace_back(turned.Tile().cacheKey(), degrees);
+    return turned;
+}
+
+void TurnSeries::Forget() {
+    first_ = Pixels();
+    results_.clear();
+}
+
+}  // namespace kadrona::imaging
