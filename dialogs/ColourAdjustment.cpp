@@ -20,6 +20,8 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr QSize DesignedSize(800, 800);
+/// About what a window manager adds around a window.
+constexpr QSize Frame(12, 44);
 
 /// Null where nothing is adjusted, so that it costs nothing.
 template <typename Adjustment>
@@ -41,7 +43,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     layout->setSpacing(12);
     layout->addWidget(pages_);
     layout->addLayout(Buttons());
-    resize(DesignedSize.boundedTo(screen()->availableSize()));
+    resize(DesignedSize.boundedTo(screen()->availableSize() - Frame));
 }
 
 void ColourAdjustment::AddPages() {

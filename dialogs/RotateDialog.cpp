@@ -8,6 +8,7 @@
 #include <QShowEvent>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "dialogs/RotationPreview.h"
 #include "dialogs/WindowPlacement.h"
@@ -15,6 +16,30 @@
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
+
+namespace {
+
+/// Takes a comma and a point as the decimal sign, whatever the locale.
+class AngleBox : public QDoubleSpinBox {
+ public:
+    using QDoubleSpinBox::QDoubleSpinBox;
+
+    QValidator::State validate(QString& text, int& position) const override {
+        QString local = InLocale(text);
+        return QDoubleSpinBox::validate(local, position);
+    }
+    double valueFromText(const QString& text) const override {
+        return QDoubleSpinBox::valueFromText(InLocale(text));
+    }
+
+ private:
+    QString InLocale(QString text) const {
+        const QString sign = locale().decimalPoint();
+        return text.replace(u'.', sign).replace(u',', sign);
+    }
+};
+
+}  // namespace
 
 TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
     setObjectName(u"fmRotateDlg"_s);
@@ -41,7 +66,7 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
 }
 
 void TfmRotateDlg::BuildAngle() {
-    angle_ = new QDoubleSpinBox;
+    angle_ = new AngleBox;
     angle_->setObjectName(u"Angle"_s);
     angle_->setAccessibleName(u"Winkel"_s);
     angle_->setRange(-180, 180);
@@ -49,10 +74,13 @@ void TfmRotateDlg::BuildAngle() {
     angle_->setSingleStep(0.1);
     angle_->setSuffix(u"°"_s);
     angle_->setWrapping(true);
-    // The box shows the angle rounded; only what is typed there is taken from it.
+    // The box shows the angle rounded; only what is typed there is taken from it, and nothing is
+    // written over what is being typed.
     connect(preview_, &RotationPreview::DegreesChanged, this, [this](double degrees) {
-        const QSignalBlocker blocker(angle_);
-        angle_->setValue(degrees);
+        if (std::lround(degrees * 10) != std::lround(angle_->value() * 10)) {
+            const QSignalBlocker blocker(angle_);
+            angle_->setValue(degrees);
+        }
     });
     connect(angle_, &QDoubleSpinBox::valueChanged, preview_, &RotationPreview::SetDegrees);
 }

@@ -3,18 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <QDoubleSpinBox>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTest>
-#include <QWheelEvent>
 
 #include "dialogs/ColourAdjustment.h"
 #include "dialogs/RotateDialog.h"
 #include "dialogs/RotationPreview.h"
 #include "imaging/view/ImageView.h"
+#include "tests/support/Errors.h"
+#include "tests/support/Input.h"
 #include "tests/support/ModalDriver.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -26,61 +26,69 @@ using dialogs::RotationPreview;
 using imaging::Pixels;
 using imaging::view::ImageView;
 
-namespace {
-
-void Drag(QWidget& widget, std::initializer_list<QPointF> way) {
-    QTest::mousePress(&widget, Qt::LeftButton, {}, way.begin()->toPoint());
-    for (const QPointF& to : way) {
-        QMouseEvent move(QEvent::MouseMove, to, widget.mapToGlobal(to), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&widget, &move);
-    }
-    QTest::mouseRelease(&widget, Qt::LeftButton, {}, (way.end() - 1)->toPoint());
-}
-
-}  // namespace
-
 class RotateDialog : public ::testing::Test {
  protected:
     std::optional<double> Show(const std::function<void(RotationPreview&)>& answer,
                                const QString& button) {
         driver.Expect(u"fmRotateDlg"_s, [answer, button](QWidget& shown) {
-            answer(*shown.findChild<RotationPreview*>(u"Preview"_s));
-            shown.findChild<QPushButton*>(button)->click();
+            answer(Child<RotationPreview>(shown));
+            Child<QPushButton>(shown, button).click();
         });
-        return dialog.ShowEx(Pixels(QImage(200, 300, QImage::Format_RGB32)));
+        QImage photo(200, 300, QImage::Format_RGB32);
+        photo.fill(Qt::black);
+        return dialog.ShowEx(Pixels(photo));
     }
 
     ModalDriver driver;
     dialogs::TfmRotateDlg dialog;
 };
 
-TEST_F(RotateDialog, ADragAroundTheMiddleTurnsByItsAngleCounterClockwise) {
+TEST_F(RotateDialog, TheMouseTurnsAndMovesThePreview) {
     const auto degrees = Show(
         [](RotationPreview& preview) {
             const QPointF middle(preview.width() / 2.0, preview.height() / 2.0);
+            const auto isCovered = [&](QPointF at) {
+                return qGray(preview.grab().toImage().pixel(at.toPoint())) < 128;
+            };
+            preview.SetDegrees(30);
+            SendMouse(preview, QEvent::MouseButtonDblClick, middle);
+            EXPECT_EQ(preview.Degrees(), 0);
+            const QPointF left = middle - QPointF(100, 5);
+            EXPECT_TRUE(isCovered(left));
+            Drag(preview, {middle, middle + QPointF(60, 0)}, Qt::RightButton);
+            EXPECT_FALSE(isCovered(left));
+            EXPECT_EQ(preview.Degrees(), 0);
+            SendMouse(preview, QEvent::MouseButtonDblClick, middle);
+            EXPECT_TRUE(isCovered(left)) << "a double click puts it back";
+
             Drag(preview, {middle + QPointF(100, 0), middle + QPointF(100, -100)});
             EXPECT_NEAR(preview.Degrees(), 45, 1e-9);
             Drag(preview, {middle + QPointF(-50, 5), middle + QPointF(-50, -5)});
-            EXPECT_NEAR(preview.Degrees(), 45 - 2 * 5.7105931375, 1e-9) << "across the left";
         },
         u"btnOk"_s);
-    ASSERT_TRUE(degrees.has_value());
-    EXPECT_NEAR(*degrees, 45 - 2 * 5.7105931375, 1e-9) << "exactly, not as the field rounds it";
+    EXPECT_NEAR(degrees.value_or(0), 45 - 2 * 5.7105931375, 1e-9)
+        << "across the left, exactly, not as the field rounds it";
 }
 
 TEST_F(RotateDialog, WheelKeysAndFieldTurnInStepsAndEveryOpeningStartsUpright) {
     const auto degrees = Show(
         [](RotationPreview& preview) {
-            auto* field = preview.window()->findChild<QDoubleSpinBox*>(u"Angle"_s);
+            auto& field = Child<QDoubleSpinBox>(*preview.window(), u"Angle"_s);
             QTest::keyClick(&preview, Qt::Key_Left);
             QTest::keyClick(&preview, Qt::Key_Up, Qt::ShiftModifier);
-            EXPECT_NEAR(field->value(), 1.1, 1e-9);
-            QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
-                              Qt::NoScrollPhase, false);
-            QCoreApplication::sendEvent(&preview, &wheel);
+            EXPECT_NEAR(field.value(), 1.1, 1e-9);
+            SendWheel(preview, {5, 5}, -240);
             EXPECT_NEAR(preview.Degrees(), 0.9, 1e-9);
-            field->setValue(-3.4);
+            for (const QLocale::Language language : {QLocale::German, QLocale::C}) {
+                field.setLocale(language);
+                for (const auto& [typed, angle] :
+                     {std::pair("2,5", 2.5), {"2.5", 2.5}, {"-12,3", -12.3}, {"7", 7.0}}) {
+                    field.selectAll();
+                    QTest::keyClicks(&field, QLatin1StringView(typed));
+                    EXPECT_NEAR(preview.Degrees(), angle, 1e-9) << typed;
+                }
+            }
+            field.setValue(-3.4);
         },
         u"btnOk"_s);
     EXPECT_EQ(degrees, -3.4);
@@ -109,7 +117,7 @@ class ColourDialog : public ::testing::Test {
         return shown.pixel(shown.rect().center()) | 0xff000000;
     }
     void Set(const char* slider, int value) {
-        dialog.findChild<QSpinBox*>(QLatin1StringView(slider))->setValue(value);
+        Child<QSpinBox>(dialog, QLatin1StringView(slider)).setValue(value);
     }
 
     Pixels photo = Pixels([] {
@@ -122,10 +130,10 @@ class ColourDialog : public ::testing::Test {
 };
 
 TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
-    ASSERT_EQ(dialog.findChild<QTabWidget*>(u"Pages"_s)->count(), 4);
+    ASSERT_EQ(Child<QTabWidget>(dialog).count(), 4);
     driver.Expect(u"ColourAdjustment"_s, [this](QWidget& shown) {
-        auto& before = *shown.findChild<ImageView*>(u"Before"_s);
-        auto& after = *shown.findChild<ImageView*>(u"After"_s);
+        auto& before = Child<ImageView>(shown, u"Before"_s);
+        auto& after = Child<ImageView>(shown, u"After"_s);
         EXPECT_EQ(dialog.Filter(), nullptr);
         for (const char* slider : {"Contrast", "Brightness", "Hue", "Saturation", "Lightness",
                                    "Red", "Green", "Blue", "Equalisation"}) {
@@ -135,30 +143,31 @@ TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
             EXPECT_EQ(Seen(before), qRgb(90, 120, 150)) << slider;
             EXPECT_EQ(Seen(after), imaging::Filtered(photo, *filter).Tile().pixel(0, 0)) << slider;
         }
-        shown.findChild<QPushButton*>(u"btnResetAll"_s)->click();
+        Child<QPushButton>(shown, u"btnResetAll"_s).click();
         EXPECT_EQ(dialog.Filter(), nullptr);
-        shown.findChild<QSlider*>(u"RedSlider"_s)->setValue(30);
+        Child<QSlider>(shown, u"RedSlider"_s).setValue(30);
         EXPECT_NE(Seen(after), Seen(before));
-        shown.findChild<QPushButton*>(u"btnOk"_s)->click();
+        Child<QPushButton>(shown, u"btnOk"_s).click();
     });
     EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Ok);
     EXPECT_GT(qRed(imaging::Filtered(photo, *dialog.Filter()).Tile().pixel(0, 0)), 90);
 }
 
 TEST_F(ColourDialog, BothSidesZoomTogetherAndTheSizeIsKept) {
-    EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(dialog.screen()->availableSize()));
+    const QSize screen = dialog.screen()->availableSize();
+    EXPECT_LT(dialog.height(), screen.height()) << "there is room for its title";
+    EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(screen - QSize(12, 44)));
+    EXPECT_LE(dialog.minimumSizeHint().height(), 700);
     driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {
-        auto& before = *shown.findChild<ImageView*>(u"Before"_s);
-        auto& after = *shown.findChild<ImageView*>(u"After"_s);
+        auto& before = Child<ImageView>(shown, u"Before"_s);
+        auto& after = Child<ImageView>(shown, u"After"_s);
         EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
-        QWheelEvent wheel({30, 40}, before.mapToGlobal(QPointF(30, 40)), {}, {0, 360}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&before, &wheel);
-        QCoreApplication::sendEvent(&before, &wheel);
+        SendWheel(before, {30, 40}, 360);
+        SendWheel(before, {30, 40}, 360);
         EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
         EXPECT_EQ(before.ToImage({0, 0}), after.ToImage({0, 0}));
         shown.resize(700, 650);
-        shown.findChild<QPushButton*>(u"btnCancel"_s)->click();
+        Child<QPushButton>(shown, u"btnCancel"_s).click();
     });
     EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Cancel);
     driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {
