@@ -1,5 +1,6 @@
 #include "dialogs/curves/RgbCurves.h"
 
+#include <QCollator>
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
@@ -32,7 +33,8 @@ constexpr int ItemHeight = 16;
 constexpr int ButtonSpacing = 8;
 const QString Extension = u".acv"_s;
 
-/// Choosing by the keyboard counts as a click, as in every list of this program.
+/// Choosing by the keyboard counts as a click, as in every list of this program; Space and Enter
+/// choose what is selected already.
 class PresetList : public QListWidget {
  public:
     using QListWidget::QListWidget;
@@ -40,8 +42,12 @@ class PresetList : public QListWidget {
  protected:
     void keyPressEvent(QKeyEvent* event) override {
         const int before = currentRow();
-        QListWidget::keyPressEvent(event);
-        if (currentItem() != nullptr && currentRow() != before) {
+        const bool chooses = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
+                             event->key() == Qt::Key_Enter;
+        if (!chooses) {
+            QListWidget::keyPressEvent(event);
+        }
+        if (currentItem() != nullptr && (chooses || currentRow() != before)) {
             Q_EMIT itemClicked(currentItem());
         }
     }
@@ -198,8 +204,10 @@ void TfmRGBKurve::FillPresets() {
     cbPreset2_->clear();
     QStringList files =
         folder.entryList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System);
-    std::ranges::stable_sort(files, [](const QString& a, const QString& b) {
-        return PresetName(a).compare(PresetName(b), Qt::CaseInsensitive) < 0;
+    QCollator order(QLocale(QLocale::German));
+    order.setCaseSensitivity(Qt::CaseInsensitive);
+    std::ranges::stable_sort(files, [&](const QString& a, const QString& b) {
+        return order.compare(PresetName(a), PresetName(b)) < 0;
     });
     for (const QString& file : files) {
         AddItem(*cbPreset2_, file);

@@ -11,6 +11,7 @@
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/tone/CurveFile.h"
 #include "imaging/view/ImageView.h"
+#include "tests/support/Errors.h"
 #include "tests/support/ModalDriver.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -34,22 +35,21 @@ class RgbCurves : public ::testing::Test {
         return curves;
     }
 
-    template <typename Widget>
-    Widget& Find(const char* name) {
-        return *dialog->findChild<Widget*>(QLatin1StringView(name));
+    CurveEditor& Editor() { return Child<CurveEditor>(*dialog); }
+    QListWidget& List() { return Child<QListWidget>(*dialog, u"cbPreset2"_s); }
+    void Click(const char* button) {
+        Child<QPushButton>(*dialog, QLatin1StringView(button)).click();
     }
-    CurveEditor& Editor() { return Find<CurveEditor>("CurveEditor"); }
     QStringList Names() {
         QStringList names;
-        for (int row = 0; row < Find<QListWidget>("cbPreset2").count(); ++row) {
-            names.append(Find<QListWidget>("cbPreset2").item(row)->text());
+        for (int row = 0; row < List().count(); ++row) {
+            names.append(List().item(row)->text());
         }
         return names;
     }
     void ClickPreset(int row) {
-        auto& list = Find<QListWidget>("cbPreset2");
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
-                          list.visualItemRect(list.item(row)).center());
+        QTest::mouseClick(List().viewport(), Qt::LeftButton, {},
+                          List().visualItemRect(List().item(row)).center());
     }
 
     /// Presses "Neu" and gives the name; `refused` expects an error instead of a new entry.
@@ -59,17 +59,17 @@ class RgbCurves : public ::testing::Test {
             if (refused) {
                 driver.Press(u"MessageBox"_s, u"OkButton"_s);
             }
-            line.findChild<QLineEdit*>(u"LineEdit"_s)->setText(name);
-            line.findChild<QPushButton*>(u"OkButton"_s)->click();
+            Child<QLineEdit>(line).setText(name);
+            Child<QPushButton>(line, u"OkButton"_s).click();
         });
-        Find<QPushButton>("btnAdd").click();
+        Click("btnAdd");
     }
 
     /// Opens the dialog, does what is given and closes it by a button.
     controls::ModalResult Show(const std::function<void()>& answer, const char* button) {
         driver.Expect(u"fmRGBKurve"_s, [this, answer, button](QWidget&) {
             answer();
-            Find<QPushButton>(button).click();
+            Click(button);
         });
         return dialog->ShowEx(view);
     }
@@ -106,43 +106,39 @@ TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
     EXPECT_TRUE(SamePixels(other.Photo(), Picture({"wk"}))) << "the last curves";
 }
 
-TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenClicked) {
-    imaging::WriteCurveFile(File(u"b"_s), Inverse());
-    imaging::WriteCurveFile(File(u"a.b"_s), CurveSet());
-    imaging::WriteCurveFile(File(u"Ärger"_s), CurveSet());
+TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenChosen) {
+    const QString capitals = folder.filePath(u"Weich.ACV"_s);
+    for (const QString& file : {File(u"Zwei"_s), File(u"Ärger"_s), File(u"b"_s), capitals}) {
+        imaging::WriteCurveFile(file, file == File(u"Zwei"_s) ? CurveSet() : Inverse());
+    }
     imaging::WriteCurveFile(folder.filePath(u"no preset"_s), CurveSet());
+    QDir(folder.path()).mkdir(u"folder.acv"_s);
     Make();
-    EXPECT_EQ(Names(), (QStringList{u"a.b"_s, u"b"_s, u"Ärger"_s}));
-    EXPECT_EQ(Find<QListWidget>("cbPreset2").currentRow(), 0);
+    EXPECT_EQ(Names(), (QStringList{u"Ärger"_s, u"b"_s, u"Weich"_s, u"Zwei"_s}));
+    EXPECT_EQ(List().currentRow(), 0);
     Show(
-        [this] {
+        [&] {
             EXPECT_EQ(Editor().Curves(), CurveSet()) << "selected is not loaded";
+            for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
+                QTest::keyClick(&List(), key);
+                EXPECT_EQ(Editor().Curves(), Inverse());
+                EXPECT_TRUE(dialog->isVisible()) << "Enter does not confirm here";
+                Editor().ResetAll();
+            }
             ClickPreset(1);
             EXPECT_EQ(Editor().Curves(), Inverse());
-            QTest::keyClick(&Find<QListWidget>("cbPreset2"), Qt::Key_Up);
+            QTest::keyClick(&List(), Qt::Key_End);
             EXPECT_EQ(Editor().Curves(), CurveSet());
             ASSERT_TRUE(QFile::remove(File(u"b"_s)));
             driver.Press(u"MessageBox"_s, u"OkButton"_s);
             ClickPreset(1);
-        },
-        "btnCancel");
-}
 
-TEST_F(RgbCurves, APresetWithTheExtensionInCapitalsIsOneLikeTheOthers) {
-    const QString capitals = folder.filePath(u"Weich.ACV"_s);
-    imaging::WriteCurveFile(capitals, Inverse());
-    QDir(folder.path()).mkdir(u"folder.acv"_s);
-    Make();
-    EXPECT_EQ(Names(), QStringList{u"Weich"_s});
-    Show(
-        [this, capitals] {
-            ClickPreset(0);
-            EXPECT_EQ(Editor().Curves(), Inverse());
+            ClickPreset(2);
             Editor().ResetAll();
-            Find<QPushButton>("btnUpdate").click();
+            Click("btnUpdate");
             EXPECT_EQ(imaging::ReadCurveFile(capitals), CurveSet());
             driver.Press(u"MessageBox"_s, u"YesButton"_s);
-            Find<QPushButton>("btnDelete").click();
+            Click("btnDelete");
             EXPECT_FALSE(QFile::exists(capitals));
         },
         "btnCancel");
@@ -153,32 +149,32 @@ TEST_F(RgbCurves, NewUpdateAndDeleteKeepListAndFolderTogether) {
     EXPECT_EQ(Names(), QStringList());
     Show(
         [this] {
-            Find<QPushButton>("btnUpdate").click();
-            Find<QPushButton>("btnDelete").click();
+            Click("btnUpdate");
+            Click("btnDelete");
             Add(u"z"_s);
             Add(u"Über.alles"_s);
             Add(u""_s);
             EXPECT_EQ(Names(), (QStringList{u"z"_s, u"Über.alles"_s})) << "appended, not sorted";
-            EXPECT_EQ(Find<QListWidget>("cbPreset2").currentRow(), 1);
+            EXPECT_EQ(List().currentRow(), 1);
             Editor().SetCurves(Inverse());
             Add(u"z"_s);
             EXPECT_EQ(Names().size(), 2);
             EXPECT_EQ(imaging::ReadCurveFile(File(u"z"_s)), Inverse());
             ClickPreset(1);
             Editor().SetCurves(Inverse());
-            Find<QPushButton>("btnUpdate").click();
+            Click("btnUpdate");
             EXPECT_EQ(imaging::ReadCurveFile(File(u"Über.alles"_s)), Inverse());
 
             driver.Press(u"MessageBox"_s, u"NoButton"_s);
-            Find<QPushButton>("btnDelete").click();
+            Click("btnDelete");
             EXPECT_EQ(Names().size(), 2);
             driver.Press(u"MessageBox"_s, u"YesButton"_s);
-            Find<QPushButton>("btnDelete").click();
+            Click("btnDelete");
             EXPECT_EQ(Names(), QStringList{u"z"_s});
             EXPECT_FALSE(QFile::exists(File(u"Über.alles"_s)));
             ASSERT_TRUE(QFile::remove(File(u"z"_s)));
             driver.Press(u"MessageBox"_s, u"YesButton"_s);
-            Find<QPushButton>("btnDelete").click();
+            Click("btnDelete");
             EXPECT_EQ(Names(), QStringList()) << "its file was gone already";
         },
         "btnOk");
@@ -212,7 +208,7 @@ TEST_F(RgbCurves, AVanishedFolderIsReportedAndTheDialogStaysOpen) {
             ClickPreset(0);
             Add(u"new"_s, true);
             driver.Press(u"MessageBox"_s, u"OkButton"_s);
-            Find<QPushButton>("btnUpdate").click();
+            Click("btnUpdate");
             EXPECT_EQ(Names(), QStringList{u"a"_s});
             EXPECT_TRUE(dialog->isVisible());
         },
@@ -231,13 +227,13 @@ TEST_F(RgbCurves, TheChannelBoxChoosesTheCurveThatIsResetAndEscapeCancels) {
         }
         Editor().SetCurves(all);
         for (const int channel : {1, 2, 3, 0}) {
-            Find<QComboBox>("cbChannel").setCurrentIndex(channel);
-            Find<QPushButton>("btnReset").click();
+            Child<QComboBox>(*dialog, u"cbChannel"_s).setCurrentIndex(channel);
+            Click("btnReset");
             all.curves.at(static_cast<size_t>(channel)) = imaging::Curve();
             EXPECT_EQ(Editor().Curves(), all) << channel;
         }
         Editor().SetCurves(Inverse());
-        Find<QPushButton>("btnResetAll").click();
+        Click("btnResetAll");
         EXPECT_EQ(Editor().Curves(), CurveSet());
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
