@@ -18,9 +18,9 @@ class ViewTool;
 ///
 /// The wheel zooms at the pointer; dragging beside the layer pans; dragging the current layer moves
 /// it (a layer can be picked on its transparent parts too); its handles scale it with the aspect
-/// ratio kept, and Escape takes a drag back; arrow keys move it by one photo pixel, with Shift by
-/// ten. While something moves the photo is drawn fast, at rest smoothly, at the screen's own
-/// pixels.
+/// ratio kept, and Escape takes a drag back; arrow keys move it by one photo pixel, with Ctrl
+/// they scale it about its middle by one on either side, with Shift ten times as far. While
+/// something moves the photo is drawn fast, at rest smoothly, at the screen's own pixels.
 ///
 /// The view sets its cursor itself where the pointer can drag something. A cursor that its owner
 /// sets shows everywhere else.

@@ -143,6 +143,24 @@ bool ImageView::Private::MoveCurrentLayer(QPoint by) {
     return true;
 }
 
+bool ImageView::Private::ScaleCurrentLayer(int by) {
+    const int current = image_.CurrentLayer();
+    if (current <= 0 || IsDragging() || !image_.LayerAt(current).visible) {
+        return false;
+    }
+    const Layer& layer = image_.LayerAt(current);
+    SetLayerByUser(current, ScaledAboutMiddle(layer.rectangle, layer.pixels.Size(), by,
+                                              image_.Photo().Size()));
+    return true;
+}
+
+/// Ctrl with an arrow: the current layer grows to the right and upwards.
+bool ImageView::Private::PressScalingKey(int key, bool shift) {
+    const auto direction = ArrowDirection(key);
+    const int step = shift ? ShiftFactor : 1;
+    return direction && ScaleCurrentLayer((direction->x() - direction->y()) * step);
+}
+
 bool ImageView::Private::PressKey(int key, bool shift) {
     if (IsDragging()) {
         if (key == Qt::Key_Escape) {
@@ -223,8 +241,12 @@ void ImageView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
-    const bool isPlain = (modifiers & ~Qt::ShiftModifier) == Qt::NoModifier;
-    if (!isPlain || !d_->PressKey(event->key(), modifiers.testFlag(Qt::ShiftModifier))) {
+    const Qt::KeyboardModifiers others = modifiers & ~Qt::ShiftModifier;
+    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
+    const bool isTaken = others == Qt::NoModifier        ? d_->PressKey(event->key(), shift)
+                         : others == Qt::ControlModifier ? d_->PressScalingKey(event->key(), shift)
+                                                         : false;
+    if (!isTaken) {
         QWidget::keyPressEvent(event);
     }
 }

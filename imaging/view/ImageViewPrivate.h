@@ -68,6 +68,7 @@ class ImageView::Private {
     void CancelDrag();
     bool IsDragging() const { return !std::holds_alternative<std::monostate>(drag_); }
     bool PressKey(int key, bool shift);
+    bool PressScalingKey(int key, bool shift);
     void UpdateCursor();
 
     struct PanDrag {
@@ -118,6 +119,7 @@ class ImageView::Private {
     void StartLayerDrag(const Target& target, QPointF position);
     void SetLayerByUser(int layer, const QRect& rectangle);
     bool MoveCurrentLayer(QPoint by);
+    bool ScaleCurrentLayer(int by);
     ToolPointer PointerOf(QPointF widgetPosition, Qt::KeyboardModifiers modifiers) const;
 };
 

@@ -71,6 +71,20 @@ std::optional<Handle> HandleLayout::HandleAt(QPointF point) const {
     return std::nullopt;
 }
 
+QRect ScaledAboutMiddle(const QRect& layer, QSize shape, int by, QSize photo) {
+    const int width = layer.width() + 2 * by;
+    const double scale = static_cast<double>(width) / shape.width();
+    const QSize size(width, static_cast<int>(std::lround(shape.height() * scale)));
+    const int longest = LayerDrag::MaximumSideOfPhoto * std::max(photo.width(), photo.height());
+    const bool isAllowed = by < 0 ? std::min(size.width(), size.height()) >= LayerDrag::MinimumSide
+                                  : std::max(size.width(), size.height()) <= longest;
+    if (!isAllowed) {
+        return layer;
+    }
+    const QSize growth = size - layer.size();
+    return {layer.topLeft() - QPoint(growth.width() / 2, growth.height() / 2), size};
+}
+
 LayerDrag::LayerDrag(const QRect& start, Handle handle, QPointF pressedAt, QSize photo)
     : start_(start), handle_(handle), pressedAt_(pressedAt) {
     const int shortSide = std::min(start.width(), start.height());

@@ -41,6 +41,11 @@ class HandleLayout {
     std::vector<Place> places_;
 };
 
+/// A layer's rectangle made wider by `by` pixels on either side, or narrower where that is
+/// negative. It keeps its middle and the ratio of `shape`, the layer's own size, which many small
+/// steps would lose otherwise. Within the limits of a LayerDrag. All in image pixels.
+QRect ScaledAboutMiddle(const QRect& layer, QSize shape, int by, QSize photo);
+
 /// A layer's drag by its body or a handle. It knows the rectangle and the pointer at the start
 /// alone, so that a rectangle that somebody corrects on the way makes no drift.
 /// All in image pixels.

@@ -1,14 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <QMouseEvent>
+#include <QGestureEvent>
+#include <QPinchGesture>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
-#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
 #include "imaging/view/ImageView.h"
+#include "tests/support/Input.h"
 #include "tests/view/ViewTestSupport.h"
 
 namespace kadrona::imaging::view {
@@ -16,20 +17,8 @@ namespace {
 
 using test::Pattern;
 using test::SamePixels;
-
-void SendMouse(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button) {
-    QMouseEvent event(type, at, view.mapToGlobal(at),
-                      type == QEvent::MouseMove ? Qt::NoButton : button,
-                      type == QEvent::MouseButtonRelease ? Qt::NoButton : button, Qt::NoModifier);
-    QCoreApplication::sendEvent(&view, &event);
-}
-
-void SendWheel(QWidget& view, QPointF at, int angle,
-               Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QWheelEvent event(at, view.mapToGlobal(at), QPoint(), QPoint(0, angle), Qt::NoButton, modifiers,
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&view, &event);
-}
+using testing::SendMouse;
+using testing::SendWheel;
 
 class ImageViewTest : public ::testing::Test {
  protected:
@@ -215,6 +204,16 @@ TEST_F(ImageViewTest, AnOwnersCorrectionIsRespectedWithoutDrift) {
     Release(corner);
 }
 
+TEST_F(ImageViewTest, TwoFingersApartEnlarge) {
+    Open({2000, 2000}, 50);
+    QPinchGesture pinch;
+    pinch.setScaleFactor(1.5);
+    pinch.setCenterPoint(view_.mapToGlobal(QPointF(200, 150)));
+    QGestureEvent event({&pinch});
+    QCoreApplication::sendEvent(&view_, &event);
+    EXPECT_NEAR(view_.ZoomPercent(), 75, 1e-6);
+}
+
 TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
     Open({2000, 2000}, 100);
     const int layer = AddLayer({100, 100, 70, 90});
@@ -222,9 +221,24 @@ TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
     QTest::keyClick(&view_, Qt::Key_Right);
     QTest::keyClick(&view_, Qt::Key_Up, Qt::ShiftModifier);
     EXPECT_EQ(view_.ToImage({0, 0}), before);
+    EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
+    const QRect start = Rectangle(layer);
+    const auto scale = [&](Qt::Key key, int times) {
+        for (int i = 0; i < times; ++i) {
+            QTest::keyClick(&view_, key, Qt::ControlModifier);
+        }
+    };
+    scale(Qt::Key_Up, 3);
+    scale(Qt::Key_Right, 2);
+    EXPECT_EQ(Rectangle(layer).width(), 80);
+    EXPECT_LE((Rectangle(layer).center() - start.center()).manhattanLength(), 2);
+    scale(Qt::Key_Left, 100);
+    EXPECT_GE(Rectangle(layer).width(), 16);
+    scale(Qt::Key_Up, 400);
+    EXPECT_EQ(Rectangle(layer).height(), qRound(Rectangle(layer).width() * 45.0 / 35))
+        << "many steps keep its shape";
     Image().SetCurrentLayer(0);
     QTest::keyClick(&view_, Qt::Key_Right);
-    EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
     EXPECT_GT(view_.ToImage({0, 0}).x(), before.x());
     EXPECT_EQ(view_.ToImage({0, 0}).y(), before.y());
 }
