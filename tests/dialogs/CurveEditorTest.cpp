@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/tone/CurveFile.h"
+#include "tests/support/Input.h"
 
 namespace kadrona::imaging {
 
@@ -29,23 +29,15 @@ class CurveEditorTest : public ::testing::Test {
 
     const Points& Shown() { return editor_.Curves()[editor_.Channel()].Points(); }
 
-    void Send(QEvent::Type type, QPointF at, Qt::MouseButton button) {
-        const bool moves = type == QEvent::MouseMove;
-        const bool ends = type == QEvent::MouseButtonRelease;
-        QMouseEvent event(type, at, editor_.mapToGlobal(at), moves ? Qt::NoButton : button,
-                          ends ? Qt::NoButton : button, Qt::NoModifier);
-        QCoreApplication::sendEvent(&editor_, &event);
-    }
     void Click(imaging::CurvePoint at, Qt::MouseButton button = Qt::LeftButton) {
-        Send(QEvent::MouseButtonPress, editor_.ToWidget(at), button);
-        Send(QEvent::MouseButtonRelease, editor_.ToWidget(at), button);
+        testing::Drag(editor_, {editor_.ToWidget(at)}, button);
     }
     void Drag(imaging::CurvePoint from, std::initializer_list<QPointF> way) {
-        Send(QEvent::MouseButtonPress, editor_.ToWidget(from), Qt::LeftButton);
+        testing::SendMouse(editor_, QEvent::MouseButtonPress, editor_.ToWidget(from));
         for (const QPointF& to : way) {
-            Send(QEvent::MouseMove, to, Qt::LeftButton);
+            testing::SendMouse(editor_, QEvent::MouseMove, to);
         }
-        Send(QEvent::MouseButtonRelease, *(way.end() - 1), Qt::LeftButton);
+        testing::SendMouse(editor_, QEvent::MouseButtonRelease, *(way.end() - 1));
     }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(&editor_, key, modifiers);
@@ -101,20 +93,6 @@ TEST_F(CurveEditorTest, TheKeyboardWalksAddsMovesAndRemovesPoints) {
         Key(Qt::Key_Left, Qt::ShiftModifier);
     }
     EXPECT_EQ(Shown().back(), (imaging::CurvePoint{1, 255})) << "kept behind the other";
-}
-
-TEST_F(CurveEditorTest, EachChannelHasItsOwnCurveAndResets) {
-    editor_.SetChannel(imaging::CurveChannel::Green);
-    Click({50, 100});
-    editor_.SetChannel(imaging::CurveChannel::Rgb);
-    Click({200, 20});
-    EXPECT_TRUE(editor_.Curves()[imaging::CurveChannel::Red].IsIdentity());
-    editor_.ResetChannel();
-    EXPECT_TRUE(editor_.Curves()[imaging::CurveChannel::Rgb].IsIdentity());
-    EXPECT_EQ(editor_.Curves()[imaging::CurveChannel::Green].Points()[1],
-              (imaging::CurvePoint{50, 100}));
-    editor_.ResetAll();
-    EXPECT_EQ(editor_.Curves(), imaging::CurveSet());
 }
 
 TEST_F(CurveEditorTest, NoMorePointsThanAPresetCanHold) {

@@ -121,23 +121,6 @@ TEST(CurveFilter, StretchesLikeImageMagick) {
     const QImage expected = ByImageMagick(GreyRamp(), {u"-level"_s, u"20%,80%"_s});
     const QImage actual = Filtered(Pixels(GreyRamp()), *CurveFilter(set)).ToImage();
     EXPECT_LE(LargestDifference(actual, expected), 1);
-
-    // A smooth one: the same table, looked up by both.
-    set = {};
-    set[CurveChannel::Rgb] = Curve({{0, 20}, {90, 60}, {160, 220}, {255, 235}});
-    const LevelTable table = set[CurveChannel::Rgb].Table();
-    QImage tableImage(256, 1, QImage::Format_RGB32);
-    for (int level = 0; level < 256; ++level) {
-        const int result = table.at(size_t(level));
-        tableImage.setPixel(level, 0, qRgb(result, result, result));
-    }
-    const QTemporaryDir folder;
-    const QString tableFile = folder.filePath(u"table.png"_s);
-    ASSERT_TRUE(tableImage.save(tableFile));
-    const QImage photo = TestPicture(120, 90);
-    EXPECT_LE(LargestDifference(Filtered(Pixels(photo), *CurveFilter(set)).ToImage(),
-                                ByImageMagick(photo, {tableFile, u"-clut"_s})),
-              1);
 }
 
 }  // namespace kadrona::imaging

@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <QMouseEvent>
 #include <QTest>
-#include <QWheelEvent>
 
 #include "imaging/view/ImageView.h"
 #include "imaging/view/ViewTool.h"
+#include "tests/support/Input.h"
 #include "tests/view/ViewTestSupport.h"
 
 namespace kadrona::imaging::view {
@@ -57,11 +56,7 @@ class ViewToolTest : public ::testing::Test {
 
     void Send(QEvent::Type type, QPointF at, Qt::MouseButton button,
               Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        const bool ends = type == QEvent::MouseButtonRelease;
-        QMouseEvent event(type, at, view_.mapToGlobal(at),
-                          type == QEvent::MouseMove ? Qt::NoButton : button,
-                          ends ? Qt::NoButton : button, modifiers);
-        QCoreApplication::sendEvent(&view_, &event);
+        testing::SendMouse(view_, type, at, button, modifiers);
     }
 
     QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
@@ -118,9 +113,7 @@ TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
 TEST_F(ViewToolTest, PanningStaysWithTheViewAndTheWheelGoesToTheTool) {
     Open({1000, 1000}, 100);
     view_.SetTool(&tool_);
-    QWheelEvent wheel({50, 50}, view_.mapToGlobal(QPointF(50, 50)), {}, {0, 240}, Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&view_, &wheel);
+    testing::SendWheel(view_, {50, 50}, 240);
     QTest::keyClick(&view_, Qt::Key_Plus);
     EXPECT_EQ(tool_.wheel, 2);
     EXPECT_EQ(view_.ZoomPercent(), 100);
