@@ -56,8 +56,22 @@ bool TData::MaskLoadFromFile(const QString& path) {
     return true;
 }
 
+bool TData::IsGone(const QString& leftFile) const {
+    if (!leftFile.isEmpty()) {
+        ui_.ShowMessage(
+            u"Das Profil wurde gelöscht, aber seine Datei „%1“ konnte nicht entfernt "
+            u"werden."_s.arg(leftFile));
+    }
+    return leftFile.isEmpty();
+}
+
 QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
     QString path = archive_.PathOfCurrent(archiveFolder);
+    if (!PhotoArchive::IsInside(path, archiveFolder)) {
+        ui_.ShowMessage(
+            u"Datei %1 liegt außerhalb des Archivs und wird nicht verwendet!"_s.arg(path));
+        return {};
+    }
     if (QFileInfo(path).isFile()) {
         return path;
     }

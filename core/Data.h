@@ -94,7 +94,8 @@ class TData {
     void SaveProfileToIni(const QString& name, const QString& fileName) const {
         photoProfiles_.Record(name, fileName);
     }
-    bool DeleteProfile(const QString& name) const { return photoProfiles_.Delete(name); }
+    /// False where the settings file stays; a message names it.
+    bool DeleteProfile(const QString& name) const { return IsGone(photoProfiles_.Delete(name)); }
 
     // Printer profiles
     printing::PrinterLayer& Printer() const { return printerProfiles_.Printer(); }
@@ -107,7 +108,7 @@ class TData {
         printerProfiles_.Record(name, fileName);
     }
     void LoadPrintProfile(const QString& name) const { printerProfiles_.Load(name); }
-    void DeletePrinterProfile(const QString& name) const { printerProfiles_.Delete(name); }
+    void DeletePrinterProfile(const QString& name) const { IsGone(printerProfiles_.Delete(name)); }
 
     // File names
     const core::NameSources& NameSources() const { return nameSources_; }
@@ -159,6 +160,9 @@ class TData {
 
  private:
     SheetMaking Making() { return {template_, *settings_, layout_, archive_, ui_, frameSize_}; }
+
+    /// Tells of a deleted profile's file that is left.
+    bool IsGone(const QString& leftFile) const;
 
     UserInterface& ui_;
     Folders folders_;

@@ -192,7 +192,18 @@ void TfmImgSearch::acEditTagsExecute() {
     if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok || !MayReplaceTags(record)) {
         return;
     }
-    table.SetTags(id, tagEditor_.Tags());
+    if (!table.ReplaceTags(id, record.tags, tagEditor_.Tags())) {
+        const QString present = ExistingRecord(table, id).tags;
+        if (!controls::AskYesNo(
+                this,
+                u"Die Tags wurden inzwischen an anderer Stelle geändert:\n\n%1\nSollen sie "
+                u"überschrieben werden?"_s.arg(present),
+                controls::Severity::Warning)) {
+            grid_->Reload(id);
+            return;
+        }
+        table.SetTags(id, tagEditor_.Tags());
+    }
     grid_->Reload(id);
     if (!archiveFolder_.isEmpty()) {
         // A search that was still due has made another record current meanwhile.

@@ -9,16 +9,17 @@ namespace kadrona::core {
 
 namespace {
 
-/// "2026-03-07 14:30:05.123", as it is stored, in the form of ShownTime: "07.03.2026 14:30". What
-/// has another form stays as it is.
-void AppendShownTime(QByteArray& text, QByteArrayView stored) {
+/// "2026-03-07 14:30:05.123", as it is stored, in the form of ShownTime, "07.03.2026 14:30", and as
+/// "2026-03-07 14:30". What has another form stays as it is.
+void AppendTime(QByteArray& text, QByteArrayView stored) {
     constexpr qsizetype ToTheMinute = 16;
     if (stored.size() < ToTheMinute || stored[4] != '-' || stored[7] != '-') {
-        AppendFolded(text, stored);
+        AppendField(text, stored);
         return;
     }
     text.append(stored.sliced(8, 2)).append('.').append(stored.sliced(5, 2)).append('.');
-    text.append(stored.first(4)).append(' ').append(stored.sliced(11, 5));
+    text.append(stored.first(4)).append(' ').append(stored.sliced(11, 5)).append(FieldEnd);
+    text.append(stored.first(ToTheMinute)).append(FieldEnd);
 }
 
 }  // namespace
@@ -29,12 +30,10 @@ ArchiveListing::ArchiveListing(store::Database& database) {
                                 FROM "ImgDB" ORDER BY "ImgErstellt" DESC, "ID" DESC)"_s);
     while (select.Step()) {
         ids_.push_back(select.Integer(0));
-        AppendShownTime(texts_, select.Utf8(1));
+        AppendTime(texts_, select.Utf8(1));
         for (const int field : {2, 3, 4}) {
-            texts_.append(FieldEnd);
-            AppendFolded(texts_, select.Utf8(field));
+            AppendField(texts_, select.Utf8(field));
         }
-        texts_.append(FieldEnd);
         ends_.push_back(texts_.size());
     }
 }

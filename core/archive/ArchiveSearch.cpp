@@ -2,6 +2,8 @@
 
 #include <QList>
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -13,10 +15,42 @@ bool IsBlank(char byte) {
     return byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == FieldEnd;
 }
 
-/// The general way, for texts with letters beyond Latin-1 or accents that stand by themselves.
-QByteArray FoldedByUnicode(QByteArrayView text) {
-    const QString composed = QString::fromUtf8(text).normalized(QString::NormalizationForm_C);
-    return composed.toCaseFolded().replace(u'ß', u"ss"_s).toUtf8();
+/// Letters that decompose into no plain one, with what stands for them; all small.
+struct Spelling {
+    char16_t letter;
+    QLatin1StringView plain;
+};
+constexpr std::array Spellings{
+    Spelling{u'ß', "ss"_L1}, Spelling{u'æ', "ae"_L1}, Spelling{u'œ', "oe"_L1},
+    Spelling{u'ø', "o"_L1},  Spelling{u'ł', "l"_L1},  Spelling{u'đ', "d"_L1},
+    Spelling{u'ð', "d"_L1},  Spelling{u'þ', "th"_L1}, Spelling{u'ħ', "h"_L1},
+    Spelling{u'ı', "i"_L1},
+};
+
+constexpr char16_t Diaeresis = 0x308;
+
+bool IsUmlautBase(QChar letter) {
+    return letter == u'a' || letter == u'o' || letter == u'u';
+}
+
+/// Small letters without their marks; the dots of an umlaut become an e where they are spelled out.
+QString WithoutMarks(const QString& text, Umlauts umlauts) {
+    const QString decomposed = text.toCaseFolded().normalized(QString::NormalizationForm_D);
+    QString plain;
+    for (const QChar letter : decomposed) {
+        if (letter.isMark()) {
+            if (letter == Diaeresis && umlauts == Umlauts::SpelledOut && !plain.isEmpty() &&
+                IsUmlautBase(plain.back())) {
+                plain += u'e';
+            }
+            continue;
+        }
+        const auto* const spelling =
+            std::find_if(Spellings.begin(), Spellings.end(),
+                         [letter](const Spelling& row) { return row.letter == letter; });
+        spelling == Spellings.end() ? plain += letter : plain += spelling->plain;
+    }
+    return plain;
 }
 
 /// Whether all characters of UTF-8 text lie below U+0100: C2 and C3 lead those beyond ASCII.
@@ -25,26 +59,41 @@ bool IsLatin1(QByteArrayView text) {
                        [](char byte) { return static_cast<uchar>(byte) <= 0xc3; });
 }
 
-/// Folds such text in place: no folded form is longer or shorter.
-void FoldLatin1(char* begin, const char* end) {
-    for (char* at = begin; at < end; ++at) {
-        if (*at >= 'A' && *at <= 'Z') {
-            *at = static_cast<char>(*at + 0x20);
-        }
-        if (static_cast<uchar>(*at) < 0x80 || at + 1 == end) {
+/// What WithoutMarks makes of the letters U+00E0 to U+00FF; empty where they stay.
+constexpr std::array<std::string_view, 32> Latin1Letters{
+    "a", "a", "a", "a", "ae", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",
+    "d", "n", "o", "o", "o",  "o", "oe", "",  "o", "u", "u", "u", "ue", "y", "th", "y"};
+
+std::string_view Latin1Letter(int code, Umlauts umlauts) {
+    if (code == 0xb5) {  // the micro sign is a small Greek mu
+        return "\xce\xbc";
+    }
+    if (code == 0xdf) {  // sharp s
+        return "ss";
+    }
+    if (code < 0xc0 || code == 0xd7) {
+        return {};
+    }
+    const bool umlaut = (code & 0xdf) == 0xc4 || (code & 0xdf) == 0xd6 || (code & 0xdf) == 0xdc;
+    const std::string_view letter = Latin1Letters.at(static_cast<size_t>(code & 0x1f));
+    return umlaut && umlauts == Umlauts::Plain ? letter.substr(0, 1) : letter;
+}
+
+/// The quick way for such text, in place: no letter becomes longer. Returns the new end.
+char* FoldLatin1(char* begin, const char* end, Umlauts umlauts) {
+    char* out = begin;
+    for (const char* at = begin; at < end; ++at) {
+        const auto byte = static_cast<uchar>(*at);
+        if (byte < 0x80 || at + 1 == end) {
+            *out++ = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 0x20) : *at;
             continue;
         }
-        const int code = (static_cast<uchar>(at[0]) & 3) << 6 | (at[1] & 0x3f);
-        if (code >= 0xc0 && code <= 0xde && code != 0xd7) {
-            at[1] = static_cast<char>(at[1] + 0x20);
-        } else if (code == 0xdf) {  // sharp s
-            at[0] = at[1] = 's';
-        } else if (code == 0xb5) {  // the micro sign is a small Greek mu
-            at[0] = '\xce';
-            at[1] = '\xbc';
-        }
+        const std::string_view letter = Latin1Letter((byte & 3) << 6 | (at[1] & 0x3f), umlauts);
+        out = letter.empty() ? std::copy(at, at + 2, out)
+                             : std::copy(letter.begin(), letter.end(), out);
         ++at;
     }
+    return out;
 }
 
 /// Drops the blanks at the beginning and makes one of each other run; returns the new end.
@@ -62,15 +111,33 @@ char* JoinBlanks(char* begin, const char* end) {
 
 }  // namespace
 
-void AppendFolded(QByteArray& folded, QByteArrayView text) {
+void AppendFolded(QByteArray& folded, QByteArrayView text, Umlauts umlauts) {
     const qsizetype before = folded.size();
     const bool latin1 = IsLatin1(text);
-    folded.append(latin1 ? text : FoldedByUnicode(text));
+    folded.append(latin1 ? text : WithoutMarks(QString::fromUtf8(text), umlauts).toUtf8());
     char* const begin = folded.data() + before;
+    const char* end = folded.constEnd();
     if (latin1) {
-        FoldLatin1(begin, folded.constEnd());
+        end = FoldLatin1(begin, end, umlauts);
     }
-    folded.resize(JoinBlanks(begin, folded.constEnd()) - folded.constData());
+    folded.resize(JoinBlanks(begin, end) - folded.constData());
+}
+
+void AppendField(QByteArray& record, QByteArrayView text) {
+    const qsizetype before = record.size();
+    AppendFolded(record, text, Umlauts::SpelledOut);
+    record.append(FieldEnd);
+    const bool ascii = std::all_of(text.begin(), text.end(),
+                                   [](char byte) { return static_cast<uchar>(byte) < 0x80; });
+    if (!ascii) {
+        const qsizetype middle = record.size();
+        AppendFolded(record, text, Umlauts::Plain);
+        record.append(FieldEnd);
+        if (QByteArrayView(record).sliced(middle) ==
+            QByteArrayView(record).sliced(before, middle - before)) {
+            record.resize(middle);
+        }
+    }
 }
 
 ArchiveSearch::ArchiveSearch(const QString& text) {
@@ -95,7 +162,7 @@ void ArchiveSearch::Add(QStringView term, bool excluded) {
     added.excluded = excluded;
     for (const QStringView piece : term.split(u'*', Qt::SkipEmptyParts)) {
         QByteArray folded;
-        AppendFolded(folded, piece.toUtf8());
+        AppendFolded(folded, piece.toUtf8(), Umlauts::SpelledOut);
         if (!folded.isEmpty()) {
             added.pieces.emplace_back(folded);
         }

@@ -8,12 +8,19 @@
 
 namespace kadrona::core {
 
-/// Appends UTF-8 text in the form that an ArchiveSearch compares: lower case, a single blank for
-/// each run of blanks and line breaks.
-void AppendFolded(QByteArray& folded, QByteArrayView text);
+/// How an umlaut is compared: "ü" as "ue" or as "u".
+enum class Umlauts { SpelledOut, Plain };
+
+/// Appends UTF-8 text in the form that an ArchiveSearch compares: small letters without marks, so
+/// that "Łukasz" is "lukasz", and a single blank for each run of blanks and line breaks.
+void AppendFolded(QByteArray& folded, QByteArrayView text, Umlauts umlauts);
 
 /// Stands between the fields of a record that an ArchiveSearch looks into.
 inline constexpr char FieldEnd = '\x1f';
+
+/// Appends a field of a record; one with umlauts twice, so that both "Mueller" and "Muller" find
+/// "Müller".
+void AppendField(QByteArray& record, QByteArrayView text);
 
 /// What the user typed to find records, taken apart. ArchiveTable::Find describes the syntax.
 class ArchiveSearch {
@@ -23,8 +30,7 @@ class ArchiveSearch {
     /// Every record matches.
     bool IsEmpty() const { return terms_.empty(); }
 
-    /// `record` is its fields, each folded and followed by FieldEnd. A term has to stand in one
-    /// field.
+    /// `record` is its fields, each appended by AppendField. A term has to stand in one field.
     bool Matches(QByteArrayView record) const;
 
  private:

@@ -74,6 +74,11 @@ void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail) {
 
 void ArchiveTable::SetTags(qint64 id, const QString& tags) {
     store::Transaction transaction(database_);
+    WriteTags(id, tags);
+    transaction.Commit();
+}
+
+void ArchiveTable::WriteTags(qint64 id, const QString& tags) {
     const bool exists =
         store::Statement(database_,
                          uR"(UPDATE "ImgDB" SET "ImgTags" = ? WHERE "ID" = ? RETURNING "ID")"_s)
@@ -82,8 +87,19 @@ void ArchiveTable::SetTags(qint64 id, const QString& tags) {
             .Step();
     if (exists) {
         store::FullTextIndex(database_, TagIndexName).Set(id, tags);
-        transaction.Commit();
     }
+}
+
+bool ArchiveTable::ReplaceTags(qint64 id, const QString& expected, const QString& tags) {
+    // One transaction around both, so that nobody writes between them.
+    store::Transaction transaction(database_);
+    const auto record = Read(id);
+    if (record && record->tags != expected) {
+        return false;
+    }
+    WriteTags(id, tags);
+    transaction.Commit();
+    return true;
 }
 
 std::optional<ArchiveRecord> ArchiveTable::Read(qint64 id) const {

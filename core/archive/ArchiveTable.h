@@ -47,9 +47,9 @@ class ArchiveTable {
     std::vector<qint64> Ids() const;
 
     /// The numbers of those that the text finds in the shown fields (date, name, template, tags),
-    /// wherever it stands in them and whatever its case. Words all have to occur; "*" stands for
-    /// any run of characters; words in double quotes have to stand together; a word after a minus
-    /// sign must not occur. An empty text finds all.
+    /// wherever it stands in them, whatever its case and marks; dates also as 2026-03-07. Words all
+    /// have to occur; "*" stands for any run of characters; words in double quotes have to stand
+    /// together; a word after a minus sign must not occur. An empty text finds all.
     std::vector<qint64> Find(const QString& text) const;
 
     /// Nothing where there is no such record (any more).
@@ -58,12 +58,17 @@ class ArchiveTable {
     QByteArray ReadThumbnail(qint64 id) const;
     /// Does nothing where there is no such record.
     void SetTags(qint64 id, const QString& tags);
+    /// The same, but false, with nothing changed, where the record's tags are no longer `expected`:
+    /// another program has changed them meanwhile.
+    bool ReplaceTags(qint64 id, const QString& expected, const QString& tags);
 
     /// Only what the full-text expression finds is listed from now on, for example
     /// TEXTSEARCH('Müller' IN ImgTags); an empty one lists all again.
     void SetFilter(const QString& expression);
 
  private:
+    /// Inside a transaction.
+    void WriteTags(qint64 id, const QString& tags);
     const ArchiveListing& Listing() const;
     std::vector<qint64> Filtered(std::vector<qint64> ids) const;
 

@@ -1,6 +1,7 @@
 #include "core/archive/PhotoArchive.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include "core/archive/ArchiveSchema.h"
@@ -39,6 +40,36 @@ QByteArray Thumbnail(const imaging::Pixels& photo) {
     return imaging::EncodeJpeg(imaging::Resampled(photo, size));
 }
 
+/// The file of a photo that is being filed. Its name is claimed exclusively, so that no other
+/// program that files in the same folder gets it; the file goes again unless it is kept.
+class ClaimedFile {
+ public:
+    ClaimedFile() = default;
+    ClaimedFile(const ClaimedFile&) = delete;
+    ClaimedFile& operator=(const ClaimedFile&) = delete;
+    ~ClaimedFile() {
+        if (claimed_) {
+            QFile::remove(path_);
+        }
+    }
+
+    /// False where there is a file of that name. Where none can be made either, writing the photo
+    /// will say why.
+    bool Claim(const QString& path) {
+        path_ = path;
+        claimed_ = QFile(path).open(QIODevice::WriteOnly | QIODevice::NewOnly);
+        const QFileInfo older(path);
+        return claimed_ || !(older.isFile() || older.isSymLink());
+    }
+
+    const QString& Path() const { return path_; }
+    void Keep() { claimed_ = false; }
+
+ private:
+    QString path_;
+    bool claimed_ = false;
+};
+
 }  // namespace
 
 void PhotoArchive::Connect(const QString& folder) {
@@ -76,33 +107,38 @@ ArchiveTable* PhotoArchive::Table() {
 /// Numbers start anew where the database was lost, or go on from those of a backup; a second
 /// computer that files in the same folder counts for itself. The numbers of photos that are there
 /// already are left out: no photo is overwritten, and a database that comes back finds its own.
-void PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known) {
+Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known) {
     ArchiveTable* table = Table();
     if (table == nullptr) {
-        return;
+        return Filing::NoDatabase;
     }
     const QString monthFolder = GetMonthDir(names_);
     const QString folder = MonthPath(known.archiveFolder, monthFolder);
     if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
-        return;
+        return Filing::NoFolder;
     }
     const imaging::Pixels photo = image.Photo();
+    ClaimedFile file;
     const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, names_) + u".jpg"_s; };
-    currentRecord_ = table->Insert([&](qint64 id) {
-        const QFileInfo older(platform::JoinPath(folder, nameOf(id)));
-        return older.isFile() || older.isSymLink();
-    });
-    const QString fileName = nameOf(currentRecord_);
+    currentRecord_ = table->Insert(
+        [&](qint64 id) { return !file.Claim(platform::JoinPath(folder, nameOf(id))); });
     SetIptcTags(image, known.objectName, known.tags);
-    imaging::WriteImageFile(platform::JoinPath(folder, fileName), photo, image.Resolution(),
-                            {{}, image.Iptc().Own()});
+    imaging::WriteImageFile(file.Path(), photo, image.Resolution(), {{}, image.Iptc()});
     table->Fill({.id = currentRecord_,
-                 .name = fileName,
+                 .name = nameOf(currentRecord_),
                  .type = known.templateName,
                  .created = names_.now(),
                  .folder = monthFolder,
                  .tags = known.tags},
                 Thumbnail(photo));
+    file.Keep();
+    return Filing::Done;
+}
+
+bool PhotoArchive::IsInside(const QString& path, const QString& archiveFolder) {
+    const QString root = QDir::cleanPath(DelLastBackslash(archiveFolder));
+    const QString clean = QDir::cleanPath(path);
+    return clean == root || clean.startsWith(platform::JoinPath(root, {}));
 }
 
 QString PhotoArchive::PathOfCurrent(const QString& archiveFolder) {

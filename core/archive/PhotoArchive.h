@@ -18,6 +18,9 @@ struct PhotoToFile {
     QString objectName;
 };
 
+/// How the filing of a photo ended.
+enum class Filing { Done, NoDatabase, NoFolder };
+
 /// The archive: its database, and the photos in the folders of the months.
 class PhotoArchive {
  public:
@@ -38,14 +41,16 @@ class PhotoArchive {
     ///
     /// Does nothing without the table, or where the month's folder cannot be made. Throws
     /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and
-    /// store::StoreError.
-    void File(imaging::LayeredImage& image, const PhotoToFile& known);
+    /// store::StoreError where its record cannot; no photo is left then.
+    Filing File(imaging::LayeredImage& image, const PhotoToFile& known);
 
     /// 0 is none.
     qint64 CurrentRecord() const { return currentRecord_; }
     void SetCurrentRecord(qint64 id) { currentRecord_ = id; }
     /// Where the current record's photo should be.
     QString PathOfCurrent(const QString& archiveFolder);
+    /// False for a path that a record's text leads out of the archive.
+    static bool IsInside(const QString& path, const QString& archiveFolder);
 
     /// Lists only the records whose tags hold every word of `text`; all again where it is empty.
     void Filter(const QString& text);

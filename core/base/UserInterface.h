@@ -21,6 +21,13 @@ class UserInterface {
     /// A plain message with an OK button.
     virtual void ShowMessage(const QString& text) = 0;
 
+    /// A question whose answer is "Ja" or "Nein"; "Nein" where nobody is there to ask, who then
+    /// reads it as a message.
+    virtual bool AskYesNo(const QString& text) {
+        ShowMessage(text);
+        return false;
+    }
+
     /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
     /// The image holds the single photo that gets them.
     virtual std::optional<QStringList> EditTags() = 0;

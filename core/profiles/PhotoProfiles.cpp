@@ -4,6 +4,7 @@
 
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/PropertyFile.h"
 #include "platform/UniqueFile.h"
 
 using namespace Qt::StringLiterals;
@@ -18,11 +19,14 @@ void PhotoProfiles::Load(const QString& name, ProfileStore& store) const {
     if (path.isEmpty()) {
         SaveNew(name, store);
     } else {
+        // What cannot be read now must not be written over later with the values of another one.
+        const platform::PropertyFile readable(path);
         store.SetStorageFile(path);
     }
 }
 
 void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
+    ProfileIndex::Check(name);
     const QString bound = store.StorageFile();
     try {
         const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
@@ -42,13 +46,6 @@ void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
 
 void PhotoProfiles::Record(const QString& name, const QString& fileName) const {
     index_.Record(name, fileName);
-}
-
-bool PhotoProfiles::Delete(const QString& name) const {
-    const QString path = SettingsFile(name);
-    const bool deleted = path.isEmpty() || QFile::remove(path);
-    index_.Erase(name);
-    return deleted;
 }
 
 }  // namespace kadrona::core

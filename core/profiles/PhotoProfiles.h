@@ -15,14 +15,16 @@ class PhotoProfiles {
     /// Full path of a profile's settings file; empty when the profile or its file is missing.
     QString SettingsFile(const QString& name) const { return index_.SettingsFile(name); }
 
-    /// Binds `store` to the profile's file; one that is missing is made anew, empty.
+    /// Binds `store` to the profile's file; one that is missing is made anew, empty. One that
+    /// cannot be read throws, and the store stays bound to what it was.
     void Load(const QString& name, ProfileStore& store) const;
-    /// Makes an empty settings file, binds `store` to it and records the name. Where that fails
+    /// Makes an empty settings file, binds `store` to it and records the name, which is refused as
+    /// ProfileIndex::Check says. Where that fails
     /// the store stays bound to what it was, and no file is left.
     void SaveNew(const QString& name, ProfileStore& store) const;
     void Record(const QString& name, const QString& fileName) const;
-    /// False where the settings file could not be removed.
-    bool Delete(const QString& name) const;
+    /// See ProfileIndex::Remove.
+    QString Delete(const QString& name) const { return index_.Remove(name); }
 
  private:
     QString dataFolder_;

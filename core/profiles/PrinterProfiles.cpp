@@ -26,6 +26,7 @@ printing::PrinterLayer& PrinterProfiles::Printer() const {
 }
 
 void PrinterProfiles::Save(const QString& name) const {
+    ProfileIndex::Check(name);
     const QString file = platform::CreateUniqueFile(dataFolder_, u"prnprofile"_s);
     const QString path = platform::JoinPath(dataFolder_, file);
     auto noOrphan = qScopeGuard([&path] { QFile::remove(path); });
@@ -47,15 +48,6 @@ void PrinterProfiles::Load(const QString& name) const {
     const QString path = index_.SettingsFile(name);
     if (!path.isEmpty()) {
         printing::TPrinterSetup(Printer()).LoadFromFile(path);
-    }
-}
-
-/// The index goes first: where it cannot be written the profile stays whole.
-void PrinterProfiles::Delete(const QString& name) const {
-    const QString path = index_.SettingsFile(name);
-    index_.Erase(name);
-    if (!path.isEmpty()) {
-        QFile::remove(path);
     }
 }
 

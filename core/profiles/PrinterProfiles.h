@@ -26,7 +26,8 @@ class PrinterProfiles {
     /// missing. Throws for a damaged file or a printer that is gone; the current printer then
     /// stays.
     void Load(const QString& name) const;
-    void Delete(const QString& name) const;
+    /// See ProfileIndex::Remove.
+    QString Delete(const QString& name) const { return index_.Remove(name); }
 
  private:
     QString dataFolder_;

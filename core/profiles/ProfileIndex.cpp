@@ -1,9 +1,14 @@
 #include "core/profiles/ProfileIndex.h"
 
+#include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
+#include "platform/Error.h"
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
@@ -13,11 +18,15 @@ ProfileIndex::ProfileIndex(QString dataFolder, QStringView fileName, QString key
       key_(std::move(key)) {}
 
 QStringList ProfileIndex::Names() const {
-    return platform::IniFile(path_).Sections();
+    QStringList names;
+    for (const QString& section : platform::IniFile(path_).Sections()) {
+        names.append(section.trimmed());
+    }
+    return names;
 }
 
 QString ProfileIndex::SettingsFile(const QString& name) const {
-    const QString file = platform::IniFile(path_).ReadString(name, key_);
+    const QString file = platform::IniFile(path_).ReadString(name.trimmed(), key_);
     // Only a bare name: an index edited by hand must not lead deleting or storing elsewhere.
     if (file != QFileInfo(file).fileName()) {
         return {};
@@ -27,15 +36,29 @@ QString ProfileIndex::SettingsFile(const QString& name) const {
 }
 
 void ProfileIndex::Record(const QString& name, const QString& fileName) const {
+    Check(name);
     platform::IniFile index(path_);
-    index.WriteString(name, key_, fileName);
+    index.WriteString(name.trimmed(), key_, fileName);
     index.Save();
 }
 
-void ProfileIndex::Erase(const QString& name) const {
+QString ProfileIndex::Remove(const QString& name) const {
+    const QString path = SettingsFile(name);
     platform::IniFile index(path_);
-    index.EraseSection(name);
+    index.EraseSection(name.trimmed());
     index.Save();
+    return path.isEmpty() || QFile::remove(path) ? QString() : path;
+}
+
+void ProfileIndex::Check(const QString& name) {
+    const bool controls = std::any_of(name.begin(), name.end(), [](QChar letter) {
+        return letter.category() == QChar::Other_Control;
+    });
+    if (name.contains(u']') || controls) {
+        throw platform::Error(
+            u"Der Name „%1“ kann nicht verwendet werden: Er enthält „]“ oder ein Steuerzeichen."_s
+                .arg(name));
+    }
 }
 
 }  // namespace kadrona::core

@@ -8,8 +8,8 @@ namespace kadrona::core {
 /// The index of a kind of profiles: an INI file in the data folder with a section per profile,
 /// whose one key holds the bare name of the profile's settings file in the same folder. Every
 /// operation opens the file anew; the order of the sections is the order of the profiles, and their
-/// names are found whatever their case. All throw platform::FileError where the file cannot be read
-/// or written.
+/// names are found whatever their case and the blanks around them. All throw platform::FileError
+/// where the file cannot be read or written.
 class ProfileIndex {
  public:
     ProfileIndex(QString dataFolder, QStringView fileName, QString key);
@@ -24,7 +24,14 @@ class ProfileIndex {
     /// name that no INI section can bear.
     void Record(const QString& name, const QString& fileName) const;
 
-    void Erase(const QString& name) const;
+    /// Takes a profile out of the index, then removes its settings file: where the index cannot be
+    /// written the profile stays whole. Returns the path of a file that could not be removed, else
+    /// an empty one.
+    QString Remove(const QString& name) const;
+
+    /// Throws platform::Error, which names the reason, for a name that no profile can bear:
+    /// one with a closing bracket or a control character.
+    static void Check(const QString& name);
 
  private:
     QString dataFolder_;

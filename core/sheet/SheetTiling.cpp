@@ -9,25 +9,50 @@
 #include "imaging/pixels/QuarterTurn.h"
 #include "platform/Error.h"
 
+using namespace Qt::StringLiterals;
+
 namespace kadrona::core {
 
 namespace {
 
+/// Why a photo could not be filed; empty where it was.
+QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive,
+                      const PhotoToFile& photo) {
+    try {
+        switch (archive.File(image, photo)) {
+            case Filing::NoDatabase:
+                return u"Die Datenbank des Bildarchivs ist nicht geöffnet."_s;
+            case Filing::NoFolder:
+                return u"Im Bildarchiv „%1“ kann der Ordner des Monats nicht angelegt werden."_s
+                    .arg(photo.archiveFolder);
+            case Filing::Done:
+                break;
+        }
+    } catch (const platform::Error& error) {
+        return error.Text();
+    }
+    return {};
+}
+
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
-/// nothing, a failing archive is told of, and the sheet is made all the same.
+/// nothing, a failing archive can be tried again with the same tags, and the sheet is made all the
+/// same.
 void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making) {
     const auto lines = making.ui.EditTags();
     if (!lines) {
         return;
     }
-    try {
-        making.archive.File(image, {.archiveFolder = making.settings.ImageDestinationDir(),
-                                    .templateName = making.shape.name,
-                                    .tags = TagText(*lines),
-                                    .objectName = lines->value(0)});
-    } catch (const platform::Error& error) {
-        making.ui.ShowMessage(error.Text());
-    }
+    const PhotoToFile photo{.archiveFolder = making.settings.ImageDestinationDir(),
+                            .templateName = making.shape.name,
+                            .tags = TagText(*lines),
+                            .objectName = lines->value(0)};
+    QString failure;
+    do {
+        failure = FilingFailure(image, making.archive, photo);
+    } while (!failure.isEmpty() &&
+             making.ui.AskYesNo(
+                 failure +
+                 u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s));
 }
 
 }  // namespace

@@ -163,6 +163,14 @@ TEST_F(Archive, AFullDiskLeavesAnEmptyRecordAtWorst) {
         EXPECT_THROW(File(u"leer\r\n"_s), platform::Error);
     }
     EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s).first().section(u'|', 0, 0), u"ok"_s);
+    store::Database(databaseFolder)
+        .Execute(
+            uR"(CREATE TRIGGER "full" BEFORE UPDATE OF "ImgName" ON "ImgDB"
+                     BEGIN SELECT RAISE(ABORT, 'full'); END)"_s);
+    EXPECT_THROW(File(u"leer\r\n"_s), store::StoreError);
+    EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files).size(), 1)
+        << "no photo is left without its record";
+    store::Database(databaseFolder).Execute(uR"(DROP TRIGGER "full")"_s);
     File(u"wieder\r\n"_s);
     EXPECT_EQ(Table().Find(u"voll"_s), (Ids{1}));
     EXPECT_EQ(Table().Find(u"leer"_s), Ids());
@@ -179,6 +187,11 @@ TEST_F(Archive, NamesTheMissingPhotoOfARecord) {
     data.SetCurrentRecord(99);
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_EQ(ui.messages.size(), 2);
+    installation.Write("elsewhere.jpg", "not of the archive");
+    Table().Fill({.id = 1, .name = u"elsewhere.jpg"_s, .folder = u".."_s}, {});
+    data.SetCurrentRecord(1);
+    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
+    EXPECT_TRUE(ui.messages.last().contains(u"außerhalb des Archivs"_s));
 }
 
 TEST_F(Archive, TagsAreFoundAndChangedWhateverTheyHold) {
@@ -198,9 +211,11 @@ TEST_F(Archive, TagsAreFoundAndChangedWhateverTheyHold) {
         EXPECT_EQ(Table().Find(text), (Ids{id})) << qPrintable(text);
     }
     EXPECT_EQ(Table().Find(u"07.03.2026 14:32"_s), (Ids{2})) << "as it is shown";
+    EXPECT_EQ(Table().Find(u"\"2026-03-07 14:32\""_s), (Ids{2}));
     EXPECT_EQ(core::ShownTime(Table().Read(2)->created), u"07.03.2026 14:32"_s);
     Table().SetTags(2, u"Zürich\r\n"_s);
     Table().SetTags(99, u"Zürich\r\n"_s);
+    EXPECT_FALSE(Table().ReplaceTags(2, u"Größe"_s, u"Bern\r\n"_s)) << "changed meanwhile";
     EXPECT_EQ(Table().Find(u"zürich"_s), (Ids{2}));
     data.ImgTagSearch(u"größe"_s);
     EXPECT_EQ(Table().Ids(), Ids());

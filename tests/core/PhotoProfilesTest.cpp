@@ -61,6 +61,31 @@ TEST_F(PhotoProfiles, LoadingBindsAndEachProfileHasAFileOfItsOwn) {
     EXPECT_EQ(data.GetProfileList().size(), 2);
 }
 
+TEST_F(PhotoProfiles, BlanksAroundANameMakeNoOtherProfileAndSomeNamesAreRefused) {
+    data.SaveNewProfile(u"Laden"_s, store);
+    data.SaveNewProfile(u"Laden "_s, store);
+    EXPECT_EQ(data.GetProfileList(), QStringList(u"Laden"_s));
+    EXPECT_EQ(data.ProfileFile(u" laden"_s), store.file);
+    for (const QString& name : {u"a]b"_s, u"a\tb"_s, u"zwei\nZeilen"_s}) {
+        EXPECT_TRUE(TextOf([&] { data.SaveNewProfile(name, store); }).contains(u"Steuerzeichen"_s));
+    }
+    EXPECT_EQ(data.GetProfileList(), QStringList(u"Laden"_s));
+}
+
+TEST_F(PhotoProfiles, AProfileIsBoundAndDeletedOnlyWhereThatSucceeds) {
+    data.SaveNewProfile(u"A"_s, store);
+    const QString first = store.file;
+    data.SaveNewProfile(u"B"_s, store);
+    installation.Write("common/Kadrona/" + QFileInfo(first).fileName().toUtf8(),
+                       QByteArray(20 << 20, '\n'));
+    EXPECT_THROW(data.LoadProfile(u"A"_s, store), platform::FileError);
+    EXPECT_NE(store.file, first);
+    QFile index(installation.DataFile("Profiles.ini"));
+    ASSERT_TRUE(index.setPermissions(QFile::ReadOwner));
+    EXPECT_THROW(data.DeleteProfile(u"B"_s), platform::FileError);
+    EXPECT_TRUE(QFile::exists(store.file)) << "the index goes first";
+}
+
 TEST_F(PhotoProfiles, DeletingRemovesSectionAndFileEvenWhereTheFileIsGone) {
     data.SaveNewProfile(u"A"_s, store);
     data.SaveNewProfile(u"B"_s, store);

@@ -12,10 +12,14 @@
 
 namespace kadrona::testing {
 
-/// Remembers every message; answers the tag editor and the save dialog with what was set.
+/// Remembers every message and question; answers with what was set.
 class FakeInterface : public core::UserInterface {
  public:
     void ShowMessage(const QString& text) override { messages.append(text); }
+    bool AskYesNo(const QString& text) override {
+        messages.append(text);
+        return !answers.isEmpty() && answers.takeFirst();
+    }
     std::optional<QStringList> EditTags() override {
         ++tagEditorShown;
         return tags;
@@ -30,6 +34,8 @@ class FakeInterface : public core::UserInterface {
     }
 
     QStringList messages;
+    /// One for each question; no where there is none left.
+    QList<bool> answers;
     QSize rotationPreview;
     std::optional<double> rotation;
     QList<core::SaveDialog> saveDialogs;
