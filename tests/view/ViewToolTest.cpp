@@ -124,7 +124,7 @@ TEST_F(ViewToolTest, PanningStaysWithTheViewAndTheWheelGoesToTheTool) {
     Send(QEvent::MouseButtonRelease, {60, 55}, Qt::LeftButton);
     EXPECT_TRUE(tool_.presses.isEmpty());
     EXPECT_EQ(before - view_.Middle(), QPointF(10, 5));
-    QCoreApplication::sendEvent(&view_, &wheel);
+    testing::SendWheel(view_, {50, 50}, 240);
     EXPECT_GT(view_.ZoomPercent(), 100);
 }
 
