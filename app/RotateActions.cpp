@@ -34,9 +34,8 @@ void RotateActions::QuarterTurn(int degrees) {
     }
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    const QSize before = image.Photo().Size();
     RotatePhoto(degrees);
-    viewActions_.KeepTemplateOnPhoto(before);
+    viewActions_.KeepTemplateOnPhoto();
     if (session_.CurrentStage() != PhotoSession::Stage::SheetMade && session_.HasTemplate()) {
         image.SetCurrentLayer(1);
     }
@@ -50,12 +49,11 @@ void RotateActions::acRotateDlgExecute() {
     }
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    const QSize before = image.Photo().Size();
     {
         const controls::WaitCursor wait;
         data_.RotateImage(image);
     }
-    viewActions_.KeepTemplateOnPhoto(before);
+    viewActions_.KeepTemplateOnPhoto();
     if (session_.HasTemplate()) {
         image.SetCurrentLayer(1);
     }

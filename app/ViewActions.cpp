@@ -20,11 +20,6 @@ ViewActions::ViewActions(PhotoSession& session, ImageView& view, MainActions& ac
     actions.Connect(Action::ShowLayer, this, [this] { acShowLayerExecute(); });
     connect(&view, &ImageView::LayerChangedByUser, this, &ViewActions::ViewLayerNotify);
     connect(&view, &ImageView::MousePressed, this, &ViewActions::ViewMouseDown);
-    connect(&session.Image(), &LayeredImage::PhotoChanged, this, [this] {
-        if (session_.Image().IsEmpty()) {
-            pushed_.clear();
-        }
-    });
     view.installEventFilter(this);
 }
 
@@ -81,38 +76,17 @@ void ViewActions::acUndoExecute() {
     image.Undo();
     const QSize after = image.Photo().Size();
     if (after != before) {
-        MoveTemplateBack();
+        KeepTemplateOnPhoto();
     }
     if (after != before && after == before.transposed()) {
         ZoomFit();
     }
 }
 
-void ViewActions::KeepTemplateOnPhoto(QSize before) {
+void ViewActions::KeepTemplateOnPhoto() {
     const LayeredImage& image = session_.Image();
     const QRect photo(QPoint(), image.Photo().Size());
-    if (!session_.HasTemplate() || photo.contains(image.LayerAt(1).rectangle)) {
-        return;
-    }
-    const QRect from = image.LayerAt(1).rectangle;
-    ViewLayerNotify(1);
-    pushed_.push_back({before, from, image.LayerAt(1).rectangle});
-}
-
-/// A template that the user has moved since stays where it is, inside the photo.
-void ViewActions::MoveTemplateBack() {
-    LayeredImage& image = session_.Image();
-    const QSize photo = image.Photo().Size();
-    if (!session_.HasTemplate()) {
-        return;
-    }
-    if (!pushed_.empty() && pushed_.back().photo == photo) {
-        if (image.LayerAt(1).rectangle == pushed_.back().to) {
-            image.SetLayerRectangle(1, pushed_.back().from);
-        }
-        pushed_.pop_back();
-    }
-    if (!QRect(QPoint(), photo).contains(image.LayerAt(1).rectangle)) {
+    if (session_.HasTemplate() && !photo.contains(image.LayerAt(1).rectangle)) {
         ViewLayerNotify(1);
     }
 }

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QRect>
-#include <vector>
 
 namespace kadrona::imaging::view {
 class ImageView;
@@ -27,24 +26,16 @@ class ViewActions : public QObject {
     void ZoomFull();
     /// Another picture came: no mode is on, the mouse zooms and pans, and all of it shows.
     void StartAnew();
-    /// A turn of a photo of the size `before` may leave the template outside, where nobody can take
-    /// hold of it: pushes it back inside. Undoing the turn brings it back.
-    void KeepTemplateOnPhoto(QSize before);
+    /// A turn may leave the template outside of the photo, where nobody can take hold of it: pushes
+    /// it back inside. Undoing the turn brings it back.
+    void KeepTemplateOnPhoto();
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-    /// Where a turn of the photo pushed the template.
-    struct PushedTemplate {
-        QSize photo;  ///< size before the turn
-        QRect from;
-        QRect to;
-    };
-
     void acShowLayerExecute();
     void acUndoExecute();
-    void MoveTemplateBack();
     void ViewLayerNotify(int layer);
     void ViewMouseDown();
     void ViewKeyDown();
@@ -53,7 +44,6 @@ class ViewActions : public QObject {
     PhotoSession& session_;
     imaging::view::ImageView& view_;
     MainActions& actions_;
-    std::vector<PushedTemplate> pushed_;
 };
 
 }  // namespace kadrona::app
