@@ -30,6 +30,9 @@ struct LayerPlace {
 /// Each step is held as its difference from the next newer one, the newest as its difference from a
 /// reference picture: the live photo as it was at the last recording or undo. Changes to the live
 /// photo are found at the next recording, by comparison.
+///
+/// QUndoStack was weighed: it keeps whole commands, knows no budget of bytes, and its commands
+/// would have to do all of this by themselves.
 class UndoHistory {
  public:
     static constexpr qsizetype DefaultByteBudget = qsizetype{1} << 30;

@@ -17,8 +17,8 @@ class CurveFileError : public platform::FileError {
 inline constexpr int MaximumCurvePoints = 58;
 
 /// Reads a preset (".acv"): 16-bit big-endian words. Takes versions 1 and 4, one curve and more
-/// than five, curves of a single point or none, points in any order and repeated ones; what lacks
-/// becomes the identity, what follows the curves is ignored. Throws CurveFileError where the file
+/// than five, curves of a single point or none, points in any order and repeated ones. A missing
+/// curve is the identity; what follows the curves is ignored. Throws CurveFileError where the file
 /// cannot be read, is cut off or holds what no curve can be.
 CurveSet ReadCurveFile(const QString& path);
 
