@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QLocale>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -115,7 +114,7 @@ void TfmImgSearch::BuildLayout() {
     layout->addWidget(findPanel_);
     layout->addWidget(grid_, 1);
     setMinimumSize(LeastSize);
-    resize(StartSize().boundedTo(screen()->availableSize()));
+    resize(WithinScreen(*this, StartSize()));
 }
 
 /// The size of the last time. A layout file that cannot be read must not keep the program from

@@ -7,7 +7,6 @@
 #include <QLocale>
 #include <QPainter>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollBar>
 #include <QShowEvent>
 #include <QToolButton>
@@ -121,7 +120,7 @@ void TSchabloneFm::ShowSizes() {
                      lbSchablonen_->verticalScrollBar()->sizeHint().width();
     const QSize needed(rows + margins.left() + margins.right(),
                        ClientArea.height() + filterEdit_->sizeHint().height());
-    resize(ClientArea.expandedTo(needed).boundedTo(screen()->availableSize()));
+    resize(WithinScreen(*this, ClientArea.expandedTo(needed)));
 }
 
 int TSchabloneFm::SelectedTemplate() const {

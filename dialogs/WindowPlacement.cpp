@@ -6,6 +6,13 @@
 
 namespace kadrona::dialogs {
 
+namespace {
+
+/// Room for the system's frame, which is known only once a window is shown.
+constexpr QSize Frame(16, 48);
+
+}  // namespace
+
 void CentreOnParent(QWidget& window) {
     const QWidget* parent = window.parentWidget();
     const QScreen* screen = (parent != nullptr ? *parent : window).screen();
@@ -15,14 +22,17 @@ void CentreOnParent(QWidget& window) {
     const auto within = [](int place, int first, int last) {
         return std::max(first, std::min(place, last));
     };
-    window.move(within(corner.x(), room.left(), room.right() - window.width()),
-                within(corner.y(), room.top(), room.bottom() - window.height()));
+    window.move(within(corner.x(), room.left(), room.right() - window.width() - Frame.width()),
+                within(corner.y(), room.top(), room.bottom() - window.height() - Frame.height()));
+}
+
+QSize WithinScreen(const QWidget& window, QSize wanted) {
+    return wanted.boundedTo(window.screen()->availableSize() - Frame);
 }
 
 void FitToScreen(QWidget& window) {
-    constexpr QSize Frame(16, 48);  // the system's own is known only once the window is shown
     window.ensurePolished();
-    window.resize(window.sizeHint().boundedTo(window.screen()->availableSize() - Frame));
+    window.resize(WithinScreen(window, window.sizeHint()));
 }
 
 }  // namespace kadrona::dialogs

@@ -1,5 +1,6 @@
 #pragma once
 
+class QSize;
 class QWidget;
 
 namespace kadrona::dialogs {
@@ -8,7 +9,10 @@ namespace kadrona::dialogs {
 /// has none, as far as the screen has room.
 void CentreOnParent(QWidget& window);
 
-/// Gives a window the size that it asks for, as far as the screen has room for it with its frame.
+/// The size, as far as the window's screen has room for it with a frame.
+QSize WithinScreen(const QWidget& window, QSize wanted);
+
+/// Gives a window the size that it asks for, within its screen.
 void FitToScreen(QWidget& window);
 
 }  // namespace kadrona::dialogs
