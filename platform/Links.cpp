@@ -22,7 +22,7 @@ constexpr int MostLinks = 40;
 /// Takes the first part off a path.
 QByteArray TakePart(QByteArray& rest) {
     const qsizetype slash = rest.indexOf('/');
-    const QByteArray part = slash < 0 ? rest : rest.left(slash);
+    QByteArray part = slash < 0 ? rest : rest.left(slash);
     rest = slash < 0 ? QByteArray() : rest.sliced(slash + 1);
     return part;
 }

@@ -4,6 +4,7 @@
 
 #include <QIODevice>
 #include <QString>
+#include <utility>
 
 #include "platform/Links.h"
 
@@ -23,7 +24,7 @@ class ReplacementFile : public QIODevice {
 
  public:
     /// A symbolic link stands for the file that it leads to.
-    ReplacementFile(const QString& target, Links links) : links_(links), target_(target) {}
+    ReplacementFile(QString target, Links links) : links_(links), target_(std::move(target)) {}
     ~ReplacementFile() override;
 
     /// Fails also where something that must stay stands under the target's name: a folder, a pipe,
