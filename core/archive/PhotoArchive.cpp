@@ -1,5 +1,7 @@
 #include "core/archive/PhotoArchive.h"
 
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -10,6 +12,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/UniqueFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,7 +60,11 @@ class ClaimedFile {
     /// will say why.
     bool Claim(const QString& path) {
         path_ = path;
-        claimed_ = QFile(path).open(QIODevice::WriteOnly | QIODevice::NewOnly);
+        const int handle = platform::CreateNewFile(path);
+        claimed_ = handle >= 0;
+        if (claimed_) {
+            close(handle);
+        }
         const QFileInfo older(path);
         return claimed_ || !(older.isFile() || older.isSymLink());
     }

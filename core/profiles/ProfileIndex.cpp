@@ -46,7 +46,12 @@ QString ProfileIndex::Remove(const QString& name) const {
     const QString path = SettingsFile(name);
     platform::IniFile index(path_);
     index.EraseSection(name.trimmed());
-    index.Save();
+    try {
+        index.Save();
+    } catch (const platform::UnflushedError&) {
+        QFile::remove(path);  // no profile names it any more
+        throw;
+    }
     return path.isEmpty() || QFile::remove(path) ? QString() : path;
 }
 

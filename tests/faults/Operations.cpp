@@ -121,6 +121,16 @@ Operation FirstStart() {
             }};
 }
 
+void Archive(Module& module, const QString& folder) {
+    core::PhotoArchive archive(module.data.NameSources());
+    archive.Connect(folder + u"/common/Kadrona/Database"_s);
+    archive.Create();
+    if (archive.File(module.image, {module.archive, {}, Tags, u"Jürgen Groß"_s}) !=
+        core::Filing::Done) {
+        module.ui.messages.append(module.archive + u'.');  // the caller says so
+    }
+}
+
 void WriteSettings(Module& module, const QString&) {
     platform::PropertyFile file(module.data.ProfileFile(u"Alt"_s));
     file.WriteText(u"FileNameEd"_s, u"Text"_s, u"Bild"_s);
@@ -154,7 +164,7 @@ std::vector<Operation> AllOperations() {
                          const std::function<void(Module&, const QString&)>& run) {
         operations.push_back(OfModule(name, run));
     };
-    add("archiving", [](Module& module, const QString&) { module.File(); });
+    add("archiving", Archive);
     add("tags",
         [](Module& module, const QString&) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); });
     add("tags-in-photo", [](Module& module, const QString&) {
