@@ -1,8 +1,8 @@
 #include "app/PrintFlow.h"
 
 #include <QFileInfo>
-#include <QLocale>
 #include <QStatusBar>
+#include <algorithm>
 
 #include "app/MainActions.h"
 #include "app/PhotoSession.h"
@@ -12,6 +12,7 @@
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
+#include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;
@@ -20,21 +21,35 @@ namespace kadrona::app {
 
 namespace {
 
-QSize TenthsOf(QSizeF millimetres) {
-    return (millimetres * 10.0).toSize();
+bool IsWhite(const QImage& image, const QRect& part) {
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            if ((image.pixel(x, y) | 0xff000000) != 0xffffffff) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
-bool Fits(QSize sheet, QSize paper) {
-    return sheet.width() <= paper.width() && sheet.height() <= paper.height();
+/// The white around the photo of a tile: `gap`, where the tile really has it. The setting may have
+/// been changed since the sheet was made.
+int RealGap(const QImage& tile, int gap) {
+    const int side = gap / 2;
+    const QRect whole = tile.rect();
+    if (side <= 0 || gap >= std::min(tile.width(), tile.height())) {
+        return 0;
+    }
+    const QRect row(0, 0, whole.width(), side);
+    const QRect column(0, 0, side, whole.height());
+    const bool isFramed = IsWhite(tile, row) && IsWhite(tile, column) &&
+                          IsWhite(tile, row.translated(0, whole.height() - side)) &&
+                          IsWhite(tile, column.translated(whole.width() - side, 0));
+    return isFramed ? gap : 0;
 }
 
-QString SizeText(QSize tenths) {
-    const QLocale german(QLocale::German);
-    return u"%1 × %2 mm"_s.arg(german.toString(tenths.width() / 10.0, 'f', 1),
-                               german.toString(tenths.height() / 10.0, 'f', 1));
-}
-
-printing::PrintImage PrintImageOf(const imaging::LayeredImage& sheet, const QString& photoFile) {
+printing::PrintImage PrintImageOf(const imaging::LayeredImage& sheet, const QString& photoFile,
+                                  int gap) {
     if (sheet.Resolution().value <= 0) {
         throw platform::Error(
             u"Das Bild kann nicht in wahrer Größe gedruckt werden: Seine Auflösung ist nicht "
@@ -45,26 +60,11 @@ printing::PrintImage PrintImageOf(const imaging::LayeredImage& sheet, const QStr
             .columns = pixels.Columns(),
             .rows = pixels.Rows(),
             .dotsPerInch = sheet.Resolution().value,
-            .title = QFileInfo(photoFile).fileName()};
+            .title = QFileInfo(photoFile).fileName(),
+            .gap = RealGap(pixels.Tile(), gap)};
 }
 
 }  // namespace
-
-QString PaperWarning(QSizeF sheetMillimetres, QSizeF paperMillimetres) {
-    const QSize sheet = TenthsOf(sheetMillimetres);
-    const QSize paper = TenthsOf(paperMillimetres);
-    if (paper.isEmpty() || Fits(sheet, paper)) {
-        return {};
-    }
-    QString text =
-        u"Das Blatt passt nicht auf das eingestellte Papier und wird am Rand abgeschnitten.\n\n"
-        u"Blatt:\t%1\nPapier:\t%2\n\n"_s.arg(SizeText(sheet), SizeText(paper));
-    if (Fits(sheet, paper.transposed())) {
-        text += u"Im %1 würde es passen.\n\n"_s.arg(
-            paper.width() < paper.height() ? u"Querformat"_s : u"Hochformat"_s);
-    }
-    return text + u"Trotzdem drucken?"_s;
-}
 
 PrintFlow::PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusBar,
                      core::TData& data, dialogs::TEinstellungenFm& settings, MainActions& actions)
@@ -80,8 +80,9 @@ PrintFlow::PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusB
 }
 
 void PrintFlow::acPrintImageExecute() {
-    const printing::PrintImage image = PrintImageOf(session_.Image(), data_.CurrentFile());
-    if (!ChoosePrinter() || !ConfirmPaper(image.Millimetres())) {
+    printing::PrintImage image =
+        PrintImageOf(session_.Image(), data_.CurrentFile(), data_.FrameSize());
+    if (!ChoosePrinter(image) || !ConfirmPaper(image)) {
         return;
     }
     const controls::WaitCursor wait;
@@ -92,14 +93,17 @@ void PrintFlow::acPrintImageExecute() {
         Milliseconds);
 }
 
-/// False when the user cancelled. The choice stays the current printer for the rest of the run.
-bool PrintFlow::ChoosePrinter() {
+/// False when the user cancelled. Gives the image the profile's calibration. The choice stays the
+/// current printer for the rest of the run.
+bool PrintFlow::ChoosePrinter(printing::PrintImage& image) {
     switch (beforePrintDialog_->ShowEx()) {
         case controls::ModalResult::Cancel:
             return false;
         case controls::ModalResult::Yes: {
             const controls::WaitCursor wait;
-            data_.LoadPrintProfile(beforePrintDialog_->SelectedProfile());
+            const QString profile = beforePrintDialog_->SelectedProfile();
+            data_.LoadPrintProfile(profile);
+            image.calibration = printing::StoredCalibration(data_.DataFolder(), profile);
             return true;
         }
         case controls::ModalResult::No:
@@ -109,14 +113,32 @@ bool PrintFlow::ChoosePrinter() {
     }
 }
 
-/// Asks only where the sheet does not fit.
-bool PrintFlow::ConfirmPaper(QSizeF sheetMillimetres) {
-    QString warning;
+/// Asks only where something of the photos is lost. May turn the image.
+bool PrintFlow::ConfirmPaper(printing::PrintImage& image) {
+    printing::PrinterPaper paper;
     {
         const controls::WaitCursor wait;
-        warning = PaperWarning(sheetMillimetres, data_.Printer().PaperMillimetres());
+        paper = data_.Printer().Paper();
     }
-    return warning.isEmpty() || controls::AskYesNo(&window_, warning, controls::Severity::Warning);
+    const QString warning = printing::PaperWarning(image, paper);
+    if (warning.isEmpty()) {
+        return true;
+    }
+    if (printing::TurningHelps(image, paper)) {
+        const bool turned = printing::IsTurned(image, paper);
+        const QSizeF page = paper.geometry.page;
+        const QString way =
+            turned == (page.width() < page.height()) ? u"Hochformat"_s : u"Querformat"_s;
+        if (controls::AskYesNo(&window_,
+                               u"%1\n\nIm %2 passen sie. Im %2 drucken?"_s.arg(warning, way),
+                               controls::Severity::Warning)) {
+            image.orientation =
+                turned ? printing::Orientation::Upright : printing::Orientation::Turned;
+            return true;
+        }
+    }
+    return controls::AskYesNo(&window_, warning + u"\n\nTrotzdem drucken?"_s,
+                              controls::Severity::Warning);
 }
 
 void PrintFlow::acPrinSetupExecute() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QSizeF>
 #include <QString>
 
 class QStatusBar;
@@ -16,6 +15,10 @@ class TBeforPrintDlgFm;
 class TEinstellungenFm;
 class TPrintProfilDlg;
 }  // namespace kadrona::dialogs
+
+namespace kadrona::printing {
+struct PrintImage;
+}
 
 namespace kadrona::app {
 
@@ -38,8 +41,8 @@ class PrintFlow : public QObject {
 
  private:
     void acPrinSetupExecute();
-    bool ChoosePrinter();
-    bool ConfirmPaper(QSizeF sheetMillimetres);
+    bool ChoosePrinter(printing::PrintImage& image);
+    bool ConfirmPaper(printing::PrintImage& image);
 
     PhotoSession& session_;
     QWidget& window_;
@@ -48,9 +51,5 @@ class PrintFlow : public QObject {
     dialogs::TPrintProfilDlg* profileDialog_;
     dialogs::TBeforPrintDlgFm* beforePrintDialog_;
 };
-
-/// What the user reads before a sheet is printed that does not fit the paper, with both sizes in
-/// millimetres; empty where it fits or the paper is not known. Sizes that read the same fit.
-QString PaperWarning(QSizeF sheetMillimetres, QSizeF paperMillimetres);
 
 }  // namespace kadrona::app

@@ -3,13 +3,17 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QVBoxLayout>
 
 #include "controls/fields/SelectionList.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
+#include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
+#include "dialogs/CalibrationDialog.h"
 #include "dialogs/SettingsDialog.h"
+#include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;
@@ -36,8 +40,10 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     lbProfiles_->setMinimumSize(SmallestList);
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil löschen"_s);
+    btnCalibrate_ = NamedButton(u"btnCalibrate"_s, u"Kalibrieren …"_s);
     btnClose_ = NamedButton(u"btnClose"_s, u"Schließen"_s);
     btnDelProfile_->setEnabled(false);
+    btnCalibrate_->setEnabled(false);
 
     auto* explanation = new QLabel(
         u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
@@ -49,6 +55,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     buttons->setSpacing(6);
     buttons->addWidget(btnNewProfile_);
     buttons->addWidget(btnDelProfile_);
+    buttons->addWidget(btnCalibrate_);
     buttons->addStretch();
     buttons->addWidget(btnClose_);
     auto* layout = new QGridLayout(this);
@@ -66,8 +73,12 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
 }
 
 void TPrintProfilDlg::ConnectControls() {
-    connect(lbProfiles_, &QListWidget::itemSelectionChanged, this,
-            [this] { btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0); });
+    connect(lbProfiles_, &QListWidget::itemSelectionChanged, this, [this] {
+        btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0);
+        btnCalibrate_->setEnabled(lbProfiles_->SelectedRow() >= 0);
+    });
+    connect(btnCalibrate_, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { btnCalibrateClick(); }); });
     connect(btnNewProfile_, &QPushButton::clicked, this,
             [this] { controls::Guarded(this, [this] { btnNewProfileClick(); }); });
     connect(btnDelProfile_, &QPushButton::clicked, this,
@@ -106,6 +117,19 @@ bool TPrintProfilDlg::IsKnown(const QString& name) const {
     return !lbProfiles_->findItems(name.trimmed(), Qt::MatchFixedString).isEmpty();
 }
 
+/// The printer that was current before is so again afterwards.
+void TPrintProfilDlg::btnCalibrateClick() {
+    printing::PrinterLayer& printer = data_.Printer();
+    const printing::PrinterChoice before = printer.CurrentPrinter();
+    {
+        const controls::WaitCursor wait;
+        data_.LoadPrintProfile(lbProfiles_->SelectedText());
+    }
+    const auto restore =
+        qScopeGuard([&] { controls::Guarded(this, [&] { printer.SetCurrentPrinter(before); }); });
+    CalibrationDialog(data_, lbProfiles_->SelectedText(), this).exec();
+}
+
 void TPrintProfilDlg::btnDelProfileClick() {
     const int row = lbProfiles_->SelectedRow();
     if (row < 0 ||
@@ -113,6 +137,7 @@ void TPrintProfilDlg::btnDelProfileClick() {
         return;
     }
     data_.DeletePrinterProfile(lbProfiles_->SelectedText());
+    printing::EraseCalibration(data_.DataFolder(), lbProfiles_->SelectedText());
     delete lbProfiles_->takeItem(row);
     lbProfiles_->SelectRow(-1);
     settings_.ResetPrintDefaults();

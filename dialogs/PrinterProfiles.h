@@ -18,8 +18,8 @@ namespace kadrona::dialogs {
 
 class TEinstellungenFm;
 
-/// "Druck Profile": makes printer profiles from what the user sets the printer to, and deletes
-/// them.
+/// "Druck Profile": makes printer profiles from what the user sets the printer to, calibrates
+/// and deletes them.
 class TPrintProfilDlg : public QDialog {
     Q_OBJECT
 
@@ -35,6 +35,7 @@ class TPrintProfilDlg : public QDialog {
     void ConnectControls();
     void FormCreate();
     void btnNewProfileClick();
+    void btnCalibrateClick();
     void btnDelProfileClick();
     bool IsKnown(const QString& name) const;
 
@@ -43,6 +44,7 @@ class TPrintProfilDlg : public QDialog {
     controls::SelectionList* lbProfiles_;
     QPushButton* btnNewProfile_;
     QPushButton* btnDelProfile_;
+    QPushButton* btnCalibrate_;
     QPushButton* btnClose_;
 };
 

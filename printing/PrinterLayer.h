@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QByteArray>
-#include <QImage>
-#include <QSizeF>
 #include <QString>
 
 #include "platform/Error.h"
+#include "printing/PaperGeometry.h"
+#include "printing/PrintImage.h"
 
 class QWindow;
 
@@ -29,22 +29,6 @@ struct PrinterChoice {
     bool operator==(const PrinterChoice&) const = default;
 };
 
-/// What is printed on the one page of a job: an image repeated in a grid, the copies touching each
-/// other, at its true size.
-struct PrintImage {
-    /// sRGB, opaque.
-    QImage tile;
-    int columns = 1;
-    int rows = 1;
-    /// Pixels divided by this are inches; above 0.
-    int dotsPerInch = 0;
-    /// Name of the job in the printer's queue.
-    QString title;
-
-    /// Printed size.
-    QSizeF Millimetres() const;
-};
-
 /// The current printer and what can be done with it: the one way to the print service, so that
 /// another system's service takes its place without a change above it.
 class PrinterLayer {
@@ -64,12 +48,11 @@ class PrinterLayer {
     /// when confirmed, with the choice as the current printer. Throws PrinterError as above.
     virtual bool ShowSetupDialog(QWindow* owner) = 0;
 
-    /// Size of the paper that the current printer is set to, millimetres, turned where the sheet
-    /// is printed in landscape. Empty where it is not known. Throws PrinterError.
-    virtual QSizeF PaperMillimetres() = 0;
+    /// The paper that the current printer is set to. Throws PrinterError.
+    virtual PrinterPaper Paper() = 0;
 
-    /// Prints one page as one job: centred on the paper, without margins, never scaled. The copies
-    /// are what the current printer is set to. Throws PrinterError.
+    /// Prints one page as one job: centred on the paper, without margins, never scaled but by the
+    /// image's calibration. The copies are what the current printer is set to. Throws PrinterError.
     virtual void Print(const PrintImage& image) = 0;
 };
 

@@ -37,8 +37,9 @@ ServiceFailure Rejection(const Queue& queue) {
 
 }  // namespace
 
-CupsPrinterLayer::CupsPrinterLayer(QString server, std::chrono::milliseconds timeout)
-    : server_(std::move(server)), timeout_(timeout) {}
+CupsPrinterLayer::CupsPrinterLayer(QString server, std::chrono::milliseconds timeout,
+                                   std::chrono::milliseconds unnoticed)
+    : server_(std::move(server)), timeout_(timeout), unnoticed_(unnoticed) {}
 
 PrinterChoice CupsPrinterLayer::CurrentPrinter() {
     if (current_) {
@@ -79,16 +80,13 @@ bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
     return true;
 }
 
-QSizeF CupsPrinterLayer::PaperMillimetres() {
+PrinterPaper CupsPrinterLayer::Paper() {
     const PrinterChoice choice = CurrentPrinter();
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        const Driver driver = Driver::OfQueue(connection, RequiredQueue(connection, name));
-        const DeviceMode mode(choice.deviceMode);
-        const std::optional<Paper> paper = driver.PaperOf(mode);
-        const QSizeF size = paper ? paper->Millimetres() : QSizeF();
-        return mode.IsLandscape() ? size.transposed() : size;
+        return Driver::OfQueue(connection, RequiredQueue(connection, name))
+            .PrinterPaperOf(DeviceMode(choice.deviceMode));
     });
 }
 

@@ -16,21 +16,24 @@ class CupsPrinterLayer : public PrinterLayer {
  public:
     /// `server` is the print service's host, host:port or path of its socket, as in the environment
     /// variable CUPS_SERVER; empty for the system's own. No question to the service takes longer
-    /// than `timeout`, with a document a second more for each megabyte. The user can cancel it.
+    /// than `timeout`, with a document a second more for each megabyte. After `unnoticed` the user
+    /// is told and can cancel it.
     explicit CupsPrinterLayer(QString server = {},
-                              std::chrono::milliseconds timeout = std::chrono::seconds(5));
+                              std::chrono::milliseconds timeout = std::chrono::seconds(5),
+                              std::chrono::milliseconds unnoticed = Connection::Unnoticed);
 
     PrinterChoice CurrentPrinter() override;
     void SetCurrentPrinter(const PrinterChoice& choice) override;
     bool ShowSetupDialog(QWindow* owner) override;
-    QSizeF PaperMillimetres() override;
+    PrinterPaper Paper() override;
     void Print(const PrintImage& image) override;
 
  private:
-    Connection Service() { return Connection({server_, timeout_, &waiting_}); }
+    Connection Service() { return Connection({server_, timeout_, &waiting_, unnoticed_}); }
 
     QString server_;
     std::chrono::milliseconds timeout_;
+    std::chrono::milliseconds unnoticed_;
     WaitDialog waiting_;
     std::optional<PrinterChoice> current_;
 };

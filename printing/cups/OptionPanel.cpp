@@ -6,6 +6,9 @@
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <algorithm>
+#include <array>
+
+#include "printing/NeutralOptions.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +31,9 @@ const Paper* PaperWithBorder(const Driver& driver, const Paper& variant) {
         });
     return found == driver.Papers().end() ? nullptr : &*found;
 }
+
+constexpr std::array OrientationRows{Orientation::Automatic, Orientation::Upright,
+                                     Orientation::Turned};
 
 }  // namespace
 
@@ -84,10 +90,10 @@ void OptionPanel::AddOptionRow(QFormLayout& form, const QString& caption, const 
 void OptionPanel::AddOrientationRow(QFormLayout& form) {
     orientationBox_ = new QComboBox;
     orientationBox_->setObjectName(u"OrientationBox"_s);
-    orientationBox_->addItems({u"Hochformat"_s, u"Querformat"_s});
+    orientationBox_->addItems({u"Automatisch"_s, u"Hochformat"_s, u"Querformat"_s});
     form.addRow(u"Ausrichtung"_s, orientationBox_);
     connect(orientationBox_, &QComboBox::activated, this, [this](int index) {
-        mode_->SetLandscape(index == 1);
+        mode_->SetSheetOrientation(OrientationRows.at(static_cast<size_t>(index)));
         Q_EMIT ModeChanged();
     });
 }
@@ -107,8 +113,17 @@ void OptionPanel::ShowMode(const Driver& driver, DeviceMode& mode) {
     driver_ = &driver;
     mode_ = &mode;
     covered_ = {"PageSize"};
+    // Jobs set these whatever is chosen.
+    for (const NeutralOption& option : DriverOptions) {
+        covered_.emplace_back(option.keyword);
+    }
+    if (driver.BorderlessSwitch() != nullptr) {
+        covered_.push_back(driver.BorderlessSwitch()->keyword);
+    }
     ShowPapers();
-    orientationBox_->setCurrentIndex(mode.IsLandscape() ? 1 : 0);
+    const auto* row =
+        std::find(OrientationRows.begin(), OrientationRows.end(), mode.SheetOrientation());
+    orientationBox_->setCurrentIndex(static_cast<int>(row - OrientationRows.begin()));
     // A sheet on a paper that is not known lies as it is.
     form_->setRowVisible(orientationBox_, !driver.Papers().empty());
     for (const Field& field : fields_) {
@@ -154,26 +169,37 @@ void OptionPanel::ShowPapers() {
 void OptionPanel::ShowOrientations() {
     const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
     const bool isWide = paper && paper->points.width() > paper->points.height();
-    orientationBox_->setItemText(0, isWide ? u"Querformat"_s : u"Hochformat"_s);
-    orientationBox_->setItemText(1, isWide ? u"Hochformat"_s : u"Querformat"_s);
+    orientationBox_->setItemText(1, isWide ? u"Querformat"_s : u"Hochformat"_s);
+    orientationBox_->setItemText(2, isWide ? u"Hochformat"_s : u"Querformat"_s);
 }
 
+/// Some drivers have a switch for it, others a paper of its own; with all others the paper says
+/// whether there are margins.
 void OptionPanel::ShowBorderless() {
     const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
-    const bool possible = paper && driver_->BorderlessVariant(*paper) != nullptr;
-    borderlessBox_->setEnabled(possible);
-    if (!possible) {
+    const DriverOption* own = driver_->BorderlessSwitch();
+    const bool variant = paper && driver_->BorderlessVariant(*paper) != nullptr;
+    if (own != nullptr) {
+        const QByteArray chosen = mode_->Value(own->keyword);
+        borderlessBox_->setChecked((own->Offers(chosen) ? chosen : own->standard) == "True");
+    } else if (!variant) {
         borderlessBox_->setChecked(paper && paper->IsBorderless());
     }
+    borderlessBox_->setEnabled(own != nullptr || variant);
     form_->setRowVisible(borderlessBox_, paper.has_value());
 }
 
 void OptionPanel::StorePaper() {
     const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
     const Paper* borderless = paper ? driver_->BorderlessVariant(*paper) : nullptr;
-    const bool takeBorderless = borderless != nullptr && borderlessBox_->isChecked();
-    mode_->Set("PageSize",
-               takeBorderless ? borderless->name : paperBox_->currentData().toByteArray());
+    const bool isBorderless = borderlessBox_->isChecked();
+    if (const DriverOption* own = driver_->BorderlessSwitch()) {
+        mode_->Set(own->keyword, isBorderless ? "True" : "False");
+        borderless = nullptr;
+    }
+    mode_->Set("PageSize", borderless != nullptr && isBorderless
+                               ? borderless->name
+                               : paperBox_->currentData().toByteArray());
     Q_EMIT ModeChanged();
 }
 

@@ -7,7 +7,7 @@ namespace kadrona::printing::cups {
 DeviceMode StandardMode(const Queue& queue, const Driver& driver) {
     DeviceMode mode = driver.Defaults();
     mode.Set(DeviceMode::Copies, QByteArray::number(queue.copies));
-    mode.SetLandscape(false);
+    mode.SetSheetOrientation(Orientation::Automatic);
     return mode;
 }
 

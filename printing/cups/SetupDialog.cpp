@@ -11,6 +11,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "platform/HarmlessText.h"
 #include "printing/cups/FurtherOptions.h"
 #include "printing/cups/OptionPanel.h"
 #include "printing/cups/QueueChoice.h"
@@ -29,8 +30,12 @@ Control* Named(Control* control, const QString& name) {
     return control;
 }
 
+QString ShownName(const Queue& queue) {
+    return platform::HarmlessLine(QString::fromUtf8(queue.name));
+}
+
 QString ListText(const Queue& queue) {
-    const QString name = QString::fromUtf8(queue.name);
+    const QString name = ShownName(queue);
     return (queue.isDefault ? name + u" (Standard)"_s : name) + u'\n' + StateText(queue);
 }
 
@@ -68,8 +73,8 @@ QWidget* SetupDialog::BuildQueueList() {
     for (const Queue& queue : queues_) {
         auto* item = new QListWidgetItem(icon, ListText(queue), queueList_);
         item->setData(Qt::UserRole, queue.name);
-        item->setToolTip(Qt::convertFromPlainText(
-            QString::fromUtf8(queue.name) + u'\n' + StateText(queue), Qt::WhiteSpaceNormal));
+        item->setToolTip(Qt::convertFromPlainText(ShownName(queue) + u'\n' + StateText(queue),
+                                                  Qt::WhiteSpaceNormal));
     }
     connect(queueList_, &QListWidget::itemDoubleClicked, this, [this] { ok_->click(); });
     return queueList_;
@@ -192,7 +197,7 @@ void SetupDialog::ShowQueue() {
 
 void SetupDialog::ShowDetails() {
     const Queue& queue = ChosenQueue();
-    const QString name = QString::fromUtf8(queue.name);
+    const QString name = ShownName(queue);
     queueName_->setText(queue.description.isEmpty() ? name : queue.description);
     QStringList details;
     for (const QString& detail : {queue.model, queue.location, queue.stateMessage}) {

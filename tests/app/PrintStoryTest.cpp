@@ -126,24 +126,28 @@ TEST_F(PrintStory, MakingThePhotosPrintsThemAtOnceWithTheDefaultProfile) {
     EXPECT_EQ(NewJobs(), QStringList(u"Fotodrucker"_s)) << "without a default the user chooses";
 }
 
-TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefused) {
+TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefusedOrTurned) {
     MakeSheet();
-    const QString sizes = u"Blatt:\t150,0 × 95,0 mm\nPapier:\t105,0 × 148,0 mm\n"_s;
+    printer.paper = QSizeF(105, 147);
+    const QString lost = u"links 21,3 mm und rechts 21,3 mm gehen verloren"_s;
     for (const bool print : {false, true}) {
-        printer.paper = QSizeF(105, 148);
         ExpectBeforePrint();
-        driver.Answer(sizes, print ? u"YesButton"_s : u"NoButton"_s);
+        driver.Answer({lost, u"Fotos:\t147,5 × 92,5 mm\nPapier:\t105,0 × 147,0 mm\n"_s},
+                      print ? u"YesButton"_s : u"NoButton"_s);
         Trigger(u"acPrintImage"_s);
         EXPECT_EQ(NewJobs().size(), print ? 1 : 0);
     }
-    const QSizeF sheet(150.0, 100.0);
-    for (const QSizeF paper : {QSizeF(150, 100), QSizeF(149.96, 99.96), QSizeF()}) {
-        EXPECT_EQ(app::PaperWarning(sheet, paper), QString()) << paper.width();
+    printer.paper = QSizeF(105, 148);  // turned, only the white around the photos is lost
+    for (const bool turn : {false, true}) {
+        ExpectBeforePrint();
+        driver.Answer(u"Im Querformat drucken?"_s, turn ? u"YesButton"_s : u"NoButton"_s);
+        if (!turn) {
+            driver.Answer(u"Trotzdem drucken?"_s, u"NoButton"_s);
+        }
+        Trigger(u"acPrintImage"_s);
     }
-    EXPECT_TRUE(app::PaperWarning(sheet, {149.94, 100}).contains(u"149,9 × 100,0 mm"));
-    EXPECT_TRUE(app::PaperWarning(sheet, {100, 150}).contains(u"Im Querformat würde es passen"));
-    EXPECT_TRUE(app::PaperWarning({100, 150}, sheet).contains(u"Im Hochformat würde es passen"));
-    EXPECT_FALSE(app::PaperWarning(sheet, {99, 150}).contains(u"würde es passen"));
+    ASSERT_EQ(printer.jobs.size(), 1);
+    EXPECT_EQ(printer.jobs.last().image.orientation, printing::Orientation::Turned);
 }
 
 TEST_F(PrintStory, ErrorsAreShownAndNothingIsTriedTwice) {

@@ -62,9 +62,20 @@ QString PrintService::Run(const QString& program, const QStringList& arguments) 
 }
 
 void PrintService::AddQueue(const QString& name) const {
-    Run(u"lpadmin"_s,
-        {u"-p"_s, name, u"-E"_s, u"-v"_s, u"file:"_s + folder_.filePath(name + u".pdf"_s), u"-P"_s,
-         SourceFile("photo-printer.ppd")});
+    Run(u"lpadmin"_s, {u"-p"_s, name, u"-E"_s, u"-v"_s, u"file:"_s + SentFile(name), u"-P"_s,
+                       SourceFile("photo-printer.ppd")});
+}
+
+void PrintService::AddPhotoPrinter(const QString& name, const QString& driver,
+                                   const QString& model) const {
+    Run(u"/bin/sh"_s, {u"-c"_s,
+                       u"\"/usr/lib/cups/driver/$0\" cat \"$1\" > \"$2\" && "
+                       "lpadmin -p \"$3\" -E -v \"file:$4\" -P \"$2\""_s,
+                       driver, model, folder_.filePath(name + u".ppd"_s), name, SentFile(name)});
+}
+
+QString PrintService::SentFile(const QString& name) const {
+    return folder_.filePath(name + u".sent"_s);
 }
 
 void PrintService::WaitForJobs() const {

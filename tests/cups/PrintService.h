@@ -29,6 +29,11 @@ class PrintService {
     /// Adds a queue with the driver of "Photo".
     void AddQueue(const QString& name) const;
 
+    /// Adds a queue with one of Debian's photo drivers: the program below CUPS' folder of drivers,
+    /// and its name for the printer. What the printer is sent lands in SentFile.
+    void AddPhotoPrinter(const QString& name, const QString& driver, const QString& model) const;
+    QString SentFile(const QString& name) const;
+
     /// Waits until every job is done. Throws std::runtime_error where that takes too long.
     void WaitForJobs() const;
 

@@ -116,9 +116,9 @@ TEST_P(TrueSizeTest, EveryLayoutComesOutAtItsSizeAndCentred) {
     CupsPrinterLayer layer(service_.Address());
     Set(layer, {{"PageSize", row.paper}, {DeviceMode::Orientation, row.orientation}});
     const bool turned = qstrcmp(row.orientation, "4") == 0;
-    const QSizeF expected = turned ? row.millimetres.transposed() : row.millimetres;
-    EXPECT_NEAR(layer.PaperMillimetres().width(), expected.width(), 0.02);
-    EXPECT_NEAR(layer.PaperMillimetres().height(), expected.height(), 0.02);
+    const QSizeF page = layer.Paper().geometry.page;
+    EXPECT_NEAR(page.width(), row.millimetres.width(), 0.02);
+    EXPECT_NEAR(page.height(), row.millimetres.height(), 0.02);
     for (const core::SheetLayout& layout : core::SheetLayouts) {
         SCOPED_TRACE(layout.name.data());
         const PrintImage image = Sheet(row.photo, layout);
@@ -139,11 +139,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
     CupsPrinterLayer layer(service_.Address());
-    Set(layer, {{"PageSize", "A6"}});
+    Set(layer, {{"PageSize", "A6"}, {DeviceMode::Orientation, "3"}});
     const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
     for (const char* standard :
-         {"number-up=2", "fit-to-page=true", "print-scaling=fill", "orientation-requested=4",
-          "landscape=true", "booklet=true", "media=A4", "scaling=50"}) {
+         {"mirror=true", "page-border=double-thick", "page-ranges=2-3", "page-set=even",
+          "job-hold-until=indefinite", "number-up=2", "fit-to-page=true", "print-scaling=fill",
+          "orientation-requested=4", "landscape=true", "booklet=true", "media=A4", "scaling=50"}) {
         SCOPED_TRACE(standard);
         const QStringList option = QString::fromLatin1(standard).split(u'=');
         service_.Run(u"lpadmin"_s,
@@ -261,7 +262,7 @@ TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) 
     EXPECT_EQ(ErrorOf(print), rejects + ".");
     service_.Run(u"lpadmin"_s, {u"-x"_s, u"Photo"_s});
     EXPECT_EQ(ErrorOf(print), isGone);
-    EXPECT_EQ(ErrorOf([&] { layer.PaperMillimetres(); }), isGone);
+    EXPECT_EQ(ErrorOf([&] { layer.Paper(); }), isGone);
     CupsPrinterLayer fresh(service_.Address());
     EXPECT_EQ(ErrorOf([&] { fresh.CurrentPrinter(); }), "Es ist kein Drucker eingerichtet.");
     EXPECT_EQ(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }),

@@ -12,7 +12,9 @@
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
+#include "printing/Calibration.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FakePrinter.h"
 #include "tests/support/ModalDriver.h"
 
@@ -148,6 +150,36 @@ TEST_F(PrintDialogs, DeletingAnyProfileResetsThePrintDefaults) {
     const core::StoredSettings stored(data.ProfileFile(u"Standard Profile"_s));
     EXPECT_EQ(stored.PrintProfileBox(), -1);
     EXPECT_FALSE(stored.PrintAfterCrop());
+}
+
+TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
+    InProfiles([this](QWidget& shown) {
+        shown.findChild<QListWidget*>(u"lbProfiles"_s)->setCurrentRow(1);
+        driver.Expect(u"CalibrationDialog"_s, [this](QWidget& dialog) {
+            const auto apply = [&](const QStringList& readings) {
+                int field = 0;
+                for (const char* name : {"edAcross", "edAlong", "edLeft", "edTop"}) {
+                    Child<QLineEdit>(dialog, QLatin1String(name)).setText(readings[field++]);
+                }
+                Click(dialog, u"btnApply"_s);
+            };
+            Click(dialog, u"btnPrintSheet"_s);
+            driver.Answer(u"Linie A kann nicht stimmen"_s);
+            apply({u"lang"_s, u"100"_s, u"105"_s, u"148,5"_s});
+            driver.Answer(u"Linie B kann nicht stimmen"_s);
+            apply({u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
+            apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
+            Click(dialog, u"btnPrintSheet"_s);
+            Click(dialog, u"btnClose"_s);
+        });
+        Click(shown, u"btnCalibrate"_s);
+    });
+    const printing::Calibration expected{0.978, 1, {-1.4, 0}};
+    ASSERT_EQ(printer.jobs.size(), 2);
+    EXPECT_EQ(printer.jobs[0].image.calibration, printing::Calibration());
+    EXPECT_EQ(printer.jobs[1].image.calibration, expected) << "the second sheet confirms nothing";
+    EXPECT_EQ(printing::StoredCalibration(data.DataFolder(), u"B"_s), expected);
+    EXPECT_EQ(printing::StoredCalibration(data.DataFolder(), u"A"_s), printing::Calibration());
 }
 
 TEST_F(PrintDialogs, PrintingWithAProfileNeedsASelection) {

@@ -27,7 +27,7 @@ class RememberingLayer : public PrinterLayer {
         current = choice;
     }
     bool ShowSetupDialog(QWindow*) override { return false; }
-    QSizeF PaperMillimetres() override { return {}; }
+    PrinterPaper Paper() override { return {}; }
     void Print(const PrintImage&) override {}
     PrinterChoice current;
 };

@@ -39,9 +39,9 @@ class FakePrinter : public printing::PrinterLayer {
         return setupChoice.has_value();
     }
 
-    QSizeF PaperMillimetres() override {
+    printing::PrinterPaper Paper() override {
         Answer();
-        return paper;
+        return {printing::PaperGeometry::Plain(paper), orientation};
     }
 
     void Print(const printing::PrintImage& image) override {
@@ -53,6 +53,7 @@ class FakePrinter : public printing::PrinterLayer {
     /// What the user confirms in the set-up dialog; nothing when it is cancelled.
     std::optional<printing::PrinterChoice> setupChoice;
     QSizeF paper = QSizeF(210, 297);
+    printing::Orientation orientation = printing::Orientation::Upright;
     /// Every operation fails with this text while it is not empty.
     QString failure;
 

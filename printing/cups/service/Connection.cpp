@@ -79,8 +79,6 @@ ssize_t TakeBytes(void* context, ipp_uchar_t* bytes, size_t count) {
 
 /// Far above what real drivers and services have to say.
 constexpr qint64 MostAnswerBytes = qint64{16} << 20;
-/// So long the window may stand still.
-constexpr int UnnoticedMilliseconds = 150;
 
 }  // namespace
 
@@ -148,7 +146,7 @@ void Connection::WaitFor(Question& question) const {
     QEventLoop loop;
     QObject::connect(&question, &Question::Finished, &loop, &QEventLoop::quit);
     if (!question.IsFinished()) {
-        QTimer::singleShot(UnnoticedMilliseconds, &loop, &QEventLoop::quit);
+        QTimer::singleShot(address_.unnoticed, &loop, &QEventLoop::quit);
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     }
     if (question.IsFinished()) {

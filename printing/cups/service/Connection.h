@@ -34,6 +34,8 @@ struct ServiceAddress {
     std::chrono::milliseconds timeout;
     /// Null for none; outlives the connections.
     WaitDisplay* display = nullptr;
+    /// So long the user's input may wait before the display is shown.
+    std::chrono::milliseconds unnoticed{150};
 };
 
 /// The print service or the queue refused something. The text is a German sentence that names the
@@ -63,6 +65,8 @@ IppMessage NewRequest(ipp_op_t operation, const QByteArray& queueUri = {});
 /// cancel. Never asks for a password.
 class Connection {
  public:
+    static constexpr std::chrono::milliseconds Unnoticed{150};
+
     explicit Connection(ServiceAddress address) : address_(std::move(address)) {}
 
     /// Sends a request and returns the answer, also one that says no. `fileName` is the document to

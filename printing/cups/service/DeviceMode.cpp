@@ -120,6 +120,19 @@ void DeviceMode::Remove(const QByteArray& key) {
     std::erase_if(options_, [&](const auto& option) { return option.first == key; });
 }
 
+printing::Orientation DeviceMode::SheetOrientation() const {
+    const QByteArray value = Value(Orientation);
+    return value == "auto" ? printing::Orientation::Automatic
+           : value == "4"  ? printing::Orientation::Turned
+                           : printing::Orientation::Upright;
+}
+
+void DeviceMode::SetSheetOrientation(printing::Orientation orientation) {
+    Set(Orientation, orientation == printing::Orientation::Automatic ? "auto"
+                     : orientation == printing::Orientation::Turned  ? "4"
+                                                                     : "3");
+}
+
 int DeviceMode::CopyCount() const {
     return std::clamp(Value(Copies).toInt(), 1, MaximumCopies);
 }

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "printing/PrintImage.h"
+
 namespace kadrona::printing::cups {
 
 /// What a printer is set to, as its device mode block keeps it: UTF-8, a line `key=value` per
@@ -20,7 +22,7 @@ class DeviceMode {
     /// Number of copies of the page.
     static constexpr const char* Copies = "copies";
     /// "3" as the driver has the paper, "4" turned by a quarter (RFC 8011, 5.2.10: portrait and
-    /// landscape). The page is turned before it is sent.
+    /// landscape), "auto" as more of the photos fits. The page is turned before it is sent.
     static constexpr const char* Orientation = "orientation-requested";
     /// The queue's whole name where a printer settings file keeps only its beginning.
     static constexpr const char* QueueName = "printer-name";
@@ -41,8 +43,9 @@ class DeviceMode {
     int CopyCount() const;
     static constexpr int MaximumCopies = 999;
 
-    bool IsLandscape() const { return Value(Orientation) == "4"; }
-    void SetLandscape(bool landscape) { Set(Orientation, landscape ? "4" : "3"); }
+    /// Upright where it is not set.
+    printing::Orientation SheetOrientation() const;
+    void SetSheetOrientation(printing::Orientation orientation);
 
     bool operator==(const DeviceMode&) const = default;
 

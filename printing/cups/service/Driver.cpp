@@ -2,9 +2,12 @@
 
 #include <cups/ppd.h>
 
+#include <QRegularExpression>
 #include <algorithm>
 
+#include "platform/HarmlessText.h"
 #include "platform/SystemReason.h"
+#include "printing/NeutralOptions.h"
 #include "printing/cups/service/GermanTexts.h"
 #include "printing/cups/service/OptionTexts.h"
 #include "printing/cups/service/TemporaryFile.h"
@@ -19,16 +22,18 @@ namespace kadrona::printing::cups {
 
 namespace {
 
+constexpr double MillimetresPerInch = 25.4;
+constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
+
 /// Repeats the paper for drivers of old printers; the print service sets it by itself.
 constexpr const char* PaperAgain = "PageRegion";
 
 /// The driver's German text, else this program's for the driver's own text, else that or the name.
 QString Label(const QString& german, const char* ownText, const char* name) {
-    if (!german.isEmpty()) {
-        return german;
-    }
     const QString own = QString::fromUtf8(ownText).trimmed();
-    return own.isEmpty() ? QString::fromUtf8(name) : InGerman(own);
+    return platform::HarmlessLine(!german.isEmpty() ? german
+                                  : own.isEmpty()   ? QString::fromUtf8(name)
+                                                    : InGerman(own));
 }
 
 DriverOption OptionOf(const GermanTexts& texts, const ppd_option_t& read) {
@@ -76,6 +81,52 @@ Paper PaperOfSize(const ppd_size_t& size, const QString& label) {
              margin(size.bottom)}};
 }
 
+/// Without borderless printing this driver leaves a border that its description does not name. The
+/// widest of the printers that were measured.
+constexpr QMarginsF UnnamedMargins(3.5, 3.5, 3.5, 14.5);
+
+QByteArray ChosenOf(const DriverOption& option, const DeviceMode& mode) {
+    const QByteArray chosen = mode.Value(option.keyword);
+    return option.Offers(chosen) ? chosen : option.standard;
+}
+
+/// The size in points that Gutenprint's names speak of: "w288h432", "Postcard 100x148mm", "3.5x5".
+std::optional<QSizeF> SizeInName(const Paper& paper) {
+    static const QRegularExpression points(u"^w(\\d+)h(\\d+)"_s);
+    static const QRegularExpression lengths(
+        u"(\\d+(?:\\.\\d+)?) ?x ?(\\d+(?:\\.\\d+)?) ?(mm|cm|$)"_s);
+    if (const auto match = points.match(QString::fromUtf8(paper.name)); match.hasMatch()) {
+        return QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble());
+    }
+    const auto match = lengths.match(paper.label);
+    if (!match.hasMatch()) {
+        return std::nullopt;
+    }
+    const QString unit = match.captured(3);
+    const double millimetres = unit == u"mm" ? 1 : unit == u"cm" ? 10 : MillimetresPerInch;
+    return QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) * millimetres /
+           MillimetresPerPoint;
+}
+
+/// Where the real paper lies on a page that the driver makes larger, millimetres; nothing where the
+/// page is the paper.
+std::optional<QRectF> NamedPaper(const Paper& paper) {
+    constexpr double MostOverspray = 40;
+    const QRectF reached = QRectF({}, paper.points).marginsRemoved(paper.marginPoints);
+    const std::optional<QSizeF> named = SizeInName(paper);
+    if (!named) {
+        return std::nullopt;
+    }
+    const QSizeF over = reached.size() - *named;
+    if (over.width() < -1 || over.height() < -1 || over.width() > MostOverspray ||
+        over.height() > MostOverspray) {
+        return std::nullopt;
+    }
+    QRectF place({}, *named * MillimetresPerPoint);
+    place.moveCenter(reached.center() * MillimetresPerPoint);
+    return place;
+}
+
 }  // namespace
 
 bool DriverOption::Offers(const QByteArray& choice) const {
@@ -84,7 +135,7 @@ bool DriverOption::Offers(const QByteArray& choice) const {
 }
 
 QSizeF Paper::Millimetres() const {
-    return points * 25.4 / 72;
+    return points * MillimetresPerPoint;
 }
 
 void Driver::Closer::operator()(ppd_file_s* description) const {
@@ -176,6 +227,56 @@ std::optional<Paper> Driver::PaperOf(const DeviceMode& mode) const {
     }
     const DriverOption* option = Find({"PageSize"});
     return option == nullptr ? std::nullopt : PaperNamed(option->standard);
+}
+
+PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
+    PrinterPaper setting;
+    setting.orientation = mode.SheetOrientation();
+    setting.copies = mode.CopyCount();
+    if (const std::optional<Paper> paper = PaperOf(mode)) {
+        setting.geometry = GeometryOf(*paper, mode);
+    }
+    for (const NeutralOption& neutral : DriverOptions) {
+        const DriverOption* option = Find({neutral.keyword});
+        if (option != nullptr && !option->Offers(neutral.neutral)) {
+            setting.limits.append(
+                u"Die Einstellung „%1“ des Treibers lässt sich nicht abstellen; die Fotos können eine andere Größe bekommen."_s
+                    .arg(option->label));
+        }
+    }
+    return setting;
+}
+
+PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) const {
+    PaperGeometry geometry =
+        PaperGeometry::Plain(paper.Millimetres(), paper.marginPoints * MillimetresPerPoint);
+    geometry.name = paper.label;
+    if (Find({"StpiShrinkOutput"}) != nullptr) {
+        geometry.paper = NamedPaper(paper).value_or(geometry.paper);
+        const DriverOption* borderless = BorderlessSwitch();
+        if (borderless != nullptr && paper.IsBorderless() &&
+            ChosenOf(*borderless, mode) == "False") {
+            geometry.reach = geometry.paper.marginsRemoved(UnnamedMargins);
+        }
+    }
+    for (const SpreadingDriver& spreading : SpreadingDrivers) {
+        if (paper.IsBorderless() && UsesFilter(spreading.filter)) {
+            geometry.spread = geometry.spread.marginsAdded(
+                QMarginsF(spreading.left, spreading.top, spreading.right, spreading.bottom) *
+                MillimetresPerInch);
+        }
+    }
+    return geometry;
+}
+
+bool Driver::UsesFilter(const char* program) const {
+    for (int i = 0; i < description_->num_filters; ++i) {
+        // "application/vnd.cups-raster 0 program"
+        if (QByteArray(description_->filters[i]).endsWith(QByteArray(" ") + program)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 const Paper* Driver::BorderlessVariant(const Paper& paper) const {

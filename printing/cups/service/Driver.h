@@ -42,6 +42,7 @@ struct Paper {
     /// What the printer cannot reach.
     QMarginsF marginPoints;
 
+    /// Of the driver's page.
     QSizeF Millimetres() const;
     bool IsBorderless() const { return marginPoints.isNull(); }
 };
@@ -70,6 +71,12 @@ class Driver {
     std::optional<Paper> PaperNamed(const QByteArray& name) const;
     /// The paper that a printer is set to; the driver's own where it is set to none that there is.
     std::optional<Paper> PaperOf(const DeviceMode& mode) const;
+    /// The paper, and how a sheet lies on it, that a printer set to `mode` prints on. Of an unknown
+    /// paper nothing is known but the orientation and the copies.
+    PrinterPaper PrinterPaperOf(const DeviceMode& mode) const;
+    /// The driver's own switch for printing to the paper's edges; null where that is a matter of
+    /// the paper.
+    const DriverOption* BorderlessSwitch() const { return Find({"StpFullBleed"}); }
     /// The same paper without margins where there is one; null else.
     const Paper* BorderlessVariant(const Paper& paper) const;
 
@@ -87,6 +94,8 @@ class Driver {
 
     void ReadOptions(const GermanTexts& texts);
     void ReadPapers();
+    PaperGeometry GeometryOf(const Paper& paper, const DeviceMode& mode) const;
+    bool UsesFilter(const char* program) const;
 
     std::unique_ptr<ppd_file_s, Closer> description_;
     std::vector<DriverOption> options_;

@@ -1,9 +1,7 @@
 #include "printing/cups/service/Job.h"
 
-#include <array>
-#include <utility>
-
 #include "platform/SystemReason.h"
+#include "printing/NeutralOptions.h"
 #include "printing/cups/service/JobPage.h"
 #include "printing/cups/service/TemporaryFile.h"
 
@@ -33,16 +31,6 @@ class JobOptions {
     cups_option_t* options_ = nullptr;
 };
 
-/// What keeps the filters from changing the page, even where the administrator has set the queue
-/// to do so: the page is the paper already, turned and placed.
-constexpr auto Untouched =
-    std::to_array<std::pair<const char*, const char*>>({{"print-scaling", "none"},
-                                                        {"fit-to-page", "false"},
-                                                        {"landscape", "false"},
-                                                        {"number-up", "1"},
-                                                        {"booklet", "false"},
-                                                        {"orientation-requested", "3"}});
-
 void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
     JobOptions options;
     for (const auto& [keyword, choice] : mode.Options()) {
@@ -51,8 +39,13 @@ void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
         }
     }
     options.Add("copies", QByteArray::number(mode.CopyCount()).constData());
-    for (const auto& [name, value] : Untouched) {
-        options.Add(name, value);
+    for (const NeutralOption& option : ServiceOptions) {
+        options.Add(option.keyword, option.neutral);
+    }
+    for (const NeutralOption& option : DriverOptions) {
+        if (driver.Knows(option.keyword, option.neutral)) {
+            options.Add(option.keyword, option.neutral);
+        }
     }
     options.Encode(request);
 }
@@ -73,9 +66,7 @@ int SendJob(const Connection& connection, const Queue& queue, const Driver& driv
             const DeviceMode& mode, const PrintImage& image) {
     QTemporaryFile page;
     CreateTemporaryFile(page);
-    const std::optional<Paper> paper = driver.PaperOf(mode);
-    WriteJobPage(page, image, paper ? paper->Millimetres() : QSizeF(),
-                 mode.IsLandscape() ? SheetTurn::Landscape : SheetTurn::Upright);
+    WriteJobPage(page, image, driver.PrinterPaperOf(mode));
     if (!page.flush()) {
         throw ServiceFailure(u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(
             platform::SystemReason(page)));

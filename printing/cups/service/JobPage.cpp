@@ -1,10 +1,9 @@
 #include "printing/cups/service/JobPage.h"
 
-#include <QRectF>
+#include <QTransform>
 
 #include "imaging/pixels/Pixels.h"
 #include "imaging/writing/PdfFile.h"
-#include "printing/Placement.h"
 
 namespace kadrona::printing::cups {
 
@@ -17,18 +16,28 @@ QByteArray Points(double points) {
     return QByteArray::number(points, 'f', 6);
 }
 
-/// Draws the copies: each is the unit square of the image, brought to its place. PDF counts from
-/// the lower edge up.
-QByteArray DrawnCopies(const PrintImage& image, const QRectF& sheet, double pageHeight) {
+QByteArray Matrix(const QTransform& matrix) {
+    QByteArray text;
+    for (const double number :
+         {matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()}) {
+        text += Points(number) + ' ';
+    }
+    return text + "cm";
+}
+
+/// Draws the copies: each is the unit square of the image, brought to its place. `toPage` leads
+/// from the sheet, millimetres around its middle, to the page.
+QByteArray DrawnCopies(const PrintImage& image, const QTransform& toPage) {
+    const QSizeF sheet = image.Millimetres();
     const double width = sheet.width() / image.columns;
     const double height = sheet.height() / image.rows;
     QByteArray content;
     for (int row = 0; row < image.rows; ++row) {
         for (int column = 0; column < image.columns; ++column) {
-            const double left = sheet.left() + column * width;
-            const double bottom = pageHeight - sheet.top() - (row + 1) * height;
-            content += "q " + Points(width) + " 0 0 " + Points(height) + ' ' + Points(left) + ' ' +
-                       Points(bottom) + " cm /Image Do Q\n";
+            const double left = column * width - sheet.width() / 2;
+            const double bottom = (row + 1) * height - sheet.height() / 2;
+            const QTransform fromUnit(width, 0, 0, -height, left, bottom);
+            content += "q " + Matrix(fromUnit * toPage) + " /Image Do Q\n";
         }
     }
     return content;
@@ -36,19 +45,16 @@ QByteArray DrawnCopies(const PrintImage& image, const QRectF& sheet, double page
 
 }  // namespace
 
-void WriteJobPage(QIODevice& device, const PrintImage& image, QSizeF paperMillimetres,
-                  SheetTurn turn) {
-    const QSizeF sheet = image.Millimetres() * PointsPerMillimetre;
-    const bool turned = turn == SheetTurn::Landscape && !paperMillimetres.isEmpty();
-    const QSizeF paper =
-        paperMillimetres.isEmpty() ? sheet : paperMillimetres * PointsPerMillimetre;
-    const QSizeF page = turned ? paper.transposed() : paper;
-    QByteArray content = DrawnCopies(image, CentredOnPaper(page, sheet), page.height());
-    if (turned) {
-        content.prepend("0 1 -1 0 " + Points(paper.width()) + " 0 cm\n");
-    }
-
-    const imaging::PdfPage written{Points(paper.width()), Points(paper.height()), content,
+void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper& setting) {
+    const PaperGeometry& paper =
+        setting.geometry.IsKnown() ? setting.geometry : PaperGeometry::Plain(image.Millimetres());
+    const QSizeF page = paper.page * PointsPerMillimetre;
+    // PDF counts from the lower edge up.
+    const QTransform toPoints(PointsPerMillimetre, 0, 0, -PointsPerMillimetre, 0, page.height());
+    const QByteArray content =
+        DrawnCopies(image, SheetToPaper(image, paper, IsTurned(image, setting)) *
+                               PaperToPage(paper) * toPoints);
+    const imaging::PdfPage written{Points(page.width()), Points(page.height()), content,
                                    " /ViewerPreferences << /PrintScaling /None >>"};
     imaging::WritePdfFile(
         device, written,

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/HarmlessText.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::printing::cups {
@@ -33,6 +35,10 @@ QString Text(ipp_attribute_t* attribute) {
     return QString::fromUtf8(ippGetString(attribute, 0, nullptr));
 }
 
+QString ShownText(ipp_attribute_t* attribute) {
+    return platform::HarmlessLine(Text(attribute));
+}
+
 /// What somebody wrote about the state, without a full stop. The service's own English words say
 /// nothing that StateText does not.
 QString Remark(QString message) {
@@ -55,11 +61,11 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     if (name == "printer-name") {
         queue.name = ippGetString(attribute, 0, nullptr);
     } else if (name == "printer-info") {
-        queue.description = Text(attribute);
+        queue.description = ShownText(attribute);
     } else if (name == "printer-location") {
-        queue.location = Text(attribute);
+        queue.location = ShownText(attribute);
     } else if (name == "printer-make-and-model") {
-        queue.model = Text(attribute);
+        queue.model = ShownText(attribute);
     } else if (name == "device-uri") {
         queue.deviceUri = WithoutSecrets(Text(attribute));
     } else if (name == "printer-type") {
@@ -67,7 +73,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     } else if (name == "printer-state") {
         ReadState(queue, attribute);
     } else if (name == "printer-state-message") {
-        queue.stateMessage = Remark(Text(attribute));
+        queue.stateMessage = Remark(ShownText(attribute));
     } else if (name == "printer-state-reasons") {
         for (int i = 0; i < ippGetCount(attribute); ++i) {
             queue.stateReasons.emplace_back(ippGetString(attribute, i, nullptr));

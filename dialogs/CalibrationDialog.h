@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QDialog>
+#include <QList>
+
+#include "printing/PaperGeometry.h"
+
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+
+namespace kadrona::core {
+class TData;
+}
+
+namespace kadrona::dialogs {
+
+/// "Drucker kalibrieren": prints a sheet of rulers with a printer profile, asks what the user reads
+/// off it, and keeps what makes up for the difference beside the profile. Object names:
+/// "CalibrationDialog", "btnPrintSheet", "edAcross", "edAlong", "edLeft", "edTop", "btnApply",
+/// "btnClose", "lblState".
+class CalibrationDialog : public QDialog {
+    Q_OBJECT
+
+ public:
+    /// The profile's printer is the current one. Throws platform::Error where its paper cannot be
+    /// asked for or has no room for the rulers.
+    CalibrationDialog(core::TData& data, QString profile, QWidget* parent = nullptr);
+
+ private:
+    void BuildControls();
+    QLineEdit* AddReading(QFormLayout& form, const QString& name, const QString& caption);
+    void PrintSheet();
+    void Apply();
+    void ShowState(const QString& what);
+
+    core::TData& data_;
+    QString profile_;
+    printing::PaperGeometry paper_;
+    /// Across, along, left, top.
+    QList<QLineEdit*> readings_;
+    QLabel* state_;
+};
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,107 @@
+#include "printing/Calibration.h"
+
+#include <QLocale>
+#include <cmath>
+
+#include "platform/IniFile.h"
+#include "platform/Paths.h"
+#include "printing/PrinterLayer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::printing {
+
+namespace {
+
+/// No printer that prints photos at all is further off.
+constexpr double MostScaleError = 0.1;
+constexpr double MostOffset = 20;
+
+void RequireLength(const QString& line, double nominal, double measured) {
+    // A reading that is no number fails this, too.
+    if (!(std::abs(measured - nominal) <= nominal * MostScaleError)) {
+        const QLocale german(QLocale::German);
+        throw PrinterError(
+            u"Das Maß von Linie %1 kann nicht stimmen: Sie ist auf dem Blatt %2 mm lang, gemessen wären %3 mm."_s
+                .arg(line, german.toString(nominal), german.toString(measured)));
+    }
+}
+
+void RequirePlace(const QString& edge, double nominal, double measured) {
+    if (!(std::abs(measured - nominal) <= MostOffset)) {
+        const QLocale german(QLocale::German);
+        throw PrinterError(
+            u"Der Abstand des Kreuzes vom %1 Rand kann nicht stimmen: Es sind auf dem Blatt %2 mm, gemessen wären %3 mm."_s
+                .arg(edge, german.toString(nominal, 'f', 1), german.toString(measured)));
+    }
+}
+
+double Thousandths(double factor) {
+    return std::round(factor * 1000) / 1000;
+}
+
+double Tenths(double millimetres) {
+    return std::round(millimetres * 10) / 10;
+}
+
+/// Thousandths or tenths as the file has them, within what a calibration can be.
+double Within(int stored, double unit, double middle, double most) {
+    const double value = stored / unit;
+    return std::abs(value - middle) <= most ? value : middle;
+}
+
+QString CalibrationFile(const QString& dataFolder) {
+    return platform::JoinPath(dataFolder, u"PrinterCalibration.ini"_s);
+}
+
+}  // namespace
+
+Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWith,
+                       const RulerReadings& readings) {
+    const RulerLines lines = RulerLinesFor(paper);
+    const QPointF middle(paper.paper.width() / 2, paper.paper.height() / 2);
+    RequireLength(u"A"_s, lines.across, readings.across);
+    RequireLength(u"B"_s, lines.along, readings.along);
+    RequirePlace(u"linken"_s, middle.x(), readings.left);
+    RequirePlace(u"oberen"_s, middle.y(), readings.top);
+    Calibration calibration;
+    calibration.across = Thousandths(printedWith.across * lines.across / readings.across);
+    calibration.along = Thousandths(printedWith.along * lines.along / readings.along);
+    // Only the middle is moved, which scaling leaves in its place, but the printer's own scaling
+    // enlarges the move.
+    calibration.offset = {
+        Tenths(printedWith.offset.x() + (middle.x() - readings.left) * calibration.across),
+        Tenths(printedWith.offset.y() + (middle.y() - readings.top) * calibration.along)};
+    return calibration;
+}
+
+Calibration StoredCalibration(const QString& dataFolder, const QString& profile) {
+    const platform::IniFile file(CalibrationFile(dataFolder));
+    // A second calibration may add to a first one.
+    constexpr double MostStored = 2 * MostScaleError;
+    return {Within(file.ReadInteger(profile, u"AcrossThousandths"_s, 1000), 1000, 1, MostStored),
+            Within(file.ReadInteger(profile, u"AlongThousandths"_s, 1000), 1000, 1, MostStored),
+            {Within(file.ReadInteger(profile, u"RightTenths"_s), 10, 0, 2 * MostOffset),
+             Within(file.ReadInteger(profile, u"DownTenths"_s), 10, 0, 2 * MostOffset)}};
+}
+
+void StoreCalibration(const QString& dataFolder, const QString& profile,
+                      const Calibration& calibration) {
+    platform::IniFile file(CalibrationFile(dataFolder));
+    const auto write = [&](const QString& key, double value) {
+        file.WriteInteger(profile, key, static_cast<int>(std::lround(value)));
+    };
+    write(u"AcrossThousandths"_s, calibration.across * 1000);
+    write(u"AlongThousandths"_s, calibration.along * 1000);
+    write(u"RightTenths"_s, calibration.offset.x() * 10);
+    write(u"DownTenths"_s, calibration.offset.y() * 10);
+    file.Save();
+}
+
+void EraseCalibration(const QString& dataFolder, const QString& profile) {
+    platform::IniFile file(CalibrationFile(dataFolder));
+    file.EraseSection(profile);
+    file.Save();
+}
+
+}  // namespace kadrona::printing

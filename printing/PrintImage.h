@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QImage>
+#include <QPointF>
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+#include <optional>
+
+namespace kadrona::printing {
+
+/// How a sheet lies on its paper.
+enum class Orientation {
+    /// As the driver has the paper.
+    Upright,
+    /// Turned by a quarter.
+    Turned,
+    /// Whichever keeps more of the photos.
+    Automatic,
+};
+
+/// What makes up for a printer that prints at another size or place than it was told. The defaults
+/// change nothing.
+struct Calibration {
+    /// Factors by which the page is enlarged, across the paper and along its way through the
+    /// printer.
+    double across = 1;
+    double along = 1;
+    /// By how much the page is moved, millimetres to the right and down.
+    QPointF offset;
+
+    bool operator==(const Calibration&) const = default;
+};
+
+/// What is printed on the one page of a job: an image repeated in a grid, the copies touching each
+/// other, at its true size.
+struct PrintImage {
+    /// sRGB, opaque.
+    QImage tile;
+    int columns = 1;
+    int rows = 1;
+    /// Pixels divided by this are inches; above 0.
+    int dotsPerInch = 0;
+    /// Name of the job in the printer's queue.
+    QString title;
+    /// Width of the white between neighbouring photos in pixels: a tile has half of it at each
+    /// side.
+    int gap = 0;
+    /// How this sheet is to lie, whatever the printer is set to.
+    std::optional<Orientation> orientation = {};
+    Calibration calibration = {};
+
+    /// Printed size.
+    QSizeF Millimetres() const;
+    /// The photos without the white at the sheet's edges, millimetres, origin at the sheet's
+    /// middle.
+    QRectF PhotoMillimetres() const;
+};
+
+}  // namespace kadrona::printing

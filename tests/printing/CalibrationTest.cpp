@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "printing/Calibration.h"
+#include "printing/PrinterLayer.h"
+#include "tests/support/Errors.h"
+
+using namespace kadrona::printing;
+using namespace Qt::StringLiterals;
+using kadrona::testing::TextOf;
+
+namespace {
+
+const PaperGeometry Paper = PaperGeometry::Plain({101.6, 152.4});
+
+/// What a printer makes of the paper's coordinates that enlarges and shifts: 2.3 % and 1.4 mm.
+const QTransform Fault = QTransform::fromTranslate(-50.8, -76.2) *
+                         QTransform::fromScale(1.023, 0.985) *
+                         QTransform::fromTranslate(50.8 + 1.4, 76.2 - 0.8);
+
+QRectF Printed(const PrintImage& image, const QRectF& sheetPart) {
+    return (SheetToPaper(image, Paper, false) * Fault).mapRect(sheetPart);
+}
+
+TEST(CalibrationTest, UndoesAPrintersErrorAndIsKeptByProfile) {
+    const PrintImage sheet = RulerSheet(Paper, {});
+    const RulerLines lines = RulerLinesFor(Paper);
+    EXPECT_EQ(lines.across, 80);
+    EXPECT_EQ(lines.along, 100);
+    const QRectF cross = Printed(sheet, {-40, -50, 80, 100});
+    const auto read = [](double length) { return std::round(length * 10) / 10; };
+    const Calibration calibration =
+        Calibrated(Paper, {},
+                   {read(cross.width()), read(cross.height()), read(cross.center().x()),
+                    read(cross.center().y())});
+    QTemporaryDir folder;
+    StoreCalibration(folder.path(), u"Foto"_s, calibration);
+    EXPECT_EQ(StoredCalibration(folder.path(), u"Laser"_s), Calibration());
+    PrintImage photo = sheet;
+    photo.calibration = StoredCalibration(folder.path(), u"Foto"_s);
+    EXPECT_EQ(photo.calibration, calibration);
+    const QRectF printed = Printed(photo, {-17.5, -22.5, 35, 45});
+    EXPECT_NEAR(printed.width(), 35, 0.1);
+    EXPECT_NEAR(printed.height(), 45, 0.1);
+    EXPECT_NEAR(printed.center().x(), 50.8, 0.1);
+    EXPECT_NEAR(printed.center().y(), 76.2, 0.1);
+    EraseCalibration(folder.path(), u"Foto"_s);
+    EXPECT_EQ(StoredCalibration(folder.path(), u"Foto"_s), Calibration());
+}
+
+TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
+    const double none = std::nan("");
+    for (const RulerReadings& readings :
+         {RulerReadings{0, 100, 50.8, 76.2}, RulerReadings{3000, 100, 50.8, 76.2},
+          RulerReadings{80, none, 50.8, 76.2}, RulerReadings{80, 100, 508, 76.2},
+          RulerReadings{80, 100, 50.8, -1}}) {
+        EXPECT_NE(TextOf<PrinterError>([&] { Calibrated(Paper, {}, readings); }), QString());
+    }
+    EXPECT_NE(TextOf<PrinterError>([] { RulerSheet({}, {}); }), QString());
+    EXPECT_NE(TextOf<PrinterError>([] {
+                  RulerSheet(PaperGeometry::Plain({40, 90}), {});
+              }),
+              QString());
+}
+
+}  // namespace
