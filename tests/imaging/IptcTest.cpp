@@ -65,9 +65,9 @@ TEST(Iptc, StreamKeepsEveryItem) {
 }
 
 TEST(Iptc, TextsBecomeUtf8) {
-    const QByteArray stream("\x1c\x02\x05\0\x05M\xfcl\0r\x1c\x02\x19\0\x02\xc3\x9f", 17);
+    const QByteArray stream("\x1c\x02\x05\0\x06M\xfcl\0\xc3\x9f\x1c\x02\x19\0\x02\xc3\x9f", 18);
     const IptcItems items = DecodeIptc(stream);
-    EXPECT_EQ(items.Text(0), u"Mülr"_s) << "Windows-1252, and no NUL";
+    EXPECT_EQ(items.Text(0), u"Mülß"_s) << "Windows-1252 beside UTF-8, and no NUL";
     EXPECT_EQ(items.Text(1), u"ß"_s);
     EXPECT_EQ(Tags(u"a\0b"_s, {}).Text(0), u"ab"_s);
 }
