@@ -44,11 +44,12 @@ void JpegDecompressor::HandleError(j_common_ptr info) {
     switch (info->err->msg_code) {
         case JERR_OUT_OF_MEMORY:
             Exit(info, JpegFault::OutOfMemory);
+        case JERR_NO_BACKING_STORE:
+            Exit(info, JpegFault::TooMuchMemory);
         case JERR_ARITH_NOTIMPL:
         case JERR_BAD_PRECISION:
         case JERR_CONVERSION_NOTIMPL:
         case JERR_EMPTY_IMAGE:
-        case JERR_NO_BACKING_STORE:
         case JERR_SOF_UNSUPPORTED:
             Exit(info, JpegFault::Unsupported);
         default:

@@ -8,7 +8,7 @@
 namespace kadrona::imaging {
 
 /// Why libjpeg gave up.
-enum class JpegFault { Damaged, Incomplete, Unsupported, OutOfMemory };
+enum class JpegFault { Damaged, Incomplete, Unsupported, OutOfMemory, TooMuchMemory };
 
 /// libjpeg over a QIODevice, with its errors as JpegFault exceptions. Data that ends early or that
 /// libjpeg finds to make no sense is an error too, where it would warn and go on with grey.

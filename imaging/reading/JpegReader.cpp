@@ -141,6 +141,8 @@ QString ReasonOf(JpegFault fault) {
             return u"Diese Art von JPEG-Datei wird nicht unterstützt."_s;
         case JpegFault::OutOfMemory:
             return OutOfMemoryReason();
+        case JpegFault::TooMuchMemory:
+            return TooMuchMemoryReason();
         case JpegFault::Damaged:
             break;
     }
