@@ -11,10 +11,12 @@
 #include "app/MainWindow.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/SheetCommand.h"
+#include "app/commandline/TerminalText.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
+#include "platform/TerminationSignals.h"
 #include "printing/cups/CupsPrinterLayer.h"
 
 using namespace Qt::StringLiterals;
@@ -42,13 +44,22 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
         output << core::WindowCaption << Qt::endl;
         return Done;
     }
-    if (first.startsWith(u'-') || arguments.size() > 2) {
+    // Behind "--" a name may begin with "-".
+    const bool named = first == u"--"_s;
+    const QString wrong = first.startsWith(u'-') && !named ? first : arguments.value(named ? 3 : 2);
+    if (!wrong.isEmpty()) {
         errors << u"Mit „%1“ kann Kadrona nicht gestartet werden.\nHilfe: kadrona --help"_s.arg(
-                      first.startsWith(u'-') ? first : arguments.value(2))
+                      HarmlessName(wrong))
                << Qt::endl;
         return WrongUsage;
     }
     return std::nullopt;
+}
+
+/// The full path of the photo that is to be opened; empty where none was named.
+QString PhotoToOpen(const QStringList& arguments) {
+    const QString photo = LocalPath(arguments.value(arguments.value(1) == u"--"_s ? 2 : 1));
+    return photo.isEmpty() ? photo : QFileInfo(photo).absoluteFilePath();
 }
 
 /// Qt would end the program without a word that a user understands.
@@ -76,6 +87,14 @@ void OpenOnceExposed(TmainFm& window, const QString& photo) {
     }
 }
 
+/// What is open over the window is cancelled first; a chooser that does not let itself be closed
+/// must not keep the program.
+void CloseAsByTheUser(TmainFm& window) {
+    QApplication::closeAllWindows();
+    window.close();
+    QApplication::exit(Done);
+}
+
 int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication application(argc, argv);
     QTranslator toolkitTexts;
@@ -90,6 +109,9 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     const bool started = controls::Guarded(nullptr, [&] {
         printing::cups::CupsPrinterLayer printer;
         TmainFm window(core::Folders::OfThisMachine(), &printer);
+        const platform::TerminationSignals ending;
+        QObject::connect(&ending, &platform::TerminationSignals::Requested, &window,
+                         [&window] { CloseAsByTheUser(window); });
         window.show();
         if (!photo.isEmpty()) {
             OpenOnceExposed(window, photo);
@@ -102,6 +124,7 @@ int RunWindow(int argc, char** argv, const QString& photo) {
 }  // namespace
 
 int Run(int argc, char** argv) {
+    platform::IgnoreFileSizeSignal();
     const QStringList arguments = ArgumentsOf(argc, argv);
     if (const auto exitCode = RunWithoutWindow(argc, argv, arguments)) {
         return *exitCode;
@@ -111,8 +134,7 @@ int Run(int argc, char** argv) {
                                u"„kadrona sheet“ und „kadrona check“ (siehe kadrona --help).\n"_s;
         return SomePhotoFailed;
     }
-    const QString photo = arguments.value(1);
-    return RunWindow(argc, argv, photo.isEmpty() ? photo : QFileInfo(photo).absoluteFilePath());
+    return RunWindow(argc, argv, PhotoToOpen(arguments));
 }
 
 }  // namespace kadrona::app

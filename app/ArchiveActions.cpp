@@ -69,6 +69,7 @@ void ArchiveActions::MakeSheet(const QString& path) {
     imaging::LayeredImage& image = session_.Image();
     image.Clear();
     session_.SetFileName({});
+    session_.SetTemplateName({});
     session_.SetStage(PhotoSession::Stage::NoPhoto);
     actions_.SetChecked(Action::ShowLayer, false);
     auto startAnew = qScopeGuard([this] { viewActions_.StartAnew(); });

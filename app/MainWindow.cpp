@@ -4,8 +4,8 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QGuiApplication>
-#include <QScreen>
+#include <QLabel>
+#include <QUrl>
 
 #include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
@@ -16,6 +16,7 @@
 #include "app/SheetActions.h"
 #include "app/ViewActions.h"
 #include "app/WindowInterface.h"
+#include "app/WindowPlace.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/base/Product.h"
@@ -38,31 +39,18 @@ namespace {
 
 constexpr QSize DesignedClientArea(772, 675);
 constexpr int UndoLimit = 10;
-const QString LayoutSection = u"mainFm"_s;
 const QString CountValue = u"DBCount"_s;
-
-/// The screen on which enough of a window would be to take hold of it; null when there is none.
-const QScreen* ScreenOf(const QRect& window) {
-    const QRect grip(window.topLeft(), QSize(window.width(), 32));
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect visible = screen->availableGeometry().intersected(grip);
-        if (visible.width() >= 64 && visible.height() >= 8) {
-            return screen;
-        }
-    }
-    return nullptr;
-}
 
 }  // namespace
 
 TmainFm::TmainFm(const core::Folders& folders, printing::PrinterLayer* printer) {
-    setObjectName(LayoutSection);
+    setObjectName(u"mainFm"_s);
     setWindowTitle(core::WindowCaption.toString());
     BuildCommandArea();
     BuildViewPanel();
     BuildStatusBar();
     SetScreenTips();
-    resize(DesignedClientArea.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
+    resize(WindowPlace::OnScreen(DesignedClientArea));
     FormCreate(folders, printer);
     CreateReusedWindows();
     ConnectActions();
@@ -91,7 +79,8 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
                                                  *viewActions_, *rotateActions_);
     session_.Image().SetAutomaticUndo(true);
     session_.Image().SetUndoLimit(UndoLimit);
-    controls::Guarded(this, [this] { RestoreRectangle(); });
+    place_ = std::make_unique<WindowPlace>(*this, data_->DataFolder());
+    controls::Guarded(this, [this] { place_->Restore(); });
     pictureCount_->setCurrentIndex(settings_->ImageCount());
     session_.SetLayoutIndex(pictureCount_->currentIndex());
 }
@@ -142,6 +131,7 @@ void TmainFm::ShowSession() {
     emptyState_->setVisible(image.IsEmpty());
     view_->setVisible(!image.IsEmpty());
     statusPanels_->SetPath(session_.FileName());
+    templateName_->setText(session_.TemplateName());
 }
 
 void TmainFm::OpenDroppedFiles(const QStringList& paths) {
@@ -170,31 +160,25 @@ void TmainFm::FormDestroy() {
     data_.reset();
 }
 
-/// A saved edge of exactly 0 means that nothing is restored; so does a place that no screen shows
-/// any more. On a smaller screen the window gets as large as that screen.
-void TmainFm::RestoreRectangle() {
-    const QRect saved = data_->ReadLayerPosFromIni(LayoutSection);
-    const QScreen* screen = ScreenOf(saved);
-    if (saved.x() != 0 && saved.y() != 0 && screen != nullptr) {
-        move(saved.topLeft());
-        resize(saved.size().boundedTo(screen->availableSize()));
-    }
-}
-
-void TmainFm::FormCloseQuery() {
-    const bool restored = !isMaximized() && !isFullScreen();
-    const QRect rectangle = restored ? QRect(pos(), size()) : normalGeometry();
-    data_->SaveLayerPosToIni(LayoutSection, rectangle);
-}
-
 void TmainFm::closeEvent(QCloseEvent* event) {
-    controls::Guarded(this, [this] { FormCloseQuery(); });
+    controls::Guarded(this, [this] { place_->Save(); });
     event->accept();
 }
 
+bool TmainFm::event(QEvent* event) {
+    // A menu would clear the status bar of a hint that still holds; no action has a text for it.
+    return event->type() == QEvent::StatusTip || QMainWindow::event(event);
+}
+
+/// The page of a maker that is none does not exist; what is known of the maker stands in "Über".
 void TmainFm::StatusBarPanel2Click() {
-    controls::Guarded(this, [] {
-        if (!platform::OpenWebPage(QUrl(core::MakerHomePage.toString()))) {
+    const QUrl page(core::MakerHomePage.toString());
+    if (page.host().endsWith(u".example"_s)) {
+        about_->exec();
+        return;
+    }
+    controls::Guarded(this, [&page] {
+        if (!platform::OpenWebPage(page)) {
             throw platform::Error(
                 u"Die Seite %1 konnte nicht geöffnet werden: Es wurde kein "
                 u"Webbrowser gefunden."_s.arg(core::MakerHomePage));

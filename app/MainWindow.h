@@ -39,9 +39,10 @@ class RotateActions;
 class SheetActions;
 class ViewActions;
 class WindowInterface;
+class WindowPlace;
 
 /// The one main window: it makes the program's parts in their fixed order, lays out command area,
-/// view and status bar (MainWindowLayout.cpp), shows what the session holds, and keeps its place.
+/// view and status bar (MainWindowLayout.cpp), and shows what the session holds.
 /// What the actions do stands in a class for each group of them.
 class TmainFm : public QMainWindow {
     Q_OBJECT
@@ -62,6 +63,7 @@ class TmainFm : public QMainWindow {
     MainActions& Actions() { return actions_; }
 
  protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
  private:
@@ -70,8 +72,6 @@ class TmainFm : public QMainWindow {
     void CreateReusedWindows();
     void ConnectActions();
     void FormDestroy();
-    void FormCloseQuery();
-    void RestoreRectangle();
     void ShowSession();
     void StatusBarPanel2Click();
 
@@ -91,9 +91,11 @@ class TmainFm : public QMainWindow {
     QWidget* emptyState_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
+    QLabel* templateName_ = nullptr;
 
     std::unique_ptr<WindowInterface> ui_;
     std::unique_ptr<core::TData> data_;
+    std::unique_ptr<WindowPlace> place_;
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;

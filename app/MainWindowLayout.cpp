@@ -125,6 +125,11 @@ void TmainFm::BuildStatusBar() {
     statusPanels_->setObjectName(u"StatusBar"_s);
     statusPanels_->SetCaption(u"Datei"_s, 40);
     statusPanels_->SetLink(core::MakerLine.toString(), 150);
+    templateName_ = new QLabel(statusPanels_);
+    templateName_->setObjectName(u"TemplateName"_s);
+    templateName_->setToolTip(u"Schablone"_s);
+    templateName_->setMinimumWidth(1);  // the window must not grow with a long name
+    statusPanels_->addWidget(templateName_);
     setStatusBar(statusPanels_);
     connect(statusPanels_, &controls::StatusPanels::LinkClicked, this,
             &TmainFm::StatusBarPanel2Click);

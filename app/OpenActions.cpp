@@ -103,6 +103,7 @@ bool OpenActions::ReadPhoto(const QString& fileName) {
     const imaging::view::PaintingSuspension suspension(view_);
     session_.Image().Clear();
     session_.SetFileName(fileName);
+    session_.SetTemplateName({});
     data_.SetCurrentFile(fileName);
     const bool read = controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;

@@ -20,10 +20,15 @@ namespace {
 /// Wide enough for the columns of the list.
 constexpr QSize DialogSize(880, 560);
 
-/// Where a dialog starts that was given no folder.
+/// Where a dialog starts: the folder wanted, or one that exists.
 QString StartFolder(const QString& wanted) {
-    return wanted.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
-                            : wanted;
+    for (const QString& folder :
+         {wanted, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)}) {
+        if (QFileInfo(folder).isDir()) {
+            return folder;
+        }
+    }
+    return QDir::homePath();
 }
 
 /// The extension of a filter with one pattern, "PDF (*.pdf)": "pdf".
@@ -127,6 +132,14 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
     }
     nameFilter = window.selectedNameFilter();
     return window.Path();
+}
+
+QString ChooseFolder(QWidget* parent, const QString& title) {
+    QFileDialog window(parent, title, StartFolder({}));
+    window.setObjectName(u"FolderDialog"_s);
+    window.setFileMode(QFileDialog::Directory);
+    window.setOption(QFileDialog::ShowDirsOnly);
+    return window.exec() == QDialog::Accepted ? window.selectedFiles().value(0) : QString();
 }
 
 }  // namespace kadrona::app

@@ -26,4 +26,7 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
 std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog,
                                       QString& nameFilter);
 
+/// Lets the user choose a folder that exists; empty when cancelled.
+QString ChooseFolder(QWidget* parent, const QString& title);
+
 }  // namespace kadrona::app

@@ -46,6 +46,10 @@ RetouchTool::RetouchTool(PhotoSession& session, imaging::view::ImageView& view,
       viewActions_(viewActions),
       stamp_(session.Image()) {
     actions.Connect(Retouch, this, [this] { acBeautyExecute(); });
+    // A square photo has the same size afterwards, but another place where the source was.
+    for (const Action turn : {Action::RotateLeft, Action::RotateRight}) {
+        connect(actions[turn], &QAction::triggered, this, &RetouchTool::ForgetSource);
+    }
     connect(actions_[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
     connect(&session_.Image(), &imaging::LayeredImage::PhotoChanged, this,
             &RetouchTool::FollowPhoto);
@@ -96,12 +100,16 @@ void RetouchTool::FollowPhoto() {
         return;
     }
     photoSize_ = size;
-    stamp_.Reset();
     if (!isBrushChosen_) {
         brush_.diameter =
             std::clamp(std::floor(std::max(size.width(), size.height()) / BrushesPerPhoto),
                        SmallestDiameter, LargestDiameter);
     }
+    ForgetSource();
+}
+
+void RetouchTool::ForgetSource() {
+    stamp_.Reset();
     if (view_.Tool() == this) {
         ShowHint();
         view_.RefreshTool();

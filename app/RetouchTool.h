@@ -37,6 +37,7 @@ class RetouchTool : public QObject, private imaging::view::ViewTool {
     void LeaveMode();
     void FollowAction(bool checked);
     void FollowPhoto();
+    void ForgetSource();
     void ShowHint();
     void ChangeSize(double notches);
     void ChangeSoftness(double notches);

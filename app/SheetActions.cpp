@@ -5,15 +5,20 @@
 
 #include "app/MainActions.h"
 #include "app/PhotoSession.h"
+#include "app/PictureFileDialog.h"
 #include "app/PrintFlow.h"
 #include "app/ViewActions.h"
 #include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
+#include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
 
@@ -67,8 +72,55 @@ void SheetActions::acSaveExecute() {
 void SheetActions::acSaveImageFastExecute() {
     const QString fileName = data_.GetFileName(settings_.FileNameEd(), settings_.FileVarCombo(),
                                                settings_.FileTypCombo());
+    if (!MayShrinkTheSheet()) {
+        return;
+    }
+    const QString folder = FolderToSaveIn();
+    const QString path = platform::JoinPath(platform::WithoutTrailingSeparator(folder), fileName);
+    if (folder.isEmpty() || !MayReplace(path)) {
+        return;
+    }
     const controls::WaitCursor wait;
-    data_.SaveImage(session_.Image(), data_.SaveFolder(), fileName, settings_.ScaleImageCk());
+    data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk());
+    savedPhotos_.insert(path, data_.CurrentFile());
+}
+
+/// Without a folder the photo would go to the root of the file system.
+QString SheetActions::FolderToSaveIn() {
+    const QString folder = data_.SaveFolder();
+    if (QFileInfo(folder).isDir()) {
+        return folder;
+    }
+    const QString wanted = settings_.ImageSaveDir();
+    const QString text = wanted.isEmpty()
+                             ? u"In den Einstellungen ist kein Ordner zum Speichern angegeben."_s
+                             : u"Den Ordner „%1“ gibt es nicht."_s.arg(wanted);
+    return controls::AskYesNo(&window_, text + u"\n\nMöchten Sie einen Ordner wählen?"_s,
+                              controls::Severity::Warning)
+               ? ChooseFolder(&window_, u"Ordner zum Speichern"_s)
+               : QString();
+}
+
+/// The number of pictures may have been changed after the sheet was made.
+bool SheetActions::MayShrinkTheSheet() {
+    const imaging::Pixels& sheet = session_.Image().Photo();
+    const int pictures = sheet.Columns() * sheet.Rows();
+    return pictures < 2 || !settings_.ScaleImageCk() ||
+           controls::AskYesNo(&window_,
+                              u"Das Blatt hat %1 Bilder und würde als Ganzes auf die Größe eines "
+                              u"einzigen verkleinert.\n\nTrotzdem speichern?"_s.arg(pictures),
+                              controls::Severity::Warning);
+}
+
+/// Saving the same photo again replaces its file without asking.
+bool SheetActions::MayReplace(const QString& path) {
+    const auto saved = savedPhotos_.constFind(path);
+    return saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
+           !QFileInfo::exists(path) ||
+           controls::AskYesNo(&window_,
+                              u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
+                              u"ersetzen?"_s.arg(path, QFileInfo(*saved).fileName()),
+                              controls::Severity::Warning);
 }
 
 }  // namespace kadrona::app

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
+#include <QString>
 
 class QWidget;
 
@@ -31,6 +33,9 @@ class SheetActions : public QObject {
     void acCropExecute();
     void acSaveExecute();
     void acSaveImageFastExecute();
+    QString FolderToSaveIn();
+    bool MayShrinkTheSheet();
+    bool MayReplace(const QString& path);
 
     PhotoSession& session_;
     QWidget& window_;
@@ -40,6 +45,8 @@ class SheetActions : public QObject {
     MainActions& actions_;
     ViewActions& viewActions_;
     PrintFlow& printFlow_;
+    /// The photos that files were quickly saved from in this run, by the files' paths.
+    QHash<QString, QString> savedPhotos_;
 };
 
 }  // namespace kadrona::app

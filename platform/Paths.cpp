@@ -51,6 +51,12 @@ QString ProgramFolder() {
     return WithoutTrailingSeparator(QDir::toNativeSeparators(program.canonicalPath()));
 }
 
+QString TemplateFolder(const QString& programFolder) {
+    const QString own = JoinPath(programFolder, u"Schablonen");
+    const QString shared = QDir::cleanPath(JoinPath(programFolder, u"../share/kadrona/Schablonen"));
+    return !QFileInfo(own).isDir() && QFileInfo(shared).isDir() ? shared : own;
+}
+
 QString CommonAppDataFolder() {
     const QString chosen = qEnvironmentVariable("KADRONA_COMMON_APPDATA");
     return WithoutTrailingSeparator(

@@ -15,6 +15,11 @@ QString WithoutTrailingSeparator(QString path);
 /// Folder that holds the real program file (links followed), without a trailing separator.
 QString ProgramFolder();
 
+/// The folder of the templates that were delivered with the program of this folder: "Schablonen" in
+/// it, or "../share/kadrona/Schablonen" beside it, the first that exists; the former where neither
+/// does.
+QString TemplateFolder(const QString& programFolder);
+
 /// The machine-wide folder for application data, without a trailing separator. On Linux:
 /// $KADRONA_COMMON_APPDATA if set; else /var/lib if /var/lib/Kadrona exists and can be written to
 /// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).

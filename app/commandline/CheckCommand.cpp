@@ -7,6 +7,7 @@
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/SheetCommand.h"
+#include "app/commandline/TerminalText.h"
 #include "core/check/PhotoCheck.h"
 #include "core/sheet/PhotoLoading.h"
 #include "imaging/face/Cascades.h"
@@ -88,7 +89,7 @@ QJsonObject ReportObject(const Report& report) {
 }
 
 void PrintText(const Report& report, QTextStream& output) {
-    output << report.file << u"\n"_s;
+    output << HarmlessName(report.file) << u"\n"_s;
     if (report.search.faceCount > 1) {
         output << u"  %1 Gesichter; geprüft wird das größte nahe der Mitte.\n"_s.arg(
             report.search.faceCount);
@@ -144,7 +145,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
             core::PlaceOnFace(*face, figures, data.TemplateCanvasSize(), image.Photo().Size());
         report.placement = placement.rectangle;
         if (placement.photoTooTight) {
-            errors << file << u": "_s << TooTightWarning << Qt::endl;
+            errors << HarmlessName(file) << u": "_s << TooTightWarning << Qt::endl;
         }
     }
     core::CheckedPhoto checked;
@@ -177,7 +178,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
         try {
             Report report = CheckOne(data, settings, request, photo, errors);
             if (request.automatic && !report.search.face) {
-                errors << photo << u": Kein Gesicht gefunden."_s << Qt::endl;
+                errors << HarmlessName(photo) << u": Kein Gesicht gefunden."_s << Qt::endl;
                 result = SomePhotoFailed;
             }
             missed |= report.HasMissed();
@@ -187,7 +188,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
                 PrintText(report, output);
             }
         } catch (const std::exception& error) {
-            errors << photo << u": "_s << QString::fromUtf8(error.what()) << Qt::endl;
+            errors << FailureLine(photo, error) << Qt::endl;
             result = SomePhotoFailed;
         }
     }

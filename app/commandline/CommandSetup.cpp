@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "app/commandline/TerminalText.h"
 #include "core/base/UserInterface.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/face/FaceFinder.h"
@@ -19,7 +20,7 @@ const QString StandardProfile = u"Standard Profile"_s;
 class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
-    void ShowMessage(const QString& text) override { errors_ << text << Qt::endl; }
+    void ShowMessage(const QString& text) override { errors_ << HarmlessText(text) << Qt::endl; }
     std::optional<QStringList> EditTags() override {
         ShowMessage(
             u"Das Foto wird nicht archiviert: Schlüsselworte können nur im Fenster eingegeben "
@@ -46,10 +47,10 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command) {
     try {
         return command();
     } catch (const UsageError& error) {
-        errors << error.Text() << u"\nHilfe: kadrona --help"_s << Qt::endl;
+        errors << HarmlessText(error.Text()) << u"\nHilfe: kadrona --help"_s << Qt::endl;
         return WrongUsage;
     } catch (const std::exception& error) {
-        errors << QString::fromUtf8(error.what()) << Qt::endl;
+        errors << HarmlessText(QString::fromUtf8(error.what())) << Qt::endl;
         return SomePhotoFailed;
     }
 }

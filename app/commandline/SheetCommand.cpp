@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include "app/commandline/CommandSetup.h"
+#include "app/commandline/TerminalText.h"
 #include "core/base/FileNaming.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/PhotoLoading.h"
@@ -78,7 +79,7 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
     data.DrawMask(image);
     PlaceTemplate(data, image, request, photo, errors);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
-        errors << photo << u": "_s << core::TooBrightWarning << Qt::endl;
+        errors << HarmlessName(photo) << u": "_s << core::TooBrightWarning << Qt::endl;
     }
     data.CropImage(image, request.layoutIndex.value_or(settings.ImageCount()));
     core::WritePhoto(image, output);
@@ -107,10 +108,10 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
                 MakeSheet(data, settings, request, photos.at(i), outputs.at(i), errors);
             progress << u"[%1/%2] %3 → %4 (%5)"_s.arg(i + 1)
                             .arg(photos.size())
-                            .arg(photos.at(i), outputs.at(i), made)
+                            .arg(HarmlessName(photos.at(i)), HarmlessName(outputs.at(i)), made)
                      << Qt::endl;
         } catch (const std::exception& error) {
-            errors << photos.at(i) << u": "_s << QString::fromUtf8(error.what()) << Qt::endl;
+            errors << FailureLine(photos.at(i), error) << Qt::endl;
             result = SomePhotoFailed;
         }
     }

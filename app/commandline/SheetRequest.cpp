@@ -1,6 +1,7 @@
 #include "app/commandline/SheetRequest.h"
 
 #include <QCommandLineParser>
+#include <QUrl>
 
 #include "core/sheet/SheetLayout.h"
 
@@ -53,7 +54,9 @@ void Parse(QCommandLineParser& parser, const QStringList& arguments) {
 /// What both commands are told: photos, template and its place.
 template <typename Request>
 void ReadCommon(const QCommandLineParser& parser, Request& request) {
-    request.photos = parser.positionalArguments();
+    for (const QString& photo : parser.positionalArguments()) {
+        request.photos.append(LocalPath(photo));
+    }
     request.templateName = parser.value(u"template"_s);
     if (request.photos.isEmpty()) {
         throw UsageError(u"Es ist kein Foto angegeben."_s);
@@ -71,6 +74,10 @@ void ReadCommon(const QCommandLineParser& parser, Request& request) {
 }
 
 }  // namespace
+
+QString LocalPath(const QString& argument) {
+    return argument.startsWith(u"file://"_s) ? QUrl(argument).toLocalFile() : argument;
+}
 
 SheetRequest ParseSheetRequest(const QStringList& arguments) {
     QCommandLineParser parser;
@@ -112,7 +119,8 @@ CheckRequest ParseCheckRequest(const QStringList& arguments) {
 QString CommandLineHelp() {
     return uR"(Aufruf:
   kadrona [FOTO]
-      öffnet das Fenster, auf Wunsch gleich mit einem Foto.
+      öffnet das Fenster, auf Wunsch gleich mit einem Foto. Vor Namen, die mit
+      „-“ beginnen, steht „--“.
   kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.

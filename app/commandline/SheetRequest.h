@@ -52,6 +52,9 @@ struct CheckRequest {
     bool strict = false;
 };
 
+/// A photo as it was named: a path, or an address as file managers give it ("file:///...").
+QString LocalPath(const QString& argument);
+
 /// Reads the arguments that follow "check". Throws UsageError.
 CheckRequest ParseCheckRequest(const QStringList& arguments);
 

@@ -58,8 +58,13 @@ QPushButton* AddButton(QMessageBox& box, const QString& caption, QMessageBox::Bu
     return button;
 }
 
+/// Over a window that is not shown yet a box would stand where that is going to be, or nowhere.
+QWidget* OnScreen(QWidget* parent) {
+    return parent != nullptr && parent->isVisible() ? parent : nullptr;
+}
+
 void ShowMessage(QWidget* parent, const QString& symbol, const QString& text) {
-    QMessageBox box(parent);
+    QMessageBox box(OnScreen(parent));
     Prepare(box, symbol, text);
     QPushButton* ok = AddButton(box, u"OK"_s, QMessageBox::AcceptRole, u"OkButton"_s);
     box.setDefaultButton(ok);

@@ -9,7 +9,7 @@ using platform::JoinPath;
 Folders::Folders(const QString& programFolder, const QString& commonAppData)
     : program(platform::WithoutTrailingSeparator(programFolder)),
       data(JoinPath(platform::WithoutTrailingSeparator(commonAppData), u"Kadrona")),
-      templates(JoinPath(program, u"Schablonen")) {
+      templates(platform::TemplateFolder(program)) {
     if (!platform::CreateFolder(data)) {
         data.clear();
     }

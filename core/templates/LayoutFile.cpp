@@ -7,8 +7,11 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
-LayoutFile::LayoutFile(const QString& dataFolder)
-    : path_(platform::JoinPath(dataFolder, u"kdr.ini")) {}
+LayoutFile::LayoutFile(const QString& dataFolder) : path_(PathIn(dataFolder)) {}
+
+QString LayoutFile::PathIn(const QString& dataFolder) {
+    return platform::JoinPath(dataFolder, u"kdr.ini");
+}
 
 QRect LayoutFile::Read(const QString& section) const {
     const platform::IniFile file(path_);

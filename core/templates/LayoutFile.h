@@ -10,6 +10,7 @@ namespace kadrona::core {
 class LayoutFile {
  public:
     explicit LayoutFile(const QString& dataFolder);
+    static QString PathIn(const QString& dataFolder);
 
     /// Values that are missing are 0.
     QRect Read(const QString& section) const;

@@ -6,7 +6,7 @@
 #include <QStandardPaths>
 
 #include "core/base/Product.h"
-#include "tests/app/SavingFixture.h"
+#include "tests/app/StoryFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +25,40 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     EXPECT_EQ(QImageReader(installation.Path("saved/Bildname.jpg")).size(), QSize(413, 531));
     EXPECT_EQ(Image().Photo().Size(), made);
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
+}
+
+TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
+    const auto scaled = [this] { Setting<QAbstractButton>("ScaleImageCk").setChecked(true); };
+    const auto save = [this](const QString& question, const QString& answer) {
+        driver.Answer(question, answer);
+        Trigger(u"acSaveImageFast"_s);
+    };
+    MakeSinglePhoto(scaled);
+    save(u"gespeichert"_s, u"OkButton"_s);
+    SavePhoto("other.png", QSize(1200, 1600), 50);
+    photoName = "other.png";
+    MakeSinglePhoto(scaled);
+    save(u"steht das Passbild aus „photo.png“"_s, u"NoButton"_s);
+    EXPECT_GT(qRed(QImage(installation.Path("saved/Bildname.jpg")).pixel(0, 0)), 100);
+
+    Setting<QLineEdit>("ImageSaveDir").clear();
+    save(u"kein Ordner"_s, u"NoButton"_s);
+    driver.Answer(u"kein Ordner"_s, u"YesButton"_s);
+    driver.Expect(u"FolderDialog"_s, [this](QWidget& shown) {
+        EXPECT_TRUE(dynamic_cast<QFileDialog&>(shown).directory().exists());
+        Type(shown, installation.Path("program"));
+    });
+    save(u"gespeichert"_s, u"OkButton"_s);
+    EXPECT_TRUE(QFile::exists(installation.Path("program/Bildname.jpg")));
+
+    Open("photo.png");
+    scaled();
+    Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
+    window->findChild<QComboBox*>(u"Anzahl"_s)->setCurrentIndex(0);
+    Trigger(u"acCrop"_s);  // saves nothing by itself: there are several photos
+    window->findChild<QComboBox*>(u"Anzahl"_s)->setCurrentIndex(core::SinglePhotoLayout);
+    save(u"Das Blatt hat 8 Bilder"_s, u"NoButton"_s);
+    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
 }
 
 TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {

@@ -2,6 +2,7 @@
 
 #include <QImageReader>
 
+#include "app/Application.h"
 #include "app/commandline/SheetCommand.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
@@ -44,6 +45,31 @@ TEST(SheetRequest, RefusesWhatMakesNoSense) {
         EXPECT_THROW(ParseSheetRequest(valid + wrong), UsageError)
             << wrong.join(u' ').toStdString();
     }
+}
+
+TEST(SheetRequest, TakesNamesAsFileManagersGiveThemAndThoseThatBeginLikeAnOption) {
+    EXPECT_EQ(app::LocalPath(u"file:///photos/a%20b.jpg"_s), u"/photos/a b.jpg"_s);
+    EXPECT_EQ(app::LocalPath(u"file:a.jpg"_s), u"file:a.jpg"_s);
+    EXPECT_EQ(ParseSheetRequest({u"--template"_s, u"Pass"_s, u"--out"_s, u"-b.jpg"_s, u"--"_s,
+                                 u"-a.jpg"_s, u"file:///c.jpg"_s})
+                  .photos,
+              (QStringList{u"-a.jpg"_s, u"/c.jpg"_s}));
+}
+
+TEST(CommandLine, EndsWithTheCodeOfWhatItWasAskedFor) {
+    const auto run = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "kadrona");
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments) {
+            pointers.push_back(argument.data());
+        }
+        return app::Run(static_cast<int>(pointers.size()), pointers.data());
+    };
+    EXPECT_EQ(run({"--help"}), app::Done);
+    EXPECT_EQ(run({"--version"}), app::Done);
+    EXPECT_EQ(run({"--unknown"}), app::WrongUsage);
+    EXPECT_EQ(run({"a.jpg", "b.jpg"}), app::WrongUsage);
+    EXPECT_EQ(run({"--", "-a.jpg", "b.jpg"}), app::WrongUsage);
 }
 
 class SheetCommand : public ::testing::Test {
@@ -92,7 +118,7 @@ TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
 }
 
 TEST_F(SheetCommand, DoesEveryPhotoOfAFolderAndNamesTheOnesThatFail) {
-    installation.Write("in/broken.jpg", "no photo");
+    installation.Write("in/broken\x1b\xad.jpg", "no photo");
     SavePhoto("in/small.png", 100, 100);
     SavePhoto("other/a.png", 400, 500);
     request.photos = {installation.Path("in"), installation.Path("other/a.png"),
@@ -103,8 +129,8 @@ TEST_F(SheetCommand, DoesEveryPhotoOfAFolderAndNamesTheOnesThatFail) {
               (QStringList{u"a_2_kdr.jpg"_s, u"a_kdr.jpg"_s, u"b_kdr.jpg"_s}));
     EXPECT_EQ(progress.count(u'\n'), 3);
     EXPECT_EQ(errors.count(u'\n'), 3) << errors.toStdString();
-    for (const QString& name : {u"broken.jpg"_s, u"small.png"_s, u"missing.jpg"_s}) {
-        EXPECT_TRUE(errors.contains(name)) << name.toStdString();
+    for (const QString& name : {u"broken\\u001b\\u00ad.jpg"_s, u"small.png"_s, u"missing.jpg"_s}) {
+        EXPECT_TRUE(errors.contains(name)) << errors.toStdString();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -14,6 +15,7 @@
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"
+#include "tests/support/Input.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,10 +38,7 @@ TEST_F(Story, APhotoBecomesASheet) {
 
     const QPoint from = OnScreen({100, 100});
     const QPoint to = OnScreen({300, 400});
-    QTest::mousePress(&window->View(), Qt::LeftButton, {}, from);
-    QTest::mouseMove(&window->View(), (from + to) / 2);
-    QTest::mouseMove(&window->View(), to);
-    QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, to);
+    Drag(window->View(), {from, (from + to) / 2, to});
     EXPECT_NEAR(Template().x(), 200, 3);
     EXPECT_NEAR(Template().y(), 300, 3);
 
@@ -60,10 +59,7 @@ TEST_F(Story, APhotoBecomesASheet) {
 TEST_F(Story, TheTemplateStaysInsideThePhotoAndCanBeHidden) {
     Open("photo.png");
     const QPoint inside = OnScreen({100, 100});
-    QTest::mousePress(&window->View(), Qt::LeftButton, {}, inside);
-    QTest::mouseMove(&window->View(), inside + QPoint(40, 40));
-    QTest::mouseMove(&window->View(), inside + QPoint(4000, 4000));
-    QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, inside + QPoint(4000, 4000));
+    Drag(window->View(), {inside, inside + QPoint(40, 40), inside + QPoint(4000, 4000)});
     EXPECT_EQ(Template().topLeft(), QPoint(1200 - 350, 1600 - 450));
 
     Trigger(u"acShowLayer"_s);
@@ -79,20 +75,6 @@ TEST_F(Story, TheTemplateStaysInsideThePhotoAndCanBeHidden) {
     EXPECT_TRUE(Image().LayerAt(1).visible) << "nothing while the retouch stamp is on";
     Trigger(u"acCrop"_s);
     EXPECT_EQ(Image().LayerCount(), 2) << "nor are photos made";
-}
-
-TEST_F(Story, EveryLayoutCanBeChosen) {
-    auto* count = window->findChild<QComboBox*>(u"Anzahl"_s);
-    ASSERT_EQ(count->count(), 8);
-    for (int index = 0; index < count->count(); ++index) {
-        Open("photo.png");
-        count->setCurrentIndex(index);
-        Trigger(u"acCrop"_s);
-        const core::SheetLayout layout = *core::SheetLayoutAt(index);
-        EXPECT_EQ(Image().Photo().Columns(), layout.columns) << index;
-        EXPECT_EQ(Image().Photo().Rows(), layout.rows) << index;
-        EXPECT_EQ(IsEnabled(u"acSaveImageFast"_s), index == 6) << index;
-    }
 }
 
 TEST_F(Story, ABrightPhotoWarnsAndIsMadeAllTheSame) {
@@ -118,10 +100,11 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
         for (const QString& action :
              {u"acRotateLeft"_s, u"acRotateDlg"_s, u"acZoomFit"_s, u"acZoomFull"_s,
               u"acShowLayer"_s, u"acUndo"_s, u"acSetWhitePoint"_s, u"acGradation"_s,
-              u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s}) {
+              u"acSchwarzweiss"_s, u"acColorConfig"_s, u"acBeauty"_s, u"acCrop"_s}) {
             Trigger(action);
+            EXPECT_EQ(window->View().Tool(), nullptr) << action.toStdString();
         }
-        EXPECT_EQ(window->View().Tool(), nullptr) << name;
+        EXPECT_FALSE(IsChecked(u"acBeauty"_s));
     }
     Open("photo.png");
     EXPECT_TRUE(IsEnabled(u"acCrop"_s));
@@ -139,6 +122,10 @@ TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
     Trigger(u"acUndo"_s);
     EXPECT_EQ(Image().Photo().Size(), QSize(1200, 1600));
     EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+    for (int i = 0; i < 11; ++i) {
+        Trigger(u"acRotateLeft"_s);
+    }
+    EXPECT_EQ(Image().UndoCount(), 10);
 }
 
 TEST_F(Story, AQuarterTurnNeverLeavesTheTemplateOutside) {
@@ -146,6 +133,9 @@ TEST_F(Story, AQuarterTurnNeverLeavesTheTemplateOutside) {
     Image().SetLayerRectangle(1, QRect(850, 1150, 350, 450));
     Trigger(u"acRotateLeft"_s);
     EXPECT_EQ(Template(), QRect(850, 750, 350, 450));
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Template(), QRect(850, 1150, 350, 450)) << "back where the turn took it from";
+    Trigger(u"acRotateLeft"_s);
     Image().SetLayerRectangle(1, QRect(1250, 0, 350, 450));
     Trigger(u"acUndo"_s);
     EXPECT_EQ(Template(), QRect(850, 1150, 350, 450)) << "where it lay before the turn";
@@ -207,13 +197,15 @@ TEST_F(Story, CtrlAndSpacePanWhileHeld) {
         QTest::keyPress(&window->View(), Qt::Key_Control);
         const QRect before = Template();
         const QPoint at = OnScreen({100, 100});
-        QTest::mousePress(&window->View(), Qt::LeftButton, {}, at);
-        QTest::mouseMove(&window->View(), at + QPoint(30, 30));
-        QTest::mouseRelease(&window->View(), Qt::LeftButton, {}, at + QPoint(30, 30));
+        Drag(window->View(), {at, at + QPoint(30, 30)});
         EXPECT_EQ(Template(), before);
         QTest::keyRelease(&window->View(), key);
         EXPECT_EQ(window->View().CurrentInteraction(), both);
     }
+    QTest::keyPress(&window->View(), Qt::Key_Control);
+    QFocusEvent leaving(QEvent::FocusOut);
+    QCoreApplication::sendEvent(&window->View(), &leaving);
+    EXPECT_EQ(window->View().CurrentInteraction(), both) << "the key is let go elsewhere";
 }
 
 TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
@@ -226,9 +218,21 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
     Start();
     EXPECT_EQ(window->pos(), QPoint(30, 40));
     EXPECT_EQ(window->size(), QSize(790, 690));
+    EXPECT_FALSE(window->isMaximized());
     platform::WriteRegistryInteger(u"DBCount"_s, 0);
     window.reset();
     EXPECT_EQ(platform::ReadRegistryInteger(u"DBCount"_s), 41) << "written back as it was read";
+
+    Start();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    window->showMaximized();
+    for (int start = 0; start < 2; ++start) {
+        window->close();
+        Start();
+        EXPECT_TRUE(window->isMaximized());
+    }
+    window->showNormal();
+    EXPECT_EQ(window->pos(), QPoint(30, 40)) << "the place does not drift";
 
     for (const char* edge : {"PosX=0\nPosY=40", "PosX=30\nPosY=0", "PosX=90000\nPosY=90000"}) {
         installation.Write("common/Kadrona/kdr.ini",
@@ -236,6 +240,15 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
         Start();
         EXPECT_EQ(window->size(), QSize(772, 675)) << edge;
     }
+}
+
+TEST_F(Story, TheStatusBarNamesTheTemplateAndItsLinkTheMaker) {
+    Open("photo.png", 1);
+    EXPECT_EQ(window->findChild<QLabel*>(u"TemplateName"_s)->text(), u"USA"_s);
+    driver.Press(u"fmAbout"_s, u"btnOk"_s);
+    window->findChild<QAbstractButton*>(u"StatusPanel2"_s)->click();
+    driver.Press(u"fmAbout"_s, u"btnOk"_s);
+    Trigger(u"acAbout"_s);
 }
 
 TEST_F(Story, AReadOnlyLayoutFileIsReportedAndTheWindowCloses) {

@@ -1,0 +1,90 @@
+#include "app/WindowPlace.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QScreen>
+#include <QStyle>
+#include <QWidget>
+
+#include "core/templates/LayoutFile.h"
+#include "platform/IniFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+const QString MaximizedKey = u"Maximized"_s;
+
+/// The screen on which enough of a window would be to take hold of it; null when there is none.
+const QScreen* ScreenOf(const QRect& window) {
+    const QRect grip(window.topLeft(), QSize(window.width(), 32));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect visible = screen->availableGeometry().intersected(grip);
+        if (visible.width() >= 64 && visible.height() >= 8) {
+            return screen;
+        }
+    }
+    return nullptr;
+}
+
+/// What a frame takes is known once a window has one; before that it is what the style draws.
+QSize FittingSize(QSize wanted, const QScreen& screen) {
+    const QStyle* style = QApplication::style();
+    const int border = style->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    const QSize frame(2 * border, style->pixelMetric(QStyle::PM_TitleBarHeight) + border);
+    return wanted.boundedTo(screen.availableSize() - frame);
+}
+
+}  // namespace
+
+WindowPlace::WindowPlace(QWidget& window, const QString& dataFolder)
+    : window_(window), dataFolder_(dataFolder) {
+    window.installEventFilter(this);
+}
+
+QSize WindowPlace::OnScreen(QSize wanted) {
+    return FittingSize(wanted, *QGuiApplication::primaryScreen());
+}
+
+void WindowPlace::Restore() {
+    const QString section = window_.objectName();
+    const QRect saved = core::LayoutFile(dataFolder_).Read(section);
+    const QScreen* screen = ScreenOf(saved);
+    if (saved.x() != 0 && saved.y() != 0 && screen != nullptr) {
+        window_.move(saved.topLeft());
+        window_.resize(FittingSize(saved.size(), *screen));
+    }
+    if (platform::IniFile(core::LayoutFile::PathIn(dataFolder_))
+            .ReadInteger(section, MaximizedKey)) {
+        window_.setWindowState(Qt::WindowMaximized);
+    }
+}
+
+void WindowPlace::Save() const {
+    const QString section = window_.objectName();
+    const bool normal = !window_.isMaximized() && !window_.isFullScreen();
+    const QRect place = normal ? QRect(window_.pos(), window_.size())
+                               : window_.normalGeometry().translated(-frame_);
+    core::LayoutFile(dataFolder_).Save(section, place);
+    platform::IniFile file(core::LayoutFile::PathIn(dataFolder_));
+    if (window_.isMaximized()) {
+        file.WriteInteger(section, MaximizedKey, 1);
+    } else {
+        file.EraseKey(section, MaximizedKey);
+    }
+    file.Save();
+}
+
+bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
+    // The frame is there only some time after the window was shown.
+    const bool placed = event->type() == QEvent::Move || event->type() == QEvent::Resize ||
+                        event->type() == QEvent::Paint;
+    if (placed && window_.isVisible() && !window_.isMaximized() && !window_.isFullScreen()) {
+        frame_ = window_.geometry().topLeft() - window_.pos();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+class QWidget;
+
+namespace kadrona::app {
+
+/// Where a window stands when it is closed, in the section of "kdr.ini" that bears its object name:
+/// its place while it is not maximised, and whether it is.
+class WindowPlace : public QObject {
+    Q_OBJECT
+
+ public:
+    /// Both outlive the object.
+    WindowPlace(QWidget& window, const QString& dataFolder);
+
+    /// Before the window is shown. A saved edge of exactly 0 means that no place is restored; so
+    /// does a place that no screen shows any more. On a smaller screen the window gets as large as
+    /// that screen. Throws platform::FileError.
+    void Restore();
+    /// Throws platform::FileError.
+    void Save() const;
+
+    /// A size of the window without its frame that fits on the primary screen with it.
+    static QSize OnScreen(QSize wanted);
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    QWidget& window_;
+    QString dataFolder_;
+    /// From the frame's corner to the window's, where it stood outside the maximised state.
+    QPoint frame_;
+};
+
+}  // namespace kadrona::app

@@ -1,0 +1,46 @@
+#include "app/commandline/TerminalText.h"
+
+namespace kadrona::app {
+
+namespace {
+
+bool Steers(QChar character) {
+    switch (character.category()) {
+        case QChar::Other_Control:
+        case QChar::Other_Format:
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        default:
+            return false;
+    }
+}
+
+QString Harmless(const QString& text, bool keepLines) {
+    QString harmless;
+    for (const QChar character : text) {
+        if (Steers(character) && !(keepLines && character == u'\n')) {
+            harmless += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QChar(u'0'));
+        } else {
+            harmless += character;
+        }
+    }
+    return harmless;
+}
+
+}  // namespace
+
+QString HarmlessName(const QString& name) {
+    return Harmless(name, false);
+}
+
+QString HarmlessText(const QString& text) {
+    return Harmless(text, true);
+}
+
+QString FailureLine(const QString& photo, const std::exception& error) {
+    QString reason = QString::fromUtf8(error.what());
+    return HarmlessName(photo + u": " + reason.replace(u'\n', u' '));
+}
+
+}  // namespace kadrona::app
