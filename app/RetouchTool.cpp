@@ -46,16 +46,12 @@ RetouchTool::RetouchTool(PhotoSession& session, imaging::view::ImageView& view,
       viewActions_(viewActions),
       stamp_(session.Image()) {
     actions.Connect(Retouch, this, [this] { acBeautyExecute(); });
-    // A square photo has the same size afterwards, but another place where the source was.
-    for (const Action turn : {Action::RotateLeft, Action::RotateRight}) {
-        connect(actions[turn], &QAction::triggered, this, &RetouchTool::ForgetSource);
-    }
     connect(actions_[Retouch], &QAction::toggled, this, &RetouchTool::FollowAction);
     connect(&session_.Image(), &imaging::LayeredImage::PhotoChanged, this,
             &RetouchTool::FollowPhoto);
     // Also where the photo keeps its size, as a square one does.
     connect(&session_.Image(), &imaging::LayeredImage::PhotoTurned, this,
-            [this] { stamp_.Reset(); });
+            &RetouchTool::ForgetSource);
 }
 
 RetouchTool::~RetouchTool() {

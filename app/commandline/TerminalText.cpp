@@ -40,7 +40,7 @@ QString HarmlessText(const QString& text) {
 
 QString FailureLine(const QString& photo, const std::exception& error) {
     QString reason = QString::fromUtf8(error.what());
-    return HarmlessName(photo + u": " + reason.replace(u'\n', u' '));
+    return HarmlessName(photo + QStringLiteral(": ") + reason.replace(u'\n', u' '));
 }
 
 }  // namespace kadrona::app

@@ -231,27 +231,29 @@ TEST(TextDecoding, TakesUtf8AndFallsBackByteByByte) {
     for (const Case& example : cases) {
         EXPECT_EQ(DecodeText(example.bytes), example.text) << example.name;
     }
-    TEST(Paths, TemplatesStandBesideTheProgramOrInTheSharedFolder) {
-        const QTemporaryDir prefix;
-        const QString program = prefix.filePath(u"bin"_s);
-        EXPECT_EQ(TemplateFolder(program), program + u"/Schablonen"_s);
-        QDir().mkpath(prefix.filePath(u"share/kadrona/Schablonen"_s));
-        EXPECT_EQ(TemplateFolder(program), prefix.filePath(u"share/kadrona/Schablonen"_s));
-        QDir().mkpath(program + u"/Schablonen"_s);
-        EXPECT_EQ(TemplateFolder(program), program + u"/Schablonen"_s);
-    }
+}
 
-    TEST(TerminationSignals, TellTheEventLoopOnce) {
-        for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
-            int requests = 0;
-            const TerminationSignals ending;
-            QObject::connect(&ending, &TerminationSignals::Requested, [&] { ++requests; });
-            raise(number);
-            QCoreApplication::processEvents();
-            EXPECT_EQ(requests, 1) << number;
-        }
-        EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL) << "as it was";
+TEST(Paths, TemplatesStandBesideTheProgramOrInTheSharedFolder) {
+    const QTemporaryDir prefix;
+    const QString program = prefix.filePath(u"bin"_s);
+    EXPECT_EQ(TemplateFolder(program), program + u"/Schablonen"_s);
+    QDir().mkpath(prefix.filePath(u"share/kadrona/Schablonen"_s));
+    EXPECT_EQ(TemplateFolder(program), prefix.filePath(u"share/kadrona/Schablonen"_s));
+    QDir().mkpath(program + u"/Schablonen"_s);
+    EXPECT_EQ(TemplateFolder(program), program + u"/Schablonen"_s);
+}
+
+TEST(TerminationSignals, TellTheEventLoopOnce) {
+    for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
+        int requests = 0;
+        const TerminationSignals ending;
+        QObject::connect(&ending, &TerminationSignals::Requested, [&] { ++requests; });
+        raise(number);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(requests, 1) << number;
     }
+    EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL) << "as it was";
+}
 
 }  // namespace
 }  // namespace kadrona::platform
