@@ -114,7 +114,7 @@ void ApplicationMenu::SetFootAction(QAction* action) {
 
 void ApplicationMenu::PopUp(const QWidget& anchor) {
     ensurePolished();
-    adjustSize();
+    resize(sizeHint());  // adjustSize would cut the captions on a small screen
     QPoint position = anchor.mapToGlobal(QPoint(0, anchor.height()));
     if (const QScreen* screen = anchor.screen()) {
         const QRect room = screen->availableGeometry();
