@@ -221,6 +221,7 @@ TEST(TextDecoding, TakesUtf8AndFallsBackByteByByte) {
         {"Windows-1252 own block", "\x80\x84x\x93\x96\x9F"_ba, u"€„x“–Ÿ"_s},
         {"open codes", "\x81\x9D"_ba, u"\x81\x9D"_s},
         {"both in one file", "\xC3\xA4=\xE4"_ba, u"ä=ä"_s},
+        {"both, whole at the end", "\xE4=\xC3\xA4"_ba, u"ä=ä"_s},
         {"cut off at the end", "a\xE2\x82"_ba, u"aâ‚"_s},
         {"overlong slash", "\xC0\xAF"_ba, u"À¯"_s},
         {"encoded surrogate", "\xED\xA0\x80"_ba, u"í\u00A0€"_s},
