@@ -124,7 +124,7 @@ void ReadHeader(png_structp png, png_infop info, Header& header) {
         header.gamma = 1 / encoding;
     }
     PrimariesAndWhite& p = header.primaries;
-    png_get_cHRM(png, info, &p[0], &p[1], &p[2], &p[3], &p[4], &p[5], &p[6], &p[7]);
+    png_get_cHRM(png, info, p.data(), &p[1], &p[2], &p[3], &p[4], &p[5], &p[6], &p[7]);
 }
 
 /// 1/2.2 is the nearest that this chunk can say of the curve of sRGB.
