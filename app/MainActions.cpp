@@ -63,10 +63,23 @@ constexpr std::array Definitions = {
                      6, UpdateRule::Editing},
     ActionDefinition{Action::SaveImageFast, u"acSaveImageFast", u"Speichern", u"", u"",
                      u"save-fast", -1, UpdateRule::SaveFast},
+    ActionDefinition{Action::AlignToFace, u"acAlignToFace", u"Am Gesicht ausrichten",
+                     u"Schablone am Gesicht ausrichten", u"Ctrl+E", u"align-face", 8,
+                     UpdateRule::Editing},
+    ActionDefinition{Action::LevelHead, u"acLevelHead", u"Kopf gerade richten",
+                     u"Dreht das Foto, bis die Augen waagerecht liegen", u"", u"rotate-free", 9,
+                     UpdateRule::Editing},
+    ActionDefinition{Action::ShowCheck, u"acShowCheck", u"Prüfung", u"Prüfung an/aus", u"F7",
+                     u"align-face", -1, UpdateRule::None, true},
 };
 
-/// acCrop's tag; it also needs a template to cut by.
+/// Tags of acCrop and acAlignToFace, which also need a template.
 constexpr int CropTag = 5;
+constexpr int AlignTag = 8;
+
+bool NeedsTemplate(int tag) {
+    return tag == CropTag || tag == AlignTag;
+}
 
 bool ToolSwitchedOff(int tag, const core::Settings& settings) {
     switch (tag) {
@@ -94,9 +107,9 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
     const bool editable = circumstances.imageLoaded && !circumstances.sheetCreated;
     switch (definition.rule) {
         case UpdateRule::Editing:
-            return {
-                .enabled = editable && (definition.tag != CropTag || circumstances.templateLoaded),
-                .visible = !ToolSwitchedOff(definition.tag, settings)};
+            return {.enabled = editable &&
+                               (!NeedsTemplate(definition.tag) || circumstances.templateLoaded),
+                    .visible = !ToolSwitchedOff(definition.tag, settings)};
         case UpdateRule::Sheet:
             return {.enabled = circumstances.sheetCreated, .visible = !settings.PrintAfterCrop()};
         case UpdateRule::Undo:

@@ -39,6 +39,9 @@ enum class Action {
     SearchArchiv,
     ColorConfig,
     SaveImageFast,
+    AlignToFace,
+    LevelHead,
+    ShowCheck,
 };
 
 /// What decides whether an action can be used, besides the settings.

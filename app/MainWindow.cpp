@@ -9,6 +9,7 @@
 
 #include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
+#include "app/FaceActions.h"
 #include "app/OpenActions.h"
 #include "app/PrintFlow.h"
 #include "app/RetouchTool.h"
@@ -106,6 +107,9 @@ void TmainFm::CreateReusedWindows() {
         std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, *curveDialog);
     retouchTool_ =
         std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
+    faceActions_ = std::make_unique<FaceActions>(session_, *view_, *data_, *ui_, actions_,
+                                                 *viewActions_, *sidePanel_, *checkSection_);
+    sheetActions_->SetConfirmation([this] { return faceActions_->ConfirmCut(); });
 }
 
 void TmainFm::ConnectActions() {
@@ -145,6 +149,7 @@ void TmainFm::FormDestroy() {
         }
     });
     // What works on the view and the data goes before them.
+    faceActions_.reset();
     colourTools_.reset();
     retouchTool_.reset();
     archiveActions_.reset();

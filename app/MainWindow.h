@@ -18,6 +18,8 @@ class StatusPanels;
 }  // namespace kadrona::controls
 
 namespace kadrona::dialogs {
+class CheckSection;
+class SidePanel;
 class TEinstellungenFm;
 class TFileNameFm;
 class TfmAbout;
@@ -32,6 +34,7 @@ namespace kadrona::app {
 
 class ArchiveActions;
 class ColourTools;
+class FaceActions;
 class OpenActions;
 class PrintFlow;
 class RetouchTool;
@@ -92,6 +95,8 @@ class TmainFm : public QMainWindow {
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
     QLabel* templateName_ = nullptr;
+    dialogs::SidePanel* sidePanel_ = nullptr;
+    dialogs::CheckSection* checkSection_ = nullptr;
 
     std::unique_ptr<WindowInterface> ui_;
     std::unique_ptr<core::TData> data_;
@@ -109,6 +114,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<ArchiveActions> archiveActions_;
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;
+    std::unique_ptr<FaceActions> faceActions_;
 };
 
 }  // namespace kadrona::app

@@ -1,6 +1,7 @@
 // What the main window is made of: command area, image view, status bar and their tips.
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -15,6 +16,8 @@
 #include "controls/theme/Icons.h"
 #include "core/base/Product.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/side/CheckSection.h"
+#include "dialogs/side/SidePanel.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;
@@ -71,7 +74,7 @@ void TmainFm::BuildEditBar(controls::CommandArea& area) {
     bar.AddAction(actions_[Action::SetWhitePoint], Caption::Shown);
     AddActions(bar, {Action::ColorConfig, Action::Beauty});
     bar.AddSeparator();
-    AddActions(bar, {Action::ZoomFit, Action::ZoomFull, Action::ShowLayer});
+    AddActions(bar, {Action::ZoomFit, Action::ZoomFull, Action::ShowLayer, Action::AlignToFace});
     bar.AddSeparator();
     AddActions(bar, {Action::About});
 }
@@ -94,7 +97,18 @@ void TmainFm::BuildViewPanel() {
     layout->setContentsMargins({});
     layout->addWidget(emptyState_);
     layout->addWidget(view_);
-    setCentralWidget(panel);
+
+    sidePanel_ = new dialogs::SidePanel;
+    checkSection_ = new dialogs::CheckSection;
+    sidePanel_->AddSection(checkSection_);
+    auto* centre = new QWidget(this);
+    auto* row = new QHBoxLayout(centre);
+    row->setContentsMargins({});
+    row->setSpacing(0);
+    row->addWidget(panel, 1);
+    row->addWidget(sidePanel_);
+    setCentralWidget(centre);
+    addAction(actions_[Action::ShowCheck]);
 
     auto* drop = new controls::FileDropTarget(panel);
     connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);

@@ -43,6 +43,9 @@ void SheetActions::acCropExecute() {
     if (actions_.IsChecked(Action::Beauty) || !session_.HasTemplate()) {
         return;
     }
+    if (confirm_ && !confirm_()) {
+        return;
+    }
     image.SetCurrentLayer(0);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         ui_.ShowMessage(core::TooBrightWarning);

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QObject>
 #include <QString>
+#include <functional>
 
 class QWidget;
 
@@ -29,6 +30,9 @@ class SheetActions : public QObject {
                  const core::Settings& settings, core::UserInterface& ui, MainActions& actions,
                  ViewActions& viewActions, PrintFlow& printFlow);
 
+    /// Asked before a photo is cut; false leaves it as it is.
+    void SetConfirmation(std::function<bool()> confirm) { confirm_ = std::move(confirm); }
+
  private:
     void acCropExecute();
     void acSaveExecute();
@@ -47,6 +51,7 @@ class SheetActions : public QObject {
     PrintFlow& printFlow_;
     /// The photos that files were quickly saved from in this run, by the files' paths.
     QHash<QString, QString> savedPhotos_;
+    std::function<bool()> confirm_;
 };
 
 }  // namespace kadrona::app

@@ -44,13 +44,14 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     const QStringList always{u"acAbout"_s,           u"acClose"_s,       u"acOpen"_s,
                              u"acOpenWithProfile"_s, u"acPrinSetup"_s,   u"acPrinterProfilDlg"_s,
                              u"acRotateLeft"_s,      u"acRotateRight"_s, u"acSearchArchiv"_s,
-                             u"acShowConfig"_s,      u"acZoomFit"_s,     u"acZoomFull"_s};
+                             u"acShowCheck"_s,       u"acShowConfig"_s,  u"acZoomFit"_s,
+                             u"acZoomFull"_s};
     const QStringList tools{u"acBeauty"_s,    u"acColorConfig"_s,  u"acGradation"_s,
                             u"acRotateDlg"_s, u"acSchwarzweiss"_s, u"acSetWhitePoint"_s,
-                            u"acShowLayer"_s};
+                            u"acShowLayer"_s, u"acLevelHead"_s};
     EXPECT_EQ(Enabled(NoPhoto), With(always, {}));
     EXPECT_EQ(Enabled(NoTemplate), With(always, tools));
-    EXPECT_EQ(Enabled(PhotoOpen), With(With(always, tools), {u"acCrop"_s}));
+    EXPECT_EQ(Enabled(PhotoOpen), With(With(always, tools), {u"acAlignToFace"_s, u"acCrop"_s}));
     EXPECT_EQ(Enabled(SheetOfEight), With(always, {u"acPrintImage"_s, u"acSave"_s}));
     EXPECT_EQ(Enabled(SinglePhoto),
               With(always, {u"acPrintImage"_s, u"acSave"_s, u"acSaveImageFast"_s}));

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "core/check/PhotoCheck.h"
+#include "imaging/face/Face.h"
+#include "imaging/pixels/Pixels.h"
+
+namespace kadrona::app {
+
+/// What a report shows.
+struct CheckReport {
+    imaging::Pixels photo;
+    QRect rectangle;  ///< the cut, photo pixels
+    QString templateName;
+    std::optional<imaging::Face> face;
+    std::vector<core::CheckLine> lines;
+};
+
+/// Writes the check as one page for the customer, a PDF in A4: the picture with its measures, the
+/// lines, the date, and that it promises nothing. Throws platform::FileError.
+void WriteCheckReport(const CheckReport& report, const QString& path);
+
+}  // namespace kadrona::app

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QRect>
+#include <QWidget>
+#include <optional>
+
+#include "imaging/face/Face.h"
+
+class QLabel;
+class QPushButton;
+
+namespace kadrona::imaging::view {
+class ImageView;
+}
+
+namespace kadrona::app {
+
+/// What is drawn over the photo of a face: the dashed outline of the template's proposed place with
+/// a quiet line that offers it, and the face's points. The mouse goes through it to the view,
+/// except on the line's buttons.
+class FaceOverlay : public QWidget {
+    Q_OBJECT
+
+ public:
+    explicit FaceOverlay(imaging::view::ImageView& view);
+
+    /// Nothing takes the offer away.
+    void Propose(const std::optional<QRect>& rectangle, const QString& text);
+    /// Nothing shows no points.
+    void ShowPoints(const std::optional<imaging::Face>& face);
+    bool IsProposing() const { return proposed_.has_value(); }
+
+ Q_SIGNALS:
+    void Accepted();
+    void Refused();
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    void Follow();
+
+    imaging::view::ImageView& view_;
+    std::optional<QRect> proposed_;
+    std::optional<imaging::Face> face_;
+    QWidget* line_;
+    QLabel* text_;
+};
+
+}  // namespace kadrona::app

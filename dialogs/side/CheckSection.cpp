@@ -1,0 +1,179 @@
+#include "dialogs/side/CheckSection.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+bool IsOutside(const core::CheckLine& line) {
+    return line.value && ((line.minimum && *line.value < *line.minimum) ||
+                          (line.maximum && *line.value > *line.maximum));
+}
+
+/// A sign besides the word and the colour, for those who tell colours apart badly. A guidance that
+/// is not kept is worth a look, no more.
+QString SignOf(const core::CheckLine& line) {
+    switch (line.state) {
+        case core::CheckState::Met:
+            return u"✓"_s;
+        case core::CheckState::Missed:
+            return u"✗"_s;
+        case core::CheckState::Guidance:
+            break;
+    }
+    return IsOutside(line) ? u"!"_s : u"·"_s;
+}
+
+QString ColourOf(const core::CheckLine& line) {
+    switch (line.state) {
+        case core::CheckState::Met:
+            return u"color: #1b7a2b"_s;
+        case core::CheckState::Missed:
+            return u"color: #b3261e"_s;
+        case core::CheckState::Guidance:
+            break;
+    }
+    return IsOutside(line) ? u"color: #8a5a00"_s : u"color: #6a6f73"_s;
+}
+
+/// Texts are set only where they changed: a drag asks at every frame.
+void SetText(QLabel* label, const QString& text) {
+    if (label->text() != text) {
+        label->setText(text);
+    }
+}
+
+void SetStyle(QLabel* label, const QString& style) {
+    if (label->styleSheet() != style) {
+        label->setStyleSheet(style);
+    }
+}
+
+QString JudgementOf(const core::CheckLine& line) {
+    const QString band = core::BandText(line);
+    QStringList parts;
+    if (!band.isEmpty()) {
+        parts << band;
+    }
+    if (!line.note.isEmpty()) {
+        parts << line.note;
+    }
+    parts << core::StateText(line.state);
+    return parts.join(u" · "_s);
+}
+
+}  // namespace
+
+CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"CheckSection"_s);
+    auto* title = new QLabel(u"<b>Prüfung</b>"_s);
+    summary_ = new QLabel;
+    summary_->setObjectName(u"CheckSummary"_s);
+    summary_->setWordWrap(true);
+    grid_ = new QGridLayout;
+    grid_->setColumnStretch(1, 1);
+    grid_->setVerticalSpacing(1);
+    buttons_ = new QGridLayout;
+
+    alignment_ = new QComboBox;
+    alignment_->setObjectName(u"FaceAlignment"_s);
+    alignment_->addItems({u"nie"_s, u"vorschlagen"_s, u"immer"_s});
+    points_ = new QPushButton(u"Punkte verschieben"_s);
+    points_->setObjectName(u"MovePoints"_s);
+    points_->setCheckable(true);
+    report_ = new QPushButton(u"Bericht"_s);
+    report_->setObjectName(u"CheckReport"_s);
+    buttons_->addWidget(points_, 0, 0);
+    buttons_->addWidget(report_, 0, 1);
+
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(title);
+    column->addWidget(summary_);
+    column->addLayout(grid_);
+    column->addLayout(buttons_);
+    auto* alignmentLabel = new QLabel(u"Schablone am Gesicht ausrichten:"_s);
+    alignmentLabel->setBuddy(alignment_);
+    column->addWidget(alignmentLabel);
+    column->addWidget(alignment_);
+
+    connect(alignment_, &QComboBox::activated, this, &CheckSection::AlignmentChosen);
+    connect(points_, &QPushButton::toggled, this, &CheckSection::PointsToggled);
+    connect(report_, &QPushButton::clicked, this, &CheckSection::ReportAsked);
+}
+
+CheckSection::Row& CheckSection::RowAt(size_t index) {
+    while (rows_.size() <= index) {
+        const Row row{new QLabel, new QLabel, new QLabel, new QLabel};
+        const int line = static_cast<int>(rows_.size()) * 2;
+        row.label->setWordWrap(true);
+        row.judgement->setWordWrap(true);
+        grid_->addWidget(row.sign, line, 0, Qt::AlignTop);
+        grid_->addWidget(row.label, line, 1);
+        grid_->addWidget(row.value, line, 2, Qt::AlignRight | Qt::AlignTop);
+        grid_->addWidget(row.judgement, line + 1, 1, 1, 2);
+        rows_.push_back(row);
+    }
+    return rows_[index];
+}
+
+void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QString& summary) {
+    SetText(summary_, summary);
+    summary_->setVisible(!summary.isEmpty());
+    for (size_t i = 0; i < std::max(lines.size(), rows_.size()); ++i) {
+        Row& row = RowAt(i);
+        const bool used = i < lines.size();
+        for (QLabel* label : {row.sign, row.label, row.value, row.judgement}) {
+            label->setVisible(used);
+        }
+        if (!used) {
+            continue;
+        }
+        const core::CheckLine& line = lines[i];
+        SetText(row.sign, SignOf(line));
+        SetStyle(row.sign, ColourOf(line));
+        SetText(row.label, line.label);
+        SetText(row.value, core::ValueText(line));
+        SetText(row.judgement, JudgementOf(line));
+        SetStyle(row.judgement, ColourOf(line));
+        row.judgement->setToolTip(u"Quelle: "_s + line.source);
+    }
+    report_->setEnabled(!lines.empty());
+    points_->setEnabled(!lines.empty());
+}
+
+void CheckSection::AddAction(QAction* action) {
+    auto* button = new QPushButton(action->text());
+    button->setObjectName(action->objectName() + u"Button"_s);
+    button->setToolTip(action->toolTip());
+    buttons_->addWidget(button, buttons_->rowCount(), 0, 1, 2);
+    button->setEnabled(action->isEnabled());
+    connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    connect(action, &QAction::changed, button,
+            [action, button] { button->setEnabled(action->isEnabled()); });
+}
+
+CheckSection::Alignment CheckSection::FaceAlignment() const {
+    return static_cast<Alignment>(alignment_->currentIndex());
+}
+
+void CheckSection::SetFaceAlignment(Alignment alignment) {
+    alignment_->setCurrentIndex(static_cast<int>(alignment));
+}
+
+bool CheckSection::PointsMovable() const {
+    return points_->isChecked();
+}
+
+void CheckSection::SetPointsMovable(bool movable) {
+    points_->setChecked(movable);
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QWidget>
+#include <vector>
+
+#include "core/check/PhotoCheck.h"
+
+class QAction;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QPushButton;
+
+namespace kadrona::dialogs {
+
+/// The section "Prüfung": the lines of a check with value, band and state, and what can be done
+/// about them. Shows what it is given and keeps nothing else.
+class CheckSection : public QWidget {
+    Q_OBJECT
+
+ public:
+    /// When the template is placed by the face; the order of the box.
+    enum class Alignment { Never, Propose, Always };
+
+    explicit CheckSection(QWidget* parent = nullptr);
+
+    /// The lines, and a sentence above them, e.g. that there is no face.
+    void SetLines(const std::vector<core::CheckLine>& lines, const QString& summary);
+    /// A button that triggers an action of the window.
+    void AddAction(QAction* action);
+
+    Alignment FaceAlignment() const;
+    void SetFaceAlignment(Alignment alignment);
+    bool PointsMovable() const;
+    void SetPointsMovable(bool movable);
+
+ Q_SIGNALS:
+    void AlignmentChosen();
+    void PointsToggled(bool movable);
+    void ReportAsked();
+
+ private:
+    struct Row {
+        QLabel* sign;
+        QLabel* label;
+        QLabel* value;
+        QLabel* judgement;
+    };
+
+    Row& RowAt(size_t index);
+
+    QLabel* summary_;
+    QGridLayout* grid_;
+    QGridLayout* buttons_;
+    QComboBox* alignment_;
+    QPushButton* points_;
+    QPushButton* report_;
+    std::vector<Row> rows_;
+};
+
+}  // namespace kadrona::dialogs
