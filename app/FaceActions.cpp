@@ -236,12 +236,11 @@ void FaceActions::acLevelHeadExecute() {
     }
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
-    const QSize before = image.Photo().Size();
     {
         const controls::WaitCursor wait;
         image.ChangePhoto(imaging::Rotated(image.Photo(), tilt));
     }
-    viewActions_.KeepTemplateOnPhoto(before);
+    viewActions_.KeepTemplateOnPhoto();
     if (session_.HasTemplate()) {
         image.SetCurrentLayer(1);
     }
