@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <algorithm>
+#include <limits>
 
 #include "core/base/FileNaming.h"
 #include "core/base/Product.h"
@@ -21,6 +23,25 @@ namespace {
 /// What the authorities' printing house takes, in pixels.
 constexpr QSize OutputSize(413, 531);
 
+/// The resolution at which a photo that was `width` pixels wide stays as wide on paper when it is
+/// scaled; unknown where it was.
+imaging::DotsPerInch KeepingSize(imaging::DotsPerInch resolution, int width) {
+    const qint64 rounded =
+        (qint64{2} * resolution.value * OutputSize.width() + width) / (qint64{2} * width);
+    return {static_cast<int>(std::min<qint64>(rounded, std::numeric_limits<int>::max()))};
+}
+
+/// Makes the photo one undo step that is taken back once it is written.
+void ScaleForOutput(imaging::LayeredImage& image) {
+    // What may fail for lack of memory comes before anything is changed.
+    imaging::Pixels scaled = imaging::Resampled(image.Photo(), OutputSize);
+    const auto resolution = KeepingSize(image.Resolution(), image.Photo().Width());
+    image.SetAutomaticUndo(false);
+    image.RecordUndoStep();
+    image.ChangePhoto(std::move(scaled));
+    image.SetResolution(resolution);
+}
+
 }  // namespace
 
 void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
@@ -34,47 +55,84 @@ QString PhotoSaver::Folder(const Settings& settings) const {
 }
 
 void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
-    const QString target = DelLastBackslash(request.folder);
     const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
-    if (request.scale) {
-        // What may fail for lack of memory comes before anything is changed.
-        imaging::Pixels scaled = imaging::Resampled(image.Photo(), OutputSize);
-        image.SetAutomaticUndo(false);
-        image.RecordUndoStep();
-        image.ChangePhoto(std::move(scaled));
-    }
     if (request.fileName.isEmpty()) {
-        SaveDialog dialog = SaveDialog::OfPhotos();
-        // A root without its separator would be no folder at all.
-        const bool isRoot = !request.folder.isEmpty() && QDir(request.folder).isRoot();
-        dialog.initialFolder = isRoot ? request.folder : target;
-        dialog.fileName = GetNameWithSuffix(request.source, u"_kdr"_s);
-        SaveByDialog(image, dialog);
-    } else {
-        SaveQuickly(image, platform::JoinPath(target, request.fileName), request.scale);
+        if (request.scale) {
+            ScaleForOutput(image);
+        }
+        if (const auto path = AskForPath(DialogFor(request))) {
+            WritePhoto(image, *path);
+        }
+        return;
+    }
+    if (!MayBeSavedQuickly(image.Photo())) {
+        return;
+    }
+    if (const auto path = QuickPath(request)) {
+        SaveQuickly(image, *path, request);
     }
 }
 
-void PhotoSaver::SaveByDialog(const imaging::LayeredImage& image, const SaveDialog& dialog) {
-    const auto path = ui_.AskForSaveFile(dialog);
-    if (!path) {
-        return;
+SaveDialog PhotoSaver::DialogFor(const Request& request) const {
+    SaveDialog dialog = SaveDialog::OfPhotos();
+    // A root without its separator would be no folder at all.
+    const bool isRoot = !request.folder.isEmpty() && QDir(request.folder).isRoot();
+    dialog.initialFolder = isRoot ? request.folder : DelLastBackslash(request.folder);
+    dialog.fileName = GetNameWithSuffix(request.source, u"_kdr"_s);
+    return dialog;
+}
+
+std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
+    auto path = ui_.AskForSaveFile(dialog);
+    if (path) {
+        lastFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
     }
-    lastFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
-    WritePhoto(image, *path);
+    return path;
+}
+
+/// A sheet stays one where the number of photos is changed after it was made.
+bool PhotoSaver::MayBeSavedQuickly(const imaging::Pixels& photo) {
+    const int copies = photo.Columns() * photo.Rows();
+    return copies == 1 || ui_.AskYesNo(
+                              u"Das Bild ist ein Bogen mit %1 Fotos, kein einzelnes Foto. "
+                              u"Soll es trotzdem so gespeichert werden?"_s.arg(copies));
+}
+
+/// Nothing where the user wanted another place and then none.
+std::optional<QString> PhotoSaver::QuickPath(const Request& request) {
+    QString path = platform::JoinPath(DelLastBackslash(request.folder), request.fileName);
+    QString warning;
+    if (request.folder.isEmpty()) {
+        warning =
+            u"Es gibt kein Verzeichnis, in dem Fotos gespeichert werden; das Bild käme nach "
+            u"„%1“."_s.arg(path);
+    } else if (sources_.value(path, request.source) != request.source && QFileInfo::exists(path)) {
+        warning =
+            u"Unter „%1“ ist schon ein anderes Foto gespeichert. Es würde ersetzt."_s.arg(path);
+    }
+    if (!warning.isEmpty() &&
+        ui_.AskYesNo(warning + u"\n\nMöchten Sie einen anderen Namen wählen?"_s)) {
+        return AskForPath(DialogFor(request));
+    }
+    return path;
 }
 
 /// Taking the newest step back without a scaling before it reverts the last change of the photo,
 /// and is meant to.
-void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled) {
+void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
+                             const Request& request) {
+    if (request.scale) {
+        ScaleForOutput(image);
+    }
     try {
         WritePhoto(image, path);
     } catch (...) {
-        if (scaled) {
+        if (request.scale) {
             image.Undo();
         }
         throw;
     }
+    sources_.insert(path, request.source);
     ui_.ShowMessage(u"Das Bild wurde unter %1 gespeichert"_s.arg(path));
     image.Undo();
     image.ClearUndo();

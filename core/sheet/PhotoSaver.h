@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
+#include <optional>
 
 #include "core/base/FileDialogs.h"
 #include "imaging/document/LayeredImage.h"
@@ -37,7 +39,9 @@ class PhotoSaver {
         QString source;
     };
 
-    /// Writes an image, over an older file of that name.
+    /// Writes an image, over an older file of that name. Before a save under a given name the user
+    /// is asked where the image is a sheet of several photos, and may choose another place where
+    /// there is no folder, or where this run has saved another photo under that name.
     ///
     /// After a save under a given name the newest undo step is taken back, whether or not the image
     /// was scaled, and the others are dropped. Throws imaging::WriteError where the file cannot be
@@ -45,11 +49,16 @@ class PhotoSaver {
     void Save(imaging::LayeredImage& image, const Request& request);
 
  private:
-    void SaveByDialog(const imaging::LayeredImage& image, const SaveDialog& dialog);
-    void SaveQuickly(imaging::LayeredImage& image, const QString& path, bool scaled);
+    SaveDialog DialogFor(const Request& request) const;
+    std::optional<QString> AskForPath(const SaveDialog& dialog);
+    bool MayBeSavedQuickly(const imaging::Pixels& photo);
+    std::optional<QString> QuickPath(const Request& request);
+    void SaveQuickly(imaging::LayeredImage& image, const QString& path, const Request& request);
 
     UserInterface& ui_;
     QString lastFolder_;
+    /// What this run has saved quickly: the photo that each file was made of.
+    QHash<QString, QString> sources_;
 };
 
 }  // namespace kadrona::core

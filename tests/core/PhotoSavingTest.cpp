@@ -3,6 +3,7 @@
 #include <QImageReader>
 
 #include "imaging/document/LayeredImage.h"
+#include "imaging/reading/ImageReader.h"
 #include "imaging/writing/ImageWriter.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Errors.h"
@@ -69,13 +70,38 @@ TEST_F(PhotoSaving, QuicklyOverwritesWithoutAsking) {
 TEST_F(PhotoSaving, ScalesTheFileAndGivesThePhotoBack) {
     image.ChangePhoto(imaging::Pixels(Filled(Qt::green)));
     data.SaveImage(image, folder, u"a.jpg"_s, true);
-    EXPECT_EQ(QImageReader(Saved("a.jpg")).size(), QSize(413, 531));
+    const imaging::LoadedImage saved = imaging::ReadImageFile(Saved("a.jpg"));
+    EXPECT_EQ(saved.pixels.Size(), QSize(413, 531));
+    EXPECT_EQ(saved.resolution.value, 207) << "as wide on paper as 600 pixels at 300 dpi";
     EXPECT_EQ(ui.sizes, QList<QSize>({QSize(413, 531)})) << "taken back after the message";
     EXPECT_EQ(image.Photo().Size(), QSize(600, 750));
     EXPECT_EQ(image.Resolution().value, 300);
     EXPECT_EQ(FirstPixel(), qRgb(0, 255, 0)) << "only the scaling is undone";
     EXPECT_FALSE(image.CanUndo());
     EXPECT_TRUE(image.AutomaticUndo());
+}
+
+TEST_F(PhotoSaving, AsksBeforeASheetOrAnotherPhotosFileIsLost) {
+    data.SaveImage(image, folder, u"a.bmp"_s, false);
+    data.SetCurrentFile(u"/photos/eva.png"_s);
+    image.Open(imaging::Pixels(Filled(Qt::blue)), {300});
+    ui.messages.clear();
+    ui.answers = {true};
+    ui.saveFile = Saved("eva.bmp");
+    data.SaveImage(image, folder, u"a.bmp"_s, false);
+    EXPECT_TRUE(ui.messages.first().contains(Saved("a.bmp"))) << qPrintable(ui.messages.first());
+    EXPECT_EQ(FirstPixel(Saved("a.bmp")), qRgb(255, 0, 0)) << "another photo's";
+    EXPECT_EQ(FirstPixel(Saved("eva.bmp")), qRgb(0, 0, 255));
+
+    image.Open(imaging::Pixels(Filled(Qt::green), 4, 2), {300});
+    data.SaveImage(image, folder, u"sheet.bmp"_s, true);
+    EXPECT_TRUE(ui.messages.last().contains(u"8 Fotos"_s));
+    EXPECT_FALSE(QFile::exists(Saved("sheet.bmp")));
+    ui.answers = {true, true};
+    ui.saveFile.reset();
+    data.SaveImage(image, {}, u"sheet.bmp"_s, true);
+    EXPECT_TRUE(ui.messages.last().contains(u"„/sheet.bmp“"_s)) << "no folder, then no name";
+    EXPECT_EQ(image.Photo().Columns(), 4);
 }
 
 TEST_F(PhotoSaving, UnscaledTakesTheLastChangeBack) {
