@@ -11,11 +11,20 @@
 
 namespace kadrona::app {
 
-/// Over the window that the user is in: one that is modal would keep a message below it.
+/// The window that the user is in: one that is modal would keep a message below it.
+QWidget* WindowInterface::TopWindow() const {
+    QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : &window_;
+}
+
 void WindowInterface::ShowMessage(const QString& text) {
     const controls::WaitCursorPause pause;
-    QWidget* modal = QApplication::activeModalWidget();
-    controls::ShowInformation(modal != nullptr ? modal : &window_, text);
+    controls::ShowInformation(TopWindow(), text);
+}
+
+bool WindowInterface::AskYesNo(const QString& text) {
+    const controls::WaitCursorPause pause;
+    return controls::AskYesNo(TopWindow(), text, controls::Severity::Warning);
 }
 
 std::optional<QStringList> WindowInterface::EditTags() {

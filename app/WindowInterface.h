@@ -31,11 +31,14 @@ class WindowInterface : public core::UserInterface {
     }
 
     void ShowMessage(const QString& text) override;
+    bool AskYesNo(const QString& text) override;
     std::optional<QStringList> EditTags() override;
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
     std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
 
  private:
+    QWidget* TopWindow() const;
+
     QWidget& window_;
     imaging::view::ImageView& view_;
     dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
