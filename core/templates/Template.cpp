@@ -38,6 +38,7 @@ std::optional<Template> ReadTemplate(const QString& path) {
     try {
         Template read{.name = file.fileName(), .elements = ParseTemplate(bytes), .canvas = {}};
         read.canvas = TemplateCanvas(read.elements);
+        RequireQuickDrawing(read.elements, PixelsPerUnit(read.canvas));
         return read;
     } catch (const TemplateFileError& error) {
         throw TemplateFileError(

@@ -70,6 +70,11 @@ QRect AreaOf(const TMask& element) {
     return {left, top, right - left, bottom - top};
 }
 
+/// In pixels of the canvas; a negative width leaves that of the element before.
+int PenWidthOf(const TMask& element, int before) {
+    return element.penWidth >= 0 ? std::clamp(element.penWidth, 1, FarthestCoordinate) : before;
+}
+
 /// The outline of a shape that fills `area`, none for an unknown shape or an empty area.
 QPainterPath PathOf(const TMask& element, const QRect& area) {
     QPainterPath path;
@@ -118,7 +123,28 @@ QSize TemplateCanvas(const std::vector<TMask>& elements) {
     return {CanvasSide(canvas.left, canvas.right), CanvasSide(canvas.top, canvas.bottom)};
 }
 
+void RequireQuickDrawing(const std::vector<TMask>& elements, int pixelsPerUnit) {
+    constexpr size_t MostElements = 10'000;
+    constexpr qint64 MostPixels = 1'000'000'000;
+    const QRect canvas(QPoint(), TemplateCanvas(elements));
+    qint64 pixels = 0;
+    int penWidth = 1;
+    for (const TMask& element : elements) {
+        penWidth = PenWidthOf(element, penWidth);
+        const QRect outline = AreaOf(element).adjusted(-penWidth, -penWidth, penWidth, penWidth);
+        const QRect drawn = outline.intersected(canvas);
+        pixels += qint64{drawn.width()} * drawn.height() * pixelsPerUnit * pixelsPerUnit;
+    }
+    if (elements.size() > MostElements || pixels > MostPixels) {
+        throw TemplateFileError(
+            u"Die Schablone hat %1 Elemente mit zusammen %2 Millionen Bildpunkten; das ist mehr, "
+            u"als gezeichnet wird."_s.arg(elements.size())
+                .arg(pixels / 1'000'000));
+    }
+}
+
 QImage DrawTemplate(const std::vector<TMask>& elements, int pixelsPerUnit) {
+    RequireQuickDrawing(elements, pixelsPerUnit);
     QImage image(TemplateCanvas(elements) * pixelsPerUnit, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
         throw TemplateFileError(
@@ -131,9 +157,7 @@ QImage DrawTemplate(const std::vector<TMask>& elements, int pixelsPerUnit) {
     for (size_t i = 0; i < elements.size(); ++i) {
         const TMask& element = elements[i];
         const QBrush brush = BrushOf(element);
-        if (element.penWidth >= 0) {
-            penWidth = std::clamp(element.penWidth, 1, FarthestCoordinate);
-        }
+        penWidth = PenWidthOf(element, penWidth);
         DrawShape(painter, element, penWidth, brush);
         if (i == 0) {
             painter.fillRect(AreaOf(element), brush);

@@ -136,6 +136,12 @@ TEST_F(Archive, AfterTheDatabaseWasLostNoOlderPhotoIsReplaced) {
     now = now.addMonths(1);
     File(u"e\r\n"_s);
     EXPECT_EQ(data.CurrentRecord(), 6) << "the numbers go on";
+    now = now.addYears(-1);
+    File(u"f\r\n"_s);
+    EXPECT_EQ(Table().Ids(), (Ids{6, 5, 3, 7})) << "by time, not by number";
+    EXPECT_THROW(Table().Insert([](qint64) -> bool { throw store::StoreError(QString()); }),
+                 store::StoreError);
+    EXPECT_EQ(Records().size(), 4) << "a record without its number is taken back";
 }
 
 TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {

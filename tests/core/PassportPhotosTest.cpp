@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
 #include "imaging/document/LayeredImage.h"
@@ -158,6 +160,30 @@ TEST_F(PassportPhotos, AnOpenedPhotoIsTurnedAsTheSettingsSay) {
     settings[u"ImgRotateLeft"_s] = true;
     core::TurnOpenedPhoto(settings, image);
     EXPECT_TRUE(SamePixels(image.Photo(), Picture({"g", "r"})));
+    image.Open(imaging::Pixels(Picture({"rg"})), {});
+    settings[u"ImgRotateLeft"_s] = false;
+    settings[u"ImgRotateRight"_s] = true;
+    core::TurnOpenedPhoto(settings, image);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r", "g"})));
+}
+
+TEST_F(PassportPhotos, ATungstenLampIsBalancedWhereTheSettingsSay) {
+    QImage photo(300, 400, QImage::Format_RGB32);
+    for (int y = 0; y < photo.height(); ++y) {
+        for (int x = 0; x < photo.width(); ++x) {
+            const bool isFace = std::hypot(x - 150, y - 200) < 75;
+            const double light = 1 - 0.1 * y / photo.height();
+            photo.setPixel(x, y,
+                           isFace ? qRgb(238, 169, 106)
+                                  : qRgb(int(220 * light), int(183 * light), int(128 * light)));
+        }
+    }
+    image.Open(imaging::Pixels(photo), {});
+    core::BalancePhoto(settings, image);
+    EXPECT_TRUE(SamePixels(image.Photo(), photo)) << "it is switched off";
+    settings[u"AutoWhiteBalance"_s] = true;
+    core::BalancePhoto(settings, image);
+    EXPECT_GT(qBlue(image.Photo().Tile().pixel(10, 10)), 128);
 }
 
 }  // namespace kadrona::testing

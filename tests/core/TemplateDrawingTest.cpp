@@ -162,6 +162,15 @@ TEST(TemplateDrawing, BrushStylesHatchTheInside) {
     }
 }
 
+TEST(TemplateDrawing, WhatWouldTakeLongIsRefused) {
+    std::vector<TMask> elements(1000, Canvas(1000, 1000));
+    EXPECT_NO_THROW(RequireQuickDrawing(elements, 1));
+    elements.push_back(Element(TMask::Rectangle, 0, 0, 1, 1, Red, Solid, 30'000));
+    EXPECT_THROW(RequireQuickDrawing(elements, 1), TemplateFileError) << "a wide pen counts";
+    elements.assign(10'001, Canvas(1, 1));
+    EXPECT_THROW(DrawTemplate(elements), TemplateFileError);
+}
+
 TEST(TemplateDrawing, HostileCoordinatesAreDrawnAsFarAsVisible) {
     EXPECT_EQ(Picture({Canvas(3, 2), Element(0, Least, Least, Largest, Largest)}),
               (Rows{"RRR", "RRR"}));

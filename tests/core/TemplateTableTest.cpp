@@ -206,6 +206,7 @@ TEST_F(DeliveredTemplates, HeadsAreAsHighAsPublishedAndStandOnOneChinLine) {
             EXPECT_LE(std::abs(drawn.left() + drawn.right() + 1 - canvas.width()), 1);
             EXPECT_TRUE(chin == 0 || chin == drawn.bottom()) << "chin lines differ";
             chin = drawn.bottom();
+            EXPECT_NEAR(chin, row.Find(u"Kinnmarke"_s)->top, 3) << name.toStdString();
         }
     }
     EXPECT_EQ(heads, 60);
@@ -233,6 +234,10 @@ TEST_F(DeliveredTemplates, MiddleHeadHasItsEyesInTheirBandAndItsCrownInTheUpperQ
                 EXPECT_GE(place, from) << band.toStdString();
                 EXPECT_LE(place, row.Tenths(band + u" bis"_s)) << band.toStdString();
             }
+        }
+        if (const core::TMask* const eyes = row.Find(u"Augen oben"_s)) {
+            EXPECT_NEAR(eyes->top, height - row.Tenths(u"Augen bis"_s), 3);
+            EXPECT_NEAR(row.Find(u"Augen unten"_s)->top, height - row.Tenths(u"Augen von"_s), 3);
         }
     }
 }
