@@ -35,9 +35,13 @@ HeadSizes HeadsOf(const TemplateRow& row) {
 double ChinAbove(const imaging::Face& face, const TemplateRow& row, double head,
                  double unitsPerPixel) {
     constexpr double Inside = 2;
-    double chin = row.top.IsComplete() && !row.chin.IsComplete()
-                      ? row.height.value - row.top.Middle() - head
-                      : ChinAboveLowerEdge(row);
+    constexpr double FreeHeightBelowChin = 0.6;
+    double chin = ChinAboveLowerEdge(row);
+    if (row.top.IsComplete() && !row.chin.IsComplete()) {
+        chin = row.height.value - row.top.Middle() - head;
+    } else if (!row.head.from && !row.head.to && !row.chin.IsComplete()) {
+        chin = FreeHeightBelowChin * (row.height.value - head);
+    }
     if (row.eyes.IsComplete()) {
         const double eyesOverChin = (face.chin.position.y() - face.EyeMiddle().y()) * unitsPerPixel;
         chin = std::max(chin, row.eyes.from->value + Inside - eyesOverChin);
