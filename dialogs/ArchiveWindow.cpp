@@ -172,36 +172,30 @@ void TfmImgSearch::ShowState() {
     }
 }
 
-/// Another program may have changed the tags while the editor was open.
-bool TfmImgSearch::MayReplaceTags(const core::ArchiveRecord& edited) {
-    const QString present = ExistingRecord(OpenArchive(data_), edited.id).tags;
-    return present == edited.tags ||
-           controls::AskYesNo(
-               this,
-               u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:\n\n"
-               u"%1\nSollen sie ersetzt werden?"_s.arg(QString(present).remove(u'\r')),
-               controls::Severity::Warning);
+/// Another program may have changed the tags while the editor was open, or while the user was
+/// asked.
+bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
+    core::ArchiveTable& table = OpenArchive(data_);
+    QString expected = edited.tags;
+    while (!table.ReplaceTags(edited.id, expected, tagEditor_.Tags())) {
+        expected = ExistingRecord(table, edited.id).tags;
+        if (!controls::AskYesNo(
+                this,
+                u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:"
+                u"\n\n%1\nSollen sie ersetzt werden?"_s.arg(QString(expected).remove(u'\r')),
+                controls::Severity::Warning)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /// The record first, so that the tags are kept even where the photo's file is gone.
 void TfmImgSearch::acEditTagsExecute() {
-    core::ArchiveTable& table = OpenArchive(data_);
     const qint64 id = grid_->Current().value();
-    const core::ArchiveRecord record = ExistingRecord(table, id);
-    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok || !MayReplaceTags(record)) {
+    const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), id);
+    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok || !ReplaceTags(record)) {
         return;
-    }
-    if (!table.ReplaceTags(id, record.tags, tagEditor_.Tags())) {
-        const QString present = ExistingRecord(table, id).tags;
-        if (!controls::AskYesNo(
-                this,
-                u"Die Tags wurden inzwischen an anderer Stelle geändert:\n\n%1\nSollen sie "
-                u"überschrieben werden?"_s.arg(present),
-                controls::Severity::Warning)) {
-            grid_->Reload(id);
-            return;
-        }
-        table.SetTags(id, tagEditor_.Tags());
     }
     grid_->Reload(id);
     if (!archiveFolder_.isEmpty()) {

@@ -48,7 +48,7 @@ class TfmImgSearch : public QDialog {
     void ListAll();
     void Search(const QString& text);
     void ShowState();
-    bool MayReplaceTags(const core::ArchiveRecord& edited);
+    bool ReplaceTags(const core::ArchiveRecord& edited);
     void acEditTagsExecute();
 
     core::TData& data_;

@@ -140,8 +140,9 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
             exiftool({u"-n"_s, u"-T"_s, u"-Orientation"_s, u"-ThumbnailImage"_s, u"-Model"_s,
                       u"-ImageSize"_s, u"-ExifImageWidth"_s, u"-ExifImageHeight"_s,
                       u"-IFD0:XResolution"_s, u"-Software"_s, file});
-        EXPECT_EQ(said, u"-\t-\t-\t413 531\t413\t531\t%1\t%2\n"_s.arg(Image().Resolution().value)
-                            .arg(QString::fromLatin1(core::SoftwareText)));
+        // 413 pixels on the 35 mm of the template.
+        EXPECT_EQ(said, u"-\t-\t-\t413 531\t413\t531\t300\t%1\n"_s.arg(
+                            QString::fromLatin1(core::SoftwareText)));
     }
 }
 
