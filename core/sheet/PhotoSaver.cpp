@@ -42,6 +42,15 @@ void ScaleForOutput(imaging::LayeredImage& image) {
     image.SetResolution(resolution);
 }
 
+SaveDialog DialogFor(const PhotoSaver::Request& request) {
+    SaveDialog dialog = SaveDialog::OfPhotos();
+    // A root without its separator would be no folder at all.
+    const bool isRoot = !request.folder.isEmpty() && QDir(request.folder).isRoot();
+    dialog.initialFolder = isRoot ? request.folder : DelLastBackslash(request.folder);
+    dialog.fileName = GetNameWithSuffix(request.source, u"_kdr"_s);
+    return dialog;
+}
+
 }  // namespace
 
 void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
@@ -71,15 +80,6 @@ void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
     if (const auto path = QuickPath(request)) {
         SaveQuickly(image, *path, request);
     }
-}
-
-SaveDialog PhotoSaver::DialogFor(const Request& request) const {
-    SaveDialog dialog = SaveDialog::OfPhotos();
-    // A root without its separator would be no folder at all.
-    const bool isRoot = !request.folder.isEmpty() && QDir(request.folder).isRoot();
-    dialog.initialFolder = isRoot ? request.folder : DelLastBackslash(request.folder);
-    dialog.fileName = GetNameWithSuffix(request.source, u"_kdr"_s);
-    return dialog;
 }
 
 std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {

@@ -49,7 +49,6 @@ class PhotoSaver {
     void Save(imaging::LayeredImage& image, const Request& request);
 
  private:
-    SaveDialog DialogFor(const Request& request) const;
     std::optional<QString> AskForPath(const SaveDialog& dialog);
     bool MayBeSavedQuickly(const imaging::Pixels& photo);
     std::optional<QString> QuickPath(const Request& request);
