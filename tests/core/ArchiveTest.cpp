@@ -194,7 +194,11 @@ TEST_F(Archive, NamesTheMissingPhotoOfARecord) {
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_EQ(ui.messages.size(), 2);
     installation.Write("elsewhere.jpg", "not of the archive");
-    Table().Fill({.id = 1, .name = u"elsewhere.jpg"_s, .folder = u".."_s}, {});
+    core::ArchiveRecord outside;
+    outside.id = 1;
+    outside.name = u"elsewhere.jpg"_s;
+    outside.folder = u".."_s;
+    Table().Fill(outside, {});
     data.SetCurrentRecord(1);
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_TRUE(ui.messages.last().contains(u"außerhalb des Archivs"_s));
