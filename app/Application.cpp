@@ -9,6 +9,7 @@
 #include <QWindow>
 
 #include "app/MainWindow.h"
+#include "app/PrintService.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
@@ -17,7 +18,6 @@
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
 #include "platform/TerminationSignals.h"
-#include "printing/cups/CupsPrinterLayer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -107,8 +107,8 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
-        printing::cups::CupsPrinterLayer printer;
-        TmainFm window(core::Folders::OfThisMachine(), &printer);
+        const std::unique_ptr<printing::PrinterLayer> printer = MakePrinterLayer();
+        TmainFm window(core::Folders::OfThisMachine(), printer.get());
         const platform::TerminationSignals ending;
         QObject::connect(&ending, &platform::TerminationSignals::Requested, &window,
                          [&window] { CloseAsByTheUser(window); });

@@ -90,7 +90,7 @@ void SheetActions::acSaveImageFastExecute() {
 
 /// Without a folder the photo would go to the root of the file system.
 QString SheetActions::FolderToSaveIn() {
-    const QString folder = data_.SaveFolder();
+    QString folder = data_.SaveFolder();
     if (QFileInfo(folder).isDir()) {
         return folder;
     }

@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <QStyle>
 #include <QWidget>
+#include <utility>
 
 #include "core/templates/LayoutFile.h"
 #include "platform/IniFile.h"
@@ -39,8 +40,8 @@ QSize FittingSize(QSize wanted, const QScreen& screen) {
 
 }  // namespace
 
-WindowPlace::WindowPlace(QWidget& window, const QString& dataFolder)
-    : window_(window), dataFolder_(dataFolder) {
+WindowPlace::WindowPlace(QWidget& window, QString dataFolder)
+    : window_(window), dataFolder_(std::move(dataFolder)) {
     window.installEventFilter(this);
 }
 

@@ -15,7 +15,7 @@ class WindowPlace : public QObject {
 
  public:
     /// Both outlive the object.
-    WindowPlace(QWidget& window, const QString& dataFolder);
+    WindowPlace(QWidget& window, QString dataFolder);
 
     /// Before the window is shown. A saved edge of exactly 0 means that no place is restored; so
     /// does a place that no screen shows any more. On a smaller screen the window gets as large as

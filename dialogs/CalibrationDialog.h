@@ -29,7 +29,7 @@ class CalibrationDialog : public QDialog {
 
  private:
     void BuildControls();
-    QLineEdit* AddReading(QFormLayout& form, const QString& name, const QString& caption);
+    static QLineEdit* AddReading(QFormLayout& form, const QString& name, const QString& caption);
     void PrintSheet();
     void Apply();
     void ShowState(const QString& what);

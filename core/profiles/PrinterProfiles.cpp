@@ -20,7 +20,8 @@ PrinterProfiles::PrinterProfiles(const QString& dataFolder, printing::PrinterLay
 
 printing::PrinterLayer& PrinterProfiles::Printer() const {
     if (printer_ == nullptr) {
-        throw printing::PrinterError(u"Es ist kein Druckdienst vorhanden."_s);
+        throw printing::PrinterError(
+            u"Dieses Kadrona wurde ohne Druckdienst gebaut und kann nicht drucken."_s);
     }
     return *printer_;
 }

@@ -117,6 +117,7 @@ std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<Candidate> ca
     });
     candidates.resize(std::min(candidates.size(), MostFaces));
     std::vector<SeenFace> faces;
+    faces.reserve(candidates.size());
     for (const Candidate& candidate : candidates) {
         faces.push_back({candidate, FindEyes(photo, candidate.frame, cascades)});
     }

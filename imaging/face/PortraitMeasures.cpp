@@ -82,7 +82,7 @@ class Measurer {
         int clipped = 0;
         for (int row = 0; row < colours.rows; ++row) {
             for (int column = 0; column < colours.cols; ++column) {
-                const cv::Vec3b& pixel = colours.at<cv::Vec3b>(row, column);
+                const auto& pixel = colours.at<cv::Vec3b>(row, column);
                 const auto [least, most] = std::minmax({pixel[0], pixel[1], pixel[2]});
                 clipped += int{least >= Burnt || most <= Black};
             }
@@ -118,7 +118,7 @@ class Measurer {
         int red = 0;
         for (int row = 0; row < disc->colours.rows; ++row) {
             for (int column = 0; column < disc->colours.cols; ++column) {
-                const cv::Vec3b& pixel = disc->colours.at<cv::Vec3b>(row, column);
+                const auto& pixel = disc->colours.at<cv::Vec3b>(row, column);
                 red += int{pixel[2] > 90 && pixel[2] > 2 * std::max(pixel[0], pixel[1])};
             }
         }

@@ -114,7 +114,7 @@ constexpr auto RecordsWithoutEffect = std::to_array<quint16>({
 });
 
 void RequireWithoutEffect(quint16 function) {
-    const auto unsupported =
+    const auto* const unsupported =
         std::find_if(std::begin(UnsupportedRecords), std::end(UnsupportedRecords),
                      [function](const NamedRecord& record) { return record.function == function; });
     if (unsupported != std::end(UnsupportedRecords)) {

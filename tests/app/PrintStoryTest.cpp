@@ -165,7 +165,7 @@ TEST_F(PrintStory, ErrorsAreShownAndNothingIsTriedTwice) {
     EXPECT_EQ(NewJobs(), QStringList());
     service = nullptr;
     Start();
-    driver.Answer(u"Es ist kein Druckdienst vorhanden."_s);
+    driver.Answer(u"Dieses Kadrona wurde ohne Druckdienst gebaut und kann nicht drucken."_s);
     Trigger(u"acPrinSetup"_s);
 }
 

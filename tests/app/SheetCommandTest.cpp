@@ -60,6 +60,7 @@ TEST(CommandLine, EndsWithTheCodeOfWhatItWasAskedFor) {
     const auto run = [](std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "kadrona");
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size());
         for (std::string& argument : arguments) {
             pointers.push_back(argument.data());
         }

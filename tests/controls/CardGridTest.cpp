@@ -149,7 +149,7 @@ TEST_F(CardGridTest, ANotchOfTheWheelIsHalfARow) {
     for (const int notches : {-1, -3, 1}) {
         const int before = grid.verticalScrollBar()->value();
         testing::SendWheel(*grid.viewport(), {9, 9}, 120 * notches);
-        EXPECT_NEAR(grid.verticalScrollBar()->value() - before, -notches * row / 2, 9) << notches;
+        EXPECT_NEAR(grid.verticalScrollBar()->value() - before, -notches * row / 2.0, 9) << notches;
     }
 }
 

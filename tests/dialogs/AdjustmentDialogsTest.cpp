@@ -112,7 +112,7 @@ TEST_F(RotateDialog, TheGuideLineShowsThroughBelowTheTop) {
 
 class ColourDialog : public ::testing::Test {
  protected:
-    QRgb Seen(ImageView& view) {
+    static QRgb Seen(ImageView& view) {
         const QImage shown = view.grab().toImage();
         return shown.pixel(shown.rect().center()) | 0xff000000;
     }

@@ -22,6 +22,7 @@ QByteArray Words(std::initializer_list<int> words) {
 /// A curve of `count` points.
 Curve Detailed(int count) {
     std::vector<CurvePoint> points;
+    points.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         points.push_back({i * 3, 255 - i});
     }
@@ -52,7 +53,7 @@ class CurveFileTest : public WriterTest {
 
     /// The text of the error that reading ends with, which names the file; empty where it succeeds.
     QString Failure(const QByteArray& bytes) const {
-        const QString text = testing::TextOf<CurveFileError>([&] { Read(bytes); });
+        QString text = testing::TextOf<CurveFileError>([&] { Read(bytes); });
         EXPECT_TRUE(text.isEmpty() || text.contains(path_)) << qPrintable(text);
         return text;
     }

@@ -40,7 +40,7 @@ QByteArray TwoColourInformation() {
     return Packed<qint32>(40, 1, 2) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
 }
 QByteArray TwoColourBits() {
-    return QByteArray("\xff\0\0\0\0\0\xff\0", 8);
+    return {"\xff\0\0\0\0\0\xff\0", 8};
 }
 
 QByteArray StretchDibits(QRect target, const QByteArray& bits) {
@@ -109,7 +109,7 @@ TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
     constexpr qint32 InformationOffset = 80;
     const QByteArray information =
         Packed<qint32>(40, BitmapSize, BitmapSize) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
-    const QByteArray bits(BitmapSize * BitmapSize * 3, '\x40');
+    const QByteArray bits(qsizetype{BitmapSize} * BitmapSize * 3, '\x40');
     const auto emf = [&](int width, int height) {
         return Emf(EmfRecord(81, Bounds() + Packed<qint32>(0, 0, 0, 0, BitmapSize, BitmapSize) +
                                      Packed<quint32>(InformationOffset, 40, InformationOffset + 40,
@@ -241,7 +241,8 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
 
 TEST(ReaderMetafile, EndlessWorkIsRefused) {
     QByteArray records = EmfBrush(1, 0xff);
-    const QByteArray fill = EmfRectangle(0, 0, Width, Height);
+    const QByteArray fill =
+        EmfRectangle(0, 0, Width, Height);  // NOLINT(readability-suspicious-call-argument)
     for (int i = 0; i < 200'000; ++i) {
         records += fill;
     }

@@ -14,6 +14,6 @@ namespace kadrona::printing::cups {
 /// The tile is in the file once, lossless and in sRGB, and is drawn for each copy. An unknown paper
 /// makes the page as large as the sheet. `device` is open for writing and empty. Throws
 /// platform::Error with the bare reason.
-void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper& paper);
+void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper& setting);
 
 }  // namespace kadrona::printing::cups
