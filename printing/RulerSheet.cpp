@@ -77,7 +77,7 @@ PrintImage RulerSheet(const PaperGeometry& paper, const Calibration& calibration
     QPainter painter(&image);
     painter.setPen(QPen(Qt::black, 2, Qt::SolidLine, Qt::FlatCap));
     DrawCorners(painter, image.rect());
-    painter.translate(image.width() / 2.0, image.height() / 2.0);
+    painter.translate(QPoint(image.width() / 2, image.height() / 2));
     DrawText(painter, lines);
     painter.drawRect(QRect(-175, -225, 350, 450));
     DrawRuler(painter, static_cast<int>(lines.across));
