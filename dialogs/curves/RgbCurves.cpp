@@ -204,7 +204,7 @@ void TfmRGBKurve::FillPresets() {
     cbPreset2_->clear();
     QStringList files =
         folder.entryList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System);
-    QCollator order(QLocale(QLocale::German));
+    QCollator order{QLocale(QLocale::German)};
     order.setCaseSensitivity(Qt::CaseInsensitive);
     std::ranges::stable_sort(files, [&](const QString& a, const QString& b) {
         return order.compare(PresetName(a), PresetName(b)) < 0;
