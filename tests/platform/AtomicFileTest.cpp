@@ -88,7 +88,7 @@ TEST_F(AtomicFileTest, RemovesWhatAKilledProgramLeftADayAgo) {
     const auto leave = [this](const QString& name, int hours) {
         QFile file(Folder() + u'/' + name);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hours),
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(qint64{-3600} * hours),
                                      QFileDevice::FileModificationTime));
     };
     for (const QString& name : {u"kdr0.tmp"_s, u"kdr1A2B.tmp"_s, u"kdr12345.tmp"_s, u"kdr.tmp"_s,
