@@ -30,9 +30,11 @@ const char* NoPassword(const char*, http_t*, const char*, const char*, void*) {
 
 /// Whatever goes wrong, this process neither outlives the program nor fills the memory.
 void LimitThisProcess(unsigned seconds) {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they reserve terabytes
     constexpr rlim_t MostMemory = rlim_t{1} << 29;
     const rlimit memory{MostMemory, MostMemory};
     setrlimit(RLIMIT_AS, &memory);
+#endif
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     alarm(seconds);
 }
@@ -60,6 +62,7 @@ AskCode Refusal() {
 AskCode Ask(http_t* http, const char* resource, const char* document) {
     ipp_t* request = ippNew();
     if (ippReadFile(STDIN_FILENO, request) != IPP_STATE_DATA) {
+        ippDelete(request);
         return AskCode::Silent;
     }
     ipp_t* answer = cupsDoFileRequest(http, request, resource, document);
@@ -67,8 +70,9 @@ AskCode Ask(http_t* http, const char* resource, const char* document) {
         return Refusal();
     }
     ippSetState(answer, IPP_STATE_IDLE);
-    return ippWriteFile(STDOUT_FILENO, answer) == IPP_STATE_DATA ? AskCode::Answered
-                                                                 : AskCode::Silent;
+    const bool isWritten = ippWriteFile(STDOUT_FILENO, answer) == IPP_STATE_DATA;
+    ippDelete(answer);
+    return isWritten ? AskCode::Answered : AskCode::Silent;
 }
 
 AskCode Get(http_t* http, const char* resource) {
@@ -97,6 +101,8 @@ int main(int count, char** arguments) {
         return static_cast<int>(AskCode::NoService);
     }
     const bool isRequest = std::string(arguments[1]) == "ask";
-    return static_cast<int>(isRequest ? Ask(http, arguments[3], count > 5 ? arguments[5] : nullptr)
-                                      : Get(http, arguments[3]));
+    const AskCode code = isRequest ? Ask(http, arguments[3], count > 5 ? arguments[5] : nullptr)
+                                   : Get(http, arguments[3]);
+    httpClose(http);
+    return static_cast<int>(code);
 }
