@@ -37,7 +37,7 @@ inline constexpr std::array DriverOptions{
     // Gutenprint's borderless printing on dye-sublimation printers: without it the page is moved by
     // the upper margin (measured: bench/measure-printers).
     NeutralOption{"StpBorderless", "True"},
-    // Adobe PPD specification 4.3, 5.13.
+    // Adobe, PostScript Printer Description File Format 4.3, 5.13.
     NeutralOption{"MirrorPrint", "False"},
     NeutralOption{"NegativePrint", "False"},
 };
