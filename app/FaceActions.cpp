@@ -16,6 +16,7 @@
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
 #include "core/check/FacePlacement.h"
+#include "core/check/WhiteCorners.h"
 #include "dialogs/side/CheckSection.h"
 #include "dialogs/side/SidePanel.h"
 #include "imaging/face/Cascades.h"

@@ -9,6 +9,7 @@
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
 #include "core/check/PhotoCheck.h"
+#include "core/check/WhiteCorners.h"
 #include "core/sheet/PhotoLoading.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"

@@ -2,10 +2,10 @@
 
 #include <QStringList>
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "core/check/FacePlacement.h"
+#include "core/check/GuidanceRules.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,111 +17,8 @@ const QString Millimetres = u"mm"_s;
 const QString IcaoSource = u"ISO/IEC 39794-5, D.1 (zweite Hand)"_s;
 const QString OwnSource = u"eigener Richtwert; Maß nach OFIQ (ISO/IEC 29794-5)"_s;
 
-/// A rule that no document of the catalogue publishes: where its figure is found, its band, and who
-/// says so.
-struct GuidanceRule {
-    const char16_t* name;
-    const char16_t* label;
-    std::optional<double> (*value)(const CheckedPhoto&);
-    std::optional<double> minimum;
-    std::optional<double> maximum;
-    const char16_t* unit;
-    int decimals;
-    const char16_t* source;
-};
-
 double MillimetresPerPixel(const CheckedPhoto& photo) {
     return photo.printedWidth.value / 10.0 / std::max(1, photo.rectangle.width());
-}
-
-std::optional<double> Resolution(const CheckedPhoto& photo) {
-    const int dots = PrintResolution(photo.rectangle.width(), photo.printedWidth).value;
-    return dots > 0 ? std::optional<double>(dots) : std::nullopt;
-}
-
-std::optional<double> Tilt(const CheckedPhoto& photo) {
-    return photo.face ? std::optional(photo.face->tiltDegrees) : std::nullopt;
-}
-
-std::optional<double> EyeDistancePixels(const CheckedPhoto& photo) {
-    return photo.face ? std::optional(photo.face->EyeDistance()) : std::nullopt;
-}
-
-template <std::optional<double> imaging::PortraitMeasures::*Measure>
-std::optional<double> Measured(const CheckedPhoto& photo) {
-    return photo.measures.*Measure;
-}
-
-using Measures = imaging::PortraitMeasures;
-
-/// The rules that hold for every document, each with its source.
-const std::vector<GuidanceRule>& GuidanceRules() {
-    static const char16_t* const own = u"eigener Richtwert; Maß nach OFIQ (ISO/IEC 29794-5)";
-    static const std::vector<GuidanceRule> rules{
-        {u"resolution",
-         u"Auflösung im Druck",
-         Resolution,
-         300,
-         {},
-         u"dpi",
-         0,
-         u"ICAO Doc 9303-3 (zweite Hand); in Deutschland 600 dpi empfohlen"},
-        {u"tilt", u"Neigung der Augenlinie", Tilt, -8, 8, u"°", 1,
-         u"ISO/IEC 19794-5:2011, 7.2.2 (zweite Hand)"},
-        {u"eyeDistancePixels",
-         u"Augenabstand im Foto",
-         EyeDistancePixels,
-         90,
-         {},
-         u"px",
-         0,
-         u"mehrere, zweite Hand"},
-        {u"exposure", u"Helligkeit der Haut", Measured<&Measures::skinLightness>, 35, 88, u"L*", 0,
-         own},
-        {u"clipping",
-         u"Haut ausgefressen oder schwarz",
-         Measured<&Measures::skinClipped>,
-         {},
-         5,
-         u"%",
-         1,
-         own},
-        {u"evenLight",
-         u"Licht links gegen rechts",
-         Measured<&Measures::lightDifference>,
-         {},
-         12,
-         u"L*",
-         1,
-         own},
-        {u"sharpness", u"Schärfe an den Augen", Measured<&Measures::sharpness>, 2, {}, u"", 1, own},
-        {u"backgroundUniform",
-         u"Hintergrund einfarbig",
-         Measured<&Measures::backgroundSpread>,
-         {},
-         14,
-         u"ΔE",
-         1,
-         u"öffentliches Prüfprogramm: 14 bis 26 Einheiten CIE Lab"},
-        {u"backgroundLightness",
-         u"Hintergrund hell genug",
-         Measured<&Measures::backgroundLightness>,
-         60,
-         {},
-         u"L*",
-         0,
-         own},
-        {u"backgroundShadow",
-         u"Schatten im Hintergrund",
-         Measured<&Measures::backgroundShadow>,
-         {},
-         12,
-         u"L*",
-         1,
-         own},
-        {u"redEyes", u"Rote Augen", Measured<&Measures::redEye>, {}, 15, u"%", 0, own},
-    };
-    return rules;
 }
 
 /// Lines of one photo.
@@ -355,86 +252,10 @@ class Checker {
     std::vector<CheckLine> lines_;
 };
 
-QString Number(double value, int decimals) {
-    QString text = QString::number(value, 'f', decimals);
-    return text.replace(u'.', u',');
-}
-
-/// A limit as short as it can be: "32" rather than "32,0".
-QString Limit(double value) {
-    return Number(value, value == std::round(value) ? 0 : 1);
-}
-
 }  // namespace
 
 std::vector<CheckLine> CheckPhoto(const CheckedPhoto& photo) {
     return Checker(photo).Check();
-}
-
-bool HasWhiteCorners(const imaging::Pixels& photo, const QRect& rectangle) {
-    constexpr int Side = 6;
-    const QRect inside = rectangle & QRect({0, 0}, photo.Size());
-    if (inside.width() < 2 * Side || inside.height() < 2 * Side) {
-        return false;
-    }
-    const auto isWhite = [&](const QPoint& corner) {
-        const QImage part = photo.Region({corner, QSize(Side, Side)}, qRgb(0, 0, 0));
-        for (int y = 0; y < Side; ++y) {
-            for (int x = 0; x < Side; ++x) {
-                if ((part.pixel(x, y) & RGB_MASK) != RGB_MASK) {
-                    return false;
-                }
-            }
-        }
-        return true;
-    };
-    const int right = inside.x() + inside.width() - Side;
-    const int bottom = inside.y() + inside.height() - Side;
-    const std::array corners{inside.topLeft(), QPoint(right, inside.y()),
-                             QPoint(inside.x(), bottom), QPoint(right, bottom)};
-    const auto white = std::ranges::count_if(corners, isWhite);
-    // A white wall fills both upper corners alike; a rotation leaves white opposite to it too.
-    return white > 0 && !(white == 2 && isWhite(corners[0]) && isWhite(corners[1]));
-}
-
-QString StateText(CheckState state) {
-    switch (state) {
-        case CheckState::Met:
-            return u"erfüllt"_s;
-        case CheckState::Missed:
-            return u"nicht erfüllt"_s;
-        case CheckState::Guidance:
-            break;
-    }
-    return u"nur Richtwert"_s;
-}
-
-QString BandText(const CheckLine& line) {
-    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
-    if (line.minimum && line.maximum) {
-        return u"%1 bis %2"_s.arg(Limit(*line.minimum), Limit(*line.maximum)) + unit;
-    }
-    if (line.minimum) {
-        return u"mindestens "_s + Limit(*line.minimum) + unit;
-    }
-    return line.maximum ? u"höchstens "_s + Limit(*line.maximum) + unit : QString();
-}
-
-QString ValueText(const CheckLine& line) {
-    if (!line.value) {
-        return {};
-    }
-    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
-    return Number(*line.value, line.decimals) + unit;
-}
-
-QString FigureText(const CheckLine& line) {
-    const QString value = ValueText(line);
-    if (value.isEmpty()) {
-        return line.note;
-    }
-    const QString band = BandText(line);
-    return band.isEmpty() ? value : value + u" statt "_s + band;
 }
 
 }  // namespace kadrona::core

@@ -18,30 +18,25 @@ bool IsOutside(const core::CheckLine& line) {
                           (line.maximum && *line.value > *line.maximum));
 }
 
-/// A sign besides the word and the colour, for those who tell colours apart badly. A guidance that
-/// is not kept is worth a look, no more.
-QString SignOf(const core::CheckLine& line) {
-    switch (line.state) {
-        case core::CheckState::Met:
-            return u"✓"_s;
-        case core::CheckState::Missed:
-            return u"✗"_s;
-        case core::CheckState::Guidance:
-            break;
-    }
-    return IsOutside(line) ? u"!"_s : u"·"_s;
-}
+/// How a state shows: a sign besides the word and the colour, for those who tell colours apart
+/// badly.
+struct StateLook {
+    QString sign;
+    QString style;
+};
 
-QString ColourOf(const core::CheckLine& line) {
+/// A guidance that is not kept is worth a look, no more.
+StateLook LookOf(const core::CheckLine& line) {
     switch (line.state) {
         case core::CheckState::Met:
-            return u"color: #1b7a2b"_s;
+            return {u"✓"_s, u"color: #1b7a2b"_s};
         case core::CheckState::Missed:
-            return u"color: #b3261e"_s;
+            return {u"✗"_s, u"color: #b3261e"_s};
         case core::CheckState::Guidance:
             break;
     }
-    return IsOutside(line) ? u"color: #8a5a00"_s : u"color: #6a6f73"_s;
+    return IsOutside(line) ? StateLook{u"!"_s, u"color: #8a5a00"_s}
+                           : StateLook{u"·"_s, u"color: #6a6f73"_s};
 }
 
 /// Texts are set only where they changed: a drag asks at every frame.
@@ -137,12 +132,13 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
             continue;
         }
         const core::CheckLine& line = lines[i];
-        SetText(row.sign, SignOf(line));
-        SetStyle(row.sign, ColourOf(line));
+        const StateLook look = LookOf(line);
+        SetText(row.sign, look.sign);
+        SetStyle(row.sign, look.style);
         SetText(row.label, line.label);
         SetText(row.value, core::ValueText(line));
         SetText(row.judgement, JudgementOf(line));
-        SetStyle(row.judgement, ColourOf(line));
+        SetStyle(row.judgement, look.style);
         row.judgement->setToolTip(u"Quelle: "_s + line.source);
     }
     report_->setEnabled(!lines.empty());

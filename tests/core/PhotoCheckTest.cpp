@@ -6,6 +6,7 @@
 
 #include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
+#include "core/check/WhiteCorners.h"
 #include "tests/core/GeometryPrinting.h"
 
 namespace kadrona::core {

@@ -1,0 +1,63 @@
+#include "core/check/CheckLine.h"
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+QString Number(double value, int decimals) {
+    QString text = QString::number(value, 'f', decimals);
+    return text.replace(u'.', u',');
+}
+
+/// A limit as short as it can be: "32" rather than "32,0".
+QString Limit(double value) {
+    return Number(value, value == std::round(value) ? 0 : 1);
+}
+
+}  // namespace
+
+QString StateText(CheckState state) {
+    switch (state) {
+        case CheckState::Met:
+            return u"erfüllt"_s;
+        case CheckState::Missed:
+            return u"nicht erfüllt"_s;
+        case CheckState::Guidance:
+            break;
+    }
+    return u"nur Richtwert"_s;
+}
+
+QString BandText(const CheckLine& line) {
+    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
+    if (line.minimum && line.maximum) {
+        return u"%1 bis %2"_s.arg(Limit(*line.minimum), Limit(*line.maximum)) + unit;
+    }
+    if (line.minimum) {
+        return u"mindestens "_s + Limit(*line.minimum) + unit;
+    }
+    return line.maximum ? u"höchstens "_s + Limit(*line.maximum) + unit : QString();
+}
+
+QString ValueText(const CheckLine& line) {
+    if (!line.value) {
+        return {};
+    }
+    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
+    return Number(*line.value, line.decimals) + unit;
+}
+
+QString FigureText(const CheckLine& line) {
+    const QString value = ValueText(line);
+    if (value.isEmpty()) {
+        return line.note;
+    }
+    const QString band = BandText(line);
+    return band.isEmpty() ? value : value + u" statt "_s + band;
+}
+
+}  // namespace kadrona::core

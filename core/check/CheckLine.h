@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace kadrona::core {
+
+enum class CheckState {
+    Met,
+    Missed,
+    Guidance,  ///< nobody publishes a rule: value and band are shown, nothing is judged
+};
+
+/// One line of the check.
+struct CheckLine {
+    QString name;   ///< for programs, e.g. "headHeight"
+    QString label;  ///< for people, German
+    CheckState state = CheckState::Guidance;
+    std::optional<double> value;
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+    QString unit;
+    QString source;
+    QString note;  ///< what the figures cannot say, German; often empty
+    int decimals = 1;
+};
+
+/// "erfüllt", "nicht erfüllt" or "nur Richtwert".
+QString StateText(CheckState state);
+
+/// "29,4 mm statt 32 bis 36 mm", or the value alone where there is no band; a note where there is
+/// no value.
+QString FigureText(const CheckLine& line);
+/// "32 bis 36 mm", "mindestens 90 px"; empty where there is no band.
+QString BandText(const CheckLine& line);
+/// "29,4 mm"; empty where nothing was measured.
+QString ValueText(const CheckLine& line);
+
+}  // namespace kadrona::core
