@@ -1,0 +1,189 @@
+#include <gtest/gtest.h>
+
+#include <QRegion>
+#include <chrono>
+#include <vector>
+
+#include "core/sheet/CuttingMarks.h"
+#include "core/sheet/PaperLayout.h"
+#include "core/sheet/PaperSize.h"
+#include "core/sheet/ShelfPacking.h"
+#include "platform/Error.h"
+#include "tests/core/GeometryPrinting.h"
+
+namespace kadrona::core {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QSize Passport(35'000, 45'000);
+
+QRect Grown(const QRect& rectangle, int by) {
+    return rectangle.marginsAdded({by, by, by, by});
+}
+
+/// Nothing overlaps, all keep their distance from each other and from the paper's edges.
+void ExpectApart(const std::vector<QRect>& photos, QSize paper, int edge, int gap) {
+    const QRect inside = Grown(QRect(QPoint(), paper), -edge);
+    for (size_t i = 0; i < photos.size(); ++i) {
+        EXPECT_TRUE(inside.contains(photos[i])) << "photo " << i;
+        for (size_t k = 0; k < i; ++k) {
+            EXPECT_FALSE(Grown(photos[i], gap).intersects(photos[k])) << i << " and " << k;
+        }
+    }
+}
+
+void ExpectMarksOutside(const std::vector<QRect>& photos, QSize paper) {
+    QRegion covered;
+    for (const QRect& photo : photos) {
+        covered += photo;
+    }
+    for (const auto kind : {CuttingMarks::Corners, CuttingMarks::Lines, CuttingMarks::Outline}) {
+        for (const QRect& mark : MarksAround(photos, {}, paper, kind, MarksOnPaper)) {
+            EXPECT_FALSE(covered.intersects(mark)) << "kind " << static_cast<int>(kind);
+            EXPECT_TRUE(QRect(QPoint(), paper).contains(mark));
+        }
+    }
+}
+
+/// Counts by laying one beside the other.
+int CountedRoom(QSize paper, int edge, int gap, QSize photo) {
+    const auto along = [&](int length, int part) {
+        int count = 0;
+        for (int end = edge + part; end <= length - edge; end += gap + part) {
+            ++count;
+        }
+        return count;
+    };
+    return along(paper.width(), photo.width()) * along(paper.height(), photo.height());
+}
+
+TEST(PaperLayout, EveryPaperTakesWhatFitsInStraightRows) {
+    const QSize photos[] = {Passport,         {50'800, 50'800}, {33'000, 48'000},
+                            {40'000, 60'000}, {26'000, 32'000}, {50'000, 70'000}};
+    const struct { int edge, gap; } spacings[] = {{0, 0}, {3'000, 2'000}, {5'000, 2'000}};
+    for (const NamedPaper& paper : NamedPapers) {
+        for (const QSize photo : photos) {
+            for (const auto& [edge, gap] : spacings) {
+                SCOPED_TRACE(::testing::PrintToString(paper.size) + " edge " +
+                             std::to_string(edge) + " " + ::testing::PrintToString(photo));
+                const PaperLayout layout = LayOutOnPaper({paper.size, edge, gap, photo, {}});
+                const int upright = CountedRoom(paper.size, edge, gap, photo);
+                const int lying = CountedRoom(paper.size, edge, gap, photo.transposed());
+                EXPECT_EQ(layout.photos.size(), std::max(upright, lying));
+                EXPECT_EQ(layout.turned, lying > upright);
+                EXPECT_EQ(layout.photos.front().size(), layout.turned ? photo.transposed() : photo);
+                ExpectApart(layout.photos, paper.size, edge, gap);
+                ExpectMarksOutside(layout.photos, paper.size);
+            }
+        }
+    }
+}
+
+TEST(PaperLayout, KnownYieldsHold) {
+    const struct {
+        const char* paper;
+        QSize photo;
+        std::vector<size_t> yields;  // edge/gap 0/0, 3/2, 5/2 mm
+    } table[] = {{"10x15", Passport, {8, 8, 6}},
+                 {"A6", Passport, {9, 6, 6}},
+                 {"13x18", Passport, {10, 9, 9}},
+                 {"A4", Passport, {36, 30, 30}},
+                 {"10x15", {50'800, 50'800}, {6}}};
+    const int edges[] = {0, 3'000, 5'000};
+    for (const auto& row : table) {
+        for (size_t i = 0; i < row.yields.size(); ++i) {
+            const QSize paper = *PaperSizeOf(QString::fromLatin1(row.paper));
+            const PaperLayout layout =
+                LayOutOnPaper({paper, edges[i], i == 0 ? 0 : 2'000, row.photo, {}});
+            EXPECT_EQ(layout.photos.size(), row.yields[i]) << row.paper << " edge " << edges[i];
+        }
+    }
+}
+
+TEST(PaperLayout, TurnsOnlyWhereMoreOfThoseAskedForFit) {
+    const auto laid = [](int count) {
+        return LayOutOnPaper({{101'600, 152'400}, 0, 0, Passport, count});
+    };
+    EXPECT_FALSE(laid(6).turned) << "six fit upright";
+    EXPECT_TRUE(laid(7).turned) << "seven fit lying alone";
+    EXPECT_EQ(laid(7).photos.size(), 7U);
+    EXPECT_EQ(laid(9).photos.size(), 8U);
+    EXPECT_EQ(laid(9).room, 8);
+    // In the middle, half of what is free at each side.
+    EXPECT_EQ(laid(1).photos.front(), QRect(33'300, 53'700, 35'000, 45'000));
+}
+
+TEST(PaperLayout, RefusesWhatMakesNoSense) {
+    const struct {
+        PaperRequest request;
+        const char* named;
+    } table[] = {{{{30'000, 30'000}, 0, 0, Passport, {}}, "30 x 30 mm"},
+                 {{{101'600, 152'400}, 50'000, 0, Passport, {}}, "50 mm"},
+                 {{{0, 0}, 0, 0, Passport, {}}, "0 x 0 mm"},
+                 {{{101'600, 152'400}, -1, 0, Passport, {}}, "negativ"},
+                 {{{101'600, 152'400}, 0, 0, Passport, 0}, "mindestens"},
+                 {{{10'000'000, 10'000'000}, 0, 0, {1, 1}, {}}, "2000"}};
+    for (const auto& row : table) {
+        try {
+            LayOutOnPaper(row.request);
+            ADD_FAILURE() << row.named;
+        } catch (const platform::Error& error) {
+            EXPECT_TRUE(error.Text().contains(QString::fromUtf8(row.named))) << error.what();
+        }
+    }
+}
+
+TEST(CuttingMarks, TouchThePhotosEdgesAndStopBeforeTheNext) {
+    const std::vector<QRect> photos{{10, 10, 20, 20}, {34, 10, 20, 20}};
+    const auto covers = [&](CuttingMarks kind, QPoint point) {
+        int count = 0;
+        for (const QRect& mark : MarksAround(photos, {{10, 33, 20, 5}}, {70, 50}, kind, {1, 6})) {
+            count += mark.contains(point) ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_EQ(covers(CuttingMarks::Corners, {9, 4}), 1);
+    EXPECT_EQ(covers(CuttingMarks::Corners, {9, 3}), 0) << "longer than a tick";
+    EXPECT_EQ(covers(CuttingMarks::Corners, {9, 15}), 0) << "beside the photo";
+    EXPECT_EQ(covers(CuttingMarks::Corners, {31, 9}), 1) << "between the photos";
+    EXPECT_EQ(covers(CuttingMarks::Lines, {9, 15}), 1);
+    EXPECT_EQ(covers(CuttingMarks::Lines, {9, 0}), 1) << "to the paper's edge";
+    EXPECT_EQ(covers(CuttingMarks::Outline, {9, 15}), 1);
+    EXPECT_EQ(covers(CuttingMarks::Outline, {9, 8}), 0);
+    for (int x = 10; x < 30; ++x) {
+        EXPECT_EQ(covers(CuttingMarks::Lines, {x, 35}), 0) << "over the text";
+    }
+}
+
+TEST(ShelfPacking, ThirtyMixedPicturesLieApartWithinAFrame) {
+    std::vector<PackItem> items;
+    for (const QSize size : {Passport, QSize(26'000, 32'000), QSize(33'000, 48'000)}) {
+        items.insert(items.end(), 10, {size, 3'000});
+    }
+    const QSize paper(210'000, 297'000);
+    const auto start = std::chrono::steady_clock::now();
+    const auto packed = PackOnShelves(items, paper, 5'000, 2'000);
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(time.count(), 16) << "a frame of the live preview";
+    std::vector<QRect> places;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (packed[i]) {
+            const QRect& place = packed[i]->place;
+            EXPECT_EQ(place.size(), packed[i]->turned ? items[i].size.transposed() : items[i].size);
+            places.push_back(place.adjusted(0, 0, 0, items[i].below));
+        }
+    }
+    ExpectApart(places, paper, 5'000, 2'000);
+    EXPECT_EQ(places.size(), 30U);
+    // Eight passport photos fill a paper of 10 x 15 only where they lie.
+    int placed = 0;
+    for (const auto& item :
+         PackOnShelves(std::vector<PackItem>(9, {Passport}), {101'600, 152'400}, 0, 0)) {
+        placed += item ? 1 : 0;
+    }
+    EXPECT_EQ(placed, 8);
+}
+
+}  // namespace
+}  // namespace kadrona::core
