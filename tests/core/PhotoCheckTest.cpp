@@ -7,7 +7,7 @@
 #include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
 #include "core/check/WhiteCorners.h"
-#include "tests/core/GeometryPrinting.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::core {
 namespace {
@@ -83,7 +83,7 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
         const FacePlacement placement = PlaceOnFace(FaceAt(eyes), row, canvas, photo);
         EXPECT_TRUE(placement.photoTooTight);
         EXPECT_TRUE(QRect({0, 0}, photo).contains(placement.rectangle))
-            << testing::PrintToString(placement.rectangle);
+            << ::testing::PrintToString(placement.rectangle);
         EXPECT_NEAR(placement.rectangle.height(), placement.rectangle.width() * 45 / 35.0, 1);
     }
 }

@@ -3,6 +3,7 @@
 #include <QDir>
 
 #include "tests/support/CoreFakes.h"
+#include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,83 +24,40 @@ TEST(Start, MakesTheFoldersAndTheDatabaseOnAFreshMachine) {
     EXPECT_EQ(data.DataFolder(), installation.Path("common/Kadrona"));
     EXPECT_EQ(data.CurvesFolder(), installation.DataFile("Curves"));
     EXPECT_TRUE(QDir(installation.DataFile("Curves")).exists());
-    EXPECT_FALSE(QDir(installation.DataFile("Database")).isEmpty());
     EXPECT_EQ(data.FrameSize(), 25);
-    EXPECT_EQ(templatesAtInit, (QStringList{u"Pass"_s, u"USA"_s}))
-        << "the catalogue is there before the init handler runs";
+    EXPECT_EQ(templatesAtInit, (QStringList{u"Pass"_s, u"USA"_s}));
     EXPECT_FALSE(databaseAtInit) << "the database comes after the init handler";
     EXPECT_TRUE(ui.messages.isEmpty());
+
+    const qint64 record = data.Archive()->Insert();
+    core::TData again(ui, installation.Folders());
+    again.InitSystem();
+    EXPECT_TRUE(again.Archive()->Read(record)) << "the next start keeps the database";
+    installation.Write("common/Kadrona/Database/KDRImageBase.db", QByteArray(4096, 'x'));
+    core::TData damaged(ui, installation.Folders());
+    EXPECT_THROW(damaged.InitSystem(), platform::Error);
 }
 
-struct Obstacle {
-    const char* file;  ///< a file where a folder should be
-    const char* message;
-    bool curvesFolder;
-};
-
-class StartWithObstacle : public ::testing::TestWithParam<Obstacle> {};
-
-TEST_P(StartWithObstacle, ReportsTheFolderThatCannotBeMadeAndGoesOn) {
-    const Obstacle obstacle = GetParam();
-    const Installation installation;
-    installation.Write(obstacle.file, "in the way");
-    FakeInterface ui;
-    core::TData data(ui, installation.Folders());
-    data.InitSystem();
-    EXPECT_EQ(ui.messages, QStringList(QString::fromUtf8(obstacle.message)));
-    EXPECT_EQ(QDir(installation.DataFile("Curves")).exists(), obstacle.curvesFolder);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Start, StartWithObstacle,
-    ::testing::Values(Obstacle{"common/Kadrona/Database",
-                               "Fehler, das Datenbankverzeichnis konnte nicht erstellt werden.",
-                               false},
-                      Obstacle{"common/Kadrona/Curves",
-                               "Fehler, das Kurvenverzeichnis konnte nicht erstellt werden.",
-                               false}));
-
-TEST(Start, ADataFolderThatCannotBeMadeIsEmpty) {
-    const Installation installation;
-    installation.Write("common", "in the way");
-    FakeInterface ui;
-    const core::TData data(ui, installation.Folders());
-    EXPECT_EQ(data.DataFolder(), QString());
-    EXPECT_TRUE(ui.messages.isEmpty());
-}
-
-TEST(Start, AMissingCatalogueIsAnEmptyList) {
-    const Installation installation;
-    QFile::remove(installation.Path("program/Schablonen/MaskList.kdr"));
-    FakeInterface ui;
-    core::TData data(ui, installation.Folders());
-    data.InitSystem();
-    EXPECT_TRUE(data.GetSchablonenList().isEmpty());
-    EXPECT_EQ(data.GetMaskFileName(0), QString());
-}
-
-TEST(Start, RunningTwiceKeepsTheDatabase) {
-    const Installation installation;
-    FakeInterface ui;
-    for (int run = 0; run < 2; ++run) {
-        core::TData data(ui, installation.Folders());
-        EXPECT_NO_THROW(data.InitSystem());
-    }
-}
-
-TEST(Start, ADatabaseFileThatIsNoneIsReported) {
-    const Installation installation;
-    FakeInterface ui;
-    {
+TEST(Start, ReportsWhatCannotBeMadeAndGoesOn) {
+    for (const auto& [folder, message] :
+         {std::pair("Database",
+                    u"Fehler, das Datenbankverzeichnis konnte nicht erstellt werden."_s),
+          std::pair("Curves", u"Fehler, das Kurvenverzeichnis konnte nicht erstellt werden."_s)}) {
+        const Installation installation;
+        installation.Write("common/Kadrona/" + QByteArray(folder), "a file");
+        QFile::remove(installation.Path("program/Schablonen/MaskList.kdr"));
+        FakeInterface ui;
         core::TData data(ui, installation.Folders());
         data.InitSystem();
+        EXPECT_EQ(ui.messages, QStringList(message));
+        EXPECT_FALSE(QDir(installation.DataFile("Curves")).exists());
+        EXPECT_EQ(data.GetSchablonenList(), QStringList()) << "there is no catalogue";
+        EXPECT_EQ(data.GetMaskFileName(0), QString());
     }
-    const QDir folder(installation.DataFile("Database"));
-    for (const QString& file : folder.entryList(QDir::Files)) {
-        installation.Write("common/Kadrona/Database/" + file.toUtf8(), QByteArray(4096, 'x'));
-    }
-    core::TData data(ui, installation.Folders());
-    EXPECT_THROW(data.InitSystem(), platform::Error);
+    const Installation closed;
+    closed.Write("common", "a file");
+    FakeInterface ui;
+    EXPECT_EQ(core::TData(ui, closed.Folders()).DataFolder(), QString());
 }
 
 }  // namespace kadrona::testing

@@ -137,3 +137,12 @@ inline int LargestDifference(const QImage& a, const QImage& b) {
 inline void PrintTo(const QSize& size, std::ostream* stream) {
     *stream << size.width() << " x " << size.height();
 }
+
+inline void PrintTo(const QRect& rectangle, std::ostream* stream) {
+    *stream << rectangle.width() << " x " << rectangle.height() << " at " << rectangle.x() << ", "
+            << rectangle.y();
+}
+
+inline void PrintTo(const QString& text, std::ostream* stream) {
+    *stream << '"' << text.toStdString() << '"';
+}
