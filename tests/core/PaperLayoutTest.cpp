@@ -9,7 +9,7 @@
 #include "core/sheet/PaperSize.h"
 #include "core/sheet/ShelfPacking.h"
 #include "platform/Error.h"
-#include "tests/core/GeometryPrinting.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::core {
 namespace {
