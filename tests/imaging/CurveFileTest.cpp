@@ -1,7 +1,6 @@
-#include <QDir>
-
 #include "WriterFixture.h"
 #include "imaging/tone/CurveFile.h"
+#include "platform/AtomicFile.h"
 #include "tests/support/Errors.h"
 
 using namespace Qt::StringLiterals;
@@ -40,46 +39,38 @@ CurveSet SomeCurves() {
 
 class CurveFileTest : public WriterTest {
  protected:
-    void Put(const QByteArray& bytes) const {
-        QFile file(path_);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-
     CurveSet Read(const QByteArray& bytes) const {
-        Put(bytes);
+        platform::WriteFileAtomically(path_, bytes);
         return ReadCurveFile(path_);
     }
 
-    /// The text of the error that reading ends with, which names the file; empty where it succeeds.
-    QString Failure(const QByteArray& bytes) const {
-        QString text = testing::TextOf<CurveFileError>([&] { Read(bytes); });
-        EXPECT_TRUE(text.isEmpty() || text.contains(path_)) << qPrintable(text);
-        return text;
+    QByteArray Written(const CurveSet& set) const {
+        WriteCurveFile(path_, set);
+        return platform::ReadWholeFile(path_, 1000);
+    }
+
+    /// Expects that reading fails with an error that names the file and this reason.
+    void ExpectRefused(const QByteArray& bytes, const QString& reason) const {
+        const QString text = testing::TextOf<CurveFileError>([&] { Read(bytes); });
+        EXPECT_TRUE(text.contains(path_) && text.contains(reason)) << qPrintable(text);
     }
 
     const QString path_ = PathOf(u"Weiße Wand 100 %1.acv"_s);
 };
 
 TEST_F(CurveFileTest, WritesTheWordsOfTheFormat) {
-    WriteCurveFile(path_, {});
     const QByteArray identity = Words({2, 0, 0, 255, 255});
-    EXPECT_EQ(Bytes(QFileInfo(path_).fileName()), Words({4, 5}) + identity.repeated(5));
-
-    WriteCurveFile(path_, SomeCurves());
-    EXPECT_EQ(Bytes(QFileInfo(path_).fileName()), Words({4, 5, 3, 0, 0, 160, 128, 255, 255}) +
-                                                      identity + Words({2, 20, 10, 250, 200}) +
-                                                      identity + identity);
+    EXPECT_EQ(Written({}), Words({4, 5}) + identity.repeated(5));
+    EXPECT_EQ(Written(SomeCurves()), Words({4, 5, 3, 0, 0, 160, 128, 255, 255}) + identity +
+                                         Words({2, 20, 10, 250, 200}) + identity + identity);
     EXPECT_EQ(ReadCurveFile(path_), SomeCurves());
-    EXPECT_EQ(Files().size(), 1);
 }
 
 TEST_F(CurveFileTest, TakesFiftyEightPointsAndNoMore) {
     CurveSet set;
     set[CurveChannel::Rgb] = Detailed(52);
     ASSERT_EQ(set.PointCount(), MaximumCurvePoints);
-    WriteCurveFile(path_, set);
-    EXPECT_EQ(QFileInfo(path_).size(), 22 + 4 * 58);
+    EXPECT_EQ(Written(set).size(), 22 + 4 * 58);
     EXPECT_EQ(ReadCurveFile(path_), set);
 
     const auto failure = [this](const CurveSet& tooMany) {
@@ -125,29 +116,19 @@ TEST_F(CurveFileTest, ReadsWhatOtherProgramsWrite) {
         EXPECT_EQ(Read(example.bytes), example.expected) << example.name;
     }
     for (qsizetype length = 0; length < full.size(); ++length) {
-        EXPECT_TRUE(Failure(full.first(length)).contains(u"unvollständig"_s)) << length;
+        ExpectRefused(full.first(length), u"unvollständig"_s);
     }
 }
 
 TEST_F(CurveFileTest, RefusesWhatNoCurveCanBe) {
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        QString reason;
-    } cases[] = {
-        {"another version", Words({2, 1, 2, 0, 0, 255, 255}), u"Version"_s},
-        {"a picture", QByteArray("\x89PNG\r\n\x1a\n"), u"Version"_s},
-        {"no curve", Words({4, 0}), u"keine Kurve"_s},
-        {"huge count of curves", Words({4, 0xffff, 2, 0, 0, 255, 255}), u"unvollständig"_s},
-        {"huge count of points", Words({4, 1, 0xffff, 0, 0, 255, 255}), u"65535 Punkte"_s},
-        {"input 256", Words({4, 1, 2, 0, 0, 255, 256}), u"außerhalb"_s},
-        {"output 32768", Words({4, 1, 2, 0x8000, 0, 255, 255}), u"außerhalb"_s},
-        {"a huge file", QByteArray(1 << 20, '\0'), u"größer"_s},
-    };
-    for (const auto& example : cases) {
-        EXPECT_TRUE(Failure(example.bytes).contains(example.reason))
-            << example.name << ": " << qPrintable(Failure(example.bytes));
-    }
+    ExpectRefused(Words({2, 1, 2, 0, 0, 255, 255}), u"Version"_s);
+    ExpectRefused("\x89PNG\r\n\x1a\n", u"Version"_s);
+    ExpectRefused(Words({4, 0}), u"keine Kurve"_s);
+    ExpectRefused(Words({4, 0xffff, 2, 0, 0, 255, 255}), u"unvollständig"_s);
+    ExpectRefused(Words({4, 1, 0xffff, 0, 0, 255, 255}), u"65535 Punkte"_s);
+    ExpectRefused(Words({4, 1, 2, 0, 0, 255, 256}), u"außerhalb"_s);
+    ExpectRefused(Words({4, 1, 2, 0x8000, 0, 255, 255}), u"außerhalb"_s);
+    ExpectRefused(QByteArray(1 << 20, '\0'), u"größer"_s);
     QFile::remove(path_);
     EXPECT_THROW(ReadCurveFile(path_), CurveFileError) << "no such file";
     EXPECT_THROW(ReadCurveFile(folder_.path()), CurveFileError) << "a folder";

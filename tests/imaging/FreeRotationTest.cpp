@@ -11,12 +11,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-QImage Filled(QSize size, QRgb colour) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(colour);
-    return image;
-}
-
 /// How much of a white canvas is black, in pixels.
 double BlackArea(const QImage& image) {
     double area = 0;
@@ -33,23 +27,18 @@ double BlackArea(const QImage& image) {
 TEST(Rotated, TurnsByQuartersWithoutLoss) {
     const Pixels photo(Picture({"rgb", "ykw"}));
     const QImage left = Picture({"bw", "gk", "ry"});
-    const struct {
-        double degrees;
-        QImage expected;
-    } cases[] = {
-        {90, left},
-        {-270, left},
-        {450, left},
-        {90 + 1e-9, left},
-        {180, Picture({"wky", "bgr"})},
-        {-180, Picture({"wky", "bgr"})},
-        {-90, Picture({"yr", "kg", "wb"})},
-        {270, Picture({"yr", "kg", "wb"})},
-    };
-    for (const auto& example : cases) {
-        EXPECT_TRUE(SamePixels(Rotated(photo, example.degrees), example.expected))
-            << example.degrees;
-        EXPECT_EQ(RotatedSize(photo.Size(), example.degrees), example.expected.size());
+    const QImage half = Picture({"wky", "bgr"});
+    const QImage right = Picture({"yr", "kg", "wb"});
+    for (const auto& [degrees, expected] : {std::pair(90.0, left),
+                                            {-270, left},
+                                            {450, left},
+                                            {90 + 1e-9, left},
+                                            {180, half},
+                                            {-180, half},
+                                            {-90, right},
+                                            {270, right}}) {
+        EXPECT_TRUE(SamePixels(Rotated(photo, degrees), expected)) << degrees;
+        EXPECT_EQ(RotatedSize(photo.Size(), degrees), expected.size());
     }
     for (const double degrees : {0.0, -0.0, 360.0, -720.0, std::numeric_limits<double>::quiet_NaN(),
                                  std::numeric_limits<double>::infinity()}) {
@@ -76,12 +65,10 @@ TEST(Rotated, KeepsAPlainAreaAndItsSize) {
 }
 
 TEST(Rotated, FillsTheCornersAndTurnsCounterClockwise) {
-    QImage image = Filled({40, 40}, qRgb(10, 200, 30));
-    for (int x = 22; x < 38; ++x) {
-        for (int y = 18; y < 22; ++y) {
-            image.setPixel(x, y, qRgb(255, 0, 0));  // points to the right
-        }
-    }
+    const QRect bar(22, 18, 16, 4);  // points to the right
+    const QImage image = Painted({40, 40}, [&](int x, int y) {
+        return bar.contains(x, y) ? qRgb(255, 0, 0) : qRgb(10, 200, 30);
+    });
     const QImage rotated = Rotated(Pixels(image), 45, QColor(1, 2, 3)).ToImage();
     ASSERT_EQ(rotated.size(), QSize(57, 57));
     for (const QPoint corner : {QPoint(0, 0), QPoint(56, 0), QPoint(0, 56), QPoint(56, 56)}) {
@@ -92,12 +79,9 @@ TEST(Rotated, FillsTheCornersAndTurnsCounterClockwise) {
 }
 
 TEST(Rotated, KeepsPremultipliedColoursWithinTheirAlpha) {
-    QImage image = TestPicture(50, 40).convertToFormat(QImage::Format_ARGB32);
-    for (int y = 0; y < 40; ++y) {
-        for (int x = 0; x < 50; ++x) {
-            image.setPixelColor(x, y, QColor(255, 255, 255, x < 25 ? 0 : 5 * (x + y) % 256));
-        }
-    }
+    const QImage image = Painted(
+        {50, 40}, [](int x, int y) { return qRgba(255, 255, 255, x < 25 ? 0 : 5 * (x + y) % 256); },
+        QImage::Format_ARGB32);
     const QImage rotated = Rotated(Pixels(image), 20, Qt::black).ToImage();
     ASSERT_EQ(rotated.format(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < rotated.height(); ++y) {

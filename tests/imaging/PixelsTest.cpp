@@ -1,4 +1,5 @@
 #include <QTransform>
+#include <array>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -18,12 +19,6 @@ namespace {
 
 Pixels Photo() {
     return Pixels(Picture({"rgb", "ykw", "gbr"}));
-}
-
-QImage Filled(QSize size, QRgb colour) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(colour);
-    return image;
 }
 
 bool LiesIn(const Pixels& part, const Pixels& whole) {
@@ -74,35 +69,27 @@ TEST(AverageOf, RoundsToNearestBeyond32BitSums) {
     QImage image = Picture({"k", "k"});
     image.setPixel(0, 1, qRgb(1, 3, 254));
     const AverageColour average = AverageOf(Pixels(image, 5, 7));
-    EXPECT_EQ(average.red, 1);    // 0.5
-    EXPECT_EQ(average.green, 2);  // 1.5
-    EXPECT_EQ(average.blue, 127);
+    // Of 0.5, 1.5 and 127.
+    EXPECT_EQ(qRgb(average.red, average.green, average.blue), qRgb(1, 2, 127));
     EXPECT_EQ(AverageOf(Pixels()).red, 0);
-
-    QImage large(5000, 4000, QImage::Format_RGB32);
-    large.fill(qRgb(255, 254, 1));
-    EXPECT_EQ(AverageOf(Pixels(large)).red, 255) << "the sum of a channel is 5.1e9";
+    const Pixels large(Filled({5000, 4000}, qRgb(255, 254, 1)));
+    EXPECT_EQ(AverageOf(large).red, 255) << "the sum of a channel is 5.1e9";
 }
 
 TEST(Cropped, FillsWhatOverhangsWithWhite) {
-    const struct {
-        const char* name;
-        QRect rectangle;
-        QImage expected;
-    } cases[] = {
-        {"inside", {1, 0, 2, 2}, Picture({"gb", "kw"})},
-        {"left", {-1, 0, 2, 2}, Picture({"wr", "wy"})},
-        {"top", {0, -1, 2, 2}, Picture({"ww", "rg"})},
-        {"right", {2, 1, 2, 2}, Picture({"ww", "rw"})},
-        {"bottom", {0, 2, 2, 2}, Picture({"gb", "ww"})},
-        {"top left corner", {-1, -1, 2, 2}, Picture({"ww", "wr"})},
-        {"bottom right corner", {2, 2, 2, 2}, Picture({"rw", "ww"})},
-        {"all sides", {-1, -1, 5, 5}, Picture({"wwwww", "wrgbw", "wykww", "wgbrw", "wwwww"})},
-        {"beside", {3, 0, 1, 2}, Picture({"w", "w"})},
-        {"far away", {-100, 900, 2, 1}, Picture({"ww"})},
+    const std::pair<QRect, QImage> cases[] = {
+        {{1, 0, 2, 2}, Picture({"gb", "kw"})},
+        {{-1, 0, 2, 2}, Picture({"wr", "wy"})},
+        {{0, -1, 2, 2}, Picture({"ww", "rg"})},
+        {{2, 1, 2, 2}, Picture({"ww", "rw"})},
+        {{0, 2, 2, 2}, Picture({"gb", "ww"})},
+        {{-1, -1, 5, 5}, Picture({"wwwww", "wrgbw", "wykww", "wgbrw", "wwwww"})},
+        {{3, 0, 1, 2}, Picture({"w", "w"})},
+        {{-100, 900, 2, 1}, Picture({"ww"})},
     };
-    for (const auto& c : cases) {
-        EXPECT_TRUE(SamePixels(Cropped(Photo(), c.rectangle), c.expected)) << c.name;
+    for (const auto& [rectangle, expected] : cases) {
+        EXPECT_TRUE(SamePixels(Cropped(Photo(), rectangle), expected))
+            << rectangle.x() << ", " << rectangle.y();
     }
     EXPECT_THROW(Cropped(Photo(), {-1, 0, std::numeric_limits<int>::max(), 1}), platform::Error);
     EXPECT_TRUE(Cropped(Photo(), QRect(1, 1, 0, 2)).IsEmpty());
@@ -162,8 +149,7 @@ TEST(CanvasEnlarged, PutsTheOddPixelRightAndBottom) {
 TEST(Turned, KeepsAGridAGrid) {
     const Pixels grid(Picture({"rgb", "ykw"}), 2, 1);
     const Pixels right = Turned(grid, QuarterTurn::Clockwise);
-    EXPECT_EQ(right.Columns(), 1);
-    EXPECT_EQ(right.Rows(), 2);
+    EXPECT_EQ(std::pair(right.Columns(), right.Rows()), std::pair(1, 2));
     EXPECT_TRUE(SamePixels(right, Picture({"yr", "kg", "wb", "yr", "kg", "wb"})));
     EXPECT_TRUE(SamePixels(Turned(Pixels(grid.Tile()), QuarterTurn::CounterClockwise),
                            Picture({"bw", "gk", "ry"})));
@@ -184,11 +170,11 @@ TEST(Resampled, InterpolatesWithTheCubicKernel) {
     // The kernel at 1/4, 3/4 and 5/4 is 111/128, 29/128 and -9/128; what leaves the picture does
     // not count, and the overshoot of the outer pixels is cut off.
     const Pixels wide = Resampled(Pixels(Picture({"kw"})), {4, 1});
-    const auto grey = [&](int x) { return qRed(wide.Tile().pixel(x, 0)); };
-    EXPECT_EQ(grey(0), 0);
-    EXPECT_EQ(grey(1), 53);
-    EXPECT_EQ(grey(2), 202);
-    EXPECT_EQ(grey(3), 255);
+    const QImage expected = Painted({4, 1}, [](int x, int) {
+        const int grey = std::array{0, 53, 202, 255}.at(size_t(x));
+        return qRgb(grey, grey, grey);
+    });
+    EXPECT_TRUE(SamePixels(wide, expected));
     EXPECT_TRUE(SamePixels(Resampled(Pixels(Picture({"k", "w"})), {1, 4}),
                            wide.Tile().transformed(QTransform().rotate(90).scale(1, -1))));
 }
@@ -207,10 +193,9 @@ TEST(Resampled, KeepsPlainColoursAlphaAndSize) {
     EXPECT_TRUE(SamePixels(Resampled(Pixels(Picture({"r"}), 5, 3), {413, 2}),
                            Filled({413, 2}, qRgb(255, 0, 0))));
     const Pixels clear = Resampled(Pixels(Picture({"r.", ".r"}, QImage::Format_ARGB32)), {31, 29});
-    for (int x = 0; x < 31; ++x) {
-        const QRgb pixel = *(reinterpret_cast<const QRgb*>(clear.Tile().constScanLine(14)) + x);
-        EXPECT_EQ(qRed(pixel), qAlpha(pixel)) << "premultiplied red, pixel " << x;
-    }
+    const auto* row = reinterpret_cast<const QRgb*>(clear.Tile().constScanLine(14));
+    EXPECT_TRUE(std::all_of(row, row + 31, [](QRgb pixel) { return qRed(pixel) == qAlpha(pixel); }))
+        << "premultiplied red";
     const Pixels photo = Photo();
     EXPECT_TRUE(Resampled(photo, {3, 3}).SharesPixelsWith(photo));
     EXPECT_TRUE(Resampled(photo, {0, 3}).IsEmpty());

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "tests/support/Errors.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::imaging::test {
@@ -22,12 +24,7 @@ LoadedImage Read(QByteArray bytes, const ReadOptions& options) {
 }
 
 QString Failure(const QByteArray& bytes, const ReadOptions& options) {
-    try {
-        Read(bytes, options);
-    } catch (const ReadError& error) {
-        return error.Text();
-    }
-    return {};
+    return testing::TextOf<ReadError>([&] { Read(bytes, options); });
 }
 
 QString Complaint(const char* reason) {
@@ -45,12 +42,10 @@ void ExpectColours(const LoadedImage& loaded, std::initializer_list<PixelColour>
 }
 
 void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, int tolerance) {
-    const QColor actual = loaded.pixels.Tile().pixelColor(position);
-    const int difference = std::max({std::abs(actual.red() - expected.red()),
-                                     std::abs(actual.green() - expected.green()),
-                                     std::abs(actual.blue() - expected.blue())});
-    EXPECT_LE(difference, tolerance)
-        << actual.name().toStdString() << " instead of " << expected.name().toStdString();
+    const QImage pixel = loaded.pixels.Tile().copy(QRect(position, QSize(1, 1)));
+    EXPECT_LE(testing::LargestDifference(pixel, Filled({1, 1}, expected.rgb())), tolerance)
+        << Colour(loaded, position.x(), position.y()) << " instead of "
+        << expected.name().toStdString();
 }
 
 QByteArray Written(const QImage& image, const char* format) {
@@ -60,22 +55,6 @@ QByteArray Written(const QImage& image, const char* format) {
     writer.setQuality(100);
     EXPECT_TRUE(writer.write(image)) << format;
     return buffer.data();
-}
-
-QImage Plain(int width, int height, QColor colour) {
-    QImage image(width, height, QImage::Format_ARGB32);
-    image.fill(colour);
-    return image;
-}
-
-QImage Drawn(QSize size, const std::function<QRgb(int x, int y)>& colourAt) {
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            image.setPixel(x, y, colourAt(x, y));
-        }
-    }
-    return image;
 }
 
 QByteArray Gif(std::initializer_list<int> frames) {
@@ -88,18 +67,6 @@ QByteArray Gif(std::initializer_list<int> frames) {
 }
 
 namespace {
-
-void WriteMarkers(jpeg_compress_struct& info, const JpegContent& content) {
-    if (!content.exif.isEmpty()) {
-        const QByteArray marker = QByteArray("Exif\0\0", 6) + content.exif;
-        jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(marker.data()),
-                          static_cast<unsigned>(marker.size()));
-    }
-    if (!content.profile.isEmpty()) {
-        jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(content.profile.data()),
-                               static_cast<unsigned>(content.profile.size()));
-    }
-}
 
 void SetUp(jpeg_compress_struct& info, const JpegContent& content) {
     info.image_width = static_cast<JDIMENSION>(content.size.width());
@@ -137,7 +104,16 @@ QByteArray Jpeg(const JpegContent& content) {
     jpeg_mem_dest(&info, &data, &size);
     SetUp(info, content);
     jpeg_start_compress(&info, TRUE);
-    WriteMarkers(info, content);
+    const auto written = [&](int marker, const QByteArray& block) {
+        jpeg_write_marker(&info, marker, reinterpret_cast<const JOCTET*>(block.data()),
+                          static_cast<unsigned>(block.size()));
+    };
+    if (!content.exif.isEmpty()) {
+        written(JPEG_APP0 + 1, QByteArray("Exif\0\0", 6) + content.exif);
+    }
+    if (!content.profile.isEmpty()) {
+        written(JPEG_APP0 + 2, QByteArray("ICC_PROFILE\0\1\1", 14) + content.profile);
+    }
     QByteArray row(qsizetype{content.channels} * content.size.width(), '\0');
     auto* samples = reinterpret_cast<JSAMPLE*>(row.data());
     for (int y = 0; y < content.size.height(); ++y) {

@@ -12,8 +12,13 @@
 #include <functional>
 
 #include "imaging/reading/ImageReader.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging::test {
+
+using testing::Filled;
+using testing::Painted;
+using testing::TestPicture;
 
 template <typename Number>
 QByteArray LittleEndian(Number number) {
@@ -57,11 +62,6 @@ void ExpectColour(const LoadedImage& loaded, QPoint position, QColor expected, i
 
 /// What Qt's plug-in writes.
 QByteArray Written(const QImage& image, const char* format);
-
-QImage Plain(int width, int height, QColor colour);
-
-/// A picture of the colour that `colourAt` has for each pixel.
-QImage Drawn(QSize size, const std::function<QRgb(int x, int y)>& colourAt);
 
 /// A GIF of 1 by 1 pixel whose frames are colour 0 (black) or 1 (red) of its table.
 QByteArray Gif(std::initializer_list<int> frames);

@@ -17,9 +17,7 @@ int LevelAt(int x, int y) {
 std::string Letters(const LoadedImage& loaded) {
     std::string letters;
     for (int y = 0; y < loaded.pixels.Height(); ++y) {
-        if (y > 0) {
-            letters += '/';
-        }
+        letters += y > 0 ? "/" : "";
         for (int x = 0; x < loaded.pixels.Width(); ++x) {
             const int level = qRed(loaded.pixels.Tile().pixel(x, y));
             letters += static_cast<char>('A' + (level + LevelStep / 2) / LevelStep);
@@ -29,8 +27,8 @@ std::string Letters(const LoadedImage& loaded) {
 }
 
 QImage LetterImage() {
-    return Drawn({Columns, Rows},
-                 [](int x, int y) { return qRgb(LevelAt(x, y), LevelAt(x, y), LevelAt(x, y)); });
+    return Painted({Columns, Rows},
+                   [](int x, int y) { return qRgb(LevelAt(x, y), LevelAt(x, y), LevelAt(x, y)); });
 }
 
 QByteArray Exif(quint16 orientation) {
@@ -53,15 +51,10 @@ QByteArray LetterPng(quint16 orientation) {
 QByteArray LetterTiff(quint16 orientation, quint16 bits, quint16 channels) {
     QByteArray pixels;
     for (int i = 0; i < Columns * Rows; ++i) {
-        for (int channel = 0; channel < channels; ++channel) {
-            pixels += bits == 16 ? LittleEndian(static_cast<quint16>(i * LevelStep * 257))
-                                 : QByteArray(1, static_cast<char>(i * LevelStep));
-        }
+        // Both bytes of a sample of 16 bits are the same.
+        pixels += QByteArray(channels * bits / 8, static_cast<char>(i * LevelStep));
     }
-    QByteArray depths;
-    for (int channel = 0; channel < channels; ++channel) {
-        depths += LittleEndian(bits);
-    }
+    const QByteArray depths = LittleEndian(bits).repeated(channels);
     return Tiff({Short(0x100, Columns), Short(0x101, Rows), TiffEntry{0x102, 3, depths},
                  Short(0x103, 1), Short(0x106, channels == 1 ? 1 : 2), Short(0x112, orientation),
                  Short(0x115, channels), Short(0x116, Rows)},

@@ -16,10 +16,9 @@ constexpr QSize PhotoSize(1000, 700);
 constexpr qsizetype PhotoBytes = qsizetype{1000} * 700 * 4;
 constexpr qsizetype BlockBytes = qsizetype{256} * 256 * 4;
 
-QImage Filled(QRgb colour, QSize size = PhotoSize) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(colour);
-    return image;
+/// In memory of its own.
+Pixels Plain(QRgb colour, QSize size = PhotoSize) {
+    return Pixels(Filled(size, colour));
 }
 
 /// A photo that differs from `photo` in one pixel, in memory of its own.
@@ -39,21 +38,25 @@ struct RecordedPhoto {
         photo = std::move(changed);
     }
 
+    void Undo() {
+        DotsPerInch resolution;
+        history.TakeNewest(photo, resolution);
+    }
+
     /// Goes back through all steps and compares each state.
     void ExpectAllStatesBack(int count) {
-        DotsPerInch resolution;
         ASSERT_EQ(history.Count(), count);
-        for (int step = 0; step < count; ++step) {
-            history.TakeNewest(photo, resolution);
-            EXPECT_TRUE(SamePixels(photo, states[states.size() - 1 - size_t(step)]))
-                << step + 1 << " steps back";
+        for (int step = 1; step <= count; ++step) {
+            Undo();
+            EXPECT_TRUE(SamePixels(photo, states[states.size() - size_t(step)]))
+                << step << " steps back";
         }
         EXPECT_TRUE(history.IsEmpty());
         EXPECT_EQ(history.ByteCount(photo), 0);
     }
 
     UndoHistory& history;
-    Pixels photo{Filled(0xff102030)};
+    Pixels photo = Plain(0xff102030);
     std::vector<QImage> states;
 };
 
@@ -74,40 +77,31 @@ TEST(UndoHistory, KeepsOnlyTheBlocksThatDiffer) {
     const qsizetype cornerBytes = qsizetype{1000 - 768} * (700 - 512) * 4;
     EXPECT_EQ(history.ByteCount(live.photo), 5 * BlockBytes + cornerBytes);
     live.ExpectAllStatesBack(7);
-}
 
-TEST(UndoHistory, KeepsWholePicturesWhereAllOrTheSizeChanges) {
-    UndoHistory history;
-    RecordedPhoto live(history);
-    live.Change(Pixels(Filled(0xff00ff00)));
+    // Whole pictures where all or the size changes.
+    live.Change(Plain(0xff00ff00));
     live.Change(Dotted(live.photo, {700, 10}, 0xffff0000));
-    live.Change(Pixels(Filled(0xff00ff00, {300, 200})));
-    live.Change(Pixels(Filled(0xff00ff00, {300, 200}), 2, 1));
-    live.Change(Pixels(Filled(0xff00ff00, {600, 200})));
+    live.Change(Plain(0xff00ff00, {300, 200}));
+    live.Change(Pixels(live.photo.Tile(), 2, 1));
+    live.Change(Plain(0xff00ff00, {600, 200}));
     live.ExpectAllStatesBack(5);
 }
 
-TEST(UndoHistory, CountsNothingThatTheLivePhotoKeepsAlive) {
+TEST(UndoHistory, RecordsPixelsOnceAndCountsNoneThatTheLivePhotoKeepsAlive) {
     UndoHistory history;
-    const Pixels whole(Filled(0xff00ff00));
+    const Pixels whole = Plain(0xff00ff00);
     history.Record(whole, Resolution);
+    history.Record(whole, {600});
+    EXPECT_EQ(history.Count(), 1);
     EXPECT_EQ(history.ByteCount(whole), 0);
     const QImage& image = whole.Tile();
     const Pixels part(
         QImage(image.constScanLine(100), 1000, 50, image.bytesPerLine(), image.format()));
     EXPECT_EQ(history.ByteCount(part), 0);
-    EXPECT_EQ(history.ByteCount(Pixels(Filled(0))), PhotoBytes);
-}
-
-TEST(UndoHistory, DoesNotRecordTheSamePixelsTwice) {
-    UndoHistory history;
-    const Pixels photo(Filled(0xff00ff00));
-    history.Record(photo, Resolution);
-    history.Record(photo, {600});
-    EXPECT_EQ(history.Count(), 1);
-    history.Record(Pixels(photo.ToImage().copy()), Resolution);
+    EXPECT_EQ(history.ByteCount(Plain(0)), PhotoBytes);
+    history.Record(Plain(0xff00ff00), Resolution);
     EXPECT_EQ(history.Count(), 1) << "equal pixels in other memory";
-    history.Record(Dotted(photo, {999, 0}, 0), Resolution);
+    history.Record(Dotted(whole, {999, 0}, 0), Resolution);
     EXPECT_EQ(history.Count(), 2);
 }
 
@@ -117,21 +111,19 @@ TEST(UndoHistory, FollowsChangesThatWereNotRecorded) {
     const Pixels first = live.photo;
     live.Change(Dotted(first, {0, 0}, 0));
     live.Change(Dotted(live.photo, {500, 0}, 0));
-    DotsPerInch resolution;
-    history.TakeNewest(live.photo, resolution);
+    live.Undo();
     // Changed since the undo: the older step must not be applied to this.
     live.photo = Dotted(live.photo, {999, 699}, 0);
     const QImage third = live.photo.ToImage();
-    history.Record(live.photo, Resolution);
-    live.photo = Pixels(Filled(0));
-    history.TakeNewest(live.photo, resolution);
+    live.Change(Plain(0));
+    live.Undo();
     EXPECT_TRUE(SamePixels(live.photo, third));
-    live.photo = Pixels(Filled(0));
-    history.TakeNewest(live.photo, resolution);
+    live.photo = Plain(0);
+    live.Undo();
     EXPECT_TRUE(SamePixels(live.photo, first.ToImage()));
 }
 
-TEST(UndoHistory, DropsTheOldestBeyondTheLimit) {
+TEST(UndoHistory, DropsTheOldestBeyondTheLimitOrTheBudget) {
     UndoHistory history(3);
     RecordedPhoto live(history);
     for (int x = 0; x < 5; ++x) {
@@ -143,22 +135,16 @@ TEST(UndoHistory, DropsTheOldestBeyondTheLimit) {
     history.SetLimit(0);
     history.Record(live.photo, Resolution);
     EXPECT_TRUE(history.IsEmpty());
-}
 
-TEST(UndoHistory, DropsTheOldestBeyondTheBudget) {
-    UndoHistory history(10, 2 * PhotoBytes);
-    RecordedPhoto live(history);
-    for (QRgb grey = 0; grey < 5; ++grey) {
-        live.Change(Pixels(Filled(qRgb(int(grey), 0, 0))));
+    // As many as fit beside the photo, and the newest, recorded when it was it.
+    for (const auto& [photos, kept] : {std::pair(2, 3), {0, 1}}) {
+        UndoHistory few(10, photos * PhotoBytes);
+        RecordedPhoto other(few);
+        for (int red = 0; red < 5; ++red) {
+            other.Change(Plain(qRgb(red, 0, 0)));
+        }
+        other.ExpectAllStatesBack(kept);
     }
-    EXPECT_EQ(history.Count(), 3) << "two beside the photo and the newest, recorded when it was it";
-    live.ExpectAllStatesBack(3);
-
-    UndoHistory least(10, 0);
-    RecordedPhoto other(least);
-    other.Change(Pixels(Filled(1)));
-    other.Change(Pixels(Filled(2)));
-    other.ExpectAllStatesBack(1);
 }
 
 TEST(UndoHistory, KeepsOnlyTouchedBlocksOfAnEditInPlace) {
@@ -166,8 +152,7 @@ TEST(UndoHistory, KeepsOnlyTouchedBlocksOfAnEditInPlace) {
     RecordedPhoto live(history);
     const uchar* memory = live.photo.Tile().constBits();
     const auto stroke = [&](QPoint from) {
-        history.Record(live.photo, Resolution);
-        live.states.push_back(live.photo.ToImage().copy());
+        live.Change(live.photo);
         // Two dabs on overlapping blocks.
         for (const int offset : {0, 10}) {
             const QRect dab(from + QPoint(offset, 0), QSize(20, 20));

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
+#include <map>
 #include <ostream>
 #include <string_view>
 
@@ -16,43 +17,38 @@
 namespace kadrona::testing {
 
 /// The colour of a letter in a literal picture: red, green, blue, yellow, white, black (k), grey
-/// (-), dot for transparent.
+/// (-), dot for transparent. Another letter ends the test.
 inline QRgb ColourOf(char letter) {
-    switch (letter) {
-        case 'r':
-            return 0xffff0000;
-        case 'g':
-            return 0xff00ff00;
-        case 'b':
-            return 0xff0000ff;
-        case 'y':
-            return 0xffffff00;
-        case 'w':
-            return 0xffffffff;
-        case 'k':
-            return 0xff000000;
-        case '-':
-            return 0xff808080;
-        case '.':
-            return 0x00000000;
-        default:
-            ADD_FAILURE() << "no colour is called " << letter;
-            return 0;
+    static const std::map<char, QRgb> colours{
+        {'r', 0xffff0000}, {'g', 0xff00ff00}, {'b', 0xff0000ff}, {'y', 0xffffff00},
+        {'w', 0xffffffff}, {'k', 0xff000000}, {'-', 0xff808080}, {'.', 0x00000000}};
+    return colours.at(letter);
+}
+
+/// A picture with the colour that `colourAt(x, y)` gives each pixel.
+template <typename Function>
+QImage Painted(QSize size, const Function& colourAt, QImage::Format format = QImage::Format_RGB32) {
+    QImage image(size, format);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, colourAt(x, y));
+        }
     }
+    return image;
+}
+
+inline QImage Filled(QSize size, QRgb colour, QImage::Format format = QImage::Format_RGB32) {
+    return Painted(
+        size, [colour](int, int) { return colour; }, format);
 }
 
 /// A picture drawn in letters, one string for each row.
 inline QImage Picture(std::initializer_list<std::string_view> rows,
                       QImage::Format format = QImage::Format_RGB32) {
-    QImage image(static_cast<int>(rows.begin()->size()), static_cast<int>(rows.size()), format);
-    int y = 0;
-    for (const std::string_view row : rows) {
-        for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, ColourOf(row.at(static_cast<size_t>(x))));
-        }
-        ++y;
-    }
-    return image;
+    const QSize size(static_cast<int>(rows.begin()->size()), static_cast<int>(rows.size()));
+    return Painted(
+        size, [&](int x, int y) { return ColourOf(rows.begin()[y].at(static_cast<size_t>(x))); },
+        format);
 }
 
 /// Success where the images show the same; else names the first pixel that differs.
@@ -84,27 +80,17 @@ inline ::testing::AssertionResult SamePixels(const imaging::Pixels& actual,
 /// A picture in which no row or column repeats and no channel is like another: gradients with a
 /// little noise over them.
 inline QImage TestPicture(int width, int height, unsigned seed = 1) {
-    QImage image(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            seed = seed * 1664525U + 1013904223U;
-            const int noise = static_cast<int>(seed >> 28);
-            row[x] = qRgb((x + noise) & 255, (2 * y + noise) & 255, (x + y) / 2 & 255);
-        }
-    }
-    return image;
+    return Painted({width, height}, [&](int x, int y) {
+        seed = seed * 1664525U + 1013904223U;
+        const int noise = static_cast<int>(seed >> 28);
+        return qRgb((x + noise) & 255, (2 * y + noise) & 255, (x + y) / 2 & 255);
+    });
 }
 
 /// The picture that a grid stands for, put together pixel by pixel.
 inline QImage Unrolled(const QImage& tile, int columns, int rows) {
-    QImage image(tile.width() * columns, tile.height() * rows, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, tile.pixel(x % tile.width(), y % tile.height()));
-        }
-    }
-    return image;
+    return Painted({tile.width() * columns, tile.height() * rows},
+                   [&](int x, int y) { return tile.pixel(x % tile.width(), y % tile.height()); });
 }
 
 /// The largest difference of a channel inside `area`; 255 where a size is wrong.
