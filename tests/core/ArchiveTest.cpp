@@ -11,7 +11,9 @@
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,9 +25,8 @@ using Ids = std::vector<qint64>;
 class Archive : public ::testing::Test {
  protected:
     Archive() {
-        for (const QString& folder : {databaseFolder, archiveFolder}) {
-            QDir().mkpath(folder);
-        }
+        QDir().mkpath(databaseFolder);
+        QDir().mkpath(archiveFolder);
         data.ConnectDB(databaseFolder);
         data.CreateDB();
         core::NameSources sources;
@@ -42,25 +43,32 @@ class Archive : public ::testing::Test {
     }
     QString DatabaseFile() const { return databaseFolder + u"/KDRImageBase.db"_s; }
 
-    /// The rows of a query, their columns between bars; NULL is ?.
+    void Execute(const QString& statement) const {
+        store::Database(databaseFolder).Execute(statement);
+    }
+    /// The first column of a query's rows.
     QStringList Rows(const QString& query) const {
         store::Database database(databaseFolder);
         store::Statement select(database, query);
         QStringList rows;
         while (select.Step()) {
-            QStringList columns;
-            for (int column = 0; column < 8; ++column) {
-                columns.append(select.IsNull(column) ? u"?"_s : select.Text(column));
-            }
-            rows.append(columns.join(u'|'));
+            rows.append(select.Text(0));
         }
         return rows;
     }
+    /// The records, their columns between bars; NULL is ?.
     QStringList Records() const {
         return Rows(
-            uR"(SELECT "ID", "ImgName", "ImgType", "ImgMD5", "ImgErstellt", "ImgAblage",
-            "ImgTags", length("ImgThumb") > 0 FROM "ImgDB" ORDER BY "ID")"_s);
+            uR"(SELECT "ID" || '|' || ifnull("ImgName", '?') || '|' || ifnull("ImgType", '?') ||
+                '|' || ifnull("ImgMD5", '?') || '|' || ifnull("ImgErstellt", '?') || '|' ||
+                ifnull("ImgAblage", '?') || '|' || ifnull("ImgTags", '?') || '|' ||
+                ifnull(length("ImgThumb") > 0, '?') FROM "ImgDB" ORDER BY "ID")"_s);
     }
+    /// A file of March 2026.
+    QString Filed(const char* name) const {
+        return archiveFolder + u"/2026/03/"_s + QLatin1StringView(name);
+    }
+    QStringList FiledPhotos() const { return QDir(Filed("")).entryList(QDir::Files); }
 
     Installation installation;
     QString databaseFolder = installation.Path("database");
@@ -85,7 +93,7 @@ TEST_F(Archive, FilesAPhotoWithItsRecordThumbnailAndTags) {
     EXPECT_EQ(QImage::fromData(Table().ReadThumbnail(1)).size(), QSize(140, 180));
 
     data.SetCurrentRecord(1);
-    const QString path = archiveFolder + u"/2026/03/2026_03_00001.jpg"_s;
+    const QString path = Filed("2026_03_00001.jpg");
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), path);
     const imaging::LoadedImage read = imaging::ReadImageFile(path);
     EXPECT_EQ(read.pixels.Size(), QSize(413, 531));
@@ -102,7 +110,7 @@ TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
                      imaging::WriteError);
     }
     EXPECT_FALSE(QFileInfo::exists(missing));
-    QDir().mkpath(archiveFolder + u"/2026/03/2026_03_00003.jpg"_s);
+    QDir().mkpath(Filed("2026_03_00003.jpg"));
     EXPECT_THROW(File(u"b\r\n"_s), imaging::WriteError) << "the photo's name is taken by a folder";
     EXPECT_EQ(Records(),
               QStringList({u"1|?|?|?|?|?|?|?"_s, u"2|?|?|?|?|?|?|?"_s, u"3|?|?|?|?|?|?|?"_s}));
@@ -113,12 +121,9 @@ TEST_F(Archive, AMissingFolderCostsAnEmptyRecordEachTime) {
 }
 
 TEST_F(Archive, AfterTheDatabaseWasLostNoOlderPhotoIsReplaced) {
-    const auto number = [&](const char* name) {
-        return installation.Path("archive/2026/03/") + QLatin1StringView(name);
-    };
     File(u"a\r\n"_s);
     File(u"b\r\n"_s);
-    const QByteArray first = platform::ReadWholeFile(number("2026_03_00001.jpg"), 1 << 20);
+    const QByteArray first = platform::ReadWholeFile(Filed("2026_03_00001.jpg"), 1 << 20);
     installation.Write("archive/2026/03/2026_03_00004.jpg", "of another computer");
 
     ASSERT_TRUE(QFile::rename(DatabaseFile(), DatabaseFile() + u".lost"_s));
@@ -129,9 +134,9 @@ TEST_F(Archive, AfterTheDatabaseWasLostNoOlderPhotoIsReplaced) {
     EXPECT_EQ(Table().Ids(), (Ids{5, 3}));
     EXPECT_EQ(Table().Read(3)->name, u"2026_03_00003.jpg"_s);
     EXPECT_EQ(Table().Read(5)->tags, u"d\r\n"_s);
-    EXPECT_EQ(platform::ReadWholeFile(number("2026_03_00001.jpg"), 1 << 20), first);
-    EXPECT_EQ(platform::ReadWholeFile(number("2026_03_00004.jpg"), 99), "of another computer");
-    EXPECT_TRUE(QFile::exists(number("2026_03_00005.jpg")));
+    EXPECT_EQ(platform::ReadWholeFile(Filed("2026_03_00001.jpg"), 1 << 20), first);
+    EXPECT_EQ(platform::ReadWholeFile(Filed("2026_03_00004.jpg"), 99), "of another computer");
+    EXPECT_TRUE(QFile::exists(Filed("2026_03_00005.jpg")));
 
     now = now.addMonths(1);
     File(u"e\r\n"_s);
@@ -149,7 +154,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     File(u"a\r\n"_s);
     EXPECT_EQ(Records(), QStringList());
     EXPECT_TRUE(image.Iptc().IsEmpty());
-    store::Database(databaseFolder).Execute(uR"(DROP TABLE "ImgDB")"_s);
+    Execute(uR"(DROP TABLE "ImgDB")"_s);
     QFile::remove(installation.Path("archive/2026"));
     File(u"a\r\n"_s);
     EXPECT_EQ(data.Archive(), nullptr);
@@ -157,7 +162,7 @@ TEST_F(Archive, DoesNothingWithoutItsMonthFolderOrTable) {
     core::TData unconnected(ui, installation.Folders());
     EXPECT_FALSE(unconnected.CreateDB());
     unconnected.SaveImageToArchiv(image, archiveFolder, {}, {});
-    EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files), QStringList());
+    EXPECT_EQ(FiledPhotos(), QStringList());
     data.CreateDB();
     EXPECT_EQ(Records(), QStringList());
 }
@@ -168,15 +173,13 @@ TEST_F(Archive, AFullDiskLeavesAnEmptyRecordAtWorst) {
         const FileSizeLimit limit(8'000);
         EXPECT_THROW(File(u"leer\r\n"_s), platform::Error);
     }
-    EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s).first().section(u'|', 0, 0), u"ok"_s);
-    store::Database(databaseFolder)
-        .Execute(
-            uR"(CREATE TRIGGER "full" BEFORE UPDATE OF "ImgName" ON "ImgDB"
-                     BEGIN SELECT RAISE(ABORT, 'full'); END)"_s);
+    EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s), QStringList(u"ok"_s));
+    Execute(
+        uR"(CREATE TRIGGER "full" BEFORE UPDATE OF "ImgName" ON "ImgDB"
+                BEGIN SELECT RAISE(ABORT, 'full'); END)"_s);
     EXPECT_THROW(File(u"leer\r\n"_s), store::StoreError);
-    EXPECT_EQ(QDir(archiveFolder + u"/2026/03"_s).entryList(QDir::Files).size(), 1)
-        << "no photo is left without its record";
-    store::Database(databaseFolder).Execute(uR"(DROP TRIGGER "full")"_s);
+    EXPECT_EQ(FiledPhotos().size(), 1) << "no photo is left without its record";
+    Execute(uR"(DROP TRIGGER "full")"_s);
     File(u"wieder\r\n"_s);
     EXPECT_EQ(Table().Find(u"voll"_s), (Ids{1}));
     EXPECT_EQ(Table().Find(u"leer"_s), Ids());
@@ -186,7 +189,7 @@ TEST_F(Archive, AFullDiskLeavesAnEmptyRecordAtWorst) {
 TEST_F(Archive, NamesTheMissingPhotoOfARecord) {
     File({});
     const QString path = data.GetFileNameFromRecord(archiveFolder + u'/');
-    EXPECT_EQ(path, archiveFolder + u"/2026/03/2026_03_00001.jpg"_s);
+    EXPECT_EQ(path, Filed("2026_03_00001.jpg"));
     QFile::remove(path);
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_EQ(ui.messages, QStringList(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s));
@@ -194,11 +197,7 @@ TEST_F(Archive, NamesTheMissingPhotoOfARecord) {
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_EQ(ui.messages.size(), 2);
     installation.Write("elsewhere.jpg", "not of the archive");
-    core::ArchiveRecord outside;
-    outside.id = 1;
-    outside.name = u"elsewhere.jpg"_s;
-    outside.folder = u".."_s;
-    Table().Fill(outside, {});
+    Execute(uR"(UPDATE "ImgDB" SET "ImgName" = 'elsewhere.jpg', "ImgAblage" = '..')"_s);
     data.SetCurrentRecord(1);
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString());
     EXPECT_TRUE(ui.messages.last().contains(u"außerhalb des Archivs"_s));
@@ -261,65 +260,60 @@ TEST_F(Archive, TwoProgramsSeeWhatTheOtherFiles) {
 
 TEST_F(Archive, AnOlderDatabaseGetsItsIndexAndKeepsItsRecords) {
     QFile::remove(DatabaseFile());
-    {
-        store::Database database(databaseFolder);
-        database.Execute(
-            uR"(CREATE TABLE "ImgDB" ("ID" INTEGER PRIMARY KEY AUTOINCREMENT,
-            "ImgName" VARCHAR(25), "ImgType" VARCHAR(50), "ImgMD5" VARCHAR(40),
-            "ImgErstellt" TIMESTAMP, "ImgAblage" VARCHAR(125), "ImgTags" MEMO, "ImgThumb" GRAPHIC))"_s);
-        database.Execute(uR"(INSERT INTO "ImgDB" ("ImgTags") VALUES ('Jürgen'), (NULL))"_s);
-    }
+    Execute(
+        uR"(CREATE TABLE "ImgDB" ("ID" INTEGER PRIMARY KEY AUTOINCREMENT,
+        "ImgName" VARCHAR(25), "ImgType" VARCHAR(50), "ImgMD5" VARCHAR(40),
+        "ImgErstellt" TIMESTAMP, "ImgAblage" VARCHAR(125), "ImgTags" MEMO, "ImgThumb" GRAPHIC))"_s);
+    Execute(uR"(INSERT INTO "ImgDB" ("ImgTags") VALUES ('Jürgen'), (NULL))"_s);
     for (int start = 0; start < 2; ++start) {
         data.ConnectDB(databaseFolder);
         EXPECT_TRUE(data.CreateDB());
         data.ImgTagSearch(u"jürgen"_s);
         EXPECT_EQ(Table().Ids(), (Ids{1}));
     }
-    EXPECT_EQ(Rows(u"PRAGMA user_version"_s).first().section(u'|', 0, 0), u"1"_s);
+    EXPECT_EQ(Rows(u"PRAGMA user_version"_s), QStringList(u"1"_s));
 }
 
 TEST_F(Archive, RefusesTheDatabaseOfANewerVersionOrAnotherProgram) {
-    const auto connectError = [&] {
-        try {
-            data.ConnectDB(databaseFolder);
-        } catch (const platform::Error& error) {
-            EXPECT_EQ(typeid(error), typeid(platform::Error)) << "a general error";
-            return error.Text();
-        }
-        return QString();
+    const auto connectError = [&](const char* changed) {
+        Execute(QLatin1StringView(changed));
+        return TextOf([&] { data.ConnectDB(databaseFolder); });
     };
-    store::Database(databaseFolder).Execute(u"PRAGMA user_version = 2"_s);
-    EXPECT_EQ(connectError(),
+    EXPECT_EQ(connectError("PRAGMA user_version = 2"),
               u"Die Datenbank „%1“ stammt von einer neueren Version des Programms "
               u"(2)."_s.arg(DatabaseFile()));
-    store::Database(databaseFolder).Execute(u"PRAGMA application_id = 42"_s);
-    EXPECT_EQ(connectError(),
+    EXPECT_EQ(connectError("PRAGMA application_id = 42"),
               u"Die Datenbank „%1“ gehört zu einem anderen Programm."_s.arg(DatabaseFile()));
     platform::WriteFileAtomically(DatabaseFile(), QByteArray(3000, 'x'));
-    EXPECT_TRUE(connectError().endsWith(u"Die Datei ist keine Datenbank."_s));
+    try {
+        data.ConnectDB(databaseFolder);
+        ADD_FAILURE() << "connected";
+    } catch (const platform::Error& error) {
+        EXPECT_EQ(typeid(error), typeid(platform::Error)) << "a general error";
+        EXPECT_TRUE(error.Text().endsWith(u"Die Datei ist keine Datenbank."_s));
+    }
 }
 
-/// "RECORD:DATASET TEXT" of each item.
-QStringList Texts(const imaging::IptcItems& items) {
+/// "RECORD:DATASET TEXT" of each item, joined by bars.
+QString Texts(const imaging::IptcItems& items) {
     QStringList all;
     for (const imaging::IptcItem& item : items.Items()) {
         all.append(u"%1:%2 "_s.arg(item.record).arg(item.dataset) + QString::fromUtf8(item.value));
     }
-    return all;
+    return all.join(u'|');
 }
 
 TEST_F(Archive, TagsAreSetInAViewAndRewrittenInAFile) {
     data.SaveIptcToImage(image, u"Anna"_s, u"Anna\r\nBerlin\r\n2026\r\n"_s);
-    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 Anna,Berlin,2026,"_s}));
+    EXPECT_EQ(Texts(image.Iptc()), u"2:5 Anna|2:25 Anna,Berlin,2026,"_s);
     data.SaveIptcToImage(image, u"Bea"_s, {});
-    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 Anna"_s, u"2:25 "_s, u"2:5 Bea"_s}))
+    EXPECT_EQ(Texts(image.Iptc()), u"2:5 Anna|2:25 |2:5 Bea"_s)
         << "the item at the very front counts as missing";
 
     const QString path = installation.Path("a.jpg");
     imaging::WriteImageFile(path, image.Photo(), {300}, {{}, image.Iptc()});
     data.RewriteIptcToImage(path, u"Käthe"_s, u"Käthe\r\n\r\n"_s);
-    EXPECT_EQ(Texts(imaging::ReadImageFile(path).iptc),
-              QStringList({u"1:90 \u001b%G"_s, u"2:5 Käthe"_s, u"2:25 Käthe,,"_s}));
+    EXPECT_EQ(Texts(imaging::ReadImageFile(path).iptc), u"1:90 \u001b%G|2:5 Käthe|2:25 Käthe,,"_s);
     data.RewriteIptcToImage(installation.Path("fehlt.jpg"), {}, {});
     EXPECT_FALSE(QFile::exists(installation.Path("fehlt.jpg")));
 }
@@ -335,13 +329,12 @@ TEST_F(Archive, ItemsOfAnOpenedPhotoStayWithIt) {
     installation.Write("a.jpg", imaging::EncodeJpeg(image.Photo()).insert(2, segment));
     core::OpenPhoto(installation.Path("a.jpg"), settings, image);
     data.SaveIptcToImage(image, u"neu"_s, u"neu"_s);
-    EXPECT_EQ(Texts(image.Iptc()), QStringList({u"2:5 alt"_s, u"2:5 neu"_s, u"2:25 neu"_s}));
+    EXPECT_EQ(Texts(image.Iptc()), u"2:5 alt|2:5 neu|2:25 neu"_s);
 
     data.SaveImage(image, archiveFolder, u"b.jpg"_s, false);
     core::OpenPhoto(archiveFolder + u"/b.jpg"_s, settings, image);
     data.SaveIptcToImage(image, u"neuer"_s, u"neuer"_s);
-    EXPECT_EQ(Texts(image.Iptc()),
-              QStringList({u"1:90 \u001b%G"_s, u"2:5 neuer"_s, u"2:25 neuer"_s}))
+    EXPECT_EQ(Texts(image.Iptc()), u"1:90 \u001b%G|2:5 neuer|2:25 neuer"_s)
         << "the customer's item was not saved";
     image.Open(image.Photo(), {});
     EXPECT_TRUE(image.Iptc().IsEmpty());

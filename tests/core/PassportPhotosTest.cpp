@@ -19,17 +19,16 @@ class PassportPhotos : public ::testing::Test {
         data.InitSystem();
     }
 
-    void OpenPhoto(const QImage& photo, int templateIndex = 0) {
+    void OpenPhoto(const QImage& photo) {
         image.Open(imaging::Pixels(photo), {});
-        ASSERT_TRUE(data.MaskLoadFromFile(data.GetMaskFileName(templateIndex)));
+        ASSERT_TRUE(data.MaskLoadFromFile(data.GetMaskFileName(0)));
         data.DrawMask(image);
         data.LoadLayer(image);
     }
-
-    static QImage Grey(int width, int height, int value = 128) {
-        QImage image(width, height, QImage::Format_RGB32);
-        image.fill(qRgb(value, value, value));
-        return image;
+    void OpenGrey(int width, int height) {
+        QImage photo(width, height, QImage::Format_RGB32);
+        photo.fill(Qt::gray);
+        OpenPhoto(photo);
     }
 
     Installation installation;
@@ -39,30 +38,26 @@ class PassportPhotos : public ::testing::Test {
     imaging::LayeredImage image;
 };
 
-TEST_F(PassportPhotos, ANewTemplateStartsAtTheTopLeftInItsOwnSize) {
-    OpenPhoto(Grey(1200, 1600));
-    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(0, 0, 350, 450));
+TEST_F(PassportPhotos, CuttingStoresThePlaceForThatPhotoSize) {
+    OpenGrey(1200, 1600);
+    EXPECT_EQ(image.LayerAt(1).rectangle, QRect(0, 0, 350, 450)) << "in its own size at first";
     EXPECT_EQ(image.LayerAt(1).transparency, 60);
     EXPECT_EQ(image.CurrentLayer(), 1);
-}
-
-TEST_F(PassportPhotos, CuttingStoresThePlaceForThatPhotoSize) {
-    OpenPhoto(Grey(1200, 1600));
     image.SetLayerRectangle(1, QRect(100, 200, 600, 750));
     data.CropImage(image, core::SinglePhotoLayout);
     EXPECT_EQ(image.Photo().Size(), QSize(600, 750));
     EXPECT_EQ(image.LayerCount(), 1);
     EXPECT_EQ(data.ReadLayerPosFromIni(u"Pass.msk 1200x1600"_s), QRect(100, 200, 600, 750));
 
-    OpenPhoto(Grey(1200, 1600));
+    OpenGrey(1200, 1600);
     EXPECT_EQ(image.LayerAt(1).rectangle, QRect(100, 200, 600, 771))
         << "the height follows the template, not what was saved";
-    OpenPhoto(Grey(1600, 1200));
+    OpenGrey(1600, 1200);
     EXPECT_EQ(image.LayerAt(1).rectangle.topLeft(), QPoint());
 }
 
 TEST_F(PassportPhotos, APlaceThatCannotBeStoredDoesNotCostThePhotos) {
-    OpenPhoto(Grey(1200, 1600));
+    OpenGrey(1200, 1600);
     installation.Write("common/Kadrona/kdr.ini", "[old]\nPosX=1\n");
     QFile(installation.DataFile("kdr.ini")).setPermissions(QFile::ReadOwner);
     data.CropImage(image, 0);
@@ -71,35 +66,18 @@ TEST_F(PassportPhotos, APlaceThatCannotBeStoredDoesNotCostThePhotos) {
     EXPECT_EQ(data.ReadLayerPosFromIni(u"old"_s).x(), 1);
 }
 
-struct SheetCase {
-    int layout;
-    int frameSize;
-    QSize sheet;
-};
-
-class Sheets : public PassportPhotos, public ::testing::WithParamInterface<SheetCase> {};
-
-TEST_P(Sheets, AreTheGridOfTheBorderedPhotos) {
-    OpenPhoto(Grey(500, 600));
-    image.SetLayerRectangle(1, QRect(10, 10, 413, 531));
-    data.SetFrameSize(GetParam().frameSize);
-    data.CropImage(image, GetParam().layout);
-    EXPECT_EQ(image.Photo().Size(), GetParam().sheet);
-    EXPECT_EQ(image.Resolution().value, 300);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    PassportPhotos, Sheets,
-    ::testing::Values(SheetCase{0, 25, {1752, 1112}}, SheetCase{1, 25, {1314, 1112}},
-                      SheetCase{2, 25, {876, 1112}}, SheetCase{3, 25, {1752, 556}},
-                      SheetCase{4, 25, {1314, 556}}, SheetCase{5, 25, {876, 556}},
-                      SheetCase{6, 25, {413, 531}}, SheetCase{7, 25, {1314, 1668}},
-                      SheetCase{0, 0, {1652, 1062}}, SheetCase{0, -5, {1652, 1062}},
-                      SheetCase{-1, 25, {438, 556}}, SheetCase{8, 25, {438, 556}}));
-
 TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
-    QImage photo = Picture({"rg-", "by-", "---"});
-    OpenPhoto(photo);
+    for (const auto& [layout, frame, sheet] :
+         {std::tuple(1, 25, QSize(1314, 1112)), std::tuple(6, 25, QSize(413, 531)),
+          std::tuple(7, -5, QSize(1239, 1593)), std::tuple(8, 25, QSize(438, 556))}) {
+        OpenGrey(500, 600);
+        image.SetLayerRectangle(1, QRect(10, 10, 413, 531));
+        data.SetFrameSize(frame);
+        data.CropImage(image, layout);
+        EXPECT_EQ(image.Photo().Size(), sheet) << layout;
+        EXPECT_EQ(image.Resolution().value, 300);
+    }
+    OpenPhoto(Picture({"rg-", "by-", "---"}));
     image.SetLayerRectangle(1, QRect(0, 0, 2, 2));
     data.SetFrameSize(2);
     settings[u"RotateBeforeTileImg"_s] = true;
@@ -110,29 +88,24 @@ TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
                                                    "wwwwwwww"})));
 }
 
-TEST_F(PassportPhotos, TheTagEditorIsShownOnlyForTheArchiveAndCancellingStillMakesTheSheet) {
-    OpenPhoto(Grey(500, 600));
+TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
+    OpenGrey(500, 600);
     data.CropImage(image, 0);
     EXPECT_EQ(ui.tagEditorShown, 0);
     settings[u"ImageAutoSave"_s] = true;
-    OpenPhoto(Grey(500, 600));
-    data.CropImage(image, 0);
-    EXPECT_EQ(ui.tagEditorShown, 1);
-    EXPECT_EQ(image.Photo().Columns(), 4);
-}
-
-TEST_F(PassportPhotos, AnArchiveThatFailsIsToldOfAndStillMakesTheSheet) {
-    settings[u"ImageAutoSave"_s] = true;
-    ui.tags = QStringList(u"Anna"_s);
-    OpenPhoto(Grey(500, 600));
-    data.CropImage(image, 0);
-    EXPECT_EQ(data.Archive()->Ids().size(), 1U) << "no folder for the photo of the empty record";
-    EXPECT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(image.Photo().Columns(), 4);
+    for (const int records : {0, 1}) {
+        OpenGrey(500, 600);
+        data.CropImage(image, 0);
+        EXPECT_EQ(ui.tagEditorShown, records + 1);
+        EXPECT_EQ(ui.messages.size(), records) << "there is no folder for the photo";
+        EXPECT_EQ(data.Archive()->Ids().size(), size_t(records)) << "an empty record";
+        EXPECT_EQ(image.Photo().Columns(), 4);
+        ui.tags = QStringList(u"Anna"_s);
+    }
 }
 
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
-    OpenPhoto(Grey(100, 100));
+    OpenGrey(100, 100);
     data.CropImage(image, core::SinglePhotoLayout);
     EXPECT_EQ(image.Photo().Size(), QSize(350, 450));
     EXPECT_EQ(image.Photo().ToImage().pixel(349, 449), 0xffffffff);
@@ -140,7 +113,7 @@ TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) 
 }
 
 TEST_F(PassportPhotos, ADamagedTemplateChangesNothing) {
-    OpenPhoto(Grey(500, 600));
+    OpenGrey(500, 600);
     installation.Write("program/Schablonen/USA.msk", QByteArray("\x02\0\0\0only", 8));
     EXPECT_THROW(data.MaskLoadFromFile(data.GetMaskFileName(1)), core::TemplateFileError);
     EXPECT_EQ(data.TemplateName(), u"Pass.msk"_s);
@@ -149,22 +122,38 @@ TEST_F(PassportPhotos, ADamagedTemplateChangesNothing) {
 }
 
 TEST_F(PassportPhotos, BrightnessIsTheWholeThirdOfTheAverages) {
-    EXPECT_EQ(core::AverageBrightness(imaging::Pixels(Grey(7, 5, 191))), 191);
-    QImage colour(1, 1, QImage::Format_RGB32);
-    colour.fill(qRgb(190, 191, 191));
-    EXPECT_EQ(core::AverageBrightness(imaging::Pixels(colour)), 190);
+    QImage photo(7, 5, QImage::Format_RGB32);
+    for (const auto& [colour, brightness] :
+         {std::pair(qRgb(191, 191, 191), 191), std::pair(qRgb(190, 191, 191), 190)}) {
+        photo.fill(colour);
+        EXPECT_EQ(core::AverageBrightness(imaging::Pixels(photo)), brightness);
+    }
 }
 
 TEST_F(PassportPhotos, AnOpenedPhotoIsTurnedAsTheSettingsSay) {
-    image.Open(imaging::Pixels(Picture({"rg"})), {});
-    settings[u"ImgRotateLeft"_s] = true;
-    core::TurnOpenedPhoto(settings, image);
-    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"g", "r"})));
-    image.Open(imaging::Pixels(Picture({"rg"})), {});
-    settings[u"ImgRotateLeft"_s] = false;
-    settings[u"ImgRotateRight"_s] = true;
-    core::TurnOpenedPhoto(settings, image);
-    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"r", "g"})));
+    for (const auto& [setting, turned] : {std::pair(u"ImgRotateLeft"_s, Picture({"g", "r"})),
+                                          std::pair(u"ImgRotateRight"_s, Picture({"r", "g"}))}) {
+        FakeSettings turning;
+        turning[setting] = true;
+        image.Open(imaging::Pixels(Picture({"rg"})), {});
+        core::TurnOpenedPhoto(turning, image);
+        EXPECT_TRUE(SamePixels(image.Photo(), turned)) << setting.toStdString();
+    }
+}
+
+TEST_F(PassportPhotos, TheFreeRotationTurnsByTheAnswer) {
+    data.RotateImage(image);
+    EXPECT_TRUE(ui.rotationPreview.isEmpty()) << "there is no photo yet";
+    image.Open(imaging::Pixels(Picture({"rgb", "wky"})), {});
+    for (const std::optional<double> degrees : {std::optional<double>(), std::optional(0.0)}) {
+        ui.rotation = degrees;
+        data.RotateImage(image);
+        EXPECT_EQ(ui.rotationPreview, QSize(300, 200));
+        EXPECT_TRUE(SamePixels(image.Photo(), Picture({"rgb", "wky"})));
+    }
+    ui.rotation = 90.0;
+    data.RotateImage(image);
+    EXPECT_TRUE(SamePixels(image.Photo(), Picture({"by", "gk", "rw"})));
 }
 
 TEST_F(PassportPhotos, ATungstenLampIsBalancedWhereTheSettingsSay) {
