@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/CheckReport.h"
 #include "app/FaceOverlay.h"
@@ -34,19 +35,19 @@ using imaging::LayeredImage;
 namespace {
 
 const QString CheckShownValue = u"CheckShown"_s;
-/// 0 is the default, so what is stored is one more than the place in the box.
-const QString AlignmentValue = u"FaceAlignment"_s;
 const QString NoFaceText = u"Auf diesem Foto wurde kein Gesicht gefunden."_s;
 constexpr int SearchDelayMilliseconds = 200;
 
 }  // namespace
 
 FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
-                         core::UserInterface& ui, MainActions& actions, ViewActions& viewActions,
-                         dialogs::SidePanel& panel, dialogs::CheckSection& section)
+                         const core::Settings& settings, core::UserInterface& ui,
+                         MainActions& actions, ViewActions& viewActions, dialogs::SidePanel& panel,
+                         dialogs::CheckSection& section)
     : session_(session),
       view_(view),
       data_(data),
+      settings_(settings),
       ui_(ui),
       actions_(actions),
       viewActions_(viewActions),
@@ -68,19 +69,9 @@ FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, 
     connect(&section, &CheckSection::PointsToggled, this, &FaceActions::SetPointsMovable);
     connect(&section, &CheckSection::ReportAsked, this,
             [this] { controls::Guarded(view_.window(), [this] { SaveReport(); }); });
-    connect(&section, &CheckSection::AlignmentChosen, this, [this] {
-        controls::Guarded(view_.window(), [this] {
-            platform::WriteRegistryInteger(AlignmentValue,
-                                           static_cast<int>(section_.FaceAlignment()) + 1);
-        });
-    });
     section.AddAction(actions[Action::AlignToFace]);
     section.AddAction(actions[Action::LevelHead]);
     controls::Guarded(view.window(), [this] {
-        const int stored = platform::ReadRegistryInteger(AlignmentValue);
-        section_.SetFaceAlignment(stored >= 1 && stored <= 3
-                                      ? static_cast<CheckSection::Alignment>(stored - 1)
-                                      : CheckSection::Alignment::Propose);
         actions_.SetChecked(Action::ShowCheck, platform::ReadRegistryInteger(CheckShownValue) != 0);
         panel_.ShowSection(&section_, actions_.IsChecked(Action::ShowCheck));
     });
@@ -132,10 +123,11 @@ void FaceActions::FollowSession() {
     if (figuresOf_ != data_.TemplateName()) {
         figuresOf_ = data_.TemplateName();
         figures_.reset();
+        figuresKnown_ = false;
     }
     const bool check = actions_.IsChecked(Action::ShowCheck);
     const bool offer = !offered_ && session_.HasTemplate() &&
-                       section_.FaceAlignment() != dialogs::CheckSection::Alignment::Never;
+                       settings_.AlignToFace() != core::FaceAlignment::Never;
     if (IsEditing() && !known_ && (check || offer)) {
         search_.start(SearchDelayMilliseconds);
     }
@@ -176,12 +168,11 @@ bool FaceActions::FindFace() {
 }
 
 void FaceActions::OfferPlace() {
-    using Alignment = dialogs::CheckSection::Alignment;
     offered_ = true;
-    if (!found_.face || section_.FaceAlignment() == Alignment::Never) {
+    if (!found_.face || settings_.AlignToFace() == core::FaceAlignment::Never) {
         return;
     }
-    if (section_.FaceAlignment() == Alignment::Always) {
+    if (settings_.AlignToFace() == core::FaceAlignment::Always) {
         TakePlace();
         return;
     }
@@ -268,6 +259,13 @@ std::vector<core::CheckLine> FaceActions::Lines() const {
     return core::CheckPhoto(checked);
 }
 
+void FaceActions::LoadFigures() {
+    // A table that cannot be read is said once, not at every frame of a drag.
+    if (!std::exchange(figuresKnown_, true)) {
+        controls::Guarded(view_.window(), [this] { figures_ = Figures(); });
+    }
+}
+
 void FaceActions::ShowLines() {
     if (!actions_.IsChecked(Action::ShowCheck)) {
         return;
@@ -276,9 +274,7 @@ void FaceActions::ShowLines() {
         section_.SetLines({}, u"Öffnen Sie ein Foto und wählen Sie eine Schablone."_s);
         return;
     }
-    if (!figures_) {
-        controls::Guarded(view_.window(), [this] { figures_ = Figures(); });
-    }
+    LoadFigures();
     QString summary = u"%1. Ohne Gewähr."_s.arg(session_.TemplateName());
     if (found_.faceCount > 1) {
         summary +=
@@ -289,9 +285,18 @@ void FaceActions::ShowLines() {
 }
 
 bool FaceActions::ConfirmCut() {
-    if (!actions_.IsChecked(Action::ShowCheck) || !found_.face) {
+    if (!settings_.AskBeforeCut() || !IsEditing() || !session_.HasTemplate()) {
         return true;
     }
+    try {
+        const bool found = FindFace();
+        if (!found && !actions_.IsChecked(Action::ShowCheck)) {
+            return true;
+        }
+    } catch (const imaging::CascadesMissing&) {
+        return true;
+    }
+    LoadFigures();
     QStringList missed;
     for (const core::CheckLine& line : Lines()) {
         if (line.state == core::CheckState::Missed) {

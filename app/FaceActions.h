@@ -11,6 +11,7 @@
 #include "imaging/view/ViewTool.h"
 
 namespace kadrona::core {
+class Settings;
 class TData;
 class UserInterface;
 }  // namespace kadrona::core
@@ -40,12 +41,14 @@ class FaceActions : public QObject, private imaging::view::ViewTool {
 
  public:
     FaceActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
-                core::UserInterface& ui, MainActions& actions, ViewActions& viewActions,
-                dialogs::SidePanel& panel, dialogs::CheckSection& section);
+                const core::Settings& settings, core::UserInterface& ui, MainActions& actions,
+                ViewActions& viewActions, dialogs::SidePanel& panel,
+                dialogs::CheckSection& section);
     ~FaceActions() override;
 
-    /// While the check is shown: true where nothing that is published is missed, or where the user
-    /// wants the cut all the same.
+    /// True where nothing that is published is missed, where the profile does not ask, or where the
+    /// user wants the cut all the same. A photo without a face is asked about while the check is
+    /// shown; else nobody said that it is a portrait.
     bool ConfirmCut();
 
  private:
@@ -64,6 +67,7 @@ class FaceActions : public QObject, private imaging::view::ViewTool {
     void ShowLines();
     std::vector<core::CheckLine> Lines() const;
     core::TemplateRow Figures() const;
+    void LoadFigures();
     QRect TemplateRectangle() const;
     bool IsEditing() const;
 
@@ -77,6 +81,7 @@ class FaceActions : public QObject, private imaging::view::ViewTool {
     PhotoSession& session_;
     imaging::view::ImageView& view_;
     core::TData& data_;
+    const core::Settings& settings_;
     core::UserInterface& ui_;
     MainActions& actions_;
     ViewActions& viewActions_;
@@ -89,6 +94,7 @@ class FaceActions : public QObject, private imaging::view::ViewTool {
     core::PhotoEdits edits_;
     std::optional<core::TemplateRow> figures_;
     QString figuresOf_;
+    bool figuresKnown_ = false;
     QSize photoSize_;
     bool known_ = false;       ///< found_ is of the photo as it is
     bool retouching_ = false;  ///< the next change of the photo is the stamp's

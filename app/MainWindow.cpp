@@ -107,8 +107,9 @@ void TmainFm::CreateReusedWindows() {
         std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, *curveDialog);
     retouchTool_ =
         std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
-    faceActions_ = std::make_unique<FaceActions>(session_, *view_, *data_, *ui_, actions_,
-                                                 *viewActions_, *sidePanel_, *checkSection_);
+    faceActions_ =
+        std::make_unique<FaceActions>(session_, *view_, *data_, *settings_, *ui_, actions_,
+                                      *viewActions_, *sidePanel_, *checkSection_);
     sheetActions_->SetConfirmation([this] { return faceActions_->ConfirmCut(); });
 }
 

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -341,6 +342,10 @@ QString TEinstellungenFm::Text(const core::ProfileEntry& entry) const {
         return findChild<QComboBox*>(entry.control)->currentText();
     }
     return findChild<QLineEdit*>(entry.control)->text();
+}
+
+int TEinstellungenFm::Number(const core::ProfileEntry& entry) const {
+    return controls::StepsOf(*findChild<QDoubleSpinBox*>(entry.control));
 }
 
 }  // namespace kadrona::dialogs

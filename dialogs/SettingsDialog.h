@@ -3,10 +3,9 @@
 #include <QDialog>
 #include <functional>
 
-#include "controls/fields/PropertyStore.h"
 #include "controls/messages/ModalResult.h"
-#include "core/profiles/ProfileStore.h"
 #include "core/settings/Settings.h"
+#include "dialogs/ProfilePropertyStore.h"
 
 class QCheckBox;
 class QComboBox;
@@ -26,13 +25,6 @@ class TData;
 }
 
 namespace kadrona::dialogs {
-
-/// The property store of the settings dialog, as the data module binds it to a profile's file.
-class ProfilePropertyStore : public controls::PropertyStore, public core::ProfileStore {
- public:
-    QString StorageFile() const override { return PropertyStore::StorageFile(); }
-    void SetStorageFile(const QString& path) override { PropertyStore::SetStorageFile(path); }
-};
 
 /// "Einstellungen". Its controls are the one live record of the active photo profile: every other
 /// part of the program reads a setting from here at the moment of use. Lives from start to end.
@@ -67,6 +59,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     bool Checked(const core::ProfileEntry& entry) const override;
     int ItemIndex(const core::ProfileEntry& entry) const override;
     QString Text(const core::ProfileEntry& entry) const override;
+    int Number(const core::ProfileEntry& entry) const override;
 
  Q_SIGNALS:
     /// A setting that shows or hides actions changed.
@@ -83,6 +76,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void MakeGeneralControls();
     QWidget* BuildGeneralPage();
     QWidget* BuildOptionsPage();
+    QWidget* BuildCheckPage();
     void FillPropertyStore();
 
     // Behaviour (SettingsDialog.cpp)

@@ -90,6 +90,7 @@ void TEinstellungenFm::BuildControls() {
     pages_ = Named<QTabWidget>(u"PageControl"_s);
     pages_->addTab(new ScrolledPage(BuildGeneralPage()), u"Allgemein"_s);
     pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
+    pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
@@ -223,24 +224,27 @@ QWidget* TEinstellungenFm::BuildOptionsPage() {
     return page;
 }
 
-/// Sets each control to its value while nothing is stored, and hands it to the store.
+/// What a profile keeps besides its record stands on pages of its own.
+QWidget* TEinstellungenFm::BuildCheckPage() {
+    auto* alignToFace = ChoiceBox(u"AlignToFace"_s, {u"nie"_s, u"vorschlagen"_s, u"immer"_s});
+    auto* askBeforeCut = Named<QCheckBox>(
+        u"AskBeforeCut"_s, u"Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
+
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
+    layout->addSpacing(GroupSpacing);
+    layout->addWidget(askBeforeCut);
+    layout->addStretch();
+    return page;
+}
+
 void TEinstellungenFm::FillPropertyStore() {
     for (const core::ProfileEntry& entry : core::ProfileRecord) {
-        auto* control = findChild<QWidget*>(entry.control);
-        if (entry.property == core::ProfileProperty::Checked) {
-            auto& button = dynamic_cast<QAbstractButton&>(*control);
-            button.setChecked(entry.checked);
-            propertyStore_.AddChecked(button);
-        } else if (entry.property == core::ProfileProperty::Text) {
-            auto& field = dynamic_cast<QLineEdit&>(*control);
-            field.setText(entry.text);
-            propertyStore_.AddText(field);
-        } else {
-            auto& box = dynamic_cast<QComboBox&>(*control);
-            box.setCurrentIndex(entry.itemIndex);
-            entry.property == core::ProfileProperty::List ? propertyStore_.AddList(box)
-                                                          : propertyStore_.AddItemIndex(box);
-        }
+        propertyStore_.Add(entry, *findChild<QWidget*>(entry.control));
+    }
+    for (const core::ProfileEntry& entry : core::ProfileAdditions) {
+        propertyStore_.Add(entry, *findChild<QWidget*>(entry.control));
     }
 }
 

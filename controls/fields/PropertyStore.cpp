@@ -2,9 +2,10 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
-#include <QFileInfo>
+#include <QDoubleSpinBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <cmath>
 #include <optional>
 
 #include "controls/fields/RememberedChoice.h"
@@ -20,6 +21,7 @@ using platform::PropertyFile;
 const QString Checked = u"Checked"_s;
 const QString Text = u"Text"_s;
 const QString ItemIndex = u"ItemIndex"_s;
+const QString Value = u"Value"_s;
 const QString Items = u"Properties.Items"_s;
 
 QStringList ItemsOf(const QComboBox& box) {
@@ -53,6 +55,14 @@ void RestoreList(QComboBox& box, const PropertyFile& file) {
 }
 
 }  // namespace
+
+int StepsOf(const QDoubleSpinBox& field) {
+    return int(std::lround(field.value() * std::pow(10, field.decimals())));
+}
+
+void SetSteps(QDoubleSpinBox& field, int steps) {
+    field.setValue(steps / std::pow(10, field.decimals()));
+}
 
 void PropertyStore::AddChecked(QAbstractButton& button) {
     const QString name = button.objectName();
@@ -98,6 +108,20 @@ void PropertyStore::AddList(QComboBox& box) {
                         [&box](const PropertyFile& file) { RestoreList(box, file); }});
 }
 
+void PropertyStore::AddNumber(QDoubleSpinBox& field) {
+    const QString name = field.objectName();
+    entries_.push_back(
+        {[&field, name](PropertyFile& file) { file.WriteInteger(name, Value, StepsOf(field)); },
+         [&field, name](const PropertyFile& file) {
+             const int before = StepsOf(field);
+             const int steps = file.ReadInteger(name, Value).value_or(before);
+             SetSteps(field, steps);
+             if (StepsOf(field) != steps) {
+                 SetSteps(field, before);
+             }
+         }});
+}
+
 bool PropertyStore::HasFile() const {
     return storageFile_ != u"empty"_s;
 }
@@ -111,13 +135,6 @@ void PropertyStore::Store() const {
         entry.store(file);
     }
     file.Save();
-}
-
-void PropertyStore::StoreUnwritten() const {
-    const QFileInfo file(storageFile_);
-    if (HasFile() && file.exists() && file.size() == 0) {
-        Store();
-    }
 }
 
 void PropertyStore::Restore() const {

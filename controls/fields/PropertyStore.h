@@ -6,6 +6,7 @@
 
 class QAbstractButton;
 class QComboBox;
+class QDoubleSpinBox;
 class QLineEdit;
 class QWidget;
 
@@ -14,6 +15,10 @@ class PropertyFile;
 }
 
 namespace kadrona::controls {
+
+/// A field's number in units of its last decimal: 2.5 with one decimal is 25.
+int StepsOf(const QDoubleSpinBox& field);
+void SetSteps(QDoubleSpinBox& field, int steps);
 
 /// Stores listed properties of controls in one file and restores them, under the controls' object
 /// names. The controls must outlive the store, and their names must be set when they are added.
@@ -36,16 +41,17 @@ class PropertyStore {
     /// its change signals once, when the choice has changed in the end.
     void AddList(QComboBox& box);
 
+    /// "Value", in units of the field's last decimal. A number beyond the field's range is ignored.
+    void AddNumber(QDoubleSpinBox& field);
+
     /// The literal "empty" until a file is set.
     const QString& StorageFile() const { return storageFile_; }
     void SetStorageFile(const QString& path) { storageFile_ = path; }
+    bool HasFile() const;
 
     /// Writes all properties; what else the file holds is kept. Does nothing while no file is set.
     /// Throws platform::Error.
     void Store() const;
-
-    /// The same for a file that is still empty; any other one is left alone.
-    void StoreUnwritten() const;
 
     /// Reads all properties; a missing file changes nothing. Does nothing while no file is set.
     /// Throws platform::Error.
@@ -56,8 +62,6 @@ class PropertyStore {
         std::function<void(platform::PropertyFile&)> store;
         std::function<void(const platform::PropertyFile&)> restore;
     };
-
-    bool HasFile() const;
 
     QString storageFile_ = QStringLiteral("empty");
     std::vector<Entry> entries_;

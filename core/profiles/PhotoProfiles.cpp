@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include "core/settings/AdditionsFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/PropertyFile.h"
@@ -46,6 +47,15 @@ void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
 
 void PhotoProfiles::Record(const QString& name, const QString& fileName) const {
     index_.Record(name, fileName);
+}
+
+QString PhotoProfiles::Delete(const QString& name) const {
+    const QString additions = AdditionsFile(SettingsFile(name));
+    const QString left = index_.Remove(name);
+    if (additions.isEmpty() || !platform::IsFile(additions) || QFile::remove(additions)) {
+        return left;
+    }
+    return left.isEmpty() ? additions : left;
 }
 
 }  // namespace kadrona::core

@@ -23,8 +23,8 @@ class PhotoProfiles {
     /// the store stays bound to what it was, and no file is left.
     void SaveNew(const QString& name, ProfileStore& store) const;
     void Record(const QString& name, const QString& fileName) const;
-    /// See ProfileIndex::Remove.
-    QString Delete(const QString& name) const { return index_.Remove(name); }
+    /// See ProfileIndex::Remove; the profile's additions go too.
+    QString Delete(const QString& name) const;
 
  private:
     QString dataFolder_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLatin1StringView>
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -12,6 +13,7 @@ enum class ProfileProperty {
     Text,       ///< text "Text"
     ItemIndex,  ///< integer "ItemIndex"; -1 none
     List,       ///< "ItemIndex", the list "Properties.Items" and "Text" together
+    Number,     ///< integer "Value", in the smallest step that the control takes
 };
 
 /// One setting: the control that shows it, which is its name, what is stored of it, and its value
@@ -22,6 +24,7 @@ struct ProfileEntry {
     bool checked = false;
     int itemIndex = -1;
     QLatin1StringView text = {};
+    int number = 0;
 
     static constexpr ProfileEntry Switch(const char* control, bool checked = false) {
         return {QLatin1StringView(control), ProfileProperty::Checked, checked};
@@ -36,6 +39,9 @@ struct ProfileEntry {
     /// Nothing is chosen at first.
     static constexpr ProfileEntry List(const char* control) {
         return {QLatin1StringView(control), ProfileProperty::List};
+    }
+    static constexpr ProfileEntry Number(const char* control, int number) {
+        return {QLatin1StringView(control), ProfileProperty::Number, false, -1, {}, number};
     }
 };
 
@@ -55,15 +61,36 @@ inline constexpr std::array ProfileRecord{
     ProfileEntry::Switch("WhiteBalancePipette"),
 };
 
+/// What a profile keeps besides its record: the record is what other programs and older versions
+/// read, so its file stays as it is and these go into a file of their own (AdditionsFile). A
+/// profile without one has the values given here.
+inline constexpr std::array ProfileAdditions{
+    ProfileEntry::Choice("AlignToFace", 1),
+    ProfileEntry::Switch("AskBeforeCut", true),
+};
+
 /// The archive's folder stands among the settings, but no profile keeps it: it is one for the user.
 inline constexpr ProfileEntry ArchiveFolderEntry = ProfileEntry::Field("ImageDestinationDir");
 
-/// The record's entry of a control; one that is not in the record does not compile.
+/// Whether a profile keeps the entry in its additions.
+constexpr bool IsAddition(const ProfileEntry& entry) {
+    return std::ranges::any_of(ProfileAdditions, [&](const ProfileEntry& addition) {
+        return addition.control == entry.control;
+    });
+}
+
+/// The entry of a control; one that no profile keeps does not compile.
 consteval const ProfileEntry& EntryOf(std::string_view control) {
-    for (const ProfileEntry& entry : ProfileRecord) {
-        if (std::string_view(entry.control.data(), entry.control.size()) == control) {
-            return entry;
-        }
+    const auto isOf = [&](const ProfileEntry& entry) {
+        return std::string_view(entry.control.data(), size_t(entry.control.size())) == control;
+    };
+    if (const auto found = std::ranges::find_if(ProfileRecord, isOf);
+        found != ProfileRecord.end()) {
+        return *found;
+    }
+    if (const auto found = std::ranges::find_if(ProfileAdditions, isOf);
+        found != ProfileAdditions.end()) {
+        return *found;
     }
     throw "no such setting";
 }

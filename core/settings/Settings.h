@@ -6,11 +6,14 @@
 
 namespace kadrona::core {
 
+/// In the order of the choice's items.
+enum class FaceAlignment { Never, Propose, Always };
+
 /// The live settings: every getter bears the name of the settings dialog's control that holds the
 /// value and reads it at the moment of the call. Nobody keeps a copy.
 ///
-/// What answers (the dialog's controls, a stored profile, a test) implements the three that take an
-/// entry of ProfileRecord.
+/// What answers (the dialog's controls, a stored profile, a test) implements the four that take an
+/// entry of ProfileRecord or ProfileAdditions.
 class Settings {
  public:
     virtual ~Settings() = default;
@@ -20,6 +23,8 @@ class Settings {
     virtual int ItemIndex(const ProfileEntry& entry) const = 0;
     /// The text of a field, or of a list's choice.
     virtual QString Text(const ProfileEntry& entry) const = 0;
+    /// In the unit that the getter names.
+    virtual int Number(const ProfileEntry& entry) const = 0;
 
     /// Automatic white balance when a photo is opened.
     bool AutoWhiteBalance() const { return Checked(EntryOf("AutoWhiteBalance")); }
@@ -64,6 +69,14 @@ class Settings {
     bool ShowGradation() const { return Checked(EntryOf("ShowGradation")); }
     bool ShowRotate() const { return Checked(EntryOf("ShowRotate")); }
     bool WhiteBalancePipette() const { return Checked(EntryOf("WhiteBalancePipette")); }
+
+    // Additions
+    /// When the template is placed by the photo's face.
+    FaceAlignment AlignToFace() const {
+        return static_cast<FaceAlignment>(ItemIndex(EntryOf("AlignToFace")));
+    }
+    /// Ask before photos are made that miss a published rule.
+    bool AskBeforeCut() const { return Checked(EntryOf("AskBeforeCut")); }
 };
 
 /// The gap between photos in pixels: the decimal value of the FrameSize text. Throws

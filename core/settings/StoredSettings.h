@@ -5,8 +5,9 @@
 
 namespace kadrona::core {
 
-/// The settings of one stored photo profile, read straight from its settings file, for making
-/// sheets without a window. What the file does not hold has the value of ProfileRecord.
+/// The settings of one stored photo profile, read straight from its files, for making
+/// sheets without a window. What the files do not hold has the value of ProfileRecord or
+/// ProfileAdditions.
 class StoredSettings : public Settings {
  public:
     /// `profileFile` may be empty or missing. Throws platform::FileError when an existing file
@@ -16,9 +17,13 @@ class StoredSettings : public Settings {
     bool Checked(const ProfileEntry& entry) const override;
     int ItemIndex(const ProfileEntry& entry) const override;
     QString Text(const ProfileEntry& entry) const override;
+    int Number(const ProfileEntry& entry) const override;
 
  private:
-    platform::PropertyFile file_;
+    const platform::PropertyFile& FileOf(const ProfileEntry& entry) const;
+
+    platform::PropertyFile record_;
+    platform::PropertyFile additions_;
 };
 
 }  // namespace kadrona::core

@@ -1,7 +1,6 @@
 #include "dialogs/side/CheckSection.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -78,9 +77,6 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     grid_->setVerticalSpacing(1);
     buttons_ = new QGridLayout;
 
-    alignment_ = new QComboBox;
-    alignment_->setObjectName(u"FaceAlignment"_s);
-    alignment_->addItems({u"nie"_s, u"vorschlagen"_s, u"immer"_s});
     points_ = new QPushButton(u"Punkte verschieben"_s);
     points_->setObjectName(u"MovePoints"_s);
     points_->setCheckable(true);
@@ -94,12 +90,7 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     column->addWidget(summary_);
     column->addLayout(grid_);
     column->addLayout(buttons_);
-    auto* alignmentLabel = new QLabel(u"Schablone am Gesicht ausrichten:"_s);
-    alignmentLabel->setBuddy(alignment_);
-    column->addWidget(alignmentLabel);
-    column->addWidget(alignment_);
 
-    connect(alignment_, &QComboBox::activated, this, &CheckSection::AlignmentChosen);
     connect(points_, &QPushButton::toggled, this, &CheckSection::PointsToggled);
     connect(report_, &QPushButton::clicked, this, &CheckSection::ReportAsked);
 }
@@ -154,14 +145,6 @@ void CheckSection::AddAction(QAction* action) {
     connect(button, &QPushButton::clicked, action, &QAction::trigger);
     connect(action, &QAction::changed, button,
             [action, button] { button->setEnabled(action->isEnabled()); });
-}
-
-CheckSection::Alignment CheckSection::FaceAlignment() const {
-    return static_cast<Alignment>(alignment_->currentIndex());
-}
-
-void CheckSection::SetFaceAlignment(Alignment alignment) {
-    alignment_->setCurrentIndex(static_cast<int>(alignment));
 }
 
 bool CheckSection::PointsMovable() const {

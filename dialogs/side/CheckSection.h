@@ -6,7 +6,6 @@
 #include "core/check/PhotoCheck.h"
 
 class QAction;
-class QComboBox;
 class QGridLayout;
 class QLabel;
 class QPushButton;
@@ -19,9 +18,6 @@ class CheckSection : public QWidget {
     Q_OBJECT
 
  public:
-    /// When the template is placed by the face; the order of the box.
-    enum class Alignment { Never, Propose, Always };
-
     explicit CheckSection(QWidget* parent = nullptr);
 
     /// The lines, and a sentence above them, e.g. that there is no face.
@@ -29,13 +25,10 @@ class CheckSection : public QWidget {
     /// A button that triggers an action of the window.
     void AddAction(QAction* action);
 
-    Alignment FaceAlignment() const;
-    void SetFaceAlignment(Alignment alignment);
     bool PointsMovable() const;
     void SetPointsMovable(bool movable);
 
  Q_SIGNALS:
-    void AlignmentChosen();
     void PointsToggled(bool movable);
     void ReportAsked();
 
@@ -52,7 +45,6 @@ class CheckSection : public QWidget {
     QLabel* summary_;
     QGridLayout* grid_;
     QGridLayout* buttons_;
-    QComboBox* alignment_;
     QPushButton* points_;
     QPushButton* report_;
     std::vector<Row> rows_;

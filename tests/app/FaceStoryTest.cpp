@@ -1,3 +1,4 @@
+#include <QCheckBox>
 #include <QTest>
 
 #include "tests/app/StoryFixture.h"
@@ -33,6 +34,25 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     EXPECT_NEAR(Template().center().x(), DrawnChin.x(), 5);
     EXPECT_TRUE(Template().contains(DrawnChin.toPoint()));
     EXPECT_TRUE(Template().contains(DrawnCrown.toPoint()));
+}
+
+TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
+    installation.Write(
+        "program/Schablonen/Vorgaben.tsv",
+        "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
+        "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
+        "Achse von\tAchse bis\tRichtwert\tHinweis\n"
+        "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
+            QByteArray(12, '\t') + "\n");
+    Trigger(u"acAlignToFace"_s);
+    Image().SetLayerRectangle(
+        1, Template().adjusted(0, 0, Template().width() / 2, Template().height() / 2));
+    driver.Answer({u"Kopf"_s, u"Trotzdem erstellen?"_s}, u"NoButton"_s);
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().LayerCount(), 2) << "nothing was cut";
+    Child<QCheckBox>(*window, "AskBeforeCut").setChecked(false);
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().LayerCount(), 1);
 }
 
 TEST_F(FaceStory, LevelsTheHeadInOneStep) {

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include "core/settings/ProfileRecord.h"
+#include "core/settings/StoredSettings.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"
@@ -141,10 +142,13 @@ TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
         EXPECT_EQ(dialog->FrameSize(), u"25"_s);
         EXPECT_TRUE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
         frame->setText(u"40"_s);
+        The<QComboBox>(u"AlignToFace"_s)->setCurrentIndex(2);
         Select(0);
         EXPECT_EQ(dialog->FrameSize(), u"25"_s) << "not the values of the new one";
+        EXPECT_EQ(dialog->AlignToFace(), core::FaceAlignment::Propose);
         Select(1);
         EXPECT_EQ(dialog->FrameSize(), u"40"_s) << "the switch stored it";
+        EXPECT_EQ(dialog->AlignToFace(), core::FaceAlignment::Always);
     });
     EXPECT_EQ(data->GetProfileList(), (QStringList{u"Standard Profile"_s, u"Laden Straße"_s}));
     dialog->AktivateProfileByName(u"Standard Profile"_s, false);
@@ -155,6 +159,9 @@ TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
     EXPECT_EQ(dialog->FrameSize(), u"25"_s) << "every run starts with the standard profile";
     dialog->AktivateProfileByName(u"laden straße"_s, false);
     EXPECT_EQ(data->FrameSize(), 40);
+    EXPECT_EQ(dialog->AlignToFace(), core::FaceAlignment::Always);
+    EXPECT_EQ(core::StoredSettings(data->ProfileFile(u"laden straße"_s)).AlignToFace(),
+              core::FaceAlignment::Always);
 
     InDialog([&] {
         Select(1);
@@ -168,7 +175,9 @@ TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
         EXPECT_FALSE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
     });
     EXPECT_EQ(data->GetProfileList(), QStringList(u"Standard Profile"_s));
-    EXPECT_EQ(QDir(data->DataFolder()).entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
+    const QDir left(data->DataFolder());
+    EXPECT_EQ(left.entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
+    EXPECT_EQ(left.entryList({u"*.additions"_s}, QDir::Files).size(), 1);
 }
 
 TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {

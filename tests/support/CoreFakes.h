@@ -56,6 +56,9 @@ class FakeSettings : public core::Settings {
     int ItemIndex(const core::ProfileEntry& entry) const override {
         return values_.value(entry.control, entry.itemIndex).toInt();
     }
+    int Number(const core::ProfileEntry& entry) const override {
+        return values_.value(entry.control, entry.number).toInt();
+    }
     /// A list's text is set by the name of its control and "Text".
     QString Text(const core::ProfileEntry& entry) const override {
         const bool list = entry.property == core::ProfileProperty::List;
