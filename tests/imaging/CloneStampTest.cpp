@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "ImageMagick.h"
+#include "WriterFixture.h"
 #include "imaging/retouch/CloneStamp.h"
 
 using namespace kadrona::testing;

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "ImageMagick.h"
+#include "WriterFixture.h"
 #include "imaging/tone/ColourEffects.h"
 #include "imaging/tone/Curves.h"
 #include "imaging/tone/HueFilter.h"

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "ImageMagick.h"
+#include "WriterFixture.h"
 #include "imaging/pixels/FreeRotation.h"
 
 using namespace Qt::StringLiterals;

@@ -8,11 +8,8 @@ namespace {
 constexpr int Width = 64;
 constexpr int Height = 48;
 
-QByteArray Padded(QByteArray bytes, qsizetype unit) {
-    while (bytes.size() % unit != 0) {
-        bytes += '\0';
-    }
-    return bytes;
+QByteArray Padded(const QByteArray& bytes, qsizetype unit) {
+    return bytes.leftJustified((bytes.size() + unit - 1) / unit * unit, '\0');
 }
 
 QByteArray EmfRecord(quint32 type, const QByteArray& content = {}) {
@@ -35,22 +32,22 @@ QByteArray Bounds() {
     return Packed<qint32>(0, 0, Width - 1, Height - 1);
 }
 
-/// Bottom up, 24 bits: red over blue.
-QByteArray TwoColourInformation() {
-    return Packed<qint32>(40, 1, 2) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
-}
-QByteArray TwoColourBits() {
-    return {"\xff\0\0\0\0\0\xff\0", 8};
+QByteArray BitmapInformation(int width, int height) {
+    return Packed<qint32>(40, width, height) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
 }
 
-QByteArray StretchDibits(QRect target, const QByteArray& bits) {
+/// Of 1 by 2 pixels, bottom up, 24 bits: red over blue.
+const QByteArray TwoColours("\xff\0\0\0\0\0\xff\0", 8);
+
+QByteArray StretchDibits(QRect target, const QByteArray& bits, QSize size = {1, 2}) {
     constexpr qint32 InformationOffset = 80;
-    const QByteArray information = TwoColourInformation();
-    return EmfRecord(81, Bounds() + Packed<qint32>(target.x(), target.y(), 0, 0, 1, 2) +
-                             Packed<quint32>(InformationOffset, information.size(),
-                                             InformationOffset + information.size(), bits.size(), 0,
-                                             0x00cc0020) +
-                             Packed<qint32>(target.width(), target.height()) + information + bits);
+    const QByteArray information = BitmapInformation(size.width(), size.height());
+    return EmfRecord(
+        81,
+        Bounds() + Packed<qint32>(target.x(), target.y(), 0, 0, size.width(), size.height()) +
+            Packed<quint32>(InformationOffset, information.size(),
+                            InformationOffset + information.size(), bits.size(), 0, 0x00cc0020) +
+            Packed<qint32>(target.width(), target.height()) + information + bits);
 }
 
 /// A brush of 0x00bbggrr, selected as object `handle`.
@@ -94,32 +91,26 @@ QByteArray WmfBrushAndNoPen(quint32 colour) {
 
 TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatHasNoEffect) {
     const LoadedImage loaded =
-        Read(Emf(EmfRecord(70, "a comment") + StretchDibits({8, 8, 16, 32}, TwoColourBits())));
+        Read(Emf(EmfRecord(70, "a comment") + StretchDibits({8, 8, 16, 32}, TwoColours)));
     EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height));
     EXPECT_EQ(loaded.resolution.value, 100);
     ExpectColours(
         loaded, {{4, 4, "#ffffff"}, {12, 10, "#ff0000"}, {12, 38, "#0000ff"}, {40, 20, "#ffffff"}});
     // A negative height mirrors.
-    const LoadedImage mirrored = Read(Emf(StretchDibits({8, 40, 16, -32}, TwoColourBits())));
+    const LoadedImage mirrored = Read(Emf(StretchDibits({8, 40, 16, -32}, TwoColours)));
     ExpectColours(mirrored, {{12, 10, "#0000ff"}, {12, 38, "#ff0000"}});
 }
 
 TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
-    constexpr qint32 BitmapSize = 500;
-    constexpr qint32 InformationOffset = 80;
-    const QByteArray information =
-        Packed<qint32>(40, BitmapSize, BitmapSize) + Packed<quint16>(1, 24) + QByteArray(24, '\0');
-    const QByteArray bits(qsizetype{BitmapSize} * BitmapSize * 3, '\x40');
+    constexpr QSize BitmapSize(500, 500);
+    const QByteArray bits(500 * 500 * 3, '\x40');
     const auto emf = [&](int width, int height) {
-        return Emf(EmfRecord(81, Bounds() + Packed<qint32>(0, 0, 0, 0, BitmapSize, BitmapSize) +
-                                     Packed<quint32>(InformationOffset, 40, InformationOffset + 40,
-                                                     bits.size(), 0, 0x00cc0020) +
-                                     Packed<qint32>(width, height) + information + bits));
+        return Emf(StretchDibits({0, 0, width, height}, bits, BitmapSize));
     };
     ReadOptions options;
     options.maximumPixels = 300'000;
     const LoadedImage loaded = Read(emf(Width, Height), options);
-    EXPECT_NEAR(loaded.pixels.Width() * loaded.pixels.Height(), BitmapSize * BitmapSize, 1000);
+    EXPECT_NEAR(loaded.pixels.Width() * loaded.pixels.Height(), 500 * 500, 1000);
     EXPECT_EQ(loaded.resolution.value, (loaded.pixels.Width() * 100 + Width / 2) / Width);
     // On a quarter of the picture it would take a million: as many as are allowed.
     const LoadedImage limited = Read(emf(Width / 2, Height / 2), options);
@@ -129,32 +120,29 @@ TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
     EXPECT_EQ(Failure(emf(Width, Height), options), Complaint("Die Zeichnung ist zu umfangreich."));
 }
 
-TEST(ReaderMetafile, EmfPolygonsOf16And32Bits) {
+TEST(ReaderMetafile, EmfPolygonsMappingStateAndClipping) {
+    // Of 32 and of 16 bits.
     const QByteArray wide =
         EmfRecord(3, Bounds() + Packed<quint32>(3) + Packed<qint32>(0, 0, 20, 0, 0, 20));
     const QByteArray narrow =
         EmfRecord(86, Bounds() + Packed<quint32>(3) + Packed<qint16>(60, 40, 60, 20, 40, 40));
-    const LoadedImage loaded =
-        Read(Emf(EmfBrush(1, 0x000000ff) + wide + EmfBrush(2, 0x0000ff00) + narrow));
     ExpectColours(
-        loaded, {{3, 3, "#ff0000"}, {17, 17, "#ffffff"}, {57, 37, "#00ff00"}, {43, 23, "#ffffff"}});
-}
+        Read(Emf(EmfBrush(1, 0x000000ff) + wide + EmfBrush(2, 0x0000ff00) + narrow)),
+        {{3, 3, "#ff0000"}, {17, 17, "#ffffff"}, {57, 37, "#00ff00"}, {43, 23, "#ffffff"}});
 
-TEST(ReaderMetafile, EmfMappingStateAndClipping) {
     const QByteArray page =
         EmfRecord(17, Packed<qint32>(8)) + EmfRecord(9, Packed<qint32>(640, -480)) +
         EmfRecord(10, Packed<qint32>(0, 480)) + EmfRecord(11, Packed<qint32>(Width, Height));
     // y upwards, ten units a pixel.
-    const LoadedImage flipped =
-        Read(Emf(page + EmfBrush(1, 0xff) + EmfRectangle(0, 480, 100, 400)));
-    ExpectColours(flipped, {{4, 4, "#ff0000"}, {12, 4, "#ffffff"}, {4, 12, "#ffffff"}});
+    ExpectColours(Read(Emf(page + EmfBrush(1, 0xff) + EmfRectangle(0, 480, 100, 400))),
+                  {{4, 4, "#ff0000"}, {12, 4, "#ffffff"}, {4, 12, "#ffffff"}});
 
     // The clipping ends with RestoreDC.
-    const LoadedImage clipped =
-        Read(Emf(EmfBrush(1, 0xff) + EmfRecord(33) + EmfRecord(30, Packed<qint32>(0, 0, 10, 10)) +
-                 EmfRectangle(0, 0, 20, 20) + EmfRecord(34, Packed<qint32>(-1)) +
-                 EmfRectangle(30, 30, 40, 40)));
-    ExpectColours(clipped, {{5, 5, "#ff0000"}, {15, 15, "#ffffff"}, {35, 35, "#ff0000"}});
+    const QByteArray clipped =
+        Emf(EmfBrush(1, 0xff) + EmfRecord(33) + EmfRecord(30, Packed<qint32>(0, 0, 10, 10)) +
+            EmfRectangle(0, 0, 20, 20) + EmfRecord(34, Packed<qint32>(-1)) +
+            EmfRectangle(30, 30, 40, 40));
+    ExpectColours(Read(clipped), {{5, 5, "#ff0000"}, {15, 15, "#ffffff"}, {35, 35, "#ff0000"}});
 }
 
 TEST(ReaderMetafile, WhatIsNotDrawnIsRefusedByName) {
@@ -170,7 +158,7 @@ TEST(ReaderMetafile, WhatIsNotDrawnIsRefusedByName) {
     EXPECT_EQ(emf(EmfRecord(20, Packed<quint32>(13))), QString());
     EXPECT_EQ(emf(EmfRecord(75, Packed<quint32>(0, 1))), complaint("EXTSELECTCLIPRGN"));
     EXPECT_EQ(emf(EmfRecord(9999)), complaint("0x270f"));
-    EXPECT_EQ(emf(StretchDibits({0, 0, 9, 9}, TwoColourBits()).replace(68, 4, "\xc6\0\x88\0", 4)),
+    EXPECT_EQ(emf(StretchDibits({0, 0, 9, 9}, TwoColours).replace(68, 4, "\xc6\0\x88\0", 4)),
               complaint("TERNARYRASTEROPERATION"));
     const auto wmf = [](quint16 function) {
         return Failure(Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)) +
@@ -203,7 +191,7 @@ TEST(ReaderMetafile, WmfPolygonAndBitmap) {
     const QByteArray polygon = WmfRecord(0x0324, Packed<qint16>(3, 0, 0, 200, 0, 0, 200));
     const QByteArray bitmap = WmfRecord(
         0x0f43, Packed<quint32>(0x00cc0020) + Packed<qint16>(0, 2, 1, 0, 0, 200, 100, 100, 400) +
-                    TwoColourInformation() + TwoColourBits());
+                    BitmapInformation(1, 2) + TwoColours);
     for (const bool placeable : {true, false}) {
         const LoadedImage loaded =
             Read(Wmf(WmfWindow() + WmfBrushAndNoPen(0x00ff00) + polygon + bitmap, placeable));
@@ -217,8 +205,8 @@ TEST(ReaderMetafile, WmfPolygonAndBitmap) {
     }
 }
 
-TEST(ReaderMetafile, DamagedFilesAreRefused) {
-    const QByteArray emf = Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits()));
+TEST(ReaderMetafile, DamagedFilesAndEndlessWorkAreRefused) {
+    const QByteArray emf = Emf(StretchDibits({8, 8, 16, 32}, TwoColours));
     for (qsizetype size = 44; size < emf.size() - 12; size += 4) {
         EXPECT_NE(Failure(emf.first(size)), QString()) << size;
     }
@@ -228,7 +216,7 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
     }
 
     const QString damaged = Complaint("Die Datei ist beschädigt.");
-    EXPECT_EQ(Failure(Emf(StretchDibits({8, 8, 16, 32}, TwoColourBits().first(4)))), damaged);
+    EXPECT_EQ(Failure(Emf(StretchDibits({8, 8, 16, 32}, TwoColours.first(4)))), damaged);
     EXPECT_EQ(Failure(Emf(Packed<quint32>(70, 4))), damaged);
     EXPECT_EQ(Failure(Emf(Packed<quint32>(70, 0xfffffffc))),
               Complaint("Die Datei ist unvollständig."));
@@ -237,16 +225,9 @@ TEST(ReaderMetafile, DamagedFilesAreRefused) {
     EXPECT_EQ(Failure(turnedAround), damaged);
     EXPECT_EQ(Failure(Emf(EmfRecord(3, Bounds() + Packed<quint32>(0xffffffff)))), damaged);
     EXPECT_EQ(Failure(Emf({})), Complaint("Die Datei enthält nichts, was sich darstellen lässt."));
-}
-
-TEST(ReaderMetafile, EndlessWorkIsRefused) {
-    QByteArray records = EmfBrush(1, 0xff);
-    const QByteArray fill =
-        EmfRectangle(0, 0, Width, Height);  // NOLINT(readability-suspicious-call-argument)
-    for (int i = 0; i < 200'000; ++i) {
-        records += fill;
-    }
-    EXPECT_EQ(Failure(Emf(records)), Complaint("Die Zeichnung ist zu umfangreich."));
+    const QByteArray fill = EmfRectangle(0, 0, 64, 48);
+    EXPECT_EQ(Failure(Emf(EmfBrush(1, 0xff) + fill.repeated(200'000))),
+              Complaint("Die Zeichnung ist zu umfangreich."));
 }
 
 }  // namespace kadrona::imaging::test

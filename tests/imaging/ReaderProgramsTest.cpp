@@ -53,7 +53,7 @@ TEST_P(ReaderProgramsTest, OpensWhatTheyWrote) {
         GTEST_SKIP() << "the program of " << format.extension << " is not installed";
     }
     const LoadedImage loaded = ReadImageFile(PathOf(name));
-    EXPECT_LE(testing::LargestDifference(loaded.pixels.ToImage(), QImage(PathOf(u"back.png"_s))),
+    EXPECT_LE(LargestDifference(loaded.pixels.ToImage(), QImage(PathOf(u"back.png"_s))),
               format.tolerance);
 
     const QByteArray whole = Bytes(name);
@@ -76,7 +76,7 @@ TEST_F(WriterTest, OwnJpeg2000OpensAgain) {
     WriteImageFile(PathOf(u"a.jp2"_s), Pixels(image), {305}, {"abc"});
     const LoadedImage loaded = ReadImageFile(PathOf(u"a.jp2"_s));
     EXPECT_EQ(loaded.resolution.value, 305);
-    EXPECT_LE(testing::LargestDifference(loaded.pixels.ToImage(), ReadBack(u"a.jp2"_s)), 1);
+    EXPECT_LE(LargestDifference(loaded.pixels.ToImage(), ReadBack(u"a.jp2"_s)), 1);
 }
 
 }  // namespace kadrona::imaging

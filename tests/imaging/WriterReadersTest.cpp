@@ -1,6 +1,5 @@
-#include <algorithm>
 #include <cmath>
-#include <vector>
+#include <numeric>
 
 #include "WriterFixture.h"
 
@@ -20,9 +19,9 @@ struct Reading {
     const char* extension;
     /// Stand before the file's path.
     QStringList arguments;
-    /// Lines of its output or what they begin with, spaces counted once. For $dpi stand the dots
-    /// per inch, for $dpm the dots per metre.
-    std::vector<const char*> lines;
+    /// Lines of its output or what they begin with, spaces counted once, parted by "|". For $dpi
+    /// stand the dots per inch, for $dpm the dots per metre, for $by the program's name.
+    const char* lines;
 };
 
 void PrintTo(const Reading& reading, std::ostream* stream) {
@@ -40,92 +39,61 @@ QStringList Format(const char* format) {
 }
 
 const Reading Readings[] = {
-    {"exiftool",
-     "jpg",
-     AllTags,
-     {"[File] ImageWidth : 74", "[File] ImageHeight : 135", "[JFIF] ResolutionUnit : 1",
-      "[JFIF] XResolution : $dpi", "[JFIF] YResolution : $dpi", "[IFD0] ResolutionUnit : 2",
-      "[IFD0] XResolution : $dpi", "[IFD0] YResolution : $dpi",
-      "[IFD0] Software : KDR 6 Prof by www.example", "[ExifIFD] ExifImageWidth : 74",
-      "[ExifIFD] ExifImageHeight : 135", "[ExifIFD] ColorSpace : 1",
-      "[ICC_Profile] ProfileDescription : sRGB", "[File] EncodingProcess : 0",
-      "[File] YCbCrSubSampling : 1 1"}},
-    {"exiftool",
-     "jp2",
-     AllTags,
-     {"[Jpeg2000] ImageWidth : 74", "[Jpeg2000] ImageHeight : 135",
-      "[Jpeg2000] CaptureXResolution : $dpk", "[Jpeg2000] CaptureXResolutionUnit : 4",
-      "[Jpeg2000] CaptureYResolution : $dpk", "[Jpeg2000] CaptureYResolutionUnit : 4",
-      "[Jpeg2000] ColorSpace : 16", "[IFD0] XResolution : $dpi", "[IFD0] YResolution : $dpi",
-      "[IFD0] Software : KDR 6 Prof by www.example", "[ExifIFD] ExifImageWidth : 74",
-      "[ExifIFD] ExifImageHeight : 135"}},
-    {"exiftool",
-     "tif",
-     AllTags,
-     {"[IFD0] ImageWidth : 74", "[IFD0] ImageHeight : 135", "[IFD0] ResolutionUnit : 2",
-      "[IFD0] XResolution : $dpi", "[IFD0] YResolution : $dpi", "[IFD0] Orientation : 1",
-      "[IFD0] Software : KDR 6 Prof by www.example", "[ICC_Profile] ProfileDescription : sRGB"}},
-    {"exiftool",
-     "png",
-     AllTags,
-     {"[PNG] ImageWidth : 74", "[PNG] ImageHeight : 135", "[PNG-pHYs] PixelsPerUnitX : $dpm",
-      "[PNG-pHYs] PixelsPerUnitY : $dpm", "[PNG-pHYs] PixelUnits : 1", "[PNG] SRGBRendering : 0",
-      "[PNG] Software : KDR 6 Prof by www.example"}},
-    {"exiftool",
-     "bmp",
-     AllTags,
-     {"[File] ImageWidth : 74", "[File] ImageHeight : 135", "[File] PixelsPerMeterX : $dpm",
-      "[File] PixelsPerMeterY : $dpm"}},
-    {"exiftool",
-     "pdf",
-     AllTags,
-     {"[PDF] PageCount : 1", "[PDF] Creator : KDR 6 Prof by www.example",
-      "[PDF] Producer : KDR 6 Prof by www.example"}},
-    {"identify",
-     "jpg",
-     Format("%m %wx%h %x %y %[exif:Software] %[profile:icc]"),
-     {"JPEG 74x135 $dpi $dpi KDR 6 Prof by www.example sRGB"}},
-    {"identify",
-     "tif",
-     Format("%m %wx%h %x %y %[tiff:software] %[profile:icc]"),
-     {"TIFF 74x135 $dpi $dpi KDR 6 Prof by www.example sRGB"}},
-    {"identify",
-     "png",
-     Format("%m %wx%h %[fx:round(resolution.x)] %[fx:round(resolution.y)] %[Software] %[png:sRGB]"),
-     {"PNG 74x135 $dpi $dpi KDR 6 Prof by www.example intent=0 (Perceptual Intent)"}},
-    {"identify",
-     "bmp",
-     Format("%m %wx%h %[fx:round(resolution.x)] %[fx:round(resolution.y)] %[colorspace]"),
-     {"BMP3 74x135 $dpi $dpi sRGB"}},
-    {"identify", "jp2", Format("%m %wx%h %[colorspace]"), {"JP2 74x135 sRGB"}},
-    {"tiffinfo",
-     "tif",
-     {},
-     {"Image Width: 74 Image Length: 135", "Resolution: $dpi, $dpi pixels/inch",
-      "Software: KDR 6 Prof by www.example", "ICC Profile: <present>, 459 bytes", "Bits/Sample: 8",
-      "Photometric Interpretation: RGB color", "Samples/Pixel: 3"}},
-    {"pdfinfo",
-     "pdf",
-     {},
-     {"Creator: KDR 6 Prof by www.example", "Producer: KDR 6 Prof by www.example", "Pages: 1",
-      "Page size: $width x $height pts"}},
-    {"pdfimages", "pdf", {u"-list"_s}, {"1 0 image 74 135 icc 3 8 image no 5 0 $dpi $dpi"}},
-    {"exiftool", "jpg", Validate, {"OK"}},
-    {"exiftool", "jp2", Validate, {"OK"}},
-    {"exiftool", "png", Validate, {"OK"}},
-    {"exiftool", "bmp", Validate, {"OK"}},
-    {"exiftool", "pdf", Validate, {"OK"}},
-    {"djpeg", "jpg", {u"-strict"_s, u"-outfile"_s, u"/dev/null"_s}, {}},
-    {"pngcheck", "png", {u"-v"_s}, {"chunk sRGB"}},
-    {"qpdf", "pdf", {u"--check"_s}, {"PDF Version: 1.4"}},
-    {"opj_dump", "jp2", {u"-i"_s}, {"x1=74, y1=135", "numcomps=3"}},
+    {"exiftool", "jpg", AllTags,
+     "[File] ImageWidth : 74|[File] ImageHeight : 135|[JFIF] ResolutionUnit : 1|"
+     "[JFIF] XResolution : $dpi|[JFIF] YResolution : $dpi|[IFD0] ResolutionUnit : 2|"
+     "[IFD0] XResolution : $dpi|[IFD0] YResolution : $dpi|[IFD0] Software : $by|"
+     "[ExifIFD] ExifImageWidth : 74|[ExifIFD] ExifImageHeight : 135|[ExifIFD] ColorSpace : 1|"
+     "[ICC_Profile] ProfileDescription : sRGB|[File] EncodingProcess : 0|"
+     "[File] YCbCrSubSampling : 1 1"},
+    {"exiftool", "jp2", AllTags,
+     "[Jpeg2000] ImageWidth : 74|[Jpeg2000] ImageHeight : 135|[Jpeg2000] ColorSpace : 16|"
+     "[Jpeg2000] CaptureXResolution : $dpk|[Jpeg2000] CaptureXResolutionUnit : 4|"
+     "[Jpeg2000] CaptureYResolution : $dpk|[Jpeg2000] CaptureYResolutionUnit : 4|"
+     "[IFD0] XResolution : $dpi|[IFD0] YResolution : $dpi|[IFD0] Software : $by|"
+     "[ExifIFD] ExifImageWidth : 74|[ExifIFD] ExifImageHeight : 135"},
+    {"exiftool", "tif", AllTags,
+     "[IFD0] ImageWidth : 74|[IFD0] ImageHeight : 135|[IFD0] ResolutionUnit : 2|"
+     "[IFD0] XResolution : $dpi|[IFD0] YResolution : $dpi|[IFD0] Orientation : 1|"
+     "[IFD0] Software : $by|[ICC_Profile] ProfileDescription : sRGB"},
+    {"exiftool", "png", AllTags,
+     "[PNG] ImageWidth : 74|[PNG] ImageHeight : 135|[PNG-pHYs] PixelsPerUnitX : $dpm|"
+     "[PNG-pHYs] PixelsPerUnitY : $dpm|[PNG-pHYs] PixelUnits : 1|[PNG] SRGBRendering : 0|"
+     "[PNG] Software : $by"},
+    {"exiftool", "bmp", AllTags,
+     "[File] ImageWidth : 74|[File] ImageHeight : 135|[File] PixelsPerMeterX : $dpm|"
+     "[File] PixelsPerMeterY : $dpm"},
+    {"exiftool", "pdf", AllTags, "[PDF] PageCount : 1|[PDF] Creator : $by|[PDF] Producer : $by"},
+    {"identify", "jpg", Format("%m %wx%h %x %y %[exif:Software] %[profile:icc]"),
+     "JPEG 74x135 $dpi $dpi $by sRGB"},
+    {"identify", "tif", Format("%m %wx%h %x %y %[tiff:software] %[profile:icc]"),
+     "TIFF 74x135 $dpi $dpi $by sRGB"},
+    {"identify", "png", Format("%m %wx%h %[fx:round(resolution.x)] %[Software] %[png:sRGB]"),
+     "PNG 74x135 $dpi $by intent=0 (Perceptual Intent)"},
+    {"identify", "bmp", Format("%m %wx%h %[colorspace]"), "BMP3 74x135 sRGB"},
+    {"identify", "jp2", Format("%m %wx%h %[colorspace]"), "JP2 74x135 sRGB"},
+    {"tiffinfo", "tif", QStringList(),
+     "Resolution: $dpi, $dpi pixels/inch|ICC Profile: <present>, 459 bytes|Bits/Sample: 8|"
+     "Photometric Interpretation: RGB color|Samples/Pixel: 3"},
+    {"pdfinfo", "pdf", {}, "Creator: $by|Producer: $by|Pages: 1|Page size: $width x $height pts"},
+    {"pdfimages", "pdf", {u"-list"_s}, "1 0 image 74 135 icc 3 8 image no 5 0 $dpi $dpi"},
+    {"exiftool", "jpg", Validate, "OK"},
+    {"exiftool", "jp2", Validate, "OK"},
+    {"exiftool", "png", Validate, "OK"},
+    {"exiftool", "bmp", Validate, "OK"},
+    {"exiftool", "pdf", Validate, "OK"},
+    {"djpeg", "jpg", {u"-strict"_s, u"-outfile"_s, u"/dev/null"_s}, ""},
+    {"pngcheck", "png", {u"-v"_s}, "chunk sRGB"},
+    {"qpdf", "pdf", {u"--check"_s}, "PDF Version: 1.4"},
+    {"opj_dump", "jp2", {u"-i"_s}, "x1=74, y1=135|numcomps=3"},
 };
 
-QString Filled(const char* line, int dotsPerInch) {
+QString Completed(const char* lines, int dotsPerInch) {
     const auto points = [dotsPerInch](int pixels) {
         return QString::number(pixels * 72.0 / dotsPerInch, 'g', 6);
     };
-    return QString::fromLatin1(line)
+    return QString::fromLatin1(lines)
+        .replace(u"$by"_s, QString::fromLatin1(Software))
         .replace(u"$dpi"_s, QString::number(dotsPerInch))
         .replace(u"$dpm"_s, QString::number(qRound(dotsPerInch / 0.0254)))
         .replace(u"$dpk"_s, QString::number(dotsPerInch / 254.0, 'g', 7))
@@ -133,19 +101,14 @@ QString Filled(const char* line, int dotsPerInch) {
         .replace(u"$height"_s, points(135));
 }
 
-/// In decibels, over all three channels.
-double SignalToNoise(const QImage& image, const QImage& original) {
-    double squares = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb a = image.pixel(x, y);
-            const QRgb b = original.pixel(x, y);
-            squares += std::pow(qRed(a) - qRed(b), 2) + std::pow(qGreen(a) - qGreen(b), 2) +
-                       std::pow(qBlue(a) - qBlue(b), 2);
-        }
-    }
-    const double samples = 3.0 * image.width() * image.height();
-    return 10 * std::log10(255.0 * 255.0 * samples / std::max(squares, 1.0));
+/// The root of the mean square of all channels' differences.
+double Deviation(const QImage& read, const QImage& original) {
+    EXPECT_EQ(read.size(), original.size());
+    const QImage actual = read.convertToFormat(original.format());
+    const double squares = std::transform_reduce(
+        actual.constBits(), actual.constBits() + actual.sizeInBytes(), original.constBits(), 0.0,
+        std::plus(), [](int one, int other) { return (one - other) * (one - other); });
+    return std::sqrt(squares / (3.0 * read.width() * read.height()));
 }
 
 }  // namespace
@@ -168,10 +131,9 @@ TEST_P(WriterReadersTest, ConfirmsWhatWasWritten) {
         for (const QString& line : result.output.split(u'\n')) {
             lines += line.simplified() + u" \n"_s;
         }
-        for (const char* line : reading.lines) {
-            EXPECT_TRUE(lines.contains(u'\n' + Filled(line, dotsPerInch) + u' '))
-                << line << " is not in\n"
-                << qPrintable(lines);
+        for (const QString& line : Completed(reading.lines, dotsPerInch).split(u'|')) {
+            EXPECT_TRUE(line.isEmpty() || lines.contains(u'\n' + line + u' '))
+                << qPrintable(line + u" is not in\n"_s + lines);
         }
     }
 }
@@ -210,15 +172,16 @@ TEST_F(WriterTest, OpenJpegDecodesNearlyThePixelsOfEverySize) {
     }
     // The codec reckons badly with two pixels. The last one takes two strips, the second of which
     // is two rows high.
-    const QList<std::pair<QSize, int>> cases{{{1, 1}, 20},   {{7, 5}, 42},     {{1, 300}, 42},
-                                             {{300, 1}, 42}, {{401, 301}, 42}, {{16000, 130}, 42}};
-    for (const auto& [size, decibels] : cases) {
-        SCOPED_TRACE(qPrintable(u"%1 x %2"_s.arg(size.width()).arg(size.height())));
+    for (const auto& [size, tolerance] : {std::pair(QSize(1, 1), 20),
+                                          {{7, 5}, 2},
+                                          {{1, 300}, 2},
+                                          {{300, 1}, 2},
+                                          {{401, 301}, 2},
+                                          {{16000, 130}, 2}}) {
         const QImage tile = TestPicture(size.width(), size.height());
         WriteImageFile(PathOf(u"a.jp2"_s), Pixels(tile, 2, 1), {300});
-        const QImage read = ReadBack(u"a.jp2"_s).convertToFormat(QImage::Format_RGB32);
-        ASSERT_EQ(read.size(), QSize(2 * size.width(), size.height()));
-        EXPECT_GT(SignalToNoise(read, Unrolled(tile, 2, 1)), decibels);
+        EXPECT_LE(Deviation(ReadBack(u"a.jp2"_s), Unrolled(tile, 2, 1)), tolerance)
+            << size.width() << " x " << size.height();
     }
 }
 
@@ -235,14 +198,9 @@ TEST_F(WriterTest, PdfIsThePictureAtItsPhysicalSize) {
                                    path, PathOf(u"page"_s)});
         EXPECT_TRUE(testing::SamePixels(ReadBack(u"page.png"_s), picture)) << dotsPerInch;
     }
-}
-
-TEST_F(WriterTest, PdfOfSeveralBatchesOfBandsIsWhole) {
-    if (!IsInstalled(u"pdfimages"_s)) {
-        GTEST_SKIP() << "pdfimages is not installed";
-    }
+    // Several batches of bands.
     const QImage tile = TestPicture(1400, 2100);
-    WriteImageFile(PathOf(u"a.pdf"_s), Pixels(tile, 2, 2), {300}, {"a (b"});
+    WriteImageFile(path, Pixels(tile, 2, 2), {300}, {"a (b"});
     EXPECT_TRUE(testing::SamePixels(ReadBack(u"a.pdf"_s), Unrolled(tile, 2, 2)));
 }
 

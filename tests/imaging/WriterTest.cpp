@@ -3,6 +3,7 @@
 
 #include "WriterFixture.h"
 #include "imaging/writing/FormatWriting.h"
+#include "platform/AtomicFile.h"
 #include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
 
@@ -12,16 +13,6 @@ using namespace kadrona::testing;
 namespace kadrona::imaging {
 
 namespace {
-
-QStringList FindLosslessFiles() {
-    QStringList files{u"a.png"_s, u"a.bmp"_s, u"a.tif"_s};
-    if (IsInstalled(u"pdfimages"_s)) {
-        files.append(u"a.pdf"_s);
-    }
-    return files;
-}
-
-const QStringList LosslessFiles = FindLosslessFiles();
 
 QString ErrorOf(const QString& path, const Pixels& pixels, DotsPerInch resolution = {300}) {
     return TextOf<WriteError>([&] { WriteImageFile(path, pixels, resolution); });
@@ -46,17 +37,17 @@ TEST_F(WriterTest, LosslessFormatsKeepEveryPixel) {
     const QImage part(whole.constScanLine(7) + 5 * sizeof(QRgb), 11, 13, whole.bytesPerLine(),
                       QImage::Format_RGB32);
     cases.push_back({"rows of another length", Pixels(part), whole.copy(5, 7, 11, 13)});
-    QImage clear(3, 1, QImage::Format_ARGB32_Premultiplied);
-    clear.setPixel(0, 0, qRgba(0, 0, 0, 0));
+    QImage clear = Picture({"..b"}, QImage::Format_ARGB32_Premultiplied);
+    QImage overWhite = Picture({"w-b"});
     clear.setPixel(1, 0, qRgba(51, 0, 0, 51));  // a fifth of pure red
-    clear.setPixel(2, 0, qRgba(9, 8, 7, 255));
-    QImage overWhite(3, 1, QImage::Format_RGB32);
-    overWhite.setPixel(0, 0, qRgb(255, 255, 255));
     overWhite.setPixel(1, 0, qRgb(255, 204, 204));
-    overWhite.setPixel(2, 0, qRgb(9, 8, 7));
     cases.push_back({"alpha", Pixels(clear, 2, 1), Unrolled(overWhite, 2, 1)});
+    QStringList names{u"a.png"_s, u"a.bmp"_s, u"a.tif"_s};
+    if (IsInstalled(u"pdfimages"_s)) {
+        names.append(u"a.pdf"_s);
+    }
     for (const Case& sample : cases) {
-        for (const QString& name : LosslessFiles) {
+        for (const QString& name : names) {
             WriteImageFile(PathOf(name), sample.written, {300});
             EXPECT_TRUE(SamePixels(ReadBack(name), sample.read))
                 << sample.what << ' ' << sample.read.width() << ' ' << qPrintable(name);
@@ -93,18 +84,21 @@ TEST_F(WriterTest, RefusesWhatNoFormatCanHold) {
         EXPECT_TRUE(unknown.contains(u'.' + extension)) << qPrintable(unknown);
     }
     EXPECT_FALSE(ErrorOf(PathOf(u"ohne"_s), pixels).isEmpty());
-    EXPECT_TRUE(ErrorOf(PathOf(u"leer.png"_s), Pixels()).contains(u"leer"_s));
 
-    const QImage& tile = pixels.Tile();
-    EXPECT_TRUE(ErrorOf(PathOf(u"breit.jpg"_s), Pixels(tile, 66, 1)).contains(u"65500"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"hoch.jpg"_s), Pixels(tile, 1, 66)).contains(u"65500"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"fein.jpg"_s), pixels, {65536}).contains(u"65535"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"breit.jp2"_s), Pixels(tile, 66, 1)).contains(u"65535"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"fein.jp2"_s), pixels, {65536}).contains(u"65535"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"gross.pdf"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"gross.bmp"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"gross.tif"_s), Pixels(tile, 40, 40)).contains(u"4 GiB"_s));
-    EXPECT_TRUE(ErrorOf(PathOf(u"fehlt/a.jpg"_s), pixels).contains(u"a.jpg"_s));
+    const Pixels wide(pixels.Tile(), 66, 1);
+    const Pixels large(pixels.Tile(), 40, 40);
+    const std::tuple<QString, Pixels, int, QString> cases[] = {
+        {u"leer.png"_s, {}, 300, u"leer"_s},        {u"breit.jpg"_s, wide, 300, u"65500"_s},
+        {u"fein.jpg"_s, pixels, 65536, u"65535"_s}, {u"breit.jp2"_s, wide, 300, u"65535"_s},
+        {u"fein.jp2"_s, pixels, 65536, u"65535"_s}, {u"gross.pdf"_s, large, 300, u"4 GiB"_s},
+        {u"gross.bmp"_s, large, 300, u"4 GiB"_s},   {u"gross.tif"_s, large, 300, u"4 GiB"_s},
+        {u"fehlt/a.jpg"_s, pixels, 300, u"a.jpg"_s}};
+    for (const auto& [name, picture, resolution, part] : cases) {
+        EXPECT_TRUE(ErrorOf(PathOf(name), picture, {resolution}).contains(part))
+            << qPrintable(name);
+    }
+    const Pixels high(pixels.Tile(), 1, 66);
+    EXPECT_TRUE(ErrorOf(PathOf(u"hoch.jpg"_s), high).contains(u"65500"_s));
     EXPECT_EQ(Files(), QStringList());
 
     const QImage strip = TestPicture(655, 1);
@@ -117,37 +111,59 @@ TEST_F(WriterTest, FullDiskLeavesTheOldFileAndNoOther) {
     for (const char* extension : {"jpg", "png", "tif", "jp2", "pdf"}) {
         const QString name = u"alt."_s + QString::fromLatin1(extension);
         SCOPED_TRACE(qPrintable(name));
-        QFile file(PathOf(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(old);
-        file.close();
+        platform::WriteFileAtomically(PathOf(name), old);
         // Fails in the first bytes, in the midst of the pixels, and when the file is closed.
-        for (const rlim_t limit : {rlim_t{10}, rlim_t{5000}}) {
-            const FileSizeLimit full(limit);
-            const QString error = ErrorOf(file.fileName(), Pixels(TestPicture(200, 200)));
-            EXPECT_TRUE(error.contains(name)) << qPrintable(error);
-            EXPECT_TRUE(error.contains(u"zu groß"_s)) << qPrintable(error);
-        }
-        {
-            const FileSizeLimit full(50);
-            EXPECT_NE(ErrorOf(file.fileName(), Pixels(TestPicture(2, 2))), QString());
+        for (const auto& [limit, side] : {std::pair(10, 200), {5000, 200}, {50, 2}}) {
+            const FileSizeLimit full(static_cast<rlim_t>(limit));
+            const QString error = ErrorOf(PathOf(name), Pixels(TestPicture(side, side)));
+            EXPECT_TRUE(error.contains(name) && error.contains(u"zu groß"_s)) << qPrintable(error);
         }
         EXPECT_EQ(Bytes(name), old);
         EXPECT_EQ(Files(), QStringList(name));
-        ASSERT_TRUE(file.remove());
+        ASSERT_TRUE(QFile::remove(PathOf(name)));
     }
 }
 
 TEST_F(WriterTest, BmpRowsAreFilledUpToFourBytesAndStandUpsideDown) {
-    QImage image(1, 2, QImage::Format_RGB32);
-    image.setPixel(0, 0, qRgb(0x11, 0x22, 0x33));
-    image.setPixel(0, 1, qRgb(0x44, 0x55, 0x66));
+    const QImage image =
+        Painted({1, 2}, [](int, int y) { return y == 0 ? 0xff112233 : 0xff445566; });
     WriteImageFile(PathOf(u"a.bmp"_s), Pixels(image), {300});
     EXPECT_EQ(Bytes(u"a.bmp"_s).toHex(),
               "424d3e0000000000000036000000"  // "BM", 62 bytes, pixels from byte 54 on
               "280000000100000002000000010018000000000008000000232e0000232e00000000000000000000"
               "66554400"
               "33221100");
+}
+
+TEST_F(WriterTest, JpegDecodesToWhatPlainEncodingDecodesTo) {
+    if (!IsInstalled(u"cjpeg"_s)) {
+        GTEST_SKIP() << "cjpeg is not installed";
+    }
+    const struct {
+        QSize tile;
+        int columns;
+        int rows;
+        const char* what;
+    } cases[] = {{{1, 1}, 1, 1, "one pixel"},
+                 {{7, 5}, 1, 1, "below a block"},
+                 {{70, 64}, 1, 1, "one strip"},
+                 {{70, 65}, 1, 1, "one row more than a strip"},
+                 {{1, 3000}, 1, 1, "more than a batch of strips, ends in full rows"},
+                 {{3, 4101}, 1, 1, "more than two batches, ends in a part of a row"},
+                 {{13, 64}, 3, 4, "every strip repeats"},
+                 {{24, 40}, 2, 5, "rows repeat out of step with the strips"},
+                 {{10, 12}, 2, 7, "every third copy begins a row; last row in part"},
+                 {{9, 29}, 2, 4, "rows would repeat only after eight copies"},
+                 {{5, 3}, 1, 900, "rows repeat in every strip"}};
+    for (const auto& [size, columns, rows, what] : cases) {
+        const QImage tile = TestPicture(size.width(), size.height());
+        WriteImageFile(PathOf(u"a.jpg"_s), Pixels(tile, columns, rows), {300});
+        // From top to bottom and without restart intervals.
+        ASSERT_TRUE(Unrolled(tile, columns, rows).save(PathOf(u"plain.ppm"_s)));
+        RunProgram(u"cjpeg"_s, {u"-quality"_s, u"95"_s, u"-sample"_s, u"1x1"_s, u"-outfile"_s,
+                                PathOf(u"plain.jpg"_s), PathOf(u"plain.ppm"_s)});
+        EXPECT_TRUE(SamePixels(ReadBack(u"a.jpg"_s), ReadBack(u"plain.jpg"_s))) << what;
+    }
 }
 
 }  // namespace kadrona::imaging

@@ -102,11 +102,11 @@ inline int LargestDifference(const QImage& a, const QImage& b, const QRect& area
     int largest = 0;
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
-            const QColor left(a.pixel(x, y));
-            const QColor right(b.pixel(x, y));
-            largest = std::max({largest, std::abs(left.red() - right.red()),
-                                std::abs(left.green() - right.green()),
-                                std::abs(left.blue() - right.blue())});
+            const QRgb left = a.pixel(x, y);
+            const QRgb right = b.pixel(x, y);
+            largest = std::max({largest, std::abs(qRed(left) - qRed(right)),
+                                std::abs(qGreen(left) - qGreen(right)),
+                                std::abs(qBlue(left) - qBlue(right))});
         }
     }
     return largest;
