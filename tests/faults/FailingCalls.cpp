@@ -39,7 +39,11 @@ bool IsHit(const char* name, Object object) {
         return false;
     }
     calls.append(name);
-    const auto count = static_cast<int>(calls.size());
+    if (!active.call.isEmpty() && active.call != name) {
+        return false;
+    }
+    const auto count =
+        static_cast<int>(active.call.isEmpty() ? calls.size() : calls.count(active.call));
     return active.nth > 0 && (active.fromThenOn ? count >= active.nth : count == active.nth);
 }
 

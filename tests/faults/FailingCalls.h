@@ -11,6 +11,7 @@ struct Fault {
     int nth = 0;              // of the calls that touch the watched folder, from 1; 0 is none
     int error = 0;            // of errno; 0 lets a call write half of what it was given
     bool fromThenOn = false;  // and all calls after it
+    QByteArray call = {};     // the name of the calls that count; all where it is empty
 };
 
 /// From now on counts the calls that touch what lies in `folder`, and lets those fail that the

@@ -119,14 +119,15 @@ TEST_F(IniFileTest, ChangesOnlyTheLinesThatItMust) {
 
 TEST_F(IniFileTest, RefusesWhatTheFormCannotHold) {
     IniFile ini(Path());
-    EXPECT_THROW(ini.WriteString(u""_s, u"a"_s, u"x"_s), Error);
-    EXPECT_THROW(ini.WriteString(u"a]b"_s, u"a"_s, u"x"_s), Error);
-    EXPECT_THROW(ini.WriteString(u"a\nb"_s, u"a"_s, u"x"_s), Error);
+    for (const QString& section : {u""_s, u"a]b"_s, u"a\nb"_s}) {
+        EXPECT_THROW(ini.WriteString(section, u"a"_s, u"x"_s), Error) << section.toStdString();
+    }
     for (const QString& key : {u""_s, u"  "_s, u"a=b"_s, u"a\rb"_s, u";a"_s, u"#a"_s, u"[a"_s}) {
         EXPECT_THROW(ini.WriteString(u"A"_s, key, u"x"_s), Error) << key.toStdString();
     }
-    EXPECT_THROW(ini.WriteString(u"A"_s, u"a"_s, u"x\ny"_s), Error);
-    EXPECT_THROW(ini.WriteString(u"A"_s, u"a"_s, u"x\0y"_s), Error);
+    for (const QString& value : {u"x\ny"_s, u"x\0y"_s}) {
+        EXPECT_THROW(ini.WriteString(u"A"_s, u"a"_s, value), Error);
+    }
     EXPECT_TRUE(ini.Sections().isEmpty());
 
     // What looks odd but can be held.
@@ -137,22 +138,19 @@ TEST_F(IniFileTest, RefusesWhatTheFormCannotHold) {
 
 /// Looking each of 200,000 keys up among all the lines would take minutes.
 TEST_F(IniFileTest, TakesTimeInProportionToTheSize) {
-    QByteArray bytes = "[A]\n"_ba;
-    int lines = 0;
-    while (lines < 200'000) {
-        bytes += QByteArray::number(++lines) + "=1\n";
+    QByteArray before = "[A]\n"_ba;
+    QByteArray after = before;
+    for (int i = 1; i <= 200'000; ++i) {
+        before += QByteArray::number(i) + "=1\n";
+        after += i % 2 == 0 ? QByteArray::number(i) + "=1\n" : QByteArray();
     }
-    Write(bytes);
+    Write(before);
     IniFile ini(Path());
-    for (int i = 1; i <= lines; i += 2) {
+    for (int i = 1; i <= 200'000; i += 2) {
         ini.EraseKey(u"A"_s, QString::number(i));
     }
-    ini.WriteInteger(u"A"_s, u"2"_s, 7);
     ini.Save();
-    const IniFile read(Path());
-    EXPECT_EQ(read.ReadInteger(u"A"_s, u"1"_s), 0);
-    EXPECT_EQ(read.ReadInteger(u"A"_s, u"2"_s), 7);
-    EXPECT_EQ(read.ReadInteger(u"A"_s, u"4"_s), 1);
+    EXPECT_EQ(ReadWholeFile(Path(), 1 << 24), after);
 }
 
 TEST_F(IniFileTest, NeverTakesAnUnreadableFileForAnEmptyOne) {
