@@ -20,12 +20,11 @@ struct FileMetadata {
 /// A resolution rounded to an integer; unknown where it is not a sensible one.
 DotsPerInch ResolutionFrom(double dotsPerInch);
 
-/// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF), JP2 (EXIF) or BMP
-/// file. Damaged or missing
-/// metadata is the default, never an error. Moves the device.
+/// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF), JP2 (EXIF) or BMP file. Damaged or
+/// missing metadata is the default, never an error. Moves the device.
 ///
-/// Only four tags are of interest here and all stand in the first directory, so no library walks
-/// the rest (maker notes, previews) of a block that may come from anywhere.
+/// Only four tags are of interest and all stand in the first directory. Exiv2 was weighed: it walks
+/// the whole block (maker notes, previews), which may come from anywhere, and reads the file anew.
 FileMetadata ReadFileMetadata(QIODevice& device);
 
 /// The ICC profile of a PNG file; empty where there is none or it is damaged. Moves the device.
