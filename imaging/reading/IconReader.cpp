@@ -1,6 +1,7 @@
 #include "imaging/reading/IconReader.h"
 
 #include <QBuffer>
+#include <algorithm>
 
 #include "imaging/reading/PluginReader.h"
 #include "imaging/reading/PngReader.h"
@@ -57,7 +58,8 @@ DecodedImage ReadIcon(const ReadTask& task) try {
         device.seek(0);
         return ReadByPlugin(task, "ico", entry.index);
     }
-    QByteArray bytes = device.read(entry.size);
+    // The device makes room for all that it is asked for before it reads.
+    QByteArray bytes = device.read(std::min(entry.size, device.size() - entry.offset));
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     return ReadPng(task.Within(buffer));
