@@ -19,6 +19,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "dialogs/WindowPlacement.h"
 #include "dialogs/curves/CurveEditor.h"
+#include "dialogs/curves/FacePreview.h"
 #include "imaging/tone/CurveFile.h"
 #include "imaging/view/PaintingSuspension.h"
 #include "platform/Paths.h"
@@ -30,6 +31,7 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr int ItemHeight = 16;
+constexpr int FewestRows = 5;  // in sight
 constexpr int ButtonSpacing = 8;
 const QString Extension = u".acv"_s;
 
@@ -93,23 +95,25 @@ TfmRGBKurve::TfmRGBKurve(QString curvesFolder, QWidget* parent)
 }
 
 void TfmRGBKurve::BuildPresets() {
-    auto* labPreset = new QLabel(u"Vorlagen"_s);
+    auto* labPreset = new QLabel(u"&Vorlagen"_s);
     labPreset->setObjectName(u"labPreset"_s);
     cbPreset2_ = new PresetList;
     cbPreset2_->setObjectName(u"cbPreset2"_s);
     cbPreset2_->setAccessibleName(u"Vorlagen"_s);
     cbPreset2_->setStyleSheet(u"QListView::item { padding: 0 4px; border-radius: 0; }"_s);
+    cbPreset2_->setMinimumHeight(FewestRows * ItemHeight);
     cbPreset2_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(cbPreset2_, &QListWidget::itemClicked, this,
             [this] { controls::Guarded(this, [this] { cbPreset2Click(); }); });
     labPreset->setBuddy(cbPreset2_);
 
+    face_ = new FacePreview;
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(ButtonSpacing);
-    buttons->addWidget(Button(u"btnAdd"_s, u"Neu"_s, &TfmRGBKurve::btnAddClick));
+    buttons->addWidget(Button(u"btnAdd"_s, u"&Neu"_s, &TfmRGBKurve::btnAddClick));
     for (QPushButton* forSelection :
-         {Button(u"btnUpdate"_s, u"Update"_s, &TfmRGBKurve::btnUpdateClick),
-          Button(u"btnDelete"_s, u"Löschen"_s, &TfmRGBKurve::btnDeleteClick)}) {
+         {Button(u"btnUpdate"_s, u"&Update"_s, &TfmRGBKurve::btnUpdateClick),
+          Button(u"btnDelete"_s, u"&Löschen"_s, &TfmRGBKurve::btnDeleteClick)}) {
         buttons->addWidget(forSelection);
         forSelection->setEnabled(false);
         connect(cbPreset2_, &QListWidget::itemSelectionChanged, forSelection,
@@ -117,6 +121,7 @@ void TfmRGBKurve::BuildPresets() {
     }
     auto* column = new QVBoxLayout;
     column->setSpacing(ButtonSpacing);
+    column->addWidget(face_);
     column->addWidget(labPreset);
     column->addWidget(cbPreset2_, 1);
     column->addLayout(buttons);
@@ -134,10 +139,10 @@ void TfmRGBKurve::BuildChannel() {
     cbChannel_->setAccessibleName(u"Kanal"_s);
     cbChannel_->addItems({u"RGB"_s, u"Red"_s, u"Green"_s, u"Blue"_s});
     connect(cbChannel_, &QComboBox::currentIndexChanged, this, &TfmRGBKurve::cbChannelChange);
-    auto* btnReset = new QPushButton(u"Kanal zurücksetzen"_s);
+    auto* btnReset = new QPushButton(u"&Kanal zurücksetzen"_s);
     btnReset->setObjectName(u"btnReset"_s);
     connect(btnReset, &QPushButton::clicked, editor_, &CurveEditor::ResetChannel);
-    auto* btnResetAll = new QPushButton(u"Alles zurücksetzen"_s);
+    auto* btnResetAll = new QPushButton(u"&Alles zurücksetzen"_s);
     btnResetAll->setObjectName(u"btnResetAll"_s);
     connect(btnResetAll, &QPushButton::clicked, editor_, &CurveEditor::ResetAll);
     for (QPushButton* button : {btnReset, btnResetAll}) {
@@ -154,11 +159,11 @@ void TfmRGBKurve::BuildChannel() {
 }
 
 void TfmRGBKurve::BuildConfirmation() {
-    auto* btnOk = new QPushButton(u"Ok"_s);
+    auto* btnOk = new QPushButton(u"&Ok"_s);
     btnOk->setObjectName(u"btnOk"_s);
     btnOk->setDefault(true);
     connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
-    auto* btnCancel = new QPushButton(u"Cancel"_s);
+    auto* btnCancel = new QPushButton(u"&Cancel"_s);
     btnCancel->setObjectName(u"btnCancel"_s);
     btnCancel->setAutoDefault(false);
     connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -220,12 +225,16 @@ void TfmRGBKurve::FillPresets() {
 controls::ModalResult TfmRGBKurve::ShowEx(imaging::view::ImageView& view) {
     editor_->SetHistogram(imaging::HistogramOf(view.Image().Photo()));
     editor_->ResetAll();
+    face_->Show(view.Image());
     const auto preview = connect(editor_, &CurveEditor::CurvesChanged, &view, [this, &view] {
         const bool changes = Curves() != imaging::CurveSet();
-        view.SetPreviewFilter(changes ? imaging::CurveFilter(Curves()) : nullptr);
+        const auto filter = changes ? imaging::CurveFilter(Curves()) : nullptr;
+        view.SetPreviewFilter(filter);
+        face_->SetFilter(filter);
     });
     const controls::ModalResult result = controls::ShowModal(*this);
     disconnect(preview);
+    face_->Clear();
     // The photo changes under the preview, so that it is never seen as it was before.
     const imaging::view::PaintingSuspension suspension(view);
     view.SetPreviewFilter(nullptr);

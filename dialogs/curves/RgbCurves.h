@@ -20,9 +20,11 @@ class ImageView;
 namespace kadrona::dialogs {
 
 class CurveEditor;
+class FacePreview;
 
 /// "RGB Kurve": tone curves for the combined channel, red, green and blue, shown live on the main
-/// view, and presets of them, one ".acv" file each in the curves folder.
+/// view and on a small copy of the face, and presets of them, one ".acv" file each in the curves
+/// folder.
 class TfmRGBKurve : public QDialog {
     Q_OBJECT
 
@@ -65,6 +67,7 @@ class TfmRGBKurve : public QDialog {
 
     QString curvesFolder_;
     CurveEditor* editor_;
+    FacePreview* face_;
     QListWidget* cbPreset2_;
     QComboBox* cbChannel_;
     QLabel* hint_;

@@ -106,6 +106,19 @@ TEST_F(RgbCurves, OkChangesThePhotoAsThePreviewShowedAndCancelLeavesIt) {
     EXPECT_TRUE(SamePixels(other.Photo(), Picture({"wk"}))) << "the last curves";
 }
 
+TEST_F(RgbCurves, ASmallCopyOfWhatTheTemplateCoversFollowsTheCurves) {
+    Make();
+    image.AddLayer({imaging::Pixels(Picture({"k"})), QRect(1, 0, 5, 2)});
+    Show(
+        [this] {
+            auto& face = Child<imaging::view::ImageView>(*dialog);
+            EXPECT_TRUE(SamePixels(face.Image().Photo(), Picture({"-k", "-b"})));
+            Editor().SetCurves(Inverse());
+            EXPECT_EQ(face.PreviewFilter(), view.PreviewFilter());
+        },
+        "btnCancel");
+}
+
 TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenChosen) {
     const QString capitals = folder.filePath(u"Weich.ACV"_s);
     for (const QString& file : {File(u"Zwei"_s), File(u"Ärger"_s), File(u"b"_s), capitals}) {
