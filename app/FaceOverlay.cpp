@@ -26,12 +26,14 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     line_->setObjectName(u"FaceProposal"_s);
     line_->setAutoFillBackground(true);
     text_ = new QLabel(line_);
+    text_->setWordWrap(true);
     auto* accept = new QPushButton(u"Übernehmen (Strg+E)"_s, line_);
     accept->setObjectName(u"AcceptProposal"_s);
     auto* refuse = new QPushButton(u"Nein"_s, line_);
     refuse->setObjectName(u"RefuseProposal"_s);
     for (QPushButton* button : {accept, refuse}) {
         button->setFocusPolicy(Qt::NoFocus);
+        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
     auto* row = new QHBoxLayout(line_);
     row->setContentsMargins(8, 3, 8, 3);
@@ -65,7 +67,7 @@ void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
 
 void FaceOverlay::Follow() {
     setGeometry(view_.rect());
-    const int height = line_->sizeHint().height();
+    const int height = line_->layout()->totalHeightForWidth(view_.width());
     line_->setGeometry(0, view_.height() - height, view_.width(), height);
     line_->raise();
 }

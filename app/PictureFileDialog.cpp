@@ -9,6 +9,7 @@
 
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/FileDialogs.h"
+#include "dialogs/WindowPlacement.h"
 #include "imaging/writing/ImageWriter.h"
 
 using namespace Qt::StringLiterals;
@@ -82,7 +83,7 @@ class SaveFileDialog : public QFileDialog {
 
 /// What both dialogs have in common.
 void Prepare(QFileDialog& window, const QString& objectName, const QString& filter) {
-    window.resize(DialogSize);
+    window.resize(dialogs::WithinScreen(window, DialogSize));
     window.setObjectName(objectName);
     window.setNameFilters(NameFilters(filter));
     if (const auto* list = window.findChild<QTreeView*>(u"treeView"_s)) {

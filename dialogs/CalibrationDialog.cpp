@@ -11,6 +11,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
+#include "dialogs/WindowPlacement.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
@@ -55,6 +56,7 @@ CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget
     setWindowTitle(u"Drucker kalibrieren"_s);
     BuildControls();
     ShowState(u"Bisher"_s);
+    FitToScreen(*this);
 }
 
 void CalibrationDialog::BuildControls() {
@@ -63,9 +65,9 @@ void CalibrationDialog::BuildControls() {
         u"2. Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein.\n"
         u"3. Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s);
     explanation->setWordWrap(true);
-    auto* print = NamedButton(u"btnPrintSheet"_s, u"Kalibrierblatt drucken"_s);
-    auto* apply = NamedButton(u"btnApply"_s, u"Übernehmen"_s);
-    auto* close = NamedButton(u"btnClose"_s, u"Schließen"_s);
+    auto* print = NamedButton(u"btnPrintSheet"_s, u"&Kalibrierblatt drucken"_s);
+    auto* apply = NamedButton(u"btnApply"_s, u"&Übernehmen"_s);
+    auto* close = NamedButton(u"btnClose"_s, u"&Schließen"_s);
     apply->setDefault(true);
     state_ = new QLabel;
     state_->setObjectName(u"lblState"_s);
@@ -75,10 +77,10 @@ void CalibrationDialog::BuildControls() {
     const printing::RulerLines lines = printing::RulerLinesFor(paper_);
     auto* form = new QFormLayout;
     readings_ = {
-        AddReading(*form, u"edAcross"_s, u"Länge der Linie A (soll %1 mm)"_s.arg(lines.across)),
-        AddReading(*form, u"edAlong"_s, u"Länge der Linie B (soll %1 mm)"_s.arg(lines.along)),
-        AddReading(*form, u"edLeft"_s, u"Vom linken Papierrand bis zum Kreuz"_s),
-        AddReading(*form, u"edTop"_s, u"Vom oberen Papierrand bis zum Kreuz"_s)};
+        AddReading(*form, u"edAcross"_s, u"Länge der Linie &A (soll %1 mm)"_s.arg(lines.across)),
+        AddReading(*form, u"edAlong"_s, u"Länge der Linie &B (soll %1 mm)"_s.arg(lines.along)),
+        AddReading(*form, u"edLeft"_s, u"Vom &linken Papierrand bis zum Kreuz"_s),
+        AddReading(*form, u"edTop"_s, u"Vom &oberen Papierrand bis zum Kreuz"_s)};
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(apply);

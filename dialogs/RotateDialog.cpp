@@ -8,6 +8,7 @@
 #include <QShowEvent>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 
 #include "dialogs/RotationPreview.h"
@@ -60,7 +61,7 @@ TfmRotateDlg::TfmRotateDlg(QWidget* parent) : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
-    layout->addWidget(preview_);
+    layout->addWidget(preview_, 0, Qt::AlignHCenter);
     layout->addLayout(below);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -86,16 +87,16 @@ void TfmRotateDlg::BuildAngle() {
 }
 
 QLayout* TfmRotateDlg::AngleAndButtons() {
-    auto* btnOk = new QPushButton(u"Übernehmen"_s);
+    auto* btnOk = new QPushButton(u"Ü&bernehmen"_s);
     btnOk->setObjectName(u"btnOk"_s);
     btnOk->setDefault(true);
     connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
-    auto* btnCancel = new QPushButton(u"Abbrechen"_s);
+    auto* btnCancel = new QPushButton(u"&Abbrechen"_s);
     btnCancel->setObjectName(u"btnCancel"_s);
     btnCancel->setAutoDefault(false);
     connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 
-    auto* label = new QLabel(u"Winkel"_s);
+    auto* label = new QLabel(u"&Winkel"_s);
     label->setBuddy(angle_);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
@@ -107,7 +108,16 @@ QLayout* TfmRotateDlg::AngleAndButtons() {
     return row;
 }
 
+/// A small screen gets a smaller preview.
+void TfmRotateDlg::FitPreview() {
+    ensurePolished();
+    const int others = sizeHint().height() - preview_->height();
+    const int room = WithinScreen(*this, {width(), RotationPreview::LargestSide + others}).height();
+    preview_->SetSide(std::max(room - others, 1));
+}
+
 std::optional<double> TfmRotateDlg::ShowEx(const imaging::Pixels& preview) {
+    FitPreview();
     preview_->SetPicture(preview.ToImage());
     const auto clean = qScopeGuard([this] { preview_->SetPicture(QImage()); });
     if (exec() != Accepted) {

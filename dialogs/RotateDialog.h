@@ -26,6 +26,7 @@ class TfmRotateDlg : public QDialog {
     void showEvent(QShowEvent* event) override;
 
  private:
+    void FitPreview();
     void BuildAngle();
     QLayout* AngleAndButtons();
 

@@ -14,7 +14,6 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr int Side = 480;
 constexpr int GuideTop = 120;  // picture pixels below the top
 constexpr double PictureOpacity = 230 / 255.0;
 /// Up to this angle the whole picture stays in sight.
@@ -47,12 +46,12 @@ std::vector<double> LinePlaces(double through, double spacing, double end) {
 RotationPreview::RotationPreview(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(u"Vorschau der Drehung"_s);
-    setFixedSize(Side, Side);
+    SetSide(LargestSide);
     UpdateCursor();
 }
 
-QSize RotationPreview::sizeHint() const {
-    return {Side, Side};
+void RotationPreview::SetSide(int side) {
+    setFixedSize(side, side);
 }
 
 void RotationPreview::SetPicture(const QImage& picture) {

@@ -21,7 +21,12 @@ class RotationPreview : public QWidget {
     Q_OBJECT
 
  public:
+    static constexpr int LargestSide = 480;
+
     explicit RotationPreview(QWidget* parent = nullptr);
+
+    /// Width and height of the widget, logical pixels; LargestSide at first.
+    void SetSide(int side);
 
     /// Shows another picture, upright. A null image takes it away.
     void SetPicture(const QImage& picture);
@@ -29,8 +34,6 @@ class RotationPreview : public QWidget {
     /// Counter-clockwise, above -180 up to 180.
     double Degrees() const { return degrees_; }
     void SetDegrees(double degrees);
-
-    QSize sizeHint() const override;
 
  Q_SIGNALS:
     void DegreesChanged(double degrees);

@@ -16,6 +16,15 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
+/// Without the middle of what no screen has room for, as a print service may send it.
+QString Shortened(const QString& text) {
+    constexpr int LongestText = 1000;
+    constexpr int LongestEnd = 200;
+    return text.size() <= LongestText
+               ? text
+               : text.first(LongestText - LongestEnd) + u" … "_s + text.last(LongestEnd);
+}
+
 /// Lets the box break a word that is longer than a line, as a path may be, and would be cut off.
 QString WithBreaks(const QString& text) {
     constexpr int LongestPiece = 60;
@@ -42,7 +51,7 @@ void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
                           .pixmap(SymbolSize, box.devicePixelRatio()));
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    box.setText(WithBreaks(platform::HarmlessText(text)));
+    box.setText(WithBreaks(Shortened(platform::HarmlessText(text))));
     // A short text must not cut the title off.
     constexpr int SmallestWidth = 280;
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {

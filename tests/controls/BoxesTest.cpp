@@ -83,6 +83,10 @@ TEST(Guarded, ShowsWhatEscapes) {
               u"Für diesen Vorgang reicht der Arbeitsspeicher nicht aus."_s);
     EXPECT_TRUE(Shown([] { throw std::runtime_error("bad größe"); }).endsWith(u"\n\nbad größe"_s));
     EXPECT_EQ(Shown([] { throw platform::Error(u"a\u202eb\nc"_s); }), u"a\ufffdb\nc"_s);
+    const QString flood =
+        Shown([] { throw platform::Error(u"Anfang "_s.repeated(900) + u"Ende"_s); });
+    EXPECT_LT(flood.size(), 1100) << "no screen has room for more";
+    EXPECT_TRUE(flood.startsWith(u"Anfang"_s) && flood.endsWith(u"Ende"_s));
     EXPECT_FALSE(Shown([] { throw 5; }).isEmpty());
     EXPECT_TRUE(Guarded(nullptr, [] {}));
 }
