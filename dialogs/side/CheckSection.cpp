@@ -68,7 +68,8 @@ QString JudgementOf(const core::CheckLine& line) {
 
 CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     setObjectName(u"CheckSection"_s);
-    auto* title = new QLabel(u"<b>Prüfung</b>"_s);
+    auto* title = new QLabel(u"Prüfung"_s);
+    title->setStyleSheet(u"font-weight: 600"_s);
     summary_ = new QLabel;
     summary_->setObjectName(u"CheckSummary"_s);
     summary_->setWordWrap(true);
@@ -77,10 +78,10 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     grid_->setVerticalSpacing(1);
     buttons_ = new QGridLayout;
 
-    points_ = new QPushButton(u"Punkte verschieben"_s);
+    points_ = new QPushButton(u"&Punkte verschieben"_s);
     points_->setObjectName(u"MovePoints"_s);
     points_->setCheckable(true);
-    report_ = new QPushButton(u"Bericht"_s);
+    report_ = new QPushButton(u"&Bericht"_s);
     report_->setObjectName(u"CheckReport"_s);
     buttons_->addWidget(points_, 0, 0);
     buttons_->addWidget(report_, 0, 1);
