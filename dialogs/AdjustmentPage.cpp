@@ -21,7 +21,7 @@ AdjustmentPage::AdjustmentPage(const std::vector<AdjustmentSlider>& sliders, QWi
     for (const AdjustmentSlider& slider : sliders) {
         AddSlider(*grid, row++, slider);
     }
-    auto* reset = new QPushButton(u"Zurücksetzen"_s);
+    auto* reset = new QPushButton(u"Zurück&setzen"_s);
     reset->setObjectName(u"ResetButton"_s);
     reset->setAutoDefault(false);
     connect(reset, &QPushButton::clicked, this, &AdjustmentPage::Reset);

@@ -35,13 +35,14 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
     timer_->setObjectName(u"Timer"_s);
     timer_->setInterval(SelfConfirmationMilliseconds);
 
-    auto* buttons = new QDialogButtonBox;
-    btnProfile_ = buttons->addButton(u"Mit Profil drucken"_s, QDialogButtonBox::ActionRole);
+    auto* buttons = new QDialogButtonBox(this);
+    btnProfile_ = buttons->addButton(u"&Mit Profil drucken"_s, QDialogButtonBox::ActionRole);
     btnProfile_->setObjectName(u"btnProfile"_s);
     btnProfile_->setDefault(true);
-    auto* noProfile = buttons->addButton(u"Ohne Profil drucken"_s, QDialogButtonBox::ActionRole);
+    auto* noProfile = buttons->addButton(u"&Ohne Profil drucken"_s, QDialogButtonBox::ActionRole);
     noProfile->setObjectName(u"btnNoProfile"_s);
-    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
+    buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole)
+        ->setObjectName(u"btnCancel"_s);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->addWidget(lbProfiles_);

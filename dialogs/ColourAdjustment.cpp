@@ -66,15 +66,15 @@ void ColourAdjustment::AddPages() {
 }
 
 QLayout* ColourAdjustment::Buttons() {
-    auto* resetAll = new QPushButton(u"Alles zurücksetzen"_s);
+    auto* resetAll = new QPushButton(u"Alles &zurücksetzen"_s);
     resetAll->setObjectName(u"btnResetAll"_s);
     resetAll->setAutoDefault(false);
     connect(resetAll, &QPushButton::clicked, this, &ColourAdjustment::ResetAll);
-    auto* ok = new QPushButton(u"Übernehmen"_s);
+    auto* ok = new QPushButton(u"&Übernehmen"_s);
     ok->setObjectName(u"btnOk"_s);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
-    auto* cancel = new QPushButton(u"Abbrechen"_s);
+    auto* cancel = new QPushButton(u"&Abbrechen"_s);
     cancel->setObjectName(u"btnCancel"_s);
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);

@@ -65,11 +65,12 @@ void TFileNameFm::BuildFields() {
 }
 
 QDialogButtonBox* TFileNameFm::Buttons() {
-    auto* buttons = new QDialogButtonBox;
-    auto* ok = buttons->addButton(u"Übernehmen"_s, QDialogButtonBox::AcceptRole);
+    auto* buttons = new QDialogButtonBox(this);
+    auto* ok = buttons->addButton(u"&Übernehmen"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOk"_s);
     ok->setDefault(true);
-    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
+    buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole)
+        ->setObjectName(u"btnCancel"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &TFileNameFm::btnOkClick);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;

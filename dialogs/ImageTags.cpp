@@ -23,7 +23,7 @@ TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
     tagMemo_->setPlaceholderText(u"Je Zeile ein Schlüsselwort, zum Beispiel der Name des Kunden"_s);
     tagMemo_->setTabChangesFocus(true);
 
-    auto* buttons = new QDialogButtonBox;
+    auto* buttons = new QDialogButtonBox(this);
     QPushButton* ok = buttons->addButton(u"&Übernehmen"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOk"_s);
     ok->setToolTip(u"Übernehmen und schließen"_s);

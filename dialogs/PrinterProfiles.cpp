@@ -38,10 +38,10 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     setWindowTitle(u"Druck Profile"_s);
     lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
     lbProfiles_->setMinimumSize(SmallestList);
-    btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"Neues Profil"_s);
-    btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil löschen"_s);
-    btnCalibrate_ = NamedButton(u"btnCalibrate"_s, u"Kalibrieren …"_s);
-    btnClose_ = NamedButton(u"btnClose"_s, u"Schließen"_s);
+    btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"&Neues Profil"_s);
+    btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil &löschen"_s);
+    btnCalibrate_ = NamedButton(u"btnCalibrate"_s, u"&Kalibrieren …"_s);
+    btnClose_ = NamedButton(u"btnClose"_s, u"&Schließen"_s);
     btnDelProfile_->setEnabled(false);
     btnCalibrate_->setEnabled(false);
 
@@ -49,7 +49,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
         u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
     explanation->setWordWrap(true);
     explanation->setContentsMargins(0, 0, 0, 6);
-    auto* caption = new QLabel(u"Profile"_s);
+    auto* caption = new QLabel(u"&Profile"_s);
     caption->setBuddy(lbProfiles_);
     auto* buttons = new QVBoxLayout;
     buttons->setSpacing(6);

@@ -26,7 +26,7 @@ TProfileDlgFM::TProfileDlgFM(QWidget* parent) : QDialog(parent) {
     auto* groupLayout = new QVBoxLayout(group);
     groupLayout->addWidget(profileListBox_);
 
-    auto* buttons = new QDialogButtonBox;
+    auto* buttons = new QDialogButtonBox(this);
     auto* ok = buttons->addButton(u"&Profil beim öffnen anwenden"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"btnOK"_s);
     ok->setDefault(true);

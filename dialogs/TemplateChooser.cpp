@@ -59,7 +59,7 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
         RotateButton(u"btnRotateLeft"_s, u"rotate-left"_s, u"Nach Links drehen"_s, TurnLeft);
     btnRotateRight_ =
         RotateButton(u"btnRotateRight"_s, u"rotate-right"_s, u"Nach rechts drehen"_s, TurnRight);
-    btnOk_ = new QPushButton(u"Ok"_s);
+    btnOk_ = new QPushButton(u"&Ok"_s);
     btnOk_->setObjectName(u"btnOk"_s);
     btnOk_->setToolTip(u"Schablone übernehmen"_s);
     btnOk_->setDefault(true);

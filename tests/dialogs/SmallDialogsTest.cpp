@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLineEdit>
@@ -154,6 +155,21 @@ TEST(ProfileChooser, ChoosesByDoubleClickAndFailsOnAnEmptyList) {
     driver.Press(u"ProfileDlgFM"_s, u"btnOK"_s);
     EXPECT_EQ(chooser.ShowEx(), controls::ModalResult::Ok);
     EXPECT_THROW(chooser.SelectedProfile(), platform::Error);
+}
+
+TEST(DialogButtons, ReturnConfirmsAlsoWhereTheDesktopPutsTheButtonsInAnotherOrder) {
+    qApp->setStyleSheet(u"QDialogButtonBox { button-layout: 3 }"_s);  // as on GNOME
+    dialogs::TFileNameFm fileName(core::NameSources{});
+    dialogs::TfmImageTagEdit tags;
+    dialogs::TProfileDlgFM profiles;
+    for (const auto& [dialog, button] : {std::pair<QDialog*, QString>(&fileName, u"btnOk"_s),
+                                         {&tags, u"btnOk"_s},
+                                         {&profiles, u"btnOK"_s}}) {
+        dialog->show();
+        EXPECT_TRUE(Child<QPushButton>(*dialog, button).isDefault())
+            << dialog->objectName().toStdString();
+    }
+    qApp->setStyleSheet({});
 }
 
 TEST(ImageTags, EveryLineEndsWithALineBreakAndComesBackUnchanged) {
