@@ -56,9 +56,11 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command) {
 }
 
 QStringList ExpandFolders(const QStringList& photos, const QString& filter) {
+    // Names and patterns in turn; the first entry, "Alle", does not have the formats that came later.
+    const QStringList entries = filter.split(u'|');
     QStringList patterns;
-    for (const QString& part : filter.section(u'|', 1, 1).split(u';')) {
-        patterns.append(part);
+    for (qsizetype i = 1; i < entries.size(); i += 2) {
+        patterns.append(entries[i].split(u';'));
     }
     QStringList files;
     for (const QString& photo : photos) {

@@ -26,7 +26,8 @@ int WithData(QTextStream& errors, const std::function<int(core::TData&)>& comman
 inline const QString TooTightWarning =
     QStringLiteral("Das Foto endet zu nah am Kopf; die Schablone liegt nicht an ihrem Platz.");
 
-/// Unchanged file names; for a folder its image files by name.
+/// Unchanged file names; for a folder its files by name that any entry of the open dialog's filter
+/// shows.
 QStringList ExpandFolders(const QStringList& photos, const QString& filter);
 
 /// Loads the template of a name of the catalogue. Throws UsageError where there is none.
