@@ -56,7 +56,8 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command) {
 }
 
 QStringList ExpandFolders(const QStringList& photos, const QString& filter) {
-    // Names and patterns in turn; the first entry, "Alle", does not have the formats that came later.
+    // Names and patterns in turn; the first entry, "Alle", does not have the formats that came
+    // later.
     const QStringList entries = filter.split(u'|');
     QStringList patterns;
     for (qsizetype i = 1; i < entries.size(); i += 2) {
