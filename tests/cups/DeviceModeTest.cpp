@@ -21,23 +21,15 @@ TEST(DeviceModeTest, AnyKeyAndValueSurvive) {
 }
 
 TEST(DeviceModeTest, AForeignBlockIsReadAsFarAsItMakesSense) {
-    struct Row {
-        const char* name;
-        QByteArray block;
-        QByteArray read;
-    };
-    const Row rows[] = {
-        {"in order", "PageSize=A6\nInputSlot=Photo\n", "PageSize=A6\nInputSlot=Photo\n"},
-        {"nothing", "", ""},
-        {"no key", "=x\n\nkey\n", ""},
-        {"no last line end", "a=1\nb=2", "a=1\nb=2\n"},
-        {"twice", "a=1\nb=2\na=3\n", "a=3\nb=2\n"},
-        {"escape at the end", "a=1\\", "a=1\\\\\n"},
-        {"unknown escape", "a=\\q\n", "a=q\n"},
-        {"no text", QByteArray("\xff\xfe=\x80\n"), QByteArray("\xff\xfe=\x80\n")},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(DeviceMode(row.block).ToBlock(), row.read) << row.name;
+    for (const auto& [block, read] : {std::pair("b=A6\na=x\n", "b=A6\na=x\n"),
+                                      {"", ""},
+                                      {"=x\n\nkey\n", ""},
+                                      {"no=1\nend=2", "no=1\nend=2\n"},
+                                      {"twice=1\nb=2\ntwice=3\n", "twice=3\nb=2\n"},
+                                      {"end=1\\", "end=1\\\\\n"},
+                                      {"escaped=\\q\n", "escaped=q\n"},
+                                      {"\xff\xfe=\x80\n", "\xff\xfe=\x80\n"}}) {
+        EXPECT_EQ(DeviceMode(block).ToBlock(), read) << block;
     }
 }
 

@@ -10,6 +10,7 @@
 #include "PrintService.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
+#include "tests/support/PixelMatchers.h"
 
 using namespace kadrona::printing;
 using namespace kadrona::testing;
@@ -25,26 +26,25 @@ constexpr QSizeF Photo(35, 45);
 
 /// Dark photos with white between them.
 PrintImage DarkSheet(int columns, int rows) {
-    const QSize photo = (Photo * DotsPerMillimetre).toSize();
     const int gap = static_cast<int>(Gap * DotsPerMillimetre);
-    QImage tile(photo + QSize(gap, gap), QImage::Format_RGB32);
-    tile.fill(Qt::white);
-    QImage dark(photo, QImage::Format_RGB32);
-    dark.fill(QColor(30, 30, 30));
-    for (int y = 0; y < photo.height(); ++y) {
-        memcpy(tile.scanLine(y + gap / 2) + qsizetype{gap / 2} * 4, dark.constScanLine(y),
-               static_cast<size_t>(dark.bytesPerLine()));
-    }
+    const QRect photo(QPoint(gap, gap) / 2, (Photo * DotsPerMillimetre).toSize());
+    const QImage tile = Painted(photo.size() + QSize(gap, gap), [&](int x, int y) {
+        return photo.contains(x, y) ? qRgb(30, 30, 30) : ColourOf('w');
+    });
     return {tile, columns, rows, 254, u"x"_s, gap};
 }
 
-/// Starts and lengths along one direction of the raster.
-std::vector<QPointF> Stretches(const QJsonValue& values) {
-    std::vector<QPointF> stretches;
-    for (const QJsonValue& value : values.toArray()) {
-        stretches.emplace_back(value[0].toDouble(), value[1].toDouble());
+/// Expects photos of that length, each a gap behind the one before. `stretches` are starts and
+/// lengths along one direction of the raster.
+void ExpectRow(const QJsonArray& stretches, int count, double length) {
+    ASSERT_EQ(stretches.size(), count);
+    // Half a dot of the coarsest raster that is measured, 300 to the inch.
+    constexpr double Tolerance = 0.1 + 25.4 / 300 / 2;
+    for (int i = 0; i < count; ++i) {
+        EXPECT_NEAR(stretches[i][1].toDouble(), length, Tolerance);
+        EXPECT_NEAR(stretches[i][0].toDouble() - stretches[0][0].toDouble(), i * (length + Gap),
+                    2 * Tolerance);
     }
-    return stretches;
 }
 
 struct PhotoPrinter {
@@ -96,40 +96,23 @@ TEST_P(PhotoPrinterTest, EveryCopyHasItsSize) {
     const bool broad =
         (raster[0].toDouble() > raster[1].toDouble()) != (page.width() > page.height());
     const bool lying = turned != broad;
-    const auto check = [](const std::vector<QPointF>& stretches, int count, double length) {
-        ASSERT_EQ(stretches.size(), static_cast<size_t>(count));
-        // Half a dot of the coarsest raster that is measured, 300 to the inch.
-        constexpr double Tolerance = 0.1 + 25.4 / 300 / 2;
-        for (const QPointF& stretch : stretches) {
-            EXPECT_NEAR(stretch.y(), length, Tolerance);
-            EXPECT_NEAR(stretch.x(),
-                        stretches[0].x() +
-                            static_cast<double>(&stretch - stretches.data()) * (length + Gap),
-                        2 * Tolerance);
-        }
-    };
-    check(Stretches(printed[u"x"_s]), lying ? row.rows : row.columns,
-          lying ? Photo.height() : Photo.width());
-    check(Stretches(printed[u"y"_s]), lying ? row.columns : row.rows,
-          lying ? Photo.width() : Photo.height());
+    ExpectRow(printed[u"x"_s].toArray(), lying ? row.rows : row.columns,
+              lying ? Photo.height() : Photo.width());
+    ExpectRow(printed[u"y"_s].toArray(), lying ? row.columns : row.rows,
+              lying ? Photo.width() : Photo.height());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Debian, PhotoPrinterTest,
-    ::testing::Values(PhotoPrinter{"Selphy", "gutenprint.5.3",
-                                   "gutenprint.5.3://canon-cp1300/expert", "Postcard", 4, 2},
-                      PhotoPrinter{"Dnp", "gutenprint.5.3", "gutenprint.5.3://dnp-ds620/expert",
-                                   "w288h432", 4, 2},
-                      PhotoPrinter{"StylusPhoto", "gutenprint.5.3",
-                                   "gutenprint.5.3://escp2-r300/expert", "w288h432", 2, 2},
-                      PhotoPrinter{"EcoTank", "escpr",
-                                   "escpr:0/cups/model/epson-inkjet-printer-escpr/"
-                                   "Epson-ET-7750_Series-epson-escpr-en.ppd",
-                                   "4X6FULL", 2, 2},
-                      PhotoPrinter{"EcoTankBorderless", "escpr",
-                                   "escpr:0/cups/model/epson-inkjet-printer-escpr/"
-                                   "Epson-ET-7750_Series-epson-escpr-en.ppd",
-                                   "T4X6FULL", 4, 2}),
-    [](const auto& info) { return std::string(info.param.name); });
+const char* const Gutenprint = "gutenprint.5.3";
+const char* const Epson =
+    "escpr:0/cups/model/epson-inkjet-printer-escpr/Epson-ET-7750_Series-epson-escpr-en.ppd";
+const PhotoPrinter Printers[] = {
+    {"Selphy", Gutenprint, "gutenprint.5.3://canon-cp1300/expert", "Postcard", 4, 2},
+    {"Dnp", Gutenprint, "gutenprint.5.3://dnp-ds620/expert", "w288h432", 4, 2},
+    {"StylusPhoto", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "w288h432", 2, 2},
+    {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
+    {"EcoTankBorderless", "escpr", Epson, "T4X6FULL", 4, 2},
+};
+INSTANTIATE_TEST_SUITE_P(Debian, PhotoPrinterTest, ::testing::ValuesIn(Printers),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

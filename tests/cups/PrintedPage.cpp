@@ -26,27 +26,17 @@ QString Output(const QString& program, const QStringList& arguments) {
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
-QRectF InMillimetres(const QRectF& points) {
-    return {points.topLeft() * MillimetresPerPoint, points.size() * MillimetresPerPoint};
-}
-
-/// Pixel sizes of the images by their names in the drawing.
-QHash<QString, QSizeF> ImageSizes(const QString& drawing) {
-    static const QRegularExpression image(
-        u"<image id=\"([^\"]+)\" width=\"(\\d+)\" height=\"(\\d+)\""_s);
-    QHash<QString, QSizeF> sizes;
-    for (auto matches = image.globalMatch(drawing); matches.hasNext();) {
-        const auto match = matches.next();
-        sizes.insert(match.captured(1),
-                     {match.captured(2).toDouble(), match.captured(3).toDouble()});
+/// All places that the pattern matches.
+QList<QRegularExpressionMatch> Matches(const QString& text, const QString& pattern) {
+    QList<QRegularExpressionMatch> matches;
+    for (auto all = QRegularExpression(pattern).globalMatch(text); all.hasNext();) {
+        matches.append(all.next());
     }
-    return sizes;
+    return matches;
 }
 
-PrintedPage::Copy CopyOf(const QStringList& matrix, const QSizeF& pixels) {
-    const QTransform placed(matrix[0].toDouble(), matrix[1].toDouble(), matrix[2].toDouble(),
-                            matrix[3].toDouble(), matrix[4].toDouble(), matrix[5].toDouble());
-    return {InMillimetres(placed.mapRect(QRectF(QPointF(), pixels))), placed.m11() == 0};
+QSizeF SizeOf(const QRegularExpressionMatch& match, int firstGroup) {
+    return {match.captured(firstGroup).toDouble(), match.captured(firstGroup + 1).toDouble()};
 }
 
 }  // namespace
@@ -69,22 +59,29 @@ PrintedPage Measured(const QString& pdf) {
     svg.open(QIODevice::ReadOnly);
     const QString drawing = QString::fromUtf8(svg.readAll());
 
-    PrintedPage page;
-    static const QRegularExpression use(
-        u"<use xlink:href=\"#([^\"]+)\" transform=\"matrix\\(([^)]+)\\)\""_s);
-    const QHash<QString, QSizeF> sizes = ImageSizes(drawing);
-    for (auto matches = use.globalMatch(drawing); matches.hasNext();) {
-        const auto match = matches.next();
-        page.copies.push_back(
-            CopyOf(match.captured(2).split(u','), sizes.value(match.captured(1))));
+    // Pixel sizes of the images by their names in the drawing.
+    QHash<QString, QSizeF> sizes;
+    for (const auto& image :
+         Matches(drawing, u"<image id=\"([^\"]+)\" width=\"(\\d+)\" height=\"(\\d+)\""_s)) {
+        sizes.insert(image.captured(1), SizeOf(image, 2));
     }
-    static const QRegularExpression size(u"Page size: +([0-9.]+) x ([0-9.]+) pts"_s);
-    static const QRegularExpression count(u"Pages: +(\\d+)"_s);
+    PrintedPage page;
+    for (const auto& use :
+         Matches(drawing, u"<use xlink:href=\"#([^\"]+)\" transform=\"matrix\\(([^)]+)\\)\""_s)) {
+        QList<double> m;
+        for (const QString& number : use.captured(2).split(u',')) {
+            m.append(number.toDouble());
+        }
+        const QRectF placed = QTransform(m[0], m[1], m[2], m[3], m[4], m[5])
+                                  .mapRect(QRectF(QPointF(), sizes.value(use.captured(1))));
+        page.copies.push_back(
+            {{placed.topLeft() * MillimetresPerPoint, placed.size() * MillimetresPerPoint},
+             m[0] == 0});
+    }
     const QString info = Output(u"pdfinfo"_s, {pdf});
-    page.page =
-        QSizeF(size.match(info).captured(1).toDouble(), size.match(info).captured(2).toDouble()) *
-        MillimetresPerPoint;
-    page.count = count.match(info).captured(1).toInt();
+    page.page = SizeOf(Matches(info, u"Page size: +([0-9.]+) x ([0-9.]+) pts"_s).value(0), 1) *
+                MillimetresPerPoint;
+    page.count = Matches(info, u"Pages: +(\\d+)"_s).value(0).captured(1).toInt();
     return page;
 }
 

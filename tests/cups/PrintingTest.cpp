@@ -14,6 +14,8 @@
 #include "printing/PrinterSetup.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
+#include "tests/support/Errors.h"
+#include "tests/support/PixelMatchers.h"
 
 using namespace kadrona;
 using namespace kadrona::printing;
@@ -25,23 +27,14 @@ using ::testing::StartsWith;
 
 namespace {
 
-QImage Pattern(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            image.setPixel(x, y, qRgb(x * 7 % 256, y * 5 % 256, x * y % 256));
-        }
-    }
-    return image;
-}
-
 /// A sheet as the program makes it of photos of that printed size.
 PrintImage Sheet(QSizeF photoMillimetres, const core::SheetLayout& layout) {
     // Exactly 127 pixels per inch, so that small images, which are measured quickly, have the size
     // without rounding.
     constexpr int PixelsPerMillimetre = 5;
     PrintImage image;
-    image.tile = Pattern((photoMillimetres * PixelsPerMillimetre).toSize());
+    image.tile = Painted((photoMillimetres * PixelsPerMillimetre).toSize(),
+                         [](int x, int y) { return qRgb(x * 7 % 256, y * 5 % 256, x * y % 256); });
     image.columns = layout.columns;
     image.rows = layout.rows;
     image.dotsPerInch =
@@ -69,13 +62,8 @@ class PrintingTest : public ::testing::Test {
         return Measured(service_.PrintedFile());
     }
 
-    std::string ErrorOf(const std::function<void()>& step) {
-        try {
-            step();
-        } catch (const PrinterError& error) {
-            return error.what();
-        }
-        return {};
+    static std::string ErrorOf(const std::function<void()>& step) {
+        return TextOf<PrinterError>(step).toStdString();
     }
 
     PrintService service_;

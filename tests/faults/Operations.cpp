@@ -15,6 +15,7 @@
 #include "store/Statement.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
+#include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,19 +27,19 @@ const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
 
 /// The data module of the installation in a folder, and what it works with.
 struct Module {
-    explicit Module(const QString& folder)
-        : data(ui, {folder + u"/program"_s, folder + u"/common"_s}, &printer),
+    explicit Module(const QString& where)
+        : folder(where),
+          data(ui, {folder + u"/program"_s, folder + u"/common"_s}, &printer),
           archive(folder + u"/archive"_s) {
         core::NameSources sources;
         sources.now = [] { return QDateTime(QDate(2026, 3, 7), QTime(14, 30)); };
         data.SetNameSources(sources);
-        QImage photo(120, 160, QImage::Format_RGB32);
-        photo.fill(Qt::gray);
-        image.Open(imaging::Pixels(photo), {300});
+        image.Open(imaging::Pixels(Filled({120, 160}, 0xffa0a0a0)), {300});
     }
 
     void File() { data.SaveImageToArchiv(image, archive, Tags, u"Jürgen Groß"_s); }
 
+    QString folder;
     FakeInterface ui;
     FakePrinter printer;
     core::TData data;
@@ -56,11 +57,15 @@ class BoundFile : public core::ProfileStore {
     QString file_;
 };
 
-/// What a program that ran before has left.
-void MakeInstallation(const QString& folder) {
-    for (const char* name : {"program/Schablonen", "archive", "saved"}) {
+void MakeFolders(const QString& folder) {
+    for (const char* name : {"program/Schablonen", "archive", "saved", "common"}) {
         QDir().mkpath(folder + u'/' + QLatin1StringView(name));
     }
+}
+
+/// What a program that ran before has left.
+void MakeInstallation(const QString& folder) {
+    MakeFolders(folder);
     Module module(folder);
     module.data.InitSystem();
     module.File();
@@ -72,14 +77,16 @@ void MakeInstallation(const QString& folder) {
     imaging::WriteCurveFile(folder + u"/common/Kadrona/Curves/Alt.acv"_s, {});
 }
 
+using Step = std::function<void(Module&)>;
+
 /// An operation of the data module of a finished installation.
-Operation OfModule(const char* name, const std::function<void(Module&, const QString&)>& run) {
+Operation OfModule(const char* name, const Step& step) {
     return {QLatin1StringView(name), MakeInstallation,
-            [run](const QString& folder, QStringList& messages) -> std::function<void()> {
+            [step](const QString& folder, QStringList& messages) -> std::function<void()> {
                 const auto module = std::make_shared<Module>(folder);
                 module->data.InitSystem();
-                return [module, run, folder, &messages] {
-                    run(*module, folder);
+                return [module, step, &messages] {
+                    step(*module);
                     messages += module->ui.messages;
                 };
             }};
@@ -92,26 +99,18 @@ Operation Sheet(const QString& extension) {
     };
     return {u"sheet-"_s + extension,
             [path](const QString& folder) {
-                QDir().mkpath(folder + u"/saved"_s);
+                MakeFolders(folder);
                 platform::WriteFileAtomically(path(folder), "old"_ba);
             },
             [path](const QString& folder, QStringList&) -> std::function<void()> {
-                QImage photo(150, 200, QImage::Format_RGB32);
-                photo.fill(Qt::red);
-                photo.setPixel(3, 4, qRgb(1, 2, 3));
-                const imaging::Pixels sheet(photo, 2, 2);
+                const imaging::Pixels sheet(TestPicture(150, 200), 2, 2);
                 return
                     [path, folder, sheet] { imaging::WriteImageFile(path(folder), sheet, {300}); };
             }};
 }
 
 Operation FirstStart() {
-    return {u"first-start"_s,
-            [](const QString& folder) {
-                for (const char* name : {"program/Schablonen", "archive", "common"}) {
-                    QDir().mkpath(folder + u'/' + QLatin1StringView(name));
-                }
-            },
+    return {u"first-start"_s, MakeFolders,
             [](const QString& folder, QStringList& messages) -> std::function<void()> {
                 return [folder, &messages] {
                     const auto module = std::make_unique<Module>(folder);
@@ -121,9 +120,9 @@ Operation FirstStart() {
             }};
 }
 
-void Archive(Module& module, const QString& folder) {
+void Archive(Module& module) {
     core::PhotoArchive archive(module.data.NameSources());
-    archive.Connect(folder + u"/common/Kadrona/Database"_s);
+    archive.Connect(module.folder + u"/common/Kadrona/Database"_s);
     archive.Create();
     if (archive.File(module.image, {module.archive, {}, Tags, u"Jürgen Groß"_s}) !=
         core::Filing::Done) {
@@ -131,14 +130,14 @@ void Archive(Module& module, const QString& folder) {
     }
 }
 
-void WriteSettings(Module& module, const QString&) {
+void WriteSettings(Module& module) {
     platform::PropertyFile file(module.data.ProfileFile(u"Alt"_s));
     file.WriteText(u"FileNameEd"_s, u"Text"_s, u"Bild"_s);
     file.WriteList(u"Box"_s, u"Properties.Items"_s, {u"a"_s, u"b"_s});
     file.Save();
 }
 
-void NewProfile(Module& module, const QString&) {
+void NewProfile(Module& module) {
     BoundFile bound;
     module.data.SaveNewProfile(u"Neu"_s, bound);
 }
@@ -155,36 +154,33 @@ QStringList Column(store::Database& database, const QString& query) {
 }  // namespace
 
 std::vector<Operation> AllOperations() {
-    std::vector<Operation> operations;
+    std::vector<Operation> operations{FirstStart()};
     for (const QString& extension : {u"jpg"_s, u"jp2"_s, u"png"_s, u"bmp"_s, u"tif"_s, u"pdf"_s}) {
         operations.push_back(Sheet(extension));
     }
-    operations.push_back(FirstStart());
-    const auto add = [&](const char* name,
-                         const std::function<void(Module&, const QString&)>& run) {
-        operations.push_back(OfModule(name, run));
-    };
-    add("archiving", Archive);
-    add("tags",
-        [](Module& module, const QString&) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); });
-    add("tags-in-photo", [](Module& module, const QString&) {
-        module.data.RewriteIptcToImage(module.archive + u"/2026/03/2026_03_00001.jpg"_s, u"Ö"_s,
-                                       u"Ö\r\n"_s);
-    });
-    add("profile", WriteSettings);
-    add("new-profile", NewProfile);
-    add("delete-profile",
-        [](Module& module, const QString&) { module.data.DeleteProfile(u"Alt"_s); });
-    add("printer-profile",
-        [](Module& module, const QString&) { module.data.SavePrintProfile(u"Neu"_s); });
-    add("layout", [](Module& module, const QString&) {
-        module.data.SaveLayerPosToIni(u"neu"_s, {5, 6, 7, 8});
-    });
-    add("registry",
-        [](Module&, const QString& folder) { core::TData::SetArchivPath(folder + u"/archive"_s); });
-    add("preset", [](Module& module, const QString&) {
-        imaging::WriteCurveFile(module.data.CurvesFolder() + u"/Neu.acv"_s, {});
-    });
+    const std::initializer_list<std::pair<const char*, Step>> steps{
+        {"archiving", Archive},
+        {"tags", [](Module& module) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); }},
+        {"tags-in-photo",
+         [](Module& module) {
+             const QString photo = module.archive + u"/2026/03/2026_03_00001.jpg"_s;
+             module.data.RewriteIptcToImage(photo, u"Ö"_s, u"Ö\r\n"_s);
+         }},
+        {"profile", WriteSettings},
+        {"new-profile", NewProfile},
+        {"delete-profile", [](Module& module) { module.data.DeleteProfile(u"Alt"_s); }},
+        {"printer-profile", [](Module& module) { module.data.SavePrintProfile(u"Neu"_s); }},
+        {"layout",
+         [](Module& module) {
+             module.data.SaveLayerPosToIni(u"neu"_s, {5, 6, 7, 8});
+         }},
+        {"registry", [](Module& module) { core::TData::SetArchivPath(module.archive); }},
+        {"preset", [](Module& module) {
+             imaging::WriteCurveFile(module.data.CurvesFolder() + u"/Neu.acv"_s, {});
+         }}};
+    for (const auto& [name, step] : steps) {
+        operations.push_back(OfModule(name, step));
+    }
     return operations;
 }
 

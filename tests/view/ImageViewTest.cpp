@@ -15,10 +15,9 @@
 namespace kadrona::imaging::view {
 namespace {
 
+using namespace kadrona::testing;
+using test::Grabbed;
 using test::Pattern;
-using test::SamePixels;
-using testing::SendMouse;
-using testing::SendWheel;
 
 class ImageViewTest : public ::testing::Test {
  protected:
@@ -29,37 +28,28 @@ class ImageViewTest : public ::testing::Test {
     }
 
     void Open(QSize photo, double zoomPercent) {
-        Image().Open(Pixels(Pattern(photo.width(), photo.height())), DotsPerInch{300});
+        image_.Open(Pixels(Pattern(photo)), DotsPerInch{300});
         view_.SetZoomPercent(zoomPercent);
     }
 
     int AddLayer(const QRect& rectangle) {
-        QImage layer(35, 45, QImage::Format_ARGB32_Premultiplied);
-        layer.fill(Qt::transparent);
-        return Image().AddLayer({Pixels(layer), rectangle, true, true, 60});
+        const QImage clear = Filled({35, 45}, 0, QImage::Format_ARGB32_Premultiplied);
+        return image_.AddLayer({Pixels(clear), rectangle, true, true, 60});
     }
 
-    LayeredImage& Image() { return image_; }
-    QRect Rectangle(int layer) { return Image().LayerAt(layer).rectangle; }
+    QRect Rectangle(int layer) { return image_.LayerAt(layer).rectangle; }
     QPointF OnLayer(int layer) { return view_.ToWidget(QRectF(Rectangle(layer)).center()); }
 
-    void Press(QPointF at, Qt::MouseButton button = Qt::LeftButton) {
-        SendMouse(view_, QEvent::MouseButtonPress, at, button);
-    }
+    void Press(QPointF at) { SendMouse(view_, QEvent::MouseButtonPress, at); }
     void Move(QPointF to, Qt::MouseButton button = Qt::LeftButton) {
         SendMouse(view_, QEvent::MouseMove, to, button);
     }
-    void Release(QPointF at, Qt::MouseButton button = Qt::LeftButton) {
-        SendMouse(view_, QEvent::MouseButtonRelease, at, button);
-    }
-    void Drag(QPointF from, QPointF by, Qt::MouseButton button = Qt::LeftButton) {
-        Press(from, button);
-        Move(from + by / 2, button);
-        Move(from + by, button);
-        Release(from + by, button);
+    void Release(QPointF at) { SendMouse(view_, QEvent::MouseButtonRelease, at); }
+    void DragBy(QPointF from, QPointF by, Qt::MouseButton button = Qt::LeftButton) {
+        Drag(view_, {from, from + by / 2, from + by}, button);
     }
 
-    QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+    QImage Grab() { return Grabbed(view_); }
 
     LayeredImage image_;
     ImageView view_{image_};
@@ -67,38 +57,37 @@ class ImageViewTest : public ::testing::Test {
 
 TEST_F(ImageViewTest, AtFullSizeShowsThePhotosPixels) {
     Open({120, 90}, 100);
-    EXPECT_TRUE(SamePixels(Grab().copy(140, 105, 120, 90), Pattern(120, 90)));
+    EXPECT_TRUE(SamePixels(Grab().copy(140, 105, 120, 90), Pattern({120, 90})));
     EXPECT_EQ(Grab().pixel(5, 5), qRgb(255, 255, 255));
     EXPECT_NE(Grab().pixel(200, 105 + 90), qRgb(255, 255, 255)) << "shadow";
+    const uchar* pixels = image_.Photo().Tile().constBits();
+    image_.EditPhoto({10, 10, 1, 1}, [](QImage& photo) { photo.setPixel(10, 10, 0xffff0000); });
+    EXPECT_EQ(image_.Photo().Tile().constBits(), pixels) << "the photo was copied";
+    EXPECT_EQ(Grab().pixel(150, 115), 0xffff0000);
 }
 
 TEST_F(ImageViewTest, AnEmptyViewIsWhiteAndTakesEveryInput) {
     SendWheel(view_, {200, 150}, 120);
-    Drag({200, 150}, {30, 30});
+    DragBy({200, 150}, {30, 30});
     QTest::keyClick(&view_, Qt::Key_Left);
     QTest::keyClick(&view_, Qt::Key_Plus);
-    QImage white(400, 300, QImage::Format_RGB32);
-    white.fill(Qt::white);
-    EXPECT_TRUE(SamePixels(Grab(), white));
+    EXPECT_TRUE(SamePixels(Grab(), Filled({400, 300}, ColourOf('w'))));
 }
 
 TEST_F(ImageViewTest, LayersAreBlendedInOrderByTransparencyAndAlpha) {
     Open({100, 100}, 100);
-    Image().EditPhoto({0, 0, 100, 100}, [](QImage& photo) { photo.fill(qRgb(200, 100, 0)); });
-    QImage half(2, 1, QImage::Format_ARGB32_Premultiplied);
-    half.fill(Qt::transparent);
-    half.setPixel(0, 0, qRgba(0, 0, 255, 255));
-    const int layer = Image().AddLayer({Pixels(half), QRect(20, 20, 40, 40), true, false, 51});
+    image_.EditPhoto({0, 0, 100, 100}, [](QImage& photo) { photo.fill(qRgb(200, 100, 0)); });
+    const QImage half = Picture({"b."}, QImage::Format_ARGB32_Premultiplied);
+    const int layer = image_.AddLayer({Pixels(half), QRect(20, 20, 40, 40), true, false, 51});
     const auto shown = [&](int x) {
         return Grab().pixelColor(view_.ToWidget({0, 0}).toPoint() + QPoint(x, 40));
     };
     // A fifth of blue over the photo on the left half, nothing on the right one.
-    EXPECT_NEAR(shown(25).red(), 160, 1);
-    EXPECT_NEAR(shown(25).green(), 80, 1);
-    EXPECT_NEAR(shown(25).blue(), 51, 1);
+    const QImage mixed = Filled({1, 1}, qRgb(160, 80, 51));
+    EXPECT_LE(LargestDifference(Filled({1, 1}, shown(25).rgb()), mixed), 1);
     EXPECT_EQ(shown(55), QColor(200, 100, 0));
     EXPECT_EQ(shown(19), QColor(200, 100, 0));
-    Image().SetLayerVisible(layer, false, false);
+    image_.SetLayerVisible(layer, false, false);
     EXPECT_EQ(shown(25), QColor(200, 100, 0));
 }
 
@@ -126,7 +115,7 @@ TEST_F(ImageViewTest, ADragMovesTheLayerByPhotoPixels) {
         Open({800, 600}, percent);
         const int layer = AddLayer(start);
         QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
-        Drag(OnLayer(layer), {24, -10});
+        DragBy(OnLayer(layer), {24, -10});
         EXPECT_EQ(Rectangle(layer), moved) << percent;
         EXPECT_EQ(changed.count(), 2);
         EXPECT_EQ(changed.last().first().toInt(), layer);
@@ -138,14 +127,14 @@ TEST_F(ImageViewTest, AClickPicksTheTopmostLayerAndBesideKeepsTheCurrentOne) {
     const int lower = AddLayer({50, 50, 100, 100});
     const int upper = AddLayer({100, 100, 100, 100});
     const auto clicked = [&](QPointF photo) {
-        Drag(view_.ToWidget(photo), {1, 0});
-        return Image().CurrentLayer();
+        DragBy(view_.ToWidget(photo), {1, 0});
+        return image_.CurrentLayer();
     };
-    Image().SetLayerVisible(upper, true, false);
+    image_.SetLayerVisible(upper, true, false);
     EXPECT_EQ(clicked({75, 125}), lower);
     EXPECT_EQ(clicked({125, 125}), upper);
     EXPECT_EQ(clicked({300, 250}), upper);
-    Image().SetLayerVisible(upper, false, false);
+    image_.SetLayerVisible(upper, false, false);
     EXPECT_EQ(clicked({125, 125}), lower);
     EXPECT_EQ(Rectangle(lower), QRect(50, 50, 100, 100)) << "a trembling click moves nothing";
 }
@@ -159,10 +148,9 @@ TEST_F(ImageViewTest, AHandleScalesWithTheAspectRatioAndEscapeTakesItBack) {
     EXPECT_TRUE(view_.IsInteracting());
     Move(corner + QPointF(-31, -17));
     Move(corner + QPointF(-47, -23));
-    const QRect scaled = Rectangle(layer);
-    EXPECT_EQ(scaled.topLeft(), start.topLeft());
-    EXPECT_LT(scaled.width(), start.width() - 60);
-    EXPECT_NEAR(scaled.width() * 270.0 / 350.0, scaled.height(), 1.0);
+    EXPECT_EQ(Rectangle(layer).topLeft(), start.topLeft());
+    EXPECT_LT(Rectangle(layer).width(), start.width() - 60);
+    EXPECT_NEAR(Rectangle(layer).width() * 270.0 / 350.0, Rectangle(layer).height(), 1.0);
     QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
     QTest::keyClick(&view_, Qt::Key_Escape);
     EXPECT_EQ(Rectangle(layer), start);
@@ -180,7 +168,7 @@ TEST_F(ImageViewTest, AnOwnersCorrectionIsRespectedWithoutDrift) {
         QRect rectangle = Rectangle(changed);
         rectangle.moveLeft(std::clamp(rectangle.left(), 0, 400 - rectangle.width()));
         rectangle.moveTop(std::clamp(rectangle.top(), 0, 300 - rectangle.height()));
-        Image().SetLayerRectangle(changed, rectangle);
+        image_.SetLayerRectangle(changed, rectangle);
     });
     const QPointF start = OnLayer(layer);
     Press(start);
@@ -237,7 +225,7 @@ TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
     scale(Qt::Key_Up, 400);
     EXPECT_EQ(Rectangle(layer).height(), qRound(Rectangle(layer).width() * 45.0 / 35))
         << "many steps keep its shape";
-    Image().SetCurrentLayer(0);
+    image_.SetCurrentLayer(0);
     QTest::keyClick(&view_, Qt::Key_Right);
     EXPECT_GT(view_.ToImage({0, 0}).x(), before.x());
     EXPECT_EQ(view_.ToImage({0, 0}).y(), before.y());
@@ -249,7 +237,7 @@ TEST_F(ImageViewTest, PansBesideTheLayerWithTheMiddleButtonAndInPanOnlyMode) {
     const QPointF by(30, -20);
     const auto pannedBy = [&](QPointF from, Qt::MouseButton button) {
         const QPointF before = view_.ToImage({0, 0});
-        Drag(from, by, button);
+        DragBy(from, by, button);
         return before - view_.ToImage({0, 0});
     };
     EXPECT_EQ(pannedBy({20, 20}, Qt::LeftButton), by);
@@ -267,31 +255,31 @@ TEST_F(ImageViewTest, CursorsFollowThePointerAndTheOwnersComesBack) {
     Open({400, 300}, 100);
     const int layer = AddLayer({100, 80, 140, 100});
     view_.setCursor(Qt::CrossCursor);
-    const auto expectCursor = [this](QPointF photo, Qt::CursorShape shape) {
+    const auto cursorAt = [this](QPointF photo) {
         Move(view_.ToWidget(photo), Qt::NoButton);
-        EXPECT_EQ(view_.cursor().shape(), shape) << photo.x() << ", " << photo.y();
+        return view_.cursor().shape();
     };
-    expectCursor({100, 80}, Qt::SizeFDiagCursor);
-    expectCursor({240, 80}, Qt::SizeBDiagCursor);
-    expectCursor({170, 80}, Qt::SizeVerCursor);
-    expectCursor({100, 130}, Qt::SizeHorCursor);
-    expectCursor({150, 120}, Qt::SizeAllCursor);
-    expectCursor({300, 250}, Qt::CrossCursor);
-    Image().SetLayerVisible(layer, true, false);
-    expectCursor({100, 80}, Qt::SizeAllCursor);  // no frame, no handles
+    EXPECT_EQ(cursorAt({100, 80}), Qt::SizeFDiagCursor);
+    EXPECT_EQ(cursorAt({240, 80}), Qt::SizeBDiagCursor);
+    EXPECT_EQ(cursorAt({170, 80}), Qt::SizeVerCursor);
+    EXPECT_EQ(cursorAt({100, 130}), Qt::SizeHorCursor);
+    EXPECT_EQ(cursorAt({150, 120}), Qt::SizeAllCursor);
+    EXPECT_EQ(cursorAt({300, 250}), Qt::CrossCursor);
+    image_.SetLayerVisible(layer, true, false);
+    EXPECT_EQ(cursorAt({100, 80}), Qt::SizeAllCursor) << "no frame, no handles";
 }
 
 TEST_F(ImageViewTest, RemovingTheLayerEndsItsDrag) {
     Open({400, 300}, 100);
     const int layer = AddLayer({100, 80, 140, 100});
     QObject::connect(&view_, &ImageView::LayerChangedByUser, &view_,
-                     [&] { Image().RemoveLayersAbovePhoto(); });
+                     [&] { image_.RemoveLayersAbovePhoto(); });
     Press(OnLayer(layer));
     Move({20, 20});
     EXPECT_FALSE(view_.IsInteracting());
     Move({30, 30});
     QTest::keyClick(&view_, Qt::Key_Escape);
-    EXPECT_EQ(Image().LayerCount(), 1);
+    EXPECT_EQ(image_.LayerCount(), 1);
 }
 
 TEST_F(ImageViewTest, SuspendedItShowsTheLastFrameUntilTheLastResume) {
@@ -299,9 +287,7 @@ TEST_F(ImageViewTest, SuspendedItShowsTheLastFrameUntilTheLastResume) {
     const QImage before = Grab();
     view_.SuspendPainting();
     view_.SuspendPainting();
-    QImage red(120, 90, QImage::Format_RGB32);
-    red.fill(Qt::red);
-    Image().ChangePhoto(Pixels(red));
+    image_.ChangePhoto(Pixels(Filled({120, 90}, ColourOf('r'))));
     EXPECT_TRUE(SamePixels(Grab(), before));
     view_.ResumePainting();
     EXPECT_TRUE(SamePixels(Grab(), before));
@@ -316,7 +302,7 @@ TEST_F(ImageViewTest, AutomaticFitFollowsSizesUntilTheUserZooms) {
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
     view_.resize(776, 300);
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 100.0);
-    Image().ChangePhoto(Pixels(Pattern(1504, 10)));
+    image_.ChangePhoto(Pixels(Pattern({1504, 10})));
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
     SendWheel(view_, {100, 100}, -360);
     view_.resize(400, 300);
@@ -348,15 +334,6 @@ TEST_F(ImageViewTest, FocusShowsWhenItCameByTheKeyboard) {
     }
 }
 
-TEST_F(ImageViewTest, ABrushDabIsShownAndDoesNotCopyThePhoto) {
-    Open({120, 90}, 100);
-    Grab();
-    const uchar* pixels = Image().Photo().Tile().constBits();
-    Image().EditPhoto({10, 10, 1, 1}, [](QImage& photo) { photo.setPixel(10, 10, 0xffff0000); });
-    EXPECT_EQ(Image().Photo().Tile().constBits(), pixels);
-    EXPECT_EQ(Grab().pixel(150, 115), 0xffff0000);
-}
-
 // Runs in a process of its own, for the screen's scale is set before the application starts. The
 // view begins in the midst of a device pixel where the scale is broken.
 TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
@@ -382,12 +359,12 @@ TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
     view->setGeometry(7, 7, 200, 150);
     window.show();
     ASSERT_GT(window.devicePixelRatioF(), 1.0);
-    image.Open(Pixels(Pattern(121, 91)), DotsPerInch{300});
+    image.Open(Pixels(Pattern({121, 91})), DotsPerInch{300});
     view->SetZoomPercent(100);
     const double scale = window.devicePixelRatioF();
     const QPointF place = (view->ToWidget({0, 0}) + QPointF(7, 7)) * scale;
-    const QImage shown = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    EXPECT_TRUE(SamePixels(shown.copy(QRect(place.toPoint(), QSize(121, 91))), Pattern(121, 91)));
+    EXPECT_TRUE(SamePixels(Grabbed(window).copy(QRect(place.toPoint(), QSize(121, 91))),
+                           Pattern({121, 91})));
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 namespace kadrona::imaging::view {
 namespace {
 
+using namespace kadrona::testing;
 using test::Pattern;
-using test::SamePixels;
 
 QImage Drawn(const Pixels& pixels, QSize size, Quality quality = Quality::Smooth,
              Enlargement enlargement = Enlargement::Crisp) {
@@ -17,19 +17,14 @@ QImage Drawn(const Pixels& pixels, QSize size, Quality quality = Quality::Smooth
 }
 
 QImage Row(std::initializer_list<QRgb> colours) {
-    QImage image(static_cast<int>(colours.size()), 1, QImage::Format_RGB32);
-    std::copy(colours.begin(), colours.end(), reinterpret_cast<QRgb*>(image.bits()));
-    return image;
+    return Painted({static_cast<int>(colours.size()), 1},
+                   [&](int x, int) { return colours.begin()[x]; });
 }
 
 TEST(ScaledPixels, ALargePictureIsPreparedInSteps) {
     // Pairs of columns whose mean is another colour than each of them.
-    QImage image(8192, 4096, QImage::Format_RGB32);
-    auto* pixels = reinterpret_cast<QRgb*>(image.bits());
-    for (qsizetype i = 0; i < qsizetype{8192} * 4096; ++i) {
-        pixels[i] = i % 2 == 0 ? qRgb(100, 0, 0) : qRgb(0, 0, 100);
-    }
-    const Pixels photo(image);
+    const Pixels photo(Painted(
+        {8192, 4096}, [](int x, int) { return x % 2 == 0 ? qRgb(100, 0, 0) : qRgb(0, 0, 100); }));
     ScaledPixels scaled(Enlargement::Crisp);
     const auto draw = [&](QSize size) {
         scaled.Draw(photo, size, QRect({}, size), Quality::Smooth);
@@ -79,8 +74,8 @@ TEST(ScaledPixels, LiteralRows) {
 }
 
 TEST(ScaledPixels, AnEvenColourStaysThatColourAtEverySize) {
-    QImage image(313, 207, QImage::Format_ARGB32_Premultiplied);
-    image.fill(qRgba(13, 77, 101, 133));
+    const QImage image =
+        Filled({313, 207}, qRgba(26, 147, 194, 133), QImage::Format_ARGB32_Premultiplied);
     for (int width = 3; width < 1000; width += 31) {
         for (const Quality quality : {Quality::Fast, Quality::Smooth}) {
             const QImage drawn = Drawn(Pixels(image), {width, 1 + width * 2 / 3}, quality);
@@ -93,12 +88,8 @@ TEST(ScaledPixels, AnEvenColourStaysThatColourAtEverySize) {
 }
 
 TEST(ScaledPixels, AShrunkCheckerboardIsEvenlyGrey) {
-    QImage image(2100, 2100, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, (x + y) % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255));
-        }
-    }
+    const QImage image =
+        Painted({2100, 2100}, [](int x, int y) { return ColourOf((x + y) % 2 == 0 ? 'k' : 'w'); });
     for (const int side : {1000, 700, 333, 52}) {
         const QImage drawn = Drawn(Pixels(image), {side, side});
         for (int i = 1; i + 1 < side; ++i) {
@@ -110,7 +101,7 @@ TEST(ScaledPixels, AShrunkCheckerboardIsEvenlyGrey) {
 // What is drawn part after part is what is drawn at once: no wobble while panning, no part of the
 // pyramid left out.
 TEST(ScaledPixels, PartsAddUpToTheWhole) {
-    const Pixels photo(Pattern(2501, 1303));
+    const Pixels photo(Pattern({2501, 1303}));
     for (const QSize size : {QSize(2501, 1303), QSize(1777, 901), QSize(600, 313), QSize(41, 33)}) {
         const QImage whole = Drawn(photo, size);
         ScaledPixels scaled(Enlargement::Crisp);
@@ -129,7 +120,7 @@ TEST(ScaledPixels, PartsAddUpToTheWhole) {
 }
 
 TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
-    const Pixels photo(Pattern(500, 300));
+    const Pixels photo(Pattern({500, 300}));
     const QSize size(311, 187);
     const QRect all(QPoint(0, 0), size);
     const QImage smooth = Drawn(photo, size);
@@ -143,7 +134,7 @@ TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
 }
 
 TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
-    Pixels photo(Pattern(60, 40));
+    Pixels photo(Pattern({60, 40}));
     ScaledPixels scaled(Enlargement::Crisp);
     const QSize size(20, 13);
     scaled.Draw(photo, size, {0, 0, 20, 13}, Quality::Smooth);
@@ -156,16 +147,13 @@ TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
 
 // Every device pixel belongs to one tile and shows nothing but that tile.
 TEST(ScaledPixels, AGridHasNoSeams) {
-    const Pixels pattern(Pattern(31, 17), 3, 2);
+    const Pixels pattern(Pattern({31, 17}), 3, 2);
     EXPECT_TRUE(SamePixels(Drawn(pattern, pattern.Size()), pattern.ToImage()));
-    QImage tile(113, 79, QImage::Format_RGB32);
-    tile.fill(qRgb(10, 120, 200));
-    const Pixels sheet(tile, 5, 4);
+    const QRgb colour = qRgb(10, 120, 200);
+    const Pixels sheet(Filled({113, 79}, colour), 5, 4);
     for (const double zoom : {0.11, 0.37, 0.5, 0.93, 1.0, 1.41, 3.7}) {
-        const QImage drawn = Drawn(sheet, (QSizeF(sheet.Size()) * zoom).toSize());
-        QImage expected = drawn.copy();
-        expected.fill(qRgb(10, 120, 200));
-        EXPECT_TRUE(SamePixels(drawn, expected));
+        const QSize size = (QSizeF(sheet.Size()) * zoom).toSize();
+        EXPECT_TRUE(SamePixels(Drawn(sheet, size), Filled(size, colour)));
     }
 }
 

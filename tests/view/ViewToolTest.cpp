@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QPainter>
 #include <QTest>
 
 #include "imaging/view/ImageView.h"
@@ -10,8 +11,9 @@
 namespace kadrona::imaging::view {
 namespace {
 
+using namespace kadrona::testing;
+using test::Grabbed;
 using test::Pattern;
-using test::SamePixels;
 
 class Inverting : public PixelFilter {
  public:
@@ -50,16 +52,14 @@ class ViewToolTest : public ::testing::Test {
     }
 
     void Open(QSize size, double percent) {
-        image_.Open(Pixels(Pattern(size.width(), size.height())), DotsPerInch{300});
+        image_.Open(Pixels(Pattern(size)), DotsPerInch{300});
         view_.SetZoomPercent(percent);
     }
 
-    void Send(QEvent::Type type, QPointF at, Qt::MouseButton button,
-              Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        testing::SendMouse(view_, type, at, button, modifiers);
+    void Press(QPointF at, Qt::MouseButton button = Qt::LeftButton) {
+        SendMouse(view_, QEvent::MouseButtonPress, at, button);
     }
-
-    QImage Grab() { return view_.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+    QImage Grab() { return Grabbed(view_); }
 
     LayeredImage image_;
     ImageView view_{image_};
@@ -69,9 +69,8 @@ class ViewToolTest : public ::testing::Test {
 TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
     for (const double percent : {100.0, 37.0, 250.0}) {
         Open({120, 90}, percent);
-        QImage layer(2, 2, QImage::Format_ARGB32_Premultiplied);
-        layer.fill(qRgb(10, 20, 30));
-        image_.AddLayer({Pixels(layer), QRect(20, 20, 30, 30), true, false});
+        image_.AddLayer(
+            {Pixels(Filled({2, 2}, qRgb(10, 20, 30))), QRect(20, 20, 30, 30), true, false});
         const QImage plain = Grab();
         view_.SetPreviewFilter(std::make_shared<Inverting>());
         const QImage filtered = Grab();
@@ -79,62 +78,53 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
         const QPoint onPhoto = view_.ToWidget({80, 60}).toPoint();
         EXPECT_EQ(filtered.pixel(onLayer), qRgb(10, 20, 30));
         EXPECT_EQ(filtered.pixel(onPhoto), plain.pixel(onPhoto) ^ 0x00ffffff);
-        EXPECT_EQ(image_.Photo().Tile().pixel(5, 5), Pattern(120, 90).pixel(5, 5));
+        EXPECT_EQ(image_.Photo().Tile().pixel(5, 5), Pattern({120, 90}).pixel(5, 5));
         view_.SetPreviewFilter(nullptr);
+        EXPECT_TRUE(SamePixels(Grab(), plain));
+        view_.SetTool(&tool_);
+        EXPECT_EQ(Grab().pixel(15, 15), 0xffff0000) << "the tool's overlay";
+        view_.SetTool(nullptr);
         EXPECT_TRUE(SamePixels(Grab(), plain));
     }
 }
 
 TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
     Open({100, 80}, 200);
-    image_.AddLayer({Pixels(Pattern(10, 10)), QRect(10, 10, 50, 50)});
+    image_.AddLayer({Pixels(Pattern({10, 10})), QRect(10, 10, 50, 50)});
     view_.SetTool(&tool_);
     const QPointF at = view_.ToWidget({30.5, 20.5});
-    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
-    Send(QEvent::MouseMove, at + QPointF(8, 4), Qt::LeftButton);
-    Send(QEvent::MouseButtonRelease, at + QPointF(8, 4), Qt::LeftButton);
+    Drag(view_, {at, at + QPointF(8, 4)});
     EXPECT_EQ(tool_.presses, QList<QPointF>{QPointF(30.5, 20.5)});
     EXPECT_EQ(tool_.moves, QList<QPointF>{QPointF(34.5, 22.5)});
     EXPECT_EQ(tool_.releases, 1);
     EXPECT_EQ(image_.LayerAt(1).rectangle, QRect(10, 10, 50, 50));
-    Send(QEvent::MouseButtonPress, at, Qt::RightButton);
+    Press(at, Qt::RightButton);
     EXPECT_EQ(tool_.presses.size(), 1);
 
-    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
-    Send(QEvent::MouseMove, at, Qt::NoButton);
+    Press(at);
+    SendMouse(view_, QEvent::MouseMove, at, Qt::NoButton);
     EXPECT_EQ(tool_.releases, 2) << "a release that went elsewhere";
-    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    Press(at);
     view_.SetTool(nullptr);
     EXPECT_EQ(tool_.releases, 3);
-    Send(QEvent::MouseButtonPress, at, Qt::LeftButton);
+    Press(at);
     EXPECT_EQ(tool_.presses.size(), 3);
 }
 
 TEST_F(ViewToolTest, PanningStaysWithTheViewAndTheWheelGoesToTheTool) {
     Open({1000, 1000}, 100);
     view_.SetTool(&tool_);
-    testing::SendWheel(view_, {50, 50}, 240);
+    SendWheel(view_, {50, 50}, 240);
     QTest::keyClick(&view_, Qt::Key_Plus);
     EXPECT_EQ(tool_.wheel, 2);
     EXPECT_EQ(view_.ZoomPercent(), 100);
     view_.SetInteraction(ImageView::Interaction::Pan);
     const QPointF before = view_.Middle();
-    Send(QEvent::MouseButtonPress, {50, 50}, Qt::LeftButton);
-    Send(QEvent::MouseMove, {60, 55}, Qt::LeftButton);
-    Send(QEvent::MouseButtonRelease, {60, 55}, Qt::LeftButton);
+    Drag(view_, {{50, 50}, {60, 55}});
     EXPECT_TRUE(tool_.presses.isEmpty());
     EXPECT_EQ(before - view_.Middle(), QPointF(10, 5));
-    testing::SendWheel(view_, {50, 50}, 240);
+    SendWheel(view_, {50, 50}, 240);
     EXPECT_GT(view_.ZoomPercent(), 100);
-}
-
-TEST_F(ViewToolTest, TheOverlayComesAndGoesWithTheTool) {
-    Open({100, 80}, 100);
-    const QImage plain = Grab();
-    view_.SetTool(&tool_);
-    EXPECT_EQ(Grab().pixel(15, 15), 0xffff0000);
-    view_.SetTool(nullptr);
-    EXPECT_TRUE(SamePixels(Grab(), plain));
 }
 
 // What is repainted after an edit is what a view that never saw the photo before paints.
@@ -144,12 +134,8 @@ TEST_F(ViewToolTest, AnEditShowsAsIfAllWereDrawnAnew) {
         Grab();
         for (const QRect& area :
              {QRect(1100, 740, 60, 30), QRect(1023, 700, 3, 90), QRect(0, 0, 5, 5)}) {
-            image_.EditPhoto(area, [&](QImage& photo) {
-                for (int y = area.top(); y <= area.bottom(); ++y) {
-                    auto* line = reinterpret_cast<QRgb*>(photo.scanLine(y));
-                    std::fill(line + area.left(), line + area.right() + 1, 0xffff00ff);
-                }
-            });
+            image_.EditPhoto(area,
+                             [&](QImage& photo) { QPainter(&photo).fillRect(area, Qt::magenta); });
         }
         const QImage edited = Grab();
         image_.ChangePhoto(Pixels(image_.Photo().Tile().copy()));
