@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTransform>
@@ -9,22 +8,19 @@
 
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "platform/AtomicFile.h"
 #include "tests/support/DrawnPortrait.h"
+#include "tests/support/Errors.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging {
 namespace {
 
-using kadrona::testing::DrawnChin;
-using kadrona::testing::DrawnCrown;
-using kadrona::testing::DrawnLeftEye;
-using kadrona::testing::DrawnPortrait;
-using kadrona::testing::DrawnRightEye;
-using kadrona::testing::DrawnSize;
+using namespace kadrona::testing;
 
 /// A photo of `size` with portraits on a grey wall, each drawn by its transform.
 QImage Wall(QSize size, const std::vector<QTransform>& portraits) {
-    QImage wall(size, QImage::Format_RGB32);
-    wall.fill(QColor(200, 205, 210));
+    QImage wall = Filled(size, qRgb(200, 205, 210));
     QPainter painter(&wall);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QImage portrait = DrawnPortrait();
@@ -92,14 +88,8 @@ TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {
 }
 
 QImage Noise(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
     std::mt19937 random(7);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            image.setPixel(x, y, 0xff000000U | (random() & 0xffffffU));
-        }
-    }
-    return image;
+    return Painted(size, [&](int, int) { return 0xff000000U | (random() & 0xffffffU); });
 }
 
 TEST(FaceSearch, SaysThatThereIsNone) {
@@ -126,18 +116,12 @@ TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
 TEST(Cascades, SayWhatToInstallWhereTheyAreMissingOrDamaged) {
     const QTemporaryDir folder;
     const auto complaint = [&] {
-        try {
-            const Cascades cascades(folder.path());
-        } catch (const CascadesMissing& error) {
-            return error.Text();
-        }
-        return QString();
+        return TextOf<CascadesMissing>([&] { const Cascades cascades(folder.path()); });
     };
     EXPECT_TRUE(complaint().contains(u"opencv-data"));
-    QFile damaged(folder.filePath(QStringLiteral("haarcascade_frontalface_alt2.xml")));
-    ASSERT_TRUE(damaged.open(QFile::WriteOnly));
-    damaged.write("<?xml version=\"1.0\"?><opencv_storage><cascade>");
-    damaged.close();
+    platform::WriteFileAtomically(
+        folder.filePath(QStringLiteral("haarcascade_frontalface_alt2.xml")),
+        "<?xml version=\"1.0\"?><opencv_storage><cascade>");
     EXPECT_TRUE(complaint().contains(u"frontalface_alt2"));
 }
 

@@ -41,7 +41,6 @@ TEST(WordTokenizer, TakesTextsApart) {
         {u"Anna\r\nKöln-MÜLHEIM\r\n"_s, "anna|köln|mülheim"},
         {u"(Groß) 07.03.2026"_s, "groß|07032026"},
         {u"a\U0001F4F7b Ł\u0308c"_s, "ab|c"},
-        {u"vor\0nach"_s, "vornach"},
         {u" -- \U0001F4F7 "_s, ""},
         {QString(), ""}};
     for (const auto& [text, words] : cases) {
@@ -87,12 +86,10 @@ TEST_F(FullTextIndexTest, FindsWholeWordsWhateverTheirCase) {
 TEST_F(FullTextIndexTest, TakesAnyText) {
     const QString large = u"Wort "_s.repeated(200'000) + QString(100'000, u'ä');
     index_.Set(1, large);
-    index_.Set(2, u"vor\0nach"_s);
-    index_.Set(3, u"\"' ; DROP TABLE Tags -- \U0001F4F7 %s"_s);
+    index_.Set(2, u"vor\0nach \"' ; DROP TABLE Tags -- \U0001F4F7 %s"_s);
     EXPECT_EQ(Rows(u"wort"_s), (Found{1}));
     EXPECT_EQ(Rows(QString(100'000, u'Ä')), (Found{1}));
-    EXPECT_EQ(Rows(u"vor\0nach"_s), (Found{2}));
-    EXPECT_EQ(Rows(u"drop"_s), (Found{3}));
+    EXPECT_EQ(Rows(u"drop vor\0nach"_s), (Found{2}));
     index_.Set(1, {});
     EXPECT_EQ(Rows(u"wort"_s), Found());
     RequireSound();
