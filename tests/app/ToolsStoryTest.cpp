@@ -288,6 +288,29 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     EXPECT_GT(View().ZoomPercent(), zoom);
 }
 
+TEST_F(ToolsStory, TheBrushFitsThePhotoUntilItIsChosenAndATurnTakesTheSource) {
+    const auto hint = [this] { return window->statusBar()->currentMessage(); };
+    const auto take = [&] {
+        Trigger(u"acBeauty"_s);
+        Click({200, 210}, Qt::ShiftModifier);
+        EXPECT_TRUE(hint().contains(u"Ziehen kopiert"_s));
+    };
+    SavePhoto("square.png", QSize(1200, 1200));
+    SavePhoto("small.png", QSize(600, 700));
+    Open("square.png");
+    take();
+    EXPECT_TRUE(hint().startsWith(u"Stempel 20 px"_s));
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_TRUE(hint().contains(u"Umschalt+Klick"_s)) << "also where the size stays";
+    Open("small.png");
+    take();
+    EXPECT_TRUE(hint().startsWith(u"Stempel 11 px"_s));
+    Wheel(1);
+    Open("square.png");
+    take();
+    EXPECT_TRUE(hint().startsWith(u"Stempel 13 px"_s)) << hint().toStdString();
+}
+
 TEST_F(ToolsStory, EscapeEndsAModeAndLeavesPhotoAndZoom) {
     View().SetZoomPercent(55);
     for (const QString& mode : {u"acSetWhitePoint"_s, u"acBeauty"_s}) {

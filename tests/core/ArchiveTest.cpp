@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QDirIterator>
 #include <QImage>
+#include <cstdlib>
+#include <thread>
 
 #include "core/archive/ArchiveTable.h"
 #include "core/sheet/PhotoLoading.h"
@@ -256,6 +259,35 @@ TEST_F(Archive, TwoProgramsSeeWhatTheOtherFiles) {
         EXPECT_EQ(Table().Ids().size(), size_t(2 * i + 2));
         EXPECT_EQ(other.Archive()->Find(u"ours"_s).size(), size_t(i + 1));
     }
+}
+
+TEST_F(Archive, TwoProgramsWithDatabasesOfTheirOwnNeverTakeTheSameNameAtOnce) {
+    constexpr int Photos = 15;
+    const auto fileAll = [&](const char* database, QRgb colour) {
+        FakeInterface nobody;
+        core::TData program(nobody, installation.Folders());
+        QDir().mkpath(installation.Path(database));
+        program.ConnectDB(installation.Path(database));
+        program.CreateDB();
+        QImage photo(16, 16, QImage::Format_RGB32);
+        photo.fill(colour);
+        imaging::LayeredImage filed;
+        filed.Open(imaging::Pixels(photo), {300});
+        for (int i = 0; i < Photos; ++i) {
+            program.SaveImageToArchiv(filed, archiveFolder, {}, {});
+            const QImage found(program.GetFileNameFromRecord(archiveFolder));
+            EXPECT_LT(std::abs(qBlue(found.pixel(8, 8)) - qBlue(colour)), 9) << i;
+        }
+    };
+    std::thread other(fileAll, "theirs", qRgb(0, 0, 250));
+    fileAll("ours", qRgb(250, 0, 0));
+    other.join();
+    QDirIterator all(archiveFolder, QDir::Files, QDirIterator::Subdirectories);
+    int count = 0;
+    for (; all.hasNext(); all.next()) {
+        ++count;
+    }
+    EXPECT_EQ(count, 2 * Photos);
 }
 
 TEST_F(Archive, AnOlderDatabaseGetsItsIndexAndKeepsItsRecords) {

@@ -102,6 +102,13 @@ TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
         EXPECT_EQ(image.Photo().Columns(), 4);
         ui.tags = QStringList(u"Anna"_s);
     }
+    ui.answers = {true, true};
+    OpenGrey(500, 600);
+    data.CropImage(image, 0);
+    EXPECT_EQ(ui.messages.size(), 4) << "tried again twice";
+    EXPECT_TRUE(ui.messages.last().endsWith(u"Soll es noch einmal versucht werden?"_s));
+    EXPECT_EQ(ui.tagEditorShown, 3) << "with the same tags";
+    EXPECT_EQ(data.Archive()->Ids().size(), 4U);
 }
 
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {

@@ -220,7 +220,11 @@ TEST_F(SettingsDialog, ANameMustBeFitAndUniqueExceptThatOfTheFirstEntry) {
     EXPECT_EQ(Profiles().size(), 3);
     EXPECT_EQ(data->GetProfileList().size(), 2) << "the first profile only got a new file";
     AddProfile(u"ı-ſ"_s);
-    EXPECT_EQ(Profiles().last(), u"ı-ſ"_s) << "whose upper case would be another name";
+    AddProfile(u"I-S"_s);
+    const QStringList both{u"ı-ſ"_s, u"I-S"_s};
+    EXPECT_EQ(Profiles().last(2), both) << "whose upper case is the other name";
+    EXPECT_EQ(data->GetProfileList().last(2), both);
+    EXPECT_NE(data->ProfileFile(both[0]), data->ProfileFile(both[1]));
 }
 
 TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
