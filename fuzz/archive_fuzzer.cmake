@@ -1,0 +1,1 @@
+kadrona_fuzzer(archive_fuzzer USES kadrona_core)
