@@ -7,10 +7,12 @@
 #include <QTimer>
 #include <QTranslator>
 #include <QWindow>
+#include <array>
 
 #include "app/MainWindow.h"
 #include "app/PrintService.h"
 #include "app/commandline/CheckCommand.h"
+#include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
 #include "controls/messages/ActionGuard.h"
@@ -30,11 +32,17 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
     QTextStream output(stdout);
     QTextStream errors(stderr);
     const QString first = arguments.value(1);
-    if (first == u"sheet"_s || first == u"check"_s) {
-        // No display and no fonts are needed, only the image plug-ins.
-        const QCoreApplication console(argc, argv);
-        const auto run = first == u"sheet"_s ? RunSheetCommand : RunCheckCommand;
-        return run(arguments.mid(2), output, errors);
+    using Command = int(const QStringList&, QTextStream&, QTextStream&);
+    const std::array<std::pair<QLatin1StringView, Command*>, 3> commands{
+        {{"sheet"_L1, RunSheetCommand},
+         {"photo"_L1, RunPhotoCommand},
+         {"check"_L1, RunCheckCommand}}};
+    for (const auto& [name, run] : commands) {
+        if (first == name) {
+            // No display and no fonts are needed, only the image plug-ins.
+            const QCoreApplication console(argc, argv);
+            return run(arguments.mid(2), output, errors);
+        }
     }
     if (first == u"--help"_s || first == u"-h"_s) {
         output << core::WindowCaption << u"\n\n"_s << CommandLineHelp();
@@ -130,8 +138,10 @@ int Run(int argc, char** argv) {
         return *exitCode;
     }
     if (!HasDisplay()) {
-        QTextStream(stderr) << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
-                               u"„kadrona sheet“ und „kadrona check“ (siehe kadrona --help).\n"_s;
+        QTextStream(stderr)
+            << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
+               u"„kadrona sheet“, „kadrona photo“ und „kadrona check“ (siehe kadrona "
+               u"--help).\n"_s;
         return SomePhotoFailed;
     }
     return RunWindow(argc, argv, PhotoToOpen(arguments));

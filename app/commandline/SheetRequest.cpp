@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include "core/sheet/SheetLayout.h"
+#include "core/sheet/UploadFigures.h"
 
 using namespace Qt::StringLiterals;
 
@@ -40,6 +41,43 @@ int ParseLayout(const QString& text) {
     return index;
 }
 
+/// The numbers of a text like "600x750"; empty where it is none. They lie from `least` to `most`.
+std::optional<std::pair<int, int>> TwoNumbers(const QString& text, QChar between, int least,
+                                              int most) {
+    const QStringList parts = text.split(between);
+    if (parts.size() != 2) {
+        return std::nullopt;
+    }
+    bool first = false;
+    bool second = false;
+    const std::pair numbers(parts[0].trimmed().toInt(&first), parts[1].trimmed().toInt(&second));
+    const auto isAllowed = [=](int number) { return number >= least && number <= most; };
+    if (!first || !second || !isAllowed(numbers.first) || !isAllowed(numbers.second)) {
+        return std::nullopt;
+    }
+    return numbers;
+}
+
+QSize ParsePixels(const QString& text) {
+    const auto sides = TwoNumbers(text, u'x', 1, core::LongestUploadSide);
+    if (!sides) {
+        throw UsageError(
+            u"--pixels erwartet BREITExHÖHE bis je %1, nicht „%2“."_s.arg(core::LongestUploadSide)
+                .arg(text));
+    }
+    return {sides->first, sides->second};
+}
+
+imaging::ByteRange ParseKilobytes(const QString& text) {
+    const auto range = TwoNumbers(text, u'-', 0, core::MostUploadKilobytes);
+    if (!range || range->first > range->second || range->second == 0) {
+        throw UsageError(
+            u"--kilobytes erwartet MIN-MAX bis %1, nicht „%2“."_s.arg(core::MostUploadKilobytes)
+                .arg(text));
+    }
+    return {range->first * core::BytesPerKilobyte, range->second * core::BytesPerKilobyte};
+}
+
 /// Throws UsageError for what the parser does not know.
 void Parse(QCommandLineParser& parser, const QStringList& arguments) {
     // The parser drops the first argument, which usually is the program.
@@ -73,6 +111,14 @@ void ReadCommon(const QCommandLineParser& parser, Request& request) {
     }
 }
 
+QString RequiredOutput(const QCommandLineParser& parser) {
+    const QString output = parser.value(u"out"_s);
+    if (output.isEmpty()) {
+        throw UsageError(u"Es ist kein Ziel angegeben (--out DATEI oder ORDNER)."_s);
+    }
+    return output;
+}
+
 }  // namespace
 
 QString LocalPath(const QString& argument) {
@@ -90,13 +136,31 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
     Parse(parser, arguments);
     SheetRequest request;
     ReadCommon(parser, request);
-    request.output = parser.value(u"out"_s);
+    request.output = RequiredOutput(parser);
     request.profile = parser.value(u"profile"_s);
-    if (request.output.isEmpty()) {
-        throw UsageError(u"Es ist kein Ziel angegeben (--out DATEI oder ORDNER)."_s);
-    }
     if (parser.isSet(u"layout"_s)) {
         request.layoutIndex = ParseLayout(parser.value(u"layout"_s));
+    }
+    return request;
+}
+
+PhotoRequest ParsePhotoRequest(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOptions({{u"template"_s, {}, u"NAME"_s},
+                       {u"out"_s, {}, u"ZIEL"_s},
+                       {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
+                       {u"auto"_s, {}},
+                       {u"pixels"_s, {}, u"BREITExHÖHE"_s},
+                       {u"kilobytes"_s, {}, u"MIN-MAX"_s}});
+    Parse(parser, arguments);
+    PhotoRequest request;
+    ReadCommon(parser, request);
+    request.output = RequiredOutput(parser);
+    if (parser.isSet(u"pixels"_s)) {
+        request.pixels = ParsePixels(parser.value(u"pixels"_s));
+    }
+    if (parser.isSet(u"kilobytes"_s)) {
+        request.bytes = ParseKilobytes(parser.value(u"kilobytes"_s));
     }
     return request;
 }
@@ -124,7 +188,8 @@ QString CommandLineHelp() {
   kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
-
+  kadrona photo FOTO... --template NAME --out DATEI|ORDNER [Optionen]
+      macht aus jedem Foto eine Bilddatei für einen Online-Antrag (JPEG).
   kadrona check FOTO... --template NAME [--at LINKS,OBEN,BREITE | --auto]
           [--json] [--strict]
       prüft jedes Foto an den Vorgaben der Schablone, ohne Fenster.
@@ -139,6 +204,12 @@ Optionen von „sheet“:
   --auto                  Lage der Schablone am Gesicht; Fotos ohne Gesicht
                           werden genannt, die anderen gemacht
   --profile NAME          Einstellungsprofil; sonst „Standard Profile“
+
+Optionen von „photo“:
+  --template, --out, --at, --auto  wie bei „sheet“
+  --pixels BREITExHÖHE    genaue Größe der Datei; sonst die der Schablone
+  --kilobytes MIN-MAX     Größe in Kilobyte zu 1000 Bytes; sonst die der
+                          Schablone
 
 Optionen von „check“:
   --template, --at, --auto  wie bei „sheet“

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <optional>
 
+#include "imaging/writing/SizedJpeg.h"
 #include "platform/Error.h"
 
 namespace kadrona::app {
@@ -38,6 +40,22 @@ struct SheetRequest {
     QString profile;
 };
 
+/// What "kadrona photo" is asked to do.
+struct PhotoRequest {
+    /// Files and folders, as given.
+    QStringList photos;
+    QString templateName;
+    /// A file, or a folder for several photos.
+    QString output;
+    /// Nothing: the place on the face where `automatic`, else the one saved for photos of that
+    /// size.
+    std::optional<TemplatePlace> place;
+    bool automatic = false;
+    /// Nothing: what the template says.
+    std::optional<QSize> pixels;
+    std::optional<imaging::ByteRange> bytes;
+};
+
 /// What "kadrona check" is asked to do.
 struct CheckRequest {
     /// Files and folders, as given.
@@ -54,6 +72,9 @@ struct CheckRequest {
 
 /// A photo as it was named: a path, or an address as file managers give it ("file:///...").
 QString LocalPath(const QString& argument);
+
+/// Reads the arguments that follow "photo". Throws UsageError.
+PhotoRequest ParsePhotoRequest(const QStringList& arguments);
 
 /// Reads the arguments that follow "check". Throws UsageError.
 CheckRequest ParseCheckRequest(const QStringList& arguments);

@@ -92,6 +92,7 @@ class RowReader {
         row.whiteBackgroundForbidden =
             OneOf<bool>(u"Hintergrund"_s, {{{}, false}, {u"nicht weiß"_s, true}});
         row.paper = cells_.value(u"Papier"_s);
+        row.upload = Upload();
         row.hint = cells_.value(u"Hinweis"_s);
         row.evidence = cells_.value(u"Beleg"_s);
         row.readOn = cells_.value(u"Gelesen am"_s);
@@ -182,6 +183,48 @@ class RowReader {
             return {};
         }
         return band;
+    }
+
+    /// A whole number from 1 to `most`.
+    std::optional<int> Count(const QString& column, int most) {
+        const QString cell = cells_.value(column);
+        if (cell.isEmpty()) {
+            return std::nullopt;
+        }
+        bool valid = false;
+        const int count = cell.toInt(&valid);
+        if (!valid || count < 1 || count > most) {
+            faults_.Add(
+                u"%1: „%2“ ist keine ganze Zahl von 1 bis %3."_s.arg(column, cell).arg(most));
+            return std::nullopt;
+        }
+        return count;
+    }
+
+    PixelRange CountRange(const QString& subject, int most) {
+        const PixelRange range{Count(subject + u" von"_s, most), Count(subject + u" bis"_s, most)};
+        if (range.least && range.most && *range.least > *range.most) {
+            faults_.Add(u"%1: %2 bis %3 ist verkehrt herum."_s.arg(subject)
+                            .arg(*range.least)
+                            .arg(*range.most));
+        }
+        return range;
+    }
+
+    UploadFigures Upload() {
+        UploadFigures upload;
+        upload.width = CountRange(u"Datei Breite"_s, LongestUploadSide);
+        upload.height = CountRange(u"Datei Höhe"_s, LongestUploadSide);
+        const PixelRange kilobytes = CountRange(u"Datei kB"_s, MostUploadKilobytes);
+        if (kilobytes.least) {
+            upload.bytes.least = *kilobytes.least * BytesPerKilobyte;
+        }
+        if (kilobytes.most) {
+            upload.bytes.most = *kilobytes.most * BytesPerKilobyte;
+        }
+        OneOf<bool>(u"Datei Format"_s, {{{}, true}, {u"JPEG"_s, true}});
+        upload.evidence = cells_.value(u"Datei Beleg"_s);
+        return upload;
     }
 
     void ReadAdvice(TemplateRow& row) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/sheet/SheetLayout.h"
+#include "core/sheet/UploadFigures.h"
 #include "platform/Error.h"
 
 namespace kadrona::core {
@@ -50,7 +51,8 @@ struct TemplateRow {
     Crown crown = Crown::Hair;
     AllowedEditing editing = AllowedEditing::Unregulated;
     bool whiteBackgroundForbidden = false;
-    QString paper;  ///< why pictures on paper are no longer taken; empty where they are
+    QString paper;         ///< why pictures on paper are no longer taken; empty where they are
+    UploadFigures upload;  ///< what portals take
     QString hint;
     QString evidence;  ///< of the figures: letters as the table's head explains them
     QString readOn;    ///< date, yyyy-mm-dd
@@ -78,7 +80,8 @@ class TemplateTableError : public platform::Error {
 
 /// Reads the template table: lines of cells separated by tabs, "#" starts a comment line, the first
 /// other line names the columns. Lengths are millimetres with at most one decimal after a point or
-/// a comma. `path` is named in faults. Throws TemplateTableError with every fault found.
+/// a comma. The columns of a file for portals ("Datei Breite von" ...) may be missing, as in tables
+/// of older versions. `path` is named in faults. Throws TemplateTableError with every fault found.
 std::vector<TemplateRow> ParseTemplateTable(const QString& text, const QString& path);
 
 }  // namespace kadrona::core

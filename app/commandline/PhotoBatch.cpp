@@ -1,0 +1,103 @@
+#include "app/commandline/PhotoBatch.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+#include "app/commandline/CommandSetup.h"
+#include "app/commandline/TerminalText.h"
+#include "core/base/FileNaming.h"
+#include "core/sheet/PhotoLoading.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+bool NamesFolder(const QString& output) {
+    return output.endsWith(QDir::separator()) || QFileInfo(output).isDir() ||
+           QFileInfo(output).suffix().isEmpty();
+}
+
+}  // namespace
+
+QStringList RequestedPhotos(const QStringList& photos) {
+    QStringList found = ExpandFolders(photos, core::OpenDialog::OfPhotos().filter);
+    if (found.isEmpty()) {
+        throw UsageError(u"In „%1“ ist kein Foto."_s.arg(photos.join(u"“, „"_s)));
+    }
+    return found;
+}
+
+QStringList OutputFiles(const QString& output, const QStringList& photos,
+                        const QStringList& extensions) {
+    if (!NamesFolder(output)) {
+        if (photos.size() > 1) {
+            throw UsageError(u"Mehrere Fotos brauchen einen Ordner als Ziel (--out ORDNER)."_s);
+        }
+        const QString extension = QFileInfo(output).suffix();
+        if (!extensions.contains(extension, Qt::CaseInsensitive)) {
+            throw UsageError(u"Das Format „.%1“ kann nicht geschrieben werden."_s.arg(extension));
+        }
+        return {output};
+    }
+    if (!QDir().mkpath(output)) {
+        throw UsageError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(output));
+    }
+    QSet<QString> taken;
+    QStringList outputs;
+    for (const QString& photo : photos) {
+        QString name = core::GetNameWithSuffix(photo, u"_kdr"_s);
+        for (int number = 2; taken.contains(name); ++number) {
+            name = core::GetNameWithSuffix(photo, u"_%1_kdr"_s.arg(number));
+        }
+        taken.insert(name);
+        outputs.append(QDir(output).filePath(name + u".jpg"_s));
+    }
+    return outputs;
+}
+
+void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
+                       const std::optional<TemplatePlace>& place, bool automatic,
+                       const QString& photo, imaging::LayeredImage& image, QTextStream& errors) {
+    core::OpenPhoto(photo, settings, image);
+    data.SetCurrentFile(photo);
+    core::BalancePhoto(settings, image);
+    core::TurnOpenedPhoto(settings, image);
+    data.DrawMask(image);
+    if (!automatic) {
+        PlaceTemplateAt(data, image, place);
+    } else if (PlaceTemplateOnFace(data, image).photoTooTight) {
+        errors << HarmlessName(photo) << u": "_s << TooTightWarning << Qt::endl;
+    }
+    if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
+        errors << HarmlessName(photo) << u": "_s << core::TooBrightWarning << Qt::endl;
+    }
+}
+
+int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
+             QTextStream& errors,
+             const std::function<QString(const QString& photo, const QString& output)>& make) {
+    int result = Done;
+    for (qsizetype i = 0; i < photos.size(); ++i) {
+        const QString& photo = photos.at(i);
+        const QString& output = outputs.at(i);
+        try {
+            if (QFileInfo(output).exists() && QFileInfo(output) == QFileInfo(photo)) {
+                throw platform::Error(
+                    u"Das Ziel ist das Foto selbst und würde es überschreiben."_s);
+            }
+            progress << u"[%1/%2] %3 → %4 (%5)"_s.arg(i + 1)
+                            .arg(photos.size())
+                            .arg(HarmlessName(photo), HarmlessName(output), make(photo, output))
+                     << Qt::endl;
+        } catch (const std::exception& error) {
+            errors << FailureLine(photo, error) << Qt::endl;
+            result = SomePhotoFailed;
+        }
+    }
+    return result;
+}
+
+}  // namespace kadrona::app

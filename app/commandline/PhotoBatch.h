@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+#include <functional>
+#include <optional>
+
+#include "app/commandline/SheetRequest.h"
+#include "core/Data.h"
+#include "imaging/document/LayeredImage.h"
+
+/// What the commands that make a file of each photo have in common.
+namespace kadrona::app {
+
+/// The photos named, those of folders too. Throws UsageError where there are none.
+QStringList RequestedPhotos(const QStringList& photos);
+
+/// One file per photo: `output` itself, or JPEG files in that folder, which is made. Photos of one
+/// name from several folders get a number behind it. Throws UsageError where several photos have no
+/// folder, or the file has none of the extensions.
+QStringList OutputFiles(const QString& output, const QStringList& photos,
+                        const QStringList& extensions);
+
+/// Opens a photo as the window does, without its questions, and puts the loaded template to the
+/// place on the face, the one asked for, or the one remembered. Warnings go to `errors`. Throws
+/// platform::Error.
+void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
+                       const std::optional<TemplatePlace>& place, bool automatic,
+                       const QString& photo, imaging::LayeredImage& image, QTextStream& errors);
+
+/// Makes a file of every photo; what `make` returns stands in its line of progress. One that fails
+/// is named in `errors`, the others are still done. Returns an ExitCode.
+int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
+             QTextStream& errors,
+             const std::function<QString(const QString& photo, const QString& output)>& make);
+
+}  // namespace kadrona::app
