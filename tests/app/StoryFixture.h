@@ -1,12 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
 #include <memory>
 
 #include "app/MainWindow.h"
@@ -14,9 +8,8 @@
 #include "dialogs/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/CoreFakes.h"
-#include "tests/support/Errors.h"
 #include "tests/support/FakePrinter.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 namespace kadrona::testing {
 
@@ -44,12 +37,14 @@ class Story : public ::testing::Test {
     void Open(const char* name, int templateRow = 0) {
         driver.Expect(QStringLiteral("SchabloneFm"), [templateRow](QWidget& shown) {
             Child<QListWidget>(shown, "lbSchablonen").setCurrentRow(templateRow);
-            Child<QPushButton>(shown, "btnOk").click();
+            ClickButton(shown, "btnOk");
         });
         window->OpenDroppedFiles({installation.Path(name)});
     }
+    /// Chooses a number of photos by its row.
+    void SetLayout(int layout) { Child<QComboBox>(*window, "Anzahl").setCurrentIndex(layout); }
 
-    QAction& Named(const QString& action) { return *window->Actions().findChild<QAction*>(action); }
+    QAction& Named(const QString& action) { return Child<QAction>(window->Actions(), action); }
     void Trigger(const QString& action) { Named(action).trigger(); }
     bool IsEnabled(const QString& action) { return Named(action).isEnabled(); }
     bool IsChecked(const QString& action) { return Named(action).isChecked(); }
@@ -83,15 +78,14 @@ class SavingStory : public Story {
         Open(photoName);
         Setting<QLineEdit>("ImageSaveDir").setText(installation.Path("saved"));
         set();
-        window->findChild<QComboBox*>(QStringLiteral("Anzahl"))
-            ->setCurrentIndex(core::SinglePhotoLayout);
+        SetLayout(core::SinglePhotoLayout);
         Trigger(QStringLiteral("acCrop"));
     }
 
     /// Types a name into the save dialog and accepts it.
     static void Type(QWidget& shown, const QString& name) {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the hourglass stays";
-        shown.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
+        Child<QLineEdit>(shown, "fileNameEdit").setText(name);
         dynamic_cast<QDialog&>(shown).accept();
     }
 

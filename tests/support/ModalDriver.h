@@ -5,11 +5,14 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTimer>
 #include <QWidget>
 #include <deque>
 #include <functional>
+
+#include "tests/support/Errors.h"
 
 namespace kadrona::testing {
 
@@ -42,6 +45,22 @@ class ModalDriver {
             ASSERT_NE(pressed, nullptr) << button.toStdString();
             pressed->click();
         });
+    }
+
+    /// Expects a window, puts a text into one of its lines and presses one of its buttons.
+    ModalDriver& Enter(const QString& window, const QString& line, const QString& text,
+                       const QString& button = QStringLiteral("OkButton")) {
+        return Expect(window, [line, text, button](QWidget& shown) {
+            Child<QLineEdit>(shown, line).setText(text);
+            Child<QAbstractButton>(shown, button).click();
+        });
+    }
+
+    ModalDriver& Accept(const QString& window) {
+        return Expect(window, [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
+    }
+    ModalDriver& Close(const QString& window) {
+        return Expect(window, [](QWidget& shown) { shown.close(); });
     }
 
     /// Expects a message that contains all of the parts and presses one of its buttons.
