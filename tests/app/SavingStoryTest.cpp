@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace kadrona::testing {
 
 TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
-    MakeSinglePhoto([this] { Setting<QAbstractButton>("ScaleImageCk").setChecked(true); });
+    MakeSinglePhoto([this] { Tick("ScaleImageCk"); });
     const QSize made = Image().Photo().Size();
     ASSERT_NE(made, QSize(413, 531));
     for (int i = 0; i < 2; ++i) {
@@ -21,23 +21,22 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
             installation.Path("saved/Bildname.jpg"))});
         Trigger(u"acSaveImageFast"_s);
     }
-    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
     EXPECT_EQ(QImageReader(installation.Path("saved/Bildname.jpg")).size(), QSize(413, 531));
     EXPECT_EQ(Image().Photo().Size(), made);
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
 }
 
 TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
-    const auto scaled = [this] { Setting<QAbstractButton>("ScaleImageCk").setChecked(true); };
     const auto save = [this](const QString& question, const QString& answer) {
         driver.Answer(question, answer);
         Trigger(u"acSaveImageFast"_s);
     };
-    MakeSinglePhoto(scaled);
+    MakeSinglePhoto([this] { Tick("ScaleImageCk"); });
     save(u"gespeichert"_s, u"OkButton"_s);
     SavePhoto("other.png", QSize(1200, 1600), 50);
     photoName = "other.png";
-    MakeSinglePhoto(scaled);
+    MakeSinglePhoto([this] { Tick("ScaleImageCk"); });
     save(u"steht das Passbild aus „photo.png“"_s, u"NoButton"_s);
     EXPECT_GT(qRed(QImage(installation.Path("saved/Bildname.jpg")).pixel(0, 0)), 100);
 
@@ -52,26 +51,25 @@ TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
     EXPECT_TRUE(QFile::exists(installation.Path("program/Bildname.jpg")));
 
     Open("photo.png");
-    scaled();
-    Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
-    window->findChild<QComboBox*>(u"Anzahl"_s)->setCurrentIndex(0);
+    Tick("ScaleImageCk");
+    Tick("ImageAutoSave2");
+    SetLayout(0);
     Trigger(u"acCrop"_s);  // saves nothing by itself: there are several photos
-    window->findChild<QComboBox*>(u"Anzahl"_s)->setCurrentIndex(core::SinglePhotoLayout);
+    SetLayout(core::SinglePhotoLayout);
     save(u"Das Blatt hat 8 Bilder"_s, u"NoButton"_s);
-    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
 }
 
 TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {
     MakeSinglePhoto([this] {
         printer.failure = u"Der Drucker „Laser“ nimmt keine Aufträge an."_s;
-        driver.Expect(u"BeforPrintDlgFm"_s,
-                      [](QWidget& shown) { dynamic_cast<QDialog&>(shown).accept(); });
+        driver.Accept(u"BeforPrintDlgFm"_s);
         driver.Answer(printer.failure);
         driver.Answer(u"gespeichert"_s);
-        Setting<QAbstractButton>("PrintAfterCrop").setChecked(true);
-        Setting<QAbstractButton>("ImageAutoSave2").setChecked(true);
+        Tick("PrintAfterCrop");
+        Tick("ImageAutoSave2");
     });
-    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
     EXPECT_FALSE(Named(u"acSaveImageFast"_s).isVisible());
 }
 
@@ -80,20 +78,20 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
     driver.Expect(u"SaveDialog"_s, [this](QWidget& shown) {
         auto& dialog = dynamic_cast<QFileDialog&>(shown);
         EXPECT_EQ(dialog.windowTitle(), u"Passbild speichern"_s);
-        EXPECT_EQ(dialog.nameFilters(),
-                  QStringList({u"JPEG-Grafikdatei (*.jpg)"_s, u"JPEG-Grafikdatei (*.jpeg)"_s,
-                               u"Bitmaps (*.bmp)"_s, u"PDF (*.pdf)"_s, u"TIFF (*.tif)"_s}));
+        EXPECT_EQ(dialog.nameFilters().join(u'|'),
+                  u"JPEG-Grafikdatei (*.jpg)|JPEG-Grafikdatei (*.jpeg)|Bitmaps (*.bmp)|"
+                  "PDF (*.pdf)|TIFF (*.tif)"_s);
         EXPECT_EQ(dialog.directory().absolutePath(), installation.Path("saved"));
-        EXPECT_EQ(shown.findChild<QLineEdit*>(u"fileNameEdit"_s)->text(), u"photo_kdr"_s);
+        EXPECT_EQ(Child<QLineEdit>(shown, "fileNameEdit").text(), u"photo_kdr"_s);
         dynamic_cast<QDialog&>(shown).accept();
     });
     Trigger(u"acSave"_s);
-    EXPECT_EQ(SavedFiles(), QStringList(u"photo_kdr.jpg"_s));
+    EXPECT_EQ(SavedFiles(), u"photo_kdr.jpg"_s);
 
     driver.Expect(u"SaveDialog"_s, [](QWidget& shown) {
-        auto* types = shown.findChild<QComboBox*>(u"fileTypeCombo"_s);
-        types->setCurrentIndex(4);
-        Q_EMIT types->textActivated(types->currentText());
+        auto& types = Child<QComboBox>(shown, "fileTypeCombo");
+        types.setCurrentIndex(4);
+        Q_EMIT types.textActivated(types.currentText());
         Type(shown, u"bild"_s);
     });
     Trigger(u"acSave"_s);
@@ -102,7 +100,7 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
         shown.close();
     });
     Trigger(u"acSave"_s);
-    EXPECT_EQ(SavedFiles(), QStringList({u"bild.tif"_s, u"photo_kdr.jpg"_s}));
+    EXPECT_EQ(SavedFiles(), u"bild.tif|photo_kdr.jpg"_s);
 }
 
 TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
@@ -129,7 +127,7 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
     photoName = "photo.jpg";
     for (const int type : {0, 1}) {  // JPG, JP2
         MakeSinglePhoto([this, type] {
-            Setting<QAbstractButton>("ScaleImageCk").setChecked(true);
+            Tick("ScaleImageCk");
             Setting<QComboBox>("FileTypCombo").setCurrentIndex(type);
         });
         driver.Answer(u"gespeichert"_s);
@@ -150,9 +148,6 @@ TEST_F(SavingStory, OnlyTheFileThatIsWrittenIsAskedAbout) {
     installation.Write("saved/max.2024_kdr.jpg", "old");
     installation.Write("saved/x.gif", "other");
     MakeSinglePhoto();
-    const auto name = [](const QString& typed) {
-        return [typed](QWidget& shown) { Type(shown, typed); };
-    };
     const auto save = [this](const QString& typed, const QString& answer) {
         driver.Expect(u"SaveDialog"_s, [=, this](QWidget& shown) {
             driver.Press(u"MessageBox"_s, answer);
@@ -164,28 +159,28 @@ TEST_F(SavingStory, OnlyTheFileThatIsWrittenIsAskedAbout) {
         });
         Trigger(u"acSave"_s);
     };
+    const auto size = [this](const char* file) {
+        return QFileInfo(installation.Path("saved/") + QLatin1StringView(file)).size();
+    };
     save(u"max.2024_kdr"_s, u"NoButton"_s);
-    EXPECT_EQ(QFileInfo(installation.Path("saved/max.2024_kdr.jpg")).size(), 3);
+    EXPECT_EQ(size("max.2024_kdr.jpg"), 3);
     save(u"max.2024_kdr.jpg"_s, u"YesButton"_s);
-    EXPECT_GT(QFileInfo(installation.Path("saved/max.2024_kdr.jpg")).size(), 3);
+    EXPECT_GT(size("max.2024_kdr.jpg"), 3);
 
-    driver.Expect(u"SaveDialog"_s, name(u"x.gif"_s));
+    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { Type(shown, u"x.gif"_s); });
     Trigger(u"acSave"_s);
-    EXPECT_EQ(QFileInfo(installation.Path("saved/x.gif")).size(), 5);
-    EXPECT_EQ(SavedFiles(), QStringList({u"max.2024_kdr.jpg"_s, u"x.gif"_s, u"x.gif.jpg"_s}));
+    EXPECT_EQ(size("x.gif"), 5);
+    EXPECT_EQ(SavedFiles(), u"max.2024_kdr.jpg|x.gif|x.gif.jpg"_s);
 }
 
 TEST_F(SavingStory, ABadTargetIsToldOfByBothWaysOfSavingAndStaysAsItWas) {
     installation.Write("saved/Bildname.jpg", "old");
     QFile::setPermissions(installation.Path("saved/Bildname.jpg"), QFile::ReadOwner);
-    const struct {
-        const char16_t* name;
-        const char16_t* reason;
-    } rows[] = {{u"Bildname", u"Die Datei ist schreibgeschützt"},
-                {u"fehlt/Bildname", u"Die Datei oder der Ordner ist nicht vorhanden"}};
-    for (const auto& row : rows) {
-        const QString name = QString::fromUtf16(row.name);
-        const QStringList said{installation.Path("saved/") + name, QString::fromUtf16(row.reason)};
+    for (const auto& [file, reason] :
+         {std::pair(u"Bildname"_s, u"Die Datei ist schreibgeschützt"_s),
+          std::pair(u"fehlt/Bildname"_s, u"Die Datei oder der Ordner ist nicht vorhanden"_s)}) {
+        const QString name = file;
+        const QStringList said{installation.Path("saved/") + name, reason};
         MakeSinglePhoto([&] { Setting<QLineEdit>("FileNameEd").setText(name); });
         driver.Answer(said);
         Trigger(u"acSaveImageFast"_s);
@@ -197,16 +192,17 @@ TEST_F(SavingStory, ABadTargetIsToldOfByBothWaysOfSavingAndStaysAsItWas) {
         driver.Answer(said);
         Trigger(u"acSave"_s);
     }
-    EXPECT_EQ(SavedFiles(), QStringList(u"Bildname.jpg"_s));
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
     EXPECT_EQ(QFileInfo(installation.Path("saved/Bildname.jpg")).size(), 3);
-}
 
-/// The settings let a profile choose no type at all.
-TEST_F(SavingStory, ANameWithoutAnExtensionIsRefused) {
-    MakeSinglePhoto([this] { Setting<QComboBox>("FileTypCombo").setCurrentIndex(-1); });
+    // The settings let a profile choose no type at all.
+    MakeSinglePhoto([this] {
+        Setting<QLineEdit>("FileNameEd").setText(u"Bildname"_s);
+        Setting<QComboBox>("FileTypCombo").setCurrentIndex(-1);
+    });
     driver.Answer({installation.Path("saved/Bildname"), u"Der Name hat keine Endung"_s});
     Trigger(u"acSaveImageFast"_s);
-    EXPECT_EQ(SavedFiles(), QStringList());
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
 }
 
 }  // namespace kadrona::testing

@@ -89,8 +89,13 @@ class SavingStory : public Story {
         dynamic_cast<QDialog&>(shown).accept();
     }
 
-    QStringList SavedFiles() const {
-        return QDir(installation.Path("saved")).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    void Tick(const char* setting) { Setting<QAbstractButton>(setting).setChecked(true); }
+
+    /// Names, joined by bars.
+    QString SavedFiles() const {
+        return QDir(installation.Path("saved"))
+            .entryList(QDir::Files | QDir::Hidden, QDir::Name)
+            .join(u'|');
     }
 
     const char* photoName = "photo.png";

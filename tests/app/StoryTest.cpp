@@ -266,7 +266,7 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     const QRect before = Template();
     AwaitProposal();
     EXPECT_EQ(Template(), before);
-    Child<QPushButton>(*window, "RefuseProposal").click();
+    ClickButton(*window, "RefuseProposal");
     EXPECT_FALSE(Proposal().isVisible());
     EXPECT_EQ(Template(), before);
 

@@ -51,7 +51,7 @@ class ToolsStory : public Story {
                 const std::function<void(QWidget&)>& change) {
         driver.Expect(dialog, [=](QWidget& shown) {
             change(shown);
-            Child<QPushButton>(shown, button).click();
+            ClickButton(shown, button);
         });
         Trigger(action);
     }

@@ -1,19 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTest>
-
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 namespace {
 
-class ApplicationMenuTest : public testing::Test {
+class ApplicationMenuTest : public ::testing::Test {
  protected:
     ApplicationMenuTest() {
         for (QAction* action : {&open_, &profile_, &quit_, &settings_}) {

@@ -1,26 +1,16 @@
-#include <gtest/gtest.h>
-
-#include <QAbstractItemView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTest>
-#include <functional>
-#include <stdexcept>
-
 #include "controls/fields/ClearableComboBox.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "platform/Error.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 namespace {
 
+using testing::Child;
+using testing::ClickButton;
 using testing::ModalDriver;
 
 const QString Box = u"MessageBox"_s;
@@ -56,7 +46,7 @@ TEST(AskForLine, GivesTheLineOrNothing) {
     for (const auto& [button, line] : {std::pair(u"OkButton"_s, std::optional(u"Büro "_s)),
                                        std::pair(u"CancelButton"_s, std::optional<QString>())}) {
         driver.Expect(u"LineDialog"_s, [button = button](QWidget& dialog) {
-            dialog.findChild<QLineEdit*>(u"LineEdit"_s)->setText(u"Büro "_s);
+            Child<QLineEdit>(dialog, "LineEdit").setText(u"Büro "_s);
             dialog.findChild<QPushButton*>(button)->click();
         });
         EXPECT_EQ(AskForLine(nullptr, u"New Profile"_s, u"Name"_s), line);
@@ -70,7 +60,7 @@ QString Shown(const std::function<void()>& function) {
     driver.Expect(Box, [&text](QWidget& box) {
         EXPECT_EQ(static_cast<QMessageBox&>(box).textFormat(), Qt::PlainText);
         text = static_cast<QMessageBox&>(box).text();
-        box.findChild<QPushButton*>(u"OkButton"_s)->click();
+        ClickButton(box, "OkButton");
     });
     EXPECT_FALSE(Guarded(nullptr, function));
     return text;

@@ -1,25 +1,22 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <QBuffer>
 #include <QHelpEvent>
 #include <QImage>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QTest>
 #include <QToolTip>
 #include <numeric>
 #include <set>
 
 #include "controls/cards/CardGrid.h"
 #include "platform/Error.h"
-#include "tests/support/Input.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace kadrona::controls {
 namespace {
+
+using testing::SendWheel;
 
 using ::testing::SizeIs;
 
@@ -148,7 +145,7 @@ TEST_F(CardGridTest, ANotchOfTheWheelIsHalfARow) {
     const int row = grid.CardRectangle(3).top() - grid.CardRectangle(0).top();
     for (const int notches : {-1, -3, 1}) {
         const int before = grid.verticalScrollBar()->value();
-        testing::SendWheel(*grid.viewport(), {9, 9}, 120 * notches);
+        SendWheel(*grid.viewport(), {9, 9}, 120 * notches);
         EXPECT_NEAR(grid.verticalScrollBar()->value() - before, -notches * row / 2.0, 9) << notches;
     }
 }

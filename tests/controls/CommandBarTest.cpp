@@ -1,15 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QComboBox>
 #include <QMenu>
-#include <QSignalSpy>
-#include <QTest>
 #include <algorithm>
 
 #include "controls/commands/BarArrangement.h"
 #include "controls/commands/CommandBar.h"
 #include "controls/commands/Separator.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -51,7 +46,7 @@ TEST(ArrangeBar, GivesUpCommandsFromTheEndAndNeedlessSeparators) {
     }
 }
 
-class CommandBarTest : public testing::Test {
+class CommandBarTest : public ::testing::Test {
  protected:
     CommandBarTest() {
         crop_.setObjectName(u"acCrop"_s);

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QDropEvent>
 #include <QFile>
 #include <QMimeData>
 #include <QTemporaryDir>
@@ -9,11 +5,14 @@
 
 #include "controls/fields/FileDropTarget.h"
 #include "controls/fields/PathEdit.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 namespace {
+
+using testing::Child;
 
 struct Answer {
     bool accepted;
@@ -42,7 +41,7 @@ Answer Offer(QWidget& widget, const QMimeData& data, Qt::DropActions possible,
     return Send(widget, event);
 }
 
-class DropTest : public testing::Test {
+class DropTest : public ::testing::Test {
  protected:
     DropTest() {
         widget_.resize(100, 80);
@@ -53,7 +52,7 @@ class DropTest : public testing::Test {
                          [this](const QStringList& paths) { dropped_ += paths; });
     }
 
-    bool Framed() { return widget_.findChild<QWidget*>(u"DropFrame"_s)->isVisible(); }
+    bool Framed() { return Child<QWidget>(widget_, "DropFrame").isVisible(); }
 
     QWidget widget_;
     FileDropTarget& target_ = *new FileDropTarget(&widget_);

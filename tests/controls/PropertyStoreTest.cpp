@@ -1,16 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
 #include <QFile>
-#include <QLineEdit>
 #include <QRadioButton>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include "controls/fields/PropertyStore.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyFile.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -65,7 +60,7 @@ struct Page {
     }
 };
 
-class PropertyStoreTest : public testing::Test {
+class PropertyStoreTest : public ::testing::Test {
  protected:
     QTemporaryDir folder_;
     QString path_ = folder_.filePath(u"pro1A.tmp"_s);

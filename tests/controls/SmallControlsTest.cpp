@@ -1,14 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QApplication>
 #include <QImage>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QSignalSpy>
 #include <QStyledItemDelegate>
-#include <QTest>
 #include <QToolButton>
 #include <algorithm>
 #include <cmath>
@@ -21,7 +12,7 @@
 #include "controls/theme/Icons.h"
 #include "controls/theme/Theme.h"
 #include "platform/HarmlessText.h"
-#include "tests/support/Errors.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -34,7 +25,7 @@ using testing::Child;
 TEST(FindPanel, SearchesAfterAPauseAtOnceByReturnAndWhenCleared) {
     QWidget window;
     FindPanel panel(&window);
-    auto& edit = Child<QLineEdit>(panel, u"FindEdit"_s);
+    auto& edit = Child<QLineEdit>(panel, "FindEdit");
     QStringList searches;
     QObject::connect(&panel, &FindPanel::Searched, [&](const QString& text) { searches += text; });
     const QSignalSpy left(&panel, &FindPanel::Left);

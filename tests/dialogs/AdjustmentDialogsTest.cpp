@@ -1,22 +1,15 @@
 // The dialogs that turn the photo and change its colours.
 
-#include <gtest/gtest.h>
-
 #include <QDoubleSpinBox>
-#include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabWidget>
-#include <QTest>
 
 #include "dialogs/ColourAdjustment.h"
 #include "dialogs/RotateDialog.h"
 #include "dialogs/RotationPreview.h"
 #include "imaging/view/ImageView.h"
-#include "tests/support/Errors.h"
-#include "tests/support/Input.h"
-#include "tests/support/ModalDriver.h"
-#include "tests/support/PixelMatchers.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +25,7 @@ class RotateDialog : public ::testing::Test {
                                const QString& button) {
         driver.Expect(u"fmRotateDlg"_s, [answer, button](QWidget& shown) {
             answer(Child<RotationPreview>(shown));
-            Child<QPushButton>(shown, button).click();
+            ClickButton(shown, button);
         });
         QImage photo(200, 300, QImage::Format_RGB32);
         photo.fill(Qt::black);
@@ -132,8 +125,8 @@ class ColourDialog : public ::testing::Test {
 TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
     ASSERT_EQ(Child<QTabWidget>(dialog).count(), 4);
     driver.Expect(u"ColourAdjustment"_s, [this](QWidget& shown) {
-        auto& before = Child<ImageView>(shown, u"Before"_s);
-        auto& after = Child<ImageView>(shown, u"After"_s);
+        auto& before = Child<ImageView>(shown, "Before");
+        auto& after = Child<ImageView>(shown, "After");
         EXPECT_EQ(dialog.Filter(), nullptr);
         for (const char* slider : {"Contrast", "Brightness", "Hue", "Saturation", "Lightness",
                                    "Red", "Green", "Blue", "Equalisation"}) {
@@ -143,11 +136,11 @@ TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
             EXPECT_EQ(Seen(before), qRgb(90, 120, 150)) << slider;
             EXPECT_EQ(Seen(after), imaging::Filtered(photo, *filter).Tile().pixel(0, 0)) << slider;
         }
-        Child<QPushButton>(shown, u"btnResetAll"_s).click();
+        ClickButton(shown, "btnResetAll");
         EXPECT_EQ(dialog.Filter(), nullptr);
-        Child<QSlider>(shown, u"RedSlider"_s).setValue(30);
+        Child<QSlider>(shown, "RedSlider").setValue(30);
         EXPECT_NE(Seen(after), Seen(before));
-        Child<QPushButton>(shown, u"btnOk"_s).click();
+        ClickButton(shown, "btnOk");
     });
     EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Ok);
     EXPECT_GT(qRed(imaging::Filtered(photo, *dialog.Filter()).Tile().pixel(0, 0)), 90);
@@ -159,15 +152,15 @@ TEST_F(ColourDialog, BothSidesZoomTogetherAndTheSizeIsKept) {
     EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(screen - QSize(12, 44)));
     EXPECT_LE(dialog.minimumSizeHint().height(), 700);
     driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {
-        auto& before = Child<ImageView>(shown, u"Before"_s);
-        auto& after = Child<ImageView>(shown, u"After"_s);
+        auto& before = Child<ImageView>(shown, "Before");
+        auto& after = Child<ImageView>(shown, "After");
         EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
         SendWheel(before, {30, 40}, 360);
         SendWheel(before, {30, 40}, 360);
         EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
         EXPECT_EQ(before.ToImage({0, 0}), after.ToImage({0, 0}));
         shown.resize(700, 650);
-        Child<QPushButton>(shown, u"btnCancel"_s).click();
+        ClickButton(shown, "btnCancel");
     });
     EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Cancel);
     driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {

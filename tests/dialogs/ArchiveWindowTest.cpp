@@ -1,12 +1,4 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QAction>
 #include <QElapsedTimer>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTest>
 
 #include "controls/cards/CardGrid.h"
 #include "controls/fields/FindPanel.h"
@@ -15,8 +7,7 @@
 #include "dialogs/ImageTags.h"
 #include "store/Database.h"
 #include "tests/support/CoreFakes.h"
-#include "tests/support/Errors.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -54,11 +45,11 @@ class ArchiveWindow : public ::testing::Test {
 
     /// Types as a user would and waits for the hits.
     void Find(const QString& text) {
-        window.findChild<QLineEdit*>(u"FindEdit"_s)->setText(text);
+        Child<QLineEdit>(window, "FindEdit").setText(text);
         QTest::keyClick(window.findChild<QLineEdit*>(u"FindEdit"_s), Qt::Key_Return);
     }
 
-    QString Hits() { return window.findChild<QLabel*>(u"FindHits"_s)->text(); }
+    QString Hits() { return Child<QLabel>(window, "FindHits").text(); }
     controls::CardGrid& Grid() { return *window.findChild<controls::CardGrid*>(u"CardGrid"_s); }
     QAction& Action(const char* name) {
         return *window.findChild<QAction*>(QLatin1StringView(name));
@@ -96,7 +87,7 @@ TEST_F(ArchiveWindow, ListsTheNewestFirstAndFindsWhatTheCardsShow) {
         EXPECT_EQ(Grid().EmptyHeading(), u"Nichts gefunden."_s);
         EXPECT_FALSE(Action("acPrintImg").isEnabled());
         QTest::keyClick(&shown, Qt::Key_F, Qt::ControlModifier);
-        EXPECT_TRUE(shown.findChild<QLineEdit*>(u"FindEdit"_s)->hasFocus());
+        EXPECT_TRUE(Child<QLineEdit>(shown, "FindEdit").hasFocus());
         Action("acClearSearch").trigger();
         EXPECT_EQ(Grid().Cards().size(), 3U);
         Find(u"o'neill"_s);
@@ -119,14 +110,14 @@ TEST_F(ArchiveWindow, TagsGoToTheRecordThatTheyWereEnteredForEvenWithoutItsPhoto
     AddRecord(u"Bea\r\n"_s);
     for (const QString& folder : {u"/no/such/archive"_s, QString()}) {
         driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
-            Child<QLineEdit>(shown, u"FindEdit"_s).setText(u"Anna"_s);
+            Child<QLineEdit>(shown, "FindEdit").setText(u"Anna"_s);
             Action("acEditTags").trigger();
             EXPECT_EQ(data.CurrentRecord(), 1) << "as the card that is shown as current";
             shown.close();
         });
         driver.Expect(u"fmImageTagEdit"_s, [this](QWidget& shown) {
             EXPECT_TRUE(QTest::qWaitFor([this] { return Grid().Cards().size() == 1; }));
-            auto& memo = Child<QPlainTextEdit>(shown, u"TagMemo"_s);
+            auto& memo = Child<QPlainTextEdit>(shown, "TagMemo");
             memo.setPlainText(memo.toPlainText() + u"neu %1's"_s);
             dynamic_cast<QDialog&>(shown).accept();
         });
@@ -148,7 +139,7 @@ TEST_F(ArchiveWindow, TagsThatAnotherProgramChangedAreReplacedOnlyWhenTheUserSay
         });
         driver.Expect(u"fmImageTagEdit"_s, [this](QWidget& shown) {
             data.Archive()->SetTags(1, u"fremd\r\n"_s);
-            Child<QPlainTextEdit>(shown, u"TagMemo"_s).setPlainText(u"mein"_s);
+            Child<QPlainTextEdit>(shown, "TagMemo").setPlainText(u"mein"_s);
             dynamic_cast<QDialog&>(shown).accept();
         });
         driver.Answer(u"fremd"_s, button);

@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <QTest>
-
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/tone/CurveFile.h"
-#include "tests/support/Input.h"
+#include "tests/support/Windows.h"
 
 namespace kadrona::imaging {
 

@@ -1,22 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-
 #include "core/settings/StoredSettings.h"
 #include "dialogs/BeforePrint.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
 #include "printing/Calibration.h"
 #include "tests/support/CoreFakes.h"
-#include "tests/support/Errors.h"
 #include "tests/support/FakePrinter.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -61,15 +50,15 @@ class PrintDialogs : public ::testing::Test {
     void ExpectName(const std::optional<QString>& answer) {
         driver.Expect(u"LineDialog"_s, [answer](QWidget& shown) {
             EXPECT_EQ(shown.windowTitle(), u"New Profile"_s);
-            shown.findChild<QLineEdit*>(u"LineEdit"_s)->setText(answer.value_or(u"x"_s));
+            Child<QLineEdit>(shown, "LineEdit").setText(answer.value_or(u"x"_s));
             Click(shown, answer ? u"OkButton"_s : u"CancelButton"_s);
         });
     }
 
     /// Default profile and immediate printing, stored.
     void PrintAtOnce(int profile) {
-        settings.findChild<QComboBox*>(u"PrintProfileBox"_s)->setCurrentIndex(profile);
-        settings.findChild<QCheckBox*>(u"PrintAfterCrop"_s)->setChecked(true);
+        Child<QComboBox>(settings, "PrintProfileBox").setCurrentIndex(profile);
+        Child<QCheckBox>(settings, "PrintAfterCrop").setChecked(true);
         settings.AktivateProfileByName(u"Standard Profile"_s, true);
     }
 
@@ -93,7 +82,7 @@ TEST_F(PrintDialogs, ANewProfileKeepsWhatTheSetupDialogConfirmed) {
         EXPECT_EQ(Texts(shown).last(), u"Foto"_s);
     });
     EXPECT_EQ(data.GetPrinterProfileList().last(), u"Foto"_s);
-    EXPECT_EQ(settings.findChild<QComboBox*>(u"PrintProfileBox"_s)->count(), 3);
+    EXPECT_EQ(Child<QComboBox>(settings, "PrintProfileBox").count(), 3);
     printer.current = {};
     data.LoadPrintProfile(u"Foto"_s);
     EXPECT_EQ(printer.current, *printer.setupChoice);
@@ -130,8 +119,8 @@ TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameUnderAKnownNameOrByAFailure)
 TEST_F(PrintDialogs, DeletingAnyProfileResetsThePrintDefaults) {
     PrintAtOnce(0);
     InProfiles([this](QWidget& shown) {
-        EXPECT_FALSE(shown.findChild<QPushButton*>(u"btnDelProfile"_s)->isEnabled());
-        shown.findChild<QListWidget*>(u"lbProfiles"_s)->setCurrentRow(1);
+        EXPECT_FALSE(Child<QPushButton>(shown, "btnDelProfile").isEnabled());
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
         driver.Answer(u"Druck Profil löschen?"_s, u"NoButton"_s);
         Click(shown, u"btnDelProfile"_s);
         EXPECT_EQ(Texts(shown).size(), 2);
@@ -154,7 +143,7 @@ TEST_F(PrintDialogs, DeletingAnyProfileResetsThePrintDefaults) {
 
 TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
     InProfiles([this](QWidget& shown) {
-        shown.findChild<QListWidget*>(u"lbProfiles"_s)->setCurrentRow(1);
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
         driver.Expect(u"CalibrationDialog"_s, [this](QWidget& dialog) {
             const auto apply = [&](const QStringList& readings) {
                 int field = 0;
@@ -197,7 +186,7 @@ TEST_F(PrintDialogs, PrintingWithAProfileNeedsASelection) {
     });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::No);
     driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
-        EXPECT_TRUE(shown.findChild<QPushButton*>(u"btnProfile"_s)->isDefault());
+        EXPECT_TRUE(Child<QPushButton>(shown, "btnProfile").isDefault());
         shown.close();
     });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);

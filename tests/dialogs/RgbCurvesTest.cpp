@@ -1,19 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <QComboBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include "dialogs/curves/CurveEditor.h"
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/tone/CurveFile.h"
 #include "imaging/view/ImageView.h"
-#include "tests/support/Errors.h"
-#include "tests/support/ModalDriver.h"
-#include "tests/support/PixelMatchers.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -36,7 +27,7 @@ class RgbCurves : public ::testing::Test {
     }
 
     CurveEditor& Editor() { return Child<CurveEditor>(*dialog); }
-    QListWidget& List() { return Child<QListWidget>(*dialog, u"cbPreset2"_s); }
+    QListWidget& List() { return Child<QListWidget>(*dialog, "cbPreset2"); }
     void Click(const char* button) {
         Child<QPushButton>(*dialog, QLatin1StringView(button)).click();
     }
@@ -60,7 +51,7 @@ class RgbCurves : public ::testing::Test {
                 driver.Press(u"MessageBox"_s, u"OkButton"_s);
             }
             Child<QLineEdit>(line).setText(name);
-            Child<QPushButton>(line, u"OkButton"_s).click();
+            ClickButton(line, "OkButton");
         });
         Click("btnAdd");
     }
@@ -240,7 +231,7 @@ TEST_F(RgbCurves, TheChannelBoxChoosesTheCurveThatIsResetAndEscapeCancels) {
         }
         Editor().SetCurves(all);
         for (const int channel : {1, 2, 3, 0}) {
-            Child<QComboBox>(*dialog, u"cbChannel"_s).setCurrentIndex(channel);
+            Child<QComboBox>(*dialog, "cbChannel").setCurrentIndex(channel);
             Click("btnReset");
             all.curves.at(static_cast<size_t>(channel)) = imaging::Curve();
             EXPECT_EQ(Editor().Curves(), all) << channel;

@@ -1,22 +1,10 @@
-#include <gtest/gtest.h>
+#include <QMetaProperty>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTabWidget>
-#include <QTest>
-
-#include "core/settings/ProfileRecord.h"
 #include "core/settings/StoredSettings.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"
-#include "tests/support/Errors.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -42,12 +30,10 @@ class SettingsDialog : public ::testing::Test {
         return &Child<Control>(*dialog, name);
     }
 
-    QStringList Profiles() {
-        QStringList names;
-        for (int row = 0; row < The<QListWidget>(u"ProfileListBox"_s)->count(); ++row) {
-            names.append(The<QListWidget>(u"ProfileListBox"_s)->item(row)->text());
-        }
-        return names;
+    QString Profiles() { return Items(*The<QListWidget>(u"ProfileListBox"_s)); }
+    void SetFrame(const QString& text) { The<QLineEdit>(u"FrameSize"_s)->setText(text); }
+    QStringList ProfileFiles(const char* pattern = "*.tmp") const {
+        return QDir(data->DataFolder()).entryList({QLatin1StringView(pattern)}, QDir::Files);
     }
 
     /// What a user does in the shown dialog; then the dialog is closed with Escape.
@@ -64,17 +50,11 @@ class SettingsDialog : public ::testing::Test {
     void AddProfile(const QString& name) {
         InDialog([&] {
             ExpectLine(name);
-            The<QPushButton>(u"btnNew"_s)->click();
+            ClickButton(*dialog, "btnNew");
         });
     }
 
-    void ExpectLine(const QString& answer) {
-        driver.Expect(u"LineDialog"_s, [answer](QWidget& shown) {
-            EXPECT_EQ(shown.windowTitle(), u"New Profile"_s);
-            shown.findChild<QLineEdit*>(u"LineEdit"_s)->setText(answer);
-            shown.findChild<QPushButton*>(u"OkButton"_s)->click();
-        });
-    }
+    void ExpectLine(const QString& answer) { driver.Enter(u"LineDialog"_s, u"LineEdit"_s, answer); }
 
     Installation installation;
     FakeInterface ui;
@@ -85,7 +65,7 @@ class SettingsDialog : public ::testing::Test {
 };
 
 TEST_F(SettingsDialog, AFirstStartMakesTheStandardProfileWithTheDesignValues) {
-    EXPECT_EQ(Profiles(), QStringList(u"Standard Profile"_s));
+    EXPECT_EQ(Profiles(), u"Standard Profile"_s);
     EXPECT_EQ(data->GetProfileList(), QStringList(u"Standard Profile"_s));
     EXPECT_EQ(dialog->FrameSize(), u"25"_s);
     EXPECT_EQ(dialog->FileNameEd(), u"Bildname"_s);
@@ -96,52 +76,49 @@ TEST_F(SettingsDialog, AFirstStartMakesTheStandardProfileWithTheDesignValues) {
 }
 
 TEST_F(SettingsDialog, EveryStoredControlSurvivesARestart) {
-    const QStringList boxes{u"AutoWhiteBalance"_s,    u"ImageAutoSave"_s,       u"ImageAutoSave2"_s,
-                            u"PrintAfterCrop"_s,      u"RotateBeforeTileImg"_s, u"ScaleImageCk"_s,
-                            u"ShowBlackWhite"_s,      u"ShowGradation"_s,       u"ShowRotate"_s,
-                            u"WhiteBalancePipette"_s, u"ImgRotateLeft"_s};
-    const QStringList choices{u"FileTypCombo"_s, u"FileVarCombo"_s, u"ImageCount"_s,
-                              u"SchabloneBox"_s, u"PrintProfileBox"_s};
-    const QStringList fields{u"FileNameEd"_s, u"ImageSaveDir"_s, u"FrameSize"_s,
-                             u"ImageDestinationDir"_s};
+    const QStringList names =
+        u"AutoWhiteBalance ImageAutoSave ImageAutoSave2 PrintAfterCrop RotateBeforeTileImg "
+        "ScaleImageCk ShowBlackWhite ShowGradation ShowRotate WhiteBalancePipette ImgRotateLeft "
+        "FileTypCombo FileVarCombo ImageCount SchabloneBox PrintProfileBox "
+        "FileNameEd ImageSaveDir ImageDestinationDir FrameSize"_s.split(u' ');
     installation.Write("common/Kadrona/Printerprofiles42.ini", "[A]\nProfile=prn1.tmp\n");
+    const auto value = [this](const QString& name) {
+        const auto* control = The<QWidget>(name);
+        return control->metaObject()->userProperty().read(control);
+    };
+    QVariantList before;
     InDialog([&] {
-        for (const QString& box : boxes) {
-            The<QAbstractButton>(box)->setChecked(true);
-        }
-        for (const QString& choice : choices) {
-            The<QComboBox>(choice)->setCurrentIndex(The<QComboBox>(choice)->count() - 1);
-        }
-        for (const QString& field : fields) {
-            The<QLineEdit>(field)->setText(field == u"FrameSize" ? u"7"_s : u"  "_s + field);
+        for (const QString& name : names) {
+            const QVariant design = value(name);
+            if (auto* box = dialog->findChild<QComboBox*>(name)) {
+                box->setCurrentIndex(box->count() - 1);
+            } else if (auto* button = dialog->findChild<QAbstractButton*>(name)) {
+                button->setChecked(true);
+            } else {
+                The<QLineEdit>(name)->setText(name == u"FrameSize" ? u"7"_s : u"  "_s + name);
+            }
+            before.append(value(name));
+            EXPECT_NE(before.last(), design) << name.toStdString();
         }
     });
     EXPECT_EQ(data->FrameSize(), 7);
     Start();
     EXPECT_EQ(data->FrameSize(), 7);
-    for (const QString& box : boxes) {
-        EXPECT_TRUE(The<QAbstractButton>(box)->isChecked()) << box.toStdString();
-    }
-    for (const QString& choice : choices) {
-        EXPECT_EQ(The<QComboBox>(choice)->currentIndex(), The<QComboBox>(choice)->count() - 1)
-            << choice.toStdString();
-    }
-    for (const QString& field : fields) {
-        EXPECT_EQ(The<QLineEdit>(field)->text(), field == u"FrameSize" ? u"7"_s : u"  "_s + field);
+    for (const QString& name : names) {
+        EXPECT_EQ(value(name), before.takeFirst()) << name.toStdString();
     }
     EXPECT_FALSE(dialog->ImgAutoRotate());
 }
 
 TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
-    auto* frame = The<QLineEdit>(u"FrameSize"_s);
     InDialog([&] {
         // The standard profile was never stored: its values are the design's.
         ExpectLine(u" Laden Straße "_s);
-        The<QPushButton>(u"btnNew"_s)->click();
-        EXPECT_EQ(Profiles().last(), u"LADEN STRAßE"_s);
+        ClickButton(*dialog, "btnNew");
+        EXPECT_EQ(Profiles(), u"Standard Profile|LADEN STRAßE"_s);
         EXPECT_EQ(dialog->FrameSize(), u"25"_s);
         EXPECT_TRUE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
-        frame->setText(u"40"_s);
+        SetFrame(u"40"_s);
         The<QComboBox>(u"AlignToFace"_s)->setCurrentIndex(2);
         Select(0);
         EXPECT_EQ(dialog->FrameSize(), u"25"_s) << "not the values of the new one";
@@ -166,18 +143,17 @@ TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
     InDialog([&] {
         Select(1);
         driver.Press(u"MessageBox"_s, u"NoButton"_s);
-        The<QPushButton>(u"btnDelete"_s)->click();
-        EXPECT_EQ(Profiles().size(), 2);
+        ClickButton(*dialog, "btnDelete");
+        EXPECT_EQ(Profiles().count(u'|'), 1);
         driver.Press(u"MessageBox"_s, u"YesButton"_s);
-        The<QPushButton>(u"btnDelete"_s)->click();
-        EXPECT_EQ(Profiles().size(), 1);
+        ClickButton(*dialog, "btnDelete");
+        EXPECT_EQ(Profiles(), u"Standard Profile"_s);
         EXPECT_EQ(dialog->FrameSize(), u"25"_s);
         EXPECT_FALSE(The<QPushButton>(u"btnDelete"_s)->isEnabled());
     });
     EXPECT_EQ(data->GetProfileList(), QStringList(u"Standard Profile"_s));
-    const QDir left(data->DataFolder());
-    EXPECT_EQ(left.entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
-    EXPECT_EQ(left.entryList({u"*.additions"_s}, QDir::Files).size(), 1);
+    EXPECT_EQ(ProfileFiles().size(), 1);
+    EXPECT_EQ(ProfileFiles("*.additions").size(), 1);
 }
 
 TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {
@@ -185,7 +161,7 @@ TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {
     QFile b(data->ProfileFile(u"B"_s));
     ASSERT_TRUE(b.setPermissions(QFile::ReadOwner));
     InDialog([&] {
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"66"_s);
+        SetFrame(u"66"_s);
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
         Select(0);
         EXPECT_EQ(The<QListWidget>(u"ProfileListBox"_s)->currentRow(), 1);
@@ -193,7 +169,7 @@ TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {
         Select(0);
         // Larger than any settings file: it cannot be read.
         ASSERT_TRUE(b.resize(17 << 20));
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"77"_s);
+        SetFrame(u"77"_s);
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
         Select(1);
         EXPECT_EQ(The<QListWidget>(u"ProfileListBox"_s)->currentRow(), 0);
@@ -215,58 +191,53 @@ TEST_F(SettingsDialog, ANameMustBeFitAndUniqueExceptThatOfTheFirstEntry) {
             driver.Answer(answer);
         }
         ExpectLine(u"standard profile "_s);
-        The<QPushButton>(u"btnNew"_s)->click();
+        ClickButton(*dialog, "btnNew");
     });
-    EXPECT_EQ(Profiles().size(), 3);
+    EXPECT_EQ(Profiles().count(u'|'), 2);
     EXPECT_EQ(data->GetProfileList().size(), 2) << "the first profile only got a new file";
     AddProfile(u"ı-ſ"_s);
     AddProfile(u"I-S"_s);
-    const QStringList both{u"ı-ſ"_s, u"I-S"_s};
-    EXPECT_EQ(Profiles().last(2), both) << "whose upper case is the other name";
-    EXPECT_EQ(data->GetProfileList().last(2), both);
-    EXPECT_NE(data->ProfileFile(both[0]), data->ProfileFile(both[1]));
+    EXPECT_TRUE(Profiles().endsWith(u"|ı-ſ|I-S"_s)) << "whose upper case is the other name";
+    EXPECT_EQ(data->GetProfileList().join(u'|'), u"Standard Profile|Laden|ı-ſ|I-S"_s);
+    EXPECT_NE(data->ProfileFile(u"ı-ſ"_s), data->ProfileFile(u"I-S"_s));
 }
 
 TEST_F(SettingsDialog, ANameThatCannotBeKeptLeavesTheActiveProfileActive) {
     InDialog([&] {
         ExpectLine(QString());
         driver.Answer(u"Can not save this profile settings!"_s);
-        The<QPushButton>(u"btnNew"_s)->click();
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"99"_s);
+        ClickButton(*dialog, "btnNew");
+        SetFrame(u"99"_s);
     });
     Start();
     EXPECT_EQ(dialog->FrameSize(), u"99"_s);
-    EXPECT_EQ(QDir(data->DataFolder()).entryList({u"*.tmp"_s}, QDir::Files).size(), 1);
+    EXPECT_EQ(ProfileFiles().size(), 1);
 }
 
 TEST_F(SettingsDialog, TickingTheAutomaticSavingsChecksWhatTheyNeed) {
     InDialog([&] {
-        auto* archive = The<QCheckBox>(u"ImageAutoSave"_s);
-        driver.Answer(u"Bitte geben Sie ein Verzeichnis an!"_s);
-        archive->click();
-        EXPECT_TRUE(archive->isChecked()) << "it only warns";
-        archive->click();
-        The<QLineEdit>(u"ImageDestinationDir"_s)->setText(installation.Path("none"));
-        driver.Answer(u"Das Verzeichnis ist ungültig!"_s);
-        archive->click();
-
-        auto* save = The<QCheckBox>(u"ImageAutoSave2"_s);
-        const auto tick = [&](const QString& message) {
-            save->setChecked(false);
+        const auto tick = [&](const QString& box, const QString& message) {
+            The<QCheckBox>(box)->setChecked(false);
             driver.Answer(message);
-            save->click();
+            The<QCheckBox>(box)->click();
+            EXPECT_TRUE(The<QCheckBox>(box)->isChecked()) << "it only warns";
         };
-        tick(u"Bitte geben Sie ein Verzeichnis an!"_s);
-        The<QLineEdit>(u"ImageSaveDir"_s)->setText(installation.Path("none"));
-        tick(u"Das Verzeichnis ist ungültig!"_s);
-        The<QLineEdit>(u"ImageSaveDir"_s)->setText(installation.Path("program"));
-        tick(u"Die Bildanzahl muss 1x1 betragen!"_s);
+        for (const auto& [box, field] : {std::pair(u"ImageAutoSave"_s, u"ImageDestinationDir"_s),
+                                         std::pair(u"ImageAutoSave2"_s, u"ImageSaveDir"_s)}) {
+            tick(box, u"Bitte geben Sie ein Verzeichnis an!"_s);
+            The<QLineEdit>(field)->setText(installation.Path("none"));
+            tick(box, u"Das Verzeichnis ist ungültig!"_s);
+            The<QLineEdit>(field)->setText(installation.Path("program"));
+        }
+        tick(u"ImageAutoSave2"_s, u"Die Bildanzahl muss 1x1 betragen!"_s);
         The<QComboBox>(u"ImageCount"_s)->setCurrentIndex(6);
         The<QLineEdit>(u"FileNameEd"_s)->clear();
-        tick(u"Geben Sie einen Dateinamen an!"_s);
+        tick(u"ImageAutoSave2"_s, u"Geben Sie einen Dateinamen an!"_s);
         The<QLineEdit>(u"FileNameEd"_s)->setText(u"x"_s);
-        save->setChecked(false);
-        save->click();
+        for (const QString& box : {u"ImageAutoSave"_s, u"ImageAutoSave2"_s}) {
+            The<QCheckBox>(box)->setChecked(false);
+            The<QCheckBox>(box)->click();
+        }
     });
 }
 
@@ -292,11 +263,7 @@ TEST_F(SettingsDialog, ThePipetteStaysOffWhileTheWhiteBalanceIsAutomatic) {
 }
 
 TEST_F(SettingsDialog, AnEmptyFrameSizeIsAnErrorAndKeepsTheOldOne) {
-    driver.Expect(u"EinstellungenFm"_s, [this](QWidget& shown) {
-        The<QLineEdit>(u"FrameSize"_s)->clear();
-        QTest::keyClick(&shown, Qt::Key_Escape);
-    });
-    EXPECT_THROW(dialog->ShowEx(), platform::Error);
+    EXPECT_THROW(InDialog([this] { SetFrame({}); }), platform::Error);
     EXPECT_EQ(data->FrameSize(), 25);
 }
 
@@ -329,12 +296,10 @@ TEST_F(SettingsDialog, AReadOnlyProfileFileIsReportedAndTheProgramGoesOn) {
     QFile file(data->ProfileFile(u"Standard Profile"_s));
     InDialog([] {});
     ASSERT_TRUE(file.setPermissions(QFile::ReadOwner));
-    driver.Expect(u"EinstellungenFm"_s, [this](QWidget& shown) {
-        The<QLineEdit>(u"FrameSize"_s)->setText(u"31"_s);
-        QTest::keyClick(&shown, Qt::Key_Escape);
+    InDialog([this] {
+        SetFrame(u"31"_s);
+        driver.Press(u"MessageBox"_s, u"OkButton"_s);
     });
-    driver.Press(u"MessageBox"_s, u"OkButton"_s);
-    dialog->ShowEx();
     EXPECT_EQ(data->FrameSize(), 31);
 }
 

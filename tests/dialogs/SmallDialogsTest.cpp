@@ -1,14 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
 
 #include "core/templates/TemplateSize.h"
@@ -17,9 +7,7 @@
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/TemplateChooser.h"
 #include "tests/support/CoreFakes.h"
-#include "tests/support/Errors.h"
-#include "tests/support/Input.h"
-#include "tests/support/ModalDriver.h"
+#include "tests/support/Windows.h"
 
 using namespace Qt::StringLiterals;
 
@@ -38,14 +26,14 @@ class TemplateChooser : public ::testing::Test {
         settings[u"SchabloneBoxText"_s] = text;
     }
 
-    QListWidget& List() { return Child<QListWidget>(chooser, u"lbSchablonen"_s); }
-    QPushButton& Ok() { return Child<QPushButton>(chooser, u"btnOk"_s); }
+    QListWidget& List() { return Child<QListWidget>(chooser, "lbSchablonen"); }
+    QPushButton& Ok() { return Child<QPushButton>(chooser, "btnOk"); }
 
     FakeSettings settings;
     ModalDriver driver;
     QList<int> turns;
     dialogs::TSchabloneFm chooser{settings};
-    QTimer& timer = Child<QTimer>(chooser, u"Timer"_s);
+    QTimer& timer = Child<QTimer>(chooser, "Timer");
 };
 
 TEST_F(TemplateChooser, ConfirmsItselfWithTheDefaultTemplateWhereverItStandsToday) {
@@ -69,7 +57,7 @@ TEST_F(TemplateChooser, WhoeverBeginsToChooseIsNotHurried) {
             SendWheel(*List().viewport(), {5, 5}, -120);
         },
         [this] {
-            SendMouse(Child<QLineEdit>(chooser, u"FilterEdit"_s), QEvent::MouseButtonPress, {5, 5});
+            SendMouse(Child<QLineEdit>(chooser, "FilterEdit"), QEvent::MouseButtonPress, {5, 5});
         },
     };
     for (const auto& begin : beginnings) {
@@ -108,7 +96,7 @@ TEST_F(TemplateChooser, TurnsThePhotoByItsButtonsAndTheSettings) {
     timer.setInterval(10'000);
     driver.Expect(u"SchabloneFm"_s, [this](QWidget& shown) {
         EXPECT_EQ(turns, (QList<int>{+90, -90}));
-        Child<QToolButton>(shown, u"btnRotateRight"_s).click();
+        Child<QToolButton>(shown, "btnRotateRight").click();
         EXPECT_EQ(turns.last(), -90);
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
@@ -142,7 +130,7 @@ TEST(ProfileChooser, ChoosesByDoubleClickAndFailsOnAnEmptyList) {
     ModalDriver driver;
     chooser.SetProfiles({u"A"_s, u"B"_s});
     driver.Expect(u"ProfileDlgFM"_s, [](QWidget& shown) {
-        auto& list = Child<QListWidget>(shown, u"ProfileListBox"_s);
+        auto& list = Child<QListWidget>(shown, "ProfileListBox");
         EXPECT_EQ(list.currentRow(), 0);
         const QPoint second = list.visualItemRect(list.item(1)).center();
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, second);
@@ -175,7 +163,7 @@ TEST(DialogButtons, ReturnConfirmsAlsoWhereTheDesktopPutsTheButtonsInAnotherOrde
 TEST(ImageTags, EveryLineEndsWithALineBreakAndComesBackUnchanged) {
     ModalDriver driver;
     dialogs::TfmImageTagEdit dialog;
-    auto& memo = Child<QPlainTextEdit>(dialog, u"TagMemo"_s);
+    auto& memo = Child<QPlainTextEdit>(dialog, "TagMemo");
     const auto show = [&](const QString& tags, const std::function<void()>& steps) {
         driver.Expect(u"fmImageTagEdit"_s, [&, steps](QWidget&) {
             EXPECT_TRUE(memo.hasFocus());
@@ -219,7 +207,7 @@ TEST(FileNamePrompt, SwallowsWhatANameMustNotHoldAndTakesNoExistingOne) {
     dialogs::TFileNameFm prompt{march};
     ModalDriver driver;
     driver.Expect(u"FileNameFm"_s, [&](QWidget& shown) {
-        auto& edit = Child<QLineEdit>(shown, u"FileNameEdit"_s);
+        auto& edit = Child<QLineEdit>(shown, "FileNameEdit");
         QTest::keyClick(&edit, Qt::Key_Return);
         QTest::keyClicks(&edit, u"a!b(c)d.e/f;g<h>i?j[k\\l]m{n}:*\"|-_,'"_s);
         EXPECT_EQ(edit.text(), u"abcdefghijklmn:*\"|-_,'"_s);
