@@ -32,8 +32,12 @@ inline QString Items(const QAbstractItemModel& model) {
     }
     return items.join(u'|');
 }
-inline QString Items(const QAbstractItemView& list) { return Items(*list.model()); }
-inline QString Items(const QComboBox& box) { return Items(*box.model()); }
+inline QString Items(const QAbstractItemView& list) {
+    return Items(*list.model());
+}
+inline QString Items(const QComboBox& box) {
+    return Items(*box.model());
+}
 
 inline void ClickButton(const QObject& window, QAnyStringView name) {
     Child<QAbstractButton>(window, name).click();
