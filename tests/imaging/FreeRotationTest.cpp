@@ -11,6 +11,20 @@ namespace kadrona::imaging {
 
 namespace {
 
+/// What ImageMagick makes of an image by the given operations; null where it fails.
+QImage ByImageMagick(const QImage& image, const QStringList& operations) {
+    const QTemporaryDir folder;
+    const QString source = folder.filePath(QStringLiteral("source.png"));
+    const QString result = folder.filePath(QStringLiteral("result.png"));
+    EXPECT_TRUE(image.save(source));
+    const ProgramResult run = RunProgram(
+        QStringLiteral("convert"), QStringList{source} + operations +
+                                       QStringList{QStringLiteral("-depth"), QStringLiteral("8"),
+                                                   QStringLiteral("PNG24:") + result});
+    EXPECT_EQ(run.exitCode, 0) << qPrintable(run.errors);
+    return QImage(result);
+}
+
 /// How much of a white canvas is black, in pixels.
 double BlackArea(const QImage& image) {
     double area = 0;

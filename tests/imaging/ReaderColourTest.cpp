@@ -21,25 +21,17 @@ void ExpectJpeg(const JpegContent& content, QColor expected, int tolerance) {
     EXPECT_EQ(qAlpha(loaded.pixels.Tile().pixel(8, 8)), 255);
 }
 
-QByteArray DisplayP3() {
-    return RgbProfile(0.680, 0.320, 0.265, 0.690, 0.150, 0.060, 0);
-}
-
-QByteArray AdobeRgb() {
-    return RgbProfile(0.64, 0.33, 0.21, 0.71, 0.15, 0.06, 563.0 / 256);
-}
-
 }  // namespace
 
 // Colours of sRGB in wider spaces, by the matrices of CSS Color 4 and of Adobe RGB (1998).
 TEST(ReaderColour, WideGamutProfilesAreBroughtToSrgb) {
     const std::tuple<QByteArray, QColor, QColor> cases[] = {
-        {DisplayP3(), {234, 51, 35}, {255, 0, 0}},
-        {DisplayP3(), {246, 202, 157}, {255, 200, 150}},
-        {DisplayP3(), {85, 148, 214}, {60, 150, 220}},
-        {DisplayP3(), {128, 128, 128}, {128, 128, 128}},
-        {AdobeRgb(), {219, 0, 0}, {255, 0, 0}},
-        {AdobeRgb(), {144, 255, 60}, {0, 255, 0}},
+        {Profile("p3.icc"), {234, 51, 35}, {255, 0, 0}},
+        {Profile("p3.icc"), {246, 202, 157}, {255, 200, 150}},
+        {Profile("p3.icc"), {85, 148, 214}, {60, 150, 220}},
+        {Profile("p3.icc"), {128, 128, 128}, {128, 128, 128}},
+        {Profile("adobe.icc"), {219, 0, 0}, {255, 0, 0}},
+        {Profile("adobe.icc"), {144, 255, 60}, {0, 255, 0}},
     };
     for (const auto& [profile, stored, expected] : cases) {
         const QImage plain = Filled({3, 3}, stored.rgb());
@@ -78,10 +70,7 @@ TEST(ReaderColour, AGammaOfPngIsThatOfSrgbWhereItIsMeantSo) {
 }
 
 TEST(ReaderColour, TableProfilesAreApplied) {
-    // Lightness from the first channel alone: no matrix does that.
-    const QByteArray profile = TableProfile(3, [](const std::array<double, 4>& rgb) {
-        return cmsCIELab{100 * rgb[0], 0, 0};
-    });
+    const QByteArray profile = Profile("lightness.icc");
     const QByteArray png = Written(Filled({3, 3}, qRgb(255, 0, 0)), "png");
     ExpectColour(Read(WithProfile(png, profile)), {1, 1}, Qt::white, 1);
     ExpectJpeg(Uniform(3, {0, 255, 255}, profile), Qt::black, 2);
@@ -106,10 +95,7 @@ TEST(ReaderColour, InksWithoutAProfileAreMultipliedOut) {
 }
 
 TEST(ReaderColour, InksAreConvertedByTheirProfile) {
-    // Black takes the lightness; magenta is a colour of its own, far from naive magenta.
-    const QByteArray profile = TableProfile(4, [](const std::array<double, 4>& inks) {
-        return cmsCIELab{100 * (1 - inks[3]), 0, -40 * inks[1] * (1 - inks[3])};
-    });
+    const QByteArray profile = Profile("inks.icc");
     ExpectJpeg(Uniform(4, {255, 255, 255, 255}, profile), Qt::white, 1);
     // L* 50.2 is 120 in sRGB; multiplied out it would be 128.
     ExpectJpeg(Uniform(4, {255, 255, 255, 128}, profile), QColor(120, 120, 120), 2);
@@ -119,25 +105,22 @@ TEST(ReaderColour, InksAreConvertedByTheirProfile) {
 }
 
 TEST(ReaderColour, GreyProfilesBelongToGreyPictures) {
-    cmsToneCurve* linear = cmsBuildGamma(nullptr, 1.0);
-    const QByteArray profile = Saved(cmsCreateGrayProfile(cmsD50_xyY(), linear));
-    cmsFreeToneCurve(linear);
-
+    const QByteArray profile = Profile("grey.icc");
     // Linear 55/255 is 128 in sRGB.
     ExpectJpeg(Uniform(1, {55}, profile), QColor(128, 128, 128), 2);
     ExpectJpeg(Uniform(3, {55, 55, 200}, profile), QColor(55, 55, 200), 3);
 }
 
 TEST(ReaderColour, BrokenAndForeignProfilesAreIgnored) {
-    const QByteArray good = DisplayP3();
+    const QByteArray good = Profile("p3.icc");
     QByteArray longTags = good;
     for (qsizetype entry = 132; entry < 132 + 12 * qsizetype{good[131]}; entry += 12) {
         longTags.replace(entry + 8, 4, "\xff\xff\xff\xff");
     }
-    const QByteArray ofInks = TableProfile(4, [](const auto&) { return cmsCIELab{50, 0, 0}; });
     for (const QByteArray& profile :
          {QByteArray("no profile at all"), good.first(100), good.first(good.size() / 2), longTags,
-          QByteArray(good).replace(16, 4, "\xff\xff\xff\xff"), QByteArray(5000, '\xff'), ofInks}) {
+          QByteArray(good).replace(16, 4, "\xff\xff\xff\xff"), QByteArray(5000, '\xff'),
+          Profile("inks.icc")}) {
         ExpectJpeg(Uniform(3, {200, 100, 50}, profile), QColor(200, 100, 50), 3);
     }
 }

@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <jpeglib.h>
 // clang-format on
-#include <lcms2.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <cstdlib>
 
+#include "platform/AtomicFile.h"
 #include "tests/support/Errors.h"
 
 using namespace Qt::StringLiterals;
@@ -181,66 +181,9 @@ QByteArray WithProfile(const QByteArray& png, const QByteArray& profile) {
     return WithChunk(png, "iCCP", QByteArray("probe\0\0", 7) + qCompress(profile).mid(LengthOfQt));
 }
 
-QByteArray Saved(cmsHPROFILE profile) {
-    cmsUInt32Number size = 0;
-    cmsSaveProfileToMem(profile, nullptr, &size);
-    QByteArray bytes(static_cast<qsizetype>(size), '\0');
-    EXPECT_TRUE(cmsSaveProfileToMem(profile, bytes.data(), &size));
-    cmsCloseProfile(profile);
-    return bytes;
-}
-
-namespace {
-
-struct TableSource {
-    int channels;
-    LabOfInks toLab;
-};
-
-cmsInt32Number SampleLab(const cmsUInt16Number in[], cmsUInt16Number out[], void* cargo) {
-    const auto& [channels, toLab] = *static_cast<const TableSource*>(cargo);
-    std::array<double, 4> inks = {};
-    std::transform(in, in + channels, inks.begin(), [](auto ink) { return ink / 65535.0; });
-    cmsCIELab lab = toLab(inks);
-    cmsFloat2LabEncoded(out, &lab);
-    return TRUE;
-}
-
-}  // namespace
-
-QByteArray RgbProfile(double redX, double redY, double greenX, double greenY, double blueX,
-                      double blueY, double gamma) {
-    const cmsCIExyY white = {0.3127, 0.3290, 1};
-    const cmsCIExyYTRIPLE primaries = {{redX, redY, 1}, {greenX, greenY, 1}, {blueX, blueY, 1}};
-    // Without a gamma: the curve of sRGB.
-    cmsFloat64Number srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-    cmsToneCurve* curve =
-        gamma > 0 ? cmsBuildGamma(nullptr, gamma) : cmsBuildParametricToneCurve(nullptr, 4, srgb);
-    cmsToneCurve* curves[] = {curve, curve, curve};
-    const QByteArray bytes = Saved(cmsCreateRGBProfile(&white, &primaries, curves));
-    cmsFreeToneCurve(curve);
-    return bytes;
-}
-
-QByteArray TableProfile(int channels, const LabOfInks& toLab) {
-    constexpr cmsUInt32Number GridPoints = 5;
-    const auto inputs = static_cast<cmsUInt32Number>(channels);
-    TableSource source{channels, toLab};
-    cmsStage* table = cmsStageAllocCLut16bit(nullptr, GridPoints, inputs, 3, nullptr);
-    cmsStageSampleCLut16bit(table, SampleLab, &source, 0);
-    // A profile takes a table between curves alone.
-    cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, inputs, 3);
-    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, inputs, nullptr));
-    cmsPipelineInsertStage(pipeline, cmsAT_END, table);
-    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
-    cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
-    cmsSetProfileVersion(profile, 4.2);
-    cmsSetDeviceClass(profile, cmsSigOutputClass);
-    cmsSetColorSpace(profile, channels == 4 ? cmsSigCmykData : cmsSigRgbData);
-    cmsSetPCS(profile, cmsSigLabData);
-    EXPECT_TRUE(cmsWriteTag(profile, cmsSigAToB0Tag, pipeline));
-    cmsPipelineFree(pipeline);
-    return Saved(profile);
+QByteArray Profile(const char* name) {
+    return platform::ReadWholeFile(
+        QStringLiteral(KADRONA_TEST_PROFILES) + QString::fromLatin1(name), 10'000);
 }
 
 }  // namespace kadrona::imaging::test

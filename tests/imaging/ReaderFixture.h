@@ -1,14 +1,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <lcms2.h>
 
 #include <QBuffer>
 #include <QByteArray>
 #include <QImage>
 #include <QImageWriter>
 #include <QtEndian>
-#include <array>
 #include <functional>
 
 #include "imaging/reading/ImageReader.h"
@@ -96,13 +94,7 @@ TiffEntry Rational(quint16 tag, quint32 numerator, quint32 denominator = 1);
 QByteArray WithChunk(const QByteArray& png, const char* type, const QByteArray& content);
 QByteArray WithProfile(const QByteArray& png, const QByteArray& profile);
 
-/// A profile of primaries, white D65 and a gamma; 0 is the curve of sRGB.
-QByteArray RgbProfile(double redX, double redY, double greenX, double greenY, double blueX,
-                      double blueY, double gamma);
-using LabOfInks = std::function<cmsCIELab(const std::array<double, 4>& inks)>;
-/// A profile of nothing but a table, of 3 (RGB) or 4 (CMYK) channels, each 0 ... 1.
-QByteArray TableProfile(int channels, const LabOfInks& toLab);
-/// The bytes of a profile, which is closed.
-QByteArray Saved(cmsHPROFILE profile);
+/// A colour profile of tests/imaging/data, which says there what it does.
+QByteArray Profile(const char* name);
 
 }  // namespace kadrona::imaging::test
