@@ -107,7 +107,7 @@ QString SheetActions::FolderToSaveIn() {
 /// The number of pictures may have been changed after the sheet was made.
 bool SheetActions::MayShrinkTheSheet() {
     const imaging::Pixels& sheet = session_.Image().Photo();
-    const int pictures = sheet.Columns() * sheet.Rows();
+    const int pictures = sheet.PhotoCount();
     return pictures < 2 || !settings_.ScaleImageCk() ||
            controls::AskYesNo(&window_,
                               u"Das Blatt hat %1 Bilder und würde als Ganzes auf die Größe eines "

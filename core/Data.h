@@ -47,6 +47,10 @@ class TData {
     int FrameSize() const { return frameSize_; }
     void SetFrameSize(int pixels) { frameSize_ = pixels; }
 
+    /// What sheets are made on from now on.
+    const PaperChoice& Paper() const { return paper_; }
+    void SetPaper(PaperChoice paper) { paper_ = std::move(paper); }
+
     // The photo that is open
     const QString& CurrentFile() const { return currentFile_; }
     const QString& CurrentFileFolder() const { return currentFileFolder_; }
@@ -159,7 +163,9 @@ class TData {
     // NOLINTEND(readability-convert-member-functions-to-static)
 
  private:
-    SheetMaking Making() { return {template_, *settings_, layout_, archive_, ui_, frameSize_}; }
+    SheetMaking Making() {
+        return {template_, *settings_, layout_, archive_, ui_, frameSize_, paper_};
+    }
 
     /// Tells of a deleted profile's file that is left.
     bool IsGone(const QString& leftFile) const;
@@ -179,6 +185,7 @@ class TData {
     PhotoArchive archive_;
 
     int frameSize_ = 25;
+    PaperChoice paper_;
     QString currentFile_;
     QString currentFileFolder_;
     core::OpenDialog openDialog_ = core::OpenDialog::OfPhotos();

@@ -33,6 +33,7 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
     const core::StoredSettings settings = ProfileSettings(data, request.profile);
     data.SetSettings(&settings);
     data.SetFrameSize(core::FrameSizeOf(settings));
+    data.SetPaper(request.paper.value_or(core::PaperChoice()));
     const QStringList photos = RequestedPhotos(request.photos);
     const QStringList outputs = OutputFiles(request.output, photos, imaging::WritableExtensions());
     const int result = MakeEach(

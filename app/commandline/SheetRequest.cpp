@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QUrl>
 
+#include "app/commandline/PaperOptions.h"
 #include "core/sheet/SheetLayout.h"
 #include "core/sheet/UploadFigures.h"
 
@@ -133,6 +134,7 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
                        {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
                        {u"auto"_s, {}},
                        {u"profile"_s, {}, u"NAME"_s}});
+    parser.addOptions(PaperOptions());
     Parse(parser, arguments);
     SheetRequest request;
     ReadCommon(parser, request);
@@ -141,6 +143,7 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
     if (parser.isSet(u"layout"_s)) {
         request.layoutIndex = ParseLayout(parser.value(u"layout"_s));
     }
+    request.paper = ParsePaper(parser);
     return request;
 }
 
@@ -204,6 +207,13 @@ Optionen von „sheet“:
   --auto                  Lage der Schablone am Gesicht; Fotos ohne Gesicht
                           werden genannt, die anderen gemacht
   --profile NAME          Einstellungsprofil; sonst „Standard Profile“
+  --paper PAPIER          Blatt auf Papier statt des bloßen Bogens: 10x15, 13x18,
+                          100x148, A6, A5, A4 oder BREITExHÖHE in Millimetern
+  --count ANZAHL|fill     Bilder auf dem Papier, „fill“ so viele wie passen;
+                          sonst die der Aufteilung
+  --gap MM, --edge MM     Abstand zwischen den Bildern und Rand; sonst 2 und 3
+  --marks MARKEN          Schneidemarken: none, corners, lines oder outline
+  --dpi DPI               Auflösung des Blatts; sonst die des Fotos
 
 Optionen von „photo“:
   --template, --out, --at, --auto  wie bei „sheet“

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "core/sheet/PaperSheet.h"
 #include "imaging/writing/SizedJpeg.h"
 #include "platform/Error.h"
 
@@ -38,6 +39,8 @@ struct SheetRequest {
     bool automatic = false;
     /// Empty: "Standard Profile", which need not exist.
     QString profile;
+    /// The paper that is asked for, with what of it was named; without one the bare grid.
+    std::optional<core::PaperChoice> paper;
 };
 
 /// What "kadrona photo" is asked to do.

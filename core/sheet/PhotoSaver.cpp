@@ -92,7 +92,7 @@ std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
 
 /// A sheet stays one where the number of photos is changed after it was made.
 bool PhotoSaver::MayBeSavedQuickly(const imaging::Pixels& photo) {
-    const int copies = photo.Columns() * photo.Rows();
+    const int copies = photo.PhotoCount();
     return copies == 1 || ui_.AskYesNo(
                               u"Das Bild ist ein Bogen mit %1 Fotos, kein einzelnes Foto. "
                               u"Soll es trotzdem so gespeichert werden?"_s.arg(copies));

@@ -3,6 +3,8 @@
 #include "core/archive/PhotoArchive.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
+#include "core/sheet/PaperCanvas.h"
+#include "core/sheet/PaperSize.h"
 #include "core/sheet/SheetLayout.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/pixels/Cropping.h"
@@ -55,11 +57,32 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
                  u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s));
 }
 
+/// The sheet's own resolution, or the one at which a cut that is `width` pixels wide prints at its
+/// size.
+imaging::DotsPerInch SheetResolution(const SheetMaking& making, int width) {
+    return making.paper.resolution.value_or(PrintResolution(width, {making.shape.canvas.width()}));
+}
+
+/// Throws where the sheet of a cut of that width cannot be made.
+void RequireSheet(const SheetMaking& making, int width, int layoutIndex) {
+    if (making.paper.paper) {
+        const PaperCanvas canvas(*making.paper.paper, SheetResolution(making, width));
+        RequiredLayout(making.paper, PrintedSize(making.shape.canvas), layoutIndex);
+    }
+}
+
+/// Of the bare grid, in pixels.
+int GridGap(const SheetMaking& making, imaging::DotsPerInch resolution) {
+    return making.paper.gridGap ? PixelsOf(*making.paper.gridGap, resolution.value)
+                                : making.frameSize;
+}
+
 }  // namespace
 
 void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
     image.SetCurrentLayer(1);
     const QRect rectangle = image.LayerAt(1).rectangle;
+    RequireSheet(making, rectangle.width(), layoutIndex);
     image.SetCurrentLayer(0);
     try {
         making.layout.Save(LayerSection(making.shape.name, image.Photo().Size()), rectangle);
@@ -75,12 +98,19 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
 void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
     const QSize photo = image.Photo().Size();
     image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
-    const QSize bordered = BorderedSize(photo, making.frameSize, layoutIndex);
-    if (bordered != photo) {
+    const QSize bordered = BorderedSize(photo, GridGap(making, image.Resolution()), layoutIndex);
+    if (bordered != photo && !making.paper.paper) {
         image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
     }
     if (making.settings.ImageAutoSave()) {
         ArchiveSinglePhoto(image, making);
+    }
+    if (making.paper.paper) {
+        const imaging::DotsPerInch resolution = SheetResolution(making, photo.width());
+        image.ChangePhoto(SheetOnPaper(image.Photo(), PrintedSize(making.shape.canvas), resolution,
+                                       making.paper, layoutIndex));
+        image.SetResolution(resolution);
+        return;
     }
     LayOutCopies(image, making.settings, layoutIndex);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/sheet/PaperSheet.h"
 #include "core/templates/Template.h"
 #include "imaging/document/LayeredImage.h"
 
@@ -17,14 +18,17 @@ struct SheetMaking {
     PhotoArchive& archive;
     UserInterface& ui;
     int frameSize;  ///< between copies, in pixels
+    const PaperChoice& paper;
 };
 
 /// From the photo under a template to the sheet: remembers where the template lies, cuts the photo
-/// to it, drops the template, and makes the sheet of copies.
+/// to it, drops the template, and makes the sheet of copies. Throws platform::Error, with nothing
+/// changed, where a chosen paper does not take them.
 void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex);
 
 /// From the cut photo to the sheet: stamps its resolution, adds its border, files it in the archive
-/// where the settings say so, and lays out the copies.
+/// where the settings say so, and lays out the copies: as a bare grid, or on the chosen paper,
+/// which has its own gap in place of the border and turns them where more fit.
 void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex);
 
 /// From a single photo to the sheet: turns it counter-clockwise where RotateBeforeTileImg is on and

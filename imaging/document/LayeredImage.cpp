@@ -10,7 +10,7 @@ namespace {
 
 /// Changes when other pixels are shown and when the same ones are changed in place.
 std::pair<qint64, QSize> Identity(const Pixels& pixels) {
-    return {pixels.Tile().cacheKey(), pixels.Size()};
+    return {pixels.Key(), pixels.Size()};
 }
 
 }  // namespace
@@ -94,7 +94,7 @@ void LayeredImage::TurnPhoto(double degreesCounterClockwise) {
         RecordUndoStep();
         std::vector<LayerPlace> places;
         for (auto layer = layers_.begin() + 1; layer != layers_.end(); ++layer) {
-            places.push_back({layer->pixels.Tile().cacheKey(), layer->rectangle});
+            places.push_back({layer->pixels.Key(), layer->rectangle});
         }
         history_.KeepPlaces(std::move(places));
     }
@@ -191,7 +191,7 @@ void LayeredImage::Undo() {
 void LayeredImage::Restore(const std::vector<LayerPlace>& places) {
     const size_t count = std::min(places.size() + 1, layers_.size());
     for (size_t i = 1; i < count; ++i) {
-        if (layers_[i].pixels.Tile().cacheKey() == places[i - 1].pixels) {
+        if (layers_[i].pixels.Key() == places[i - 1].pixels) {
             SetLayerRectangle(static_cast<int>(i), places[i - 1].rectangle);
         }
     }

@@ -75,8 +75,10 @@ bool SaveEnough(const std::vector<QRect>& blocks, QSize image) {
 }
 
 bool AreComparable(const Pixels& a, const Pixels& b) {
-    return a.Tile().size() == b.Tile().size() && a.Tile().format() == b.Tile().format() &&
-           a.Columns() == b.Columns() && a.Rows() == b.Rows();
+    const bool areGrids = a.Arranged() == nullptr && b.Arranged() == nullptr;
+    return areGrids && a.Tile().size() == b.Tile().size() &&
+           a.Tile().format() == b.Tile().format() && a.Columns() == b.Columns() &&
+           a.Rows() == b.Rows();
 }
 
 }  // namespace

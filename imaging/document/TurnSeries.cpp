@@ -8,7 +8,7 @@
 namespace kadrona::imaging {
 
 Pixels TurnSeries::Turned(const Pixels& photo, double degreesCounterClockwise) {
-    const qint64 key = photo.Tile().cacheKey();
+    const qint64 key = photo.Key();
     auto known = std::ranges::find(results_, key, &std::pair<qint64, double>::first);
     if (known == results_.end()) {
         first_ = photo;
@@ -17,7 +17,7 @@ Pixels TurnSeries::Turned(const Pixels& photo, double degreesCounterClockwise) {
     }
     const double degrees = std::remainder(known->second + degreesCounterClockwise, 360.0);
     Pixels turned = Rotated(first_, degrees);
-    results_.emplace_back(turned.Tile().cacheKey(), degrees);
+    results_.emplace_back(turned.Key(), degrees);
     return turned;
 }
 

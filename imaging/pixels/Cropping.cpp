@@ -37,6 +37,9 @@ Pixels Cropped(const Pixels& pixels, const QRect& rectangle) {
     if (!QRect(QPoint(), pixels.Size()).contains(rectangle)) {
         return Pixels(pixels.Region(rectangle, qRgb(255, 255, 255)));
     }
+    if (pixels.Arranged() != nullptr) {
+        return Pixels(pixels.Region(rectangle, 0));
+    }
     const QSize tile = pixels.Tile().size();
     if (CoversWholeTiles(rectangle, tile)) {
         return {pixels.Tile(), rectangle.width() / tile.width(),
@@ -61,6 +64,9 @@ Pixels CanvasEnlarged(const Pixels& pixels, QSize size, const QColor& background
 }
 
 Pixels Repeated(const Pixels& pixels, int columns, int rows) {
+    if (pixels.Arranged() != nullptr) {
+        return {pixels.ToImage(), columns, rows};
+    }
     int allColumns = 0;
     int allRows = 0;
     if (qMulOverflow(pixels.Columns(), columns, &allColumns) ||

@@ -1,6 +1,7 @@
 #include "imaging/pixels/Pixels.h"
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <stdexcept>
 
@@ -40,6 +41,43 @@ void CopyRepeated(const QRgb* row, int rowLength, int x, int count, QRgb* target
     }
 }
 
+void FillRow(QImage& image, int row, int begin, int end, QRgb colour) {
+    auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(row));
+    std::fill(pixels + begin, pixels + end, colour);
+}
+
+/// What of an arrangement lies in `region`.
+QImage RegionOf(const Arrangement& arrangement, const QRect& region, QRgb background) {
+    QImage image = NewImage(region.size(), QImage::Format_RGB32);
+    image.fill(background);
+    const auto fill = [&](const QRect& area, QRgb colour) {
+        const QRect part = (area & region).translated(-region.topLeft());
+        for (int row = part.top(); row <= part.bottom(); ++row) {
+            FillRow(image, row, part.left(), part.right() + 1, colour);
+        }
+    };
+    fill(QRect(QPoint(), arrangement.size), qRgb(255, 255, 255));
+    for (const Arrangement::Placed& placed : arrangement.placed) {
+        const QRect part = arrangement.RectangleOf(placed) & region;
+        const QImage& picture = arrangement.pictures[placed.picture];
+        for (int y = part.top(); y <= part.bottom(); ++y) {
+            auto* target = reinterpret_cast<QRgb*>(image.scanLine(y - region.top()));
+            std::copy_n(ScanLine(picture, y - placed.at.y()) + (part.left() - placed.at.x()),
+                        part.width(), target + (part.left() - region.left()));
+        }
+    }
+    for (const Arrangement::Mark& mark : arrangement.marks) {
+        fill(mark.area & QRect(QPoint(), arrangement.size), mark.colour);
+    }
+    return image;
+}
+
+/// Below 0, where no image has its key.
+qint64 NewKey() {
+    static std::atomic<qint64> last = 0;
+    return --last;
+}
+
 }  // namespace
 
 Pixels::Pixels(QImage image) : tile_(Normalized(std::move(image))) {}
@@ -53,6 +91,30 @@ Pixels::Pixels(QImage tile, int columns, int rows)
     RequireIntRange(qint64{tile_.height()} * rows);
 }
 
+Pixels::Pixels(Arrangement arrangement) : arrangementKey_(NewKey()) {
+    const QRect canvas(QPoint(), arrangement.size);
+    const bool fits = std::ranges::all_of(arrangement.placed, [&](const auto& placed) {
+        return canvas.contains(arrangement.RectangleOf(placed));
+    });
+    if (canvas.isEmpty() || !fits) {
+        throw std::invalid_argument("a picture reaches beyond its canvas");
+    }
+    for (QImage& picture : arrangement.pictures) {
+        picture = Normalized(std::move(picture));
+    }
+    arrangement_ = std::make_shared<const Arrangement>(std::move(arrangement));
+}
+
+qsizetype Pixels::ByteCount() const {
+    qsizetype bytes = tile_.sizeInBytes();
+    if (arrangement_) {
+        for (const QImage& picture : arrangement_->pictures) {
+            bytes += picture.sizeInBytes();
+        }
+    }
+    return bytes;
+}
+
 QImage& Pixels::EditableTile() {
     // QImage copies by itself when it is written to, but leaves nothing where memory is short.
     if (!tile_.isDetached()) {
@@ -62,7 +124,7 @@ QImage& Pixels::EditableTile() {
 }
 
 QImage Pixels::ToImage() const {
-    if (columns_ == 1 && rows_ == 1) {
+    if (columns_ == 1 && rows_ == 1 && !arrangement_) {
         return tile_;
     }
     return IsEmpty() ? QImage() : Region(QRect(QPoint(), Size()), 0);
@@ -70,6 +132,9 @@ QImage Pixels::ToImage() const {
 
 QImage Pixels::Region(const QRect& region, QRgb background) const {
     background |= 0xff000000;
+    if (arrangement_) {
+        return RegionOf(*arrangement_, region, background);
+    }
     QImage image = NewImage(region.size(), IsEmpty() ? QImage::Format_RGB32 : tile_.format());
     const QRect inside = region & QRect(QPoint(), Size());
     if (inside.isEmpty()) {
@@ -95,7 +160,8 @@ QImage Pixels::Region(const QRect& region, QRgb background) const {
 }
 
 bool Pixels::SharesPixelsWith(const Pixels& other) const {
-    return tile_.constBits() == other.tile_.constBits() && tile_.size() == other.tile_.size() &&
+    return arrangement_ == other.arrangement_ && tile_.constBits() == other.tile_.constBits() &&
+           tile_.size() == other.tile_.size() &&
            tile_.bytesPerLine() == other.tile_.bytesPerLine() &&
            tile_.format() == other.tile_.format() && columns_ == other.columns_ &&
            rows_ == other.rows_;

@@ -249,6 +249,9 @@ Pixels Resampled(const Pixels& pixels, QSize size) {
     if (size == pixels.Size()) {
         return pixels;
     }
+    if (pixels.Arranged() != nullptr) {
+        return Resampled(Pixels(pixels.ToImage()), size);
+    }
     QImage result = NewImage(size, pixels.Tile().format());
     const auto taps = [](int source, int target) {
         return MakeAxisTaps(source, static_cast<double>(source) / target, 0, target, Filter::Cubic);

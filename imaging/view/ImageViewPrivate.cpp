@@ -111,7 +111,7 @@ void ImageView::Private::TakeEdit(const QRect& area) {
         return;
     }
     painter_.TakePhotoEdit(image_.Photo(), area);
-    editedPixels_ = image_.Photo().Tile().cacheKey();
+    editedPixels_ = image_.Photo().Key();
     constexpr int FilterReach = 8;  // device pixels
     view_.update(ToLogicalPixels(
         geometry_.ToDevice(area).adjusted(-FilterReach, -FilterReach, FilterReach, FilterReach),
@@ -123,7 +123,7 @@ void ImageView::Private::UpdatePhoto() {
 }
 
 void ImageView::Private::TakePhoto() {
-    if (!image_.IsEmpty() && image_.Photo().Tile().cacheKey() == editedPixels_) {
+    if (!image_.IsEmpty() && image_.Photo().Key() == editedPixels_) {
         return;
     }
     editedPixels_ = 0;

@@ -73,7 +73,8 @@ void LayerPainter::Paint(QPainter& painter, const LayeredImage& image, const Req
     const Pixels& photo = image.Photo();
     const bool isShown = !photo.IsEmpty() && image.LayerAt(0).visible;
     const QRect place = isShown ? request.geometry.ImageRectangle() : QRect();
-    const bool isOpaque = photo.Tile().format() == QImage::Format_RGB32;
+    const bool isOpaque =
+        photo.Arranged() != nullptr || photo.Tile().format() == QImage::Format_RGB32;
     PaintBackground(painter, QRegion(request.dirty) - (isOpaque ? place : QRect()),
                     request.background);
     if (isShown && !place.contains(request.dirty)) {
@@ -146,8 +147,7 @@ std::vector<LayerAppearance> AppearancesOf(const LayeredImage& image, const View
     for (int i = 0; i < image.LayerCount(); ++i) {
         const Layer& layer = image.LayerAt(i);
         appearances.push_back({frame.Extent(geometry.ToDevice(layer.rectangle)), layer.visible,
-                               IsFramed(image, i), layer.transparency,
-                               layer.pixels.Tile().cacheKey()});
+                               IsFramed(image, i), layer.transparency, layer.pixels.Key()});
     }
     return appearances;
 }

@@ -5,6 +5,7 @@
 #include <QRegion>
 #include <QSize>
 #include <optional>
+#include <vector>
 
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resampling.h"
@@ -26,8 +27,9 @@ enum class Enlargement {
 /// Pixels drawn at a size in device pixels. Keeps the part drawn last, so that a part that overlaps
 /// it only costs what is new, and the same part costs nothing.
 ///
-/// A grid is drawn tile by tile from its one tile. A tile ends where its neighbour begins, on a
-/// whole device pixel:  edge(column) = round(column * width / columns).
+/// A grid is drawn tile by tile from its one tile, an arrangement picture by picture. Each begins
+/// and ends on whole device pixels, edge(x) = round(x * drawn width / width), so that a tile ends
+/// where its neighbour begins. Marks of an arrangement are at least one device pixel wide.
 class ScaledPixels {
  public:
     explicit ScaledPixels(Enlargement enlargement) : enlargement_(enlargement) {}
@@ -59,7 +61,7 @@ class ScaledPixels {
  private:
     /// Tells pictures apart without holding them.
     struct Identity {
-        qint64 tile = 0;
+        qint64 key = 0;
         int columns = 0;
         int rows = 0;
         bool operator==(const Identity&) const = default;
@@ -68,20 +70,25 @@ class ScaledPixels {
     void Notice(const Pixels& pixels);
     void DrawStale(const Pixels& pixels);
     void DrawPart(const Pixels& pixels, const QRect& part);
-    void DrawTile(const QImage& tile, QSize size, const QRect& part, QPoint at);
+    QRect Scaled(const QRect& rectangle, QSize whole) const;
+    void DrawPlaced(const Pixels& pixels, size_t picture, const QRect& place, const QRect& part);
+    void DrawPicture(size_t index, const QImage& picture, QSize size, const QRect& part, QPoint at);
+    void Fill(const QRect& area, const QRect& part, QRgb colour);
     struct Steps;
     /// A level of the pyramid and how it is drawn from.
     struct Source {
         int level;
         bool isProvisional;
     };
-    Source SourceFor(const QImage& tile, const Steps& full, const QRect& part);
+    Source SourceFor(size_t index, const QImage& picture, const Steps& full, const QRect& part);
+    void Await(size_t picture, int level, const QRect& part);
     Filter FilterFor(double step) const;
     bool IsReusable(QSize size, Quality quality);
 
     Enlargement enlargement_;
     Identity identity_;
-    Pyramid pyramid_;
+    /// Of the tile, or of each picture of an arrangement.
+    std::vector<Pyramid> pyramids_;
     QSize size_;
     Quality quality_ = Quality::Fast;
     QImage drawing_;
@@ -92,6 +99,7 @@ class ScaledPixels {
     QRegion stale_;
     /// What has to be built before the drawn part can be drawn in its quality.
     struct Pending {
+        size_t picture;
         int level;
         QRect part;
     };

@@ -37,19 +37,35 @@ QByteArray InfoDictionary(const WrittenMetadata& metadata) {
     return "<< /Creator " + software + " /Producer " + software + " >>";
 }
 
+/// What draws an arrangement on a page that it covers.
+QByteArray PageContent(const Arrangement& arrangement, DotsPerInch resolution,
+                       const QByteArray& height) {
+    constexpr int Decimals = 12;
+    const double dotsPerInch = resolution.value > 0 ? resolution.value : PointsPerInch;
+    const QByteArray scale = QByteArray::number(PointsPerInch / dotsPerInch, 'f', Decimals);
+    return scale + " 0 0 " + scale + " 0 " + height + " cm\n" + DrawnArrangement(arrangement);
+}
+
 }  // namespace
 
 void WritePdf(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
               const WrittenMetadata& metadata) {
-    const RowSource rows(pixels, ChannelOrder::RedFirst);
-    if (rows.BytesPerRow() * rows.Height() > std::numeric_limits<quint32>::max()) {
-        throw platform::Error(u"Das Bild ist zu groß: PDF wird bis 4 GiB geschrieben."_s);
+    const Arrangement* arrangement = pixels.Arranged();
+    const std::vector<RowSource> pictures =
+        arrangement != nullptr ? PictureSources(*arrangement)
+                               : std::vector{RowSource(pixels, ChannelOrder::RedFirst)};
+    for (const RowSource& rows : pictures) {
+        if (rows.BytesPerRow() * rows.Height() > std::numeric_limits<quint32>::max()) {
+            throw platform::Error(u"Das Bild ist zu groß: PDF wird bis 4 GiB geschrieben."_s);
+        }
     }
     const QByteArray width = Points(pixels.Width(), resolution);
     const QByteArray height = Points(pixels.Height(), resolution);
-    PdfPage page{width, height, width + " 0 0 " + height + " 0 0 cm /Image Do"};
+    PdfPage page{width, height,
+                 arrangement != nullptr ? PageContent(*arrangement, resolution, height)
+                                        : width + " 0 0 " + height + " 0 0 cm /Image0 Do"};
     page.information = InfoDictionary(metadata);
-    WritePdfFile(device, page, rows);
+    WritePdfFile(device, page, pictures);
 }
 
 }  // namespace kadrona::imaging

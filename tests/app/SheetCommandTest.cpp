@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QImageReader>
+#include <QProcess>
 
 #include "app/Application.h"
 #include "app/commandline/SheetCommand.h"
@@ -40,6 +41,12 @@ TEST(SheetRequest, RefusesWhatMakesNoSense) {
                                      {u"--at"_s, u"1,2,0"_s},
                                      {u"--at"_s, u"1,2,x"_s},
                                      {u"--layout"_s, u"4 x 2"_s},
+                                     {u"--paper"_s, u"A7"_s},
+                                     {u"--paper"_s, u"0x150"_s},
+                                     {u"--paper"_s, u"A4"_s, u"--count"_s, u"0"_s},
+                                     {u"--paper"_s, u"A4"_s, u"--gap"_s, u"-1"_s},
+                                     {u"--paper"_s, u"A4"_s, u"--marks"_s, u"x"_s},
+                                     {u"--gap"_s, u"2"_s},
                                      {u"--unknown"_s},
                                      {u"--profile"_s}}) {
         EXPECT_THROW(ParseSheetRequest(valid + wrong), UsageError)
@@ -116,6 +123,60 @@ TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
     EXPECT_EQ(sheet.size(), QSize(3 * 310, 386 + 10)) << "1 x 3, height 300 * 450 / 350";
     EXPECT_EQ(sheet.dotsPerMeterX(), 8583) << "300 / 3.5 * 2.54 = 218 dpi";
     EXPECT_TRUE(progress.startsWith(u"[1/1] "_s)) << progress.toStdString();
+}
+
+/// Lengths of the runs of photo and of white along a line, white first.
+std::vector<int> RunsAlong(const QImage& sheet, QPoint from, QPoint step) {
+    std::vector<int> runs{0};
+    bool photo = false;
+    for (QPoint at = from; sheet.rect().contains(at); at += step) {
+        if ((qRed(sheet.pixel(at)) == 120) != photo) {
+            photo = !photo;
+            runs.push_back(0);
+        }
+        ++runs.back();
+    }
+    return runs;
+}
+
+TEST_F(SheetCommand, OnPaperEveryCopyAndGapHasItsMillimetres) {
+    const struct {
+        QString paper;
+        QSize pixels;    // at 300 dpi
+        int photo, gap;  // across, within a pixel
+        size_t across, down;
+    } table[] = {{u"10x15"_s, {1200, 1800}, 531, 24, 2, 4}, {u"A6"_s, {1240, 1748}, 413, 24, 2, 3}};
+    for (const auto& row : table) {
+        for (const QString& name : {u"sheet.png"_s, u"sheet.pdf"_s}) {
+            SCOPED_TRACE((row.paper + u' ' + name).toStdString());
+            request = ParseSheetRequest({installation.Path("in/a.png"), u"--template"_s, u"Pass"_s,
+                                         u"--at"_s, u"10,20,300"_s, u"--out"_s,
+                                         installation.Path(name.toUtf8().constData()), u"--paper"_s,
+                                         row.paper, u"--count"_s, u"fill"_s, u"--dpi"_s, u"300"_s,
+                                         u"--marks"_s, u"lines"_s});
+            ASSERT_EQ(Run(), app::Done) << errors.toStdString();
+            QImage sheet(request.output);
+            if (name.endsWith(u"pdf"_s)) {
+                const QString page = installation.Path("page");
+                QProcess::execute(u"pdftoppm"_s, {u"-r"_s, u"300"_s, u"-png"_s, u"-singlefile"_s,
+                                                  request.output, page});
+                sheet.load(page + u".png"_s);
+            }
+            ASSERT_EQ(sheet.size(), row.pixels);
+            const bool turned = row.photo == 531;
+            const auto across = RunsAlong(sheet, {0, row.pixels.height() / 4}, {1, 0});
+            const auto down = RunsAlong(sheet, {row.pixels.width() / 4, 0}, {0, 1});
+            ASSERT_EQ(across.size(), 2 * row.across + 1);
+            ASSERT_EQ(down.size(), 2 * row.down + 1);
+            for (size_t i = 1; i + 1 < across.size(); ++i) {
+                EXPECT_NEAR(across[i], i % 2 == 1 ? row.photo : row.gap, 1);
+            }
+            for (size_t i = 1; i + 1 < down.size(); ++i) {
+                EXPECT_NEAR(down[i], i % 2 == 1 ? (turned ? 413 : 531) : row.gap, 1);
+            }
+            EXPECT_NEAR(across.front(), across.back(), 1) << "in the middle";
+        }
+    }
 }
 
 TEST_F(SheetCommand, DoesEveryPhotoOfAFolderAndNamesTheOnesThatFail) {

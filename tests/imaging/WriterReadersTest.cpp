@@ -189,15 +189,22 @@ TEST_F(WriterTest, PdfIsThePictureAtItsPhysicalSize) {
     if (!IsInstalled(u"pdftoppm"_s)) {
         GTEST_SKIP() << "the programs of Poppler are not installed";
     }
-    const QImage picture = Unrolled(TestPicture(37, 45), 2, 3);
     const QString path = PathOf(u"a.pdf"_s);
-    for (const int dotsPerInch : {0, 96, 254, 301, 305, 2540}) {
-        WriteImageFile(path, Pixels(TestPicture(37, 45), 2, 3), {dotsPerInch});
-        const int counted = dotsPerInch > 0 ? dotsPerInch : 72;
-        RunProgram(u"pdftoppm"_s, {u"-png"_s, u"-singlefile"_s, u"-r"_s, QString::number(counted),
-                                   path, PathOf(u"page"_s)});
-        EXPECT_TRUE(testing::SamePixels(ReadBack(u"page.png"_s), picture)) << dotsPerInch;
+    const Pixels arranged(Arrangement{{150, 130},
+                                      {TestPicture(37, 45), TestPicture(20, 9)},
+                                      {{0, {3, 5}}, {0, {60, 5}}, {1, {130, 121}}},
+                                      {{{40, 0, 1, 130}, qRgb(128, 128, 128)}}});
+    for (const Pixels& picture : {Pixels(TestPicture(37, 45), 2, 3), arranged}) {
+        for (const int dotsPerInch : {0, 96, 254, 301, 305, 2540}) {
+            WriteImageFile(path, picture, {dotsPerInch});
+            const int counted = dotsPerInch > 0 ? dotsPerInch : 72;
+            RunProgram(u"pdftoppm"_s, {u"-png"_s, u"-singlefile"_s, u"-r"_s,
+                                       QString::number(counted), path, PathOf(u"page"_s)});
+            EXPECT_TRUE(testing::SamePixels(ReadBack(u"page.png"_s), picture.ToImage()))
+                << dotsPerInch;
+        }
     }
+    EXPECT_EQ(Bytes(u"a.pdf"_s).count("/Subtype /Image"), 2) << "each picture once";
     // Several batches of bands.
     const QImage tile = TestPicture(1400, 2100);
     WriteImageFile(path, Pixels(tile, 2, 2), {300}, {"a (b"});

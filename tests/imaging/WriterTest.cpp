@@ -1,3 +1,4 @@
+#include <QPainter>
 #include <cmath>
 #include <vector>
 
@@ -34,6 +35,10 @@ TEST_F(WriterTest, LosslessFormatsKeepEveryPixel) {
     }
     const QImage whole = TestPicture(40, 30);
     cases.push_back({"a grid", Pixels(whole, 3, 4), Unrolled(whole, 3, 4)});
+    const Pixels arranged(Arrangement{{100, 90},
+                                      {whole, TestPicture(20, 9)},
+                                      {{0, {3, 5}}, {0, {50, 5}}, {1, {80, 81}}, {0, {3, 40}}},
+                                      {{{45, 0, 2, 200}, qRgb(10, 128, 200)}}});
     const QImage part(whole.constScanLine(7) + 5 * sizeof(QRgb), 11, 13, whole.bytesPerLine(),
                       QImage::Format_RGB32);
     cases.push_back({"rows of another length", Pixels(part), whole.copy(5, 7, 11, 13)});
@@ -52,6 +57,22 @@ TEST_F(WriterTest, LosslessFormatsKeepEveryPixel) {
             EXPECT_TRUE(SamePixels(ReadBack(name), sample.read))
                 << sample.what << ' ' << sample.read.width() << ' ' << qPrintable(name);
         }
+    }
+    QImage sheet(100, 90, QImage::Format_RGB32);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    for (const QPoint at : {QPoint(3, 5), QPoint(50, 5), QPoint(3, 40)}) {
+        painter.drawImage(at, whole);
+    }
+    painter.drawImage(80, 81, TestPicture(20, 9));
+    painter.fillRect(45, 0, 2, 90, qRgb(10, 128, 200));
+    painter.end();
+    EXPECT_TRUE(SamePixels(arranged.ToImage(), sheet));
+    EXPECT_TRUE(SamePixels(arranged.Region({20, -3, 70, 60}, qRgb(0, 0, 0)).copy(0, 3, 70, 57),
+                           sheet.copy(20, 0, 70, 57)));
+    for (const QString& name : {u"a.png"_s, u"a.bmp"_s, u"a.tif"_s}) {
+        WriteImageFile(PathOf(name), arranged, {300});
+        EXPECT_TRUE(SamePixels(ReadBack(name), sheet)) << qPrintable(name);
     }
 }
 

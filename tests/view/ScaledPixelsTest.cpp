@@ -157,5 +157,17 @@ TEST(ScaledPixels, AGridHasNoSeams) {
     }
 }
 
+TEST(ScaledPixels, AnArrangementIsDrawnPictureByPicture) {
+    const Pixels sheet(Arrangement{{90, 70},
+                                   {Pattern(31, 17), Pattern(12, 20)},
+                                   {{0, {2, 3}}, {1, {50, 40}}, {0, {40, 3}}},
+                                   {{{36, 0, 1, 70}, qRgb(0, 0, 0)}}});
+    EXPECT_TRUE(SamePixels(Drawn(sheet, sheet.Size()), sheet.ToImage()));
+    const QImage half = Drawn(sheet, {45, 35});
+    EXPECT_TRUE(SamePixels(half.copy(25, 20, 6, 10), Drawn(Pixels(Pattern(12, 20)), {6, 10})));
+    EXPECT_EQ(half.pixel(18, 30), qRgb(0, 0, 0)) << "a mark stays a pixel wide";
+    EXPECT_EQ(half.pixel(24, 20), qRgb(255, 255, 255));
+}
+
 }  // namespace
 }  // namespace kadrona::imaging::view

@@ -37,7 +37,7 @@ QByteArray DrawnCopies(const PrintImage& image, const QTransform& toPage) {
             const double left = column * width - sheet.width() / 2;
             const double bottom = (row + 1) * height - sheet.height() / 2;
             const QTransform fromUnit(width, 0, 0, -height, left, bottom);
-            content += "q " + Matrix(fromUnit * toPage) + " /Image Do Q\n";
+            content += "q " + Matrix(fromUnit * toPage) + " /Image0 Do Q\n";
         }
     }
     return content;
@@ -58,7 +58,7 @@ void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper
                                    " /ViewerPreferences << /PrintScaling /None >>"};
     imaging::WritePdfFile(
         device, written,
-        imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst));
+        {imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst)});
 }
 
 }  // namespace kadrona::printing::cups

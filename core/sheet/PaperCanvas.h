@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "core/sheet/CuttingMarks.h"
+#include "imaging/pixels/Pixels.h"
+#include "imaging/pixels/Resolution.h"
+
+namespace kadrona::core {
+
+/// Where a line of text may stand; a turned one is read from the right. Micrometres.
+struct TextRoom {
+    QRect place;
+    bool turned = false;
+};
+
+/// Height of a line of text on a sheet.
+inline constexpr int TextHeight = 2'500;
+
+/// Room for a line of text between the photos and the paper's edge, off the ticks of cutting marks
+/// where there is enough: below the photos, above, at their right or left. Nothing where each of
+/// them is too narrow. Micrometres.
+std::optional<TextRoom> RoomForText(const std::vector<QRect>& photos, QSize paper);
+
+/// A sheet larger than this is refused, in pixels.
+inline constexpr qint64 MostSheetPixels = 1'000'000'000;
+
+/// Makes a sheet of exactly a paper's size: what is placed in micrometres comes to stand on whole
+/// pixels, each edge rounded once.
+class PaperCanvas {
+ public:
+    /// Throws platform::Error for a paper of 0, a resolution below 1, and where the sheet would
+    /// have more than MostSheetPixels.
+    PaperCanvas(QSize paper, imaging::DotsPerInch resolution);
+
+    /// A picture that fills places of `size` micrometres, resampled where its pixels are not as
+    /// many as the resolution has there, and turned first where `turned`. Returns its index. Throws
+    /// platform::Error where memory is short.
+    size_t AddPhoto(const imaging::Pixels& photo, QSize size, bool turned);
+    void Place(size_t picture, QPoint topLeft);
+
+    /// A line of text in the middle of its room, cut off at its end where it is too long. Needs a
+    /// QGuiApplication; does nothing without one.
+    void PlaceText(const QString& text, const TextRoom& room);
+
+    /// The sheet with marks that keep off everything placed.
+    imaging::Pixels Finished(CuttingMarks marks) const;
+
+ private:
+    int Pixels(int micrometres) const;
+    QPoint Inside(QPoint at, QSize picture) const;
+
+    imaging::DotsPerInch resolution_;
+    imaging::Arrangement sheet_;
+    /// Placed after all photos.
+    std::vector<imaging::Arrangement::Placed> texts_;
+};
+
+}  // namespace kadrona::core

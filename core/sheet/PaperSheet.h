@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <optional>
+
+#include "core/sheet/CuttingMarks.h"
+#include "core/sheet/PaperLayout.h"
+#include "core/sheet/SheetLayout.h"
+#include "imaging/pixels/Pixels.h"
+#include "imaging/pixels/Resolution.h"
+
+namespace kadrona::core {
+
+/// What a sheet is made on. Lengths in micrometres.
+struct PaperChoice {
+    /// Nothing: no paper, but the bare grid of the layout.
+    std::optional<QSize> paper;
+    int edge = 3'000;
+    int gap = 2'000;
+    CuttingMarks marks = CuttingMarks::None;
+    /// As many copies as the paper takes; else `count`, else those of the layout.
+    bool fill = false;
+    std::optional<int> count;
+    /// Of the sheet; nothing keeps that of the photo, at which it has its printed width.
+    std::optional<imaging::DotsPerInch> resolution;
+    /// A line of text in the free edge; empty for none.
+    QString text;
+    /// The gap of the bare grid in micrometres, in place of the one in pixels.
+    std::optional<int> gridGap;
+};
+
+/// What of `choice`, which has a paper, is asked of its layout for photos of `photo` micrometres.
+PaperRequest RequestOf(const PaperChoice& choice, QSize photo, int layoutIndex);
+
+/// The layout of such a sheet. Throws platform::Error where it takes fewer photos than are asked
+/// for, and as LayOutOnPaper does.
+PaperLayout RequiredLayout(const PaperChoice& choice, QSize photo, int layoutIndex);
+
+/// The copies of a photo on the paper. `size` is its printed size in micrometres, `resolution` that
+/// of the sheet. Throws platform::Error as RequiredLayout and PaperCanvas do.
+imaging::Pixels SheetOnPaper(const imaging::Pixels& photo, QSize size,
+                             imaging::DotsPerInch resolution, const PaperChoice& choice,
+                             int layoutIndex);
+
+/// Size of a template's canvas, tenths of a millimetre, in micrometres.
+QSize PrintedSize(QSize canvas);
+
+}  // namespace kadrona::core
