@@ -59,16 +59,16 @@ TEST(ReaderFormat, SixteenBitsAreRoundedToTheNearest) {
 }
 
 TEST(ReaderFormat, ResolutionIsWhatTheFileSays) {
-    const QByteArray png = Written(Filled({1, 1}, QColor(Mark).rgb()), "png");
+    const QByteArray png = Written(Filled({1, 1}, Mark.rgb()), "png");
     const QByteArray plainPng = png.first(33) + png.mid(png.indexOf("IDAT") - 4);
     EXPECT_EQ(ResolutionOf(plainPng), 0);
     const auto density = [&](quint32 dots, char unit) {
         return WithChunk(plainPng, "pHYs", BigEndian(dots) + BigEndian(dots) + QByteArray(1, unit));
     };
-    EXPECT_EQ(ResolutionOf(density(11811, 1)), 300);
-    EXPECT_EQ(ResolutionOf(density(3780, 1)), 96);
-    EXPECT_EQ(ResolutionOf(density(0, 1)), 0);
-    EXPECT_EQ(ResolutionOf(density(0xffffffff, 1)), 0);
+    for (const auto& [dots, resolution] :
+         {std::pair(11811U, 300), {3780U, 96}, {0U, 0}, {0xffffffffU, 0}}) {
+        EXPECT_EQ(ResolutionOf(density(dots, 1)), resolution) << dots;
+    }
     EXPECT_EQ(ResolutionOf(density(11811, 0)), 0) << "an aspect ratio";
     EXPECT_EQ(ResolutionOf(WithChunk(plainPng, "eXIf", ExifResolution(240, 2))), 240);
 
@@ -102,14 +102,14 @@ TEST(ReaderFormat, ResolutionOfJpegIsThatOfJfifElseOfExif) {
 
 TEST(ReaderFormat, TheLargestImageOfAnIconFile) {
     // A directory of two, of 16 bytes each behind 6: 2 by 2 red before 4 by 4 blue.
-    const QByteArray small = Written(Filled({2, 2}, QColor(Qt::red).rgb()), "ico");
-    const QByteArray large = Written(Filled({4, 4}, QColor(Qt::blue).rgb()), "ico");
+    const QImage blue = Filled({4, 4}, qRgb(0, 0, 255));
+    const QByteArray small = Written(Filled({2, 2}, qRgb(255, 0, 0)), "ico");
+    const QByteArray large = Written(blue, "ico");
     const auto entry = [](const QByteArray& icon, qsizetype offset) {
         return icon.mid(6, 12) + LittleEndian(static_cast<quint32>(offset));
     };
     // The large one as a bitmap, or as a PNG.
-    for (const QByteArray& picture :
-         {large.mid(22), Written(Filled({4, 4}, QColor(Qt::blue).rgb()), "png")}) {
+    for (const QByteArray& picture : {large.mid(22), Written(blue, "png")}) {
         QByteArray second = entry(large, 6 + 2 * 16 + small.size() - 22);
         second.replace(8, 4, LittleEndian(static_cast<quint32>(picture.size())));
         const LoadedImage loaded = Read(Packed<quint16>(0, 1, 2) + entry(small, 6 + 2 * 16) +

@@ -1,4 +1,7 @@
 #include "ReaderFixture.h"
+#include "WriterFixture.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::imaging::test {
 
@@ -44,36 +47,6 @@ QByteArray LetterJpeg(const QByteArray& exif) {
     return Jpeg(content);
 }
 
-QByteArray LetterPng(quint16 orientation) {
-    return WithChunk(Written(LetterImage(), "png"), "eXIf", Exif(orientation));
-}
-
-QByteArray LetterTiff(quint16 orientation, quint16 bits, quint16 channels) {
-    QByteArray pixels;
-    for (int i = 0; i < Columns * Rows; ++i) {
-        // Both bytes of a sample of 16 bits are the same.
-        pixels += QByteArray(channels * bits / 8, static_cast<char>(i * LevelStep));
-    }
-    const QByteArray depths = LittleEndian(bits).repeated(channels);
-    return Tiff({Short(0x100, Columns), Short(0x101, Rows), TiffEntry{0x102, 3, depths},
-                 Short(0x103, 1), Short(0x106, channels == 1 ? 1 : 2), Short(0x112, orientation),
-                 Short(0x115, channels), Short(0x116, Rows)},
-                pixels);
-}
-
-QByteArray LetterWebP(quint16 orientation) {
-    constexpr qsizetype RiffHeaderSize = 12;
-    constexpr char HasExif = 8;
-    const QByteArray chunks = Written(LetterImage(), "webp").mid(RiffHeaderSize);
-    const QByteArray exif = Exif(orientation);
-    // The canvas is stored less one, 24 bits each.
-    const QByteArray extended = "VP8X" + LittleEndian(quint32{10}) + QByteArray(1, HasExif) +
-                                QByteArray(3, '\0') + QByteArray("\2\0\0\1\0\0", 6);
-    const QByteArray content =
-        "WEBP" + extended + chunks + "EXIF" + LittleEndian(quint32(exif.size())) + exif;
-    return "RIFF" + LittleEndian(quint32(content.size())) + content;
-}
-
 // EXIF 2.3, tag 0x0112, applied to ABC/DEF.
 constexpr std::pair<quint16, const char*> Cases[] = {
     {1, "ABC/DEF"},  {2, "CBA/FED"},  {3, "FED/CBA"},  {4, "DEF/ABC"}, {5, "AD/BE/CF"},
@@ -82,27 +55,35 @@ constexpr std::pair<quint16, const char*> Cases[] = {
 
 }  // namespace
 
-TEST(ReaderOrientation, EveryOrientationOfEveryFormatThatHasOne) {
+using ReaderOrientation = WriterTest;
+
+TEST_F(ReaderOrientation, EveryFormatThatHasOneIsTurnedWhereAskedFor) {
+    if (!IsInstalled(u"exiftool"_s)) {
+        GTEST_SKIP() << "exiftool is not installed";
+    }
+    const std::pair<const char*, QImage::Format> files[] = {
+        {"a.jpg", QImage::Format_Grayscale8},    {"a.png", QImage::Format_RGB32},
+        {"a.webp", QImage::Format_RGB32},        {"a.tif", QImage::Format_RGB32},
+        {"grey.tif", QImage::Format_Grayscale8}, {"deep.tif", QImage::Format_RGBX64}};
+    QStringList paths;
+    for (const auto& [name, format] : files) {
+        paths.append(PathOf(QString::fromLatin1(name)));
+        ASSERT_TRUE(LetterImage().convertToFormat(format).save(paths.last(), nullptr, 100));
+    }
     for (const auto& [orientation, upright] : Cases) {
-        SCOPED_TRACE(orientation);
-        EXPECT_EQ(Letters(Read(LetterJpeg(Exif(orientation)))), upright);
-        EXPECT_EQ(Letters(Read(LetterPng(orientation))), upright);
-        EXPECT_EQ(Letters(Read(LetterWebP(orientation))), upright);
-        EXPECT_EQ(Letters(Read(LetterTiff(orientation, 8, 1))), upright);
-        EXPECT_EQ(Letters(Read(LetterTiff(orientation, 8, 3))), upright);
-        EXPECT_EQ(Letters(Read(LetterTiff(orientation, 16, 3))), upright);
+        RunProgram(u"exiftool"_s, QStringList{u"-n"_s, u"-overwrite_original"_s,
+                                              u"-Orientation=%1"_s.arg(orientation)} +
+                                      paths);
+        for (const QString& path : paths) {
+            EXPECT_EQ(Letters(ReadImageFile(path)), upright) << qPrintable(path) << orientation;
+            ReadOptions asItIs;
+            asItIs.applyOrientation = false;
+            EXPECT_EQ(Letters(ReadImageFile(path, asItIs)), "ABC/DEF") << qPrintable(path);
+        }
     }
 }
 
-TEST(ReaderOrientation, LeavesThePictureWhereNotAskedFor) {
-    ReadOptions options;
-    options.applyOrientation = false;
-    EXPECT_EQ(Letters(Read(LetterJpeg(Exif(6)), options)), "ABC/DEF");
-    EXPECT_EQ(Letters(Read(LetterTiff(6, 8, 3), options)), "ABC/DEF");
-    EXPECT_EQ(Letters(Read(LetterPng(6), options)), "ABC/DEF");
-}
-
-TEST(ReaderOrientation, HostileExifIsIgnored) {
+TEST_F(ReaderOrientation, HostileExifIsIgnored) {
     const QByteArray good = Exif(6);
     std::vector<QByteArray> blocks{
         QByteArray(good).replace(4, 4, "\xff\xff\xff\xff"),  // a directory far away

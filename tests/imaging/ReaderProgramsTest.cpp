@@ -72,8 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(WriterTest, OwnJpeg2000OpensAgain) {
     // Of two strips.
-    const QImage image = TestPicture(9000, 600);
-    WriteImageFile(PathOf(u"a.jp2"_s), Pixels(image), {305}, {"abc"});
+    WriteImageFile(PathOf(u"a.jp2"_s), Pixels(TestPicture(9000, 600)), {305}, {"abc"});
     const LoadedImage loaded = ReadImageFile(PathOf(u"a.jp2"_s));
     EXPECT_EQ(loaded.resolution.value, 305);
     EXPECT_LE(LargestDifference(loaded.pixels.ToImage(), ReadBack(u"a.jp2"_s)), 1);

@@ -57,36 +57,23 @@ class WriterTest : public ::testing::Test {
 
     /// The pixels of a file. Where Qt does not know its format an outside program decodes it.
     QImage ReadBack(const QString& name) const {
-        const QString path = PathOf(name);
-        const QString decoded = PathOf(QStringLiteral("decoded"));
+        QString path = PathOf(name);
         if (name.endsWith(QStringLiteral(".pdf"))) {
-            RunProgram(QStringLiteral("pdfimages"), {QStringLiteral("-png"), path, decoded});
-            return ReadAndRemoved(decoded + QStringLiteral("-000.png"));
-        }
-        if (name.endsWith(QStringLiteral(".jp2"))) {
-            const QString pixels = decoded + QStringLiteral(".ppm");
+            RunProgram(QStringLiteral("pdfimages"),
+                       {QStringLiteral("-png"), path, PathOf(QStringLiteral("decoded"))});
+            path = PathOf(QStringLiteral("decoded-000.png"));
+        } else if (name.endsWith(QStringLiteral(".jp2"))) {
+            path = PathOf(QStringLiteral("decoded.ppm"));
             RunProgram(QStringLiteral("opj_decompress"),
-                       {QStringLiteral("-i"), path, QStringLiteral("-o"), pixels});
-            return ReadAndRemoved(pixels);
+                       {QStringLiteral("-i"), PathOf(name), QStringLiteral("-o"), path});
         }
-        return Read(path);
-    }
-
-    QTemporaryDir folder_;
-
- private:
-    static QImage Read(const QString& path) {
         QImageReader reader(path);
         QImage image = reader.read();
         EXPECT_FALSE(image.isNull()) << qPrintable(path + reader.errorString());
         return image;
     }
 
-    static QImage ReadAndRemoved(const QString& path) {
-        QImage image = Read(path);
-        QFile::remove(path);
-        return image;
-    }
+    QTemporaryDir folder_;
 };
 
 }  // namespace kadrona::imaging
