@@ -156,12 +156,10 @@ TEST_F(PrintingTest, TheTileIsInThePageOnceAndLossless) {
     images.start(u"pdfimages"_s, {u"-list"_s, service_.PrintedFile()});
     ASSERT_TRUE(images.waitForFinished());
     QStringList objects;
-    const QStringList lines =
-        QString::fromUtf8(images.readAllStandardOutput()).trimmed().split(u'\n').mid(2);
-    for (const QString& line : lines) {
-        objects.append(line.simplified().section(u' ', 10, 10));
+    for (const QByteArray& line : images.readAllStandardOutput().trimmed().split('\n').mid(2)) {
+        objects.append(QString::fromUtf8(line).simplified().section(u' ', 10, 10));
     }
-    EXPECT_EQ(lines.size(), 8);
+    EXPECT_EQ(objects.size(), 8);
     EXPECT_EQ(objects.removeDuplicates(), 7) << "the tile is in the file more than once";
 }
 
@@ -244,6 +242,7 @@ TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) 
 
     const std::string rejects = "Drucker „Photo“: Der Drucker nimmt zurzeit keine Aufträge an";
     const std::string isGone = "Drucker „Photo“: Der Drucker ist nicht mehr vorhanden.";
+    const std::string none = "Es ist kein Drucker eingerichtet.";
     service_.Run(u"cupsreject"_s, {u"-r"_s, u"Wartung bis Montag"_s, u"Photo"_s});
     EXPECT_EQ(ErrorOf(print), rejects + ": Wartung bis Montag.");
     service_.Run(u"cupsreject"_s, {u"Photo"_s});
@@ -252,14 +251,15 @@ TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) 
     EXPECT_EQ(ErrorOf(print), isGone);
     EXPECT_EQ(ErrorOf([&] { layer.Paper(); }), isGone);
     CupsPrinterLayer fresh(service_.Address());
-    EXPECT_EQ(ErrorOf([&] { fresh.CurrentPrinter(); }), "Es ist kein Drucker eingerichtet.");
-    EXPECT_EQ(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }),
-              "Es ist kein Drucker eingerichtet.");
+    const auto ask = [&] { fresh.CurrentPrinter(); };
+    const auto setUp = [&] { fresh.ShowSetupDialog(nullptr); };
+    EXPECT_EQ(ErrorOf(ask), none);
+    EXPECT_EQ(ErrorOf(setUp), none);
 
     service_.Kill();
     EXPECT_THAT(ErrorOf(print), StartsWith("Drucker „Photo“: Unter „/"));
-    EXPECT_THAT(ErrorOf([&] { fresh.CurrentPrinter(); }), StartsWith("Unter „/"));
-    EXPECT_THAT(ErrorOf([&] { fresh.ShowSetupDialog(nullptr); }), StartsWith("Unter „/"));
+    EXPECT_THAT(ErrorOf(ask), StartsWith("Unter „/"));
+    EXPECT_THAT(ErrorOf(setUp), StartsWith("Unter „/"));
 }
 
 TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {

@@ -17,6 +17,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "tests/faults/FailingCalls.h"
 #include "tests/faults/Operations.h"
@@ -63,10 +64,8 @@ QString IndexFault(const QString& folder) {
     const QDir data(folder + u"/common/Kadrona"_s);
     QStringList named;
     for (const QString& index : data.entryList({u"*.ini"_s})) {
-        QFile file(data.filePath(index));
-        file.open(QIODevice::ReadOnly);
-        for (auto names = DrawnName.globalMatch(QString::fromUtf8(file.readAll()));
-             names.hasNext();) {
+        const QByteArray content = platform::ReadWholeFile(data.filePath(index), 1 << 20);
+        for (auto names = DrawnName.globalMatch(QString::fromUtf8(content)); names.hasNext();) {
             named.append(names.next().captured());
         }
     }

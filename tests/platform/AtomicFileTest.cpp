@@ -60,7 +60,8 @@ TEST_F(AtomicFileTest, AppearsOnlyOnCommit) {
     EXPECT_EQ(ReadWholeFile(Path(), 3), "old"_ba);
     EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s}) << "no name until it is whole";
     file.Commit();
-    EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba);
+    EXPECT_EQ(ReadWholeFile(Path(), 5), "new 1"_ba) << "of exactly that many bytes";
+    EXPECT_THROW(ReadWholeFile(Path(), 4), FileError);
     EXPECT_EQ(Names(Folder()), QStringList{u"Blatt.jpg"_s});
 }
 
