@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSet>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -26,22 +27,12 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Sets an environment variable until the end of the scope.
-class ScopedVariable {
- public:
-    ScopedVariable(const char* name, const QByteArray& value)
-        : name_(name), wasSet_(qEnvironmentVariableIsSet(name)), before_(qgetenv(name)) {
-        qputenv(name, value);
-    }
-    ~ScopedVariable() { wasSet_ ? qputenv(name_, before_) : qunsetenv(name_); }
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
- private:
-    const char* name_;
-    bool wasSet_;
-    QByteArray before_;
-};
+/// Sets an environment variable until the end of the scope; before it was set too.
+auto Scoped(const char* name, const QByteArray& value) {
+    const QByteArray before = qgetenv(name);
+    qputenv(name, value);
+    return qScopeGuard([name, before] { qputenv(name, before); });
+}
 
 TEST(UniqueFile, NamesAreNewAndOfTheForm) {
     const QTemporaryDir folder;
@@ -62,32 +53,32 @@ TEST(Paths, CreateFolderMakesAllButOverNoFile) {
     const QString deep = JoinPath(folder.path(), u"2026/03");
     EXPECT_TRUE(CreateFolder(deep));
     EXPECT_TRUE(CreateFolder(deep)) << "an existing one is fine";
-    WriteFileAtomically(JoinPath(folder.path(), u"file"), "x"_ba);
-    EXPECT_FALSE(CreateFolder(JoinPath(folder.path(), u"file")));
-    EXPECT_FALSE(CreateFolder(JoinPath(folder.path(), u"file/below")));
-    EXPECT_FALSE(CreateFolder(QString()));
+    const QString file = JoinPath(folder.path(), u"file");
+    WriteFileAtomically(file, "x"_ba);
+    for (const QString& refused : {file, file + u"/below"_s, QString()}) {
+        EXPECT_FALSE(CreateFolder(refused)) << refused.toStdString();
+    }
 }
 
 TEST(Paths, CommonAppDataFollowsTheEnvironment) {
     {
-        const ScopedVariable chosen("KADRONA_COMMON_APPDATA", "/srv/daten/");
+        const auto chosen = Scoped("KADRONA_COMMON_APPDATA", "/srv/daten/");
         EXPECT_EQ(CommonAppDataFolder(), u"/srv/daten"_s);
     }
     if (QFileInfo::exists(u"/var/lib/Kadrona"_s)) {
         GTEST_SKIP() << "the program is installed on this machine";
     }
-    const ScopedVariable unset("KADRONA_COMMON_APPDATA", "");
-    const ScopedVariable home("XDG_DATA_HOME", "/srv/data-home");
+    const auto unset = Scoped("KADRONA_COMMON_APPDATA", "");
+    const auto home = Scoped("XDG_DATA_HOME", "/srv/data-home");
     EXPECT_EQ(CommonAppDataFolder(), u"/srv/data-home"_s);
 }
 
-/// Sets the folder that the registry's file lies in until the end of the scope.
 class UserRegistry : public ::testing::Test {
  protected:
+    UserRegistry() { qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder_.path())); }
     QString Path() const { return folder_.filePath(u"Veltmark/Kadrona.conf"_s); }
 
     QTemporaryDir folder_;
-    ScopedVariable home_{"XDG_CONFIG_HOME", QFile::encodeName(folder_.path())};
 };
 
 TEST_F(UserRegistry, HasTheFormOfQSettings) {
@@ -123,7 +114,7 @@ TEST(WebPage, StartsTheBrowserForWebAddressesOnly) {
     const QTemporaryDir folder;
     const QString seen = folder.filePath(u"seen"_s);
     const QString browser = folder.filePath(u"xdg-open"_s);
-    const ScopedVariable path("PATH", folder.path().toLocal8Bit());
+    const auto path = Scoped("PATH", folder.path().toLocal8Bit());
     EXPECT_FALSE(OpenWebPage(QUrl(u"https://example.org/"_s))) << "no browser yet";
 
     const QString script =

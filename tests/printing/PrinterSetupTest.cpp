@@ -9,28 +9,13 @@
 
 #include "platform/AtomicFile.h"
 #include "printing/PrinterSetup.h"
+#include "tests/support/FakePrinter.h"
 
 using namespace kadrona::printing;
 using namespace Qt::StringLiterals;
+using kadrona::testing::FakePrinter;
 
 namespace {
-
-/// A layer that knows its printer and nothing else; an empty name is a printer that is gone.
-class RememberingLayer : public PrinterLayer {
- public:
-    explicit RememberingLayer(PrinterChoice choice) : current(std::move(choice)) {}
-    PrinterChoice CurrentPrinter() override { return current; }
-    void SetCurrentPrinter(const PrinterChoice& choice) override {
-        if (choice.device.isEmpty()) {
-            throw PrinterError(u"Der Drucker ist nicht vorhanden."_s);
-        }
-        current = choice;
-    }
-    bool ShowSetupDialog(QWindow*) override { return false; }
-    PrinterPaper Paper() override { return {}; }
-    void Print(const PrintImage&) override {}
-    PrinterChoice current;
-};
 
 const PrinterChoice Before{u"Alt"_s, u"Treiber"_s, u"usb:"_s, "x=1\n"};
 const PrinterChoice Photo{u"Fotodrucker_Büro"_s, u"Treiber für 📷"_s, u"ipp://127.0.0.1:631/"_s,
@@ -39,25 +24,27 @@ const PrinterChoice Photo{u"Fotodrucker_Büro"_s, u"Treiber für 📷"_s, u"ipp:
 class PrinterSetupTest : public ::testing::Test {
  protected:
     QByteArray Saved(const PrinterChoice& choice = Photo) const {
-        RememberingLayer layer(choice);
+        FakePrinter layer;
+        layer.current = choice;
         TPrinterSetup(layer).SaveToFile(path_);
         return kadrona::platform::ReadWholeFile(path_, 1 << 20);
     }
 
     /// What is current after the bytes were loaded over `Before`; nothing where that failed.
-    std::optional<PrinterChoice> Loaded(const QByteArray& bytes) const {
+    std::optional<PrinterChoice> Loaded(const QByteArray& bytes) {
         kadrona::platform::WriteFileAtomically(path_, bytes);
-        RememberingLayer layer(Before);
+        layer_.current = Before;
         try {
-            TPrinterSetup(layer).LoadFromFile(path_);
+            TPrinterSetup(layer_).LoadFromFile(path_);
         } catch (const kadrona::platform::Error& error) {
             EXPECT_TRUE(error.Text().contains(path_) || dynamic_cast<const PrinterError*>(&error));
-            EXPECT_EQ(layer.current, Before) << "a failure changed the current printer";
+            EXPECT_EQ(layer_.current, Before) << "a failure changed the current printer";
             return std::nullopt;
         }
-        return layer.current;
+        return layer_.current;
     }
 
+    FakePrinter layer_;
     QTemporaryDir folder_;
     QString path_ = folder_.filePath(u"prn1a2b.tmp"_s);
 };
@@ -121,13 +108,14 @@ TEST_F(PrinterSetupTest, WhatMakesNoSenseIsRefusedAndAMissingFileDoesNothing) {
         qToLittleEndian<qint64>(length, bytes.data() + 200);
         EXPECT_EQ(Loaded(bytes), std::nullopt) << length;
     }
-    EXPECT_EQ(Loaded(QByteArray(208, '\0')), std::nullopt) << "the printer is gone";
+    layer_.failure = u"Der Drucker ist nicht vorhanden."_s;
+    EXPECT_EQ(Loaded(whole), std::nullopt);
+    layer_.failure.clear();
     QFile::remove(path_);
-    RememberingLayer layer(Before);
-    EXPECT_NO_THROW(TPrinterSetup(layer).LoadFromFile(path_));
+    EXPECT_NO_THROW(TPrinterSetup(layer_).LoadFromFile(path_));
     QDir().mkpath(path_);
-    EXPECT_THROW(TPrinterSetup(layer).LoadFromFile(path_), kadrona::platform::FileError);
-    EXPECT_THROW(TPrinterSetup(layer).SaveToFile(path_), kadrona::platform::FileError);
+    EXPECT_THROW(TPrinterSetup(layer_).LoadFromFile(path_), kadrona::platform::FileError);
+    EXPECT_THROW(TPrinterSetup(layer_).SaveToFile(path_), kadrona::platform::FileError);
 }
 
 }  // namespace
