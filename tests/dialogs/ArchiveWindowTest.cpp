@@ -45,14 +45,21 @@ class ArchiveWindow : public ::testing::Test {
 
     /// Types as a user would and waits for the hits.
     void Find(const QString& text) {
-        Child<QLineEdit>(window, "FindEdit").setText(text);
-        QTest::keyClick(window.findChild<QLineEdit*>(u"FindEdit"_s), Qt::Key_Return);
+        auto& edit = Child<QLineEdit>(window, "FindEdit");
+        edit.setText(text);
+        QTest::keyClick(&edit, Qt::Key_Return);
     }
 
     QString Hits() { return Child<QLabel>(window, "FindHits").text(); }
-    controls::CardGrid& Grid() { return *window.findChild<controls::CardGrid*>(u"CardGrid"_s); }
-    QAction& Action(const char* name) {
-        return *window.findChild<QAction*>(QLatin1StringView(name));
+    controls::CardGrid& Grid() { return Child<controls::CardGrid>(window, "CardGrid"); }
+    QAction& Action(const char* name) { return Child<QAction>(window, name); }
+
+    /// Changes the text in the tag editor and accepts it.
+    void ExpectTags(const std::function<void(QPlainTextEdit&)>& change) {
+        driver.Expect(u"fmImageTagEdit"_s, [change](QWidget& shown) {
+            change(Child<QPlainTextEdit>(shown, "TagMemo"));
+            dynamic_cast<QDialog&>(shown).accept();
+        });
     }
 
     Installation installation;
@@ -115,11 +122,9 @@ TEST_F(ArchiveWindow, TagsGoToTheRecordThatTheyWereEnteredForEvenWithoutItsPhoto
             EXPECT_EQ(data.CurrentRecord(), 1) << "as the card that is shown as current";
             shown.close();
         });
-        driver.Expect(u"fmImageTagEdit"_s, [this](QWidget& shown) {
+        ExpectTags([this](QPlainTextEdit& memo) {
             EXPECT_TRUE(QTest::qWaitFor([this] { return Grid().Cards().size() == 1; }));
-            auto& memo = Child<QPlainTextEdit>(shown, "TagMemo");
             memo.setPlainText(memo.toPlainText() + u"neu %1's"_s);
-            dynamic_cast<QDialog&>(shown).accept();
         });
         window.ShowEx(folder);
     }
@@ -137,10 +142,9 @@ TEST_F(ArchiveWindow, TagsThatAnotherProgramChangedAreReplacedOnlyWhenTheUserSay
             Action("acEditTags").trigger();
             shown.close();
         });
-        driver.Expect(u"fmImageTagEdit"_s, [this](QWidget& shown) {
+        ExpectTags([this](QPlainTextEdit& memo) {
             data.Archive()->SetTags(1, u"fremd\r\n"_s);
-            Child<QPlainTextEdit>(shown, "TagMemo").setPlainText(u"mein"_s);
-            dynamic_cast<QDialog&>(shown).accept();
+            memo.setPlainText(u"mein"_s);
         });
         driver.Answer(u"fremd"_s, button);
         window.ShowEx({});
