@@ -58,4 +58,19 @@ TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
     EXPECT_THROW(RulerSheet(PaperGeometry::Plain({40, 90}), {}), PrinterError);
 }
 
+TEST(LostOf, TellsWhatOfThePhotosIsBeyondThePaperButForATenthOfAMillimetre) {
+    // 28 x 18 mm of photo with a millimetre of white around it.
+    const PrintImage image{QImage(300, 200, QImage::Format_RGB32), 1, 1, 254, {}, 20};
+    const std::tuple<QSizeF, bool, QMarginsF> cases[] = {
+        {{28, 18}, false, {}},
+        {{27.9, 18}, false, {}},
+        {{27.7, 17}, false, {0.15, 0.5, 0.15, 0.5}},
+        {{18, 28}, true, {}},
+        {{17, 28}, true, {0, 0.5, 0, 0.5}},
+    };
+    for (const auto& [paper, turned, lost] : cases) {
+        EXPECT_EQ(LostOf(image, PaperGeometry::Plain(paper), turned), lost) << paper.width();
+    }
+}
+
 }  // namespace
