@@ -23,6 +23,7 @@ namespace kadrona::testing {
 
 namespace {
 
+const QStringList SheetFormats{u"jpg"_s, u"jp2"_s, u"png"_s, u"bmp"_s, u"tif"_s, u"pdf"_s};
 const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
 
 /// The data module of the installation in a folder, and what it works with.
@@ -74,14 +75,17 @@ void MakeInstallation(const QString& folder) {
     module.data.SavePrintProfile(u"Alt"_s);
     module.data.SaveLayerPosToIni(u"alt"_s, {1, 2, 3, 4});
     core::TData::SetArchivPath(folder);
+    for (const QString& format : SheetFormats) {
+        platform::WriteFileAtomically(folder + u"/saved/Blatt."_s + format, "old"_ba);
+    }
     imaging::WriteCurveFile(folder + u"/common/Kadrona/Curves/Alt.acv"_s, {});
 }
 
 using Step = std::function<void(Module&)>;
 
 /// An operation of the data module of a finished installation.
-Operation OfModule(const char* name, const Step& step) {
-    return {QLatin1StringView(name), MakeInstallation,
+Operation OfModule(const QByteArray& name, const Step& step) {
+    return {QString::fromLatin1(name), MakeInstallation,
             [step](const QString& folder, QStringList& messages) -> std::function<void()> {
                 const auto module = std::make_shared<Module>(folder);
                 module->data.InitSystem();
@@ -89,23 +93,6 @@ Operation OfModule(const char* name, const Step& step) {
                     step(*module);
                     messages += module->ui.messages;
                 };
-            }};
-}
-
-/// A sheet of four over an older file.
-Operation Sheet(const QString& extension) {
-    const auto path = [extension](const QString& folder) {
-        return folder + u"/saved/Blatt."_s + extension;
-    };
-    return {u"sheet-"_s + extension,
-            [path](const QString& folder) {
-                MakeFolders(folder);
-                platform::WriteFileAtomically(path(folder), "old"_ba);
-            },
-            [path](const QString& folder, QStringList&) -> std::function<void()> {
-                const imaging::Pixels sheet(TestPicture(150, 200), 2, 2);
-                return
-                    [path, folder, sheet] { imaging::WriteImageFile(path(folder), sheet, {300}); };
             }};
 }
 
@@ -155,8 +142,12 @@ QStringList Column(store::Database& database, const QString& query) {
 
 std::vector<Operation> AllOperations() {
     std::vector<Operation> operations{FirstStart()};
-    for (const QString& extension : {u"jpg"_s, u"jp2"_s, u"png"_s, u"bmp"_s, u"tif"_s, u"pdf"_s}) {
-        operations.push_back(Sheet(extension));
+    for (const QString& format : SheetFormats) {
+        operations.push_back(OfModule("sheet-" + format.toLatin1(), [format](Module& module) {
+            // Of four photos over an older file.
+            const imaging::Pixels sheet(TestPicture(150, 200), 2, 2);
+            imaging::WriteImageFile(module.folder + u"/saved/Blatt."_s + format, sheet, {300});
+        }));
     }
     const std::initializer_list<std::pair<const char*, Step>> steps{
         {"archiving", Archive},

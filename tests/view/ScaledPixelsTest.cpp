@@ -92,9 +92,8 @@ TEST(ScaledPixels, AShrunkCheckerboardIsEvenlyGrey) {
         Painted({2100, 2100}, [](int x, int y) { return ColourOf((x + y) % 2 == 0 ? 'k' : 'w'); });
     for (const int side : {1000, 700, 333, 52}) {
         const QImage drawn = Drawn(Pixels(image), {side, side});
-        for (int i = 1; i + 1 < side; ++i) {
-            ASSERT_NEAR(qRed(drawn.pixel(i, side / 3)), 128, 12) << side << " at " << i;
-        }
+        const QImage grey = Filled(drawn.size(), qRgb(128, 128, 128));
+        EXPECT_LE(LargestDifference(drawn, grey, drawn.rect().adjusted(1, 1, -1, -1)), 12) << side;
     }
 }
 
@@ -159,12 +158,12 @@ TEST(ScaledPixels, AGridHasNoSeams) {
 
 TEST(ScaledPixels, AnArrangementIsDrawnPictureByPicture) {
     const Pixels sheet(Arrangement{{90, 70},
-                                   {Pattern(31, 17), Pattern(12, 20)},
+                                   {Pattern({31, 17}), Pattern({12, 20})},
                                    {{0, {2, 3}}, {1, {50, 40}}, {0, {40, 3}}},
                                    {{{36, 0, 1, 70}, qRgb(0, 0, 0)}}});
     EXPECT_TRUE(SamePixels(Drawn(sheet, sheet.Size()), sheet.ToImage()));
     const QImage half = Drawn(sheet, {45, 35});
-    EXPECT_TRUE(SamePixels(half.copy(25, 20, 6, 10), Drawn(Pixels(Pattern(12, 20)), {6, 10})));
+    EXPECT_TRUE(SamePixels(half.copy(25, 20, 6, 10), Drawn(Pixels(Pattern({12, 20})), {6, 10})));
     EXPECT_EQ(half.pixel(18, 30), qRgb(0, 0, 0)) << "a mark stays a pixel wide";
     EXPECT_EQ(half.pixel(24, 20), qRgb(255, 255, 255));
 }
