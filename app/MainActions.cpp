@@ -71,6 +71,9 @@ constexpr std::array Definitions = {
                      UpdateRule::Editing},
     ActionDefinition{Action::ShowCheck, u"acShowCheck", u"Prüfung", u"Prüfung an/aus", u"F7",
                      u"align-face", -1, UpdateRule::None, true},
+    ActionDefinition{Action::UploadFile, u"acUploadFile", u"Datei für Online-Antrag",
+                     u"Macht eine Bilddatei, wie Behörden sie online annehmen", u"", u"save", -1,
+                     UpdateRule::Cut},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.
@@ -118,6 +121,9 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
             return {.enabled = circumstances.sheetCreated &&
                                circumstances.layoutIndex == core::SinglePhotoLayout,
                     .visible = !settings.PrintAfterCrop()};
+        case UpdateRule::Cut:
+            return {.enabled =
+                        circumstances.cutKnown || (editable && circumstances.templateLoaded)};
         case UpdateRule::None:
             break;
     }

@@ -42,6 +42,7 @@ enum class Action {
     AlignToFace,
     LevelHead,
     ShowCheck,
+    UploadFile,
 };
 
 /// What decides whether an action can be used, besides the settings.
@@ -50,6 +51,8 @@ struct ActionCircumstances {
     bool sheetCreated = false;
     bool templateLoaded = false;
     bool canUndo = false;
+    /// The photo as it was cut is still there.
+    bool cutKnown = false;
     /// Item index of the picture count box.
     int layoutIndex = -1;
 };
@@ -61,6 +64,7 @@ enum class UpdateRule {
     Sheet,     ///< acPrintImageUpdate: once a sheet is made
     Undo,      ///< acUndoUpdate: while something can be undone
     SaveFast,  ///< acSaveImageFastUpdate: a sheet of one photo
+    Cut,       ///< while there is a cut photo, or a template to cut it by
 };
 
 /// One row of the list of actions.

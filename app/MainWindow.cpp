@@ -15,6 +15,7 @@
 #include "app/RetouchTool.h"
 #include "app/RotateActions.h"
 #include "app/SheetActions.h"
+#include "app/UploadActions.h"
 #include "app/ViewActions.h"
 #include "app/WindowInterface.h"
 #include "app/WindowPlace.h"
@@ -100,6 +101,8 @@ void TmainFm::CreateReusedWindows() {
     ui_->SetDialogs(*tagEditor, *rotateDialog);
     sheetActions_ = std::make_unique<SheetActions>(session_, *this, *data_, *settings_, *ui_,
                                                    actions_, *viewActions_, *printFlow_);
+    uploadActions_ =
+        std::make_unique<UploadActions>(session_, *this, *data_, *settings_, *ui_, actions_);
     archiveActions_ =
         std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
                                          *archiveWindow_, actions_, *viewActions_, *printFlow_);
@@ -131,10 +134,13 @@ void TmainFm::ShowSession() {
                      .sheetCreated = session_.CurrentStage() == Stage::SheetMade,
                      .templateLoaded = session_.HasTemplate(),
                      .canUndo = image.CanUndo(),
+                     .cutKnown = !session_.Cut().IsEmpty(),
                      .layoutIndex = session_.LayoutIndex()},
                     *settings_);
     emptyState_->setVisible(image.IsEmpty());
     view_->setVisible(!image.IsEmpty());
+    sheetLine_->setVisible(session_.CurrentStage() == Stage::SheetMade &&
+                           actions_[Action::UploadFile]->isEnabled());
     statusPanels_->SetPath(session_.FileName());
     templateName_->setText(session_.TemplateName());
 }
@@ -154,6 +160,7 @@ void TmainFm::FormDestroy() {
     colourTools_.reset();
     retouchTool_.reset();
     archiveActions_.reset();
+    uploadActions_.reset();
     sheetActions_.reset();
     printFlow_.reset();
     openActions_.reset();

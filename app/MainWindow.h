@@ -40,6 +40,7 @@ class PrintFlow;
 class RetouchTool;
 class RotateActions;
 class SheetActions;
+class UploadActions;
 class ViewActions;
 class WindowInterface;
 class WindowPlace;
@@ -83,6 +84,7 @@ class TmainFm : public QMainWindow {
     void BuildEditBar(controls::CommandArea& area);
     void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);
     void BuildViewPanel();
+    QWidget* BuildSheetLine();
     QWidget* BuildEmptyState();
     void BuildStatusBar();
     void SetScreenTips();
@@ -92,6 +94,7 @@ class TmainFm : public QMainWindow {
     MainActions actions_{this};
     imaging::view::ImageView* view_ = nullptr;
     QWidget* emptyState_ = nullptr;
+    QWidget* sheetLine_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
     QLabel* templateName_ = nullptr;
@@ -111,6 +114,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<OpenActions> openActions_;
     std::unique_ptr<PrintFlow> printFlow_;
     std::unique_ptr<SheetActions> sheetActions_;
+    std::unique_ptr<UploadActions> uploadActions_;
     std::unique_ptr<ArchiveActions> archiveActions_;
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;

@@ -47,7 +47,7 @@ void TmainFm::BuildCommandArea() {
     QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
     file->setToolTipsVisible(true);
     for (const Action action : {Action::Open, Action::SearchArchiv, Action::Save, Action::PrinSetup,
-                                Action::PrinterProfilDlg, Action::ShowConfig}) {
+                                Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile}) {
         file->addAction(actions_[action]);
     }
     file->addSeparator();
@@ -97,6 +97,7 @@ void TmainFm::BuildViewPanel() {
     layout->setContentsMargins({});
     layout->addWidget(emptyState_);
     layout->addWidget(view_);
+    layout->addWidget(BuildSheetLine());
 
     sidePanel_ = new dialogs::SidePanel;
     checkSection_ = new dialogs::CheckSection;
@@ -112,6 +113,23 @@ void TmainFm::BuildViewPanel() {
 
     auto* drop = new controls::FileDropTarget(panel);
     connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
+}
+
+/// What can be made beside the prints, under a sheet.
+QWidget* TmainFm::BuildSheetLine() {
+    QAction* action = actions_[Action::UploadFile];
+    auto* button = new QPushButton(action->icon(), action->text());
+    button->setObjectName(u"UploadFileButton"_s);
+    button->setToolTip(action->toolTip());
+    connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    sheetLine_ = new QWidget;
+    sheetLine_->setObjectName(u"SheetLine"_s);
+    auto* row = new QHBoxLayout(sheetLine_);
+    row->setContentsMargins(8, 4, 8, 4);
+    row->addStretch();
+    row->addWidget(button);
+    sheetLine_->hide();
+    return sheetLine_;
 }
 
 QWidget* TmainFm::BuildEmptyState() {

@@ -1,5 +1,7 @@
 #include "app/PhotoSession.h"
 
+#include "imaging/pixels/Cropping.h"
+
 namespace kadrona::app {
 
 PhotoSession::PhotoSession(QObject* parent) : QObject(parent) {
@@ -15,7 +17,14 @@ void PhotoSession::SetStage(Stage stage) {
 
 void PhotoSession::SetFileName(const QString& name) {
     fileName_ = name;
+    cut_ = {};
     Q_EMIT Changed();
+}
+
+imaging::Pixels PhotoSession::Cut() const {
+    return stage_ == Stage::PhotoOpen && HasTemplate()
+               ? imaging::Cropped(image_.Photo(), image_.LayerAt(1).rectangle)
+               : cut_;
 }
 
 void PhotoSession::SetLayoutIndex(int index) {

@@ -32,6 +32,12 @@ class PhotoSession : public QObject {
     const QString& FileName() const { return fileName_; }
     void SetFileName(const QString& name);
 
+    /// The photo as it is cut: what lies under the template, or once a sheet is made what it was
+    /// made of, without a border. Empty where neither is known.
+    imaging::Pixels Cut() const;
+    /// Kept until another photo is opened.
+    void KeepCut(imaging::Pixels cut) { cut_ = std::move(cut); }
+
     /// Index of core::SheetLayouts; -1 for none.
     int LayoutIndex() const { return layoutIndex_; }
     void SetLayoutIndex(int index);
@@ -47,6 +53,7 @@ class PhotoSession : public QObject {
  private:
     imaging::LayeredImage image_;
     Stage stage_ = Stage::NoPhoto;
+    imaging::Pixels cut_;
     QString fileName_;
     QString templateName_;
     int layoutIndex_ = -1;

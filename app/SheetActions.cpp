@@ -46,6 +46,7 @@ void SheetActions::acCropExecute() {
     if (confirm_ && !confirm_()) {
         return;
     }
+    const imaging::Pixels cut = session_.Cut();
     image.SetCurrentLayer(0);
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
         ui_.ShowMessage(core::TooBrightWarning);
@@ -55,6 +56,7 @@ void SheetActions::acCropExecute() {
         data_.CropImage(image, session_.LayoutIndex());
     }
     image.ClearUndo();
+    session_.KeepCut(cut);
     session_.SetStage(PhotoSession::Stage::SheetMade);
     viewActions_.StartAnew();
     if (settings_.PrintAfterCrop()) {

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "core/base/UserInterface.h"
+#include "core/settings/Settings.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
@@ -54,6 +55,12 @@ bool TData::MaskLoadFromFile(const QString& path) {
     }
     template_ = *std::move(read);
     return true;
+}
+
+void TData::SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
+                      bool scale) {
+    const bool withTags = settings_ == nullptr || settings_->TagsInSavedFiles();
+    saver_.Save(image, {folder, fileName, scale, currentFile_, withTags});
 }
 
 bool TData::IsGone(const QString& leftFile) const {

@@ -125,9 +125,7 @@ class TData {
     QString SaveFolder() const { return saver_.Folder(*settings_); }
     const QString& LastSaveFolder() const { return saver_.LastFolder(); }
     void SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
-                   bool scale) {
-        saver_.Save(image, {folder, fileName, scale, currentFile_});
-    }
+                   bool scale);
     /// Writes nothing: this way of saving never had a file name.
     void AutoSaveImage(imaging::LayeredImage& /*image*/, const QString& /*folder*/) const {}
 

@@ -20,6 +20,7 @@
 #include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/UploadFiguresEdit.h"
 #include "dialogs/WindowPlacement.h"
 #include "platform/HarmlessText.h"
 
@@ -145,6 +146,12 @@ void TEinstellungenFm::ResetPrintDefaults() {
     RefreshPrinterProfiles();
     printProfileBox_->setCurrentIndex(-1);
     printAfterCrop_->setChecked(false);
+    propertyStore_.Store();
+}
+
+void TEinstellungenFm::KeepUploadFigures(bool own, const core::UploadFigures& figures) {
+    findChild<QCheckBox*>(u"UploadOwnFigures"_s)->setChecked(own);
+    uploadFigures_->SetFigures(figures);
     propertyStore_.Store();
 }
 

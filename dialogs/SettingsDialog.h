@@ -22,9 +22,12 @@ class PathEdit;
 
 namespace kadrona::core {
 class TData;
-}
+struct UploadFigures;
+}  // namespace kadrona::core
 
 namespace kadrona::dialogs {
+
+class UploadFiguresEdit;
 
 /// "Einstellungen". Its controls are the one live record of the active photo profile: every other
 /// part of the program reads a setting from here at the moment of use. Lives from start to end.
@@ -55,6 +58,9 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     /// Takes the default printer profile and the immediate printing back and stores the settings.
     void ResetPrintDefaults();
 
+    /// Shows and stores own figures for portals.
+    void KeepUploadFigures(bool own, const core::UploadFigures& figures);
+
     // core::Settings
     bool Checked(const core::ProfileEntry& entry) const override;
     int ItemIndex(const core::ProfileEntry& entry) const override;
@@ -77,6 +83,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     QWidget* BuildGeneralPage();
     QWidget* BuildOptionsPage();
     QWidget* BuildCheckPage();
+    QWidget* BuildFilesPage();
     void FillPropertyStore();
 
     // Behaviour (SettingsDialog.cpp)
@@ -107,6 +114,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     std::function<void(int)> imageCountHandler_;
 
     QTabWidget* pages_;
+    UploadFiguresEdit* uploadFigures_;
     QListWidget* profileListBox_;
     QPushButton* btnNew_;
     QPushButton* btnDelete_;

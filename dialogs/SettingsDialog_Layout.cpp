@@ -19,6 +19,7 @@
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
+#include "dialogs/UploadFiguresEdit.h"
 
 using namespace Qt::StringLiterals;
 
@@ -91,6 +92,7 @@ void TEinstellungenFm::BuildControls() {
     pages_->addTab(new ScrolledPage(BuildGeneralPage()), u"Allgemein"_s);
     pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
     pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);
+    pages_->addTab(new ScrolledPage(BuildFilesPage()), u"Dateien"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
@@ -235,6 +237,24 @@ QWidget* TEinstellungenFm::BuildCheckPage() {
     layout->addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
     layout->addSpacing(GroupSpacing);
     layout->addWidget(askBeforeCut);
+    layout->addStretch();
+    return page;
+}
+
+QWidget* TEinstellungenFm::BuildFilesPage() {
+    auto* own =
+        Named<QCheckBox>(u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
+    uploadFigures_ = new UploadFiguresEdit;
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(Named<QCheckBox>(
+        u"TagsInSavedFiles"_s, u"Schlagworte des Archivs in gespeicherte &Bilder schreiben"_s));
+    layout->addWidget(
+        Named<QCheckBox>(u"TagsInUploadFiles"_s,
+                         u"Schlagworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
+    layout->addSpacing(2 * GroupSpacing);
+    layout->addWidget(own);
+    layout->addWidget(uploadFigures_);
     layout->addStretch();
     return page;
 }

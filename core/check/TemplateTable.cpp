@@ -216,12 +216,7 @@ class RowReader {
         upload.width = CountRange(u"Datei Breite"_s, LongestUploadSide);
         upload.height = CountRange(u"Datei Höhe"_s, LongestUploadSide);
         const PixelRange kilobytes = CountRange(u"Datei kB"_s, MostUploadKilobytes);
-        if (kilobytes.least) {
-            upload.bytes.least = *kilobytes.least * BytesPerKilobyte;
-        }
-        if (kilobytes.most) {
-            upload.bytes.most = *kilobytes.most * BytesPerKilobyte;
-        }
+        upload.bytes = KilobyteRange(kilobytes.least.value_or(0), kilobytes.most.value_or(0));
         OneOf<bool>(u"Datei Format"_s, {{{}, true}, {u"JPEG"_s, true}});
         upload.evidence = cells_.value(u"Datei Beleg"_s);
         return upload;

@@ -65,8 +65,12 @@ inline constexpr std::array ProfileRecord{
 /// read, so its file stays as it is and these go into a file of their own (AdditionsFile). A
 /// profile without one has the values given here.
 inline constexpr std::array ProfileAdditions{
-    ProfileEntry::Choice("AlignToFace", 1),
-    ProfileEntry::Switch("AskBeforeCut", true),
+    ProfileEntry::Choice("AlignToFace", 1),         ProfileEntry::Switch("AskBeforeCut", true),
+    ProfileEntry::Switch("TagsInSavedFiles", true), ProfileEntry::Switch("TagsInUploadFiles"),
+    ProfileEntry::Switch("UploadOwnFigures"),       ProfileEntry::Number("UploadWidthFrom", 0),
+    ProfileEntry::Number("UploadWidthTo", 0),       ProfileEntry::Number("UploadHeightFrom", 0),
+    ProfileEntry::Number("UploadHeightTo", 0),      ProfileEntry::Number("UploadKilobytesFrom", 0),
+    ProfileEntry::Number("UploadKilobytesTo", 0),
 };
 
 /// The archive's folder stands among the settings, but no profile keeps it: it is one for the user.

@@ -77,6 +77,18 @@ class Settings {
     }
     /// Ask before photos are made that miss a published rule.
     bool AskBeforeCut() const { return Checked(EntryOf("AskBeforeCut")); }
+    /// Write the archive's tags into files that are saved, and into those for portals.
+    bool TagsInSavedFiles() const { return Checked(EntryOf("TagsInSavedFiles")); }
+    bool TagsInUploadFiles() const { return Checked(EntryOf("TagsInUploadFiles")); }
+    /// Make files for portals by the figures below and not by the template's. Pixels and kilobytes;
+    /// 0 is no limit.
+    bool UploadOwnFigures() const { return Checked(EntryOf("UploadOwnFigures")); }
+    int UploadWidthFrom() const { return Number(EntryOf("UploadWidthFrom")); }
+    int UploadWidthTo() const { return Number(EntryOf("UploadWidthTo")); }
+    int UploadHeightFrom() const { return Number(EntryOf("UploadHeightFrom")); }
+    int UploadHeightTo() const { return Number(EntryOf("UploadHeightTo")); }
+    int UploadKilobytesFrom() const { return Number(EntryOf("UploadKilobytesFrom")); }
+    int UploadKilobytesTo() const { return Number(EntryOf("UploadKilobytesTo")); }
 };
 
 /// The gap between photos in pixels: the decimal value of the FrameSize text. Throws

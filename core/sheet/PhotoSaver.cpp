@@ -53,9 +53,10 @@ SaveDialog DialogFor(const PhotoSaver::Request& request) {
 
 }  // namespace
 
-void WritePhoto(const imaging::LayeredImage& image, const QString& path) {
-    imaging::WriteImageFile(path, image.Photo(), image.Resolution(),
-                            {SoftwareText.toByteArray(), image.Iptc().Own()});
+void WritePhoto(const imaging::LayeredImage& image, const QString& path, bool withTags) {
+    imaging::WriteImageFile(
+        path, image.Photo(), image.Resolution(),
+        {SoftwareText.toByteArray(), withTags ? image.Iptc().Own() : imaging::IptcItems()});
 }
 
 QString PhotoSaver::Folder(const Settings& settings) const {
@@ -70,7 +71,7 @@ void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
             ScaleForOutput(image);
         }
         if (const auto path = AskForPath(DialogFor(request))) {
-            WritePhoto(image, *path);
+            WritePhoto(image, *path, request.withTags);
         }
         return;
     }
@@ -125,7 +126,7 @@ void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
         ScaleForOutput(image);
     }
     try {
-        WritePhoto(image, path);
+        WritePhoto(image, path, request.withTags);
     } catch (...) {
         if (request.scale) {
             image.Undo();

@@ -13,8 +13,9 @@ class Settings;
 class UserInterface;
 
 /// Writes an image's photo as every finished one is written: with its resolution, its IPTC items
-/// and the program's name. Throws imaging::WriteError.
-void WritePhoto(const imaging::LayeredImage& image, const QString& path);
+/// where they are wanted, and the program's name; with nothing else of what the customer's photo
+/// brought (where it was taken, by which camera, its preview). Throws imaging::WriteError.
+void WritePhoto(const imaging::LayeredImage& image, const QString& path, bool withTags = true);
 
 /// Saves finished photos: under a name that the user chooses, and quickly.
 class PhotoSaver {
@@ -37,6 +38,8 @@ class PhotoSaver {
         bool scale = false;
         /// The photo that the image was made of; what the dialog proposes is made of its name.
         QString source;
+        /// Write the archive's tags too.
+        bool withTags = true;
     };
 
     /// Writes an image, over an older file of that name. Before a save under a given name the user

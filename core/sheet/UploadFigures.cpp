@@ -3,6 +3,8 @@
 #include <QLocale>
 #include <QStringList>
 
+#include "core/settings/Settings.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
@@ -41,7 +43,27 @@ QString KilobyteText(const imaging::ByteRange& bytes) {
                 : u"%1 bis %2 kB"_s.arg(kilobytes(bytes.least), kilobytes(bytes.most));
 }
 
+std::optional<int> End(int number) {
+    return number > 0 ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace
+
+imaging::ByteRange KilobyteRange(int least, int most) {
+    imaging::ByteRange bytes;
+    bytes.least = least * BytesPerKilobyte;
+    if (most > 0) {
+        bytes.most = most * BytesPerKilobyte;
+    }
+    return bytes;
+}
+
+UploadFigures OwnUploadFigures(const Settings& settings) {
+    return {{End(settings.UploadWidthFrom()), End(settings.UploadWidthTo())},
+            {End(settings.UploadHeightFrom()), End(settings.UploadHeightTo())},
+            KilobyteRange(settings.UploadKilobytesFrom(), settings.UploadKilobytesTo()),
+            {}};
+}
 
 QString UploadFiguresText(const UploadFigures& figures) {
     QStringList parts{PixelText(figures), KilobyteText(figures.bytes)};

@@ -37,6 +37,14 @@ inline constexpr int LongestUploadSide = 10'000;
 /// Nor more kilobytes.
 inline constexpr int MostUploadKilobytes = 100'000;
 
+/// The bytes of a range of kilobytes; 0 is no end.
+imaging::ByteRange KilobyteRange(int least, int most);
+
+class Settings;
+
+/// What the settings hold for portals that no template knows.
+UploadFigures OwnUploadFigures(const Settings& settings);
+
 /// "mindestens 600 x 750 Pixel, 50 bis 10.000 kB"; "keine Vorgaben" where there are none.
 QString UploadFiguresText(const UploadFigures& figures);
 

@@ -40,9 +40,11 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     for (const auto& [circumstances, enabled] :
          {Row{{}, always}, Row{{.imageLoaded = true}, always + tools},
           Row{{.imageLoaded = true, .templateLoaded = true},
-              always + tools + u"acAlignToFace acCrop "_s},
+              always + tools + u"acAlignToFace acCrop acUploadFile "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .templateLoaded = true},
               always + u"acPrintImage acSave "_s},
+          Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true},
+              always + u"acPrintImage acSave acUploadFile "_s},
           Row{SinglePhoto, always + u"acPrintImage acSave acSaveImageFast "_s},
           Row{{.canUndo = true}, always + u"acUndo "_s}}) {
         QStringList sorted = enabled.split(u' ', Qt::SkipEmptyParts);

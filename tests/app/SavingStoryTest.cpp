@@ -117,11 +117,12 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
     photo.fill(Qt::gray);
     ASSERT_TRUE(photo.scaled(160, 120).save(installation.Path("thumbnail.jpg")));
     ASSERT_TRUE(photo.save(installation.Path("photo.jpg")));
-    const QString changed =
-        exiftool({u"-n"_s, u"-Orientation=6"_s, u"-ExifImageWidth=1200"_s,
-                  u"-ExifImageHeight=1600"_s, u"-XResolution=72"_s, u"-Software=camera"_s,
-                  u"-Model=camera"_s, u"-ThumbnailImage<="_s + installation.Path("thumbnail.jpg"),
-                  installation.Path("photo.jpg")});
+    const QString changed = exiftool(
+        {u"-n"_s, u"-Orientation=6"_s, u"-ExifImageWidth=1200"_s, u"-ExifImageHeight=1600"_s,
+         u"-XResolution=72"_s, u"-Software=camera"_s, u"-Model=camera"_s,
+         u"-EXIF:SerialNumber=4711"_s, u"-GPSLatitude=52.5"_s, u"-GPSLatitudeRef=N"_s,
+         u"-ThumbnailImage<="_s + installation.Path("thumbnail.jpg"),
+         installation.Path("photo.jpg")});
     ASSERT_TRUE(changed.contains(u"1 image files updated"_s)) << changed.toStdString();
 
     photoName = "photo.jpg";
@@ -136,10 +137,11 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
             installation.Path(type == 0 ? "saved/Bildname.jpg" : "saved/Bildname.jp2");
         const QString said =
             exiftool({u"-n"_s, u"-T"_s, u"-Orientation"_s, u"-ThumbnailImage"_s, u"-Model"_s,
-                      u"-ImageSize"_s, u"-ExifImageWidth"_s, u"-ExifImageHeight"_s,
-                      u"-IFD0:XResolution"_s, u"-Software"_s, file});
+                      u"-SerialNumber"_s, u"-GPSLatitude"_s, u"-MakerNotes"_s, u"-ImageSize"_s,
+                      u"-ExifImageWidth"_s, u"-ExifImageHeight"_s, u"-IFD0:XResolution"_s,
+                      u"-Software"_s, file});
         // 413 pixels on the 35 mm of the template.
-        EXPECT_EQ(said, u"-\t-\t-\t413 531\t413\t531\t300\t%1\n"_s.arg(
+        EXPECT_EQ(said, u"-\t-\t-\t-\t-\t-\t413 531\t413\t531\t300\t%1\n"_s.arg(
                             QString::fromLatin1(core::SoftwareText)));
     }
 }

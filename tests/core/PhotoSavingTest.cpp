@@ -169,4 +169,14 @@ TEST_F(PhotoSaving, AFailureNamesTheFileAndChangesNothing) {
     EXPECT_EQ(Colour(), QColor(Qt::red));
 }
 
+TEST_F(PhotoSaving, WritesTheArchivesTagsOnlyWhereTheProfileWantsThem) {
+    data.SaveIptcToImage(image, u"Anna"_s, u"Anna,Berlin,"_s);
+    for (const bool wanted : {true, false}) {
+        settings[u"TagsInSavedFiles"_s] = wanted;
+        Save("anna.jpg");
+        EXPECT_EQ(imaging::ReadImageFile(Saved("anna.jpg")).iptc.IsEmpty(), !wanted);
+    }
+    EXPECT_FALSE(FakeSettings().TagsInUploadFiles());
+}
+
 }  // namespace kadrona::testing

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+
+class QWidget;
+
+namespace kadrona::core {
+class TData;
+class UserInterface;
+}  // namespace kadrona::core
+
+namespace kadrona::dialogs {
+class TEinstellungenFm;
+class UploadDialog;
+}  // namespace kadrona::dialogs
+
+namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+
+/// "Datei für Online-Antrag": makes the file that a portal takes of the same cut as the prints.
+/// All that is given outlives the object.
+class UploadActions : public QObject {
+    Q_OBJECT
+
+ public:
+    UploadActions(PhotoSession& session, QWidget& window, core::TData& data,
+                  dialogs::TEinstellungenFm& settings, core::UserInterface& ui,
+                  MainActions& actions);
+
+ private:
+    void acUploadFileExecute();
+    void Save();
+
+    PhotoSession& session_;
+    core::TData& data_;
+    dialogs::TEinstellungenFm& settings_;
+    core::UserInterface& ui_;
+    dialogs::UploadDialog* dialog_;
+};
+
+}  // namespace kadrona::app

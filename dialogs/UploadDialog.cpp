@@ -1,0 +1,195 @@
+#include "dialogs/UploadDialog.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollArea>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/WaitCursor.h"
+#include "dialogs/UploadFiguresEdit.h"
+#include "dialogs/WindowPlacement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr int DelayMilliseconds = 250;
+constexpr int FiguresWidth = 340;
+constexpr QSize LargestPicture(640, 720);
+constexpr QSize SmallestPicture(240, 240);
+
+QLabel* ResultLabel(const QString& name) {
+    auto* label = new QLabel;
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+/// Which letters stand behind published figures.
+QString EvidenceText(const QString& letters) {
+    QStringList sources;
+    for (const auto& [letter, source] : {std::pair{u'O', u"eigene Seite der Behörde"_s},
+                                         {u'T', u"datierte Abschrift ihres Dokuments"_s},
+                                         {u'S', u"sonstige Quelle"_s}}) {
+        if (letters.contains(letter)) {
+            sources << source;
+        }
+    }
+    return sources.isEmpty() ? QString() : u"Quelle: "_s + sources.join(u", "_s);
+}
+
+}  // namespace
+
+UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"UploadFileFm"_s);
+    setWindowTitle(u"Datei für Online-Antrag"_s);
+    delay_ = new QTimer(this);
+    delay_->setSingleShot(true);
+    delay_->setInterval(DelayMilliseconds);
+    auto* buttons = new QDialogButtonBox;
+    save_ = buttons->addButton(u"&Speichern"_s, QDialogButtonBox::AcceptRole);
+    save_->setObjectName(u"btnSave"_s);
+    save_->setDefault(true);
+    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
+
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(16);
+    columns->addWidget(BuildPicture(), 1);
+    columns->addWidget(BuildFigures());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->addLayout(columns, 1);
+    layout->addWidget(buttons);
+
+    const auto make = [this] { controls::Guarded(this, [this] { Make(); }); };
+    connect(delay_, &QTimer::timeout, this, make);
+    connect(edit_, &UploadFiguresEdit::Changed, this, [this] {
+        save_->setEnabled(false);
+        delay_->start();
+    });
+    connect(ownFigures_, &QRadioButton::toggled, this, [this, make](bool own) {
+        edit_->setEnabled(own);
+        make();
+    });
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+QWidget* UploadDialog::BuildPicture() {
+    picture_ = new QLabel;
+    picture_->setObjectName(u"Picture"_s);
+    picture_->setAlignment(Qt::AlignCenter);
+    auto* scrolled = new QScrollArea;
+    scrolled->setWidget(picture_);
+    scrolled->setWidgetResizable(true);
+    scrolled->setAccessibleName(u"Die Datei, Pixel auf Pixel"_s);
+    scrolled->setMinimumSize(SmallestPicture);
+    return scrolled;
+}
+
+QWidget* UploadDialog::BuildFigures() {
+    templateFigures_ = new QRadioButton;
+    templateFigures_->setObjectName(u"TemplateFigures"_s);
+    evidence_ = ResultLabel(u"Evidence"_s);
+    ownFigures_ = new QRadioButton(u"&Eigene Werte"_s);
+    ownFigures_->setObjectName(u"OwnFigures"_s);
+    edit_ = new UploadFiguresEdit;
+    pixels_ = ResultLabel(u"Pixels"_s);
+    quality_ = ResultLabel(u"Quality"_s);
+    bytes_ = ResultLabel(u"Bytes"_s);
+    state_ = ResultLabel(u"State"_s);
+    auto* result = new QFormLayout;
+    result->addRow(u"Bild"_s, pixels_);
+    result->addRow(u"Qualität"_s, quality_);
+    result->addRow(u"Datei"_s, bytes_);
+
+    auto* side = new QWidget;
+    side->setFixedWidth(FiguresWidth);
+    auto* column = new QVBoxLayout(side);
+    column->setContentsMargins({});
+    column->addWidget(templateFigures_);
+    column->addWidget(evidence_);
+    column->addSpacing(8);
+    column->addWidget(ownFigures_);
+    column->addWidget(edit_);
+    column->addSpacing(16);
+    column->addLayout(result);
+    column->addSpacing(8);
+    column->addWidget(state_);
+    column->addStretch();
+    return side;
+}
+
+controls::ModalResult UploadDialog::ShowEx(core::UploadRequest request, const QString& templateName,
+                                           const Choice& choice) {
+    published_ = request.figures;
+    request_ = std::move(request);
+    templateFigures_->setText(u"&Vorgaben der Schablone"_s);
+    const QString source = EvidenceText(published_.evidence);
+    evidence_->setText(templateName + u": "_s + core::UploadFiguresText(published_) +
+                       (source.isEmpty() ? QString() : u'\n' + source));
+    {
+        const QSignalBlocker quiet(ownFigures_);
+        (choice.own ? ownFigures_ : templateFigures_)->setChecked(true);
+    }
+    edit_->SetFigures(choice.figures.SameAs({}) ? published_ : choice.figures);
+    edit_->setEnabled(choice.own);
+    Make();
+    FitToScreen(*this);
+    const controls::ModalResult result = controls::ShowModal(*this);
+    delay_->stop();
+    return result;
+}
+
+UploadDialog::Choice UploadDialog::Chosen() const {
+    return {ownFigures_->isChecked(), edit_->Figures()};
+}
+
+void UploadDialog::Make() {
+    const controls::WaitCursor wait;
+    delay_->stop();
+    request_.figures = ownFigures_->isChecked() ? edit_->Figures() : published_;
+    file_ = core::MakeUploadFile(request_);
+    ShowFile();
+}
+
+void UploadDialog::ShowFile() {
+    QPixmap pixmap = QPixmap::fromImage(QImage::fromData(file_.bytes, "jpg"));
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    picture_->setPixmap(pixmap);
+    const QSize shown = pixmap.deviceIndependentSize().toSize();
+    picture_->parentWidget()->parentWidget()->setMinimumSize(
+        (shown + QSize(4, 4)).boundedTo(LargestPicture).expandedTo(SmallestPicture));
+
+    const QLocale german(QLocale::German);
+    pixels_->setText(u"%1 x %2 Pixel, %3 dpi"_s.arg(file_.size.width())
+                         .arg(file_.size.height())
+                         .arg(file_.resolution.value));
+    quality_->setText(u"%1 von 100, %2"_s.arg(file_.quality)
+                          .arg(file_.chroma == imaging::ChromaSampling::Full
+                                   ? u"alle Farben (4:4:4)"_s
+                                   : u"Farben halb so fein (4:2:0)"_s));
+    bytes_->setText(german.toString(file_.bytes.size()) + u" Bytes"_s);
+    const bool met = file_.shortfall.isEmpty();
+    QString state = met ? u"✓ Die Datei hält die Vorgaben ein."_s : u"✗ "_s + file_.shortfall;
+    if (file_.enlarged) {
+        state += u"\n! Das Foto hat weniger Pixel als die Datei und wird vergrößert."_s;
+    }
+    state_->setText(state);
+    state_->setStyleSheet(met ? u"color: #1b7a2b"_s : u"color: #b3261e"_s);
+    save_->setEnabled(met);
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QRadioButton>
+
+#include "tests/app/StoryFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+class UploadStory : public SavingStory {
+ protected:
+    static void SetOwn(QWidget& shown, int width, int height, int kilobytes) {
+        const auto set = [&shown](const char* name, int value) {
+            Child<QDoubleSpinBox>(shown, name).setValue(value);
+        };
+        set("UploadWidthFrom", width);
+        set("UploadWidthTo", width);
+        set("UploadHeightFrom", height);
+        set("UploadHeightTo", height);
+        set("UploadKilobytesTo", kilobytes);
+        Child<QRadioButton>(shown, "OwnFigures").setChecked(true);
+    }
+    QString Saved(const char* name) const {
+        return installation.Path("saved/") + QLatin1StringView(name);
+    }
+};
+
+TEST_F(UploadStory, MakesTheFileOfTheCutItselfAndKeepsOwnFigures) {
+    EXPECT_FALSE(IsEnabled(u"acUploadFile"_s));
+    Open(photoName);
+    const QSize cut = Template().size();
+    driver.Expect(u"UploadFileFm"_s, [cut](QWidget& shown) {
+        EXPECT_TRUE(Child<QLabel>(shown, "Evidence").text().contains(u"keine Vorgaben"_s));
+        const QPixmap picture = Child<QLabel>(shown, "Picture").pixmap();
+        EXPECT_EQ(picture.size(), cut) << "a pixel on a pixel";
+        dynamic_cast<QDialog&>(shown).reject();
+    });
+    Trigger(u"acUploadFile"_s);
+
+    Trigger(u"acCrop"_s);
+    ASSERT_GT(Image().Photo().Width(), 4 * cut.width()) << "a sheet with borders";
+    driver.Expect(u"UploadFileFm"_s, [](QWidget& shown) {
+        SetOwn(shown, 413, 413, 20);
+        EXPECT_FALSE(Child<QPushButton>(shown, "btnSave").isEnabled());
+        EXPECT_TRUE(Child<QLabel>(shown, "State").text().contains(u"413 x 531"_s));
+        Child<QRadioButton>(shown, "TemplateFigures").setChecked(true);
+        SetOwn(shown, 413, 531, 20);
+        EXPECT_EQ(Child<QLabel>(shown, "Pixels").text(), u"413 x 531 Pixel, 300 dpi"_s);
+        Child<QPushButton>(shown, "btnSave").click();
+    });
+    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { Type(shown, u"antrag.jpg"_s); });
+    Trigger(u"acUploadFile"_s);
+    const QImage file(Saved("antrag.jpg"));
+    ASSERT_EQ(file.size(), QSize(413, 531));
+    EXPECT_NEAR(qRed(file.pixel(0, 0)), 120, 1) << "no border";
+
+    Start();
+    Open(photoName);
+    driver.Expect(u"UploadFileFm"_s, [](QWidget& shown) {
+        EXPECT_TRUE(Child<QRadioButton>(shown, "OwnFigures").isChecked());
+        EXPECT_EQ(Child<QDoubleSpinBox>(shown, "UploadHeightTo").value(), 531);
+        dynamic_cast<QDialog&>(shown).reject();
+    });
+    Trigger(u"acUploadFile"_s);
+}
+
+}  // namespace kadrona::testing
