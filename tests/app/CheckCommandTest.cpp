@@ -1,13 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/SheetCommand.h"
-#include "tests/support/CoreFakes.h"
+#include "tests/app/CommandFixture.h"
 #include "tests/support/DrawnPortrait.h"
 
 using namespace Qt::StringLiterals;
@@ -17,57 +14,41 @@ namespace kadrona::testing {
 using app::ParseCheckRequest;
 
 TEST(CheckRequest, TakesOnePlaceAlone) {
-    const QStringList valid{u"a.jpg"_s, u"--template"_s, u"Pass"_s, u"--auto"_s, u"--json"_s};
-    EXPECT_TRUE(ParseCheckRequest(valid).automatic);
-    EXPECT_TRUE(ParseCheckRequest(valid).json);
-    EXPECT_FALSE(ParseCheckRequest(valid).strict);
-    EXPECT_THROW(ParseCheckRequest(valid + QStringList{u"--at"_s, u"1,2,3"_s}), app::UsageError);
-    EXPECT_THROW(ParseCheckRequest(valid + QStringList{u"--out"_s, u"b.jpg"_s}), app::UsageError);
+    const QStringList valid = Arguments("a.jpg --template Pass --auto --json");
+    const app::CheckRequest request = ParseCheckRequest(valid);
+    EXPECT_TRUE(request.automatic && request.json && !request.strict);
+    EXPECT_THROW(ParseCheckRequest(valid + Arguments("--at 1,2,3")), app::UsageError);
+    EXPECT_THROW(ParseCheckRequest(valid + Arguments("--out b.jpg")), app::UsageError);
 }
 
-class CheckCommand : public ::testing::Test {
+class CheckCommand : public Command {
  protected:
     CheckCommand() {
-        data.InitSystem();
-        installation.Write("in/face.png", {});
+        SavePhoto("in/wall.png", 600, 800);
         DrawnPortrait().save(installation.Path("in/face.png"));
-        QImage wall(600, 800, QImage::Format_RGB32);
-        wall.fill(Qt::gray);
-        wall.save(installation.Path("in/wall.png"));
         request.templateName = u"Pass"_s;
         request.photos = {installation.Path("in/face.png")};
         request.automatic = true;
         request.json = true;
     }
 
-    int Run() {
-        QTextStream outputStream(&output);
-        QTextStream errorStream(&errors);
-        return app::CheckPhotos(request, data, outputStream, errorStream);
-    }
+    int Run() { return RunCommand(app::CheckPhotos, request); }
     QJsonDocument Json() const { return QJsonDocument::fromJson(output.toUtf8()); }
 
-    Installation installation;
-    FakeInterface ui;
-    core::TData data{ui, installation.Folders()};
     app::CheckRequest request;
-    QString output;
-    QString errors;
 };
 
 TEST_F(CheckCommand, ReportsTheFaceItsPlaceAndEachCheck) {
     EXPECT_EQ(Run(), app::Done) << errors.toStdString();
     const QJsonObject report = Json().object();
-    EXPECT_EQ(report.keys(), (QStringList{u"checks"_s, u"face"_s, u"file"_s, u"placement"_s}));
+    EXPECT_EQ(report.keys(), Arguments("checks face file placement"));
     const QJsonObject face = report[u"face"_s].toObject();
-    EXPECT_EQ(face.keys(), (QStringList{u"chin"_s, u"confidence"_s, u"crown"_s, u"leftEye"_s,
-                                        u"rightEye"_s, u"tiltDegrees"_s}));
+    EXPECT_EQ(face.keys(), Arguments("chin confidence crown leftEye rightEye tiltDegrees"));
     EXPECT_NEAR(face[u"leftEye"_s][0].toDouble(), DrawnLeftEye.x(), 7);
     const QJsonObject placement = report[u"placement"_s].toObject();
     EXPECT_NEAR(placement[u"left"_s].toDouble() + placement[u"width"_s].toDouble() / 2, 300, 5);
     for (const auto& check : report[u"checks"_s].toArray()) {
-        EXPECT_EQ(check.toObject().keys(), (QStringList{u"max"_s, u"min"_s, u"name"_s, u"source"_s,
-                                                        u"state"_s, u"unit"_s, u"value"_s}));
+        EXPECT_EQ(check.toObject().keys(), Arguments("max min name source state unit value"));
     }
 }
 
@@ -94,9 +75,7 @@ TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
     sheets.automatic = true;
     sheets.photos = {installation.Path("in")};
     sheets.output = installation.Path("out");
-    QTextStream progress(&output);
-    QTextStream errorStream(&errors);
-    EXPECT_EQ(app::MakeSheets(sheets, data, progress, errorStream), app::SomePhotoFailed);
+    EXPECT_EQ(RunCommand(app::MakeSheets, sheets), app::SomePhotoFailed);
     EXPECT_EQ(QDir(sheets.output).entryList(QDir::Files), QStringList{u"face_kdr.jpg"_s});
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
 }

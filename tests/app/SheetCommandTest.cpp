@@ -1,13 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <QImageReader>
 #include <QProcess>
 
 #include "app/Application.h"
 #include "app/commandline/SheetCommand.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
-#include "tests/support/CoreFakes.h"
+#include "tests/app/CommandFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,9 +15,9 @@ using app::UsageError;
 
 TEST(SheetRequest, ReadsEveryOption) {
     const app::SheetRequest request = ParseSheetRequest(
-        {u"a.jpg"_s, u"b.png"_s, u"--template"_s, u"Pass"_s, u"--out=bogen"_s, u"--layout"_s,
-         u"3 x 3"_s, u"--at"_s, u"-5, 20,300"_s, u"--profile"_s, u"Laden"_s});
-    EXPECT_EQ(request.photos, (QStringList{u"a.jpg"_s, u"b.png"_s}));
+        Arguments("a.jpg b.png --template Pass --out=bogen --at -5,20,300 --profile Laden") +
+        QStringList{u"--layout"_s, u"3 x 3"_s});
+    EXPECT_EQ(request.photos.join(u' '), u"a.jpg b.png"_s);
     EXPECT_EQ(request.templateName, u"Pass"_s);
     EXPECT_EQ(request.output, u"bogen"_s);
     EXPECT_EQ(request.layoutIndex, 7);
@@ -31,36 +28,25 @@ TEST(SheetRequest, ReadsEveryOption) {
 }
 
 TEST(SheetRequest, RefusesWhatMakesNoSense) {
-    const QStringList valid{u"a.jpg"_s, u"--template"_s, u"Pass"_s, u"--out"_s, u"b.jpg"_s};
+    const QStringList valid = Arguments("a.jpg --template Pass --out b.jpg");
     EXPECT_NO_THROW(ParseSheetRequest(valid));
-    EXPECT_EQ(ParseSheetRequest(valid + QStringList{u"--layout"_s, u"3x3"_s}).layoutIndex, 7);
+    EXPECT_EQ(ParseSheetRequest(valid + Arguments("--layout 3x3")).layoutIndex, 7);
     EXPECT_THROW(ParseSheetRequest({}), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.mid(1)), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.first(3)), UsageError);
-    for (const QStringList& wrong : {QStringList{u"--at"_s, u"1,2"_s},
-                                     {u"--at"_s, u"1,2,0"_s},
-                                     {u"--at"_s, u"1,2,x"_s},
-                                     {u"--layout"_s, u"4 x 2"_s},
-                                     {u"--paper"_s, u"A7"_s},
-                                     {u"--paper"_s, u"0x150"_s},
-                                     {u"--paper"_s, u"A4"_s, u"--count"_s, u"0"_s},
-                                     {u"--paper"_s, u"A4"_s, u"--gap"_s, u"-1"_s},
-                                     {u"--paper"_s, u"A4"_s, u"--marks"_s, u"x"_s},
-                                     {u"--gap"_s, u"2"_s},
-                                     {u"--unknown"_s},
-                                     {u"--profile"_s}}) {
-        EXPECT_THROW(ParseSheetRequest(valid + wrong), UsageError)
-            << wrong.join(u' ').toStdString();
+    for (const char* wrong : {"--at 1,2", "--at 1,2,0", "--at 1,2,x", "--layout 4x2", "--paper A7",
+                              "--paper 0x150", "--paper A4 --count 0", "--paper A4 --gap -1",
+                              "--paper A4 --marks x", "--gap 2", "--unknown", "--profile"}) {
+        EXPECT_THROW(ParseSheetRequest(valid + Arguments(wrong)), UsageError) << wrong;
     }
 }
 
 TEST(SheetRequest, TakesNamesAsFileManagersGiveThemAndThoseThatBeginLikeAnOption) {
     EXPECT_EQ(app::LocalPath(u"file:///photos/a%20b.jpg"_s), u"/photos/a b.jpg"_s);
     EXPECT_EQ(app::LocalPath(u"file:a.jpg"_s), u"file:a.jpg"_s);
-    EXPECT_EQ(ParseSheetRequest({u"--template"_s, u"Pass"_s, u"--out"_s, u"-b.jpg"_s, u"--"_s,
-                                 u"-a.jpg"_s, u"file:///c.jpg"_s})
-                  .photos,
-              (QStringList{u"-a.jpg"_s, u"/c.jpg"_s}));
+    const auto request =
+        ParseSheetRequest(Arguments("--template Pass --out -b.jpg -- -a.jpg file:///c.jpg"));
+    EXPECT_EQ(request.photos.join(u' '), u"-a.jpg /c.jpg"_s);
 }
 
 TEST(CommandLine, EndsWithTheCodeOfWhatItWasAskedFor) {
@@ -80,38 +66,20 @@ TEST(CommandLine, EndsWithTheCodeOfWhatItWasAskedFor) {
     EXPECT_EQ(run({"--", "-a.jpg", "b.jpg"}), app::WrongUsage);
 }
 
-class SheetCommand : public ::testing::Test {
+class SheetCommand : public Command {
  protected:
     SheetCommand() {
-        data.InitSystem();
-        for (const char* name : {"in/a.png", "in/b.png"}) {
-            SavePhoto(name, 400, 500);
-        }
+        SavePhoto("in/a.png", 400, 500);
+        SavePhoto("in/b.png", 400, 500);
         request.templateName = u"Pass"_s;
         request.place = app::TemplatePlace{10, 20, 300};
         request.photos = {installation.Path("in/a.png")};
         request.output = installation.Path("sheet.png");
     }
 
-    void SavePhoto(const char* name, int width, int height, int value = 120) {
-        QImage photo(width, height, QImage::Format_RGB32);
-        photo.fill(qRgb(value, value, value));
-        installation.Write(name, {});
-        ASSERT_TRUE(photo.save(installation.Path(name)));
-    }
+    int Run() { return RunCommand(app::MakeSheets, request); }
 
-    int Run() {
-        QTextStream progressStream(&progress);
-        QTextStream errorStream(&errors);
-        return app::MakeSheets(request, data, progressStream, errorStream);
-    }
-
-    Installation installation;
-    FakeInterface ui;
-    core::TData data{ui, installation.Folders()};
     app::SheetRequest request;
-    QString progress;
-    QString errors;
 };
 
 TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
@@ -122,7 +90,7 @@ TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
     const QImage sheet(request.output);
     EXPECT_EQ(sheet.size(), QSize(3 * 310, 386 + 10)) << "1 x 3, height 300 * 450 / 350";
     EXPECT_EQ(sheet.dotsPerMeterX(), 8583) << "300 / 3.5 * 2.54 = 218 dpi";
-    EXPECT_TRUE(progress.startsWith(u"[1/1] "_s)) << progress.toStdString();
+    EXPECT_TRUE(output.startsWith(u"[1/1] "_s)) << output.toStdString();
 }
 
 /// Lengths of the runs of photo and of white along a line, white first.
@@ -149,11 +117,11 @@ TEST_F(SheetCommand, OnPaperEveryCopyAndGapHasItsMillimetres) {
     for (const auto& row : table) {
         for (const QString& name : {u"sheet.png"_s, u"sheet.pdf"_s}) {
             SCOPED_TRACE((row.paper + u' ' + name).toStdString());
-            request = ParseSheetRequest({installation.Path("in/a.png"), u"--template"_s, u"Pass"_s,
-                                         u"--at"_s, u"10,20,300"_s, u"--out"_s,
-                                         installation.Path(name.toUtf8().constData()), u"--paper"_s,
-                                         row.paper, u"--count"_s, u"fill"_s, u"--dpi"_s, u"300"_s,
-                                         u"--marks"_s, u"lines"_s});
+            request = ParseSheetRequest(
+                Arguments("--template Pass --at 10,20,300 --count fill --dpi 300 --marks lines") +
+                QStringList{u"--paper"_s, row.paper, u"--out"_s,
+                            installation.Path(name.toUtf8().constData()),
+                            installation.Path("in/a.png")});
             ASSERT_EQ(Run(), app::Done) << errors.toStdString();
             QImage sheet(request.output);
             if (name.endsWith(u"pdf"_s)) {
@@ -187,9 +155,9 @@ TEST_F(SheetCommand, DoesEveryPhotoOfAFolderAndNamesTheOnesThatFail) {
                       installation.Path("missing.jpg")};
     request.output = installation.Path("out");
     EXPECT_EQ(Run(), app::SomePhotoFailed);
-    EXPECT_EQ(QDir(request.output).entryList(QDir::Files),
-              (QStringList{u"a_2_kdr.jpg"_s, u"a_kdr.jpg"_s, u"b_kdr.jpg"_s}));
-    EXPECT_EQ(progress.count(u'\n'), 3);
+    EXPECT_EQ(QDir(request.output).entryList(QDir::Files).join(u' '),
+              u"a_2_kdr.jpg a_kdr.jpg b_kdr.jpg"_s);
+    EXPECT_EQ(output.count(u'\n'), 3);
     EXPECT_EQ(errors.count(u'\n'), 3) << errors.toStdString();
     for (const QString& name : {u"broken\\u001b\\u00ad.jpg"_s, u"small.png"_s, u"missing.jpg"_s}) {
         EXPECT_TRUE(errors.contains(name)) << errors.toStdString();
