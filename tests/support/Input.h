@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QImage>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <QWidget>
@@ -38,6 +39,10 @@ inline void SendWheel(QWidget& widget, QPointF at, int angle,
     QWheelEvent event(at, widget.mapToGlobal(at), {}, {0, angle}, Qt::NoButton, modifiers,
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&widget, &event);
+}
+
+inline QImage Grabbed(QWidget& widget) {
+    return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
 }  // namespace kadrona::testing

@@ -10,14 +10,12 @@
 
 #include "imaging/view/ImageView.h"
 #include "tests/support/Input.h"
-#include "tests/view/ViewTestSupport.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging::view {
 namespace {
 
 using namespace kadrona::testing;
-using test::Grabbed;
-using test::Pattern;
 
 class ImageViewTest : public ::testing::Test {
  protected:
@@ -28,7 +26,7 @@ class ImageViewTest : public ::testing::Test {
     }
 
     void Open(QSize photo, double zoomPercent) {
-        image_.Open(Pixels(Pattern(photo)), DotsPerInch{300});
+        image_.Open(Pixels(TestPicture(photo.width(), photo.height())), DotsPerInch{300});
         view_.SetZoomPercent(zoomPercent);
     }
 
@@ -57,7 +55,7 @@ class ImageViewTest : public ::testing::Test {
 
 TEST_F(ImageViewTest, AtFullSizeShowsThePhotosPixels) {
     Open({120, 90}, 100);
-    EXPECT_TRUE(SamePixels(Grab().copy(140, 105, 120, 90), Pattern({120, 90})));
+    EXPECT_TRUE(SamePixels(Grab().copy(140, 105, 120, 90), TestPicture(120, 90)));
     EXPECT_EQ(Grab().pixel(5, 5), qRgb(255, 255, 255));
     EXPECT_NE(Grab().pixel(200, 105 + 90), qRgb(255, 255, 255)) << "shadow";
     const uchar* pixels = image_.Photo().Tile().constBits();
@@ -297,7 +295,7 @@ TEST_F(ImageViewTest, AutomaticFitFollowsSizesUntilTheUserZooms) {
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
     view_.resize(776, 300);
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 100.0);
-    image_.ChangePhoto(Pixels(Pattern({1504, 10})));
+    image_.ChangePhoto(Pixels(TestPicture(1504, 10)));
     EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0);
     SendWheel(view_, {100, 100}, -360);
     view_.resize(400, 300);
@@ -349,12 +347,12 @@ TEST(ImageViewScreenScale, APhotoPixelIsADevicePixelAt100Percent) {
     view->setGeometry(7, 7, 200, 150);
     window.show();
     ASSERT_GT(window.devicePixelRatioF(), 1.0);
-    image.Open(Pixels(Pattern({121, 91})), DotsPerInch{300});
+    image.Open(Pixels(TestPicture(121, 91)), DotsPerInch{300});
     view->SetZoomPercent(100);
     const double scale = window.devicePixelRatioF();
     const QPointF place = (view->ToWidget({0, 0}) + QPointF(7, 7)) * scale;
     EXPECT_TRUE(SamePixels(Grabbed(window).copy(QRect(place.toPoint(), QSize(121, 91))),
-                           Pattern({121, 91})));
+                           TestPicture(121, 91)));
 }
 
 }  // namespace

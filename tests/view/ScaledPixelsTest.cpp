@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "imaging/view/ScaledPixels.h"
-#include "tests/view/ViewTestSupport.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging::view {
 namespace {
 
 using namespace kadrona::testing;
-using test::Pattern;
 
 QImage Drawn(const Pixels& pixels, QSize size, Quality quality = Quality::Smooth,
              Enlargement enlargement = Enlargement::Crisp) {
@@ -100,7 +99,7 @@ TEST(ScaledPixels, AShrunkCheckerboardIsEvenlyGrey) {
 // What is drawn part after part is what is drawn at once: no wobble while panning, no part of the
 // pyramid left out.
 TEST(ScaledPixels, PartsAddUpToTheWhole) {
-    const Pixels photo(Pattern({2501, 1303}));
+    const Pixels photo(TestPicture(2501, 1303));
     for (const QSize size : {QSize(2501, 1303), QSize(1777, 901), QSize(600, 313), QSize(41, 33)}) {
         const QImage whole = Drawn(photo, size);
         ScaledPixels scaled(Enlargement::Crisp);
@@ -119,7 +118,7 @@ TEST(ScaledPixels, PartsAddUpToTheWhole) {
 }
 
 TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
-    const Pixels photo(Pattern({500, 300}));
+    const Pixels photo(TestPicture(500, 300));
     const QSize size(311, 187);
     const QRect all(QPoint(0, 0), size);
     const QImage smooth = Drawn(photo, size);
@@ -133,7 +132,7 @@ TEST(ScaledPixels, AFastDrawingIsRefinedAndASmoothOneKept) {
 }
 
 TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
-    Pixels photo(Pattern({60, 40}));
+    Pixels photo(TestPicture(60, 40));
     ScaledPixels scaled(Enlargement::Crisp);
     const QSize size(20, 13);
     scaled.Draw(photo, size, {0, 0, 20, 13}, Quality::Smooth);
@@ -146,7 +145,7 @@ TEST(ScaledPixels, NoticesPixelsChangedInPlace) {
 
 // Every device pixel belongs to one tile and shows nothing but that tile.
 TEST(ScaledPixels, AGridHasNoSeams) {
-    const Pixels pattern(Pattern({31, 17}), 3, 2);
+    const Pixels pattern(TestPicture(31, 17), 3, 2);
     EXPECT_TRUE(SamePixels(Drawn(pattern, pattern.Size()), pattern.ToImage()));
     const QRgb colour = qRgb(10, 120, 200);
     const Pixels sheet(Filled({113, 79}, colour), 5, 4);
@@ -158,12 +157,12 @@ TEST(ScaledPixels, AGridHasNoSeams) {
 
 TEST(ScaledPixels, AnArrangementIsDrawnPictureByPicture) {
     const Pixels sheet(Arrangement{{90, 70},
-                                   {Pattern({31, 17}), Pattern({12, 20})},
+                                   {TestPicture(31, 17), TestPicture(12, 20)},
                                    {{0, {2, 3}}, {1, {50, 40}}, {0, {40, 3}}},
                                    {{{36, 0, 1, 70}, qRgb(0, 0, 0)}}});
     EXPECT_TRUE(SamePixels(Drawn(sheet, sheet.Size()), sheet.ToImage()));
     const QImage half = Drawn(sheet, {45, 35});
-    EXPECT_TRUE(SamePixels(half.copy(25, 20, 6, 10), Drawn(Pixels(Pattern({12, 20})), {6, 10})));
+    EXPECT_TRUE(SamePixels(half.copy(25, 20, 6, 10), Drawn(Pixels(TestPicture(12, 20)), {6, 10})));
     EXPECT_EQ(half.pixel(18, 30), qRgb(0, 0, 0)) << "a mark stays a pixel wide";
     EXPECT_EQ(half.pixel(24, 20), qRgb(255, 255, 255));
 }

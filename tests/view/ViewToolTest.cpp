@@ -6,14 +6,12 @@
 #include "imaging/view/ImageView.h"
 #include "imaging/view/ViewTool.h"
 #include "tests/support/Input.h"
-#include "tests/view/ViewTestSupport.h"
+#include "tests/support/PixelMatchers.h"
 
 namespace kadrona::imaging::view {
 namespace {
 
 using namespace kadrona::testing;
-using test::Grabbed;
-using test::Pattern;
 
 class Inverting : public PixelFilter {
  public:
@@ -52,7 +50,7 @@ class ViewToolTest : public ::testing::Test {
     }
 
     void Open(QSize size, double percent) {
-        image_.Open(Pixels(Pattern(size)), DotsPerInch{300});
+        image_.Open(Pixels(TestPicture(size.width(), size.height())), DotsPerInch{300});
         view_.SetZoomPercent(percent);
     }
 
@@ -78,7 +76,7 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
         const QPoint onPhoto = view_.ToWidget({80, 60}).toPoint();
         EXPECT_EQ(filtered.pixel(onLayer), qRgb(10, 20, 30));
         EXPECT_EQ(filtered.pixel(onPhoto), plain.pixel(onPhoto) ^ 0x00ffffff);
-        EXPECT_EQ(image_.Photo().Tile().pixel(5, 5), Pattern({120, 90}).pixel(5, 5));
+        EXPECT_EQ(image_.Photo().Tile().pixel(5, 5), TestPicture(120, 90).pixel(5, 5));
         view_.SetPreviewFilter(nullptr);
         EXPECT_TRUE(SamePixels(Grab(), plain));
         view_.SetTool(&tool_);
@@ -90,7 +88,7 @@ TEST_F(ViewToolTest, ThePreviewFilterChangesWhatIsSeenOfThePhotoAlone) {
 
 TEST_F(ViewToolTest, TheToolGetsTheLeftButtonInPhotoPixelsAndNothingIsDragged) {
     Open({100, 80}, 200);
-    image_.AddLayer({Pixels(Pattern({10, 10})), QRect(10, 10, 50, 50)});
+    image_.AddLayer({Pixels(TestPicture(10, 10)), QRect(10, 10, 50, 50)});
     view_.SetTool(&tool_);
     const QPointF at = view_.ToWidget({30.5, 20.5});
     Drag(view_, {at, at + QPointF(8, 4)});
