@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QTemporaryDir>
 
 #include "core/check/FacePlacement.h"
@@ -95,10 +96,11 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
     photo.rectangle = {650, 700, 700, 900};  // 20 pixels a millimetre
     EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 20.0);
     photo.figures->crown = Crown::Skull;
-    EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 18.5);
-    EXPECT_DOUBLE_EQ(*LineOf(photo, u"eyeLine"_s).value, 25.0);
-    EXPECT_DOUBLE_EQ(*LineOf(photo, u"faceAxis"_s).value, 17.5);
-    EXPECT_EQ(*LineOf(photo, u"resolution"_s).value, 508);
+    for (const auto& [name, value] :
+         {std::pair(u"headHeight"_s, 18.5), std::pair(u"eyeLine"_s, 25.0),
+          std::pair(u"faceAxis"_s, 17.5), std::pair(u"resolution"_s, 508.0)}) {
+        EXPECT_DOUBLE_EQ(*LineOf(photo, name).value, value) << name.toStdString();
+    }
     const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
     EXPECT_EQ(distance.state, CheckState::Missed);
     EXPECT_EQ(FigureText(distance), u"5,0 mm statt mindestens 8 mm"_s);
@@ -149,11 +151,7 @@ TEST(PhotoCheck, SeesTheCornersThatARotationLeaves) {
     photo.fill(QColor(200, 200, 200));
     const QRect whole(0, 0, 300, 400);
     const auto corner = [&](QPoint at) {
-        for (int y = 0; y < 20; ++y) {
-            for (int x = 0; x < 20; ++x) {
-                photo.setPixel(at + QPoint(x, y), 0xffffffff);
-            }
-        }
+        QPainter(&photo).fillRect(QRect(at, QSize(20, 20)), Qt::white);
     };
     EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
     corner({280, 0});

@@ -136,7 +136,7 @@ class DeliveredTemplates : public ::testing::Test {
             }
             row.elements = ParseTemplate(Content(folder_ + row.cells[u"Datei"_s]));
         }
-        ASSERT_EQ(delivered_.size(), 37U);
+        ASSERT_GE(delivered_.size(), 37U);
     }
 
     const QString folder_ = QStringLiteral(KADRONA_TEMPLATE_FOLDER "/");
@@ -150,7 +150,8 @@ TEST_F(DeliveredTemplates, CatalogueListsTheTableInItsOrder) {
         EXPECT_EQ(entries[i].name, delivered_[i].cells[u"Name"_s]);
         EXPECT_EQ(entries[i].file, delivered_[i].cells[u"Datei"_s]);
     }
-    EXPECT_EQ(QDir(folder_).entryList(QDir::Files).size(), 39)
+    EXPECT_EQ(QDir(folder_).entryList(QDir::Files).size(),
+              static_cast<qsizetype>(entries.size()) + 2)
         << "with the catalogue and the figures";
 }
 
@@ -185,7 +186,7 @@ TEST_F(DeliveredTemplates, HeadsAreAsHighAsPublishedAndStandOnOneChinLine) {
             EXPECT_NEAR(drawn.bottom(), row.Find(u"Kinnmarke"_s)->top, 3) << name.toStdString();
         }
     }
-    EXPECT_EQ(heads, 60);
+    EXPECT_GE(heads, 60);
 }
 
 TEST_F(DeliveredTemplates, MiddleHeadHasItsEyesInTheirBandAndItsCrownInTheUpperQuarter) {
