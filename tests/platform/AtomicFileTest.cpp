@@ -16,7 +16,6 @@
 #include "platform/UniqueFile.h"
 #include "tests/faults/FailingCalls.h"
 #include "tests/support/Errors.h"
-#include "tests/support/FileSizeLimit.h"
 #include "tests/support/HostileFolders.h"
 
 namespace kadrona::platform {
@@ -73,13 +72,12 @@ TEST_F(AtomicFileTest, IsOnTheDiskBeforeAndAfterItTakesItsPlace) {
     StartFailing(folder, {});
     WriteFileAtomically(Path(), "new"_ba);
     const QByteArrayList calls = StopFailing();
-    const qsizetype rename = calls.indexOf("rename");
-    EXPECT_GT(rename, calls.lastIndexOf("write"));
-    EXPECT_GT(calls.lastIndexOf("fsync", rename), calls.lastIndexOf("write"));
-    const qsizetype folderFlush = calls.indexOf("fsync", rename);
-    ASSERT_GT(folderFlush, rename);
+    const qsizetype flush = calls.indexOf("fsync");
+    EXPECT_GT(flush, calls.lastIndexOf("write"));
+    EXPECT_GT(calls.indexOf("rename"), flush);
+    EXPECT_GT(calls.lastIndexOf("fsync"), calls.indexOf("rename")) << "the folder's";
 
-    StartFailing(folder, {static_cast<int>(folderFlush) + 1, EIO});
+    StartFailing(folder, {2, EIO, false, "fsync"});
     const QString error = TextOf<FileError>([&] { WriteFileAtomically(Path(), "newer"_ba); });
     StopFailing();
     EXPECT_TRUE(error.endsWith(u"Ein- oder Ausgabefehler."_s)) << error.toStdString();
@@ -210,7 +208,7 @@ TEST_F(AtomicFileTest, WorksWhereTheFileSystemKnowsNoFilesWithoutAName) {
 }
 
 /// Keeps a target bad while it lives.
-using Obstacle = std::shared_ptr<void>;
+using Obstacle = std::unique_ptr<ClosedFolder>;
 
 struct BadTarget {
     const char* name;
@@ -272,11 +270,7 @@ Obstacle Pipe(const QString& folder) {
 
 Obstacle Closed(const QString& folder) {
     chmod(QFile::encodeName(folder + u"/Blatt.jpg"_s).constData(), 0644);
-    return std::make_shared<ClosedFolder>(folder, 0555);
-}
-
-Obstacle SizeLimit(const QString& /*folder*/) {
-    return std::make_shared<FileSizeLimit>(100'000);
+    return std::make_unique<ClosedFolder>(folder, 0555);
 }
 
 const QString Blatt = u"Blatt.jpg"_s;
@@ -295,7 +289,7 @@ const BadTarget Targets[] = {
      Blatt,
      {1, EROFS, true, "open"}},
     {"full disk", u"Auf dem Datenträger ist kein Platz mehr"_s, Blatt, {1, ENOSPC, true, "write"}},
-    {"size limit", u"Die Datei würde zu groß"_s, Blatt, {}, SizeLimit},
+    {"size limit", u"Die Datei würde zu groß"_s, Blatt, {1, EFBIG, true, "write"}},
     {"read-only file", u"Die Datei ist schreibgeschützt"_s, Blatt, {}, ReadOnlyFile},
     {"closed folder", u"Der Zugriff wurde verweigert"_s, Blatt, {}, Closed},
     {"pipe", u"Es ist keine gewöhnliche Datei"_s, u"pipe"_s, {}, Pipe},

@@ -223,6 +223,7 @@ TEST(Paths, TemplatesStandBesideTheProgramOrInTheSharedFolder) {
 TEST(TerminationSignals, TellTheEventLoopOnce) {
     for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
         int requests = 0;
+        std::signal(number, SIG_DFL);  // in the background a shell has some ignored
         const TerminationSignals ending;
         QObject::connect(&ending, &TerminationSignals::Requested, [&] { ++requests; });
         raise(number);
