@@ -218,7 +218,7 @@ TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
     EXPECT_EQ(Rectangle(layer), QRect(101, 90, 70, 90));
     const QRect start = Rectangle(layer);
     const auto scale = [&](Qt::Key key, int times) {
-        for (int i = 0; i < times; ++i) {
+        while (times-- > 0) {
             QTest::keyClick(&view_, key, Qt::ControlModifier);
         }
     };
