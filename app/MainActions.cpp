@@ -74,6 +74,9 @@ constexpr std::array Definitions = {
     ActionDefinition{Action::UploadFile, u"acUploadFile", u"Datei für Online-Antrag",
                      u"Macht eine Bilddatei, wie Behörden sie online annehmen", u"", u"save", -1,
                      UpdateRule::Cut},
+    ActionDefinition{Action::PrintAgain, u"acPrintAgain", u"Noch einmal drucken",
+                     u"Druckt das letzte Blatt noch einmal", u"Ctrl+Shift+P", u"print", -1,
+                     UpdateRule::PrintAgain},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.
@@ -117,6 +120,8 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
             return {.enabled = circumstances.sheetCreated, .visible = !settings.PrintAfterCrop()};
         case UpdateRule::Undo:
             return {.enabled = circumstances.canUndo};
+        case UpdateRule::PrintAgain:
+            return {.enabled = circumstances.sheetPrinted};
         case UpdateRule::SaveFast:
             return {.enabled = circumstances.sheetCreated &&
                                circumstances.layoutIndex == core::SinglePhotoLayout,

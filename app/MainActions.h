@@ -43,6 +43,7 @@ enum class Action {
     LevelHead,
     ShowCheck,
     UploadFile,
+    PrintAgain,
 };
 
 /// What decides whether an action can be used, besides the settings.
@@ -53,18 +54,20 @@ struct ActionCircumstances {
     bool canUndo = false;
     /// The photo as it was cut is still there.
     bool cutKnown = false;
+    bool sheetPrinted = false;
     /// Item index of the picture count box.
     int layoutIndex = -1;
 };
 
 /// Which rule enables and shows an action.
 enum class UpdateRule {
-    None,      ///< always usable
-    Editing,   ///< acUpdate: while a photo is open and no sheet made
-    Sheet,     ///< acPrintImageUpdate: once a sheet is made
-    Undo,      ///< acUndoUpdate: while something can be undone
-    SaveFast,  ///< acSaveImageFastUpdate: a sheet of one photo
-    Cut,       ///< while there is a cut photo, or a template to cut it by
+    None,        ///< always usable
+    Editing,     ///< acUpdate: while a photo is open and no sheet made
+    Sheet,       ///< acPrintImageUpdate: once a sheet is made
+    Undo,        ///< acUndoUpdate: while something can be undone
+    PrintAgain,  ///< once a sheet was printed
+    SaveFast,    ///< acSaveImageFastUpdate: a sheet of one photo
+    Cut,         ///< while there is a cut photo, or a template to cut it by
 };
 
 /// One row of the list of actions.

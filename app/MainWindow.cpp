@@ -135,6 +135,7 @@ void TmainFm::ShowSession() {
                      .templateLoaded = session_.HasTemplate(),
                      .canUndo = image.CanUndo(),
                      .cutKnown = !session_.Cut().IsEmpty(),
+                     .sheetPrinted = printFlow_ && printFlow_->HasPrinted(),
                      .layoutIndex = session_.LayoutIndex()},
                     *settings_);
     emptyState_->setVisible(image.IsEmpty());

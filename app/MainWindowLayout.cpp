@@ -46,8 +46,9 @@ void TmainFm::BuildCommandArea() {
 
     QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
     file->setToolTipsVisible(true);
-    for (const Action action : {Action::Open, Action::SearchArchiv, Action::Save, Action::PrinSetup,
-                                Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile}) {
+    for (const Action action :
+         {Action::Open, Action::SearchArchiv, Action::Save, Action::PrintAgain, Action::PrinSetup,
+          Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile}) {
         file->addAction(actions_[action]);
     }
     file->addSeparator();

@@ -1,9 +1,9 @@
 #include "app/PrintFlow.h"
 
 #include <QFileInfo>
-#include <QStatusBar>
 #include <algorithm>
 
+#include "app/JobStatus.h"
 #include "app/MainActions.h"
 #include "app/PhotoSession.h"
 #include "controls/messages/MessageBoxes.h"
@@ -70,11 +70,12 @@ PrintFlow::PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusB
                      core::TData& data, dialogs::TEinstellungenFm& settings, MainActions& actions)
     : session_(session),
       window_(window),
-      statusBar_(statusBar),
       data_(data),
       profileDialog_(new dialogs::TPrintProfilDlg(data, settings, &window)),
-      beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)) {
+      beforePrintDialog_(new dialogs::TBeforPrintDlgFm(data, settings, &window)),
+      jobStatus_(new JobStatus(statusBar, this)) {
     actions.Connect(Action::PrintImage, this, [this] { acPrintImageExecute(); });
+    actions.Connect(Action::PrintAgain, this, [this] { acPrintAgainExecute(); });
     actions.Connect(Action::PrinSetup, this, [this] { acPrinSetupExecute(); });
     actions.Connect(Action::PrinterProfilDlg, this, [this] { profileDialog_->ShowEx(); });
 }
@@ -82,20 +83,34 @@ PrintFlow::PrintFlow(PhotoSession& session, QWidget& window, QStatusBar& statusB
 void PrintFlow::acPrintImageExecute() {
     printing::PrintImage image =
         PrintImageOf(session_.Image(), data_.CurrentFile(), data_.FrameSize());
-    if (!ChoosePrinter(image) || !ConfirmPaper(image)) {
-        return;
+    if (ChoosePrinter(image) && ConfirmPaper(image)) {
+        Print(image);
     }
-    const controls::WaitCursor wait;
-    data_.Printer().Print(image);
-    constexpr int Milliseconds = 8000;
-    statusBar_.showMessage(
-        u"Druckauftrag an „%1“ gesendet"_s.arg(data_.Printer().CurrentPrinter().device),
-        Milliseconds);
 }
 
-/// False when the user cancelled. Gives the image the profile's calibration. The choice stays the
-/// current printer for the rest of the run.
+void PrintFlow::Print(const printing::PrintImage& image) {
+    const controls::WaitCursor wait;
+    printing::PrinterLayer& printer = data_.Printer();
+    last_ = {printer.CurrentPrinter(), image};
+    jobStatus_->Follow(last_->printer.device, printer.Print(image));
+}
+
+/// On the printer that the last sheet was printed with, whatever was chosen since.
+void PrintFlow::acPrintAgainExecute() {
+    printing::PrintImage image = last_.value().image;
+    {
+        const controls::WaitCursor wait;
+        data_.Printer().SetCurrentPrinter(last_->printer);
+    }
+    if (ConfirmPaper(image)) {
+        Print(image);
+    }
+}
+
+/// False when the user cancelled. Gives the image the profile's calibration and the copies that the
+/// user asked for. The choice stays the current printer for the rest of the run.
 bool PrintFlow::ChoosePrinter(printing::PrintImage& image) {
+    beforePrintDialog_->SetSheet(image);
     switch (beforePrintDialog_->ShowEx()) {
         case controls::ModalResult::Cancel:
             return false;
@@ -104,6 +119,7 @@ bool PrintFlow::ChoosePrinter(printing::PrintImage& image) {
             const QString profile = beforePrintDialog_->SelectedProfile();
             data_.LoadPrintProfile(profile);
             image.calibration = printing::StoredCalibration(data_.DataFolder(), profile);
+            image.copies = beforePrintDialog_->Copies();
             return true;
         }
         case controls::ModalResult::No:

@@ -102,6 +102,7 @@ class TData {
     bool DeleteProfile(const QString& name) const { return IsGone(photoProfiles_.Delete(name)); }
 
     // Printer profiles
+    const PrinterProfiles& PrintProfiles() const { return printerProfiles_; }
     printing::PrinterLayer& Printer() const { return printerProfiles_.Printer(); }
     QStringList GetPrinterProfileList() const { return printerProfiles_.Names(); }
     bool SavePrintProfile(const QString& name) const {

@@ -1,8 +1,10 @@
 #include "dialogs/BeforePrint.h"
 
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QShowEvent>
+#include <QSpinBox>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -10,6 +12,9 @@
 #include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
 #include "core/settings/Settings.h"
+#include "dialogs/PaperView.h"
+#include "printing/Calibration.h"
+#include "printing/SheetOnPaper.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,7 +25,16 @@ using controls::ModalResult;
 namespace {
 
 constexpr int SelfConfirmationMilliseconds = 500;
-constexpr QSize SmallestList(260, 200);
+constexpr QSize SmallestList(220, 200);
+constexpr int SettlingMilliseconds = 60;
+
+QLabel* WrappedLabel(const QString& name) {
+    auto* label = new QLabel;
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
 
 }  // namespace
 
@@ -29,13 +43,69 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
     : QDialog(parent), data_(data), settings_(settings) {
     setObjectName(u"BeforPrintDlgFm"_s);
     setWindowTitle(u"Print Profiles"_s);
-    lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
-    lbProfiles_->setMinimumSize(SmallestList);
     timer_ = new QTimer(this);
     timer_->setObjectName(u"Timer"_s);
     timer_->setInterval(SelfConfirmationMilliseconds);
+    settled_ = new QTimer(this);
+    settled_->setSingleShot(true);
+    settled_->setInterval(SettlingMilliseconds);
+    connect(timer_, &QTimer::timeout, this, &TBeforPrintDlgFm::TimerTimer);
+    connect(settled_, &QTimer::timeout, this, &TBeforPrintDlgFm::AskForPaper);
 
-    auto* buttons = new QDialogButtonBox(this);
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(14);
+    columns->addLayout(BuildChoice());
+    columns->addLayout(BuildPreview());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->addLayout(columns);
+    layout->addSpacing(6);
+    layout->addWidget(BuildButtons());
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QLayout* TBeforPrintDlgFm::BuildChoice() {
+    lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
+    lbProfiles_->setMinimumSize(SmallestList);
+    copiesBox_ = new QSpinBox;
+    copiesBox_->setObjectName(u"CopiesBox"_s);
+    copiesBox_->setRange(1, printing::MostCopies);
+    auto* caption = new QLabel(u"Exemplare"_s);
+    caption->setBuddy(copiesBox_);
+    auto* copies = new QHBoxLayout;
+    copies->addWidget(caption);
+    copies->addStretch();
+    copies->addWidget(copiesBox_);
+    auto* column = new QVBoxLayout;
+    column->addWidget(lbProfiles_, 1);
+    column->addLayout(copies);
+    connect(lbProfiles_, &QListWidget::itemSelectionChanged, settled_, qOverload<>(&QTimer::start));
+    connect(copiesBox_, &QSpinBox::valueChanged, this, [this](int copies) { copies_ = copies; });
+    return column;
+}
+
+QLayout* TBeforPrintDlgFm::BuildPreview() {
+    view_ = new PaperView;
+    view_->setObjectName(u"PaperView"_s);
+    view_->setFixedSize(view_->sizeHint());
+    paperLabel_ = WrappedLabel(u"PaperLabel"_s);
+    warningLabel_ = WrappedLabel(u"WarningLabel"_s);
+    QPalette red = warningLabel_->palette();
+    red.setColor(QPalette::WindowText, QColor(176, 22, 22));
+    warningLabel_->setPalette(red);
+    // Room for what is usually said, so that the dialog keeps its size.
+    paperLabel_->setMinimumHeight(2 * paperLabel_->fontMetrics().lineSpacing());
+    warningLabel_->setMinimumHeight(warningLabel_->fontMetrics().lineSpacing());
+    auto* column = new QVBoxLayout;
+    column->setSpacing(4);
+    column->addWidget(view_);
+    column->addWidget(paperLabel_);
+    column->addWidget(warningLabel_);
+    return column;
+}
+
+QWidget* TBeforPrintDlgFm::BuildButtons() {
+    auto* buttons = new QDialogButtonBox;
     btnProfile_ = buttons->addButton(u"&Mit Profil drucken"_s, QDialogButtonBox::ActionRole);
     btnProfile_->setObjectName(u"btnProfile"_s);
     btnProfile_->setDefault(true);
@@ -43,22 +113,17 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
     noProfile->setObjectName(u"btnNoProfile"_s);
     buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole)
         ->setObjectName(u"btnCancel"_s);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->addWidget(lbProfiles_);
-    layout->addSpacing(6);
-    layout->addWidget(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-
     // A double-click on a profile prints with it.
     connect(lbProfiles_, &QListWidget::itemDoubleClicked, btnProfile_, &QPushButton::click);
     connect(btnProfile_, &QPushButton::clicked, this, &TBeforPrintDlgFm::btnProfileClick);
     connect(noProfile, &QPushButton::clicked, this,
             [this] { done(static_cast<int>(ModalResult::No)); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(timer_, &QTimer::timeout, this, &TBeforPrintDlgFm::TimerTimer);
-    lbProfiles_->installEventFilter(this);
-    lbProfiles_->viewport()->installEventFilter(this);
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{lbProfiles_, lbProfiles_->viewport(), copiesBox_, view_}) {
+        control->installEventFilter(this);
+    }
+    return buttons;
 }
 
 ModalResult TBeforPrintDlgFm::ShowEx() {
@@ -80,6 +145,7 @@ void TBeforPrintDlgFm::showEvent(QShowEvent* event) {
 }
 
 void TBeforPrintDlgFm::FormShow() {
+    copies_.reset();
     lbProfiles_->setFocus();
     // Else Return would press the button that was pressed last time.
     btnProfile_->setDefault(true);
@@ -92,6 +158,7 @@ void TBeforPrintDlgFm::FormShow() {
     } else {
         SelectProfile(lastUsed_);
     }
+    settled_->start();
 }
 
 /// Nothing where there is no profile of that name.
@@ -100,11 +167,71 @@ void TBeforPrintDlgFm::SelectProfile(const QString& name) {
     lbProfiles_->SelectRow(found.isEmpty() ? -1 : lbProfiles_->row(found.first()));
 }
 
+/// The sheet as it is printed with the selected profile.
+printing::PrintImage TBeforPrintDlgFm::SheetOfProfile() const {
+    printing::PrintImage sheet = sheet_;
+    if (lbProfiles_->SelectedRow() >= 0) {
+        sheet.calibration = printing::StoredCalibration(data_.DataFolder(), SelectedProfile());
+    }
+    return sheet;
+}
+
+/// While the dialog is about to print by itself the print service is not asked, for whoever waits
+/// for its answer waits longer for the print.
+void TBeforPrintDlgFm::AskForPaper() {
+    if (!isVisible() || isAsking_ || sheet_.tile.isNull()) {
+        return;
+    }
+    if (timer_->isActive()) {
+        view_->ShowText({});
+        return;
+    }
+    isAsking_ = true;
+    try {
+        ShowPaper();
+    } catch (const platform::Error& error) {
+        view_->ShowText(error.Text());
+        paperLabel_->clear();
+        warningLabel_->clear();
+    }
+    isAsking_ = false;
+}
+
+void TBeforPrintDlgFm::ShowPaper() {
+    printing::PrinterLayer& printer = data_.Printer();
+    const std::optional<printing::PrinterChoice> stored =
+        data_.PrintProfiles().Stored(SelectedProfile());
+    const printing::PrinterPaper paper =
+        printer.PaperOf(stored ? *stored : printer.CurrentPrinter());
+    const printing::PrintImage sheet = SheetOfProfile();
+    view_->ShowSheet(printing::LaidOnPaper(sheet, paper), sheet.tile);
+    if (!copies_) {
+        const QSignalBlocker blocker(copiesBox_);
+        copiesBox_->setValue(paper.copies);
+    }
+    const QString name = printing::PaperText(sheet, paper);
+    QStringList lines{name.isEmpty() ? u"Das Papier des Druckers ist nicht bekannt."_s
+                                     : u"Papier: "_s + name};
+    if (sheet.calibration != printing::Calibration()) {
+        lines.append(u"Kalibriert (gestrichelt, was der Drucker bekommt): "_s +
+                     printing::CalibrationText(sheet.calibration));
+    }
+    paperLabel_->setText(lines.join(u'\n'));
+    QStringList warnings = paper.remarks;
+    if (const QString lost = printing::LossText(sheet, paper); !lost.isEmpty()) {
+        warnings.prepend(u"Abgeschnitten (rot): "_s + lost);
+    }
+    warningLabel_->setText(warnings.join(u'\n'));
+}
+
 /// Whoever begins to choose is not hurried.
 bool TBeforPrintDlgFm::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress ||
         event->type() == QEvent::Wheel) {
-        timer_->stop();
+        if (timer_->isActive()) {
+            timer_->stop();
+            settled_->start();
+        }
     }
     return QDialog::eventFilter(watched, event);
 }

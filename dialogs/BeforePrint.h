@@ -1,10 +1,15 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 
 #include "controls/messages/ModalResult.h"
+#include "printing/PrinterLayer.h"
 
+class QBoxLayout;
+class QLabel;
 class QPushButton;
+class QSpinBox;
 class QTimer;
 
 namespace kadrona::controls {
@@ -18,9 +23,14 @@ class TData;
 
 namespace kadrona::dialogs {
 
+class PaperView;
+
 /// "Print Profiles": asks for the printer profile that the sheet is printed with. Where photos are
 /// printed as soon as they are made, it takes the default profile by itself after half a second,
-/// unless the user begins to choose; else the profile used last is selected.
+/// unless the user begins to choose; else the profile used last is selected. Beside the list the
+/// sheet is shown on the selected profile's paper. Object names, besides those of the controls:
+/// "BeforPrintDlgFm", "lbProfiles", "btnProfile", "btnNoProfile", "btnCancel", "Timer",
+/// "CopiesBox", "PaperView", "PaperLabel", "WarningLabel".
 class TBeforPrintDlgFm : public QDialog {
     Q_OBJECT
 
@@ -28,11 +38,16 @@ class TBeforPrintDlgFm : public QDialog {
     TBeforPrintDlgFm(const core::TData& data, const core::Settings& settings,
                      QWidget* parent = nullptr);
 
+    /// The sheet to show from now on.
+    void SetSheet(const printing::PrintImage& sheet) { sheet_ = sheet; }
+
     /// Shows the dialog with the profiles that there are now. Yes: print with SelectedProfile();
     /// No: print without a profile; Cancel.
     controls::ModalResult ShowEx();
 
     QString SelectedProfile() const;
+    /// The number of copies that the user asked for; nothing where the profile's holds.
+    std::optional<int> Copies() const { return copies_; }
 
  protected:
     void showEvent(QShowEvent* event) override;
@@ -40,7 +55,13 @@ class TBeforPrintDlgFm : public QDialog {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+    QLayout* BuildChoice();
+    QLayout* BuildPreview();
+    QWidget* BuildButtons();
     void FormShow();
+    void AskForPaper();
+    void ShowPaper();
+    printing::PrintImage SheetOfProfile() const;
     void SelectProfile(const QString& name);
     void btnProfileClick();
     void TimerTimer();
@@ -50,8 +71,17 @@ class TBeforPrintDlgFm : public QDialog {
     controls::SelectionList* lbProfiles_;
     QPushButton* btnProfile_;
     QTimer* timer_;
+    QSpinBox* copiesBox_;
+    PaperView* view_;
+    QLabel* paperLabel_;
+    QLabel* warningLabel_;
+    /// Until the selection has settled.
+    QTimer* settled_;
     /// The profile that the last sheet was printed with.
     QString lastUsed_;
+    printing::PrintImage sheet_;
+    std::optional<int> copies_;
+    bool isAsking_ = false;
 };
 
 }  // namespace kadrona::dialogs

@@ -3,7 +3,6 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <limits>
@@ -33,15 +32,6 @@ double NumberIn(const QLineEdit& edit) {
     bool isNumber = false;
     const double number = edit.text().trimmed().replace(u',', u'.').toDouble(&isNumber);
     return isNumber ? number : std::numeric_limits<double>::quiet_NaN();
-}
-
-QString Text(const printing::Calibration& calibration) {
-    const QLocale german(QLocale::German);
-    return u"quer %1 %, längs %2 %, verschoben um %3 mm nach rechts und %4 mm nach unten"_s.arg(
-        german.toString(calibration.across * 100, 'f', 1),
-        german.toString(calibration.along * 100, 'f', 1),
-        german.toString(calibration.offset.x(), 'f', 1),
-        german.toString(calibration.offset.y(), 'f', 1));
 }
 
 }  // namespace
@@ -134,8 +124,10 @@ void CalibrationDialog::Apply() {
 }
 
 void CalibrationDialog::ShowState(const QString& what) {
-    state_->setText(what + u": "_s +
-                    Text(printing::StoredCalibration(data_.DataFolder(), profile_)) + u'.');
+    state_->setText(
+        what + u": "_s +
+        printing::CalibrationText(printing::StoredCalibration(data_.DataFolder(), profile_)) +
+        u'.');
 }
 
 }  // namespace kadrona::dialogs

@@ -75,6 +75,15 @@ Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWit
     return calibration;
 }
 
+QString CalibrationText(const Calibration& calibration) {
+    const QLocale german(QLocale::German);
+    return u"quer %1 %, längs %2 %, verschoben um %3 mm nach rechts und %4 mm nach unten"_s.arg(
+        german.toString(calibration.across * 100, 'f', 1),
+        german.toString(calibration.along * 100, 'f', 1),
+        german.toString(calibration.offset.x(), 'f', 1),
+        german.toString(calibration.offset.y(), 'f', 1));
+}
+
 Calibration StoredCalibration(const QString& dataFolder, const QString& profile) {
     const platform::IniFile file(CalibrationFile(dataFolder));
     // A second calibration may add to a first one.

@@ -37,6 +37,9 @@ struct RulerReadings {
 Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWith,
                        const RulerReadings& readings);
 
+/// For reading: "quer 97,8 %, längs 100,0 %, verschoben um ...".
+QString CalibrationText(const Calibration& calibration);
+
 /// The calibration kept for a printer profile, in "PrinterCalibration.ini" of the data folder; none
 /// where nothing or nonsense stands there. Throws platform::FileError where the file cannot be
 /// read.

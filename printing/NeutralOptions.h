@@ -23,6 +23,7 @@ inline constexpr std::array ServiceOptions{
     NeutralOption{"booklet", "false"},            // cups-filters
     NeutralOption{"mirror", "false"},             // cups-filters
     NeutralOption{"page-border", "none"},         // cups-filters
+    NeutralOption{"page-label", ""},              // cups-filters
     NeutralOption{"page-ranges", "1-1"},          // RFC 8011, 5.2.7
     NeutralOption{"page-set", "all"},             // cups-filters
     NeutralOption{"job-hold-until", "no-hold"},   // RFC 8011, 5.2.2

@@ -35,7 +35,7 @@ QString SidesText(const QMarginsF& lost) {
             sides.append(u"%1 %2 mm"_s.arg(side, Number(millimetres)));
         }
     }
-    const QString last = sides.takeLast();
+    const QString last = sides.isEmpty() ? QString() : sides.takeLast();
     return sides.isEmpty() ? last : sides.join(u", "_s) + u" und "_s + last;
 }
 
@@ -44,6 +44,10 @@ QString SidesText(const QMarginsF& lost) {
 PaperGeometry PaperGeometry::Plain(QSizeF page, QMarginsF margins) {
     const QRectF whole({}, page);
     return {{}, page, whole, whole.marginsRemoved(margins), whole};
+}
+
+PaperGeometry KnownPaper(const PrintImage& image, const PaperGeometry& paper) {
+    return paper.IsKnown() ? paper : PaperGeometry::Plain(image.Millimetres());
 }
 
 bool IsTurned(const PrintImage& image, const PrinterPaper& paper) {
@@ -71,21 +75,27 @@ QTransform PaperToPage(const PaperGeometry& paper) {
                                  paper.page.height() / paper.spread.height());
 }
 
-QMarginsF LostOf(const PrintImage& image, const PaperGeometry& paper, bool turned) {
-    if (!paper.IsKnown()) {
-        return {};
-    }
-    const QRectF photos = image.PhotoMillimetres();
-    // The printer's own error that a calibration undoes moves what it reaches, too: what matters is
-    // where the photos really come to lie.
+QTransform Uncalibrated(const PrintImage& image, const PaperGeometry& paper, bool turned) {
     PrintImage uncalibrated = image;
     uncalibrated.calibration = {};
-    const QRectF kept = SheetToPaper(uncalibrated, paper, turned)
-                            .inverted()
-                            .mapRect(paper.paper.intersected(paper.reach));
+    return SheetToPaper(uncalibrated, paper, turned);
+}
+
+QRectF KeptOf(const PrintImage& image, const PaperGeometry& paper, bool turned) {
+    return Uncalibrated(image, paper, turned)
+        .inverted()
+        .mapRect(paper.paper.intersected(paper.reach));
+}
+
+QMarginsF LostAt(const QRectF& photos, const QRectF& kept) {
     const auto lost = [](double millimetres) { return millimetres < LeastLoss ? 0 : millimetres; };
     return {lost(kept.left() - photos.left()), lost(kept.top() - photos.top()),
             lost(photos.right() - kept.right()), lost(photos.bottom() - kept.bottom())};
+}
+
+QMarginsF LostOf(const PrintImage& image, const PaperGeometry& paper, bool turned) {
+    return paper.IsKnown() ? LostAt(image.PhotoMillimetres(), KeptOf(image, paper, turned))
+                           : QMarginsF();
 }
 
 bool TurningHelps(const PrintImage& image, const PrinterPaper& paper) {
@@ -94,17 +104,30 @@ bool TurningHelps(const PrintImage& image, const PrinterPaper& paper) {
            Sum(LostOf(image, paper.geometry, !turned)) == 0;
 }
 
+QString LossText(const PrintImage& image, const PrinterPaper& paper) {
+    return SidesText(LostOf(image, paper.geometry, IsTurned(image, paper)));
+}
+
+QString PaperText(const PrintImage& image, const PrinterPaper& paper) {
+    if (!paper.geometry.IsKnown()) {
+        return {};
+    }
+    const QSizeF real = paper.geometry.paper.size();
+    const QString size = SizeText(IsTurned(image, paper) ? real.transposed() : real);
+    return paper.geometry.name.isEmpty() ? size : paper.geometry.name + u", "_s + size;
+}
+
 QString PaperWarning(const PrintImage& image, const PrinterPaper& paper) {
-    QStringList parts = paper.limits;
-    const bool turned = IsTurned(image, paper);
-    const QMarginsF lost = LostOf(image, paper.geometry, turned);
-    if (Sum(lost) > 0) {
+    QStringList parts = paper.remarks;
+    const QString lost = LossText(image, paper);
+    if (!lost.isEmpty()) {
+        const bool turned = IsTurned(image, paper);
         const QSizeF real = paper.geometry.paper.size();
         const QSizeF reached = paper.geometry.paper.intersected(paper.geometry.reach).size();
         parts.append(
             u"Die Fotos passen nicht auf das eingestellte Papier: %1 gehen verloren.\n\n"
             u"Fotos:\t%2\nPapier:\t%3\nBedruckbar:\t%4"_s.arg(
-                SidesText(lost), SizeText(image.PhotoMillimetres().size()),
+                lost, SizeText(image.PhotoMillimetres().size()),
                 SizeText(turned ? real.transposed() : real),
                 SizeText(turned ? reached.transposed() : reached)));
     }

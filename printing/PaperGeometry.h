@@ -37,9 +37,13 @@ struct PrinterPaper {
     PaperGeometry geometry;
     Orientation orientation = Orientation::Automatic;
     int copies = 1;
-    /// German sentences: what the driver does to a page that nobody can switch off.
-    QStringList limits = {};
+    /// German sentences that the user reads before printing: what the driver does to a page that
+    /// nobody can switch off, what it no longer has, why the printer stands still.
+    QStringList remarks = {};
 };
+
+/// The paper, or where it is not known one as large as the image.
+PaperGeometry KnownPaper(const PrintImage& image, const PaperGeometry& paper);
 
 /// Whether the image is turned by a quarter on its paper: as it says itself, else as the printer is
 /// set. Automatically it stays as the paper where its photos fit or turning loses as much.
@@ -53,10 +57,27 @@ QTransform SheetToPaper(const PrintImage& image, const PaperGeometry& paper, boo
 /// the driver's spreading is undone.
 QTransform PaperToPage(const PaperGeometry& paper);
 
+/// The same without the calibration: where the sheet really comes to lie, for the printer's own
+/// error undoes the calibration, and what the printer reaches is moved by that error, too.
+QTransform Uncalibrated(const PrintImage& image, const PaperGeometry& paper, bool turned);
+
+/// What the printer keeps of a sheet, in the coordinates of the sheet.
+QRectF KeptOf(const PrintImage& image, const PaperGeometry& paper, bool turned);
+
+/// By how much `photos` stand over `kept` at each side; less than anybody sees is nothing.
+QMarginsF LostAt(const QRectF& photos, const QRectF& kept);
+
 /// What is cut off the photos at each side of the sheet, millimetres of the paper, as the sheet is
 /// looked at; all 0 where the photos fit or the paper is not known. White gaps around them may be
 /// cut off.
 QMarginsF LostOf(const PrintImage& image, const PaperGeometry& paper, bool turned);
+
+/// "links 3,2 mm und rechts 3,2 mm"; empty where nothing is lost.
+QString LossText(const PrintImage& image, const PrinterPaper& paper);
+
+/// The paper's name and size as the sheet lies on it: "10 × 15 cm, 152,4 × 101,6 mm"; empty where
+/// it is not known.
+QString PaperText(const PrintImage& image, const PrinterPaper& paper);
 
 /// What the user reads before a sheet is printed of which something is lost or enlarged; empty
 /// where all is well.

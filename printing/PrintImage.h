@@ -6,6 +6,7 @@
 #include <QSizeF>
 #include <QString>
 #include <optional>
+#include <vector>
 
 namespace kadrona::printing {
 
@@ -32,6 +33,9 @@ struct Calibration {
     bool operator==(const Calibration&) const = default;
 };
 
+/// More copies of a page are a mistake.
+inline constexpr int MostCopies = 999;
+
 /// What is printed on the one page of a job: an image repeated in a grid, the copies touching each
 /// other, at its true size.
 struct PrintImage {
@@ -49,12 +53,17 @@ struct PrintImage {
     /// How this sheet is to lie, whatever the printer is set to.
     std::optional<Orientation> orientation = {};
     Calibration calibration = {};
+    /// How often the page is printed, 1 ... MostCopies, whatever the printer is set to.
+    std::optional<int> copies = {};
 
     /// Printed size.
     QSizeF Millimetres() const;
     /// The photos without the white at the sheet's edges, millimetres, origin at the sheet's
     /// middle.
     QRectF PhotoMillimetres() const;
+    /// Where each copy of the tile lies in the same coordinates, row by row from the top left.
+    std::vector<QRectF> CopyMillimetres() const;
+    double GapMillimetres() const;
 };
 
 }  // namespace kadrona::printing

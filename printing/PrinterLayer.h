@@ -2,8 +2,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <memory>
 
 #include "platform/Error.h"
+#include "printing/JobWatch.h"
 #include "printing/PaperGeometry.h"
 #include "printing/PrintImage.h"
 
@@ -48,12 +50,16 @@ class PrinterLayer {
     /// when confirmed, with the choice as the current printer. Throws PrinterError as above.
     virtual bool ShowSetupDialog(QWindow* owner) = 0;
 
-    /// The paper that the current printer is set to. Throws PrinterError.
-    virtual PrinterPaper Paper() = 0;
+    /// The paper that a printer is set to, and what the user should know of the printer before a
+    /// sheet is printed with it. Throws PrinterError.
+    virtual PrinterPaper PaperOf(const PrinterChoice& choice) = 0;
+    /// That of the current printer.
+    PrinterPaper Paper() { return PaperOf(CurrentPrinter()); }
 
     /// Prints one page as one job: centred on the paper, without margins, never scaled but by the
-    /// image's calibration. The copies are what the current printer is set to. Throws PrinterError.
-    virtual void Print(const PrintImage& image) = 0;
+    /// image's calibration. Unless the image says it, the copies are what the current printer is
+    /// set to. Returns what follows the job; null where nothing can. Throws PrinterError.
+    virtual std::unique_ptr<JobWatch> Print(const PrintImage& image) = 0;
 };
 
 }  // namespace kadrona::printing

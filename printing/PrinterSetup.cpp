@@ -21,18 +21,24 @@ void TPrinterSetup::SaveToFile(const QString& fileName) const {
                                   platform::Links::Own);
 }
 
-void TPrinterSetup::LoadFromFile(const QString& fileName) {
+std::optional<PrinterChoice> TPrinterSetup::Stored(const QString& fileName) {
     if (!QFileInfo::exists(fileName)) {
-        return;
+        return std::nullopt;
     }
-    const std::optional<PrinterChoice> choice = ReadPrinterSettings(
+    std::optional<PrinterChoice> choice = ReadPrinterSettings(
         platform::ReadWholeFile(fileName, MaximumFileBytes, platform::Links::Own));
     if (!choice) {
         throw platform::FileError(
             u"Die Druckereinstellungen „%1“ konnten nicht gelesen werden: Die Datei ist unvollständig oder beschädigt."_s
                 .arg(fileName));
     }
-    layer_.SetCurrentPrinter(*choice);
+    return choice;
+}
+
+void TPrinterSetup::LoadFromFile(const QString& fileName) {
+    if (const std::optional<PrinterChoice> choice = Stored(fileName)) {
+        layer_.SetCurrentPrinter(*choice);
+    }
 }
 
 }  // namespace kadrona::printing

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 #include "printing/PrinterLayer.h"
 
@@ -22,6 +23,9 @@ class TPrinterSetup {
     /// platform::FileError for a file that cannot be read or ends early and what
     /// PrinterLayer::SetCurrentPrinter throws; the current printer then stays.
     void LoadFromFile(const QString& fileName);
+
+    /// What such a file keeps; nothing where it is missing. Throws platform::FileError as above.
+    static std::optional<PrinterChoice> Stored(const QString& fileName);
 
  private:
     PrinterLayer& layer_;

@@ -88,7 +88,8 @@ PrintImage RulerSheet(const PaperGeometry& paper, const Calibration& calibration
             .dotsPerInch = DotsPerInch,
             .title = u"Kalibrierblatt"_s,
             .orientation = Orientation::Upright,
-            .calibration = calibration};
+            .calibration = calibration,
+            .copies = 1};
 }
 
 }  // namespace kadrona::printing

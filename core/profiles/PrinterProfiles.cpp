@@ -45,6 +45,19 @@ void PrinterProfiles::Record(const QString& name, const QString& fileName) const
     index_.Record(name, fileName);
 }
 
+void PrinterProfiles::Replace(const QString& name) const {
+    const QString before = index_.SettingsFile(name);
+    Save(name);
+    if (!before.isEmpty()) {
+        QFile::remove(before);
+    }
+}
+
+std::optional<printing::PrinterChoice> PrinterProfiles::Stored(const QString& name) const {
+    const QString path = index_.SettingsFile(name);
+    return path.isEmpty() ? std::nullopt : printing::TPrinterSetup::Stored(path);
+}
+
 void PrinterProfiles::Load(const QString& name) const {
     const QString path = index_.SettingsFile(name);
     if (!path.isEmpty()) {

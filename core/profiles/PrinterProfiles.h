@@ -1,10 +1,13 @@
 #pragma once
 
+#include <optional>
+
 #include "core/profiles/ProfileIndex.h"
 
 namespace kadrona::printing {
 class PrinterLayer;
-}
+struct PrinterChoice;
+}  // namespace kadrona::printing
 
 namespace kadrona::core {
 
@@ -22,6 +25,10 @@ class PrinterProfiles {
     /// Keeps the current printer under a name; a failure leaves no file.
     void Save(const QString& name) const;
     void Record(const QString& name, const QString& fileName) const;
+    /// Gives a profile the current printer; the file that it had is removed.
+    void Replace(const QString& name) const;
+    /// The printer that a profile keeps; nothing where the profile or its file is missing.
+    std::optional<printing::PrinterChoice> Stored(const QString& name) const;
     /// Makes a profile's printer the current one; does nothing where the profile or its file is
     /// missing. Throws for a damaged file or a printer that is gone; the current printer then
     /// stays.

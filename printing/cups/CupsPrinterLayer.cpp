@@ -1,8 +1,11 @@
 #include "printing/cups/CupsPrinterLayer.h"
 
+#include "platform/HarmlessText.h"
 #include "printing/cups/QueueChoice.h"
 #include "printing/cups/SetupDialog.h"
 #include "printing/cups/service/Job.h"
+#include "printing/cups/service/JobFollower.h"
+#include "printing/cups/service/StateReasons.h"
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +36,18 @@ ServiceFailure Rejection(const Queue& queue) {
     const QString remark = queue.stateMessage.isEmpty() ? QString() : u": "_s + queue.stateMessage;
     return ServiceFailure(u"Der Drucker nimmt zurzeit keine Aufträge an%1."_s.arg(remark),
                           IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS);
+}
+
+QString PauseRemark(const Queue& queue) {
+    QStringList reasons;
+    for (const QString& reason : {PrinterReasons(queue.stateReasons), queue.stateMessage}) {
+        if (!reason.isEmpty()) {
+            reasons.append(reason);
+        }
+    }
+    const QString why = reasons.isEmpty() ? QString() : u": "_s + reasons.join(u", "_s);
+    return u"Der Drucker „%1“ ist angehalten%2. Der Auftrag wartet, bis er weiterdruckt."_s.arg(
+        platform::HarmlessLine(QString::fromUtf8(queue.name)), why);
 }
 
 }  // namespace
@@ -80,20 +95,24 @@ bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
     return true;
 }
 
-PrinterPaper CupsPrinterLayer::Paper() {
-    const PrinterChoice choice = CurrentPrinter();
+PrinterPaper CupsPrinterLayer::PaperOf(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        return Driver::OfQueue(connection, RequiredQueue(connection, name))
-            .PrinterPaperOf(DeviceMode(choice.deviceMode));
+        const Queue queue = RequiredQueue(connection, name);
+        PrinterPaper paper =
+            Driver::OfQueue(connection, queue).PrinterPaperOf(DeviceMode(choice.deviceMode));
+        if (queue.isPaused) {
+            paper.remarks.append(PauseRemark(queue));
+        }
+        return paper;
     });
 }
 
-void CupsPrinterLayer::Print(const PrintImage& image) {
+std::unique_ptr<JobWatch> CupsPrinterLayer::Print(const PrintImage& image) {
     const PrinterChoice choice = CurrentPrinter();
     const QByteArray name = QueueNameOf(choice);
-    NamingPrinter(QString::fromUtf8(name), [&] {
+    return NamingPrinter(QString::fromUtf8(name), [&] {
         if (image.tile.isNull() || image.dotsPerInch <= 0 || image.columns <= 0 ||
             image.rows <= 0) {
             throw ServiceFailure(u"Das Bild hat keine Größe."_s);
@@ -103,8 +122,9 @@ void CupsPrinterLayer::Print(const PrintImage& image) {
         if (!queue.acceptsJobs) {
             throw Rejection(queue);
         }
-        SendJob(connection, queue, Driver::OfQueue(connection, queue),
-                DeviceMode(choice.deviceMode), image);
+        const int job = SendJob(connection, queue, Driver::OfQueue(connection, queue),
+                                DeviceMode(choice.deviceMode), image);
+        return std::make_unique<JobFollower>(ServiceAddress{server_, timeout_}, queue, job);
     });
 }
 

@@ -25,8 +25,8 @@ class CupsPrinterLayer : public PrinterLayer {
     PrinterChoice CurrentPrinter() override;
     void SetCurrentPrinter(const PrinterChoice& choice) override;
     bool ShowSetupDialog(QWindow* owner) override;
-    PrinterPaper Paper() override;
-    void Print(const PrintImage& image) override;
+    PrinterPaper PaperOf(const PrinterChoice& choice) override;
+    std::unique_ptr<JobWatch> Print(const PrintImage& image) override;
 
  private:
     Connection Service() { return Connection({server_, timeout_, &waiting_, unnoticed_}); }

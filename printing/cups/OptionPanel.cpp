@@ -101,7 +101,7 @@ void OptionPanel::AddOrientationRow(QFormLayout& form) {
 void OptionPanel::AddCopiesRow(QFormLayout& form) {
     copiesBox_ = new QSpinBox;
     copiesBox_->setObjectName(u"CopiesBox"_s);
-    copiesBox_->setRange(1, DeviceMode::MaximumCopies);
+    copiesBox_->setRange(1, MostCopies);
     form.addRow(u"Exemplare"_s, copiesBox_);
     connect(copiesBox_, &QSpinBox::valueChanged, this, [this](int count) {
         mode_->Set(DeviceMode::Copies, QByteArray::number(count));

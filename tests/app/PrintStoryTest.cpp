@@ -1,6 +1,7 @@
 // Printing through the real windows: every way from the sheet to the printer and off it.
 
-#include <QStatusBar>
+#include <QLabel>
+#include <QSpinBox>
 
 #include "tests/app/StoryFixture.h"
 
@@ -55,6 +56,8 @@ class PrintStory : public Story {
         return names.join(u'|');
     }
 
+    QString JobText() const { return window->findChild<QLabel*>(u"JobStatus"_s)->text(); }
+
     const printing::PrinterChoice photoPrinter =
         FakePrinter::Choice("Fotodrucker", "PageSize=A6\ncopies=2\n");
     const printing::PrinterChoice letterPrinter = FakePrinter::Choice("Briefdrucker", "");
@@ -67,7 +70,7 @@ TEST_F(PrintStory, AProfileSetsThePrinterAndStaysTheCurrentOne) {
     ASSERT_EQ(printer.jobs.size(), 1);
     EXPECT_EQ(printer.jobs.first().printer, photoPrinter);
     EXPECT_EQ(printer.current, photoPrinter);
-    EXPECT_TRUE(window->statusBar()->currentMessage().contains(photoPrinter.device));
+    EXPECT_TRUE(JobText().contains(photoPrinter.device));
 
     const printing::PrintImage& image = printer.jobs.first().image;
     EXPECT_EQ(image.tile.cacheKey(), Image().Photo().Tile().cacheKey()) << "no copy of the pixels";
@@ -118,6 +121,32 @@ TEST_F(PrintStory, MakingThePhotosPrintsThemAtOnceWithTheDefaultProfile) {
         ExpectBeforePrint();
     });
     EXPECT_EQ(NewJobs(), u"Fotodrucker"_s) << "without a default the user chooses";
+}
+
+TEST_F(PrintStory, TheJobIsFollowedAndTheLastSheetCanBePrintedAgain) {
+    EXPECT_FALSE(IsEnabled(u"acPrintAgain"_s));
+    MakeSheet([this] {
+        PrintAtOnce(-1);
+        driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
+            Child<QListWidget>(shown, "lbProfiles").setCurrentRow(0);
+            Child<QSpinBox>(shown, "CopiesBox").setValue(3);
+            Child<QPushButton>(shown, "btnProfile").click();
+        });
+    });
+    EXPECT_FALSE(Named(u"acPrintImage"_s).isVisible());
+    using Stage = printing::JobState::Stage;
+    Q_EMIT printer.watch->Changed({Stage::Held, u"angehalten: Kein Papier"_s});
+    EXPECT_EQ(JobText(), u"Drucker „Fotodrucker“: angehalten: Kein Papier"_s);
+
+    printer.current = letterPrinter;
+    Open("photo.png");
+    Trigger(u"acPrintAgain"_s);
+    ASSERT_EQ(printer.jobs.size(), 2);
+    for (const FakePrinter::Job& job : printer.jobs) {
+        EXPECT_EQ(job.printer, photoPrinter);
+        EXPECT_EQ(job.image.copies, 3);
+        EXPECT_EQ(job.image.tile.cacheKey(), printer.jobs.first().image.tile.cacheKey());
+    }
 }
 
 TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefusedOrTurned) {

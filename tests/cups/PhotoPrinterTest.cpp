@@ -8,6 +8,8 @@
 #include <QProcess>
 
 #include "PrintService.h"
+#include "printing/Calibration.h"
+#include "printing/SheetOnPaper.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
 #include "tests/support/PixelMatchers.h"
@@ -34,15 +36,24 @@ PrintImage DarkSheet(int columns, int rows) {
     return {tile, columns, rows, 254, u"x"_s, gap};
 }
 
-/// Expects photos of that length, each a gap behind the one before. `stretches` are starts and
-/// lengths along one direction of the raster.
-void ExpectRow(const QJsonArray& stretches, int count, double length) {
-    ASSERT_EQ(stretches.size(), count);
-    // Half a dot of the coarsest raster that is measured, 300 to the inch.
-    constexpr double Tolerance = 0.1 + 25.4 / 300 / 2;
-    for (int i = 0; i < count; ++i) {
-        EXPECT_NEAR(stretches[i][1].toDouble(), length, Tolerance);
-        EXPECT_NEAR(stretches[i][0].toDouble() - stretches[0][0].toDouble(), i * (length + Gap),
+// Half a dot of the coarsest raster that is measured, 300 to the inch.
+constexpr double Tolerance = 0.1 + 25.4 / 300 / 2;
+
+/// Starts and lengths along one direction of the raster.
+std::vector<QPointF> Stretches(const QJsonValue& values) {
+    std::vector<QPointF> stretches;
+    for (const QJsonValue& value : values.toArray()) {
+        stretches.emplace_back(value[0].toDouble(), value[1].toDouble());
+    }
+    return stretches;
+}
+
+void ExpectStretches(const QJsonValue& printed, const std::vector<QPointF>& expected) {
+    const std::vector<QPointF> stretches = Stretches(printed);
+    ASSERT_EQ(stretches.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_NEAR(stretches[i].y(), expected[i].y(), Tolerance);
+        EXPECT_NEAR(stretches[i].x() - stretches[0].x(), expected[i].x() - expected[0].x(),
                     2 * Tolerance);
     }
 }
@@ -54,10 +65,29 @@ struct PhotoPrinter {
     const char* paper;
     int columns;
     int rows;
+    bool fits = true;
 };
 
-class PhotoPrinterTest : public ::testing::TestWithParam<PhotoPrinter> {
+const char* const Gutenprint = "gutenprint.5.3";
+const char* const Epson =
+    "escpr:0/cups/model/epson-inkjet-printer-escpr/Epson-ET-7750_Series-epson-escpr-en.ppd";
+const PhotoPrinter Bordered{"StylusPhoto", Gutenprint, "gutenprint.5.3://escp2-r300/expert",
+                            "w288h432",    2,          2};
+
+class PhotoPrinters : public ::testing::Test {
  protected:
+    /// Makes it the current printer, set to the row's paper.
+    void AddPrinter(CupsPrinterLayer& layer, const PhotoPrinter& row) {
+        service_.AddPhotoPrinter(u"Foto"_s, QString::fromLatin1(row.driver),
+                                 QString::fromLatin1(row.model));
+        service_.Run(u"lpadmin"_s, {u"-d"_s, u"Foto"_s});
+        PrinterChoice choice = layer.CurrentPrinter();
+        DeviceMode mode(choice.deviceMode);
+        mode.Set("PageSize", row.paper);
+        choice.deviceMode = mode.ToBlock();
+        layer.SetCurrentPrinter(choice);
+    }
+
     /// What the printer was sent, as printed-copies sees it.
     QJsonObject Printed(CupsPrinterLayer& layer, const PrintImage& image) const {
         layer.Print(image);
@@ -73,43 +103,71 @@ class PhotoPrinterTest : public ::testing::TestWithParam<PhotoPrinter> {
     PrintService service_;
 };
 
-TEST_P(PhotoPrinterTest, EveryCopyHasItsSize) {
-    const PhotoPrinter& row = GetParam();
-    service_.AddPhotoPrinter(u"Foto"_s, QString::fromLatin1(row.driver),
-                             QString::fromLatin1(row.model));
-    service_.Run(u"lpadmin"_s, {u"-d"_s, u"Foto"_s});
-    CupsPrinterLayer layer(service_.Address(), std::chrono::seconds(20));
-    PrinterChoice choice = layer.CurrentPrinter();
-    DeviceMode mode(choice.deviceMode);
-    mode.Set("PageSize", row.paper);
-    choice.deviceMode = mode.ToBlock();
-    layer.SetCurrentPrinter(choice);
+class PhotoPrinterTest : public PhotoPrinters,
+                         public ::testing::WithParamInterface<PhotoPrinter> {};
 
-    const PrintImage image = DarkSheet(row.columns, row.rows);
+/// What the preview shows of the copies along one direction of the sheet.
+std::vector<QPointF> Shown(const SheetOnPaper& sheet, const PrintImage& image, bool across) {
+    std::vector<QPointF> stretches;
+    for (int i = 0; i < (across ? image.columns : image.rows); ++i) {
+        const auto& copy = sheet.copies[static_cast<size_t>(across ? i : i * image.columns)];
+        const QRectF kept = copy.photo.marginsRemoved(copy.lost);
+        stretches.push_back(across ? QPointF(kept.left(), kept.width())
+                                   : QPointF(kept.top(), kept.height()));
+    }
+    return stretches;
+}
+
+TEST_P(PhotoPrinterTest, EveryCopyHasItsSizeAndThePreviewsPlace) {
+    const PhotoPrinter& row = GetParam();
+    CupsPrinterLayer layer(service_.Address(), std::chrono::seconds(20));
+    AddPrinter(layer, row);
+    PrintImage image = DarkSheet(row.columns, row.rows);
     const PrinterPaper paper = layer.Paper();
-    EXPECT_EQ(PaperWarning(image, paper), QString());
-    const bool turned = IsTurned(image, paper);
+    EXPECT_EQ(LossText(image, paper).isEmpty(), row.fits);
+    EXPECT_EQ(paper.remarks, QStringList());
+    const SheetOnPaper shown = LaidOnPaper(image, paper);
     const QJsonObject printed = Printed(layer, image);
     // A sheet that lies turned, and a printer that is fed the broad side first.
     const QJsonArray raster = printed[u"raster"_s].toArray();
     const QSizeF page = paper.geometry.page;
     const bool broad =
         (raster[0].toDouble() > raster[1].toDouble()) != (page.width() > page.height());
-    const bool lying = turned != broad;
-    ExpectRow(printed[u"x"_s].toArray(), lying ? row.rows : row.columns,
-              lying ? Photo.height() : Photo.width());
-    ExpectRow(printed[u"y"_s].toArray(), lying ? row.columns : row.rows,
-              lying ? Photo.width() : Photo.height());
+    const bool lying = IsTurned(image, paper) != broad;
+    ExpectStretches(printed[u"x"_s], Shown(shown, image, !lying));
+    ExpectStretches(printed[u"y"_s], Shown(shown, image, lying));
 }
 
-const char* const Gutenprint = "gutenprint.5.3";
-const char* const Epson =
-    "escpr:0/cups/model/epson-inkjet-printer-escpr/Epson-ET-7750_Series-epson-escpr-en.ppd";
+TEST_F(PhotoPrinters, ACalibratedSheetComesOutRightOnAPrinterThatIsOff) {
+    CupsPrinterLayer layer(service_.Address(), std::chrono::seconds(20));
+    AddPrinter(layer, Bordered);
+    PrintImage image = DarkSheet(2, 2);
+    const auto across = [](const QJsonObject& printed) { return Stretches(printed[u"x"_s]); };
+    const auto middle = [](const std::vector<QPointF>& copies) {
+        return (copies[0].x() + copies[1].x() + copies[1].y()) / 2;
+    };
+    const double nominalMiddle = middle(across(Printed(layer, image)));
+    // What somebody reads off the ruler sheet of a printer that is 2.3 % and 1.4 mm off.
+    const PaperGeometry paper = layer.Paper().geometry;
+    const RulerLines lines = RulerLinesFor(paper);
+    const QPointF cross(paper.paper.width() / 2, paper.paper.height() / 2);
+    const auto read = [](double length) { return std::round(length * 10) / 10; };
+    image.calibration = Calibrated(
+        paper, {}, {read(lines.across * 1.023), lines.along, read(cross.x() + 1.4), cross.y()});
+    const std::vector<QPointF> copies = across(Printed(layer, image));
+    ASSERT_EQ(copies.size(), 2);
+    for (const QPointF& copy : copies) {
+        EXPECT_NEAR(copy.y() * 1.023, Photo.width(), Tolerance);
+    }
+    EXPECT_NEAR((middle(copies) - nominalMiddle) * 1.023 + 1.4, 0, Tolerance);
+}
+
 const PhotoPrinter Printers[] = {
     {"Selphy", Gutenprint, "gutenprint.5.3://canon-cp1300/expert", "Postcard", 4, 2},
     {"Dnp", Gutenprint, "gutenprint.5.3://dnp-ds620/expert", "w288h432", 4, 2},
-    {"StylusPhoto", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "w288h432", 2, 2},
+    Bordered,
     {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
+    {"EcoTankThatLoses", "escpr", Epson, "4X6FULL", 5, 2, false},
     {"EcoTankBorderless", "escpr", Epson, "T4X6FULL", 4, 2},
 };
 INSTANTIATE_TEST_SUITE_P(Debian, PhotoPrinterTest, ::testing::ValuesIn(Printers),

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTransform>
 #include <stdexcept>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "core/sheet/SheetLayout.h"
 #include "platform/AtomicFile.h"
 #include "printing/PrinterSetup.h"
+#include "printing/SheetOnPaper.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
 #include "tests/support/Errors.h"
@@ -178,6 +180,30 @@ void ExpectTrueSize(const PrintedPage& printed, const PrintImage& image, QSizeF 
     EXPECT_NEAR(sheet.center().y(), paper.height() / 2, 0.1);
 }
 
+/// The filter that labels pages names a font that it does not bring, so that poppler complains.
+bool HasLabel(const QString& pdf) {
+    QProcess texts;
+    texts.start(u"pdftotext"_s, {pdf, u"-"_s});
+    EXPECT_TRUE(texts.waitForFinished());
+    return (texts.readAllStandardOutput() + texts.readAllStandardError()).contains("pagelabel");
+}
+
+/// What is shown before printing is what comes out.
+void ExpectPlacesOf(const SheetOnPaper& shown, const PrintedPage& printed, bool turned) {
+    const QTransform turn = QTransform().rotate(turned ? -90 : 0);
+    const QPointF corner = turn.mapRect(shown.paper).topLeft();
+    ASSERT_EQ(shown.copies.size(), printed.copies.size());
+    for (const SheetOnPaper::Copy& copy : shown.copies) {
+        const QRectF place = turn.mapRect(copy.place).translated(-corner);
+        EXPECT_TRUE(
+            std::any_of(printed.copies.begin(), printed.copies.end(), [&](const auto& found) {
+                return QPointF(found.place.topLeft() - place.topLeft()).manhattanLength() < 0.1 &&
+                       QPointF(found.place.bottomRight() - place.bottomRight()).manhattanLength() <
+                           0.1;
+            }));
+    }
+}
+
 struct PaperCase {
     const char* name;
     QSizeF photo;
@@ -199,7 +225,9 @@ TEST_P(TrueSizeTest, EveryLayoutComesOutAtItsSizeAndCentred) {
     for (const core::SheetLayout& layout : core::SheetLayouts) {
         SCOPED_TRACE(layout.name.data());
         const PrintImage image = Sheet(row.photo, layout);
-        ExpectTrueSize(Printed(layer, image), image, row.photo, row.millimetres, turned);
+        const PrintedPage printed = Printed(layer, image);
+        ExpectTrueSize(printed, image, row.photo, row.millimetres, turned);
+        ExpectPlacesOf(LaidOnPaper(image, layer.Paper()), printed, turned);
     }
 }
 
@@ -221,12 +249,14 @@ TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
     for (const char* standard :
          {"mirror=true", "page-border=double-thick", "page-ranges=2-3", "page-set=even",
           "job-hold-until=indefinite", "number-up=2", "fit-to-page=true", "print-scaling=fill",
-          "orientation-requested=4", "landscape=true", "booklet=true", "media=A4", "scaling=50"}) {
+          "orientation-requested=4", "landscape=true", "booklet=true", "media=A4", "scaling=50",
+          "page-label=Intern"}) {
         SCOPED_TRACE(standard);
         const QStringList option = QString::fromLatin1(standard).split(u'=');
         service_.Run(u"lpadmin"_s,
                      {u"-p"_s, u"Photo"_s, u"-o"_s, option[0] + u"-default="_s + option[1]});
         ExpectTrueSize(Printed(layer, image), image, {35, 45}, {105, 148}, false);
+        EXPECT_FALSE(HasLabel(service_.PrintedFile()));
         service_.Run(u"lpadmin"_s, {u"-p"_s, u"Photo"_s, u"-R"_s, option[0] + u"-default"_s});
     }
 }
@@ -287,6 +317,9 @@ TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
     EXPECT_EQ(job[u"copies"_s], "2");
     EXPECT_EQ(job[u"print-scaling"_s], "none");
     EXPECT_EQ(job[u"job-name"_s], "Müller, Größe");
+    EXPECT_EQ(layer.Paper().remarks,
+              QStringList(u"„GoneChoice“ (Papierart) gibt es bei diesem Drucker nicht mehr; er "
+                          u"nimmt „Normalpapier“."_s));
     EXPECT_FALSE(job.contains(u"GoneOption"_s));
     EXPECT_FALSE(job.contains(u"MediaType"_s));
 }
@@ -349,6 +382,29 @@ TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) 
     EXPECT_THAT(ErrorOf(print), StartsWith("Drucker „Photo“: Unter „/"));
     EXPECT_THAT(ErrorOf(ask), StartsWith("Unter „/"));
     EXPECT_THAT(ErrorOf(setUp), StartsWith("Unter „/"));
+}
+
+TEST_F(PrintingTest, AJobIsFollowedToItsEndWithTheServicesReason) {
+    CupsPrinterLayer layer(service_.Address());
+    const auto follow = [&](const QString& expected, const std::function<void()>& step) {
+        const std::unique_ptr<JobWatch> watch = layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
+        step();
+        QStringList texts;
+        QObject::connect(watch.get(), &JobWatch::Changed,
+                         [&](const JobState& state) { texts.append(state.text); });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return texts.contains(expected); }, 10'000))
+            << expected.toStdString() << " is not in " << texts.join(u'|').toStdString();
+    };
+    follow(u"gedruckt"_s, [] {});
+    service_.Run(u"cupsdisable"_s, {u"-r"_s, u"Papierwechsel"_s, u"Photo"_s});
+    EXPECT_EQ(layer.Paper().remarks,
+              QStringList(u"Der Drucker „Photo“ ist angehalten: Papierwechsel. Der Auftrag wartet, "
+                          u"bis er weiterdruckt."_s));
+    follow(u"angehalten: Papierwechsel"_s, [] {});
+    follow(u"angehalten: zurückgehalten"_s, [&] {
+        service_.Run(u"lp"_s, {u"-i"_s, u"3"_s, u"-H"_s, u"hold"_s});
+    });
+    follow(u"abgebrochen"_s, [&] { service_.Run(u"cancel"_s, {u"4"_s}); });
 }
 
 TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {

@@ -1,5 +1,9 @@
+#include <QLabel>
+#include <QWheelEvent>
+
 #include "core/settings/StoredSettings.h"
 #include "dialogs/BeforePrint.h"
+#include "dialogs/PaperView.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
 #include "printing/Calibration.h"
@@ -178,6 +182,38 @@ TEST_F(PrintDialogs, PrintingWithAProfileNeedsASelection) {
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::No);
     driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
         EXPECT_TRUE(Child<QPushButton>(shown, "btnProfile").isDefault());
+        shown.close();
+    });
+    EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
+}
+
+TEST_F(PrintDialogs, TheSheetIsShownOnTheSelectedProfilesPaper) {
+    QImage tile(370, 470, QImage::Format_RGB32);
+    tile.fill(Qt::gray);
+    beforePrint.SetSheet({tile, 4, 2, 254, u"x"_s, 20});
+    printer.paper = QSizeF(152, 102);
+    printing::StoreCalibration(data.DataFolder(), u"B"_s, {1.01, 1, {}});
+    driver.Expect(u"BeforPrintDlgFm"_s, [this](QWidget& shown) {
+        const auto text = [&](const char* label) { return Child<QLabel>(shown, label).text(); };
+        const auto& view = Child<dialogs::PaperView>(shown, "PaperView");
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return text("PaperLabel") == u"Papier: 152,0 × 102,0 mm"; }));
+        EXPECT_EQ(text("WarningLabel"), u""_s);
+        const QPointF edge = view.ToWidget(QPointF(-76, 0));
+        EXPECT_NEAR(view.ToWidget(QPointF(76, 0)).x() - edge.x(), view.width() - 60, 1);
+        QWheelEvent wheel(edge, view.mapToGlobal(edge), {}, {0, 240}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(const_cast<dialogs::PaperView*>(&view), &wheel);
+        EXPECT_GT(view.Zoom(), 1.4);
+        EXPECT_LT((view.ToWidget(QPointF(-76, 0)) - edge).manhattanLength(), 1);
+
+        printer.paper = QSizeF(100, 100);
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return text("PaperLabel").contains(u"quer 101,0 %"); }));
+        EXPECT_EQ(text("WarningLabel"), u"Abgeschnitten (rot): links 23,0 mm und rechts 23,0 mm"_s);
+        printer.failure = u"Der Druckdienst antwortet nicht."_s;
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(0);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return text("PaperLabel").isEmpty(); }));
         shown.close();
     });
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);

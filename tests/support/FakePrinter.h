@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPointer>
 
 #include "printing/PrinterLayer.h"
 
@@ -39,14 +40,17 @@ class FakePrinter : public printing::PrinterLayer {
         return setupChoice.has_value();
     }
 
-    printing::PrinterPaper Paper() override {
+    printing::PrinterPaper PaperOf(const printing::PrinterChoice&) override {
         Answer();
         return {printing::PaperGeometry::Plain(paper), orientation};
     }
 
-    void Print(const printing::PrintImage& image) override {
+    std::unique_ptr<printing::JobWatch> Print(const printing::PrintImage& image) override {
         Answer();
         jobs.append({image, current});
+        auto followed = std::make_unique<printing::JobWatch>();
+        watch = followed.get();
+        return followed;
     }
 
     printing::PrinterChoice current = Choice("Laser", "PageSize=A4\n");
@@ -59,6 +63,8 @@ class FakePrinter : public printing::PrinterLayer {
 
     int setupsShown = 0;
     QList<Job> jobs;
+    /// Follows the last job, as long as somebody keeps it.
+    QPointer<printing::JobWatch> watch;
 
  private:
     void Answer() const {

@@ -112,8 +112,8 @@ IppMessage MessageOf(const QByteArray& bytes) {
                : nullptr;
 }
 
-IppMessage Connection::Ask(const IppMessage& request, const QByteArray& resource,
-                           const QString& fileName) const {
+std::unique_ptr<Question> Connection::Begin(const IppMessage& request, const QByteArray& resource,
+                                            const QString& fileName) const {
     QStringList arguments{u"ask"_s, address_.server, QString::fromUtf8(resource)};
     auto time = address_.timeout;
     if (!fileName.isEmpty()) {
@@ -121,14 +121,24 @@ IppMessage Connection::Ask(const IppMessage& request, const QByteArray& resource
         // The slowest network that anybody prints over carries a megabyte a second.
         time += std::chrono::milliseconds(QFileInfo(fileName).size() / 1000);
     }
-    Question question(arguments, BytesOf(request), {time, MostAnswerBytes});
-    WaitFor(question);
+    return std::make_unique<Question>(arguments, BytesOf(request),
+                                      Question::Limits{time, MostAnswerBytes});
+}
+
+IppMessage Connection::AnswerOf(const Question& question) const {
     RequireAnswer(question);
     IppMessage answer = MessageOf(question.Answer());
     if (!answer) {
         throw ServiceFailure(u"Der Druckdienst antwortet unverständlich."_s);
     }
     return answer;
+}
+
+IppMessage Connection::Ask(const IppMessage& request, const QByteArray& resource,
+                           const QString& fileName) const {
+    const std::unique_ptr<Question> question = Begin(request, resource, fileName);
+    WaitFor(*question);
+    return AnswerOf(*question);
 }
 
 std::optional<QByteArray> Connection::Fetch(const QByteArray& resource) const {

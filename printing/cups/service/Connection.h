@@ -74,6 +74,13 @@ class Connection {
     IppMessage Ask(const IppMessage& request, const QByteArray& resource,
                    const QString& fileName = {}) const;
 
+    /// Sends a request without waiting for the answer, which AnswerOf reads once the question is
+    /// finished.
+    std::unique_ptr<Question> Begin(const IppMessage& request, const QByteArray& resource,
+                                    const QString& fileName = {}) const;
+    /// Throws ServiceFailure where none came.
+    IppMessage AnswerOf(const Question& question) const;
+
     /// What the service has under `resource`; nothing where it has nothing. Throws ServiceFailure.
     std::optional<QByteArray> Fetch(const QByteArray& resource) const;
 

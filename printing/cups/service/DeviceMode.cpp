@@ -134,7 +134,7 @@ void DeviceMode::SetSheetOrientation(printing::Orientation orientation) {
 }
 
 int DeviceMode::CopyCount() const {
-    return std::clamp(Value(Copies).toInt(), 1, MaximumCopies);
+    return std::clamp(Value(Copies).toInt(), 1, MostCopies);
 }
 
 }  // namespace kadrona::printing::cups

@@ -39,9 +39,8 @@ class DeviceMode {
     void Remove(const QByteArray& key);
     const std::vector<std::pair<QByteArray, QByteArray>>& Options() const { return options_; }
 
-    /// 1 ... MaximumCopies, whatever is stored.
+    /// 1 ... MostCopies, whatever is stored.
     int CopyCount() const;
-    static constexpr int MaximumCopies = 999;
 
     /// Upright where it is not set.
     printing::Orientation SheetOrientation() const;

@@ -134,6 +134,13 @@ bool DriverOption::Offers(const QByteArray& choice) const {
                        [&](const DriverChoice& offered) { return offered.name == choice; });
 }
 
+QString DriverOption::Label(const QByteArray& choice) const {
+    const auto found =
+        std::find_if(choices.begin(), choices.end(),
+                     [&](const DriverChoice& offered) { return offered.name == choice; });
+    return found == choices.end() ? QString::fromUtf8(choice) : found->label;
+}
+
 QSizeF Paper::Millimetres() const {
     return points * MillimetresPerPoint;
 }
@@ -236,15 +243,38 @@ PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
     if (const std::optional<Paper> paper = PaperOf(mode)) {
         setting.geometry = GeometryOf(*paper, mode);
     }
+    setting.remarks = MissingChoices(mode);
     for (const NeutralOption& neutral : DriverOptions) {
         const DriverOption* option = Find({neutral.keyword});
         if (option != nullptr && !option->Offers(neutral.neutral)) {
-            setting.limits.append(
+            setting.remarks.append(
                 u"Die Einstellung „%1“ des Treibers lässt sich nicht abstellen; die Fotos können eine andere Größe bekommen."_s
                     .arg(option->label));
         }
     }
     return setting;
+}
+
+QStringList Driver::MissingChoices(const DeviceMode& mode) const {
+    struct Row {
+        const char* keyword;
+        QString what;
+    };
+    QStringList remarks;
+    for (const Row& row : {Row{"PageSize", u"Papier"_s}, Row{"InputSlot", u"Papierfach"_s},
+                           Row{"MediaType", u"Papierart"_s}}) {
+        const QByteArray wanted = mode.Value(row.keyword);
+        const DriverOption* option = Find({row.keyword});
+        if (wanted.isEmpty() || Knows(row.keyword, wanted)) {
+            continue;
+        }
+        const QString gone = u"„%2“ (%1) gibt es bei diesem Drucker nicht mehr"_s.arg(
+            row.what, platform::HarmlessLine(QString::fromUtf8(wanted)));
+        remarks.append(option == nullptr
+                           ? gone + u'.'
+                           : gone + u"; er nimmt „%1“."_s.arg(option->Label(option->standard)));
+    }
+    return remarks;
 }
 
 PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) const {

@@ -32,6 +32,8 @@ struct DriverOption {
     QByteArray standard;
 
     bool Offers(const QByteArray& choice) const;
+    /// For reading; the name itself of what is no choice.
+    QString Label(const QByteArray& choice) const;
 };
 
 struct Paper {
@@ -94,6 +96,8 @@ class Driver {
 
     void ReadOptions(const GermanTexts& texts);
     void ReadPapers();
+    /// Sentences about paper, tray and kind of paper that were chosen once and are no more.
+    QStringList MissingChoices(const DeviceMode& mode) const;
     PaperGeometry GeometryOf(const Paper& paper, const DeviceMode& mode) const;
     bool UsesFilter(const char* program) const;
 

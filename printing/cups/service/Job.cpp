@@ -31,14 +31,14 @@ class JobOptions {
     cups_option_t* options_ = nullptr;
 };
 
-void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode) {
+void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode, int copies) {
     JobOptions options;
     for (const auto& [keyword, choice] : mode.Options()) {
         if (driver.Knows(keyword, choice)) {
             options.Add(keyword.constData(), choice.constData());
         }
     }
-    options.Add("copies", QByteArray::number(mode.CopyCount()).constData());
+    options.Add("copies", QByteArray::number(copies).constData());
     for (const NeutralOption& option : ServiceOptions) {
         options.Add(option.keyword, option.neutral);
     }
@@ -75,7 +75,7 @@ int SendJob(const Connection& connection, const Queue& queue, const Driver& driv
     IppMessage request = NewRequest(IPP_OP_PRINT_JOB, queue.Uri());
     AddText(request.get(), IPP_TAG_NAME, "job-name", JobName(image.title));
     AddText(request.get(), IPP_TAG_MIMETYPE, "document-format", "application/pdf");
-    AddOptions(request.get(), driver, mode);
+    AddOptions(request.get(), driver, mode, image.copies.value_or(mode.CopyCount()));
     const IppMessage answer = connection.Ask(request, queue.Resource(), page.fileName());
     ipp_attribute_t* job = ippFindAttribute(answer.get(), "job-id", IPP_TAG_INTEGER);
     if (job == nullptr) {

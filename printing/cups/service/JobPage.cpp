@@ -28,17 +28,11 @@ QByteArray Matrix(const QTransform& matrix) {
 /// Draws the copies: each is the unit square of the image, brought to its place. `toPage` leads
 /// from the sheet, millimetres around its middle, to the page.
 QByteArray DrawnCopies(const PrintImage& image, const QTransform& toPage) {
-    const QSizeF sheet = image.Millimetres();
-    const double width = sheet.width() / image.columns;
-    const double height = sheet.height() / image.rows;
     QByteArray content;
-    for (int row = 0; row < image.rows; ++row) {
-        for (int column = 0; column < image.columns; ++column) {
-            const double left = column * width - sheet.width() / 2;
-            const double bottom = (row + 1) * height - sheet.height() / 2;
-            const QTransform fromUnit(width, 0, 0, -height, left, bottom);
-            content += "q " + Matrix(fromUnit * toPage) + " /Image0 Do Q\n";
-        }
+    for (const QRectF& place : image.CopyMillimetres()) {
+        const QTransform fromUnit(place.width(), 0, 0, -place.height(), place.left(),
+                                  place.bottom());
+        content += "q " + Matrix(fromUnit * toPage) + " /Image0 Do Q\n";
     }
     return content;
 }
@@ -46,8 +40,7 @@ QByteArray DrawnCopies(const PrintImage& image, const QTransform& toPage) {
 }  // namespace
 
 void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper& setting) {
-    const PaperGeometry& paper =
-        setting.geometry.IsKnown() ? setting.geometry : PaperGeometry::Plain(image.Millimetres());
+    const PaperGeometry paper = KnownPaper(image, setting.geometry);
     const QSizeF page = paper.page * PointsPerMillimetre;
     // PDF counts from the lower edge up.
     const QTransform toPoints(PointsPerMillimetre, 0, 0, -PointsPerMillimetre, 0, page.height());

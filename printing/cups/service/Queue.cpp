@@ -1,12 +1,12 @@
 #include "printing/cups/service/Queue.h"
 
-#include <QStringList>
 #include <QUrl>
 #include <QUrlQuery>
 #include <algorithm>
 #include <array>
 
 #include "platform/HarmlessText.h"
+#include "printing/cups/service/StateReasons.h"
 
 using namespace Qt::StringLiterals;
 
@@ -39,18 +39,6 @@ QString ShownText(ipp_attribute_t* attribute) {
     return platform::HarmlessLine(Text(attribute));
 }
 
-/// What somebody wrote about the state, without a full stop. The service's own English words say
-/// nothing that StateText does not.
-QString Remark(QString message) {
-    if (message == u"Rejecting Jobs"_s || message == u"Paused"_s) {
-        return {};
-    }
-    while (message.endsWith(u'.')) {
-        message.chop(1);
-    }
-    return message;
-}
-
 void ReadState(Queue& queue, ipp_attribute_t* state) {
     queue.isPaused = ippGetInteger(state, 0) == IPP_PSTATE_STOPPED;
     queue.isPrinting = ippGetInteger(state, 0) == IPP_PSTATE_PROCESSING;
@@ -73,7 +61,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     } else if (name == "printer-state") {
         ReadState(queue, attribute);
     } else if (name == "printer-state-message") {
-        queue.stateMessage = Remark(ShownText(attribute));
+        queue.stateMessage = StateMessage(Text(attribute));
     } else if (name == "printer-state-reasons") {
         for (int i = 0; i < ippGetCount(attribute); ++i) {
             queue.stateReasons.emplace_back(ippGetString(attribute, i, nullptr));
@@ -127,43 +115,6 @@ QByteArray UriOf(const char* folder, const QByteArray& name) {
     return uri.data();
 }
 
-/// What a state reason says, without its suffix "-error", "-warning" or "-report"; empty for what
-/// a user need not know.
-QString ReasonText(QByteArray reason) {
-    struct Row {
-        const char* keyword;
-        QString text;
-    };
-    static const std::array rows{
-        Row{"media-empty", u"Kein Papier"_s},
-        Row{"media-needed", u"Papier einlegen"_s},
-        Row{"media-jam", u"Papierstau"_s},
-        Row{"media-low", u"Papier geht zur Neige"_s},
-        Row{"input-tray-missing", u"Papierfach fehlt"_s},
-        Row{"output-area-full", u"Ausgabefach voll"_s},
-        Row{"cover-open", u"Klappe offen"_s},
-        Row{"door-open", u"Klappe offen"_s},
-        Row{"marker-supply-empty", u"Tinte leer"_s},
-        Row{"marker-supply-low", u"Tinte geht zur Neige"_s},
-        Row{"toner-empty", u"Toner leer"_s},
-        Row{"toner-low", u"Toner geht zur Neige"_s},
-        Row{"marker-waste-full", u"Resttintenbehälter voll"_s},
-        Row{"offline", u"Nicht verbunden"_s},
-        Row{"connecting-to-device", u"Verbindung wird aufgebaut"_s},
-        Row{"timed-out", u"Keine Antwort vom Drucker"_s},
-        Row{"shutdown", u"Ausgeschaltet"_s},
-        Row{"cups-missing-filter", u"Treiberdatei fehlt"_s},
-    };
-    for (const char* suffix : {"-error", "-warning", "-report"}) {
-        if (reason.endsWith(suffix)) {
-            reason.chop(static_cast<qsizetype>(qstrlen(suffix)));
-        }
-    }
-    const auto* found = std::find_if(rows.begin(), rows.end(),
-                                     [&](const Row& row) { return reason == row.keyword; });
-    return found == rows.end() ? QString() : found->text;
-}
-
 }  // namespace
 
 QString WithoutSecrets(const QString& deviceUri) {
@@ -210,12 +161,20 @@ std::vector<Queue> Queues(const Connection& connection) {
     return queues;
 }
 
-std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name) {
+IppMessage QueueRequest(const QByteArray& name) {
     // The service finds a class under the address of a printer, too.
     IppMessage request = NewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES, UriOf("printers", name));
     AddWantedAttributes(request.get());
-    std::vector<Queue> queues = QueuesOrNone(connection.Ask(request, "/"));
+    return request;
+}
+
+std::optional<Queue> QueueIn(const IppMessage& answer) {
+    std::vector<Queue> queues = QueuesOrNone(answer);
     return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
+}
+
+std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name) {
+    return QueueIn(connection.Ask(QueueRequest(name), "/"));
 }
 
 std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues) {
@@ -232,13 +191,8 @@ QString StateText(const Queue& queue) {
     if (!queue.acceptsJobs) {
         state = u"Nimmt keine Aufträge an"_s;
     }
-    QStringList reasons;
-    for (const QByteArray& reason : queue.stateReasons) {
-        if (const QString text = ReasonText(reason); !text.isEmpty() && !reasons.contains(text)) {
-            reasons.append(text);
-        }
-    }
-    return reasons.isEmpty() ? state : state + u" – "_s + reasons.join(u", "_s);
+    const QString reasons = PrinterReasons(queue.stateReasons);
+    return reasons.isEmpty() ? state : state + u" – "_s + reasons;
 }
 
 }  // namespace kadrona::printing::cups

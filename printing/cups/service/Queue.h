@@ -42,6 +42,10 @@ std::vector<Queue> Queues(const Connection& connection);
 /// The queue with that name. Nothing where there is none. Throws ServiceFailure.
 std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name);
 
+/// The question for one queue, and the queue in its answer. Throws ServiceFailure.
+IppMessage QueueRequest(const QByteArray& name);
+std::optional<Queue> QueueIn(const IppMessage& answer);
+
 /// The service's default queue, or where it has none the first. Nothing where there is no queue.
 std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues);
 

@@ -1,0 +1,279 @@
+#include "dialogs/PaperView.h"
+
+#include <QKeyEvent>
+#include <QLocale>
+#include <QPainter>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "controls/theme/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+/// Room for the paper's measures, pixels.
+constexpr double Border = 30;
+/// Longest side of the tile that is kept for painting, pixels.
+constexpr int LongestTile = 900;
+constexpr double WheelStep = 1.2;
+constexpr double KeyStep = 40;
+
+const QColor LostColor(196, 30, 30);
+const QColor Desk(226, 228, 231);
+
+QString Number(double millimetres) {
+    return QLocale(QLocale::German).toString(millimetres, 'f', 1);
+}
+
+/// A text on a light plate, so that it can be read on any photo.
+void PaintPlate(QPainter& painter, QPointF middle, const QString& text) {
+    const QFontMetricsF metrics(painter.font());
+    QRectF plate(0, 0, metrics.horizontalAdvance(text) + 8, metrics.height() + 2);
+    plate.moveCenter(middle);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(255, 255, 255, 215));
+    painter.drawRoundedRect(plate, 3, 3);
+    painter.setPen(controls::Colors().text);
+    painter.drawText(plate, Qt::AlignCenter, text);
+}
+
+}  // namespace
+
+PaperView::PaperView(QWidget* parent) : QWidget(parent) {
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(200, 200);
+    setCursor(Qt::OpenHandCursor);
+    setAccessibleName(u"Vorschau auf dem Papier"_s);
+    setToolTip(u"Mausrad: vergrößern, Ziehen: verschieben, Doppelklick: ganzes Blatt"_s);
+}
+
+void PaperView::ShowSheet(const printing::SheetOnPaper& sheet, const QImage& tile) {
+    if (!sheet_ || sheet_->paper != sheet.paper) {
+        zoom_ = 1;
+        middle_ = sheet.paper.center();
+    }
+    sheet_ = sheet;
+    const bool isLarge = std::max(tile.width(), tile.height()) > LongestTile;
+    tile_ = isLarge ? tile.scaled(LongestTile, LongestTile, Qt::KeepAspectRatio,
+                                  Qt::SmoothTransformation)
+                    : tile;
+    painted_ = {};
+    text_.clear();
+    update();
+}
+
+void PaperView::ShowText(const QString& text) {
+    sheet_.reset();
+    text_ = text;
+    update();
+}
+
+double PaperView::PixelsPerMillimetre() const {
+    const QSizeF room = QSizeF(size()) - QSizeF(2 * Border, 2 * Border);
+    const QSizeF paper = sheet_->paper.size();
+    const double whole = std::min(room.width() / paper.width(), room.height() / paper.height());
+    return std::max(whole, 0.01) * zoom_;
+}
+
+QPointF PaperView::ToWidget(QPointF millimetres) const {
+    return QRectF(rect()).center() + (millimetres - middle_) * PixelsPerMillimetre();
+}
+
+QRectF PaperView::ToWidget(const QRectF& millimetres) const {
+    return {ToWidget(millimetres.topLeft()), ToWidget(millimetres.bottomRight())};
+}
+
+void PaperView::ZoomAt(QPointF widgetPlace, double zoom) {
+    if (!sheet_) {
+        return;
+    }
+    // What lies under the pointer stays there.
+    const QPointF fromCenter = widgetPlace - QRectF(rect()).center();
+    const QPointF under = middle_ + fromCenter / PixelsPerMillimetre();
+    zoom_ = std::clamp(zoom, 1.0, MostZoom);
+    middle_ = under - fromCenter / PixelsPerMillimetre();
+    KeepPaperInSight();
+}
+
+void PaperView::MoveBy(QPointF pixels) {
+    if (sheet_) {
+        middle_ -= pixels / PixelsPerMillimetre();
+        KeepPaperInSight();
+    }
+}
+
+void PaperView::KeepPaperInSight() {
+    const QRectF paper = sheet_->paper;
+    const QSizeF seen = QSizeF(size()) / PixelsPerMillimetre();
+    const double free = 2 * Border / PixelsPerMillimetre();
+    const auto kept = [&](double at, double center, double length, double sight) {
+        const double play = std::max((length + free - sight) / 2, 0.0);
+        return std::clamp(at, center - play, center + play);
+    };
+    middle_ = {kept(middle_.x(), paper.center().x(), paper.width(), seen.width()),
+               kept(middle_.y(), paper.center().y(), paper.height(), seen.height())};
+    update();
+}
+
+void PaperView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), Desk);
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.9);
+    painter.setFont(small);
+    if (!sheet_) {
+        painter.setPen(controls::Colors().mutedText);
+        painter.drawText(rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
+                         text_);
+        return;
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    PaintPaper(painter);
+    PaintCopies(painter);
+    if (sheet_->told) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(controls::Colors().accent, 1, Qt::DashLine));
+        painter.drawRect(ToWidget(*sheet_->told));
+    }
+    PaintPaperSize(painter);
+}
+
+void PaperView::PaintPaper(QPainter& painter) const {
+    const QRectF paper = ToWidget(sheet_->paper);
+    painter.fillRect(paper.translated(2, 3), QColor(0, 0, 0, 40));
+    painter.fillRect(paper, Qt::white);
+    const QRectF reached = ToWidget(sheet_->reached.intersected(sheet_->paper));
+    if (sheet_->reached.contains(sheet_->paper)) {
+        painter.setPen(controls::Colors().strongBorder);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(paper);
+        return;
+    }
+    const QRegion border = QRegion(paper.toRect()) - QRegion(reached.toRect());
+    painter.save();
+    painter.setClipRegion(border);
+    painter.fillRect(paper, QColor(244, 245, 246));
+    painter.fillRect(paper, QBrush(QColor(190, 195, 201), Qt::BDiagPattern));
+    painter.restore();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(controls::Colors().strongBorder);
+    painter.drawRect(paper);
+    painter.setPen(QPen(controls::Colors().strongBorder, 1, Qt::DotLine));
+    painter.drawRect(reached);
+}
+
+/// The tile in the pixels in which it is painted, as long as those are not more than it has.
+const QImage& PaperView::TileFor(QSize devicePixels) {
+    if (devicePixels.width() >= tile_.width() || devicePixels.isEmpty()) {
+        return tile_;
+    }
+    if (painted_.size() != devicePixels) {
+        painted_ = tile_.scaled(devicePixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    return painted_;
+}
+
+void PaperView::PaintCopies(QPainter& painter) {
+    for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
+        const QRectF place = ToWidget(copy.place);
+        if (!place.intersects(rect())) {
+            continue;
+        }
+        painter.drawImage(place, TileFor((place.size() * devicePixelRatioF()).toSize()));
+    }
+    for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
+        const QRectF photo = ToWidget(copy.photo);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QColor(0, 0, 0, 90));
+        painter.drawRect(photo);
+        for (const QRectF& part : copy.LostParts()) {
+            const QRectF lost = ToWidget(part);
+            painter.fillRect(lost, QColor(LostColor.red(), 0, 0, 110));
+            painter.fillRect(lost, QBrush(QColor(255, 255, 255, 150), Qt::FDiagPattern));
+            painter.setPen(QPen(LostColor, 1));
+            painter.drawRect(lost);
+        }
+        PaintCopySize(painter, photo, copy.photo.size());
+    }
+}
+
+void PaperView::PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) const {
+    const QString text =
+        u"%1 × %2"_s.arg(Number(millimetres.width()), Number(millimetres.height()));
+    const QFontMetricsF metrics(painter.font());
+    if (metrics.horizontalAdvance(text) + 12 <= photo.width() &&
+        metrics.height() * 2 <= photo.height()) {
+        PaintPlate(painter, {photo.center().x(), photo.bottom() - metrics.height() * 0.8}, text);
+    }
+}
+
+void PaperView::PaintPaperSize(QPainter& painter) const {
+    const QRectF paper = ToWidget(sheet_->paper);
+    const QFontMetricsF metrics(painter.font());
+    const double gap = metrics.height() * 0.75;
+    const QRectF seen = QRectF(rect()).adjusted(gap, gap, -gap, -gap);
+    const QPointF above(std::clamp(paper.center().x(), seen.left(), seen.right()),
+                        std::max(paper.top() - gap, seen.top()));
+    PaintPlate(painter, above, Number(sheet_->paper.width()) + u" mm"_s);
+    painter.save();
+    painter.translate(std::max(paper.left() - gap, seen.left()),
+                      std::clamp(paper.center().y(), seen.top(), seen.bottom()));
+    painter.rotate(-90);
+    PaintPlate(painter, {0, 0}, Number(sheet_->paper.height()) + u" mm"_s);
+    painter.restore();
+}
+
+void PaperView::wheelEvent(QWheelEvent* event) {
+    constexpr double DegreesPerStep = 120;
+    ZoomAt(event->position(),
+           zoom_ * std::pow(WheelStep, event->angleDelta().y() / DegreesPerStep));
+    event->accept();
+}
+
+void PaperView::mousePressEvent(QMouseEvent* event) {
+    dragged_ = event->position();
+    setCursor(Qt::ClosedHandCursor);
+}
+
+void PaperView::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons().testFlag(Qt::LeftButton)) {
+        MoveBy(event->position() - dragged_);
+        dragged_ = event->position();
+    }
+}
+
+void PaperView::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    setCursor(Qt::OpenHandCursor);
+}
+
+void PaperView::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
+    ZoomAt(QRectF(rect()).center(), 1);
+}
+
+void PaperView::keyPressEvent(QKeyEvent* event) {
+    const QPointF center = QRectF(rect()).center();
+    switch (event->key()) {
+        case Qt::Key_Plus:
+            return ZoomAt(center, zoom_ * WheelStep);
+        case Qt::Key_Minus:
+            return ZoomAt(center, zoom_ / WheelStep);
+        case Qt::Key_0:
+            return ZoomAt(center, 1);
+        case Qt::Key_Left:
+            return MoveBy({KeyStep, 0});
+        case Qt::Key_Right:
+            return MoveBy({-KeyStep, 0});
+        case Qt::Key_Up:
+            return MoveBy({0, KeyStep});
+        case Qt::Key_Down:
+            return MoveBy({0, -KeyStep});
+        default:
+            QWidget::keyPressEvent(event);
+    }
+}
+
+}  // namespace kadrona::dialogs
