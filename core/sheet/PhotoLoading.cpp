@@ -1,6 +1,8 @@
 #include "core/sheet/PhotoLoading.h"
 
 #include "core/settings/Settings.h"
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
 #include "imaging/pixels/QuarterTurn.h"
 #include "imaging/reading/ImageReader.h"
 #include "imaging/tone/AverageColour.h"
@@ -18,9 +20,23 @@ void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredIm
     image.SetIptc(std::move(loaded.iptc));
 }
 
+namespace {
+
+/// Empty where no face is found, or nothing to find it with is installed.
+QRect SkinOf(const imaging::Pixels& photo) {
+    try {
+        const imaging::FaceSearch search = imaging::FindFace(photo);
+        return search.face ? imaging::CheeksOf(*search.face) : QRect();
+    } catch (const imaging::CascadesMissing&) {
+        return {};
+    }
+}
+
+}  // namespace
+
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {
     if (settings.AutoWhiteBalance() && !image.IsEmpty()) {
-        image.ChangePhoto(imaging::WhiteBalanced(image.Photo()));
+        image.ChangePhoto(imaging::WhiteBalanced(image.Photo(), SkinOf(image.Photo())));
     }
 }
 

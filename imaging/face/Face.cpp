@@ -20,4 +20,10 @@ double Face::Confidence() const {
     return std::min({leftEye.confidence, rightEye.confidence, chin.confidence, crown.confidence});
 }
 
+QRect CheeksOf(const Face& face) {
+    const double unit = face.EyeDistance();
+    const QPointF eyes = face.EyeMiddle();
+    return QRectF(eyes.x() - 0.55 * unit, eyes.y() + 0.35 * unit, 1.1 * unit, 0.4 * unit).toRect();
+}
+
 }  // namespace kadrona::imaging

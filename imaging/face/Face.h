@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointF>
+#include <QRect>
 #include <optional>
 
 namespace kadrona::imaging {
@@ -29,6 +30,9 @@ struct Face {
     /// Of the least certain of pupils, chin and crown.
     double Confidence() const;
 };
+
+/// Cheeks and nose of a face, in pixels of the photo: nearly all of it is skin.
+QRect CheeksOf(const Face& face);
 
 /// The answer of a search.
 struct FaceSearch {

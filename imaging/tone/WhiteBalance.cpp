@@ -62,10 +62,6 @@ constexpr double SkinAnyway = 0.01;
 /// More skin than this says little more: it is rather a wall that a light makes look like skin.
 constexpr double UsualSkin = 0.15;
 
-/// A light must be so many times likelier than none. Lights that are less red than daylight need
-/// more: light blue is a usual wall, and skin looks right before it in both lights.
-constexpr double AdvantageOfWarmLight = 4;
-constexpr double AdvantageOfCoolLight = 4.5;
 /// Slighter casts, as a logarithm, may be a wall's paint.
 constexpr double SlightestCast = 0.13;
 
@@ -175,6 +171,12 @@ cv::Mat SkinForEachLight(const Histograms& histograms) {
     return all;
 }
 
+/// Red over green and blue over green, as logarithms.
+struct Chromaticity {
+    double red = 0;
+    double blue = 0;
+};
+
 struct Light {
     double red = 0;   ///< what it makes of grey: the logarithm of red over green
     double blue = 0;  ///< the same of blue over green
@@ -184,33 +186,120 @@ struct Light {
     Gains Correction() const { return {std::exp(-red), std::exp(-blue)}; }
 };
 
-/// The light that the picture was taken in; none where that is unsure.
-std::optional<Light> LightOf(const std::vector<QRgb>& points) {
-    const Histograms histograms = ChromaticitiesOf(points);
-    const cv::Mat grey = GreyForEachLight(histograms);
-    const cv::Mat skin = SkinForEachLight(histograms);
+/// The middle of a face's skin, its noise and its lips aside; none where too little can be seen.
+std::optional<Chromaticity> SkinIn(const QImage& image, const QRect& area) {
+    constexpr int BrightestSkin = 250;  // what is brighter may be cut off
+    constexpr size_t FewestPoints = 16;
+    std::vector<double> red;
+    std::vector<double> blue;
+    const QRect inside = area.intersected(image.rect());
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = inside.left(); x <= inside.right(); ++x) {
+            const auto [least, most] = std::minmax({qRed(row[x]), qGreen(row[x]), qBlue(row[x])});
+            if (least >= DarkestTone && most <= BrightestSkin) {
+                red.push_back(std::log(double(qRed(row[x])) / qGreen(row[x])));
+                blue.push_back(std::log(double(qBlue(row[x])) / qGreen(row[x])));
+            }
+        }
+    }
+    if (red.size() < FewestPoints) {
+        return std::nullopt;
+    }
+    const auto middle = [](std::vector<double>& values) {
+        const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+        std::ranges::nth_element(values, half);
+        return *half;
+    };
+    return Chromaticity{middle(red), middle(blue)};
+}
+
+/// How likely a face has that skin once the light is corrected, 0 ... 1: complexions spread about a
+/// middle one, the redder the less blue. Photos that pass for neutral spread as far.
+double LikenessToFace(const Chromaticity& skin, const Light& light) {
+    constexpr Chromaticity Middle{0.25, -0.12};
+    constexpr Chromaticity Spread{0.1, 0.11};
+    constexpr double Correlation = -0.3;
+    const double red = (skin.red - light.red - Middle.red) / Spread.red;
+    const double blue = (skin.blue - light.blue - Middle.blue) / Spread.blue;
+    const double squares = red * red + blue * blue - 2 * Correlation * red * blue;
+    return std::exp(-squares / (1 - Correlation * Correlation) / 2);
+}
+
+/// How many times likelier than none a light must be.
+struct Advantages {
+    double ofWarmLight;
+    double ofCoolLight;
+};
+
+/// `likelihood` takes a light and its row and column in the histogram; none where it is unsure.
+template <typename Likelihood>
+std::optional<Light> LikeliestLight(const cv::Mat& grey, const Advantages& needed,
+                                    const Likelihood& likelihood) {
     Light best;
     double most = 0;
     double neutral = 0;
     for (int row = 0; row < HistogramLength; ++row) {
         for (int column = 0; column < HistogramLength; ++column) {
             const Light light{LogarithmOf(row), LogarithmOf(column), grey.at<float>(row, column)};
-            const double skinPart = skin.at<float>(row, column);
-            const double likelihood = (GreyAnyway + light.grey) *
-                                      (SkinAnyway + skinPart / (skinPart + UsualSkin)) *
-                                      Falloff(light.Cast(), PriorSpread);
+            const double likely = likelihood(light, row, column);
             if (row == StepsPerDirection && column == StepsPerDirection) {
-                neutral = likelihood;
+                neutral = likely;
             }
-            if (likelihood > most) {
-                most = likelihood;
+            if (likely > most) {
+                most = likely;
                 best = light;
             }
         }
     }
-    const double advantage = best.red < 0 ? AdvantageOfCoolLight : AdvantageOfWarmLight;
+    const double advantage = best.red < 0 ? needed.ofCoolLight : needed.ofWarmLight;
     const bool isSure = best.Cast() >= SlightestCast && most >= advantage * neutral;
     return isSure ? std::optional(best) : std::nullopt;
+}
+
+/// Lights that are less red than daylight need more by the colours alone: light blue is a usual
+/// wall, and skin looks right before it in both lights. A face that is redder than usual is no
+/// lamp.
+constexpr Advantages AdvantagesByColours{4, 4.5};
+constexpr Advantages AdvantagesByFace{20, 5};
+/// The same as above where a face is known, whose skin says more.
+constexpr double GreyAnywayByFace = 0.3;
+constexpr double FaceAnyway = 0.001;
+constexpr double PriorSpreadByFace = 0.28;
+/// Less may be the complexion.
+constexpr double ClearlyLikelier = 1.6;
+
+std::optional<Light> LightByFace(const cv::Mat& grey, const Chromaticity& face) {
+    return LikeliestLight(grey, AdvantagesByFace, [&](const Light& light, int, int) {
+        return (GreyAnywayByFace + light.grey) * (FaceAnyway + LikenessToFace(face, light)) *
+               Falloff(light.Cast(), PriorSpreadByFace);
+    });
+}
+
+std::optional<Light> LightByColours(const cv::Mat& grey, const Histograms& histograms) {
+    const cv::Mat skin = SkinForEachLight(histograms);
+    return LikeliestLight(grey, AdvantagesByColours, [&](const Light& light, int row, int column) {
+        const double part = skin.at<float>(row, column);
+        return (GreyAnyway + light.grey) * (SkinAnyway + part / (part + UsualSkin)) *
+               Falloff(light.Cast(), PriorSpread);
+    });
+}
+
+/// The light that the picture was taken in; none where that is unsure. Where a face is known, what
+/// the colours say must make its skin likelier.
+std::optional<Light> LightOf(const std::vector<QRgb>& points,
+                             const std::optional<Chromaticity>& face) {
+    const Histograms histograms = ChromaticitiesOf(points);
+    const cv::Mat grey = GreyForEachLight(histograms);
+    std::optional<Light> light = face ? LightByFace(grey, *face) : std::nullopt;
+    if (light) {
+        return light;
+    }
+    light = LightByColours(grey, histograms);
+    const bool isRefused =
+        light && face &&
+        LikenessToFace(*face, *light) < ClearlyLikelier * LikenessToFace(*face, {});
+    return isRefused ? std::nullopt : light;
 }
 
 /// The gains that make the average of those points neutral that `gains` make nearly grey.
@@ -230,10 +319,10 @@ Gains Refined(const std::vector<QRgb>& points, const Gains& gains) {
     return green > 0 ? Gains{green / red, green / blue} : gains;
 }
 
-Gains EstimatedGains(const QImage& image) {
+Gains EstimatedGains(const QImage& image, const QRect& skin) {
     constexpr int Rounds = 5;
     const std::vector<QRgb> points = UsefulPoints(image);
-    const std::optional<Light> light = LightOf(points);
+    const std::optional<Light> light = LightOf(points, SkinIn(image, skin));
     if (!light) {
         return {};
     }
@@ -261,12 +350,12 @@ cv::Mat ScaleTable(const Gains& gains) {
 
 }  // namespace
 
-Pixels WhiteBalanced(const Pixels& pixels) {
+Pixels WhiteBalanced(const Pixels& pixels, const QRect& skin) {
     if (pixels.IsEmpty()) {
         return pixels;
     }
     const QImage straight = StraightAlpha(pixels);
-    const cv::Mat table = ScaleTable(EstimatedGains(straight));
+    const cv::Mat table = ScaleTable(EstimatedGains(straight, skin));
     if (table.empty()) {
         return pixels;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QRect>
+
 #include "imaging/pixels/Pixels.h"
 
 namespace kadrona::imaging {
@@ -17,8 +19,11 @@ namespace kadrona::imaging {
 /// automatic white balance algorithm using gray color points in images", IEEE Trans. Consumer
 /// Electronics 52(2), 2006).
 ///
+/// `skin` is a part of the picture that is skin of a face, in pixels of the tile; empty where none
+/// is known. Its middle colour is a second witness: complexions in neutral light are much alike.
+///
 /// OpenCV's xphoto was weighed: its methods know no skin, and turn a face orange before a light
 /// blue wall. Throws platform::Error where memory is short.
-Pixels WhiteBalanced(const Pixels& pixels);
+Pixels WhiteBalanced(const Pixels& pixels, const QRect& skin = {});
 
 }  // namespace kadrona::imaging
