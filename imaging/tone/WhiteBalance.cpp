@@ -266,8 +266,8 @@ constexpr Advantages AdvantagesByFace{20, 5};
 constexpr double GreyAnywayByFace = 0.3;
 constexpr double FaceAnyway = 0.001;
 constexpr double PriorSpreadByFace = 0.28;
-/// Less may be the complexion.
-constexpr double ClearlyLikelier = 1.6;
+/// A light that the colours tell may leave a face so much less likely: dark skin is rare and true.
+constexpr double LeastOfLikeness = 0.6;
 
 std::optional<Light> LightByFace(const cv::Mat& grey, const Chromaticity& face) {
     return LikeliestLight(grey, AdvantagesByFace, [&](const Light& light, int, int) {
@@ -286,7 +286,7 @@ std::optional<Light> LightByColours(const cv::Mat& grey, const Histograms& histo
 }
 
 /// The light that the picture was taken in; none where that is unsure. Where a face is known, what
-/// the colours say must make its skin likelier.
+/// the colours say must not make its skin unlikely.
 std::optional<Light> LightOf(const std::vector<QRgb>& points,
                              const std::optional<Chromaticity>& face) {
     const Histograms histograms = ChromaticitiesOf(points);
@@ -298,7 +298,7 @@ std::optional<Light> LightOf(const std::vector<QRgb>& points,
     light = LightByColours(grey, histograms);
     const bool isRefused =
         light && face &&
-        LikenessToFace(*face, *light) < ClearlyLikelier * LikenessToFace(*face, {});
+        LikenessToFace(*face, *light) < LeastOfLikeness * LikenessToFace(*face, {});
     return isRefused ? std::nullopt : light;
 }
 
