@@ -306,13 +306,18 @@ TEST_F(WriterTest, ExiftoolFindsNoResolutionAndNoNameWhereThereIsNone) {
     if (!IsInstalled(u"exiftool"_s)) {
         GTEST_SKIP() << "exiftool is not installed";
     }
-    for (const QString& extension : {u"jpg"_s, u"jp2"_s, u"tif"_s, u"png"_s, u"pdf"_s}) {
+    const QList<std::pair<QString, QString>> places{
+        {u"jpg"_s, u"-Software"_s}, {u"jp2"_s, u"-Software"_s}, {u"tif"_s, u"-Software"_s},
+        {u"png"_s, u"-Software"_s}, {u"pdf"_s, u"-Producer"_s}, {u"pdf"_s, u"-Creator"_s}};
+    for (const auto& [extension, tag] : places) {
         const QString path = PathOf(u"a."_s + extension);
-        WriteImageFile(path, Pixels(TestPicture(8, 8)), {}, {});
-        const QString tags = u"-T -Software -PDF:Producer -PDF:Creator -IFD0:XResolution"_s;
-        EXPECT_EQ(RunProgram(u"exiftool"_s, tags.split(u' ') + QStringList{path}).output,
-                  u"-\t-\t-\t-\n"_s)
-            << qPrintable(extension);
+        for (const auto& [software, told] : {std::pair("abc", u"abc\t-\n"_s), {"", u"-\t-\n"_s}}) {
+            WriteImageFile(path, Pixels(TestPicture(8, 8)), {}, {software});
+            EXPECT_EQ(
+                RunProgram(u"exiftool"_s, {u"-T"_s, tag, u"-IFD0:XResolution"_s, path}).output,
+                told)
+                << qPrintable(extension + tag);
+        }
     }
 }
 
