@@ -137,11 +137,10 @@ TEST_F(SavingStory, NothingStaleOfTheOpenedFileIsSaved) {
             installation.Path(type == 0 ? "saved/Bildname.jpg" : "saved/Bildname.jp2");
         const QString said =
             exiftool({u"-n"_s, u"-T"_s, u"-Orientation"_s, u"-ThumbnailImage"_s, u"-Model"_s,
-                      u"-SerialNumber"_s, u"-GPSLatitude"_s, u"-MakerNotes"_s, u"-ImageSize"_s,
-                      u"-ExifImageWidth"_s, u"-ExifImageHeight"_s, u"-IFD0:XResolution"_s,
-                      u"-Software"_s, file});
+                      u"-SerialNumber"_s, u"-GPSLatitude"_s, u"-ImageSize"_s, u"-ExifImageWidth"_s,
+                      u"-ExifImageHeight"_s, u"-IFD0:XResolution"_s, u"-Software"_s, file});
         // 413 pixels on the 35 mm of the template.
-        EXPECT_EQ(said, u"-\t-\t-\t-\t-\t-\t413 531\t413\t531\t300\t%1\n"_s.arg(
+        EXPECT_EQ(said, u"-\t-\t-\t-\t-\t413 531\t413\t531\t300\t%1\n"_s.arg(
                             QString::fromLatin1(core::SoftwareText)));
     }
 }

@@ -86,7 +86,7 @@ TEST(SheetLayout, PrintResolutionMakesThePhotoAsWideAsItsTemplate) {
 TEST(SheetLayout, BorderSurroundsEveryCopyButTheSinglePhoto) {
     const QSize photo(413, 531);
     for (const auto& [frame, layout, bordered] : {std::tuple(25, 0, QSize(438, 556)),
-                                                  {25, 7, {438, 556}},
+                                                  {1, 7, {414, 532}},
                                                   {25, -1, {438, 556}},
                                                   {25, SinglePhotoLayout, photo},
                                                   {0, 0, photo},
