@@ -77,6 +77,8 @@ constexpr std::array Definitions = {
     ActionDefinition{Action::PrintAgain, u"acPrintAgain", u"Noch einmal drucken",
                      u"Druckt das letzte Blatt noch einmal", u"Ctrl+Shift+P", u"print", -1,
                      UpdateRule::PrintAgain},
+    ActionDefinition{Action::Paste, u"acPaste", u"Einfügen", u"Bild aus der Zwischenablage öffnen",
+                     u"Ctrl+V", u"open", -1, UpdateRule::None},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.

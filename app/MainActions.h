@@ -44,6 +44,7 @@ enum class Action {
     ShowCheck,
     UploadFile,
     PrintAgain,
+    Paste,
 };
 
 /// What decides whether an action can be used, besides the settings.

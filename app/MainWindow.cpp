@@ -17,6 +17,7 @@
 #include "app/SheetActions.h"
 #include "app/UploadActions.h"
 #include "app/ViewActions.h"
+#include "app/WatchActions.h"
 #include "app/WindowInterface.h"
 #include "app/WindowPlace.h"
 #include "controls/fields/StatusPanels.h"
@@ -113,6 +114,9 @@ void TmainFm::CreateReusedWindows() {
     faceActions_ =
         std::make_unique<FaceActions>(session_, *view_, *data_, *settings_, *ui_, actions_,
                                       *viewActions_, *sidePanel_, *checkSection_);
+    watchActions_ =
+        std::make_unique<WatchActions>(*photoStrip_, *settings_, actions_,
+                                       [this](const QString& path) { OpenDroppedFiles({path}); });
     sheetActions_->SetConfirmation([this] { return faceActions_->ConfirmCut(); });
 }
 
@@ -157,6 +161,7 @@ void TmainFm::FormDestroy() {
         }
     });
     // What works on the view and the data goes before them.
+    watchActions_.reset();
     faceActions_.reset();
     colourTools_.reset();
     retouchTool_.reset();

@@ -14,6 +14,7 @@ class QLabel;
 namespace kadrona::controls {
 class CommandArea;
 class CommandBar;
+class PhotoStrip;
 class StatusPanels;
 }  // namespace kadrona::controls
 
@@ -42,6 +43,7 @@ class RotateActions;
 class SheetActions;
 class UploadActions;
 class ViewActions;
+class WatchActions;
 class WindowInterface;
 class WindowPlace;
 
@@ -95,6 +97,7 @@ class TmainFm : public QMainWindow {
     imaging::view::ImageView* view_ = nullptr;
     QWidget* emptyState_ = nullptr;
     QWidget* sheetLine_ = nullptr;
+    controls::PhotoStrip* photoStrip_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
     controls::StatusPanels* statusPanels_ = nullptr;
     QLabel* templateName_ = nullptr;
@@ -115,6 +118,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<PrintFlow> printFlow_;
     std::unique_ptr<SheetActions> sheetActions_;
     std::unique_ptr<UploadActions> uploadActions_;
+    std::unique_ptr<WatchActions> watchActions_;
     std::unique_ptr<ArchiveActions> archiveActions_;
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;

@@ -8,10 +8,12 @@
 #include <QVBoxLayout>
 
 #include "app/MainWindow.h"
+#include "app/OpenActions.h"
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
 #include "controls/commands/ScreenTip.h"
 #include "controls/fields/FileDropTarget.h"
+#include "controls/fields/PhotoStrip.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/theme/Icons.h"
 #include "core/base/Product.h"
@@ -48,7 +50,7 @@ void TmainFm::BuildCommandArea() {
     file->setToolTipsVisible(true);
     for (const Action action :
          {Action::Open, Action::SearchArchiv, Action::Save, Action::PrintAgain, Action::PrinSetup,
-          Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile}) {
+          Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile, Action::Paste}) {
         file->addAction(actions_[action]);
     }
     file->addSeparator();
@@ -99,6 +101,9 @@ void TmainFm::BuildViewPanel() {
     layout->addWidget(emptyState_);
     layout->addWidget(view_);
     layout->addWidget(BuildSheetLine());
+    photoStrip_ = new controls::PhotoStrip;
+    photoStrip_->setObjectName(u"PhotoStrip"_s);
+    layout->addWidget(photoStrip_);
 
     sidePanel_ = new dialogs::SidePanel;
     checkSection_ = new dialogs::CheckSection;
@@ -114,6 +119,8 @@ void TmainFm::BuildViewPanel() {
 
     auto* drop = new controls::FileDropTarget(panel);
     connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
+    connect(drop, &controls::FileDropTarget::PictureDropped, this,
+            [this](const QByteArray& file) { openActions_->OpenPicture(file, u"Bild"_s); });
 }
 
 /// What can be made beside the prints, under a sheet.

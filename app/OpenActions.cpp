@@ -1,10 +1,16 @@
 #include "app/OpenActions.h"
 
+#include <QClipboard>
+#include <QDateTime>
+#include <QGuiApplication>
+#include <QMimeData>
+
 #include "app/MainActions.h"
 #include "app/PhotoSession.h"
 #include "app/PictureFileDialog.h"
 #include "app/RotateActions.h"
 #include "app/ViewActions.h"
+#include "controls/fields/FileDropTarget.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
@@ -42,6 +48,7 @@ OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, 
         return core::TemplateSize(data.GetMaskFileName(index));
     });
     actions.Connect(Action::Open, this, [this] { acOpenExecute(); });
+    actions.Connect(Action::Paste, this, [this] { acPasteExecute(); });
     actions.Connect(Action::OpenWithProfile, this, [this] { acOpenWithProfileExecute(); });
 }
 
@@ -81,12 +88,48 @@ void OpenActions::OpenFiles(const QStringList& paths) {
     Q_EMIT actions_.Handled();
 }
 
-/// Where the photo cannot be read, what is enabled is as after a successful load.
+void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
+    controls::Guarded(view_.window(), [&] {
+        settings_.AktivateProfileByName(StandardProfile, false);
+        const QString name =
+            origin + QDateTime::currentDateTime().toString(u" yyyy-MM-dd HH-mm-ss"_s);
+        Load(name, [&] {
+            data_.SetCurrentFileName(name);
+            core::OpenPhotoBytes(bytes, name, settings_, session_.Image());
+        });
+    });
+    Q_EMIT actions_.Handled();
+}
+
+/// A file manager copies the files' names, whatever else it adds.
+void OpenActions::acPasteExecute() {
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (data == nullptr) {
+        throw platform::Error(u"Die Zwischenablage ist leer."_s);
+    }
+    const QStringList files = controls::DroppedFiles(*data);
+    if (!files.isEmpty()) {
+        OpenFiles(files);
+    } else if (controls::HasPicture(*data)) {
+        OpenPicture(controls::PictureIn(*data), u"Zwischenablage"_s);
+    } else {
+        throw platform::Error(u"In der Zwischenablage ist kein Bild."_s);
+    }
+}
+
 void OpenActions::LoadImageFile(const QString& fileName) {
-    const bool read = ReadPhoto(fileName);
+    Load(fileName, [&] {
+        data_.SetCurrentFile(fileName);
+        core::OpenPhoto(fileName, settings_, session_.Image());
+    });
+}
+
+/// Where the photo cannot be read, what is enabled is as after a successful load.
+void OpenActions::Load(const QString& name, const Read& read) {
+    const bool done = ReadPhoto(name, read);
     session_.SetStage(PhotoSession::Stage::PhotoOpen);
     actions_.SetChecked(Action::ShowLayer, false);
-    if (!read) {
+    if (!done) {
         return;
     }
     controls::Guarded(view_.window(), [this] {
@@ -98,19 +141,18 @@ void OpenActions::LoadImageFile(const QString& fileName) {
     view_.setFocus();
 }
 
-/// Brings the file into layer 0 and shows it; a failure is shown and leaves the image empty.
-bool OpenActions::ReadPhoto(const QString& fileName) {
+/// Brings the photo into layer 0 and shows it; a failure is shown and leaves the image empty.
+bool OpenActions::ReadPhoto(const QString& name, const Read& read) {
     const imaging::view::PaintingSuspension suspension(view_);
     session_.Image().Clear();
-    session_.SetFileName(fileName);
+    session_.SetFileName(name);
     session_.SetTemplateName({});
-    data_.SetCurrentFile(fileName);
-    const bool read = controls::Guarded(view_.window(), [&] {
+    const bool done = controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;
-        core::OpenPhoto(fileName, settings_, session_.Image());
+        read();
     });
     viewActions_.StartAnew();
-    return read;
+    return done;
 }
 
 /// A template that cannot be read is reported and leaves the photo without one.

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <functional>
 
 namespace kadrona::core {
 class TData;
@@ -38,12 +39,19 @@ class OpenActions : public QObject {
     /// Opens the first of the files, as a drop of them does.
     void OpenFiles(const QStringList& paths);
 
+    /// Opens the bytes of an image file that has no path, as a drop of it does. It is named after
+    /// `origin` and the time.
+    void OpenPicture(const QByteArray& bytes, const QString& origin);
+
  private:
     void acOpenExecute();
     void acOpenWithProfileExecute();
+    void acPasteExecute();
     void ChooseAndLoad();
+    using Read = std::function<void()>;
     void LoadImageFile(const QString& fileName);
-    bool ReadPhoto(const QString& fileName);
+    void Load(const QString& name, const Read& read);
+    bool ReadPhoto(const QString& name, const Read& read);
     void ChooseTemplate();
 
     PhotoSession& session_;

@@ -19,6 +19,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
+#include "core/settings/WatchedFolder.h"
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/UploadFiguresEdit.h"
 #include "dialogs/WindowPlacement.h"
@@ -94,7 +95,7 @@ void TEinstellungenFm::ConnectControls() {
             &TEinstellungenFm::ImageCountPropertiesChange);
     connect(whiteBalancePipette_, &QCheckBox::toggled, this,
             &TEinstellungenFm::WhiteBalancePipettePropertiesChange);
-    for (controls::PathEdit* field : {imageDestinationDir_, imageSaveDir_}) {
+    for (controls::PathEdit* field : {imageDestinationDir_, imageSaveDir_, watchedFolder_}) {
         connect(field, &controls::PathEdit::BrowseRequested, this,
                 [this, field] { FolderButtonClick(*field); });
     }
@@ -108,6 +109,7 @@ void TEinstellungenFm::InitPropertys() {
     frameSize_->setText(QString::number(data_.FrameSize()));
     ShowTodaysLists();
     imageDestinationDir_->setText(core::TData::GetArchivPath());
+    watchedFolder_->setText(core::WatchedFolder());
     {
         const QSignalBlocker quiet(profileListBox_);
         profileListBox_->clear();
@@ -213,6 +215,7 @@ void TEinstellungenFm::FormShow() {
 void TEinstellungenFm::FormClose() {
     const auto keepArchiveFolder =
         qScopeGuard([this] { core::TData::SetArchivPath(imageDestinationDir_->text()); });
+    core::SetWatchedFolder(watchedFolder_->text());
     propertyStore_.Store();
 }
 

@@ -115,6 +115,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     QTabWidget* pages_;
     UploadFiguresEdit* uploadFigures_;
+    controls::PathEdit* watchedFolder_;
     QListWidget* profileListBox_;
     QPushButton* btnNew_;
     QPushButton* btnDelete_;

@@ -245,6 +245,7 @@ QWidget* TEinstellungenFm::BuildFilesPage() {
     auto* own =
         Named<QCheckBox>(u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
     uploadFigures_ = new UploadFiguresEdit;
+    watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(Named<QCheckBox>(
@@ -255,6 +256,10 @@ QWidget* TEinstellungenFm::BuildFilesPage() {
     layout->addSpacing(2 * GroupSpacing);
     layout->addWidget(own);
     layout->addWidget(uploadFigures_);
+    layout->addSpacing(2 * GroupSpacing);
+    layout->addLayout(
+        Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
+    layout->addWidget(Named<QCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
     layout->addStretch();
     return page;
 }

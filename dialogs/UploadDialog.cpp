@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -64,9 +65,10 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     save_->setDefault(true);
     buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
 
+    BuildPicture();
     auto* columns = new QHBoxLayout;
     columns->setSpacing(16);
-    columns->addWidget(BuildPicture(), 1);
+    columns->addWidget(scrolled_, 1);
     columns->addWidget(BuildFigures());
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
@@ -87,16 +89,19 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-QWidget* UploadDialog::BuildPicture() {
+void UploadDialog::BuildPicture() {
     picture_ = new QLabel;
     picture_->setObjectName(u"Picture"_s);
     picture_->setAlignment(Qt::AlignCenter);
-    auto* scrolled = new QScrollArea;
-    scrolled->setWidget(picture_);
-    scrolled->setWidgetResizable(true);
-    scrolled->setAccessibleName(u"Die Datei, Pixel auf Pixel"_s);
-    scrolled->setMinimumSize(SmallestPicture);
-    return scrolled;
+    scrolled_ = new QScrollArea;
+    scrolled_->setWidget(picture_);
+    scrolled_->setWidgetResizable(true);
+    scrolled_->setAccessibleName(u"Die Datei, Pixel auf Pixel"_s);
+    // The face, not the upper left corner.
+    for (QScrollBar* bar : {scrolled_->horizontalScrollBar(), scrolled_->verticalScrollBar()}) {
+        connect(bar, &QScrollBar::rangeChanged, bar,
+                [bar](int first, int last) { bar->setValue((first + last) / 2); });
+    }
 }
 
 QWidget* UploadDialog::BuildFigures() {
@@ -110,6 +115,9 @@ QWidget* UploadDialog::BuildFigures() {
     quality_ = ResultLabel(u"Quality"_s);
     bytes_ = ResultLabel(u"Bytes"_s);
     state_ = ResultLabel(u"State"_s);
+    warning_ = ResultLabel(u"Warning"_s);
+    warning_->setText(u"! Das Foto hat weniger Pixel als die Datei und wird vergrößert."_s);
+    warning_->setStyleSheet(u"color: #8a5a00"_s);
     auto* result = new QFormLayout;
     result->addRow(u"Bild"_s, pixels_);
     result->addRow(u"Qualität"_s, quality_);
@@ -128,6 +136,7 @@ QWidget* UploadDialog::BuildFigures() {
     column->addLayout(result);
     column->addSpacing(8);
     column->addWidget(state_);
+    column->addWidget(warning_);
     column->addStretch();
     return side;
 }
@@ -170,7 +179,7 @@ void UploadDialog::ShowFile() {
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     picture_->setPixmap(pixmap);
     const QSize shown = pixmap.deviceIndependentSize().toSize();
-    picture_->parentWidget()->parentWidget()->setMinimumSize(
+    scrolled_->setMinimumSize(
         (shown + QSize(4, 4)).boundedTo(LargestPicture).expandedTo(SmallestPicture));
 
     const QLocale german(QLocale::German);
@@ -183,11 +192,8 @@ void UploadDialog::ShowFile() {
                                    : u"Farben halb so fein (4:2:0)"_s));
     bytes_->setText(german.toString(file_.bytes.size()) + u" Bytes"_s);
     const bool met = file_.shortfall.isEmpty();
-    QString state = met ? u"✓ Die Datei hält die Vorgaben ein."_s : u"✗ "_s + file_.shortfall;
-    if (file_.enlarged) {
-        state += u"\n! Das Foto hat weniger Pixel als die Datei und wird vergrößert."_s;
-    }
-    state_->setText(state);
+    state_->setText(met ? u"✓ Die Datei hält die Vorgaben ein."_s : u"✗ "_s + file_.shortfall);
+    warning_->setVisible(file_.enlarged);
     state_->setStyleSheet(met ? u"color: #1b7a2b"_s : u"color: #b3261e"_s);
     save_->setEnabled(met);
 }

@@ -9,6 +9,7 @@
 class QLabel;
 class QPushButton;
 class QRadioButton;
+class QScrollArea;
 class QTimer;
 
 namespace kadrona::dialogs {
@@ -38,7 +39,7 @@ class UploadDialog : public QDialog {
     Choice Chosen() const;
 
  private:
-    QWidget* BuildPicture();
+    void BuildPicture();
     QWidget* BuildFigures();
     void Make();
     void ShowFile();
@@ -46,6 +47,7 @@ class UploadDialog : public QDialog {
     core::UploadRequest request_;
     core::UploadFigures published_;
     core::UploadFile file_;
+    QScrollArea* scrolled_;
     QLabel* picture_;
     QRadioButton* templateFigures_;
     QRadioButton* ownFigures_;
@@ -55,6 +57,7 @@ class UploadDialog : public QDialog {
     QLabel* quality_;
     QLabel* bytes_;
     QLabel* state_;
+    QLabel* warning_;
     QPushButton* save_;
     /// What is typed is not made at every stroke.
     QTimer* delay_;

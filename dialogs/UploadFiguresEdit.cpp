@@ -36,7 +36,7 @@ UploadFiguresEdit::UploadFiguresEdit(QWidget* parent) : QWidget(parent) {
     grid->addWidget(new QLabel(u"bis"_s), 0, 2);
     width_ = AddRange(*grid, u"&Breite in Pixeln"_s, u"UploadWidth"_s, core::LongestUploadSide);
     height_ = AddRange(*grid, u"&Höhe in Pixeln"_s, u"UploadHeight"_s, core::LongestUploadSide);
-    kilobytes_ = AddRange(*grid, u"&Kilobyte (je 1000 Bytes)"_s, u"UploadKilobytes"_s,
+    kilobytes_ = AddRange(*grid, u"&Größe in kB (1000 B)"_s, u"UploadKilobytes"_s,
                           core::MostUploadKilobytes);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(2, 1);

@@ -1,6 +1,8 @@
 #include "controls/fields/FileDropTarget.h"
 
+#include <QBuffer>
 #include <QDropEvent>
+#include <QImage>
 #include <QMimeData>
 #include <QPainter>
 #include <QUrl>
@@ -36,6 +38,10 @@ class DropFrame : public QWidget {
     }
 };
 
+bool CanTake(const QMimeData& data) {
+    return !DroppedFiles(data).isEmpty() || HasPicture(data);
+}
+
 }  // namespace
 
 QStringList DroppedFiles(const QMimeData& data) {
@@ -47,6 +53,38 @@ QStringList DroppedFiles(const QMimeData& data) {
         }
     }
     return paths;
+}
+
+namespace {
+
+/// The kind that says most of the picture; a program offers the same one in several.
+QString BestFormat(const QMimeData& data) {
+    const QStringList offered = data.formats();
+    for (const QString& format :
+         {u"image/jpeg"_s, u"image/heic"_s, u"image/avif"_s, u"image/webp"_s, u"image/png"_s,
+          u"image/tiff"_s, u"image/bmp"_s, u"image/gif"_s}) {
+        if (offered.contains(format)) {
+            return format;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+bool HasPicture(const QMimeData& data) {
+    return !BestFormat(data).isEmpty() || data.hasFormat(u"application/x-qt-image"_s);
+}
+
+QByteArray PictureIn(const QMimeData& data) {
+    if (const QString format = BestFormat(data); !format.isEmpty()) {
+        return data.data(format);
+    }
+    // A picture of this very toolkit has no bytes yet.
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    qvariant_cast<QImage>(data.imageData()).save(&buffer, "png");
+    return buffer.data();
 }
 
 void AnswerDrag(QDropEvent& event) {
@@ -79,7 +117,7 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::DragEnter:
         case QEvent::DragMove: {
             auto& drag = static_cast<QDropEvent&>(*event);
-            if (DroppedFiles(*drag.mimeData()).isEmpty()) {
+            if (!CanTake(*drag.mimeData())) {
                 drag.ignore();
                 return true;
             }
@@ -93,21 +131,34 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::Drop: {
             ShowFrame(false);
             auto& drop = static_cast<QDropEvent&>(*event);
-            const QStringList paths = DroppedFiles(*drop.mimeData());
-            if (paths.isEmpty()) {
+            if (!CanTake(*drop.mimeData())) {
                 drop.ignore();
                 return true;
             }
+            Take(*drop.mimeData());
             AnswerDrop(drop);
-            // A receiver may open dialogs. Until this event is over the source of the drag waits,
-            // so it is told first.
-            QMetaObject::invokeMethod(
-                this, [this, paths] { Q_EMIT FilesDropped(paths); }, Qt::QueuedConnection);
             return true;
         }
         default:
             return QObject::eventFilter(watched, event);
     }
+}
+
+/// A receiver may open dialogs. Until the event is over the source of the drag waits, so it is
+/// answered first.
+void FileDropTarget::Take(const QMimeData& data) {
+    const QStringList paths = DroppedFiles(data);
+    const QByteArray picture = paths.isEmpty() ? PictureIn(data) : QByteArray();
+    QMetaObject::invokeMethod(
+        this,
+        [this, paths, picture] {
+            if (paths.isEmpty()) {
+                Q_EMIT PictureDropped(picture);
+            } else {
+                Q_EMIT FilesDropped(paths);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void FileDropTarget::ShowFrame(bool show) {

@@ -9,8 +9,8 @@ class QWidget;
 
 namespace kadrona::controls {
 
-/// Makes a widget take files that are dropped onto it or onto its children. The widget is framed
-/// while such a drag is over it.
+/// Makes a widget take files and pictures that are dropped onto it or onto its children. The widget
+/// is framed while such a drag is over it.
 class FileDropTarget : public QObject {
     Q_OBJECT
 
@@ -22,12 +22,16 @@ class FileDropTarget : public QObject {
     /// The paths of the dropped local files, at least one, in the order of the drag, sent once the
     /// drop has been answered.
     void FilesDropped(const QStringList& paths);
+    /// The bytes of an image file, where the drag holds a picture and names no file, as one from a
+    /// browser or a mail does.
+    void PictureDropped(const QByteArray& file);
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
     void ShowFrame(bool show);
+    void Take(const QMimeData& data);
 
     QWidget* widget_;
     QWidget* frame_;
@@ -35,6 +39,11 @@ class FileDropTarget : public QObject {
 
 /// Local files named by a drag, in its order; other addresses are left out.
 QStringList DroppedFiles(const QMimeData& data);
+
+/// Whether a drag or the clipboard holds a picture itself, and the bytes of the image file that it
+/// comes as; empty where there is none.
+bool HasPicture(const QMimeData& data);
+QByteArray PictureIn(const QMimeData& data);
 
 /// Answers a drag that moves over a place where it may be dropped: copy where possible, else link.
 /// A drag that can only move is let on too, but answered with "nothing" instead of "move".

@@ -66,11 +66,11 @@ inline constexpr std::array ProfileRecord{
 /// profile without one has the values given here.
 inline constexpr std::array ProfileAdditions{
     ProfileEntry::Choice("AlignToFace", 1),         ProfileEntry::Switch("AskBeforeCut", true),
-    ProfileEntry::Switch("TagsInSavedFiles", true), ProfileEntry::Switch("TagsInUploadFiles"),
-    ProfileEntry::Switch("UploadOwnFigures"),       ProfileEntry::Number("UploadWidthFrom", 0),
-    ProfileEntry::Number("UploadWidthTo", 0),       ProfileEntry::Number("UploadHeightFrom", 0),
-    ProfileEntry::Number("UploadHeightTo", 0),      ProfileEntry::Number("UploadKilobytesFrom", 0),
-    ProfileEntry::Number("UploadKilobytesTo", 0),
+    ProfileEntry::Switch("OpenNewestPhoto"),        ProfileEntry::Switch("TagsInSavedFiles", true),
+    ProfileEntry::Switch("TagsInUploadFiles"),      ProfileEntry::Switch("UploadOwnFigures"),
+    ProfileEntry::Number("UploadWidthFrom", 0),     ProfileEntry::Number("UploadWidthTo", 0),
+    ProfileEntry::Number("UploadHeightFrom", 0),    ProfileEntry::Number("UploadHeightTo", 0),
+    ProfileEntry::Number("UploadKilobytesFrom", 0), ProfileEntry::Number("UploadKilobytesTo", 0),
 };
 
 /// The archive's folder stands among the settings, but no profile keeps it: it is one for the user.

@@ -1,5 +1,7 @@
 #include "core/sheet/PhotoLoading.h"
 
+#include <QBuffer>
+
 #include "core/settings/Settings.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
@@ -12,15 +14,12 @@ namespace kadrona::core {
 
 using imaging::QuarterTurn;
 
-void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
-    image.Clear();
-    imaging::LoadedImage loaded =
-        imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()});
+namespace {
+
+void Open(imaging::LoadedImage loaded, imaging::LayeredImage& image) {
     image.Open(std::move(loaded.pixels), loaded.resolution);
     image.SetIptc(std::move(loaded.iptc));
 }
-
-namespace {
 
 /// Empty where no face is found, or nothing to find it with is installed.
 QRect SkinOf(const imaging::Pixels& photo) {
@@ -33,6 +32,20 @@ QRect SkinOf(const imaging::Pixels& photo) {
 }
 
 }  // namespace
+
+void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
+    image.Clear();
+    Open(imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()}), image);
+}
+
+void OpenPhotoBytes(const QByteArray& bytes, const QString& name, const Settings& settings,
+                    imaging::LayeredImage& image) {
+    image.Clear();
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    Open(imaging::ReadImage(buffer, name, {.applyOrientation = settings.ImgAutoRotate()}), image);
+}
 
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {
     if (settings.AutoWhiteBalance() && !image.IsEmpty()) {

@@ -13,6 +13,11 @@ class Settings;
 /// the image empty.
 void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image);
 
+/// The same of the bytes of an image file that has none; `name` stands for it in the text of an
+/// error.
+void OpenPhotoBytes(const QByteArray& bytes, const QString& name, const Settings& settings,
+                    imaging::LayeredImage& image);
+
 /// The automatic white balance of a freshly opened photo, where AutoWhiteBalance is on.
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image);
 

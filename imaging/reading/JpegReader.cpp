@@ -126,8 +126,11 @@ DecodedImage Decode(const ReadTask& task) {
     decoded.model = ModelOf(info);
     // The alpha of this byte order is 255, which is what QImage::Format_RGB32 wants of it.
     info.out_color_space = info.num_components == 4 ? JCS_CMYK : JCS_EXT_BGRA;
+    info.scale_num = 1;
+    info.scale_denom = static_cast<unsigned>(task.Shrink());
+    jpeg.Run([](j_decompress_ptr decompress) { jpeg_calc_output_dimensions(decompress); });
     decoded.image =
-        NewImage({static_cast<int>(info.image_width), static_cast<int>(info.image_height)},
+        NewImage({static_cast<int>(info.output_width), static_cast<int>(info.output_height)},
                  QImage::Format_RGB32);
     DecodeRows(jpeg, decoded.image);
     return decoded;

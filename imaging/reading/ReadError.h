@@ -17,6 +17,9 @@ struct ReadOptions {
     bool applyOrientation = true;
     /// A file with more pixels is refused before anything of its size is allocated.
     qint64 maximumPixels = 200'000'000;
+    /// 1, 2, 4 or 8: a JPEG is decoded at that part of its width, many times faster, for a picture
+    /// that is only to be looked at. Other formats come as they are.
+    int shrink = 1;
 };
 
 }  // namespace kadrona::imaging

@@ -31,6 +31,7 @@ class ReadTask {
 
     QIODevice& Device() const { return device_; }
     qint64 MaximumPixels() const { return options_.maximumPixels; }
+    int Shrink() const { return options_.shrink; }
 
     /// The same task for a picture that lies inside the file, as `device`.
     ReadTask Within(QIODevice& device) const { return {device, name_, options_}; }

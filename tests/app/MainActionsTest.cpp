@@ -28,7 +28,8 @@ QString Actions(const ActionCircumstances& circumstances, const core::Settings& 
 
 TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     const QString always =
-        u"acAbout acClose acOpen acOpenWithProfile acPrinSetup acPrinterProfilDlg acRotateLeft "
+        u"acAbout acClose acOpen acOpenWithProfile acPaste acPrinSetup acPrinterProfilDlg "
+        u"acRotateLeft "
         "acRotateRight acSearchArchiv acShowCheck acShowConfig acZoomFit acZoomFull "_s;
     const QString tools =
         u"acBeauty acColorConfig acGradation acLevelHead acRotateDlg acSchwarzweiss "

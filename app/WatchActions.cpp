@@ -1,0 +1,114 @@
+#include "app/WatchActions.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include "app/MainActions.h"
+#include "controls/fields/PhotoStrip.h"
+#include "controls/messages/ActionGuard.h"
+#include "core/base/FileDialogs.h"
+#include "core/settings/Settings.h"
+#include "core/settings/WatchedFolder.h"
+#include "imaging/pixels/Resampling.h"
+#include "imaging/reading/ImageReader.h"
+#include "platform/FolderWatch.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+constexpr int LookMilliseconds = 1000;
+/// Whoever looks for older ones opens the folder.
+constexpr int MostShown = 40;
+
+/// Those of the first entry, which holds all formats, and of those behind it.
+QStringList PhotoPatterns() {
+    const QStringList parts = core::OpenDialog::OfPhotos().filter.split(u'|');
+    QStringList patterns;
+    for (qsizetype i = 1; i < parts.size(); i += 2) {
+        patterns += parts.at(i).split(u';');
+    }
+    patterns.removeDuplicates();
+    return patterns;
+}
+
+QImage SmallPicture(const imaging::Pixels& photo) {
+    constexpr int Side = controls::PhotoStrip::PictureSide;
+    const QSize size = photo.Size().scaled(Side, Side, Qt::KeepAspectRatio).expandedTo({1, 1});
+    return imaging::Resampled(photo, size).ToImage();
+}
+
+}  // namespace
+
+WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& settings,
+                           MainActions& actions, Open open)
+    : strip_(strip), settings_(settings), open_(std::move(open)), timer_(new QTimer(this)) {
+    timer_->setInterval(LookMilliseconds);
+    connect(timer_, &QTimer::timeout, this, &WatchActions::Look);
+    connect(&actions, &MainActions::Handled, this, &WatchActions::FollowSettings);
+    connect(&strip, &controls::PhotoStrip::Chosen, this,
+            [this](const QString& path) { open_(path); });
+    FollowSettings();
+}
+
+WatchActions::~WatchActions() = default;
+
+void WatchActions::FollowSettings() {
+    QString folder;
+    controls::Guarded(strip_.window(), [&folder] { folder = core::WatchedFolder(); });
+    if (folder == (watch_ ? watch_->Folder() : QString())) {
+        return;
+    }
+    watch_ = folder.isEmpty() ? nullptr
+                              : std::make_unique<platform::FolderWatch>(folder, PhotoPatterns());
+    strip_.SetFiles({});
+    if (watch_) {
+        timer_->start();
+        Look();
+    } else {
+        timer_->stop();
+    }
+}
+
+void WatchActions::Look() {
+    if (watch_->Look()) {
+        ShowFiles();
+    }
+    MakeOnePicture();
+    OpenNewest();
+}
+
+void WatchActions::ShowFiles() {
+    strip_.SetFiles(watch_->Files().first(std::min<qsizetype>(watch_->Files().size(), MostShown)));
+}
+
+/// One between two events, so that the window never waits for a whole card. What cannot be read may
+/// not be complete after all; it is left out until it changes.
+void WatchActions::MakeOnePicture() {
+    const QString path = strip_.WithoutPicture();
+    if (path.isEmpty()) {
+        return;
+    }
+    try {
+        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, {.shrink = 8}).pixels));
+        QTimer::singleShot(0, this, &WatchActions::MakeOnePicture);
+    } catch (const platform::Error&) {
+        watch_->PassOver(path);
+        ShowFiles();
+    }
+}
+
+/// Never while the user is asked something.
+void WatchActions::OpenNewest() {
+    if (QApplication::activeModalWidget() != nullptr) {
+        return;
+    }
+    const QStringList arrived = watch_->TakeArrived();
+    if (settings_.OpenNewestPhoto() && !arrived.isEmpty()) {
+        open_(arrived.first());
+    }
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,92 @@
+#include "controls/fields/PhotoStrip.h"
+
+#include <QFileInfo>
+#include <QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::controls {
+
+namespace {
+
+constexpr int PathRole = Qt::UserRole;
+constexpr int HasPictureRole = Qt::UserRole + 1;
+constexpr int ItemWidth = PhotoStrip::PictureSide + 16;
+constexpr int ItemHeight = PhotoStrip::PictureSide + 28;
+
+QListWidgetItem* NewItem(const QString& path) {
+    auto* item = new QListWidgetItem(QFileInfo(path).fileName());
+    item->setData(PathRole, path);
+    item->setToolTip(path);
+    item->setSizeHint({ItemWidth, ItemHeight});
+    QPixmap empty(PhotoStrip::PictureSide, PhotoStrip::PictureSide);
+    empty.fill(Qt::transparent);
+    item->setIcon(empty);
+    return item;
+}
+
+}  // namespace
+
+PhotoStrip::PhotoStrip(QWidget* parent) : QListWidget(parent) {
+    setAccessibleName(u"Neue Fotos"_s);
+    setViewMode(IconMode);
+    setFlow(LeftToRight);
+    setWrapping(false);
+    setMovement(Static);
+    setIconSize({PictureSide, PictureSide});
+    setUniformItemSizes(true);
+    setTextElideMode(Qt::ElideMiddle);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    hide();
+    const auto choose = [this](const QListWidgetItem* item) {
+        Q_EMIT Chosen(item->data(PathRole).toString());
+    };
+    connect(this, &QListWidget::itemClicked, this, choose);
+    // Return; a style may count a click as that too.
+    connect(this, &QListWidget::itemActivated, this, [this, choose](const QListWidgetItem* item) {
+        if (style()->styleHint(QStyle::SH_ItemView_ActivateItemOnSingleClick, nullptr, this) == 0) {
+            choose(item);
+        }
+    });
+}
+
+void PhotoStrip::SetFiles(const QStringList& paths) {
+    QHash<QString, QListWidgetItem*> shown;
+    while (count() > 0) {
+        QListWidgetItem* item = takeItem(0);
+        shown.insert(item->data(PathRole).toString(), item);
+    }
+    for (const QString& path : paths) {
+        QListWidgetItem* item = shown.take(path);
+        addItem(item != nullptr ? item : NewItem(path));
+    }
+    qDeleteAll(shown);
+    setVisible(count() > 0);
+}
+
+void PhotoStrip::SetPicture(const QString& path, const QImage& picture) {
+    for (int i = 0; i < count(); ++i) {
+        if (item(i)->data(PathRole).toString() == path) {
+            item(i)->setIcon(QPixmap::fromImage(picture));
+            item(i)->setData(HasPictureRole, true);
+        }
+    }
+}
+
+QString PhotoStrip::WithoutPicture() const {
+    for (int i = 0; i < count(); ++i) {
+        if (!item(i)->data(HasPictureRole).toBool()) {
+            return item(i)->data(PathRole).toString();
+        }
+    }
+    return {};
+}
+
+QSize PhotoStrip::sizeHint() const {
+    return {4 * ItemWidth,
+            ItemHeight + 2 * frameWidth() + horizontalScrollBar()->sizeHint().height()};
+}
+
+}  // namespace kadrona::controls
