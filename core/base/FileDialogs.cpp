@@ -15,7 +15,9 @@ OpenDialog OpenDialog::OfPhotos() {
             u"*.bmp|Symbole (*.ico)|*.ico|Erweiterte Metadateien (*.emf)|*.emf|Metadateien (*.wmf)|"
             u"*.wmf|TIFF-Grafiken (*.tif)|*.tif|TIFF-Grafiken (*.tiff)|*.tiff|"
             u"Fotos von Telefonen (*.heic;*.heif;*.avif)|*.heic;*.heif;*.avif|"
-            u"WebP-Bilder (*.webp)|*.webp|JPEG 2000 (*.jp2;*.j2k)|*.jp2;*.j2k"_s};
+            u"WebP-Bilder (*.webp)|*.webp|JPEG 2000 (*.jp2;*.j2k)|*.jp2;*.j2k|"
+            u"Rohdaten von Kameras (*.dng;*.cr2;*.cr3;*.nef;*.arw;*.raf;*.rw2;*.orf;*.pef)|"
+            u"*.dng;*.cr2;*.cr3;*.nef;*.arw;*.raf;*.rw2;*.orf;*.pef"_s};
 }
 
 SaveDialog SaveDialog::OfPhotos() {

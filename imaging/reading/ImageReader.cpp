@@ -14,6 +14,7 @@
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"
 #include "imaging/reading/PngReader.h"
+#include "imaging/reading/RawReader.h"
 #include "imaging/reading/ReadTask.h"
 #include "imaging/reading/WebPReader.h"
 #include "platform/SystemReason.h"
@@ -40,6 +41,11 @@ bool IsTiff(QByteArrayView start) {
            start.startsWith(QByteArrayView("MM\0+", 4));
 }
 
+/// Most cameras' raw files are TIFF files too.
+DecodedImage ReadTiff(const ReadTask& task) {
+    return IsRawTiff(task.Device()) ? ReadRaw(task) : ReadByPlugin(task, "tiff");
+}
+
 /// A format that is read, told by the first bytes of a file.
 struct Format {
     bool (*starts)(QByteArrayView start);
@@ -51,12 +57,13 @@ constexpr std::array Formats{
     Format{IsPng, ReadPng},
     Format{IsMetafile, ReadMetafile},
     Format{IsWebP, ReadWebP},
+    Format{IsRaw, ReadRaw},
     Format{IsHeif, ReadHeif},
     Format{IsJpeg2000, ReadJpeg2000},
     Format{IsIcon, ReadIcon},
     Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
     Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},
-    Format{IsTiff, [](const ReadTask& task) { return ReadByPlugin(task, "tiff"); }},
+    Format{IsTiff, ReadTiff},
 };
 
 DecodedImage Decode(const ReadTask& task) {

@@ -30,15 +30,21 @@ class Story : public ::testing::Test {
     void SavePhoto(const char* name, QSize size, int value = 120) {
         QImage photo(size, QImage::Format_RGB32);
         photo.fill(qRgb(value, value, value));
+        QDir().mkpath(QFileInfo(installation.Path(name)).path());
         ASSERT_TRUE(photo.save(installation.Path(name)));
     }
 
-    /// Drops a photo and chooses a template by its row.
-    void Open(const char* name, int templateRow = 0) {
+    /// Chooses a template by its row when asked.
+    void ExpectTemplate(int templateRow = 0) {
         driver.Expect(QStringLiteral("SchabloneFm"), [templateRow](QWidget& shown) {
             Child<QListWidget>(shown, "lbSchablonen").setCurrentRow(templateRow);
             ClickButton(shown, "btnOk");
         });
+    }
+
+    /// Drops a photo and chooses a template.
+    void Open(const char* name, int templateRow = 0) {
+        ExpectTemplate(templateRow);
         window->OpenDroppedFiles({installation.Path(name)});
     }
     /// Chooses a number of photos by its row.

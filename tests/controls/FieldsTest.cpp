@@ -103,6 +103,20 @@ TEST_F(DropTest, OtherDragsAreRefused) {
     EXPECT_TRUE(dropped_.isEmpty());
 }
 
+TEST_F(DropTest, APictureOfABrowserIsTakenAsTheBytesOfItsFile) {
+    QByteArray taken;
+    QObject::connect(&target_, &FileDropTarget::PictureDropped,
+                     [&taken](const QByteArray& file) { taken = file; });
+    QMimeData picture;
+    picture.setUrls({QUrl(u"https://x.de/c.jpg"_s)});
+    picture.setData(u"image/png"_s, "a png");
+    picture.setData(u"image/jpeg"_s, "a jpeg");
+    EXPECT_TRUE(Offer<QDropEvent>(widget_, picture, Qt::CopyAction, Qt::CopyAction).accepted);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(taken, "a jpeg") << "as the camera wrote it";
+    EXPECT_TRUE(dropped_.isEmpty());
+}
+
 TEST_F(DropTest, TheFrameIsThereOnlyDuringTheDrag) {
     EXPECT_FALSE(Framed());
     Offer<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);

@@ -153,7 +153,10 @@ QByteArray Tiff(QList<TiffEntry> entries, const QByteArray& pixels) {
     quint32 valueOffset = directory + 2 + 12 * quint32(entries.size()) + 4;
     QByteArray values;
     for (const TiffEntry& entry : entries) {
-        const int unit = entry.type == 3 ? 2 : entry.type == 4 ? 4 : entry.type == 5 ? 8 : 1;
+        const int unit = entry.type == 3                       ? 2
+                         : entry.type == 4                     ? 4
+                         : entry.type == 5 || entry.type == 10 ? 8
+                                                               : 1;
         file += LittleEndian(entry.tag) + LittleEndian(entry.type) +
                 LittleEndian(quint32(entry.value.size() / unit));
         if (entry.value.size() <= 4) {

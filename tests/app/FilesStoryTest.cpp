@@ -1,9 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <QClipboard>
 #include <QDoubleSpinBox>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QMimeData>
 #include <QRadioButton>
+#include <QUrl>
 
+#include "core/settings/WatchedFolder.h"
 #include "tests/app/StoryFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -65,6 +70,50 @@ TEST_F(UploadStory, MakesTheFileOfTheCutItselfAndKeepsOwnFigures) {
         dynamic_cast<QDialog&>(shown).reject();
     });
     Trigger(u"acUploadFile"_s);
+}
+
+TEST_F(Story, ThePhotoOfTheClipboardOpensUnderANameOfItsOwn) {
+    auto* clipboard = QGuiApplication::clipboard();
+    clipboard->setText(u"no picture"_s);
+    driver.Answer(u"kein Bild"_s);
+    Trigger(u"acPaste"_s);
+
+    QImage picture(300, 400, QImage::Format_RGB32);
+    picture.fill(qRgb(10, 20, 200));
+    ExpectTemplate();
+    clipboard->setImage(picture);
+    Trigger(u"acPaste"_s);
+    EXPECT_EQ(Image().Photo().Size(), picture.size());
+    EXPECT_EQ(Image().Photo().Tile().pixel(5, 5), qRgb(10, 20, 200));
+    EXPECT_TRUE(window->Session().FileName().startsWith(u"Zwischenablage 20"_s));
+
+    auto* file = new QMimeData;
+    file->setUrls({QUrl::fromLocalFile(installation.Path("photo.png"))});
+    file->setImageData(picture);
+    ExpectTemplate();
+    clipboard->setMimeData(file);
+    Trigger(u"acPaste"_s);
+    EXPECT_EQ(window->Session().FileName(), installation.Path("photo.png")) << "the file itself";
+}
+
+TEST_F(Story, TheWatchedFoldersPhotosStandInAStripThatOpensThem) {
+    SavePhoto("card/one.jpg", {800, 1000});
+    installation.Write("card/half.jpg", "\xff\xd8\xff half of a photo");
+    core::SetWatchedFolder(installation.Path("card"));
+    Start();
+    auto& strip = Child<QListWidget>(*window, "PhotoStrip");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return strip.isVisible() && strip.count() == 1; }, 8000));
+    EXPECT_EQ(strip.item(0)->text(), u"one.jpg"_s);
+    ExpectTemplate();
+    Q_EMIT strip.itemClicked(strip.item(0));
+    EXPECT_EQ(window->Session().FileName(), installation.Path("card/one.jpg"));
+
+    Setting<QAbstractButton>("OpenNewestPhoto").setChecked(true);
+    ExpectTemplate();
+    SavePhoto("card/two.jpg", {800, 1000});
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return window->Session().FileName() == installation.Path("card/two.jpg"); }, 8000));
+    core::SetWatchedFolder({});
 }
 
 }  // namespace kadrona::testing

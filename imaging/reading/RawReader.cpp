@@ -1,0 +1,197 @@
+#include "imaging/reading/RawReader.h"
+
+#include <libraw/libraw.h>
+
+#include <array>
+#include <memory>
+#include <new>
+
+#include "imaging/pixels/NewImage.h"
+#include "platform/ByteReader.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+/// More than any camera has, and what LibRaw takes for it is a gigabyte and a half.
+constexpr qint64 MostPixels = 105'000'000;
+
+/// The tags of a TIFF file's first directory by which a raw file is told.
+struct FirstDirectory {
+    bool isDng = false;
+    bool hasFurtherPictures = false;
+    bool hasMake = false;
+    bool isPreview = false;
+    /// A camera's mosaic of colours, compressed or not.
+    bool isMosaic = false;
+};
+
+FirstDirectory ReadFirstDirectory(QByteArrayView start, QIODevice& device) {
+    constexpr qint64 EntrySize = 12;
+    constexpr int MosaicPhotometry = 32803;
+    const auto order =
+        start.startsWith('M') ? platform::ByteOrder::BigEndian : platform::ByteOrder::LittleEndian;
+    platform::ByteReader header(start, order);
+    header.Skip(4);
+    const auto position = header.Read<quint32>();
+    device.seek(position);
+    const QByteArray count = device.read(2);
+    const auto entries = platform::ByteReader(count, order).Read<quint16>();
+    const QByteArray bytes = device.read(entries * EntrySize);
+    platform::ByteReader reader(bytes, order);
+    FirstDirectory found;
+    for (int i = 0; i < entries; ++i) {
+        reader.Seek(i * EntrySize);
+        const auto tag = reader.Read<quint16>();
+        const auto type = reader.Read<quint16>();
+        reader.Skip(4);
+        const quint32 value = type == 3 ? reader.Read<quint16>() : reader.Read<quint32>();
+        found.isDng |= tag == 0xc612;
+        found.hasFurtherPictures |= tag == 0x014a;
+        found.hasMake |= tag == 0x010f;
+        found.isPreview |= tag == 0x00fe && (value & 1) != 0;
+        found.isMosaic |= tag == 0x0106 && value == MosaicPhotometry;
+    }
+    return found;
+}
+
+/// LibRaw counts turns as the files of one maker do.
+Orientation OrientationOf(int flip) {
+    switch (flip) {
+        case 3:
+            return Orientation::UpsideDown;
+        case 5:
+            return Orientation::NeedsLeftTurn;
+        case 6:
+            return Orientation::NeedsRightTurn;
+        default:
+            return Orientation::Upright;
+    }
+}
+
+QString ReasonOf(int code) {
+    switch (code) {
+        case LIBRAW_FILE_UNSUPPORTED:
+        case LIBRAW_REQUEST_FOR_NONEXISTENT_IMAGE:
+            return u"Die Rohdaten dieser Kamera werden nicht unterstützt."_s;
+        case LIBRAW_UNSUFFICIENT_MEMORY:
+            return OutOfMemoryReason();
+        case LIBRAW_TOO_BIG:
+            return TooMuchMemoryReason();
+        default:
+            return DamagedFileReason();
+    }
+}
+
+void Require(const ReadTask& task, int code) {
+    if (code != LIBRAW_SUCCESS) {
+        task.Fail(ReasonOf(code));
+    }
+}
+
+/// What LibRaw says of the data while it goes on: it would make black or grey of what is missing.
+struct DataFaults {
+    bool damaged = false;
+    bool incomplete = false;
+
+    static void Note(void* faults, const char* /*file*/, const int offset) {
+        auto& noted = *static_cast<DataFaults*>(faults);
+        (offset < 0 ? noted.incomplete : noted.damaged) = true;
+    }
+    void FailIfAny(const ReadTask& task) const {
+        if (incomplete || damaged) {
+            task.Fail(incomplete ? IncompleteFileReason() : DamagedFileReason());
+        }
+    }
+};
+
+void SetParameters(libraw_output_params_t& parameters) {
+    constexpr int Srgb = 1;
+    parameters.use_camera_wb = 1;
+    parameters.output_color = Srgb;
+    parameters.output_bps = 8;
+    parameters.user_flip = 0;
+    // Each photo as the camera exposed it, and not stretched to its brightest pixel.
+    parameters.no_auto_bright = 1;
+    // The curve of sRGB itself.
+    parameters.gamm[0] = 1 / 2.4;
+    parameters.gamm[1] = 12.92;
+}
+
+/// What is developed, as pixels of 32 bits.
+QImage Developed(const ReadTask& task, LibRaw& raw) {
+    int width = 0;
+    int height = 0;
+    int colours = 0;
+    int bits = 0;
+    raw.get_mem_image_format(&width, &height, &colours, &bits);
+    constexpr int RgbColours = 3;
+    if (colours != RgbColours) {
+        task.Fail(ReasonOf(LIBRAW_FILE_UNSUPPORTED));
+    }
+    QImage image = NewImage({width, height}, QImage::Format_RGB888);
+    Require(task, raw.copy_mem_image(image.bits(), static_cast<int>(image.bytesPerLine()), 0));
+    raw.free_image();
+    return RequireAllocated(image.convertToFormat(QImage::Format_RGB32));
+}
+
+}  // namespace
+
+bool IsRaw(QByteArrayView start) {
+    const std::array<QByteArrayView, 9> signatures{QByteArrayView("FUJIFILMCCD-RAW"),
+                                                   QByteArrayView("IIU\0", 4),
+                                                   QByteArrayView("IIRO"),
+                                                   QByteArrayView("IIRS"),
+                                                   QByteArrayView("MMOR"),
+                                                   QByteArrayView("FOVb"),
+                                                   QByteArrayView("\0MRM", 4),
+                                                   QByteArrayView("II\x1a\0\0\0HEAPCCDR", 14),
+                                                   QByteArrayView("II*\0\x10\0\0\0CR", 10)};
+    for (const QByteArrayView signature : signatures) {
+        if (start.startsWith(signature)) {
+            return true;
+        }
+    }
+    return start.size() >= 12 && start.sliced(4, 8) == QByteArrayView("ftypcrx ");
+}
+
+bool IsRawTiff(QIODevice& device) {
+    FirstDirectory found;
+    try {
+        found = ReadFirstDirectory(device.peek(8), device);
+    } catch (const platform::OutOfBytes&) {
+        // The reader of TIFF files says what is wrong.
+    }
+    device.seek(0);
+    return found.isDng || found.isMosaic ||
+           (found.hasMake && found.hasFurtherPictures && found.isPreview);
+}
+
+DecodedImage ReadRaw(const ReadTask& task) {
+    QByteArray file = task.ReadWhole();
+    // Far larger than a stack should hold.
+    const auto raw = std::make_unique<LibRaw>();
+    DataFaults faults;
+    raw->set_dataerror_handler(&DataFaults::Note, &faults);
+    SetParameters(raw->imgdata.params);
+    Require(task, raw->open_buffer(file.data(), static_cast<size_t>(file.size())));
+    const libraw_image_sizes_t& sizes = raw->imgdata.sizes;
+    const qint64 width = std::max(sizes.width, sizes.raw_width);
+    const qint64 height = std::max(sizes.height, sizes.raw_height);
+    task.RequireAllowedSize(width, height);
+    if (width * height > MostPixels) {
+        task.Fail(TooMuchMemoryReason());
+    }
+    const Orientation orientation = OrientationOf(sizes.flip);
+    Require(task, raw->unpack());
+    faults.FailIfAny(task);
+    Require(task, raw->dcraw_process());
+    DecodedImage decoded;
+    decoded.image = Developed(task, *raw);
+    decoded.metadata.orientation = orientation;
+    return decoded;
+}
+
+}  // namespace kadrona::imaging

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "ReaderFixture.h"
+
+namespace kadrona::imaging::test {
+
+using namespace Qt::StringLiterals;
+
+struct Dng {
+    QSize size{64, 48};
+    /// What the light of the scene leaves of red and blue.
+    double red = 1;
+    double blue = 1;
+    quint16 orientation = 1;
+    int missingRows = 0;
+    const char* pattern = "\0\1\1\2";
+};
+
+/// sRGB's curve backwards (IEC 61966-2-1).
+double Linear(int value) {
+    const double part = value / 255.0;
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+
+TiffEntry Rationals(quint16 tag, quint16 type, std::initializer_list<double> values) {
+    QByteArray bytes;
+    for (const double value : values) {
+        bytes += Packed<qint32>(std::lround(value * 10000), 10000);
+    }
+    return {tag, type, bytes};
+}
+
+/// A camera's file of one colour, built as Adobe's description of DNG 1.4 says: a mosaic of 16 bits
+/// a pixel from a camera that sees the primaries of sRGB.
+QByteArray RawFile(const Dng& dng, QColor colour) {
+    QByteArray mosaic;
+    const std::array<double, 3> seen{Linear(colour.red()) * dng.red, Linear(colour.green()),
+                                     Linear(colour.blue()) * dng.blue};
+    for (int y = 0; y < dng.size.height() - dng.missingRows; ++y) {
+        for (int x = 0; x < dng.size.width(); ++x) {
+            const auto filter = static_cast<size_t>(dng.pattern[y % 2 * 2 + x % 2]);
+            mosaic += Packed<quint16>(std::lround(seen.at(filter) * 65535));
+        }
+    }
+    constexpr quint16 Bytes = 1;
+    constexpr quint16 Text = 2;
+    constexpr quint16 Shorts = 3;
+    constexpr quint16 PositiveRationals = 5;
+    constexpr quint16 SignedRationals = 10;
+    return Tiff(
+        {Short(0x0100, quint16(dng.size.width())),
+         Short(0x0101, quint16(dng.size.height())),
+         Short(0x0102, 16),
+         Short(0x0103, 1),
+         Short(0x0106, 32803),
+         {0x010f, Text, "Test\0"_ba},
+         {0x0110, Text, "Kamera\0"_ba},
+         Short(0x0112, dng.orientation),
+         Short(0x0115, 1),
+         {0x828d, Shorts, Packed<quint16>(2, 2)},
+         {0x828e, Bytes, QByteArray(dng.pattern, 4)},
+         {0xc612, Bytes, QByteArray("\1\4\0\0", 4)},
+         {0xc614, Text, "Test Kamera\0"_ba},
+         Rationals(0xc621, SignedRationals,
+                   {3.2406, -1.5372, -0.4986, -0.9689, 1.8758, 0.0415, 0.0557, -0.2040, 1.0570}),
+         Rationals(0xc628, PositiveRationals, {dng.red, 1, dng.blue}),
+         Short(0xc65a, 21)},
+        mosaic);
+}
+
+TEST(ReaderRaw, DevelopsWithTheCamerasWhiteBalanceAndItsTurn) {
+    const QColor colour(200, 120, 60);
+    for (const Dng& dng : {Dng{}, Dng{.red = 0.5, .blue = 0.7}}) {
+        const LoadedImage loaded = Read(RawFile(dng, colour));
+        ASSERT_EQ(loaded.pixels.Size(), dng.size) << "all pixels of the sensor";
+        ExpectColour(loaded, {32, 24}, colour, 3);
+    }
+    const Dng turned{.orientation = 6};
+    EXPECT_EQ(Read(RawFile(turned, colour)).pixels.Size(), QSize(48, 64));
+    EXPECT_EQ(Read(RawFile(turned, colour), {.applyOrientation = false}).pixels.Size(),
+              QSize(64, 48));
+}
+
+TEST(ReaderRaw, SaysWhatIsWrong) {
+    const QByteArray file = RawFile({}, Qt::gray);
+    for (qsizetype size = 1; size < file.size(); size += 1000) {
+        EXPECT_NE(Failure(file.first(size)), QString()) << size;
+    }
+    EXPECT_NE(Failure(RawFile({.missingRows = 40}, Qt::gray)), QString());
+    EXPECT_TRUE(Failure(file, {.maximumPixels = 3000}).contains(u"Megapixel"_s));
+    // A camera that nobody knows: its pixels are compressed in a way of its own.
+    EXPECT_NE(Failure(QByteArray("FUJIFILMCCD-RAW") + QByteArray(5000, 'x')), QString());
+}
+
+}  // namespace kadrona::imaging::test
