@@ -40,9 +40,11 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     lbProfiles_->setMinimumSize(SmallestList);
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"&Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil &löschen"_s);
+    btnChangeProfile_ = NamedButton(u"btnChangeProfile"_s, u"Profil ä&ndern …"_s);
     btnCalibrate_ = NamedButton(u"btnCalibrate"_s, u"&Kalibrieren …"_s);
     btnClose_ = NamedButton(u"btnClose"_s, u"&Schließen"_s);
     btnDelProfile_->setEnabled(false);
+    btnChangeProfile_->setEnabled(false);
     btnCalibrate_->setEnabled(false);
 
     auto* explanation = new QLabel(
@@ -55,6 +57,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     buttons->setSpacing(6);
     buttons->addWidget(btnNewProfile_);
     buttons->addWidget(btnDelProfile_);
+    buttons->addWidget(btnChangeProfile_);
     buttons->addWidget(btnCalibrate_);
     buttons->addStretch();
     buttons->addWidget(btnClose_);
@@ -75,8 +78,11 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
 void TPrintProfilDlg::ConnectControls() {
     connect(lbProfiles_, &QListWidget::itemSelectionChanged, this, [this] {
         btnDelProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0);
+        btnChangeProfile_->setEnabled(lbProfiles_->SelectedRow() >= 0);
         btnCalibrate_->setEnabled(lbProfiles_->SelectedRow() >= 0);
     });
+    connect(btnChangeProfile_, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { btnChangeProfileClick(); }); });
     connect(btnCalibrate_, &QPushButton::clicked, this,
             [this] { controls::Guarded(this, [this] { btnCalibrateClick(); }); });
     connect(btnNewProfile_, &QPushButton::clicked, this,
@@ -101,14 +107,73 @@ void TPrintProfilDlg::btnNewProfileClick() {
     if (!data_.Printer().ShowSetupDialog(windowHandle())) {
         return;
     }
-    const auto name = controls::AskForLine(this, u"New Profile"_s, u"Name"_s);
-    if (!name || name->trimmed().isEmpty() || IsKnown(*name)) {
+    const auto name = AskForName(u"New Profile"_s, {});
+    if (!name || IsKnown(*name)) {
         return;
     }
     data_.SavePrintProfile(*name);
-    lbProfiles_->AddText(name->trimmed());
+    lbProfiles_->AddText(*name);
     lbProfiles_->SelectRow(lbProfiles_->count() - 1);
     settings_.RefreshPrinterProfiles();
+}
+
+/// Asks again after a name that no profile can bear, so that the set-up before is not lost; nothing
+/// where the user gives none.
+std::optional<QString> TPrintProfilDlg::AskForName(const QString& title, const QString& name) {
+    QString text = name;
+    while (const auto answer = controls::AskForLine(this, title, u"Name"_s, text)) {
+        text = answer->trimmed();
+        if (text.isEmpty()) {
+            break;
+        }
+        if (controls::Guarded(this, [&] { core::ProfileIndex::Check(text); })) {
+            return text;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The name comes first: under another one the profile is kept as a second. The printer that was
+/// current before is so again afterwards.
+void TPrintProfilDlg::btnChangeProfileClick() {
+    const QString profile = lbProfiles_->SelectedText();
+    const auto name = AskForName(u"Profil ändern"_s, profile);
+    const bool isSame = name && name->compare(profile, Qt::CaseInsensitive) == 0;
+    if (!name ||
+        (!isSame && IsKnown(*name) &&
+         !controls::AskYesNo(
+             this, u"Das Profil „%1“ gibt es schon.\n\nMöchten Sie es ersetzen?"_s.arg(*name),
+             controls::Severity::Warning))) {
+        return;
+    }
+    printing::PrinterLayer& printer = data_.Printer();
+    const printing::PrinterChoice before = printer.CurrentPrinter();
+    const auto restore =
+        qScopeGuard([&] { controls::Guarded(this, [&] { printer.SetCurrentPrinter(before); }); });
+    // A printer that is gone is said; the profile can be given another.
+    controls::Guarded(this, [&] {
+        const controls::WaitCursor wait;
+        data_.LoadPrintProfile(profile);
+    });
+    if (printer.ShowSetupDialog(windowHandle())) {
+        KeepChanged(profile, isSame ? profile : *name);
+    }
+}
+
+/// The calibration is the printer's: it goes with the profile as long as that stays.
+void TPrintProfilDlg::KeepChanged(const QString& profile, const QString& name) {
+    const auto stored = data_.PrintProfiles().Stored(profile);
+    const bool isSamePrinter = stored && stored->device == data_.Printer().CurrentPrinter().device;
+    const printing::Calibration calibration =
+        isSamePrinter ? printing::StoredCalibration(data_.DataFolder(), profile)
+                      : printing::Calibration();
+    data_.PrintProfiles().Replace(name);
+    printing::StoreCalibration(data_.DataFolder(), name, calibration);
+    if (!IsKnown(name)) {
+        lbProfiles_->AddText(name);
+        settings_.RefreshPrinterProfiles();
+    }
+    lbProfiles_->SelectRow(lbProfiles_->row(lbProfiles_->findItems(name, Qt::MatchFixedString)[0]));
 }
 
 /// Names that differ in case or in blanks at their ends are one section of the index: making the

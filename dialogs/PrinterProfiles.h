@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 
 #include "controls/messages/ModalResult.h"
 
@@ -18,8 +19,8 @@ namespace kadrona::dialogs {
 
 class TEinstellungenFm;
 
-/// "Druck Profile": makes printer profiles from what the user sets the printer to, calibrates
-/// and deletes them.
+/// "Druck Profile": makes printer profiles from what the user sets the printer to, changes,
+/// calibrates and deletes them.
 class TPrintProfilDlg : public QDialog {
     Q_OBJECT
 
@@ -35,15 +36,19 @@ class TPrintProfilDlg : public QDialog {
     void ConnectControls();
     void FormCreate();
     void btnNewProfileClick();
+    void btnChangeProfileClick();
     void btnCalibrateClick();
     void btnDelProfileClick();
     bool IsKnown(const QString& name) const;
+    std::optional<QString> AskForName(const QString& title, const QString& name);
+    void KeepChanged(const QString& profile, const QString& name);
 
     core::TData& data_;
     TEinstellungenFm& settings_;
     controls::SelectionList* lbProfiles_;
     QPushButton* btnNewProfile_;
     QPushButton* btnDelProfile_;
+    QPushButton* btnChangeProfile_;
     QPushButton* btnCalibrate_;
     QPushButton* btnClose_;
 };

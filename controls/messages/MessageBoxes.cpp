@@ -102,7 +102,8 @@ bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
     return box.clickedButton() == yes;
 }
 
-std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt) {
+std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt,
+                                  const QString& text) {
     QDialog dialog(parent);
     dialog.setObjectName(u"LineDialog"_s);
     dialog.setWindowTitle(title);
@@ -110,6 +111,8 @@ std::optional<QString> AskForLine(QWidget* parent, const QString& title, const Q
     label->setTextFormat(Qt::PlainText);
     auto* edit = new QLineEdit(&dialog);
     edit->setObjectName(u"LineEdit"_s);
+    edit->setText(text);
+    edit->selectAll();
     edit->setMinimumWidth(320);
     label->setBuddy(edit);
 

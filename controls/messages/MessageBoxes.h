@@ -22,8 +22,9 @@ enum class Severity { Question, Warning };
 /// True for "Ja". "Nein" is the default; Escape and closing mean "Nein".
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity = Severity::Question);
 
-/// One line of text, possibly empty; nothing when cancelled. Object names: "LineDialog", with
-/// "LineEdit", "OkButton" and "CancelButton".
-std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt);
+/// One line of text, possibly empty, at first `text`; nothing when cancelled. Object names:
+/// "LineDialog", with "LineEdit", "OkButton" and "CancelButton".
+std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt,
+                                  const QString& text = {});
 
 }  // namespace kadrona::controls

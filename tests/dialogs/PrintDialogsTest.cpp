@@ -98,6 +98,7 @@ TEST_F(PrintDialogs, NothingIsMadeWithoutSetupOrNameUnderAKnownNameOrByAFailure)
         EXPECT_EQ(QDir(data.DataFolder()).entryList(), before);
         ExpectName(u"Glanz [10x15]"_s);
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
+        ExpectName(std::nullopt);
         ClickButton(shown, "btnNewProfile");
         printer.failure = u"Der Druckdienst antwortet nicht."_s;
         driver.Answer(printer.failure);
@@ -134,6 +135,38 @@ TEST_F(PrintDialogs, DeletingAnyProfileResetsThePrintDefaults) {
     const core::StoredSettings stored(data.ProfileFile(u"Standard Profile"_s));
     EXPECT_EQ(stored.PrintProfileBox(), -1);
     EXPECT_FALSE(stored.PrintAfterCrop());
+}
+
+TEST_F(PrintDialogs, AProfileIsChangedWithItsCalibrationOrKeptUnderAnotherName) {
+    const printing::Calibration calibration{1.01, 1, {}};
+    printing::StoreCalibration(data.DataFolder(), u"A"_s, calibration);
+    const printing::PrinterChoice before = printer.current;
+    InProfiles([&](QWidget& shown) {
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(0);
+        const auto change = [&](const char* name, const printing::PrinterChoice& choice,
+                                const QString& refused = {}) {
+            printer.setupChoice = choice;
+            driver.Expect(u"LineDialog"_s, [name](QWidget& asked) {
+                EXPECT_EQ(Child<QLineEdit>(asked, "LineEdit").text(), u"A"_s);
+                Child<QLineEdit>(asked, "LineEdit").setText(QString::fromUtf8(name));
+                ClickButton(asked, "OkButton");
+            });
+            if (!refused.isEmpty()) {
+                driver.Answer(refused, u"NoButton"_s);
+            }
+            ClickButton(shown, "btnChangeProfile");
+        };
+        change("A", FakePrinter::Choice("Laser", "PageSize=A6\n"));
+        EXPECT_EQ(data.PrintProfiles().Stored(u"A"_s), printer.setupChoice);
+        change("B", FakePrinter::Choice("Foto", ""), u"Das Profil „B“ gibt es schon."_s);
+        EXPECT_EQ(data.PrintProfiles().Stored(u"B"_s), before);
+        change("C", FakePrinter::Choice("Foto", ""));
+        EXPECT_EQ(data.PrintProfiles().Stored(u"C"_s), printer.setupChoice);
+    });
+    EXPECT_EQ(printer.current, before);
+    EXPECT_EQ(QDir(data.DataFolder()).entryList({u"prn*.tmp"_s}).size(), 3) << "files left over";
+    EXPECT_EQ(printing::StoredCalibration(data.DataFolder(), u"A"_s), calibration);
+    EXPECT_EQ(printing::StoredCalibration(data.DataFolder(), u"C"_s), printing::Calibration());
 }
 
 TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
