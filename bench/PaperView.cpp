@@ -9,25 +9,27 @@
 #include <QWheelEvent>
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 using namespace kadrona;
 
 namespace {
 
-/// Milliseconds of each frame of a turn of the wheel all the way in and out.
+/// Processor milliseconds of each frame of a turn of the wheel all the way in and out.
 std::vector<double> Frames(dialogs::PaperView& view) {
     std::vector<double> frames;
     QImage frame(view.size(), QImage::Format_RGB32);
+    view.render(&frame);  // takes the fonts
     for (int step = 0; step < 60; ++step) {
         const QPointF place(view.width() / 3.0, view.height() / 3.0);
         QWheelEvent wheel(place, place, {}, {0, step < 30 ? 60 : -60}, Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
-        QElapsedTimer timer;
-        timer.start();
+        // Of the processor: what else the machine does is not the view's.
+        const std::clock_t start = std::clock();
         QApplication::sendEvent(&view, &wheel);
         view.render(&frame);
-        frames.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        frames.push_back(static_cast<double>(std::clock() - start) * 1e3 / CLOCKS_PER_SEC);
     }
     std::sort(frames.begin(), frames.end());
     return frames;

@@ -19,6 +19,7 @@ namespace {
 constexpr double Border = 30;
 /// Longest side of the tile that is kept for painting, pixels.
 constexpr int LongestTile = 900;
+constexpr int ShortestTile = 40;
 constexpr double WheelStep = 1.2;
 constexpr double KeyStep = 40;
 
@@ -58,10 +59,14 @@ void PaperView::ShowSheet(const printing::SheetOnPaper& sheet, const QImage& til
     }
     sheet_ = sheet;
     const bool isLarge = std::max(tile.width(), tile.height()) > LongestTile;
-    tile_ = isLarge ? tile.scaled(LongestTile, LongestTile, Qt::KeepAspectRatio,
-                                  Qt::SmoothTransformation)
-                    : tile;
-    painted_ = {};
+    tiles_ = {isLarge ? tile.scaled(LongestTile, LongestTile, Qt::KeepAspectRatio,
+                                    Qt::SmoothTransformation)
+                      : tile};
+    while (std::min(tiles_.back().width(), tiles_.back().height()) > ShortestTile) {
+        const QImage& larger = tiles_.back();
+        tiles_.push_back(
+            larger.scaled(larger.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    }
     text_.clear();
     update();
 }
@@ -166,24 +171,21 @@ void PaperView::PaintPaper(QPainter& painter) const {
     painter.drawRect(reached);
 }
 
-/// The tile in the pixels in which it is painted, as long as those are not more than it has.
-const QImage& PaperView::TileFor(QSize devicePixels) {
-    if (devicePixels.width() >= tile_.width() || devicePixels.isEmpty()) {
-        return tile_;
-    }
-    if (painted_.size() != devicePixels) {
-        painted_ = tile_.scaled(devicePixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    }
-    return painted_;
+/// The smallest that need not be enlarged.
+const QImage& PaperView::TileFor(double devicePixelsWide) const {
+    const auto tooSmall = std::find_if(tiles_.begin() + 1, tiles_.end(), [&](const QImage& tile) {
+        return tile.width() < devicePixelsWide;
+    });
+    return *(tooSmall - 1);
 }
 
-void PaperView::PaintCopies(QPainter& painter) {
+void PaperView::PaintCopies(QPainter& painter) const {
     for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
         const QRectF place = ToWidget(copy.place);
         if (!place.intersects(rect())) {
             continue;
         }
-        painter.drawImage(place, TileFor((place.size() * devicePixelRatioF()).toSize()));
+        painter.drawImage(place, TileFor(place.width() * devicePixelRatioF()));
     }
     for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
         const QRectF photo = ToWidget(copy.photo);

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QWidget>
 #include <optional>
+#include <vector>
 
 #include "printing/SheetOnPaper.h"
 
@@ -47,16 +48,16 @@ class PaperView : public QWidget {
     void MoveBy(QPointF pixels);
     void KeepPaperInSight();
     void PaintPaper(QPainter& painter) const;
-    void PaintCopies(QPainter& painter);
+    void PaintCopies(QPainter& painter) const;
     void PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) const;
     void PaintPaperSize(QPainter& painter) const;
-    const QImage& TileFor(QSize devicePixels);
+    const QImage& TileFor(double devicePixelsWide) const;
 
     std::optional<printing::SheetOnPaper> sheet_;
     QString text_;
-    /// As large as it is ever shown sharp, and as it was painted last.
-    QImage tile_;
-    QImage painted_;
+    /// As large as it is ever shown sharp, and each half as large as the one before: a frame scales
+    /// by less than two.
+    std::vector<QImage> tiles_;
     double zoom_ = 1;
     /// What of the sheet stands in the widget's middle, millimetres.
     QPointF middle_;
