@@ -7,7 +7,9 @@
 #include <QTimer>
 #include <QTranslator>
 #include <QWindow>
+#include <algorithm>
 #include <array>
+#include <memory>
 
 #include "app/MainWindow.h"
 #include "app/PrintService.h"
@@ -27,6 +29,18 @@ namespace kadrona::app {
 
 namespace {
 
+/// No display is needed, only the image plug-ins; the fonts as well where pictures get names below.
+std::unique_ptr<QCoreApplication> ConsoleApplication(int& argc, char** argv,
+                                                     const QStringList& arguments) {
+    const bool writes = std::ranges::any_of(
+        arguments, [](const QString& argument) { return argument.startsWith(u"--order"_s); });
+    if (!writes) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 /// What the arguments ask for when it needs no window; nothing when a window is to be opened.
 std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& arguments) {
     QTextStream output(stdout);
@@ -39,8 +53,7 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
          {"check"_L1, RunCheckCommand}}};
     for (const auto& [name, run] : commands) {
         if (first == name) {
-            // No display and no fonts are needed, only the image plug-ins.
-            const QCoreApplication console(argc, argv);
+            const auto console = ConsoleApplication(argc, argv, arguments);
             return run(arguments.mid(2), output, errors);
         }
     }

@@ -79,6 +79,11 @@ constexpr std::array Definitions = {
                      UpdateRule::PrintAgain},
     ActionDefinition{Action::Paste, u"acPaste", u"Einfügen", u"Bild aus der Zwischenablage öffnen",
                      u"Ctrl+V", u"open", -1, UpdateRule::None},
+    ActionDefinition{Action::ShowSheet, u"acShowSheet", u"Blatt", u"Blatt an/aus", u"F8",
+                     u"create-photos", -1, UpdateRule::None, true},
+    ActionDefinition{Action::AddToSheet, u"acAddToSheet", u"Zum Blatt hinzufügen",
+                     u"Schneidet das Bild und legt es zum Sammelblatt", u"Ctrl+B", u"add", 5,
+                     UpdateRule::Editing},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.

@@ -45,6 +45,8 @@ enum class Action {
     UploadFile,
     PrintAgain,
     Paste,
+    ShowSheet,
+    AddToSheet,
 };
 
 /// What decides whether an action can be used, besides the settings.

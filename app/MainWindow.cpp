@@ -11,6 +11,7 @@
 #include "app/ColourTools.h"
 #include "app/FaceActions.h"
 #include "app/OpenActions.h"
+#include "app/PaperActions.h"
 #include "app/PrintFlow.h"
 #include "app/RetouchTool.h"
 #include "app/RotateActions.h"
@@ -117,7 +118,12 @@ void TmainFm::CreateReusedWindows() {
     watchActions_ =
         std::make_unique<WatchActions>(*photoStrip_, *settings_, actions_,
                                        [this](const QString& path) { OpenDroppedFiles({path}); });
-    sheetActions_->SetConfirmation([this] { return faceActions_->ConfirmCut(); });
+    paperActions_ = std::make_unique<PaperActions>(
+        session_,
+        PaperActions::Surroundings{*this, *data_, *settings_, *ui_, actions_, *viewActions_,
+                                   *printFlow_, *sidePanel_, *sheetSection_, *traySection_});
+    sheetActions_->SetConfirmation(
+        [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
 }
 
 void TmainFm::ConnectActions() {
@@ -162,6 +168,7 @@ void TmainFm::FormDestroy() {
     });
     // What works on the view and the data goes before them.
     watchActions_.reset();
+    paperActions_.reset();
     faceActions_.reset();
     colourTools_.reset();
     retouchTool_.reset();

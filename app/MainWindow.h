@@ -20,11 +20,13 @@ class StatusPanels;
 
 namespace kadrona::dialogs {
 class CheckSection;
+class SheetSection;
 class SidePanel;
 class TEinstellungenFm;
 class TFileNameFm;
 class TfmAbout;
 class TfmImgSearch;
+class TraySection;
 }  // namespace kadrona::dialogs
 
 namespace kadrona::imaging::view {
@@ -37,6 +39,7 @@ class ArchiveActions;
 class ColourTools;
 class FaceActions;
 class OpenActions;
+class PaperActions;
 class PrintFlow;
 class RetouchTool;
 class RotateActions;
@@ -103,6 +106,8 @@ class TmainFm : public QMainWindow {
     QLabel* templateName_ = nullptr;
     dialogs::SidePanel* sidePanel_ = nullptr;
     dialogs::CheckSection* checkSection_ = nullptr;
+    dialogs::SheetSection* sheetSection_ = nullptr;
+    dialogs::TraySection* traySection_ = nullptr;
 
     std::unique_ptr<WindowInterface> ui_;
     std::unique_ptr<core::TData> data_;
@@ -123,6 +128,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;
     std::unique_ptr<FaceActions> faceActions_;
+    std::unique_ptr<PaperActions> paperActions_;
 };
 
 }  // namespace kadrona::app

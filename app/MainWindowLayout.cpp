@@ -19,7 +19,9 @@
 #include "core/base/Product.h"
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/side/CheckSection.h"
+#include "dialogs/side/SheetSection.h"
 #include "dialogs/side/SidePanel.h"
+#include "dialogs/side/TraySection.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;
@@ -108,6 +110,10 @@ void TmainFm::BuildViewPanel() {
     sidePanel_ = new dialogs::SidePanel;
     checkSection_ = new dialogs::CheckSection;
     sidePanel_->AddSection(checkSection_);
+    sheetSection_ = new dialogs::SheetSection;
+    sidePanel_->AddSection(sheetSection_);
+    traySection_ = new dialogs::TraySection;
+    sidePanel_->AddSection(traySection_);
     auto* centre = new QWidget(this);
     auto* row = new QHBoxLayout(centre);
     row->setContentsMargins({});
@@ -115,7 +121,9 @@ void TmainFm::BuildViewPanel() {
     row->addWidget(panel, 1);
     row->addWidget(sidePanel_);
     setCentralWidget(centre);
-    addAction(actions_[Action::ShowCheck]);
+    for (const Action action : {Action::ShowCheck, Action::ShowSheet, Action::AddToSheet}) {
+        addAction(actions_[action]);
+    }
 
     auto* drop = new controls::FileDropTarget(panel);
     connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);

@@ -56,6 +56,12 @@ printing::PrintImage PrintImageOf(const imaging::LayeredImage& sheet, const QStr
             u"bekannt. Öffnen Sie das Foto neu und erstellen Sie die Passbilder noch einmal."_s);
     }
     const imaging::Pixels& pixels = sheet.Photo();
+    if (const imaging::Arrangement* arrangement = pixels.Arranged()) {
+        return {.tile = {},
+                .dotsPerInch = sheet.Resolution().value,
+                .title = QFileInfo(photoFile).fileName(),
+                .arrangement = *arrangement};
+    }
     return {.tile = pixels.Tile(),
             .columns = pixels.Columns(),
             .rows = pixels.Rows(),
@@ -93,6 +99,7 @@ void PrintFlow::Print(const printing::PrintImage& image) {
     printing::PrinterLayer& printer = data_.Printer();
     last_ = {printer.CurrentPrinter(), image};
     jobStatus_->Follow(last_->printer.device, printer.Print(image));
+    Q_EMIT Printed();
 }
 
 /// On the printer that the last sheet was printed with, whatever was chosen since.

@@ -43,6 +43,10 @@ class PrintFlow : public QObject {
     /// Whether there is a sheet to print again.
     bool HasPrinted() const { return last_.has_value(); }
 
+ Q_SIGNALS:
+    /// The print service took a sheet.
+    void Printed();
+
  private:
     /// What was printed last, and where.
     struct PrintedSheet {

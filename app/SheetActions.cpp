@@ -110,7 +110,8 @@ QString SheetActions::FolderToSaveIn() {
 bool SheetActions::MayShrinkTheSheet() {
     const imaging::Pixels& sheet = session_.Image().Photo();
     const int pictures = sheet.PhotoCount();
-    return pictures < 2 || !settings_.ScaleImageCk() ||
+    const bool isSheet = pictures > 1 || sheet.Arranged() != nullptr;
+    return !isSheet || !settings_.ScaleImageCk() ||
            controls::AskYesNo(&window_,
                               u"Das Blatt hat %1 Bilder und würde als Ganzes auf die Größe eines "
                               u"einzigen verkleinert.\n\nTrotzdem speichern?"_s.arg(pictures),

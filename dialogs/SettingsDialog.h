@@ -28,6 +28,7 @@ struct UploadFigures;
 namespace kadrona::dialogs {
 
 class UploadFiguresEdit;
+class PaperFields;
 
 /// "Einstellungen". Its controls are the one live record of the active photo profile: every other
 /// part of the program reads a setting from here at the moment of use. Lives from start to end.
@@ -60,6 +61,10 @@ class TEinstellungenFm : public QDialog, public core::Settings {
 
     /// Shows and stores own figures for portals.
     void KeepUploadFigures(bool own, const core::UploadFigures& figures);
+    /// The choice of what sheets are made on, which others may show as well.
+    PaperFields& SheetFields() { return *sheetFields_; }
+    /// Stores the controls into the active profile.
+    void StoreProfile() const { propertyStore_.Store(); }
 
     // core::Settings
     bool Checked(const core::ProfileEntry& entry) const override;
@@ -84,6 +89,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     QWidget* BuildOptionsPage();
     QWidget* BuildCheckPage();
     QWidget* BuildFilesPage();
+    QWidget* BuildSheetPage();
     void FillPropertyStore();
 
     // Behaviour (SettingsDialog.cpp)
@@ -116,6 +122,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     QTabWidget* pages_;
     UploadFiguresEdit* uploadFigures_;
     controls::PathEdit* watchedFolder_;
+    PaperFields* sheetFields_;
     QListWidget* profileListBox_;
     QPushButton* btnNew_;
     QPushButton* btnDelete_;

@@ -20,6 +20,7 @@
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/UploadFiguresEdit.h"
+#include "dialogs/side/PaperFields.h"
 
 using namespace Qt::StringLiterals;
 
@@ -93,6 +94,7 @@ void TEinstellungenFm::BuildControls() {
     pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
     pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);
     pages_->addTab(new ScrolledPage(BuildFilesPage()), u"Dateien"_s);
+    pages_->addTab(new ScrolledPage(BuildSheetPage()), u"Blatt"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
@@ -260,6 +262,15 @@ QWidget* TEinstellungenFm::BuildFilesPage() {
     layout->addLayout(
         Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
     layout->addWidget(Named<QCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
+    layout->addStretch();
+    return page;
+}
+
+QWidget* TEinstellungenFm::BuildSheetPage() {
+    sheetFields_ = new PaperFields;
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(sheetFields_);
     layout->addStretch();
     return page;
 }

@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "imaging/pixels/Arrangement.h"
+
 namespace kadrona::printing {
 
 /// How a sheet lies on its paper.
@@ -36,8 +38,8 @@ struct Calibration {
 /// More copies of a page are a mistake.
 inline constexpr int MostCopies = 999;
 
-/// What is printed on the one page of a job: an image repeated in a grid, the copies touching each
-/// other, at its true size.
+/// What is printed on the one page of a job, at its true size: an image repeated in a grid, the
+/// copies touching each other, or an arrangement of pictures.
 struct PrintImage {
     /// sRGB, opaque.
     QImage tile;
@@ -55,6 +57,8 @@ struct PrintImage {
     Calibration calibration = {};
     /// How often the page is printed, 1 ... MostCopies, whatever the printer is set to.
     std::optional<int> copies = {};
+    /// In place of the tile and its grid, which are then not looked at.
+    std::optional<imaging::Arrangement> arrangement = {};
 
     /// Printed size.
     QSizeF Millimetres() const;

@@ -1,6 +1,7 @@
 #include "app/commandline/SheetCommand.h"
 
 #include "app/commandline/CommandSetup.h"
+#include "app/commandline/OrderCommand.h"
 #include "app/commandline/PhotoBatch.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/PhotoSaver.h"
@@ -33,7 +34,9 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
     const core::StoredSettings settings = ProfileSettings(data, request.profile);
     data.SetSettings(&settings);
     data.SetFrameSize(core::FrameSizeOf(settings));
-    data.SetPaper(request.paper.value_or(core::PaperChoice()));
+    core::PaperChoice grid;
+    grid.gridGap = core::PaperChoiceOf(settings).gridGap;
+    data.SetPaper(request.paper.value_or(grid));
     const QStringList photos = RequestedPhotos(request.photos);
     const QStringList outputs = OutputFiles(request.output, photos, imaging::WritableExtensions());
     const int result = MakeEach(
@@ -47,8 +50,10 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
 int RunSheetCommand(const QStringList& arguments, QTextStream& progress, QTextStream& errors) {
     return RunCommand(errors, [&] {
         const auto request = ParseSheetRequest(arguments);
-        return WithData(
-            errors, [&](core::TData& data) { return MakeSheets(request, data, progress, errors); });
+        return WithData(errors, [&](core::TData& data) {
+            return request.order.isEmpty() ? MakeSheets(request, data, progress, errors)
+                                           : MakeOrder(request, data, progress, errors);
+        });
     });
 }
 

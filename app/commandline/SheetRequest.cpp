@@ -112,6 +112,18 @@ void ReadCommon(const QCommandLineParser& parser, Request& request) {
     }
 }
 
+/// An order says itself which photos, templates, places and counts it means.
+void RequireAlone(const QCommandLineParser& parser) {
+    for (const QString& option : {u"template"_s, u"at"_s, u"auto"_s, u"layout"_s, u"count"_s}) {
+        if (parser.isSet(option)) {
+            throw UsageError(u"--order und --%1 schließen einander aus."_s.arg(option));
+        }
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        throw UsageError(u"Zu --order gehören keine Fotos; sie stehen in der Auftragsdatei."_s);
+    }
+}
+
 QString RequiredOutput(const QCommandLineParser& parser) {
     const QString output = parser.value(u"out"_s);
     if (output.isEmpty()) {
@@ -133,11 +145,17 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
                        {u"layout"_s, {}, u"AUFTEILUNG"_s},
                        {u"at"_s, {}, u"LINKS,OBEN,BREITE"_s},
                        {u"auto"_s, {}},
-                       {u"profile"_s, {}, u"NAME"_s}});
+                       {u"profile"_s, {}, u"NAME"_s},
+                       {u"order"_s, {}, u"DATEI"_s}});
     parser.addOptions(PaperOptions());
     Parse(parser, arguments);
     SheetRequest request;
-    ReadCommon(parser, request);
+    request.order = parser.value(u"order"_s);
+    if (request.order.isEmpty()) {
+        ReadCommon(parser, request);
+    } else {
+        RequireAlone(parser);
+    }
     request.output = RequiredOutput(parser);
     request.profile = parser.value(u"profile"_s);
     if (parser.isSet(u"layout"_s)) {
@@ -191,6 +209,9 @@ QString CommandLineHelp() {
   kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
+  kadrona sheet --order DATEI --out DATEI [--paper PAPIER] [Optionen]
+      macht ein Sammelblatt. Jede Zeile des Auftrags nennt ein Bild:
+      FOTO; SCHABLONE; auto oder LINKS,OBEN,BREITE; ANZAHL
   kadrona photo FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto eine Bilddatei für einen Online-Antrag (JPEG).
   kadrona check FOTO... --template NAME [--at LINKS,OBEN,BREITE | --auto]

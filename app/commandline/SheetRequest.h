@@ -41,6 +41,8 @@ struct SheetRequest {
     QString profile;
     /// The paper that is asked for, with what of it was named; without one the bare grid.
     std::optional<core::PaperChoice> paper;
+    /// The file of an order for a collected sheet; empty where photos are named instead.
+    QString order;
 };
 
 /// What "kadrona photo" is asked to do.

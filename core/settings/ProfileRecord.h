@@ -65,12 +65,29 @@ inline constexpr std::array ProfileRecord{
 /// read, so its file stays as it is and these go into a file of their own (AdditionsFile). A
 /// profile without one has the values given here.
 inline constexpr std::array ProfileAdditions{
-    ProfileEntry::Choice("AlignToFace", 1),         ProfileEntry::Switch("AskBeforeCut", true),
-    ProfileEntry::Switch("OpenNewestPhoto"),        ProfileEntry::Switch("TagsInSavedFiles", true),
-    ProfileEntry::Switch("TagsInUploadFiles"),      ProfileEntry::Switch("UploadOwnFigures"),
-    ProfileEntry::Number("UploadWidthFrom", 0),     ProfileEntry::Number("UploadWidthTo", 0),
-    ProfileEntry::Number("UploadHeightFrom", 0),    ProfileEntry::Number("UploadHeightTo", 0),
-    ProfileEntry::Number("UploadKilobytesFrom", 0), ProfileEntry::Number("UploadKilobytesTo", 0),
+    ProfileEntry::Choice("AlignToFace", 1),
+    ProfileEntry::Switch("AskBeforeCut", true),
+    ProfileEntry::Switch("OpenNewestPhoto"),
+    ProfileEntry::Switch("TagsInSavedFiles", true),
+    ProfileEntry::Switch("TagsInUploadFiles"),
+    ProfileEntry::Switch("UploadOwnFigures"),
+    ProfileEntry::Number("UploadWidthFrom", 0),
+    ProfileEntry::Number("UploadWidthTo", 0),
+    ProfileEntry::Number("UploadHeightFrom", 0),
+    ProfileEntry::Number("UploadHeightTo", 0),
+    ProfileEntry::Number("UploadKilobytesFrom", 0),
+    ProfileEntry::Number("UploadKilobytesTo", 0),
+    // What sheets are made on. Lengths are tenths of a millimetre.
+    ProfileEntry::Choice("SheetPaper", 0),
+    ProfileEntry::Number("SheetPaperWidth", 1000),
+    ProfileEntry::Number("SheetPaperHeight", 1500),
+    ProfileEntry::Switch("SheetFill"),
+    ProfileEntry::Number("SheetGap", 20),
+    ProfileEntry::Number("SheetEdge", 30),
+    ProfileEntry::Choice("SheetMarks", 0),
+    ProfileEntry::Switch("SheetText"),
+    ProfileEntry::Switch("GridGapInMillimetres"),
+    ProfileEntry::Number("GridGap", 20),
 };
 
 /// The archive's folder stands among the settings, but no profile keeps it: it is one for the user.

@@ -91,6 +91,22 @@ class Settings {
     int UploadHeightTo() const { return Number(EntryOf("UploadHeightTo")); }
     int UploadKilobytesFrom() const { return Number(EntryOf("UploadKilobytesFrom")); }
     int UploadKilobytesTo() const { return Number(EntryOf("UploadKilobytesTo")); }
+    /// The paper of sheets: 0 none, then the papers that have a name, then one of the own size.
+    int SheetPaper() const { return ItemIndex(EntryOf("SheetPaper")); }
+    /// The own size and what follows in tenths of a millimetre.
+    int SheetPaperWidth() const { return Number(EntryOf("SheetPaperWidth")); }
+    int SheetPaperHeight() const { return Number(EntryOf("SheetPaperHeight")); }
+    /// As many photos as the paper takes.
+    bool SheetFill() const { return Checked(EntryOf("SheetFill")); }
+    int SheetGap() const { return Number(EntryOf("SheetGap")); }
+    int SheetEdge() const { return Number(EntryOf("SheetEdge")); }
+    /// Index of the kinds of cutting marks.
+    int SheetMarks() const { return ItemIndex(EntryOf("SheetMarks")); }
+    /// A line of text in the free edge.
+    bool SheetText() const { return Checked(EntryOf("SheetText")); }
+    /// The gap of the bare grid is GridGap, in place of FrameSize.
+    bool GridGapInMillimetres() const { return Checked(EntryOf("GridGapInMillimetres")); }
+    int GridGap() const { return Number(EntryOf("GridGap")); }
 };
 
 /// The gap between photos in pixels: the decimal value of the FrameSize text. Throws

@@ -1,12 +1,57 @@
 #include "core/sheet/PaperSheet.h"
 
+#include <QDate>
+#include <QFileInfo>
+#include <QStringList>
+
+#include "core/settings/Settings.h"
 #include "core/sheet/PaperCanvas.h"
 #include "core/sheet/PaperSize.h"
 #include "platform/Error.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
+
+namespace {
+
+constexpr int FromTenths(int tenths) {
+    return tenths * (MicrometresPerMillimetre / 10);
+}
+
+}  // namespace
+
+PaperChoice PaperChoiceOf(const Settings& settings) {
+    PaperChoice choice;
+    const int paper = settings.SheetPaper();
+    const auto named = static_cast<int>(NamedPapers.size());
+    if (paper >= 1 && paper <= named) {
+        choice.paper = NamedPapers.at(static_cast<size_t>(paper) - 1).size;
+    } else if (paper > named) {
+        choice.paper =
+            QSize(FromTenths(settings.SheetPaperWidth()), FromTenths(settings.SheetPaperHeight()));
+    }
+    choice.edge = FromTenths(settings.SheetEdge());
+    choice.gap = FromTenths(settings.SheetGap());
+    choice.fill = settings.SheetFill();
+    const int marks = settings.SheetMarks();
+    choice.marks = marks >= 0 && marks <= static_cast<int>(CuttingMarks::Outline)
+                       ? static_cast<CuttingMarks>(marks)
+                       : CuttingMarks::None;
+    if (settings.GridGapInMillimetres()) {
+        choice.gridGap = FromTenths(settings.GridGap());
+    }
+    return choice;
+}
+
+QString SheetText(const QString& photoFile, const QString& document) {
+    const QString name = QFileInfo(photoFile).completeBaseName();
+    const QString day = QDate::currentDate().toString(u"dd.MM.yyyy"_s);
+    QStringList parts{name, day, QFileInfo(document).completeBaseName()};
+    parts.removeAll(QString());
+    return platform::HarmlessLine(parts.join(u"  ·  "_s));
+}
 
 PaperRequest RequestOf(const PaperChoice& choice, QSize photo, int layoutIndex) {
     const auto layout = SheetLayoutAt(layoutIndex);
@@ -30,9 +75,9 @@ PaperLayout RequiredLayout(const PaperChoice& choice, QSize photo, int layoutInd
     return layout;
 }
 
-imaging::Pixels SheetOnPaper(const imaging::Pixels& photo, QSize size,
-                             imaging::DotsPerInch resolution, const PaperChoice& choice,
-                             int layoutIndex) {
+imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
+                              imaging::DotsPerInch resolution, const PaperChoice& choice,
+                              int layoutIndex) {
     PaperCanvas canvas(*choice.paper, resolution);
     const PaperLayout layout = RequiredLayout(choice, size, layoutIndex);
     const size_t picture =

@@ -12,6 +12,8 @@
 
 namespace kadrona::core {
 
+class Settings;
+
 /// What a sheet is made on. Lengths in micrometres.
 struct PaperChoice {
     /// Nothing: no paper, but the bare grid of the layout.
@@ -30,6 +32,13 @@ struct PaperChoice {
     std::optional<int> gridGap;
 };
 
+/// What the settings choose, without the line of text itself.
+PaperChoice PaperChoiceOf(const Settings& settings);
+
+/// The line of text of a sheet: the photo's name without folder and extension, the day, the
+/// document.
+QString SheetText(const QString& photoFile, const QString& document);
+
 /// What of `choice`, which has a paper, is asked of its layout for photos of `photo` micrometres.
 PaperRequest RequestOf(const PaperChoice& choice, QSize photo, int layoutIndex);
 
@@ -39,9 +48,9 @@ PaperLayout RequiredLayout(const PaperChoice& choice, QSize photo, int layoutInd
 
 /// The copies of a photo on the paper. `size` is its printed size in micrometres, `resolution` that
 /// of the sheet. Throws platform::Error as RequiredLayout and PaperCanvas do.
-imaging::Pixels SheetOnPaper(const imaging::Pixels& photo, QSize size,
-                             imaging::DotsPerInch resolution, const PaperChoice& choice,
-                             int layoutIndex);
+imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
+                              imaging::DotsPerInch resolution, const PaperChoice& choice,
+                              int layoutIndex);
 
 /// Size of a template's canvas, tenths of a millimetre, in micrometres.
 QSize PrintedSize(QSize canvas);

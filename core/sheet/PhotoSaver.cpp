@@ -94,9 +94,10 @@ std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
 /// A sheet stays one where the number of photos is changed after it was made.
 bool PhotoSaver::MayBeSavedQuickly(const imaging::Pixels& photo) {
     const int copies = photo.PhotoCount();
-    return copies == 1 || ui_.AskYesNo(
-                              u"Das Bild ist ein Bogen mit %1 Fotos, kein einzelnes Foto. "
-                              u"Soll es trotzdem so gespeichert werden?"_s.arg(copies));
+    const bool isSheet = copies > 1 || photo.Arranged() != nullptr;
+    return !isSheet || ui_.AskYesNo(
+                           u"Das Bild ist ein Bogen mit %1 Fotos, kein einzelnes Foto. "
+                           u"Soll es trotzdem so gespeichert werden?"_s.arg(copies));
 }
 
 /// Nothing where the user wanted another place and then none.

@@ -107,8 +107,8 @@ void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
     }
     if (making.paper.paper) {
         const imaging::DotsPerInch resolution = SheetResolution(making, photo.width());
-        image.ChangePhoto(SheetOnPaper(image.Photo(), PrintedSize(making.shape.canvas), resolution,
-                                       making.paper, layoutIndex));
+        image.ChangePhoto(CopiesOnPaper(image.Photo(), PrintedSize(making.shape.canvas), resolution,
+                                        making.paper, layoutIndex));
         image.SetResolution(resolution);
         return;
     }

@@ -30,7 +30,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     const QString always =
         u"acAbout acClose acOpen acOpenWithProfile acPaste acPrinSetup acPrinterProfilDlg "
         u"acRotateLeft "
-        "acRotateRight acSearchArchiv acShowCheck acShowConfig acZoomFit acZoomFull "_s;
+        "acRotateRight acSearchArchiv acShowCheck acShowConfig acShowSheet acZoomFit acZoomFull "_s;
     const QString tools =
         u"acBeauty acColorConfig acGradation acLevelHead acRotateDlg acSchwarzweiss "
         "acSetWhitePoint acShowLayer "_s;
@@ -41,7 +41,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     for (const auto& [circumstances, enabled] :
          {Row{{}, always}, Row{{.imageLoaded = true}, always + tools},
           Row{{.imageLoaded = true, .templateLoaded = true},
-              always + tools + u"acAlignToFace acCrop acUploadFile "_s},
+              always + tools + u"acAddToSheet acAlignToFace acCrop acUploadFile "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .templateLoaded = true},
               always + u"acPrintImage acSave "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true},

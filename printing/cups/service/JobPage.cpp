@@ -37,6 +37,22 @@ QByteArray DrawnCopies(const PrintImage& image, const QTransform& toPage) {
     return content;
 }
 
+/// Draws an arrangement, whose unit is the pixel with y upwards.
+QByteArray DrawnParts(const PrintImage& image, const QTransform& toPage) {
+    const QSizeF sheet = image.Millimetres();
+    const double scale = sheet.width() / image.arrangement->size.width();
+    const QTransform fromPixels(scale, 0, 0, -scale, -sheet.width() / 2, -sheet.height() / 2);
+    return "q " + Matrix(fromPixels * toPage) + '\n' +
+           imaging::DrawnArrangement(*image.arrangement) + "Q\n";
+}
+
+std::vector<imaging::RowSource> Pictures(const PrintImage& image) {
+    if (image.arrangement) {
+        return imaging::PictureSources(*image.arrangement);
+    }
+    return {imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst)};
+}
+
 }  // namespace
 
 void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper& setting) {
@@ -44,14 +60,13 @@ void WriteJobPage(QIODevice& device, const PrintImage& image, const PrinterPaper
     const QSizeF page = paper.page * PointsPerMillimetre;
     // PDF counts from the lower edge up.
     const QTransform toPoints(PointsPerMillimetre, 0, 0, -PointsPerMillimetre, 0, page.height());
+    const QTransform toPage =
+        SheetToPaper(image, paper, IsTurned(image, setting)) * PaperToPage(paper) * toPoints;
     const QByteArray content =
-        DrawnCopies(image, SheetToPaper(image, paper, IsTurned(image, setting)) *
-                               PaperToPage(paper) * toPoints);
+        image.arrangement ? DrawnParts(image, toPage) : DrawnCopies(image, toPage);
     const imaging::PdfPage written{Points(page.width()), Points(page.height()), content,
                                    " /ViewerPreferences << /PrintScaling /None >>"};
-    imaging::WritePdfFile(
-        device, written,
-        {imaging::RowSource(imaging::Pixels(image.tile), imaging::ChannelOrder::RedFirst)});
+    imaging::WritePdfFile(device, written, Pictures(image));
 }
 
 }  // namespace kadrona::printing::cups

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QHash>
+#include <QImage>
+#include <QObject>
+
+#include "core/sheet/SheetTray.h"
+
+class QWidget;
+
+namespace kadrona::core {
+class TData;
+class UserInterface;
+}  // namespace kadrona::core
+
+namespace kadrona::dialogs {
+class SheetSection;
+class SidePanel;
+class TEinstellungenFm;
+class TraySection;
+}  // namespace kadrona::dialogs
+
+namespace kadrona::app {
+
+class MainActions;
+class PhotoSession;
+class PrintFlow;
+class ViewActions;
+
+/// The sections "Blatt" and "Sammelblatt": what sheets are made on, and the tray of pictures that
+/// wait for a sheet that they share. All that is given outlives the object.
+class PaperActions : public QObject {
+    Q_OBJECT
+
+ public:
+    /// What the sections work with, beside the session.
+    struct Surroundings {
+        QWidget& window;
+        core::TData& data;
+        dialogs::TEinstellungenFm& settings;
+        core::UserInterface& ui;
+        MainActions& actions;
+        ViewActions& viewActions;
+        PrintFlow& printFlow;
+        dialogs::SidePanel& panel;
+        dialogs::SheetSection& section;
+        dialogs::TraySection& tray;
+    };
+
+    PaperActions(PhotoSession& session, const Surroundings& around);
+
+    /// Tells the data module what the next sheet is made on. Where fewer photos fit than are asked
+    /// for, the user is asked; false where there is to be no sheet then. Throws platform::Error.
+    bool PreparePaper();
+
+ private:
+    void ConnectSections();
+    void ShowSections(bool shown);
+    void Update();
+    void UpdateSummary();
+    void UpdateTray();
+    QString Summary() const;
+    QImage Thumbnail(const core::CollectedItem& item);
+
+    void acAddToSheetExecute();
+    void MakeCollectedSheet();
+    void TakeOutPrinted();
+    void LoadTray();
+    /// Changes the tray and shows it; failures are shown.
+    template <typename Change>
+    void ChangeTray(Change change);
+
+    PhotoSession& session_;
+    Surroundings around_;
+    core::SheetTray tray_;
+    bool loaded_ = false;
+    QHash<qint64, QImage> thumbnails_;
+    /// The collected sheet that was made last, by its pixels.
+    qint64 madeSheet_ = 0;
+    core::CollectedLayout made_;
+};
+
+}  // namespace kadrona::app

@@ -1,0 +1,135 @@
+#include "app/commandline/OrderCommand.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "app/commandline/CommandSetup.h"
+#include "app/commandline/PhotoBatch.h"
+#include "app/commandline/TerminalText.h"
+#include "core/settings/StoredSettings.h"
+#include "core/sheet/CollectedSheet.h"
+#include "core/sheet/PaperSize.h"
+#include "core/sheet/PhotoSaver.h"
+#include "core/sheet/SheetOrder.h"
+#include "imaging/pixels/Cropping.h"
+#include "imaging/writing/ImageWriter.h"
+#include "platform/AtomicFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+constexpr qint64 MostOrderBytes = 1'000'000;
+
+/// A relative name is meant from where the order lies.
+QString PhotoPath(const core::OrderLine& line, const QString& orderFile) {
+    return QFileInfo(orderFile).absoluteDir().absoluteFilePath(line.photo);
+}
+
+core::CollectedItem CutItem(core::TData& data, const core::Settings& settings,
+                            const core::OrderLine& line, const QString& photo,
+                            QTextStream& errors) {
+    LoadTemplate(data, line.templateName);
+    std::optional<TemplatePlace> place;
+    if (line.place) {
+        place = {line.place->left, line.place->top, line.place->width};
+    }
+    imaging::LayeredImage image;
+    OpenUnderTemplate(data, settings, place, !place, photo, image, errors);
+    return {imaging::Cropped(image.Photo(), image.LayerAt(1).rectangle),
+            core::PrintedSize(data.TemplateCanvasSize()), line.templateName,
+            QFileInfo(photo).completeBaseName(), line.count};
+}
+
+/// The first line of the reason: which templates there are needs no saying for each line.
+QString ReasonOf(const std::exception& error) {
+    return QString::fromUtf8(error.what()).section(u'\n', 0, 0);
+}
+
+/// What cannot be cut goes to the order's errors.
+std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Settings& settings,
+                                          core::Order& order, const QString& orderFile,
+                                          QTextStream& errors) {
+    std::vector<core::CollectedItem> items;
+    for (const core::OrderLine& line : order.lines) {
+        try {
+            items.push_back(CutItem(data, settings, line, PhotoPath(line, orderFile), errors));
+        } catch (const std::exception& error) {
+            order.errors.push_back({line.number, ReasonOf(error)});
+        }
+    }
+    return items;
+}
+
+/// The layout, where every copy fits; what does not goes to the order's errors.
+core::CollectedLayout LayOut(const std::vector<core::CollectedItem>& items,
+                             const core::PaperChoice& choice, core::Order& order) {
+    core::CollectedLayout layout = core::LayOutCollected(items, choice);
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (layout.missing[i] > 0) {
+            order.errors.push_back(
+                {order.lines[i].number,
+                 u"%1 von %2 Bildern passen nicht auf das Papier (%3)"_s.arg(layout.missing[i])
+                     .arg(items[i].count)
+                     .arg(core::SizeText(core::CollectedPaper(choice)))});
+        }
+    }
+    return layout;
+}
+
+/// Makes the sheet in `image`; where that cannot be done, returns why.
+std::vector<core::OrderError> MakeCollected(const SheetRequest& request, core::TData& data,
+                                            const core::Settings& settings,
+                                            imaging::LayeredImage& image, QTextStream& errors) {
+    const QByteArray bytes = platform::ReadWholeFile(request.order, MostOrderBytes);
+    core::Order order = core::ParseOrder(QString::fromUtf8(bytes));
+    const auto items = CutItems(data, settings, order, request.order, errors);
+    const core::PaperChoice choice = request.paper.value_or(core::PaperChoice());
+    if (order.errors.empty() && items.empty()) {
+        order.errors.push_back({0, u"Der Auftrag hat keine Zeile."_s});
+    }
+    if (order.errors.empty()) {
+        const core::CollectedLayout layout = LayOut(items, choice, order);
+        if (order.errors.empty()) {
+            image.Open(core::MakeCollectedSheet(items, layout, choice),
+                       core::CollectedResolution(items, choice));
+        }
+    }
+    std::ranges::stable_sort(order.errors, {}, &core::OrderError::number);
+    return order.errors;
+}
+
+}  // namespace
+
+int MakeOrder(const SheetRequest& request, core::TData& data, QTextStream& progress,
+              QTextStream& errors) {
+    const core::StoredSettings settings = ProfileSettings(data, request.profile);
+    data.SetSettings(&settings);
+    const QStringList outputs =
+        OutputFiles(request.output, {request.order}, imaging::WritableExtensions());
+    imaging::LayeredImage image;
+    const auto failures = MakeCollected(request, data, settings, image, errors);
+    data.SetSettings(nullptr);
+    for (const core::OrderError& failure : failures) {
+        const QString line = failure.number > 0 ? u"Zeile %1: "_s.arg(failure.number) : QString();
+        errors << HarmlessText(line + failure.reason) << Qt::endl;
+    }
+    if (!failures.empty()) {
+        errors << u"Es wurde nichts geschrieben."_s << Qt::endl;
+        return SomePhotoFailed;
+    }
+    core::WritePhoto(image, outputs.first());
+    progress << u"%1 → %2 (%3 Bilder, %4 x %5 Pixel, %6 dpi)"_s
+                    .arg(HarmlessName(request.order), HarmlessName(outputs.first()))
+                    .arg(image.Photo().PhotoCount())
+                    .arg(image.Photo().Width())
+                    .arg(image.Photo().Height())
+                    .arg(image.Resolution().value)
+             << Qt::endl;
+    return Done;
+}
+
+}  // namespace kadrona::app

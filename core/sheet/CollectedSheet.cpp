@@ -1,0 +1,94 @@
+#include "core/sheet/CollectedSheet.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <utility>
+
+#include "core/sheet/PaperCanvas.h"
+#include "core/sheet/PaperSize.h"
+#include "core/sheet/ShelfPacking.h"
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+/// Between a picture and the line below it.
+constexpr int AboveText = 400;
+constexpr int BesideText = 500;
+
+TextRoom TextBelow(const QRect& place) {
+    return {{place.left() + BesideText, place.bottom() + 1 + AboveText,
+             place.width() - 2 * BesideText, TextHeight}};
+}
+
+}  // namespace
+
+int CollectedLayout::MissingCount() const {
+    return std::accumulate(missing.begin(), missing.end(), 0);
+}
+
+QSize CollectedPaper(const PaperChoice& choice) {
+    return choice.paper.value_or(NamedPapers.front().size);
+}
+
+CollectedLayout LayOutCollected(const std::vector<CollectedItem>& items,
+                                const PaperChoice& choice) {
+    std::vector<PackItem> copies;
+    std::vector<size_t> itemOf;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (items[i].count < 0 || items[i].count > MostCopies - static_cast<int>(copies.size())) {
+            throw platform::Error(u"Ein Blatt hat höchstens %1 Bilder."_s.arg(MostCopies));
+        }
+        const auto count = static_cast<size_t>(items[i].count);
+        copies.insert(copies.end(), count, {items[i].size, TextHeight + AboveText});
+        itemOf.insert(itemOf.end(), count, i);
+    }
+    const auto packed = PackOnShelves(copies, CollectedPaper(choice), choice.edge, choice.gap);
+    CollectedLayout layout;
+    layout.missing.resize(items.size());
+    for (size_t i = 0; i < copies.size(); ++i) {
+        if (packed[i]) {
+            layout.copies.push_back({itemOf[i], packed[i]->place, packed[i]->turned});
+        } else {
+            ++layout.missing[itemOf[i]];
+        }
+    }
+    return layout;
+}
+
+imaging::DotsPerInch CollectedResolution(const std::vector<CollectedItem>& items,
+                                         const PaperChoice& choice) {
+    if (choice.resolution) {
+        return *choice.resolution;
+    }
+    int resolution = 1;
+    for (const CollectedItem& item : items) {
+        const TenthsOfMillimetre width{item.size.width() * 10 / MicrometresPerMillimetre};
+        resolution = std::max(resolution, PrintResolution(item.picture.Width(), width).value);
+    }
+    return {std::min(resolution, HighestCollectedResolution)};
+}
+
+imaging::Pixels MakeCollectedSheet(const std::vector<CollectedItem>& items,
+                                   const CollectedLayout& layout, const PaperChoice& choice) {
+    PaperCanvas canvas(CollectedPaper(choice), CollectedResolution(items, choice));
+    std::map<std::pair<size_t, bool>, size_t> pictures;
+    for (const CollectedLayout::Copy& copy : layout.copies) {
+        const std::pair key(copy.item, copy.turned);
+        if (!pictures.contains(key)) {
+            pictures[key] =
+                canvas.AddPhoto(items.at(copy.item).picture, copy.place.size(), copy.turned);
+        }
+        canvas.Place(pictures.at(key), copy.place.topLeft());
+        const CollectedItem& item = items.at(copy.item);
+        canvas.PlaceText(item.name.isEmpty() ? item.document : item.name + u" · "_s + item.document,
+                         TextBelow(copy.place));
+    }
+    return canvas.Finished(choice.marks);
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,134 @@
+#include "dialogs/side/TraySection.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+#include "core/sheet/PaperLayout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+constexpr int ListHeight = 170;
+constexpr QSize IconSize(36, 44);
+
+QPushButton* Button(const QString& text, const QString& name, const QString& hint) {
+    auto* button = new QPushButton(text);
+    button->setObjectName(name);
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    return button;
+}
+
+}  // namespace
+
+TraySection::TraySection(QWidget* parent) : QWidget(parent) {
+    setObjectName(u"TraySection"_s);
+    auto* title = new QLabel(u"Sammelblatt"_s);
+    QFont bold = title->font();
+    bold.setBold(true);
+    title->setFont(bold);
+    list_ = new QListWidget;
+    list_->setObjectName(u"TrayList"_s);
+    list_->setAccessibleName(u"Bilder des Sammelblatts"_s);
+    list_->setIconSize(IconSize);
+    list_->setFixedHeight(ListHeight);
+    list_->setWordWrap(true);
+    count_ = new QSpinBox;
+    count_->setObjectName(u"TrayCount"_s);
+    count_->setAccessibleName(u"Anzahl des gewählten Bildes"_s);
+    count_->setRange(1, core::MostCopies);
+    count_->setSuffix(u" Stück"_s);
+    up_ = Button(u"▲"_s, u"TrayUp"_s, u"Nach oben"_s);
+    down_ = Button(u"▼"_s, u"TrayDown"_s, u"Nach unten"_s);
+    remove_ = Button(u"Entfernen"_s, u"TrayRemove"_s, u"Aus dem Sammelblatt nehmen"_s);
+    empty_ = Button(u"Leeren"_s, u"TrayEmpty"_s, u"Alle Bilder aus dem Sammelblatt nehmen"_s);
+    make_ = Button(u"Sammelblatt erstellen"_s, u"TrayMake"_s, u"Sammelblatt erstellen"_s);
+    summary_ = new QLabel;
+    summary_->setObjectName(u"TraySummary"_s);
+    summary_->setWordWrap(true);
+
+    auto* row = new QHBoxLayout;
+    row->addWidget(count_, 1);
+    for (QPushButton* button : {up_, down_}) {
+        button->setFixedWidth(button->sizeHint().height() + 4);
+        row->addWidget(button);
+    }
+    row->addWidget(remove_);
+    auto* foot = new QHBoxLayout;
+    foot->addWidget(make_, 1);
+    foot->addWidget(empty_);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(title);
+    column->addWidget(list_);
+    column->addLayout(row);
+    column->addWidget(summary_);
+    column->addLayout(foot);
+
+    connect(list_, &QListWidget::currentRowChanged, this, &TraySection::ShowSelected);
+    connect(count_, &QSpinBox::valueChanged, this,
+            [this](int count) { Q_EMIT CountChosen(list_->currentRow(), count); });
+    const auto move = [this](int by) {
+        const int row = list_->currentRow();
+        Q_EMIT MoveAsked(row, row + by);
+    };
+    connect(up_, &QPushButton::clicked, this, [move] { move(-1); });
+    connect(down_, &QPushButton::clicked, this, [move] { move(1); });
+    connect(remove_, &QPushButton::clicked, this,
+            [this] { Q_EMIT RemoveAsked(list_->currentRow()); });
+    connect(empty_, &QPushButton::clicked, this, &TraySection::EmptyAsked);
+    connect(make_, &QPushButton::clicked, this, &TraySection::SheetAsked);
+}
+
+void TraySection::SetRows(const std::vector<Row>& rows, const QString& summary) {
+    const QSignalBlocker quiet(list_);
+    const int selected = list_->currentRow();
+    while (list_->count() > static_cast<int>(rows.size())) {
+        delete list_->takeItem(list_->count() - 1);
+    }
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const auto index = static_cast<int>(i);
+        if (index == list_->count()) {
+            list_->addItem(new QListWidgetItem);
+        }
+        QListWidgetItem& item = *list_->item(index);
+        QString text = u"%1 × %2"_s.arg(rows[i].count).arg(rows[i].text);
+        if (rows[i].missing > 0) {
+            text += u"\n! %1 ohne Platz"_s.arg(rows[i].missing);
+        }
+        item.setText(text);
+        item.setIcon(QPixmap::fromImage(rows[i].picture));
+        item.setData(Qt::UserRole, rows[i].count);
+    }
+    summary_->setText(summary);
+    list_->setCurrentRow(std::min(std::max(selected, 0), list_->count() - 1));
+    ShowSelected();
+}
+
+void TraySection::Select(int row) {
+    list_->setCurrentRow(row);
+}
+
+void TraySection::ShowSelected() {
+    const QSignalBlocker quiet(count_);
+    const int row = list_->currentRow();
+    const bool isSelected = row >= 0;
+    if (isSelected) {
+        count_->setValue(list_->item(row)->data(Qt::UserRole).toInt());
+    }
+    count_->setEnabled(isSelected);
+    remove_->setEnabled(isSelected);
+    up_->setEnabled(row > 0);
+    down_->setEnabled(isSelected && row + 1 < list_->count());
+    empty_->setEnabled(list_->count() > 0);
+    make_->setEnabled(list_->count() > 0);
+}
+
+}  // namespace kadrona::dialogs
