@@ -40,7 +40,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     lbProfiles_->setMinimumSize(SmallestList);
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"&Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil &löschen"_s);
-    btnChangeProfile_ = NamedButton(u"btnChangeProfile"_s, u"Profil ä&ndern …"_s);
+    btnChangeProfile_ = NamedButton(u"btnChangeProfile"_s, u"Profil ände&rn …"_s);
     btnCalibrate_ = NamedButton(u"btnCalibrate"_s, u"&Kalibrieren …"_s);
     btnClose_ = NamedButton(u"btnClose"_s, u"&Schließen"_s);
     btnDelProfile_->setEnabled(false);

@@ -77,11 +77,17 @@ Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWit
 
 QString CalibrationText(const Calibration& calibration) {
     const QLocale german(QLocale::German);
-    return u"quer %1 %, längs %2 %, verschoben um %3 mm nach rechts und %4 mm nach unten"_s.arg(
-        german.toString(calibration.across * 100, 'f', 1),
-        german.toString(calibration.along * 100, 'f', 1),
-        german.toString(calibration.offset.x(), 'f', 1),
-        german.toString(calibration.offset.y(), 'f', 1));
+    QString text = u"quer %1 %, längs %2 %"_s.arg(german.toString(calibration.across * 100, 'f', 1),
+                                                  german.toString(calibration.along * 100, 'f', 1));
+    const auto add = [&](double millimetres, const QString& forwards, const QString& backwards) {
+        if (std::abs(millimetres) >= 0.05) {
+            text += u", %1 mm nach %2"_s.arg(german.toString(std::abs(millimetres), 'f', 1),
+                                             millimetres > 0 ? forwards : backwards);
+        }
+    };
+    add(calibration.offset.x(), u"rechts"_s, u"links"_s);
+    add(calibration.offset.y(), u"unten"_s, u"oben"_s);
+    return text;
 }
 
 Calibration StoredCalibration(const QString& dataFolder, const QString& profile) {

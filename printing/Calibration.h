@@ -37,7 +37,7 @@ struct RulerReadings {
 Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWith,
                        const RulerReadings& readings);
 
-/// For reading: "quer 97,8 %, längs 100,0 %, verschoben um ...".
+/// For reading: "quer 97,8 %, längs 100,0 %, 1,4 mm nach links".
 QString CalibrationText(const Calibration& calibration);
 
 /// The calibration kept for a printer profile, in "PrinterCalibration.ini" of the data folder; none

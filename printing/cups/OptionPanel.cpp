@@ -9,6 +9,7 @@
 #include <array>
 
 #include "printing/NeutralOptions.h"
+#include "printing/cups/CustomPaper.h"
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +32,9 @@ const Paper* PaperWithBorder(const Driver& driver, const Paper& variant) {
         });
     return found == driver.Papers().end() ? nullptr : &*found;
 }
+
+/// Begins the names of papers of an own size, and stands for them in the list.
+const QByteArray CustomName = "Custom";
 
 constexpr std::array OrientationRows{Orientation::Automatic, Orientation::Upright,
                                      Orientation::Turned};
@@ -66,11 +70,15 @@ QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
     borderlessBox_ = new QCheckBox(u"Randlos drucken"_s);
     borderlessBox_->setObjectName(u"BorderlessBox"_s);
     form.addRow(QString(), borderlessBox_);
-    connect(box, &QComboBox::activated, this, [this] {
-        ShowBorderless();
-        ShowOrientations();
+    customPaper_ = new CustomPaper;
+    customPaper_->setObjectName(u"CustomPaper"_s);
+    form.insertRow(1, u"Breite × Höhe"_s, customPaper_);
+    const auto store = [this] {
+        ShowPaper();
         StorePaper();
-    });
+    };
+    connect(box, &QComboBox::activated, this, store);
+    connect(customPaper_, &CustomPaper::Changed, this, store);
     connect(borderlessBox_, &QCheckBox::clicked, this, &OptionPanel::StorePaper);
     return box;
 }
@@ -151,7 +159,14 @@ void OptionPanel::ShowPapers() {
     }
     form_->setRowVisible(paperBox_, paperBox_->count() > 0);
     const std::optional<Paper> chosen = driver_->PaperOf(*mode_);
-    if (chosen) {
+    if (const std::optional<CustomSizes> sizes = driver_->OwnSizes()) {
+        customPaper_->Show(*sizes, chosen ? chosen->Millimetres() : sizes->least);
+        paperBox_->addItem(u"Eigenes Format"_s, CustomName);
+    }
+    if (chosen && chosen->name.startsWith(CustomName)) {
+        paperBox_->setCurrentIndex(paperBox_->findData(CustomName));
+        borderlessBox_->setChecked(false);
+    } else if (chosen) {
         const Paper* listed = PaperWithBorder(*driver_, *chosen);
         const QByteArray name = listed == nullptr ? chosen->name : listed->name;
         if (paperBox_->findData(name) < 0) {
@@ -160,14 +175,25 @@ void OptionPanel::ShowPapers() {
         paperBox_->setCurrentIndex(paperBox_->findData(name));
         borderlessBox_->setChecked(listed != nullptr);
     }
+    ShowPaper();
+}
+
+void OptionPanel::ShowPaper() {
+    form_->setRowVisible(customPaper_, paperBox_->currentData().toByteArray() == CustomName);
     ShowBorderless();
     ShowOrientations();
+}
+
+/// As the driver names it.
+QByteArray OptionPanel::ChosenPaper() const {
+    const QByteArray name = paperBox_->currentData().toByteArray();
+    return name == CustomName ? customPaper_->PaperName() : name;
 }
 
 /// The names of both orientations, the driver's own way of the paper first: some have a paper that
 /// is wider than high.
 void OptionPanel::ShowOrientations() {
-    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const std::optional<Paper> paper = driver_->PaperNamed(ChosenPaper());
     const bool isWide = paper && paper->points.width() > paper->points.height();
     orientationBox_->setItemText(1, isWide ? u"Querformat"_s : u"Hochformat"_s);
     orientationBox_->setItemText(2, isWide ? u"Hochformat"_s : u"Querformat"_s);
@@ -176,7 +202,7 @@ void OptionPanel::ShowOrientations() {
 /// Some drivers have a switch for it, others a paper of its own; with all others the paper says
 /// whether there are margins.
 void OptionPanel::ShowBorderless() {
-    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const std::optional<Paper> paper = driver_->PaperNamed(ChosenPaper());
     const DriverOption* own = driver_->BorderlessSwitch();
     const bool variant = paper && driver_->BorderlessVariant(*paper) != nullptr;
     if (own != nullptr) {
@@ -190,16 +216,15 @@ void OptionPanel::ShowBorderless() {
 }
 
 void OptionPanel::StorePaper() {
-    const std::optional<Paper> paper = driver_->PaperNamed(paperBox_->currentData().toByteArray());
+    const std::optional<Paper> paper = driver_->PaperNamed(ChosenPaper());
     const Paper* borderless = paper ? driver_->BorderlessVariant(*paper) : nullptr;
     const bool isBorderless = borderlessBox_->isChecked();
     if (const DriverOption* own = driver_->BorderlessSwitch()) {
         mode_->Set(own->keyword, isBorderless ? "True" : "False");
         borderless = nullptr;
     }
-    mode_->Set("PageSize", borderless != nullptr && isBorderless
-                               ? borderless->name
-                               : paperBox_->currentData().toByteArray());
+    mode_->Set("PageSize",
+               borderless != nullptr && isBorderless ? borderless->name : ChosenPaper());
     Q_EMIT ModeChanged();
 }
 

@@ -12,9 +12,11 @@ class QSpinBox;
 
 namespace kadrona::printing::cups {
 
+class CustomPaper;
+
 /// The fields of the options that matter for photos. A field that the driver has no option for is
-/// hidden. Object names: "PaperBox", "BorderlessBox", "OrientationBox", "TrayBox", "MediaTypeBox",
-/// "QualityBox", "ColorBox", "DuplexBox", "CopiesBox".
+/// hidden. Object names: "PaperBox", "CustomPaper" (CustomPaper), "BorderlessBox",
+/// "OrientationBox", "TrayBox", "MediaTypeBox", "QualityBox", "ColorBox", "DuplexBox", "CopiesBox".
 class OptionPanel : public QWidget {
     Q_OBJECT
 
@@ -43,6 +45,8 @@ class OptionPanel : public QWidget {
     void AddOrientationRow(QFormLayout& form);
     void AddCopiesRow(QFormLayout& form);
     void ShowPapers();
+    void ShowPaper();
+    QByteArray ChosenPaper() const;
     void ShowBorderless();
     void ShowOrientations();
     void StorePaper();
@@ -51,6 +55,7 @@ class OptionPanel : public QWidget {
     DeviceMode* mode_ = nullptr;
     QFormLayout* form_;
     QComboBox* paperBox_;
+    CustomPaper* customPaper_;
     QCheckBox* borderlessBox_;
     QComboBox* orientationBox_;
     QSpinBox* copiesBox_;

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QStringList>
 #include <QStyle>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
@@ -33,6 +34,12 @@ Control* Named(Control* control, const QString& name) {
 QString ShownName(const Queue& queue) {
     return platform::HarmlessLine(QString::fromUtf8(queue.name));
 }
+
+/// Keeps the line break of ListText, which the application's own delegate for foreign names takes
+/// for one of theirs.
+class TwoLineDelegate : public QStyledItemDelegate {
+    using QStyledItemDelegate::QStyledItemDelegate;
+};
 
 QString ListText(const Queue& queue) {
     const QString name = ShownName(queue);
@@ -66,6 +73,7 @@ QWidget* SetupDialog::BuildQueueList() {
     queueList_ = Named(new QListWidget, u"QueueList"_s);
     queueList_->setAccessibleName(u"Drucker"_s);
     queueList_->setIconSize({32, 32});
+    queueList_->setItemDelegate(new TwoLineDelegate(queueList_));
     queueList_->setFixedWidth(260);
     queueList_->setTextElideMode(Qt::ElideRight);
     queueList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

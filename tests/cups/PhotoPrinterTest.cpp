@@ -166,6 +166,7 @@ const PhotoPrinter Printers[] = {
     {"Selphy", Gutenprint, "gutenprint.5.3://canon-cp1300/expert", "Postcard", 4, 2},
     {"Dnp", Gutenprint, "gutenprint.5.3://dnp-ds620/expert", "w288h432", 4, 2},
     Bordered,
+    {"Roll", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "Custom.120.5x180.0mm", 2, 2},
     {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
     {"EcoTankThatLoses", "escpr", Epson, "4X6FULL", 5, 2, false},
     {"EcoTankBorderless", "escpr", Epson, "T4X6FULL", 4, 2},

@@ -75,7 +75,7 @@ TEST_F(SetupDialogTest, EveryFieldShowsTheDriverInGermanAndKeepsWhatIsChosen) {
         for (const auto& [box, texts] : std::initializer_list<std::pair<const char*, QString>>{
                  {"PaperBox",
                   u"A4 (210 × 297 mm)|A6 (105 × 148 mm)|4x6 (102 × 152 mm)|"
-                  "5x7 Roll (127 × 178 mm)|3.5x5 Wide (127 × 89 mm)"_s},
+                  "5x7 Roll (127 × 178 mm)|3.5x5 Wide (127 × 89 mm)|Eigenes Format"_s},
                  {"TrayBox", u"Hauptfach|Fotofach"_s},
                  {"MediaTypeBox", u"Normalpapier|Fotopapier, glänzend"_s},
                  {"QualityBox", u"Entwurf|Normal|Hoch"_s},
@@ -112,6 +112,18 @@ TEST_F(SetupDialogTest, EveryFieldShowsTheDriverInGermanAndKeepsWhatIsChosen) {
         Child<QCheckBox>(window, "BorderlessBox").click();
     });
     EXPECT_EQ(Mode().Value("PageSize"), "A6");
+    Run([](QWidget& window) {
+        EXPECT_FALSE(Child<QWidget>(window, "CustomPaper").isVisible());
+        Choose(window, "PaperBox", u"Eigenes Format"_s);
+        Child<QDoubleSpinBox>(window, "CustomWidthBox").setValue(1000);
+        Child<QDoubleSpinBox>(window, "CustomHeightBox").setValue(120.5);
+    });
+    EXPECT_EQ(Mode().Value("PageSize"), "Custom.215.9x120.5mm");
+    EXPECT_NEAR(layer_.Paper().geometry.page.height(), 120.5, 0.02);
+    Run([](QWidget& window) {
+        EXPECT_EQ(Chosen(window, "PaperBox"), u"Eigenes Format"_s);
+        EXPECT_EQ(Child<QDoubleSpinBox>(window, "CustomHeightBox").value(), 120.5);
+    });
 }
 
 TEST_F(SetupDialogTest, QueuesComeAndGoWithTheirState) {

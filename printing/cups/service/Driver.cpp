@@ -211,6 +211,19 @@ const DriverOption* Driver::Find(const std::vector<const char*>& keywords) const
     return nullptr;
 }
 
+std::optional<CustomSizes> Driver::OwnSizes() const {
+    if (!description_ || description_->variable_sizes == 0) {
+        return std::nullopt;
+    }
+    const auto& least = description_->custom_min;
+    const auto& most = description_->custom_max;
+    if (!(least[0] > 0 && least[1] > 0 && most[0] > least[0] && most[1] > least[1])) {
+        return std::nullopt;  // a description that is broken
+    }
+    return CustomSizes{QSizeF(least[0], least[1]) * MillimetresPerPoint,
+                       QSizeF(most[0], most[1]) * MillimetresPerPoint};
+}
+
 std::optional<Paper> Driver::PaperNamed(const QByteArray& name) const {
     const auto found = std::find_if(papers_.begin(), papers_.end(),
                                     [&](const Paper& paper) { return paper.name == name; });

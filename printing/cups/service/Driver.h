@@ -49,6 +49,12 @@ struct Paper {
     bool IsBorderless() const { return marginPoints.isNull(); }
 };
 
+/// Between which sizes a paper may be given in numbers, millimetres.
+struct CustomSizes {
+    QSizeF least;
+    QSizeF most;
+};
+
 /// What a queue's driver can be set to, read from its description (PPD). A queue without one has no
 /// options. All names are for reading: in German where the driver or this program knows a German
 /// one, else in the driver's own words.
@@ -69,6 +75,8 @@ class Driver {
     const DriverOption* Find(const std::vector<const char*>& keywords) const;
 
     const std::vector<Paper>& Papers() const { return papers_; }
+    /// Nothing where the driver takes only the papers that it names.
+    std::optional<CustomSizes> OwnSizes() const;
     /// Also of a size given in numbers ("Custom.100x150mm") where the driver allows it.
     std::optional<Paper> PaperNamed(const QByteArray& name) const;
     /// The paper that a printer is set to; the driver's own where it is set to none that there is.
