@@ -10,9 +10,9 @@ struct FacePlace {
     double confidence = 0;  ///< as FacePoint's
 };
 
-/// The lowest point of the jaw: of all arcs that a chin's lower edge can be, the one along which
-/// the picture changes most from above to below, weighed with where the eyes and the mouth let a
-/// chin be expected.
+/// The lowest point of the jaw: of all half ellipses that a jaw can be, the one across which the
+/// picture changes most, at the chin from light to dark and at the sides either way, weighed with
+/// where the eyes and the mouth let a chin be expected. The sides tell a chin from a collar.
 FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame);
 
 }  // namespace kadrona::imaging
