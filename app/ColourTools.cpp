@@ -121,8 +121,9 @@ void ColourTools::SetWhitePoint(QPoint pixel) {
         const controls::WaitCursor wait;
         const imaging::Pixels balanced = imaging::Filtered(
             image.Photo(), *imaging::WhitePointFilter(PixelAt(image.Photo(), pixel)));
-        image.ChangePhoto(imaging::Filtered(
-            balanced, *imaging::GainAndOffsetFilter(imaging::HistogramOf(balanced))));
+        image.ChangePhoto(imaging::Filtered(balanced, *imaging::GainAndOffsetFilter(
+                                                          imaging::HistogramOf(balanced))),
+                          imaging::PhotoEdit::Colours);
     }
     actions_.SetChecked(WhitePoint, false);
     viewActions_.ShowTemplateLayer(true);
@@ -157,7 +158,8 @@ void ColourTools::acSchwarzweissExecute() {
     image.RecordUndoStep();
     {
         const controls::WaitCursor wait;
-        image.ChangePhoto(imaging::Filtered(image.Photo(), *imaging::GreyFilter()));
+        image.ChangePhoto(imaging::Filtered(image.Photo(), *imaging::GreyFilter()),
+                          imaging::PhotoEdit::Colours);
     }
     if (image.LayerCount() >= 2) {
         image.SetCurrentLayer(1);
@@ -179,7 +181,8 @@ void ColourTools::acColorConfigExecute() {
     if (colourDialog_->ShowEx(image.Photo()) == controls::ModalResult::Ok) {
         if (const imaging::PixelFilterPointer filter = colourDialog_->Filter()) {
             const controls::WaitCursor wait;
-            image.ChangePhoto(imaging::Filtered(image.Photo(), *filter));
+            image.ChangePhoto(imaging::Filtered(image.Photo(), *filter),
+                              imaging::PhotoEdit::Colours);
         }
         image.RecordUndoStep();
     }

@@ -157,6 +157,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     checked.rectangle = report.placement;
     checked.figures = figures;
     checked.printedWidth = {data.TemplateCanvasSize().width()};
+    checked.edits = image.Edits();
     checked.whiteCorners = core::HasWhiteCorners(image.Photo(), report.placement);
     report.lines = core::CheckPhoto(checked);
     return report;

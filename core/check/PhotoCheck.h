@@ -6,18 +6,11 @@
 
 #include "core/check/CheckLine.h"
 #include "core/check/TemplateTable.h"
+#include "imaging/document/PhotoEdits.h"
 #include "imaging/face/Face.h"
 #include "imaging/face/PortraitMeasures.h"
 
 namespace kadrona::core {
-
-/// What was done to a photo beside cutting, scaling and turning it.
-struct PhotoEdits {
-    bool tone = false;     ///< white point, curves, grey
-    bool colours = false;  ///< hue, balance
-    bool retouched = false;
-    bool Any() const { return tone || colours || retouched; }
-};
 
 /// What is checked.
 struct CheckedPhoto {
@@ -27,7 +20,7 @@ struct CheckedPhoto {
     /// Printed at the template's size; empty where the template has no figures.
     std::optional<TemplateRow> figures;
     TenthsOfMillimetre printedWidth;  ///< of the template's drawing
-    PhotoEdits edits;
+    imaging::PhotoEdits edits;
     bool whiteCorners = false;  ///< the cut has corners that a rotation uncovered
 };
 

@@ -49,7 +49,8 @@ void OpenPhotoBytes(const QByteArray& bytes, const QString& name, const Settings
 
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {
     if (settings.AutoWhiteBalance() && !image.IsEmpty()) {
-        image.ChangePhoto(imaging::WhiteBalanced(image.Photo(), SkinOf(image.Photo())));
+        image.ChangePhoto(imaging::WhiteBalanced(image.Photo(), SkinOf(image.Photo())),
+                          imaging::PhotoEdit::Colours);
     }
 }
 

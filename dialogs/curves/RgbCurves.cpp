@@ -252,7 +252,8 @@ void TfmRGBKurve::ShowSilent(imaging::LayeredImage& image) {
 void TfmRGBKurve::ApplyTo(imaging::LayeredImage& image) const {
     if (Curves() != imaging::CurveSet() && !image.IsEmpty()) {
         const controls::WaitCursor wait;
-        image.ChangePhoto(imaging::Filtered(image.Photo(), *imaging::CurveFilter(Curves())));
+        image.ChangePhoto(imaging::Filtered(image.Photo(), *imaging::CurveFilter(Curves())),
+                          imaging::PhotoEdit::Tone);
     }
 }
 

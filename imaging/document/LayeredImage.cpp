@@ -37,6 +37,7 @@ void LayeredImage::SetResolution(DotsPerInch resolution) {
 void LayeredImage::Clear() {
     resolution_ = {};
     iptc_ = {};
+    edits_ = {};
     history_.Clear();
     turns_.Forget();
     if (IsEmpty()) {
@@ -61,6 +62,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     currentLayer_ = 0;
     resolution_ = resolution;
     iptc_ = {};
+    edits_ = {};
     history_.Clear();
     turns_.Forget();
     Q_EMIT PhotoChanged();
@@ -69,7 +71,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     }
 }
 
-void LayeredImage::ChangePhoto(Pixels changed) {
+void LayeredImage::ChangePhoto(Pixels changed, PhotoEdit edit) {
     Layer& photo = layers_.at(0);
     if (changed.IsEmpty()) {
         throw std::invalid_argument("a photo cannot change to nothing");
@@ -82,6 +84,7 @@ void LayeredImage::ChangePhoto(Pixels changed) {
     }
     photo.rectangle = QRect(QPoint(), changed.Size());
     photo.pixels = std::move(changed);
+    edits_.Add(edit);
     Q_EMIT PhotoChanged();
 }
 
@@ -114,6 +117,7 @@ void LayeredImage::EditPhoto(const QRect& area, const std::function<void(QImage&
     turns_.Forget();
     photo = Pixels(photo.ToImage());
     history_.EditInPlace(photo, inside, edit);
+    edits_.Add(PhotoEdit::Retouch);
     Q_EMIT PhotoEdited(inside);
     Q_EMIT PhotoChanged();
 }
@@ -163,7 +167,7 @@ void LayeredImage::SetUndoLimit(int limit) {
 
 void LayeredImage::RecordUndoStep() {
     if (!IsEmpty()) {
-        history_.Record(Photo(), resolution_);
+        history_.Record(Photo(), resolution_, edits_);
     }
 }
 
@@ -173,7 +177,9 @@ void LayeredImage::Undo() {
     }
     Layer& photo = layers_.front();
     const auto before = Identity(photo.pixels);
+    const PhotoEdits edits = history_.NewestEdits();
     const auto places = history_.TakeNewest(photo.pixels, resolution_);
+    edits_ = edits;
     if (Identity(photo.pixels) == before) {
         return;
     }

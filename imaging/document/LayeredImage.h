@@ -48,6 +48,9 @@ class LayeredImage : public QObject {
     DotsPerInch Resolution() const { return resolution_; }
     void SetResolution(DotsPerInch resolution);
 
+    /// What was done to the photo since it was opened and not undone.
+    const PhotoEdits& Edits() const { return edits_; }
+
     /// The photo's IPTC metadata; what changes the photo leaves it as it is.
     const IptcItems& Iptc() const { return iptc_; }
     void SetIptc(IptcItems items) { iptc_ = std::move(items); }
@@ -61,8 +64,8 @@ class LayeredImage : public QObject {
 
     /// Replaces the photo's pixels by changed ones, as every tool does. Records an undo step first
     /// when automatic recording is on. The layers above stay. Throws std::invalid_argument for
-    /// empty pixels.
-    void ChangePhoto(Pixels changed);
+    /// empty pixels. `edit` joins Edits() until it is undone.
+    void ChangePhoto(Pixels changed, PhotoEdit edit = PhotoEdit::Geometry);
 
     /// Turns the photo by an angle, without loss by quarter turns, and records an undo step as
     /// ChangePhoto does; undoing it also brings the layers above back to where they are now. Turns
@@ -72,7 +75,8 @@ class LayeredImage : public QObject {
 
     /// Changes the photo in place, as a brush does: `edit` gets the photo's image and changes it
     /// inside `area` alone. A stroke begins with RecordUndoStep(), which costs nothing, and calls
-    /// this for each dab; the history then takes the 256 x 256 blocks that the stroke touched.
+    /// this for each dab; the history then takes the 256 x 256 blocks that the stroke touched. It
+    /// counts as retouching.
     /// Whoever holds a copy of the photo's pixels meanwhile makes the first dab copy all of them. A
     /// grid is unrolled.
     void EditPhoto(const QRect& area, const std::function<void(QImage& photo)>& edit);
@@ -118,6 +122,7 @@ class LayeredImage : public QObject {
     int currentLayer_ = -1;
     DotsPerInch resolution_;
     IptcItems iptc_;
+    PhotoEdits edits_;
     bool automaticUndo_ = true;
     UndoHistory history_;
     TurnSeries turns_;

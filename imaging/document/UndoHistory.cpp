@@ -50,7 +50,7 @@ void UndoHistory::SetLimit(int limit) {
     }
 }
 
-void UndoHistory::Record(const Pixels& photo, DotsPerInch resolution) {
+void UndoHistory::Record(const Pixels& photo, DotsPerInch resolution, PhotoEdits edits) {
     if (limit_ <= 0) {
         return;
     }
@@ -61,7 +61,7 @@ void UndoHistory::Record(const Pixels& photo, DotsPerInch resolution) {
         }
     }
     reference_ = photo;
-    steps_.push_back({{}, resolution});
+    steps_.push_back({{}, resolution, edits});
     while (Count() > limit_ || (Count() > 1 && ByteCount(photo) > byteBudget_)) {
         DropOldest();
     }

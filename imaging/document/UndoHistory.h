@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "imaging/document/PhotoEdits.h"
 #include "imaging/document/PixelDifference.h"
 #include "imaging/pixels/Pixels.h"
 #include "imaging/pixels/Resolution.h"
@@ -43,14 +44,17 @@ class UndoHistory {
     void SetLimit(int limit);
 
     /// Records the photo's present state. Does nothing where the newest step has the same pixels,
-    /// so that "record, then an operation that records by itself" is one step.
-    void Record(const Pixels& photo, DotsPerInch resolution);
+    /// so that "record, then an operation that records by itself" is one step. `edits` is what was
+    /// done to the photo up to that state.
+    void Record(const Pixels& photo, DotsPerInch resolution, PhotoEdits edits = {});
 
     /// What follows the newest step moves what the photo shows, as a turn does: taking the step
     /// brings the layers above back to these places.
     void KeepPlaces(std::vector<LayerPlace> places);
 
     bool IsEmpty() const { return steps_.empty(); }
+    /// What was done to the photo up to the newest step; nothing where there is no step.
+    PhotoEdits NewestEdits() const { return IsEmpty() ? PhotoEdits() : steps_.back().edits; }
     int Count() const { return static_cast<int>(steps_.size()); }
 
     /// Takes the newest step off and brings the photo back to it; in place where only blocks differ
@@ -73,6 +77,7 @@ class UndoHistory {
     struct Step {
         PixelDifference difference;
         DotsPerInch resolution;
+        PhotoEdits edits;
         std::optional<std::vector<LayerPlace>> places = std::nullopt;
     };
 

@@ -128,7 +128,7 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
 TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
     struct Case {
         QString file;
-        PhotoEdits edits;
+        imaging::PhotoEdits edits;
         CheckState state;
     };
     const QString usa = u"usa-reisepass.schablone"_s;

@@ -320,4 +320,19 @@ TEST(UndoHistory, KeepsOnlyTouchedBlocksOfAnEditInPlace) {
     EXPECT_EQ(live.photo.Tile().constBits(), memory) << "undo copied the photo";
 }
 
+TEST_F(LayeredImageTest, KnowsWhatWasDoneToThePhotoAndWhatWasUndone) {
+    image.Open(photo, {});
+    image.ChangePhoto(Pixels(Picture({"k"})), PhotoEdit::Tone);
+    image.ChangePhoto(Pixels(Picture({"r"})), PhotoEdit::Colours);
+    image.RecordUndoStep();
+    image.EditPhoto({0, 0, 1, 1}, [](QImage& pixels) { pixels.fill(Qt::blue); });
+    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, true}));
+    image.Undo();
+    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, false}));
+    image.Undo();
+    EXPECT_EQ(image.Edits(), (PhotoEdits{.tone = true}));
+    image.Open(photo, {});
+    EXPECT_FALSE(image.Edits().Any());
+}
+
 }  // namespace kadrona::imaging

@@ -1,0 +1,30 @@
+#pragma once
+
+namespace kadrona::imaging {
+
+/// What an operation does to a photo beside cutting, scaling and turning it.
+enum class PhotoEdit {
+    Geometry,  ///< none of the others
+    Tone,      ///< brightness: curves
+    Colours,   ///< white point, hue, saturation, grey
+    Retouch,   ///< pixels painted over
+};
+
+/// What was done to a photo since it was opened.
+struct PhotoEdits {
+    bool tone = false;
+    bool colours = false;
+    bool retouched = false;
+
+    bool Any() const { return tone || colours || retouched; }
+
+    void Add(PhotoEdit edit) {
+        tone |= edit == PhotoEdit::Tone;
+        colours |= edit == PhotoEdit::Colours;
+        retouched |= edit == PhotoEdit::Retouch;
+    }
+
+    bool operator==(const PhotoEdits&) const = default;
+};
+
+}  // namespace kadrona::imaging
