@@ -7,9 +7,11 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <algorithm>
+#include <cmath>
 
 #include "core/base/Product.h"
 #include "imaging/pixels/Cropping.h"
+#include "imaging/pixels/NewImage.h"
 #include "platform/AtomicFile.h"
 
 using namespace Qt::StringLiterals;
@@ -23,6 +25,10 @@ constexpr int PageResolution = 300;
 constexpr double DotsPerMillimetre = PageResolution / 25.4;
 constexpr double PictureWidth = 60;
 constexpr double LineHeight = 6.5;
+constexpr double LeftMargin = 20;
+constexpr double TopMargin = 18;
+
+const QString ReportTitle = u"Prüfung des Passbilds"_s;
 
 double Dots(double millimetres) {
     return millimetres * DotsPerMillimetre;
@@ -35,7 +41,7 @@ class Page {
 
     void Draw() {
         SetSize(16, true);
-        Text(0, 0, 170, u"Prüfung des Passbilds"_s);
+        Text(0, 0, 170, ReportTitle);
         SetSize(10, false);
         Text(0, 9, 170,
              u"%1, %2"_s.arg(
@@ -114,12 +120,34 @@ void WriteCheckReport(const CheckReport& report, const QString& path) {
         QPdfWriter writer(&buffer);
         writer.setResolution(PageResolution);
         writer.setPageSize(QPageSize(QPageSize::A4));
-        writer.setPageMargins(QMarginsF(20, 18, 20, 15), QPageLayout::Millimeter);
-        writer.setTitle(u"Prüfung des Passbilds"_s);
+        writer.setPageMargins({LeftMargin, TopMargin, LeftMargin, TopMargin},
+                              QPageLayout::Millimeter);
+        writer.setTitle(ReportTitle);
         QPainter painter(&writer);
         Page(report, painter).Draw();
     }
     platform::WriteFileAtomically(path, bytes);
+}
+
+printing::PrintImage CheckReportPage(const CheckReport& report, QSizeF paper) {
+    const QSizeF page(210, 297);
+    const QSizeF dots = page * DotsPerMillimetre;
+    QImage image = imaging::NewImage(dots.toSize(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.setDotsPerMeterX(static_cast<int>(std::lround(DotsPerMillimetre * 1000)));
+    image.setDotsPerMeterY(image.dotsPerMeterX());
+    {
+        QPainter painter(&image);
+        painter.translate(Dots(LeftMargin), Dots(TopMargin));
+        Page(report, painter).Draw();
+    }
+    double reduction = 1;
+    if (!paper.isEmpty()) {
+        reduction = std::max({1.0, page.width() / paper.width(), page.height() / paper.height()});
+    }
+    return {.tile = std::move(image),
+            .dotsPerInch = static_cast<int>(std::ceil(PageResolution * reduction)),
+            .title = ReportTitle};
 }
 
 }  // namespace kadrona::app

@@ -8,6 +8,7 @@
 #include "core/check/PhotoCheck.h"
 #include "imaging/face/Face.h"
 #include "imaging/pixels/Pixels.h"
+#include "printing/PrintImage.h"
 
 namespace kadrona::app {
 
@@ -23,5 +24,9 @@ struct CheckReport {
 /// Writes the check as one page for the customer, a PDF in A4: the picture with its measures, the
 /// lines, the date, and that it promises nothing. Throws platform::FileError.
 void WriteCheckReport(const CheckReport& report, const QString& path);
+
+/// The same page for a printer whose paper has that size in millimetres (empty: not known). A4,
+/// made smaller where the paper is.
+printing::PrintImage CheckReportPage(const CheckReport& report, QSizeF paper);
 
 }  // namespace kadrona::app

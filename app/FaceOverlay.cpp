@@ -31,7 +31,8 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     accept->setObjectName(u"AcceptProposal"_s);
     auto* refuse = new QPushButton(u"Nein"_s, line_);
     refuse->setObjectName(u"RefuseProposal"_s);
-    for (QPushButton* button : {accept, refuse}) {
+    buttons_ = {accept, refuse};
+    for (QPushButton* button : buttons_) {
         button->setFocusPolicy(Qt::NoFocus);
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
@@ -53,16 +54,31 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
 void FaceOverlay::Propose(const std::optional<QRect>& rectangle, const QString& text) {
     proposed_ = rectangle;
     text_->setText(text);
-    line_->setVisible(proposed_.has_value());
-    setVisible(proposed_ || face_);
+    for (QPushButton* button : buttons_) {
+        button->setVisible(proposed_.has_value());
+    }
+    line_->setVisible(!text.isEmpty());
+    ShowAgain();
+}
+
+void FaceOverlay::ShowHint(const QString& text) {
+    Propose(std::nullopt, text);
+}
+
+void FaceOverlay::ShowLine(const std::optional<QLineF>& line) {
+    drawn_ = line;
+    ShowAgain();
+}
+
+void FaceOverlay::ShowAgain() {
+    setVisible(proposed_ || face_ || drawn_);
     Follow();
     update();
 }
 
 void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
     face_ = face;
-    setVisible(proposed_ || face_);
-    update();
+    ShowAgain();
 }
 
 void FaceOverlay::Follow() {
@@ -79,26 +95,37 @@ bool FaceOverlay::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
+/// Everything once broad and white, then thin and blue, so that it shows on any photo.
 void FaceOverlay::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (proposed_) {
-        const QRectF outline(view_.ToWidget(QRectF(*proposed_).topLeft()),
-                             view_.ToWidget(QRectF(*proposed_).bottomRight()));
         painter.setPen(QPen(Qt::white, 3));
-        painter.drawRect(outline);
+        DrawProposal(painter);
         painter.setPen(QPen(Accent, 2, Qt::DashLine));
-        painter.drawRect(outline);
+        DrawProposal(painter);
+    }
+    painter.setPen(QPen(Qt::white, 4));
+    DrawFace(painter);
+    painter.setPen(QPen(Accent, 2));
+    DrawFace(painter);
+}
+
+void FaceOverlay::DrawProposal(QPainter& painter) const {
+    const QRectF outline(*proposed_);
+    painter.drawRect(
+        QRectF(view_.ToWidget(outline.topLeft()), view_.ToWidget(outline.bottomRight())));
+}
+
+void FaceOverlay::DrawFace(QPainter& painter) const {
+    constexpr double Radius = 5;
+    if (drawn_) {
+        painter.drawLine(view_.ToWidget(drawn_->p1()), view_.ToWidget(drawn_->p2()));
     }
     if (face_) {
-        constexpr double Radius = 5;
         for (const imaging::FacePoint& point :
              {face_->leftEye, face_->rightEye, face_->chin, face_->crown}) {
-            const QPointF at = view_.ToWidget(point.position + QPointF(0.5, 0.5));
-            painter.setPen(QPen(Qt::white, 4));
-            painter.drawEllipse(at, Radius, Radius);
-            painter.setPen(QPen(Accent, 2));
-            painter.drawEllipse(at, Radius, Radius);
+            painter.drawEllipse(view_.ToWidget(point.position + QPointF(0.5, 0.5)), Radius, Radius);
         }
     }
 }

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QLineF>
 #include <QRect>
 #include <QWidget>
 #include <optional>
+#include <vector>
 
 #include "imaging/face/Face.h"
 
 class QLabel;
+class QPainter;
 class QPushButton;
 
 namespace kadrona::imaging::view {
@@ -16,8 +19,8 @@ class ImageView;
 namespace kadrona::app {
 
 /// What is drawn over the photo of a face: the dashed outline of the template's proposed place with
-/// a quiet line that offers it, and the face's points. The mouse goes through it to the view,
-/// except on the line's buttons.
+/// a quiet line that offers it, the face's points, and a line that is being drawn. The mouse goes
+/// through it to the view, except on the line's buttons.
 class FaceOverlay : public QWidget {
     Q_OBJECT
 
@@ -26,6 +29,10 @@ class FaceOverlay : public QWidget {
 
     /// Nothing takes the offer away.
     void Propose(const std::optional<QRect>& rectangle, const QString& text);
+    /// A line of text alone; an empty one takes it away. Ends an offer.
+    void ShowHint(const QString& text);
+    /// A line that is being drawn, photo pixels.
+    void ShowLine(const std::optional<QLineF>& line);
     /// Nothing shows no points.
     void ShowPoints(const std::optional<imaging::Face>& face);
     bool IsProposing() const { return proposed_.has_value(); }
@@ -40,12 +47,17 @@ class FaceOverlay : public QWidget {
 
  private:
     void Follow();
+    void ShowAgain();
+    void DrawProposal(QPainter& painter) const;
+    void DrawFace(QPainter& painter) const;
 
     imaging::view::ImageView& view_;
     std::optional<QRect> proposed_;
     std::optional<imaging::Face> face_;
+    std::optional<QLineF> drawn_;
     QWidget* line_;
     QLabel* text_;
+    std::vector<QPushButton*> buttons_;
 };
 
 }  // namespace kadrona::app

@@ -69,6 +69,9 @@ constexpr std::array Definitions = {
     ActionDefinition{Action::LevelHead, u"acLevelHead", u"Kopf gerade richten",
                      u"Dreht das Foto, bis die Augen waagerecht liegen", u"", u"rotate-free", 9,
                      UpdateRule::Editing},
+    ActionDefinition{Action::LevelByLine, u"acLevelByLine", u"Linie durch die Augen",
+                     u"Dreht das Foto nach einer Linie, die durch beide Pupillen gezogen wird", u"",
+                     u"rotate-free", 10, UpdateRule::Editing, true},
     ActionDefinition{Action::ShowCheck, u"acShowCheck", u"Prüfung", u"Prüfung an/aus", u"F7",
                      u"align-face", -1, UpdateRule::None, true},
     ActionDefinition{Action::UploadFile, u"acUploadFile", u"Datei für Online-Antrag",
@@ -167,7 +170,8 @@ void MainActions::Connect(Action action, QObject* owner, std::function<void()> h
 
 void MainActions::SetChecked(Action action, bool checked) {
     if (checked) {
-        for (const Action other : {Action::SetWhitePoint, Action::ShowLayer, Action::Beauty}) {
+        for (const Action other :
+             {Action::SetWhitePoint, Action::ShowLayer, Action::Beauty, Action::LevelByLine}) {
             (*this)[other]->setChecked(false);
         }
     }
@@ -177,6 +181,7 @@ void MainActions::SetChecked(Action action, bool checked) {
 void MainActions::LeaveModes() {
     SetChecked(Action::SetWhitePoint, false);
     SetChecked(Action::Beauty, false);
+    SetChecked(Action::LevelByLine, false);
 }
 
 void MainActions::Update(const ActionCircumstances& circumstances, const core::Settings& settings) {

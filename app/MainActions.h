@@ -41,6 +41,7 @@ enum class Action {
     SaveImageFast,
     AlignToFace,
     LevelHead,
+    LevelByLine,
     ShowCheck,
     UploadFile,
     PrintAgain,

@@ -114,7 +114,7 @@ void TmainFm::CreateReusedWindows() {
         std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
     faceActions_ =
         std::make_unique<FaceActions>(session_, *view_, *data_, *settings_, *ui_, actions_,
-                                      *viewActions_, *sidePanel_, *checkSection_);
+                                      *rotateActions_, *sidePanel_, *checkSection_);
     watchActions_ =
         std::make_unique<WatchActions>(*photoStrip_, *settings_, actions_,
                                        [this](const QString& path) { OpenDroppedFiles({path}); });

@@ -24,6 +24,12 @@ class PhotoSession : public QObject {
     imaging::LayeredImage& Image() { return image_; }
     const imaging::LayeredImage& Image() const { return image_; }
     bool HasTemplate() const { return image_.LayerCount() >= 2; }
+    /// The template's place, photo pixels; empty where there is none.
+    QRect TemplateRectangle() const {
+        return HasTemplate() ? image_.LayerAt(1).rectangle : QRect();
+    }
+    /// A photo is open and no sheet made of it.
+    bool IsEditing() const { return stage_ == Stage::PhotoOpen && !image_.IsEmpty(); }
 
     Stage CurrentStage() const { return stage_; }
     void SetStage(Stage stage);

@@ -42,20 +42,28 @@ void RotateActions::QuarterTurn(int degrees) {
 }
 
 /// The zoom stays: a photo that is levelled is looked at closely, and is levelled again.
-void RotateActions::acRotateDlgExecute() {
+template <typename Turn>
+void RotateActions::TurnInOneStep(Turn&& turn) {
     LayeredImage& image = session_.Image();
-    if (image.IsEmpty()) {
-        return;
-    }
     image.RecordUndoStep();
     image.SetCurrentLayer(0);
     {
         const controls::WaitCursor wait;
-        data_.RotateImage(image);
+        turn(image);
     }
     viewActions_.KeepTemplateOnPhoto();
     if (session_.HasTemplate()) {
         image.SetCurrentLayer(1);
+    }
+}
+
+void RotateActions::LevelPhoto(double degrees) {
+    TurnInOneStep([degrees](LayeredImage& image) { image.TurnPhoto(degrees); });
+}
+
+void RotateActions::acRotateDlgExecute() {
+    if (!session_.Image().IsEmpty()) {
+        TurnInOneStep([this](LayeredImage& image) { data_.RotateImage(image); });
     }
 }
 

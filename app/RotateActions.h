@@ -23,10 +23,15 @@ class RotateActions : public QObject {
 
     /// A quarter turn, counter-clockwise where `degrees` is positive, and the whole photo in view.
     void RotatePhoto(int degrees);
+    /// Turns the photo counter-clockwise in one undo step; the zoom stays. Throws platform::Error.
+    /// Precondition: there is a photo.
+    void LevelPhoto(double degrees);
 
  private:
     void QuarterTurn(int degrees);
     void acRotateDlgExecute();
+    template <typename Turn>
+    void TurnInOneStep(Turn&& turn);
 
     PhotoSession& session_;
     core::TData& data_;

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -93,7 +94,13 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     column->addLayout(buttons_);
 
     connect(points_, &QPushButton::toggled, this, &CheckSection::PointsToggled);
-    connect(report_, &QPushButton::clicked, this, &CheckSection::ReportAsked);
+    auto* reportMenu = new QMenu(report_);
+    QAction* save =
+        reportMenu->addAction(u"Als PDF &speichern …"_s, this, &CheckSection::SaveReportAsked);
+    save->setObjectName(u"SaveReport"_s);
+    QAction* print = reportMenu->addAction(u"&Drucken …"_s, this, &CheckSection::PrintReportAsked);
+    print->setObjectName(u"PrintReport"_s);
+    report_->setMenu(reportMenu);
 }
 
 CheckSection::Row& CheckSection::RowAt(size_t index) {
@@ -142,14 +149,12 @@ void CheckSection::AddAction(QAction* action) {
     button->setObjectName(action->objectName() + u"Button"_s);
     button->setToolTip(action->toolTip());
     buttons_->addWidget(button, buttons_->rowCount(), 0, 1, 2);
+    button->setCheckable(action->isCheckable());
+    connect(action, &QAction::toggled, button, &QPushButton::setChecked);
     button->setEnabled(action->isEnabled());
     connect(button, &QPushButton::clicked, action, &QAction::trigger);
     connect(action, &QAction::changed, button,
             [action, button] { button->setEnabled(action->isEnabled()); });
-}
-
-bool CheckSection::PointsMovable() const {
-    return points_->isChecked();
 }
 
 void CheckSection::SetPointsMovable(bool movable) {

@@ -22,15 +22,16 @@ class CheckSection : public QWidget {
 
     /// The lines, and a sentence above them, e.g. that there is no face.
     void SetLines(const std::vector<core::CheckLine>& lines, const QString& summary);
-    /// A button that triggers an action of the window.
+    /// A button that triggers an action of the window, pressed as long as that is checked.
     void AddAction(QAction* action);
 
-    bool PointsMovable() const;
+    /// Presses or releases the button that lets the face's points be moved.
     void SetPointsMovable(bool movable);
 
  Q_SIGNALS:
     void PointsToggled(bool movable);
-    void ReportAsked();
+    void SaveReportAsked();
+    void PrintReportAsked();
 
  private:
     struct Row {

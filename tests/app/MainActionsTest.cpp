@@ -32,7 +32,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
         u"acRotateLeft "
         "acRotateRight acSearchArchiv acShowCheck acShowConfig acShowSheet acZoomFit acZoomFull "_s;
     const QString tools =
-        u"acBeauty acColorConfig acGradation acLevelHead acRotateDlg acSchwarzweiss "
+        u"acBeauty acColorConfig acGradation acLevelByLine acLevelHead acRotateDlg acSchwarzweiss "
         "acSetWhitePoint acShowLayer "_s;
     struct Row {
         ActionCircumstances circumstances;

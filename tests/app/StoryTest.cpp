@@ -308,4 +308,42 @@ TEST_F(FaceStory, LevelsTheHeadInOneStep) {
     EXPECT_EQ(Image().Photo().Size(), before);
 }
 
+TEST_F(FaceStory, LevelsTheHeadByALineThatTheUserDraws) {
+    const QRect before = Template();
+    ClickButton(*window, "acLevelByLineButton");
+    Drag(window->View(), {OnScreen({400, 440}), OnScreen({300, 410}), OnScreen({200, 380})});
+    EXPECT_FALSE(IsChecked(u"acLevelByLine"_s)) << "one line is enough";
+    EXPECT_EQ(Image().UndoCount(), 1);
+    const double sine = 60 / std::hypot(200, 60);
+    EXPECT_NEAR(Image().Photo().Width(), 600 * std::sqrt(1 - sine * sine) + 800 * sine, 6)
+        << "to a pixel of the screen";
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Image().Photo().Size(), DrawnSize);
+    EXPECT_EQ(Template(), before);
+}
+
+TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
+    AwaitProposal();
+    Trigger(u"acAlignToFace"_s);
+    Trigger(u"acShowCheck"_s);
+    auto& section = Child<QWidget>(*window, "CheckSection");
+    const auto texts = [&section] {
+        QStringList all;
+        for (const QLabel* label : section.findChildren<QLabel*>()) {
+            all << label->text();
+        }
+        return all;
+    };
+    const QStringList before = texts();
+    ClickButton(section, "MovePoints");
+    const QPoint chin = DrawnChin.toPoint();
+    Drag(window->View(), {OnScreen(chin), OnScreen(chin + QPoint(0, 40))});
+    EXPECT_NE(texts(), before) << "the head is longer now";
+
+    printer.setupChoice = printer.current;
+    section.findChild<QAction*>(u"PrintReport"_s)->trigger();
+    ASSERT_EQ(printer.jobs.size(), 1);
+    EXPECT_NEAR(printer.jobs[0].image.Millimetres().height(), 297, 0.1);
+}
+
 }  // namespace kadrona::testing

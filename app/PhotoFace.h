@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <QTimer>
+
+#include "imaging/face/Face.h"
+#include "imaging/face/PortraitMeasures.h"
+
+class QWidget;
+
+namespace kadrona::app {
+
+class PhotoSession;
+
+/// The face of the session's photo: looked for when somebody wants to know, forgotten when the
+/// photo's pixels change, and corrected by the user. All that is given outlives the object.
+class PhotoFace : public QObject {
+    Q_OBJECT
+
+ public:
+    /// `window` shows what fails in a search that nobody waits for.
+    PhotoFace(PhotoSession& session, QWidget& window);
+
+    /// Looks for the face unless that was done. True where there is one. Throws
+    /// imaging::CascadesMissing and platform::Error.
+    bool Find();
+    /// Does so when the user has been idle for a moment, unless it was done; Looked() follows.
+    void FindSoon();
+
+    /// What is known; no face before a search.
+    const imaging::FaceSearch& Search() const { return found_; }
+    /// Of the photo and its face; empty where there is none.
+    const imaging::PortraitMeasures& Measures() const { return measures_; }
+
+    /// Puts a point of the face elsewhere: the user knows better. Precondition: there is a face.
+    void MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to);
+
+ Q_SIGNALS:
+    /// FindSoon() has ended, with or without a face.
+    void Looked();
+    /// The photo is another one, or was turned or changed: what was known holds no more.
+    void Forgotten();
+    void PointMoved();
+
+ private:
+    void FollowPhoto();
+    void Look();
+
+    PhotoSession& session_;
+    QWidget& window_;
+    QTimer timer_;
+    imaging::FaceSearch found_;
+    imaging::PortraitMeasures measures_;
+    bool known_ = false;     ///< found_ is of the photo as it is
+    bool painting_ = false;  ///< the next change of the photo is the stamp's
+};
+
+}  // namespace kadrona::app
