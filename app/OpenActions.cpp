@@ -2,6 +2,7 @@
 
 #include <QClipboard>
 #include <QDateTime>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
 
@@ -14,6 +15,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
+#include "core/check/TemplateTable.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/templates/TemplateSize.h"
 #include "dialogs/ProfileChooser.h"
@@ -28,6 +30,20 @@ namespace kadrona::app {
 namespace {
 
 const QString StandardProfile = u"Standard Profile"_s;
+
+/// Whether a document takes pictures on paper no longer. A table that cannot be read is told of
+/// where its figures are needed.
+QString PaperNotice(const core::TData& data, int index) {
+    try {
+        const QString file = QFileInfo(data.GetMaskFileName(index)).fileName();
+        const auto figures = core::TemplateFigures(data.TemplateFolder(), file);
+        return !figures || figures->paper.isEmpty()
+                   ? QString()
+                   : u"Bilder auf Papier werden nicht mehr angenommen: %1."_s.arg(figures->paper);
+    } catch (const platform::Error&) {
+        return {};
+    }
+}
 
 }  // namespace
 
@@ -47,6 +63,7 @@ OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, 
     templateChooser_->SetTemplates(data.GetSchablonenList(), [&data](int index) {
         return core::TemplateSize(data.GetMaskFileName(index));
     });
+    templateChooser_->SetNotices([&data](int index) { return PaperNotice(data, index); });
     actions.Connect(Action::Open, this, [this] { acOpenExecute(); });
     actions.Connect(Action::Paste, this, [this] { acPasteExecute(); });
     actions.Connect(Action::OpenWithProfile, this, [this] { acOpenWithProfileExecute(); });

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPainter>
@@ -53,8 +54,14 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     setObjectName(u"SchabloneFm"_s);
     setWindowTitle(u"Schablonen"_s);
     lbSchablonen_ = new controls::SelectionList(u"lbSchablonen"_s, u"Schablonen"_s);
-    connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this,
-            [this] { btnOk_->setEnabled(FormCloseQuery()); });
+    connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this, [this] {
+        btnOk_->setEnabled(FormCloseQuery());
+        ShowNotice();
+    });
+    notice_ = new QLabel;
+    notice_->setObjectName(u"TemplateNotice"_s);
+    notice_->setWordWrap(true);
+    notice_->hide();
     btnRotateLeft_ =
         RotateButton(u"btnRotateLeft"_s, u"rotate-left"_s, u"Nach Links drehen"_s, TurnLeft);
     btnRotateRight_ =
@@ -87,6 +94,7 @@ void TSchabloneFm::BuildLayout() {
     layout->setContentsMargins(8, 8, 8, 8);
     layout->addWidget(filterEdit_);
     layout->addWidget(lbSchablonen_, 1);
+    layout->addWidget(notice_);
     layout->addLayout(bar);
 }
 
@@ -121,6 +129,12 @@ void TSchabloneFm::ShowSizes() {
     const QSize needed(rows + margins.left() + margins.right(),
                        ClientArea.height() + filterEdit_->sizeHint().height());
     resize(WithinScreen(*this, ClientArea.expandedTo(needed)));
+}
+
+void TSchabloneFm::ShowNotice() {
+    const int selected = SelectedTemplate();
+    notice_->setText(noticeOf_ && selected >= 0 ? noticeOf_(selected) : QString());
+    notice_->setVisible(!notice_->text().isEmpty());
 }
 
 int TSchabloneFm::SelectedTemplate() const {

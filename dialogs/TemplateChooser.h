@@ -7,6 +7,7 @@
 #include "controls/messages/ModalResult.h"
 
 class QKeyEvent;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QToolButton;
@@ -40,6 +41,9 @@ class TSchabloneFm : public QDialog {
     /// `sizeOf` tells the size of a template's photo in millimetres, empty where it has none; it is
     /// asked for each template when the chooser is first shown.
     void SetTemplates(const QStringList& names, std::function<QSizeF(int index)> sizeOf = {});
+    /// What is to be known of a template before it is chosen, a German sentence or nothing; asked
+    /// for the one that is selected.
+    void SetNotices(std::function<QString(int index)> noticeOf) { noticeOf_ = std::move(noticeOf); }
 
     /// Index of the selected template; -1 none.
     int SelectedTemplate() const;
@@ -56,6 +60,7 @@ class TSchabloneFm : public QDialog {
  private:
     void BuildLayout();
     void ShowSizes();
+    void ShowNotice();
     bool FilterByKey(const QKeyEvent& event);
     void FormShow();
     bool FormCloseQuery() const;
@@ -66,8 +71,10 @@ class TSchabloneFm : public QDialog {
     const core::Settings& settings_;
     std::function<void(int)> rotationHandler_;
     std::function<QSizeF(int)> sizeOf_;
+    std::function<QString(int)> noticeOf_;
     QLineEdit* filterEdit_;
     controls::SelectionList* lbSchablonen_;
+    QLabel* notice_;
     QToolButton* btnRotateLeft_;
     QToolButton* btnRotateRight_;
     QPushButton* btnOk_;

@@ -133,6 +133,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
                 const QString& file, QTextStream& errors) {
     imaging::LayeredImage image;
     core::OpenPhoto(file, settings, image);
+    core::BalancePhoto(settings, image);
     core::TurnOpenedPhoto(settings, image);
     data.DrawMask(image);
     const core::TemplateRow figures = LoadedFigures(data);

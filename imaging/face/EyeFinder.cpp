@@ -1,7 +1,6 @@
 #include "imaging/face/EyeFinder.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <optional>
@@ -164,79 +163,29 @@ float SupportFor(cv::Point2f middle, const std::vector<Gradient>& gradients) {
     return sum;
 }
 
-/// How much a point looks like the middle of an iris: the brightness outside its left and right
-/// edge against that inside, for the radius that shows it best. The lids hide the other edges.
-double IrisContrast(const cv::Mat& smooth, cv::Point middle) {
-    constexpr std::array Radii{5.5, 6.5, 7.5, 8.5};
-    constexpr std::array Angles{-0.5, -0.2, 0.1, 0.4, 0.7};
-    constexpr double Reach = 2;
-    const auto at = [&](double x, double y) {
-        return int{smooth.at<uchar>(
-            std::clamp(static_cast<int>(std::lround(middle.y + y)), 0, smooth.rows - 1),
-            std::clamp(static_cast<int>(std::lround(middle.x + x)), 0, smooth.cols - 1))};
-    };
-    double best = 0;
-    for (const double radius : Radii) {
-        double left = 0;
-        double right = 0;
-        for (const double angle : Angles) {
-            const double x = std::cos(angle);
-            const double y = std::sin(angle);
-            const double outside = radius + Reach;
-            const double inside = radius - Reach;
-            left += at(-x * outside, y * outside) - at(-x * inside, y * inside);
-            right += at(x * outside, y * outside) - at(x * inside, y * inside);
-        }
-        best = std::max(best, (left + right) / 2 + std::min(left, right));
-    }
-    return best / Angles.size();
-}
+}  // namespace
 
-/// Each point of an eye's picture by what makes it a pupil; the largest of each kind counts 1.
-struct PupilMaps {
-    cv::Mat votes;   ///< gradients that point away, times darkness and nearness to the middle
-    cv::Mat irises;  ///< IrisContrast
-};
-
-PupilMaps MapsOf(const cv::Mat& grey) {
-    constexpr double LeastContrast = 20;
+cv::Point2d PupilIn(const cv::Mat& grey) {
     const std::vector<Gradient> gradients = StrongGradients(grey);
     cv::Mat dark;
     cv::GaussianBlur(grey, dark, {0, 0}, 3);
-    cv::Mat smooth;
-    cv::GaussianBlur(grey, smooth, {0, 0}, 1);
     const cv::Point2f middle(static_cast<float>(grey.cols) / 2, static_cast<float>(grey.rows) / 2);
-    PupilMaps maps{cv::Mat::zeros(grey.size(), CV_64F), cv::Mat::zeros(grey.size(), CV_64F)};
+    double best = -1;
+    cv::Point2d pupil(middle);
     for (int y = 2; y < grey.rows - 2; ++y) {
         for (int x = 2; x < grey.cols - 2; ++x) {
             const cv::Point2f at(static_cast<float>(x), static_cast<float>(y));
             const double across = (at.x - middle.x) / middle.x;
             const double down = (at.y - middle.y) / middle.y;
-            maps.votes.at<double>(y, x) =
-                SupportFor(at, gradients) * (255.0 - dark.at<uchar>(y, x)) *
-                std::exp(-MiddlePreference * (across * across + down * down));
-            maps.irises.at<double>(y, x) = IrisContrast(smooth, {x, y});
+            const double value = SupportFor(at, gradients) * (255.0 - dark.at<uchar>(y, x)) *
+                                 std::exp(-MiddlePreference * (across * across + down * down));
+            if (value > best) {
+                best = value;
+                pupil = cv::Point2d(x, y);
+            }
         }
     }
-    double mostVotes = 0;
-    double mostContrast = 0;
-    cv::minMaxLoc(maps.votes, nullptr, &mostVotes);
-    cv::minMaxLoc(maps.irises, nullptr, &mostContrast);
-    maps.votes /= std::max(mostVotes, 1e-6);
-    maps.irises /= std::max(mostContrast, LeastContrast);
-    return maps;
-}
-
-}  // namespace
-
-cv::Point2d PupilIn(const cv::Mat& grey) {
-    constexpr double IrisWeight = 0.3;
-    const PupilMaps maps = MapsOf(grey);
-    const cv::Mat both = maps.votes + IrisWeight * maps.irises;
-    double most = 0;
-    cv::Point pupil;
-    cv::minMaxLoc(both, nullptr, &most, nullptr, &pupil);
-    return most > 0 ? pupil : cv::Point(grey.cols / 2, grey.rows / 2);
+    return pupil;
 }
 
 EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades& cascades) {

@@ -50,11 +50,12 @@ TurnedPicture TurnedBy(const cv::Mat& grey, double degrees) {
     return turned;
 }
 
+/// `smallestFace` is a part of the shorter side; the search takes time by its inverse square.
 std::vector<Candidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                                    const Cascades& cascades) {
+                                    double smallestFace, const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
-    const int smallest = std::max(24, static_cast<int>(SmallestFace * shorter));
+    const int smallest = std::max(24, static_cast<int>(smallestFace * shorter));
     std::vector<Candidate> candidates;
     for (const CascadeHit& hit :
          cascades.Find(Cascades::FrontalFace, turned.grey, smallest, shorter, 3)) {
@@ -125,6 +126,30 @@ std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<Candidate> ca
     return faces;
 }
 
+bool IsSure(const std::vector<SeenFace>& faces) {
+    return !faces.empty() && faces.front().eyes.seen == 2 && IsLikely(faces.front());
+}
+
+/// The faces of the upright picture and, where none is sure, of the picture turned both ways: large
+/// ones first, for they are quickly found. Adds every candidate to `candidates`.
+std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<Candidate>& candidates,
+                              const Cascades& cascades) {
+    constexpr double Turn = 14;
+    cv::Mat grey;
+    cv::cvtColor(photo.Reduced(), grey, cv::COLOR_BGR2GRAY);
+    candidates = CandidatesAt(photo, grey, 0, SmallestFace, cascades);
+    std::vector<SeenFace> faces = WithEyes(photo, candidates, cascades);
+    for (const double smallest : {2.5 * SmallestFace, SmallestFace}) {
+        if (IsSure(faces)) {
+            break;
+        }
+        Merge(candidates, CandidatesAt(photo, grey, Turn, smallest, cascades));
+        Merge(candidates, CandidatesAt(photo, grey, -Turn, smallest, cascades));
+        faces = WithEyes(photo, candidates, cascades);
+    }
+    return faces;
+}
+
 /// Looks once more from the found eyes where the head is tilted, for the classifiers know eyes on a
 /// level line alone.
 EyePair Settled(const FacePhoto& photo, const EyePair& eyes, double guessedTilt,
@@ -164,17 +189,8 @@ FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
     if (std::min(facePhoto.Reduced().cols, facePhoto.Reduced().rows) < SmallestSide) {
         return {};
     }
-    cv::Mat grey;
-    cv::cvtColor(facePhoto.Reduced(), grey, cv::COLOR_BGR2GRAY);
-
-    std::vector<Candidate> candidates = CandidatesAt(facePhoto, grey, 0, cascades);
-    std::vector<SeenFace> faces = WithEyes(facePhoto, candidates, cascades);
-    if (faces.empty() || faces.front().eyes.seen < 2 || !IsLikely(faces.front())) {
-        constexpr double Turn = 14;
-        Merge(candidates, CandidatesAt(facePhoto, grey, Turn, cascades));
-        Merge(candidates, CandidatesAt(facePhoto, grey, -Turn, cascades));
-        faces = WithEyes(facePhoto, candidates, cascades);
-    }
+    std::vector<Candidate> candidates;
+    const std::vector<SeenFace> faces = FacesIn(facePhoto, candidates, cascades);
     if (faces.empty() || !IsLikely(faces.front())) {
         return {};
     }

@@ -111,6 +111,7 @@ TEST_F(TemplateChooser, IsAsWideAsItsNamesAndTheirSizes) {
             row == 0 ? "program/Schablonen/Pass.msk"
                      : (row == 1 ? "program/Schablonen/USA.msk" : "program/MaskList.kdr")));
     });
+    chooser.SetNotices([](int row) { return row == 0 ? u"nur digital"_s : QString(); });
     driver.Expect(u"SchabloneFm"_s, [this](QWidget& shown) {
         QStringList sizes;
         for (int row = 0; row < List().count(); ++row) {
@@ -119,7 +120,11 @@ TEST_F(TemplateChooser, IsAsWideAsItsNamesAndTheirSizes) {
         EXPECT_EQ(sizes.join(u'|'), u"35 x 45 mm|50,8 x 50,8 mm|"_s);
         EXPECT_GE(List().viewport()->width(), List().sizeHintForColumn(0));
         EXPECT_GE(shown.height(), 263);
+        const auto& notice = Child<QLabel>(shown, "TemplateNotice");
+        List().setCurrentRow(1);
+        EXPECT_FALSE(notice.isVisible());
         List().setCurrentRow(0);
+        EXPECT_TRUE(notice.isVisible() && notice.text() == u"nur digital");
         Ok().click();
     });
     chooser.ShowEx();
