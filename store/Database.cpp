@@ -77,13 +77,15 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
     handle_.reset(handle);
     if (result == SQLITE_OK) {
         sqlite3_extended_result_codes(handle, 1);
-        WaitUpTo(ReadingPatience);
+        // Whoever starts while another program recovers or writes must not be without it for good.
+        WaitUpTo(OpeningPatience);
         Harden(handle);
         result = RegisterWordTokenizer(handle);
     }
     if (result == SQLITE_OK) {
         // The file is read only now: without this, garbage would pass for a database.
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
+        WaitUpTo(ReadingPatience);
     }
     check(result == SQLITE_OK ? QString() : SqliteReason(handle, result));
 }

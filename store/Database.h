@@ -18,9 +18,9 @@ class Database {
  public:
     /// Opens the database and makes it where there is none yet, with the permissions of
     /// platform/FileModes.h; the folder must exist. `patience` is how long a transaction waits each
-    /// time while another program writes; whoever only reads waits a moment at most, because a
-    /// window may be waiting too. Throws StoreError, also where the file is no database, is a link,
-    /// or lies behind another user's link.
+    /// time while another program writes; opening waits two seconds of it at most, and whoever only
+    /// reads a moment, because a window may be waiting too. Throws StoreError, also where the file
+    /// is no database, is a link, or lies behind another user's link.
     explicit Database(const QString& folder,
                       std::chrono::milliseconds patience = std::chrono::seconds(5));
 
@@ -56,6 +56,7 @@ class Database {
 
     /// The longest that a reader waits. A commit keeps readers out for a few milliseconds.
     static constexpr std::chrono::milliseconds ReadingPatience{300};
+    static constexpr std::chrono::milliseconds OpeningPatience{2000};
     /// How long statements wait from now on.
     void WaitUpTo(std::chrono::milliseconds patience);
 

@@ -10,6 +10,7 @@
 #include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
 #include "store/Statement.h"
+#include "store/Transaction.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;
@@ -31,6 +32,8 @@ QString FirstText(store::Database& database, const QString& query) {
 }
 
 void CheckDatabase(store::Database& database) {
+    // Waits for the other program's turn, as all that writes does.
+    store::Transaction turn(database);
     const QString found = FirstText(database, u"PRAGMA integrity_check"_s);
     Require(found == u"ok"_s, found);
     database.Execute(uR"(INSERT INTO "ImgTags_idx" ("ImgTags_idx") VALUES ('integrity-check'))"_s);
