@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
+#include <optional>
+
+#include "platform/AtomicFile.h"
 #include "printing/cups/QueueChoice.h"
 #include "printing/cups/service/DeviceMode.h"
+#include "printing/cups/service/Driver.h"
 
 using namespace kadrona::printing;
 using namespace kadrona::printing::cups;
@@ -46,6 +51,44 @@ TEST(DeviceModeTest, CopiesStayWithinReason) {
 
 TEST(QueueChoiceTest, AnotherQueuesWholeNameIsNotTaken) {
     EXPECT_EQ(QueueNameOf({u"Photo"_s, {}, {}, "printer-name=Laser\n"}), "Photo");
+}
+
+/// A description that is cut off, or of which one line is broken.
+TEST(DriverTest, ABrokenDescriptionIsRefusedOrReadAsFarAsItMakesSense) {
+    const QByteArray whole =
+        kadrona::platform::ReadWholeFile(QStringLiteral(KADRONA_CUPS_TESTS "/photo-printer.ppd"),
+                                         1 << 20, kadrona::platform::Links::All);
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"x.ppd"_s);
+    const auto read = [&](const QByteArray& description) -> std::optional<Driver> {
+        kadrona::platform::WriteFileAtomically(path, description, kadrona::platform::Links::Own);
+        try {
+            return Driver(path);
+        } catch (const ServiceFailure&) {
+            return std::nullopt;
+        }
+    };
+    DeviceMode mode;
+    mode.Set("PageSize", "Custom.100x150mm");
+    for (qsizetype length = 0; length < whole.size(); length += 97) {
+        if (const auto driver = read(whole.left(length))) {
+            EXPECT_GE(driver->PrinterPaperOf(mode).copies, 1);
+            driver->Conflicts(mode);
+        }
+    }
+    const auto without = [&](const char* keyword) {
+        QByteArrayList lines = whole.split('\n');
+        lines.removeIf([&](const QByteArray& line) { return line.contains(keyword); });
+        return lines.join('\n');
+    };
+    const auto noPapers = read(without("Page"));
+    ASSERT_TRUE(noPapers);
+    EXPECT_FALSE(noPapers->PrinterPaperOf({}).geometry.IsKnown());
+    EXPECT_FALSE(noPapers->PrinterPaperOf(mode).remarks.isEmpty()) << "the paper that was chosen";
+    for (const char* limits : {"142 612", "142 1008"}) {
+        const auto broken = read(QByteArray(whole).replace(limits, "900 -5"));
+        EXPECT_FALSE(broken && broken->OwnSizes()) << limits;
+    }
 }
 
 }  // namespace
