@@ -13,12 +13,15 @@
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
 #include "core/sheet/PaperSize.h"
+#include "dialogs/PaperView.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/side/PaperFields.h"
 #include "dialogs/side/SheetSection.h"
 #include "dialogs/side/SidePanel.h"
 #include "dialogs/side/TraySection.h"
 #include "imaging/pixels/Cropping.h"
+#include "imaging/pixels/QuarterTurn.h"
+#include "imaging/pixels/Resampling.h"
 #include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 
@@ -30,6 +33,36 @@ namespace {
 
 const QString SheetShownValue = u"SheetShown"_s;
 constexpr QSize ThumbnailSize(72, 88);
+constexpr int PreviewHeight = 270;
+/// Of the cut in the preview, pixels.
+constexpr int PreviewCut = 300;
+/// The photo in the preview follows once the template rests; where it lies follows at once.
+constexpr int CutDelayMilliseconds = 200;
+
+/// Millimetres around the paper's middle.
+QRectF AroundMiddle(const QRect& micrometres, QSize paper) {
+    constexpr double Millimetre = core::MicrometresPerMillimetre;
+    return {(micrometres.left() - paper.width() / 2.0) / Millimetre,
+            (micrometres.top() - paper.height() / 2.0) / Millimetre,
+            micrometres.width() / Millimetre, micrometres.height() / Millimetre};
+}
+
+/// The layout as the preview draws it, on a paper that is reached everywhere.
+printing::SheetOnPaper Shown(const std::vector<QRect>& photos, const core::PaperChoice& choice) {
+    const QSize paper = *choice.paper;
+    printing::SheetOnPaper sheet;
+    sheet.paper = AroundMiddle(QRect(QPoint(), paper), paper);
+    sheet.reached = sheet.paper;
+    for (const QRect& photo : photos) {
+        const QRectF place = AroundMiddle(photo, paper);
+        sheet.copies.push_back({place, place, {}});
+    }
+    for (const QRect& mark :
+         core::MarksAround(photos, {}, paper, choice.marks, core::MarksOnPaper)) {
+        sheet.marks.push_back(AroundMiddle(mark, paper));
+    }
+    return sheet;
+}
 
 /// Nothing where there is no template.
 QSize PhotoSize(const core::TData& data) {
@@ -54,6 +87,15 @@ PaperActions::PaperActions(PhotoSession& session, const Surroundings& around)
     around_.actions.Connect(Action::AddToSheet, this, [this] { acAddToSheetExecute(); });
     connect(&session, &PhotoSession::Changed, this, [this] { Update(); });
     connect(&around_.printFlow, &PrintFlow::Printed, this, [this] { TakeOutPrinted(); });
+    preview_ = new dialogs::PaperView;
+    preview_->setObjectName(u"SheetPreview"_s);
+    preview_->setFixedHeight(PreviewHeight);
+    around_.section.SetPreview(preview_);
+    cutting_.setSingleShot(true);
+    connect(&cutting_, &QTimer::timeout, this, [this] {
+        CutPreview();
+        UpdatePreview();
+    });
     ConnectSections();
     controls::Guarded(&around_.window, [this] {
         const bool shown = platform::ReadRegistryInteger(SheetShownValue) != 0;
@@ -126,8 +168,46 @@ void PaperActions::LoadTray() {
 void PaperActions::Update() {
     if (around_.actions.IsChecked(Action::ShowSheet)) {
         UpdateSummary();
+        UpdatePreview();
         UpdateTray();
     }
+}
+
+void PaperActions::UpdatePreview() {
+    const core::PaperChoice choice = core::PaperChoiceOf(around_.settings);
+    const QSize photo = PhotoSize(around_.data);
+    preview_->setVisible(choice.paper && !photo.isEmpty());
+    if (!choice.paper || photo.isEmpty()) {
+        return;
+    }
+    try {
+        const core::PaperLayout layout =
+            core::LayOutOnPaper(core::RequestOf(choice, photo, session_.LayoutIndex()));
+        preview_->ShowSheet(Shown(layout.photos, choice), {layout.turned ? lying_ : upright_});
+    } catch (const platform::Error&) {
+        preview_->ShowText(u"Keine Vorschau"_s);
+        return;
+    }
+    const imaging::LayeredImage& image = session_.Image();
+    if (session_.HasTemplate() &&
+        (image.Photo().Key() != cutPhoto_ || image.LayerAt(1).rectangle != cut_)) {
+        cutting_.start(CutDelayMilliseconds);
+    }
+}
+
+void PaperActions::CutPreview() {
+    const imaging::LayeredImage& image = session_.Image();
+    if (!session_.HasTemplate()) {
+        return;
+    }
+    cutPhoto_ = image.Photo().Key();
+    cut_ = image.LayerAt(1).rectangle;
+    controls::Guarded(&around_.window, [&] {
+        const QSize size = cut_.size().scaled(PreviewCut, PreviewCut, Qt::KeepAspectRatio);
+        const auto cut = imaging::Resampled(imaging::Cropped(image.Photo(), cut_), size);
+        upright_ = cut.ToImage();
+        lying_ = imaging::Turned(cut, imaging::QuarterTurn::CounterClockwise).ToImage();
+    });
 }
 
 /// "8 Bilder, gedreht, auf 101,6 x 152,4 mm".

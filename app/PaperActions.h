@@ -3,6 +3,8 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QRect>
+#include <QTimer>
 
 #include "core/sheet/SheetTray.h"
 
@@ -14,6 +16,7 @@ class UserInterface;
 }  // namespace kadrona::core
 
 namespace kadrona::dialogs {
+class PaperView;
 class SheetSection;
 class SidePanel;
 class TEinstellungenFm;
@@ -58,6 +61,8 @@ class PaperActions : public QObject {
     void ShowSections(bool shown);
     void Update();
     void UpdateSummary();
+    void UpdatePreview();
+    void CutPreview();
     void UpdateTray();
     QString Summary() const;
     QImage Thumbnail(const core::CollectedItem& item);
@@ -75,6 +80,13 @@ class PaperActions : public QObject {
     core::SheetTray tray_;
     bool loaded_ = false;
     QHash<qint64, QImage> thumbnails_;
+    dialogs::PaperView* preview_;
+    /// The cut as it is shown in the preview, upright and lying, and what it is the cut of.
+    QImage upright_;
+    QImage lying_;
+    qint64 cutPhoto_ = 0;
+    QRect cut_;
+    QTimer cutting_;
     /// The collected sheet that was made last, by its pixels.
     qint64 madeSheet_ = 0;
     core::CollectedLayout made_;

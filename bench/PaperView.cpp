@@ -59,7 +59,7 @@ int main(int count, char** arguments) {
         view.show();
         QElapsedTimer timer;
         timer.start();
-        view.ShowSheet(printing::LaidOnPaper(image, paper), image.tile);
+        view.ShowSheet(printing::LaidOnPaper(image, paper), {image.tile});
         const double shown = static_cast<double>(timer.nsecsElapsed()) / 1e6;
         const std::vector<double> frames = Frames(view);
         std::printf("%4d pixels: taken over in %.1f ms, frame %.1f ms median, %.1f ms worst\n",

@@ -204,7 +204,8 @@ void TBeforPrintDlgFm::ShowPaper() {
     const printing::PrinterPaper paper =
         printer.PaperOf(stored ? *stored : printer.CurrentPrinter());
     const printing::PrintImage sheet = SheetOfProfile();
-    view_->ShowSheet(printing::LaidOnPaper(sheet, paper), sheet.tile);
+    view_->ShowSheet(printing::LaidOnPaper(sheet, paper),
+                     sheet.arrangement ? sheet.arrangement->pictures : std::vector{sheet.tile});
     if (!copies_) {
         const QSignalBlocker blocker(copiesBox_);
         copiesBox_->setValue(paper.copies);

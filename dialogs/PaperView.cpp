@@ -26,6 +26,22 @@ constexpr double KeyStep = 40;
 const QColor LostColor(196, 30, 30);
 const QColor Desk(226, 228, 231);
 
+const QColor MarkColor(60, 60, 60);
+
+std::vector<QImage> EverSmaller(const QImage& picture) {
+    const bool isLarge = std::max(picture.width(), picture.height()) > LongestTile;
+    std::vector<QImage> sizes{isLarge
+                                  ? picture.scaled(LongestTile, LongestTile, Qt::KeepAspectRatio,
+                                                   Qt::SmoothTransformation)
+                                  : picture};
+    while (std::min(sizes.back().width(), sizes.back().height()) > ShortestTile) {
+        const QImage& larger = sizes.back();
+        sizes.push_back(
+            larger.scaled(larger.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    }
+    return sizes;
+}
+
 QString Number(double millimetres) {
     return QLocale(QLocale::German).toString(millimetres, 'f', 1);
 }
@@ -52,20 +68,23 @@ PaperView::PaperView(QWidget* parent) : QWidget(parent) {
     setToolTip(u"Mausrad: vergrößern, Ziehen: verschieben, Doppelklick: ganzes Blatt"_s);
 }
 
-void PaperView::ShowSheet(const printing::SheetOnPaper& sheet, const QImage& tile) {
+void PaperView::ShowSheet(const printing::SheetOnPaper& sheet,
+                          const std::vector<QImage>& pictures) {
     if (!sheet_ || sheet_->paper != sheet.paper) {
         zoom_ = 1;
         middle_ = sheet.paper.center();
     }
     sheet_ = sheet;
-    const bool isLarge = std::max(tile.width(), tile.height()) > LongestTile;
-    tiles_ = {isLarge ? tile.scaled(LongestTile, LongestTile, Qt::KeepAspectRatio,
-                                    Qt::SmoothTransformation)
-                      : tile};
-    while (std::min(tiles_.back().width(), tiles_.back().height()) > ShortestTile) {
-        const QImage& larger = tiles_.back();
-        tiles_.push_back(
-            larger.scaled(larger.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    std::vector<qint64> keys;
+    for (const QImage& picture : pictures) {
+        keys.push_back(picture.cacheKey());
+    }
+    if (keys != keys_) {
+        keys_ = std::move(keys);
+        pictures_.clear();
+        for (const QImage& picture : pictures) {
+            pictures_.push_back(EverSmaller(picture));
+        }
     }
     text_.clear();
     update();
@@ -171,21 +190,29 @@ void PaperView::PaintPaper(QPainter& painter) const {
     painter.drawRect(reached);
 }
 
-/// The smallest that need not be enlarged.
-const QImage& PaperView::TileFor(double devicePixelsWide) const {
-    const auto tooSmall = std::find_if(tiles_.begin() + 1, tiles_.end(), [&](const QImage& tile) {
-        return tile.width() < devicePixelsWide;
-    });
-    return *(tooSmall - 1);
+/// From the smallest that need not be enlarged.
+void PaperView::PaintPicture(QPainter& painter, const QRectF& millimetres, size_t picture) const {
+    const QRectF place = ToWidget(millimetres);
+    if (!place.intersects(rect()) || picture >= pictures_.size()) {
+        return;
+    }
+    const std::vector<QImage>& sizes = pictures_[picture];
+    const double wide = place.width() * devicePixelRatioF();
+    const auto tooSmall = std::find_if(sizes.begin() + 1, sizes.end(),
+                                       [&](const QImage& size) { return size.width() < wide; });
+    painter.drawImage(place, *(tooSmall - 1));
 }
 
 void PaperView::PaintCopies(QPainter& painter) const {
     for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
-        const QRectF place = ToWidget(copy.place);
-        if (!place.intersects(rect())) {
-            continue;
-        }
-        painter.drawImage(place, TileFor(place.width() * devicePixelRatioF()));
+        PaintPicture(painter, copy.place, copy.picture);
+    }
+    for (const printing::SheetOnPaper::Text& text : sheet_->texts) {
+        PaintPicture(painter, text.place, text.picture);
+    }
+    for (const QRectF& mark : sheet_->marks) {
+        const QRectF shown = ToWidget(mark);
+        painter.fillRect(QRectF(shown.topLeft(), shown.size().expandedTo({1, 1})), MarkColor);
     }
     for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
         const QRectF photo = ToWidget(copy.photo);

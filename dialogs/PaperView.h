@@ -19,8 +19,9 @@ class PaperView : public QWidget {
  public:
     explicit PaperView(QWidget* parent = nullptr);
 
-    /// Shows the sheet with `tile` at each copy; the zoom stays.
-    void ShowSheet(const printing::SheetOnPaper& sheet, const QImage& tile);
+    /// Shows the sheet with its pictures, which copies and texts name by their index; the zoom
+    /// stays.
+    void ShowSheet(const printing::SheetOnPaper& sheet, const std::vector<QImage>& pictures);
     /// Shows a text instead.
     void ShowText(const QString& text);
 
@@ -51,13 +52,15 @@ class PaperView : public QWidget {
     void PaintCopies(QPainter& painter) const;
     void PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) const;
     void PaintPaperSize(QPainter& painter) const;
-    const QImage& TileFor(double devicePixelsWide) const;
+    void PaintPicture(QPainter& painter, const QRectF& millimetres, size_t picture) const;
 
     std::optional<printing::SheetOnPaper> sheet_;
     QString text_;
-    /// As large as it is ever shown sharp, and each half as large as the one before: a frame scales
-    /// by less than two.
-    std::vector<QImage> tiles_;
+    /// Of each picture: as large as it is ever shown sharp, and each half as large as the one
+    /// before, so that a frame scales by less than two.
+    std::vector<std::vector<QImage>> pictures_;
+    /// Tells whether they are shown already.
+    std::vector<qint64> keys_;
     double zoom_ = 1;
     /// What of the sheet stands in the widget's middle, millimetres.
     QPointF middle_;

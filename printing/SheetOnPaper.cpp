@@ -20,6 +20,32 @@ std::vector<QRectF> SheetOnPaper::Copy::LostParts() const {
     return parts;
 }
 
+namespace {
+
+/// Which pictures the copies of an arrangement show, its texts and marks.
+void AddParts(const PrintImage& image, SheetOnPaper& laid) {
+    const imaging::Arrangement& arrangement = *image.arrangement;
+    const QSizeF sheet = image.Millimetres();
+    const double scale = sheet.width() / arrangement.size.width();
+    const auto toMillimetres = [&](const QRect& part) {
+        return QRectF(QPointF(part.topLeft()) * scale, QSizeF(part.size()) * scale)
+            .translated(-sheet.width() / 2, -sheet.height() / 2);
+    };
+    for (size_t i = 0; i < arrangement.placed.size(); ++i) {
+        const imaging::Arrangement::Placed& placed = arrangement.placed[i];
+        if (i < laid.copies.size()) {
+            laid.copies[i].picture = placed.picture;
+        } else {
+            laid.texts.push_back({toMillimetres(arrangement.RectangleOf(placed)), placed.picture});
+        }
+    }
+    for (const imaging::Arrangement::Mark& mark : arrangement.marks) {
+        laid.marks.push_back(toMillimetres(mark.area));
+    }
+}
+
+}  // namespace
+
 SheetOnPaper LaidOnPaper(const PrintImage& image, const PrinterPaper& setting) {
     const PaperGeometry paper = KnownPaper(image, setting.geometry);
     const bool turned = IsTurned(image, setting);
@@ -32,6 +58,9 @@ SheetOnPaper LaidOnPaper(const PrintImage& image, const PrinterPaper& setting) {
     for (const QRectF& place : image.CopyMillimetres()) {
         const QRectF photo = place.adjusted(white, white, -white, -white);
         laid.copies.push_back({place, photo, LostAt(photo, laid.reached)});
+    }
+    if (image.arrangement) {
+        AddParts(image, laid);
     }
     if (image.calibration != Calibration()) {
         const QSizeF size = image.Millimetres();

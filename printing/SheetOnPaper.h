@@ -21,6 +21,8 @@ struct SheetOnPaper {
         QRectF photo;
         /// How much of the photo is cut off at each of its sides.
         QMarginsF lost;
+        /// Index of the picture that it shows.
+        size_t picture = 0;
 
         /// The parts of the photo that are cut off; they may overlap in corners.
         std::vector<QRectF> LostParts() const;
@@ -31,6 +33,14 @@ struct SheetOnPaper {
     QRectF reached;
     /// Row by row from the top left.
     std::vector<Copy> copies;
+    /// A line of text.
+    struct Text {
+        QRectF place;
+        size_t picture;
+    };
+    std::vector<Text> texts;
+    /// Along which the copies are cut apart.
+    std::vector<QRectF> marks;
     /// Where the printer is told to print the sheet, so that with its errors it comes to lie as
     /// above; nothing without a calibration.
     std::optional<QRectF> told;
