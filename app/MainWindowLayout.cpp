@@ -100,8 +100,9 @@ void TmainFm::BuildViewPanel() {
 
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins({});
-    layout->addWidget(emptyState_);
-    layout->addWidget(view_);
+    layout->setSpacing(0);
+    layout->addWidget(emptyState_, 1);
+    layout->addWidget(view_, 1);
     layout->addWidget(BuildSheetLine());
     photoStrip_ = new controls::PhotoStrip;
     photoStrip_->setObjectName(u"PhotoStrip"_s);
@@ -140,6 +141,7 @@ QWidget* TmainFm::BuildSheetLine() {
     connect(button, &QPushButton::clicked, action, &QAction::trigger);
     sheetLine_ = new QWidget;
     sheetLine_->setObjectName(u"SheetLine"_s);
+    sheetLine_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto* row = new QHBoxLayout(sheetLine_);
     row->setContentsMargins(8, 4, 8, 4);
     row->addStretch();

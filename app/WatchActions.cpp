@@ -44,7 +44,11 @@ QImage SmallPicture(const imaging::Pixels& photo) {
 
 WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& settings,
                            MainActions& actions, Open open)
-    : strip_(strip), settings_(settings), open_(std::move(open)), timer_(new QTimer(this)) {
+    : strip_(strip),
+      settings_(settings),
+      actions_(actions),
+      open_(std::move(open)),
+      timer_(new QTimer(this)) {
     timer_->setInterval(LookMilliseconds);
     connect(timer_, &QTimer::timeout, this, &WatchActions::Look);
     connect(&actions, &MainActions::Handled, this, &WatchActions::FollowSettings);
@@ -80,8 +84,13 @@ void WatchActions::Look() {
     OpenNewest();
 }
 
+/// A photo that filled the window is to be seen as a whole beside the strip too.
 void WatchActions::ShowFiles() {
+    const bool wasHidden = strip_.isHidden();
     strip_.SetFiles(watch_->Files().first(std::min<qsizetype>(watch_->Files().size(), MostShown)));
+    if (strip_.isHidden() != wasHidden) {
+        QTimer::singleShot(0, actions_[Action::ZoomFit], &QAction::trigger);
+    }
 }
 
 /// One between two events, so that the window never waits for a whole card. What cannot be read may

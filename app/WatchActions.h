@@ -45,6 +45,7 @@ class WatchActions : public QObject {
 
     controls::PhotoStrip& strip_;
     const core::Settings& settings_;
+    MainActions& actions_;
     Open open_;
     QTimer* timer_;
     std::unique_ptr<platform::FolderWatch> watch_;
