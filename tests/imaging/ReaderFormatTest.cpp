@@ -81,6 +81,11 @@ struct Format {
 
 const Format Formats[] = {
     {"heic", "heif-enc -q 80 @in.png -o @out", "heif-convert @out @back.png"},
+    {"ten.heic", "heif-enc -b 10 -q 90 @deep.png -o @out", "heif-convert @out @back.png"},
+    {"video.heic",
+     "heif-enc -q 90 --full_range_flag=0 --matrix_coefficients=1 --colour_primaries=1 @in.png -o "
+     "@out",
+     "heif-convert @out @back.png"},
     {"avif", "heif-enc -A -q 80 @in.png -o @out", "heif-convert @out @back.png"},
     {"lossy.webp", "cwebp -quiet -q 80 @in.png -o @out", "dwebp -quiet @out -o @back.png"},
     {"webp", "cwebp -quiet -lossless @in.png -o @out", "dwebp -quiet @out -o @back.png", 0},
@@ -250,6 +255,8 @@ TEST_P(ReaderProgramsTest, OpensWhatTheyWrote) {
     const Format& format = GetParam();
     const QString name = u"a."_s + QString::fromLatin1(format.extension);
     ASSERT_TRUE(TestPicture(150, 101).save(PathOf(u"in.png"_s)));
+    ASSERT_TRUE(
+        TestPicture(150, 101).convertToFormat(QImage::Format_RGBX64).save(PathOf(u"deep.png"_s)));
     if (!Run(QString::fromLatin1(format.encode), PathOf(name)) ||
         !Run(QString::fromLatin1(format.decode), PathOf(name))) {
         GTEST_SKIP() << "the program of " << format.extension << " is not installed";
@@ -271,6 +278,18 @@ INSTANTIATE_TEST_SUITE_P(
     Formats, ReaderProgramsTest, ::testing::ValuesIn(Formats), [](const auto& info) {
         return QString::fromLatin1(info.param.extension).replace(u'.', u'_').toStdString();
     });
+
+TEST_F(WriterTest, AnimatedWebPGivesItsFirstPicture) {
+    for (const auto& [name, colour] : {std::pair{u"a.png"_s, Qt::red}, {u"b.png"_s, Qt::blue}}) {
+        ASSERT_TRUE(Filled({30, 20}, QColor(colour).rgb()).save(PathOf(name)));
+    }
+    if (!IsInstalled(u"img2webp"_s)) {
+        GTEST_SKIP() << "img2webp is not installed";
+    }
+    RunProgram(u"img2webp"_s, {u"-lossless"_s, PathOf(u"a.png"_s), PathOf(u"b.png"_s), u"-o"_s,
+                               PathOf(u"moving.webp"_s)});
+    EXPECT_EQ(Colour(ReadImageFile(PathOf(u"moving.webp"_s)), 9, 9), "#ff0000");
+}
 
 TEST_F(WriterTest, OwnJpeg2000OpensAgain) {
     // Of two strips.
