@@ -4,11 +4,12 @@
 //
 // Writes the milliseconds that it took, the photo decoded; WIDTH 0 leaves the size free.
 
+#include "core/sheet/UploadFile.h"
+
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <cstdio>
 
-#include "core/sheet/UploadFile.h"
 #include "imaging/reading/ImageReader.h"
 #include "platform/AtomicFile.h"
 

@@ -16,7 +16,7 @@ struct UploadRequest {
     /// Of the photo on paper; its shape is that of the file, its width gives the resolution.
     TenthsOfMillimetre printedWidth;
     TenthsOfMillimetre printedHeight;
-    UploadFigures figures;
+    UploadFigures figures = {};
     imaging::WrittenMetadata metadata = {};
 };
 

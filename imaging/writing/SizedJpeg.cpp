@@ -1,6 +1,7 @@
 #include "imaging/writing/SizedJpeg.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,8 @@ namespace {
 
 /// From here on the colours of every pixel are worth their bytes.
 constexpr int QualityOfAllColours = 90;
+/// Most files are coded better than this.
+constexpr int GoodQuality = 75;
 constexpr int UsualQuality = 95;
 constexpr int FinestTables = 0;
 
@@ -50,24 +53,38 @@ class Search {
     /// The finest tables between two percentages that take at most `most` bytes; `coarse` itself
     /// where not even they do.
     SizedJpeg Finest(int fine, int coarse, ChromaSampling chroma, qint64 most) const {
-        SizedJpeg best = Encode(fine, chroma);
-        if (best.bytes.size() <= most) {
+        SizedJpeg best = Encode(coarse, chroma);
+        // From one end to the other a picture grows by about this; then its finest tables are
+        // likely to fit too, and nothing has to be searched.
+        constexpr int UsualGrowth = 5;
+        if (UsualGrowth * best.bytes.size() <= most && Try(fine, chroma, most, best)) {
             return best;
         }
-        best = Encode(coarse, chroma);
-        while (coarse - fine > 1) {
-            const int middle = (fine + coarse) / 2;
-            SizedJpeg tried = Encode(middle, chroma);
-            const bool fits = tried.bytes.size() <= most;
-            (fits ? coarse : fine) = middle;
-            if (fits) {
-                best = std::move(tried);
-            }
+        // Up to `tooFine` nothing fits.
+        for (int tooFine = fine - 1; best.bytes.size() <= most && coarse - tooFine > 1;) {
+            const int middle = Between(tooFine, coarse);
+            (Try(middle, chroma, most, best) ? coarse : tooFine) = middle;
         }
         return best;
     }
 
  private:
+    /// Files shrink ever slower the coarser the tables get.
+    static int Between(int fine, int coarse) {
+        const int middle = static_cast<int>(std::sqrt((fine + 1.0) * (coarse + 1.0))) - 1;
+        return std::clamp(middle, fine + 1, coarse - 1);
+    }
+
+    /// True, and in `best`, where it takes at most `most` bytes.
+    bool Try(int tablePercent, ChromaSampling chroma, qint64 most, SizedJpeg& best) const {
+        SizedJpeg tried = Encode(tablePercent, chroma);
+        const bool fits = tried.bytes.size() <= most;
+        if (fits) {
+            best = std::move(tried);
+        }
+        return fits;
+    }
+
     QSize size_;
     RowSource rows_;
     JpegSegments segments_;
