@@ -58,6 +58,17 @@ void PaintPlate(QPainter& painter, QPointF middle, const QString& text) {
     painter.drawText(plate, Qt::AlignCenter, text);
 }
 
+/// The photo's millimetres on its lower part, where there is room.
+void PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) {
+    const QString text =
+        u"%1 × %2"_s.arg(Number(millimetres.width()), Number(millimetres.height()));
+    const QFontMetricsF metrics(painter.font());
+    if (metrics.horizontalAdvance(text) + 12 <= photo.width() &&
+        metrics.height() * 2 <= photo.height()) {
+        PaintPlate(painter, {photo.center().x(), photo.bottom() - metrics.height() * 0.8}, text);
+    }
+}
+
 }  // namespace
 
 PaperView::PaperView(QWidget* parent) : QWidget(parent) {
@@ -227,16 +238,6 @@ void PaperView::PaintCopies(QPainter& painter) const {
             painter.drawRect(lost);
         }
         PaintCopySize(painter, photo, copy.photo.size());
-    }
-}
-
-void PaperView::PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) const {
-    const QString text =
-        u"%1 × %2"_s.arg(Number(millimetres.width()), Number(millimetres.height()));
-    const QFontMetricsF metrics(painter.font());
-    if (metrics.horizontalAdvance(text) + 12 <= photo.width() &&
-        metrics.height() * 2 <= photo.height()) {
-        PaintPlate(painter, {photo.center().x(), photo.bottom() - metrics.height() * 0.8}, text);
     }
 }
 

@@ -50,7 +50,6 @@ class PaperView : public QWidget {
     void KeepPaperInSight();
     void PaintPaper(QPainter& painter) const;
     void PaintCopies(QPainter& painter) const;
-    void PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) const;
     void PaintPaperSize(QPainter& painter) const;
     void PaintPicture(QPainter& painter, const QRectF& millimetres, size_t picture) const;
 

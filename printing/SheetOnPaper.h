@@ -47,6 +47,6 @@ struct SheetOnPaper {
 };
 
 /// Where PrinterLayer::Print puts the sheet. A paper that is not known is as large as the sheet.
-SheetOnPaper LaidOnPaper(const PrintImage& image, const PrinterPaper& paper);
+SheetOnPaper LaidOnPaper(const PrintImage& image, const PrinterPaper& setting);
 
 }  // namespace kadrona::printing
