@@ -271,7 +271,7 @@ void PaperActions::UpdateTray() {
     std::vector<dialogs::TraySection::Row> rows;
     for (size_t i = 0; i < items.size(); ++i) {
         const QString text = items[i].name.isEmpty() ? items[i].document
-                                                     : items[i].document + u"\n"_s + items[i].name;
+                                                     : items[i].document + u" · "_s + items[i].name;
         rows.push_back({Thumbnail(items[i]), text, items[i].count, layout.missing[i]});
     }
     around_.tray.SetRows(rows, summary);

@@ -25,6 +25,30 @@ TextRoom TextBelow(const QRect& place) {
              place.width() - 2 * BesideText, TextHeight}};
 }
 
+/// Packs all, or as many of the first as fit together: those that were collected first go first.
+std::vector<std::optional<PackedItem>> PackedInOrder(const std::vector<PackItem>& copies,
+                                                     const PaperChoice& choice) {
+    const size_t all = copies.size();
+    const auto packed = [&](size_t count) {
+        const std::vector<PackItem> first(copies.begin(),
+                                          copies.begin() + static_cast<ptrdiff_t>(count));
+        return PackOnShelves(first, CollectedPaper(choice), choice.edge, choice.gap);
+    };
+    const auto fit = [&](size_t count) {
+        return std::ranges::all_of(packed(count),
+                                   [](const auto& item) { return item.has_value(); });
+    };
+    size_t most = fit(all) ? all : 0;
+    size_t tooMany = all;
+    while (most + 1 < tooMany) {
+        const size_t middle = (most + tooMany) / 2;
+        (fit(middle) ? most : tooMany) = middle;
+    }
+    auto result = packed(most);
+    result.resize(all);
+    return result;
+}
+
 }  // namespace
 
 int CollectedLayout::MissingCount() const {
@@ -47,7 +71,7 @@ CollectedLayout LayOutCollected(const std::vector<CollectedItem>& items,
         copies.insert(copies.end(), count, {items[i].size, TextHeight + AboveText});
         itemOf.insert(itemOf.end(), count, i);
     }
-    const auto packed = PackOnShelves(copies, CollectedPaper(choice), choice.edge, choice.gap);
+    const auto packed = PackedInOrder(copies, choice);
     CollectedLayout layout;
     layout.missing.resize(items.size());
     for (size_t i = 0; i < copies.size(); ++i) {

@@ -37,8 +37,8 @@ struct CollectedLayout {
 };
 
 /// Packs the copies of all items, each with room for a line of text below it, on the choice's
-/// paper; on one of 10 x 15 where it has none. Throws platform::Error for more than MostCopies
-/// copies.
+/// paper; on one of 10 x 15 where it has none. Where not all fit, the first in their order go
+/// first. Throws platform::Error for more than MostCopies copies.
 CollectedLayout LayOutCollected(const std::vector<CollectedItem>& items, const PaperChoice& choice);
 
 /// The paper of a collected sheet, micrometres.

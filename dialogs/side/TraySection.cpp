@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "core/sheet/PaperLayout.h"
@@ -27,6 +28,15 @@ QPushButton* Button(const QString& text, const QString& name, const QString& hin
     return button;
 }
 
+QToolButton* ArrowButton(Qt::ArrowType arrow, const QString& name, const QString& hint) {
+    auto* button = new QToolButton;
+    button->setObjectName(name);
+    button->setArrowType(arrow);
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    return button;
+}
+
 }  // namespace
 
 TraySection::TraySection(QWidget* parent) : QWidget(parent) {
@@ -41,13 +51,16 @@ TraySection::TraySection(QWidget* parent) : QWidget(parent) {
     list_->setIconSize(IconSize);
     list_->setFixedHeight(ListHeight);
     list_->setWordWrap(true);
+    list_->setResizeMode(QListView::Adjust);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setMinimumWidth(1);
     count_ = new QSpinBox;
     count_->setObjectName(u"TrayCount"_s);
     count_->setAccessibleName(u"Anzahl des gewählten Bildes"_s);
     count_->setRange(1, core::MostCopies);
     count_->setSuffix(u" Stück"_s);
-    up_ = Button(u"▲"_s, u"TrayUp"_s, u"Nach oben"_s);
-    down_ = Button(u"▼"_s, u"TrayDown"_s, u"Nach unten"_s);
+    up_ = ArrowButton(Qt::UpArrow, u"TrayUp"_s, u"Nach oben"_s);
+    down_ = ArrowButton(Qt::DownArrow, u"TrayDown"_s, u"Nach unten"_s);
     remove_ = Button(u"Entfernen"_s, u"TrayRemove"_s, u"Aus dem Sammelblatt nehmen"_s);
     empty_ = Button(u"Leeren"_s, u"TrayEmpty"_s, u"Alle Bilder aus dem Sammelblatt nehmen"_s);
     make_ = Button(u"Sammelblatt erstellen"_s, u"TrayMake"_s, u"Sammelblatt erstellen"_s);
@@ -57,20 +70,18 @@ TraySection::TraySection(QWidget* parent) : QWidget(parent) {
 
     auto* row = new QHBoxLayout;
     row->addWidget(count_, 1);
-    for (QPushButton* button : {up_, down_}) {
-        button->setFixedWidth(button->sizeHint().height() + 4);
-        row->addWidget(button);
-    }
-    row->addWidget(remove_);
+    row->addWidget(up_);
+    row->addWidget(down_);
     auto* foot = new QHBoxLayout;
-    foot->addWidget(make_, 1);
-    foot->addWidget(empty_);
+    foot->addWidget(remove_, 1);
+    foot->addWidget(empty_, 1);
     auto* column = new QVBoxLayout(this);
     column->addWidget(title);
     column->addWidget(list_);
     column->addLayout(row);
-    column->addWidget(summary_);
     column->addLayout(foot);
+    column->addWidget(summary_);
+    column->addWidget(make_);
 
     connect(list_, &QListWidget::currentRowChanged, this, &TraySection::ShowSelected);
     connect(count_, &QSpinBox::valueChanged, this,
@@ -79,8 +90,8 @@ TraySection::TraySection(QWidget* parent) : QWidget(parent) {
         const int row = list_->currentRow();
         Q_EMIT MoveAsked(row, row + by);
     };
-    connect(up_, &QPushButton::clicked, this, [move] { move(-1); });
-    connect(down_, &QPushButton::clicked, this, [move] { move(1); });
+    connect(up_, &QToolButton::clicked, this, [move] { move(-1); });
+    connect(down_, &QToolButton::clicked, this, [move] { move(1); });
     connect(remove_, &QPushButton::clicked, this,
             [this] { Q_EMIT RemoveAsked(list_->currentRow()); });
     connect(empty_, &QPushButton::clicked, this, &TraySection::EmptyAsked);
@@ -101,9 +112,10 @@ void TraySection::SetRows(const std::vector<Row>& rows, const QString& summary) 
         QListWidgetItem& item = *list_->item(index);
         QString text = u"%1 × %2"_s.arg(rows[i].count).arg(rows[i].text);
         if (rows[i].missing > 0) {
-            text += u"\n! %1 ohne Platz"_s.arg(rows[i].missing);
+            text += u" · ! %1 ohne Platz"_s.arg(rows[i].missing);
         }
         item.setText(text);
+        item.setToolTip(text);
         item.setIcon(QPixmap::fromImage(rows[i].picture));
         item.setData(Qt::UserRole, rows[i].count);
     }

@@ -8,6 +8,7 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 class QSpinBox;
+class QToolButton;
 
 namespace kadrona::dialogs {
 
@@ -43,8 +44,8 @@ class TraySection : public QWidget {
     QListWidget* list_;
     QSpinBox* count_;
     QLabel* summary_;
-    QPushButton* up_;
-    QPushButton* down_;
+    QToolButton* up_;
+    QToolButton* down_;
     QPushButton* remove_;
     QPushButton* empty_;
     QPushButton* make_;

@@ -18,7 +18,7 @@ class PaperStory : public Story {
     }
     QString Summary() { return InSection<QLabel>("SheetSummary").text(); }
     QListWidget& Tray() { return Child<QListWidget>(*window, "TrayList"); }
-    void Click(const char* name) { Child<QPushButton>(*window, name).click(); }
+    void Click(const char* name) { Child<QAbstractButton>(*window, name).click(); }
 
     void Print() {
         printer.setupChoice = FakePrinter::Choice("Photo", "PageSize=A4\n");

@@ -1,0 +1,1 @@
+kadrona_fuzzer(order_fuzzer USES kadrona_core)
