@@ -1,4 +1,5 @@
 #include "ReaderFixture.h"
+#include "WriterFixture.h"
 
 namespace kadrona::imaging::test {
 
@@ -41,6 +42,49 @@ TEST(ReaderColour, WideGamutProfilesAreBroughtToSrgb) {
         }
         // It stores Y'CbCr of 8 bits.
         ExpectJpeg(Uniform(3, {stored.red(), stored.green(), stored.blue()}, profile), expected, 4);
+    }
+}
+
+TEST(ReaderColour, WideGamutProfilesGiveWhatTheToolOfLittleCmsSays) {
+    if (!IsInstalled(QStringLiteral("transicc"))) {
+        GTEST_SKIP() << "transicc is not installed";
+    }
+    constexpr int Steps = 6;
+    constexpr int Step = 255 / (Steps - 1);
+    const auto colour = [](int place) {
+        return qRgb(place % Steps * Step, place / Steps % Steps * Step,
+                    place / Steps / Steps * Step);
+    };
+    const QImage colours =
+        Painted({Steps * Steps * Steps, 1}, [&](int x, int) { return colour(x); });
+    for (const char* name : {"p3.icc", "adobe.icc"}) {
+        QByteArray numbers;
+        for (int x = 0; x < colours.width(); ++x) {
+            const QRgb rgb = colour(x);
+            numbers += QByteArray::number(qRed(rgb)) + ' ' + QByteArray::number(qGreen(rgb)) + ' ' +
+                       QByteArray::number(qBlue(rgb)) + '\n';
+        }
+        QProcess tool;
+        tool.start(QStringLiteral("transicc"),
+                   {QStringLiteral("-n"), QStringLiteral("-s"), QStringLiteral("-b"),
+                    QStringLiteral("-t1"),
+                    QStringLiteral("-i" KADRONA_TEST_PROFILES) + QString::fromLatin1(name),
+                    QStringLiteral("-o*sRGB")});
+        tool.write(numbers);
+        tool.closeWriteChannel();
+        ASSERT_TRUE(tool.waitForFinished());
+        const QList<QByteArray> said = tool.readAllStandardOutput().simplified().split(' ');
+        ASSERT_EQ(said.size(), 3 * colours.width());
+        for (const auto format : {QImage::Format_RGB32, QImage::Format_RGBA64}) {
+            const QByteArray png = Written(colours.convertToFormat(format), "png");
+            const LoadedImage loaded = Read(WithProfile(png, Profile(name)));
+            for (int x = 0; x < colours.width(); ++x) {
+                const QRgb rgb = loaded.pixels.Tile().pixel(x, 0);
+                EXPECT_NEAR(qRed(rgb), said[3 * x].toDouble(), 1) << name << ' ' << x;
+                EXPECT_NEAR(qGreen(rgb), said[3 * x + 1].toDouble(), 1) << name << ' ' << x;
+                EXPECT_NEAR(qBlue(rgb), said[3 * x + 2].toDouble(), 1) << name << ' ' << x;
+            }
+        }
     }
 }
 
