@@ -146,6 +146,9 @@ void TBeforPrintDlgFm::showEvent(QShowEvent* event) {
 
 void TBeforPrintDlgFm::FormShow() {
     copies_.reset();
+    view_->ShowText({});
+    paperLabel_->clear();
+    warningLabel_->clear();
     lbProfiles_->setFocus();
     // Else Return would press the button that was pressed last time.
     btnProfile_->setDefault(true);
