@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QDirIterator>
 #include <QImage>
 #include <cstdlib>
 #include <thread>
@@ -11,8 +10,8 @@
 #include "imaging/reading/ImageReader.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
-#include "store/Statement.h"
 #include "store/StoreError.h"
+#include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
@@ -32,12 +31,9 @@ class Archive : public ::testing::Test {
         QDir().mkpath(archiveFolder);
         data.ConnectDB(databaseFolder);
         data.CreateDB();
-        core::NameSources sources;
         sources.now = [this] { return now; };
         data.SetNameSources(sources);
-        QImage photo(413, 531, QImage::Format_RGB32);
-        photo.fill(Qt::red);
-        image.Open(imaging::Pixels(photo), {300});
+        image.Open(imaging::Pixels(Filled({413, 531}, ColourOf('r'))), {300});
     }
 
     core::ArchiveTable& Table() { return *data.Archive(); }
@@ -49,15 +45,9 @@ class Archive : public ::testing::Test {
     void Execute(const QString& statement) const {
         store::Database(databaseFolder).Execute(statement);
     }
-    /// The first column of a query's rows.
     QStringList Rows(const QString& query) const {
         store::Database database(databaseFolder);
-        store::Statement select(database, query);
-        QStringList rows;
-        while (select.Step()) {
-            rows.append(select.Text(0));
-        }
-        return rows;
+        return Column(database, query);
     }
     /// The records, their columns between bars; NULL is ?.
     QStringList Records() const {
@@ -77,6 +67,7 @@ class Archive : public ::testing::Test {
     QString databaseFolder = installation.Path("database");
     QString archiveFolder = installation.Path("archive");
     QDateTime now{QDate(2026, 3, 7), QTime(14, 30, 5, 123)};
+    core::NameSources sources;
     FakeInterface ui;
     core::TData data{ui, installation.Folders()};
     imaging::LayeredImage image;
@@ -269,10 +260,9 @@ TEST_F(Archive, TwoProgramsWithDatabasesOfTheirOwnNeverTakeTheSameNameAtOnce) {
         QDir().mkpath(installation.Path(database));
         program.ConnectDB(installation.Path(database));
         program.CreateDB();
-        QImage photo(16, 16, QImage::Format_RGB32);
-        photo.fill(colour);
+        program.SetNameSources(sources);
         imaging::LayeredImage filed;
-        filed.Open(imaging::Pixels(photo), {300});
+        filed.Open(imaging::Pixels(Filled({16, 16}, colour)), {300});
         for (int i = 0; i < Photos; ++i) {
             program.SaveImageToArchiv(filed, archiveFolder, {}, {});
             const QImage found(program.GetFileNameFromRecord(archiveFolder));
@@ -282,12 +272,7 @@ TEST_F(Archive, TwoProgramsWithDatabasesOfTheirOwnNeverTakeTheSameNameAtOnce) {
     std::thread other(fileAll, "theirs", qRgb(0, 0, 250));
     fileAll("ours", qRgb(250, 0, 0));
     other.join();
-    QDirIterator all(archiveFolder, QDir::Files, QDirIterator::Subdirectories);
-    int count = 0;
-    for (; all.hasNext(); all.next()) {
-        ++count;
-    }
-    EXPECT_EQ(count, 2 * Photos);
+    EXPECT_EQ(FiledPhotos().size(), 2 * Photos);
 }
 
 TEST_F(Archive, AnOlderDatabaseGetsItsIndexAndKeepsItsRecords) {
@@ -317,13 +302,8 @@ TEST_F(Archive, RefusesTheDatabaseOfANewerVersionOrAnotherProgram) {
     EXPECT_EQ(connectError("PRAGMA application_id = 42"),
               u"Die Datenbank „%1“ gehört zu einem anderen Programm."_s.arg(DatabaseFile()));
     platform::WriteFileAtomically(DatabaseFile(), QByteArray(3000, 'x'));
-    try {
-        data.ConnectDB(databaseFolder);
-        ADD_FAILURE() << "connected";
-    } catch (const platform::Error& error) {
-        EXPECT_EQ(typeid(error), typeid(platform::Error)) << "a general error";
-        EXPECT_TRUE(error.Text().endsWith(u"Die Datei ist keine Datenbank."_s));
-    }
+    EXPECT_TRUE(
+        TextOf([&] { data.ConnectDB(databaseFolder); }).endsWith(u"ist keine Datenbank."_s));
 }
 
 /// "RECORD:DATASET TEXT" of each item, joined by bars.

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QHash>
 #include <algorithm>
 #include <vector>
 
@@ -44,10 +43,18 @@ std::string FaultsOf(const QString& text) {
 
 TEST(TemplateTable, CellsMayHaveADecimalCommaAndSeveralAdvices) {
     const auto rows = ParseTemplateTable(
-        u"# a comment\n\n"_s + Header + Row("A;a.s;50.8;45,5;;;;;;;;;;;;;;Augen, Kopf"), u"t"_s);
-    EXPECT_EQ(rows.at(0).width.value, 508);
-    EXPECT_EQ(rows.at(0).height.value, 455);
-    EXPECT_TRUE(rows.at(0).headIsAdvice && rows.at(0).eyesAreAdvice);
+        u"# a comment\n\n"_s + Header +
+            Row("A;a.s;50.8;45,5;1;2;3;4;5;6;7;8;9;10;11;12;13;Augen, Kopf") + Row("B;b.s;35;45"),
+        u"t"_s);
+    const TemplateRow& row = rows.at(0);
+    QList<int> tenths{row.width.value, row.height.value};
+    for (const Band& band : {row.head, row.eyes, row.top, row.chin, row.face, row.axis}) {
+        tenths << band.from->value << band.to->value;
+    }
+    EXPECT_EQ(tenths << row.eyeDistance->value,
+              QList({508, 455, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120, 130}));
+    EXPECT_TRUE(row.headIsAdvice && row.eyesAreAdvice);
+    EXPECT_FALSE(rows.at(1).headIsAdvice || rows.at(1).eyesAreAdvice || rows.at(1).head.from);
 }
 
 TEST(TemplateTable, FaultsNameTheirLine) {
@@ -97,44 +104,29 @@ QRect DrawnPart(const QImage& image) {
     return drawn;
 }
 
-/// What the build delivered, with the table read once more by this test's own few lines.
+/// What the build delivered.
 class DeliveredTemplates : public ::testing::Test {
  protected:
     struct Delivered {
-        QHash<QString, QString> cells;
+        TemplateRow row;
         std::vector<TMask> elements;
 
-        int Tenths(const QString& column) const {
-            return qRound(cells.value(column).toDouble() * 10);
-        }
         const TMask* Find(const QString& name) const {
             const auto found = std::ranges::find(elements, name, &TMask::name);
             return found == elements.end() ? nullptr : &*found;
         }
-        std::string Name() const { return cells[u"Name"_s].toStdString(); }
+        std::string Name() const { return row.name.toStdString(); }
     };
 
-    static QByteArray Content(const QString& path) {
-        return platform::ReadWholeFile(path, 1 << 20);
+    static QString Content(const QString& path) {
+        return QString::fromUtf8(platform::ReadWholeFile(path, 1 << 20));
     }
 
     void SetUp() override {
-        QStringList columns;
-        for (const QString& line :
-             QString::fromUtf8(Content(QStringLiteral(KADRONA_TEMPLATE_TABLE))).split(u'\n')) {
-            const QStringList cells = line.split(u'\t');
-            if (line.isEmpty() || line.startsWith(u'#')) {
-                continue;
-            }
-            if (columns.isEmpty()) {
-                columns = cells;
-                continue;
-            }
-            Delivered& row = delivered_.emplace_back();
-            for (qsizetype i = 0; i < columns.size(); ++i) {
-                row.cells.insert(columns[i], cells.value(i));
-            }
-            row.elements = ParseTemplate(Content(folder_ + row.cells[u"Datei"_s]));
+        const QString table = Content(QStringLiteral(KADRONA_TEMPLATE_TABLE));
+        for (const TemplateRow& row : ParseTemplateTable(table, u"t"_s)) {
+            delivered_.push_back(
+                {row, ParseTemplate(platform::ReadWholeFile(folder_ + row.file, 1 << 20))});
         }
         ASSERT_GE(delivered_.size(), 37U);
     }
@@ -144,11 +136,11 @@ class DeliveredTemplates : public ::testing::Test {
 };
 
 TEST_F(DeliveredTemplates, CatalogueListsTheTableInItsOrder) {
-    const auto entries = ParseCatalogue(QString::fromUtf8(Content(folder_ + u"MaskList.kdr"_s)));
+    const auto entries = ParseCatalogue(Content(folder_ + u"MaskList.kdr"_s));
     ASSERT_EQ(entries.size(), delivered_.size());
     for (size_t i = 0; i < entries.size(); ++i) {
-        EXPECT_EQ(entries[i].name, delivered_[i].cells[u"Name"_s]);
-        EXPECT_EQ(entries[i].file, delivered_[i].cells[u"Datei"_s]);
+        EXPECT_EQ(entries[i].name, delivered_[i].row.name);
+        EXPECT_EQ(entries[i].file, delivered_[i].row.file);
     }
     EXPECT_EQ(QDir(folder_).entryList(QDir::Files).size(),
               static_cast<qsizetype>(entries.size()) + 2)
@@ -156,85 +148,85 @@ TEST_F(DeliveredTemplates, CatalogueListsTheTableInItsOrder) {
 }
 
 TEST_F(DeliveredTemplates, CanvasIsThePhotoInTenthsOfMillimetre) {
-    for (const Delivered& row : delivered_) {
-        const QSize canvas = TemplateCanvas(row.elements);
-        EXPECT_EQ(canvas, QSize(row.Tenths(u"Breite"_s), row.Tenths(u"Höhe"_s))) << row.Name();
-        const QImage image = DrawTemplate(row.elements);
-        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 255) << row.Name() << ": frame";
-        EXPECT_EQ(qAlpha(image.pixel(canvas.width() - 1, canvas.height() - 1)), 255) << row.Name();
-        EXPECT_EQ(qAlpha(image.pixel(canvas.width() / 4, canvas.height() - 8)), 0) << row.Name();
+    for (const Delivered& made : delivered_) {
+        const QSize canvas = TemplateCanvas(made.elements);
+        EXPECT_EQ(canvas, QSize(made.row.width.value, made.row.height.value)) << made.Name();
+        const QImage image = DrawTemplate(made.elements);
+        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 255) << made.Name() << ": frame";
+        EXPECT_EQ(qAlpha(image.pixel(canvas.width() - 1, canvas.height() - 1)), 255) << made.Name();
+        EXPECT_EQ(qAlpha(image.pixel(canvas.width() / 4, canvas.height() - 8)), 0) << made.Name();
     }
 }
 
 TEST_F(DeliveredTemplates, HeadsAreAsHighAsPublishedAndStandOnOneChinLine) {
     int heads = 0;
-    for (const Delivered& row : delivered_) {
-        SCOPED_TRACE(row.Name());
-        const QRect canvas({0, 0}, TemplateCanvas(row.elements));
-        for (const auto& [name, column] :
-             {std::pair(u"Kleinster Kopf"_s, u"Kopf von"_s), {u"Größter Kopf"_s, u"Kopf bis"_s}}) {
-            const TMask* const head = row.Find(name);
-            ASSERT_EQ(head != nullptr, !row.cells[column].isEmpty()) << name.toStdString();
+    for (const Delivered& made : delivered_) {
+        SCOPED_TRACE(made.Name());
+        const QRect canvas({0, 0}, TemplateCanvas(made.elements));
+        for (const auto& [name, published] : {std::pair(u"Kleinster Kopf"_s, made.row.head.from),
+                                              {u"Größter Kopf"_s, made.row.head.to}}) {
+            const TMask* const head = made.Find(name);
+            ASSERT_EQ(head != nullptr, published.has_value()) << name.toStdString();
             if (!head) {
                 continue;
             }
             ++heads;
-            const QRect drawn = DrawnPart(DrawTemplate({row.elements.front(), *head}));
-            EXPECT_EQ(drawn.height(), row.Tenths(column));
+            const QRect drawn = DrawnPart(DrawTemplate({made.elements.front(), *head}));
+            EXPECT_EQ(drawn.height(), published->value);
             EXPECT_TRUE(canvas.adjusted(3, 0, -3, 0).contains(drawn)) << name.toStdString();
             EXPECT_LE(std::abs(drawn.left() + drawn.right() + 1 - canvas.width()), 1);
-            EXPECT_NEAR(drawn.bottom(), row.Find(u"Kinnmarke"_s)->top, 3) << name.toStdString();
+            EXPECT_NEAR(drawn.bottom(), made.Find(u"Kinnmarke"_s)->top, 3) << name.toStdString();
         }
     }
     EXPECT_GE(heads, 60);
 }
 
 TEST_F(DeliveredTemplates, MiddleHeadHasItsEyesInTheirBandAndItsCrownInTheUpperQuarter) {
-    for (const Delivered& row : delivered_) {
-        SCOPED_TRACE(row.Name());
-        const TMask* const tick = row.Find(u"Kinnmarke"_s);
+    for (const Delivered& made : delivered_) {
+        SCOPED_TRACE(made.Name());
+        const TMask* const tick = made.Find(u"Kinnmarke"_s);
+        const Band& head = made.row.head;
+        ASSERT_EQ(tick != nullptr, head.to.has_value());
         if (!tick) {
-            EXPECT_TRUE(row.cells[u"Kopf bis"_s].isEmpty());
             continue;
         }
-        const int height = row.Tenths(u"Höhe"_s);
+        const int height = made.row.height.value;
         const int chin = height - tick->top;
-        const int largest = row.Tenths(u"Kopf bis"_s);
-        const int smallest = row.Tenths(u"Kopf von"_s) ? row.Tenths(u"Kopf von"_s) : largest;
-        const int middle = (smallest + largest) / 2;
+        const int middle = (head.from.value_or(*head.to).value + head.to->value) / 2;
         EXPECT_LE(chin + middle, height);
         EXPECT_GE(chin + middle, height * 3 / 4);
-        for (const auto& [band, place] : {std::pair(u"Augen"_s, chin + middle / 2),
-                                          {u"Kinn"_s, chin},
-                                          {u"Oben"_s, height - chin - middle}}) {
-            if (const int from = row.Tenths(band + u" von"_s)) {
-                EXPECT_GE(place, from) << band.toStdString();
-                EXPECT_LE(place, row.Tenths(band + u" bis"_s)) << band.toStdString();
+        for (const auto& [band, place] : {std::pair(made.row.eyes, chin + middle / 2),
+                                          {made.row.chin, chin},
+                                          {made.row.top, height - chin - middle}}) {
+            if (band.from) {
+                EXPECT_GE(place, band.from->value);
+                EXPECT_LE(place, band.to->value);
             }
         }
-        if (const TMask* const eyes = row.Find(u"Augen oben"_s)) {
-            EXPECT_NEAR(eyes->top, height - row.Tenths(u"Augen bis"_s), 3);
-            EXPECT_NEAR(row.Find(u"Augen unten"_s)->top, height - row.Tenths(u"Augen von"_s), 3);
+        if (const TMask* const eyes = made.Find(u"Augen oben"_s)) {
+            EXPECT_NEAR(eyes->top, height - made.row.eyes.to->value, 3);
+            EXPECT_NEAR(made.Find(u"Augen unten"_s)->top, height - made.row.eyes.from->value, 3);
         }
     }
 }
 
 TEST_F(DeliveredTemplates, NothingIsDrawnThatIsNotPublished) {
-    for (const Delivered& row : delivered_) {
-        for (const auto& [element, column] : {std::pair(u"Augen oben"_s, u"Augen bis"_s),
-                                              {u"Augen unten"_s, u"Augen von"_s},
-                                              {u"Augen links"_s, u"Augen von"_s},
-                                              {u"Augen rechts"_s, u"Augen von"_s},
-                                              {u"Scheitel von"_s, u"Oben von"_s},
-                                              {u"Scheitel bis"_s, u"Oben bis"_s},
-                                              {u"Kinn von"_s, u"Kinn von"_s},
-                                              {u"Kinn bis"_s, u"Kinn bis"_s},
-                                              {u"Achse von"_s, u"Achse von"_s},
-                                              {u"Achse bis"_s, u"Achse bis"_s}}) {
-            EXPECT_EQ(row.Find(element) != nullptr, !row.cells[column].isEmpty())
-                << row.Name() << ": " << element.toStdString();
+    for (const Delivered& made : delivered_) {
+        const TemplateRow& row = made.row;
+        for (const auto& [element, published] : {std::pair(u"Augen oben"_s, row.eyes.to),
+                                                 {u"Augen unten"_s, row.eyes.from},
+                                                 {u"Augen links"_s, row.eyes.from},
+                                                 {u"Augen rechts"_s, row.eyes.from},
+                                                 {u"Scheitel von"_s, row.top.from},
+                                                 {u"Scheitel bis"_s, row.top.to},
+                                                 {u"Kinn von"_s, row.chin.from},
+                                                 {u"Kinn bis"_s, row.chin.to},
+                                                 {u"Achse von"_s, row.axis.from},
+                                                 {u"Achse bis"_s, row.axis.to}}) {
+            EXPECT_EQ(made.Find(element) != nullptr, published.has_value())
+                << made.Name() << ": " << element.toStdString();
         }
-        EXPECT_TRUE(row.Find(u"Rahmen"_s) && row.Find(u"Mittellinie"_s));
+        EXPECT_TRUE(made.Find(u"Rahmen"_s) && made.Find(u"Mittellinie"_s));
     }
 }
 

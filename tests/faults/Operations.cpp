@@ -12,7 +12,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyFile.h"
-#include "store/Statement.h"
+#include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
 #include "tests/support/PixelMatchers.h"
@@ -129,15 +129,6 @@ void NewProfile(Module& module) {
     module.data.SaveNewProfile(u"Neu"_s, bound);
 }
 
-QStringList Column(store::Database& database, const QString& query) {
-    store::Statement statement(database, query);
-    QStringList values;
-    while (statement.Step()) {
-        values.append(statement.Text(0));
-    }
-    return values;
-}
-
 }  // namespace
 
 std::vector<Operation> AllOperations() {
@@ -181,16 +172,9 @@ QString ArchiveFault(const QString& folder) {
         return {};
     }
     store::Database database(databaseFolder);
-    const QString state = Column(database, u"PRAGMA integrity_check"_s).join(u' ');
-    if (state != u"ok" || !database.TableExists(u"ImgTags_idx"_s)) {
-        return state == u"ok" ? QString() : state;
-    }
-    database.Execute(uR"(INSERT INTO "ImgTags_idx" ("ImgTags_idx") VALUES ('integrity-check'))"_s);
-    if (!Column(database,
-                uR"(SELECT "ID" FROM "ImgDB" LEFT JOIN "ImgTags_idx"
-            ON "ImgTags_idx".rowid = "ID" WHERE "ImgTags" IS NOT "Text")"_s)
-             .isEmpty()) {
-        return u"the index of words is not that of the records"_s;
+    const QString fault = DatabaseFault(database);
+    if (!fault.isEmpty() || !database.TableExists(u"ImgTags_idx"_s)) {
+        return fault;
     }
     QStringList recorded = Column(
         database, uR"(SELECT "ImgName" FROM "ImgDB" WHERE "ImgName" IS NOT NULL ORDER BY 1)"_s);
