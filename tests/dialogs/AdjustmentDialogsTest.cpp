@@ -27,9 +27,7 @@ class RotateDialog : public ::testing::Test {
             answer(Child<RotationPreview>(shown));
             ClickButton(shown, button);
         });
-        QImage photo(200, 300, QImage::Format_RGB32);
-        photo.fill(Qt::black);
-        return dialog.ShowEx(Pixels(photo));
+        return dialog.ShowEx(Pixels(Filled({200, 300}, ColourOf('k'))));
     }
 
     ModalDriver driver;
@@ -109,15 +107,11 @@ class ColourDialog : public ::testing::Test {
         const QImage shown = view.grab().toImage();
         return shown.pixel(shown.rect().center()) | 0xff000000;
     }
-    void Set(const char* slider, int value) {
-        Child<QSpinBox>(dialog, QLatin1StringView(slider)).setValue(value);
-    }
 
-    Pixels photo = Pixels([] {
-        QImage image(40, 60, QImage::Format_RGB32);
-        image.fill(qRgb(90, 120, 150));
-        return image;
-    }());
+    ImageView& Before() { return Child<ImageView>(dialog, "Before"); }
+    ImageView& After() { return Child<ImageView>(dialog, "After"); }
+
+    Pixels photo = Pixels(Filled({40, 60}, qRgb(90, 120, 150)));
     ModalDriver driver;
     dialogs::ColourAdjustment dialog;
 };
@@ -125,21 +119,20 @@ class ColourDialog : public ::testing::Test {
 TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
     ASSERT_EQ(Child<QTabWidget>(dialog).count(), 4);
     driver.Expect(u"ColourAdjustment"_s, [this](QWidget& shown) {
-        auto& before = Child<ImageView>(shown, "Before");
-        auto& after = Child<ImageView>(shown, "After");
         EXPECT_EQ(dialog.Filter(), nullptr);
         for (const char* slider : {"Contrast", "Brightness", "Hue", "Saturation", "Lightness",
                                    "Red", "Green", "Blue", "Equalisation"}) {
-            Set(slider, 40);
+            Child<QSpinBox>(dialog, slider).setValue(40);
             const imaging::PixelFilterPointer filter = dialog.Filter();
             ASSERT_NE(filter, nullptr) << slider;
-            EXPECT_EQ(Seen(before), qRgb(90, 120, 150)) << slider;
-            EXPECT_EQ(Seen(after), imaging::Filtered(photo, *filter).Tile().pixel(0, 0)) << slider;
+            EXPECT_EQ(Seen(Before()), qRgb(90, 120, 150)) << slider;
+            EXPECT_EQ(Seen(After()), imaging::Filtered(photo, *filter).Tile().pixel(0, 0))
+                << slider;
         }
         ClickButton(shown, "btnResetAll");
         EXPECT_EQ(dialog.Filter(), nullptr);
         Child<QSlider>(shown, "RedSlider").setValue(30);
-        EXPECT_NE(Seen(after), Seen(before));
+        EXPECT_NE(Seen(After()), Seen(Before()));
         ClickButton(shown, "btnOk");
     });
     EXPECT_EQ(dialog.ShowEx(photo), controls::ModalResult::Ok);
@@ -151,14 +144,11 @@ TEST_F(ColourDialog, BothSidesZoomTogetherAndTheSizeIsKept) {
     EXPECT_LT(dialog.height(), screen.height()) << "there is room for its title";
     EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(screen - QSize(12, 44)));
     EXPECT_LE(dialog.minimumSizeHint().height(), 700);
-    driver.Expect(u"ColourAdjustment"_s, [](QWidget& shown) {
-        auto& before = Child<ImageView>(shown, "Before");
-        auto& after = Child<ImageView>(shown, "After");
-        EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
-        SendWheel(before, {30, 40}, 360);
-        SendWheel(before, {30, 40}, 360);
-        EXPECT_EQ(before.ZoomPercent(), after.ZoomPercent());
-        EXPECT_EQ(before.ToImage({0, 0}), after.ToImage({0, 0}));
+    driver.Expect(u"ColourAdjustment"_s, [this](QWidget& shown) {
+        EXPECT_EQ(Before().ZoomPercent(), After().ZoomPercent());
+        SendWheel(Before(), {30, 40}, 720);
+        EXPECT_EQ(Before().ZoomPercent(), After().ZoomPercent());
+        EXPECT_EQ(Before().ToImage({0, 0}), After().ToImage({0, 0}));
         shown.resize(700, 650);
         ClickButton(shown, "btnCancel");
     });

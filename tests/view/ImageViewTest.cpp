@@ -42,7 +42,6 @@ class ImageViewTest : public ::testing::Test {
     void Move(QPointF to, Qt::MouseButton button = Qt::LeftButton) {
         SendMouse(view_, QEvent::MouseMove, to, button);
     }
-    void Release(QPointF at) { SendMouse(view_, QEvent::MouseButtonRelease, at); }
     void DragBy(QPointF from, QPointF by, Qt::MouseButton button = Qt::LeftButton) {
         Drag(view_, {from, from + by / 2, from + by}, button);
     }
@@ -114,20 +113,6 @@ TEST_F(ImageViewTest, TheWheelAndTwoFingersZoomAtThePointer) {
     EXPECT_NEAR(view_.ZoomPercent(), 1.5 * before, 1e-6) << "two fingers apart";
 }
 
-TEST_F(ImageViewTest, ADragMovesTheLayerByPhotoPixels) {
-    const QRect start(300, 250, 70, 90);
-    for (const auto& [percent, moved] :
-         {std::pair(50.0, start.translated(48, -20)), {200.0, start.translated(12, -5)}}) {
-        Open({800, 600}, percent);
-        const int layer = AddLayer(start);
-        QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
-        DragBy(OnLayer(layer), {24, -10});
-        EXPECT_EQ(Rectangle(layer), moved) << percent;
-        EXPECT_EQ(changed.count(), 2);
-        EXPECT_EQ(changed.last().first().toInt(), layer);
-    }
-}
-
 TEST_F(ImageViewTest, AClickPicksTheTopmostLayerAndBesideKeepsTheCurrentOne) {
     Open({390, 290}, 100);
     const int lower = AddLayer({50, 50, 100, 100});
@@ -150,17 +135,17 @@ TEST_F(ImageViewTest, AHandleScalesWithTheAspectRatioAndEscapeTakesItBack) {
     const QRect start(200, 150, 350, 270);
     const int layer = AddLayer(start);
     const QPointF corner = view_.ToWidget(start.bottomRight());
+    QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
     Press(corner);
     EXPECT_TRUE(view_.IsInteracting());
     Move(corner + QPointF(-31, -17));
     Move(corner + QPointF(-47, -23));
-    EXPECT_EQ(Rectangle(layer).topLeft(), start.topLeft());
-    EXPECT_LT(Rectangle(layer).width(), start.width() - 60);
-    EXPECT_NEAR(Rectangle(layer).width() * 270.0 / 350.0, Rectangle(layer).height(), 1.0);
-    QSignalSpy changed(&view_, &ImageView::LayerChangedByUser);
+    EXPECT_EQ(Rectangle(layer), QRect(200, 150, 269, 208));
+    EXPECT_EQ(changed.count(), 2);
+    EXPECT_EQ(changed.last().first().toInt(), layer);
     QTest::keyClick(&view_, Qt::Key_Escape);
     EXPECT_EQ(Rectangle(layer), start);
-    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(changed.count(), 3);
     EXPECT_FALSE(view_.IsInteracting());
     Move(corner + QPointF(50, 50));
     EXPECT_EQ(Rectangle(layer), start);
@@ -194,18 +179,6 @@ TEST_F(ImageViewTest, AnOwnersCorrectionIsRespectedWithoutDrift) {
     EXPECT_EQ(Rectangle(layer), QRect(330, 100, 70, 90));
     Move(start + QPointF(-20, 5));
     EXPECT_EQ(Rectangle(layer), QRect(280, 105, 70, 90));
-    Release(start);
-
-    // Growing over the right edge shifts the layer to the left; back again it is where it was.
-    const QPointF corner = view_.ToWidget(QRectF(Rectangle(layer)).bottomRight());
-    Press(corner);
-    for (int step = 0; step <= 10; ++step) {
-        Move(corner + QPointF(7, 9) * step);
-    }
-    EXPECT_EQ(Rectangle(layer), QRect(400 - 140, 105, 140, 180));
-    Move(corner + QPointF(7, 9));
-    EXPECT_EQ(Rectangle(layer), QRect(280, 105, 77, 99));
-    Release(corner);
 }
 
 TEST_F(ImageViewTest, ArrowKeysMoveTheCurrentLayerElsePan) {
