@@ -57,17 +57,23 @@ void MeasureDrag(const imaging::Pixels& photo) {
                 MedianMilliseconds(9, [&](int) {
                     checked.measures = imaging::MeasurePortrait(photo, *checked.face);
                 }));
-    checked.figures = core::TemplateRow{.width = {350}, .height = {450}};
-    checked.figures->head = {core::TenthsOfMillimetre{320}, core::TenthsOfMillimetre{360}};
+    core::TemplateRow figures;
+    figures.width = {350};
+    figures.height = {450};
+    figures.head = {core::TenthsOfMillimetre{320}, core::TenthsOfMillimetre{360}};
+    checked.figures = figures;
     checked.printedWidth = {350};
     dialogs::CheckSection section;
     section.resize(330, 900);
     section.show();
-    std::printf("drag frame with its painting: %.2f ms\n", MedianMilliseconds(200, [&](int frame) {
-                    checked.rectangle = QRect(frame * 3, frame * 2, 2000 + frame, 2571 + frame);
+    std::printf("drag frame with the whole section painted: %.2f ms\n",
+                MedianMilliseconds(200, [&](int frame) {
+                    checked.rectangle =
+                        QRect(frame * 9, frame * 7, 2000 + 5 * frame, 2571 + 6 * frame);
                     checked.whiteCorners = core::HasWhiteCorners(photo, checked.rectangle);
                     section.SetLines(core::CheckPhoto(checked), QStringLiteral("Pass"));
                     QCoreApplication::processEvents();
+                    section.grab();
                 }));
 }
 

@@ -90,8 +90,8 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
     column->addWidget(title);
     column->addWidget(summary_);
-    column->addLayout(grid_);
     column->addLayout(buttons_);
+    column->addLayout(grid_);
 
     connect(points_, &QPushButton::toggled, this, &CheckSection::PointsToggled);
     auto* reportMenu = new QMenu(report_);
@@ -148,7 +148,8 @@ void CheckSection::AddAction(QAction* action) {
     auto* button = new QPushButton(action->text());
     button->setObjectName(action->objectName() + u"Button"_s);
     button->setToolTip(action->toolTip());
-    buttons_->addWidget(button, buttons_->rowCount(), 0, 1, 2);
+    const int place = buttons_->count();
+    buttons_->addWidget(button, place / 2, place % 2);
     button->setCheckable(action->isCheckable());
     connect(action, &QAction::toggled, button, &QPushButton::setChecked);
     button->setEnabled(action->isEnabled());

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTransform>
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -85,6 +86,22 @@ TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {
     ASSERT_TRUE(search.face);
     EXPECT_EQ(search.faceCount, 2);
     ExpectDrawnFace(*search.face, large);
+}
+
+TEST(FaceSearch, CountsAGroupAndMeasuresOneOfIt) {
+    std::vector<QTransform> group;
+    for (int place = 0; place < 50; ++place) {
+        group.push_back(QTransform(0.3, 0, 0, 0.3, 190 * (place % 10), 240 * (place / 10)));
+    }
+    const QImage photo = Wall({1900, 1200}, group).convertToFormat(QImage::Format_Grayscale8);
+    const FaceSearch search = FindFace(Pixels(photo), InstalledCascades());
+    ASSERT_TRUE(search.face);
+    EXPECT_GE(search.faceCount, 45);
+    const auto isMeasured = [&](const QTransform& drawing) {
+        return Distance(search.face->leftEye.position, drawing.map(DrawnLeftEye)) < 4 &&
+               Distance(search.face->chin.position, drawing.map(DrawnChin)) < 10;
+    };
+    EXPECT_EQ(std::ranges::count_if(group, isMeasured), 1);
 }
 
 QImage Noise(QSize size) {
