@@ -51,9 +51,9 @@ CheckPanel::CheckPanel(PhotoSession& session, PhotoFace& face, QWidget& window, 
             [this] { controls::Guarded(&window_, [this] { SaveReport(); }); });
     connect(&section, &CheckSection::PrintReportAsked, this,
             [this] { controls::Guarded(&window_, [this] { PrintReport(); }); });
-    for (const Action action : {Action::AlignToFace, Action::LevelHead, Action::LevelByLine}) {
-        section.AddAction(actions[action]);
-    }
+    section.AddAction(actions[Action::AlignToFace], u"Ausrichten"_s);
+    section.AddAction(actions[Action::LevelHead], u"Gerade richten"_s);
+    section.AddAction(actions[Action::LevelByLine], u"Linie ziehen"_s);
     controls::Guarded(&window, [this] {
         actions_.SetChecked(Action::ShowCheck, platform::ReadRegistryInteger(CheckShownValue) != 0);
         panel_.ShowSection(&section_, actions_.IsChecked(Action::ShowCheck));

@@ -79,9 +79,11 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     grid_->setVerticalSpacing(1);
     buttons_ = new QGridLayout;
 
-    points_ = new QPushButton(u"&Punkte verschieben"_s);
+    points_ = new QPushButton(u"&Punkte ziehen"_s);
     points_->setObjectName(u"MovePoints"_s);
     points_->setCheckable(true);
+    points_->setToolTip(
+        u"Pupillen, Kinn und Scheitel auf dem Foto verschieben, wo sie falsch gefunden sind"_s);
     report_ = new QPushButton(u"&Bericht"_s);
     report_->setObjectName(u"CheckReport"_s);
     buttons_->addWidget(points_, 0, 0);
@@ -144,8 +146,8 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
     points_->setEnabled(!lines.empty());
 }
 
-void CheckSection::AddAction(QAction* action) {
-    auto* button = new QPushButton(action->text());
+void CheckSection::AddAction(QAction* action, const QString& text) {
+    auto* button = new QPushButton(text);
     button->setObjectName(action->objectName() + u"Button"_s);
     button->setToolTip(action->toolTip());
     const int place = buttons_->count();

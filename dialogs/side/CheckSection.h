@@ -23,7 +23,8 @@ class CheckSection : public QWidget {
     /// The lines, and a sentence above them, e.g. that there is no face.
     void SetLines(const std::vector<core::CheckLine>& lines, const QString& summary);
     /// A button that triggers an action of the window, pressed as long as that is checked.
-    void AddAction(QAction* action);
+    /// The panel is narrow: `text` is short, the action's own stands in the tip.
+    void AddAction(QAction* action, const QString& text);
 
     /// Presses or releases the button that lets the face's points be moved.
     void SetPointsMovable(bool movable);
