@@ -65,7 +65,7 @@ std::vector<ListedItem> ParseTrayList(const QByteArray& json) {
         throw platform::Error(u"Die Liste des Sammelblatts ist beschädigt."_s);
     }
     std::vector<ListedItem> items;
-    for (const QJsonValue& value : document.array()) {
+    for (const QJsonValue value : document.array()) {
         const QJsonObject object = value.toObject();
         ListedItem listed;
         listed.file = object[u"file"_s].toString();
