@@ -267,16 +267,14 @@ TEST_F(PrintingTest, TheTileIsInThePageOnceAndLossless) {
     layer.Print(image);
     service_.WaitForJobs();
     QTemporaryDir folder;
-    QProcess images;
-    images.start(u"pdfimages"_s, {u"-png"_s, service_.PrintedFile(), folder.filePath(u"i"_s)});
-    ASSERT_TRUE(images.waitForFinished());
+    const QString page = service_.PrintedFile();
+    Output(u"pdfimages"_s, {u"-png"_s, page, folder.filePath(u"i"_s)});
     EXPECT_EQ(QImage(folder.filePath(u"i-000.png"_s)).convertToFormat(QImage::Format_RGB32),
               image.tile);
-    images.start(u"pdfimages"_s, {u"-list"_s, service_.PrintedFile()});
-    ASSERT_TRUE(images.waitForFinished());
     QStringList objects;
-    for (const QByteArray& line : images.readAllStandardOutput().trimmed().split('\n').mid(2)) {
-        objects.append(QString::fromUtf8(line).simplified().section(u' ', 10, 10));
+    for (const QString& line :
+         Output(u"pdfimages"_s, {u"-list"_s, page}).trimmed().split(u'\n').mid(2)) {
+        objects.append(line.simplified().section(u' ', 10, 10));
     }
     EXPECT_EQ(objects.size(), 8);
     EXPECT_EQ(objects.removeDuplicates(), 7) << "the tile is in the file more than once";

@@ -68,17 +68,15 @@ QByteArray WmfRecord(quint16 function, const QByteArray& parameters = {}) {
 
 /// 640 by 480 units at 960 to the inch: 64 by 48 pixels at 96 dots per inch.
 QByteArray Wmf(const QByteArray& records, bool placeable = true) {
-    const QByteArray body = records + WmfRecord(0);
+    const QByteArray window =
+        WmfRecord(0x020b, Packed<qint16>(0, 0)) + WmfRecord(0x020c, Packed<qint16>(480, 640));
+    const QByteArray body = window + records + WmfRecord(0);
     QByteArray file;
     if (placeable) {
         file = Packed<quint32>(0x9ac6cdd7) + Packed<qint16>(0, 0, 0, 640, 480, 960, 0, 0, 0);
     }
     return file + Packed<quint16>(1, 9, 0x300) + Packed<quint32>(9 + body.size() / 2) +
            Packed<quint16>(4) + Packed<quint32>(100) + Packed<quint16>(0) + body;
-}
-
-QByteArray WmfWindow() {
-    return WmfRecord(0x020b, Packed<qint16>(0, 0)) + WmfRecord(0x020c, Packed<qint16>(480, 640));
 }
 
 QByteArray WmfBrushAndNoPen(quint32 colour) {
@@ -161,7 +159,7 @@ TEST(ReaderMetafile, WhatIsNotDrawnIsRefusedByName) {
     EXPECT_EQ(emf(StretchDibits({0, 0, 9, 9}, TwoColours).replace(68, 4, "\xc6\0\x88\0", 4)),
               complaint("TERNARYRASTEROPERATION"));
     const auto wmf = [](quint16 function) {
-        return Failure(Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)) +
+        return Failure(Wmf(WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)) +
                            WmfRecord(function, Packed<quint16>(1, 1, 1, 1))));
     };
     EXPECT_EQ(wmf(0x0a32), complaint("EXTTEXTOUT"));
@@ -175,13 +173,13 @@ TEST(ReaderMetafile, WmfKeepsStatesAndPlaces) {
     };
     // The clipping and the brush end with RestoreDC.
     const LoadedImage restored =
-        Read(Wmf(WmfWindow() + WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x001e) +
+        Read(Wmf(WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x001e) +
                  WmfRecord(0x0416, Packed<qint16>(480, 100, 0, 0)) + rectangle(200) +
                  WmfRecord(0x0127, Packed<qint16>(-1)) + rectangle(300)));
     ExpectColours(restored, {{24, 4, "#ffffff"}, {34, 4, "#ff0000"}});
     // The place of a deleted brush is the next one's: the second brush is object 0 again.
     const LoadedImage reused = Read(
-        Wmf(WmfWindow() + WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x01f0, Packed<quint16>(0)) +
+        Wmf(WmfBrushAndNoPen(0x0000ff) + WmfRecord(0x01f0, Packed<quint16>(0)) +
             WmfRecord(0x02fc, Packed<quint16>(0) + Packed<quint32>(0x00ff00) + Packed<quint16>(0)) +
             WmfRecord(0x012d, Packed<quint16>(0)) + rectangle(0)));
     ExpectColours(reused, {{4, 4, "#00ff00"}});
@@ -194,7 +192,7 @@ TEST(ReaderMetafile, WmfPolygonAndBitmap) {
                     BitmapInformation(1, 2) + TwoColours);
     for (const bool placeable : {true, false}) {
         const LoadedImage loaded =
-            Read(Wmf(WmfWindow() + WmfBrushAndNoPen(0x00ff00) + polygon + bitmap, placeable));
+            Read(Wmf(WmfBrushAndNoPen(0x00ff00) + polygon + bitmap, placeable));
         const int scale = loaded.pixels.Width() / Width;
         EXPECT_EQ(loaded.pixels.Size(), QSize(Width, Height) * (placeable ? 1 : 16));
         EXPECT_EQ(loaded.resolution.value, placeable ? 96 : 0);
@@ -210,7 +208,7 @@ TEST(ReaderMetafile, DamagedFilesAndEndlessWorkAreRefused) {
     for (qsizetype size = 44; size < emf.size() - 12; size += 4) {
         EXPECT_NE(Failure(emf.first(size)), QString()) << size;
     }
-    const QByteArray wmf = Wmf(WmfWindow() + WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)));
+    const QByteArray wmf = Wmf(WmfRecord(0x041b, Packed<qint16>(9, 9, 1, 1)));
     for (qsizetype size = 18; size < wmf.size() - 2; size += 2) {
         EXPECT_NE(Failure(wmf.first(size)), QString()) << size;
     }
