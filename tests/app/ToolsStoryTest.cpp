@@ -18,8 +18,7 @@ class ToolsStory : public Story {
  protected:
     ToolsStory() {
         // A reddish grey with a darker half and a spot.
-        QImage photo(600, 800, QImage::Format_RGB32);
-        photo.fill(qRgb(200, 160, 120));
+        QImage photo = Filled({600, 800}, qRgb(200, 160, 120));
         QPainter painter(&photo);
         painter.fillRect(0, 400, 600, 400, qRgb(60, 50, 40));
         painter.fillRect(300, 200, 20, 20, Qt::black);
@@ -31,7 +30,11 @@ class ToolsStory : public Story {
 
     imaging::view::ImageView& View() { return window->View(); }
     QRgb PhotoPixel(int x, int y) { return Image().Photo().Tile().pixel(x, y); }
+    bool IsInMode(const QString& mode) { return View().Tool() && IsChecked(mode); }
+    bool IsInNoMode() { return !View().Tool() && TemplateShows(); }
     bool TemplateShows() { return Image().LayerAt(1).visible && Image().CurrentLayer() == 1; }
+    QString Hint() { return window->statusBar()->currentMessage(); }
+    bool TellsToCopy() { return Hint().contains(u"Ziehen kopiert"_s); }
     ::testing::AssertionResult IsAsOpened() { return SamePixels(Image().Photo(), opened); }
 
     void Click(QPointF photo, Qt::KeyboardModifiers modifiers = {},
@@ -62,7 +65,7 @@ class ToolsStory : public Story {
 TEST_F(ToolsStory, TheWhitePointIsOneClickAndOneUndoStep) {
     View().SetZoomPercent(55);
     Trigger(u"acSetWhitePoint"_s);
-    EXPECT_TRUE(IsChecked(u"acSetWhitePoint"_s));
+    EXPECT_TRUE(IsInMode(u"acSetWhitePoint"_s));
     EXPECT_EQ(View().cursor().shape(), Qt::BitmapCursor);
     EXPECT_FALSE(Image().LayerAt(1).visible);
     EXPECT_NE(View().ZoomPercent(), 55) << "fits on entry";
@@ -75,8 +78,7 @@ TEST_F(ToolsStory, TheWhitePointIsOneClickAndOneUndoStep) {
     for (int click = 0; click < 2; ++click) {  // one for each activation
         Click({100.9, 100.2});
         EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
-        EXPECT_EQ(View().Tool(), nullptr);
-        EXPECT_TRUE(TemplateShows());
+        EXPECT_TRUE(IsInNoMode());
         EXPECT_EQ(PhotoPixel(100, 100), 0xffffffff);
         EXPECT_EQ(PhotoPixel(305, 205), 0xff000000);
         EXPECT_EQ(Image().UndoCount(), 1);
@@ -87,17 +89,15 @@ TEST_F(ToolsStory, TheWhitePointIsOneClickAndOneUndoStep) {
     Trigger(u"acSetWhitePoint"_s);
     Trigger(u"acSetWhitePoint"_s);
     EXPECT_EQ(View().ZoomPercent(), 100) << "full size on leaving";
-    EXPECT_TRUE(TemplateShows());
-    EXPECT_EQ(View().Tool(), nullptr);
+    EXPECT_TRUE(IsInNoMode());
 }
 
 TEST_F(ToolsStory, ModesEndWithEscapeThePhotoTheSheetAndEachOther) {
     for (const QString& mode : {u"acSetWhitePoint"_s, u"acBeauty"_s}) {
         const auto expectNoMode = [&] {
             EXPECT_FALSE(IsChecked(mode)) << mode.toStdString();
-            EXPECT_EQ(View().Tool(), nullptr);
+            EXPECT_TRUE(IsInNoMode());
             EXPECT_EQ(View().cursor().shape(), Qt::ArrowCursor);
-            EXPECT_TRUE(TemplateShows());
         };
         Trigger(mode);
         View().SetZoomPercent(55);
@@ -117,13 +117,12 @@ TEST_F(ToolsStory, ModesEndWithEscapeThePhotoTheSheetAndEachOther) {
     EXPECT_FALSE(IsChecked(u"acShowLayer"_s));
     Trigger(u"acBeauty"_s);
     EXPECT_FALSE(IsChecked(u"acSetWhitePoint"_s));
-    EXPECT_NE(View().Tool(), nullptr);
+    EXPECT_TRUE(IsInMode(u"acBeauty"_s));
     Trigger(u"acBeauty"_s);
     Trigger(u"acSetWhitePoint"_s);
     auto& switchedOff = Setting<QAbstractButton>("WhiteBalancePipette");
     switchedOff.setChecked(true);
-    EXPECT_EQ(View().Tool(), nullptr) << "the settings took its action away";
-    EXPECT_TRUE(TemplateShows());
+    EXPECT_TRUE(IsInNoMode()) << "the settings took its action away";
     switchedOff.setChecked(false);
     Trigger(u"acSetWhitePoint"_s);
     Trigger(u"acCrop"_s);
@@ -248,8 +247,7 @@ TEST_F(ToolsStory, TheStampTakesWithShiftAndCopiesWithoutEachStrokeAStep) {
 TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     const double zoom = View().ZoomPercent();
     const QStatusBar& bar = *window->statusBar();
-    const auto hint = [&bar] { return bar.currentMessage().section(u"  –"_s, 0, 0); };
-    const auto tellsToCopy = [&bar] { return bar.currentMessage().contains(u"Ziehen kopiert"_s); };
+    const auto hint = [this] { return Hint().section(u"  –"_s, 0, 0); };
     Trigger(u"acBeauty"_s);
     EXPECT_EQ(hint(), u"Stempel 13 px, Weichheit 50 %"_s);
     Wheel(1);
@@ -263,46 +261,43 @@ TEST_F(ToolsStory, WheelAndKeysChangeTheBrushAndTheStatusBarTells) {
     QTest::keyClicks(&View(), u"+"_s);
     EXPECT_EQ(hint(), u"Stempel 2 px, Weichheit 0 %"_s);
     EXPECT_EQ(View().ZoomPercent(), zoom);
-    EXPECT_FALSE(tellsToCopy());
+    EXPECT_FALSE(TellsToCopy());
     Click({200, 210}, Qt::ShiftModifier);
-    EXPECT_TRUE(tellsToCopy());
+    EXPECT_TRUE(TellsToCopy());
     QStatusTipEvent menu{QString()};
     QCoreApplication::sendEvent(window.get(), &menu);
-    EXPECT_TRUE(tellsToCopy()) << "a menu clears nothing";
-    EXPECT_LT(bar.fontMetrics().horizontalAdvance(bar.currentMessage()),
-              Child<QWidget>(bar, "StatusPanel2").x())
+    EXPECT_TRUE(TellsToCopy()) << "a menu clears nothing";
+    EXPECT_LT(bar.fontMetrics().horizontalAdvance(Hint()), Child<QWidget>(bar, "StatusPanel2").x())
         << "the whole hint is to be read";
     Trigger(u"acRotateLeft"_s);
-    EXPECT_FALSE(tellsToCopy()) << "the turned photo has another place there";
     EXPECT_EQ(hint(), u"Stempel 2 px, Weichheit 0 %"_s) << "the brush stays";
     Trigger(u"acUndo"_s);
     Trigger(u"acBeauty"_s);
-    EXPECT_TRUE(bar.currentMessage().isEmpty());
+    EXPECT_EQ(Hint(), u""_s);
     Wheel(1);
     EXPECT_GT(View().ZoomPercent(), zoom);
 }
 
 TEST_F(ToolsStory, TheBrushFitsThePhotoUntilItIsChosenAndATurnTakesTheSource) {
-    const auto hint = [this] { return window->statusBar()->currentMessage(); };
     const auto take = [&] {
         Trigger(u"acBeauty"_s);
         Click({200, 210}, Qt::ShiftModifier);
-        EXPECT_TRUE(hint().contains(u"Ziehen kopiert"_s));
+        EXPECT_TRUE(TellsToCopy());
     };
     SavePhoto("square.png", QSize(1200, 1200));
     SavePhoto("small.png", QSize(600, 700));
     Open("square.png");
     take();
-    EXPECT_TRUE(hint().startsWith(u"Stempel 20 px"_s));
+    EXPECT_TRUE(Hint().startsWith(u"Stempel 20 px"_s));
     Trigger(u"acRotateLeft"_s);
-    EXPECT_TRUE(hint().contains(u"Umschalt+Klick"_s)) << "also where the size stays";
+    EXPECT_TRUE(Hint().contains(u"Umschalt+Klick"_s)) << "also where the size stays";
     Open("small.png");
     take();
-    EXPECT_TRUE(hint().startsWith(u"Stempel 11 px"_s));
+    EXPECT_TRUE(Hint().startsWith(u"Stempel 11 px"_s));
     Wheel(1);
     Open("square.png");
     take();
-    EXPECT_TRUE(hint().startsWith(u"Stempel 13 px"_s)) << hint().toStdString();
+    EXPECT_TRUE(Hint().startsWith(u"Stempel 13 px"_s)) << Hint().toStdString();
 }
 
 TEST_F(ToolsStory, TheBrushStaysAtThePointerWhileThePhotoMovesBelowIt) {
