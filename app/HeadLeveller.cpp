@@ -32,11 +32,11 @@ HeadLeveller::HeadLeveller(PhotoSession& session, PhotoFace& face, imaging::view
     actions.Connect(Action::LevelHead, this, [this] { acLevelHeadExecute(); });
     actions.Connect(Action::LevelByLine, this, [this] { acLevelByLineExecute(); });
     connect(actions[Action::LevelByLine], &QAction::toggled, this, &HeadLeveller::FollowAction);
-    connect(&face, &PhotoFace::Forgotten, this, &HeadLeveller::Leave);
+    connect(&face, &PhotoFace::Forgotten, this, &HeadLeveller::EndMode);
 }
 
 HeadLeveller::~HeadLeveller() {
-    Leave();
+    EndMode();
 }
 
 /// Where no face is found the user shows where the eyes are.
@@ -59,7 +59,7 @@ void HeadLeveller::acLevelHeadExecute() {
 void HeadLeveller::acLevelByLineExecute() {
     if (!session_.IsEditing() || actions_.IsChecked(Action::Beauty) ||
         actions_.IsChecked(Action::SetWhitePoint)) {
-        Leave();
+        EndMode();
     }
 }
 
@@ -76,7 +76,7 @@ void HeadLeveller::FollowAction(bool checked) {
     }
 }
 
-void HeadLeveller::Leave() {
+void HeadLeveller::EndMode() {
     actions_[Action::LevelByLine]->setChecked(false);
 }
 
@@ -107,7 +107,7 @@ void HeadLeveller::Release() {
                      ShortestOnScreen) {
         return;
     }
-    Leave();
+    EndMode();
     const bool leftToRight = line->x1() < line->x2();
     controls::Guarded(view_.window(), [&] {
         Level(leftToRight ? imaging::TiltDegrees(line->p1(), line->p2())
@@ -119,7 +119,7 @@ bool HeadLeveller::Key(const QKeyEvent& event) {
     if (event.type() != QEvent::KeyPress || event.key() != Qt::Key_Escape) {
         return false;
     }
-    Leave();
+    EndMode();
     return true;
 }
 

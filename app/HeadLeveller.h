@@ -32,7 +32,7 @@ class HeadLeveller : public QObject, private imaging::view::ViewTool {
     void acLevelHeadExecute();
     void acLevelByLineExecute();
     void FollowAction(bool checked);
-    void Leave();
+    void EndMode();
     void Level(double tiltDegrees);
     void Press(const imaging::view::ToolPointer& pointer) override;
     void Move(const imaging::view::ToolPointer& pointer) override;

@@ -120,16 +120,16 @@ class JawFitter {
     double Along(QPointF chin, double width, double from, double to) const {
         constexpr double Step = 0.09;
         const double height = chin.y() - JawTop;
+        const int count = static_cast<int>((to - from) / Step) + 1;
         double sum = 0;
-        int count = 0;
-        for (double angle = from; angle <= to; angle += Step) {
+        for (int i = 0; i < count; ++i) {
+            const double angle = from + i * Step;
             const double aside = std::sin(angle);
             const double down = std::cos(angle);
             const QPointF at(chin.x() * down + width * aside, JawTop + height * down);
             const QPointF normal(aside / width, down / height);
             sum += Across(at, normal / std::hypot(normal.x(), normal.y()),
                           std::abs(angle) <= ChinAngle);
-            ++count;
         }
         return sum / count;
     }
