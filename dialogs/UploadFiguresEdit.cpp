@@ -43,7 +43,7 @@ UploadFiguresEdit::UploadFiguresEdit(QWidget* parent) : QWidget(parent) {
 }
 
 UploadFiguresEdit::Range UploadFiguresEdit::AddRange(QGridLayout& grid, const QString& caption,
-                                                     const QString& name, int largest) {
+                                                     const QString& name, int largest) const {
     const QString plain = QString(caption).remove(u'&');
     const Range range{NumberField(name + u"From"_s, plain + u", von"_s, largest),
                       NumberField(name + u"To"_s, plain + u", bis"_s, largest)};

@@ -29,7 +29,8 @@ class UploadFiguresEdit : public QWidget {
         QDoubleSpinBox* most;
     };
 
-    Range AddRange(QGridLayout& grid, const QString& caption, const QString& name, int largest);
+    Range AddRange(QGridLayout& grid, const QString& caption, const QString& name,
+                   int largest) const;
 
     Range width_;
     Range height_;

@@ -125,7 +125,7 @@ void RequireAlone(const QCommandLineParser& parser) {
 }
 
 QString RequiredOutput(const QCommandLineParser& parser) {
-    const QString output = parser.value(u"out"_s);
+    QString output = parser.value(u"out"_s);
     if (output.isEmpty()) {
         throw UsageError(u"Es ist kein Ziel angegeben (--out DATEI oder ORDNER)."_s);
     }
