@@ -309,6 +309,9 @@ TEST_F(CurveEditing, TheKeyboardWalksAddsMovesAndRemovesPoints) {
     Key(Qt::Key_Backtab);
     Key(Qt::Key_Delete);
     EXPECT_EQ(Shown().size(), 2U);
+    Key(Qt::Key_Insert);
+    EXPECT_EQ(Shown()[1], (imaging::CurvePoint{127, 127})) << "before the last, which is selected";
+    Key(Qt::Key_Delete);
     for (int i = 0; i < 30; ++i) {
         Key(Qt::Key_Left, Qt::ShiftModifier);
     }
