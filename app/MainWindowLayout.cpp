@@ -50,9 +50,12 @@ void TmainFm::BuildCommandArea() {
 
     QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
     file->setToolTipsVisible(true);
-    for (const Action action :
-         {Action::Open, Action::SearchArchiv, Action::Save, Action::PrintAgain, Action::PrinSetup,
-          Action::PrinterProfilDlg, Action::ShowConfig, Action::UploadFile, Action::Paste}) {
+    for (const Action action : {Action::Open, Action::SearchArchiv, Action::Save, Action::PrinSetup,
+                                Action::PrinterProfilDlg, Action::ShowConfig}) {
+        file->addAction(actions_[action]);
+    }
+    file->addSeparator();
+    for (const Action action : {Action::Paste, Action::UploadFile, Action::PrintAgain}) {
         file->addAction(actions_[action]);
     }
     file->addSeparator();

@@ -113,7 +113,7 @@ void PaperActions::ConnectSections() {
     connect(&shown, &PaperFields::Changed, this, [this, &shown, &kept] {
         kept.CopyFrom(shown);
         // At once: the next photo that is opened restores what its profile has stored.
-        controls::Guarded(&around_.window, [this] { around_.settings.StoreProfile(); });
+        controls::Guarded(&around_.window, [this] { around_.settings.StoreAdditions(); });
         Update();
     });
     connect(&kept, &PaperFields::Changed, this, [this, &shown, &kept] {

@@ -111,10 +111,13 @@ bool SheetActions::MayShrinkTheSheet() {
     const imaging::Pixels& sheet = session_.Image().Photo();
     const int pictures = sheet.PhotoCount();
     const bool isSheet = pictures > 1 || sheet.Arranged() != nullptr;
+    const QString what = pictures == 1 ? u"Das Blatt ist ein ganzes Papier"_s
+                                       : u"Das Blatt hat %1 Bilder"_s.arg(pictures);
     return !isSheet || !settings_.ScaleImageCk() ||
            controls::AskYesNo(&window_,
-                              u"Das Blatt hat %1 Bilder und würde als Ganzes auf die Größe eines "
-                              u"einzigen verkleinert.\n\nTrotzdem speichern?"_s.arg(pictures),
+                              what +
+                                  u" und würde als Ganzes auf die Größe eines einzigen Bildes "
+                                  u"verkleinert.\n\nTrotzdem speichern?"_s,
                               controls::Severity::Warning);
 }
 

@@ -60,8 +60,15 @@ WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& se
 WatchActions::~WatchActions() = default;
 
 void WatchActions::FollowSettings() {
+    if (unreadable_) {
+        return;  // it was said once
+    }
     QString folder;
-    controls::Guarded(strip_.window(), [&folder] { folder = core::WatchedFolder(); });
+    unreadable_ = true;
+    controls::Guarded(strip_.window(), [&] {
+        folder = core::WatchedFolder();
+        unreadable_ = false;
+    });
     if (folder == (watch_ ? watch_->Folder() : QString())) {
         return;
     }

@@ -49,6 +49,7 @@ class WatchActions : public QObject {
     Open open_;
     QTimer* timer_;
     std::unique_ptr<platform::FolderWatch> watch_;
+    bool unreadable_ = false;  ///< where the folder is kept
 };
 
 }  // namespace kadrona::app

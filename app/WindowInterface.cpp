@@ -5,6 +5,7 @@
 #include "app/PictureFileDialog.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
+#include "core/base/FileDialogs.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/RotateDialog.h"
 #include "imaging/view/ImageView.h"
@@ -39,7 +40,7 @@ std::optional<QStringList> WindowInterface::EditTags() {
 
 std::optional<QString> WindowInterface::AskForSaveFile(const core::SaveDialog& dialog) {
     const controls::WaitCursorPause pause;
-    return ChooseSaveFile(&window_, dialog, saveFilter_);
+    return ChooseSaveFile(&window_, dialog, saveFilters_[dialog.filter]);
 }
 
 std::optional<double> WindowInterface::AskForRotation(const imaging::Pixels& preview) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 
 #include "core/base/UserInterface.h"
@@ -43,8 +44,8 @@ class WindowInterface : public core::UserInterface {
     imaging::view::ImageView& view_;
     dialogs::TfmImageTagEdit* tagEditor_ = nullptr;
     dialogs::TfmRotateDlg* rotateDialog_ = nullptr;
-    /// The save dialog's last one.
-    QString saveFilter_;
+    /// The last choice in each save dialog, by the filters that it offers.
+    QHash<QString, QString> saveFilters_;
 };
 
 }  // namespace kadrona::app

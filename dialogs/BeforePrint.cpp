@@ -182,7 +182,7 @@ printing::PrintImage TBeforPrintDlgFm::SheetOfProfile() const {
 /// While the dialog is about to print by itself the print service is not asked, for whoever waits
 /// for its answer waits longer for the print.
 void TBeforPrintDlgFm::AskForPaper() {
-    if (!isVisible() || isAsking_ || sheet_.tile.isNull()) {
+    if (!isVisible() || isAsking_ || (sheet_.tile.isNull() && !sheet_.arrangement)) {
         return;
     }
     if (timer_->isActive()) {

@@ -201,8 +201,11 @@ void TPrintProfilDlg::btnDelProfileClick() {
         !controls::AskYesNo(this, u"Druck Profil löschen?"_s, controls::Severity::Warning)) {
         return;
     }
-    data_.DeletePrinterProfile(lbProfiles_->SelectedText());
-    printing::EraseCalibration(data_.DataFolder(), lbProfiles_->SelectedText());
+    const QString name = lbProfiles_->SelectedText();
+    data_.DeletePrinterProfile(name);
+    const auto eraseCalibration = qScopeGuard([&] {
+        controls::Guarded(this, [&] { printing::EraseCalibration(data_.DataFolder(), name); });
+    });
     delete lbProfiles_->takeItem(row);
     lbProfiles_->SelectRow(-1);
     settings_.ResetPrintDefaults();

@@ -20,6 +20,8 @@ class ProfilePropertyStore : public core::ProfileStore {
     void SetStorageFile(const QString& path) override;
 
     void Store() const;
+    /// The additions alone, between the moments at which a profile's record is written.
+    void StoreAdditions() const { additions_.Store(); }
     /// Both files where the record's is still empty.
     void StoreUnwritten() const;
     /// A record that misses a property leaves its control as it is, so that a new profile starts

@@ -8,7 +8,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScopeGuard>
 #include <QShowEvent>
 #include <QSignalBlocker>
 #include <QTabWidget>
@@ -109,7 +108,6 @@ void TEinstellungenFm::InitPropertys() {
     frameSize_->setText(QString::number(data_.FrameSize()));
     ShowTodaysLists();
     imageDestinationDir_->setText(core::TData::GetArchivPath());
-    watchedFolder_->setText(core::WatchedFolder());
     {
         const QSignalBlocker quiet(profileListBox_);
         profileListBox_->clear();
@@ -123,6 +121,7 @@ void TEinstellungenFm::InitPropertys() {
     UpdateDeleteButton();
     Bind(StandardProfile);
     TakeOverFrameSize();
+    watchedFolder_->setText(core::WatchedFolder());
 }
 
 controls::ModalResult TEinstellungenFm::ShowEx() {
@@ -154,7 +153,7 @@ void TEinstellungenFm::ResetPrintDefaults() {
 void TEinstellungenFm::KeepUploadFigures(bool own, const core::UploadFigures& figures) {
     findChild<QCheckBox*>(u"UploadOwnFigures"_s)->setChecked(own);
     uploadFigures_->SetFigures(figures);
-    propertyStore_.Store();
+    propertyStore_.StoreAdditions();
 }
 
 void TEinstellungenFm::AktivateProfileByName(const QString& name, bool storeFirst) {
@@ -211,12 +210,11 @@ void TEinstellungenFm::FormShow() {
     ActivateSelected(false);
 }
 
-/// The archive folder is kept even where the profile cannot be stored.
+/// The folders are kept even where the profile cannot be stored.
 void TEinstellungenFm::FormClose() {
-    const auto keepArchiveFolder =
-        qScopeGuard([this] { core::TData::SetArchivPath(imageDestinationDir_->text()); });
+    controls::Guarded(this, [this] { propertyStore_.Store(); });
+    core::TData::SetArchivPath(imageDestinationDir_->text());
     core::SetWatchedFolder(watchedFolder_->text());
-    propertyStore_.Store();
 }
 
 void TEinstellungenFm::ProfileListBoxClick() {

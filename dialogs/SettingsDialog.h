@@ -63,8 +63,8 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void KeepUploadFigures(bool own, const core::UploadFigures& figures);
     /// The choice of what sheets are made on, which others may show as well.
     PaperFields& SheetFields() { return *sheetFields_; }
-    /// Stores the controls into the active profile.
-    void StoreProfile() const { propertyStore_.Store(); }
+    /// Stores what the active profile keeps besides its record.
+    void StoreAdditions() const { propertyStore_.StoreAdditions(); }
 
     // core::Settings
     bool Checked(const core::ProfileEntry& entry) const override;

@@ -31,7 +31,9 @@ void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
     const QString bound = store.StorageFile();
     try {
         const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
-        store.SetStorageFile(platform::JoinPath(dataFolder_, file));
+        const QString path = platform::JoinPath(dataFolder_, file);
+        QFile::remove(AdditionsFile(path));  // of a profile whose record was deleted by hand
+        store.SetStorageFile(path);
         Record(name, file);
     } catch (const platform::UnflushedError&) {
         throw;  // the profile is there

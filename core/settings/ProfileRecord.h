@@ -105,11 +105,11 @@ consteval const ProfileEntry& EntryOf(std::string_view control) {
     const auto isOf = [&](const ProfileEntry& entry) {
         return std::string_view(entry.control.data(), size_t(entry.control.size())) == control;
     };
-    if (const auto found = std::ranges::find_if(ProfileRecord, isOf);
+    if (const auto* found = std::ranges::find_if(ProfileRecord, isOf);
         found != ProfileRecord.end()) {
         return *found;
     }
-    if (const auto found = std::ranges::find_if(ProfileAdditions, isOf);
+    if (const auto* found = std::ranges::find_if(ProfileAdditions, isOf);
         found != ProfileAdditions.end()) {
         return *found;
     }

@@ -75,46 +75,14 @@ void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
         }
         return;
     }
-    if (!MayBeSavedQuickly(image.Photo())) {
-        return;
-    }
-    if (const auto path = QuickPath(request)) {
-        SaveQuickly(image, *path, request);
-    }
+    SaveQuickly(image, platform::JoinPath(DelLastBackslash(request.folder), request.fileName),
+                request);
 }
 
 std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
     auto path = ui_.AskForSaveFile(dialog);
     if (path) {
         lastFolder_ = QDir::toNativeSeparators(platform::JoinPath(QFileInfo(*path).path(), {}));
-    }
-    return path;
-}
-
-/// A sheet stays one where the number of photos is changed after it was made.
-bool PhotoSaver::MayBeSavedQuickly(const imaging::Pixels& photo) {
-    const int copies = photo.PhotoCount();
-    const bool isSheet = copies > 1 || photo.Arranged() != nullptr;
-    return !isSheet || ui_.AskYesNo(
-                           u"Das Bild ist ein Bogen mit %1 Fotos, kein einzelnes Foto. "
-                           u"Soll es trotzdem so gespeichert werden?"_s.arg(copies));
-}
-
-/// Nothing where the user wanted another place and then none.
-std::optional<QString> PhotoSaver::QuickPath(const Request& request) {
-    QString path = platform::JoinPath(DelLastBackslash(request.folder), request.fileName);
-    QString warning;
-    if (request.folder.isEmpty()) {
-        warning =
-            u"Es gibt kein Verzeichnis, in dem Fotos gespeichert werden; das Bild käme nach "
-            u"„%1“."_s.arg(path);
-    } else if (sources_.value(path, request.source) != request.source && QFileInfo::exists(path)) {
-        warning =
-            u"Unter „%1“ ist schon ein anderes Foto gespeichert. Es würde ersetzt."_s.arg(path);
-    }
-    if (!warning.isEmpty() &&
-        ui_.AskYesNo(warning + u"\n\nMöchten Sie einen anderen Namen wählen?"_s)) {
-        return AskForPath(DialogFor(request));
     }
     return path;
 }
@@ -134,7 +102,6 @@ void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
         }
         throw;
     }
-    sources_.insert(path, request.source);
     ui_.ShowMessage(u"Das Bild wurde unter %1 gespeichert"_s.arg(path));
     image.Undo();
     image.ClearUndo();

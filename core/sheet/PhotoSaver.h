@@ -42,9 +42,8 @@ class PhotoSaver {
         bool withTags = true;
     };
 
-    /// Writes an image, over an older file of that name. Before a save under a given name the user
-    /// is asked where the image is a sheet of several photos, and may choose another place where
-    /// there is no folder, or where this run has saved another photo under that name.
+    /// Writes an image, over an older file of that name. Whoever calls
+    /// asks before something is lost.
     ///
     /// After a save under a given name the newest undo step is taken back, whether or not the image
     /// was scaled, and the others are dropped. Throws imaging::WriteError where the file cannot be
@@ -53,14 +52,10 @@ class PhotoSaver {
 
  private:
     std::optional<QString> AskForPath(const SaveDialog& dialog);
-    bool MayBeSavedQuickly(const imaging::Pixels& photo);
-    std::optional<QString> QuickPath(const Request& request);
     void SaveQuickly(imaging::LayeredImage& image, const QString& path, const Request& request);
 
     UserInterface& ui_;
     QString lastFolder_;
-    /// What this run has saved quickly: the photo that each file was made of.
-    QHash<QString, QString> sources_;
 };
 
 }  // namespace kadrona::core

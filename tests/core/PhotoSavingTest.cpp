@@ -86,29 +86,6 @@ TEST_F(PhotoSaving, ScalesTheFileAndGivesThePhotoBack) {
     EXPECT_TRUE(image.AutomaticUndo());
 }
 
-TEST_F(PhotoSaving, AsksBeforeASheetOrAnotherPhotosFileIsLost) {
-    Save("a.bmp");
-    data.SetCurrentFile(u"/photos/eva.png"_s);
-    image.Open(Filled(Qt::blue), {300});
-    ui.messages.clear();
-    ui.answers = {true};
-    ui.saveFile = Saved("eva.bmp");
-    Save("a.bmp");
-    EXPECT_TRUE(ui.messages.first().contains(Saved("a.bmp"))) << qPrintable(ui.messages.first());
-    EXPECT_EQ(ColourOf(Saved("a.bmp")), QColor(Qt::green)) << "another photo's";
-    EXPECT_EQ(ColourOf(Saved("eva.bmp")), QColor(Qt::blue));
-
-    image.Open(Filled(Qt::green, 4, 2), {300});
-    Save("sheet.bmp", true);
-    EXPECT_TRUE(ui.messages.last().contains(u"8 Fotos"_s));
-    EXPECT_FALSE(QFile::exists(Saved("sheet.bmp")));
-    ui.answers = {true, true};
-    ui.saveFile.reset();
-    data.SaveImage(image, {}, u"sheet.bmp"_s, true);
-    EXPECT_TRUE(ui.messages.last().contains(u"„/sheet.bmp“"_s)) << "no folder, then no name";
-    EXPECT_EQ(image.Photo().Columns(), 4);
-}
-
 TEST_F(PhotoSaving, ByDialogProposesANameAndTakesTheFormatOfTheChosenOne) {
     data.SaveImage(image, folder, {}, false);
     EXPECT_TRUE(QDir(folder).isEmpty()) << "it was cancelled";
