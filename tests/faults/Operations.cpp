@@ -172,7 +172,7 @@ QString ArchiveFault(const QString& folder) {
         return {};
     }
     store::Database database(databaseFolder);
-    const QString fault = DatabaseFault(database);
+    QString fault = DatabaseFault(database);
     if (!fault.isEmpty() || !database.TableExists(u"ImgTags_idx"_s)) {
         return fault;
     }
