@@ -87,6 +87,7 @@ void PaperView::ShowSheet(const printing::SheetOnPaper& sheet,
     }
     sheet_ = sheet;
     std::vector<qint64> keys;
+    keys.reserve(pictures.size());
     for (const QImage& picture : pictures) {
         keys.push_back(picture.cacheKey());
     }

@@ -87,7 +87,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void MakeGeneralControls();
     QWidget* BuildGeneralPage();
     QWidget* BuildOptionsPage();
-    QWidget* BuildCheckPage();
+    static QWidget* BuildCheckPage();
     QWidget* BuildFilesPage();
     QWidget* BuildSheetPage();
     void FillPropertyStore();

@@ -42,7 +42,7 @@ class PhotoSaving : public ::testing::Test {
     static imaging::Pixels Filled(Qt::GlobalColor colour, int columns = 1, int rows = 1) {
         QImage image(600, 750, QImage::Format_RGB32);
         image.fill(colour);
-        return imaging::Pixels(image, columns, rows);
+        return {image, columns, rows};
     }
 
     QString Saved(const char* name) const { return folder + u'/' + QLatin1StringView(name); }

@@ -90,8 +90,11 @@ TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {
 
 TEST(FaceSearch, CountsAGroupAndMeasuresOneOfIt) {
     std::vector<QTransform> group;
-    for (int place = 0; place < 50; ++place) {
-        group.push_back(QTransform(0.3, 0, 0, 0.3, 190 * (place % 10), 240 * (place / 10)));
+    group.reserve(50);
+    for (int row = 0; row < 5; ++row) {
+        for (int column = 0; column < 10; ++column) {
+            group.emplace_back(0.3, 0, 0, 0.3, 190 * column, 240 * row);
+        }
     }
     const QImage photo = Wall({1900, 1200}, group).convertToFormat(QImage::Format_Grayscale8);
     const FaceSearch search = FindFace(Pixels(photo), InstalledCascades());

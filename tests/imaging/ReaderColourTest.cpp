@@ -78,8 +78,8 @@ TEST(ReaderColour, WideGamutProfilesGiveWhatTheToolOfLittleCmsSays) {
         for (const auto format : {QImage::Format_RGB32, QImage::Format_RGBA64}) {
             const QByteArray png = Written(colours.convertToFormat(format), "png");
             const LoadedImage loaded = Read(WithProfile(png, Profile(name)));
-            for (int x = 0; x < colours.width(); ++x) {
-                const QRgb rgb = loaded.pixels.Tile().pixel(x, 0);
+            for (qsizetype x = 0; x < colours.width(); ++x) {
+                const QRgb rgb = loaded.pixels.Tile().pixel(int(x), 0);
                 EXPECT_NEAR(qRed(rgb), said[3 * x].toDouble(), 1) << name << ' ' << x;
                 EXPECT_NEAR(qGreen(rgb), said[3 * x + 1].toDouble(), 1) << name << ' ' << x;
                 EXPECT_NEAR(qBlue(rgb), said[3 * x + 2].toDouble(), 1) << name << ' ' << x;

@@ -120,11 +120,12 @@ TEST(ReaderFailure, PackedTextsOfPngAreNotUnpacked) {
 TEST(ReaderFailure, FilesThatCannotBeOpened) {
     const QTemporaryDir folder;
     const QString longName(300, u'x');
-    for (const auto& [path, reason] :
+    for (const auto& [file, reason] :
          {std::pair(folder.filePath(u"weg.jpg"_s), u"Die Datei ist nicht vorhanden"_s),
           {folder.path(), u"Es ist ein Ordner"_s},
           {folder.filePath(longName), u"Der Name ist zu lang"_s},
           {u"/dev/zero"_s, u"Es ist keine gewöhnliche Datei"_s}}) {
+        const QString path = file;
         EXPECT_EQ(testing::TextOf<ReadError>([&] { ReadImageFile(path); }),
                   u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
                       QFileInfo(path).fileName(), reason));

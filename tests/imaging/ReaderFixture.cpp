@@ -118,7 +118,7 @@ QByteArray Jpeg(const JpegContent& content) {
     auto* samples = reinterpret_cast<JSAMPLE*>(row.data());
     for (int y = 0; y < content.size.height(); ++y) {
         for (int x = 0; x < content.size.width(); ++x) {
-            content.pixel(x, y, samples + x * content.channels);
+            content.pixel(x, y, samples + qsizetype{x} * content.channels);
         }
         jpeg_write_scanlines(&info, &samples, 1);
     }

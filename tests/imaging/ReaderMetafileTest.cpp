@@ -101,7 +101,7 @@ TEST(ReaderMetafile, AnEmfHasTheSizeOfItsFrameAndSkipsWhatHasNoEffect) {
 
 TEST(ReaderMetafile, ALargeBitmapKeepsItsPixels) {
     constexpr QSize BitmapSize(500, 500);
-    const QByteArray bits(500 * 500 * 3, '\x40');
+    const QByteArray bits(qsizetype{500} * 500 * 3, '\x40');
     const auto emf = [&](int width, int height) {
         return Emf(StretchDibits({0, 0, width, height}, bits, BitmapSize));
     };

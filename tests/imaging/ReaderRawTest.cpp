@@ -40,7 +40,7 @@ QByteArray RawFile(const Dng& dng, QColor colour) {
                                      Linear(colour.blue()) * dng.blue};
     for (int y = 0; y < dng.size.height() - dng.missingRows; ++y) {
         for (int x = 0; x < dng.size.width(); ++x) {
-            const auto filter = static_cast<size_t>(dng.pattern[y % 2 * 2 + x % 2]);
+            const auto filter = size_t{static_cast<uchar>(dng.pattern[y % 2 * 2 + x % 2])};
             mosaic += Packed<quint16>(std::lround(seen.at(filter) * 65535));
         }
     }
