@@ -14,8 +14,6 @@ namespace {
 
 /// From here on the colours of every pixel are worth their bytes.
 constexpr int QualityOfAllColours = 90;
-/// Most files are coded better than this.
-constexpr int GoodQuality = 75;
 constexpr int UsualQuality = 95;
 constexpr int FinestTables = 0;
 
