@@ -23,10 +23,10 @@ constexpr int ShortestTile = 40;
 constexpr double WheelStep = 1.2;
 constexpr double KeyStep = 40;
 
-const QColor LostColor(196, 30, 30);
+const QColor LostColour(196, 30, 30);
 const QColor Desk(226, 228, 231);
 
-const QColor MarkColor(60, 60, 60);
+const QColor MarkColour(60, 60, 60);
 
 std::vector<QImage> EverSmaller(const QImage& picture) {
     const bool isLarge = std::max(picture.width(), picture.height()) > LongestTile;
@@ -224,7 +224,7 @@ void PaperView::PaintCopies(QPainter& painter) const {
     }
     for (const QRectF& mark : sheet_->marks) {
         const QRectF shown = ToWidget(mark);
-        painter.fillRect(QRectF(shown.topLeft(), shown.size().expandedTo({1, 1})), MarkColor);
+        painter.fillRect(QRectF(shown.topLeft(), shown.size().expandedTo({1, 1})), MarkColour);
     }
     for (const printing::SheetOnPaper::Copy& copy : sheet_->copies) {
         const QRectF photo = ToWidget(copy.photo);
@@ -233,9 +233,9 @@ void PaperView::PaintCopies(QPainter& painter) const {
         painter.drawRect(photo);
         for (const QRectF& part : copy.LostParts()) {
             const QRectF lost = ToWidget(part);
-            painter.fillRect(lost, QColor(LostColor.red(), 0, 0, 110));
+            painter.fillRect(lost, QColor(LostColour.red(), 0, 0, 110));
             painter.fillRect(lost, QBrush(QColor(255, 255, 255, 150), Qt::FDiagPattern));
-            painter.setPen(QPen(LostColor, 1));
+            painter.setPen(QPen(LostColour, 1));
             painter.drawRect(lost);
         }
         PaintCopySize(painter, photo, copy.photo.size());
