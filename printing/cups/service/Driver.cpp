@@ -56,10 +56,17 @@ DriverOption OptionOf(const GermanTexts& texts, const ppd_option_t& read) {
     return option;
 }
 
+bool Holds(const std::vector<DriverOption>& options, const QByteArray& keyword) {
+    return std::any_of(options.begin(), options.end(),
+                       [&](const DriverOption& option) { return option.keyword == keyword; });
+}
+
+/// An option that a broken description names twice counts once: a job can carry only one value.
 void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
                     std::vector<DriverOption>& options) {
     for (int i = 0; i < group.num_options; ++i) {
-        if (qstrcmp(group.options[i].keyword, PaperAgain) != 0) {
+        const char* keyword = group.options[i].keyword;
+        if (qstrcmp(keyword, PaperAgain) != 0 && !Holds(options, keyword)) {
             DriverOption option = OptionOf(texts, group.options[i]);
             if (!option.choices.empty()) {
                 options.push_back(std::move(option));
