@@ -1,7 +1,6 @@
 #include "app/Application.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QTextStream>
 #include <QTimer>
@@ -17,6 +16,7 @@
 #include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
+#include "app/commandline/WindowRequest.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
 #include "core/base/Product.h"
@@ -65,22 +65,7 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
         output << core::WindowCaption << Qt::endl;
         return Done;
     }
-    // Behind "--" a name may begin with "-".
-    const bool named = first == u"--"_s;
-    const QString wrong = first.startsWith(u'-') && !named ? first : arguments.value(named ? 3 : 2);
-    if (!wrong.isEmpty()) {
-        errors << u"Mit „%1“ kann Kadrona nicht gestartet werden.\nHilfe: kadrona --help"_s.arg(
-                      HarmlessName(wrong))
-               << Qt::endl;
-        return WrongUsage;
-    }
     return std::nullopt;
-}
-
-/// The full path of the photo that is to be opened; empty where none was named.
-QString PhotoToOpen(const QStringList& arguments) {
-    const QString photo = LocalPath(arguments.value(arguments.value(1) == u"--"_s ? 2 : 1));
-    return photo.isEmpty() ? photo : QFileInfo(photo).absoluteFilePath();
 }
 
 /// Qt would end the program without a word that a user understands.
@@ -98,13 +83,15 @@ QStringList ArgumentsOf(int argc, char** argv) {
 }
 
 /// Dialogs over the photo can only be placed well over a window that is on the screen.
-void OpenOnceExposed(TmainFm& window, const QString& photo) {
+void OpenOnceExposed(TmainFm& window, const WindowRequest& request) {
     constexpr int LookAgainMilliseconds = 10;
-    if (window.windowHandle()->isExposed()) {
-        window.OpenDroppedFiles({photo});
-    } else {
+    if (!window.windowHandle()->isExposed()) {
         QTimer::singleShot(LookAgainMilliseconds, &window,
-                           [&window, photo] { OpenOnceExposed(window, photo); });
+                           [&window, request] { OpenOnceExposed(window, request); });
+    } else if (!request.photo.isEmpty()) {
+        window.OpenDroppedFiles({request.photo});
+    } else if (request.chooses) {
+        window.Actions()[Action::Open]->trigger();
     }
 }
 
@@ -116,7 +103,7 @@ void CloseAsByTheUser(TmainFm& window) {
     QApplication::exit(Done);
 }
 
-int RunWindow(int argc, char** argv, const QString& photo) {
+int RunWindow(int argc, char** argv, const WindowRequest& request) {
     QApplication application(argc, argv);
     QTranslator toolkitTexts;
     if (toolkitTexts.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
@@ -125,6 +112,8 @@ int RunWindow(int argc, char** argv, const QString& photo) {
     QLocale::setDefault(QLocale(QLocale::German));
     controls::ApplyTheme(application);
     QApplication::setApplicationName(core::ApplicationTitle.toString());
+    // Names the desktop file, by which panels find the icon and join the windows.
+    QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
@@ -134,9 +123,7 @@ int RunWindow(int argc, char** argv, const QString& photo) {
         QObject::connect(&ending, &platform::TerminationSignals::Requested, &window,
                          [&window] { CloseAsByTheUser(window); });
         window.show();
-        if (!photo.isEmpty()) {
-            OpenOnceExposed(window, photo);
-        }
+        OpenOnceExposed(window, request);
         result = QApplication::exec();
     });
     return started ? result : SomePhotoFailed;
@@ -150,6 +137,14 @@ int Run(int argc, char** argv) {
     if (const auto exitCode = RunWithoutWindow(argc, argv, arguments)) {
         return *exitCode;
     }
+    WindowRequest request;
+    try {
+        request = ParseWindowRequest(arguments.mid(1));
+    } catch (const UsageError& error) {
+        QTextStream(stderr) << HarmlessName(error.Text()) << u"\nHilfe: kadrona --help"_s
+                            << Qt::endl;
+        return WrongUsage;
+    }
     if (!HasDisplay()) {
         QTextStream(stderr)
             << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
@@ -157,7 +152,7 @@ int Run(int argc, char** argv) {
                u"--help).\n"_s;
         return SomePhotoFailed;
     }
-    return RunWindow(argc, argv, PhotoToOpen(arguments));
+    return RunWindow(argc, argv, request);
 }
 
 }  // namespace kadrona::app

@@ -1,6 +1,8 @@
 #include "printing/cups/service/Question.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 
 #include "printing/cups/service/AskCodes.h"
 
@@ -25,6 +27,15 @@ Question::Outcome OutcomeOf(int code) {
     }
 }
 
+/// Stands beside the program where it was built, and where programs that nobody calls by hand
+/// belong once it is installed.
+QString AskingProgram() {
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QString installed = folder.filePath(u"../libexec/kadrona/kadrona-ask-cups"_s);
+    const QString own = folder.filePath(u"kadrona-ask-cups"_s);
+    return !QFileInfo::exists(own) && QFileInfo::exists(installed) ? installed : own;
+}
+
 }  // namespace
 
 Question::Question(QStringList arguments, const QByteArray& input, Limits limits)
@@ -44,7 +55,7 @@ Question::Question(QStringList arguments, const QByteArray& input, Limits limits
     connect(&deadline_, &QTimer::timeout, this, [this] { End(Outcome::Silent); });
     deadline_.start(limits.time);
     process_.setStandardErrorFile(QProcess::nullDevice());
-    process_.start(QCoreApplication::applicationDirPath() + u"/kadrona-ask-cups"_s, arguments);
+    process_.start(AskingProgram(), arguments);
     process_.write(input);
     process_.closeWriteChannel();
 }
