@@ -15,9 +15,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// libheif takes about six bytes a pixel beside the result.
-constexpr qint64 MostPixels = 50'000'000;
-
 template <auto Destroy>
 struct Release {
     void operator()(auto* object) const { Destroy(object); }
@@ -40,9 +37,8 @@ QString ReasonOf(const heif_error& error) {
     if (error.subcode == heif_suberror_No_or_invalid_primary_item) {
         return u"Die Datei enthält kein Bild."_s;
     }
-    return error.subcode == heif_suberror_End_of_data
-               ? IncompleteFileReason()
-               : u"Die Datei ist beschädigt oder unvollständig."_s;
+    return error.subcode == heif_suberror_End_of_data ? IncompleteFileReason()
+                                                      : DamagedOrIncompleteFileReason();
 }
 
 void Require(const heif_error& error, const ReadTask& task) {
@@ -85,25 +81,68 @@ QByteArray ProfileOf(const heif_image_handle* handle) {
     return profile;
 }
 
+/// What libheif takes for a pixel beside the result.
+int BytesBeside(const heif_image_handle* handle) {
+    return heif_image_handle_get_luma_bits_per_pixel(handle) > 8 ? 10
+           : heif_image_handle_has_alpha_channel(handle) != 0    ? 6
+                                                                 : 3;
+}
+
+/// One channel of a decoded picture. Not there where the picture has none.
+class Channel {
+ public:
+    Channel(const heif_image* picture, heif_channel channel)
+        : bytes_(heif_image_get_plane_readonly(picture, channel, &stride_)),
+          bits_(heif_image_get_bits_per_pixel_range(picture, channel)) {}
+    bool IsThere() const { return bytes_ != nullptr; }
+
+    /// As 8 bits.
+    int At(int x, int y) const {
+        const uchar* const row = bytes_ + qsizetype{y} * stride_;
+        return bits_ <= 8 ? row[x] : reinterpret_cast<const quint16*>(row)[x] >> (bits_ - 8);
+    }
+
+ private:
+    int stride_ = 0;
+    const uchar* bytes_;
+    int bits_;
+};
+
+/// One pixel after the other.
+QImage Interleaved(const heif_image* picture, bool premultiplied, const ReadTask& task) {
+    const Channel red(picture, heif_channel_R);
+    const Channel green(picture, heif_channel_G);
+    const Channel blue(picture, heif_channel_B);
+    const Channel alpha(picture, heif_channel_Alpha);
+    if (!red.IsThere() || !green.IsThere() || !blue.IsThere()) {
+        task.Fail(DamagedFileReason());
+    }
+    const int width = heif_image_get_width(picture, heif_channel_R);
+    const int height = heif_image_get_height(picture, heif_channel_R);
+    task.RequireAllowedSize(width, height);
+    QImage image =
+        NewImage({width, height}, alpha.IsThere() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        auto* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            const int opacity = alpha.IsThere() ? alpha.At(x, y) : 255;
+            const QRgb pixel = qRgba(red.At(x, y), green.At(x, y), blue.At(x, y), opacity);
+            row[x] = premultiplied ? qUnpremultiply(pixel) : pixel;
+        }
+    }
+    return image;
+}
+
 QImage Decode(const heif_image_handle* handle, const ReadTask& task) {
     const Options options(heif_decoding_options_alloc());
     options->convert_hdr_to_8bit = 1;
     heif_image* decoded = nullptr;
-    Require(heif_decode_image(handle, &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                              options.get()),
-            task);
+    // Interleaved already, a copy more of the picture would be in memory.
+    Require(
+        heif_decode_image(handle, &decoded, heif_colorspace_RGB, heif_chroma_444, options.get()),
+        task);
     const Picture picture(decoded);
-    int stride = 0;
-    const uchar* plane =
-        heif_image_get_plane_readonly(picture.get(), heif_channel_interleaved, &stride);
-    const int width = heif_image_get_width(picture.get(), heif_channel_interleaved);
-    const int height = heif_image_get_height(picture.get(), heif_channel_interleaved);
-    task.RequireAllowedSize(width, height);
-    const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle) != 0;
-    const QImage view(
-        plane, width, height, stride,
-        premultiplied ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBA8888);
-    return RequireAllocated(view.convertToFormat(QImage::Format_ARGB32));
+    return Interleaved(picture.get(), heif_image_handle_is_premultiplied_alpha(handle) != 0, task);
 }
 
 DecodedImage Read(const ReadTask& task) {
@@ -118,11 +157,11 @@ DecodedImage Read(const ReadTask& task) {
     const int width = heif_image_handle_get_width(primary);
     const int height = heif_image_handle_get_height(primary);
     task.RequireAllowedSize(width, height);
-    if (qint64{width} * height > MostPixels) {
-        task.Fail(TooMuchMemoryReason());
-    }
-    // What the picture is put together from may be no larger.
-    heif_context_set_maximum_image_size_limit(context.get(), std::max({width, height, 4096}));
+    task.RequireMemoryBeside(file.size() + qint64{width} * height * BytesBeside(primary));
+    // What the picture is put together from may be no larger, but for what codecs fill up with.
+    constexpr int LargestBlock = 128;
+    heif_context_set_maximum_image_size_limit(context.get(),
+                                              std::max({width, height, 4096}) + LargestBlock);
     DecodedImage result;
     result.profile = ProfileOf(primary);
     result.image = Decode(primary, task);

@@ -16,6 +16,7 @@
 #include "imaging/reading/PngReader.h"
 #include "imaging/reading/RawReader.h"
 #include "imaging/reading/ReadTask.h"
+#include "imaging/reading/TiffReader.h"
 #include "imaging/reading/WebPReader.h"
 #include "platform/SystemReason.h"
 
@@ -33,17 +34,9 @@ bool IsBmp(QByteArrayView start) {
     return start.startsWith("BM");
 }
 
-/// Also those whose offsets have 64 bits.
-bool IsTiff(QByteArrayView start) {
-    return start.startsWith(QByteArrayView("II*\0", 4)) ||
-           start.startsWith(QByteArrayView("MM\0*", 4)) ||
-           start.startsWith(QByteArrayView("II+\0", 4)) ||
-           start.startsWith(QByteArrayView("MM\0+", 4));
-}
-
 /// Most cameras' raw files are TIFF files too.
-DecodedImage ReadTiff(const ReadTask& task) {
-    return IsRawTiff(task.Device()) ? ReadRaw(task) : ReadByPlugin(task, "tiff");
+DecodedImage ReadTiffOrRaw(const ReadTask& task) {
+    return IsRawTiff(task.Device()) ? ReadRaw(task) : ReadTiff(task);
 }
 
 /// A format that is read, told by the first bytes of a file.
@@ -63,7 +56,7 @@ constexpr std::array Formats{
     Format{IsIcon, ReadIcon},
     Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
     Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},
-    Format{IsTiff, ReadTiff},
+    Format{IsTiff, ReadTiffOrRaw},
 };
 
 DecodedImage Decode(const ReadTask& task) {

@@ -58,14 +58,16 @@ Layout ReadLayout(QIODevice& device, qint64 codestream) {
 
 void RequireAllowed(const ReadTask& task, const Layout& layout) {
     constexpr qint64 MostTiles = 16'384;  // each takes some six kilobytes
-    constexpr qint64 MostTilePixels = 25'000'000;
+    constexpr qint64 BytesPerSample = 4;  // of a tile that is decoded
     task.RequireAllowedSize(layout.width, layout.height);
     if (layout.channels < 1 || layout.channels > MostChannels) {
         task.Fail(u"Diese Art von JPEG-2000-Datei wird nicht unterstützt."_s);
     }
-    if (layout.tiles > MostTiles || layout.tileWidth > MostTilePixels / layout.tileHeight) {
+    if (layout.tiles > MostTiles) {
         task.Fail(TooMuchMemoryReason());
     }
+    task.RequireMemoryBeside(task.Device().size() + layout.tileWidth * layout.tileHeight *
+                                                        layout.channels * BytesPerSample);
 }
 
 OPJ_SIZE_T ReadFromDevice(void* bytes, OPJ_SIZE_T count, void* user) {
@@ -193,7 +195,7 @@ void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, Decode
         if (!opj_get_decoded_tile(codec.get(), stream.get(), image.get(),
                                   static_cast<OPJ_UINT32>(tile)) ||
             !PlaceTile(*image, origin, decoded.image)) {
-            task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+            task.Fail(DamagedOrIncompleteFileReason());
         }
     }
     decoded.profile = ProfileOf(*image);
@@ -214,7 +216,7 @@ DecodedImage ReadJpeg2000(const ReadTask& task) try {
     const auto codestream = isFile ? FindJpeg2000Box(device, "jp2c", CodestreamSignature)
                                    : Jpeg2000Box{0, device.size()};
     if (!codestream) {
-        task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+        task.Fail(DamagedOrIncompleteFileReason());
     }
     const Layout layout = ReadLayout(device, codestream->position);
     RequireAllowed(task, layout);

@@ -2,6 +2,8 @@
 
 #include <jerror.h>
 
+#include "imaging/reading/ReadTask.h"
+
 namespace kadrona::imaging {
 
 JpegDecompressor::JpegDecompressor(QIODevice& device) {
@@ -9,8 +11,8 @@ JpegDecompressor::JpegDecompressor(QIODevice& device) {
     errors_.error_exit = &HandleError;
     errors_.emit_message = &HandleMessage;
     Run([](j_decompress_ptr info) { jpeg_create_decompress(info); });
-    constexpr long MostMemory = 300'000'000;  // a progressive file keeps all its coefficients
-    info_.mem->max_memory_to_use = MostMemory;
+    // A progressive file keeps all its coefficients.
+    info_.mem->max_memory_to_use = static_cast<long>(MostBytesBeside);
     progress_.progress_monitor = &LimitScans;
     info_.progress = &progress_;
     AttachSource(device);

@@ -17,7 +17,7 @@ namespace {
 QString ReasonOf(QImageReader::ImageReaderError error) {
     return error == QImageReader::UnsupportedFormatError
                ? u"Das Format der Datei ist nicht bekannt."_s
-               : u"Die Datei ist beschädigt oder unvollständig."_s;
+               : DamagedOrIncompleteFileReason();
 }
 
 /// Empty where there is none or where it is sRGB.

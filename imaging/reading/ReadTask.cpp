@@ -27,6 +27,12 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
             name_, german.toString(megapixels), german.toString(options_.maximumPixels / Mega)));
 }
 
+void ReadTask::RequireMemoryBeside(qint64 bytes) const {
+    if (bytes > MostBytesBeside) {
+        Fail(TooMuchMemoryReason());
+    }
+}
+
 QByteArray ReadTask::ReadWhole() const {
     constexpr qint64 MaximumSize = 200'000'000;
     if (device_.size() > MaximumSize) {
@@ -42,6 +48,10 @@ QString IncompleteFileReason() {
 
 QString DamagedFileReason() {
     return u"Die Datei ist beschädigt."_s;
+}
+
+QString DamagedOrIncompleteFileReason() {
+    return u"Die Datei ist beschädigt oder unvollständig."_s;
 }
 
 QString OutOfMemoryReason() {

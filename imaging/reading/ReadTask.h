@@ -22,6 +22,10 @@ struct DecodedImage {
     FileMetadata metadata;
 };
 
+/// What reading may take beside four bytes a pixel of the picture: 300 million bytes, less what the
+/// program itself takes with its window.
+inline constexpr qint64 MostBytesBeside = 240'000'000;
+
 /// The reading of one file: where its bytes come from, what is allowed and how to complain. Does
 /// not own what it refers to. The device is open, random access, and at its start.
 class ReadTask {
@@ -46,6 +50,10 @@ class ReadTask {
     /// Throws a ReadError where a picture of that size is empty or over the allowed size.
     void RequireAllowedSize(qint64 width, qint64 height) const;
 
+    /// Throws a ReadError where reading would take so many bytes beside the picture's 32 bits a
+    /// pixel, the file itself included where it is kept meanwhile.
+    void RequireMemoryBeside(qint64 bytes) const;
+
  private:
     QIODevice& device_;
     QString name_;
@@ -55,6 +63,7 @@ class ReadTask {
 /// Reasons that several formats share.
 QString IncompleteFileReason();
 QString DamagedFileReason();
+QString DamagedOrIncompleteFileReason();
 QString OutOfMemoryReason();
 /// A picture that would take far more memory than its pixels.
 QString TooMuchMemoryReason();

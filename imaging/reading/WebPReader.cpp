@@ -18,9 +18,6 @@ struct DeleteDemuxer {
 };
 using Demuxer = std::unique_ptr<WebPDemuxer, DeleteDemuxer>;
 
-/// A lossless picture is decoded beside the result, in four bytes a pixel of its own.
-constexpr qint64 MostLosslessPixels = 70'000'000;
-
 /// Empty where there is none or where it is sRGB.
 QByteArray ProfileOf(const WebPDemuxer* demuxer) {
     QByteArray profile;
@@ -57,10 +54,10 @@ QImage DecodeFrame(const WebPData& frame, const ReadTask& task) {
     }
     const WebPBitstreamFeatures& features = config.input;
     task.RequireAllowedSize(features.width, features.height);
-    if (features.format == Lossless &&
-        qint64{features.width} * features.height > MostLosslessPixels) {
-        task.Fail(TooMuchMemoryReason());
-    }
+    // A lossless picture is decoded beside the result, in four bytes a pixel of its own.
+    const int beside = features.format == Lossless ? 4 : 0;
+    task.RequireMemoryBeside(static_cast<qint64>(frame.size) +
+                             qint64{features.width} * features.height * beside);
     QImage image = NewImage({features.width, features.height},
                             features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     config.output.colorspace = MODE_BGRA;
@@ -88,7 +85,7 @@ DecodedImage ReadWebP(const ReadTask& task) {
     const Demuxer demuxer(WebPDemux(&data));
     WebPIterator frame = {};
     if (!demuxer || !WebPDemuxGetFrame(demuxer.get(), 1, &frame)) {
-        task.Fail(u"Die Datei ist beschädigt oder unvollständig."_s);
+        task.Fail(DamagedOrIncompleteFileReason());
     }
     const WebPData first = frame.fragment;  // bytes of the file
     WebPDemuxReleaseIterator(&frame);

@@ -84,6 +84,30 @@ TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
     EXPECT_EQ(Failure(png + Written(TestPicture(40, 30), "png").mid(33), options), text("9.000"));
 }
 
+TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
+    const auto jpeg2000 = [](quint32 side) {  // one tile
+        const QByteArray size = BigEndian(side) + BigEndian(side);
+        return QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + size + QByteArray(8, '\0') + size +
+               QByteArray(8, '\0') + BigEndian(quint16{3});
+    };
+    const auto losslessWebP = [](quint32 side) {
+        return "RIFF" + Packed<quint32>(22) + "WEBPVP8L" + Packed<quint32>(10) + "\x2f" +
+               Packed<quint32>((side - 1) | (side - 1) << 14) + QByteArray(5, '\0');
+    };
+    const auto floats = [](quint32 side) {
+        return Tiff({Short(0x100, quint16(side)), Short(0x101, quint16(side)), Short(0x102, 32),
+                     Short(0x103, 1), Short(0x106, 1), Short(0x115, 1), Short(0x153, 3)},
+                    "ends here");
+    };
+    const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+    EXPECT_EQ(Failure(jpeg2000(4700)), tooMuch);
+    EXPECT_EQ(Failure(losslessWebP(7900)), tooMuch);
+    EXPECT_EQ(Failure(floats(3600)), tooMuch);
+    for (const QByteArray& smaller : {jpeg2000(4300), losslessWebP(7600), floats(3300)}) {
+        EXPECT_NE(Failure(smaller), tooMuch);
+    }
+}
+
 TEST(ReaderFailure, WhatIsNoPictureIsNamed) {
     EXPECT_EQ(Failure({}), Complaint("Die Datei ist leer."));
     const QString unknown = Complaint("Das Format der Datei ist nicht bekannt.");

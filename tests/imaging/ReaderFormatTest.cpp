@@ -1,3 +1,7 @@
+#include <QPainter>
+#include <algorithm>
+#include <span>
+
 #include "ReaderFixture.h"
 #include "WriterFixture.h"
 
@@ -135,6 +139,30 @@ TEST(ReaderFormat, SixteenBitsAreRoundedToTheNearest) {
         QImage grey(1, 1, QImage::Format_Grayscale16);
         *reinterpret_cast<quint16*>(grey.bits()) = stored;
         ExpectColour(Read(Written(grey, "png")), {}, QColor(expected, expected, expected), 0);
+    }
+}
+
+TEST(ReaderFormat, DeepTiffsAreReadInBands) {
+    constexpr QSize TwoBands(1500, 1400);
+    QImage picture(TwoBands, QImage::Format_RGBA64);
+    const std::span pixels(reinterpret_cast<QRgba64*>(picture.bits()),
+                           size_t(TwoBands.width()) * TwoBands.height());
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        const auto part = quint16(65535 * i / pixels.size());
+        pixels[i] = qRgba64(part, quint16(i % 1500 * 40), 9999, quint16(20'000 + part / 2));
+    }
+    for (const auto format : {QImage::Format_RGBX64, QImage::Format_RGBA64,
+                              QImage::Format_RGBA64_Premultiplied, QImage::Format_Grayscale16}) {
+        QImage stored = picture.convertToFormat(format);
+        if (format == QImage::Format_RGBA64_Premultiplied) {  // which the toolkit does wrongly
+            std::transform(pixels.begin(), pixels.end(), reinterpret_cast<QRgba64*>(stored.bits()),
+                           [](QRgba64 pixel) { return pixel.premultiplied(); });
+        }
+        const LoadedImage loaded = Read(Written(stored, "tiff"));
+        QImage expected(TwoBands, QImage::Format_RGB32);
+        expected.fill(Qt::white);
+        QPainter(&expected).drawImage(0, 0, stored);
+        EXPECT_LE(LargestDifference(loaded.pixels.ToImage(), expected), 1) << format;
     }
 }
 

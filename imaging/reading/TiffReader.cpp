@@ -1,0 +1,211 @@
+#include "imaging/reading/TiffReader.h"
+
+#include <tiffio.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "imaging/pixels/LaidOverWhite.h"
+#include "imaging/pixels/NewImage.h"
+#include "imaging/reading/PluginReader.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+struct CloseTiff {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
+
+tmsize_t ReadFromDevice(thandle_t device, void* bytes, tmsize_t count) {
+    return static_cast<QIODevice*>(device)->read(static_cast<char*>(bytes), count);
+}
+
+toff_t SeekInDevice(thandle_t handle, toff_t offset, int whence) {
+    auto* device = static_cast<QIODevice*>(handle);
+    const qint64 start = whence == SEEK_CUR   ? device->pos()
+                         : whence == SEEK_END ? device->size()
+                                              : 0;
+    const auto position = start + static_cast<qint64>(offset);
+    // Behind the end there is nothing to read, and a seek would fail.
+    return position >= 0 && device->seek(std::min(position, device->size()))
+               ? static_cast<toff_t>(position)
+               : static_cast<toff_t>(-1);
+}
+
+/// Null where it is no such file. Nothing that it claims takes more memory at once than a picture
+/// may take beside its pixels.
+TiffFile OpenTiff(QIODevice& device) {
+    const auto saysNothing = [](TIFF*, void*, const char*, const char*, va_list) { return 1; };
+    const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(
+        TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), MostBytesBeside);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), saysNothing, nullptr);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), saysNothing, nullptr);
+    return TiffFile(TIFFClientOpenExt(
+        "", "rm", &device, ReadFromDevice, [](thandle_t, void*, tmsize_t) { return tmsize_t{-1}; },
+        SeekInDevice, [](thandle_t) { return 0; },
+        [](thandle_t handle) {
+            return static_cast<toff_t>(static_cast<QIODevice*>(handle)->size());
+        },
+        nullptr, nullptr, options.get()));
+}
+
+template <typename Value>
+Value FieldOf(TIFF* tiff, quint32 tag) {
+    Value value = 0;
+    TIFFGetFieldDefaulted(tiff, tag, &value);
+    return value;
+}
+
+/// How the samples of a pixel lie in the file.
+struct Layout {
+    explicit Layout(TIFF* tiff)
+        : width(FieldOf<quint32>(tiff, TIFFTAG_IMAGEWIDTH)),
+          height(FieldOf<quint32>(tiff, TIFFTAG_IMAGELENGTH)),
+          bits(FieldOf<quint16>(tiff, TIFFTAG_BITSPERSAMPLE)),
+          samples(FieldOf<quint16>(tiff, TIFFTAG_SAMPLESPERPIXEL)),
+          photometry(FieldOf<quint16>(tiff, TIFFTAG_PHOTOMETRIC)),
+          areNumbers(FieldOf<quint16>(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT),
+          areTogether(FieldOf<quint16>(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG),
+          isTiled(TIFFIsTiled(tiff) != 0) {
+        quint16 count = 0;
+        quint16* kinds = nullptr;
+        isPremultiplied = TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) && count > 0 &&
+                          kinds[0] == EXTRASAMPLE_ASSOCALPHA;
+    }
+
+    qint64 Pixels() const { return qint64{width} * height; }
+    bool IsGrey() const {
+        return photometry == PHOTOMETRIC_MINISBLACK || photometry == PHOTOMETRIC_MINISWHITE;
+    }
+    int Colours() const { return IsGrey() ? 1 : 3; }
+    bool HasAlpha() const { return samples > Colours(); }
+    /// True for rows of 16 bits a channel, as ReadRows takes them.
+    bool IsDeep() const {
+        return bits == 16 && areNumbers && areTogether && !isTiled &&
+               (IsGrey() || photometry == PHOTOMETRIC_RGB) && samples >= Colours() &&
+               samples <= Colours() + 1;
+    }
+
+    quint32 width;
+    quint32 height;
+    quint16 bits;
+    quint16 samples;
+    quint16 photometry;
+    bool areNumbers;
+    bool areTogether;
+    bool isTiled;
+    bool isPremultiplied = false;
+};
+
+/// Of one row: to red, green, blue and alpha.
+void Spread(const std::vector<quint16>& samples, const Layout& layout, quint16* pixels) {
+    constexpr quint16 Opaque = 0xffff;
+    const quint16 flip = layout.photometry == PHOTOMETRIC_MINISWHITE ? 0xffff : 0;
+    const quint16* in = samples.data();
+    for (quint32 x = 0; x < layout.width; ++x, in += layout.samples, pixels += 4) {
+        for (int channel = 0; channel < 3; ++channel) {
+            pixels[channel] = in[layout.IsGrey() ? 0 : channel] ^ flip;
+        }
+        pixels[3] = layout.HasAlpha() ? in[layout.Colours()] : Opaque;
+    }
+}
+
+/// A few million pixels at a time, so that only those are in memory with 16 bits a channel.
+QImage ReadRows(TIFF* tiff, const Layout& layout, const DecodedImage& decoded,
+                const ReadTask& task) {
+    constexpr int BandPixels = 2'000'000;
+    const auto width = static_cast<int>(layout.width);
+    const auto height = static_cast<int>(layout.height);
+    const int bandHeight = std::clamp(BandPixels / width, 1, height);
+    QImage result = NewImage({width, height}, QImage::Format_RGB32);
+    std::vector<quint16> samples(size_t{layout.width} * layout.samples);
+    for (int top = 0; top < height; top += bandHeight) {
+        const int rows = std::min(bandHeight, height - top);
+        QImage band =
+            NewImage({width, rows}, layout.isPremultiplied ? QImage::Format_RGBA64_Premultiplied
+                                                           : QImage::Format_RGBA64);
+        for (int y = 0; y < rows; ++y) {
+            if (TIFFReadScanline(tiff, samples.data(), static_cast<quint32>(top + y)) < 0) {
+                task.Fail(DamagedOrIncompleteFileReason());
+            }
+            Spread(samples, layout, reinterpret_cast<quint16*>(band.scanLine(y)));
+        }
+        band = RequireAllocated(std::move(band).convertToFormat(QImage::Format_RGBA64));
+        ConvertToSrgb(band, decoded.model, decoded.profile);
+        band = LaidOverWhite(std::move(band));
+        for (int y = 0; y < rows; ++y) {
+            std::memcpy(result.scanLine(top + y), band.constScanLine(y), size_t{layout.width} * 4);
+        }
+    }
+    return result;
+}
+
+QByteArray ProfileOf(TIFF* tiff) {
+    quint32 size = 0;
+    const char* bytes = nullptr;
+    if (!TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &size, &bytes)) {
+        return {};
+    }
+    QByteArray profile(bytes, qsizetype{size});
+    return IsSrgbProfile(profile) ? QByteArray() : profile;
+}
+
+/// The largest strip or tile as it lies in the file: it is in memory as a whole.
+qint64 PackedBytes(TIFF* tiff, qint64 fileBytes) {
+    const quint32 count = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    quint64 most = 0;
+    for (quint32 i = 0; i < count; ++i) {
+        most = std::max<quint64>(most, TIFFGetStrileByteCount(tiff, i));
+    }
+    return static_cast<qint64>(std::min(most, static_cast<quint64>(fileBytes)));
+}
+
+/// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
+qint64 PluginBytesBeside(TIFF* tiff, const Layout& layout) {
+    const bool keepsBits = layout.IsGrey() || layout.photometry == PHOTOMETRIC_RGB;
+    const int perPixel = layout.bits <= 8 || !keepsBits ? 1 : layout.bits <= 16 ? 12 : 20;
+    return (layout.isTiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff)) + layout.Pixels() * perPixel;
+}
+
+}  // namespace
+
+bool IsTiff(QByteArrayView start) {
+    return start.startsWith(QByteArrayView("II*\0", 4)) ||
+           start.startsWith(QByteArrayView("MM\0*", 4)) ||
+           start.startsWith(QByteArrayView("II+\0", 4)) ||
+           start.startsWith(QByteArrayView("MM\0+", 4));
+}
+
+DecodedImage ReadTiff(const ReadTask& task) {
+    DecodedImage decoded;
+    decoded.metadata = ReadFileMetadata(task.Device());
+    task.Device().seek(0);
+    TiffFile tiff = OpenTiff(task.Device());
+    if (!tiff) {
+        task.Fail(DamagedOrIncompleteFileReason());
+    }
+    const Layout layout(tiff.get());
+    task.RequireAllowedSize(layout.width, layout.height);
+    const qint64 packed = PackedBytes(tiff.get(), task.Device().size());
+    task.RequireMemoryBeside(packed);
+    if (!layout.IsDeep()) {
+        task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout));
+        tiff.reset();
+        task.Device().seek(0);
+        return ReadByPlugin(task, "tiff");
+    }
+    decoded.profile = ProfileOf(tiff.get());
+    decoded.model = layout.IsGrey() ? ColourModel::Grey : ColourModel::Rgb;
+    decoded.image = ReadRows(tiff.get(), layout, decoded, task);
+    decoded.profile.clear();  // it is done
+    return decoded;
+}
+
+}  // namespace kadrona::imaging
