@@ -1,6 +1,7 @@
 #include "app/PaperActions.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QSignalBlocker>
 
 #include "app/MainActions.h"
@@ -12,6 +13,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
+#include "core/sheet/PaperCanvas.h"
 #include "core/sheet/PaperSize.h"
 #include "dialogs/PaperView.h"
 #include "dialogs/SettingsDialog.h"
@@ -36,6 +38,7 @@ constexpr QSize ThumbnailSize(72, 88);
 constexpr int PreviewHeight = 270;
 /// Of the cut in the preview, pixels.
 constexpr int PreviewCut = 300;
+constexpr imaging::DotsPerInch PreviewTextResolution{150};
 /// The photo in the preview follows once the template rests; where it lies follows at once.
 constexpr int CutDelayMilliseconds = 200;
 
@@ -47,8 +50,10 @@ QRectF AroundMiddle(const QRect& micrometres, QSize paper) {
             micrometres.width() / Millimetre, micrometres.height() / Millimetre};
 }
 
-/// The layout as the preview draws it, on a paper that is reached everywhere.
-printing::SheetOnPaper Shown(const std::vector<QRect>& photos, const core::PaperChoice& choice) {
+/// The layout as the preview draws it, on a paper that is reached everywhere, with its line of text
+/// as the second picture.
+printing::SheetOnPaper Shown(const std::vector<QRect>& photos, const core::PaperChoice& choice,
+                             const std::optional<QRect>& text) {
     const QSize paper = *choice.paper;
     printing::SheetOnPaper sheet;
     sheet.paper = AroundMiddle(QRect(QPoint(), paper), paper);
@@ -57,8 +62,13 @@ printing::SheetOnPaper Shown(const std::vector<QRect>& photos, const core::Paper
         const QRectF place = AroundMiddle(photo, paper);
         sheet.copies.push_back({place, place, {}});
     }
+    std::vector<QRect> texts;
+    if (text) {
+        texts.push_back(*text);
+        sheet.texts.push_back({AroundMiddle(*text, paper), 1});
+    }
     for (const QRect& mark :
-         core::MarksAround(photos, {}, paper, choice.marks, core::MarksOnPaper)) {
+         core::MarksAround(photos, texts, paper, choice.marks, core::MarksOnPaper)) {
         sheet.marks.push_back(AroundMiddle(mark, paper));
     }
     return sheet;
@@ -91,6 +101,7 @@ PaperActions::PaperActions(PhotoSession& session, const Surroundings& around)
     preview_->setObjectName(u"SheetPreview"_s);
     preview_->setFixedHeight(PreviewHeight);
     around_.section.SetPreview(preview_);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this] { FollowTray(); });
     cutting_.setSingleShot(true);
     connect(&cutting_, &QTimer::timeout, this, [this] {
         CutPreview();
@@ -158,11 +169,23 @@ void PaperActions::ShowSections(bool shown) {
     Update();
 }
 
+/// Each time: another program may have changed it.
 void PaperActions::LoadTray() {
-    if (!loaded_) {
-        loaded_ = true;
-        controls::Guarded(&around_.window, [this] { tray_.Load(); });
+    controls::Guarded(&around_.window, [this] { tray_.Load(); });
+}
+
+/// Whoever comes back to this window sees what another program made of the tray. What cannot be
+/// read is said when the tray is changed.
+void PaperActions::FollowTray() {
+    if (!around_.actions.IsChecked(Action::ShowSheet)) {
+        return;
     }
+    try {
+        tray_.Load();
+    } catch (const platform::Error&) {
+        // A message each time the window is come back to would help nobody.
+    }
+    UpdateTray();
 }
 
 void PaperActions::Update() {
@@ -174,7 +197,7 @@ void PaperActions::Update() {
 }
 
 void PaperActions::UpdatePreview() {
-    const core::PaperChoice choice = core::PaperChoiceOf(around_.settings);
+    const core::PaperChoice choice = Choice();
     const QSize photo = PhotoSize(around_.data);
     preview_->setVisible(choice.paper && !photo.isEmpty());
     if (!choice.paper || photo.isEmpty()) {
@@ -183,7 +206,11 @@ void PaperActions::UpdatePreview() {
     try {
         const core::PaperLayout layout =
             core::LayOutOnPaper(core::RequestOf(choice, photo, session_.LayoutIndex()));
-        preview_->ShowSheet(Shown(layout.photos, choice), {layout.turned ? lying_ : upright_});
+        const auto line =
+            core::TextBeside(layout.photos, *choice.paper, choice.text, PreviewTextResolution);
+        preview_->ShowSheet(
+            Shown(layout.photos, choice, line ? std::optional(line->place) : std::nullopt),
+            {layout.turned ? lying_ : upright_, line ? line->picture : QImage()});
     } catch (const platform::Error&) {
         preview_->ShowText(u"Keine Vorschau"_s);
         return;
@@ -279,11 +306,17 @@ void PaperActions::UpdateTray() {
                               around_.actions.IsChecked(Action::ShowSheet) && !items.empty());
 }
 
-bool PaperActions::PreparePaper() {
+/// What the settings choose, with the line of text of this photo.
+core::PaperChoice PaperActions::Choice() const {
     core::PaperChoice choice = core::PaperChoiceOf(around_.settings);
     if (around_.settings.SheetText()) {
         choice.text = core::SheetText(around_.data.CurrentFile(), session_.TemplateName());
     }
+    return choice;
+}
+
+bool PaperActions::PreparePaper() {
+    core::PaperChoice choice = Choice();
     if (choice.paper) {
         const auto request =
             core::RequestOf(choice, PhotoSize(around_.data), session_.LayoutIndex());
@@ -324,6 +357,11 @@ void PaperActions::acAddToSheetExecute() {
 
 /// What has no room stays in the tray for the next sheet.
 void PaperActions::MakeCollectedSheet() {
+    tray_.Load();
+    UpdateTray();
+    if (tray_.Items().empty()) {
+        throw platform::Error(u"Im Sammelblatt ist kein Bild mehr."_s);
+    }
     const core::PaperChoice choice = core::PaperChoiceOf(around_.settings);
     const core::CollectedLayout layout = core::LayOutCollected(tray_.Items(), choice);
     if (layout.copies.empty()) {
@@ -334,7 +372,7 @@ void PaperActions::MakeCollectedSheet() {
         const controls::WaitCursor wait;
         imaging::Pixels sheet = core::MakeCollectedSheet(tray_.Items(), layout, choice);
         madeSheet_ = sheet.Key();
-        made_ = layout;
+        made_ = tray_.CopiesOn(layout);
         around_.actions.LeaveModes();
         around_.actions.SetChecked(Action::ShowLayer, false);
         session_.Image().Open(std::move(sheet), core::CollectedResolution(tray_.Items(), choice));

@@ -65,12 +65,14 @@ class PaperActions : public QObject {
     void CutPreview();
     void UpdateTray();
     QString Summary() const;
+    core::PaperChoice Choice() const;
     QImage Thumbnail(const core::CollectedItem& item);
 
     void acAddToSheetExecute();
     void MakeCollectedSheet();
     void TakeOutPrinted();
     void LoadTray();
+    void FollowTray();
     /// Changes the tray and shows it; failures are shown.
     template <typename Change>
     void ChangeTray(Change change);
@@ -78,7 +80,6 @@ class PaperActions : public QObject {
     PhotoSession& session_;
     Surroundings around_;
     core::SheetTray tray_;
-    bool loaded_ = false;
     QHash<qint64, QImage> thumbnails_;
     dialogs::PaperView* preview_;
     /// The cut as it is shown in the preview, upright and lying, and what it is the cut of.
@@ -87,9 +88,9 @@ class PaperActions : public QObject {
     qint64 cutPhoto_ = 0;
     QRect cut_;
     QTimer cutting_;
-    /// The collected sheet that was made last, by its pixels.
+    /// The collected sheet that was made last, by its pixels, and what it shows of the tray.
     qint64 madeSheet_ = 0;
-    core::CollectedLayout made_;
+    std::vector<core::TrayCopies> made_;
 };
 
 }  // namespace kadrona::app

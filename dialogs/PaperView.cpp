@@ -86,16 +86,13 @@ void PaperView::ShowSheet(const printing::SheetOnPaper& sheet,
         middle_ = sheet.paper.center();
     }
     sheet_ = sheet;
-    std::vector<qint64> keys;
-    keys.reserve(pictures.size());
-    for (const QImage& picture : pictures) {
-        keys.push_back(picture.cacheKey());
-    }
-    if (keys != keys_) {
-        keys_ = std::move(keys);
-        pictures_.clear();
-        for (const QImage& picture : pictures) {
-            pictures_.push_back(EverSmaller(picture));
+    keys_.resize(pictures.size());
+    pictures_.resize(pictures.size());
+    for (size_t i = 0; i < pictures.size(); ++i) {
+        const qint64 key = pictures[i].cacheKey();
+        if (keys_[i] != key || pictures_[i].empty()) {
+            keys_[i] = key;
+            pictures_[i] = EverSmaller(pictures[i]);
         }
     }
     text_.clear();

@@ -42,7 +42,13 @@ std::optional<int> DistanceIn(int free) {
                              : std::optional(std::min(MarksOnPaper.length + FromPhotos, most));
 }
 
-QImage TextPicture(const QString& text, QSize room) {
+/// Letters need a font, which only a program with a display has.
+bool CanWrite(const QString& text) {
+    return !text.isEmpty() &&
+           qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+QImage UprightText(const QString& text, QSize room) {
     QFont font;
     font.setPixelSize(std::max(1, room.height() * 4 / 5));
     const QFontMetrics metrics(font);
@@ -55,6 +61,15 @@ QImage TextPicture(const QString& text, QSize room) {
     painter.setPen(Qt::black);
     painter.drawText(image.rect(), Qt::AlignCenter | Qt::TextSingleLine, shown);
     return image;
+}
+
+/// As long as the text needs within its room, pixels.
+QImage TextPicture(const QString& text, QSize room, bool turned) {
+    const QImage upright = UprightText(text, turned ? room.transposed() : room);
+    return turned
+               ? imaging::Turned(imaging::Pixels(upright), imaging::QuarterTurn::CounterClockwise)
+                     .ToImage()
+               : upright;
 }
 
 }  // namespace
@@ -82,6 +97,21 @@ std::optional<TextRoom> RoomForText(const std::vector<QRect>& photos, QSize pape
                         true};
     }
     return std::nullopt;
+}
+
+std::optional<TextOnPaper> TextBeside(const std::vector<QRect>& photos, QSize paper,
+                                      const QString& text, imaging::DotsPerInch resolution) {
+    const auto room = RoomForText(photos, paper);
+    if (!room || !CanWrite(text)) {
+        return std::nullopt;
+    }
+    const QRect& place = room->place;
+    const QSize pixels(PixelsOf(place.width(), resolution.value),
+                       PixelsOf(place.height(), resolution.value));
+    TextOnPaper line{TextPicture(text, pixels, room->turned), {}};
+    line.place = QRect(QPoint(), line.picture.size() * MicrometresPerInch / resolution.value);
+    line.place.moveCenter(place.center());
+    return line;
 }
 
 PaperCanvas::PaperCanvas(QSize paper, imaging::DotsPerInch resolution) : resolution_(resolution) {
@@ -126,19 +156,16 @@ void PaperCanvas::Place(size_t picture, QPoint topLeft) {
 }
 
 void PaperCanvas::PlaceText(const QString& text, const TextRoom& room) {
-    if (text.isEmpty() || qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
+    if (!CanWrite(text)) {
         return;
     }
     const QSize pixels(Pixels(room.place.width()), Pixels(room.place.height()));
-    imaging::Pixels line(TextPicture(text, room.turned ? pixels.transposed() : pixels));
-    if (room.turned) {
-        line = imaging::Turned(line, imaging::QuarterTurn::CounterClockwise);
-    }
+    sheet_.pictures.push_back(TextPicture(text, pixels, room.turned));
+    const QSize line = sheet_.pictures.back().size();
     const QPoint corner(Pixels(room.place.left()), Pixels(room.place.top()));
-    const QSize free = pixels - line.Size();
-    sheet_.pictures.push_back(line.ToImage());
+    const QSize free = pixels - line;
     texts_.push_back({sheet_.pictures.size() - 1,
-                      Inside(corner + QPoint(free.width() / 2, free.height() / 2), line.Size())});
+                      Inside(corner + QPoint(free.width() / 2, free.height() / 2), line)});
 }
 
 imaging::Pixels PaperCanvas::Finished(CuttingMarks marks) const {

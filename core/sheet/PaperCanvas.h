@@ -27,6 +27,17 @@ inline constexpr int TextHeight = 2'500;
 /// them is too narrow. Micrometres.
 std::optional<TextRoom> RoomForText(const std::vector<QRect>& photos, QSize paper);
 
+/// A line of text as it is seen on a sheet, and where, in micrometres.
+struct TextOnPaper {
+    QImage picture;
+    QRect place;
+};
+
+/// The line of text of a sheet with these photos, drawn at a resolution. Nothing where it is empty
+/// or has no room, and without a QGuiApplication. Micrometres.
+std::optional<TextOnPaper> TextBeside(const std::vector<QRect>& photos, QSize paper,
+                                      const QString& text, imaging::DotsPerInch resolution);
+
 /// A sheet larger than this is refused, in pixels.
 inline constexpr qint64 MostSheetPixels = 1'000'000'000;
 

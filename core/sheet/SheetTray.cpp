@@ -4,7 +4,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QStringList>
 #include <algorithm>
 
 #include "core/sheet/PaperLayout.h"
@@ -15,6 +17,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderLock.h"
 #include "platform/HarmlessText.h"
 #include "platform/Paths.h"
 
@@ -80,41 +83,102 @@ std::vector<ListedItem> ParseTrayList(const QByteArray& json) {
     return items;
 }
 
+std::optional<size_t> SheetTray::Content::IndexOf(const QString& file) const {
+    const auto found = std::ranges::find(files, file);
+    return found == files.end() ? std::nullopt
+                                : std::optional(static_cast<size_t>(found - files.begin()));
+}
+
+void SheetTray::Content::Remove(size_t index) {
+    items.erase(items.begin() + static_cast<ptrdiff_t>(index));
+    files.erase(files.begin() + static_cast<ptrdiff_t>(index));
+}
+
 void SheetTray::Load() {
-    items_.clear();
-    files_.clear();
-    const auto list =
-        platform::ReadFileIfThere(platform::JoinPath(folder_, ListName), MostListBytes);
-    if (!list) {
-        return;
-    }
-    for (ListedItem& listed : ParseTrayList(*list)) {
-        try {
-            listed.item.picture =
-                imaging::ReadImageFile(platform::JoinPath(folder_, listed.file)).pixels;
-        } catch (const platform::Error&) {
-            continue;
-        }
-        items_.push_back(std::move(listed.item));
-        files_.push_back(listed.file);
+    try {
+        content_ = Read();
+    } catch (...) {
+        content_ = {};
+        throw;
     }
 }
 
-void SheetTray::Save(const std::vector<CollectedItem>& items, const std::vector<QString>& files) {
+/// Pictures that are known already are not read again.
+SheetTray::Content SheetTray::Read() const {
+    Content content;
+    const auto list =
+        platform::ReadFileIfThere(platform::JoinPath(folder_, ListName), MostListBytes);
+    if (!list) {
+        return content;
+    }
+    for (ListedItem& listed : ParseTrayList(*list)) {
+        const QString path = platform::JoinPath(folder_, listed.file);
+        try {
+            const auto known = content_.IndexOf(listed.file);
+            listed.item.picture =
+                known ? content_.items[*known].picture : imaging::ReadImageFile(path).pixels;
+        } catch (const platform::Error&) {
+            if (QFile::exists(path)) {
+                content.unread.push_back(std::move(listed));
+            }
+            continue;
+        }
+        content.items.push_back(std::move(listed.item));
+        content.files.push_back(listed.file);
+    }
+    return content;
+}
+
+void SheetTray::Save(const Content& content) const {
     QJsonArray list;
-    for (size_t i = 0; i < items.size(); ++i) {
-        list.append(ObjectOf(items[i], files[i]));
+    for (size_t i = 0; i < content.items.size(); ++i) {
+        list.append(ObjectOf(content.items[i], content.files[i]));
+    }
+    for (const ListedItem& listed : content.unread) {
+        list.append(ObjectOf(listed.item, listed.file));
     }
     platform::WriteFileAtomically(platform::JoinPath(folder_, ListName),
                                   QJsonDocument(list).toJson());
 }
 
-QString SheetTray::NewFile() const {
-    int number = 1;
-    QString file = u"bild1.png"_s;
-    while (QFile::exists(platform::JoinPath(folder_, file))) {
-        file = u"bild%1.png"_s.arg(++number);
+/// A damaged list must not keep the tray from being used for ever; its pictures' files stay.
+void SheetTray::Change(const std::function<void(Content&)>& change) {
+    const platform::FolderLock lock(folder_);
+    Content content;
+    try {
+        content = Read();
+    } catch (const platform::FileError&) {
+        throw;
+    } catch (const platform::Error&) {
+        content = {};
     }
+    change(content);
+    try {
+        Save(content);
+    } catch (const platform::UnflushedError&) {
+        content_ = std::move(content);
+        throw;
+    }
+    content_ = std::move(content);
+}
+
+void SheetTray::ChangeItem(size_t index,
+                           const std::function<void(Content&, size_t index)>& change) {
+    const QString file = content_.files.at(index);
+    Change([&](Content& content) {
+        if (const auto now = content.IndexOf(file)) {
+            change(content, *now);
+        }
+    });
+}
+
+/// By chance: a number that was free again would name another program's picture of before.
+QString SheetTray::NewFile() const {
+    constexpr int Numbers = 1'000'000'000;
+    QString file;
+    do {
+        file = u"bild%1.png"_s.arg(QRandomGenerator::global()->bounded(Numbers));
+    } while (QFile::exists(platform::JoinPath(folder_, file)));
     return file;
 }
 
@@ -126,67 +190,76 @@ void SheetTray::Add(CollectedItem item) {
     const QString file = NewFile();
     const QString path = platform::JoinPath(folder_, file);
     imaging::WriteImageFile(path, item.picture, {});
-    auto items = items_;
-    auto files = files_;
-    items.push_back(std::move(item));
-    files.push_back(file);
     try {
-        Save(items, files);
+        Change([&](Content& content) {
+            content.items.push_back(std::move(item));
+            content.files.push_back(file);
+        });
+    } catch (const platform::UnflushedError&) {
+        throw;
     } catch (...) {
         QFile::remove(path);
         throw;
     }
-    items_ = std::move(items);
-    files_ = std::move(files);
 }
 
 void SheetTray::SetCount(size_t index, int count) {
-    auto items = items_;
-    items.at(index).count = std::clamp(count, 1, MostCopies);
-    Save(items, files_);
-    items_ = std::move(items);
+    ChangeItem(index, [&](Content& content, size_t now) {
+        content.items[now].count = std::clamp(count, 1, MostCopies);
+    });
 }
 
 void SheetTray::Move(size_t from, size_t to) {
-    auto items = items_;
-    auto files = files_;
-    const auto move = [&](auto& list) {
-        auto moved = std::move(list.at(from));
-        list.erase(list.begin() + static_cast<ptrdiff_t>(from));
-        list.insert(list.begin() + static_cast<ptrdiff_t>(std::min(to, list.size())),
-                    std::move(moved));
-    };
-    move(items);
-    move(files);
-    Save(items, files);
-    items_ = std::move(items);
-    files_ = std::move(files);
+    const QString target = content_.files.at(std::min(to, content_.files.size() - 1));
+    ChangeItem(from, [&](Content& content, size_t now) {
+        const size_t place = content.IndexOf(target).value_or(now);
+        CollectedItem item = std::move(content.items[now]);
+        const QString file = content.files[now];
+        content.Remove(now);
+        const auto offset = static_cast<ptrdiff_t>(place);
+        content.items.insert(content.items.begin() + offset, std::move(item));
+        content.files.insert(content.files.begin() + offset, file);
+    });
 }
 
 void SheetTray::Remove(size_t index) {
-    auto items = items_;
-    auto files = files_;
-    items.erase(items.begin() + static_cast<ptrdiff_t>(index));
-    files.erase(files.begin() + static_cast<ptrdiff_t>(index));
-    Save(items, files);
-    QFile::remove(platform::JoinPath(folder_, files_.at(index)));
-    items_ = std::move(items);
-    files_ = std::move(files);
+    TakeOut({{content_.files.at(index), MostCopies}});
 }
 
 void SheetTray::Clear() {
-    while (!items_.empty()) {
-        Remove(items_.size() - 1);
+    std::vector<TrayCopies> all;
+    for (const QString& file : content_.files) {
+        all.push_back({file, MostCopies});
     }
+    TakeOut(all);
 }
 
-void SheetTray::TakeOut(const CollectedLayout& layout) {
-    for (size_t i = std::min(items_.size(), layout.missing.size()); i-- > 0;) {
-        if (layout.missing[i] == 0) {
-            Remove(i);
-        } else {
-            SetCount(i, layout.missing[i]);
+std::vector<TrayCopies> SheetTray::CopiesOn(const CollectedLayout& layout) const {
+    std::vector<TrayCopies> copies;
+    for (size_t i = 0; i < content_.files.size(); ++i) {
+        copies.push_back({content_.files[i], content_.items[i].count - layout.missing.at(i)});
+    }
+    return copies;
+}
+
+void SheetTray::TakeOut(const std::vector<TrayCopies>& printed) {
+    QStringList done;
+    Change([&](Content& content) {
+        for (const TrayCopies& copies : printed) {
+            const auto index = content.IndexOf(copies.file);
+            if (!index || copies.count == 0) {
+                continue;
+            }
+            CollectedItem& item = content.items[*index];
+            item.count -= copies.count;
+            if (item.count <= 0) {
+                content.Remove(*index);
+                done.append(copies.file);
+            }
         }
+    });
+    for (const QString& file : done) {
+        QFile::remove(platform::JoinPath(folder_, file));
     }
 }
 

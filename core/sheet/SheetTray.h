@@ -1,51 +1,81 @@
 #pragma once
 
 #include <QString>
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "core/sheet/CollectedSheet.h"
 
 namespace kadrona::core {
 
+/// An item of the list, without its picture, and its file.
+struct ListedItem {
+    CollectedItem item;
+    QString file;
+};
+
+/// How many copies of a picture of the tray, named by its file, a sheet shows.
+struct TrayCopies {
+    QString file;
+    int count;
+};
+
 /// The pictures that wait for a collected sheet, kept in a folder until they are printed or taken
 /// out: a PNG file for each, and a list of them (JSON). Every change is on the disk when it
-/// returns, through platform::AtomicFile.
+/// returns, through platform::AtomicFile. Two programs may share a folder: a change is made to what
+/// the list says at that moment, under a lock, and concerns only the picture that it was meant for.
 class SheetTray {
  public:
     /// `folder` need not exist while nothing is in the tray.
     explicit SheetTray(QString folder) : folder_(std::move(folder)) {}
 
-    /// Reads what is kept. A picture whose file is gone or damaged is left out. Throws
-    /// platform::Error where the list cannot be read; the tray is then empty and keeps the files.
+    /// Reads what is kept. A picture whose file is gone is left out; one whose file cannot be read
+    /// is not shown, but kept in the list. Throws platform::Error where the list cannot be read;
+    /// the tray is then empty and keeps the files.
     void Load();
 
-    const std::vector<CollectedItem>& Items() const { return items_; }
+    const std::vector<CollectedItem>& Items() const { return content_.items; }
 
     /// A picture finer than HighestCollectedResolution is kept at that. Throws platform::Error with
-    /// the tray as it was, as the others do.
+    /// the tray as it was, as the others do. After each of them the items are those of the list,
+    /// with what another program has changed; what it has taken out is left alone.
     void Add(CollectedItem item);
     void SetCount(size_t index, int count);
-    /// Puts an item to another place of the order.
+    /// Puts an item to the place of another one.
     void Move(size_t from, size_t to);
     void Remove(size_t index);
+    /// Takes out the items that are known; one that another program has added since stays.
     void Clear();
-    /// Takes out what a sheet of this layout showed.
-    void TakeOut(const CollectedLayout& layout);
+
+    /// What a sheet of this layout shows.
+    std::vector<TrayCopies> CopiesOn(const CollectedLayout& layout) const;
+    /// Takes out copies that were printed, whatever became of the order meanwhile.
+    void TakeOut(const std::vector<TrayCopies>& printed);
 
  private:
-    void Save(const std::vector<CollectedItem>& items, const std::vector<QString>& files);
+    struct Content {
+        std::vector<CollectedItem> items;
+        /// Bare names of the items' files.
+        std::vector<QString> files;
+        /// What the list says of files that cannot be read.
+        std::vector<ListedItem> unread;
+
+        /// Nothing where the file is not in the list.
+        std::optional<size_t> IndexOf(const QString& file) const;
+        void Remove(size_t index);
+    };
+
+    Content Read() const;
+    void Save(const Content& content) const;
+    /// Changes what the list says now.
+    void Change(const std::function<void(Content&)>& change);
+    /// The same for one item, where it is still in the list.
+    void ChangeItem(size_t index, const std::function<void(Content&, size_t index)>& change);
     QString NewFile() const;
 
     QString folder_;
-    std::vector<CollectedItem> items_;
-    /// Bare names of the items' files.
-    std::vector<QString> files_;
-};
-
-/// An item of the list, without its picture, and its file.
-struct ListedItem {
-    CollectedItem item;
-    QString file;
+    Content content_;
 };
 
 /// Reads a list of a tray, which anybody may have written: what makes no sense is left out. Throws

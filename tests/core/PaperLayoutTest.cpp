@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QRegion>
+#include <QTemporaryDir>
 #include <chrono>
 #include <vector>
 
 #include "core/sheet/CuttingMarks.h"
 #include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
+#include "core/sheet/SheetTray.h"
 #include "core/sheet/ShelfPacking.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
@@ -183,6 +186,42 @@ TEST(ShelfPacking, ThirtyMixedPicturesLieApartWithinAFrame) {
         placed += item ? 1 : 0;
     }
     EXPECT_EQ(placed, 8);
+}
+
+TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {
+    const QTemporaryDir folder;
+    const auto item = [](const char* name, int count) {
+        QImage picture(20, 30, QImage::Format_RGB32);
+        picture.fill(Qt::gray);
+        return CollectedItem{
+            imaging::Pixels(picture), {20'000, 30'000}, u"Pass"_s, QString::fromUtf8(name), count};
+    };
+    SheetTray here(folder.path());
+    SheetTray there(folder.path());
+    const auto holds = [](const SheetTray& tray) {
+        QString names;
+        for (const CollectedItem& kept : tray.Items()) {
+            names += QString::number(kept.count) + kept.name;
+        }
+        return names;
+    };
+    here.Add(item("a", 4));
+    there.Add(item("b", 4));
+    here.Add(item("c", 4));
+    EXPECT_EQ(holds(here), u"4a4b4c"_s);
+    there.SetCount(1, 9);  // what was second when it was last looked at
+    here.Move(2, 0);
+    EXPECT_EQ(holds(here), u"4c4a9b"_s);
+    const std::vector<TrayCopies> sheet = here.CopiesOn({{}, {0, 0, 3}});  // six of b
+    there.Remove(0);
+    there.SetCount(0, 8);
+    there.Add(item("d", 1));
+    here.Remove(1);
+    here.TakeOut(sheet);
+    EXPECT_EQ(holds(here), u"4c3b1d"_s) << "printed is taken out, and nothing else";
+    here.Clear();
+    EXPECT_EQ(holds(here), QString());
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList(u"Sammelblatt.json"_s));
 }
 
 }  // namespace
