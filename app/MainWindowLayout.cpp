@@ -55,9 +55,15 @@ void TmainFm::BuildCommandArea() {
         file->addAction(actions_[action]);
     }
     file->addSeparator();
-    for (const Action action : {Action::Paste, Action::UploadFile, Action::PrintAgain}) {
+    for (const Action action :
+         {Action::Paste, Action::AddToSheet, Action::UploadFile, Action::PrintAgain}) {
         file->addAction(actions_[action]);
     }
+    QMenu* side = file->addMenu(u"&Seitenleiste"_s);
+    side->setObjectName(u"SideMenu"_s);
+    side->setToolTipsVisible(true);
+    side->addAction(actions_[Action::ShowCheck]);
+    side->addAction(actions_[Action::ShowSheet]);
     file->addSeparator();
     file->addAction(actions_[Action::Close]);
 
