@@ -1,6 +1,7 @@
 #include <QProcess>
 
 #include "app/Application.h"
+#include "app/commandline/OrderCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
@@ -204,6 +205,48 @@ TEST_F(SheetCommand, WarnsOfABrightPhotoAndMakesTheSheet) {
     EXPECT_EQ(Run(), app::Done);
     EXPECT_TRUE(errors.contains(core::TooBrightWarning));
     EXPECT_TRUE(QFile::exists(request.output));
+}
+
+TEST_F(SheetCommand, AnOrderIsMadeAsAWholeOrNotAtAll) {
+    const auto order = [&](const char* lines) {
+        installation.Write("in/order.txt", lines);
+        errors.clear();
+        request = ParseSheetRequest({u"--order"_s, installation.Path("in/order.txt"), u"--out"_s,
+                                     installation.Path("order.png")});
+        return RunCommand(app::MakeOrder, request);
+    };
+    ASSERT_EQ(order("# two customers\n\n a.png ; Pass; 10,20,300; 2\r\nb.png;Pass;0,0,350;1"),
+              app::Done)
+        << errors.toStdString();
+    const QImage sheet(installation.Path("order.png"));
+    EXPECT_EQ(sheet.size(), QSize(1016, 1524)) << "10 x 15 where no paper is named";
+    EXPECT_TRUE(output.contains(u"(3 Bilder, 1016 x 1524 Pixel, 254 dpi)"_s))
+        << output.toStdString();
+
+    ASSERT_TRUE(QFile::remove(installation.Path("order.png")));
+    const struct {
+        const char* lines;
+        const char* named;  // numbers of lines
+    } table[] = {
+        {"", ""},
+        {"a.png;Pass;0,0,300;1\na.png;Pass;0,0,300", "2"},
+        {"#\n\nmissing.png;Pass;0,0,300;1\na.png;Keine;0,0,300;1\na.png;Pass;0,0;1", "3 4 5"},
+        {"a.png;Pass;0,0,300;0\na.png;Pass;0,0,300;x\n;Pass;0,0,300;1", "1 2 3"},
+        {"a.png;Pass;300,0,300;1\na.png;Pass;auto;1", "1 2"},
+        {"a.png;Pass;0,0,300;4\na.png;Pass;0,0,300;9", "2"},
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(order(row.lines), app::SomePhotoFailed) << row.lines;
+        QStringList named;
+        for (const QString& line : errors.split(u'\n')) {
+            if (line.startsWith(u"Zeile "_s)) {
+                named.append(line.section(u' ', 1, 1).chopped(1));
+            }
+        }
+        EXPECT_EQ(named.join(u' '), QString::fromUtf8(row.named)) << errors.toStdString();
+        EXPECT_TRUE(errors.endsWith(u"Es wurde nichts geschrieben.\n"_s));
+        EXPECT_FALSE(QFile::exists(installation.Path("order.png"))) << row.lines;
+    }
 }
 
 }  // namespace kadrona::testing
