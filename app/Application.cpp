@@ -21,6 +21,7 @@
 #include "controls/theme/Theme.h"
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
+#include "dialogs/SmallScreens.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -115,6 +116,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
     // Names the desktop file, by which panels find the icon and join the windows.
     QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
+    application.installEventFilter(new dialogs::SmallScreens(&application));
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
         const std::unique_ptr<printing::PrinterLayer> printer = MakePrinterLayer();

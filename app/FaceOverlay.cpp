@@ -27,7 +27,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     line_->setAutoFillBackground(true);
     text_ = new QLabel(line_);
     text_->setWordWrap(true);
-    auto* accept = new QPushButton(u"Übernehmen (Strg+E)"_s, line_);
+    auto* accept = new QPushButton(line_);
     accept->setObjectName(u"AcceptProposal"_s);
     auto* refuse = new QPushButton(u"Nein"_s, line_);
     refuse->setObjectName(u"RefuseProposal"_s);
@@ -82,7 +82,10 @@ void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
 }
 
 void FaceOverlay::Follow() {
+    constexpr int RoomForShortcut = 450;
     setGeometry(view_.rect());
+    buttons_.front()->setText(view_.width() < RoomForShortcut ? u"Übernehmen"_s
+                                                              : u"Übernehmen (Strg+E)"_s);
     const int height = line_->layout()->totalHeightForWidth(view_.width());
     line_->setGeometry(0, view_.height() - height, view_.width(), height);
     line_->raise();

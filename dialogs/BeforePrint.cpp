@@ -87,7 +87,6 @@ QLayout* TBeforPrintDlgFm::BuildChoice() {
 QLayout* TBeforPrintDlgFm::BuildPreview() {
     view_ = new PaperView;
     view_->setObjectName(u"PaperView"_s);
-    view_->setFixedSize(view_->sizeHint());
     paperLabel_ = WrappedLabel(u"PaperLabel"_s);
     warningLabel_ = WrappedLabel(u"WarningLabel"_s);
     QPalette red = warningLabel_->palette();

@@ -38,11 +38,11 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
     AddPages();
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->setSpacing(12);
-    layout->addWidget(pages_);
-    layout->addLayout(Buttons());
+    column_ = new QVBoxLayout(this);
+    column_->setContentsMargins(16, 14, 16, 14);
+    column_->setSpacing(12);
+    column_->addWidget(pages_);
+    column_->addLayout(Buttons());
     resize(DesignedSize.boundedTo(screen()->availableSize() - Frame));
 }
 
@@ -105,7 +105,7 @@ controls::ModalResult ColourAdjustment::ShowEx(const imaging::Pixels& photo) {
     pages_->setCurrentIndex(0);
     BeforeAfterView preview;
     preview.SetPhoto(photo);
-    qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, &preview, 1);
+    column_->insertWidget(0, &preview, 1);
     preview_ = &preview;
     const auto release = qScopeGuard([this] { preview_ = nullptr; });
     return controls::ShowModal(*this);

@@ -6,6 +6,7 @@
 #include "imaging/tone/ColourEffects.h"
 
 class QTabWidget;
+class QVBoxLayout;
 
 namespace kadrona::dialogs {
 
@@ -39,6 +40,7 @@ class ColourAdjustment : public QDialog {
 
     /// Lives while the dialog shows, so that it keeps no memory of a photo's size.
     BeforeAfterView* preview_ = nullptr;
+    QVBoxLayout* column_;
     QTabWidget* pages_;
     AdjustmentPage* contrast_;
     AdjustmentPage* hue_;

@@ -9,8 +9,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -18,6 +16,7 @@
 #include "controls/fields/PathEdit.h"
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/ScrolledPage.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/UploadFiguresEdit.h"
 #include "dialogs/side/PaperFields.h"
@@ -61,25 +60,6 @@ QHBoxLayout* Row(std::initializer_list<std::pair<QLayout*, int>> cells) {
     }
     return row;
 }
-
-/// A page of the tabs that scrolls where the screen is too small for it.
-class ScrolledPage : public QScrollArea {
- public:
-    explicit ScrolledPage(QWidget* page) {
-        setWidget(page);
-        setWidgetResizable(true);
-        setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus);
-        // The page of the tabs paints the ground.
-        page->setAutoFillBackground(false);
-        viewport()->setAutoFillBackground(false);
-    }
-
-    /// The toolkit's own is at most a few hundred pixels, whatever the page needs.
-    QSize sizeHint() const override {
-        return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
-    }
-};
 
 /// Separates the page's groups of settings without a frame around each.
 constexpr int GroupSpacing = 8;

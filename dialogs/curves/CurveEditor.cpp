@@ -20,6 +20,7 @@ constexpr size_t FewestPoints = 2;
 constexpr double HitDistance = 9;
 constexpr double DragOutDistance = 24;
 constexpr int FieldSide = 320;
+constexpr int SmallestFieldSide = 160;
 constexpr QMarginsF FieldMargins(26, 8, 10, 24);
 
 }  // namespace
@@ -31,14 +32,17 @@ CurveEditor::CurveEditor(QWidget* parent) : QWidget(parent) {
     Describe();
 }
 
-QSize CurveEditor::minimumSizeHint() const {
-    return (QSizeF(FieldSide, FieldSide).grownBy(FieldMargins) +
-            QSizeF(0, fontMetrics().height() + 4))
+QSize CurveEditor::SizeWithField(int side) const {
+    return (QSizeF(side, side).grownBy(FieldMargins) + QSizeF(0, fontMetrics().height() + 4))
         .toSize();
 }
 
+QSize CurveEditor::minimumSizeHint() const {
+    return SizeWithField(SmallestFieldSide);
+}
+
 QSize CurveEditor::sizeHint() const {
-    return minimumSizeHint();
+    return SizeWithField(FieldSide);
 }
 
 void CurveEditor::SetCurves(const imaging::CurveSet& curves) {

@@ -86,6 +86,7 @@ class CurveEditor : public QWidget {
     void InsertBehindSelected();
 
     // Geometry
+    QSize SizeWithField(int side) const;
     QRectF Field() const;
     imaging::CurvePoint FromWidget(QPointF position) const;
     int PointAt(QPointF position) const;

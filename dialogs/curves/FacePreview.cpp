@@ -9,15 +9,25 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
 
+namespace {
+
+constexpr int Height = 150;
+
+}  // namespace
+
 FacePreview::FacePreview(QWidget* parent)
     : QWidget(parent), view_(new imaging::view::ImageView(face_)) {
-    constexpr int Height = 150;
     setObjectName(u"FacePreview"_s);
-    setFixedHeight(Height);
+    setMinimumHeight(Height / 2);
+    setMaximumHeight(Height);
     view_->setAccessibleName(u"Vorschau des Gesichts"_s);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(view_);
+}
+
+QSize FacePreview::sizeHint() const {
+    return {QWidget::sizeHint().width(), Height};
 }
 
 /// The view goes before the picture that it shows.

@@ -28,6 +28,9 @@ class FacePreview : public QWidget {
     /// Null shows the photo as it is.
     void SetFilter(imaging::PixelFilterPointer filter);
 
+    /// Half as high where the screen is small.
+    QSize sizeHint() const override;
+
  private:
     imaging::LayeredImage face_;
     imaging::view::ImageView* view_;

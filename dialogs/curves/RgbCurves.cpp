@@ -125,12 +125,15 @@ void TfmRGBKurve::BuildPresets() {
     column->addWidget(labPreset);
     column->addWidget(cbPreset2_, 1);
     column->addLayout(buttons);
-    auto* layout = new QGridLayout(this);
+    auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
-    layout->setHorizontalSpacing(16);
-    layout->setVerticalSpacing(10);
-    layout->addLayout(column, 0, 1, 2, 1);
+    layout->setSpacing(10);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    grid_ = new QGridLayout;
+    grid_->setHorizontalSpacing(16);
+    grid_->setVerticalSpacing(10);
+    grid_->addLayout(column, 1, 1);
+    layout->addLayout(grid_, 1);
 }
 
 void TfmRGBKurve::BuildChannel() {
@@ -151,11 +154,11 @@ void TfmRGBKurve::BuildChannel() {
     auto* channel = new QHBoxLayout;
     channel->setSpacing(ButtonSpacing);
     channel->addWidget(cbChannel_);
-    channel->addStretch();
     channel->addWidget(btnReset);
     channel->addWidget(btnResetAll);
-    Grid().addLayout(channel, 0, 0);
-    Grid().addWidget(editor_, 1, 0);
+    channel->addStretch();
+    grid_->addLayout(channel, 0, 0, 1, 2);
+    grid_->addWidget(editor_, 1, 0);
 }
 
 void TfmRGBKurve::BuildConfirmation() {
@@ -169,15 +172,10 @@ void TfmRGBKurve::BuildConfirmation() {
     connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
     auto* confirm = new QHBoxLayout;
     confirm->setSpacing(ButtonSpacing);
-    confirm->addStretch();
-    confirm->addWidget(btnOk);
-    confirm->addWidget(btnCancel);
-    Grid().addWidget(hint_, 2, 0);
-    Grid().addLayout(confirm, 2, 1, Qt::AlignBottom);
-}
-
-QGridLayout& TfmRGBKurve::Grid() const {
-    return *qobject_cast<QGridLayout*>(layout());
+    confirm->addWidget(hint_, 1);
+    confirm->addWidget(btnOk, 0, Qt::AlignBottom);
+    confirm->addWidget(btnCancel, 0, Qt::AlignBottom);
+    qobject_cast<QVBoxLayout*>(layout())->addLayout(confirm);
 }
 
 /// From the preset to the curve, then to what is done with it.

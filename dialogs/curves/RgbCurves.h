@@ -60,12 +60,12 @@ class TfmRGBKurve : public QDialog {
     void ApplyTo(imaging::LayeredImage& image) const;
     void ShowHint(bool pointRefused);
     QPushButton* Button(const QString& name, const QString& text, void (TfmRGBKurve::*click)());
-    QGridLayout& Grid() const;
     QString PresetFile(const QListWidgetItem& item) const;
     /// Throws imaging::CurveFileError for a name that no file can have.
     QString NewPresetFile(const QString& name) const;
 
     QString curvesFolder_;
+    QGridLayout* grid_;
     CurveEditor* editor_;
     FacePreview* face_;
     QListWidget* cbPreset2_;

@@ -1,10 +1,13 @@
 #include <QClipboard>
+#include <QHBoxLayout>
+#include <QScrollArea>
 #include <QToolButton>
 
 #include "core/templates/TemplateSize.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"
+#include "dialogs/SmallScreens.h"
 #include "dialogs/TemplateChooser.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Windows.h"
@@ -230,6 +233,39 @@ TEST(FileNamePrompt, SwallowsWhatANameMustNotHoldAndTakesNoExistingOne) {
     const QString folder = QFileInfo(installation.Path("x")).path();
     EXPECT_EQ(prompt.ShowEx(folder), controls::ModalResult::Ok);
     EXPECT_EQ(prompt.Path(), folder + u"/2026-03-07-max2.jpg"_s);
+}
+
+TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
+    dialogs::SmallScreens onScreen;
+    qApp->installEventFilter(&onScreen);
+    const auto show = [](QDialog& dialog, QSize content) {
+        auto* filling = new QWidget;
+        filling->setMinimumSize(content);
+        auto* button = new QPushButton(u"Übernehmen"_s);
+        auto* row = new QHBoxLayout;
+        row->addWidget(button);
+        auto* column = new QVBoxLayout(&dialog);
+        column->addWidget(filling);
+        column->addLayout(row);
+        column->setSizeConstraint(QLayout::SetFixedSize);
+        dialog.show();
+        const QRect screen = dialog.screen()->availableGeometry();
+        EXPECT_TRUE(screen.contains(dialog.frameGeometry()));
+        const QRect place(button->mapTo(&dialog, QPoint()), button->size());
+        EXPECT_TRUE(dialog.rect().contains(place));
+        EXPECT_EQ(button->visibleRegion().boundingRect(), button->rect());
+        dialog.hide();
+        dialog.show();
+        EXPECT_TRUE(screen.contains(dialog.frameGeometry()));
+    };
+    for (const QSize content : {QSize(3000, 200), QSize(300, 3000)}) {
+        QDialog dialog;
+        show(dialog, content);
+        EXPECT_NE(dialog.findChild<QScrollArea*>(), nullptr);
+    }
+    QDialog small;
+    show(small, {300, 200});
+    EXPECT_EQ(small.findChild<QScrollArea*>(), nullptr) << "there is room";
 }
 
 }  // namespace kadrona::testing
