@@ -6,7 +6,7 @@
 #include <memory>
 #include <new>
 
-#include "imaging/pixels/NewImage.h"
+#include "imaging/reading/RawDevelopment.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
@@ -14,9 +14,6 @@ using namespace Qt::StringLiterals;
 namespace kadrona::imaging {
 
 namespace {
-
-/// More than any camera has, and what LibRaw takes for it is a gigabyte and a half.
-constexpr qint64 MostPixels = 105'000'000;
 
 /// The tags of a TIFF file's first directory by which a raw file is told.
 struct FirstDirectory {
@@ -120,23 +117,6 @@ void SetParameters(libraw_output_params_t& parameters) {
     parameters.gamm[1] = 12.92;
 }
 
-/// What is developed, as pixels of 32 bits.
-QImage Developed(const ReadTask& task, LibRaw& raw) {
-    int width = 0;
-    int height = 0;
-    int colours = 0;
-    int bits = 0;
-    raw.get_mem_image_format(&width, &height, &colours, &bits);
-    constexpr int RgbColours = 3;
-    if (colours != RgbColours) {
-        task.Fail(ReasonOf(LIBRAW_FILE_UNSUPPORTED));
-    }
-    QImage image = NewImage({width, height}, QImage::Format_RGB888);
-    Require(task, raw.copy_mem_image(image.bits(), static_cast<int>(image.bytesPerLine()), 0));
-    raw.free_image();
-    return RequireAllocated(image.convertToFormat(QImage::Format_RGB32));
-}
-
 }  // namespace
 
 bool IsRaw(QByteArrayView start) {
@@ -181,15 +161,16 @@ DecodedImage ReadRaw(const ReadTask& task) {
     const qint64 width = std::max(sizes.width, sizes.raw_width);
     const qint64 height = std::max(sizes.height, sizes.raw_height);
     task.RequireAllowedSize(width, height);
-    if (width * height > MostPixels) {
-        task.Fail(TooMuchMemoryReason());
-    }
+    task.RequireMemoryBeside(RawBytesBeside(*raw));
     const Orientation orientation = OrientationOf(sizes.flip);
     Require(task, raw->unpack());
     faults.FailIfAny(task);
-    Require(task, raw->dcraw_process());
+    raw->recycle_datastream();
+    file.clear();
+    task.RequireMemoryBeside(RawBytesBeside(*raw));
     DecodedImage decoded;
-    decoded.image = Developed(task, *raw);
+    decoded.image = DevelopedRaw(
+        *raw, [&task](int result) { Require(task, result); }, [](double, double) {});
     decoded.metadata.orientation = orientation;
     return decoded;
 }

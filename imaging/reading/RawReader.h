@@ -12,8 +12,8 @@ bool IsRaw(QByteArrayView start);
 bool IsRawTiff(QIODevice& device);
 
 /// Develops a camera's raw file with LibRaw: all its pixels, with the white balance of the camera,
-/// in sRGB. It comes as the sensor saw it, with the turn that it is to be given. Takes about
-/// fifteen bytes a pixel while it works. Throws ReadError.
+/// in sRGB. It comes as the sensor saw it, with the turn that it is to be given. Throws
+/// ReadError.
 DecodedImage ReadRaw(const ReadTask& task);
 
 }  // namespace kadrona::imaging

@@ -15,6 +15,8 @@ struct Dng {
     double blue = 1;
     quint16 orientation = 1;
     int missingRows = 0;
+    /// From the top on, with half the light.
+    int dimRows = 0;
     const char* pattern = "\0\1\1\2";
 };
 
@@ -41,7 +43,8 @@ QByteArray RawFile(const Dng& dng, QColor colour) {
     for (int y = 0; y < dng.size.height() - dng.missingRows; ++y) {
         for (int x = 0; x < dng.size.width(); ++x) {
             const auto filter = size_t{static_cast<uchar>(dng.pattern[y % 2 * 2 + x % 2])};
-            mosaic += Packed<quint16>(std::lround(seen.at(filter) * 65535));
+            const double light = y < dng.dimRows ? 0.5 : 1;
+            mosaic += Packed<quint16>(std::lround(seen.at(filter) * light * 65535));
         }
     }
     constexpr quint16 Bytes = 1;
@@ -81,6 +84,17 @@ TEST(ReaderRaw, DevelopsWithTheCamerasWhiteBalanceAndItsTurn) {
     EXPECT_EQ(Read(RawFile(turned, colour)).pixels.Size(), QSize(48, 64));
     EXPECT_EQ(Read(RawFile(turned, colour), {.applyOrientation = false}).pixels.Size(),
               QSize(64, 48));
+}
+
+TEST(ReaderRaw, DevelopsTheBandsOfALargePictureAlike) {
+    // The brightest pixels become white, and they are in the last band alone.
+    const Dng dng{.size = {1500, 1500}, .dimRows = 1400};
+    const LoadedImage loaded = Read(RawFile(dng, QColor(235, 235, 235)));
+    ASSERT_EQ(loaded.pixels.Size(), dng.size);
+    for (const int y : {0, 600, 1319, 1320, 1390}) {
+        ExpectColour(loaded, {750, y}, QColor(188, 188, 188), 2);
+    }
+    ExpectColour(loaded, {750, 1410}, Qt::white, 0);
 }
 
 TEST(ReaderRaw, SaysWhatIsWrong) {
