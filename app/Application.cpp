@@ -1,17 +1,17 @@
 #include "app/Application.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QLibraryInfo>
 #include <QTextStream>
-#include <QTimer>
 #include <QTranslator>
-#include <QWindow>
 #include <algorithm>
 #include <array>
 #include <memory>
 
 #include "app/MainWindow.h"
 #include "app/PrintService.h"
+#include "app/StartRequests.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
@@ -22,6 +22,8 @@
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
 #include "dialogs/SmallScreens.h"
+#include "platform/Paths.h"
+#include "platform/RunningProgram.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -83,17 +85,14 @@ QStringList ArgumentsOf(int argc, char** argv) {
     return arguments;
 }
 
-/// Dialogs over the photo can only be placed well over a window that is on the screen.
-void OpenOnceExposed(TmainFm& window, const WindowRequest& request) {
-    constexpr int LookAgainMilliseconds = 10;
-    if (!window.windowHandle()->isExposed()) {
-        QTimer::singleShot(LookAgainMilliseconds, &window,
-                           [&window, request] { OpenOnceExposed(window, request); });
-    } else if (!request.photo.isEmpty()) {
-        window.OpenDroppedFiles({request.photo});
-    } else if (request.chooses) {
-        window.Actions()[Action::Open]->trigger();
+/// What tells apart programs that must not hand their photos to each other: another display, other
+/// data, another build.
+QString Identity() {
+    QStringList parts{QFile::symLinkTarget(u"/proc/self/exe"_s), platform::CommonAppDataFolder()};
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        parts.append(qEnvironmentVariable(name));
     }
+    return parts.join(u'\n');
 }
 
 /// What is open over the window is cancelled first; a chooser that does not let itself be closed
@@ -105,6 +104,11 @@ void CloseAsByTheUser(TmainFm& window) {
 }
 
 int RunWindow(int argc, char** argv, const WindowRequest& request) {
+    platform::RunningProgram running;
+    if (!request.newWindow &&
+        running.Start(Identity(), Packed(request)) == platform::RunningProgram::Role::HandedOver) {
+        return Done;
+    }
     QApplication application(argc, argv);
     QTranslator toolkitTexts;
     if (toolkitTexts.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
@@ -125,7 +129,11 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
         QObject::connect(&ending, &platform::TerminationSignals::Requested, &window,
                          [&window] { CloseAsByTheUser(window); });
         window.show();
-        OpenOnceExposed(window, request);
+        StartRequests requests(window);
+        requests.Ask(request);
+        QObject::connect(&running, &platform::RunningProgram::Requested, &requests,
+                         &StartRequests::AskFromOutside);
+        running.Listen();
         result = QApplication::exec();
     });
     return started ? result : SomePhotoFailed;
@@ -142,6 +150,7 @@ int Run(int argc, char** argv) {
     WindowRequest request;
     try {
         request = ParseWindowRequest(arguments.mid(1));
+        request.activationToken = qgetenv("XDG_ACTIVATION_TOKEN");
     } catch (const UsageError& error) {
         QTextStream(stderr) << HarmlessName(error.Text()) << u"\nHilfe: kadrona --help"_s
                             << Qt::endl;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace kadrona::app {
 
@@ -13,9 +15,19 @@ struct WindowRequest {
     bool chooses = false;
     /// A window of its own, even where one runs.
     bool newWindow = false;
+    /// With which the desktop lets a window come to the front; empty for none.
+    QByteArray activationToken = {};
+
+    bool operator==(const WindowRequest&) const = default;
 };
 
 /// From the arguments behind the program's name. Throws UsageError for what makes no sense.
 WindowRequest ParseWindowRequest(const QStringList& arguments);
+
+/// The request as one start hands it to another: four fields, NUL between them.
+QByteArray Packed(const WindowRequest& request);
+
+/// Nothing for bytes that are no request.
+std::optional<WindowRequest> Unpacked(const QByteArray& bytes);
 
 }  // namespace kadrona::app

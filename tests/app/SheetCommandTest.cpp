@@ -3,6 +3,7 @@
 #include "app/Application.h"
 #include "app/commandline/OrderCommand.h"
 #include "app/commandline/SheetCommand.h"
+#include "app/commandline/WindowRequest.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
 #include "tests/app/CommandFixture.h"
@@ -40,6 +41,28 @@ TEST(SheetRequest, RefusesWhatMakesNoSense) {
                               "--paper A4 --marks x", "--gap 2", "--unknown", "--profile"}) {
         EXPECT_THROW(ParseSheetRequest(valid + Arguments(wrong)), UsageError) << wrong;
     }
+}
+
+TEST(WindowRequest, SurvivesTheWayToAnotherStartAndNothingElseDoes) {
+    using app::ParseWindowRequest;
+    using app::Unpacked;
+    for (const char* arguments : {"", "--open", "/f/ü.jpg", "-- -a.jpg"}) {
+        const app::WindowRequest request = ParseWindowRequest(Arguments(arguments));
+        EXPECT_EQ(Unpacked(Packed(request)), request) << arguments;
+    }
+    EXPECT_TRUE(ParseWindowRequest(Arguments("--new-window a.jpg")).newWindow);
+    EXPECT_TRUE(ParseWindowRequest(Arguments("a.jpg")).photo.startsWith(u'/'));
+    for (const char* wrong : {"--unknown", "a.jpg b.jpg", "--open a.jpg", "a.jpg --open"}) {
+        EXPECT_THROW(ParseWindowRequest(Arguments(wrong)), UsageError) << wrong;
+    }
+    const QByteArray packed = Packed(ParseWindowRequest(Arguments("/a.jpg")));
+    EXPECT_EQ(packed.toPercentEncoding(" /"), "kadrona 1%00%00%00/a.jpg");
+    for (const char* damaged : {"", "kadrona 2%00%00%00/a.jpg", "kadrona 1%00%0A%00%00/a.jpg",
+                                "kadrona 1%00%00x%00/a.jpg", "kadrona 1%00%00%00a.jpg",
+                                "kadrona 1%00%00%00/a.jpg%00", "kadrona 1%00%00/a.jpg"}) {
+        EXPECT_FALSE(Unpacked(QByteArray::fromPercentEncoding(damaged))) << damaged;
+    }
+    EXPECT_FALSE(Unpacked(packed + QByteArray(4096, 'a')));
 }
 
 TEST(SheetRequest, TakesNamesAsFileManagersGiveThemAndThoseThatBeginLikeAnOption) {

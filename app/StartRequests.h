@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <optional>
+
+#include "app/commandline/WindowRequest.h"
+
+namespace kadrona::app {
+
+class TmainFm;
+
+/// Does in the window what this start, and later ones, were asked to do.
+class StartRequests : public QObject {
+    Q_OBJECT
+
+ public:
+    /// `window` outlives the object.
+    explicit StartRequests(TmainFm& window);
+
+    /// Does it once the window is on the screen and no dialog is open. A newer request takes the
+    /// place of one that still waits, as a second dropped photo would.
+    void Ask(const WindowRequest& request);
+
+    /// The same for what another start handed over; the window comes to the front at once. Bytes
+    /// that are no request are dropped.
+    void AskFromOutside(const QByteArray& bytes);
+
+ private:
+    void Look();
+
+    TmainFm& window_;
+    std::optional<WindowRequest> waiting_;
+    QTimer timer_;
+};
+
+}  // namespace kadrona::app
