@@ -27,7 +27,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     line_->setAutoFillBackground(true);
     text_ = new QLabel(line_);
     text_->setWordWrap(true);
-    auto* accept = new QPushButton(line_);
+    auto* accept = new QPushButton(u"Übernehmen (Strg+E)"_s, line_);
     accept->setObjectName(u"AcceptProposal"_s);
     auto* refuse = new QPushButton(u"Nein"_s, line_);
     refuse->setObjectName(u"RefuseProposal"_s);
@@ -36,11 +36,14 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
         button->setFocusPolicy(Qt::NoFocus);
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
-    auto* row = new QHBoxLayout(line_);
-    row->setContentsMargins(8, 3, 8, 3);
-    row->addWidget(text_, 1);
-    row->addWidget(accept);
-    row->addWidget(refuse);
+    auto* choice = new QHBoxLayout;
+    choice->addStretch();
+    choice->addWidget(accept);
+    choice->addWidget(refuse);
+    row_ = new QHBoxLayout(line_);
+    row_->setContentsMargins(8, 3, 8, 3);
+    row_->addWidget(text_, 1);
+    row_->addLayout(choice);
     line_->hide();
     connect(accept, &QPushButton::clicked, this, &FaceOverlay::Accepted);
     connect(refuse, &QPushButton::clicked, this, &FaceOverlay::Refused);
@@ -82,10 +85,14 @@ void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
 }
 
 void FaceOverlay::Follow() {
-    constexpr int RoomForShortcut = 450;
     setGeometry(view_.rect());
-    buttons_.front()->setText(view_.width() < RoomForShortcut ? u"Übernehmen"_s
-                                                              : u"Übernehmen (Strg+E)"_s);
+    // A text that is broken into many lines would stand better above its buttons.
+    constexpr int FewestLetters = 20;
+    int needed = text_->fontMetrics().averageCharWidth() * FewestLetters;
+    for (const QPushButton* button : buttons_) {
+        needed += button->sizeHint().width();
+    }
+    row_->setDirection(needed < view_.width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     const int height = line_->layout()->totalHeightForWidth(view_.width());
     line_->setGeometry(0, view_.height() - height, view_.width(), height);
     line_->raise();

@@ -8,6 +8,7 @@
 
 #include "imaging/face/Face.h"
 
+class QBoxLayout;
 class QLabel;
 class QPainter;
 class QPushButton;
@@ -57,6 +58,7 @@ class FaceOverlay : public QWidget {
     std::optional<QLineF> drawn_;
     QWidget* line_;
     QLabel* text_;
+    QBoxLayout* row_;
     std::vector<QPushButton*> buttons_;
 };
 

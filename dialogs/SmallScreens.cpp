@@ -56,15 +56,6 @@ void AddFoot(QVBoxLayout& column, QLayoutItem* foot, QMargins margins) {
     delete foot;
 }
 
-/// The style sheet's least width is too much for some buttons and too little for others.
-void FitButtonsToTexts(const QDialog& dialog) {
-    constexpr int Padding = 30;
-    for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
-        const QSize text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text());
-        button->setMinimumWidth(text.width() + Padding);
-    }
-}
-
 /// Puts the contents of a dialog into an area that scrolls.
 void MakeScrollable(QDialog& dialog) {
     QLayout* contents = dialog.layout();
@@ -91,7 +82,6 @@ void Fit(QDialog& dialog) {
     }
     const QSize wanted = layout->totalSizeHint().expandedTo(dialog.minimumSize());
     MakeScrollable(dialog);
-    FitButtonsToTexts(dialog);
     dialog.setMinimumSize(WithinScreen(dialog, dialog.minimumSize()));
     dialog.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     dialog.resize(WithinScreen(dialog, wanted));
@@ -105,7 +95,6 @@ bool SmallScreens::eventFilter(QObject* watched, QEvent* event) {
         if (dialog != nullptr && dialog->layout() != nullptr && dialog->isWindow() &&
             qobject_cast<QMessageBox*>(dialog) == nullptr) {
             Fit(*dialog);
-            MoveOntoScreen(*dialog);
         }
     }
     return QObject::eventFilter(watched, event);

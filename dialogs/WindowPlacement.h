@@ -9,9 +9,6 @@ namespace kadrona::dialogs {
 /// has none, as far as the screen has room.
 void CentreOnParent(QWidget& window);
 
-/// Moves a window that is about to be shown no further than it takes to lie on its screen.
-void MoveOntoScreen(QWidget& window);
-
 /// The size, as far as the window's screen has room for it with a frame.
 QSize WithinScreen(const QWidget& window, QSize wanted);
 

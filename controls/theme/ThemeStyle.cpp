@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QMetaObject>
+#include <QPushButton>
 #include <QStyledItemDelegate>
 #include <typeinfo>
 
@@ -49,6 +50,11 @@ void ThemeStyle::polish(QWidget* widget) {
         if (qstrcmp(box->itemDelegate()->metaObject()->className(), "QComboBoxDelegate") == 0) {
             box->setItemDelegate(new NameDelegate(box));
         }
+    } else if (auto* button = qobject_cast<QPushButton*>(widget)) {
+        // The style sheet's least width, which the size that a button asks for keeps to anyway,
+        // would also let layouts make it narrower than its text.
+        QMetaObject::invokeMethod(
+            button, [button] { button->setMinimumWidth(0); }, Qt::QueuedConnection);
     } else if (auto* label = qobject_cast<QLabel*>(widget)) {
         // Tool tips are labels as well; theirs is made by PlainTip and ScreenTipOf.
         if (label->textFormat() == Qt::AutoText && !label->inherits("QTipLabel")) {

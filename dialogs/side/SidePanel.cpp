@@ -1,7 +1,9 @@
 #include "dialogs/side/SidePanel.h"
 
+#include <QEvent>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -9,8 +11,9 @@ namespace kadrona::dialogs {
 
 namespace {
 
-/// Of a panel that is shown, pixels.
+/// Of a panel that is shown, pixels; large letters may need more.
 constexpr int PanelWidth = 330;
+constexpr int GreatestWidth = 520;
 
 }  // namespace
 
@@ -19,7 +22,6 @@ SidePanel::SidePanel(QWidget* parent) : QScrollArea(parent) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFixedWidth(PanelWidth);
     auto* content = new QWidget;
     column_ = new QVBoxLayout(content);
     column_->addStretch(1);
@@ -39,6 +41,21 @@ void SidePanel::ShowSection(QWidget* section, bool shown) {
         shown_.append(section);
     }
     setVisible(!shown_.isEmpty());
+    FitWidth();
+}
+
+/// What does not wrap must not be cut off.
+void SidePanel::FitWidth() {
+    const int needed =
+        widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    setFixedWidth(std::clamp(needed, PanelWidth, GreatestWidth));
+}
+
+bool SidePanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        FitWidth();
+    }
+    return QScrollArea::eventFilter(watched, event);
 }
 
 }  // namespace kadrona::dialogs

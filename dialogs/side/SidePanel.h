@@ -18,7 +18,12 @@ class SidePanel : public QScrollArea {
     void AddSection(QWidget* section);
     void ShowSection(QWidget* section, bool shown);
 
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
+    void FitWidth();
+
     QVBoxLayout* column_;
     QList<QWidget*> shown_;
 };
