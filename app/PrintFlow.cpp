@@ -141,7 +141,9 @@ bool PrintFlow::ConfirmPaper(printing::PrintImage& image) {
     printing::PrinterPaper paper;
     {
         const controls::WaitCursor wait;
-        paper = data_.Printer().Paper();
+        const printing::PrinterChoice printer = data_.Printer().CurrentPrinter();
+        paper = data_.Printer().PaperOf(printer);
+        beforePrintDialog_->RememberPaper(printer, paper);
     }
     const QString warning = printing::PaperWarning(image, paper);
     if (warning.isEmpty()) {

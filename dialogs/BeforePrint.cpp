@@ -14,6 +14,7 @@
 #include "core/settings/Settings.h"
 #include "dialogs/PaperView.h"
 #include "printing/Calibration.h"
+#include "printing/PrinterSettingsFile.h"
 #include "printing/SheetOnPaper.h"
 
 using namespace Qt::StringLiterals;
@@ -27,6 +28,11 @@ namespace {
 constexpr int SelfConfirmationMilliseconds = 500;
 constexpr QSize SmallestList(220, 200);
 constexpr int SettlingMilliseconds = 60;
+
+/// A stored choice has only the beginning of a long name.
+QByteArray KeyOf(const printing::PrinterChoice& printer) {
+    return printing::StoredName(printer.device).toUtf8() + '\n' + printer.deviceMode;
+}
 
 QLabel* WrappedLabel(const QString& name) {
     auto* label = new QLabel;
@@ -145,9 +151,6 @@ void TBeforPrintDlgFm::showEvent(QShowEvent* event) {
 
 void TBeforPrintDlgFm::FormShow() {
     copies_.reset();
-    view_->ShowText({});
-    paperLabel_->clear();
-    warningLabel_->clear();
     lbProfiles_->setFocus();
     // Else Return would press the button that was pressed last time.
     btnProfile_->setDefault(true);
@@ -160,7 +163,36 @@ void TBeforPrintDlgFm::FormShow() {
     } else {
         SelectProfile(lastUsed_);
     }
+    ShowAtOnce();
     settled_->start();
+}
+
+void TBeforPrintDlgFm::RememberPaper(const printing::PrinterChoice& printer,
+                                     const printing::PrinterPaper& paper) {
+    papers_[KeyOf(printer)] = paper;
+}
+
+/// What can be shown without asking the print service: the sheet on the paper that the profile had
+/// when it was asked last, else alone.
+void TBeforPrintDlgFm::ShowAtOnce() {
+    view_->ShowText({});
+    paperLabel_->clear();
+    warningLabel_->clear();
+    if (!HasSheet()) {
+        return;
+    }
+    try {
+        const std::optional<printing::PrinterChoice> stored =
+            data_.PrintProfiles().Stored(SelectedProfile());
+        const auto known = stored ? papers_.find(KeyOf(*stored)) : papers_.end();
+        if (known != papers_.end()) {
+            ShowSheet(known->second);
+        } else {
+            Draw(SheetOfProfile(), {});
+        }
+    } catch (const platform::Error& error) {
+        view_->ShowText(error.Text());
+    }
 }
 
 /// Nothing where there is no profile of that name.
@@ -178,14 +210,14 @@ printing::PrintImage TBeforPrintDlgFm::SheetOfProfile() const {
     return sheet;
 }
 
+bool TBeforPrintDlgFm::HasSheet() const {
+    return !sheet_.tile.isNull() || sheet_.arrangement.has_value();
+}
+
 /// While the dialog is about to print by itself the print service is not asked, for whoever waits
 /// for its answer waits longer for the print.
 void TBeforPrintDlgFm::AskForPaper() {
-    if (!isVisible() || isAsking_ || (sheet_.tile.isNull() && !sheet_.arrangement)) {
-        return;
-    }
-    if (timer_->isActive()) {
-        view_->ShowText({});
+    if (!isVisible() || isAsking_ || !HasSheet() || timer_->isActive()) {
         return;
     }
     isAsking_ = true;
@@ -203,11 +235,21 @@ void TBeforPrintDlgFm::ShowPaper() {
     printing::PrinterLayer& printer = data_.Printer();
     const std::optional<printing::PrinterChoice> stored =
         data_.PrintProfiles().Stored(SelectedProfile());
-    const printing::PrinterPaper paper =
-        printer.PaperOf(stored ? *stored : printer.CurrentPrinter());
-    const printing::PrintImage sheet = SheetOfProfile();
+    const printing::PrinterChoice choice = stored ? *stored : printer.CurrentPrinter();
+    const printing::PrinterPaper paper = printer.PaperOf(choice);
+    RememberPaper(choice, paper);
+    ShowSheet(paper);
+}
+
+void TBeforPrintDlgFm::Draw(const printing::PrintImage& sheet,
+                            const printing::PrinterPaper& paper) {
     view_->ShowSheet(printing::LaidOnPaper(sheet, paper),
                      sheet.arrangement ? sheet.arrangement->pictures : std::vector{sheet.tile});
+}
+
+void TBeforPrintDlgFm::ShowSheet(const printing::PrinterPaper& paper) {
+    const printing::PrintImage sheet = SheetOfProfile();
+    Draw(sheet, paper);
     if (!copies_) {
         const QSignalBlocker blocker(copiesBox_);
         copiesBox_->setValue(paper.copies);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <map>
 #include <optional>
 
 #include "controls/messages/ModalResult.h"
@@ -41,6 +42,10 @@ class TBeforPrintDlgFm : public QDialog {
     /// The sheet to show from now on.
     void SetSheet(const printing::PrintImage& sheet) { sheet_ = sheet; }
 
+    /// The paper of a printer as the print service has just told it: what is shown until it is
+    /// asked again.
+    void RememberPaper(const printing::PrinterChoice& printer, const printing::PrinterPaper& paper);
+
     /// Shows the dialog with the profiles that there are now. Yes: print with SelectedProfile();
     /// No: print without a profile; Cancel.
     controls::ModalResult ShowEx();
@@ -59,8 +64,12 @@ class TBeforPrintDlgFm : public QDialog {
     QLayout* BuildPreview();
     QWidget* BuildButtons();
     void FormShow();
+    void ShowAtOnce();
     void AskForPaper();
     void ShowPaper();
+    void ShowSheet(const printing::PrinterPaper& paper);
+    void Draw(const printing::PrintImage& sheet, const printing::PrinterPaper& paper);
+    bool HasSheet() const;
     printing::PrintImage SheetOfProfile() const;
     void SelectProfile(const QString& name);
     void btnProfileClick();
@@ -82,6 +91,8 @@ class TBeforPrintDlgFm : public QDialog {
     printing::PrintImage sheet_;
     std::optional<int> copies_;
     bool isAsking_ = false;
+    /// By the printer and its options.
+    std::map<QByteArray, printing::PrinterPaper> papers_;
 };
 
 }  // namespace kadrona::dialogs

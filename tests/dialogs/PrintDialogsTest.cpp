@@ -256,9 +256,14 @@ TEST_F(PrintDialogs, OnlyADefaultProfileThatIsThereStartsTheTimer) {
     auto& timer = *beforePrint.findChild<QTimer*>(u"Timer"_s);
     EXPECT_EQ(timer.interval(), 500);
     PrintAtOnce(1);
+    QImage tile(350, 450, QImage::Format_RGB32);
+    tile.fill(Qt::gray);
+    beforePrint.SetSheet({tile, 1, 1, 254, {}});
     const auto expect = [&](const QString& selected, bool running, bool leavesIt = false) {
         driver.Expect(u"BeforPrintDlgFm"_s, [&, selected, running, leavesIt](QWidget& shown) {
             EXPECT_EQ(timer.isActive(), running);
+            const QImage view = Child<dialogs::PaperView>(shown, "PaperView").grab().toImage();
+            EXPECT_EQ(view.pixelColor(view.rect().center()), QColor(Qt::gray)) << "empty";
             EXPECT_EQ(beforePrint.SelectedProfile(), selected);
             if (leavesIt) {
                 ClickButton(shown, "btnCancel");
