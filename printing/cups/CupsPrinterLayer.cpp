@@ -113,8 +113,7 @@ std::unique_ptr<JobWatch> CupsPrinterLayer::Print(const PrintImage& image) {
     const PrinterChoice choice = CurrentPrinter();
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
-        if (image.tile.isNull() || image.dotsPerInch <= 0 || image.columns <= 0 ||
-            image.rows <= 0) {
+        if (image.dotsPerInch <= 0 || image.Millimetres().isEmpty()) {
             throw ServiceFailure(u"Das Bild hat keine Größe."_s);
         }
         const Connection connection = Service();

@@ -13,6 +13,7 @@
 
 #include "PrintService.h"
 #include "PrintedPage.h"
+#include "core/sheet/PaperSheet.h"
 #include "core/sheet/SheetLayout.h"
 #include "platform/AtomicFile.h"
 #include "printing/PrinterSetup.h"
@@ -173,6 +174,34 @@ TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
         EXPECT_FALSE(HasLabel(service_.PrintedFile()));
         service_.Run(u"lpadmin"_s, {u"-p"_s, u"Photo"_s, u"-R"_s, option[0] + u"-default"_s});
     }
+}
+
+TEST_F(PrintingTest, ASheetOnPaperComesOutWithItsCopiesAndGaps) {
+    CupsPrinterLayer layer(service_.Address());
+    Set(layer, {{"PageSize", "w288h432"}, {DeviceMode::Orientation, "auto"}});
+    core::PaperChoice choice;
+    choice.paper = QSize(101'600, 152'400);
+    choice.marks = core::CuttingMarks::Corners;
+    choice.fill = true;
+    PrintImage image;
+    image.dotsPerInch = 300;
+    const QImage photo =
+        Painted({413, 531}, [](int x, int y) { return qRgb(x % 256, y % 256, 9); });
+    image.arrangement = *core::CopiesOnPaper(imaging::Pixels(photo), {35'000, 45'000},
+                                             {image.dotsPerInch}, choice, 0)
+                             .Arranged();
+    const PrintedPage printed = Printed(layer, image);
+    EXPECT_NEAR(printed.page.width(), 101.6, 0.02);
+    EXPECT_NEAR(printed.page.height(), 152.4, 0.02);
+    ASSERT_EQ(printed.copies.size(), 8);
+    for (const PrintedPage::Copy& copy : printed.copies) {
+        EXPECT_NEAR(copy.place.width(), 45, 0.05);
+        EXPECT_NEAR(copy.place.height(), 35, 0.05);
+    }
+    const QRectF first = printed.copies[0].place;
+    EXPECT_NEAR(printed.copies[1].place.left() - first.right(), 2, 0.085);
+    EXPECT_NEAR(printed.copies[2].place.top() - first.bottom(), 2, 0.085);
+    ExpectPlacesOf(LaidOnPaper(image, layer.Paper()), printed, false);
 }
 
 TEST_F(PrintingTest, TheTileIsInThePageOnceAndLossless) {
