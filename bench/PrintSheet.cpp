@@ -42,15 +42,12 @@ int main(int count, char** arguments) {
     QTextStream out(stdout);
     try {
         cups::CupsPrinterLayer layer(words.value(1), std::chrono::minutes(1));
-        layer.SetCurrentPrinter({words.value(2), {}, {}, {}});
-        PrinterChoice choice = layer.CurrentPrinter();
-        cups::DeviceMode mode(choice.deviceMode);
+        cups::DeviceMode mode;
         mode.SetSheetOrientation(Orientation::Automatic);
         for (const QString& option : words.mid(5)) {
             mode.Set(option.section(u'=', 0, 0).toUtf8(), option.section(u'=', 1).toUtf8());
         }
-        choice.deviceMode = mode.ToBlock();
-        layer.SetCurrentPrinter(choice);
+        layer.SetCurrentPrinter({words.value(2), {}, {}, mode.ToBlock()});
         const PrintImage image = DarkSheet(SizeOf(words.value(3)), SizeOf(words.value(4)));
         const PrinterPaper paper = layer.Paper();
         out << (IsTurned(image, paper) ? "turned" : "upright") << '\n'

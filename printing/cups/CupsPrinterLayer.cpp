@@ -1,10 +1,14 @@
 #include "printing/cups/CupsPrinterLayer.h"
 
+#include <algorithm>
+
 #include "platform/HarmlessText.h"
 #include "printing/cups/QueueChoice.h"
 #include "printing/cups/SetupDialog.h"
+#include "printing/cups/service/AnnouncedPrinters.h"
 #include "printing/cups/service/Job.h"
 #include "printing/cups/service/JobFollower.h"
+#include "printing/cups/service/Question.h"
 #include "printing/cups/service/StateReasons.h"
 
 using namespace Qt::StringLiterals;
@@ -23,13 +27,30 @@ auto NamingPrinter(const QString& printer, const Step& step) {
     }
 }
 
-Queue RequiredQueue(const Connection& connection, const QByteArray& name) {
-    std::optional<Queue> queue = FindQueue(connection, name);
-    if (!queue) {
+/// The service has not yet, or in vain, asked an announced printer what it can do.
+bool IsUnready(const Queue& queue) {
+    return queue.isAnnounced && !queue.acceptsJobs;
+}
+
+/// The queue as it is now; that of an announced printer is made where it is not ready.
+Queue ReadyQueue(const Connection& connection, const Queue& known) {
+    if (std::optional<Queue> queue = FindQueue(connection, known.name)) {
+        return IsUnready(*queue) ? MadeQueue(connection, *queue) : *std::move(queue);
+    }
+    if (!known.isAnnounced) {
         throw ServiceFailure(u"Der Drucker ist nicht mehr vorhanden."_s,
                              IPP_STATUS_ERROR_NOT_FOUND);
     }
-    return *std::move(queue);
+    return MadeQueue(connection, known);
+}
+
+/// A chosen printer stays in the list while the network is still asked, or where it is off.
+void AddAnnounced(std::vector<Queue>& queues, const Queue& chosen) {
+    const bool isThere = std::any_of(queues.begin(), queues.end(),
+                                     [&](const Queue& queue) { return queue.name == chosen.name; });
+    if (chosen.isAnnounced && !isThere) {
+        queues.push_back(chosen);
+    }
 }
 
 ServiceFailure Rejection(const Queue& queue) {
@@ -74,7 +95,7 @@ void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        RequiredQueue(connection, name);
+        ReadyQueue(connection, QueueOf(choice));
     });
     current_ = choice;
     current_->device = QString::fromUtf8(name);
@@ -82,12 +103,31 @@ void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
 
 bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
     const Connection connection = Service();
+    const std::unique_ptr<Question> finding = connection.BeginFinding();
     std::vector<Queue> queues = Queues(connection);
+    if (current_) {
+        AddAnnounced(queues, QueueOf(*current_));
+    }
+    if (queues.empty()) {
+        connection.WaitFor(*finding);
+        queues = AnnouncedPrinters(*finding, {});
+    }
     if (queues.empty()) {
         throw PrinterError(u"Es ist kein Drucker eingerichtet."_s);
     }
-    const auto askDriver = [&](const Queue& queue) { return Driver::OfQueue(connection, queue); };
-    SetupDialog dialog(std::move(queues), askDriver, current_);
+    const auto askDriver = [&](Queue& queue) {
+        if (queue.isAnnounced) {
+            queue = ReadyQueue(connection, queue);
+        }
+        return Driver::OfQueue(connection, queue);
+    };
+    SetupDialog dialog(queues, askDriver, current_);
+    const auto addFound = [&] { dialog.AddQueues(AnnouncedPrinters(*finding, queues)); };
+    if (finding->IsFinished()) {
+        addFound();
+    } else {
+        QObject::connect(finding.get(), &Question::Finished, &dialog, addFound);
+    }
     if (!dialog.RunOver(owner)) {
         return false;
     }
@@ -99,7 +139,7 @@ PrinterPaper CupsPrinterLayer::PaperOf(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        const Queue queue = RequiredQueue(connection, name);
+        const Queue queue = ReadyQueue(connection, QueueOf(choice));
         PrinterPaper paper =
             Driver::OfQueue(connection, queue).PrinterPaperOf(DeviceMode(choice.deviceMode));
         if (queue.isPaused) {
@@ -117,7 +157,7 @@ std::unique_ptr<JobWatch> CupsPrinterLayer::Print(const PrintImage& image) {
             throw ServiceFailure(u"Das Bild hat keine Größe."_s);
         }
         const Connection connection = Service();
-        const Queue queue = RequiredQueue(connection, name);
+        const Queue queue = ReadyQueue(connection, QueueOf(choice));
         if (!queue.acceptsJobs) {
             throw Rejection(queue);
         }

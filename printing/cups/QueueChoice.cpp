@@ -1,5 +1,6 @@
 #include "printing/cups/QueueChoice.h"
 
+#include "platform/HarmlessText.h"
 #include "printing/PrinterSettingsFile.h"
 
 namespace kadrona::printing::cups {
@@ -17,7 +18,21 @@ PrinterChoice ChoiceOf(const Queue& queue, DeviceMode mode) {
     if (StoredName(name) != name) {
         mode.Set(DeviceMode::QueueName, queue.name);
     }
+    mode.Remove(DeviceMode::AnnouncedUri);
+    if (queue.isAnnounced) {
+        mode.Set(DeviceMode::AnnouncedUri, queue.announcedUri);
+    }
     return {name, queue.model, queue.deviceUri, mode.ToBlock()};
+}
+
+Queue QueueOf(const PrinterChoice& choice) {
+    Queue queue;
+    queue.name = QueueNameOf(choice);
+    queue.description = platform::HarmlessLine(QString::fromUtf8(queue.name));
+    queue.model = choice.driver;
+    queue.announcedUri = DeviceMode(choice.deviceMode).Value(DeviceMode::AnnouncedUri);
+    queue.isAnnounced = IsAnnouncedUri(queue.announcedUri);
+    return queue;
 }
 
 QByteArray QueueNameOf(const PrinterChoice& choice) {

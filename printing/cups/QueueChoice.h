@@ -18,4 +18,7 @@ PrinterChoice ChoiceOf(const Queue& queue, DeviceMode mode);
 /// The queue's whole name, where the choice comes from a file that keeps only its beginning.
 QByteArray QueueNameOf(const PrinterChoice& choice);
 
+/// What a choice knows of its queue without asking the service.
+Queue QueueOf(const PrinterChoice& choice);
+
 }  // namespace kadrona::printing::cups

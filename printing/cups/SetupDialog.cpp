@@ -48,9 +48,9 @@ QString ListText(const Queue& queue) {
 
 }  // namespace
 
-SetupDialog::SetupDialog(std::vector<Queue> queues, DriverSource drivers,
+SetupDialog::SetupDialog(const std::vector<Queue>& queues, DriverSource drivers,
                          const std::optional<PrinterChoice>& current)
-    : queues_(std::move(queues)), drivers_(std::move(drivers)) {
+    : drivers_(std::move(drivers)) {
     setObjectName(u"PrinterSetupDialog"_s);
     setWindowTitle(u"Drucker einrichten"_s);
     auto* columns = new QHBoxLayout;
@@ -61,6 +61,7 @@ SetupDialog::SetupDialog(std::vector<Queue> queues, DriverSource drivers,
     layout->setSpacing(12);
     layout->addLayout(columns, 1);
     layout->addWidget(BuildButtons());
+    AddQueues(queues);
     resize(sizeHint().expandedTo(LeastSize));
     Preselect(current);
     connect(queueList_, &QListWidget::currentRowChanged, this, &SetupDialog::ShowQueue);
@@ -77,15 +78,19 @@ QWidget* SetupDialog::BuildQueueList() {
     queueList_->setFixedWidth(260);
     queueList_->setTextElideMode(Qt::ElideRight);
     queueList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connect(queueList_, &QListWidget::itemDoubleClicked, this, [this] { ok_->click(); });
+    return queueList_;
+}
+
+void SetupDialog::AddQueues(const std::vector<Queue>& queues) {
     const QIcon icon = QIcon::fromTheme(u"printer"_s);
-    for (const Queue& queue : queues_) {
+    for (const Queue& queue : queues) {
+        queues_.push_back(queue);
         auto* item = new QListWidgetItem(icon, ListText(queue), queueList_);
         item->setData(Qt::UserRole, queue.name);
         item->setToolTip(Qt::convertFromPlainText(ShownName(queue) + u'\n' + StateText(queue),
                                                   Qt::WhiteSpaceNormal));
     }
-    connect(queueList_, &QListWidget::itemDoubleClicked, this, [this] { ok_->click(); });
-    return queueList_;
 }
 
 QWidget* SetupDialog::BuildOptions() {
@@ -179,6 +184,10 @@ PrinterChoice SetupDialog::Choice() const {
     return ChoiceOf(queue, modes_.at(queue.name));
 }
 
+Queue& SetupDialog::ChosenQueue() {
+    return queues_[static_cast<size_t>(queueList_->currentRow())];
+}
+
 const Queue& SetupDialog::ChosenQueue() const {
     return queues_[static_cast<size_t>(queueList_->currentRow())];
 }
@@ -186,8 +195,9 @@ const Queue& SetupDialog::ChosenQueue() const {
 void SetupDialog::ShowQueue() {
     ShowDetails();
     try {
-        const Queue& queue = ChosenQueue();
+        Queue& queue = ChosenQueue();
         driver_ = drivers_(queue);
+        ShowDetails();
         // What the driver has learned since the mode was stored gets its own choice.
         DeviceMode mode = StandardMode(queue, driver_);
         for (const auto& [key, value] : modes_[queue.name].Options()) {
@@ -212,6 +222,11 @@ void SetupDialog::ShowDetails() {
         if (!detail.isEmpty() && detail != queue.description && !details.contains(detail)) {
             details.append(detail);
         }
+    }
+    if (queue.isAnnounced) {
+        // The service hands its ban on scaling to no printer without a driver of its own.
+        details.append(
+            u"im Netz gefunden, ohne eigenen Treiber: vor dem ersten Blatt kalibrieren"_s);
     }
     queueDetails_->setText(details.join(u" · "_s));
     queueDetails_->setVisible(!details.isEmpty());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -30,14 +31,17 @@ class SetupDialog : public QDialog {
     Q_OBJECT
 
  public:
-    /// Throws platform::Error where the driver cannot be asked.
-    using DriverSource = std::function<Driver(const Queue&)>;
+    /// May bring the queue up to date. Throws platform::Error where the driver cannot be asked.
+    using DriverSource = std::function<Driver(Queue&)>;
 
     /// `queues` is not empty. `current` is shown first where it is one of them, else the default
     /// queue with the options that it has by itself.
-    SetupDialog(std::vector<Queue> queues, DriverSource drivers,
+    SetupDialog(const std::vector<Queue>& queues, DriverSource drivers,
                 const std::optional<PrinterChoice>& current);
     ~SetupDialog() override;
+
+    /// Lists further queues.
+    void AddQueues(const std::vector<Queue>& queues);
 
     /// Shows the dialog over a window, which may be null. True when it was confirmed.
     bool RunOver(QWindow* owner);
@@ -51,6 +55,7 @@ class SetupDialog : public QDialog {
     QWidget* BuildNote();
     QWidget* BuildButtons();
     void Preselect(const std::optional<PrinterChoice>& current);
+    Queue& ChosenQueue();
     const Queue& ChosenQueue() const;
     void ShowQueue();
     void ShowDetails();
@@ -59,7 +64,8 @@ class SetupDialog : public QDialog {
     void ShowNote(const QString& text);
     void MakeRoom();
 
-    std::vector<Queue> queues_;
+    /// May grow while one of them is asked.
+    std::deque<Queue> queues_;
     DriverSource drivers_;
     /// What the user has set of the queues that were shown, by name.
     std::map<QByteArray, DeviceMode> modes_;

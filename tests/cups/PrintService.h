@@ -14,7 +14,8 @@ namespace kadrona::testing {
 /// the service said.
 class PrintService {
  public:
-    PrintService();
+    /// With a port the queue is a printer of the network, too: ipp://localhost:PORT/printers/Photo.
+    explicit PrintService(const QString& port = {});
     ~PrintService();
     PrintService(const PrintService&) = delete;
     PrintService& operator=(const PrintService&) = delete;

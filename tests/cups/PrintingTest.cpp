@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QListWidget>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScopeGuard>
@@ -21,6 +22,7 @@
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
 #include "tests/support/Errors.h"
+#include "tests/support/ModalDriver.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace kadrona;
@@ -346,6 +348,42 @@ TEST_F(PrintingTest, AJobIsFollowedToItsEndWithTheServicesReason) {
         service_.Run(u"lp"_s, {u"-i"_s, u"3"_s, u"-H"_s, u"hold"_s});
     });
     follow(u"abgebrochen"_s, [&] { service_.Run(u"cancel"_s, {u"4"_s}); });
+}
+
+TEST_F(PrintingTest, APrinterOfTheNetworkPrintsThroughAQueueThatIsMadeForIt) {
+    const QString port = QString::number(20'000 + QCoreApplication::applicationPid() % 20'000);
+    const PrintService far(port);
+    const QString uri = u"ipp://localhost:"_s + port + u"/printers/Photo"_s;
+    const auto chosen = [](const QString& place) {
+        return PrinterChoice{
+            u"Fern"_s,
+            {},
+            {},
+            "announced-uri=" + place.toUtf8() + "\nPageSize=A6\norientation-requested=3\n"};
+    };
+    CupsPrinterLayer layer(service_.Address(), std::chrono::milliseconds(500));
+    for (const auto& [place, text] : {std::pair(u"file:///etc/passwd"_s, u"nicht mehr vorhanden"_s),
+                                      {u"ipp://localhost:1/ipp"_s, u"antwortet aber nicht"_s}}) {
+        EXPECT_THAT(ErrorOf([&, place = place] { layer.SetCurrentPrinter(chosen(place)); }),
+                    ::testing::HasSubstr(text.toStdString()));
+    }
+    service_.Run(u"lpadmin"_s, {u"-x"_s, u"Fern"_s});
+
+    CupsPrinterLayer patient(service_.Address());
+    patient.SetCurrentPrinter(chosen(uri));
+    const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
+    patient.Print(image);
+    service_.WaitForJobs();
+    far.WaitForJobs();
+    ExpectTrueSize(Measured(far.PrintedFile()), image, {35, 45}, {105, 148}, false);
+    ModalDriver driver;
+    driver.Expect(u"PrinterSetupDialog"_s, [](QWidget& window) {
+        const auto& list = Child<QListWidget>(window, "QueueList");
+        EXPECT_EQ(list.currentItem()->text(), u"Fern\nIm Netz gefunden"_s);
+        Child<QAbstractButton>(window, "OkButton").click();
+    });
+    ASSERT_TRUE(patient.ShowSetupDialog(nullptr));
+    EXPECT_EQ(DeviceMode(patient.CurrentPrinter().deviceMode).Value("announced-uri"), uri.toUtf8());
 }
 
 TEST_F(PrintingTest, WhyAJobCannotBeWrittenIsSaidInGerman) {

@@ -14,4 +14,7 @@ enum class AskCode {
     Silent,
 };
 
+/// The process ends itself so much later than the program ends it.
+inline constexpr int GraceSeconds = 2;
+
 }  // namespace kadrona::printing::cups

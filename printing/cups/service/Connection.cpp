@@ -141,6 +141,20 @@ IppMessage Connection::Ask(const IppMessage& request, const QByteArray& resource
     return AnswerOf(*question);
 }
 
+IppMessage Connection::Make(const IppMessage& request, const QByteArray& queue) const {
+    // The service asks the printer, which may have to wake up.
+    Question question({u"make"_s, address_.server, QString::fromUtf8(queue)}, BytesOf(request),
+                      {2 * address_.timeout, MostAnswerBytes});
+    WaitFor(question);
+    return AnswerOf(question);
+}
+
+std::unique_ptr<Question> Connection::BeginFinding() const {
+    return std::make_unique<Question>(QStringList{u"find"_s, address_.server, QString()},
+                                      QByteArray(),
+                                      Question::Limits{address_.timeout, MostAnswerBytes});
+}
+
 std::optional<QByteArray> Connection::Fetch(const QByteArray& resource) const {
     Question question({u"get"_s, address_.server, QString::fromUtf8(resource)}, {},
                       {address_.timeout, MostAnswerBytes});

@@ -81,11 +81,21 @@ class Connection {
     /// Throws ServiceFailure where none came.
     IppMessage AnswerOf(const Question& question) const;
 
+    /// Sends a request that makes a queue for a printer, and waits until it takes jobs or the time
+    /// is over. Returns what the service tells of the queue, or why it makes none. Throws
+    /// ServiceFailure where no answer comes.
+    IppMessage Make(const IppMessage& request, const QByteArray& queue) const;
+
+    /// Asks the network which printers it has, without waiting for the answer, which AnswerOf reads
+    /// once the question is finished.
+    std::unique_ptr<Question> BeginFinding() const;
+    /// Lets the user cancel after a moment. Finished is what the question is afterwards.
+    void WaitFor(Question& question) const;
+
     /// What the service has under `resource`; nothing where it has nothing. Throws ServiceFailure.
     std::optional<QByteArray> Fetch(const QByteArray& resource) const;
 
  private:
-    void WaitFor(Question& question) const;
     void RequireAnswer(const Question& question) const;
 
     ServiceAddress address_;

@@ -26,6 +26,8 @@ class DeviceMode {
     static constexpr const char* Orientation = "orientation-requested";
     /// The queue's whole name where a printer settings file keeps only its beginning.
     static constexpr const char* QueueName = "printer-name";
+    /// Where a printer is that the network announces and that has no queue of its own.
+    static constexpr const char* AnnouncedUri = "announced-uri";
 
     DeviceMode() = default;
     /// Reads a block. A line that is not `key=value` is left out, of several with the same key the

@@ -41,7 +41,8 @@ QString AskingProgram() {
 Question::Question(QStringList arguments, const QByteArray& input, Limits limits)
     : limits_(limits) {
     // The process ends itself only where this one can no longer end it.
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits.time).count() + 2;
+    const auto seconds =
+        std::chrono::ceil<std::chrono::seconds>(limits.time).count() + GraceSeconds;
     constexpr int SecondsPlace = 3;
     arguments.insert(SecondsPlace, QString::number(seconds));
     connect(&process_, &QProcess::readyReadStandardOutput, this, &Question::Collect);

@@ -14,17 +14,11 @@ namespace kadrona::printing::cups {
 
 namespace {
 
-constexpr std::array WantedAttributes{"printer-name",
-                                      "printer-info",
-                                      "printer-location",
-                                      "printer-type",
-                                      "printer-make-and-model",
-                                      "device-uri",
-                                      "printer-state",
-                                      "printer-state-message",
-                                      "printer-state-reasons",
-                                      "copies-default",
-                                      "printer-is-accepting-jobs"};
+constexpr std::array WantedAttributes{
+    "printer-name",   "printer-info",           "printer-location",
+    "printer-type",   "printer-make-and-model", "device-uri",
+    "printer-state",  "printer-state-message",  "printer-state-reasons",
+    "copies-default", "printer-is-temporary",   "printer-is-accepting-jobs"};
 
 void AddWantedAttributes(ipp_t* request) {
     ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
@@ -56,6 +50,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
         queue.model = ShownText(attribute);
     } else if (name == "device-uri") {
         queue.deviceUri = WithoutSecrets(Text(attribute));
+        queue.announcedUri = ippGetString(attribute, 0, nullptr);
     } else if (name == "printer-type") {
         queue.isClass = (ippGetInteger(attribute, 0) & CUPS_PRINTER_CLASS) != 0;
     } else if (name == "printer-state") {
@@ -70,11 +65,13 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
         queue.copies = std::max(ippGetInteger(attribute, 0), 1);
     } else if (name == "printer-is-accepting-jobs") {
         queue.acceptsJobs = ippGetBoolean(attribute, 0) != 0;
+    } else if (name == "printer-is-temporary") {
+        queue.isAnnounced = ippGetBoolean(attribute, 0) != 0;
     }
 }
 
 /// The groups of an answer that describe a queue each.
-std::vector<Queue> QueuesIn(ipp_t* answer) {
+std::vector<Queue> QueueGroups(ipp_t* answer) {
     std::vector<Queue> queues;
     bool inGroup = false;
     for (ipp_attribute_t* attribute = ippFirstAttribute(answer); attribute != nullptr;
@@ -89,23 +86,17 @@ std::vector<Queue> QueuesIn(ipp_t* answer) {
         }
     }
     std::erase_if(queues, [](const Queue& queue) { return queue.name.isEmpty(); });
+    for (Queue& queue : queues) {
+        queue.isAnnounced = queue.isAnnounced && IsAnnouncedUri(queue.announcedUri);
+        if (!queue.isAnnounced) {
+            queue.announcedUri.clear();
+        }
+    }
     return queues;
 }
 
 bool Succeeded(const ipp_t& answer) {
     return ippGetStatusCode(const_cast<ipp_t*>(&answer)) < IPP_STATUS_REDIRECTION_OTHER_SITE;
-}
-
-/// The queues of an answer; none where it says that there is nothing. Throws ServiceFailure.
-std::vector<Queue> QueuesOrNone(const IppMessage& answer) {
-    if (Succeeded(*answer)) {
-        return QueuesIn(answer.get());
-    }
-    const ServiceFailure failure = FailureOf(*answer);
-    if (failure.Status() != IPP_STATUS_ERROR_NOT_FOUND) {
-        throw failure;
-    }
-    return {};
 }
 
 QByteArray UriOf(const char* folder, const QByteArray& name) {
@@ -145,6 +136,24 @@ QByteArray Queue::Resource() const {
            QUrl::toPercentEncoding(QString::fromUtf8(name));
 }
 
+bool IsAnnouncedUri(const QByteArray& uri) {
+    const bool isPlain =
+        std::all_of(uri.begin(), uri.end(), [](char byte) { return byte > ' ' && byte < '\x7f'; });
+    return isPlain && uri.size() < HTTP_MAX_URI &&
+           (uri.startsWith("ipp://") || uri.startsWith("ipps://"));
+}
+
+std::vector<Queue> QueuesIn(const IppMessage& answer) {
+    if (Succeeded(*answer)) {
+        return QueueGroups(answer.get());
+    }
+    const ServiceFailure failure = FailureOf(*answer);
+    if (failure.Status() != IPP_STATUS_ERROR_NOT_FOUND) {
+        throw failure;
+    }
+    return {};
+}
+
 std::vector<Queue> Queues(const Connection& connection) {
     IppMessage request = NewRequest(IPP_OP_CUPS_GET_PRINTERS);
     AddWantedAttributes(request.get());
@@ -152,9 +161,9 @@ std::vector<Queue> Queues(const Connection& connection) {
     ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type", 0);
     ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_ENUM, "printer-type-mask",
                   CUPS_PRINTER_FAX);
-    std::vector<Queue> queues = QueuesOrNone(connection.Ask(request, "/"));
+    std::vector<Queue> queues = QueuesIn(connection.Ask(request, "/"));
     const std::vector<Queue> standard =
-        QueuesOrNone(connection.Ask(NewRequest(IPP_OP_CUPS_GET_DEFAULT), "/"));
+        QueuesIn(connection.Ask(NewRequest(IPP_OP_CUPS_GET_DEFAULT), "/"));
     for (Queue& queue : queues) {
         queue.isDefault = !standard.empty() && standard.front().name == queue.name;
     }
@@ -169,7 +178,7 @@ IppMessage QueueRequest(const QByteArray& name) {
 }
 
 std::optional<Queue> QueueIn(const IppMessage& answer) {
-    std::vector<Queue> queues = QueuesOrNone(answer);
+    std::vector<Queue> queues = QueuesIn(answer);
     return queues.empty() ? std::nullopt : std::optional(std::move(queues.front()));
 }
 
@@ -187,7 +196,8 @@ std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues) {
 }
 
 QString StateText(const Queue& queue) {
-    QString state = queue.isPaused ? u"Angehalten"_s : queue.isPrinting ? u"Druckt"_s : u"Bereit"_s;
+    const QString ready = queue.isAnnounced ? u"Im Netz gefunden"_s : u"Bereit"_s;
+    QString state = queue.isPaused ? u"Angehalten"_s : queue.isPrinting ? u"Druckt"_s : ready;
     if (!queue.acceptsJobs) {
         state = u"Nimmt keine Aufträge an"_s;
     }

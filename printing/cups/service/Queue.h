@@ -16,6 +16,11 @@ struct Queue {
     QString model;
     /// Where the jobs go, WithoutSecrets.
     QString deviceUri;
+    /// Announced by the network (IPP Everywhere): the service makes and drops its queue as it is
+    /// needed.
+    bool isAnnounced = false;
+    /// Where such a printer is; empty for others.
+    QByteArray announcedUri;
     bool isClass = false;
     bool isDefault = false;
     bool isPaused = false;
@@ -36,11 +41,18 @@ struct Queue {
 /// The address of a device without user, password and those parts of the query that may hold one.
 QString WithoutSecrets(const QString& deviceUri);
 
+/// Whether a printer can be announced there: what comes from the network or a file may be anything.
+bool IsAnnouncedUri(const QByteArray& uri);
+
 /// Every queue that there is, in the service's order. Throws ServiceFailure.
 std::vector<Queue> Queues(const Connection& connection);
 
 /// The queue with that name. Nothing where there is none. Throws ServiceFailure.
 std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name);
+
+/// The queues that an answer describes; none where it says that there is nothing. Throws
+/// ServiceFailure.
+std::vector<Queue> QueuesIn(const IppMessage& answer);
 
 /// The question for one queue, and the queue in its answer. Throws ServiceFailure.
 IppMessage QueueRequest(const QByteArray& name);
@@ -49,7 +61,7 @@ std::optional<Queue> QueueIn(const IppMessage& answer);
 /// The service's default queue, or where it has none the first. Nothing where there is no queue.
 std::optional<Queue> DefaultQueue(const std::vector<Queue>& queues);
 
-/// State in German, with what is wrong: "Bereit", "Angehalten – Kein Papier".
+/// State in German, with what is wrong: "Bereit", "Angehalten – Kein Papier", "Im Netz gefunden".
 QString StateText(const Queue& queue);
 
 }  // namespace kadrona::printing::cups
