@@ -5,7 +5,9 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <functional>
 
+#include "app/DevelopingDisplay.h"
 #include "app/MainActions.h"
 #include "app/PhotoSession.h"
 #include "app/PictureFileDialog.h"
@@ -46,6 +48,14 @@ QString PaperNotice(const core::TData& data, int index) {
 }
 
 }  // namespace
+
+/// What is to be opened.
+struct OpenActions::Source {
+    QString name;
+    std::function<imaging::LoadedImage(imaging::ReadProgress& progress)> read;
+    /// Makes it the data module's current file.
+    std::function<void()> remember;
+};
 
 OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
                          dialogs::TEinstellungenFm& settings, MainActions& actions,
@@ -110,10 +120,12 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
         settings_.AktivateProfileByName(StandardProfile, false);
         const QString name =
             origin + QDateTime::currentDateTime().toString(u" yyyy-MM-dd HH-mm-ss"_s);
-        Load(name, [&] {
-            data_.SetCurrentFileName(name);
-            core::OpenPhotoBytes(bytes, name, settings_, session_.Image());
-        });
+        Load({.name = name,
+              .read =
+                  [&](imaging::ReadProgress& progress) {
+                      return core::ReadPhotoBytes(bytes, name, settings_, &progress);
+                  },
+              .remember = [&] { data_.SetCurrentFileName(name); }});
     });
     Q_EMIT actions_.Handled();
 }
@@ -135,18 +147,23 @@ void OpenActions::acPasteExecute() {
 }
 
 void OpenActions::LoadImageFile(const QString& fileName) {
-    Load(fileName, [&] {
-        data_.SetCurrentFile(fileName);
-        core::OpenPhoto(fileName, settings_, session_.Image());
-    });
+    Load({.name = fileName,
+          .read =
+              [&](imaging::ReadProgress& progress) {
+                  return core::ReadPhoto(fileName, settings_, &progress);
+              },
+          .remember = [&] { data_.SetCurrentFile(fileName); }});
 }
 
 /// Where the photo cannot be read, what is enabled is as after a successful load.
-void OpenActions::Load(const QString& name, const Read& read) {
-    const bool done = ReadPhoto(name, read);
+void OpenActions::Load(const Source& source) {
+    const Outcome outcome = ReadPhoto(source);
+    if (outcome == Outcome::Cancelled) {
+        return;
+    }
     session_.SetStage(PhotoSession::Stage::PhotoOpen);
     actions_.SetChecked(Action::ShowLayer, false);
-    if (!done) {
+    if (outcome == Outcome::Failed) {
         return;
     }
     controls::Guarded(view_.window(), [this] {
@@ -158,18 +175,37 @@ void OpenActions::Load(const QString& name, const Read& read) {
     view_.setFocus();
 }
 
-/// Brings the photo into layer 0 and shows it; a failure is shown and leaves the image empty.
-bool OpenActions::ReadPhoto(const QString& name, const Read& read) {
+/// Brings the photo into layer 0 and shows it; a failure is shown and leaves the image empty. One
+/// that the user gives up leaves the photo that was open before.
+OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
     const imaging::view::PaintingSuspension suspension(view_);
-    session_.Image().Clear();
-    session_.SetFileName(name);
-    session_.SetTemplateName({});
-    const bool done = controls::Guarded(view_.window(), [&] {
+    Outcome outcome = Outcome::Failed;
+    controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;
-        read();
+        try {
+            DevelopingDisplay display(view_.isVisible() ? view_ : *view_.parentWidget());
+            imaging::LoadedImage photo = source.read(display);
+            LeavePhotoBefore(source);
+            core::ShowPhoto(std::move(photo), session_.Image());
+            outcome = Outcome::Read;
+        } catch (const imaging::ReadCancelled&) {
+            outcome = Outcome::Cancelled;
+        } catch (...) {
+            LeavePhotoBefore(source);
+            throw;
+        }
     });
-    viewActions_.StartAnew();
-    return done;
+    if (outcome != Outcome::Cancelled) {
+        viewActions_.StartAnew();
+    }
+    return outcome;
+}
+
+void OpenActions::LeavePhotoBefore(const Source& source) {
+    source.remember();
+    session_.Image().Clear();
+    session_.SetFileName(source.name);
+    session_.SetTemplateName({});
 }
 
 /// A template that cannot be read is reported and leaves the photo without one.

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QStringList>
-#include <functional>
 
 namespace kadrona::core {
 class TData;
@@ -48,10 +47,12 @@ class OpenActions : public QObject {
     void acOpenWithProfileExecute();
     void acPasteExecute();
     void ChooseAndLoad();
-    using Read = std::function<void()>;
     void LoadImageFile(const QString& fileName);
-    void Load(const QString& name, const Read& read);
-    bool ReadPhoto(const QString& name, const Read& read);
+    struct Source;
+    enum class Outcome { Read, Failed, Cancelled };
+    void Load(const Source& source);
+    Outcome ReadPhoto(const Source& source);
+    void LeavePhotoBefore(const Source& source);
     void ChooseTemplate();
 
     PhotoSession& session_;

@@ -6,7 +6,6 @@
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "imaging/pixels/QuarterTurn.h"
-#include "imaging/reading/ImageReader.h"
 #include "imaging/tone/AverageColour.h"
 #include "imaging/tone/WhiteBalance.h"
 
@@ -16,9 +15,8 @@ using imaging::QuarterTurn;
 
 namespace {
 
-void Open(imaging::LoadedImage loaded, imaging::LayeredImage& image) {
-    image.Open(std::move(loaded.pixels), loaded.resolution);
-    image.SetIptc(std::move(loaded.iptc));
+imaging::ReadOptions OptionsOf(const Settings& settings, imaging::ReadProgress* progress) {
+    return {.applyOrientation = settings.ImgAutoRotate(), .progress = progress};
 }
 
 /// Empty where no face is found, or nothing to find it with is installed.
@@ -33,18 +31,27 @@ QRect SkinOf(const imaging::Pixels& photo) {
 
 }  // namespace
 
-void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
-    image.Clear();
-    Open(imaging::ReadImageFile(path, {.applyOrientation = settings.ImgAutoRotate()}), image);
+imaging::LoadedImage ReadPhoto(const QString& path, const Settings& settings,
+                               imaging::ReadProgress* progress) {
+    return imaging::ReadImageFile(path, OptionsOf(settings, progress));
 }
 
-void OpenPhotoBytes(const QByteArray& bytes, const QString& name, const Settings& settings,
-                    imaging::LayeredImage& image) {
-    image.Clear();
+imaging::LoadedImage ReadPhotoBytes(const QByteArray& bytes, const QString& name,
+                                    const Settings& settings, imaging::ReadProgress* progress) {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    Open(imaging::ReadImage(buffer, name, {.applyOrientation = settings.ImgAutoRotate()}), image);
+    return imaging::ReadImage(buffer, name, OptionsOf(settings, progress));
+}
+
+void ShowPhoto(imaging::LoadedImage photo, imaging::LayeredImage& image) {
+    image.Open(std::move(photo.pixels), photo.resolution);
+    image.SetIptc(std::move(photo.iptc));
+}
+
+void OpenPhoto(const QString& path, const Settings& settings, imaging::LayeredImage& image) {
+    image.Clear();
+    ShowPhoto(ReadPhoto(path, settings), image);
 }
 
 void BalancePhoto(const Settings& settings, imaging::LayeredImage& image) {

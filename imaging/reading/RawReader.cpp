@@ -2,11 +2,14 @@
 
 #include <libraw/libraw.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
 
 #include "imaging/reading/RawDevelopment.h"
+#include "imaging/reading/RawPreview.h"
+#include "imaging/reading/ReadProgress.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
@@ -54,20 +57,6 @@ FirstDirectory ReadFirstDirectory(QByteArrayView start, QIODevice& device) {
     return found;
 }
 
-/// LibRaw counts turns as the files of one maker do.
-Orientation OrientationOf(int flip) {
-    switch (flip) {
-        case 3:
-            return Orientation::UpsideDown;
-        case 5:
-            return Orientation::NeedsLeftTurn;
-        case 6:
-            return Orientation::NeedsRightTurn;
-        default:
-            return Orientation::Upright;
-    }
-}
-
 QString ReasonOf(int code) {
     switch (code) {
         case LIBRAW_FILE_UNSUPPORTED:
@@ -83,6 +72,9 @@ QString ReasonOf(int code) {
 }
 
 void Require(const ReadTask& task, int code) {
+    if (code == LIBRAW_CANCELLED_BY_CALLBACK) {
+        throw ReadCancelled();
+    }
     if (code != LIBRAW_SUCCESS) {
         task.Fail(ReasonOf(code));
     }
@@ -116,6 +108,73 @@ void SetParameters(libraw_output_params_t& parameters) {
     parameters.gamm[0] = 1 / 2.4;
     parameters.gamm[1] = 12.92;
 }
+
+/// Shows the preview and tells whoever waits how far the work has come, where it takes long.
+class RawProgress {
+ public:
+    /// Both outlive the object; `raw` is open.
+    RawProgress(const ReadTask& task, LibRaw& raw) : progress_(task.Options().progress) {
+        /// Fewer are developed at once on any machine of today.
+        constexpr qint64 PixelsOfHalfASecond = 2'000'000;
+        const libraw_image_sizes_t& sizes = raw.imgdata.sizes;
+        if (progress_ == nullptr || qint64{sizes.width} * sizes.height < PixelsOfHalfASecond) {
+            return;
+        }
+        progress_->Begin(ShownPreview(task, raw));
+        raw.set_progress_handler(&RawProgress::Tell, this);
+    }
+    RawProgress(const RawProgress&) = delete;
+    RawProgress& operator=(const RawProgress&) = delete;
+
+    /// What LibRaw does from now on is this part of developing the unpacked data, 0 to 1.
+    void BeginPart(double begin, double end) {
+        begin_ = UnpackingPart + (1 - UnpackingPart) * begin;
+        end_ = UnpackingPart + (1 - UnpackingPart) * end;
+    }
+
+ private:
+    /// As 24 megapixels took it.
+    static constexpr double UnpackingPart = 0.1;
+
+    static Pixels ShownPreview(const ReadTask& task, LibRaw& raw) {
+        constexpr int WideEnough = 4000;
+        auto preview = RawPreview(task, raw, raw.imgdata.sizes.width >= WideEnough ? 4 : 2);
+        if (!preview) {
+            return {};
+        }
+        ConvertToSrgb(preview->image, preview->model, preview->profile);
+        return Pixels(task.Options().applyOrientation
+                          ? Uprighted(std::move(preview->image), preview->metadata.orientation)
+                          : std::move(preview->image));
+    }
+
+    /// LibRaw's callback: anything but 0 ends the work.
+    static int Tell(void* self, LibRaw_progress stage, int iteration, int expected) {
+        struct Stage {
+            LibRaw_progress stage;
+            double begin;
+            double length;
+        };
+        constexpr std::array Stages{Stage{LIBRAW_PROGRESS_LOAD_RAW, 0, 1},
+                                    Stage{LIBRAW_PROGRESS_SCALE_COLORS, 0, 0.1},
+                                    Stage{LIBRAW_PROGRESS_INTERPOLATE, 0.1, 0.75},
+                                    Stage{LIBRAW_PROGRESS_CONVERT_RGB, 0.85, 0.15}};
+        const auto& progress = *static_cast<const RawProgress*>(self);
+        for (const Stage& known : Stages) {
+            if (known.stage == stage) {
+                const double done = std::clamp(double(iteration) / std::max(1, expected - 1), 0., 1.);
+                const double part = known.begin + known.length * done;
+                const double whole = progress.begin_ + (progress.end_ - progress.begin_) * part;
+                return progress.progress_->GoOn(whole) ? 0 : 1;
+            }
+        }
+        return 0;
+    }
+
+    ReadProgress* progress_;
+    double begin_ = 0;
+    double end_ = UnpackingPart;
+};
 
 }  // namespace
 
@@ -162,7 +221,14 @@ DecodedImage ReadRaw(const ReadTask& task) {
     const qint64 height = std::max(sizes.height, sizes.raw_height);
     task.RequireAllowedSize(width, height);
     task.RequireMemoryBeside(RawBytesBeside(*raw));
-    const Orientation orientation = OrientationOf(sizes.flip);
+    if (task.Shrink() > 1) {
+        if (auto preview = RawPreview(task, *raw, task.Shrink())) {
+            return std::move(*preview);
+        }
+    }
+    // Developing it unturned clears it.
+    const Orientation orientation = RawOrientation(*raw);
+    RawProgress progress(task, *raw);
     Require(task, raw->unpack());
     faults.FailIfAny(task);
     raw->recycle_datastream();
@@ -170,7 +236,7 @@ DecodedImage ReadRaw(const ReadTask& task) {
     task.RequireMemoryBeside(RawBytesBeside(*raw));
     DecodedImage decoded;
     decoded.image = DevelopedRaw(
-        *raw, [&task](int result) { Require(task, result); }, [](double, double) {});
+        *raw, [&task](int result) { Require(task, result); }, [&progress](double begin, double end) { progress.BeginPart(begin, end); });
     decoded.metadata.orientation = orientation;
     return decoded;
 }

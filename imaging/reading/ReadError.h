@@ -12,14 +12,20 @@ class ReadError : public platform::FileError {
     using FileError::FileError;
 };
 
+class ReadProgress;
+
 struct ReadOptions {
     /// Turn and mirror the picture as its EXIF orientation says.
     bool applyOrientation = true;
     /// A file with more pixels is refused before anything of its size is allocated.
     qint64 maximumPixels = 200'000'000;
     /// 1, 2, 4 or 8: a JPEG is decoded at that part of its width, many times faster, for a picture
-    /// that is only to be looked at. Other formats come as they are.
+    /// that is only to be looked at, and of a camera's raw file its preview is taken where it has
+    /// one. Other formats come as they are.
     int shrink = 1;
+    /// Told of a picture that takes long, and may give it up: then ReadCancelled is thrown. Null
+    /// for none; outlives the reading.
+    ReadProgress* progress = nullptr;
 };
 
 }  // namespace kadrona::imaging

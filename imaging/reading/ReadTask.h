@@ -36,9 +36,14 @@ class ReadTask {
     QIODevice& Device() const { return device_; }
     qint64 MaximumPixels() const { return options_.maximumPixels; }
     int Shrink() const { return options_.shrink; }
+    const ReadOptions& Options() const { return options_; }
 
     /// The same task for a picture that lies inside the file, as `device`.
-    ReadTask Within(QIODevice& device) const { return {device, name_, options_}; }
+    ReadTask Within(QIODevice& device) const { return Within(device, options_); }
+    /// With other options, which outlive it.
+    ReadTask Within(QIODevice& device, const ReadOptions& options) const {
+        return {device, name_, options};
+    }
 
     /// Throws the ReadError that names the file and `reason`, a German sentence.
     [[noreturn]] void Fail(const QString& reason) const;

@@ -10,6 +10,7 @@
 
 #include "core/settings/WatchedFolder.h"
 #include "tests/app/StoryFixture.h"
+#include "tests/imaging/RawFixture.h"
 
 using namespace Qt::StringLiterals;
 
@@ -94,6 +95,17 @@ TEST_F(Story, ThePhotoOfTheClipboardOpensUnderANameOfItsOwn) {
     clipboard->setMimeData(file);
     Trigger(u"acPaste"_s);
     EXPECT_EQ(window->Session().FileName(), installation.Path("photo.png")) << "the file itself";
+}
+
+TEST_F(Story, ARawFileGivenUpLeavesThePhotoBefore) {
+    installation.Write("a.dng", imaging::test::RawFile({.size = {1600, 1300}}, Qt::gray));
+    Open("photo.png");
+    driver.Press(u"DevelopingProgress"_s, u"Cancel"_s);
+    window->OpenDroppedFiles({installation.Path("a.dng")});
+    EXPECT_EQ(Image().Photo().Size(), QSize(1200, 1600));
+    EXPECT_EQ(Image().LayerCount(), 2);
+    EXPECT_EQ(window->Session().FileName(), installation.Path("photo.png"));
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(Story, TheWatchedFoldersPhotosStandInAStripThatOpensThem) {

@@ -1,4 +1,4 @@
-#include "ReaderFixture.h"
+#include "tests/imaging/ReaderFixture.h"
 
 // jpeglib.h does not include what it needs.
 // clang-format off

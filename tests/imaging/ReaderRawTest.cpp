@@ -1,76 +1,66 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
-#include "ReaderFixture.h"
+#include "RawFixture.h"
+#include "imaging/reading/ReadProgress.h"
 
 namespace kadrona::imaging::test {
 
 using namespace Qt::StringLiterals;
 
-struct Dng {
-    QSize size{64, 48};
-    /// What the light of the scene leaves of red and blue.
-    double red = 1;
-    double blue = 1;
-    quint16 orientation = 1;
-    int missingRows = 0;
-    /// From the top on, with half the light.
-    int dimRows = 0;
-    const char* pattern = "\0\1\1\2";
+/// The file with a JPEG behind it, as the directory that follows its own.
+QByteArray WithPreview(QByteArray file, const QByteArray& jpeg, QSize size) {
+    const auto first = qFromLittleEndian<quint32>(file.constData() + 4);
+    const auto entries = qFromLittleEndian<quint16>(file.constData() + first);
+    const quint32 at = quint32(file.size()) + file.size() % 2;
+    const quint32 directory = at + quint32(jpeg.size()) + jpeg.size() % 2;
+    file.replace(first + 2 + 12 * entries, 4, LittleEndian(directory));
+    const auto padded = [](QByteArray bytes) { return bytes + QByteArray(bytes.size() % 2, '\0'); };
+    const std::pair<quint16, quint32> values[] = {{0x00fe, 1},
+                                                  {0x0100, size.width()},
+                                                  {0x0101, size.height()},
+                                                  {0x0102, 8},
+                                                  {0x0103, 7},
+                                                  {0x0106, 6},
+                                                  {0x0111, at},
+                                                  {0x0115, 3},
+                                                  {0x0117, jpeg.size()}};
+    QByteArray made = padded(file) + padded(jpeg) + LittleEndian(quint16(std::size(values)));
+    for (const auto& [tag, value] : values) {
+        made += Packed<quint16>(tag, 4) + Packed<quint32>(1, value);
+    }
+    return made + QByteArray(4, '\0');
+}
+
+struct Watcher : ReadProgress {
+    void Begin(const Pixels& shown) override { preview = shown; }
+    bool GoOn(double part) override {
+        EXPECT_GE(part, done);
+        done = part;
+        return part < end;
+    }
+    Pixels preview;
+    double done = 0;
+    double end = 2;
 };
 
-/// sRGB's curve backwards (IEC 61966-2-1).
-double Linear(int value) {
-    const double part = value / 255.0;
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
+TEST(ReaderRaw, ShowsThePreviewWhileItIsDevelopedAndCanBeGivenUp) {
+    JpegContent content;
+    content.size = {520, 400};
+    const QByteArray jpeg = Jpeg(content);
+    const QByteArray file =
+        WithPreview(RawFile({.size = {1600, 1300}, .orientation = 6}, Qt::gray), jpeg, {520, 400});
+    Watcher watcher;
+    EXPECT_EQ(Read(file, {.progress = &watcher}).pixels.Size(), QSize(1300, 1600));
+    EXPECT_EQ(watcher.preview.Size(), QSize(200, 260)) << "half of it, upright";
+    EXPECT_GT(watcher.done, 0.9);
+    Watcher impatient;
+    impatient.end = 0.1;
+    EXPECT_THROW(Read(file, {.progress = &impatient}), ReadCancelled);
+    EXPECT_LT(impatient.done, 0.3);
 
-TiffEntry Rationals(quint16 tag, quint16 type, std::initializer_list<double> values) {
-    QByteArray bytes;
-    for (const double value : values) {
-        bytes += Packed<qint32>(std::lround(value * 10000), 10000);
-    }
-    return {tag, type, bytes};
-}
-
-/// A camera's file of one colour, built as Adobe's description of DNG 1.4 says: a mosaic of 16 bits
-/// a pixel from a camera that sees the primaries of sRGB.
-QByteArray RawFile(const Dng& dng, QColor colour) {
-    QByteArray mosaic;
-    const std::array<double, 3> seen{Linear(colour.red()) * dng.red, Linear(colour.green()),
-                                     Linear(colour.blue()) * dng.blue};
-    for (int y = 0; y < dng.size.height() - dng.missingRows; ++y) {
-        for (int x = 0; x < dng.size.width(); ++x) {
-            const auto filter = size_t{static_cast<uchar>(dng.pattern[y % 2 * 2 + x % 2])};
-            const double light = y < dng.dimRows ? 0.5 : 1;
-            mosaic += Packed<quint16>(std::lround(seen.at(filter) * light * 65535));
-        }
-    }
-    constexpr quint16 Bytes = 1;
-    constexpr quint16 Text = 2;
-    constexpr quint16 Shorts = 3;
-    constexpr quint16 PositiveRationals = 5;
-    constexpr quint16 SignedRationals = 10;
-    return Tiff(
-        {Short(0x0100, quint16(dng.size.width())),
-         Short(0x0101, quint16(dng.size.height())),
-         Short(0x0102, 16),
-         Short(0x0103, 1),
-         Short(0x0106, 32803),
-         {0x010f, Text, "Test\0"_ba},
-         {0x0110, Text, "Kamera\0"_ba},
-         Short(0x0112, dng.orientation),
-         Short(0x0115, 1),
-         {0x828d, Shorts, Packed<quint16>(2, 2)},
-         {0x828e, Bytes, QByteArray(dng.pattern, 4)},
-         {0xc612, Bytes, QByteArray("\1\4\0\0", 4)},
-         {0xc614, Text, "Test Kamera\0"_ba},
-         Rationals(0xc621, SignedRationals,
-                   {3.2406, -1.5372, -0.4986, -0.9689, 1.8758, 0.0415, 0.0557, -0.2040, 1.0570}),
-         Rationals(0xc628, PositiveRationals, {dng.red, 1, dng.blue}),
-         Short(0xc65a, 21)},
-        mosaic);
+    EXPECT_EQ(Read(file, {.shrink = 8}).pixels.Size(), QSize(50, 65)) << "of the preview alone";
+    const QByteArray damaged = QByteArray(file).replace(jpeg, QByteArray(jpeg.size(), 'x'));
+    EXPECT_EQ(Read(damaged, {.shrink = 8}).pixels.Size(), QSize(1300, 1600));
 }
 
 TEST(ReaderRaw, DevelopsWithTheCamerasWhiteBalanceAndItsTurn) {
