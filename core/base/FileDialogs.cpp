@@ -17,7 +17,8 @@ OpenDialog OpenDialog::OfPhotos() {
             u"Fotos von Telefonen (*.heic;*.heif;*.avif)|*.heic;*.heif;*.avif|"
             u"WebP-Bilder (*.webp)|*.webp|JPEG 2000 (*.jp2;*.j2k)|*.jp2;*.j2k|"
             u"Rohdaten von Kameras (*.dng;*.cr2;*.cr3;*.nef;*.arw;*.raf;*.rw2;*.orf;*.pef)|"
-            u"*.dng;*.cr2;*.cr3;*.nef;*.arw;*.raf;*.rw2;*.orf;*.pef"_s};
+            u"*.dng;*.cr2;*.cr3;*.nef;*.arw;*.raf;*.rw2;*.orf;*.pef|"
+            u"JPEG XL (*.jxl)|*.jxl"_s};
 }
 
 SaveDialog SaveDialog::OfPhotos() {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <memory>
 #include <opencv2/core/utility.hpp>
+#include <vector>
 
 #include "imaging/pixels/NewImage.h"
 
@@ -55,11 +56,12 @@ quint32 ChannelsOf(const QByteArray& profile) {
     return profile.size() < Offset + 4 ? 0 : qFromBigEndian<quint32>(profile.constData() + Offset);
 }
 
-/// Little CMS's description of our pixels as the profile takes them; 0 where it takes others.
+/// Little CMS's description of our pixels as the profile takes them, red, green and blue with 16
+/// bits each whatever they have (ApplyWidened); 0 where it takes others.
 cmsUInt32Number InputFormat(quint32 channels, ColourModel model, bool is16Bit) {
     switch (channels) {
         case cmsSigRgbData:
-            return IsCmyk(model) ? 0 : (is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8);
+            return IsCmyk(model) ? 0 : (is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_16);
         case cmsSigGrayData:
             return model == ColourModel::Grey ? GreyOfFour(is16Bit ? 2 : 1) : 0;
         case cmsSigCmykData:
@@ -69,6 +71,18 @@ cmsUInt32Number InputFormat(quint32 channels, ColourModel model, bool is16Bit) {
         default:
             return 0;
     }
+}
+
+/// True where somebody laid down in a table how colours that other spaces lack are to be brought
+/// nearer, which a matrix and curves cannot say.
+bool HasPerceptualTable(cmsHPROFILE profile) {
+    return cmsIsTag(profile, cmsSigAToB0Tag) != 0 || cmsIsTag(profile, cmsSigDToB0Tag) != 0;
+}
+
+bool HasPerceptualTable(const QByteArray& profile) {
+    const Profile opened(
+        cmsOpenProfileFromMem(profile.constData(), static_cast<cmsUInt32Number>(profile.size())));
+    return opened && HasPerceptualTable(opened.get());
 }
 
 /// Null where the profile cannot be used for such pixels.
@@ -84,9 +98,11 @@ Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit
     }
     const Profile srgb(cmsCreate_sRGBProfile());
     // Without its cache one transform serves several threads.
+    const cmsUInt32Number intent =
+        HasPerceptualTable(source.get()) ? INTENT_PERCEPTUAL : INTENT_RELATIVE_COLORIMETRIC;
     return Transform(cmsCreateTransform(
-        source.get(), input, srgb.get(), is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8,
-        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
+        source.get(), input, srgb.get(), is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8, intent,
+        cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE | cmsFLAGS_HIGHRESPRECALC));
 }
 
 void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
@@ -98,11 +114,24 @@ void Apply(const Transform& transform, QImage& image, bool makeOpaque) {
     });
 }
 
-/// Qt's way of profiles that are a matrix and curves, several times faster than Little CMS. Not
-/// valid for other profiles, and for those made for other channels.
+/// Of 8 bits Little CMS makes up to twenty levels more in the shadows, because it bends the curves
+/// there to make them invertible; of 16 bits it does not.
+void ApplyWidened(const Transform& transform, QImage& image) {
+    constexpr int Widened = 257;
+    ForEachRow(image, [&](uchar* row, int width) {
+        std::vector<quint16> wide(4 * static_cast<size_t>(width));
+        std::transform(row, row + wide.size(), wide.begin(),
+                       [](uchar value) { return static_cast<quint16>(value * Widened); });
+        cmsDoTransform(transform.get(), wide.data(), row, static_cast<cmsUInt32Number>(width));
+    });
+}
+
+/// Qt's way of profiles that are a matrix and curves alone, several times faster than Little CMS.
+/// Not valid for other profiles, and for those made for other channels.
 QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
     const bool isForGrey = ChannelsOf(profile) == cmsSigGrayData;
-    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey)) {
+    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey) ||
+        HasPerceptualTable(profile)) {
         return {};
     }
     return QColorSpace::fromIccProfile(profile);
@@ -151,7 +180,8 @@ cmsToneCurve* CurveOf(double gamma) {
 
 bool IsSrgbProfile(const QByteArray& profile) {
     return !profile.isEmpty() &&
-           QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb);
+           QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb) &&
+           !HasPerceptualTable(profile);
 }
 
 QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma) {
@@ -180,7 +210,11 @@ void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) 
     if (const QColorSpace space = UsableByQt(profile, model); space.isValid()) {
         Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
     } else if (const Transform transform = MakeTransform(profile, model, is16Bit)) {
-        Apply(transform, image, IsCmyk(model));
+        if (!is16Bit && ChannelsOf(profile) == cmsSigRgbData) {
+            ApplyWidened(transform, image);
+        } else {
+            Apply(transform, image, IsCmyk(model));
+        }
     } else if (IsCmyk(model)) {
         MultiplyInksOut(image, model == ColourModel::InvertedCmyk);
     }

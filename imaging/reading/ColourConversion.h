@@ -25,7 +25,8 @@ QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma);
 /// Brings pixels to sRGB in place, rows in parallel. `image` has 32 bits a pixel (the four inks for
 /// a CMYK model) or is QImage::Format_RGBA64; alpha stays, a CMYK image gets opaque. Where the
 /// profile is empty, broken or made for other channels, it is ignored: RGB and grey stay as they
-/// are, inks are multiplied out. Conversion is relative colorimetric with black point compensation.
+/// are, inks are multiplied out. Conversion is by the profile's perceptual table where it has one,
+/// else relative colorimetric, with black point compensation.
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile);
 
 }  // namespace kadrona::imaging

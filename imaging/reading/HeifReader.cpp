@@ -34,7 +34,11 @@ QString ReasonOf(const heif_error& error) {
         error.code == heif_error_Unsupported_feature) {
         return u"Diese Art von HEIF-Datei wird nicht unterstützt."_s;
     }
-    if (error.subcode == heif_suberror_No_or_invalid_primary_item) {
+    constexpr std::array WithoutPicture{heif_suberror_No_or_invalid_primary_item,
+                                        heif_suberror_No_pitm_box, heif_suberror_No_iinf_box,
+                                        heif_suberror_Nonexisting_item_referenced};
+    if (std::find(WithoutPicture.begin(), WithoutPicture.end(), error.subcode) !=
+        WithoutPicture.end()) {
         return u"Die Datei enthält kein Bild."_s;
     }
     return error.subcode == heif_suberror_End_of_data ? IncompleteFileReason()

@@ -11,6 +11,7 @@
 #include "imaging/reading/IconReader.h"
 #include "imaging/reading/Jpeg2000Reader.h"
 #include "imaging/reading/JpegReader.h"
+#include "imaging/reading/JpegXlReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"
 #include "imaging/reading/PngReader.h"
@@ -53,6 +54,7 @@ constexpr std::array Formats{
     Format{IsRaw, ReadRaw},
     Format{IsHeif, ReadHeif},
     Format{IsJpeg2000, ReadJpeg2000},
+    Format{IsJpegXl, ReadJpegXl},
     Format{IsIcon, ReadIcon},
     Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
     Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},

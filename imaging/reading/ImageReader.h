@@ -20,7 +20,8 @@ struct LoadedImage {
 };
 
 /// Reads an image file: JPEG (also CMYK), PNG and TIFF (also 16 bits a channel), GIF, BMP, ICO,
-/// WMF, EMF and WebP, and nothing else whatever plug-ins are installed. The first page or frame.
+/// WMF, EMF, WebP, HEIF, JPEG 2000, JPEG XL and raw files of cameras, and nothing else whatever
+/// plug-ins are installed. The first page or frame.
 /// The content decides the format, not the name. Embedded profiles are brought to sRGB. Throws
 /// ReadError.
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});

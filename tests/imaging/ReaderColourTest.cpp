@@ -57,7 +57,8 @@ TEST(ReaderColour, WideGamutProfilesGiveWhatTheToolOfLittleCmsSays) {
     };
     const QImage colours =
         Painted({Steps * Steps * Steps, 1}, [&](int x, int) { return colour(x); });
-    for (const char* name : {"p3.icc", "adobe.icc"}) {
+    for (const auto& [name, intent] :
+         {std::pair("p3.icc", "-t1"), {"adobe.icc", "-t1"}, {"perceptual.icc", "-t0"}}) {
         QByteArray numbers;
         for (int x = 0; x < colours.width(); ++x) {
             const QRgb rgb = colour(x);
@@ -67,7 +68,7 @@ TEST(ReaderColour, WideGamutProfilesGiveWhatTheToolOfLittleCmsSays) {
         QProcess tool;
         tool.start(QStringLiteral("transicc"),
                    {QStringLiteral("-n"), QStringLiteral("-s"), QStringLiteral("-b"),
-                    QStringLiteral("-t1"),
+                    QString::fromLatin1(intent),
                     QStringLiteral("-i" KADRONA_TEST_PROFILES) + QString::fromLatin1(name),
                     QStringLiteral("-o*sRGB")});
         tool.write(numbers);

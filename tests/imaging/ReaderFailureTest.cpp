@@ -2,7 +2,7 @@
 
 #include <QTemporaryDir>
 
-#include "ReaderFixture.h"
+#include "RawFixture.h"
 #include "tests/support/Errors.h"
 
 using namespace Qt::StringLiterals;
@@ -64,11 +64,6 @@ TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
         return u"Das Bild „probe“ hat %1 Megapixel; es werden höchstens 2 Megapixel unterstützt."_s
             .arg(QLatin1StringView(megapixels));
     };
-    // The sizes are changed in the header alone: nothing could be decoded.
-    QByteArray jpeg = NoisyJpeg(false);
-    const qsizetype frame = jpeg.indexOf("\xff\xc0");
-    jpeg.replace(frame + 5, 4, BigEndian(quint16{60000}) + BigEndian(quint16{50000}));
-    EXPECT_EQ(Failure(jpeg, options), text("3.000"));
     QByteArray bmp = Written(TestPicture(40, 30), "bmp");
     bmp.replace(18, 8, Packed<qint32>(2001, 1000));
     EXPECT_EQ(Failure(bmp, options), text("3"));
@@ -77,11 +72,43 @@ TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
     EXPECT_EQ(Failure(Jpeg(content), options), text("3"));
     content.size = {2000, 1000};
     EXPECT_EQ(Failure(Jpeg(content), options), QString());
-    QByteArray png = Written(TestPicture(40, 30), "png");
-    const QByteArray header =
-        BigEndian(quint32{100'000}) + BigEndian(quint32{90'000}) + png.mid(24, 5);
-    png = WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25);
-    EXPECT_EQ(Failure(png + Written(TestPicture(40, 30), "png").mid(33), options), text("9.000"));
+}
+
+// The sizes stand in the headers alone: nothing could be decoded.
+TEST(ReaderFailure, DeclaredSizesTakeNoMemory) {
+    const QImage picture = TestPicture(40, 30);
+    constexpr quint16 Side = 60'000;
+    constexpr quint32 LongSide = Side;
+    QByteArray jpeg = NoisyJpeg(false);
+    jpeg.replace(jpeg.indexOf("\xff\xc0") + 5, 4, BigEndian(Side) + BigEndian(Side));
+    const QByteArray png = Written(picture, "png");
+    const QByteArray header = BigEndian(LongSide) + BigEndian(LongSide) + png.mid(24, 5);
+    QByteArray webp = Written(picture, "webp");
+    const bool isLossless = webp.indexOf("VP8L") == 12;
+    ASSERT_TRUE(isLossless || webp.indexOf("VP8 ") == 12);
+    webp.replace(isLossless ? 21 : 26, 4,
+                 isLossless ? LittleEndian(quint32{0x0fffffff}) : Packed<quint16>(0x3fff, 0x3fff));
+    const std::pair<QByteArray, const char*> files[] = {
+        {jpeg, "3.600 Megapixel"},
+        {WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25) + png.mid(33),
+         "3.600 Megapixel"},
+        {Written(picture, "bmp").replace(18, 8, Packed<qint32>(Side, Side)), "unvollständig"},
+        {Gif({1}).replace(6, 4, Packed<quint16>(Side, Side)), "unvollständig"},
+        {RawFile({.size = {Side, Side}, .missingRows = Side - 1}, Qt::gray), "3.600 Megapixel"},
+        {Tiff({Short(0x100, Side), Short(0x101, Side), Short(0x102, 8), Short(0x103, 1),
+               Short(0x106, 1), Short(0x116, Side)},
+              QByteArray(100, 'x')),
+         "3.600 Megapixel"},
+        {webp, "26"},  // its numbers end there
+        // A square whose height of 18 bits stands behind three bits, lowest first.
+        {"\xff\x0a" + LittleEndian(quint32{4 | (Side - 1) << 3 | 1 << 21 | 1 << 24}) +
+             QByteArray(100, 'x'),
+         "3.600 Megapixel"},
+    };
+    for (const auto& [file, said] : files) {
+        EXPECT_TRUE(Failure(file).contains(QString::fromUtf8(said)))
+            << file.first(12).toHex().toStdString() << qPrintable(Failure(file));
+    }
 }
 
 TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {

@@ -1,0 +1,147 @@
+#include "imaging/reading/JpegXlReader.h"
+
+#include <jxl/decode.h>
+#include <jxl/thread_parallel_runner.h>
+
+#include <memory>
+
+#include "imaging/pixels/NewImage.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::imaging {
+
+namespace {
+
+/// What libjxl takes beside the result. The header does not tell of a file that is lossless and
+/// comes coarse first, which takes 24.
+constexpr qint64 BytesAPixel = 5;
+/// It keeps pictures as numbers of 32 bits for those that follow.
+constexpr qint64 BytesAPixelOfMoving = 37;
+
+struct DestroyDecoder {
+    void operator()(JxlDecoder* decoder) const { JxlDecoderDestroy(decoder); }
+};
+struct DestroyRunner {
+    void operator()(void* runner) const { JxlThreadParallelRunnerDestroy(runner); }
+};
+using Decoder = std::unique_ptr<JxlDecoder, DestroyDecoder>;
+using Runner = std::unique_ptr<void, DestroyRunner>;
+
+constexpr JxlPixelFormat Pixels8Bit{4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
+
+/// The decoding of one file, event by event, up to the end of its first picture.
+class Decoding {
+ public:
+    explicit Decoding(const ReadTask& task)
+        : task_(task),
+          file_(task.ReadWhole()),
+          runner_(JxlThreadParallelRunnerCreate(nullptr,
+                                                JxlThreadParallelRunnerDefaultNumWorkerThreads())),
+          decoder_(JxlDecoderCreate(nullptr)) {
+        JxlDecoder* decoder = decoder_.get();
+        Require(decoder && runner_ ? JXL_DEC_SUCCESS : JXL_DEC_ERROR);
+        Require(JxlDecoderSetParallelRunner(decoder, JxlThreadParallelRunner, runner_.get()));
+        Require(JxlDecoderSetKeepOrientation(decoder, JXL_TRUE));
+        Require(JxlDecoderSubscribeEvents(
+            decoder, JXL_DEC_BASIC_INFO | JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE));
+        Require(JxlDecoderSetInput(decoder, reinterpret_cast<const uint8_t*>(file_.constData()),
+                                   static_cast<size_t>(file_.size())));
+        JxlDecoderCloseInput(decoder);
+    }
+
+    DecodedImage Run() {
+        for (;;) {
+            switch (JxlDecoderProcessInput(decoder_.get())) {
+                case JXL_DEC_BASIC_INFO:
+                    ReadBasicInfo();
+                    break;
+                case JXL_DEC_COLOR_ENCODING:
+                    ReadProfile();
+                    break;
+                case JXL_DEC_NEED_IMAGE_OUT_BUFFER:
+                    GiveBuffer();
+                    break;
+                case JXL_DEC_FULL_IMAGE:
+                    decoded_.image.convertTo(QImage::Format_ARGB32);
+                    return std::move(decoded_);
+                case JXL_DEC_NEED_MORE_INPUT:
+                    task_.Fail(IncompleteFileReason());
+                default:
+                    task_.Fail(DamagedOrIncompleteFileReason());
+            }
+        }
+    }
+
+ private:
+    void Require(JxlDecoderStatus status) const {
+        if (status != JXL_DEC_SUCCESS) {
+            task_.Fail(DamagedFileReason());
+        }
+    }
+
+    void ReadBasicInfo() {
+        Require(JxlDecoderGetBasicInfo(decoder_.get(), &info_));
+        task_.RequireAllowedSize(info_.xsize, info_.ysize);
+        task_.RequireMemoryBeside(file_.size() +
+                                  qint64{info_.xsize} * info_.ysize *
+                                      (info_.have_animation ? BytesAPixelOfMoving : BytesAPixel));
+        for (size_t i = 0; i < info_.num_extra_channels; ++i) {
+            JxlExtraChannelInfo channel;
+            Require(JxlDecoderGetExtraChannelInfo(decoder_.get(), i, &channel));
+            if (channel.type == JXL_CHANNEL_BLACK) {
+                task_.Fail(u"JPEG XL mit vier Druckfarben wird nicht unterstützt."_s);
+            }
+        }
+        decoded_.metadata.orientation = OrientationFrom(info_.orientation);
+    }
+
+    void ReadProfile() {
+        constexpr size_t LargestProfile = 1 << 24;
+        constexpr auto Target = JXL_COLOR_PROFILE_TARGET_DATA;
+        size_t size = 0;
+        if (JxlDecoderGetICCProfileSize(decoder_.get(), &Pixels8Bit, Target, &size) !=
+                JXL_DEC_SUCCESS ||
+            size == 0 || size > LargestProfile) {
+            return;
+        }
+        QByteArray profile(static_cast<qsizetype>(size), '\0');
+        Require(JxlDecoderGetColorAsICCProfile(decoder_.get(), &Pixels8Bit, Target,
+                                               reinterpret_cast<uint8_t*>(profile.data()), size));
+        if (!IsSrgbProfile(profile)) {
+            decoded_.profile = profile;
+            decoded_.model = info_.num_color_channels == 1 ? ColourModel::Grey : ColourModel::Rgb;
+        }
+    }
+
+    void GiveBuffer() {
+        size_t size = 0;
+        Require(JxlDecoderImageOutBufferSize(decoder_.get(), &Pixels8Bit, &size));
+        QImage& image = decoded_.image;
+        image = NewImage({static_cast<int>(info_.xsize), static_cast<int>(info_.ysize)},
+                         info_.alpha_premultiplied ? QImage::Format_RGBA8888_Premultiplied
+                                                   : QImage::Format_RGBA8888);
+        Require(size == static_cast<size_t>(image.sizeInBytes()) ? JXL_DEC_SUCCESS : JXL_DEC_ERROR);
+        Require(JxlDecoderSetImageOutBuffer(decoder_.get(), &Pixels8Bit, image.bits(), size));
+    }
+
+    const ReadTask& task_;
+    QByteArray file_;
+    Runner runner_;
+    Decoder decoder_;
+    JxlBasicInfo info_ = {};
+    DecodedImage decoded_;
+};
+
+}  // namespace
+
+bool IsJpegXl(QByteArrayView start) {
+    return start.startsWith("\xff\x0a") ||
+           start.startsWith(QByteArrayView("\0\0\0\x0cJXL \r\n\x87\n", 12));
+}
+
+DecodedImage ReadJpegXl(const ReadTask& task) {
+    return Decoding(task).Run();
+}
+
+}  // namespace kadrona::imaging
