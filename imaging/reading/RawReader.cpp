@@ -162,7 +162,8 @@ class RawProgress {
         const auto& progress = *static_cast<const RawProgress*>(self);
         for (const Stage& known : Stages) {
             if (known.stage == stage) {
-                const double done = std::clamp(double(iteration) / std::max(1, expected - 1), 0., 1.);
+                const double done =
+                    std::clamp(double(iteration) / std::max(1, expected - 1), 0., 1.);
                 const double part = known.begin + known.length * done;
                 const double whole = progress.begin_ + (progress.end_ - progress.begin_) * part;
                 return progress.progress_->GoOn(whole) ? 0 : 1;
@@ -236,7 +237,8 @@ DecodedImage ReadRaw(const ReadTask& task) {
     task.RequireMemoryBeside(RawBytesBeside(*raw));
     DecodedImage decoded;
     decoded.image = DevelopedRaw(
-        *raw, [&task](int result) { Require(task, result); }, [&progress](double begin, double end) { progress.BeginPart(begin, end); });
+        *raw, [&task](int result) { Require(task, result); },
+        [&progress](double begin, double end) { progress.BeginPart(begin, end); });
     decoded.metadata.orientation = orientation;
     return decoded;
 }
