@@ -14,7 +14,6 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr int HighestLevel = 255;
 constexpr size_t FewestPoints = 2;
 // In logical pixels.
 constexpr double HitDistance = 9;
@@ -96,8 +95,10 @@ void CurveEditor::Describe() {
 imaging::CurvePoint CurveEditor::KeptInOrder(const Points& others, size_t index,
                                              imaging::CurvePoint point) {
     const int lowest = index > 0 ? others[index - 1].input + 1 : 0;
-    const int highest = index < others.size() ? others[index].input - 1 : HighestLevel;
-    return {std::clamp(point.input, lowest, highest), std::clamp(point.output, 0, HighestLevel)};
+    const int highest =
+        index < others.size() ? others[index].input - 1 : imaging::HighestCurveLevel;
+    return {std::clamp(point.input, lowest, highest),
+            std::clamp(point.output, 0, imaging::HighestCurveLevel)};
 }
 
 /// False where the set is full. A point over another's input takes that one's place.
@@ -157,14 +158,15 @@ QRectF CurveEditor::Field() const {
 
 QPointF CurveEditor::ToWidget(imaging::CurvePoint point) const {
     const QRectF field = Field();
-    return {field.left() + field.width() * point.input / HighestLevel,
-            field.bottom() - field.height() * point.output / HighestLevel};
+    return {field.left() + field.width() * point.input / imaging::HighestCurveLevel,
+            field.bottom() - field.height() * point.output / imaging::HighestCurveLevel};
 }
 
 imaging::CurvePoint CurveEditor::FromWidget(QPointF position) const {
     const QRectF field = Field();
     const auto level = [](double share) {
-        return static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * HighestLevel));
+        return static_cast<int>(
+            std::lround(std::clamp(share, 0.0, 1.0) * imaging::HighestCurveLevel));
     };
     return {level((position.x() - field.left()) / field.width()),
             level((field.bottom() - position.y()) / field.height())};

@@ -16,7 +16,6 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr int HighestLevel = 255;
 // In logical pixels.
 constexpr double PointRadius = 4;
 constexpr double ScaleWidth = 8;
@@ -156,9 +155,10 @@ void CurveEditor::PaintCurve(QPainter& painter, imaging::CurveChannel channel,
     const imaging::MonotoneCubic curve(curves_[channel].Points());
     const QRectF field = Field();
     QPolygonF line;
-    for (int input = 0; input <= HighestLevel; ++input) {
-        line.append({field.left() + field.width() * input / HighestLevel,
-                     field.bottom() - field.height() * curve.At(input) / HighestLevel});
+    for (int input = 0; input <= imaging::HighestCurveLevel; ++input) {
+        line.append(
+            {field.left() + field.width() * input / imaging::HighestCurveLevel,
+             field.bottom() - field.height() * curve.At(input) / imaging::HighestCurveLevel});
     }
     painter.setPen(QPen(Faded(ColourOf(channel, palette()), opacity), channel == channel_ ? 2 : 1));
     painter.setBrush(Qt::NoBrush);

@@ -4,12 +4,10 @@
 
 #include <memory>
 
+#include "imaging/codec/Release.h"
+
 namespace kadrona::imaging {
 
-template <auto Destroy>
-struct Release {
-    void operator()(auto* object) const { Destroy(object); }
-};
 using OpenJpegCodec = std::unique_ptr<opj_codec_t, Release<opj_destroy_codec>>;
 using OpenJpegImage = std::unique_ptr<opj_image_t, Release<opj_image_destroy>>;
 using OpenJpegStream = std::unique_ptr<opj_stream_t, Release<opj_stream_destroy>>;

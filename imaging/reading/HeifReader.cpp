@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
 
 using namespace Qt::StringLiterals;
@@ -15,10 +16,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-template <auto Destroy>
-struct Release {
-    void operator()(auto* object) const { Destroy(object); }
-};
 using Context = std::unique_ptr<heif_context, Release<heif_context_free>>;
 using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_release>>;
 using Picture = std::unique_ptr<heif_image, Release<heif_image_release>>;

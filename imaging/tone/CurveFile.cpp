@@ -18,7 +18,6 @@ constexpr Word OlderVersion = 1;
 constexpr Word WrittenCurveCount = 5;
 /// A curve has one output for each input level.
 constexpr Word MostPointsOfCurve = 256;
-constexpr Word HighestLevel = 255;
 /// Far more than any preset takes.
 constexpr qint64 LargestFile = qint64{64} * 1024;
 
@@ -74,7 +73,7 @@ class CurveReader {
         for (Word i = 0; i < count; ++i) {
             const Word output = reader_.Read<Word>();
             const Word input = reader_.Read<Word>();
-            if (output > HighestLevel || input > HighestLevel) {
+            if (output > HighestCurveLevel || input > HighestCurveLevel) {
                 ThrowDamaged(
                     path_,
                     u"Der Punkt %1, %2 liegt außerhalb von 0 bis 255"_s.arg(input).arg(output));

@@ -11,18 +11,16 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr int HighestLevel = 255;
-
 const std::vector<CurvePoint>& IdentityPoints() {
-    static const std::vector<CurvePoint> points{{0, 0}, {HighestLevel, HighestLevel}};
+    static const std::vector<CurvePoint> points{{0, 0}, {HighestCurveLevel, HighestCurveLevel}};
     return points;
 }
 
 /// Sorted by input, the last of those with one input.
 std::vector<CurvePoint> Ordered(std::vector<CurvePoint> points) {
     for (CurvePoint& point : points) {
-        point.input = std::clamp(point.input, 0, HighestLevel);
-        point.output = std::clamp(point.output, 0, HighestLevel);
+        point.input = std::clamp(point.input, 0, HighestCurveLevel);
+        point.output = std::clamp(point.output, 0, HighestCurveLevel);
     }
     std::stable_sort(points.begin(), points.end(),
                      [](const CurvePoint& a, const CurvePoint& b) { return a.input < b.input; });
@@ -50,7 +48,7 @@ Curve::Curve(std::vector<CurvePoint> points) : points_(Ordered(std::move(points)
 }
 
 bool Curve::IsIdentity() const {
-    return points_.front().input == 0 && points_.back().input == HighestLevel &&
+    return points_.front().input == 0 && points_.back().input == HighestCurveLevel &&
            std::all_of(points_.begin(), points_.end(),
                        [](const CurvePoint& point) { return point.input == point.output; });
 }

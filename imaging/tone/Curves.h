@@ -9,6 +9,9 @@
 
 namespace kadrona::imaging {
 
+/// Inputs and outputs of a curve go from 0 to this.
+constexpr int HighestCurveLevel = 255;
+
 /// One point of a tone curve; both 0 ... 255.
 struct CurvePoint {
     int input = 0;
