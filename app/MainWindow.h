@@ -89,6 +89,7 @@ class TmainFm : public QMainWindow {
     void BuildEditBar(controls::CommandArea& area);
     void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);
     void BuildViewPanel();
+    void BuildSidePanel();
     QWidget* BuildSheetLine();
     QWidget* BuildEmptyState();
     void BuildStatusBar();

@@ -117,13 +117,7 @@ void TmainFm::BuildViewPanel() {
     photoStrip_->setObjectName(u"PhotoStrip"_s);
     layout->addWidget(photoStrip_);
 
-    sidePanel_ = new dialogs::SidePanel;
-    checkSection_ = new dialogs::CheckSection;
-    sidePanel_->AddSection(checkSection_);
-    sheetSection_ = new dialogs::SheetSection;
-    sidePanel_->AddSection(sheetSection_);
-    traySection_ = new dialogs::TraySection;
-    sidePanel_->AddSection(traySection_);
+    BuildSidePanel();
     auto* centre = new QWidget(this);
     auto* row = new QHBoxLayout(centre);
     row->setContentsMargins({});
@@ -139,6 +133,16 @@ void TmainFm::BuildViewPanel() {
     connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
     connect(drop, &controls::FileDropTarget::PictureDropped, this,
             [this](const QByteArray& file) { openActions_->OpenPicture(file, u"Bild"_s); });
+}
+
+void TmainFm::BuildSidePanel() {
+    sidePanel_ = new dialogs::SidePanel;
+    checkSection_ = new dialogs::CheckSection;
+    sidePanel_->AddSection(checkSection_);
+    sheetSection_ = new dialogs::SheetSection;
+    sidePanel_->AddSection(sheetSection_);
+    traySection_ = new dialogs::TraySection;
+    sidePanel_->AddSection(traySection_);
 }
 
 /// What can be made beside the prints, under a sheet.

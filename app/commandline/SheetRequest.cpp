@@ -201,6 +201,7 @@ CheckRequest ParseCheckRequest(const QStringList& arguments) {
     return request;
 }
 
+// Long, for it is one text.
 QString CommandLineHelp() {
     return uR"(Aufruf:
   kadrona [--new-window] [--open | FOTO]

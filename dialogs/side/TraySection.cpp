@@ -41,10 +41,29 @@ QToolButton* ArrowButton(Qt::ArrowType arrow, const QString& name, const QString
 
 TraySection::TraySection(QWidget* parent) : QWidget(parent) {
     setObjectName(u"TraySection"_s);
+    BuildControls();
     auto* title = new QLabel(u"Sammelblatt"_s);
     QFont bold = title->font();
     bold.setBold(true);
     title->setFont(bold);
+    auto* row = new QHBoxLayout;
+    row->addWidget(count_, 1);
+    row->addWidget(up_);
+    row->addWidget(down_);
+    auto* foot = new QHBoxLayout;
+    foot->addWidget(remove_, 1);
+    foot->addWidget(empty_, 1);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(title);
+    column->addWidget(list_);
+    column->addLayout(row);
+    column->addLayout(foot);
+    column->addWidget(summary_);
+    column->addWidget(make_);
+    Connect();
+}
+
+void TraySection::BuildControls() {
     list_ = new QListWidget;
     list_->setObjectName(u"TrayList"_s);
     list_->setAccessibleName(u"Bilder des Sammelblatts"_s);
@@ -67,22 +86,9 @@ TraySection::TraySection(QWidget* parent) : QWidget(parent) {
     summary_ = new QLabel;
     summary_->setObjectName(u"TraySummary"_s);
     summary_->setWordWrap(true);
+}
 
-    auto* row = new QHBoxLayout;
-    row->addWidget(count_, 1);
-    row->addWidget(up_);
-    row->addWidget(down_);
-    auto* foot = new QHBoxLayout;
-    foot->addWidget(remove_, 1);
-    foot->addWidget(empty_, 1);
-    auto* column = new QVBoxLayout(this);
-    column->addWidget(title);
-    column->addWidget(list_);
-    column->addLayout(row);
-    column->addLayout(foot);
-    column->addWidget(summary_);
-    column->addWidget(make_);
-
+void TraySection::Connect() {
     connect(list_, &QListWidget::currentRowChanged, this, &TraySection::ShowSelected);
     connect(count_, &QSpinBox::valueChanged, this,
             [this](int count) { Q_EMIT CountChosen(list_->currentRow(), count); });

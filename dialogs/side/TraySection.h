@@ -39,6 +39,8 @@ class TraySection : public QWidget {
     void SheetAsked();
 
  private:
+    void BuildControls();
+    void Connect();
     void ShowSelected();
 
     QListWidget* list_;
