@@ -19,7 +19,7 @@ namespace kadrona::app {
 
 namespace {
 
-constexpr int LookMilliseconds = 1000;
+constexpr int FolderLookMilliseconds = 1000;
 /// Whoever looks for older ones opens the folder.
 constexpr int MostShown = 40;
 
@@ -49,7 +49,7 @@ WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& se
       actions_(actions),
       open_(std::move(open)),
       timer_(new QTimer(this)) {
-    timer_->setInterval(LookMilliseconds);
+    timer_->setInterval(FolderLookMilliseconds);
     connect(timer_, &QTimer::timeout, this, &WatchActions::Look);
     connect(&actions, &MainActions::Handled, this, &WatchActions::FollowSettings);
     connect(&strip, &controls::PhotoStrip::Chosen, this,

@@ -6,16 +6,16 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr QLatin1StringView ValueName("ArchivFilesDir");
+constexpr QLatin1StringView ArchiveFolderName("ArchivFilesDir");
 
 }  // namespace
 
 QString ArchiveFolder() {
-    return platform::ReadRegistryText(ValueName);
+    return platform::ReadRegistryText(ArchiveFolderName);
 }
 
 void SetArchiveFolder(const QString& folder) {
-    platform::WriteRegistryText(ValueName, folder);
+    platform::WriteRegistryText(ArchiveFolderName, folder);
 }
 
 }  // namespace kadrona::core

@@ -6,16 +6,16 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr QLatin1StringView ValueName("WatchedFolder");
+constexpr QLatin1StringView WatchedFolderName("WatchedFolder");
 
 }  // namespace
 
 QString WatchedFolder() {
-    return platform::ReadRegistryText(ValueName);
+    return platform::ReadRegistryText(WatchedFolderName);
 }
 
 void SetWatchedFolder(const QString& folder) {
-    platform::WriteRegistryText(ValueName, folder);
+    platform::WriteRegistryText(WatchedFolderName, folder);
 }
 
 }  // namespace kadrona::core

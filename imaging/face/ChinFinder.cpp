@@ -10,7 +10,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr double PixelsPerUnit = 40;
+constexpr double ChinPixelsPerUnit = 40;
 const QRectF Area(-1.4, 0.3, 2.8, 2.7);
 
 /// Lines between the lips lie here below the eyes, and a chin that much below them: means and
@@ -39,13 +39,13 @@ constexpr double ChinAngle = 0.45;
 constexpr double SideAngle = 1.2;
 
 int RowOf(double y) {
-    return static_cast<int>(std::lround((y - Area.top()) * PixelsPerUnit));
+    return static_cast<int>(std::lround((y - Area.top()) * ChinPixelsPerUnit));
 }
 double YOf(int row) {
-    return Area.top() + (row + 0.5) / PixelsPerUnit;
+    return Area.top() + (row + 0.5) / ChinPixelsPerUnit;
 }
 int ColumnOf(double x) {
-    return static_cast<int>(std::lround((x - Area.left()) * PixelsPerUnit));
+    return static_cast<int>(std::lround((x - Area.left()) * ChinPixelsPerUnit));
 }
 
 /// The line between the lips: dark between two lighter ones, and level.
@@ -135,7 +135,7 @@ class JawFitter {
     }
 
     double Across(QPointF at, QPointF normal, bool isChin) const {
-        constexpr double Reach = 3 / PixelsPerUnit;
+        constexpr double Reach = 3 / ChinPixelsPerUnit;
         constexpr double MostChange = 30;
         const cv::Vec3f off = ColourAt(at - Reach * normal) - ColourAt(at + Reach * normal);
         // The neck lies in the chin's shadow; a light collar is the exception.
@@ -154,7 +154,7 @@ class JawFitter {
 }  // namespace
 
 FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame) {
-    const cv::Mat lab = SmoothLab(photo.Sampled(frame, Area, PixelsPerUnit), 1.5);
+    const cv::Mat lab = SmoothLab(photo.Sampled(frame, Area, ChinPixelsPerUnit), 1.5);
     cv::Mat lightness;
     cv::extractChannel(lab, lightness, 0);
     const double mouth = MouthBelowEyes(lightness);

@@ -10,7 +10,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr double PixelsPerUnit = 22;
+constexpr double CrownPixelsPerUnit = 22;
 constexpr double HalfWidth = 2.2;
 constexpr double Highest = -3.4;
 constexpr double Lowest = -0.6;
@@ -29,9 +29,9 @@ class Background {
  public:
     Background(const cv::Mat& lab, double top) {
         std::vector<cv::Vec3f> samples;
-        const int side = static_cast<int>((HalfWidth - 1.6) * PixelsPerUnit);
+        const int side = static_cast<int>((HalfWidth - 1.6) * CrownPixelsPerUnit);
         const int corners = static_cast<int>(0.6 * lab.rows);
-        const int above = top < -2.9 ? static_cast<int>(0.2 * PixelsPerUnit) : 0;
+        const int above = top < -2.9 ? static_cast<int>(0.2 * CrownPixelsPerUnit) : 0;
         for (int row = 0; row < lab.rows; ++row) {
             for (int column = 0; column < lab.cols; ++column) {
                 if (row < above ||
@@ -142,11 +142,11 @@ ArcEvidence EvidenceAt(const cv::Mat& lab, const cv::Mat& unlikeness, int row) {
     constexpr int Reach = 2;
     constexpr double MostChange = 20;
     const int middle = lab.cols / 2;
-    const int half = static_cast<int>(HalfCrown * PixelsPerUnit);
+    const int half = static_cast<int>(HalfCrown * CrownPixelsPerUnit);
     ArcEvidence evidence;
     for (int column = middle - half; column <= middle + half; ++column) {
-        const double x = (column - middle) / PixelsPerUnit;
-        const int bend = static_cast<int>(std::lround(Curvature * x * x * PixelsPerUnit));
+        const double x = (column - middle) / CrownPixelsPerUnit;
+        const int bend = static_cast<int>(std::lround(Curvature * x * x * CrownPixelsPerUnit));
         const int y = std::min(row + bend, lab.rows - 1);
         evidence.unlikeness += unlikeness.at<float>(y, column);
         const cv::Vec3f off = lab.at<cv::Vec3f>(std::max(0, y - Reach), column) -
@@ -188,9 +188,9 @@ FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
         return {{0, std::min(top, MeanCrown)}, 0.1};
     }
     const QRectF area(-HalfWidth, top, 2 * HalfWidth, Lowest - top);
-    const cv::Mat lab = SmoothLab(photo.Sampled(frame, area, PixelsPerUnit), 0.8);
+    const cv::Mat lab = SmoothLab(photo.Sampled(frame, area, CrownPixelsPerUnit), 0.8);
     const cv::Mat unlikeness = UnlikenessOf(lab, Background(lab, top));
-    const auto lowest = static_cast<size_t>((LowestCrown - top) * PixelsPerUnit);
+    const auto lowest = static_cast<size_t>((LowestCrown - top) * CrownPixelsPerUnit);
     std::vector<ArcEvidence> rows;
     double strongest = 6;
     for (size_t row = 0; row <= lowest; ++row) {
@@ -209,7 +209,7 @@ FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
     double best = -1e9;
     FacePlace crown;
     for (size_t row = 0; row <= lowest; ++row) {
-        const double y = top + (static_cast<double>(row) + 0.5) / PixelsPerUnit;
+        const double y = top + (static_cast<double>(row) + 0.5) / CrownPixelsPerUnit;
         const double off = (y - MeanCrown) / CrownDeviation;
         const double value = PartingWeight * partings[row] +
                              changeWeight * rows[row].change / strongest - off * off / 2;

@@ -10,7 +10,7 @@ namespace kadrona::imaging {
 namespace {
 
 /// Resolution at which eyes are looked for, pixels for one distance of the pupils.
-constexpr double PixelsPerUnit = 100;
+constexpr double EyePixelsPerUnit = 100;
 /// Where a classifier may see an eye around the guess, in frame units.
 const QRectF LeftArea(-1.15, -0.6, 1.15, 1.2);
 const QRectF RightArea(0, -0.6, 1.15, 1.2);
@@ -27,25 +27,25 @@ constexpr double GuessedConfidence = 0.2;
 
 cv::Mat GreySample(const FacePhoto& photo, const FaceFrame& frame, const QRectF& area) {
     cv::Mat grey;
-    cv::cvtColor(photo.Sampled(frame, area, PixelsPerUnit), grey, cv::COLOR_BGR2GRAY);
+    cv::cvtColor(photo.Sampled(frame, area, EyePixelsPerUnit), grey, cv::COLOR_BGR2GRAY);
     return grey;
 }
 
 /// A classifier's eye, in frame units, with its doubt: how far it lies from the guess, less what
 /// speaks for it. The less the better.
-struct Candidate {
+struct EyeCandidate {
     QPointF position;
     double doubt = 0;
 };
 
-std::vector<Candidate> CandidatesIn(cv::Mat grey, const QRectF& area, double expectedX,
-                                    const Cascades& cascades) {
+std::vector<EyeCandidate> CandidatesIn(cv::Mat grey, const QRectF& area, double expectedX,
+                                       const Cascades& cascades) {
     constexpr int Smallest = 36;
     constexpr int Largest = 110;
-    std::vector<Candidate> candidates;
+    std::vector<EyeCandidate> candidates;
     for (const Cascades::Kind kind : {Cascades::EyeWithGlasses, Cascades::Eye, Cascades::Eye}) {
         for (const CascadeHit& hit : cascades.Find(kind, grey, Smallest, Largest, 2)) {
-            const QPointF at = area.topLeft() + QRectF(hit.box).center() / PixelsPerUnit;
+            const QPointF at = area.topLeft() + QRectF(hit.box).center() / EyePixelsPerUnit;
             const double distance = std::hypot(at.x() - expectedX, at.y());
             candidates.push_back({at, distance - 0.15 * std::log1p(hit.votes)});
         }
@@ -60,7 +60,7 @@ std::vector<Candidate> CandidatesIn(cv::Mat grey, const QRectF& area, double exp
 }
 
 /// How unlikely two points are to be the eyes of the face that the guess stands for.
-double PairDoubt(const Candidate& left, const Candidate& right) {
+double PairDoubt(const EyeCandidate& left, const EyeCandidate& right) {
     const QPointF line = right.position - left.position;
     const double distance = std::hypot(line.x(), line.y());
     const double steepness = std::abs(std::atan2(line.y(), line.x()));
@@ -68,8 +68,8 @@ double PairDoubt(const Candidate& left, const Candidate& right) {
            1.5 * steepness;
 }
 
-const Candidate* LeastDoubtful(const std::vector<Candidate>& candidates) {
-    const auto best = std::ranges::min_element(candidates, {}, &Candidate::doubt);
+const EyeCandidate* LeastDoubtful(const std::vector<EyeCandidate>& candidates) {
+    const auto best = std::ranges::min_element(candidates, {}, &EyeCandidate::doubt);
     return best == candidates.end() ? nullptr : &*best;
 }
 
@@ -80,12 +80,13 @@ struct RoughPair {
     bool rightSeen = false;
 };
 
-RoughPair BestPair(const std::vector<Candidate>& lefts, const std::vector<Candidate>& rights) {
+RoughPair BestPair(const std::vector<EyeCandidate>& lefts,
+                   const std::vector<EyeCandidate>& rights) {
     constexpr double MostDoubt = 1.6;
     RoughPair pair;
     double least = MostDoubt;
-    for (const Candidate& left : lefts) {
-        for (const Candidate& right : rights) {
+    for (const EyeCandidate& left : lefts) {
+        for (const EyeCandidate& right : rights) {
             const double doubt = PairDoubt(left, right);
             if (doubt < least) {
                 least = doubt;
@@ -97,8 +98,8 @@ RoughPair BestPair(const std::vector<Candidate>& lefts, const std::vector<Candid
         return pair;
     }
     // One eye alone: the other one stands where the face's proportions put it.
-    const Candidate* left = LeastDoubtful(lefts);
-    const Candidate* right = LeastDoubtful(rights);
+    const EyeCandidate* left = LeastDoubtful(lefts);
+    const EyeCandidate* right = LeastDoubtful(rights);
     if (left && (!right || left->doubt < right->doubt)) {
         return {left->position, left->position + QPointF(1, 0), true, false};
     }
@@ -111,7 +112,7 @@ RoughPair BestPair(const std::vector<Candidate>& lefts, const std::vector<Candid
 QPointF Refined(const FacePhoto& photo, const FaceFrame& frame, QPointF eye) {
     const QRectF area(eye.x() - RefineWide, eye.y() - RefineHigh, 2 * RefineWide, 2 * RefineHigh);
     // Somewhat coarser finds the iris rather than single lashes, and takes less time.
-    constexpr double RefinePixels = PixelsPerUnit * 0.8;
+    constexpr double RefinePixels = EyePixelsPerUnit * 0.8;
     cv::Mat grey;
     cv::cvtColor(photo.Sampled(frame, area, RefinePixels), grey, cv::COLOR_BGR2GRAY);
     const cv::Point2d pupil = PupilIn(grey);

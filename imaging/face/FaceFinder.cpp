@@ -26,7 +26,7 @@ constexpr double EyesBelowTop = 0.38;
 constexpr double EyeDistanceInBox = 0.40;
 
 /// A face's box, as a frame that guesses its eyes.
-struct Candidate {
+struct FaceCandidate {
     FaceFrame frame;
     double side = 0;  ///< photo pixels
     int votes = 0;
@@ -51,12 +51,12 @@ TurnedPicture TurnedBy(const cv::Mat& grey, double degrees) {
 }
 
 /// `smallestFace` is a part of the shorter side; the search takes time by its inverse square.
-std::vector<Candidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                                    double smallestFace, const Cascades& cascades) {
+std::vector<FaceCandidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
+                                        double smallestFace, const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
     const int smallest = std::max(24, static_cast<int>(smallestFace * shorter));
-    std::vector<Candidate> candidates;
+    std::vector<FaceCandidate> candidates;
     for (const CascadeHit& hit :
          cascades.Find(Cascades::FrontalFace, turned.grey, smallest, shorter, 3)) {
         const double side = hit.box.width();
@@ -71,16 +71,16 @@ std::vector<Candidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey,
     return candidates;
 }
 
-bool Overlap(const Candidate& one, const Candidate& other) {
+bool Overlap(const FaceCandidate& one, const FaceCandidate& other) {
     const QPointF between = one.frame.origin - other.frame.origin;
     return std::hypot(between.x(), between.y()) < 0.5 * std::max(one.side, other.side);
 }
 
 /// Adds those that are not there yet; of two at one place the one with more votes stays.
-void Merge(std::vector<Candidate>& all, const std::vector<Candidate>& more) {
-    for (const Candidate& candidate : more) {
+void Merge(std::vector<FaceCandidate>& all, const std::vector<FaceCandidate>& more) {
+    for (const FaceCandidate& candidate : more) {
         const auto same = std::ranges::find_if(
-            all, [&](const Candidate& other) { return Overlap(candidate, other); });
+            all, [&](const FaceCandidate& other) { return Overlap(candidate, other); });
         if (same == all.end()) {
             all.push_back(candidate);
         } else if (candidate.votes > same->votes) {
@@ -90,7 +90,7 @@ void Merge(std::vector<Candidate>& all, const std::vector<Candidate>& more) {
 }
 
 /// How much a face looks like the one that the photo was taken of: large and in the middle.
-double Prominence(const Candidate& candidate, cv::Size photo) {
+double Prominence(const FaceCandidate& candidate, cv::Size photo) {
     const double x = candidate.frame.origin.x() / photo.width - 0.5;
     const double y = candidate.frame.origin.y() / photo.height - 0.45;
     return candidate.side * std::exp(-1.5 * (x * x + y * y)) *
@@ -98,7 +98,7 @@ double Prominence(const Candidate& candidate, cv::Size photo) {
 }
 
 struct SeenFace {
-    Candidate candidate;
+    FaceCandidate candidate;
     EyePair eyes;
 };
 
@@ -109,17 +109,17 @@ bool IsLikely(const SeenFace& face) {
 }
 
 /// The candidates with their eyes, the most prominent first, as long as eyes are seen.
-std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<Candidate> candidates,
+std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<FaceCandidate> candidates,
                                const Cascades& cascades) {
     // Fifty faces of a group need no eyes each: only the most prominent few are of interest.
     constexpr size_t MostFaces = 4;
-    std::ranges::sort(candidates, std::greater(), [&](const Candidate& candidate) {
+    std::ranges::sort(candidates, std::greater(), [&](const FaceCandidate& candidate) {
         return Prominence(candidate, photo.Size());
     });
     candidates.resize(std::min(candidates.size(), MostFaces));
     std::vector<SeenFace> faces;
     faces.reserve(candidates.size());
-    for (const Candidate& candidate : candidates) {
+    for (const FaceCandidate& candidate : candidates) {
         faces.push_back({candidate, FindEyes(photo, candidate.frame, cascades)});
     }
     std::ranges::stable_sort(faces, std::greater(), IsLikely);
@@ -132,7 +132,7 @@ bool IsSure(const std::vector<SeenFace>& faces) {
 
 /// The faces of the upright picture and, where none is sure, of the picture turned both ways: large
 /// ones first, for they are quickly found. Adds every candidate to `candidates`.
-std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<Candidate>& candidates,
+std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>& candidates,
                               const Cascades& cascades) {
     constexpr double Turn = 14;
     cv::Mat grey;
@@ -189,7 +189,7 @@ FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
     if (std::min(facePhoto.Reduced().cols, facePhoto.Reduced().rows) < SmallestSide) {
         return {};
     }
-    std::vector<Candidate> candidates;
+    std::vector<FaceCandidate> candidates;
     const std::vector<SeenFace> faces = FacesIn(facePhoto, candidates, cascades);
     if (faces.empty() || !IsLikely(faces.front())) {
         return {};
@@ -197,7 +197,7 @@ FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
     const EyePair eyes =
         Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
     const auto count = std::ranges::count_if(
-        candidates, [](const Candidate& candidate) { return candidate.votes >= 8; });
+        candidates, [](const FaceCandidate& candidate) { return candidate.votes >= 8; });
     return {Measured(facePhoto, eyes), std::max(1, static_cast<int>(count))};
 }
 

@@ -42,7 +42,7 @@ QString ReasonOf(const heif_error& error) {
                                                       : DamagedOrIncompleteFileReason();
 }
 
-void Require(const heif_error& error, const ReadTask& task) {
+void RequireHeif(const heif_error& error, const ReadTask& task) {
     if (error.code != heif_error_Ok) {
         task.Fail(ReasonOf(error));
     }
@@ -90,9 +90,9 @@ int BytesBeside(const heif_image_handle* handle) {
 }
 
 /// One channel of a decoded picture. Not there where the picture has none.
-class Channel {
+class HeifChannel {
  public:
-    Channel(const heif_image* picture, heif_channel channel)
+    HeifChannel(const heif_image* picture, heif_channel channel)
         : bytes_(heif_image_get_plane_readonly(picture, channel, &stride_)),
           bits_(heif_image_get_bits_per_pixel_range(picture, channel)) {}
     bool IsThere() const { return bytes_ != nullptr; }
@@ -111,10 +111,10 @@ class Channel {
 
 /// One pixel after the other.
 QImage Interleaved(const heif_image* picture, bool premultiplied, const ReadTask& task) {
-    const Channel red(picture, heif_channel_R);
-    const Channel green(picture, heif_channel_G);
-    const Channel blue(picture, heif_channel_B);
-    const Channel alpha(picture, heif_channel_Alpha);
+    const HeifChannel red(picture, heif_channel_R);
+    const HeifChannel green(picture, heif_channel_G);
+    const HeifChannel blue(picture, heif_channel_B);
+    const HeifChannel alpha(picture, heif_channel_Alpha);
     if (!red.IsThere() || !green.IsThere() || !blue.IsThere()) {
         task.Fail(DamagedFileReason());
     }
@@ -139,7 +139,7 @@ QImage Decode(const heif_image_handle* handle, const ReadTask& task) {
     options->convert_hdr_to_8bit = 1;
     heif_image* decoded = nullptr;
     // Interleaved already, a copy more of the picture would be in memory.
-    Require(
+    RequireHeif(
         heif_decode_image(handle, &decoded, heif_colorspace_RGB, heif_chroma_444, options.get()),
         task);
     const Picture picture(decoded);
@@ -149,11 +149,11 @@ QImage Decode(const heif_image_handle* handle, const ReadTask& task) {
 DecodedImage Read(const ReadTask& task) {
     const QByteArray file = task.ReadWhole();
     const Context context(heif_context_alloc());
-    Require(heif_context_read_from_memory_without_copy(context.get(), file.constData(),
-                                                       static_cast<size_t>(file.size()), nullptr),
-            task);
+    RequireHeif(heif_context_read_from_memory_without_copy(
+                    context.get(), file.constData(), static_cast<size_t>(file.size()), nullptr),
+                task);
     heif_image_handle* primary = nullptr;
-    Require(heif_context_get_primary_image_handle(context.get(), &primary), task);
+    RequireHeif(heif_context_get_primary_image_handle(context.get(), &primary), task);
     const Handle handle(primary);
     const int width = heif_image_handle_get_width(primary);
     const int height = heif_image_handle_get_height(primary);

@@ -8,29 +8,29 @@ namespace kadrona::imaging {
 
 namespace {
 
-using Require = std::function<void(int result)>;
+using CheckOfResult = std::function<void(int result)>;
 
 /// What is developed, red first, three bytes a pixel.
-QImage TakenOut(LibRaw& raw, const Require& require) {
+QImage TakenOut(LibRaw& raw, const CheckOfResult& check) {
     int width = 0;
     int height = 0;
     int colours = 0;
     int bits = 0;
     raw.get_mem_image_format(&width, &height, &colours, &bits);
     constexpr int RgbColours = 3;
-    require(colours == RgbColours ? LIBRAW_SUCCESS : LIBRAW_FILE_UNSUPPORTED);
+    check(colours == RgbColours ? LIBRAW_SUCCESS : LIBRAW_FILE_UNSUPPORTED);
     QImage image = NewImage({width, height}, QImage::Format_RGB888);
-    require(raw.copy_mem_image(image.bits(), static_cast<int>(image.bytesPerLine()), 0));
+    check(raw.copy_mem_image(image.bits(), static_cast<int>(image.bytesPerLine()), 0));
     raw.free_image();
     return image;
 }
 
 /// Brightness and white balance follow from the whole picture. They are found in a picture of half
 /// its width, which takes two bytes a pixel, and set for all bands.
-void FixWhatTheWholeDecides(LibRaw& raw, const Require& require) {
+void FixWhatTheWholeDecides(LibRaw& raw, const CheckOfResult& check) {
     libraw_output_params_t& parameters = raw.imgdata.params;
     parameters.half_size = 1;
-    require(raw.dcraw_process());
+    check(raw.dcraw_process());
     raw.free_image();
     parameters.half_size = 0;
     parameters.user_sat = static_cast<int>(raw.imgdata.color.maximum);
@@ -50,7 +50,7 @@ void CopyRows(const QImage& band, int from, QImage& target, int to, int count) {
 
 /// Each band is developed with rows above and below it, which make its own what they are in the
 /// whole: the colours of a pixel are found from those around it.
-QImage InBands(LibRaw& raw, const Require& require,
+QImage InBands(LibRaw& raw, const CheckOfResult& check,
                const std::function<void(double begin, double end)>& onPart) {
     constexpr int BandPixels = 2'000'000;
     // Where a sensor's pattern of filters begins anew, of 2, 6 or 8 rows.
@@ -58,7 +58,7 @@ QImage InBands(LibRaw& raw, const Require& require,
     constexpr double MeasuringPart = 0.1;
     const QSize size(raw.imgdata.sizes.width, raw.imgdata.sizes.height);
     onPart(0, MeasuringPart);
-    FixWhatTheWholeDecides(raw, require);
+    FixWhatTheWholeDecides(raw, check);
     QImage result = NewImage(size, QImage::Format_RGB32);
     const int rows = std::max(BandPixels / size.width() / Period, 2) * Period;
     const auto partAt = [&size](int y) {
@@ -73,8 +73,8 @@ QImage InBands(LibRaw& raw, const Require& require,
         box[1] = static_cast<unsigned>(first);
         box[2] = static_cast<unsigned>(size.width());
         box[3] = static_cast<unsigned>(end - first);
-        require(raw.dcraw_process());
-        CopyRows(TakenOut(raw, require), top - first, result, top,
+        check(raw.dcraw_process());
+        CopyRows(TakenOut(raw, check), top - first, result, top,
                  std::min(rows, size.height() - top));
     }
     raw.recycle();
@@ -103,14 +103,14 @@ qint64 RawBytesBeside(LibRaw& raw) {
     return GoesInBands(raw) ? pixels * Unpacked + Band : pixels * UnpackedAndWhole;
 }
 
-QImage DevelopedRaw(LibRaw& raw, const Require& require,
+QImage DevelopedRaw(LibRaw& raw, const CheckOfResult& check,
                     const std::function<void(double begin, double end)>& onPart) {
     if (GoesInBands(raw)) {
-        return InBands(raw, require, onPart);
+        return InBands(raw, check, onPart);
     }
     onPart(0, 1);
-    require(raw.dcraw_process());
-    const QImage image = TakenOut(raw, require);
+    check(raw.dcraw_process());
+    const QImage image = TakenOut(raw, check);
     raw.recycle();
     return RequireAllocated(image.convertToFormat(QImage::Format_RGB32));
 }

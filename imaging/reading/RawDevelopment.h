@@ -15,10 +15,10 @@ qint64 RawBytesBeside(LibRaw& raw);
 /// sensor's pixels at a time, so that only those take LibRaw's twelve bytes each. A sensor whose
 /// rows do not lie as they are shown is developed as a whole.
 ///
-/// `require` is called with each of LibRaw's results and throws where it is a failure. `onPart` is
+/// `check` is called with each of LibRaw's results and throws where it is a failure. `onPart` is
 /// told before each part of the work, from 0 to 1, where it begins and where the next one does.
 /// Throws platform::Error where memory is short. Afterwards `raw` has neither pixels nor its data.
-QImage DevelopedRaw(LibRaw& raw, const std::function<void(int result)>& require,
+QImage DevelopedRaw(LibRaw& raw, const std::function<void(int result)>& check,
                     const std::function<void(double begin, double end)>& onPart);
 
 }  // namespace kadrona::imaging

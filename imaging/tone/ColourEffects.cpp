@@ -10,7 +10,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-constexpr double HighestLevel = 255;
+constexpr double FullLevel = 255;
 constexpr int LargestSetting = 100;
 constexpr QRgb AlphaMask = 0xff000000;
 
@@ -114,12 +114,12 @@ LevelTable StretchedTable(const LevelCounts& counts) {
     const auto* const first = std::find_if(counts.begin(), counts.end(), isUsed);
     const auto last = std::find_if(counts.rbegin(), counts.rend(), isUsed);
     const auto lowest = static_cast<double>(first - counts.begin());
-    const double highest = HighestLevel - static_cast<double>(last - counts.rbegin());
+    const double highest = FullLevel - static_cast<double>(last - counts.rbegin());
     if (lowest >= highest) {
         return MakeTable([](double level) { return level; });
     }
     return MakeTable(
-        [&](double level) { return (level - lowest) * HighestLevel / (highest - lowest); });
+        [&](double level) { return (level - lowest) * FullLevel / (highest - lowest); });
 }
 
 /// The level that makes the levels' sums grow evenly (R. Gonzalez and R. Woods, "Digital Image
@@ -139,7 +139,7 @@ LevelTable EqualisedTable(const LevelCounts& counts) {
     for (size_t level = 0; level < counts.size(); ++level) {
         sum += counts[level];
         const double above = sum > lowest ? static_cast<double>(sum - lowest) : 0;
-        table[level] = ToLevel(above * HighestLevel / static_cast<double>(total - lowest));
+        table[level] = ToLevel(above * FullLevel / static_cast<double>(total - lowest));
     }
     return table;
 }
@@ -166,13 +166,13 @@ PixelFilterPointer GainAndOffsetFilter(const Histogram& histogram) {
 }
 
 PixelFilterPointer ContrastFilter(const ContrastAdjustment& adjustment) {
-    constexpr double Middle = HighestLevel / 2;
+    constexpr double Middle = FullLevel / 2;
     // The steepest slope, as a tangent, is finite: one level below full contrast.
     const double contrast = std::min(Share(adjustment.contrast), 0.99);
     const double slope = std::tan((contrast + 1) * std::numbers::pi / 4);
     const double brightness = Share(adjustment.brightness) / 2;
     const LevelTable table = MakeTable([&](double level) {
-        const double target = brightness < 0 ? 0 : HighestLevel;
+        const double target = brightness < 0 ? 0 : FullLevel;
         const double brightened = level + (target - level) * std::abs(brightness);
         return (brightened - Middle) * slope + Middle;
     });
@@ -181,7 +181,7 @@ PixelFilterPointer ContrastFilter(const ContrastAdjustment& adjustment) {
 
 PixelFilterPointer BalanceFilter(const BalanceAdjustment& adjustment) {
     const auto table = [](int setting) {
-        return MakeTable([&](double level) { return level + Share(setting) * HighestLevel / 2; });
+        return MakeTable([&](double level) { return level + Share(setting) * FullLevel / 2; });
     };
     return TableFilter({table(adjustment.red), table(adjustment.green), table(adjustment.blue)});
 }

@@ -77,15 +77,16 @@ class HueEffect : public PixelFilter {
     float offset_;
 };
 
-float Share(int setting) {
+/// -1 ... 1 of a setting from -100 to 100
+float PartOfFull(int setting) {
     return static_cast<float>(std::clamp(setting, -100, 100)) / 100;
 }
 
 HueEffect::HueEffect(const HueAdjustment& adjustment)
     : turn_(static_cast<float>((adjustment.hueDegrees % 360 + 360) % 360) / 60),
-      saturation_(1 + Share(adjustment.saturation)),
-      gain_(1 - std::abs(Share(adjustment.lightness))),
-      offset_(255 * std::max(Share(adjustment.lightness), 0.0F)) {}
+      saturation_(1 + PartOfFull(adjustment.saturation)),
+      gain_(1 - std::abs(PartOfFull(adjustment.lightness))),
+      offset_(255 * std::max(PartOfFull(adjustment.lightness), 0.0F)) {}
 
 void HueEffect::Apply(std::span<QRgb> pixels) const {
     size_t done = 0;

@@ -57,7 +57,7 @@ class Heartbeat {
 };
 
 constexpr std::chrono::milliseconds Deadline{1000};
-const PrinterChoice Photo{u"Photo"_s, {}, {}, {}};
+const PrinterChoice SickPrinter{u"Photo"_s, {}, {}, {}};
 
 TEST(SickServiceTest, IsGivenUpInTimeWhileTheWindowLives) {
     const QString dumb = u"Der Druckdienst antwortet nicht."_s;
@@ -74,7 +74,7 @@ TEST(SickServiceTest, IsGivenUpInTimeWhileTheWindowLives) {
         const Heartbeat heartbeat;
         QElapsedTimer time;
         time.start();
-        const QString said = TextOf<PrinterError>([&] { layer.SetCurrentPrinter(Photo); });
+        const QString said = TextOf<PrinterError>([&] { layer.SetCurrentPrinter(SickPrinter); });
         EXPECT_TRUE(said.startsWith(u"Drucker „Photo“: "_s + text)) << said.toStdString();
         EXPECT_LT(time.elapsed(), 10 * Deadline.count()) << "on a busy machine";
         EXPECT_LT(heartbeat.LongestMilliseconds(), Deadline.count() * 7 / 10);
@@ -94,7 +94,7 @@ TEST(SickServiceTest, WaitingCanBeCancelled) {
     ModalDriver driver;
     driver.Expect(u"PrintServiceWait"_s,
                   [](QWidget& shown) { Child<QAbstractButton>(shown).click(); });
-    EXPECT_EQ(TextOf<PrinterError>([&] { layer.SetCurrentPrinter(Photo); }),
+    EXPECT_EQ(TextOf<PrinterError>([&] { layer.SetCurrentPrinter(SickPrinter); }),
               u"Drucker „Photo“: Die Anfrage an den Druckdienst wurde abgebrochen."_s);
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class IniFileTest : public testing::Test {
+class IniFileTest : public ::testing::Test {
  protected:
     QString Path() const { return folder_.filePath(u"kdr.ini"_s); }
 

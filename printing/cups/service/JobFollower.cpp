@@ -19,7 +19,7 @@ constexpr std::chrono::milliseconds FirstPause{500};
 constexpr std::chrono::milliseconds LongestPause{5000};
 constexpr int MostFailures = 6;
 
-constexpr std::array WantedAttributes{"job-state", "job-state-reasons"};
+constexpr std::array WantedJobAttributes{"job-state", "job-state-reasons"};
 
 /// Nothing where the answer speaks of no job.
 std::optional<JobFollower::Job> JobIn(ipp_t* answer) {
@@ -107,7 +107,7 @@ void JobFollower::AskForJob() {
     const IppMessage request = NewRequest(IPP_OP_GET_JOB_ATTRIBUTES, queue_.Uri());
     ippAddInteger(request.get(), IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id", number_);
     ippAddStrings(request.get(), IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
-                  WantedAttributes.size(), nullptr, WantedAttributes.data());
+                  WantedJobAttributes.size(), nullptr, WantedJobAttributes.data());
     Ask(request, &JobFollower::ReadJob);
 }
 

@@ -9,13 +9,13 @@ namespace kadrona::printing::cups {
 
 namespace {
 
-struct Row {
+struct Phrase {
     const char16_t* english;
     const char16_t* german;
 };
 
 /// Words of the print service's own drivers and of the common manufacturers', in lower case.
-constexpr auto Words = std::to_array<Row>({
+constexpr auto Words = std::to_array<Phrase>({
     // options
     {u"page size", u"Papierformat"},
     {u"media size", u"Papierformat"},
@@ -153,7 +153,7 @@ constexpr auto Words = std::to_array<Row>({
 
 QHash<QString, QString> Dictionary() {
     QHash<QString, QString> words;
-    for (const Row& row : Words) {
+    for (const Phrase& row : Words) {
         words.insert(QStringView(row.english).toString(), QStringView(row.german).toString());
     }
     return words;

@@ -13,13 +13,13 @@ namespace kadrona::printing::cups {
 
 namespace {
 
-struct Row {
+struct ReasonRow {
     const char* english;
     const char16_t* german;
 };
 
 /// Without those of which nobody need know ("none", "paused", "cups-waiting-for-job-completed").
-constexpr auto OfPrinters = std::to_array<Row>({
+constexpr auto OfPrinters = std::to_array<ReasonRow>({
     {"media-empty", u"Kein Papier"},
     {"media-needed", u"Papier einlegen"},
     {"media-jam", u"Papierstau"},
@@ -53,7 +53,7 @@ constexpr auto OfPrinters = std::to_array<Row>({
     {"cups-insecure-filter", u"Treiberdatei ist nicht sicher"},
 });
 
-constexpr auto OfJobs = std::to_array<Row>({
+constexpr auto OfJobs = std::to_array<ReasonRow>({
     {"job-hold-until-specified", u"zurückgehalten"},
     {"job-held-on-create", u"zurückgehalten"},
     {"cups-held-for-authentication", u"der Drucker verlangt eine Anmeldung"},
@@ -80,7 +80,7 @@ constexpr auto OfJobs = std::to_array<Row>({
 });
 
 /// Sentences of CUPS 2 itself; drivers say what they like.
-constexpr auto Sentences = std::to_array<Row>({
+constexpr auto Sentences = std::to_array<ReasonRow>({
     {"Rejecting Jobs", u""},
     {"Paused", u""},
     {"Ready to print", u""},
@@ -97,13 +97,13 @@ constexpr auto Sentences = std::to_array<Row>({
 });
 
 /// Null where nothing stands there.
-const Row* Find(std::span<const Row> rows, QByteArrayView english) {
+const ReasonRow* Find(std::span<const ReasonRow> rows, QByteArrayView english) {
     const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [&](const Row& row) { return english == row.english; });
+                                    [&](const ReasonRow& row) { return english == row.english; });
     return found == rows.end() ? nullptr : &*found;
 }
 
-QString Joined(std::span<const Row> rows, const std::vector<QByteArray>& keywords) {
+QString Joined(std::span<const ReasonRow> rows, const std::vector<QByteArray>& keywords) {
     QStringList texts;
     for (QByteArray keyword : keywords) {
         for (const char* suffix : {"-error", "-warning", "-report"}) {
@@ -111,7 +111,7 @@ QString Joined(std::span<const Row> rows, const std::vector<QByteArray>& keyword
                 keyword.chop(static_cast<qsizetype>(qstrlen(suffix)));
             }
         }
-        if (const Row* row = Find(rows, keyword)) {
+        if (const ReasonRow* row = Find(rows, keyword)) {
             const QString text = QString::fromUtf16(row->german);
             if (!texts.contains(text)) {
                 texts.append(text);
@@ -136,7 +136,7 @@ QString StateMessage(const QString& message) {
     while (text.endsWith(u'.')) {
         text.chop(1);
     }
-    const Row* row = Find(Sentences, text.toUtf8());
+    const ReasonRow* row = Find(Sentences, text.toUtf8());
     return row == nullptr ? text : QString::fromUtf16(row->german);
 }
 
