@@ -13,6 +13,7 @@
 #include "app/OpenActions.h"
 #include "app/PaperActions.h"
 #include "app/PrintFlow.h"
+#include "app/RecentActions.h"
 #include "app/RetouchTool.h"
 #include "app/RotateActions.h"
 #include "app/SheetActions.h"
@@ -81,6 +82,11 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
     rotateActions_ = std::make_unique<RotateActions>(session_, *data_, actions_, *viewActions_);
     openActions_ = std::make_unique<OpenActions>(session_, *view_, *data_, *settings_, actions_,
                                                  *viewActions_, *rotateActions_);
+    recentActions_ =
+        std::make_unique<RecentActions>(*recentMenu_, *recentStrip_, session_,
+                                        [this](const QString& path) { OpenDroppedFiles({path}); });
+    connect(openActions_.get(), &OpenActions::PhotoRead, recentActions_.get(),
+            &RecentActions::Remember);
     session_.Image().SetAutomaticUndo(true);
     session_.Image().SetUndoLimit(UndoLimit);
     place_ = std::make_unique<WindowPlace>(*this, data_->DataFolder());
@@ -176,6 +182,7 @@ void TmainFm::FormDestroy() {
     uploadActions_.reset();
     sheetActions_.reset();
     printFlow_.reset();
+    recentActions_.reset();
     openActions_.reset();
     rotateActions_.reset();
     viewActions_.reset();

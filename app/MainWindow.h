@@ -10,6 +10,7 @@
 
 class QComboBox;
 class QLabel;
+class QMenu;
 
 namespace kadrona::controls {
 class CommandArea;
@@ -41,6 +42,7 @@ class FaceActions;
 class OpenActions;
 class PaperActions;
 class PrintFlow;
+class RecentActions;
 class RetouchTool;
 class RotateActions;
 class SheetActions;
@@ -100,6 +102,8 @@ class TmainFm : public QMainWindow {
     MainActions actions_{this};
     imaging::view::ImageView* view_ = nullptr;
     QWidget* emptyState_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    controls::PhotoStrip* recentStrip_ = nullptr;
     QWidget* sheetLine_ = nullptr;
     controls::PhotoStrip* photoStrip_ = nullptr;
     QComboBox* pictureCount_ = nullptr;
@@ -121,6 +125,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<ViewActions> viewActions_;
     std::unique_ptr<RotateActions> rotateActions_;
     std::unique_ptr<OpenActions> openActions_;
+    std::unique_ptr<RecentActions> recentActions_;
     std::unique_ptr<PrintFlow> printFlow_;
     std::unique_ptr<SheetActions> sheetActions_;
     std::unique_ptr<UploadActions> uploadActions_;

@@ -59,6 +59,8 @@ void TmainFm::BuildCommandArea() {
          {Action::Paste, Action::AddToSheet, Action::UploadFile, Action::PrintAgain}) {
         file->addAction(actions_[action]);
     }
+    recentMenu_ = file->addMenu(u"&Zuletzt geöffnet"_s);
+    recentMenu_->setObjectName(u"RecentMenu"_s);
     QMenu* side = file->addMenu(u"&Seitenleiste"_s);
     side->setObjectName(u"SideMenu"_s);
     side->setToolTipsVisible(true);
@@ -180,6 +182,10 @@ QWidget* TmainFm::BuildEmptyState() {
     column->addWidget(hint, 0, Qt::AlignHCenter);
     column->addWidget(open, 0, Qt::AlignHCenter);
     column->addStretch(3);
+    recentStrip_ = new controls::PhotoStrip;
+    recentStrip_->setObjectName(u"RecentStrip"_s);
+    recentStrip_->setAccessibleName(u"Zuletzt geöffnete Fotos"_s);
+    column->addWidget(recentStrip_);
     return empty;
 }
 

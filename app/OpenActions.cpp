@@ -55,6 +55,8 @@ struct OpenActions::Source {
     std::function<imaging::LoadedImage(imaging::ReadProgress& progress)> read;
     /// Makes it the data module's current file.
     std::function<void()> remember;
+    /// The name is a file's path.
+    bool isFile = false;
 };
 
 OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
@@ -152,7 +154,8 @@ void OpenActions::LoadImageFile(const QString& fileName) {
               [&](imaging::ReadProgress& progress) {
                   return core::ReadPhoto(fileName, settings_, &progress);
               },
-          .remember = [&] { data_.SetCurrentFile(fileName); }});
+          .remember = [&] { data_.SetCurrentFile(fileName); },
+          .isFile = true});
 }
 
 /// Where the photo cannot be read, what is enabled is as after a successful load.
@@ -165,6 +168,9 @@ void OpenActions::Load(const Source& source) {
     actions_.SetChecked(Action::ShowLayer, false);
     if (outcome == Outcome::Failed) {
         return;
+    }
+    if (source.isFile) {
+        Q_EMIT PhotoRead(source.name);
     }
     controls::Guarded(view_.window(), [this] {
         const controls::WaitCursor wait;

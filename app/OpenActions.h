@@ -42,6 +42,10 @@ class OpenActions : public QObject {
     /// `origin` and the time.
     void OpenPicture(const QByteArray& bytes, const QString& origin);
 
+ Q_SIGNALS:
+    /// A photo was read from this file and is layer 0 now.
+    void PhotoRead(const QString& path);
+
  private:
     void acOpenExecute();
     void acOpenWithProfileExecute();

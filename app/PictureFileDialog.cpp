@@ -11,6 +11,8 @@
 #include "core/base/FileDialogs.h"
 #include "dialogs/WindowPlacement.h"
 #include "imaging/writing/ImageWriter.h"
+#include "platform/Error.h"
+#include "platform/UserRegistry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,10 +23,35 @@ namespace {
 /// Wide enough for the columns of the list.
 constexpr QSize DialogSize(880, 560);
 
-/// Where a dialog starts: the folder wanted, or one that exists.
-QString StartFolder(const QString& wanted) {
+/// The user's values that hold the folder of each dialog's last choice.
+const QString OpenFolderValue = u"OpenFolder"_s;
+const QString SaveFolderValue = u"SaveFolder"_s;
+const QString ChosenFolderValue = u"ChosenFolder"_s;
+
+/// Empty where it cannot be read: the dialog opens all the same.
+QString RememberedFolder(const QString& value) {
+    try {
+        return platform::ReadRegistryText(value);
+    } catch (const platform::Error&) {
+        return {};
+    }
+}
+
+void RememberFolder(const QString& value, const QString& folder) {
+    try {
+        if (folder != platform::ReadRegistryText(value)) {
+            platform::WriteRegistryText(value, folder);
+        }
+    } catch (const platform::Error&) {
+        // The choice itself holds.
+    }
+}
+
+/// Where a dialog starts: the folder wanted, the last one, or one that exists.
+QString StartFolder(const QString& wanted, const QString& value) {
     for (const QString& folder :
-         {wanted, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)}) {
+         {wanted, RememberedFolder(value),
+          QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)}) {
         if (QFileInfo(folder).isDir()) {
             return folder;
         }
@@ -105,18 +132,21 @@ QStringList NameFilters(const QString& pipeSeparated) {
 }
 
 std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& dialog) {
-    QFileDialog window(parent, u"Bild öffnen"_s, StartFolder(dialog.initialFolder));
+    QFileDialog window(parent, u"Bild öffnen"_s,
+                       StartFolder(dialog.initialFolder, OpenFolderValue));
     window.setFileMode(QFileDialog::ExistingFile);
     Prepare(window, u"OpenDialog"_s, dialog.filter);
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) {
         return std::nullopt;
     }
-    return window.selectedFiles().constFirst();
+    const QString file = window.selectedFiles().constFirst();
+    RememberFolder(OpenFolderValue, QFileInfo(file).path());
+    return file;
 }
 
 std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& dialog,
                                       QString& nameFilter) {
-    SaveFileDialog window(parent, dialog.title, StartFolder(dialog.initialFolder));
+    SaveFileDialog window(parent, dialog.title, StartFolder(dialog.initialFolder, SaveFolderValue));
     window.setAcceptMode(QFileDialog::AcceptSave);
     // A desktop's own dialog asks about replacing before the extension is appended, if at all.
     window.setOption(QFileDialog::DontUseNativeDialog);
@@ -132,15 +162,21 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
         return std::nullopt;
     }
     nameFilter = window.selectedNameFilter();
+    RememberFolder(SaveFolderValue, QFileInfo(window.Path()).path());
     return window.Path();
 }
 
 QString ChooseFolder(QWidget* parent, const QString& title) {
-    QFileDialog window(parent, title, StartFolder({}));
+    QFileDialog window(parent, title, StartFolder({}, ChosenFolderValue));
     window.setObjectName(u"FolderDialog"_s);
     window.setFileMode(QFileDialog::Directory);
     window.setOption(QFileDialog::ShowDirsOnly);
-    return window.exec() == QDialog::Accepted ? window.selectedFiles().value(0) : QString();
+    if (window.exec() != QDialog::Accepted) {
+        return {};
+    }
+    const QString folder = window.selectedFiles().value(0);
+    RememberFolder(ChosenFolderValue, folder);
+    return folder;
 }
 
 }  // namespace kadrona::app

@@ -4,12 +4,12 @@
 #include <QTimer>
 
 #include "app/MainActions.h"
+#include "app/SmallPicture.h"
 #include "controls/fields/PhotoStrip.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/base/FileDialogs.h"
 #include "core/settings/Settings.h"
 #include "core/settings/WatchedFolder.h"
-#include "imaging/pixels/Resampling.h"
 #include "imaging/reading/ImageReader.h"
 #include "platform/FolderWatch.h"
 
@@ -32,12 +32,6 @@ QStringList PhotoPatterns() {
     }
     patterns.removeDuplicates();
     return patterns;
-}
-
-QImage SmallPicture(const imaging::Pixels& photo) {
-    constexpr int Side = controls::PhotoStrip::PictureSide;
-    const QSize size = photo.Size().scaled(Side, Side, Qt::KeepAspectRatio).expandedTo({1, 1});
-    return imaging::Resampled(photo, size).ToImage();
 }
 
 }  // namespace

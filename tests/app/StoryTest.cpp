@@ -1,7 +1,9 @@
 // Stories that drive the real windows by their object names.
 
 #include <QFileDialog>
+#include <QMenu>
 
+#include "controls/fields/PhotoStrip.h"
 #include "core/sheet/PhotoLoading.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"
@@ -344,6 +346,33 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     section.findChild<QAction*>(u"PrintReport"_s)->trigger();
     ASSERT_EQ(printer.jobs.size(), 1);
     EXPECT_NEAR(printer.jobs[0].image.Millimetres().height(), 297, 0.1);
+}
+
+TEST_F(Story, RemembersOpenedPhotosUntilTheListIsClearedOrSwitchedOff) {
+    SavePhoto("second.png", QSize(800, 1000), 200);
+    Open("photo.png");
+    Open("second.png");
+    Open("photo.png");
+    Start();
+    auto& strip = Child<controls::PhotoStrip>(*window, "RecentStrip");
+    ASSERT_EQ(strip.count(), 2);
+    EXPECT_EQ(strip.item(1)->toolTip(), installation.Path("second.png"));
+    EXPECT_EQ(strip.item(1)->icon().pixmap(96).toImage().pixelColor(40, 40), QColor(200, 200, 200));
+    ExpectTemplate();
+    Q_EMIT strip.itemClicked(strip.item(1));
+    EXPECT_EQ(window->Session().FileName(), installation.Path("second.png"));
+
+    const auto choose = [this](const char* entry) {
+        auto& menu = Child<QMenu>(*window, "RecentMenu");
+        Q_EMIT menu.aboutToShow();
+        Child<QAction>(menu, entry).trigger();
+    };
+    choose("acRecentClear");
+    EXPECT_EQ(strip.count(), 0);
+    choose("acRecentKeep");
+    Open("photo.png");
+    Start();
+    EXPECT_EQ(Child<controls::PhotoStrip>(*window, "RecentStrip").count(), 0);
 }
 
 }  // namespace kadrona::testing

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace kadrona::core {
+
+/// A photo that was opened.
+struct RecentPhoto {
+    QString path;
+    /// A small picture of it, a PNG file of at most RecentPhotos::MostPictureBytes; empty for none.
+    QByteArray picture;
+
+    bool operator==(const RecentPhoto&) const = default;
+};
+
+/// The photos that one user opened last, newest first, in a file of his own settings folder. He can
+/// clear the list and have none kept: their names and faces are those of customers.
+class RecentPhotos {
+ public:
+    static constexpr qsizetype MostPhotos = 10;
+    static constexpr qsizetype MostPictureBytes = 64 * 1024;
+
+    /// Reads `path`; a missing or damaged file is an empty list. Throws FileError where the file is
+    /// there and cannot be read.
+    explicit RecentPhotos(QString path = DefaultPath());
+
+    /// "Zuletzt.json" beside the user's values.
+    static QString DefaultPath();
+
+    const QList<RecentPhoto>& Photos() const { return photos_; }
+    bool Keeps() const { return keeps_; }
+
+    /// The following write the file and throw FileError where that fails.
+    /// Puts a photo in front; does nothing where none are kept.
+    void Add(RecentPhoto photo);
+    void Clear();
+    /// Where none are to be kept the list is cleared too.
+    void SetKeeps(bool keeps);
+
+ private:
+    void Save() const;
+
+    QString path_;
+    QList<RecentPhoto> photos_;
+    bool keeps_ = true;
+};
+
+}  // namespace kadrona::core
