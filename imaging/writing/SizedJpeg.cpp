@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,12 @@ namespace {
 constexpr int QualityOfAllColours = 90;
 constexpr int UsualQuality = 95;
 constexpr int FinestTables = 0;
+
+/// What tables of a percentage took.
+struct Tried {
+    int percent;
+    qint64 bytes;
+};
 
 /// Codes one picture again and again.
 class Search {
@@ -48,39 +55,72 @@ class Search {
         return {compressor.Output().toByteArray(), coding};
     }
 
-    /// The finest tables between two percentages that take at most `most` bytes; `coarse` itself
-    /// where not even they do.
-    SizedJpeg Finest(int fine, int coarse, ChromaSampling chroma, qint64 most) const {
-        SizedJpeg best = Encode(coarse, chroma);
-        // From one end to the other a picture grows by about this; then its finest tables are
-        // likely to fit too, and nothing has to be searched.
-        constexpr int UsualGrowth = 5;
-        if (UsualGrowth * best.bytes.size() <= most && Try(fine, chroma, most, best)) {
-            return best;
+    /// The finest tables between two percentages that take at most `most` bytes, but for half a
+    /// percent of these, which nobody sees; `coarse` itself where not even they do. `guess` lies
+    /// between the two.
+    SizedJpeg Finest(int fine, int coarse, int guess, ChromaSampling chroma, qint64 most) const {
+        SizedJpeg best;
+        std::optional<Tried> fits;
+        std::optional<Tried> tooLarge;
+        int percent = guess;
+        for (int tries = 1;; ++tries) {
+            SizedJpeg made = Encode(percent, chroma);
+            const Tried tried{percent, made.bytes.size()};
+            const bool isLast = percent == (tried.bytes <= most ? fine : coarse);
+            (tried.bytes <= most ? fits : tooLarge) = tried;
+            if (tried.bytes <= most || isLast) {
+                best = std::move(made);
+            }
+            if (isLast || (fits && (IsNearly(fits->bytes, most) ||
+                                    (tooLarge && fits->percent - tooLarge->percent == 1)))) {
+                return best;
+            }
+            percent = std::clamp(NextToTry(fits, tooLarge, most, tries),
+                                 tooLarge ? tooLarge->percent + 1 : fine,
+                                 fits ? fits->percent - 1 : coarse);
         }
-        // Up to `tooFine` nothing fits.
-        for (int tooFine = fine - 1; best.bytes.size() <= most && coarse - tooFine > 1;) {
-            const int middle = Between(tooFine, coarse);
-            (Try(middle, chroma, most, best) ? coarse : tooFine) = middle;
-        }
-        return best;
+    }
+
+    /// Where tables are to be for so many bytes, by what others took. Bytes go with a power of the
+    /// percentage, which this one is for most photos.
+    static int Likely(const Tried& tried, qint64 most) {
+        constexpr double UsualPower = -0.65;
+        return PercentOn(tried, UsualPower, most);
     }
 
  private:
-    /// Files shrink ever slower the coarser the tables get.
-    static int Between(int fine, int coarse) {
-        const int middle = static_cast<int>(std::sqrt((fine + 1.0) * (coarse + 1.0))) - 1;
-        return std::clamp(middle, fine + 1, coarse - 1);
+    static bool IsNearly(qint64 bytes, qint64 most) {
+        constexpr double Part = 0.995;
+        return static_cast<double>(bytes) >= Part * static_cast<double>(most);
     }
 
-    /// True, and in `best`, where it takes at most `most` bytes.
-    bool Try(int tablePercent, ChromaSampling chroma, qint64 most, SizedJpeg& best) const {
-        SizedJpeg tried = Encode(tablePercent, chroma);
-        const bool fits = tried.bytes.size() <= most;
-        if (fits) {
-            best = std::move(tried);
+    /// Rounded to the coarser side. The finest tables are counted as 0 percent, as small as others
+    /// of 1; the distance from them is taken for the percentage.
+    static int PercentOn(const Tried& tried, double power, qint64 most) {
+        constexpr double Aim = 0.998;
+        const double ratio = Aim * static_cast<double>(most) / static_cast<double>(tried.bytes);
+        return static_cast<int>(
+            std::ceil(std::min((tried.percent + 1) * std::pow(ratio, 1 / power), 1e6) - 1));
+    }
+
+    /// On the line through both that were tried last on either side of the aim.
+    static int NextToTry(const std::optional<Tried>& fits, const std::optional<Tried>& tooLarge,
+                         qint64 most, int tries) {
+        // A curve that no line follows is halved.
+        constexpr int Enough = 5;
+        if (!fits || !tooLarge) {
+            return Likely(fits ? *fits : *tooLarge, most);
         }
-        return fits;
+        if (tries > Enough) {
+            return (fits->percent + tooLarge->percent) / 2;
+        }
+        const double power =
+            std::log(static_cast<double>(fits->bytes) / static_cast<double>(tooLarge->bytes)) /
+            std::log((fits->percent + 1.0) / (tooLarge->percent + 1.0));
+        // Files that hardly shrink leave no line; the middle is as good then.
+        constexpr double Flat = -0.01;
+        return power < Flat ? PercentOn(*fits, power, most)
+                            : (fits->percent + tooLarge->percent) / 2;
     }
 
     QSize size_;
@@ -124,18 +164,24 @@ SizedJpeg EncodeJpegWithin(const Pixels& pixels, DotsPerInch resolution,
         return EncodeFromBelow(search, range.least);
     }
     const int coarsest = TablePercentOf(LowestQuality);
-    SizedJpeg full = search.Finest(FinestTables, TablePercentOf(QualityOfAllColours),
+    const int worthAllColours = TablePercentOf(QualityOfAllColours);
+    SizedJpeg full = search.Finest(FinestTables, worthAllColours, worthAllColours,
                                    ChromaSampling::Full, range.most);
     if (full.bytes.size() <= range.most) {
         return full;
     }
-    SizedJpeg quarter = search.Finest(FinestTables, coarsest, ChromaSampling::Quarter, range.most);
+    // Three quarters of the colours less are a third of the bytes less, or so.
+    const Tried likely{worthAllColours, full.bytes.size() * 2 / 3};
+    SizedJpeg quarter =
+        search.Finest(FinestTables, coarsest,
+                      std::clamp(Search::Likely(likely, range.most), FinestTables, coarsest),
+                      ChromaSampling::Quarter, range.most);
     if (quarter.bytes.size() >= range.least) {
         return quarter;
     }
     // The finest tables for every fourth colour are not enough, those for all were too much.
-    full = search.Finest(TablePercentOf(QualityOfAllColours), coarsest, ChromaSampling::Full,
-                         range.most);
+    full =
+        search.Finest(worthAllColours, coarsest, worthAllColours, ChromaSampling::Full, range.most);
     return range.Contains(full.bytes.size()) ? full : quarter;
 }
 
