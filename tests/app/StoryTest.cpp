@@ -129,7 +129,7 @@ TEST_F(Story, TheOpenDialogStartsInTheLastFolderAfterActivatingTheStandardProfil
     driver.Expect(u"OpenDialog"_s, [this](QWidget& shown) {
         auto& dialog = dynamic_cast<QFileDialog&>(shown);
         EXPECT_EQ(dialog.directory().absolutePath(), QFileInfo(installation.Path("x")).path());
-        EXPECT_EQ(dialog.nameFilters().size(), 15);
+        EXPECT_EQ(dialog.nameFilters().size(), 16);
         dialog.reject();
     });
     Trigger(u"acOpen"_s);
