@@ -10,7 +10,7 @@ namespace kadrona::app {
 
 namespace {
 
-constexpr int LookMilliseconds = 10;
+constexpr int WaitMilliseconds = 10;
 
 void BringToFront(QWidget& window, const QByteArray& token) {
     if (!token.isEmpty()) {
@@ -25,7 +25,7 @@ void BringToFront(QWidget& window, const QByteArray& token) {
 }  // namespace
 
 StartRequests::StartRequests(TmainFm& window) : window_(window) {
-    timer_.setInterval(LookMilliseconds);
+    timer_.setInterval(WaitMilliseconds);
     connect(&timer_, &QTimer::timeout, this, &StartRequests::Look);
 }
 
