@@ -384,8 +384,9 @@ void PaperActions::MakeCollectedSheet() {
     }
     if (const int missing = layout.MissingCount()) {
         around_.ui.ShowMessage(
-            u"%1 haben auf dem Blatt keinen Platz und bleiben im Sammelblatt."_s.arg(
-                PicturesText(missing)));
+            (missing == 1 ? u"%1 hat auf dem Blatt keinen Platz und bleibt im Sammelblatt."_s
+                          : u"%1 haben auf dem Blatt keinen Platz und bleiben im Sammelblatt."_s)
+                .arg(PicturesText(missing)));
     }
     if (around_.settings.PrintAfterCrop()) {
         around_.printFlow.acPrintImageExecute();

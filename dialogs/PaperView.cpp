@@ -46,6 +46,17 @@ QString Number(double millimetres) {
     return QLocale(QLocale::German).toString(millimetres, 'f', 1);
 }
 
+/// The paper with what of the photos lies beyond it, at most half of its length at each side.
+QRectF WholeOf(const printing::SheetOnPaper& sheet) {
+    QRectF whole = sheet.paper;
+    for (const printing::SheetOnPaper::Copy& copy : sheet.copies) {
+        whole |= copy.photo;
+    }
+    const QSizeF most = sheet.paper.size() / 2;
+    return whole.intersected(
+        sheet.paper.adjusted(-most.width(), -most.height(), most.width(), most.height()));
+}
+
 /// A text on a light plate, so that it can be read on any photo.
 void PaintPlate(QPainter& painter, QPointF middle, const QString& text) {
     const QFontMetricsF metrics(painter.font());
@@ -83,9 +94,10 @@ void PaperView::ShowSheet(const printing::SheetOnPaper& sheet,
                           const std::vector<QImage>& pictures) {
     if (!sheet_ || sheet_->paper != sheet.paper) {
         zoom_ = 1;
-        middle_ = sheet.paper.center();
+        middle_ = WholeOf(sheet).center();
     }
     sheet_ = sheet;
+    whole_ = WholeOf(sheet);
     keys_.resize(pictures.size());
     pictures_.resize(pictures.size());
     for (size_t i = 0; i < pictures.size(); ++i) {
@@ -107,9 +119,8 @@ void PaperView::ShowText(const QString& text) {
 
 double PaperView::PixelsPerMillimetre() const {
     const QSizeF room = QSizeF(size()) - QSizeF(2 * Border, 2 * Border);
-    const QSizeF paper = sheet_->paper.size();
-    const double whole = std::min(room.width() / paper.width(), room.height() / paper.height());
-    return std::max(whole, 0.01) * zoom_;
+    const double fitting = std::min(room.width() / whole_.width(), room.height() / whole_.height());
+    return std::max(fitting, 0.01) * zoom_;
 }
 
 QPointF PaperView::ToWidget(QPointF millimetres) const {
@@ -129,26 +140,25 @@ void PaperView::ZoomAt(QPointF widgetPlace, double zoom) {
     const QPointF under = middle_ + fromCenter / PixelsPerMillimetre();
     zoom_ = std::clamp(zoom, 1.0, MostZoom);
     middle_ = under - fromCenter / PixelsPerMillimetre();
-    KeepPaperInSight();
+    KeepInSight();
 }
 
 void PaperView::MoveBy(QPointF pixels) {
     if (sheet_) {
         middle_ -= pixels / PixelsPerMillimetre();
-        KeepPaperInSight();
+        KeepInSight();
     }
 }
 
-void PaperView::KeepPaperInSight() {
-    const QRectF paper = sheet_->paper;
+void PaperView::KeepInSight() {
     const QSizeF seen = QSizeF(size()) / PixelsPerMillimetre();
     const double free = 2 * Border / PixelsPerMillimetre();
     const auto kept = [&](double at, double center, double length, double sight) {
         const double play = std::max((length + free - sight) / 2, 0.0);
         return std::clamp(at, center - play, center + play);
     };
-    middle_ = {kept(middle_.x(), paper.center().x(), paper.width(), seen.width()),
-               kept(middle_.y(), paper.center().y(), paper.height(), seen.height())};
+    middle_ = {kept(middle_.x(), whole_.center().x(), whole_.width(), seen.width()),
+               kept(middle_.y(), whole_.center().y(), whole_.height(), seen.height())};
     update();
 }
 
@@ -167,6 +177,7 @@ void PaperView::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     PaintPaper(painter);
     PaintCopies(painter);
+    PaintEdgeOverCopies(painter);
     if (sheet_->told) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(controls::Colors().accent, 1, Qt::DashLine));
@@ -197,6 +208,18 @@ void PaperView::PaintPaper(QPainter& painter) const {
     painter.drawRect(paper);
     painter.setPen(QPen(controls::Colors().strongBorder, 1, Qt::DotLine));
     painter.drawRect(reached);
+}
+
+/// Photos larger than the paper would hide where it ends.
+void PaperView::PaintEdgeOverCopies(QPainter& painter) const {
+    if (whole_ == sheet_->paper) {
+        return;
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(Qt::white, 3));
+    painter.drawRect(ToWidget(sheet_->paper));
+    painter.setPen(controls::Colors().text);
+    painter.drawRect(ToWidget(sheet_->paper));
 }
 
 /// From the smallest that need not be enlarged.

@@ -47,13 +47,16 @@ class PaperView : public QWidget {
     double PixelsPerMillimetre() const;
     void ZoomAt(QPointF widgetPlace, double zoom);
     void MoveBy(QPointF pixels);
-    void KeepPaperInSight();
+    void KeepInSight();
     void PaintPaper(QPainter& painter) const;
     void PaintCopies(QPainter& painter) const;
+    void PaintEdgeOverCopies(QPainter& painter) const;
     void PaintPaperSize(QPainter& painter) const;
     void PaintPicture(QPainter& painter, const QRectF& millimetres, size_t picture) const;
 
     std::optional<printing::SheetOnPaper> sheet_;
+    /// What is seen without zoom: the paper, and what of the photos lies beyond it.
+    QRectF whole_;
     QString text_;
     /// Of each picture: as large as it is ever shown sharp, and each half as large as the one
     /// before, so that a frame scales by less than two.

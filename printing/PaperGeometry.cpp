@@ -126,7 +126,7 @@ QString PaperWarning(const PrintImage& image, const PrinterPaper& paper) {
         const QSizeF reached = paper.geometry.paper.intersected(paper.geometry.reach).size();
         parts.append(
             u"Die Fotos passen nicht auf das eingestellte Papier: %1 gehen verloren.\n\n"
-            u"Fotos:\t%2\nPapier:\t%3\nBedruckbar:\t%4"_s.arg(
+            u"Fotos: %2\nPapier: %3, davon bedruckbar %4"_s.arg(
                 lost, SizeText(image.PhotoMillimetres().size()),
                 SizeText(turned ? real.transposed() : real),
                 SizeText(turned ? reached.transposed() : reached)));

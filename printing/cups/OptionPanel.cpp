@@ -18,8 +18,8 @@ namespace kadrona::printing::cups {
 namespace {
 
 /// "10 x 15 cm (102 × 152 mm)"
-QString PaperText(const Paper& paper) {
-    const QSize size = paper.Millimetres().toSize();
+QString PaperText(const Driver& driver, const Paper& paper) {
+    const QSize size = driver.RealMillimetres(paper).toSize();
     return u"%1 (%2 × %3 mm)"_s.arg(paper.label).arg(size.width()).arg(size.height());
 }
 
@@ -154,7 +154,7 @@ void OptionPanel::ShowPapers() {
     paperBox_->clear();
     for (const Paper& paper : driver_->Papers()) {
         if (PaperWithBorder(*driver_, paper) == nullptr) {
-            paperBox_->addItem(PaperText(paper), paper.name);
+            paperBox_->addItem(PaperText(*driver_, paper), paper.name);
         }
     }
     form_->setRowVisible(paperBox_, paperBox_->count() > 0);
@@ -170,7 +170,7 @@ void OptionPanel::ShowPapers() {
         const Paper* listed = PaperWithBorder(*driver_, *chosen);
         const QByteArray name = listed == nullptr ? chosen->name : listed->name;
         if (paperBox_->findData(name) < 0) {
-            paperBox_->addItem(PaperText(*chosen), name);
+            paperBox_->addItem(PaperText(*driver_, *chosen), name);
         }
         paperBox_->setCurrentIndex(paperBox_->findData(name));
         borderlessBox_->setChecked(listed != nullptr);

@@ -155,7 +155,7 @@ TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefusedOrTurned) {
     const QString lost = u"links 21,3 mm und rechts 21,3 mm gehen verloren"_s;
     for (const bool print : {false, true}) {
         ExpectBeforePrint();
-        driver.Answer({lost, u"Fotos:\t147,5 × 92,5 mm\nPapier:\t105,0 × 147,0 mm\n"_s},
+        driver.Answer({lost, u"Fotos: 147,5 × 92,5 mm\nPapier: 105,0 × 147,0 mm, davon"_s},
                       print ? u"YesButton"_s : u"NoButton"_s);
         Trigger(u"acPrintImage"_s);
         EXPECT_EQ(NewJobs(), print ? u"Fotodrucker"_s : QString());

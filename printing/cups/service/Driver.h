@@ -81,6 +81,8 @@ class Driver {
     std::optional<Paper> PaperNamed(const QByteArray& name) const;
     /// The paper that a printer is set to; the driver's own where it is set to none that there is.
     std::optional<Paper> PaperOf(const DeviceMode& mode) const;
+    /// Of the real paper, where the driver's page is larger than it.
+    QSizeF RealMillimetres(const Paper& paper) const { return GeometryOf(paper, {}).paper.size(); }
     /// The paper, and how a sheet lies on it, that a printer set to `mode` prints on. Of an unknown
     /// paper nothing is known but the orientation and the copies.
     PrinterPaper PrinterPaperOf(const DeviceMode& mode) const;
