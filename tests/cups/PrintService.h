@@ -23,6 +23,9 @@ class PrintService {
     /// For CupsPrinterLayer.
     QString Address() const { return folder_.filePath(QStringLiteral("socket")); }
 
+    /// A line for each job: under which address it was sent.
+    QString AccessLog() const { return folder_.filePath(QStringLiteral("log/access")); }
+
     /// Runs one of CUPS' own programs against the service. Throws std::runtime_error where it
     /// fails.
     QString Run(const QString& program, const QStringList& arguments) const;

@@ -31,6 +31,7 @@ using namespace kadrona::testing;
 using namespace Qt::StringLiterals;
 using printing::cups::CupsPrinterLayer;
 using printing::cups::DeviceMode;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 namespace {
@@ -284,6 +285,9 @@ TEST_F(PrintingTest, EveryQueueIsTheStandardOneAndIsFoundAgain) {
         EXPECT_EQ(other.CurrentPrinter().device, name);
         EXPECT_EQ(ErrorOf([&] { other.Print(Sheet({35, 45}, core::SheetLayouts[6])); }), "");
     }
+    // By the address the service looks up who may print.
+    EXPECT_THAT(platform::ReadWholeFile(service_.AccessLog(), 1'000'000).toStdString(),
+                HasSubstr("POST /classes/Alle "));
 }
 
 TEST_F(PrintingTest, WhatTheQueueSaysIsShownAndAGoneOneLeavesTheCurrentPrinter) {
