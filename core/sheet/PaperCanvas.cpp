@@ -86,15 +86,8 @@ std::optional<TextRoom> RoomForText(const std::vector<QRect>& photos, QSize pape
     if (const auto distance = DistanceIn(paper.height() - bottom)) {
         return TextRoom{{FromPaperEdge, bottom + *distance, across, TextHeight}};
     }
-    if (const auto distance = DistanceIn(block.top())) {
-        return TextRoom{{FromPaperEdge, block.top() - *distance - TextHeight, across, TextHeight}};
-    }
     if (const auto distance = DistanceIn(paper.width() - right)) {
         return TextRoom{{right + *distance, FromPaperEdge, TextHeight, along}, true};
-    }
-    if (const auto distance = DistanceIn(block.left())) {
-        return TextRoom{{block.left() - *distance - TextHeight, FromPaperEdge, TextHeight, along},
-                        true};
     }
     return std::nullopt;
 }

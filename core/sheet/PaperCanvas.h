@@ -22,9 +22,9 @@ struct TextRoom {
 /// Height of a line of text on a sheet.
 inline constexpr int TextHeight = 2'500;
 
-/// Room for a line of text between the photos and the paper's edge, off the ticks of cutting marks
-/// where there is enough: below the photos, above, at their right or left. Nothing where each of
-/// them is too narrow. Micrometres.
+/// Room for a line of text between the photos, which stand in the middle, and the paper's edge, off
+/// the ticks of cutting marks where there is enough: below the photos or at their right. Nothing
+/// where both are too narrow. Micrometres.
 std::optional<TextRoom> RoomForText(const std::vector<QRect>& photos, QSize paper);
 
 /// A line of text as it is seen on a sheet, and where, in micrometres.

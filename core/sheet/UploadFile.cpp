@@ -33,8 +33,8 @@ struct Sizes {
     }
 };
 
-/// Where no width gives a height within the figures, the corner of the figures next to the shape is
-/// taken if the picture need not be stretched much, else the size of the right shape next to it.
+/// Where no width gives a height within the figures, the size within the figures next to the shape
+/// is taken if the picture need not be stretched much, else the size of the right shape next to it.
 Sizes SizesOf(const UploadFigures& figures, double ratio) {
     const int leastWidth = figures.width.least.value_or(1);
     const int mostWidth = figures.width.most.value_or(LongestUploadSide);
@@ -48,7 +48,9 @@ Sizes SizesOf(const UploadFigures& figures, double ratio) {
         return {ratio, low, high};
     }
     const bool tooHigh = leastWidth * ratio > mostHeight;
-    const QSize corner = tooHigh ? QSize(leastWidth, mostHeight) : QSize(mostWidth, leastHeight);
+    const int height = tooHigh ? mostHeight : leastHeight;
+    const int width = static_cast<int>(std::lround(height / ratio));
+    const QSize corner(std::max(leastWidth, std::min(width, mostWidth)), height);
     const double stretch = std::abs(corner.height() / (corner.width() * ratio) - 1);
     if (leastWidth <= mostWidth && leastHeight <= mostHeight && stretch <= LargestStretch) {
         return {ratio, corner.width(), corner.width(), corner};

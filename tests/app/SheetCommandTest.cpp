@@ -115,6 +115,10 @@ TEST_F(SheetCommand, MakesTheSheetOfTheProfilesLayout) {
     EXPECT_EQ(sheet.size(), QSize(3 * 310, 386 + 10)) << "1 x 3, height 300 * 450 / 350";
     EXPECT_EQ(sheet.dotsPerMeterX(), 8583) << "300 / 3.5 * 2.54 = 218 dpi";
     EXPECT_TRUE(output.startsWith(u"[1/1] "_s)) << output.toStdString();
+    installation.Write("common/Kadrona/pro1.additions",
+                       "[GridGapInMillimetres]\nChecked=true\n[GridGap]\nValue=35\n");
+    EXPECT_EQ(Run(), app::Done) << errors.toStdString();
+    EXPECT_EQ(QImage(request.output).width(), 3 * 330) << "a tenth of the photo's 35 mm";
 }
 
 /// Lengths of the runs of photo and of white along a line, white first.

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "core/sheet/CuttingMarks.h"
+#include "core/sheet/PaperCanvas.h"
 #include "core/sheet/PaperLayout.h"
+#include "core/sheet/PaperSheet.h"
 #include "core/sheet/PaperSize.h"
 #include "core/sheet/SheetTray.h"
 #include "core/sheet/ShelfPacking.h"
@@ -78,6 +80,11 @@ TEST(PaperLayout, EveryPaperTakesWhatFitsInStraightRows) {
                 EXPECT_EQ(layout.photos.front().size(), layout.turned ? photo.transposed() : photo);
                 ExpectApart(layout.photos, paper.size, edge, gap);
                 ExpectMarksOutside(layout.photos, paper.size);
+                if (const auto text = RoomForText(layout.photos, paper.size)) {
+                    std::vector<QRect> all = layout.photos;
+                    all.push_back(text->place);
+                    ExpectApart(all, paper.size, 0, 0);
+                }
             }
         }
     }
@@ -115,6 +122,39 @@ TEST(PaperLayout, TurnsOnlyWhereMoreOfThoseAskedForFit) {
     EXPECT_EQ(laid(9).room, 8);
     // In the middle, half of what is free at each side.
     EXPECT_EQ(laid(1).photos.front(), QRect(33'300, 53'700, 35'000, 45'000));
+    EXPECT_EQ(LayOutOnPaper({Passport, 0, 0, Passport, {}}).room, 1);
+}
+
+TEST(PaperSheet, TurnsPhotosToTheLeftAndTakesExactlyAsManyAsFit) {
+    QImage photo(2, 1, QImage::Format_RGB32);
+    photo.fill(Qt::white);
+    photo.setPixel(0, 0, qRgb(0, 0, 0));
+    PaperChoice choice;
+    choice.paper = QSize(45'000, 70'000);
+    choice.edge = choice.gap = 0;
+    choice.count = 2;
+    const imaging::Pixels sheet =
+        CopiesOnPaper(imaging::Pixels(photo), Passport, {25}, choice, SinglePhotoLayout);
+    EXPECT_LT(qRed(sheet.ToImage().pixel(5, 33)), 100);
+    choice.count = 3;
+    EXPECT_THROW(RequiredLayout(choice, Passport, SinglePhotoLayout), platform::Error);
+}
+
+TEST(CollectedSheet, TakesAsManyAsFitAtTheFinestPicturesResolution) {
+    const auto items = [](int count) {
+        const auto picture = [](int width) {
+            return imaging::Pixels(QImage(width, 45, QImage::Format_RGB32));
+        };
+        return std::vector<CollectedItem>{{picture(350), Passport, {}, {}, count},
+                                          {picture(35), Passport, {}, {}, 1}};
+    };
+    EXPECT_EQ(CollectedResolution(items(1), {}).value, 254);
+    int fit = 0;
+    while (LayOutCollected(items(fit + 1), {}).MissingCount() == 0) {
+        ++fit;
+    }
+    EXPECT_GE(fit, 3);
+    EXPECT_EQ(LayOutCollected(items(fit + 5), {}).copies.size(), fit + 1U);
 }
 
 TEST(PaperLayout, RefusesWhatMakesNoSense) {
@@ -147,6 +187,7 @@ TEST(CuttingMarks, TouchThePhotosEdgesAndStopBeforeTheNext) {
         return count;
     };
     EXPECT_EQ(covers(CuttingMarks::Corners, {9, 4}), 1);
+    EXPECT_EQ(covers(CuttingMarks::Corners, {30, 4}), 1);
     EXPECT_EQ(covers(CuttingMarks::Corners, {9, 3}), 0) << "longer than a tick";
     EXPECT_EQ(covers(CuttingMarks::Corners, {9, 15}), 0) << "beside the photo";
     EXPECT_EQ(covers(CuttingMarks::Corners, {31, 9}), 1) << "between the photos";
@@ -186,6 +227,25 @@ TEST(ShelfPacking, ThirtyMixedPicturesLieApartWithinAFrame) {
         placed += item ? 1 : 0;
     }
     EXPECT_EQ(placed, 8);
+    EXPECT_TRUE(PackOnShelves({{Passport}}, {101'600, 152'400}, 0, 0)[0]->turned) << "lower";
+    EXPECT_TRUE(PackOnShelves({{Passport}, {Passport}}, {70'000, 45'000}, 0, 0)[1]);
+}
+
+TEST(PaperSize, LengthsAreReadAndRoundedToPixels) {
+    EXPECT_EQ(MicrometresOf(u" 2,5"_s), 2'500);
+    EXPECT_EQ(PixelsOf(33'000, 300), 390);
+    EXPECT_EQ(PixelsOf(-33'000, 300), -390);
+}
+
+TEST(SheetTray, ListsOnlyItsOwnPicturesThatMakeSense) {
+    const auto taken = [](const char* file, int count) {
+        return ParseTrayList(QByteArray("[{\"width\":9,\"height\":9,\"file\":\"") + file +
+                             "\",\"count\":" + QByteArray::number(count) + "}]")
+            .size();
+    };
+    EXPECT_EQ(taken("bild1.png", 1), 1U);
+    EXPECT_EQ(taken("bild1.png", 0), 0U);
+    EXPECT_EQ(taken("../bild1.png", 1), 0U);
 }
 
 TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {

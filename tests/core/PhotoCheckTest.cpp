@@ -89,12 +89,25 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
     }
 }
 
+TEST(FacePlacement, AimsAtWhatIsPublishedBesideTheUsualPlace) {
+    TemplateRow row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
+    row.axis = {{{120}}, {{140}}};
+    row.eyes = {{{160}}, {{180}}};
+    const CheckedPhoto photo = PlacedPhoto(row);
+    EXPECT_NEAR(*LineOf(photo, u"faceAxis"_s).value, 13, 0.1);
+    EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Met);
+}
+
 TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
     TemplateRow row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
     EXPECT_EQ(row.crown, Crown::Hair);
     CheckedPhoto photo = PlacedPhoto(row);
     photo.rectangle = {650, 700, 700, 900};  // 20 pixels a millimetre
     EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 20.0);
+    photo.figures->head.to = {200};
+    photo.face->chin.position.ry() += 0.8;
+    EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Met) << "20,04 is shown as 20,0";
+    photo.face->chin.position.ry() -= 0.8;
     photo.figures->crown = Crown::Skull;
     for (const auto& [name, value] :
          {std::pair(u"headHeight"_s, 18.5), std::pair(u"eyeLine"_s, 25.0),
@@ -159,6 +172,8 @@ TEST(PhotoCheck, SeesTheCornersThatARotationLeaves) {
     EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole.adjusted(30, 30, -30, -30)));
     corner({0, 0});  // a white wall above a dark coat
     EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    corner({0, 380});
+    EXPECT_TRUE(HasWhiteCorners(imaging::Pixels(photo), whole));
 }
 
 TEST(TemplateFigures, ReadsTheFolderOfTheProgramSafely) {

@@ -93,6 +93,7 @@ TEST(UploadFile, UsesItsWindowAndSaysWhatIsImpossible) {
           {"a window at the upper end", {{350, 350}, {}, {60'000, 61'000}}, {350, 450}, ""},
           {"more pixels for the lower end", {{}, {}, {3'000'000, 3'500'000}}, {}, ""},
           {"stretched by a third of a percent", {{480, 480}, {615, 615}, {}}, {480, 615}, ""},
+          {"a height that no width gives", {{}, {533, 533}, {}}, {415, 533}, ""},
           {"another shape", {{600, 600}, {600, 600}, {}}, {600, 771}, "andere Form"},
           {"too few bytes", {{700, 700}, {}, {0, 20'000}}, {700, 900}, "geringsten Qualität"},
           {"too many", {{70, 70}, {}, {90'000, 95'000}}, {70, 90}, "höchsten Qualität"}}) {

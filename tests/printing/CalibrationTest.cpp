@@ -4,6 +4,7 @@
 
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
+#include "printing/SheetOnPaper.h"
 
 using namespace kadrona::printing;
 using namespace Qt::StringLiterals;
@@ -42,8 +43,43 @@ TEST(CalibrationTest, UndoesAPrintersErrorAndIsKeptByProfile) {
     const QRectF meant(50.8 - 17.5, 76.2 - 22.5, 35, 45);
     EXPECT_LT((printed.topLeft() - meant.topLeft()).manhattanLength(), 0.15);
     EXPECT_LT((printed.bottomRight() - meant.bottomRight()).manhattanLength(), 0.15);
+    const QRectF again = Printed(photo, {-40, -50, 80, 100});
+    const Calibration second =
+        Calibrated(Paper, calibration,
+                   {again.width(), again.height(), again.center().x(), again.center().y()});
+    EXPECT_NEAR(second.across, calibration.across, 0.002) << "what is right stays";
+    EXPECT_NEAR(second.along, calibration.along, 0.002);
     EraseCalibration(folder.path(), u"Foto"_s);
     EXPECT_EQ(StoredCalibration(folder.path(), u"Foto"_s), Calibration());
+    StoreCalibration(folder.path(), u"Foto"_s, {1.3, 0.7, {41, -41}});
+    EXPECT_EQ(StoredCalibration(folder.path(), u"Foto"_s), Calibration()) << "nonsense";
+}
+
+TEST(CalibrationTest, TheRulersCrossAtTheirSize) {
+    const PrintImage sheet = RulerSheet(Paper, {});
+    EXPECT_EQ(sheet.Millimetres(), Paper.page);
+    const auto dark = [&](int x, int y) { return qRed(sheet.tile.pixel(x, y)) < 128; };
+    EXPECT_TRUE(dark(508 - 398, 762) && dark(508 + 398, 762));
+    EXPECT_TRUE(dark(508, 762 - 498) && dark(508, 762 + 498));
+    EXPECT_FALSE(dark(508, 762 - 503) || dark(508 - 403, 762));
+}
+
+TEST(PaperToPage, UndoesTheDriversSpreading) {
+    PaperGeometry paper = Paper;
+    paper.spread = {-1.5, -2.5, 104, 160};
+    EXPECT_EQ(PaperToPage(paper).mapRect(paper.spread), QRectF({}, paper.page));
+}
+
+TEST(SheetOnPaper, ShowsPhotosWithoutTheirWhiteAndWhatIsLost) {
+    PrintImage image{QImage(300, 200, QImage::Format_RGB32), 1, 1, 254, {}, 20};
+    const PrinterPaper paper{.geometry = PaperGeometry::Plain({30, 20}, {0, 0, 3, 0})};
+    const SheetOnPaper shown = LaidOnPaper(image, paper);
+    EXPECT_EQ(shown.copies.front().photo, QRectF(-14, -9, 28, 18));
+    EXPECT_EQ(shown.copies.front().LostParts(), std::vector{QRectF(12, -9, 2, 18)});
+    EXPECT_FALSE(shown.told);
+    EXPECT_FALSE(TurningHelps(image, paper));
+    image.calibration.across = 1.1;
+    EXPECT_EQ(LaidOnPaper(image, paper).told, QRectF(-16.5, -10, 33, 20));
 }
 
 TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
