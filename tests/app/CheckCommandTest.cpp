@@ -58,6 +58,8 @@ TEST_F(CheckCommand, NamesThePhotosWithoutAFaceAndChecksTheOthers) {
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
     ASSERT_EQ(Json().array().size(), 2);
     EXPECT_TRUE(Json().array()[1][u"face"_s].isNull());
+    request.strict = true;
+    EXPECT_EQ(Run(), app::SomePhotoFailed) << "before what is missed";
 }
 
 TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
@@ -70,13 +72,17 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
 }
 
 TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
+    DrawnPortrait().copy(80, 110, 440, 450).save(installation.Path("in/tight.png"));
     app::SheetRequest sheets;
     sheets.templateName = u"Pass"_s;
     sheets.automatic = true;
     sheets.photos = {installation.Path("in")};
     sheets.output = installation.Path("out");
     EXPECT_EQ(RunCommand(app::MakeSheets, sheets), app::SomePhotoFailed);
-    EXPECT_EQ(QDir(sheets.output).entryList(QDir::Files), QStringList{u"face_kdr.jpg"_s});
+    EXPECT_EQ(QDir(sheets.output).entryList(QDir::Files),
+              (QStringList{u"face_kdr.jpg"_s, u"tight_kdr.jpg"_s}));
+    EXPECT_EQ(errors.count(app::TooTightWarning), 1);
+    EXPECT_TRUE(errors.contains(u"tight.png: "_s + app::TooTightWarning));
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
 }
 

@@ -12,6 +12,7 @@ TEST(PhotoRequest, ReadsItsOptionsAndRefusesWhatMakesNoSense) {
     EXPECT_EQ(request.pixels, QSize(600, 750));
     EXPECT_EQ(request.bytes, (imaging::ByteRange{50'000, 240'000}));
     EXPECT_FALSE(app::ParsePhotoRequest(valid).bytes);
+    EXPECT_NO_THROW(app::ParsePhotoRequest(valid + Arguments("--kilobytes 50-50")));
     for (const char* wrong : {"--pixels 600", "--pixels 0x750", "--pixels 600x750x2",
                               "--pixels 60000x60000", "--kilobytes 240", "--kilobytes 240-50",
                               "--kilobytes -5-50", "--kilobytes 0-0", "--layout 2x4"}) {
@@ -38,6 +39,8 @@ TEST_F(Command, MakesTheTemplatesFileAndNamesPhotosThatGiveNone) {
     const QImage made(folder + u"/a_kdr.jpg"_s);
     EXPECT_EQ(made.size(), QSize(500, 653)) << output.toStdString();
     EXPECT_EQ(qRound(made.dotsPerMeterX() * 0.0254), 353) << "500 pixels on 36 mm";
+    EXPECT_EQ(data.ReadLayerPosFromIni(u"finnland-reisepass.schablone 900x1200"_s),
+              QRect(20, 30, 720, 940));
     EXPECT_TRUE(errors.contains(u"b.png"_s)) << errors.toStdString();
 
     const QString file = installation.Path("c.jpg");

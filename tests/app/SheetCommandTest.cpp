@@ -27,6 +27,14 @@ TEST(SheetRequest, ReadsEveryOption) {
     EXPECT_EQ(request.place->left, -5);
     EXPECT_EQ(request.place->width, 300);
     EXPECT_EQ(request.profile, u"Laden"_s);
+    const auto paper = ParseSheetRequest(Arguments("a.jpg --template Pass --out b.jpg --paper a5 "
+                                                   "--gap 1 --edge 4,5 --count 3 --marks outline"))
+                           .paper.value();
+    EXPECT_EQ(paper.paper, QSize(148'000, 210'000));
+    EXPECT_EQ(paper.gap, 1'000);
+    EXPECT_EQ(paper.edge, 4'500);
+    EXPECT_EQ(paper.count, 3);
+    EXPECT_EQ(paper.marks, core::CuttingMarks::Outline);
 }
 
 TEST(SheetRequest, RefusesWhatMakesNoSense) {
@@ -261,6 +269,7 @@ TEST_F(SheetCommand, AnOrderIsMadeAsAWholeOrNotAtAll) {
         {"a.png;Pass;0,0,300;0\na.png;Pass;0,0,300;x\n;Pass;0,0,300;1", "1 2 3"},
         {"a.png;Pass;300,0,300;1\na.png;Pass;auto;1", "1 2"},
         {"a.png;Pass;0,0,300;4\na.png;Pass;0,0,300;9", "2"},
+        {"a.png;Pass;0,0,300;7", "1"},
     };
     for (const auto& row : table) {
         EXPECT_EQ(order(row.lines), app::SomePhotoFailed) << row.lines;

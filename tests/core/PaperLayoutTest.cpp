@@ -11,6 +11,7 @@
 #include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSheet.h"
 #include "core/sheet/PaperSize.h"
+#include "core/sheet/SheetOrder.h"
 #include "core/sheet/SheetTray.h"
 #include "core/sheet/ShelfPacking.h"
 #include "platform/Error.h"
@@ -154,7 +155,9 @@ TEST(CollectedSheet, TakesAsManyAsFitAtTheFinestPicturesResolution) {
         ++fit;
     }
     EXPECT_GE(fit, 3);
-    EXPECT_EQ(LayOutCollected(items(fit + 5), {}).copies.size(), fit + 1U);
+    for (const int more : {1, 2, 3, 4}) {
+        EXPECT_EQ(LayOutCollected(items(fit + more), {}).copies.size(), fit + 1U);
+    }
 }
 
 TEST(PaperLayout, RefusesWhatMakesNoSense) {
@@ -235,6 +238,12 @@ TEST(PaperSize, LengthsAreReadAndRoundedToPixels) {
     EXPECT_EQ(MicrometresOf(u" 2,5"_s), 2'500);
     EXPECT_EQ(PixelsOf(33'000, 300), 390);
     EXPECT_EQ(PixelsOf(-33'000, 300), -390);
+}
+
+TEST(SheetOrder, TakesAThousandLinesAndNoMore) {
+    const QString line = u"a;b;auto;1\n"_s;
+    EXPECT_TRUE(ParseOrder(line.repeated(MostOrderLines)).errors.empty());
+    EXPECT_EQ(ParseOrder(line.repeated(MostOrderLines + 1)).errors.size(), 1U);
 }
 
 TEST(SheetTray, ListsOnlyItsOwnPicturesThatMakeSense) {

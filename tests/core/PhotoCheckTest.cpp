@@ -92,7 +92,8 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
 TEST(FacePlacement, AimsAtWhatIsPublishedBesideTheUsualPlace) {
     TemplateRow row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
     row.axis = {{{120}}, {{140}}};
-    row.eyes = {{{160}}, {{180}}};
+    row.chin = {{{80}}, {{130}}};
+    row.eyes = {{{220}}, {{238}}};
     const CheckedPhoto photo = PlacedPhoto(row);
     EXPECT_NEAR(*LineOf(photo, u"faceAxis"_s).value, 13, 0.1);
     EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Met);
