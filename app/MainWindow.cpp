@@ -160,6 +160,8 @@ void TmainFm::ShowSession() {
                            actions_[Action::UploadFile]->isEnabled());
     statusPanels_->SetPath(session_.FileName());
     templateName_->setText(session_.TemplateName());
+    view_->setAccessibleDescription(
+        session_.HasTemplate() ? u"Schablone: "_s + session_.TemplateName() : QString());
 }
 
 void TmainFm::OpenDroppedFiles(const QStringList& paths) {

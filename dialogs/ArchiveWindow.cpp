@@ -194,10 +194,14 @@ bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
 void TfmImgSearch::acEditTagsExecute() {
     const qint64 id = grid_->Current().value();
     const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), id);
-    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok || !ReplaceTags(record)) {
+    if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok) {
         return;
     }
-    grid_->Reload(id);
+    const bool replaced = ReplaceTags(record);
+    grid_->Reload(id);  // with the other program's tags where they stay
+    if (!replaced) {
+        return;
+    }
     if (!archiveFolder_.isEmpty()) {
         // A search that was still due has made another record current meanwhile.
         data_.SetCurrentRecord(id);

@@ -225,6 +225,7 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
 TEST_F(Story, TheStatusBarNamesTheTemplateAndItsLinkTheMaker) {
     Open("photo.png", 1);
     EXPECT_EQ(Child<QLabel>(*window, "TemplateName").text(), u"USA"_s);
+    EXPECT_EQ(window->View().accessibleDescription(), u"Schablone: USA"_s);
     driver.Press(u"fmAbout"_s, u"btnOk"_s);
     ClickButton(*window, "StatusPanel2");
     driver.Press(u"fmAbout"_s, u"btnOk"_s);

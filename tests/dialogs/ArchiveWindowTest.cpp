@@ -138,8 +138,12 @@ TEST_F(ArchiveWindow, TagsThatAnotherProgramChangedAreReplacedOnlyWhenTheUserSay
     for (const auto& [button, tags] :
          {std::pair(u"NoButton"_s, u"fremd\r\n"_s), std::pair(u"YesButton"_s, u"mein\r\n"_s)}) {
         data.Archive()->SetTags(1, u"alt\r\n"_s);
-        driver.Expect(u"fmImgSearch"_s, [this](QWidget& shown) {
+        driver.Expect(u"fmImgSearch"_s, [this, tags = tags](QWidget& shown) {
+            shown.grab();
             Action("acEditTags").trigger();
+            const QString card =
+                Grid().model()->index(0, 0).data(Qt::AccessibleTextRole).toString();
+            EXPECT_TRUE(card.endsWith(tags.trimmed())) << card.toStdString();
             shown.close();
         });
         ExpectTags([this](QPlainTextEdit& memo) {
