@@ -11,8 +11,10 @@
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
+#include "core/sheet/PaperSize.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetTiling.h"
+#include "core/templates/TemplateSize.h"
 #include "dialogs/ArchiveWindow.h"
 #include "imaging/view/PaintingSuspension.h"
 
@@ -56,13 +58,46 @@ void ArchiveActions::acSearchArchivExecute() {
 void ArchiveActions::OpenForPrinting(const QString& path) {
     MakeSheet(path);
     view_.setFocus();
-    if (settings_.PrintAfterCrop()) {
+    if (settings_.PrintAfterCrop() && session_.CurrentStage() == PhotoSession::Stage::SheetMade) {
         printFlow_.acPrintImageExecute();
     }
 }
 
+/// What the photo of the current record was cut to, micrometres; empty where its template is gone.
+QSize ArchiveActions::PrintedSize() const {
+    const core::ArchiveTable* table = data_.Archive();
+    const auto record = table != nullptr ? table->Read(data_.CurrentRecord()) : std::nullopt;
+    for (int i = 0; record && i < data_.GetSchablonenList().size(); ++i) {
+        const QString file = data_.GetMaskFileName(i);
+        if (QFileInfo(file).fileName() == record->type) {
+            return (core::TemplateSize(file) * core::MicrometresPerMillimetre).toSize();
+        }
+    }
+    return {};
+}
+
 /// The archived photo has its border and its resolution already; it is only turned and repeated. A
-/// file that is damaged must not leave actions enabled that need a photo.
+/// paper that is chosen has its own gap and takes the photo without the border. False where there
+/// is to be no sheet.
+bool ArchiveActions::LayOut() {
+    imaging::LayeredImage& image = session_.Image();
+    const core::SizedPhoto single =
+        core::WithoutBorder(image.Photo(), image.Resolution(), PrintedSize());
+    if (single.size.isEmpty()) {
+        core::LayOutCopies(image, settings_, session_.LayoutIndex());
+        return true;
+    }
+    const auto choice = paperFor_(single.size);
+    if (choice && choice->paper) {
+        image.ChangePhoto(core::CopiesOnPaper(single.photo, single.size, image.Resolution(),
+                                              *choice, session_.LayoutIndex()));
+    } else if (choice) {
+        core::LayOutCopies(image, settings_, session_.LayoutIndex());
+    }
+    return choice.has_value();
+}
+
+/// A file that is damaged must not leave actions enabled that need a photo.
 void ArchiveActions::MakeSheet(const QString& path) {
     const imaging::view::PaintingSuspension suspension(view_);
     const controls::WaitCursor wait;
@@ -76,7 +111,10 @@ void ArchiveActions::MakeSheet(const QString& path) {
     data_.SetCurrentFileName(QFileInfo(path).fileName());
     try {
         core::OpenPhoto(path, settings_, image);
-        core::LayOutCopies(image, settings_, session_.LayoutIndex());
+        if (!LayOut()) {
+            image.Clear();
+            return;
+        }
     } catch (...) {
         image.Clear();
         throw;

@@ -1,6 +1,11 @@
 #pragma once
 
 #include <QObject>
+#include <QSize>
+#include <functional>
+#include <optional>
+
+#include "core/sheet/PaperSheet.h"
 
 class QString;
 
@@ -36,10 +41,17 @@ class ArchiveActions : public QObject {
                    dialogs::TfmImgSearch& archive, MainActions& actions, ViewActions& viewActions,
                    PrintFlow& printFlow);
 
+    /// Who says what a sheet of photos of a size, in micrometres, is made on; nothing where there
+    /// is to be no sheet.
+    using PaperSource = std::function<std::optional<core::PaperChoice>(QSize photo)>;
+    void SetPaperSource(PaperSource source) { paperFor_ = std::move(source); }
+
  private:
     void acSearchArchivExecute();
     void OpenForPrinting(const QString& path);
     void MakeSheet(const QString& path);
+    bool LayOut();
+    QSize PrintedSize() const;
 
     PhotoSession& session_;
     imaging::view::ImageView& view_;
@@ -50,6 +62,7 @@ class ArchiveActions : public QObject {
     MainActions& actions_;
     ViewActions& viewActions_;
     PrintFlow& printFlow_;
+    PaperSource paperFor_;
 };
 
 }  // namespace kadrona::app

@@ -316,24 +316,31 @@ core::PaperChoice PaperActions::Choice() const {
 }
 
 bool PaperActions::PreparePaper() {
-    core::PaperChoice choice = Choice();
-    if (choice.paper) {
-        const auto request =
-            core::RequestOf(choice, PhotoSize(around_.data), session_.LayoutIndex());
-        const core::PaperLayout layout = core::LayOutOnPaper(request);
-        if (request.count && layout.room < *request.count) {
-            const QString question =
-                u"Auf das Papier (%1) passen nur %2 statt %3.\n\nSollen es %2 werden?"_s
-                    .arg(core::SizeText(*choice.paper), PicturesText(layout.room))
-                    .arg(*request.count);
-            if (!around_.ui.AskYesNo(question)) {
-                return false;
-            }
-            choice.count = layout.room;
-        }
+    const auto choice = PaperFor(PhotoSize(around_.data));
+    if (choice) {
+        around_.data.SetPaper(*choice);
     }
-    around_.data.SetPaper(choice);
-    return true;
+    return choice.has_value();
+}
+
+std::optional<core::PaperChoice> PaperActions::PaperFor(QSize photo) {
+    core::PaperChoice choice = Choice();
+    if (!choice.paper) {
+        return choice;
+    }
+    const auto request = core::RequestOf(choice, photo, session_.LayoutIndex());
+    const core::PaperLayout layout = core::LayOutOnPaper(request);
+    if (request.count && layout.room < *request.count) {
+        const QString question =
+            u"Auf das Papier (%1) passen nur %2 statt %3.\n\nSollen es %2 werden?"_s
+                .arg(core::SizeText(*choice.paper), PicturesText(layout.room))
+                .arg(*request.count);
+        if (!around_.ui.AskYesNo(question)) {
+            return std::nullopt;
+        }
+        choice.count = layout.room;
+    }
+    return choice;
 }
 
 void PaperActions::acAddToSheetExecute() {

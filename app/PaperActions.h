@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QRect>
 #include <QTimer>
+#include <optional>
 
 #include "core/sheet/SheetTray.h"
 
@@ -55,6 +56,10 @@ class PaperActions : public QObject {
     /// Tells the data module what the next sheet is made on. Where fewer photos fit than are asked
     /// for, the user is asked; false where there is to be no sheet then. Throws platform::Error.
     bool PreparePaper();
+
+    /// What the next sheet of photos of that size, in micrometres, is made on; nothing where there
+    /// is to be no sheet. Asks and throws as PreparePaper.
+    std::optional<core::PaperChoice> PaperFor(QSize photo);
 
  private:
     void ConnectSections();

@@ -3,10 +3,13 @@
 #include <QDate>
 #include <QFileInfo>
 #include <QStringList>
+#include <algorithm>
+#include <cstdlib>
 
 #include "core/settings/Settings.h"
 #include "core/sheet/PaperCanvas.h"
 #include "core/sheet/PaperSize.h"
+#include "imaging/pixels/Cropping.h"
 #include "platform/Error.h"
 #include "platform/HarmlessText.h"
 
@@ -94,6 +97,25 @@ imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
 QSize PrintedSize(QSize canvas) {
     constexpr int MicrometresPerTenth = MicrometresPerMillimetre / 10;
     return canvas * MicrometresPerTenth;
+}
+
+SizedPhoto WithoutBorder(const imaging::Pixels& bordered, imaging::DotsPerInch resolution,
+                         QSize printed) {
+    if (resolution.value < 1) {
+        return {bordered, {}};
+    }
+    const QSize inner(PixelsOf(printed.width(), resolution.value),
+                      PixelsOf(printed.height(), resolution.value));
+    const QSize border = bordered.Size() - inner;
+    // Resolution and height were rounded when the photo was cut.
+    constexpr int Rounding = 2;
+    const bool isBorder = !printed.isEmpty() && std::min(border.width(), border.height()) >= 0 &&
+                          std::abs(border.width() - border.height()) <= Rounding;
+    if (!isBorder) {
+        return {bordered, bordered.Size() * MicrometresPerInch / resolution.value};
+    }
+    const QRect middle(QPoint(border.width() / 2, border.height() / 2), inner);
+    return {imaging::Cropped(bordered, middle), printed};
 }
 
 }  // namespace kadrona::core

@@ -55,4 +55,16 @@ imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
 /// Size of a template's canvas, tenths of a millimetre, in micrometres.
 QSize PrintedSize(QSize canvas);
 
+/// A photo and how large it prints, micrometres.
+struct SizedPhoto {
+    imaging::Pixels photo;
+    QSize size;
+};
+
+/// The middle of a photo that has a white border all around it, as the bare grid gives one, where
+/// the part without it is known to print at `printed`; the whole one where it is not, or the photo
+/// has no such border. Micrometres; an unknown resolution gives an empty size.
+SizedPhoto WithoutBorder(const imaging::Pixels& bordered, imaging::DotsPerInch resolution,
+                         QSize printed);
+
 }  // namespace kadrona::core

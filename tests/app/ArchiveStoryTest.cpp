@@ -102,6 +102,21 @@ TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
     EXPECT_FALSE(IsEnabled(u"acUndo"_s));
 }
 
+TEST_F(ArchiveStory, APaperTakesTheArchivedPhotoWithoutItsBorder) {
+    Archive("photo.png", u"a"_s);
+    const QSize single = QImageReader(PhotoOf(1)).size();
+    Setting<QComboBox>("SheetPaper").setCurrentIndex(1);
+    Search({}, DoubleClickFirst);
+    const imaging::Pixels& sheet = Image().Photo();
+    ASSERT_NE(sheet.Arranged(), nullptr);
+    EXPECT_EQ(sheet.PhotoCount(), 6);
+    const QSize border = single - sheet.Arranged()->pictures.front().size();
+    EXPECT_NEAR(border.width(), data().FrameSize(), 1);
+    EXPECT_NEAR(border.height(), data().FrameSize(), 1);
+    const double inches = static_cast<double>(sheet.Width()) / Image().Resolution().value;
+    EXPECT_NEAR(inches * 25.4, 101.6, 12.7 / Image().Resolution().value);
+}
+
 TEST_F(ArchiveStory, LaysOutAsTheWindowSaysAndPrintsAtOnce) {
     Archive("photo.png", u"a"_s);
     const QSize single = QImageReader(PhotoOf(1)).size();
