@@ -15,9 +15,10 @@ void WriteSegment(jpeg_compress_struct& info, int marker, const QByteArray& cont
 
 }  // namespace
 
-JpegSegments::JpegSegments(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata)
+JpegSegments::JpegSegments(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata,
+                           ColourProfile profile)
     : resolution_(resolution),
-      profile_(SrgbProfile()),
+      profile_(profile == ColourProfile::Embedded ? SrgbProfile() : QByteArray()),
       iptc_(PhotoshopSegments(WithIptcStream({}, EncodeIptc(metadata.iptc)))) {
     if (resolution.value > 0 || !metadata.software.isEmpty()) {
         exif_ = QByteArray("Exif\0\0", 6) + ExifBlock(size, resolution, metadata);
@@ -36,8 +37,10 @@ void JpegSegments::Write(jpeg_compress_struct& info) const {
     if (!exif_.isEmpty()) {
         WriteSegment(info, JPEG_APP0 + 1, exif_);
     }
-    jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(profile_.constData()),
-                           static_cast<unsigned>(profile_.size()));
+    if (!profile_.isEmpty()) {
+        jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(profile_.constData()),
+                               static_cast<unsigned>(profile_.size()));
+    }
     for (const QByteArray& segment : iptc_) {
         WriteSegment(info, JPEG_APP0 + 13, segment);
     }

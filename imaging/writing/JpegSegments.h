@@ -10,11 +10,16 @@
 
 namespace kadrona::imaging {
 
+/// Whether the profile of sRGB stands in the file, or the EXIF block alone says which colours it
+/// has.
+enum class ColourProfile { Embedded, LeftOut };
+
 /// What stands in a JPEG file before its picture: the density, which JFIF and EXIF say alike, the
 /// profile of sRGB and the metadata.
 class JpegSegments {
  public:
-    JpegSegments(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata);
+    JpegSegments(QSize size, DotsPerInch resolution, const WrittenMetadata& metadata,
+                 ColourProfile profile = ColourProfile::Embedded);
 
     /// Before the compression starts.
     void SetDensity(jpeg_compress_struct& info) const;

@@ -27,10 +27,11 @@ struct Tried {
 /// Codes one picture again and again.
 class Search {
  public:
-    Search(const Pixels& pixels, DotsPerInch resolution, const WrittenMetadata& metadata)
+    Search(const Pixels& pixels, DotsPerInch resolution, const WrittenMetadata& metadata,
+           ColourProfile profile = ColourProfile::Embedded)
         : size_(pixels.Size()),
           rows_(pixels, ChannelOrder::RedFirst),
-          segments_(pixels.Size(), resolution, metadata) {}
+          segments_(pixels.Size(), resolution, metadata, profile) {}
 
     SizedJpeg Encode(int tablePercent, ChromaSampling chroma) const {
         return Encode({.tablePercent = tablePercent, .chroma = chroma, .ownTables = true});
@@ -170,10 +171,14 @@ SizedJpeg EncodeJpegWithin(const Pixels& pixels, DotsPerInch resolution,
     if (full.bytes.size() <= range.most) {
         return full;
     }
+    // Now bytes are scarce; that the colours are sRGB stands in the EXIF block too, where there is
+    // one.
+    const Search scarce(pixels, resolution, metadata,
+                        resolution.value > 0 ? ColourProfile::LeftOut : ColourProfile::Embedded);
     // Three quarters of the colours less are a third of the bytes less, or so.
     const Tried likely{worthAllColours, full.bytes.size() * 2 / 3};
     SizedJpeg quarter =
-        search.Finest(FinestTables, coarsest,
+        scarce.Finest(FinestTables, coarsest,
                       std::clamp(Search::Likely(likely, range.most), FinestTables, coarsest),
                       ChromaSampling::Quarter, range.most);
     if (quarter.bytes.size() >= range.least) {
@@ -181,7 +186,7 @@ SizedJpeg EncodeJpegWithin(const Pixels& pixels, DotsPerInch resolution,
     }
     // The finest tables for every fourth colour are not enough, those for all were too much.
     full =
-        search.Finest(worthAllColours, coarsest, worthAllColours, ChromaSampling::Full, range.most);
+        scarce.Finest(worthAllColours, coarsest, worthAllColours, ChromaSampling::Full, range.most);
     return range.Contains(full.bytes.size()) ? full : quarter;
 }
 
