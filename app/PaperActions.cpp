@@ -171,7 +171,12 @@ void PaperActions::ShowSections(bool shown) {
 
 /// Each time: another program may have changed it.
 void PaperActions::LoadTray() {
-    controls::Guarded(&around_.window, [this] { tray_.Load(); });
+    controls::Guarded(&around_.window, [this] {
+        tray_.Load();
+        if (!tray_.UnreadPicture().isEmpty()) {
+            throw platform::Error(tray_.UnreadPicture());
+        }
+    });
 }
 
 /// Whoever comes back to this window sees what another program made of the tray. What cannot be

@@ -106,8 +106,11 @@ void TEinstellungenFm::ConnectControls() {
 
 void TEinstellungenFm::InitPropertys() {
     frameSize_->setText(QString::number(data_.FrameSize()));
+    // First: what follows may fail.
+    storedFolders_ = {core::TData::GetArchivPath(), core::WatchedFolder()};
+    imageDestinationDir_->setText(storedFolders_.archive);
+    watchedFolder_->setText(storedFolders_.watched);
     ShowTodaysLists();
-    imageDestinationDir_->setText(core::TData::GetArchivPath());
     {
         const QSignalBlocker quiet(profileListBox_);
         profileListBox_->clear();
@@ -121,7 +124,6 @@ void TEinstellungenFm::InitPropertys() {
     UpdateDeleteButton();
     Bind(StandardProfile);
     TakeOverFrameSize();
-    watchedFolder_->setText(core::WatchedFolder());
 }
 
 controls::ModalResult TEinstellungenFm::ShowEx() {
@@ -210,11 +212,18 @@ void TEinstellungenFm::FormShow() {
     ActivateSelected(false);
 }
 
-/// The folders are kept even where the profile cannot be stored.
+/// The folders are kept even where the profile cannot be stored. One that the user left alone is
+/// not stored: its field is empty where it could not be read.
 void TEinstellungenFm::FormClose() {
     controls::Guarded(this, [this] { propertyStore_.Store(); });
-    core::TData::SetArchivPath(imageDestinationDir_->text());
-    core::SetWatchedFolder(watchedFolder_->text());
+    if (imageDestinationDir_->text() != storedFolders_.archive) {
+        core::TData::SetArchivPath(imageDestinationDir_->text());
+        storedFolders_.archive = imageDestinationDir_->text();
+    }
+    if (watchedFolder_->text() != storedFolders_.watched) {
+        core::SetWatchedFolder(watchedFolder_->text());
+        storedFolders_.watched = watchedFolder_->text();
+    }
 }
 
 void TEinstellungenFm::ProfileListBoxClick() {

@@ -127,6 +127,11 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     QPushButton* btnNew_;
     QPushButton* btnDelete_;
     controls::PathEdit* imageDestinationDir_;
+    /// Of all profiles, as the user's values have them.
+    struct {
+        QString archive;
+        QString watched;
+    } storedFolders_;
     controls::PathEdit* imageSaveDir_;
     QCheckBox* imageAutoSave_;
     QCheckBox* imageAutoSave2_;

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 #include <algorithm>
+#include <filesystem>
 
 #include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
@@ -117,9 +118,14 @@ SheetTray::Content SheetTray::Read() const {
             const auto known = content_.IndexOf(listed.file);
             listed.item.picture =
                 known ? content_.items[*known].picture : imaging::ReadImageFile(path).pixels;
-        } catch (const platform::Error&) {
-            if (QFile::exists(path)) {
+        } catch (const platform::Error& error) {
+            std::error_code unknown;
+            if (std::filesystem::status(QFile::encodeName(path).toStdString(), unknown).type() !=
+                std::filesystem::file_type::not_found) {
                 content.unread.push_back(std::move(listed));
+                content.failure =
+                    u"Ein Bild des Sammelblatts im Ordner „%1“ wird nicht gezeigt. %2"_s.arg(
+                        folder_, error.Text());
             }
             continue;
         }

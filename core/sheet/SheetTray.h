@@ -34,6 +34,8 @@ class SheetTray {
     /// is not shown, but kept in the list. Throws platform::Error where the list cannot be read;
     /// the tray is then empty and keeps the files.
     void Load();
+    /// Why a picture of the list is not shown, as a sentence; empty where all are.
+    const QString& UnreadPicture() const { return content_.failure; }
 
     const std::vector<CollectedItem>& Items() const { return content_.items; }
 
@@ -58,8 +60,9 @@ class SheetTray {
         std::vector<CollectedItem> items;
         /// Bare names of the items' files.
         std::vector<QString> files;
-        /// What the list says of files that cannot be read.
+        /// What the list says of files that cannot be read, and why the last of them cannot.
         std::vector<ListedItem> unread;
+        QString failure;
 
         /// Nothing where the file is not in the list.
         std::optional<size_t> IndexOf(const QString& file) const;

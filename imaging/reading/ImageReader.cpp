@@ -117,7 +117,14 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
     if (!file.open(QIODevice::ReadOnly)) {
         fail(platform::SystemReason(file) + u'.');
     }
-    return ReadImage(file, name, options);
+    try {
+        return ReadImage(file, name, options);
+    } catch (const ReadError&) {
+        if (file.error() == QFileDevice::ReadError) {
+            fail(platform::SystemReason(file) + u'.');  // and not that the file ends early
+        }
+        throw;
+    }
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {

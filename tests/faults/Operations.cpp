@@ -1,17 +1,35 @@
 #include "tests/faults/Operations.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QScopeGuard>
+#include <QTimer>
+#include <map>
 #include <memory>
+#include <utility>
 
+#include "controls/messages/ActionGuard.h"
 #include "core/Data.h"
 #include "core/archive/ArchiveTable.h"
+#include "core/sheet/SheetTray.h"
+#include "dialogs/ArchiveWindow.h"
+#include "dialogs/ImageTags.h"
+#include "dialogs/SettingsDialog.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/tone/CurveFile.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/PropertyFile.h"
+#include "printing/Calibration.h"
+#ifdef KADRONA_WITH_CUPS
+#include "printing/cups/service/Job.h"
+#endif
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
@@ -48,6 +66,14 @@ struct Module {
     imaging::LayeredImage image;
 };
 
+core::CollectedItem TrayItem(const QString& name) {
+    return {imaging::Pixels(TestPicture(35, 45)), {35'000, 45'000}, u"Pass"_s, name};
+}
+
+QString TrayFolder(const QString& folder) {
+    return folder + u"/tray"_s;
+}
+
 /// Remembers the file that a profile is bound to.
 class BoundFile : public core::ProfileStore {
  public:
@@ -79,6 +105,8 @@ void MakeInstallation(const QString& folder) {
         platform::WriteFileAtomically(folder + u"/saved/Blatt."_s + format, "old"_ba);
     }
     imaging::WriteCurveFile(folder + u"/common/Kadrona/Curves/Alt.acv"_s, {});
+    core::SheetTray(TrayFolder(folder)).Add(TrayItem(u"Anna"_s));
+    printing::StoreCalibration(folder + u"/common/Kadrona"_s, u"Alt"_s, {1.01, 1, {}});
 }
 
 using Step = std::function<void(Module&)>;
@@ -124,6 +152,83 @@ void WriteSettings(Module& module) {
     file.Save();
 }
 
+/// Each as the window does it: by its dialog, and at once into the folder of the settings.
+void SaveSheet(Module& module, const QString& folder) {
+    module.ui.saveFile = module.folder + u"/saved/Blatt.jpg"_s;
+    module.ui.answers = {true};
+    const FakeSettings settings;
+    module.data.SetSettings(&settings);
+    module.data.SaveImage(module.image, folder, folder.isEmpty() ? QString() : u"Blatt.jpg"_s,
+                          true);
+    module.ui.messages.clear();
+}
+
+core::SheetTray LoadedTray(Module& module) {
+    core::SheetTray tray(TrayFolder(module.folder));
+    tray.Load();
+    if (!tray.UnreadPicture().isEmpty()) {
+        module.ui.ShowMessage(tray.UnreadPicture());
+    }
+    return tray;
+}
+
+/// Uses each modal window once as it comes, and notes what the messages among them say.
+class Attendant {
+ public:
+    using Steps = std::map<QString, std::function<void(QWidget&)>>;
+
+    Attendant(QStringList& messages, const Steps& steps) {
+        QObject::connect(&timer_, &QTimer::timeout, [this, &messages, steps] {
+            auto* shown = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (shown == nullptr || !shown->isVisible() || shown == used_) {
+                return;
+            }
+            used_ = shown;
+            QObject::connect(shown, &QDialog::finished, &timer_, [this] { used_ = nullptr; });
+            if (auto* box = qobject_cast<QMessageBox*>(shown)) {
+                // A long path is broken where it has to be.
+                messages.append(box->text().remove(QChar(0x200b)));
+                QTimer::singleShot(0, box, [box] { box->buttons().first()->click(); });
+            } else {  // a step may open more windows
+                QTimer::singleShot(0, shown, [=] { steps.at(shown->objectName())(*shown); });
+            }
+        });
+        timer_.start(1);
+    }
+
+ private:
+    QTimer timer_;
+    QDialog* used_ = nullptr;
+};
+
+void ChangeInSettingsDialog(Module& module) {
+    const Attendant attendant(module.ui.messages,
+                              {{u"EinstellungenFm"_s, [](QWidget& dialog) {
+                                    dialog.findChild<QLineEdit*>(u"FrameSize"_s)->setText(u"31"_s);
+                                    dialog.close();
+                                }}});
+    dialogs::TEinstellungenFm dialog(module.data);
+    controls::Guarded(nullptr, [&] { dialog.InitPropertys(); });
+    controls::Guarded(nullptr, [&] { dialog.ShowEx(); });
+}
+
+void ChangeTagsInArchiveWindow(Module& module) {
+    const Attendant attendant(
+        module.ui.messages,
+        {{u"fmImgSearch"_s,
+          [](QWidget& window) {
+              window.findChild<QAction*>(u"acEditTags"_s)->trigger();
+              window.close();
+          }},
+         {u"fmImageTagEdit"_s, [](QWidget& editor) {
+              editor.findChild<QPlainTextEdit*>(u"TagMemo"_s)->setPlainText(u"Ö"_s);
+              dynamic_cast<QDialog&>(editor).accept();
+          }}});
+    dialogs::TfmImageTagEdit editor;
+    dialogs::TfmImgSearch window(module.data, editor);
+    controls::Guarded(nullptr, [&] { window.ShowEx(module.archive); });
+}
+
 void NewProfile(Module& module) {
     BoundFile bound;
     module.data.SaveNewProfile(u"Neu"_s, bound);
@@ -157,6 +262,39 @@ std::vector<Operation> AllOperations() {
              module.data.SaveLayerPosToIni(u"neu"_s, {5, 6, 7, 8});
          }},
         {"registry", [](Module& module) { core::TData::SetArchivPath(module.archive); }},
+        {"dialog-save", [](Module& module) { SaveSheet(module, {}); }},
+        {"quick-save", [](Module& module) { SaveSheet(module, module.folder + u"/saved"_s); }},
+        {"calibration",
+         [](Module& module) {
+             printing::StoreCalibration(module.data.DataFolder(), u"Neu"_s, {1, 1.02, {}});
+         }},
+        {"settings-dialog", ChangeInSettingsDialog},
+        {"archive-window", ChangeTagsInArchiveWindow},
+#ifdef KADRONA_WITH_CUPS
+        {"print-job",
+         [](Module& module) {
+             const auto folder = qScopeGuard([] { qunsetenv("TMPDIR"); });
+             qputenv("TMPDIR", QFile::encodeName(module.folder + u"/saved"_s));
+             try {
+                 QTemporaryFile page;
+                 printing::PrintImage sheet;
+                 sheet.tile = TestPicture(150, 200);
+                 sheet.dotsPerInch = 300;
+                 printing::cups::WriteJobFile(page, sheet, {});
+             } catch (const platform::Error& error) {
+                 module.ui.ShowMessage(module.folder + u": "_s + error.Text());  // no path to say
+             }
+         }},
+#endif
+        {"tray", [](Module& module) { LoadedTray(module).Add(TrayItem(u"Jürgen"_s)); }},
+        {"tray-count",
+         [](Module& module) {
+             core::SheetTray tray = LoadedTray(module);
+             if (!tray.Items().empty()) {
+                 tray.SetCount(0, 2);
+             }
+         }},
+        {"tray-emptied", [](Module& module) { LoadedTray(module).Clear(); }},
         {"preset", [](Module& module) {
              imaging::WriteCurveFile(module.data.CurvesFolder() + u"/Neu.acv"_s, {});
          }}};

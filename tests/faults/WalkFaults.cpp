@@ -5,7 +5,7 @@
 //   walk_faults [--all] [OPERATION...]     a short set of faults without --all
 #include <unistd.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -38,7 +38,7 @@ const QStringList Prescribed{u"Can not save this profile settings!"_s,
 /// Names (those that are drawn by chance made equal) with their content.
 using Files = QMap<QString, QByteArray>;
 
-const QRegularExpression DrawnName(u"(pro|prn|kdr)[0-9A-F]{1,4}\\.tmp"_s);
+const QRegularExpression DrawnName(u"(pro|prn|kdr|bild)[0-9A-F]{1,9}\\.(tmp|png|additions)"_s);
 
 /// A database is judged by what it says, not by its bytes; its journal is the next opening's. A
 /// drawn name tells files apart no longer, so their content does.
@@ -52,8 +52,8 @@ Files FilesBelow(const QString& folder) {
             continue;
         }
         const QString content =
-            QString::fromLatin1(file.readAll()).replace(DrawnName, u"\\1*.tmp"_s);
-        const QString name = found.filePath().replace(DrawnName, u"\\1*.tmp"_s);
+            QString::fromLatin1(file.readAll()).replace(DrawnName, u"\\1*.\\2"_s);
+        const QString name = found.filePath().replace(DrawnName, u"\\1*.\\2"_s);
         files.insert(name == found.filePath() ? name : name + u'#' + content, content.toLatin1());
     }
     return files;
@@ -117,7 +117,7 @@ class Walk {
         }
         Require(!messages_.isEmpty() || left == after_, fault, u"nothing is said"_s);
         for (const QString& message : messages_) {
-            const bool tells = message.contains(scene_) && message.endsWith(u'.');
+            const bool tells = message.contains(scene_) && u".!"_s.contains(message.back());
             Require(tells || Prescribed.contains(message), fault,
                     u"path or reason lacks in: "_s + message);
         }
@@ -180,7 +180,8 @@ constexpr Kind Kinds[] = {{EIO, false, true},    {ENOSPC, true, true},   {0, tru
 }  // namespace
 
 int main(int argc, char** argv) {
-    const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
     QStringList wanted = QCoreApplication::arguments().sliced(1);
     const bool all = wanted.removeAll(u"--all"_s) > 0;
     int faults = 0;

@@ -62,16 +62,19 @@ QByteArray JobName(const QString& title) {
 
 }  // namespace
 
-int SendJob(const Connection& connection, const Queue& queue, const Driver& driver,
-            const DeviceMode& mode, const PrintImage& image) {
-    QTemporaryFile page;
+void WriteJobFile(QTemporaryFile& page, const PrintImage& image, const PrinterPaper& paper) {
     CreateTemporaryFile(page);
-    WriteJobPage(page, image, driver.PrinterPaperOf(mode));
+    WriteJobPage(page, image, paper);
     if (!page.flush()) {
         throw ServiceFailure(u"Der Druckauftrag kann nicht geschrieben werden: %1."_s.arg(
             platform::SystemReason(page)));
     }
+}
 
+int SendJob(const Connection& connection, const Queue& queue, const Driver& driver,
+            const DeviceMode& mode, const PrintImage& image) {
+    QTemporaryFile page;
+    WriteJobFile(page, image, driver.PrinterPaperOf(mode));
     IppMessage request = NewRequest(IPP_OP_PRINT_JOB, queue.Uri());
     AddText(request.get(), IPP_TAG_NAME, "job-name", JobName(image.title));
     AddText(request.get(), IPP_TAG_MIMETYPE, "document-format", "application/pdf");
