@@ -15,6 +15,7 @@
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Errors.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/HostileFolders.h"
 #include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
@@ -352,6 +353,45 @@ TEST_F(Archive, ItemsOfAnOpenedPhotoStayWithIt) {
         << "the customer's item was not saved";
     image.Open(image.Photo(), {});
     EXPECT_TRUE(image.Iptc().IsEmpty());
+}
+
+/// Whatever their masks, each with a data module of its own.
+TEST(SharedFolders, TwoAccountsOfAGroupWriteProfilesAndArchive) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "no right to become two users";
+    }
+    constexpr gid_t Group = 4242;
+    const Installation installation;
+    for (const char* shared : {"", "common", "archive"}) {
+        QDir().mkpath(installation.Path(shared));
+        const QByteArray folder = QFile::encodeName(installation.Path(shared));
+        ASSERT_EQ(chown(folder.constData(), 0, Group), 0);
+        chmod(folder.constData(), 02770);
+    }
+    const mode_t mask = umask(077);
+    FakeInterface ui;
+    imaging::LayeredImage image;
+    image.Open(imaging::Pixels(Filled({35, 45}, Qt::gray)), {300});
+    for (const uid_t account : {1001U, 1002U, 1001U}) {
+        const WithoutPrivileges rights(account, Group);
+        core::TData data(ui, installation.Folders());
+        data.InitSystem();
+        data.SaveLayerPosToIni(u"Pass"_s, {1, 2, 3, 4});
+        data.SavePrinterProfileToIni(u"Drucker"_s, u"prn1.tmp"_s);
+        data.SaveProfileToIni(QString::number(account), u"pro1.tmp"_s);
+        data.SaveImageToArchiv(image, installation.Path("archive"), u"Anna"_s, u"Anna"_s);
+        data.Archive()->SetTags(1, QString::number(account));
+        data.SetCurrentRecord(1);
+        data.RewriteIptcToImage(data.GetFileNameFromRecord(installation.Path("archive")), u"Anna"_s,
+                                u"Anna"_s);
+    }
+    umask(mask);
+    EXPECT_EQ(ui.messages, QStringList());
+    core::TData data(ui, installation.Folders());
+    data.InitSystem();
+    EXPECT_EQ(data.GetProfileList(), QStringList({u"1001"_s, u"1002"_s}));
+    EXPECT_EQ(data.Archive()->Read(3)->tags, u"Anna"_s);
+    EXPECT_EQ(data.Archive()->Read(1)->tags, u"1001"_s);
 }
 
 }  // namespace kadrona::testing
