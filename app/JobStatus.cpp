@@ -3,7 +3,9 @@
 #include <QEvent>
 #include <QLabel>
 #include <QStatusBar>
+#include <algorithm>
 
+#include "controls/fields/ElidedLabel.h"
 #include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
@@ -15,14 +17,14 @@ using printing::JobState;
 namespace {
 
 constexpr std::chrono::seconds ShownWhenDone{8};
+/// The window must not grow with a long text.
+constexpr int MostWidth = 330;
 
 }  // namespace
 
 JobStatus::JobStatus(QStatusBar& statusBar, QObject* parent)
-    : QObject(parent), label_(new QLabel(&statusBar)) {
+    : QObject(parent), label_(new controls::ElidedLabel(&statusBar)) {
     label_->setObjectName(u"JobStatus"_s);
-    label_->setTextFormat(Qt::PlainText);
-    label_->setMinimumWidth(1);  // the window must not grow with a long name
     label_->installEventFilter(this);
     statusBar.addPermanentWidget(label_);
     label_->hide();
@@ -51,6 +53,8 @@ void JobStatus::Show(const JobState& state) {
     label_->setPalette(palette);
     const QString text = u"Drucker „%1“: %2"_s.arg(printer_, state.text);
     label_->setText(text);
+    // The path and the template give way to what is new.
+    label_->setMinimumWidth(std::min(label_->sizeHint().width(), MostWidth));
     label_->setToolTip(Qt::convertFromPlainText(text));
     label_->show();
     leaving_.stop();

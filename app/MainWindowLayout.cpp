@@ -12,6 +12,7 @@
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
 #include "controls/commands/ScreenTip.h"
+#include "controls/fields/ElidedLabel.h"
 #include "controls/fields/FileDropTarget.h"
 #include "controls/fields/PhotoStrip.h"
 #include "controls/fields/StatusPanels.h"
@@ -194,10 +195,9 @@ void TmainFm::BuildStatusBar() {
     statusPanels_->setObjectName(u"StatusBar"_s);
     statusPanels_->SetCaption(u"Datei"_s, 40);
     statusPanels_->SetLink(core::MakerLine.toString(), 150);
-    templateName_ = new QLabel(statusPanels_);
+    templateName_ = new controls::ElidedLabel(statusPanels_);
     templateName_->setObjectName(u"TemplateName"_s);
     templateName_->setToolTip(u"Schablone"_s);
-    templateName_->setMinimumWidth(1);  // the window must not grow with a long name
     statusPanels_->addWidget(templateName_);
     setStatusBar(statusPanels_);
     connect(statusPanels_, &controls::StatusPanels::LinkClicked, this,

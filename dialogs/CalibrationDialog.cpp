@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 #include <limits>
 
+#include "controls/fields/ElidedLabel.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
@@ -55,7 +56,6 @@ void CalibrationDialog::BuildControls() {
         u"2. Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein.\n"
         u"3. Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s);
     explanation->setWordWrap(true);
-    auto* print = NamedButton(u"btnPrintSheet"_s, u"&Kalibrierblatt drucken"_s);
     auto* apply = NamedButton(u"btnApply"_s, u"&Übernehmen"_s);
     auto* close = NamedButton(u"btnClose"_s, u"&Schließen"_s);
     apply->setDefault(true);
@@ -79,15 +79,25 @@ void CalibrationDialog::BuildControls() {
     layout->setContentsMargins(16, 14, 16, 14);
     layout->setSpacing(12);
     layout->addWidget(explanation);
-    layout->addWidget(print, 0, Qt::AlignLeft);
+    layout->addLayout(BuildPrintRow());
     layout->addLayout(form);
     layout->addWidget(state_);
     layout->addLayout(buttons);
-    connect(print, &QPushButton::clicked, this,
-            [this] { controls::Guarded(this, [this] { PrintSheet(); }); });
     connect(apply, &QPushButton::clicked, this,
             [this] { controls::Guarded(this, [this] { Apply(); }); });
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+QLayout* CalibrationDialog::BuildPrintRow() {
+    auto* print = NamedButton(u"btnPrintSheet"_s, u"&Kalibrierblatt drucken"_s);
+    sheet_ = new controls::ElidedLabel;
+    sheet_->setObjectName(u"lblSheet"_s);
+    auto* row = new QHBoxLayout;
+    row->addWidget(print);
+    row->addWidget(sheet_, 1);
+    connect(print, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { PrintSheet(); }); });
+    return row;
 }
 
 QLineEdit* CalibrationDialog::AddReading(QFormLayout& form, const QString& name,
@@ -106,8 +116,13 @@ QLineEdit* CalibrationDialog::AddReading(QFormLayout& form, const QString& name,
 
 void CalibrationDialog::PrintSheet() {
     const controls::WaitCursor wait;
-    data_.Printer().Print(
+    watch_ = data_.Printer().Print(
         printing::RulerSheet(paper_, printing::StoredCalibration(data_.DataFolder(), profile_)));
+    sheet_->setText(u"Druckauftrag gesendet"_s);
+    if (watch_) {
+        connect(watch_.get(), &printing::JobWatch::Changed, sheet_,
+                [this](const printing::JobState& state) { sheet_->setText(state.text); });
+    }
 }
 
 void CalibrationDialog::Apply() {

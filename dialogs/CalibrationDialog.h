@@ -2,7 +2,9 @@
 
 #include <QDialog>
 #include <QList>
+#include <memory>
 
+#include "printing/JobWatch.h"
 #include "printing/PaperGeometry.h"
 
 class QFormLayout;
@@ -18,7 +20,7 @@ namespace kadrona::dialogs {
 /// "Drucker kalibrieren": prints a sheet of rulers with a printer profile, asks what the user reads
 /// off it, and keeps what makes up for the difference beside the profile. Object names:
 /// "CalibrationDialog", "btnPrintSheet", "edAcross", "edAlong", "edLeft", "edTop", "btnApply",
-/// "btnClose", "lblState".
+/// "btnClose", "lblSheet", "lblState".
 class CalibrationDialog : public QDialog {
     Q_OBJECT
 
@@ -29,6 +31,7 @@ class CalibrationDialog : public QDialog {
 
  private:
     void BuildControls();
+    QLayout* BuildPrintRow();
     static QLineEdit* AddReading(QFormLayout& form, const QString& name, const QString& caption);
     void PrintSheet();
     void Apply();
@@ -40,6 +43,9 @@ class CalibrationDialog : public QDialog {
     /// Across, along, left, top.
     QList<QLineEdit*> readings_;
     QLabel* state_;
+    /// How the printed sheet fares.
+    QLabel* sheet_;
+    std::unique_ptr<printing::JobWatch> watch_;
 };
 
 }  // namespace kadrona::dialogs

@@ -187,6 +187,8 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
             apply({u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
             apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
             ClickButton(dialog, "btnPrintSheet");
+            Q_EMIT printer.watch->Changed({printing::JobState::Stage::Held, u"Kein Papier"_s});
+            EXPECT_EQ(Child<QLabel>(dialog, "lblSheet").text(), u"Kein Papier"_s);
             ClickButton(dialog, "btnClose");
         });
         ClickButton(shown, "btnCalibrate");

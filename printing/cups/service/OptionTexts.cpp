@@ -122,6 +122,14 @@ constexpr auto Words = std::to_array<Phrase>({
     {u"roll feed", u"Rolle"},
     {u"disc", u"CD/DVD"},
     // kinds of paper
+    // (PWG 5101.1, as the print service writes those of printers without a driver)
+    {u"stationery", u"Normalpapier"},
+    {u"photographic", u"Fotopapier"},
+    {u"photographicglossy", u"Fotopapier, glänzend"},
+    {u"photographichighgloss", u"Fotopapier, hochglänzend"},
+    {u"photographicsemigloss", u"Fotopapier, seidenmatt"},
+    {u"photographicsatin", u"Fotopapier, satiniert"},
+    {u"photographicmatte", u"Fotopapier, matt"},
     {u"plain", u"Normalpapier"},
     {u"plain paper", u"Normalpapier"},
     {u"photo paper", u"Fotopapier"},
