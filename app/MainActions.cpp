@@ -87,6 +87,8 @@ constexpr std::array Definitions = {
     ActionDefinition{Action::AddToSheet, u"acAddToSheet", u"Zum Blatt hinzufügen",
                      u"Schneidet das Bild und legt es zum Sammelblatt", u"Ctrl+B", u"add", 5,
                      UpdateRule::Editing},
+    ActionDefinition{Action::Manual, u"acManual", u"Handbuch", u"Handbuch öffnen", u"F1", u"about",
+                     -1, UpdateRule::None},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.

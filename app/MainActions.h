@@ -48,6 +48,7 @@ enum class Action {
     Paste,
     ShowSheet,
     AddToSheet,
+    Manual,
 };
 
 /// What decides whether an action can be used, besides the settings.

@@ -29,10 +29,12 @@
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
+#include "dialogs/ManualWindow.h"
 #include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/view/ImageView.h"
+#include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
 
@@ -102,6 +104,9 @@ void TmainFm::CreateReusedWindows() {
     auto* rotateDialog = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
+    about_->SetFolders({{u"Profile und Archiv"_s, data_->DataFolder()},
+                        {u"Schablonen"_s, data_->TemplateFolder()},
+                        {u"Werte des Benutzers"_s, platform::RegistryFolder()}});
     auto* tagEditor = new dialogs::TfmImageTagEdit(this);
     archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor, this);
     auto* curveDialog = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
@@ -135,6 +140,7 @@ void TmainFm::CreateReusedWindows() {
 
 void TmainFm::ConnectActions() {
     actions_.Connect(Action::About, this, [this] { about_->exec(); });
+    actions_.Connect(Action::Manual, this, [this] { ShowManual(); });
     actions_.Connect(Action::ShowConfig, this, [this] { settings_->ShowEx(); });
     actions_.Connect(Action::Close, this, [this] { close(); });
     connect(pictureCount_, &QComboBox::currentIndexChanged, &session_,
@@ -204,6 +210,17 @@ void TmainFm::closeEvent(QCloseEvent* event) {
 bool TmainFm::event(QEvent* event) {
     // A menu would clear the status bar of a hint that still holds; no action has a text for it.
     return event->type() == QEvent::StatusTip || QMainWindow::event(event);
+}
+
+void TmainFm::ShowManual() {
+    if (manual_ == nullptr) {
+        auto manual = std::make_unique<dialogs::ManualWindow>(this);
+        manual->Load(platform::DeliveredFolder(data_->ProgramFolder(), u"Handbuch"_s));
+        manual_ = manual.release();
+    }
+    manual_->show();
+    manual_->raise();
+    manual_->activateWindow();
 }
 
 /// The page of a maker that is none does not exist; what is known of the maker stands in "Über".

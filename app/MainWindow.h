@@ -23,6 +23,7 @@ namespace kadrona::dialogs {
 class CheckSection;
 class SheetSection;
 class SidePanel;
+class ManualWindow;
 class TEinstellungenFm;
 class TFileNameFm;
 class TfmAbout;
@@ -84,6 +85,7 @@ class TmainFm : public QMainWindow {
     void ConnectActions();
     void FormDestroy();
     void ShowSession();
+    void ShowManual();
     void StatusBarPanel2Click();
 
     // Bars and panels (MainWindowLayout.cpp)
@@ -120,6 +122,7 @@ class TmainFm : public QMainWindow {
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
+    dialogs::ManualWindow* manual_ = nullptr;
     dialogs::TfmImgSearch* archiveWindow_ = nullptr;
 
     std::unique_ptr<ViewActions> viewActions_;

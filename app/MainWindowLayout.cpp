@@ -68,6 +68,7 @@ void TmainFm::BuildCommandArea() {
     side->addAction(actions_[Action::ShowCheck]);
     side->addAction(actions_[Action::ShowSheet]);
     file->addSeparator();
+    file->addAction(actions_[Action::Manual]);
     file->addAction(actions_[Action::Close]);
 
     BuildEditBar(*area);

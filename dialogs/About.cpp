@@ -1,20 +1,32 @@
 #include "dialogs/About.h"
 
 #include <QDialogButtonBox>
+#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextBrowser>
 #include <QTextDocumentFragment>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include "controls/messages/MessageBoxes.h"
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
+#include "dialogs/WindowPlacement.h"
+#include "platform/WebPage.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
 
-TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent) {
+namespace {
+
+constexpr QSize LibrariesSize(760, 520);
+
+}  // namespace
+
+TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), folders_(new QLabel) {
     setObjectName(u"fmAbout"_s);
     setWindowTitle(u"Über"_s);
     auto* symbol = new QLabel;
@@ -31,19 +43,67 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent) {
     text->setOpenExternalLinks(true);
     text->setTextInteractionFlags(Qt::TextBrowserInteraction);
 
+    folders_->setObjectName(u"Folders"_s);
+    folders_->setTextFormat(Qt::RichText);
+    folders_->setTextInteractionFlags(Qt::TextBrowserInteraction);
+    connect(folders_, &QLabel::linkActivated, this, [this](const QString& link) {
+        const QString path = QUrl(link).toLocalFile();
+        if (!platform::OpenFolder(path)) {
+            controls::ShowError(this, u"Der Ordner „%1“ konnte nicht geöffnet werden."_s.arg(path));
+        }
+    });
+
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
+    QPushButton* libraries =
+        buttons->addButton(u"&Bibliotheken und Lizenzen"_s, QDialogButtonBox::HelpRole);
+    libraries->setObjectName(u"btnLibraries"_s);
+    connect(libraries, &QPushButton::clicked, this, &TfmAbout::ShowLibraries);
     buttons->button(QDialogButtonBox::Ok)->setObjectName(u"btnOk"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(20);
     row->addWidget(symbol, 0, Qt::AlignTop);
-    row->addWidget(text);
+    auto* texts = new QVBoxLayout;
+    texts->addWidget(text);
+    texts->addWidget(folders_);
+    row->addLayout(texts);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(20, 20, 20, 16);
     layout->addLayout(row);
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void TfmAbout::SetFolders(const QList<Folder>& folders) {
+    QString rows;
+    QString spoken;
+    for (const auto& [meaning, path] : folders) {
+        rows += u"<tr><td>%1:&nbsp;&nbsp;</td><td><a href=\"%2\">%3</a></td></tr>"_s.arg(
+            meaning, QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded()),
+            path.toHtmlEscaped());
+        spoken += u"%1: %2. "_s.arg(meaning, path);
+    }
+    folders_->setText(u"<table>%1</table>"_s.arg(rows));
+    folders_->setAccessibleName(spoken.trimmed());
+}
+
+void TfmAbout::ShowLibraries() {
+    QDialog dialog(this);
+    dialog.setObjectName(u"LibrariesDialog"_s);
+    dialog.setWindowTitle(u"Bibliotheken und Lizenzen"_s);
+    QFile file(u":/third-party.md"_s);
+    file.open(QIODevice::ReadOnly);
+    auto* text = new QTextBrowser;
+    text->setAccessibleName(dialog.windowTitle());
+    text->setMarkdown(QString::fromUtf8(file.readAll()));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(text);
+    layout->addWidget(buttons);
+    dialog.resize(WithinScreen(dialog, LibrariesSize));
+    dialog.exec();
 }
 
 }  // namespace kadrona::dialogs

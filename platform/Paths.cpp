@@ -52,8 +52,12 @@ QString ProgramFolder() {
 }
 
 QString TemplateFolder(const QString& programFolder) {
-    const QString own = JoinPath(programFolder, u"Schablonen");
-    const QString shared = QDir::cleanPath(JoinPath(programFolder, u"../share/kadrona/Schablonen"));
+    return DeliveredFolder(programFolder, u"Schablonen"_s);
+}
+
+QString DeliveredFolder(const QString& programFolder, const QString& name) {
+    const QString own = JoinPath(programFolder, name);
+    const QString shared = QDir::cleanPath(JoinPath(programFolder, u"../share/kadrona/"_s + name));
     return !QFileInfo(own).isDir() && QFileInfo(shared).isDir() ? shared : own;
 }
 

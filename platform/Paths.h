@@ -20,6 +20,9 @@ QString ProgramFolder();
 /// does.
 QString TemplateFolder(const QString& programFolder);
 
+/// The same for a folder of another name.
+QString DeliveredFolder(const QString& programFolder, const QString& name);
+
 /// The machine-wide folder for application data, without a trailing separator. On Linux:
 /// $KADRONA_COMMON_APPDATA if set; else /var/lib if /var/lib/Kadrona exists and can be written to
 /// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).

@@ -89,6 +89,10 @@ void Write(const QString& name, const QString& value) {
 
 }  // namespace
 
+QString RegistryFolder() {
+    return QFileInfo(RegistryFile()).path();
+}
+
 int ReadRegistryInteger(const QString& name) {
     return ReadRegistryText(name).toInt();
 }

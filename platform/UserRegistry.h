@@ -15,4 +15,7 @@ QString ReadRegistryText(const QString& name);
 void WriteRegistryInteger(const QString& name, int value);
 void WriteRegistryText(const QString& name, const QString& value);
 
+/// The folder of that file; it need not exist.
+QString RegistryFolder();
+
 }  // namespace kadrona::platform

@@ -4,11 +4,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QStandardPaths>
 #include <utility>
 
 #include "platform/AtomicFile.h"
 #include "platform/Paths.h"
+#include "platform/UserRegistry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -42,9 +42,7 @@ QList<RecentPhoto> PhotosOf(const QJsonArray& entries) {
 }  // namespace
 
 QString RecentPhotos::DefaultPath() {
-    return platform::JoinPath(
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
-        u"Veltmark/Zuletzt.json");
+    return platform::JoinPath(platform::RegistryFolder(), u"Zuletzt.json");
 }
 
 RecentPhotos::RecentPhotos(QString path) : path_(std::move(path)) {

@@ -28,7 +28,7 @@ QString Actions(const ActionCircumstances& circumstances, const core::Settings& 
 
 TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     const QString always =
-        u"acAbout acClose acOpen acOpenWithProfile acPaste acPrinSetup acPrinterProfilDlg "
+        u"acAbout acClose acManual acOpen acOpenWithProfile acPaste acPrinSetup acPrinterProfilDlg "
         u"acRotateLeft "
         "acRotateRight acSearchArchiv acShowCheck acShowConfig acShowSheet acZoomFit acZoomFull "_s;
     const QString tools =
