@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/AtRest.h"
 #include "app/MainWindow.h"
 #include "app/OpenActions.h"
 #include "controls/commands/ApplicationMenu.h"
@@ -134,9 +135,17 @@ void TmainFm::BuildViewPanel() {
     }
 
     auto* drop = new controls::FileDropTarget(panel);
-    connect(drop, &controls::FileDropTarget::FilesDropped, this, &TmainFm::OpenDroppedFiles);
-    connect(drop, &controls::FileDropTarget::PictureDropped, this,
-            [this](const QByteArray& file) { openActions_->OpenPicture(file, u"Bild"_s); });
+    // What another program drops also arrives while an action waits for the print service.
+    connect(drop, &controls::FileDropTarget::FilesDropped, this, [this](const QStringList& paths) {
+        if (IsAtRest()) {
+            OpenDroppedFiles(paths);
+        }
+    });
+    connect(drop, &controls::FileDropTarget::PictureDropped, this, [this](const QByteArray& file) {
+        if (IsAtRest()) {
+            openActions_->OpenPicture(file, u"Bild"_s);
+        }
+    });
 }
 
 void TmainFm::BuildSidePanel() {

@@ -4,6 +4,7 @@
 #include <QWindow>
 #include <utility>
 
+#include "app/AtRest.h"
 #include "app/MainWindow.h"
 
 namespace kadrona::app {
@@ -44,11 +45,9 @@ void StartRequests::AskFromOutside(const QByteArray& bytes) {
 }
 
 /// Dialogs over the photo can only be placed well over a window that is on the screen, and a photo
-/// must not change under an open dialog.
+/// must not change under an open dialog or an action.
 void StartRequests::Look() {
-    const bool busy = QApplication::activeModalWidget() != nullptr ||
-                      QApplication::activePopupWidget() != nullptr;
-    if (busy || !window_.windowHandle()->isExposed()) {
+    if (!IsAtRest() || !window_.windowHandle()->isExposed()) {
         return;
     }
     timer_.stop();

@@ -1,8 +1,8 @@
 #include "app/WatchActions.h"
 
-#include <QApplication>
 #include <QTimer>
 
+#include "app/AtRest.h"
 #include "app/MainActions.h"
 #include "app/SmallPicture.h"
 #include "controls/fields/PhotoStrip.h"
@@ -110,9 +110,9 @@ void WatchActions::MakeOnePicture() {
     }
 }
 
-/// Never while the user is asked something.
+/// Never while the user is asked something or an action is under way.
 void WatchActions::OpenNewest() {
-    if (QApplication::activeModalWidget() != nullptr) {
+    if (!IsAtRest()) {
         return;
     }
     const QStringList arrived = watch_->TakeArrived();

@@ -3,6 +3,7 @@
 #include <QFileDialog>
 #include <QMenu>
 
+#include "app/StartRequests.h"
 #include "controls/fields/PhotoStrip.h"
 #include "core/sheet/PhotoLoading.h"
 #include "platform/UserRegistry.h"
@@ -92,6 +93,24 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
     }
     Open("photo.png");
     EXPECT_TRUE(IsEnabled(u"acCrop"_s));
+}
+
+TEST_F(Story, ALaterStartsPhotoWaitsForWhatIsUnderWay) {
+    Open("photo.png");
+    SavePhoto("next.png", QSize(600, 800), 90);
+    app::StartRequests requests(*window);
+    requests.Ask({.photo = installation.Path("next.png")});
+    ExpectTemplate(0);
+    QEventLoop program;
+    QTimer::singleShot(0, &program, [&] {
+        QEventLoop action;  // as while the print service is asked
+        QTimer::singleShot(500, &action, &QEventLoop::quit);
+        action.exec();
+        EXPECT_EQ(Image().Photo().Size(), QSize(1200, 1600));
+        program.quit();
+    });
+    program.exec();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Image().Photo().Size() == QSize(600, 800); }));
 }
 
 TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
