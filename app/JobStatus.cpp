@@ -52,6 +52,7 @@ void JobStatus::Show(const JobState& state) {
     }
     label_->setPalette(palette);
     const QString text = u"Drucker „%1“: %2"_s.arg(printer_, state.text);
+    label_->setMinimumWidth(0);  // else the hint is no smaller
     label_->setText(text);
     // The path and the template give way to what is new.
     label_->setMinimumWidth(std::min(label_->sizeHint().width(), MostWidth));
