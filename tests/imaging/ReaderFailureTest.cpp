@@ -88,7 +88,7 @@ TEST(ReaderFailure, DeclaredSizesTakeNoMemory) {
     ASSERT_TRUE(isLossless || webp.indexOf("VP8 ") == 12);
     webp.replace(isLossless ? 21 : 26, 4,
                  isLossless ? LittleEndian(quint32{0x0fffffff}) : Packed<quint16>(0x3fff, 0x3fff));
-    const std::pair<QByteArray, const char*> files[] = {
+    const std::vector<std::pair<QByteArray, const char*>> files{
         {jpeg, "3.600 Megapixel"},
         {WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25) + png.mid(33),
          "3.600 Megapixel"},

@@ -14,17 +14,19 @@ QByteArray WithPreview(QByteArray file, const QByteArray& jpeg, QSize size) {
     const quint32 at = quint32(file.size()) + file.size() % 2;
     const quint32 directory = at + quint32(jpeg.size()) + jpeg.size() % 2;
     file.replace(first + 2 + 12 * entries, 4, LittleEndian(directory));
-    const auto padded = [](QByteArray bytes) { return bytes + QByteArray(bytes.size() % 2, '\0'); };
-    const std::pair<quint16, quint32> values[] = {{0x00fe, 1},
-                                                  {0x0100, size.width()},
-                                                  {0x0101, size.height()},
-                                                  {0x0102, 8},
-                                                  {0x0103, 7},
-                                                  {0x0106, 6},
-                                                  {0x0111, at},
-                                                  {0x0115, 3},
-                                                  {0x0117, jpeg.size()}};
-    QByteArray made = padded(file) + padded(jpeg) + LittleEndian(quint16(std::size(values)));
+    const auto padded = [](const QByteArray& bytes) {
+        return bytes + QByteArray(bytes.size() % 2, '\0');
+    };
+    const std::vector<std::pair<quint16, quint32>> values{{0x00fe, 1},
+                                                          {0x0100, size.width()},
+                                                          {0x0101, size.height()},
+                                                          {0x0102, 8},
+                                                          {0x0103, 7},
+                                                          {0x0106, 6},
+                                                          {0x0111, at},
+                                                          {0x0115, 3},
+                                                          {0x0117, jpeg.size()}};
+    QByteArray made = padded(file) + padded(jpeg) + LittleEndian(quint16(values.size()));
     for (const auto& [tag, value] : values) {
         made += Packed<quint16>(tag, 4) + Packed<quint32>(1, value);
     }
