@@ -70,6 +70,7 @@ void TEinstellungenFm::BuildControls() {
     setObjectName(u"EinstellungenFm"_s);
     setWindowTitle(u"Einstellungen"_s);
     pages_ = Named<QTabWidget>(u"PageControl"_s);
+    pages_->setAccessibleName(u"Seiten der Einstellungen"_s);
     pages_->addTab(new ScrolledPage(BuildGeneralPage()), u"Allgemein"_s);
     pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
     pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);

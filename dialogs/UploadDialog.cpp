@@ -105,7 +105,7 @@ void UploadDialog::BuildPicture() {
 }
 
 QWidget* UploadDialog::BuildFigures() {
-    templateFigures_ = new QRadioButton;
+    templateFigures_ = new QRadioButton(u"&Vorgaben der Schablone"_s);
     templateFigures_->setObjectName(u"TemplateFigures"_s);
     evidence_ = ResultLabel(u"Evidence"_s);
     ownFigures_ = new QRadioButton(u"&Eigene Werte"_s);
@@ -145,7 +145,6 @@ controls::ModalResult UploadDialog::ShowEx(core::UploadRequest request, const QS
                                            const Choice& choice) {
     published_ = request.figures;
     request_ = std::move(request);
-    templateFigures_->setText(u"&Vorgaben der Schablone"_s);
     const QString source = EvidenceText(published_.evidence);
     evidence_->setText(templateName + u": "_s + core::UploadFiguresText(published_) +
                        (source.isEmpty() ? QString() : u'\n' + source));

@@ -139,7 +139,8 @@ void TfmRGBKurve::BuildPresets() {
 void TfmRGBKurve::BuildChannel() {
     cbChannel_ = new QComboBox;
     cbChannel_->setObjectName(u"cbChannel"_s);
-    cbChannel_->setAccessibleName(u"Kanal"_s);
+    auto* labChannel = new QLabel(u"Kanal"_s);
+    labChannel->setBuddy(cbChannel_);
     cbChannel_->addItems({u"RGB"_s, u"Red"_s, u"Green"_s, u"Blue"_s});
     connect(cbChannel_, &QComboBox::currentIndexChanged, this, &TfmRGBKurve::cbChannelChange);
     auto* btnReset = new QPushButton(u"&Kanal zurücksetzen"_s);
@@ -153,6 +154,7 @@ void TfmRGBKurve::BuildChannel() {
     }
     auto* channel = new QHBoxLayout;
     channel->setSpacing(ButtonSpacing);
+    channel->addWidget(labChannel);
     channel->addWidget(cbChannel_);
     channel->addWidget(btnReset);
     channel->addWidget(btnResetAll);

@@ -19,6 +19,7 @@ constexpr int GreatestWidth = 520;
 
 SidePanel::SidePanel(QWidget* parent) : QScrollArea(parent) {
     setObjectName(u"SidePanel"_s);
+    setAccessibleName(u"Seitenleiste"_s);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
