@@ -1,5 +1,6 @@
 #include <QMetaProperty>
 
+#include "core/settings/AdditionsFile.h"
 #include "core/settings/StoredSettings.h"
 #include "dialogs/SettingsDialog.h"
 #include "platform/UserRegistry.h"
@@ -139,6 +140,9 @@ TEST_F(SettingsDialog, ANewProfileIsACopyAndBothKeepTheirOwnValues) {
     EXPECT_EQ(dialog->AlignToFace(), core::FaceAlignment::Always);
     EXPECT_EQ(core::StoredSettings(data->ProfileFile(u"laden straße"_s)).AlignToFace(),
               core::FaceAlignment::Always);
+    ASSERT_TRUE(QFile::remove(core::AdditionsFile(data->ProfileFile(u"Standard Profile"_s))));
+    dialog->AktivateProfileByName(u"Standard Profile"_s, false);
+    EXPECT_EQ(dialog->AlignToFace(), core::FaceAlignment::Propose) << "nothing is stored";
 
     InDialog([&] {
         Select(1);

@@ -188,7 +188,8 @@ TEST(ReaderFormat, ResolutionIsWhatTheFileSays) {
     EXPECT_EQ(ResolutionOf(WithChunk(plainPng, "eXIf", ExifResolution(240, 2))), 240);
 
     EXPECT_EQ(ResolutionOf(SmallTiff({})), 0);
-    EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 600), Short(0x128, 2)})), 600);
+    const TiffEntry make{0x10f, 2, "Kamera"_ba};  // alone it makes no raw file
+    EXPECT_EQ(ResolutionOf(SmallTiff({make, Rational(0x11a, 600), Short(0x128, 2)})), 600);
     EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 2362, 20), Short(0x128, 3)})), 300);
     EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 300), Short(0x128, 1)})), 0);
     EXPECT_EQ(ResolutionOf(SmallTiff({Rational(0x11a, 300, 0), Short(0x128, 2)})), 0);

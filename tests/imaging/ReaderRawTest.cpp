@@ -72,9 +72,15 @@ TEST(ReaderRaw, DevelopsWithTheCamerasWhiteBalanceAndItsTurn) {
         ASSERT_EQ(loaded.pixels.Size(), dng.size) << "all pixels of the sensor";
         ExpectColour(loaded, {32, 24}, colour, 3);
     }
-    const Dng turned{.orientation = 6};
-    EXPECT_EQ(Read(RawFile(turned, colour)).pixels.Size(), QSize(48, 64));
-    EXPECT_EQ(Read(RawFile(turned, colour), {.applyOrientation = false}).pixels.Size(),
+    // Where the upper half comes to lie, which has less light.
+    for (const auto& [orientation, dim] :
+         {std::pair(3, QPoint(32, 40)), {6, {40, 32}}, {8, {8, 32}}}) {
+        const Dng turned{.orientation = quint16(orientation), .dimRows = 24};
+        const QImage photo = Read(RawFile(turned, colour)).pixels.ToImage();
+        ASSERT_EQ(photo.size(), orientation == 3 ? QSize(64, 48) : QSize(48, 64));
+        EXPECT_LT(qRed(photo.pixel(dim)), qRed(photo.pixel(photo.rect().bottomRight() - dim)));
+    }
+    EXPECT_EQ(Read(RawFile({.orientation = 6}, colour), {.applyOrientation = false}).pixels.Size(),
               QSize(64, 48));
 }
 
