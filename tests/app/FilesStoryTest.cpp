@@ -8,7 +8,9 @@
 #include <QRadioButton>
 #include <QUrl>
 
+#include "core/archive/Tags.h"
 #include "core/settings/WatchedFolder.h"
+#include "platform/AtomicFile.h"
 #include "tests/app/StoryFixture.h"
 #include "tests/imaging/RawFixture.h"
 
@@ -48,6 +50,7 @@ TEST_F(UploadStory, MakesTheFileOfTheCutItselfAndKeepsOwnFigures) {
 
     Trigger(u"acCrop"_s);
     ASSERT_GT(Image().Photo().Width(), 4 * cut.width()) << "a sheet with borders";
+    core::SetIptcTags(Image(), u"Anna"_s, u"privat"_s);
     driver.Expect(u"UploadFileFm"_s, [](QWidget& shown) {
         SetOwn(shown, 413, 413, 20);
         EXPECT_FALSE(Child<QPushButton>(shown, "btnSave").isEnabled());
@@ -62,6 +65,7 @@ TEST_F(UploadStory, MakesTheFileOfTheCutItselfAndKeepsOwnFigures) {
     const QImage file(Saved("antrag.jpg"));
     ASSERT_EQ(file.size(), QSize(413, 531));
     EXPECT_NEAR(qRed(file.pixel(0, 0)), 120, 1) << "no border";
+    EXPECT_FALSE(platform::ReadWholeFile(Saved("antrag.jpg"), 1 << 20).contains("privat"));
 
     Start();
     Open(photoName);
@@ -120,6 +124,9 @@ TEST_F(Story, TheWatchedFoldersPhotosStandInAStripThatOpensThem) {
     Q_EMIT strip.itemClicked(strip.item(0));
     EXPECT_EQ(window->Session().FileName(), installation.Path("card/one.jpg"));
 
+    SavePhoto("card/other.jpg", {800, 1000});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return strip.count() == 2; }, 8000));
+    EXPECT_EQ(window->Session().FileName(), installation.Path("card/one.jpg")) << "not asked for";
     Setting<QAbstractButton>("OpenNewestPhoto").setChecked(true);
     ExpectTemplate();
     SavePhoto("card/two.jpg", {800, 1000});

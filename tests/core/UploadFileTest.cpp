@@ -112,6 +112,28 @@ TEST(UploadFile, UsesItsWindowAndSaysWhatIsImpossible) {
     }
 }
 
+TEST(SizedJpeg, IsTheFinestThatFits) {
+    const imaging::Pixels noise = Noise({200, 200});
+    const auto bytes = [&](const imaging::JpegCoding& coding) {
+        return imaging::EncodeJpegAs(noise, {300}, {}, coding).bytes.size();
+    };
+    for (qint64 most = 20'000; most < 100'000; most += 6'000) {
+        const auto made = imaging::EncodeJpegWithin(noise, {300}, {}, {0, most});
+        EXPECT_LE(made.bytes.size(), most);
+        imaging::JpegCoding finer = made.coding;
+        --finer.tablePercent;
+        EXPECT_TRUE(made.coding.tablePercent == 0 || bytes(finer) > most) << most;
+    }
+    // Too few bytes with every fourth colour at its finest, too many with all at quality 90.
+    const imaging::ByteRange between{
+        bytes({.tablePercent = 0, .chroma = imaging::ChromaSampling::Quarter, .ownTables = true}) +
+            1,
+        bytes({.tablePercent = imaging::TablePercentOf(90), .ownTables = true}) - 1};
+    ASSERT_LT(between.least + 500, between.most);
+    const auto made = imaging::EncodeJpegWithin(noise, {300}, {}, between);
+    EXPECT_TRUE(between.Contains(made.bytes.size()));
+}
+
 TEST(UploadFile, SaysItsDensityInBothPlacesAlike) {
     const UploadFile file = Made(Noise({700, 900}), {{413, 413}, {531, 531}, {}});
     EXPECT_EQ(file.resolution.value, 300);

@@ -1,3 +1,5 @@
+#include <QColorSpace>
+
 #include "ReaderFixture.h"
 #include "WriterFixture.h"
 
@@ -40,6 +42,9 @@ TEST(ReaderColour, WideGamutProfilesAreBroughtToSrgb) {
             const QByteArray png = Written(plain.convertToFormat(format), "png");
             ExpectColour(Read(WithProfile(png, profile)), {1, 1}, expected, 2);
         }
+        QImage wide = plain;
+        wide.setColorSpace(QColorSpace::fromIccProfile(profile));
+        ExpectColour(Read(Written(wide, "webp")), {1, 1}, expected, 4);
         // It stores Y'CbCr of 8 bits.
         ExpectJpeg(Uniform(3, {stored.red(), stored.green(), stored.blue()}, profile), expected, 4);
     }
