@@ -9,6 +9,7 @@
 
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "imaging/face/PortraitMeasures.h"
 #include "platform/AtomicFile.h"
 #include "tests/support/DrawnPortrait.h"
 #include "tests/support/Errors.h"
@@ -131,6 +132,30 @@ TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
     ASSERT_TRUE(search.face);
     EXPECT_LT(search.face->crown.position.y(), 25);
     EXPECT_LT(search.face->crown.confidence, 0.5);
+}
+
+TEST(PortraitMeasures, SeeEachSideForItself) {
+    Face face;
+    face.leftEye.position = {250, 300};
+    face.rightEye.position = {350, 300};
+    face.crown.position = {300, 100};
+    const auto measured = [&](const QRect& area, QRgb colour) {
+        QImage photo = Filled({600, 800}, qRgb(150, 150, 150));
+        QPainter(&photo).fillRect(area, QColor(colour));
+        return MeasurePortrait(Pixels(photo), face);
+    };
+    const PortraitMeasures plain = measured({}, 0);
+    EXPECT_LT(*plain.lightDifference + *plain.skinClipped + *plain.redEye + *plain.backgroundSpread,
+              0.1);
+    for (const int eye : {250, 350}) {
+        EXPECT_GT(*measured({eye - 8, 292, 16, 16}, qRgb(200, 20, 20)).redEye, 50) << eye;
+    }
+    EXPECT_GT(*measured({230, 330, 50, 60}, qRgb(90, 90, 90)).lightDifference, 10);
+    EXPECT_GT(*measured({320, 330, 50, 60}, qRgb(90, 90, 90)).lightDifference, 10);
+    EXPECT_GT(*measured({240, 200, 120, 60}, qRgb(255, 255, 255)).skinClipped, 50) << "forehead";
+    for (const int side : {60, 440}) {
+        EXPECT_GT(*measured({side, 0, 100, 350}, qRgb(90, 90, 90)).backgroundShadow, 10) << side;
+    }
 }
 
 TEST(Cascades, SayWhatToInstallWhereTheyAreMissingOrDamaged) {
