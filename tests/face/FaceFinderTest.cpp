@@ -76,7 +76,9 @@ INSTANTIATE_TEST_SUITE_P(Poses, DrawnFace,
                          ::testing::Values(Pose{"plain", 1, 0, false}, Pose{"mirrored", 1, 0, true},
                                            Pose{"small", 0.35, 0, false},
                                            Pose{"large", 4, 0, false}, Pose{"left", 1, -13, false},
-                                           Pose{"right", 1.5, 13, false}),
+                                           Pose{"right", 1.5, 13, false},
+                                           Pose{"farLeft", 1, -22, false},
+                                           Pose{"farRight", 1, 22, false}),
                          [](const auto& info) { return info.param.name; });
 
 TEST(FaceSearch, TakesTheLargestFaceNearTheMiddleAndCountsTheOthers) {
