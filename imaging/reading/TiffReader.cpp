@@ -22,11 +22,11 @@ struct CloseTiff {
 };
 using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
 
-tmsize_t ReadFromDevice(thandle_t device, void* bytes, tmsize_t count) {
+tmsize_t ReadTiffBytes(thandle_t device, void* bytes, tmsize_t count) {
     return static_cast<QIODevice*>(device)->read(static_cast<char*>(bytes), count);
 }
 
-toff_t SeekInDevice(thandle_t handle, toff_t offset, int whence) {
+toff_t SeekInTiff(thandle_t handle, toff_t offset, int whence) {
     auto* device = static_cast<QIODevice*>(handle);
     const qint64 start = whence == SEEK_CUR   ? device->pos()
                          : whence == SEEK_END ? device->size()
@@ -48,8 +48,8 @@ TiffFile OpenTiff(QIODevice& device) {
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), saysNothing, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), saysNothing, nullptr);
     return TiffFile(TIFFClientOpenExt(
-        "", "rm", &device, ReadFromDevice, [](thandle_t, void*, tmsize_t) { return tmsize_t{-1}; },
-        SeekInDevice, [](thandle_t) { return 0; },
+        "", "rm", &device, ReadTiffBytes, [](thandle_t, void*, tmsize_t) { return tmsize_t{-1}; },
+        SeekInTiff, [](thandle_t) { return 0; },
         [](thandle_t handle) {
             return static_cast<toff_t>(static_cast<QIODevice*>(handle)->size());
         },
@@ -64,8 +64,8 @@ Value FieldOf(TIFF* tiff, quint32 tag) {
 }
 
 /// How the samples of a pixel lie in the file.
-struct Layout {
-    explicit Layout(TIFF* tiff)
+struct TiffLayout {
+    explicit TiffLayout(TIFF* tiff)
         : width(FieldOf<quint32>(tiff, TIFFTAG_IMAGEWIDTH)),
           height(FieldOf<quint32>(tiff, TIFFTAG_IMAGELENGTH)),
           bits(FieldOf<quint16>(tiff, TIFFTAG_BITSPERSAMPLE)),
@@ -105,7 +105,7 @@ struct Layout {
 };
 
 /// Of one row: to red, green, blue and alpha.
-void Spread(const std::vector<quint16>& samples, const Layout& layout, quint16* pixels) {
+void Spread(const std::vector<quint16>& samples, const TiffLayout& layout, quint16* pixels) {
     constexpr quint16 Opaque = 0xffff;
     const quint16 flip = layout.photometry == PHOTOMETRIC_MINISWHITE ? 0xffff : 0;
     const quint16* in = samples.data();
@@ -118,7 +118,7 @@ void Spread(const std::vector<quint16>& samples, const Layout& layout, quint16* 
 }
 
 /// A few million pixels at a time, so that only those are in memory with 16 bits a channel.
-QImage ReadRows(TIFF* tiff, const Layout& layout, const DecodedImage& decoded,
+QImage ReadRows(TIFF* tiff, const TiffLayout& layout, const DecodedImage& decoded,
                 const ReadTask& task) {
     constexpr int BandPixels = 2'000'000;
     const auto width = static_cast<int>(layout.width);
@@ -168,7 +168,7 @@ qint64 PackedBytes(TIFF* tiff, qint64 fileBytes) {
 }
 
 /// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
-qint64 PluginBytesBeside(TIFF* tiff, const Layout& layout) {
+qint64 PluginBytesBeside(TIFF* tiff, const TiffLayout& layout) {
     const bool keepsBits = layout.IsGrey() || layout.photometry == PHOTOMETRIC_RGB;
     const int perPixel = layout.bits <= 8 || !keepsBits ? 1 : layout.bits <= 16 ? 12 : 20;
     return (layout.isTiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff)) + layout.Pixels() * perPixel;
@@ -191,7 +191,7 @@ DecodedImage ReadTiff(const ReadTask& task) {
     if (!tiff) {
         task.Fail(DamagedOrIncompleteFileReason());
     }
-    const Layout layout(tiff.get());
+    const TiffLayout layout(tiff.get());
     task.RequireAllowedSize(layout.width, layout.height);
     const qint64 packed = PackedBytes(tiff.get(), task.Device().size());
     task.RequireMemoryBeside(packed);
