@@ -109,12 +109,15 @@ class TiffDirectory {
     double resolution_ = 0;
 };
 
+/// Empty ones would keep a reader busy for minutes.
+constexpr int MostChunks = 200'000;
+
 /// Calls `visit(type, position of the content, its length)` for each chunk until it returns false.
 /// Ends at IEND at the latest, or by platform::OutOfBytes where the file does.
 template <typename Visit>
 void ForEachPngChunk(QIODevice& device, Visit visit) {
     qint64 position = 8;
-    while (true) {
+    for (int i = 0; i < MostChunks; ++i) {
         const QByteArray header = BytesAt(device, position, 8);
         const auto length =
             platform::ByteReader(header, platform::ByteOrder::BigEndian).Read<quint32>();
@@ -170,7 +173,7 @@ QByteArray Inflated(QByteArrayView stream, uLongf maximumSize) {
 
 FileMetadata ReadWebP(QIODevice& device) {
     qint64 position = 12;
-    while (true) {
+    for (int i = 0; i < MostChunks; ++i) {
         const QByteArray header = BytesAt(device, position, 8);
         const auto length = platform::ByteReader(QByteArrayView(header).sliced(4)).Read<quint32>();
         if (header.startsWith("EXIF") && length <= MaximumExifSize) {
@@ -180,6 +183,7 @@ FileMetadata ReadWebP(QIODevice& device) {
         }
         position += 8LL + length + length % 2;
     }
+    return {};
 }
 
 FileMetadata ReadBmp(QIODevice& device) {

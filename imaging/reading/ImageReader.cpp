@@ -40,6 +40,15 @@ DecodedImage ReadTiffOrRaw(const ReadTask& task) {
     return IsRawTiff(task.Device()) ? ReadRaw(task) : ReadTiff(task);
 }
 
+/// The plug-in goes through all frames for the size of the picture, byte by byte.
+DecodedImage ReadGif(const ReadTask& task) {
+    constexpr qint64 MostBytes = 40'000'000;
+    if (task.Device().size() > MostBytes) {
+        task.Fail(TooLargeFileReason());
+    }
+    return ReadByPlugin(task, "gif");
+}
+
 /// A format that is read, told by the first bytes of a file.
 struct Format {
     bool (*starts)(QByteArrayView start);
@@ -56,7 +65,7 @@ constexpr std::array Formats{
     Format{IsJpeg2000, ReadJpeg2000},
     Format{IsJpegXl, ReadJpegXl},
     Format{IsIcon, ReadIcon},
-    Format{IsGif, [](const ReadTask& task) { return ReadByPlugin(task, "gif"); }},
+    Format{IsGif, ReadGif},
     Format{IsBmp, [](const ReadTask& task) { return ReadByPlugin(task, "bmp"); }},
     Format{IsTiff, ReadTiffOrRaw},
 };

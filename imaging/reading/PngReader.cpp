@@ -199,6 +199,13 @@ DecodedImage ReadPng(const ReadTask& task) {
         task.Fail(png.Reason());
     }
     task.RequireAllowedSize(header.width, header.height);
+    // Uncompressed, with more than any program puts beside them: each chunk takes time.
+    constexpr qint64 MostBytesAPixel = 9;
+    constexpr qint64 MostOtherBytes = 100'000'000;
+    if (task.Device().size() >
+        qint64{header.width} * header.height * MostBytesAPixel + MostOtherBytes) {
+        task.Fail(TooLargeFileReason());
+    }
     header.deep = header.deep && qint64{header.width} * header.height <= MostDeepPixels;
     const qint64 pixels = task.Device().pos();
     decoded.profile = ProfileOf(header, task.Device());

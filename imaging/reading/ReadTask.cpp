@@ -36,7 +36,7 @@ void ReadTask::RequireMemoryBeside(qint64 bytes) const {
 QByteArray ReadTask::ReadWhole() const {
     constexpr qint64 MaximumSize = 200'000'000;
     if (device_.size() > MaximumSize) {
-        Fail(u"Die Datei ist zu groß."_s);
+        Fail(TooLargeFileReason());
     }
     device_.seek(0);
     return device_.readAll();
@@ -52,6 +52,10 @@ QString DamagedFileReason() {
 
 QString DamagedOrIncompleteFileReason() {
     return u"Die Datei ist beschädigt oder unvollständig."_s;
+}
+
+QString TooLargeFileReason() {
+    return u"Die Datei ist zu groß."_s;
 }
 
 QString OutOfMemoryReason() {

@@ -69,6 +69,7 @@ class ReadTask {
 QString IncompleteFileReason();
 QString DamagedFileReason();
 QString DamagedOrIncompleteFileReason();
+QString TooLargeFileReason();
 QString OutOfMemoryReason();
 /// A picture that would take far more memory than its pixels.
 QString TooMuchMemoryReason();

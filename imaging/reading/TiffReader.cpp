@@ -157,14 +157,17 @@ QByteArray ProfileOf(TIFF* tiff) {
     return IsSrgbProfile(profile) ? QByteArray() : profile;
 }
 
-/// The largest strip or tile as it lies in the file: it is in memory as a whole.
+/// The largest strip or tile as it lies in the file, which is in memory as a whole, and the table
+/// of all.
 qint64 PackedBytes(TIFF* tiff, qint64 fileBytes) {
     const quint32 count = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
     quint64 most = 0;
     for (quint32 i = 0; i < count; ++i) {
         most = std::max<quint64>(most, TIFFGetStrileByteCount(tiff, i));
     }
-    return static_cast<qint64>(std::min(most, static_cast<quint64>(fileBytes)));
+    constexpr qint64 BytesOfEntry = 16;
+    return static_cast<qint64>(std::min(most, static_cast<quint64>(fileBytes))) +
+           BytesOfEntry * count;
 }
 
 /// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
