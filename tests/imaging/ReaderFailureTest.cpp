@@ -135,6 +135,13 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     }
 }
 
+TEST(ReaderFailure, MuchBesideASmallPictureIsRefused) {
+    for (const QByteArray& file : {Gif({1}), Written(TestPicture(40, 30), "png")}) {
+        EXPECT_EQ(Failure(file + QByteArray(101'000'000, '\0')),
+                  Complaint("Die Datei ist zu groß."));
+    }
+}
+
 TEST(ReaderFailure, WhatIsNoPictureIsNamed) {
     EXPECT_EQ(Failure({}), Complaint("Die Datei ist leer."));
     const QString unknown = Complaint("Das Format der Datei ist nicht bekannt.");
