@@ -1,5 +1,6 @@
 #include "app/OpenActions.h"
 
+#include <QBuffer>
 #include <QClipboard>
 #include <QDateTime>
 #include <QFileInfo>
@@ -57,6 +58,8 @@ struct OpenActions::Source {
     std::function<void()> remember;
     /// The name is a file's path.
     bool isFile = false;
+    /// Its reading may take long, and be given up.
+    bool isRaw = false;
 };
 
 OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
@@ -122,12 +125,16 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
         settings_.AktivateProfileByName(StandardProfile, false);
         const QString name =
             origin + QDateTime::currentDateTime().toString(u" yyyy-MM-dd HH-mm-ss"_s);
+        QBuffer picture;
+        picture.setData(bytes);
+        picture.open(QIODevice::ReadOnly);
         Load({.name = name,
               .read =
                   [&](imaging::ReadProgress& progress) {
                       return core::ReadPhotoBytes(bytes, name, settings_, &progress);
                   },
-              .remember = [&] { data_.SetCurrentFileName(name); }});
+              .remember = [&] { data_.SetCurrentFileName(name); },
+              .isRaw = imaging::IsRawImage(picture)});
     });
     Q_EMIT actions_.Handled();
 }
@@ -155,7 +162,8 @@ void OpenActions::LoadImageFile(const QString& fileName) {
                   return core::ReadPhoto(fileName, settings_, &progress);
               },
           .remember = [&] { data_.SetCurrentFile(fileName); },
-          .isFile = true});
+          .isFile = true,
+          .isRaw = imaging::IsRawImageFile(fileName)});
 }
 
 /// Where the photo cannot be read, what is enabled is as after a successful load.
@@ -182,19 +190,29 @@ void OpenActions::Load(const Source& source) {
 }
 
 /// Brings the photo into layer 0 and shows it; a failure is shown and leaves the image empty. One
-/// that the user gives up leaves the photo that was open before.
+/// that can be given up takes the place of the photo before when it is read, which stays where the
+/// user gives up.
 OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
     const imaging::view::PaintingSuspension suspension(view_);
+    const QString nameBefore = session_.FileName();
     Outcome outcome = Outcome::Failed;
     controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;
+        if (source.isRaw) {
+            session_.SetFileName(source.name);
+        } else {
+            LeavePhotoBefore(source);
+        }
         try {
             DevelopingDisplay display(view_.isVisible() ? view_ : *view_.parentWidget());
             imaging::LoadedImage photo = source.read(display);
-            LeavePhotoBefore(source);
+            if (source.isRaw) {
+                LeavePhotoBefore(source);
+            }
             core::ShowPhoto(std::move(photo), session_.Image());
             outcome = Outcome::Read;
         } catch (const imaging::ReadCancelled&) {
+            session_.SetFileName(nameBefore);
             outcome = Outcome::Cancelled;
         } catch (...) {
             LeavePhotoBefore(source);

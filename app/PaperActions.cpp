@@ -187,10 +187,10 @@ void PaperActions::FollowTray() {
     }
     try {
         tray_.Load();
-    } catch (const platform::Error&) {
+        UpdateTray();
+    } catch (const std::exception&) {
         // A message each time the window is come back to would help nobody.
     }
-    UpdateTray();
 }
 
 void PaperActions::Update() {

@@ -98,7 +98,8 @@ void WatchActions::ShowFiles() {
 /// not be complete after all; it is left out until it changes.
 void WatchActions::MakeOnePicture() {
     const QString path = strip_.WithoutPicture();
-    if (path.isEmpty()) {
+    // While something else goes on under a window, the next look comes back to it.
+    if (path.isEmpty() || QApplication::activeModalWidget() != nullptr) {
         return;
     }
     try {

@@ -109,6 +109,10 @@ class HeifChannel {
     int bits_;
 };
 
+QSize SizeOf(const heif_image* picture, heif_channel channel) {
+    return {heif_image_get_width(picture, channel), heif_image_get_height(picture, channel)};
+}
+
 /// One pixel after the other.
 QImage Interleaved(const heif_image* picture, bool premultiplied, const ReadTask& task) {
     const HeifChannel red(picture, heif_channel_R);
@@ -118,8 +122,13 @@ QImage Interleaved(const heif_image* picture, bool premultiplied, const ReadTask
     if (!red.IsThere() || !green.IsThere() || !blue.IsThere()) {
         task.Fail(DamagedFileReason());
     }
-    const int width = heif_image_get_width(picture, heif_channel_R);
-    const int height = heif_image_get_height(picture, heif_channel_R);
+    const QSize size = SizeOf(picture, heif_channel_R);
+    if (SizeOf(picture, heif_channel_G) != size || SizeOf(picture, heif_channel_B) != size ||
+        (alpha.IsThere() && SizeOf(picture, heif_channel_Alpha) != size)) {
+        task.Fail(DamagedFileReason());
+    }
+    const int width = size.width();
+    const int height = size.height();
     task.RequireAllowedSize(width, height);
     QImage image =
         NewImage({width, height}, alpha.IsThere() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
@@ -158,7 +167,8 @@ DecodedImage Read(const ReadTask& task) {
     const int width = heif_image_handle_get_width(primary);
     const int height = heif_image_handle_get_height(primary);
     task.RequireAllowedSize(width, height);
-    task.RequireMemoryBeside(file.size() + qint64{width} * height * BytesBeside(primary));
+    task.RequireMemoryBeside(file.size() + qint64{width} * height * BytesBeside(primary),
+                             MostBytesBesideOfCameras);
     // What the picture is put together from may be no larger, but for what codecs fill up with.
     constexpr int LargestBlock = 128;
     heif_context_set_maximum_image_size_limit(context.get(),

@@ -70,8 +70,9 @@ constexpr std::array Formats{
     Format{IsTiff, ReadTiffOrRaw},
 };
 
+constexpr qint64 LongestSignature = 44;
+
 DecodedImage Decode(const ReadTask& task) {
-    constexpr qint64 LongestSignature = 44;
     const QByteArray start = task.Device().peek(LongestSignature);
     if (start.isEmpty()) {
         task.Fail(u"Die Datei ist leer."_s);
@@ -134,6 +135,16 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
         }
         throw;
     }
+}
+
+bool IsRawImage(QIODevice& device) {
+    const QByteArray start = device.peek(LongestSignature);
+    return IsRaw(start) || (IsTiff(start) && IsRawTiff(device));
+}
+
+bool IsRawImageFile(const QString& path) {
+    QFile file(path);
+    return LookUpFailure(path).isEmpty() && file.open(QIODevice::ReadOnly) && IsRawImage(file);
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
 
 using namespace Qt::StringLiterals;
@@ -13,19 +14,20 @@ namespace kadrona::imaging {
 
 namespace {
 
-/// What libjxl takes beside the result. The header does not tell of a file that is lossless and
-/// comes coarse first, which takes 24.
-constexpr qint64 BytesAPixel = 5;
+/// What libjxl takes beside the result where a file is lossless and comes coarse first; of others,
+/// which the header does not tell apart, a fifth.
+constexpr qint64 BytesAPixel = 24;
 /// It keeps pictures as numbers of 32 bits for those that follow.
 constexpr qint64 BytesAPixelOfMoving = 37;
+/// For each channel beside the colours.
+constexpr qint64 BytesOfExtraChannel = 4;
+/// Alpha and what a camera may add.
+constexpr uint32_t MostExtraChannels = 4;
 
-struct DestroyDecoder {
-    void operator()(JxlDecoder* decoder) const { JxlDecoderDestroy(decoder); }
-};
+using Decoder = std::unique_ptr<JxlDecoder, Release<JxlDecoderDestroy>>;
 struct DestroyRunner {
     void operator()(void* runner) const { JxlThreadParallelRunnerDestroy(runner); }
 };
-using Decoder = std::unique_ptr<JxlDecoder, DestroyDecoder>;
 using Runner = std::unique_ptr<void, DestroyRunner>;
 
 constexpr JxlPixelFormat Pixels8Bit{4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
@@ -64,6 +66,7 @@ class Decoding {
                     break;
                 case JXL_DEC_FULL_IMAGE:
                     decoded_.image.convertTo(QImage::Format_ARGB32);
+                    decoded_.image = RequireAllocated(std::move(decoded_.image));
                     return std::move(decoded_);
                 case JXL_DEC_NEED_MORE_INPUT:
                     task_.Fail(IncompleteFileReason());
@@ -83,9 +86,13 @@ class Decoding {
     void ReadBasicInfo() {
         Require(JxlDecoderGetBasicInfo(decoder_.get(), &info_));
         task_.RequireAllowedSize(info_.xsize, info_.ysize);
-        task_.RequireMemoryBeside(file_.size() +
-                                  qint64{info_.xsize} * info_.ysize *
-                                      (info_.have_animation ? BytesAPixelOfMoving : BytesAPixel));
+        if (info_.num_extra_channels > MostExtraChannels) {
+            task_.Fail(TooMuchMemoryReason());
+        }
+        const qint64 bytesAPixel = (info_.have_animation ? BytesAPixelOfMoving : BytesAPixel) +
+                                   info_.num_extra_channels * BytesOfExtraChannel;
+        task_.RequireMemoryBeside(file_.size() + qint64{info_.xsize} * info_.ysize * bytesAPixel,
+                                  MostBytesBesideOfCameras);
         for (size_t i = 0; i < info_.num_extra_channels; ++i) {
             JxlExtraChannelInfo channel;
             Require(JxlDecoderGetExtraChannelInfo(decoder_.get(), i, &channel));

@@ -221,7 +221,8 @@ DecodedImage ReadRaw(const ReadTask& task) {
     const qint64 width = std::max(sizes.width, sizes.raw_width);
     const qint64 height = std::max(sizes.height, sizes.raw_height);
     task.RequireAllowedSize(width, height);
-    task.RequireMemoryBeside(RawBytesBeside(*raw));
+    task.RequireAllowedSize(sizes.width, sizes.height);
+    task.RequireMemoryBeside(RawBytesBeside(*raw), MostBytesBesideOfCameras);
     if (task.Shrink() > 1) {
         if (auto preview = RawPreview(task, *raw, task.Shrink())) {
             return std::move(*preview);
@@ -234,7 +235,7 @@ DecodedImage ReadRaw(const ReadTask& task) {
     faults.FailIfAny(task);
     raw->recycle_datastream();
     file.clear();
-    task.RequireMemoryBeside(RawBytesBeside(*raw));
+    task.RequireMemoryBeside(RawBytesBeside(*raw), MostBytesBesideOfCameras);
     DecodedImage decoded;
     decoded.image = DevelopedRaw(
         *raw, [&task](int result) { Require(task, result); },

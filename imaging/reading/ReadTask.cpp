@@ -27,8 +27,8 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
             name_, german.toString(megapixels), german.toString(options_.maximumPixels / Mega)));
 }
 
-void ReadTask::RequireMemoryBeside(qint64 bytes) const {
-    if (bytes > MostBytesBeside) {
+void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {
+    if (bytes > most) {
         Fail(TooMuchMemoryReason());
     }
 }

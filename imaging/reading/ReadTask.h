@@ -26,6 +26,10 @@ struct DecodedImage {
 /// program itself takes with its window.
 inline constexpr qint64 MostBytesBeside = 240'000'000;
 
+/// The same for what telephones and cameras write, whose libraries take more for each pixel: to
+/// open a customer's photo of 50 megapixels weighs more than the memory.
+inline constexpr qint64 MostBytesBesideOfCameras = 800'000'000;
+
 /// The reading of one file: where its bytes come from, what is allowed and how to complain. Does
 /// not own what it refers to. The device is open, random access, and at its start.
 class ReadTask {
@@ -57,7 +61,7 @@ class ReadTask {
 
     /// Throws a ReadError where reading would take so many bytes beside the picture's 32 bits a
     /// pixel, the file itself included where it is kept meanwhile.
-    void RequireMemoryBeside(qint64 bytes) const;
+    void RequireMemoryBeside(qint64 bytes, qint64 most = MostBytesBeside) const;
 
  private:
     QIODevice& device_;

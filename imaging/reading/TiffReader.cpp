@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "imaging/codec/Release.h"
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/pixels/NewImage.h"
 #include "imaging/reading/PluginReader.h"
@@ -17,10 +18,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
-};
-using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
+using TiffFile = std::unique_ptr<TIFF, Release<TIFFClose>>;
 
 tmsize_t ReadTiffBytes(thandle_t device, void* bytes, tmsize_t count) {
     return static_cast<QIODevice*>(device)->read(static_cast<char*>(bytes), count);

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
 
 using namespace Qt::StringLiterals;
@@ -13,10 +14,7 @@ namespace kadrona::imaging {
 
 namespace {
 
-struct DeleteDemuxer {
-    void operator()(WebPDemuxer* demuxer) const { WebPDemuxDelete(demuxer); }
-};
-using Demuxer = std::unique_ptr<WebPDemuxer, DeleteDemuxer>;
+using Demuxer = std::unique_ptr<WebPDemuxer, Release<WebPDemuxDelete>>;
 
 /// Empty where there is none or where it is sRGB.
 QByteArray ProfileOf(const WebPDemuxer* demuxer) {
