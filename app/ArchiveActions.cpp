@@ -81,18 +81,16 @@ QSize ArchiveActions::PrintedSize() const {
 /// is to be no sheet.
 bool ArchiveActions::LayOut() {
     imaging::LayeredImage& image = session_.Image();
-    const core::SizedPhoto single =
-        core::WithoutBorder(image.Photo(), image.Resolution(), PrintedSize());
-    if (single.size.isEmpty()) {
+    core::SizedPhoto single;
+    const auto choice = paperFor_([&] {
+        single = core::WithoutBorder(image.Photo(), image.Resolution(), PrintedSize());
+        return single.size;
+    });
+    if (choice && single.size.isEmpty()) {
         core::LayOutCopies(image, settings_, session_.LayoutIndex());
-        return true;
-    }
-    const auto choice = paperFor_(single.size);
-    if (choice && choice->paper) {
+    } else if (choice) {
         image.ChangePhoto(core::CopiesOnPaper(single.photo, single.size, image.Resolution(),
                                               *choice, session_.LayoutIndex()));
-    } else if (choice) {
-        core::LayOutCopies(image, settings_, session_.LayoutIndex());
     }
     return choice.has_value();
 }

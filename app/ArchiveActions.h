@@ -42,8 +42,9 @@ class ArchiveActions : public QObject {
                    PrintFlow& printFlow);
 
     /// Who says what a sheet of photos of a size, in micrometres, is made on; nothing where there
-    /// is to be no sheet.
-    using PaperSource = std::function<std::optional<core::PaperChoice>(QSize photo)>;
+    /// is to be no sheet. The size is asked only where a paper is chosen.
+    using PaperSource =
+        std::function<std::optional<core::PaperChoice>(const std::function<QSize()>& photo)>;
     void SetPaperSource(PaperSource source) { paperFor_ = std::move(source); }
 
  private:

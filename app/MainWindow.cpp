@@ -133,7 +133,8 @@ void TmainFm::CreateReusedWindows() {
         session_,
         PaperActions::Surroundings{*this, *data_, *settings_, *ui_, actions_, *viewActions_,
                                    *printFlow_, *sidePanel_, *sheetSection_, *traySection_});
-    archiveActions_->SetPaperSource([this](QSize photo) { return paperActions_->PaperFor(photo); });
+    archiveActions_->SetPaperSource(
+        [this](const std::function<QSize()>& photo) { return paperActions_->PaperFor(photo); });
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
 }

@@ -321,16 +321,17 @@ core::PaperChoice PaperActions::Choice() const {
 }
 
 bool PaperActions::PreparePaper() {
-    const auto choice = PaperFor(PhotoSize(around_.data));
+    const auto choice = PaperFor([this] { return PhotoSize(around_.data); });
     if (choice) {
         around_.data.SetPaper(*choice);
     }
     return choice.has_value();
 }
 
-std::optional<core::PaperChoice> PaperActions::PaperFor(QSize photo) {
+std::optional<core::PaperChoice> PaperActions::PaperFor(const std::function<QSize()>& photoSize) {
     core::PaperChoice choice = Choice();
-    if (!choice.paper) {
+    const QSize photo = choice.paper ? photoSize() : QSize();
+    if (photo.isEmpty()) {
         return choice;
     }
     const auto request = core::RequestOf(choice, photo, session_.LayoutIndex());

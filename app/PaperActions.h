@@ -59,7 +59,7 @@ class PaperActions : public QObject {
 
     /// What the next sheet of photos of that size, in micrometres, is made on; nothing where there
     /// is to be no sheet. Asks and throws as PreparePaper.
-    std::optional<core::PaperChoice> PaperFor(QSize photo);
+    std::optional<core::PaperChoice> PaperFor(const std::function<QSize()>& photoSize);
 
  private:
     void ConnectSections();

@@ -231,8 +231,8 @@ void TEinstellungenFm::ProfileListBoxClick() {
     ActivateSelected(true);
 }
 
-/// The found place is compared with the first entry, not with "not found": a name that only the
-/// first entry bears gives that profile a new file.
+/// The found place is compared with the first entry, not with "not found": the very name that only
+/// the first entry bears gives that profile a new file.
 void TEinstellungenFm::btnNewClick() {
     while (const auto answer = controls::AskForLine(this, u"New Profile"_s, u"Name"_s)) {
         // A name that differs from another one by its blanks alone would look the same.
@@ -245,7 +245,8 @@ void TEinstellungenFm::btnNewClick() {
         const QString shownName = UpperCase(name);
         const auto found =
             profileListBox_->findItems(shownName, Qt::MatchFixedString);  // whatever its case
-        if (!found.isEmpty() && profileListBox_->row(found.first()) > 0) {
+        if (!found.isEmpty() &&
+            (profileListBox_->row(found.first()) > 0 || name.size() < answer->size())) {
             controls::ShowInformation(this, u"Wählen Sie bitte einen eindeutigen Namen aus"_s);
             continue;
         }

@@ -250,6 +250,14 @@ std::vector<TrayCopies> SheetTray::CopiesOn(const CollectedLayout& layout) const
 
 void SheetTray::TakeOut(const std::vector<TrayCopies>& printed) {
     QStringList done;
+    // A list that could not be flushed is written all the same.
+    const auto removal = qScopeGuard([&] {
+        for (const QString& file : done) {
+            if (!content_.IndexOf(file)) {
+                QFile::remove(platform::JoinPath(folder_, file));
+            }
+        }
+    });
     Change([&](Content& content) {
         for (const TrayCopies& copies : printed) {
             const auto index = content.IndexOf(copies.file);
@@ -264,9 +272,6 @@ void SheetTray::TakeOut(const std::vector<TrayCopies>& printed) {
             }
         }
     });
-    for (const QString& file : done) {
-        QFile::remove(platform::JoinPath(folder_, file));
-    }
 }
 
 }  // namespace kadrona::core

@@ -94,7 +94,8 @@ TfmRGBKurve::TfmRGBKurve(QString curvesFolder, QWidget* parent)
     FillPresets();
 }
 
-void TfmRGBKurve::BuildPresets() {
+/// The list's label.
+QLabel* TfmRGBKurve::BuildPresetList() {
     auto* labPreset = new QLabel(u"&Vorlagen"_s);
     labPreset->setObjectName(u"labPreset"_s);
     cbPreset2_ = new PresetList;
@@ -106,7 +107,11 @@ void TfmRGBKurve::BuildPresets() {
     connect(cbPreset2_, &QListWidget::itemClicked, this,
             [this] { controls::Guarded(this, [this] { cbPreset2Click(); }); });
     labPreset->setBuddy(cbPreset2_);
+    return labPreset;
+}
 
+void TfmRGBKurve::BuildPresets() {
+    QLabel* labPreset = BuildPresetList();
     face_ = new FacePreview;
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(ButtonSpacing);

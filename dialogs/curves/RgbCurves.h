@@ -47,6 +47,7 @@ class TfmRGBKurve : public QDialog {
     void showEvent(QShowEvent* event) override;
 
  private:
+    QLabel* BuildPresetList();
     void BuildPresets();
     void BuildChannel();
     void BuildConfirmation();

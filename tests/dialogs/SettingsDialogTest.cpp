@@ -189,12 +189,12 @@ TEST_F(SettingsDialog, ANameMustBeFitAndUniqueExceptThatOfTheFirstEntry) {
         const QString taken = u"Wählen Sie bitte einen eindeutigen Namen aus"_s;
         for (const auto& [name, answer] :
              {std::pair(u"laden"_s, taken), std::pair(u" LADEN "_s, taken),
-              std::pair(u"a]b"_s, u"Steuerzeichen"_s),
+              std::pair(u"standard profile "_s, taken), std::pair(u"a]b"_s, u"Steuerzeichen"_s),
               std::pair(u"a\u202eb"_s, u"Steuerzeichen"_s)}) {
             ExpectLine(name);
             driver.Answer(answer);
         }
-        ExpectLine(u"standard profile "_s);
+        ExpectLine(u"standard profile"_s);
         ClickButton(*dialog, "btnNew");
     });
     EXPECT_EQ(Profiles().count(u'|'), 2);
