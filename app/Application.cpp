@@ -104,9 +104,11 @@ void CloseAsByTheUser(TmainFm& window) {
 }
 
 int RunWindow(int argc, char** argv, const WindowRequest& request) {
+    // A start that asks for nothing gets a window of its own.
+    const bool asks = request.chooses || !request.photo.isEmpty();
     platform::RunningProgram running;
-    if (!request.newWindow &&
-        running.Start(Identity(), Packed(request)) == platform::RunningProgram::Role::HandedOver) {
+    if (!request.newWindow && running.Start(Identity(), asks ? Packed(request) : QByteArray()) ==
+                                  platform::RunningProgram::Role::HandedOver) {
         return Done;
     }
     QApplication application(argc, argv);

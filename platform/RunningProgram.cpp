@@ -133,6 +133,9 @@ RunningProgram::Role RunningProgram::Start(const QString& identity, const QByteA
             server_ = NewServer(address, socketPath_);
             return server_ >= 0 ? Role::First : Role::Alone;
         }
+        if (request.isEmpty()) {
+            return Role::Alone;
+        }
         struct stat status {};
         if (lstat(socketPath_.constData(), &status) == 0) {
             return HandOver(address, request) ? Role::HandedOver : Role::Alone;

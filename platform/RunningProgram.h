@@ -17,7 +17,7 @@ class RunningProgram : public QObject {
     enum class Role {
         First,       ///< later starts come here
         HandedOver,  ///< the first one has taken the request: end
-        Alone,       ///< there is no runtime folder, or the first one does not answer
+        Alone,       ///< nothing to hand over, no runtime folder, or the first one does not answer
     };
 
     static constexpr qsizetype LongestRequest = 16384;
@@ -26,7 +26,8 @@ class RunningProgram : public QObject {
     ~RunningProgram() override;
 
     /// Becomes the first program of that identity, or hands `request` (at most LongestRequest
-    /// bytes) to it, for which it waits a few seconds at most. Needs no event loop. Call it once.
+    /// bytes) to it, for which it waits a few seconds at most; an empty one is never handed over.
+    /// Needs no event loop. Call it once.
     Role Start(const QString& identity, const QByteArray& request);
 
     /// From now on the event loop emits Requested for what later starts hand over.

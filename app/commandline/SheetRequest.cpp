@@ -205,8 +205,10 @@ CheckRequest ParseCheckRequest(const QStringList& arguments) {
 QString CommandLineHelp() {
     return uR"(Aufruf:
   kadrona [--new-window] [--open | FOTO]
-      öffnet das Fenster, auf Wunsch gleich mit einem Foto oder dem Dialog, der
-      eines öffnet. Vor Namen, die mit „-“ beginnen, steht „--“.
+      öffnet ein Fenster, auf Wunsch gleich mit einem Foto oder dem Dialog, der
+      eines öffnet (--open). Ein Foto bekommt das Fenster, das schon läuft, es
+      sei denn, --new-window verlangt ein weiteres. Vor Namen, die mit „-“
+      beginnen, steht „--“.
   kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.

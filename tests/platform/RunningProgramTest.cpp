@@ -39,6 +39,7 @@ TEST(RunningProgram, TheFirstGetsWhatLaterStartsAreAskedAndAnotherFollowsIt) {
         return role;
     };
     EXPECT_EQ(later("a photo"), Role::HandedOver);
+    EXPECT_EQ(later({}), Role::Alone);
     EXPECT_EQ(later(QByteArray(RunningProgram::LongestRequest + 1, 'x')), Role::Alone);
     EXPECT_EQ(requests, QByteArrayList{"a photo"});
     EXPECT_EQ(RunningProgram().Start(u"elsewhere"_s, {}), Role::First);
