@@ -23,7 +23,7 @@ namespace {
 
 constexpr QSize ManualSize(900, 680);
 constexpr int ChaptersWidth = 290;
-constexpr qint64 MostManualBytes = 1024 * 1024;
+constexpr qint64 MostManualBytes = qint64{1024} * 1024;
 constexpr int ChapterIndent = 3;  // spaces a level
 
 }  // namespace
@@ -102,8 +102,8 @@ void ManualWindow::ListChapters() {
     for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
         const int level = block.blockFormat().headingLevel();
         if (level > 0) {
-            auto* item =
-                new QListWidgetItem(QString(ChapterIndent * (level - 1), u' ') + block.text());
+            auto* item = new QListWidgetItem(QString(qsizetype{ChapterIndent} * (level - 1), u' ') +
+                                             block.text());
             item->setData(Qt::UserRole, block.position());
             chapters_->addItem(item);
         }

@@ -288,6 +288,18 @@ TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {
     here.Remove(1);
     here.TakeOut(sheet);
     EXPECT_EQ(holds(here), u"4c3b1d"_s) << "printed is taken out, and nothing else";
+    // What cannot be read for a while stays in the list.
+    QFile picture(folder.filePath(QDir(folder.path()).entryList({u"*.png"_s}).first()));
+    ASSERT_TRUE(picture.open(QFile::ReadWrite));
+    const QByteArray bytes = picture.readAll();
+    picture.resize(9);
+    SheetTray meanwhile(folder.path());
+    meanwhile.Add(item("e", 1));
+    EXPECT_EQ(meanwhile.Items().size(), 3U);
+    EXPECT_TRUE(picture.resize(0) && picture.seek(0) && picture.write(bytes) == bytes.size());
+    picture.close();
+    here.Load();
+    EXPECT_EQ(here.Items().size(), 4U);
     here.Clear();
     EXPECT_EQ(holds(here), QString());
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList(u"Sammelblatt.json"_s));
