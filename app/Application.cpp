@@ -135,7 +135,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
         requests.Ask(request);
         QObject::connect(&running, &platform::RunningProgram::Requested, &requests,
                          &StartRequests::AskFromOutside);
-        running.Listen();
+        running.Listen([](const QByteArray& bytes) { return Unpacked(bytes).has_value(); });
         result = QApplication::exec();
     });
     return started ? result : SomePhotoFailed;

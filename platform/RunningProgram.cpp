@@ -13,7 +13,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "platform/Paths.h"
 
@@ -28,6 +28,8 @@ constexpr int AnswerMilliseconds = 4000;
 /// A start sends at once; who keeps connections open is let go.
 constexpr int RequestMilliseconds = 2000;
 constexpr int MostClients = 8;
+/// Until file handles may be free again.
+constexpr int RestMilliseconds = 1000;
 constexpr char Taken = 1;
 
 /// The user's own folder for sockets; empty where the session has none that is his alone.
@@ -74,8 +76,9 @@ bool HandOver(const sockaddr_un& address, const QByteArray& request) {
             request.size()) {
         pollfd answer{.fd = connection, .events = POLLIN, .revents = 0};
         char byte = 0;
-        taken = poll(&answer, 1, AnswerMilliseconds) == 1 && recv(connection, &byte, 1, 0) == 1 &&
-                byte == Taken;
+        poll(&answer, 1, AnswerMilliseconds);
+        shutdown(connection, SHUT_RD);  // it has answered by now, or finds that it no longer can
+        taken = recv(connection, &byte, 1, 0) == 1 && byte == Taken;
     }
     if (connection >= 0) {
         close(connection);
@@ -145,16 +148,22 @@ RunningProgram::Role RunningProgram::Start(const QString& identity, const QByteA
     return Role::Alone;
 }
 
-void RunningProgram::Listen() {
+void RunningProgram::Listen(IsRequest isRequest) {
+    isRequest_ = std::move(isRequest);
     if (server_ >= 0) {
         auto* notifier = new QSocketNotifier(server_, QSocketNotifier::Read, this);
-        connect(notifier, &QSocketNotifier::activated, this, &RunningProgram::Accept);
+        connect(notifier, &QSocketNotifier::activated, this,
+                [this, notifier] { Accept(*notifier); });
     }
 }
 
-void RunningProgram::Accept() {
+void RunningProgram::Accept(QSocketNotifier& newcomers) {
     const int client = accept4(server_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
     if (client < 0) {
+        // Who cannot be let in stays at the door, and would be announced without a pause.
+        newcomers.setEnabled(false);
+        QTimer::singleShot(RestMilliseconds, &newcomers,
+                           [&newcomers] { newcomers.setEnabled(true); });
         return;
     }
     if (clients_.size() >= MostClients || !IsOfThisUser(client)) {
@@ -187,10 +196,13 @@ void RunningProgram::Receive(int client) {
         return;
     }
     request.truncate(length);
+    // Who has waited too long does it itself; it must not be done twice.
+    if (!isRequest_(request) || send(client, &Taken, 1, MSG_NOSIGNAL) != 1) {
+        return;
+    }
     // What is done may take its time, or show a dialog.
     QMetaObject::invokeMethod(
         this, [this, request] { Q_EMIT Requested(request); }, Qt::QueuedConnection);
-    [[maybe_unused]] const ssize_t sent = send(client, &Taken, 1, MSG_NOSIGNAL);
 }
 
 }  // namespace kadrona::platform

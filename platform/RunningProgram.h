@@ -4,6 +4,9 @@
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <functional>
+
+class QSocketNotifier;
 
 namespace kadrona::platform {
 
@@ -30,21 +33,25 @@ class RunningProgram : public QObject {
     /// Needs no event loop. Call it once.
     Role Start(const QString& identity, const QByteArray& request);
 
-    /// From now on the event loop emits Requested for what later starts hand over.
-    void Listen();
+    using IsRequest = std::function<bool(const QByteArray& request)>;
+
+    /// From now on the event loop emits Requested for what later starts hand over. What `isRequest`
+    /// refuses is not taken: that start does it itself.
+    void Listen(IsRequest isRequest);
 
  Q_SIGNALS:
-    /// A later start's request, whatever its bytes are.
+    /// A later start's request, which that start leaves to this program.
     void Requested(const QByteArray& request);
 
  private:
-    void Accept();
+    void Accept(QSocketNotifier& newcomers);
     void Receive(int client);
 
     int lock_ = -1;
     int server_ = -1;
     QByteArray socketPath_;
     QSet<int> clients_;
+    IsRequest isRequest_;
 };
 
 }  // namespace kadrona::platform

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -14,13 +19,29 @@ namespace kadrona::platform {
 using namespace Qt::StringLiterals;
 using Role = RunningProgram::Role;
 
+namespace {
+
+/// As a start whose patience is at its end.
+void LeaveWithoutWaiting(const QString& folder, const QByteArray& request) {
+    const QString name = QDir(folder).entryList({u"*.socket"_s}, QDir::System).value(0);
+    const QByteArray path = QFile::encodeName(folder + u'/' + name);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    std::ranges::copy(path, std::begin(address.sun_path));
+    const int connection = socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    ASSERT_EQ(connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(send(connection, request.constData(), size_t(request.size()), 0), request.size());
+    close(connection);
+}
+
+}  // namespace
+
 TEST(RunningProgram, TheFirstGetsWhatLaterStartsAreAskedAndAnotherFollowsIt) {
     QTemporaryDir folder;
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder.path()));
     QByteArrayList requests;
     auto first = std::make_unique<RunningProgram>();
     EXPECT_EQ(first->Start(u"here"_s, {}), Role::First);
-    first->Listen();
+    first->Listen([](const QByteArray& request) { return request != "another form"; });
     QObject::connect(first.get(), &RunningProgram::Requested,
                      [&requests](const QByteArray& request) { requests += request; });
     // The first one's event loop runs meanwhile, as in a program of its own.
@@ -41,6 +62,10 @@ TEST(RunningProgram, TheFirstGetsWhatLaterStartsAreAskedAndAnotherFollowsIt) {
     EXPECT_EQ(later("a photo"), Role::HandedOver);
     EXPECT_EQ(later({}), Role::Alone);
     EXPECT_EQ(later(QByteArray(RunningProgram::LongestRequest + 1, 'x')), Role::Alone);
+    EXPECT_EQ(later("another form"), Role::Alone);
+    LeaveWithoutWaiting(folder.path(), "given up");
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
     EXPECT_EQ(requests, QByteArrayList{"a photo"});
     EXPECT_EQ(RunningProgram().Start(u"elsewhere"_s, {}), Role::First);
     first.reset();
