@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/AtomicFile.h"
+#include "platform/FolderLock.h"
 #include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 
@@ -16,7 +17,7 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr qint64 MostBytes = 2 * 1024 * 1024;
+constexpr qint64 MostBytes = qint64{2} << 20;
 const QString KeepsKey = u"merken"_s;
 const QString PhotosKey = u"fotos"_s;
 const QString PathKey = u"pfad"_s;
@@ -46,6 +47,10 @@ QString RecentPhotos::DefaultPath() {
 }
 
 RecentPhotos::RecentPhotos(QString path) : path_(std::move(path)) {
+    Read();
+}
+
+void RecentPhotos::Read() {
     const auto bytes = platform::ReadFileIfThere(path_, MostBytes);
     const QJsonObject content = QJsonDocument::fromJson(bytes.value_or(QByteArray())).object();
     keeps_ = content.value(KeepsKey).toBool(true);
@@ -53,25 +58,34 @@ RecentPhotos::RecentPhotos(QString path) : path_(std::move(path)) {
 }
 
 void RecentPhotos::Add(RecentPhoto photo) {
-    if (!keeps_) {
-        return;
-    }
-    photos_.removeIf([&photo](const RecentPhoto& kept) { return kept.path == photo.path; });
-    photos_.prepend(std::move(photo));
-    photos_.resize(std::min(photos_.size(), MostPhotos));
-    Save();
+    Change([&] {
+        if (keeps_) {
+            photos_.removeIf([&photo](const RecentPhoto& kept) { return kept.path == photo.path; });
+            photos_.prepend(std::move(photo));
+            photos_.resize(std::min(photos_.size(), MostPhotos));
+        }
+    });
 }
 
 void RecentPhotos::Clear() {
-    photos_.clear();
-    Save();
+    Change([this] { photos_.clear(); });
 }
 
 void RecentPhotos::SetKeeps(bool keeps) {
-    keeps_ = keeps;
-    if (!keeps) {
-        photos_.clear();
-    }
+    Change([this, keeps] {
+        keeps_ = keeps;
+        if (!keeps) {
+            photos_.clear();
+        }
+    });
+}
+
+void RecentPhotos::Change(const std::function<void()>& change) {
+    const QString folder = QFileInfo(path_).path();
+    platform::CreateFolder(folder);  // where it cannot, locking says so
+    const platform::FolderLock lock(folder);
+    Read();
+    change();
     Save();
 }
 
@@ -81,7 +95,6 @@ void RecentPhotos::Save() const {
         entries.append(QJsonObject{{PathKey, photo.path},
                                    {PictureKey, QString::fromLatin1(photo.picture.toBase64())}});
     }
-    platform::CreateFolder(QFileInfo(path_).path());  // where it cannot, writing says so
     platform::WriteFileAtomically(
         path_, QJsonDocument(QJsonObject{{KeepsKey, keeps_}, {PhotosKey, entries}}).toJson());
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <functional>
 
 namespace kadrona::core {
 
@@ -20,7 +21,7 @@ struct RecentPhoto {
 class RecentPhotos {
  public:
     static constexpr qsizetype MostPhotos = 10;
-    static constexpr qsizetype MostPictureBytes = 64 * 1024;
+    static constexpr qsizetype MostPictureBytes = qsizetype{64} * 1024;
 
     /// Reads `path`; a missing or damaged file is an empty list. Throws FileError where the file is
     /// there and cannot be read.
@@ -32,7 +33,8 @@ class RecentPhotos {
     const QList<RecentPhoto>& Photos() const { return photos_; }
     bool Keeps() const { return keeps_; }
 
-    /// The following write the file and throw FileError where that fails.
+    /// The following read the file again, which another window may have changed, and write it. They
+    /// throw FileError where that fails.
     /// Puts a photo in front; does nothing where none are kept.
     void Add(RecentPhoto photo);
     void Clear();
@@ -40,6 +42,8 @@ class RecentPhotos {
     void SetKeeps(bool keeps);
 
  private:
+    void Read();
+    void Change(const std::function<void()>& change);
     void Save() const;
 
     QString path_;
