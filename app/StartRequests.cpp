@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QWindow>
-#include <utility>
 
 #include "app/AtRest.h"
 #include "app/MainWindow.h"
@@ -11,7 +10,9 @@ namespace kadrona::app {
 
 namespace {
 
-constexpr int WaitMilliseconds = 10;
+/// Until the window is on the screen, and then while something else is under way.
+constexpr int WindowMilliseconds = 10;
+constexpr int RestMilliseconds = 200;
 
 void BringToFront(QWidget& window, const QByteArray& token) {
     if (!token.isEmpty()) {
@@ -26,13 +27,12 @@ void BringToFront(QWidget& window, const QByteArray& token) {
 }  // namespace
 
 StartRequests::StartRequests(TmainFm& window) : window_(window) {
-    timer_.setInterval(WaitMilliseconds);
     connect(&timer_, &QTimer::timeout, this, &StartRequests::Look);
 }
 
 void StartRequests::Ask(const WindowRequest& request) {
-    waiting_ = request;
-    timer_.start();
+    waiting_.append(request);
+    timer_.start(WindowMilliseconds);
 }
 
 void StartRequests::AskFromOutside(const QByteArray& bytes) {
@@ -47,16 +47,21 @@ void StartRequests::AskFromOutside(const QByteArray& bytes) {
 /// Dialogs over the photo can only be placed well over a window that is on the screen, and a photo
 /// must not change under an open dialog or an action.
 void StartRequests::Look() {
-    if (!IsAtRest() || !window_.windowHandle()->isExposed()) {
+    if (!window_.windowHandle()->isExposed()) {
         return;
     }
-    timer_.stop();
-    if (const auto request = std::exchange(waiting_, std::nullopt)) {
-        if (!request->photo.isEmpty()) {
-            window_.OpenDroppedFiles({request->photo});
-        } else if (request->chooses) {
-            window_.Actions()[Action::Open]->trigger();
-        }
+    if (!IsAtRest()) {
+        timer_.setInterval(RestMilliseconds);
+        return;
+    }
+    const WindowRequest request = waiting_.takeFirst();
+    if (waiting_.isEmpty()) {
+        timer_.stop();
+    }
+    if (!request.photo.isEmpty()) {
+        window_.OpenDroppedFiles({request.photo});
+    } else if (request.chooses) {
+        window_.Actions()[Action::Open]->trigger();
     }
 }
 

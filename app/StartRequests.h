@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QTimer>
-#include <optional>
 
 #include "app/commandline/WindowRequest.h"
 
@@ -18,8 +18,7 @@ class StartRequests : public QObject {
     /// `window` outlives the object.
     explicit StartRequests(TmainFm& window);
 
-    /// Does it once the window is on the screen and no dialog is open. A newer request takes the
-    /// place of one that still waits, as a second dropped photo would.
+    /// Does it once the window is on the screen and no dialog is open, one request after another.
     void Ask(const WindowRequest& request);
 
     /// The same for what another start handed over; the window comes to the front at once. Bytes
@@ -30,7 +29,7 @@ class StartRequests : public QObject {
     void Look();
 
     TmainFm& window_;
-    std::optional<WindowRequest> waiting_;
+    QList<WindowRequest> waiting_;
     QTimer timer_;
 };
 
