@@ -6,9 +6,11 @@
 #include <QHeaderView>
 #include <QStandardPaths>
 #include <QTreeView>
+#include <array>
 
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/FileDialogs.h"
+#include "core/base/RecentPhotos.h"
 #include "dialogs/WindowPlacement.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
@@ -28,6 +30,8 @@ const QString OpenFolderValue = u"OpenFolder"_s;
 const QString SaveFolderValue = u"SaveFolder"_s;
 const QString ChosenFolderValue = u"ChosenFolder"_s;
 
+constexpr std::array FolderValues{&OpenFolderValue, &SaveFolderValue, &ChosenFolderValue};
+
 /// Empty where it cannot be read: the dialog opens all the same.
 QString RememberedFolder(const QString& value) {
     try {
@@ -37,9 +41,10 @@ QString RememberedFolder(const QString& value) {
     }
 }
 
+/// Folders may be named after customers, as photos are: who has none kept has no folders kept.
 void RememberFolder(const QString& value, const QString& folder) {
     try {
-        if (folder != platform::ReadRegistryText(value)) {
+        if (core::RecentPhotos().Keeps() && folder != platform::ReadRegistryText(value)) {
             platform::WriteRegistryText(value, folder);
         }
     } catch (const platform::Error&) {
@@ -131,6 +136,14 @@ QStringList NameFilters(const QString& pipeSeparated) {
     return filters;
 }
 
+void ForgetFolders() {
+    for (const QString* value : FolderValues) {
+        if (!platform::ReadRegistryText(*value).isEmpty()) {
+            platform::WriteRegistryText(*value, {});
+        }
+    }
+}
+
 std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& dialog) {
     QFileDialog window(parent, u"Bild öffnen"_s,
                        StartFolder(dialog.initialFolder, OpenFolderValue));
@@ -174,7 +187,7 @@ QString ChooseFolder(QWidget* parent, const QString& title) {
     if (window.exec() != QDialog::Accepted) {
         return {};
     }
-    const QString folder = window.selectedFiles().value(0);
+    QString folder = window.selectedFiles().value(0);
     RememberFolder(ChosenFolderValue, folder);
     return folder;
 }

@@ -29,4 +29,8 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
 /// Lets the user choose a folder that exists; empty when cancelled.
 QString ChooseFolder(QWidget* parent, const QString& title);
 
+/// The dialogs no longer start in the folders of their last choices. Throws FileError where the
+/// user's values cannot be written.
+void ForgetFolders();
+
 }  // namespace kadrona::app

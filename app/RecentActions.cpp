@@ -1,13 +1,14 @@
 #include "app/RecentActions.h"
 
 #include <QBuffer>
-#include <QDir>
 #include <QFileInfo>
 #include <QMenu>
 #include <utility>
 
 #include "app/PhotoSession.h"
+#include "app/PictureFileDialog.h"
 #include "app/SmallPicture.h"
+#include "controls/commands/ScreenTip.h"
 #include "controls/fields/PhotoStrip.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/base/RecentPhotos.h"
@@ -36,7 +37,7 @@ QImage PictureOf(const core::RecentPhoto& photo) {
         return {};
     }
     try {
-        constexpr qint64 MostPixels = 256 * 256;
+        constexpr qint64 MostPixels = qint64{256} * 256;
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::ReadOnly);
         return imaging::ReadImage(buffer, photo.path, {.maximumPixels = MostPixels})
@@ -55,11 +56,21 @@ RecentActions::RecentActions(QMenu& menu, controls::PhotoStrip& strip, const Pho
     connect(&menu, &QMenu::aboutToShow, this, &RecentActions::FillMenu);
     connect(&strip, &controls::PhotoStrip::Chosen, this,
             [this](const QString& path) { open_(path); });
-    controls::Guarded(strip.window(), [this] { photos_ = std::make_unique<core::RecentPhotos>(); });
+    Read();
     FillStrip();
 }
 
 RecentActions::~RecentActions() = default;
+
+/// Another window may have changed the list. Where it cannot be read there is none, and nothing is
+/// said: the user has not asked for it.
+void RecentActions::Read() {
+    try {
+        photos_ = std::make_unique<core::RecentPhotos>();
+    } catch (const platform::Error&) {
+        photos_.reset();
+    }
+}
 
 void RecentActions::Remember(const QString& path) {
     if (!photos_ || !photos_->Keeps()) {
@@ -75,6 +86,7 @@ void RecentActions::Remember(const QString& path) {
 
 void RecentActions::FillMenu() {
     menu_.clear();
+    Read();
     if (!photos_) {
         return;
     }
@@ -84,20 +96,25 @@ void RecentActions::FillMenu() {
             metrics.elidedText(QFileInfo(photo.path).fileName(), Qt::ElideMiddle, MenuTextWidth);
         QAction* action = menu_.addAction(QIcon(QPixmap::fromImage(PictureOf(photo))),
                                           QString(name).replace(u'&', u"&&"_s));
-        action->setToolTip(QDir::toNativeSeparators(photo.path));
+        action->setToolTip(controls::PlainTip(photo.path));
         connect(action, &QAction::triggered, this, [this, path = photo.path] { open_(path); });
     }
     menu_.addSeparator();
     QAction* clear = menu_.addAction(u"Liste &leeren"_s);
     clear->setObjectName(u"acRecentClear"_s);
     clear->setEnabled(!photos_->Photos().isEmpty());
-    connect(clear, &QAction::triggered, this, [this] { Change([this] { photos_->Clear(); }); });
+    connect(clear, &QAction::triggered, this, [this] {
+        Change([this] {
+            photos_->Clear();
+            ForgetFolders();
+        });
+    });
     QAction* keep = menu_.addAction(u"Geöffnete Fotos &merken"_s);
     keep->setObjectName(u"acRecentKeep"_s);
     keep->setCheckable(true);
     keep->setChecked(photos_->Keeps());
     connect(keep, &QAction::triggered, this,
-            [this](bool checked) { Change([this, checked] { photos_->SetKeeps(checked); }); });
+            [this](bool checked) { Change([this, checked] { SetKeeps(checked); }); });
 }
 
 void RecentActions::FillStrip() {
@@ -113,6 +130,13 @@ void RecentActions::FillStrip() {
         if (const QImage picture = PictureOf(photo); !picture.isNull()) {
             strip_.SetPicture(photo.path, picture);
         }
+    }
+}
+
+void RecentActions::SetKeeps(bool keeps) {
+    photos_->SetKeeps(keeps);
+    if (!keeps) {
+        ForgetFolders();
     }
 }
 

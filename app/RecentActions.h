@@ -34,8 +34,10 @@ class RecentActions : public QObject {
     void Remember(const QString& path);
 
  private:
+    void Read();
     void FillMenu();
     void FillStrip();
+    void SetKeeps(bool keeps);
     void Change(const std::function<void()>& change);
 
     QMenu& menu_;

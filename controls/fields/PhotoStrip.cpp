@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QScrollBar>
 
+#include "controls/commands/ScreenTip.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
@@ -17,7 +19,7 @@ constexpr int ItemHeight = PhotoStrip::PictureSide + 28;
 QListWidgetItem* NewItem(const QString& path) {
     auto* item = new QListWidgetItem(QFileInfo(path).fileName());
     item->setData(PathRole, path);
-    item->setToolTip(path);
+    item->setToolTip(PlainTip(path));
     item->setSizeHint({ItemWidth, ItemHeight});
     QPixmap empty(PhotoStrip::PictureSide, PhotoStrip::PictureSide);
     empty.fill(Qt::transparent);

@@ -4,7 +4,9 @@
 #include <QMenu>
 
 #include "app/StartRequests.h"
+#include "controls/commands/ScreenTip.h"
 #include "controls/fields/PhotoStrip.h"
+#include "core/base/RecentPhotos.h"
 #include "core/sheet/PhotoLoading.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"
@@ -95,12 +97,14 @@ TEST_F(Story, AnUnreadablePhotoIsReportedAndTheNextOneOpens) {
     EXPECT_TRUE(IsEnabled(u"acCrop"_s));
 }
 
-TEST_F(Story, ALaterStartsPhotoWaitsForWhatIsUnderWay) {
+TEST_F(Story, LaterStartsPhotosWaitForWhatIsUnderWayAndForEachOther) {
     Open("photo.png");
     SavePhoto("next.png", QSize(600, 800), 90);
     app::StartRequests requests(*window);
     requests.Ask({.photo = installation.Path("next.png")});
-    ExpectTemplate(0);
+    requests.Ask({.photo = installation.Path("photo.png")});
+    ExpectTemplate();
+    ExpectTemplate();
     QEventLoop program;
     QTimer::singleShot(0, &program, [&] {
         QEventLoop action;  // as while the print service is asked
@@ -110,7 +114,10 @@ TEST_F(Story, ALaterStartsPhotoWaitsForWhatIsUnderWay) {
         program.quit();
     });
     program.exec();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Image().Photo().Size() == QSize(600, 800); }));
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        return core::RecentPhotos().Photos().size() == 2 &&
+               Image().Photo().Size() == QSize(1200, 1600);
+    }));
 }
 
 TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
@@ -376,7 +383,7 @@ TEST_F(Story, RemembersOpenedPhotosUntilTheListIsClearedOrSwitchedOff) {
     Start();
     auto& strip = Child<controls::PhotoStrip>(*window, "RecentStrip");
     ASSERT_EQ(strip.count(), 2);
-    EXPECT_EQ(strip.item(1)->toolTip(), installation.Path("second.png"));
+    EXPECT_EQ(strip.item(1)->toolTip(), controls::PlainTip(installation.Path("second.png")));
     EXPECT_EQ(strip.item(1)->icon().pixmap(96).toImage().pixelColor(40, 40), QColor(200, 200, 200));
     ExpectTemplate();
     Q_EMIT strip.itemClicked(strip.item(1));
@@ -387,8 +394,13 @@ TEST_F(Story, RemembersOpenedPhotosUntilTheListIsClearedOrSwitchedOff) {
         Q_EMIT menu.aboutToShow();
         Child<QAction>(menu, entry).trigger();
     };
+    platform::WriteRegistryText(u"OpenFolder"_s, u"/customer"_s);
+    core::RecentPhotos otherWindow;
     choose("acRecentClear");
     EXPECT_EQ(strip.count(), 0);
+    EXPECT_EQ(platform::ReadRegistryText(u"OpenFolder"_s), QString());
+    otherWindow.Add({u"/third.png"_s, {}});
+    EXPECT_EQ(otherWindow.Photos().size(), 1) << "what was cleared stays so";
     choose("acRecentKeep");
     Open("photo.png");
     Start();
