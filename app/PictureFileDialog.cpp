@@ -33,19 +33,19 @@ const QString ChosenFolderValue = u"ChosenFolder"_s;
 constexpr std::array FolderValues{&OpenFolderValue, &SaveFolderValue, &ChosenFolderValue};
 
 /// Empty where it cannot be read: the dialog opens all the same.
-QString RememberedFolder(const QString& value) {
+QString RememberedFolder(const QString& name) {
     try {
-        return platform::ReadRegistryText(value);
+        return platform::ReadRegistryText(name);
     } catch (const platform::Error&) {
         return {};
     }
 }
 
 /// Folders may be named after customers, as photos are: who has none kept has no folders kept.
-void RememberFolder(const QString& value, const QString& folder) {
+void RememberFolder(const QString& name, const QString& folder) {
     try {
-        if (core::RecentPhotos().Keeps() && folder != platform::ReadRegistryText(value)) {
-            platform::WriteRegistryText(value, folder);
+        if (core::RecentPhotos().Keeps() && folder != platform::ReadRegistryText(name)) {
+            platform::WriteRegistryText(name, folder);
         }
     } catch (const platform::Error&) {
         // The choice itself holds.
@@ -53,9 +53,9 @@ void RememberFolder(const QString& value, const QString& folder) {
 }
 
 /// Where a dialog starts: the folder wanted, the last one, or one that exists.
-QString StartFolder(const QString& wanted, const QString& value) {
+QString StartFolder(const QString& wanted, const QString& name) {
     for (const QString& folder :
-         {wanted, RememberedFolder(value),
+         {wanted, RememberedFolder(name),
           QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)}) {
         if (QFileInfo(folder).isDir()) {
             return folder;
