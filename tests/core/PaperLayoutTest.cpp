@@ -248,8 +248,8 @@ TEST(SheetOrder, TakesAThousandLinesAndNoMore) {
 
 TEST(SheetTray, ListsOnlyItsOwnPicturesThatMakeSense) {
     const auto taken = [](const char* file, int count) {
-        return ParseTrayList(QByteArray("[{\"width\":9,\"height\":9,\"file\":\"") + file +
-                             "\",\"count\":" + QByteArray::number(count) + "}]")
+        return ParseTrayList(QByteArray(R"([{"width":9,"height":9,"file":")") + file +
+                             R"(","count":)" + QByteArray::number(count) + "}]")
             .size();
     };
     EXPECT_EQ(taken("bild1.png", 1), 1U);

@@ -118,7 +118,7 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
                QByteArray(8, '\0') + BigEndian(quint16{3});
     };
     const auto losslessWebP = [](quint32 side) {
-        return "RIFF" + Packed<quint32>(22) + "WEBPVP8L" + Packed<quint32>(10) + "\x2f" +
+        return "RIFF" + Packed<quint32>(22) + "WEBPVP8L" + Packed<quint32>(10) + "/" +
                Packed<quint32>((side - 1) | (side - 1) << 14) + QByteArray(5, '\0');
     };
     const auto floats = [](quint32 side) {
