@@ -94,6 +94,7 @@ class TmainFm : public QMainWindow {
     void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);
     void BuildViewPanel();
     void BuildSidePanel();
+    void TakeDrops(QWidget& panel);
     QWidget* BuildSheetLine();
     QWidget* BuildEmptyState();
     void BuildStatusBar();

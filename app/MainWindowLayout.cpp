@@ -133,8 +133,11 @@ void TmainFm::BuildViewPanel() {
     for (const Action action : {Action::ShowCheck, Action::ShowSheet, Action::AddToSheet}) {
         addAction(actions_[action]);
     }
+    TakeDrops(*panel);
+}
 
-    auto* drop = new controls::FileDropTarget(panel);
+void TmainFm::TakeDrops(QWidget& panel) {
+    auto* drop = new controls::FileDropTarget(&panel);
     // What another program drops also arrives while an action waits for the print service.
     connect(drop, &controls::FileDropTarget::FilesDropped, this, [this](const QStringList& paths) {
         if (IsAtRest()) {

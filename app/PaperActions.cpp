@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 
 #include "app/MainActions.h"
+#include "app/PaperPicture.h"
 #include "app/PhotoSession.h"
 #include "app/PrintFlow.h"
 #include "app/ViewActions.h"
@@ -41,38 +42,6 @@ constexpr int PreviewCut = 300;
 constexpr imaging::DotsPerInch PreviewTextResolution{150};
 /// The photo in the preview follows once the template rests; where it lies follows at once.
 constexpr int CutDelayMilliseconds = 200;
-
-/// Millimetres around the paper's middle.
-QRectF AroundMiddle(const QRect& micrometres, QSize paper) {
-    constexpr double Millimetre = core::MicrometresPerMillimetre;
-    return {(micrometres.left() - paper.width() / 2.0) / Millimetre,
-            (micrometres.top() - paper.height() / 2.0) / Millimetre,
-            micrometres.width() / Millimetre, micrometres.height() / Millimetre};
-}
-
-/// The layout as the preview draws it, on a paper that is reached everywhere, with its line of text
-/// as the second picture.
-printing::SheetOnPaper Shown(const std::vector<QRect>& photos, const core::PaperChoice& choice,
-                             const std::optional<QRect>& text) {
-    const QSize paper = *choice.paper;
-    printing::SheetOnPaper sheet;
-    sheet.paper = AroundMiddle(QRect(QPoint(), paper), paper);
-    sheet.reached = sheet.paper;
-    for (const QRect& photo : photos) {
-        const QRectF place = AroundMiddle(photo, paper);
-        sheet.copies.push_back({place, place, {}});
-    }
-    std::vector<QRect> texts;
-    if (text) {
-        texts.push_back(*text);
-        sheet.texts.push_back({AroundMiddle(*text, paper), 1});
-    }
-    for (const QRect& mark :
-         core::MarksAround(photos, texts, paper, choice.marks, core::MarksOnPaper)) {
-        sheet.marks.push_back(AroundMiddle(mark, paper));
-    }
-    return sheet;
-}
 
 /// Nothing where there is no template.
 QSize PhotoSize(const core::TData& data) {
@@ -214,7 +183,7 @@ void PaperActions::UpdatePreview() {
         const auto line =
             core::TextBeside(layout.photos, *choice.paper, choice.text, PreviewTextResolution);
         preview_->ShowSheet(
-            Shown(layout.photos, choice, line ? std::optional(line->place) : std::nullopt),
+            PaperPicture(layout.photos, choice, line ? std::optional(line->place) : std::nullopt),
             {layout.turned ? lying_ : upright_, line ? line->picture : QImage()});
     } catch (const platform::Error&) {
         preview_->ShowText(u"Keine Vorschau"_s);

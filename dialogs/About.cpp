@@ -53,14 +53,6 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), folders_(new QLabel) {
         }
     });
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
-    QPushButton* libraries =
-        buttons->addButton(u"&Bibliotheken und Lizenzen"_s, QDialogButtonBox::HelpRole);
-    libraries->setObjectName(u"btnLibraries"_s);
-    connect(libraries, &QPushButton::clicked, this, &TfmAbout::ShowLibraries);
-    buttons->button(QDialogButtonBox::Ok)->setObjectName(u"btnOk"_s);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-
     auto* row = new QHBoxLayout;
     row->setSpacing(20);
     row->addWidget(symbol, 0, Qt::AlignTop);
@@ -71,8 +63,19 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), folders_(new QLabel) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(20, 20, 20, 16);
     layout->addLayout(row);
-    layout->addWidget(buttons);
+    layout->addWidget(BuildButtons());
     layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QWidget* TfmAbout::BuildButtons() {
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
+    QPushButton* libraries =
+        buttons->addButton(u"&Bibliotheken und Lizenzen"_s, QDialogButtonBox::HelpRole);
+    libraries->setObjectName(u"btnLibraries"_s);
+    connect(libraries, &QPushButton::clicked, this, &TfmAbout::ShowLibraries);
+    buttons->button(QDialogButtonBox::Ok)->setObjectName(u"btnOk"_s);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    return buttons;
 }
 
 void TfmAbout::SetFolders(const QList<Folder>& folders) {

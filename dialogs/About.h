@@ -25,6 +25,7 @@ class TfmAbout : public QDialog {
     void SetFolders(const QList<Folder>& folders);
 
  private:
+    QWidget* BuildButtons();
     void ShowLibraries();
 
     QLabel* folders_;
