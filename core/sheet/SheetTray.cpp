@@ -1,11 +1,13 @@
 #include "core/sheet/SheetTray.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStringList>
 #include <algorithm>
 #include <filesystem>
@@ -29,6 +31,8 @@ namespace kadrona::core {
 namespace {
 
 constexpr qint64 MostListBytes = 1'000'000;
+/// Of all pictures together; the program adds some two million with each.
+constexpr qint64 MostPixels = 200'000'000;
 /// A metre.
 constexpr int LongestSide = 1'000'000;
 
@@ -69,6 +73,7 @@ std::vector<ListedItem> ParseTrayList(const QByteArray& json) {
         throw platform::Error(u"Die Liste des Sammelblatts ist beschädigt."_s);
     }
     std::vector<ListedItem> items;
+    QSet<QString> files;
     for (const QJsonValue value : document.array()) {
         const QJsonObject object = value.toObject();
         ListedItem listed;
@@ -77,7 +82,8 @@ std::vector<ListedItem> ParseTrayList(const QByteArray& json) {
         listed.item.document = platform::HarmlessLine(object[u"document"_s].toString());
         listed.item.name = platform::HarmlessLine(object[u"name"_s].toString());
         listed.item.count = object[u"count"_s].toInt();
-        if (MakesSense(listed)) {
+        if (MakesSense(listed) && !files.contains(listed.file)) {
+            files.insert(listed.file);
             items.push_back(std::move(listed));
         }
     }
@@ -104,23 +110,40 @@ void SheetTray::Load() {
     }
 }
 
+/// The folder lies in the data folder, which accounts may share: another one's link would have this
+/// user's rights read and write wherever it leads.
+QString SheetTray::PathOf(const QString& file) const {
+    const platform::FollowedPath followed =
+        platform::FollowLinks(platform::JoinPath(folder_, file), platform::Links::Own);
+    if (!followed.refusal.isEmpty()) {
+        throw platform::FileError(
+            u"Das Sammelblatt im Ordner „%1“ kann nicht benutzt werden: %2."_s.arg(
+                folder_, followed.refusal));
+    }
+    return followed.path;
+}
+
 /// Pictures that are known already are not read again.
 SheetTray::Content SheetTray::Read() const {
     Content content;
     const auto list =
-        platform::ReadFileIfThere(platform::JoinPath(folder_, ListName), MostListBytes);
+        platform::ReadFileIfThere(PathOf(ListName), MostListBytes, platform::Links::Own);
     if (!list) {
         return content;
     }
+    qint64 room = MostPixels;
     for (ListedItem& listed : ParseTrayList(*list)) {
-        const QString path = platform::JoinPath(folder_, listed.file);
         try {
             const auto known = content_.IndexOf(listed.file);
-            listed.item.picture =
-                known ? content_.items[*known].picture : imaging::ReadImageFile(path).pixels;
+            imaging::Pixels& picture = listed.item.picture;
+            picture =
+                known ? content_.items[*known].picture
+                      : imaging::ReadImageFile(PathOf(listed.file), {.maximumPixels = room}).pixels;
+            room -= std::min(room, qint64{picture.Width()} * picture.Height());
         } catch (const platform::Error& error) {
             std::error_code unknown;
-            if (std::filesystem::status(QFile::encodeName(path).toStdString(), unknown).type() !=
+            const QByteArray path = QFile::encodeName(platform::JoinPath(folder_, listed.file));
+            if (std::filesystem::symlink_status(path.toStdString(), unknown).type() !=
                 std::filesystem::file_type::not_found) {
                 content.unread.push_back(std::move(listed));
                 content.failure =
@@ -143,13 +166,13 @@ void SheetTray::Save(const Content& content) const {
     for (const ListedItem& listed : content.unread) {
         list.append(ObjectOf(listed.item, listed.file));
     }
-    platform::WriteFileAtomically(platform::JoinPath(folder_, ListName),
-                                  QJsonDocument(list).toJson());
+    platform::WriteFileAtomically(PathOf(ListName), QJsonDocument(list).toJson(),
+                                  platform::Links::Own);
 }
 
 /// A damaged list must not keep the tray from being used for ever; its pictures' files stay.
 void SheetTray::Change(const std::function<void(Content&)>& change) {
-    const platform::FolderLock lock(folder_);
+    const platform::FolderLock lock(PathOf({}));
     Content content;
     try {
         content = Read();
@@ -184,17 +207,18 @@ QString SheetTray::NewFile() const {
     QString file;
     do {
         file = u"bild%1.png"_s.arg(QRandomGenerator::global()->bounded(Numbers));
-    } while (QFile::exists(platform::JoinPath(folder_, file)));
+    } while (QFile::exists(PathOf(file)));
     return file;
 }
 
 void SheetTray::Add(CollectedItem item) {
-    if (!platform::CreateFolder(folder_)) {
+    // Where the data folder itself is gone, its disk may be; what is put there now is hidden later.
+    if (!QFileInfo(QFileInfo(folder_).path()).isDir() || !platform::CreateFolder(folder_)) {
         throw platform::Error(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder_));
     }
     item.picture = KeptPicture(item);
     const QString file = NewFile();
-    const QString path = platform::JoinPath(folder_, file);
+    const QString path = PathOf(file);
     imaging::WriteImageFile(path, item.picture, {});
     try {
         Change([&](Content& content) {

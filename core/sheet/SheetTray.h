@@ -76,6 +76,8 @@ class SheetTray {
     /// The same for one item, where it is still in the list.
     void ChangeItem(size_t index, const std::function<void(Content&, size_t index)>& change);
     QString NewFile() const;
+    /// Where a file of the tray is, without links. Throws platform::FileError.
+    QString PathOf(const QString& file) const;
 
     QString folder_;
     Content content_;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QRegion>
@@ -14,6 +15,7 @@
 #include "core/sheet/SheetOrder.h"
 #include "core/sheet/SheetTray.h"
 #include "core/sheet/ShelfPacking.h"
+#include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -255,6 +257,27 @@ TEST(SheetTray, ListsOnlyItsOwnPicturesThatMakeSense) {
     EXPECT_EQ(taken("bild1.png", 1), 1U);
     EXPECT_EQ(taken("bild1.png", 0), 0U);
     EXPECT_EQ(taken("../bild1.png", 1), 0U);
+    const QByteArray twice = R"({"width":9,"height":9,"file":"bild1.png","count":1})";
+    EXPECT_EQ(ParseTrayList('[' + twice + ',' + twice + ']').size(), 1U);
+}
+
+TEST(SheetTray, LeadsNowhereByAnothersLink) {
+    const QTemporaryDir folder;
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "no right to give a link away";
+    }
+    const QString list = folder.filePath(u"tray/Sammelblatt.json"_s);
+    const QString victim = folder.filePath(u"victim"_s);
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"tray"_s));
+    platform::WriteFileAtomically(victim, "[]"_ba);
+    ASSERT_EQ(symlink(QFile::encodeName(victim).constData(), QFile::encodeName(list).constData()),
+              0);
+    ASSERT_EQ(lchown(QFile::encodeName(list).constData(), 1001, 1001), 0);
+    SheetTray tray(folder.filePath(u"tray"_s));
+    const QImage picture(20, 30, QImage::Format_RGB32);
+    EXPECT_THROW(tray.Add({imaging::Pixels(picture), {20'000, 30'000}, {}, {}}),
+                 platform::FileError);
+    EXPECT_EQ(platform::ReadWholeFile(victim, 9), "[]"_ba);
 }
 
 TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {
