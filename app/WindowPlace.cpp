@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/templates/LayoutFile.h"
+#include "platform/Error.h"
 #include "platform/IniFile.h"
 
 using namespace Qt::StringLiterals;
@@ -17,6 +18,9 @@ namespace kadrona::app {
 namespace {
 
 const QString MaximizedKey = u"Maximized"_s;
+
+/// Until a window that is dragged has come to rest.
+constexpr int RestMilliseconds = 1000;
 
 /// The screen on which enough of a window would be to take hold of it; null when there is none.
 const QScreen* ScreenOf(const QRect& window) {
@@ -43,6 +47,9 @@ QSize FittingSize(QSize wanted, const QScreen& screen) {
 WindowPlace::WindowPlace(QWidget& window, QString dataFolder)
     : window_(window), dataFolder_(std::move(dataFolder)) {
     window.installEventFilter(this);
+    moved_.setSingleShot(true);
+    moved_.setInterval(RestMilliseconds);
+    connect(&moved_, &QTimer::timeout, this, &WindowPlace::SaveQuietly);
 }
 
 QSize WindowPlace::OnScreen(QSize wanted) {
@@ -78,12 +85,27 @@ void WindowPlace::Save() const {
     file.Save();
 }
 
+/// Where that fails it is said when the window is closed.
+void WindowPlace::SaveQuietly() const {
+    try {
+        Save();
+    } catch (const platform::Error&) {
+    }
+}
+
 bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
     // The frame is there only some time after the window was shown.
     const bool placed = event->type() == QEvent::Move || event->type() == QEvent::Resize ||
                         event->type() == QEvent::Paint;
     if (placed && window_.isVisible() && !window_.isMaximized() && !window_.isFullScreen()) {
         frame_ = window_.geometry().topLeft() - window_.pos();
+    }
+    if (event->type() == QEvent::Hide || event->type() == QEvent::Close) {
+        moved_.stop();
+    } else if (window_.isVisible() &&
+               (event->type() == QEvent::Move || event->type() == QEvent::Resize ||
+                event->type() == QEvent::WindowStateChange)) {
+        moved_.start();
     }
     return QObject::eventFilter(watched, event);
 }

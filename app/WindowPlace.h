@@ -3,13 +3,15 @@
 #include <QObject>
 #include <QPoint>
 #include <QString>
+#include <QTimer>
 
 class QWidget;
 
 namespace kadrona::app {
 
 /// Where a window stands when it is closed, in the section of "kdr.ini" that bears its object name:
-/// its place while it is not maximised, and whether it is.
+/// its place while it is not maximised, and whether it is. It is stored as well a moment after the
+/// window was moved: a display that goes away ends the program without a word to it.
 class WindowPlace : public QObject {
     Q_OBJECT
 
@@ -31,10 +33,14 @@ class WindowPlace : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+    void SaveQuietly() const;
+
     QWidget& window_;
     QString dataFolder_;
     /// From the frame's corner to the window's, where it stood outside the maximised state.
     QPoint frame_;
+    /// Runs while the window was moved and its place is not yet stored.
+    QTimer moved_;
 };
 
 }  // namespace kadrona::app

@@ -8,6 +8,7 @@
 #include "controls/fields/PhotoStrip.h"
 #include "core/base/RecentPhotos.h"
 #include "core/sheet/PhotoLoading.h"
+#include "core/templates/LayoutFile.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"
 #include "tests/support/DrawnPortrait.h"
@@ -220,6 +221,10 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
     Start();
     window->move(30, 40);
     window->resize(790, 690);
+    const core::LayoutFile stored(installation.Path("common/Kadrona"));
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return stored.Read(u"mainFm"_s) == QRect(30, 40, 790, 690);
+    })) << "the display may go without a word";
     window->close();
     Start();
     EXPECT_EQ(window->pos(), QPoint(30, 40));
