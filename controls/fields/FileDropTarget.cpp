@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QUrl>
 #include <QWidget>
+#include <algorithm>
 
 #include "controls/theme/Theme.h"
 
@@ -61,8 +62,8 @@ namespace {
 QString BestFormat(const QMimeData& data) {
     const QStringList offered = data.formats();
     for (const QString& format :
-         {u"image/jpeg"_s, u"image/heic"_s, u"image/avif"_s, u"image/webp"_s, u"image/png"_s,
-          u"image/tiff"_s, u"image/bmp"_s, u"image/gif"_s}) {
+         {u"image/jpeg"_s, u"image/heic"_s, u"image/avif"_s, u"image/webp"_s, u"image/jxl"_s,
+          u"image/png"_s, u"image/tiff"_s, u"image/bmp"_s, u"image/gif"_s}) {
         if (offered.contains(format)) {
             return format;
         }
@@ -70,17 +71,25 @@ QString BestFormat(const QMimeData& data) {
     return {};
 }
 
+/// A picture of this very program has no bytes yet. What others offer has, and the toolkit would
+/// let any plug-in that claims them decode it.
+bool HasOwnPicture(const QMimeData& data) {
+    const QStringList offered = data.formats();
+    return offered.contains(u"application/x-qt-image"_s) &&
+           std::ranges::none_of(
+               offered, [](const QString& format) { return format.startsWith(u"image/"_s); });
+}
+
 }  // namespace
 
 bool HasPicture(const QMimeData& data) {
-    return !BestFormat(data).isEmpty() || data.hasFormat(u"application/x-qt-image"_s);
+    return !BestFormat(data).isEmpty() || HasOwnPicture(data);
 }
 
 QByteArray PictureIn(const QMimeData& data) {
     if (const QString format = BestFormat(data); !format.isEmpty()) {
         return data.data(format);
     }
-    // A picture of this very toolkit has no bytes yet.
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     qvariant_cast<QImage>(data.imageData()).save(&buffer, "png");

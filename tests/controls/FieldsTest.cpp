@@ -1,6 +1,7 @@
 // What is dropped on a window, and what a settings page stores.
 
 #include <QFile>
+#include <QImage>
 #include <QMimeData>
 #include <QRadioButton>
 #include <QTemporaryDir>
@@ -93,7 +94,11 @@ TEST_F(DropTest, OtherDragsAreRefused) {
     text.setText(u"/fotos/a.jpg"_s);
     QMimeData web;
     web.setUrls({QUrl(u"https://x.de/c.jpg"_s)});
-    for (const QMimeData* data : {&text, &web}) {
+    // Offered together with what the toolkit's plug-ins would make of it.
+    QMimeData drawing;
+    drawing.setData(u"image/svg"_s, "<svg/>");
+    drawing.setImageData(QImage(2, 2, QImage::Format_RGB32));
+    for (const QMimeData* data : {&text, &web, &drawing}) {
         EXPECT_FALSE(
             Offer<QDragEnterEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
         EXPECT_FALSE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
