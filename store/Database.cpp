@@ -25,6 +25,9 @@ using namespace Qt::StringLiterals;
 
 constexpr QStringView FileName = u"KDRImageBase.db";
 
+/// Far more than the program writes, bytes. SQLite's own billion would be in memory several times.
+constexpr int LongestValue = 16 << 20;
+
 /// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
 /// our own SQL from the file's inner structures.
 void Harden(sqlite3* handle) {
@@ -80,6 +83,7 @@ Database::Database(const QString& folder, std::chrono::milliseconds patience)
         // Whoever starts while another program recovers or writes must not be without it for good.
         WaitUpTo(OpeningPatience);
         Harden(handle);
+        sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, LongestValue);
         result = RegisterWordTokenizer(handle);
     }
     if (result == SQLITE_OK) {
