@@ -13,6 +13,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "core/base/RecentPhotos.h"
 #include "imaging/reading/ImageReader.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -93,7 +94,8 @@ void RecentActions::FillMenu() {
     const QFontMetrics metrics(menu_.font());
     for (const core::RecentPhoto& photo : photos_->Photos()) {
         const QString name =
-            metrics.elidedText(QFileInfo(photo.path).fileName(), Qt::ElideMiddle, MenuTextWidth);
+            metrics.elidedText(platform::HarmlessLine(QFileInfo(photo.path).fileName()),
+                               Qt::ElideMiddle, MenuTextWidth);
         QAction* action = menu_.addAction(QIcon(QPixmap::fromImage(PictureOf(photo))),
                                           QString(name).replace(u'&', u"&&"_s));
         action->setToolTip(controls::PlainTip(photo.path));

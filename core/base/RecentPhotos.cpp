@@ -23,7 +23,6 @@ const QString PhotosKey = u"fotos"_s;
 const QString PathKey = u"pfad"_s;
 const QString PictureKey = u"bild"_s;
 
-/// An entry without a full path is left out.
 QList<RecentPhoto> PhotosOf(const QJsonArray& entries) {
     QList<RecentPhoto> photos;
     for (const QJsonValue value : entries) {
@@ -33,7 +32,8 @@ QList<RecentPhoto> PhotosOf(const QJsonArray& entries) {
         if (picture.size() > RecentPhotos::MostPictureBytes) {
             picture.clear();
         }
-        if (path.startsWith(u'/') && photos.size() < RecentPhotos::MostPhotos) {
+        const bool isFull = path.startsWith(u'/') && !path.contains(QChar::Null);
+        if (isFull && photos.size() < RecentPhotos::MostPhotos) {
             photos.append({path, picture});
         }
     }
@@ -41,6 +41,20 @@ QList<RecentPhoto> PhotosOf(const QJsonArray& entries) {
 }
 
 }  // namespace
+
+RecentList ParseRecentList(const QByteArray& json) {
+    const QJsonObject content = QJsonDocument::fromJson(json).object();
+    return {PhotosOf(content.value(PhotosKey).toArray()), content.value(KeepsKey).toBool(true)};
+}
+
+QByteArray RecentListBytes(const RecentList& list) {
+    QJsonArray entries;
+    for (const RecentPhoto& photo : list.photos) {
+        entries.append(QJsonObject{{PathKey, photo.path},
+                                   {PictureKey, QString::fromLatin1(photo.picture.toBase64())}});
+    }
+    return QJsonDocument(QJsonObject{{KeepsKey, list.keeps}, {PhotosKey, entries}}).toJson();
+}
 
 QString RecentPhotos::DefaultPath() {
     return platform::JoinPath(platform::RegistryFolder(), u"Zuletzt.json");
@@ -51,31 +65,29 @@ RecentPhotos::RecentPhotos(QString path) : path_(std::move(path)) {
 }
 
 void RecentPhotos::Read() {
-    const auto bytes = platform::ReadFileIfThere(path_, MostBytes);
-    const QJsonObject content = QJsonDocument::fromJson(bytes.value_or(QByteArray())).object();
-    keeps_ = content.value(KeepsKey).toBool(true);
-    photos_ = PhotosOf(content.value(PhotosKey).toArray());
+    list_ = ParseRecentList(platform::ReadFileIfThere(path_, MostBytes).value_or(QByteArray()));
 }
 
 void RecentPhotos::Add(RecentPhoto photo) {
     Change([&] {
-        if (keeps_) {
-            photos_.removeIf([&photo](const RecentPhoto& kept) { return kept.path == photo.path; });
-            photos_.prepend(std::move(photo));
-            photos_.resize(std::min(photos_.size(), MostPhotos));
+        if (list_.keeps) {
+            list_.photos.removeIf(
+                [&photo](const RecentPhoto& kept) { return kept.path == photo.path; });
+            list_.photos.prepend(std::move(photo));
+            list_.photos.resize(std::min(list_.photos.size(), MostPhotos));
         }
     });
 }
 
 void RecentPhotos::Clear() {
-    Change([this] { photos_.clear(); });
+    Change([this] { list_.photos.clear(); });
 }
 
 void RecentPhotos::SetKeeps(bool keeps) {
     Change([this, keeps] {
-        keeps_ = keeps;
+        list_.keeps = keeps;
         if (!keeps) {
-            photos_.clear();
+            list_.photos.clear();
         }
     });
 }
@@ -90,13 +102,7 @@ void RecentPhotos::Change(const std::function<void()>& change) {
 }
 
 void RecentPhotos::Save() const {
-    QJsonArray entries;
-    for (const RecentPhoto& photo : photos_) {
-        entries.append(QJsonObject{{PathKey, photo.path},
-                                   {PictureKey, QString::fromLatin1(photo.picture.toBase64())}});
-    }
-    platform::WriteFileAtomically(
-        path_, QJsonDocument(QJsonObject{{KeepsKey, keeps_}, {PhotosKey, entries}}).toJson());
+    platform::WriteFileAtomically(path_, RecentListBytes(list_));
 }
 
 }  // namespace kadrona::core

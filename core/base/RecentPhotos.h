@@ -16,6 +16,20 @@ struct RecentPhoto {
     bool operator==(const RecentPhoto&) const = default;
 };
 
+/// What the file of the photos opened last says.
+struct RecentList {
+    QList<RecentPhoto> photos;
+    /// Whether photos are kept at all.
+    bool keeps = true;
+
+    bool operator==(const RecentList&) const = default;
+};
+
+/// Reads such a file, which anything may have written: what is no list is an empty one, and what no
+/// photo can be is left out of it.
+RecentList ParseRecentList(const QByteArray& json);
+QByteArray RecentListBytes(const RecentList& list);
+
 /// The photos that one user opened last, newest first, in a file of his own settings folder. He can
 /// clear the list and have none kept: their names and faces are those of customers.
 class RecentPhotos {
@@ -30,8 +44,8 @@ class RecentPhotos {
     /// "Zuletzt.json" beside the user's values.
     static QString DefaultPath();
 
-    const QList<RecentPhoto>& Photos() const { return photos_; }
-    bool Keeps() const { return keeps_; }
+    const QList<RecentPhoto>& Photos() const { return list_.photos; }
+    bool Keeps() const { return list_.keeps; }
 
     /// The following read the file again, which another window may have changed, and write it. They
     /// throw FileError where that fails.
@@ -47,8 +61,7 @@ class RecentPhotos {
     void Save() const;
 
     QString path_;
-    QList<RecentPhoto> photos_;
-    bool keeps_ = true;
+    RecentList list_;
 };
 
 }  // namespace kadrona::core

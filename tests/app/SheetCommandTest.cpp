@@ -65,9 +65,10 @@ TEST(WindowRequest, SurvivesTheWayToAnotherStartAndNothingElseDoes) {
     }
     const QByteArray packed = Packed(ParseWindowRequest(Arguments("/a.jpg")));
     EXPECT_EQ(packed.toPercentEncoding(" /"), "kadrona 1%00%00%00/a.jpg");
-    for (const char* damaged : {"", "kadrona 2%00%00%00/a.jpg", "kadrona 1%00%0A%00%00/a.jpg",
-                                "kadrona 1%00%00x%00/a.jpg", "kadrona 1%00%00%00a.jpg",
-                                "kadrona 1%00%00%00/a.jpg%00", "kadrona 1%00%00/a.jpg"}) {
+    for (const char* damaged :
+         {"", "kadrona 2%00%00%00/a.jpg", "kadrona 1%00%0A%00%00/a.jpg",
+          "kadrona 1%00%00x%00/a.jpg", "kadrona 1%00%00%00a.jpg", "kadrona 1%00%00%00/a.jpg%00",
+          "kadrona 1%00%00/a.jpg", "kadrona 1%00%00%00/a%FF.jpg"}) {
         EXPECT_FALSE(Unpacked(QByteArray::fromPercentEncoding(damaged))) << damaged;
     }
     EXPECT_FALSE(Unpacked(packed + QByteArray(4096, 'a')));

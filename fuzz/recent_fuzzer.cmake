@@ -1,0 +1,1 @@
+kadrona_fuzzer(recent_fuzzer USES kadrona_core_base)
