@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <new>
 
@@ -97,6 +98,9 @@ LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
 
 /// Why no ordinary file can be opened under that path; empty where one can be.
 QString LookUpFailure(const QString& path) {
+    if (path.contains(QChar::Null)) {
+        return platform::SystemReason(EINVAL) + u'.';  // the system would end the name there
+    }
     std::error_code error;
     const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
     switch (status.type()) {
@@ -105,7 +109,10 @@ QString LookUpFailure(const QString& path) {
         case std::filesystem::file_type::directory:
             return u"Es ist ein Ordner."_s;
         case std::filesystem::file_type::not_found:
-            return u"Die Datei ist nicht vorhanden."_s;
+            // Bytes that are no text are lost where names are texts.
+            return path.contains(QChar::ReplacementCharacter)
+                       ? u"Ihr Name ist kein gültiges UTF-8; benennen Sie sie um."_s
+                       : u"Die Datei ist nicht vorhanden."_s;
         case std::filesystem::file_type::none:
             return platform::SystemReason(error.value()) + u'.';
         default:  // a pipe or a device would keep us waiting
