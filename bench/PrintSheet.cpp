@@ -42,6 +42,7 @@ int main(int count, char** arguments) {
     QTextStream out(stdout);
     try {
         cups::CupsPrinterLayer layer(words.value(1), std::chrono::minutes(1));
+        layer.AskBeforeFirstUse([](const QString&, const QString&) { return true; });
         cups::DeviceMode mode;
         mode.SetSheetOrientation(Orientation::Automatic);
         for (const QString& option : words.mid(5)) {

@@ -32,8 +32,10 @@ bool IsUnready(const Queue& queue) {
     return queue.isAnnounced && !queue.acceptsJobs;
 }
 
-/// The queue as it is now; that of an announced printer is made where it is not ready.
-Queue ReadyQueue(const Connection& connection, const Queue& known) {
+/// The queue as it is now; that of an announced printer is made where it is not ready. Where the
+/// service has none `mayMake` decides: another account may have written the address.
+Queue ReadyQueue(const Connection& connection, const Queue& known,
+                 const std::function<bool(const Queue& queue)>& mayMake) {
     if (std::optional<Queue> queue = FindQueue(connection, known.name)) {
         return IsUnready(*queue) ? MadeQueue(connection, *queue) : *std::move(queue);
     }
@@ -41,14 +43,15 @@ Queue ReadyQueue(const Connection& connection, const Queue& known) {
         throw ServiceFailure(u"Der Drucker ist nicht mehr vorhanden."_s,
                              IPP_STATUS_ERROR_NOT_FOUND);
     }
+    if (!mayMake(known)) {
+        throw ServiceFailure(u"Diesen Drucker im Netz haben Sie noch nicht gewählt."_s);
+    }
     return MadeQueue(connection, known);
 }
 
 /// A chosen printer stays in the list while the network is still asked, or where it is off.
 void AddAnnounced(std::vector<Queue>& queues, const Queue& chosen) {
-    const bool isThere = std::any_of(queues.begin(), queues.end(),
-                                     [&](const Queue& queue) { return queue.name == chosen.name; });
-    if (chosen.isAnnounced && !isThere) {
+    if (chosen.isAnnounced && !HasQueue(queues, chosen.name)) {
         queues.push_back(chosen);
     }
 }
@@ -95,7 +98,9 @@ void CupsPrinterLayer::SetCurrentPrinter(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        ReadyQueue(connection, QueueOf(choice));
+        ReadyQueue(connection, QueueOf(choice), [this](const Queue& queue) {
+            return chosen_.Holds(queue.announcedUri) || IsConfirmed(queue);
+        });
     });
     current_ = choice;
     current_->device = QString::fromUtf8(name);
@@ -117,7 +122,7 @@ bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
     }
     const auto askDriver = [&](Queue& queue) {
         if (queue.isAnnounced) {
-            queue = ReadyQueue(connection, queue);
+            queue = ReadyQueue(connection, queue, [](const Queue&) { return true; });
         }
         return Driver::OfQueue(connection, queue);
     };
@@ -132,14 +137,31 @@ bool CupsPrinterLayer::ShowSetupDialog(QWindow* owner) {
         return false;
     }
     current_ = dialog.Choice();
+    if (const Queue queue = QueueOf(*current_); queue.isAnnounced) {
+        chosen_.Add(queue.announcedUri);
+    }
     return true;
+}
+
+/// Asks the user once for each address.
+bool CupsPrinterLayer::IsConfirmed(const Queue& queue) {
+    const bool confirmed =
+        confirm_ && confirm_(queue.description, QString::fromLatin1(queue.announcedUri));
+    if (confirmed) {
+        chosen_.Add(queue.announcedUri);
+    }
+    return confirmed;
+}
+
+std::function<bool(const Queue& queue)> CupsPrinterLayer::IsChosen() const {
+    return [this](const Queue& queue) { return chosen_.Holds(queue.announcedUri); };
 }
 
 PrinterPaper CupsPrinterLayer::PaperOf(const PrinterChoice& choice) {
     const QByteArray name = QueueNameOf(choice);
     return NamingPrinter(QString::fromUtf8(name), [&] {
         const Connection connection = Service();
-        const Queue queue = ReadyQueue(connection, QueueOf(choice));
+        const Queue queue = ReadyQueue(connection, QueueOf(choice), IsChosen());
         PrinterPaper paper =
             Driver::OfQueue(connection, queue).PrinterPaperOf(DeviceMode(choice.deviceMode));
         if (queue.isPaused) {
@@ -157,7 +179,7 @@ std::unique_ptr<JobWatch> CupsPrinterLayer::Print(const PrintImage& image) {
             throw ServiceFailure(u"Das Bild hat keine Größe."_s);
         }
         const Connection connection = Service();
-        const Queue queue = ReadyQueue(connection, QueueOf(choice));
+        const Queue queue = ReadyQueue(connection, QueueOf(choice), IsChosen());
         if (!queue.acceptsJobs) {
             throw Rejection(queue);
         }

@@ -100,12 +100,14 @@ QWidget* SetupDialog::BuildOptions() {
     heading.setBold(true);
     queueName_->setFont(heading);
     queueDetails_ = Named(new QLabel, u"QueueDetailsLabel"_s);
-    queueDetails_->setWordWrap(true);
-    panel_ = new OptionPanel;
-    further_ = new FurtherOptions;
     for (QLabel* label : {queueName_, queueDetails_}) {
         label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        // Else a word that is longer than the window is wide would widen it.
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
     }
+    panel_ = new OptionPanel;
+    further_ = new FurtherOptions;
     connect(panel_, &OptionPanel::ModeChanged, this, &SetupDialog::ShowConflicts);
     connect(further_, &FurtherOptions::ModeChanged, this, &SetupDialog::ShowConflicts);
     connect(further_, &FurtherOptions::Toggled, this, &SetupDialog::MakeRoom);
@@ -244,9 +246,13 @@ void SetupDialog::ShowOptions() {
 
 void SetupDialog::ShowConflicts() {
     const QStringList names = driver_.Conflicts(modes_[ChosenQueue().name]);
+    const QString noPapers =
+        driver_.Papers().empty()
+            ? u"Der Treiber nennt keine Papiergrößen. Ob die Fotos auf das Papier passen, lässt sich vor dem Drucken nicht prüfen."_s
+            : QString();
     ShowNote(
         names.isEmpty()
-            ? QString()
+            ? noPapers
             : u"Diese Einstellungen schließen einander aus: %1. Der Drucker wird eine davon nicht befolgen."_s
                   .arg(names.join(u", "_s)));
 }

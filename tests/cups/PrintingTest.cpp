@@ -20,6 +20,7 @@
 #include "printing/PrinterSetup.h"
 #include "printing/SheetOnPaper.h"
 #include "printing/cups/CupsPrinterLayer.h"
+#include "printing/cups/service/ChosenPrinters.h"
 #include "printing/cups/service/DeviceMode.h"
 #include "tests/support/Errors.h"
 #include "tests/support/ModalDriver.h"
@@ -369,11 +370,25 @@ TEST_F(PrintingTest, APrinterOfTheNetworkPrintsThroughAQueueThatIsMadeForIt) {
     const auto choose = [&](CupsPrinterLayer& layer, const QString& place) {
         return ErrorOf([&] { layer.SetCurrentPrinter(chosen(u"Tot"_s, place)); });
     };
-    EXPECT_THAT(choose(patient, u"file:///etc/passwd"_s), HasSubstr("nicht mehr vorhanden"));
+    for (const char* place :
+         {"file:///etc/passwd", "ipp://localhost@evil.example/ipp", "ipp:///x"}) {
+        EXPECT_THAT(choose(patient, QString::fromLatin1(place)), HasSubstr("nicht mehr vorhanden"));
+    }
+    EXPECT_THAT(choose(patient, uri), HasSubstr("noch nicht gewählt"));
+    QStringList asked;
+    const auto agree = [&asked](const QString& printer, const QString& address) {
+        asked.append(printer + u' ' + address);
+        return true;
+    };
+    patient.AskBeforeFirstUse(agree);
     CupsPrinterLayer hurried(service_.Address(), std::chrono::milliseconds(500));
+    hurried.AskBeforeFirstUse(agree);
     EXPECT_THAT(choose(hurried, u"ipp://localhost:1/ipp"_s), HasSubstr("antwortet"));
 
+    asked.clear();
     patient.SetCurrentPrinter(chosen(u"Fern"_s, uri));
+    EXPECT_EQ(asked, QStringList{u"Fern "_s + uri});
+    EXPECT_TRUE(cups::ChosenPrinters().Holds(uri.toLatin1())) << "never asked again";
     const PrintImage image = Sheet({35, 45}, core::SheetLayouts[5]);
     patient.Print(image);
     service_.WaitForJobs();

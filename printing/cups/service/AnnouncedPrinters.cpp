@@ -1,7 +1,5 @@
 #include "printing/cups/service/AnnouncedPrinters.h"
 
-#include <algorithm>
-
 #include "printing/cups/service/Question.h"
 
 using namespace Qt::StringLiterals;
@@ -9,11 +7,6 @@ using namespace Qt::StringLiterals;
 namespace kadrona::printing::cups {
 
 namespace {
-
-bool HoldsName(const std::vector<Queue>& queues, const QByteArray& name) {
-    return std::any_of(queues.begin(), queues.end(),
-                       [&](const Queue& queue) { return queue.name == name; });
-}
 
 std::vector<Queue> FoundBy(const Question& finding) {
     const IppMessage answer =
@@ -31,8 +24,7 @@ std::vector<Queue> AnnouncedPrinters(const Question& finding, const std::vector<
     std::vector<Queue> printers;
     for (Queue& found : FoundBy(finding)) {
         // What else a network says is no printer that the service can make a queue for.
-        if (found.isAnnounced && !HoldsName(queues, found.name) &&
-            !HoldsName(printers, found.name)) {
+        if (found.isAnnounced && !HasQueue(queues, found.name) && !HasQueue(printers, found.name)) {
             printers.push_back(std::move(found));
         }
     }

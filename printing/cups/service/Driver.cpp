@@ -28,6 +28,10 @@ constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
 /// Repeats the paper for drivers of old printers; the print service sets it by itself.
 constexpr const char* PaperAgain = "PageRegion";
 
+/// Several times what real drivers have; each becomes a control, or a line of one.
+constexpr size_t MostOptions = 500;
+constexpr int MostChoices = 1000;
+
 /// The driver's German text, else this program's for the driver's own text, else that or the name.
 QString Label(const QString& german, const char* ownText, const char* name) {
     const QString own = QString::fromUtf8(ownText).trimmed();
@@ -41,7 +45,7 @@ DriverOption OptionOf(const GermanTexts& texts, const ppd_option_t& read) {
                         Label(texts.OfOption(read.keyword), read.text, read.keyword),
                         {},
                         read.defchoice};
-    for (int i = 0; i < read.num_choices; ++i) {
+    for (int i = 0; i < std::min(read.num_choices, MostChoices); ++i) {
         const ppd_choice_t& choice = read.choices[i];
         // What needs numbers beside it cannot be chosen from a list.
         if (qstrcmp(choice.choice, "Custom") != 0) {
@@ -66,7 +70,8 @@ void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
                     std::vector<DriverOption>& options) {
     for (int i = 0; i < group.num_options; ++i) {
         const char* keyword = group.options[i].keyword;
-        if (qstrcmp(keyword, PaperAgain) != 0 && !Holds(options, keyword)) {
+        if (options.size() < MostOptions && qstrcmp(keyword, PaperAgain) != 0 &&
+            !Holds(options, keyword)) {
             DriverOption option = OptionOf(texts, group.options[i]);
             if (!option.choices.empty()) {
                 options.push_back(std::move(option));

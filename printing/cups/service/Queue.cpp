@@ -29,8 +29,13 @@ QString Text(ipp_attribute_t* attribute) {
     return QString::fromUtf8(ippGetString(attribute, 0, nullptr));
 }
 
+/// Of names and descriptions (RFC 8011, 5.4), characters. A hostile one would make the window wider
+/// than any screen.
+constexpr qsizetype LongestText = 127;
+
 QString ShownText(ipp_attribute_t* attribute) {
-    return platform::HarmlessLine(Text(attribute));
+    const QString text = platform::HarmlessLine(Text(attribute));
+    return text.size() <= LongestText ? text : text.first(LongestText - 1) + u'…';
 }
 
 void ReadState(Queue& queue, ipp_attribute_t* state) {
@@ -56,7 +61,7 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     } else if (name == "printer-state") {
         ReadState(queue, attribute);
     } else if (name == "printer-state-message") {
-        queue.stateMessage = StateMessage(Text(attribute));
+        queue.stateMessage = StateMessage(ShownText(attribute));
     } else if (name == "printer-state-reasons") {
         for (int i = 0; i < ippGetCount(attribute); ++i) {
             queue.stateReasons.emplace_back(ippGetString(attribute, i, nullptr));
@@ -70,6 +75,10 @@ void ReadAttribute(Queue& queue, ipp_attribute_t* attribute) {
     }
 }
 
+/// More than any shop has. A hostile service or network could tell of so many that the window would
+/// be busy with them.
+constexpr size_t MostQueues = 1000;
+
 /// The groups of an answer that describe a queue each.
 std::vector<Queue> QueueGroups(ipp_t* answer) {
     std::vector<Queue> queues;
@@ -78,6 +87,9 @@ std::vector<Queue> QueueGroups(ipp_t* answer) {
          attribute = ippNextAttribute(answer)) {
         const bool isPart = ippGetGroupTag(attribute) == IPP_TAG_PRINTER;
         if (isPart && !inGroup) {
+            if (queues.size() == MostQueues) {
+                break;
+            }
             queues.emplace_back();
         }
         inGroup = isPart;
@@ -85,7 +97,9 @@ std::vector<Queue> QueueGroups(ipp_t* answer) {
             ReadAttribute(queues.back(), attribute);
         }
     }
-    std::erase_if(queues, [](const Queue& queue) { return queue.name.isEmpty(); });
+    std::erase_if(queues, [](const Queue& queue) {
+        return queue.name.isEmpty() || queue.name.size() > LongestText;
+    });
     for (Queue& queue : queues) {
         queue.isAnnounced = queue.isAnnounced && IsAnnouncedUri(queue.announcedUri);
         if (!queue.isAnnounced) {
@@ -139,8 +153,14 @@ QByteArray Queue::Resource() const {
 bool IsAnnouncedUri(const QByteArray& uri) {
     const bool isPlain =
         std::all_of(uri.begin(), uri.end(), [](char byte) { return byte > ' ' && byte < '\x7f'; });
-    return isPlain && uri.size() < HTTP_MAX_URI &&
-           (uri.startsWith("ipp://") || uri.startsWith("ipps://"));
+    const bool isIpp = uri.startsWith("ipp://") || uri.startsWith("ipps://");
+    const QByteArray host = uri.mid(uri.indexOf("//") + 2).split('/').first();
+    return isPlain && isIpp && uri.size() < HTTP_MAX_URI && !host.isEmpty() && !host.contains('@');
+}
+
+bool HasQueue(const std::vector<Queue>& queues, const QByteArray& name) {
+    return std::any_of(queues.begin(), queues.end(),
+                       [&](const Queue& queue) { return queue.name == name; });
 }
 
 std::vector<Queue> QueuesIn(const IppMessage& answer) {

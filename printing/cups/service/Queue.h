@@ -42,6 +42,7 @@ struct Queue {
 QString WithoutSecrets(const QString& deviceUri);
 
 /// Whether a printer can be announced there: what comes from the network or a file may be anything.
+/// No user stands before the host: nobody announces one, and it would be read as the host.
 bool IsAnnouncedUri(const QByteArray& uri);
 
 /// Every queue that there is, in the service's order. Throws ServiceFailure.
@@ -50,8 +51,10 @@ std::vector<Queue> Queues(const Connection& connection);
 /// The queue with that name. Nothing where there is none. Throws ServiceFailure.
 std::optional<Queue> FindQueue(const Connection& connection, const QByteArray& name);
 
-/// The queues that an answer describes; none where it says that there is nothing. Throws
-/// ServiceFailure.
+bool HasQueue(const std::vector<Queue>& queues, const QByteArray& name);
+
+/// The queues that an answer describes, the first thousand of them; none where it says that there
+/// is nothing. Throws ServiceFailure.
 std::vector<Queue> QueuesIn(const IppMessage& answer);
 
 /// The question for one queue, and the queue in its answer. Throws ServiceFailure.
