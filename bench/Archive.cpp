@@ -16,6 +16,7 @@
 #include "imaging/document/LayeredImage.h"
 #include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona;
@@ -119,7 +120,7 @@ int main(int argc, char** argv) {
     const QString file = folder.filePath(u"KDRImageBase.db"_s);
     std::printf("database: %.0f bytes a record\n", double(QFileInfo(file).size()) / count);
     {
-        store::Database database(folder.path());
+        store::SqliteDatabase database(folder.path());
         MeasureLists(database);
     }
     MeasureArchiving(folder.path());

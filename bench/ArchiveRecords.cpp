@@ -8,6 +8,7 @@
 #include "core/archive/ArchiveTable.h"
 #include "core/base/FileNaming.h"
 #include "imaging/writing/ImageWriter.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
 
@@ -79,7 +80,7 @@ void MakeArchiveRecords(const QString& databaseFolder, int count) {
     for (int i = 0; i < ThumbnailKinds; ++i) {
         thumbnails.push_back(PortraitThumbnail(random));
     }
-    store::Database database(databaseFolder);
+    store::SqliteDatabase database(databaseFolder);
     database.Execute(u"PRAGMA synchronous = OFF"_s);
     database.Execute(u"PRAGMA journal_mode = MEMORY"_s);
     core::CreateArchive(database);

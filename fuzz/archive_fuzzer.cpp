@@ -6,8 +6,8 @@
 #include "core/archive/ArchiveTable.h"
 #include "core/archive/PhotoArchive.h"
 #include "platform/Error.h"
-#include "store/Database.h"
 #include "store/Statement.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace kadrona;
 using namespace Qt::StringLiterals;
@@ -17,7 +17,7 @@ namespace {
 /// A database as the program makes it, for all inputs.
 struct Archive {
     QTemporaryDir folder{u"/dev/shm/archive-XXXXXX"_s};
-    store::Database database{folder.path()};
+    store::SqliteDatabase database{folder.path()};
     core::ArchiveTable table{database};
 
     Archive() { core::CreateArchive(database); }

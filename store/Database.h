@@ -1,42 +1,67 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <chrono>
 #include <memory>
-
-struct sqlite3;
+#include <vector>
 
 namespace kadrona::store {
 
-/// The open database "KDRImageBase.db" of one folder, which several programs may have open at once.
-/// Every statement and transaction over it must end before it does.
+class PreparedStatement;
+
+/// Types that databases call by names of their own.
+enum class ColumnKind {
+    AutomaticNumber,  ///< the primary key, given by the database and never twice
+    Memo,             ///< text of any length
+    Graphic,          ///< bytes of any length
+};
+
+/// A table that lists are made of.
+struct ListedTable {
+    QString name;
+    QString description;
+    /// The index that lists are read from, and its keys, the last first.
+    QString index;
+    QStringList keys;
+    /// What a list shows beside the keys.
+    QStringList columns;
+    /// The column whose bytes no list reads.
+    QString large;
+};
+
+/// Who made a database, and by which version of its tables; 0 where nobody has said so.
+struct SchemaMark {
+    qint64 application = 0;
+    qint64 version = 0;
+};
+
+/// An open database, which several programs may have open at once. Every statement and transaction
+/// over it must end before it does. Statements are the same for all kinds but for what the
+/// functions below give; "?" stands for a parameter, times are text as "2026-03-07 14:30:05.123".
 ///
-/// It keeps a rollback journal: whatever ends a program or the machine in the middle of a change,
-/// who opens the database next finds the state before it.
+/// Whatever ends a program or the machine in the middle of a change: who opens the database next
+/// finds the state before it. All members that can fail throw StoreError, or ConnectionLost.
 class Database {
  public:
-    /// Opens the database and makes it where there is none yet, with the permissions of
-    /// platform/FileModes.h; the folder must exist. `patience` is how long a transaction waits each
-    /// time while another program writes; opening waits two seconds of it at most, and whoever only
-    /// reads a moment, because a window may be waiting too. Throws StoreError, also where the file
-    /// is no database, is a link, or lies behind another user's link.
-    explicit Database(const QString& folder,
-                      std::chrono::milliseconds patience = std::chrono::seconds(5));
+    virtual ~Database() = default;
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
 
-    const QString& Path() const { return path_; }
+    /// What messages call it: the path of its file, or the database and its server.
+    const QString& Name() const { return name_; }
 
-    /// Runs one statement that yields no rows worth reading. Throws StoreError.
+    /// Whether it is gone for good, as a server can be: every call throws ConnectionLost at once.
+    virtual bool IsLost() const { return false; }
+
+    /// Runs one statement that yields no rows worth reading.
     void Execute(const QString& sql);
 
     /// Runs the statements as one batch: all of them or, where one throws, none.
     void RunScript(const QStringList& statements);
 
-    /// Whatever the case of the name, as everywhere in SQL.
-    bool TableExists(const QString& name);
-
-    /// The automatic number of the row inserted last; 0 before any.
-    qint64 LastInsertedId() const;
+    virtual bool TableExists(const QString& name) = 0;
+    virtual bool IndexExists(const QString& name) = 0;
 
     /// Another one after every change, whichever program made it.
     struct State {
@@ -44,25 +69,47 @@ class Database {
         qint64 othersVersion = 0;
         bool operator==(const State&) const = default;
     };
-    State PresentState();
+    virtual State PresentState() = 0;
+
+    virtual SchemaMark Mark() = 0;
+    /// Inside a transaction.
+    virtual void SetMark(const SchemaMark& mark) = 0;
+
+    /// Inside a transaction: until its end nobody else makes tables who asks for this too.
+    virtual void LockSchema() = 0;
+    /// The type of a column in CREATE TABLE.
+    virtual QString ColumnType(ColumnKind kind) const = 0;
+    /// The statements that give a table what it needs beside its columns and do not harm where it
+    /// has that already: its index, its description, and that others hear of changes.
+    virtual QStringList Supplements(const ListedTable& table) const = 0;
+
+    /// The highest automatic number that a table has ever given; 0 before any. Setting it, inside a
+    /// transaction, never lowers it.
+    virtual qint64 LastNumber(const QString& table, const QString& column) = 0;
+    virtual void RaiseLastNumber(const QString& table, const QString& column, qint64 number) = 0;
+
+ protected:
+    explicit Database(QString name) : name_(std::move(name)) {}
 
  private:
+    friend class FullTextIndex;
     friend class Statement;
     friend class Transaction;
 
-    struct Closer {
-        void operator()(sqlite3* handle) const;
-    };
+    virtual std::unique_ptr<PreparedStatement> Prepare(const QString& sql) = 0;
 
-    /// The longest that a reader waits. A commit keeps readers out for a few milliseconds.
-    static constexpr std::chrono::milliseconds ReadingPatience{300};
-    static constexpr std::chrono::milliseconds OpeningPatience{2000};
-    /// How long statements wait from now on.
-    void WaitUpTo(std::chrono::milliseconds patience);
+    /// Waits for other writers as long as this kind of database does.
+    virtual void Begin() = 0;
+    virtual void Commit() = 0;
+    virtual void RollBack() noexcept = 0;
 
-    QString path_;
-    std::chrono::milliseconds patience_;
-    std::unique_ptr<sqlite3, Closer> handle_;
+    /// See FullTextIndex. `words` are those that a row must have, in lower case, at least one.
+    virtual QStringList FullTextCreation(const QString& index) const = 0;
+    virtual void SetFullText(const QString& index, qint64 row, const QString& text) = 0;
+    virtual std::vector<qint64> RowsWith(const QString& index,
+                                         const std::vector<QByteArray>& words) = 0;
+
+    QString name_;
 };
 
 }  // namespace kadrona::store

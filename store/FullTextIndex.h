@@ -7,22 +7,22 @@
 
 namespace kadrona::store {
 
-/// A full-text index over one text of each row of a table, under the row's number. It stands in a
-/// table of its own and keeps a copy of the texts, so that whatever another program does to the
-/// rows, it never contradicts itself. WordTokenizer.h says what a word is.
+/// A full-text index over one text of each row of a table, under the row's number, "rowid". It
+/// stands in a table of its own and keeps what it needs of the texts, so that whatever another
+/// program does to the rows, it never contradicts itself. Words.h says what a word is.
 ///
-/// A trigger could not keep it up to date: the full-text engine may not be used by what stands in a
-/// database file. Whoever changes a text calls Set in the same transaction.
+/// A trigger could not keep it up to date: what a word is, no database knows by itself. Whoever
+/// changes a text calls Set in the same transaction.
 class FullTextIndex {
  public:
     /// `name` is the index's; `database` outlives it.
     FullTextIndex(Database& database, QString name) : database_(database), name_(std::move(name)) {}
 
-    /// The statement that makes an index where there is none of that name.
-    static QString Creation(const QString& name);
+    /// The statements that make the index where there is none of its name.
+    QStringList Creation() const { return database_.FullTextCreation(name_); }
 
     /// Puts a row's text in the place of the one before. Throws StoreError.
-    void Set(qint64 row, const QString& text);
+    void Set(qint64 row, const QString& text) { database_.SetFullText(name_, row, text); }
 
     /// The rows in which every word of `text` occurs, as a whole word and whatever its case, in
     /// ascending order; none where the text has no word. Throws StoreError.

@@ -1,87 +1,24 @@
 #include "store/Statement.h"
 
-#include <sqlite3.h>
-
 #include "store/Database.h"
-#include "store/SqliteReason.h"
-#include "store/StoreError.h"
 
 namespace kadrona::store {
 
-using namespace Qt::StringLiterals;
-
-void Statement::Finalizer::operator()(sqlite3_stmt* handle) const {
-    sqlite3_finalize(handle);
-}
-
-Statement::Statement(Database& database, const QString& sql) : database_(database) {
-    const QByteArray utf8 = sql.toUtf8();
-    sqlite3_stmt* handle = nullptr;
-    Check(sqlite3_prepare_v2(database.handle_.get(), utf8.constData(), int(utf8.size()) + 1,
-                             &handle, nullptr));
-    handle_.reset(handle);
-}
+Statement::Statement(Database& database, const QString& sql) : prepared_(database.Prepare(sql)) {}
 
 Statement& Statement::Bind(int parameter, qint64 value) {
-    Check(sqlite3_bind_int64(handle_.get(), parameter, value));
+    prepared_->Bind(parameter, value);
     return *this;
 }
 
 Statement& Statement::Bind(int parameter, const QString& value) {
-    const QByteArray utf8 = value.toUtf8();
-    Check(sqlite3_bind_text64(handle_.get(), parameter, utf8.constData(),
-                              sqlite3_uint64(utf8.size()), SQLITE_TRANSIENT, SQLITE_UTF8));
+    prepared_->Bind(parameter, value);
     return *this;
 }
 
 Statement& Statement::Bind(int parameter, QByteArrayView value) {
-    // A null pointer would make the empty value NULL.
-    const char* bytes = value.isEmpty() ? "" : value.data();
-    Check(sqlite3_bind_blob64(handle_.get(), parameter, bytes, sqlite3_uint64(value.size()),
-                              SQLITE_TRANSIENT));
+    prepared_->Bind(parameter, value);
     return *this;
-}
-
-bool Statement::Step() {
-    const int result = sqlite3_step(handle_.get());
-    if (result != SQLITE_ROW && result != SQLITE_DONE) {
-        Check(result);
-    }
-    return result == SQLITE_ROW;
-}
-
-void Statement::Reset() {
-    // What it returns is the failure of the last Step, which that one has thrown already.
-    sqlite3_reset(handle_.get());
-}
-
-bool Statement::IsNull(int column) const {
-    return sqlite3_column_type(handle_.get(), column) == SQLITE_NULL;
-}
-
-qint64 Statement::Integer(int column) const {
-    return sqlite3_column_int64(handle_.get(), column);
-}
-
-QString Statement::Text(int column) const {
-    return QString::fromUtf8(Utf8(column));
-}
-
-QByteArrayView Statement::Utf8(int column) const {
-    const unsigned char* text = sqlite3_column_text(handle_.get(), column);
-    return {text, sqlite3_column_bytes(handle_.get(), column)};
-}
-
-QByteArrayView Statement::Blob(int column) const {
-    const void* bytes = sqlite3_column_blob(handle_.get(), column);
-    return {static_cast<const char*>(bytes), sqlite3_column_bytes(handle_.get(), column)};
-}
-
-void Statement::Check(int result) const {
-    if (result != SQLITE_OK) {
-        throw StoreError(u"Der Zugriff auf die Datenbank „%1“ ist fehlgeschlagen: %2."_s.arg(
-            database_.path_, SqliteReason(database_.handle_.get(), result)));
-    }
 }
 
 }  // namespace kadrona::store

@@ -4,7 +4,7 @@
 #include <QString>
 #include <memory>
 
-struct sqlite3_stmt;
+#include "store/PreparedStatement.h"
 
 namespace kadrona::store {
 
@@ -23,30 +23,23 @@ class Statement {
     Statement& Bind(int parameter, QByteArrayView value);
 
     /// Goes to the next row. False when there is none (any more).
-    bool Step();
+    bool Step() { return prepared_->Step(); }
 
     /// Back to before the first row; parameters keep their values.
-    void Reset();
+    void Reset() { prepared_->Reset(); }
 
-    /// Columns of the current row, counted from 0. A value of another type is converted as SQLite
-    /// does; NULL reads as 0, empty text or empty bytes.
-    bool IsNull(int column) const;
-    qint64 Integer(int column) const;
-    QString Text(int column) const;
+    /// Columns of the current row, counted from 0. NULL reads as 0, empty text or empty bytes; so
+    /// does what is of another type and cannot be converted.
+    bool IsNull(int column) const { return prepared_->IsNull(column); }
+    qint64 Integer(int column) const { return prepared_->Integer(column); }
+    QString Text(int column) const { return QString::fromUtf8(Utf8(column)); }
 
     /// Valid until the next Step, Reset or the statement's end.
-    QByteArrayView Utf8(int column) const;
-    QByteArrayView Blob(int column) const;
+    QByteArrayView Utf8(int column) const { return prepared_->Utf8(column); }
+    QByteArrayView Blob(int column) const { return prepared_->Blob(column); }
 
  private:
-    struct Finalizer {
-        void operator()(sqlite3_stmt* handle) const;
-    };
-
-    void Check(int result) const;
-
-    Database& database_;
-    std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+    std::unique_ptr<PreparedStatement> prepared_;
 };
 
 }  // namespace kadrona::store

@@ -8,7 +8,7 @@ class Database;
 /// it ends. Transactions do not nest.
 class Transaction {
  public:
-    /// Waits up to the database's time-out for another writer. Throws StoreError.
+    /// Waits for another writer as long as the database does. Throws StoreError.
     explicit Transaction(Database& database);
     ~Transaction();
     Transaction(const Transaction&) = delete;

@@ -27,7 +27,8 @@ void AppendTime(QByteArray& text, QByteArrayView stored) {
 ArchiveListing::ArchiveListing(store::Database& database) {
     store::Statement select(database,
                             uR"(SELECT "ID", "ImgErstellt", "ImgName", "ImgType", "ImgTags"
-                                FROM "ImgDB" ORDER BY "ImgErstellt" DESC, "ID" DESC)"_s);
+                                FROM "ImgDB"
+                                ORDER BY "ImgErstellt" DESC NULLS LAST, "ID" DESC NULLS LAST)"_s);
     while (select.Step()) {
         ids_.push_back(select.Integer(0));
         AppendTime(texts_, select.Utf8(1));

@@ -3,6 +3,7 @@
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
+#include "store/Transaction.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,56 +11,66 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr qint64 MajorVersion = 1;
-constexpr qint64 ApplicationId = 0x4b445249;  // "KDRI"
+constexpr store::SchemaMark Made{.application = 0x4b445249, .version = 1};  // "KDRI"
 
 /// SQLite keeps the comment, the table's description, as it stands. Its own order of texts is that
 /// of no language.
-constexpr QStringView Table =
-    uR"(CREATE TABLE IF NOT EXISTS "ImgDB" /* Passbilder */ (
-        "ID" INTEGER PRIMARY KEY AUTOINCREMENT,
+QString Creation(const store::Database& database) {
+    return uR"(CREATE TABLE IF NOT EXISTS "ImgDB" /* Passbilder */ (
+        "ID" %1,
         "ImgName" VARCHAR(25),
         "ImgType" VARCHAR(50),
         "ImgMD5" VARCHAR(40),
         "ImgErstellt" TIMESTAMP,
         "ImgAblage" VARCHAR(125),
-        "ImgTags" MEMO,
-        "ImgThumb" GRAPHIC))";
+        "ImgTags" %2,
+        "ImgThumb" %3))"_s.arg(database.ColumnType(store::ColumnKind::AutomaticNumber),
+                               database.ColumnType(store::ColumnKind::Memo),
+                               database.ColumnType(store::ColumnKind::Graphic));
+}
 
 constexpr QStringView NewestFirst =
     uR"(CREATE INDEX IF NOT EXISTS "ImgErstellt_idx" ON "ImgDB" ("ImgErstellt" DESC))";
 
-/// All that a list or a search wants to know, so that neither reads the rows with the thumbnails.
-constexpr QStringView Listing =
-    uR"(CREATE INDEX IF NOT EXISTS "ImgListing_idx" ON "ImgDB"
-        ("ImgErstellt" DESC, "ID" DESC, "ImgName", "ImgType", "ImgTags"))";
-
-qint64 Number(store::Database& database, const QString& query) {
-    store::Statement statement(database, query);
-    return statement.Step() ? statement.Integer(0) : 0;
+const store::ListedTable& Listed() {
+    static const store::ListedTable table{.name = u"ImgDB"_s,
+                                          .description = u"Passbilder"_s,
+                                          .index = u"ImgListing_idx"_s,
+                                          .keys = {u"ImgErstellt"_s, u"ID"_s},
+                                          .columns = {u"ImgName"_s, u"ImgType"_s, u"ImgTags"_s},
+                                          .large = u"ImgThumb"_s};
+    return table;
 }
 
 bool IsComplete(store::Database& database) {
-    const qint64 objects = Number(database,
-                                  uR"(SELECT count(*) FROM sqlite_schema WHERE name IN
-        ('ImgDB', 'ImgErstellt_idx', 'ImgListing_idx', '%1'))"_s.arg(TagIndexName));
-    return objects == 4 && Number(database, u"PRAGMA user_version"_s) == MajorVersion;
+    return database.TableExists(Listed().name) && database.TableExists(TagIndexName) &&
+           database.IndexExists(u"ImgErstellt_idx"_s) && database.IndexExists(Listed().index) &&
+           database.Mark().version == Made.version;
+}
+
+/// What the tags of all records hold, for an index that has just been made.
+void FillTagIndex(store::Database& database) {
+    store::FullTextIndex index(database, TagIndexName);
+    store::Statement select(
+        database, uR"(SELECT "ID", "ImgTags" FROM "ImgDB" WHERE "ImgTags" IS NOT NULL)"_s);
+    while (select.Step()) {
+        index.Set(select.Integer(0), select.Text(1));
+    }
 }
 
 }  // namespace
 
 void RequireKnownVersion(store::Database& database) {
-    const qint64 application = Number(database, u"PRAGMA application_id"_s);
-    if (application != 0 && application != ApplicationId) {
+    const store::SchemaMark mark = database.Mark();
+    if (mark.application != 0 && mark.application != Made.application) {
         throw store::StoreError(
-            u"Die Datenbank „%1“ gehört zu einem anderen Programm."_s.arg(database.Path()));
+            u"Die Datenbank „%1“ gehört zu einem anderen Programm."_s.arg(database.Name()));
     }
-    const qint64 version = Number(database, u"PRAGMA user_version"_s);
-    if (version > MajorVersion) {
+    if (mark.version > Made.version) {
         throw store::StoreError(
             u"Die Datenbank „%1“ stammt von einer neueren Version des Programms (%2)."_s
-                .arg(database.Path())
-                .arg(version));
+                .arg(database.Name())
+                .arg(mark.version));
     }
 }
 
@@ -67,16 +78,21 @@ void CreateArchive(store::Database& database) {
     if (IsComplete(database)) {
         return;
     }
-    QStringList script{Table.toString(), NewestFirst.toString(), Listing.toString()};
+    store::Transaction transaction(database);
+    database.LockSchema();
+    const auto execute = [&](const QStringList& statements) {
+        for (const QString& statement : statements) {
+            database.Execute(statement);
+        }
+    };
+    execute({Creation(database), NewestFirst.toString()});
+    execute(database.Supplements(Listed()));
     if (!database.TableExists(TagIndexName)) {
-        script << store::FullTextIndex::Creation(TagIndexName)
-               << uR"(INSERT OR REPLACE INTO "%1" (rowid, "Text")
-                      SELECT "ID", "ImgTags" FROM "ImgDB" WHERE "ImgTags" IS NOT NULL)"_s.arg(
-                      TagIndexName);
+        execute(store::FullTextIndex(database, TagIndexName).Creation());
+        FillTagIndex(database);
     }
-    script << u"PRAGMA application_id = %1"_s.arg(ApplicationId)
-           << u"PRAGMA user_version = %1"_s.arg(MajorVersion);
-    database.RunScript(script);
+    database.SetMark(Made);
+    transaction.Commit();
 }
 
 }  // namespace kadrona::core

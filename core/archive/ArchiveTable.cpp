@@ -1,6 +1,7 @@
 #include "core/archive/ArchiveTable.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/archive/ArchiveSchema.h"
 #include "store/FullTextIndex.h"
@@ -39,16 +40,18 @@ QString ShownTime(const QDateTime& created) {
 
 qint64 ArchiveTable::Insert(const std::function<bool(qint64 id)>& isTaken) {
     store::Transaction transaction(database_);
-    database_.Execute(uR"(INSERT INTO "ImgDB" DEFAULT VALUES)"_s);
-    const qint64 next = database_.LastInsertedId();
-    qint64 id = next;
+    const auto insert = [this] {
+        store::Statement empty(database_,
+                               uR"(INSERT INTO "ImgDB" DEFAULT VALUES RETURNING "ID")"_s);
+        empty.Step();
+        return empty.Integer(0);
+    };
+    qint64 id = insert();
     while (isTaken(id)) {
-        ++id;
-    }
-    if (id != next) {
-        store::Statement(database_, uR"(UPDATE "ImgDB" SET "ID" = ? WHERE "ID" = ?)"_s)
-            .Bind(1, id)
-            .Bind(2, next)
+        // The database gives the next one too: another workplace may be about to take it.
+        const qint64 taken = std::exchange(id, insert());
+        store::Statement(database_, uR"(DELETE FROM "ImgDB" WHERE "ID" = ?)"_s)
+            .Bind(1, taken)
             .Step();
     }
     transaction.Commit();
@@ -91,8 +94,11 @@ void ArchiveTable::WriteTags(qint64 id, const QString& tags) {
 }
 
 bool ArchiveTable::ReplaceTags(qint64 id, const QString& expected, const QString& tags) {
-    // One transaction around both, so that nobody writes between them.
     store::Transaction transaction(database_);
+    // Changes nothing, but from here on nobody else can write the record.
+    store::Statement(database_, uR"(UPDATE "ImgDB" SET "ImgMD5" = "ImgMD5" WHERE "ID" = ?)"_s)
+        .Bind(1, id)
+        .Step();
     const auto record = Read(id);
     if (record && record->tags != expected) {
         return false;

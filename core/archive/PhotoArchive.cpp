@@ -13,6 +13,7 @@
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
 
@@ -81,7 +82,7 @@ class ClaimedFile {
 
 void PhotoArchive::Connect(const QString& folder) {
     AsGeneralError([&] {
-        auto database = std::make_unique<store::Database>(folder);
+        auto database = std::make_unique<store::SqliteDatabase>(folder);
         RequireKnownVersion(*database);
         table_.reset();
         database_ = std::move(database);

@@ -11,6 +11,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "store/StoreError.h"
+#include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Errors.h"
@@ -44,10 +45,10 @@ class Archive : public ::testing::Test {
     QString DatabaseFile() const { return databaseFolder + u"/KDRImageBase.db"_s; }
 
     void Execute(const QString& statement) const {
-        store::Database(databaseFolder).Execute(statement);
+        store::SqliteDatabase(databaseFolder).Execute(statement);
     }
     QStringList Rows(const QString& query) const {
-        store::Database database(databaseFolder);
+        store::SqliteDatabase database(databaseFolder);
         return Column(database, query);
     }
     /// The records, their columns between bars; NULL is ?.

@@ -5,7 +5,7 @@
 #include "core/Data.h"
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/ImageTags.h"
-#include "store/Database.h"
+#include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Windows.h"
 
@@ -160,7 +160,7 @@ TEST_F(ArchiveWindow, WhatIsGoneOrLockedIsSaidAtOnceAndHarmsNothing) {
     data.Archive()->Insert();
     const qint64 lost = AddRecord(u"x\r\n"_s);
     Show([&](QWidget& shown) {
-        store::Database other(installation.DataFile("Database"));
+        store::SqliteDatabase other(installation.DataFile("Database"));
         other.Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" = %1)"_s.arg(lost));
         shown.grab();
         driver.Press(u"MessageBox"_s, u"OkButton"_s);

@@ -29,6 +29,7 @@
 #include "printing/Calibration.h"
 #ifdef KADRONA_WITH_CUPS
 #include "printing/cups/service/Job.h"
+#include "store/sqlite/SqliteDatabase.h"
 #endif
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
@@ -309,7 +310,7 @@ QString ArchiveFault(const QString& folder) {
     if (!QFile::exists(databaseFolder + u"/KDRImageBase.db"_s)) {
         return {};
     }
-    store::Database database(databaseFolder);
+    store::SqliteDatabase database(databaseFolder);
     QString fault = DatabaseFault(database);
     if (!fault.isEmpty() || !database.TableExists(u"ImgTags_idx"_s)) {
         return fault;

@@ -8,12 +8,12 @@
 #include <algorithm>
 
 #include "platform/AtomicFile.h"
-#include "store/Database.h"
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"
-#include "store/WordTokenizer.h"
+#include "store/Words.h"
+#include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/Errors.h"
 
 namespace kadrona::store {
@@ -43,7 +43,7 @@ class DatabaseTest : public ::testing::Test {
     }
 
     QTemporaryDir folder_;
-    Database database_{folder_.path(), std::chrono::milliseconds(20)};
+    SqliteDatabase database_{folder_.path(), std::chrono::milliseconds(20)};
 };
 
 TEST_F(DatabaseTest, WhatIsEmptyIsAValueAndWhatIsNotBoundIsNone) {
@@ -56,7 +56,6 @@ TEST_F(DatabaseTest, WhatIsEmptyIsAValueAndWhatIsNotBoundIsNone) {
     insert.Reset();
     insert.Bind(1, QString()).Bind(2, QByteArrayView()).Step();
     Insert(database_, u"third"_s);
-    EXPECT_EQ(database_.LastInsertedId(), 3);
 
     Statement select(database_, u"SELECT Id, Name, Thumb FROM Photos ORDER BY Id"_s);
     ASSERT_TRUE(select.Step());
@@ -85,7 +84,7 @@ TEST_F(DatabaseTest, TransactionRollsBackUnlessCommitted) {
     EXPECT_THROW(database_.RunScript({u"DELETE FROM Photos"_s, u"nonsense"_s}), StoreError);
     EXPECT_EQ(Count(database_), 1) << "a script is done as a whole or not at all";
     Insert(database_, u"after"_s);
-    Database other(folder_.path());
+    SqliteDatabase other(folder_.path());
     EXPECT_EQ(Count(other), 2) << "no transaction was left open";
 }
 
@@ -95,7 +94,7 @@ TEST_F(DatabaseTest, SaysWhyItCannotBeOpenedAndLeavesWhatIsThere) {
     const QByteArray name = QFile::encodeName(path);
     const auto expectRefused = [&](const QString& reason) {
         const qint64 size = QFileInfo(path).size();
-        EXPECT_EQ(TextOf<StoreError>([&] { const Database database(folder); }),
+        EXPECT_EQ(TextOf<StoreError>([&] { const SqliteDatabase database(folder); }),
                   u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(path, reason));
         EXPECT_EQ(QFileInfo(path).size(), size);
         QFile::remove(path);
@@ -124,10 +123,10 @@ TEST_F(DatabaseTest, IsTheUsersAloneAndLiesBehindTheUsersOwnLinks) {
     const QString folder = folder_.filePath(u"folder"_s);
     ASSERT_TRUE(QDir().mkdir(folder) && QFile::link(folder, link));
     const mode_t mask = umask(0);
-    Database database(link);
+    SqliteDatabase database(link);
     database.RunScript(Script);
     umask(mask);
-    EXPECT_EQ(database.Path(), link + u"/KDRImageBase.db"_s);
+    EXPECT_EQ(database.Name(), link + u"/KDRImageBase.db"_s);
     EXPECT_EQ(QFile::permissions(folder + u"/KDRImageBase.db"_s) & QFileDevice::Permissions(0x7077),
               QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
@@ -137,7 +136,7 @@ TEST_F(DatabaseTest, NoticesDamage) {
     QByteArray bytes = platform::ReadWholeFile(Path(), 10'000'000);
     std::fill(bytes.begin() + 4096, bytes.end(), '\xA5');
     platform::WriteFileAtomically(Path(), bytes);
-    Database damaged(folder_.path());
+    SqliteDatabase damaged(folder_.path());
     const QString error = TextOf<StoreError>(
         [&] { Statement(damaged, u"SELECT max(length(Name) + Id) FROM Photos"_s).Step(); });
     EXPECT_TRUE(error.endsWith(u"Die Datenbank ist beschädigt."_s)) << error.toStdString();
@@ -148,7 +147,7 @@ TEST_F(DatabaseTest, SaysWhatStandsInTheWay) {
         return TextOf<StoreError>([&] { Insert(database_, QString(50'000, u'x')); });
     };
     {
-        Database other(folder_.path());
+        SqliteDatabase other(folder_.path());
         const Transaction writing(other);
         EXPECT_TRUE(insertError().endsWith(u"Ein anderes Programm benutzt die Datenbank."_s));
     }
@@ -160,7 +159,7 @@ TEST_F(DatabaseTest, SaysWhatStandsInTheWay) {
 }
 
 TEST_F(DatabaseTest, StateTellsEveryChange) {
-    Database other(folder_.path());
+    SqliteDatabase other(folder_.path());
     const Database::State before = database_.PresentState();
     EXPECT_EQ(Count(database_), 0);
     EXPECT_EQ(database_.PresentState(), before) << "reading changes nothing";
@@ -212,7 +211,7 @@ TEST(WordTokenizer, TakesTextsApart) {
 
 class FullTextIndexTest : public ::testing::Test {
  protected:
-    FullTextIndexTest() { database_.Execute(FullTextIndex::Creation(u"Tags"_s)); }
+    FullTextIndexTest() { database_.RunScript(index_.Creation()); }
 
     std::vector<qint64> Rows(const QString& text) const { return index_.RowsWith(text); }
     void RequireSound() {
@@ -220,7 +219,7 @@ class FullTextIndexTest : public ::testing::Test {
     }
 
     QTemporaryDir folder_;
-    Database database_{folder_.path()};
+    SqliteDatabase database_{folder_.path()};
     FullTextIndex index_{database_, u"Tags"_s};
 };
 

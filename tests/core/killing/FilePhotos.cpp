@@ -10,6 +10,7 @@
 #include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
 #include "store/Transaction.h"
+#include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
@@ -77,7 +78,7 @@ int main(int argc, char** argv) try {
     core::TData data(ui, {folder, folder});
     data.ConnectDB(folder);
     data.CreateDB();
-    store::Database database(folder);
+    store::SqliteDatabase database(folder);
     CheckDatabase(database);
     if (arguments.size() < 3) {
         FileForever(data, folder);

@@ -1,4 +1,4 @@
-#include "store/SqliteReason.h"
+#include "store/sqlite/SqliteReason.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,6 @@
-#include "store/WordTokenizer.h"
+#include "store/Words.h"
 
-#include <sqlite3.h>
-
+#include <algorithm>
 #include <string_view>
 
 #include "platform/TextDecoding.h"
@@ -93,9 +92,9 @@ char32_t TakeCharacter(QByteArrayView& text) {
     return character;
 }
 
-/// Calls `visit(word, begin, end)` for each word and where it stands, until it returns false.
-template <typename Visit>
-void ForEachWord(QByteArrayView text, const Visit& visit) {
+}  // namespace
+
+void ForEachWord(QByteArrayView text, const WordVisitor& visit) {
     QByteArray word;
     qsizetype begin = 0;
     qsizetype end = 0;
@@ -119,44 +118,6 @@ void ForEachWord(QByteArrayView text, const Visit& visit) {
     }
 }
 
-using TokenCallback = int (*)(void*, int, const char*, int, int, int);
-
-int Tokenize(Fts5Tokenizer* /*tokenizer*/, void* context, int /*flags*/, const char* text,
-             int length, TokenCallback report) {
-    int result = SQLITE_OK;
-    try {
-        ForEachWord({text, length}, [&](const QByteArray& word, qsizetype begin, qsizetype end) {
-            result = report(context, 0, word.constData(), static_cast<int>(word.size()),
-                            static_cast<int>(begin), static_cast<int>(end));
-            return result == SQLITE_OK;
-        });
-    } catch (const std::bad_alloc&) {
-        return SQLITE_NOMEM;
-    }
-    return result;
-}
-
-/// There is nothing to keep, but the engine wants something that is not null.
-int Create(void* /*context*/, const char** /*arguments*/, int /*count*/, Fts5Tokenizer** made) {
-    static char nothing;
-    *made = reinterpret_cast<Fts5Tokenizer*>(&nothing);
-    return SQLITE_OK;
-}
-
-/// Null where SQLite was built without its full-text engine.
-fts5_api* FullTextEngine(sqlite3* handle) {
-    fts5_api* engine = nullptr;
-    sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(handle, "SELECT fts5(?1)", -1, &statement, nullptr) == SQLITE_OK) {
-        sqlite3_bind_pointer(statement, 1, &engine, "fts5_api_ptr", nullptr);
-        sqlite3_step(statement);
-    }
-    sqlite3_finalize(statement);
-    return engine;
-}
-
-}  // namespace
-
 std::vector<QByteArray> WordsOf(QByteArrayView text) {
     std::vector<QByteArray> words;
     ForEachWord(text, [&](const QByteArray& word, qsizetype /*begin*/, qsizetype /*end*/) {
@@ -166,13 +127,11 @@ std::vector<QByteArray> WordsOf(QByteArrayView text) {
     return words;
 }
 
-int RegisterWordTokenizer(sqlite3* handle) {
-    fts5_api* engine = FullTextEngine(handle);
-    if (engine == nullptr) {
-        return SQLITE_ERROR;
-    }
-    fts5_tokenizer tokenizer{Create, [](Fts5Tokenizer*) {}, Tokenize};
-    return engine->xCreateTokenizer(engine, WordTokenizerName, nullptr, &tokenizer, nullptr);
+std::vector<QByteArray> DistinctWordsOf(QByteArrayView text) {
+    std::vector<QByteArray> words = WordsOf(text);
+    std::sort(words.begin(), words.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
+    return words;
 }
 
 }  // namespace kadrona::store

@@ -2,9 +2,8 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <functional>
 #include <vector>
-
-struct sqlite3;
 
 namespace kadrona::store {
 
@@ -16,10 +15,13 @@ namespace kadrona::store {
 /// ending the word around it: "07.03.2026" is the word "07032026", searched or found.
 std::vector<QByteArray> WordsOf(QByteArrayView text);
 
-/// The name under which a connection's full-text tables find the tokenizer.
-inline constexpr const char* WordTokenizerName = "kadrona_words";
+/// The same words, each once, in the order of their bytes.
+std::vector<QByteArray> DistinctWordsOf(QByteArrayView text);
 
-/// Makes the tokenizer known to the full-text engine of a connection. Returns SQLite's result code.
-int RegisterWordTokenizer(sqlite3* handle);
+/// Sees a word and where it stands in the text, in bytes; returns whether to go on.
+using WordVisitor = std::function<bool(const QByteArray& word, qsizetype begin, qsizetype end)>;
+
+/// Shows the words of a UTF-8 text one after the other.
+void ForEachWord(QByteArrayView text, const WordVisitor& visit);
 
 }  // namespace kadrona::store

@@ -1,0 +1,239 @@
+#include "store/sqlite/SqliteDatabase.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/Links.h"
+#include "platform/Paths.h"
+#include "platform/SystemReason.h"
+#include "platform/UniqueFile.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/sqlite/SqliteReason.h"
+#include "store/sqlite/SqliteStatement.h"
+#include "store/sqlite/WordTokenizer.h"
+
+namespace kadrona::store {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QStringView FileName = u"KDRImageBase.db";
+
+/// Far more than the program writes, bytes. SQLite's own billion would be in memory several times.
+constexpr int LongestValue = 16 << 20;
+
+/// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
+/// our own SQL from the file's inner structures.
+void Harden(sqlite3* handle) {
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
+/// Sees to it that there is a file, an empty one where there was none. SQLite itself would give it
+/// the permissions that the mask leaves, and would wait at a pipe. Returns why there is none; empty
+/// where there is one.
+QString MakeFile(const QString& path) {
+    const int handle = platform::CreateNewFile(path);
+    if (handle >= 0) {
+        close(handle);
+        return {};
+    }
+    struct stat existing {};
+    if (errno != EEXIST || lstat(QFile::encodeName(path).constData(), &existing) != 0) {
+        return platform::SystemReason(errno);
+    }
+    if (S_ISLNK(existing.st_mode)) {
+        return u"Die Datei ist eine Verknüpfung"_s;
+    }
+    return S_ISREG(existing.st_mode) ? QString() : u"Es ist keine gewöhnliche Datei"_s;
+}
+
+}  // namespace
+
+void SqliteDatabase::Closer::operator()(sqlite3* handle) const {
+    sqlite3_close_v2(handle);
+}
+
+SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds patience)
+    : Database(platform::JoinPath(folder, FileName)), patience_(patience) {
+    const auto check = [this](const QString& reason) {
+        if (!reason.isEmpty()) {
+            throw StoreError(
+                u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(Name(), reason));
+        }
+    };
+    const auto [realFolder, refusal] = platform::FollowLinks(folder, platform::Links::Own);
+    check(refusal);
+    const QString file = platform::JoinPath(realFolder, FileName);
+    check(MakeFile(file));
+
+    sqlite3* handle = nullptr;
+    int result = sqlite3_open_v2(file.toUtf8().constData(), &handle,
+                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
+                                 nullptr);
+    handle_.reset(handle);
+    if (result == SQLITE_OK) {
+        sqlite3_extended_result_codes(handle, 1);
+        // Whoever starts while another program recovers or writes must not be without it for good.
+        WaitUpTo(OpeningPatience);
+        Harden(handle);
+        sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, LongestValue);
+        result = RegisterWordTokenizer(handle);
+    }
+    if (result == SQLITE_OK) {
+        // The file is read only now: without this, garbage would pass for a database.
+        result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
+        WaitUpTo(ReadingPatience);
+    }
+    check(result == SQLITE_OK ? QString() : SqliteReason(handle, result));
+}
+
+void SqliteDatabase::WaitUpTo(std::chrono::milliseconds patience) {
+    sqlite3_busy_timeout(handle_.get(), static_cast<int>(std::min(patience, patience_).count()));
+}
+
+std::unique_ptr<PreparedStatement> SqliteDatabase::Prepare(const QString& sql) {
+    return std::make_unique<SqliteStatement>(handle_.get(), Name(), sql);
+}
+
+void SqliteDatabase::Begin() {
+    WaitUpTo(patience_);
+    // At once a writer: a reader that becomes one later can find that another was quicker.
+    try {
+        Execute(u"BEGIN IMMEDIATE"_s);
+    } catch (...) {
+        WaitUpTo(ReadingPatience);
+        throw;
+    }
+}
+
+void SqliteDatabase::Commit() {
+    Execute(u"COMMIT"_s);
+    WaitUpTo(ReadingPatience);
+}
+
+void SqliteDatabase::RollBack() noexcept {
+    // SQLite rolls back by itself after some failures, such as a full disk.
+    if (sqlite3_get_autocommit(handle_.get()) == 0) {
+        sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+    }
+    WaitUpTo(ReadingPatience);
+}
+
+bool SqliteDatabase::Has(const QString& type, const QString& name) {
+    return Statement(*this,
+                     u"SELECT 1 FROM sqlite_schema WHERE type = ? AND name = ? COLLATE NOCASE"_s)
+        .Bind(1, type)
+        .Bind(2, name)
+        .Step();
+}
+
+bool SqliteDatabase::TableExists(const QString& name) {
+    return Has(u"table"_s, name);
+}
+
+bool SqliteDatabase::IndexExists(const QString& name) {
+    return Has(u"index"_s, name);
+}
+
+qint64 SqliteDatabase::Number(const QString& query) {
+    Statement statement(*this, query);
+    return statement.Step() ? statement.Integer(0) : 0;
+}
+
+Database::State SqliteDatabase::PresentState() {
+    return {sqlite3_total_changes64(handle_.get()), Number(u"PRAGMA data_version"_s)};
+}
+
+SchemaMark SqliteDatabase::Mark() {
+    return {Number(u"PRAGMA application_id"_s), Number(u"PRAGMA user_version"_s)};
+}
+
+void SqliteDatabase::SetMark(const SchemaMark& mark) {
+    Execute(u"PRAGMA application_id = %1"_s.arg(mark.application));
+    Execute(u"PRAGMA user_version = %1"_s.arg(mark.version));
+}
+
+QString SqliteDatabase::ColumnType(ColumnKind kind) const {
+    switch (kind) {
+        case ColumnKind::AutomaticNumber:
+            return u"INTEGER PRIMARY KEY AUTOINCREMENT"_s;
+        case ColumnKind::Memo:
+            return u"MEMO"_s;
+        case ColumnKind::Graphic:
+            break;
+    }
+    return u"GRAPHIC"_s;
+}
+
+/// The index holds all that a list or a search wants to know, so that neither reads the rows with
+/// the large values. Descriptions have no place of their own here, and other programs ask for the
+/// state.
+QStringList SqliteDatabase::Supplements(const ListedTable& table) const {
+    QStringList columns;
+    for (const QString& key : table.keys) {
+        columns << u"\"%1\" DESC"_s.arg(key);
+    }
+    for (const QString& column : table.columns) {
+        columns << u"\"%1\""_s.arg(column);
+    }
+    return {u"CREATE INDEX IF NOT EXISTS \"%1\" ON \"%2\" (%3)"_s.arg(table.index, table.name,
+                                                                      columns.join(u", "_s))};
+}
+
+qint64 SqliteDatabase::LastNumber(const QString& table, const QString& /*column*/) {
+    Statement last(*this, u"SELECT seq FROM sqlite_sequence WHERE name = ?"_s);
+    return last.Bind(1, table).Step() ? last.Integer(0) : 0;
+}
+
+void SqliteDatabase::RaiseLastNumber(const QString& table, const QString& column, qint64 number) {
+    if (number <= LastNumber(table, column)) {
+        return;
+    }
+    // A row that bears the number, and goes again.
+    Statement(*this, uR"(INSERT INTO "%1" ("%2") VALUES (?))"_s.arg(table, column))
+        .Bind(1, number)
+        .Step();
+    Statement(*this, uR"(DELETE FROM "%1" WHERE "%2" = ?)"_s.arg(table, column))
+        .Bind(1, number)
+        .Step();
+}
+
+QStringList SqliteDatabase::FullTextCreation(const QString& index) const {
+    // "detail = none": where in a text a word stands is of no interest.
+    return {
+        uR"(CREATE VIRTUAL TABLE IF NOT EXISTS "%1" USING fts5(
+        "Text", tokenize = '%2', detail = none))"_s.arg(index,
+                                                        QString::fromLatin1(WordTokenizerName))};
+}
+
+void SqliteDatabase::SetFullText(const QString& index, qint64 row, const QString& text) {
+    Statement(*this, uR"(INSERT OR REPLACE INTO "%1" (rowid, "Text") VALUES (?, ?))"_s.arg(index))
+        .Bind(1, row)
+        .Bind(2, text)
+        .Step();
+}
+
+std::vector<qint64> SqliteDatabase::RowsWith(const QString& index,
+                                             const std::vector<QByteArray>& words) {
+    QStringList terms;
+    for (const QByteArray& word : words) {
+        terms.append(u'"' + QString::fromUtf8(word) + u'"');
+    }
+    Statement select(*this,
+                     uR"(SELECT rowid FROM "%1" WHERE "%1" MATCH ? ORDER BY rowid)"_s.arg(index));
+    select.Bind(1, terms.join(u" AND "));
+    std::vector<qint64> rows;
+    while (select.Step()) {
+        rows.push_back(select.Integer(0));
+    }
+    return rows;
+}
+
+}  // namespace kadrona::store
