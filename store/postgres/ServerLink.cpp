@@ -1,0 +1,266 @@
+#include "store/postgres/ServerLink.h"
+
+#include <arpa/inet.h>
+#include <libpq-fe.h>
+#include <poll.h>
+
+#include <QDeadlineTimer>
+#include <array>
+#include <cerrno>
+
+#include "store/StoreError.h"
+#include "store/postgres/HostLookup.h"
+#include "store/postgres/ServerReason.h"
+
+namespace kadrona::store {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int OldestVersion = 12'00'00;
+constexpr QStringView Silent = u"Der Server antwortet nicht";
+
+bool IsNumericAddress(const QByteArray& host) {
+    std::array<char, sizeof(in6_addr)> address{};
+    return inet_pton(AF_INET, host.constData(), address.data()) == 1 ||
+           inet_pton(AF_INET6, host.constData(), address.data()) == 1;
+}
+
+/// What the server is told at the beginning. Times and bytes then have the forms that
+/// PostgresStatement reads, and nobody waits long for a lock or keeps one for ever.
+QByteArray SessionOptions(std::chrono::milliseconds patience) {
+    return "-c datestyle=ISO -c bytea_output=hex -c standard_conforming_strings=on"
+           " -c client_min_messages=error -c idle_in_transaction_session_timeout=60000"
+           " -c statement_timeout=60000 -c lock_timeout=" +
+           QByteArray::number(qint64(patience.count() * 3 / 4));
+}
+
+/// Keywords of a connection with their values, in the order of libpq's arrays.
+class ConnectionWords {
+ public:
+    void Add(const char* word, const QByteArray& value) {
+        words_.push_back(word);
+        values_.push_back(value);
+    }
+
+    PGconn* Start() const {
+        std::vector<const char*> words = words_;
+        std::vector<const char*> values;
+        for (const QByteArray& value : values_) {
+            values.push_back(value.constData());
+        }
+        words.push_back(nullptr);
+        values.push_back(nullptr);
+        return PQconnectStartParams(words.data(), values.data(), 0);
+    }
+
+ private:
+    std::vector<const char*> words_;
+    std::vector<QByteArray> values_;
+};
+
+/// `addresses` are those of the host; none where it needs no lookup.
+ConnectionWords WordsFor(const ServerAddress& address, const QByteArrayList& addresses,
+                         std::chrono::milliseconds patience) {
+    const QByteArray milliseconds = QByteArray::number(qint64(patience.count()));
+    const QByteArray host = address.host.toUtf8();
+    ConnectionWords words;
+    words.Add("host",
+              addresses.isEmpty() ? host : QByteArrayList(addresses.size(), host).join(','));
+    words.Add("hostaddr", addresses.join(','));
+    words.Add("port", QByteArray::number(address.port));
+    words.Add("dbname", address.database.toUtf8());
+    words.Add("user", address.user.toUtf8());
+    words.Add("password", address.password.toUtf8());
+    words.Add("application_name", "kadrona");
+    words.Add("client_encoding", "UTF8");
+    words.Add("options", SessionOptions(patience));
+    words.Add("gssencmode", "disable");  // would ask another server first
+    words.Add("tcp_user_timeout", milliseconds);
+    words.Add("keepalives_idle", "5");
+    words.Add("keepalives_interval", "2");
+    words.Add("keepalives_count", "2");
+    return words;
+}
+
+}  // namespace
+
+void ServerLink::Closer::operator()(pg_conn* connection) const {
+    PQfinish(connection);
+}
+
+void ServerLink::ResultCloser::operator()(pg_result* result) const {
+    PQclear(result);
+}
+
+ServerLink::ServerLink(const ServerAddress& address, std::chrono::milliseconds patience)
+    : name_(u"%1 auf %2"_s.arg(address.database, address.host)), patience_(patience) {
+    Connect(address);
+    PQsetErrorVerbosity(connection_.get(), PQERRORS_DEFAULT);
+    const int version = PQserverVersion(connection_.get());
+    if (version < OldestVersion) {
+        throw StoreError(
+            u"Der Server mit der Datenbank „%1“ ist zu alt: Er hat die Version %2.%3, gebraucht "
+            u"wird PostgreSQL %4 oder neuer."_s.arg(name_)
+                .arg(version / 10000)
+                .arg(version / 100 % 100)
+                .arg(OldestVersion / 10000));
+    }
+    PQsetnonblocking(connection_.get(), 1);
+}
+
+void ServerLink::GiveUp(const QString& reason) {
+    Close();
+    throw ConnectionLost(
+        u"Die Verbindung zur Datenbank „%1“ ist unterbrochen: %2."_s.arg(name_, reason));
+}
+
+void ServerLink::Connect(const ServerAddress& address) {
+    const QDeadlineTimer deadline(patience_);
+    QByteArrayList addresses;
+    const QByteArray host = address.host.toUtf8();
+    if (!host.isEmpty() && !host.startsWith('/') && !IsNumericAddress(host)) {
+        const auto found = LookUpHost(host, deadline);
+        if (!found || found->isEmpty()) {
+            GiveUp(found ? u"Einen Rechner dieses Namens gibt es nicht"_s
+                         : u"Der Name des Rechners ist nicht zu finden"_s);
+        }
+        addresses = *found;
+    }
+    connection_.reset(WordsFor(address, addresses, patience_).Start());
+    if (connection_ == nullptr) {
+        throw std::bad_alloc();
+    }
+    PQsetNoticeProcessor(
+        connection_.get(), [](void*, const char*) {}, nullptr);
+    PQsetErrorVerbosity(connection_.get(), PQERRORS_VERBOSE);
+    PostgresPollingStatusType state = PGRES_POLLING_WRITING;
+    while (state != PGRES_POLLING_OK) {
+        if (state == PGRES_POLLING_FAILED || PQstatus(connection_.get()) == CONNECTION_BAD) {
+            const QString reason = ConnectReason(connection_.get());
+            Close();
+            throw ConnectionLost(
+                u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(name_, reason));
+        }
+        if (WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
+            GiveUp(Silent.toString());
+        }
+        state = PQconnectPoll(connection_.get());
+    }
+}
+
+/// What is possible on the connection; 0 where time ran out.
+short ServerLink::WaitFor(short events, const QDeadlineTimer& deadline) {
+    while (true) {
+        pollfd socket{.fd = PQsocket(connection_.get()), .events = events, .revents = 0};
+        const int ready = poll(&socket, 1, static_cast<int>(deadline.remainingTime()));
+        if (ready >= 0) {
+            return ready == 0 ? short{0} : socket.revents;
+        }
+        if (errno != EINTR) {
+            return 0;
+        }
+    }
+}
+
+ServerLink::Result ServerLink::Run(const QByteArray& sql,
+                                   const std::vector<ServerParameter>& parameters) {
+    if (connection_ == nullptr) {
+        GiveUp(Silent.toString());
+    }
+    Send(sql, parameters);
+    Result result = Receive();
+    const ExecStatusType status = PQresultStatus(result.get());
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
+        failed_ = true;
+        const QString reason = ServerReason(result.get());
+        if (IsEndOfConnection(result.get()) || PQstatus(connection_.get()) == CONNECTION_BAD) {
+            GiveUp(reason.isEmpty() ? u"Der Server wurde beendet"_s : reason);
+        }
+        throw StoreError(
+            u"Der Zugriff auf die Datenbank „%1“ ist fehlgeschlagen: %2."_s.arg(name_, reason));
+    }
+    const QByteArray command(PQcmdStatus(result.get()));
+    const bool reads = command.startsWith("SELECT") || command.endsWith(" 0");
+    ownChanges_ += !reads && *PQcmdTuples(result.get()) != '\0' ? 1 : 0;
+    return result;
+}
+
+void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters) {
+    constexpr Oid Bytes = 17;
+    std::vector<Oid> types;
+    std::vector<const char*> values;
+    std::vector<int> lengths;
+    std::vector<int> formats;
+    for (const ServerParameter& parameter : parameters) {
+        types.push_back(parameter.bytes ? Bytes : Oid{0});
+        values.push_back(parameter.value ? parameter.value->constData() : nullptr);
+        lengths.push_back(parameter.value ? static_cast<int>(parameter.value->size()) : 0);
+        formats.push_back(parameter.bytes ? 1 : 0);
+    }
+    if (PQsendQueryParams(connection_.get(), sql.constData(), static_cast<int>(parameters.size()),
+                          types.data(), values.data(), lengths.data(), formats.data(), 0) == 0) {
+        GiveUp(Silent.toString());
+    }
+    for (int left = 1; left != 0;) {
+        left = PQflush(connection_.get());
+        const short ready =
+            left == 1 ? WaitFor(POLLIN | POLLOUT, QDeadlineTimer(patience_)) : short{1};
+        const bool readable = left == 1 && (ready & POLLIN) != 0;
+        if (left < 0 || ready == 0 || (readable && PQconsumeInput(connection_.get()) == 0)) {
+            GiveUp(Silent.toString());
+        }
+    }
+}
+
+/// Hearing anything makes the patience begin anew: a long list over a slow net may take its time.
+void ServerLink::WaitUntilIdle() {
+    while (PQisBusy(connection_.get()) != 0) {
+        if (WaitFor(POLLIN, QDeadlineTimer(patience_)) == 0) {
+            GiveUp(Silent.toString());
+        }
+        if (PQconsumeInput(connection_.get()) == 0) {
+            GiveUp(u"Der Server wurde beendet"_s);
+        }
+    }
+}
+
+ServerLink::Result ServerLink::Receive() {
+    Result last;
+    while (true) {
+        WaitUntilIdle();
+        Result next(PQgetResult(connection_.get()));
+        if (next == nullptr) {
+            TakeNotices();
+            return last;
+        }
+        // A failure says more than the end of the connection that follows it.
+        if (last == nullptr || PQresultStatus(last.get()) != PGRES_FATAL_ERROR) {
+            last = std::move(next);
+        }
+    }
+}
+
+void ServerLink::TakeNotices() {
+    while (PGnotify* notice = PQnotifies(connection_.get())) {
+        othersNotices_ += notice->be_pid == PQbackendPID(connection_.get()) ? 0 : 1;
+        PQfreemem(notice);
+    }
+}
+
+/// A question to the server: what was committed before it is announced before its answer.
+qint64 ServerLink::OthersNotices() {
+    Run("SELECT 1");
+    return othersNotices_;
+}
+
+bool ServerLink::InTransaction() const {
+    if (connection_ == nullptr) {
+        return false;
+    }
+    const PGTransactionStatusType status = PQtransactionStatus(connection_.get());
+    return status == PQTRANS_INTRANS || status == PQTRANS_INERROR;
+}
+
+}  // namespace kadrona::store

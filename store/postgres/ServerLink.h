@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "store/ServerAddress.h"
+
+class QDeadlineTimer;
+struct pg_conn;
+struct pg_result;
+
+namespace kadrona::store {
+
+/// One value for a statement's parameter; nothing is NULL. Bytes are no text.
+struct ServerParameter {
+    std::optional<QByteArray> value;
+    bool bytes = false;
+};
+
+/// The connection to a PostgreSQL server. It never waits longer than its patience without hearing
+/// from the server: then, and whenever the connection fails otherwise, it is given up, and every
+/// further call throws ConnectionLost at once.
+class ServerLink {
+ public:
+    struct ResultCloser {
+        void operator()(pg_result* result) const;
+    };
+    using Result = std::unique_ptr<pg_result, ResultCloser>;
+
+    /// Throws ConnectionLost where the server is not there or does not let us in, and StoreError
+    /// where it is older than the program needs.
+    ServerLink(const ServerAddress& address, std::chrono::milliseconds patience);
+
+    /// "DATABASE auf HOST".
+    const QString& Name() const { return name_; }
+
+    /// Runs one statement, in the server's own notation, and waits for all of its rows. Throws
+    /// StoreError.
+    Result Run(const QByteArray& sql, const std::vector<ServerParameter>& parameters = {});
+
+    /// Whether a transaction is open, be it a failed one.
+    bool InTransaction() const;
+
+    /// How many changes others have announced on the connection so far, and how many statements of
+    /// our own have changed rows.
+    qint64 OthersNotices();
+    qint64 OwnChanges() const { return ownChanges_; }
+
+    /// Whether a statement has failed since this was asked last.
+    bool HasFailed() { return std::exchange(failed_, false); }
+
+    bool IsOpen() const { return connection_ != nullptr; }
+    /// Gives the connection up.
+    void Close() { connection_.reset(); }
+
+ private:
+    struct Closer {
+        void operator()(pg_conn* connection) const;
+    };
+
+    void Connect(const ServerAddress& address);
+    void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters);
+    Result Receive();
+    void WaitUntilIdle();
+    short WaitFor(short events, const QDeadlineTimer& deadline);
+    void TakeNotices();
+    [[noreturn]] void GiveUp(const QString& reason);
+
+    QString name_;
+    std::chrono::milliseconds patience_;
+    std::unique_ptr<pg_conn, Closer> connection_;
+    qint64 othersNotices_ = 0;
+    qint64 ownChanges_ = 0;
+    bool failed_ = false;
+};
+
+}  // namespace kadrona::store

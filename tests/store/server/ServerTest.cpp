@@ -1,0 +1,206 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QElapsedTimer>
+#include <QTcpServer>
+
+#include "store/FullTextIndex.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/Transaction.h"
+#include "store/postgres/PostgresDatabase.h"
+#include "tests/support/Errors.h"
+#include "tests/support/TestServer.h"
+
+namespace kadrona::store {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace kadrona::testing;
+
+class ServerTest : public ::testing::Test {
+ protected:
+    ServerTest() {
+        database_.RunScript(
+            {u"CREATE TABLE photos (id %1, name %2, thumb %3, taken timestamp)"_s.arg(
+                database_.ColumnType(ColumnKind::AutomaticNumber),
+                database_.ColumnType(ColumnKind::Memo),
+                database_.ColumnType(ColumnKind::Graphic))});
+    }
+
+    static qint64 Number(Database& database, const QString& query) {
+        Statement statement(database, query);
+        statement.Step();
+        return statement.Integer(0);
+    }
+    static qint64 Count(Database& database) {
+        return Number(database, u"SELECT count(*) FROM photos"_s);
+    }
+    static void Insert(Database& database, const QString& name) {
+        Statement(database, u"INSERT INTO photos (name) VALUES (?)"_s).Bind(1, name).Step();
+    }
+
+    ServerAddress address_ = NewServerDatabase();
+    PostgresDatabase database_{address_};
+};
+
+TEST_F(ServerTest, ValuesComeBackAsTheyWent) {
+    const QByteArray thumb("\xFF\xD8\0\x01", 4);
+    Statement insert(
+        database_, u"INSERT INTO photos (name, thumb, taken) VALUES (?, ?, ?) RETURNING '?', id"_s);
+    insert.Bind(1, u"Größe \U0001F4F7\r\n'; DROP TABLE photos"_s)
+        .Bind(2, QByteArrayView(thumb))
+        .Bind(3, u"2026-03-07 14:30:05.120"_s);
+    ASSERT_TRUE(insert.Step());
+    EXPECT_EQ(insert.Text(0), u"?"_s) << "what stands in quotes is no parameter";
+    insert.Reset();
+    insert.Bind(1, u"vor\0nach"_s).Bind(2, QByteArrayView()).Bind(3, u"2026-03-07 14:30:05"_s);
+    ASSERT_TRUE(insert.Step());
+    EXPECT_EQ(insert.Integer(1), 2);
+    Insert(database_, QString());
+
+    Statement select(database_, u"SELECT name, thumb, taken FROM photos ORDER BY id"_s);
+    ASSERT_TRUE(select.Step());
+    EXPECT_EQ(select.Text(0), u"Größe \U0001F4F7\r\n'; DROP TABLE photos"_s);
+    EXPECT_EQ(select.Blob(1), thumb);
+    EXPECT_EQ(select.Text(2), u"2026-03-07 14:30:05.120"_s);
+    ASSERT_TRUE(select.Step());
+    EXPECT_EQ(select.Text(0), u"vornach"_s);
+    EXPECT_EQ(select.Text(2), u"2026-03-07 14:30:05.000"_s);
+    EXPECT_FALSE(select.IsNull(1));
+    ASSERT_TRUE(select.Step());
+    EXPECT_TRUE(!select.IsNull(0) && select.IsNull(1) && select.IsNull(2));
+    EXPECT_EQ(select.Text(2), QString());
+    EXPECT_FALSE(select.Step());
+}
+
+TEST_F(ServerTest, TransactionsAndNumbersAreThoseOfAllWorkplaces) {
+    PostgresDatabase other(address_);
+    {
+        Transaction transaction(database_);
+        Insert(database_, u"dropped"_s);
+        EXPECT_EQ(Count(other), 0);
+    }
+    {
+        Transaction transaction(database_);
+        Insert(database_, u"kept"_s);
+        EXPECT_THROW(database_.Execute(u"nonsense"_s), StoreError);
+        EXPECT_THROW(transaction.Commit(), StoreError) << "not said to be done";
+    }
+    EXPECT_EQ(Count(database_), 0);
+    Insert(other, u"theirs"_s);
+    EXPECT_EQ(Number(other, u"SELECT id FROM photos"_s), 3);
+    database_.RaiseLastNumber(u"photos"_s, u"id"_s, 7);
+    database_.RaiseLastNumber(u"photos"_s, u"id"_s, 5);
+    Insert(other, u"later"_s);
+    EXPECT_EQ(database_.LastNumber(u"photos"_s, u"id"_s), 8);
+    EXPECT_EQ(Count(database_), 2);
+}
+
+TEST_F(ServerTest, ChangesOfOthersAreHeardOf) {
+    database_.RunScript(database_.Supplements({.name = u"photos"_s,
+                                               .description = u"Fotos"_s,
+                                               .index = u"photos_idx"_s,
+                                               .keys = {u"taken"_s, u"id"_s},
+                                               .columns = {},
+                                               .large = u"thumb"_s}));
+    PostgresDatabase other(address_);
+    const Database::State before = database_.PresentState();
+    EXPECT_EQ(Count(database_), 0);
+    EXPECT_EQ(database_.PresentState(), before) << "reading changes nothing";
+    for (Database* writer : {static_cast<Database*>(&other), static_cast<Database*>(&database_)}) {
+        const Database::State last = database_.PresentState();
+        Insert(*writer, u"new"_s);
+        EXPECT_NE(database_.PresentState(), last);
+    }
+}
+
+TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
+    const auto refusal = [&](auto&& change) {
+        ServerAddress address = address_;
+        change(address);
+        QElapsedTimer time;
+        time.start();
+        const QString text = TextOf<StoreError>([&] { const PostgresDatabase refused(address); });
+        EXPECT_LT(time.elapsed(), 2400) << text.toStdString();
+        return text.section(u": "_s, -1);
+    };
+    EXPECT_EQ(refusal([](ServerAddress& address) { address.password = u"falsch"_s; }),
+              u"Benutzername oder Kennwort ist falsch."_s);
+    EXPECT_EQ(refusal([](ServerAddress& address) { address.password.clear(); }),
+              u"Der Server verlangt ein Kennwort."_s);
+    EXPECT_EQ(refusal([](ServerAddress& address) { address.database = u"dbname=x"_s; }),
+              u"Diese Datenbank gibt es auf dem Server nicht."_s);
+    EXPECT_EQ(refusal([](ServerAddress& address) { address.host = u"/tmp"_s; }),
+              u"Unter dieser Adresse antwortet kein PostgreSQL-Server."_s);
+    EXPECT_EQ(refusal([&](ServerAddress& address) {
+                  address.host = u"127.0.0.1"_s;
+                  address.port = silent.serverPort();
+              }),
+              u"Der Server antwortet nicht."_s);
+    EXPECT_TRUE(refusal([](ServerAddress& address) {
+                    address.host = u"gibt-es-nicht.invalid"_s;
+                }).contains(u"Name"_s));
+}
+
+TEST_F(ServerTest, SaysWhatStandsInTheWay) {
+    ServerAddress guest = address_;
+    guest.user = u"gast"_s;
+    guest.password = u"gast"_s;
+    PostgresDatabase looking(guest);
+    EXPECT_TRUE(TextOf<StoreError>([&] {
+                    Insert(looking, u"x"_s);
+                }).endsWith(u"Dem Benutzer fehlt auf dem Server das Recht dazu."_s));
+    PostgresDatabase other(address_);
+    const Transaction writing(other);
+    other.Execute(u"LOCK TABLE photos"_s);
+    EXPECT_TRUE(TextOf<StoreError>([&] {
+                    Insert(database_, u"x"_s);
+                }).endsWith(u"Ein anderes Programm benutzt die Datenbank."_s));
+}
+
+/// Neither keeps the program waiting, and what is lost stays lost.
+TEST_F(ServerTest, AServerThatIsGoneIsGivenUp) {
+    const auto pid = static_cast<pid_t>(Number(database_, u"SELECT pg_backend_pid()"_s));
+    ASSERT_EQ(kill(pid, SIGSTOP), 0);
+    QElapsedTimer time;
+    time.start();
+    EXPECT_THROW(Count(database_), ConnectionLost);
+    EXPECT_LT(time.elapsed(), 2400);
+    time.start();
+    EXPECT_THROW(Count(database_), ConnectionLost);
+    EXPECT_LT(time.elapsed(), 50);
+    kill(pid, SIGCONT);
+
+    PostgresDatabase open(address_);
+    {
+        Transaction transaction(open);
+        Insert(open, u"x"_s);
+        ControlServer("restart -m fast");
+        EXPECT_THROW(Insert(open, u"y"_s), ConnectionLost);
+    }
+    EXPECT_THROW(open.PresentState(), ConnectionLost);
+    PostgresDatabase again(address_);
+    EXPECT_EQ(Count(again), 0);
+}
+
+TEST_F(ServerTest, FindsWholeWordsWhateverTheirLength) {
+    FullTextIndex index(database_, u"Tags"_s);
+    database_.RunScript(index.Creation());
+    using Found = std::vector<qint64>;
+    index.Set(3, u"Jürgen O'Neill\r\nGroß"_s);
+    index.Set(1, u"Anna Müller"_s);
+    index.Set(2, u"MÜLLER, Anna-Sofie "_s + QString(100'000, u'ä'));
+    EXPECT_EQ(index.RowsWith(u"müller"_s), (Found{1, 2}));
+    EXPECT_EQ(index.RowsWith(QString(100'000, u'Ä') + u" Sofie Müller"_s), (Found{2}));
+    EXPECT_EQ(index.RowsWith(u"o'neill GROß"_s), (Found{3}));
+    EXPECT_EQ(index.RowsWith(u"Müll \" %"_s), Found());
+    index.Set(1, u"Wort "_s.repeated(200'000));
+    EXPECT_EQ(index.RowsWith(u"müller"_s), (Found{2}));
+    EXPECT_EQ(index.RowsWith(u"WORT"_s), (Found{1}));
+}
+
+}  // namespace
+}  // namespace kadrona::store
