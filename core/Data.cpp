@@ -2,10 +2,12 @@
 
 #include <QFileInfo>
 
+#include "core/archive/ArchiveSchema.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
 
@@ -38,9 +40,30 @@ void TData::InitSystem() {
         ui_.ShowMessage(u"Fehler, das Kurvenverzeichnis konnte nicht erstellt werden."_s);
         return;
     }
-    if (ConnectDB(folders_.database)) {
+    OpenDatabase();
+}
+
+void TData::OpenDatabase() {
+    const ArchiveServer server = StoredArchiveServer();
+    if (!server.used) {
+        ConnectDB(folders_.database);
         CreateDB();
+        return;
     }
+    try {
+        archive_.Connect(server.address);
+    } catch (const platform::Error& error) {
+        ui_.ShowMessage(error.Text());
+    }
+}
+
+TransferResult TData::TransferArchiveTo(const store::ServerAddress& server,
+                                        const TransferProgress& progress) const {
+    constexpr std::chrono::seconds Patience(20);  // much is written at once, and the user sees it
+    store::SqliteDatabase source(folders_.database);
+    CreateArchive(source);
+    const std::unique_ptr<store::Database> target = OpenServer(server, Patience);
+    return TransferArchive(source, *target, progress);
 }
 
 void TData::SetCurrentFile(const QString& path) {

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <functional>
 
+#include "core/archive/ArchiveTransfer.h"
 #include "core/archive/PhotoArchive.h"
 #include "core/archive/Tags.h"
 #include "core/base/FileDialogs.h"
@@ -139,6 +140,13 @@ class TData {
         return true;
     }
     bool CreateDB() { return archive_.Create(); }
+    /// Opens the archive's database where the settings say that it is. A server that is not there
+    /// is said, and only keeps the archive closed. Throws platform::Error.
+    void OpenDatabase();
+    PhotoArchive& Archiving() { return archive_; }
+    /// Copies the records of this machine's database to a server. Throws platform::Error.
+    TransferResult TransferArchiveTo(const store::ServerAddress& server,
+                                     const TransferProgress& progress) const;
     ArchiveTable* Archive() { return archive_.Table(); }
     void SaveImageToArchiv(imaging::LayeredImage& image, const QString& archiveFolder,
                            const QString& tags, const QString& objectName) {

@@ -52,6 +52,9 @@ class ArchiveTable {
     /// together; a word after a minus sign must not occur. An empty text finds all.
     std::vector<qint64> Find(const QString& text) const;
 
+    /// Whether any record may have changed since a list was made last, here or by another program.
+    bool HasChanged() const { return listing_ && database_.PresentState() != listed_; }
+
     /// Nothing where there is no such record (any more).
     std::optional<ArchiveRecord> Read(qint64 id) const;
     /// The JPEG; empty where the record has none.

@@ -10,9 +10,11 @@
 #include "core/archive/Tags.h"
 #include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
+#include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
+#include "store/StoreError.h"
 #include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -44,9 +46,11 @@ QByteArray Thumbnail(const imaging::Pixels& photo) {
     return imaging::EncodeJpeg(imaging::Resampled(photo, size));
 }
 
+}  // namespace
+
 /// The file of a photo that is being filed. Its name is claimed exclusively, so that no other
 /// program that files in the same folder gets it; the file goes again unless it is kept.
-class ClaimedFile {
+class PhotoArchive::ClaimedFile {
  public:
     ClaimedFile() = default;
     ClaimedFile(const ClaimedFile&) = delete;
@@ -78,15 +82,54 @@ class ClaimedFile {
     bool claimed_ = false;
 };
 
-}  // namespace
+void PhotoArchive::Open(std::unique_ptr<store::Database> database) {
+    RequireKnownVersion(*database);
+    table_.reset();
+    database_ = std::move(database);
+}
 
 void PhotoArchive::Connect(const QString& folder) {
-    AsGeneralError([&] {
-        auto database = std::make_unique<store::SqliteDatabase>(folder);
-        RequireKnownVersion(*database);
-        table_.reset();
-        database_ = std::move(database);
-    });
+    AsGeneralError([&] { Open(std::make_unique<store::SqliteDatabase>(folder)); });
+    server_.reset();
+}
+
+void PhotoArchive::Connect(const store::ServerAddress& server) {
+    server_ = server;
+    table_.reset();
+    database_.reset();
+    AsGeneralError([&] { OpenServer(ServerPatience); });
+}
+
+void PhotoArchive::OpenServer(std::chrono::milliseconds patience) {
+    constexpr std::chrono::seconds BetweenTries(10);
+    table_.reset();
+    database_.reset();
+    try {
+        auto database = core::OpenServer(*server_, patience);
+        Open(std::move(database));
+        CreateArchive(*database_);
+        untold_ = true;
+    } catch (const store::StoreError& error) {
+        database_.reset();
+        refusal_ = error.Text();
+        nextTry_.setRemainingTime(BetweenTries);
+        throw store::ConnectionLost(refusal_);
+    }
+}
+
+bool PhotoArchive::IsAway() const {
+    return server_ && (database_ == nullptr || database_->IsLost());
+}
+
+bool PhotoArchive::IsBack(std::chrono::milliseconds patience) {
+    try {
+        if (IsAway()) {
+            OpenServer(patience);
+        }
+        return true;
+    } catch (const store::ConnectionLost&) {
+        return false;
+    }
 }
 
 bool PhotoArchive::Create() {
@@ -98,6 +141,12 @@ bool PhotoArchive::Create() {
 }
 
 ArchiveTable* PhotoArchive::Table() {
+    if (IsAway()) {
+        if (!nextTry_.hasExpired()) {
+            throw store::ConnectionLost(refusal_);
+        }
+        OpenServer(ServerPatience);
+    }
     if (database_ == nullptr || !database_->TableExists(u"ImgDB"_s)) {
         return nullptr;
     }
@@ -115,32 +164,75 @@ ArchiveTable* PhotoArchive::Table() {
 /// Numbers start anew where the database was lost, or go on from those of a backup; a second
 /// computer that files in the same folder counts for itself. The numbers of photos that are there
 /// already are left out: no photo is overwritten, and a database that comes back finds its own.
-Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known) {
+Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
+                            const PhotoWriter& write, const QByteArray& thumbnail) {
     ArchiveTable* table = Table();
     if (table == nullptr) {
         return Filing::NoDatabase;
     }
-    const QString monthFolder = GetMonthDir(names_);
+    const QString monthFolder = GetMonthDir(names);
     const QString folder = MonthPath(known.archiveFolder, monthFolder);
     if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
         return Filing::NoFolder;
     }
-    const imaging::Pixels photo = image.Photo();
     ClaimedFile file;
-    const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, names_) + u".jpg"_s; };
+    const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, names) + u".jpg"_s; };
     currentRecord_ = table->Insert(
         [&](qint64 id) { return !file.Claim(platform::JoinPath(folder, nameOf(id))); });
-    SetIptcTags(image, known.objectName, known.tags);
-    imaging::WriteImageFile(file.Path(), photo, image.Resolution(), {{}, image.Iptc()});
+    write(file.Path());
     table->Fill({.id = currentRecord_,
                  .name = nameOf(currentRecord_),
                  .type = known.templateName,
-                 .created = names_.now(),
+                 .created = names.now(),
                  .folder = monthFolder,
                  .tags = known.tags},
-                Thumbnail(photo));
+                thumbnail);
     file.Keep();
     return Filing::Done;
+}
+
+Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known) {
+    const imaging::Pixels photo = image.Photo();
+    bool tagged = false;
+    const auto setTags = [&] {
+        SetIptcTags(image, known.objectName, known.tags);
+        tagged = true;
+    };
+    const auto write = [&](const QString& path) {
+        setTags();
+        imaging::WriteImageFile(path, photo, image.Resolution(), {{}, image.Iptc()});
+    };
+    try {
+        return FileAs(known, names_, write, Thumbnail(photo));
+    } catch (const store::ConnectionLost&) {
+        if (!tagged) {
+            setTags();
+        }
+    }
+    queue_.Add({.archiveFolder = known.archiveFolder,
+                .templateName = known.templateName,
+                .tags = known.tags,
+                .created = names_.now(),
+                .photo = imaging::EncodeJpeg(photo, image.Resolution(), {{}, image.Iptc()}),
+                .thumbnail = Thumbnail(photo)});
+    return Filing::Waits;
+}
+
+Filing PhotoArchive::FileWaiting(const QString& name) {
+    const WaitingPhoto waiting = queue_.Read(name);
+    NameSources names = names_;
+    names.now = [&] { return waiting.created; };
+    const Filing filing = FileAs(
+        {.archiveFolder = waiting.archiveFolder,
+         .templateName = waiting.templateName,
+         .tags = waiting.tags,
+         .objectName = {}},
+        names, [&](const QString& path) { platform::WriteFileAtomically(path, waiting.photo); },
+        waiting.thumbnail);
+    if (filing == Filing::Done) {
+        queue_.Remove(name);
+    }
+    return filing;
 }
 
 bool PhotoArchive::IsInside(const QString& path, const QString& archiveFolder) {

@@ -1,9 +1,16 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QString>
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
+#include "core/archive/ArchiveServer.h"
 #include "core/archive/ArchiveTable.h"
+#include "core/archive/FilingQueue.h"
 #include "core/base/FileNaming.h"
 #include "imaging/document/LayeredImage.h"
 #include "store/Database.h"
@@ -18,8 +25,8 @@ struct PhotoToFile {
     QString objectName;
 };
 
-/// How the filing of a photo ended.
-enum class Filing { Done, NoDatabase, NoFolder };
+/// How the filing of a photo ended. It waits where the server with the database is gone.
+enum class Filing { Done, NoDatabase, NoFolder, Waits };
 
 /// The archive: its database, and the photos in the folders of the months.
 class PhotoArchive {
@@ -29,9 +36,19 @@ class PhotoArchive {
 
     /// Opens the database in a folder. Throws platform::Error.
     void Connect(const QString& folder);
+    /// Opens the one of a server and makes what it lacks. Throws platform::Error; whenever the
+    /// server is gone, then or later, each use of the table tries it again, but only some seconds
+    /// after the last time: whoever asks in between is told at once.
+    void Connect(const store::ServerAddress& server);
+    /// Tries a server that is gone, however short ago it was tried. True where it is there.
+    bool IsBack(std::chrono::milliseconds patience);
+    bool IsAway() const;
+    /// True once after each time that the server went away: what nobody has been told yet.
+    bool IsNewsThatItIsAway() { return IsAway() && std::exchange(untold_, false); }
     /// Makes what the database lacks; false where none is connected. Throws platform::Error.
     bool Create();
-    /// Opened on first use; null while there is none.
+    /// Opened on first use; null while there is none. Throws store::StoreError where the server
+    /// with it is gone.
     ArchiveTable* Table();
 
     /// Files an image's photo: as a JPEG in the month's folder below the archive's, which is made
@@ -41,8 +58,14 @@ class PhotoArchive {
     ///
     /// Does nothing without the table, or where the month's folder cannot be made. Throws
     /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and
-    /// store::StoreError where its record cannot; no photo is left then.
+    /// store::StoreError where its record cannot; no photo is left then. Where the server is gone
+    /// the photo is put into the queue.
     Filing File(imaging::LayeredImage& image, const PhotoToFile& known);
+
+    /// The photos that wait, and the filing of one of them, in the month of its date; one that is
+    /// filed waits no longer. Throws as File does.
+    const FilingQueue& Queue() const { return queue_; }
+    Filing FileWaiting(const QString& name);
 
     /// 0 is none.
     qint64 CurrentRecord() const { return currentRecord_; }
@@ -56,7 +79,21 @@ class PhotoArchive {
     void Filter(const QString& text);
 
  private:
+    class ClaimedFile;
+    void Open(std::unique_ptr<store::Database> database);
+    void OpenServer(std::chrono::milliseconds patience);
+    /// Writes a photo's file, whose name is nobody else's.
+    using PhotoWriter = std::function<void(const QString& path)>;
+    Filing FileAs(const PhotoToFile& known, const NameSources& names, const PhotoWriter& write,
+                  const QByteArray& thumbnail);
+
     const NameSources& names_;
+    std::optional<store::ServerAddress> server_;
+    /// Why the server could not be opened last, and when to try again.
+    QString refusal_;
+    QDeadlineTimer nextTry_;
+    bool untold_ = true;
+    FilingQueue queue_;
     std::unique_ptr<store::Database> database_;
     std::unique_ptr<ArchiveTable> table_;
     qint64 currentRecord_ = 0;

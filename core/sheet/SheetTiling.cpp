@@ -17,9 +17,19 @@ namespace kadrona::core {
 
 namespace {
 
-/// Why a photo could not be filed; empty where it was.
-QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive,
-                      const PhotoToFile& photo) {
+/// Says once, and not for each photo, that photos wait for the archive's server.
+void SayThatPhotosWait(PhotoArchive& archive, UserInterface& ui) {
+    if (archive.IsNewsThatItIsAway()) {
+        ui.ShowMessage(
+            u"Der Server mit dem Bildarchiv ist nicht erreichbar. Das Foto wartet auf diesem "
+            u"Rechner, ebenso alle weiteren; sobald der Server wieder da ist, bietet das Programm "
+            u"an, sie zu archivieren."_s);
+    }
+}
+
+/// Why a photo could not be filed; empty where it was, or waits to be.
+QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive, const PhotoToFile& photo,
+                      UserInterface& ui) {
     try {
         switch (archive.File(image, photo)) {
             case Filing::NoDatabase:
@@ -27,6 +37,9 @@ QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive,
             case Filing::NoFolder:
                 return u"Im Bildarchiv „%1“ kann der Ordner des Monats nicht angelegt werden."_s
                     .arg(photo.archiveFolder);
+            case Filing::Waits:
+                SayThatPhotosWait(archive, ui);
+                break;
             case Filing::Done:
                 break;
         }
@@ -50,7 +63,7 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
                             .objectName = lines->value(0)};
     QString failure;
     do {
-        failure = FilingFailure(image, making.archive, photo);
+        failure = FilingFailure(image, making.archive, photo, making.ui);
     } while (!failure.isEmpty() &&
              making.ui.AskYesNo(
                  failure +

@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+
+#include "core/archive/ArchiveSchema.h"
+#include "imaging/document/LayeredImage.h"
+#include "imaging/reading/ImageReader.h"
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/sqlite/SqliteDatabase.h"
+#include "tests/support/ArchiveDatabase.h"
+#include "tests/support/CoreFakes.h"
+#include "tests/support/Errors.h"
+#include "tests/support/PixelMatchers.h"
+#include "tests/support/TestServer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+class ArchiveServer : public ::testing::Test {
+ protected:
+    ArchiveServer() {
+        qputenv("XDG_DATA_HOME", QFile::encodeName(installation.Path("user")));
+        for (const char* folder : {"archive", "database"}) {
+            QDir().mkpath(installation.Path(folder));
+        }
+    }
+
+    Installation installation;
+    FakeInterface ui;
+    store::ServerAddress server = NewServerDatabase();
+};
+
+TEST_F(ArchiveServer, PhotosWaitForAServerThatIsGone) {
+    core::TData data(ui, installation.Folders());
+    data.Archiving().Connect(server);
+    imaging::LayeredImage image;
+    image.Open(imaging::Pixels(Filled({413, 531}, Qt::gray)), {300});
+    const core::PhotoToFile photo{.archiveFolder = installation.Path("archive"),
+                                  .templateName = u"Pass.msk"_s,
+                                  .tags = u"Käthe\r\n"_s,
+                                  .objectName = u"Käthe"_s};
+    EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Done);
+    ControlServer("stop -m immediate");
+    EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Waits);
+    EXPECT_TRUE(data.Archiving().IsNewsThatItIsAway());
+    EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Waits);
+    EXPECT_FALSE(data.Archiving().IsNewsThatItIsAway()) << "said once";
+    EXPECT_FALSE(data.Archiving().IsBack(std::chrono::milliseconds(100)));
+    EXPECT_THROW(data.Archive(), store::ConnectionLost);
+    ControlServer("start");
+
+    core::TData later(ui, installation.Folders());
+    later.Archiving().Connect(server);
+    const QStringList waiting = later.Archiving().Queue().Waiting();
+    ASSERT_EQ(waiting.size(), 2);
+    for (const QString& name : waiting) {
+        EXPECT_EQ(later.Archiving().FileWaiting(name), core::Filing::Done);
+    }
+    EXPECT_EQ(later.Archiving().Queue().Waiting(), QStringList());
+    EXPECT_TRUE(data.Archiving().IsBack(std::chrono::seconds(1)));
+    EXPECT_EQ(data.Archive()->Find(u"käthe"_s).size(), 3U);
+    const imaging::LoadedImage filed =
+        imaging::ReadImageFile(later.GetFileNameFromRecord(installation.Path("archive")));
+    EXPECT_EQ(filed.pixels.Size(), QSize(413, 531));
+    EXPECT_EQ(filed.iptc.Text(filed.iptc.IndexOf(2, 5)), u"Käthe"_s);
+}
+
+TEST_F(ArchiveServer, WhatIsTriedIsSaidAndLeavesNothing) {
+    EXPECT_TRUE(core::TryServer(server).contains(u"noch leer"_s));
+    const auto database = core::OpenServer(server);
+    core::RequireKnownVersion(*database);
+    EXPECT_FALSE(database->TableExists(u"KadronaTrial"_s));
+    core::CreateArchive(*database);
+    core::CreateArchive(*database);
+    EXPECT_TRUE(core::TryServer(server).contains(u"hat 0 Bilder"_s));
+    store::ServerAddress guest = server;
+    guest.user = guest.password = u"gast"_s;
+    EXPECT_TRUE(TextOf<store::StoreError>([&] {
+                    core::TryServer(guest);
+                }).contains(u"fehlt auf dem Server das Recht"_s));
+    database->Execute(uR"(UPDATE "KadronaMark" SET "Version" = 9)"_s);
+    EXPECT_TRUE(TextOf<store::StoreError>([&] {
+                    core::TryServer(server);
+                }).contains(u"von einer neueren Version"_s));
+    database->Execute(uR"(DROP TABLE "KadronaMark")"_s);
+    EXPECT_TRUE(TextOf<store::StoreError>([&] {
+                    core::TryServer(server);
+                }).contains(u"gehört zu einem anderen Programm"_s));
+}
+
+TEST_F(ArchiveServer, TheConnectionIsKeptForTheUserAlone) {
+    EXPECT_FALSE(core::StoredArchiveServer().used);
+    const core::ArchiveServer kept{.used = true, .address = server};
+    core::StoreArchiveServer(kept);
+    EXPECT_EQ(core::StoredArchiveServer(), kept);
+    const QString folder = installation.Path("config/Veltmark/Archivserver");
+    EXPECT_EQ(QFile::permissions(folder) & QFile::Permissions(0x0077), QFile::Permissions());
+    core::TData data(ui, installation.Folders());
+    data.OpenDatabase();
+    EXPECT_NE(data.Archive(), nullptr);
+    EXPECT_FALSE(data.Archiving().IsAway());
+}
+
+/// Cut off at every step, and repeated.
+TEST_F(ArchiveServer, ATransferCanBeRepeated) {
+    store::SqliteDatabase source(installation.Path("database"));
+    source.Execute(u"PRAGMA synchronous = OFF"_s);
+    core::CreateArchive(source);
+    core::ArchiveTable table(source);
+    const QByteArray thumbnail("\xFF\xD8\0\x01", 4);
+    for (int i = 0; i < 450; ++i) {
+        const qint64 id = table.Insert();
+        if (i % 7 != 0) {
+            table.Fill({.id = id,
+                        .name = QString::number(id),
+                        .type = {},
+                        .created = QDateTime(QDate(2026, 3, 7), QTime(1, 2, 3, 4)).addSecs(i),
+                        .folder = u"2026\\03"_s,
+                        .tags = u"Jürgen\0x %1\r\n"_s.arg(i)},
+                       thumbnail);
+        }
+    }
+    source.Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" IN (5, 450))"_s);
+    const auto transfer = [&](int steps) {
+        const auto target = core::OpenServer(server);
+        return core::TransferArchive(source, *target, [&](qint64, qint64) { return --steps > 0; });
+    };
+    for (int steps = 1; steps < 6; ++steps) {
+        EXPECT_FALSE(transfer(steps).complete) << steps;
+    }
+    EXPECT_EQ(transfer(99).records, 448);
+    const core::TransferResult last = transfer(99);
+    EXPECT_TRUE(last.complete);
+    EXPECT_EQ(last.copied, 0);
+
+    const auto target = core::OpenServer(server);
+    core::ArchiveTable copied(*target);
+    EXPECT_EQ(copied.Ids(), table.Ids());
+    EXPECT_EQ(copied.Read(2)->created, table.Read(2)->created);
+    EXPECT_EQ(copied.ReadThumbnail(2), thumbnail);
+    copied.SetFilter(u"TEXTSEARCH('JÜRGENX 9' IN ImgTags)"_s);
+    EXPECT_EQ(copied.Ids(), std::vector<qint64>{10});
+    copied.SetFilter({});
+    EXPECT_EQ(copied.Insert(), 451) << "no number is given twice";
+    EXPECT_TRUE(transfer(99).complete) << "what was filed there since does not disturb";
+    copied.SetTags(7, u"anders"_s);
+    EXPECT_TRUE(TextOf<store::StoreError>([&] { transfer(99); }).contains(u"Nummer 7 schon"_s));
+}
+
+TEST_F(ArchiveServer, ChangesOfOtherWorkplacesAreSeen) {
+    const auto ours = core::OpenServer(server);
+    const auto theirs = core::OpenServer(server);
+    core::CreateArchive(*ours);
+    core::ArchiveTable table(*ours);
+    core::ArchiveTable other(*theirs);
+    EXPECT_TRUE(table.Ids().empty());
+    EXPECT_FALSE(table.HasChanged());
+    const qint64 id = other.Insert();
+    EXPECT_TRUE(table.HasChanged());
+    EXPECT_EQ(table.Ids().size(), 1U);
+    EXPECT_FALSE(table.HasChanged());
+    other.SetTags(id, u"Anna"_s);
+    EXPECT_TRUE(table.HasChanged());
+    EXPECT_FALSE(table.ReplaceTags(id, {}, u"Bea"_s));
+    EXPECT_TRUE(table.ReplaceTags(id, u"Anna"_s, u"Bea"_s));
+    EXPECT_EQ(other.Find(u"bea"_s).size(), 1U);
+}
+
+}  // namespace kadrona::testing
