@@ -19,6 +19,7 @@
 #include "app/SheetActions.h"
 #include "app/UploadActions.h"
 #include "app/ViewActions.h"
+#include "app/WaitingPhotos.h"
 #include "app/WatchActions.h"
 #include "app/WindowInterface.h"
 #include "app/WindowPlace.h"
@@ -119,6 +120,7 @@ void TmainFm::CreateReusedWindows() {
     archiveActions_ =
         std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
                                          *archiveWindow_, actions_, *viewActions_, *printFlow_);
+    waitingPhotos_ = std::make_unique<WaitingPhotos>(*data_, *this);
     colourTools_ =
         std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, *curveDialog);
     retouchTool_ =
@@ -188,6 +190,7 @@ void TmainFm::FormDestroy() {
     faceActions_.reset();
     colourTools_.reset();
     retouchTool_.reset();
+    waitingPhotos_.reset();
     archiveActions_.reset();
     uploadActions_.reset();
     sheetActions_.reset();

@@ -49,6 +49,7 @@ class RotateActions;
 class SheetActions;
 class UploadActions;
 class ViewActions;
+class WaitingPhotos;
 class WatchActions;
 class WindowInterface;
 class WindowPlace;
@@ -135,6 +136,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<UploadActions> uploadActions_;
     std::unique_ptr<WatchActions> watchActions_;
     std::unique_ptr<ArchiveActions> archiveActions_;
+    std::unique_ptr<WaitingPhotos> waitingPhotos_;
     std::unique_ptr<ColourTools> colourTools_;
     std::unique_ptr<RetouchTool> retouchTool_;
     std::unique_ptr<FaceActions> faceActions_;

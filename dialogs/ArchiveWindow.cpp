@@ -1,7 +1,10 @@
 #include "dialogs/ArchiveWindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QLocale>
+#include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -25,6 +28,7 @@ namespace {
 
 constexpr QSize DesignedSize(1000, 740);
 constexpr QSize LeastSize(420, 420);
+constexpr std::chrono::milliseconds BetweenLooks(1000);
 /// The window's section of the layout file.
 const QString LayoutSection = u"fmImgSearch"_s;
 
@@ -48,7 +52,8 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
       tagEditor_(tagEditor),
       cards_(std::make_unique<ArchiveCards>(data)),
       findPanel_(new controls::FindPanel(this)),
-      grid_(new controls::CardGrid(this)) {
+      grid_(new controls::CardGrid(this)),
+      look_(new QTimer(this)) {
     setObjectName(LayoutSection);
     setWindowTitle(u"Bild Archiv"_s);
     BuildActions();
@@ -63,6 +68,12 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
         acEditTags_->setEnabled(grid_->Current().has_value());
     });
     connect(grid_, &controls::CardGrid::CardOpened, acPrintImg_, &QAction::trigger);
+    look_->setInterval(BetweenLooks);
+    connect(look_, &QTimer::timeout, this, [this] {
+        if (!controls::Guarded(this, [this] { ShowChanges(); })) {
+            look_->stop();  // an archive that is gone is said once
+        }
+    });
 }
 
 TfmImgSearch::~TfmImgSearch() = default;
@@ -135,7 +146,10 @@ controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     if (!isMaximized()) {
         CentreOnParent(*this);
     }
-    return controls::ShowModal(*this);
+    look_->start();
+    const controls::ModalResult result = controls::ShowModal(*this);
+    look_->stop();
+    return result;
 }
 
 /// All records, read anew: others may have archived meanwhile.
@@ -159,6 +173,21 @@ void TfmImgSearch::Search(const QString& text) {
     ShowState();
 }
 
+/// What another program has filed or changed, without leaving the place that the user looks at. Not
+/// while something is asked over the window: what was asked about must stay.
+void TfmImgSearch::ShowChanges() {
+    if (QApplication::activeModalWidget() != this || !OpenArchive(data_).HasChanged()) {
+        return;
+    }
+    const int place = grid_->verticalScrollBar()->value();
+    grid_->ReloadAll();
+    grid_->SetCards(OpenArchive(data_).Find(findPanel_->Text()),
+                    controls::CardGrid::Position::Keep);
+    grid_->verticalScrollBar()->setValue(place);
+    recordCount_ = OpenArchive(data_).Ids().size();
+    ShowState();
+}
+
 void TfmImgSearch::ShowState() {
     const bool searching = !findPanel_->Text().isEmpty();
     findPanel_->SetHits(CountText(grid_->Cards().size(), recordCount_, searching));
@@ -175,10 +204,9 @@ void TfmImgSearch::ShowState() {
 /// Another program may have changed the tags while the editor was open, or while the user was
 /// asked.
 bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
-    core::ArchiveTable& table = OpenArchive(data_);
     QString expected = edited.tags;
-    while (!table.ReplaceTags(edited.id, expected, tagEditor_.Tags())) {
-        expected = ExistingRecord(table, edited.id).tags;
+    while (!OpenArchive(data_).ReplaceTags(edited.id, expected, tagEditor_.Tags())) {
+        expected = ExistingRecord(OpenArchive(data_), edited.id).tags;
         if (!controls::AskYesNo(
                 this,
                 u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:"

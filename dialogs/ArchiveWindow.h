@@ -7,6 +7,7 @@
 #include "controls/messages/ModalResult.h"
 
 class QAction;
+class QTimer;
 
 namespace kadrona::controls {
 class CardGrid;
@@ -48,6 +49,7 @@ class TfmImgSearch : public QDialog {
     void ListAll();
     void Search(const QString& text);
     void ShowState();
+    void ShowChanges();
     bool ReplaceTags(const core::ArchiveRecord& edited);
     void acEditTagsExecute();
 
@@ -58,6 +60,8 @@ class TfmImgSearch : public QDialog {
     size_t recordCount_ = 0;
     controls::FindPanel* findPanel_;
     controls::CardGrid* grid_;
+    /// When to look for what other programs have changed.
+    QTimer* look_;
     QAction* acPrintImg_ = nullptr;
     QAction* acEditTags_ = nullptr;
     QAction* acClose_ = nullptr;

@@ -19,7 +19,7 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr QSize DesignedSize(800, 800);
+constexpr QSize DesignedColourSize(800, 800);
 /// About what a window manager adds around a window.
 constexpr QSize Frame(12, 44);
 
@@ -43,7 +43,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     column_->setSpacing(12);
     column_->addWidget(pages_);
     column_->addLayout(Buttons());
-    resize(DesignedSize.boundedTo(screen()->availableSize() - Frame));
+    resize(DesignedColourSize.boundedTo(screen()->availableSize() - Frame));
 }
 
 void ColourAdjustment::AddPages() {

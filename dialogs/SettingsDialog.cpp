@@ -20,6 +20,8 @@
 #include "core/Data.h"
 #include "core/settings/WatchedFolder.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/ArchiveServerEdit.h"
+#include "dialogs/ArchiveTransferDialog.h"
 #include "dialogs/UploadFiguresEdit.h"
 #include "dialogs/WindowPlacement.h"
 #include "platform/HarmlessText.h"
@@ -98,6 +100,10 @@ void TEinstellungenFm::ConnectControls() {
         connect(field, &controls::PathEdit::BrowseRequested, this,
                 [this, field] { FolderButtonClick(*field); });
     }
+    connect(archiveServer_, &ArchiveServerEdit::TransferRequested, this, [this] {
+        controls::Guarded(
+            this, [this] { TransferArchiveTo(archiveServer_->Server().address, data_, this); });
+    });
     for (QCheckBox* box :
          {showBlackWhite_, showGradation_, showRotate_, whiteBalancePipette_, printAfterCrop_}) {
         connect(box, &QCheckBox::toggled, this, &TEinstellungenFm::SettingsChanged);
@@ -124,6 +130,8 @@ void TEinstellungenFm::InitPropertys() {
     UpdateDeleteButton();
     Bind(StandardProfile);
     TakeOverFrameSize();
+    storedServer_ = core::StoredArchiveServer();
+    archiveServer_->SetServer(storedServer_);
 }
 
 controls::ModalResult TEinstellungenFm::ShowEx() {
@@ -223,6 +231,21 @@ void TEinstellungenFm::FormClose() {
     if (watchedFolder_->text() != storedFolders_.watched) {
         core::SetWatchedFolder(watchedFolder_->text());
         storedFolders_.watched = watchedFolder_->text();
+    }
+    TakeOverServer();
+}
+
+/// The archive is opened anew only where it is to lie elsewhere.
+void TEinstellungenFm::TakeOverServer() {
+    const core::ArchiveServer server = archiveServer_->Server();
+    if (server == storedServer_) {
+        return;
+    }
+    core::StoreArchiveServer(server);
+    const bool elsewhere = server.used || storedServer_.used;
+    storedServer_ = server;
+    if (elsewhere) {
+        data_.OpenDatabase();
     }
 }
 

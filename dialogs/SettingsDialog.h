@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "controls/messages/ModalResult.h"
+#include "core/archive/ArchiveServer.h"
 #include "core/settings/Settings.h"
 #include "dialogs/ProfilePropertyStore.h"
 
@@ -27,6 +28,7 @@ struct UploadFigures;
 
 namespace kadrona::dialogs {
 
+class ArchiveServerEdit;
 class UploadFiguresEdit;
 class PaperFields;
 
@@ -90,6 +92,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     static QWidget* BuildCheckPage();
     QWidget* BuildFilesPage();
     QWidget* BuildSheetPage();
+    QWidget* BuildServerPage();
     void FillPropertyStore();
 
     // Behaviour (SettingsDialog.cpp)
@@ -112,6 +115,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void SelectProfile(int row);
     QString SelectedProfile() const;
     void TakeOverFrameSize();
+    void TakeOverServer();
 
     core::TData& data_;
     ProfilePropertyStore propertyStore_;
@@ -132,6 +136,9 @@ class TEinstellungenFm : public QDialog, public core::Settings {
         QString archive;
         QString watched;
     } storedFolders_;
+    /// Of all profiles, too.
+    ArchiveServerEdit* archiveServer_;
+    core::ArchiveServer storedServer_;
     controls::PathEdit* imageSaveDir_;
     QCheckBox* imageAutoSave_;
     QCheckBox* imageAutoSave2_;

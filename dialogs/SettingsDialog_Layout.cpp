@@ -16,6 +16,7 @@
 #include "controls/fields/PathEdit.h"
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/ArchiveServerEdit.h"
 #include "dialogs/ScrolledPage.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/UploadFiguresEdit.h"
@@ -76,6 +77,7 @@ void TEinstellungenFm::BuildControls() {
     pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);
     pages_->addTab(new ScrolledPage(BuildFilesPage()), u"Dateien"_s);
     pages_->addTab(new ScrolledPage(BuildSheetPage()), u"Blatt"_s);
+    pages_->addTab(new ScrolledPage(BuildServerPage()), u"Server"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
@@ -252,6 +254,15 @@ QWidget* TEinstellungenFm::BuildSheetPage() {
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(sheetFields_);
+    layout->addStretch();
+    return page;
+}
+
+QWidget* TEinstellungenFm::BuildServerPage() {
+    archiveServer_ = new ArchiveServerEdit;
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(archiveServer_);
     layout->addStretch();
     return page;
 }

@@ -61,6 +61,11 @@ void CardGrid::Reload(qint64 key) {
     cards_->Reload(key);
 }
 
+void CardGrid::ReloadAll() {
+    cards_->ReloadAll();
+    viewport()->update();
+}
+
 void CardGrid::SetEmptyText(const QString& heading, const QString& hint) {
     emptyHeading_ = heading;
     emptyHint_ = hint;

@@ -47,6 +47,7 @@ class CardGrid : public QListView {
 
     /// Reads a card anew when it is visible.
     void Reload(qint64 key);
+    void ReloadAll();
 
     /// What stands in place of the cards when there are none. The hint may be empty.
     void SetEmptyText(const QString& heading, const QString& hint = {});

@@ -27,6 +27,7 @@ class CardModel : public QAbstractListModel {
 
     /// Reads a card anew the next time.
     void Reload(qint64 key);
+    void ReloadAll() { cache_.Clear(); }
 
     /// The card for painting. Null when it is not read yet and the time for reading is over, see
     /// StartFrame. Valid until the next card is asked for.

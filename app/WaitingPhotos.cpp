@@ -1,0 +1,65 @@
+#include "app/WaitingPhotos.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <chrono>
+
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/Data.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+constexpr std::chrono::seconds AfterStart(3);
+constexpr std::chrono::seconds BetweenLooks(30);
+/// The window stands still for as long.
+constexpr std::chrono::milliseconds LookPatience(300);
+
+}  // namespace
+
+WaitingPhotos::WaitingPhotos(core::TData& data, QWidget& window)
+    : QObject(&window), data_(data), window_(window) {
+    const auto look = [this] { controls::Guarded(&window_, [this] { Look(); }); };
+    QTimer::singleShot(AfterStart, this, look);
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, look);
+    timer->start(BetweenLooks);
+}
+
+void WaitingPhotos::Look() {
+    const QStringList names = data_.Archiving().Queue().Waiting();
+    if (names.isEmpty() || names == declined_ || QApplication::activeModalWidget() != nullptr ||
+        !data_.Archiving().IsBack(LookPatience)) {
+        return;
+    }
+    const QString text =
+        names.size() == 1
+            ? u"Ein Foto wartet darauf, archiviert zu werden, und das Bildarchiv ist wieder "
+              u"erreichbar. Soll es jetzt archiviert werden?"_s
+            : u"%1 Fotos warten darauf, archiviert zu werden, und das Bildarchiv ist wieder "
+              u"erreichbar. Sollen sie jetzt archiviert werden?"_s.arg(names.size());
+    if (controls::AskYesNo(&window_, text)) {
+        FileAll(names);
+    } else {
+        declined_ = names;
+    }
+}
+
+/// Ends with the first that cannot be filed: the others would fail for the same reason.
+void WaitingPhotos::FileAll(const QStringList& names) {
+    const controls::WaitCursor wait;
+    for (const QString& name : names) {
+        if (data_.Archiving().FileWaiting(name) != core::Filing::Done) {
+            throw platform::Error(
+                u"Die wartenden Fotos konnten nicht archiviert werden: Das Bildarchiv oder sein "
+                u"Ordner ist nicht zugänglich. Sie warten weiter."_s);
+        }
+    }
+}
+
+}  // namespace kadrona::app
