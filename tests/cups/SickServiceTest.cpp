@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "printing/cups/CupsPrinterLayer.h"
+#include "printing/cups/service/Driver.h"
 #include "tests/support/Errors.h"
 #include "tests/support/ModalDriver.h"
 
@@ -98,10 +99,13 @@ TEST(SickServiceTest, WaitingCanBeCancelled) {
               u"Drucker „Photo“: Die Anfrage an den Druckdienst wurde abgebrochen."_s);
 }
 
-TEST(SickServiceTest, PasswordsInAnAddressAreNotKept) {
+TEST(SickServiceTest, WhatAQueueTellsIsBoundedAndPasswordsInItsAddressAreNotKept) {
     const SickService service(u"gossip"_s);
-    CupsPrinterLayer layer(service.Address());
-    EXPECT_EQ(layer.CurrentPrinter().port, u"ipp://fern/ipp?serial=7"_s);
+    const cups::Connection connection({service.Address(), std::chrono::seconds(20)});
+    const cups::Queue queue = cups::Queues(connection).at(0);
+    EXPECT_EQ(queue.deviceUri, u"ipp://fern/ipp?serial=7"_s);
+    EXPECT_EQ(queue.description, QString(126, u'W') + u'…');
+    EXPECT_THROW(cups::Driver::OfQueue(connection, queue), cups::ServiceFailure);
 }
 
 }  // namespace

@@ -79,6 +79,8 @@ ssize_t TakeBytes(void* context, ipp_uchar_t* bytes, size_t count) {
 
 /// Far above what real drivers and services have to say.
 constexpr qint64 MostAnswerBytes = qint64{16} << 20;
+/// libcups reads descriptions of drivers in the square of their length.
+constexpr qint64 MostDescriptionBytes = qint64{2} << 20;
 
 }  // namespace
 
@@ -157,7 +159,7 @@ std::unique_ptr<Question> Connection::BeginFinding() const {
 
 std::optional<QByteArray> Connection::Fetch(const QByteArray& resource) const {
     Question question({u"get"_s, address_.server, QString::fromUtf8(resource)}, {},
-                      {address_.timeout, MostAnswerBytes});
+                      {address_.timeout, MostDescriptionBytes});
     WaitFor(question);
     if (question.Result() == Question::Outcome::Missing) {
         return std::nullopt;

@@ -29,8 +29,10 @@ constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
 constexpr const char* PaperAgain = "PageRegion";
 
 /// Several times what real drivers have; each becomes a control, or a line of one.
-constexpr size_t MostOptions = 500;
+constexpr int MostOptions = 500;
 constexpr int MostChoices = 1000;
+/// Each begins with an asterisk. libcups needs seconds for so many choices of one option.
+constexpr int MostLines = 30'000;
 
 /// The driver's German text, else this program's for the driver's own text, else that or the name.
 QString Label(const QString& german, const char* ownText, const char* name) {
@@ -70,8 +72,7 @@ void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
                     std::vector<DriverOption>& options) {
     for (int i = 0; i < group.num_options; ++i) {
         const char* keyword = group.options[i].keyword;
-        if (options.size() < MostOptions && qstrcmp(keyword, PaperAgain) != 0 &&
-            !Holds(options, keyword)) {
+        if (qstrcmp(keyword, PaperAgain) != 0 && !Holds(options, keyword)) {
             DriverOption option = OptionOf(texts, group.options[i]);
             if (!option.choices.empty()) {
                 options.push_back(std::move(option));
@@ -170,6 +171,9 @@ Driver Driver::OfQueue(const Connection& connection, const Queue& queue) {
     const std::optional<QByteArray> description = connection.Fetch(queue.Resource() + ".ppd");
     if (!description) {
         return {};
+    }
+    if (description->count("OpenUI") > MostOptions || description->count('*') > MostLines) {
+        throw ServiceFailure(u"Die Beschreibung des Druckertreibers hat zu viele Einstellungen."_s);
     }
     QTemporaryFile file;
     CreateTemporaryFile(file);
