@@ -92,8 +92,8 @@ class Connection {
     /// Lets the user cancel after a moment. Finished is what the question is afterwards.
     void WaitFor(Question& question) const;
 
-    /// The description of a driver that the service has under `resource`; nothing where it has none.
-    /// Throws ServiceFailure.
+    /// The description of a driver that the service has under `resource`; nothing where it has
+    /// none. Throws ServiceFailure.
     std::optional<QByteArray> Fetch(const QByteArray& resource) const;
 
  private:
