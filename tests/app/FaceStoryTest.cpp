@@ -1,0 +1,124 @@
+// What the window offers where it finds a face.
+
+#include <cmath>
+
+#include "tests/app/StoryFixture.h"
+#include "tests/support/DrawnPortrait.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::testing {
+
+/// The real window with the drawn portrait.
+class FaceStory : public Story {
+ protected:
+    FaceStory() {
+        EXPECT_TRUE(DrawnPortrait().save(installation.Path("face.png")));
+        Open("face.png");
+    }
+
+    QWidget& Proposal() { return Child<QWidget>(*window, "FaceProposal"); }
+    void AwaitProposal() {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 5000));
+    }
+};
+
+TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
+    const QRect before = Template();
+    AwaitProposal();
+    EXPECT_EQ(Template(), before);
+    ClickButton(*window, "RefuseProposal");
+    EXPECT_FALSE(Proposal().isVisible());
+    EXPECT_EQ(Template(), before);
+
+    Trigger(u"acAlignToFace"_s);
+    EXPECT_NEAR(Template().center().x(), DrawnChin.x(), 5);
+    EXPECT_TRUE(Template().contains(DrawnChin.toPoint()));
+    EXPECT_TRUE(Template().contains(DrawnCrown.toPoint()));
+}
+
+TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
+    installation.Write(
+        "program/Schablonen/Vorgaben.tsv",
+        "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
+        "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
+        "Achse von\tAchse bis\tRichtwert\tHinweis\n"
+        "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
+            QByteArray(12, '\t') + "\n");
+    Trigger(u"acAlignToFace"_s);
+    Image().SetLayerRectangle(
+        1, Template().adjusted(0, 0, Template().width() / 2, Template().height() / 2));
+    driver.Answer({u"Kopf"_s, u"Trotzdem erstellen?"_s}, u"NoButton"_s);
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().LayerCount(), 2) << "nothing was cut";
+    Child<QCheckBox>(*window, "AskBeforeCut").setChecked(false);
+    Trigger(u"acCrop"_s);
+    EXPECT_EQ(Image().LayerCount(), 1);
+}
+
+TEST_F(FaceStory, TheOffersButtonsAreWholeInANarrowViewWithLargeLetters) {
+    AwaitProposal();
+    QFont large = window->font();
+    large.setPixelSize(26);
+    Proposal().setFont(large);
+    Trigger(u"acShowCheck"_s);
+    QApplication::processEvents();
+    for (const char* name : {"AcceptProposal", "RefuseProposal"}) {
+        const auto& button = Child<QPushButton>(*window, name);
+        EXPECT_GE(button.width(), button.sizeHint().width()) << name;
+        EXPECT_TRUE(Proposal().rect().contains(button.geometry())) << name;
+    }
+}
+
+TEST_F(FaceStory, LevelsTheHeadInOneStep) {
+    const QSize before = Image().Photo().Size();
+    Image().ChangePhoto(imaging::Pixels(
+        Image().Photo().ToImage().transformed(QTransform().rotate(10), Qt::SmoothTransformation)));
+    const int steps = Image().UndoCount();
+    Trigger(u"acLevelHead"_s);
+    EXPECT_EQ(Image().UndoCount(), steps + 1);
+    EXPECT_GT(Image().Photo().Width(), before.width());
+    Trigger(u"acUndo"_s);
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Image().Photo().Size(), before);
+}
+
+TEST_F(FaceStory, LevelsTheHeadByALineThatTheUserDraws) {
+    const QRect before = Template();
+    ClickButton(*window, "acLevelByLineButton");
+    Drag(window->View(), {OnScreen({400, 440}), OnScreen({300, 410}), OnScreen({200, 380})});
+    EXPECT_FALSE(IsChecked(u"acLevelByLine"_s)) << "one line is enough";
+    EXPECT_EQ(Image().UndoCount(), 1);
+    const double sine = 60 / std::hypot(200, 60);
+    EXPECT_NEAR(Image().Photo().Width(), 600 * std::sqrt(1 - sine * sine) + 800 * sine, 6)
+        << "to a pixel of the screen";
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(Image().Photo().Size(), DrawnSize);
+    EXPECT_EQ(Template(), before);
+}
+
+TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
+    AwaitProposal();
+    Trigger(u"acAlignToFace"_s);
+    Trigger(u"acShowCheck"_s);
+    auto& section = Child<QWidget>(*window, "CheckSection");
+    const auto texts = [&section] {
+        QStringList all;
+        for (const QLabel* label : section.findChildren<QLabel*>()) {
+            all << label->text();
+        }
+        return all;
+    };
+    const QStringList before = texts();
+    ClickButton(section, "MovePoints");
+    const QPoint chin = DrawnChin.toPoint();
+    Drag(window->View(), {OnScreen(chin), OnScreen(chin + QPoint(0, 40))});
+    EXPECT_NE(texts(), before) << "the head is longer now";
+
+    printer.setupChoice = printer.current;
+    section.findChild<QAction*>(u"PrintReport"_s)->trigger();
+    ASSERT_EQ(printer.jobs.size(), 1);
+    EXPECT_NEAR(printer.jobs[0].image.Millimetres().height(), 297, 0.1);
+}
+
+}  // namespace kadrona::testing
