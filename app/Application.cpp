@@ -17,6 +17,7 @@
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
 #include "app/commandline/WindowRequest.h"
+#include "controls/fields/WheelNeedsFocus.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
 #include "core/base/Product.h"
@@ -123,6 +124,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
     QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
     application.installEventFilter(new dialogs::SmallScreens(&application));
+    application.installEventFilter(new controls::WheelNeedsFocus(&application));
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
         const std::unique_ptr<printing::PrinterLayer> printer = MakePrinterLayer();

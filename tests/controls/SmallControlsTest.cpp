@@ -1,6 +1,8 @@
 // Fields, lists, the theme and message boxes.
 
 #include <QImage>
+#include <QScrollArea>
+#include <QSpinBox>
 #include <QStyledItemDelegate>
 #include <QToolButton>
 #include <algorithm>
@@ -12,6 +14,7 @@
 #include "controls/fields/PathShortening.h"
 #include "controls/fields/RememberedChoice.h"
 #include "controls/fields/SelectionList.h"
+#include "controls/fields/WheelNeedsFocus.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/theme/Icons.h"
@@ -29,6 +32,7 @@ namespace {
 using testing::Child;
 using testing::ClickButton;
 using testing::ModalDriver;
+using testing::SendWheel;
 
 TEST(FindPanel, SearchesAfterAPauseAtOnceByReturnAndWhenCleared) {
     QWidget window;
@@ -288,6 +292,30 @@ TEST(Guarded, ShowsWhatEscapes) {
     EXPECT_TRUE(flood.startsWith(u"Anfang"_s) && flood.endsWith(u"Ende"_s));
     EXPECT_FALSE(Shown([] { throw 5; }).isEmpty());
     EXPECT_TRUE(Guarded(nullptr, [] {}));
+}
+
+TEST(WheelNeedsFocus, OnAPageItIsLeftToThePage) {
+    WheelNeedsFocus filter;
+    qApp->installEventFilter(&filter);
+    QScrollArea area;
+    area.setWidget(new QWidget);
+    auto& box = *new QComboBox(area.widget());
+    box.addItems({u"a"_s, u"b"_s});
+    auto& number = *new QSpinBox(area.widget());
+    number.setValue(5);
+    area.show();
+    area.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
+    for (QWidget* control : std::initializer_list<QWidget*>{&box, &number}) {
+        EXPECT_EQ(control->focusPolicy(), Qt::StrongFocus) << "the wheel would give it the focus";
+        area.setFocus();
+        EXPECT_FALSE(SendWheel(*control, {3, 3}, -120));
+        EXPECT_EQ(std::pair(box.currentIndex(), number.value()),
+                  std::pair(control == &box ? 0 : 1, 5));
+        control->setFocus();
+        EXPECT_TRUE(SendWheel(*control, {3, 3}, -120));
+    }
+    EXPECT_EQ(std::pair(box.currentIndex(), number.value()), std::pair(1, 4));
 }
 
 TEST(ClearableComboBox, DeleteTakesTheChoiceBack) {

@@ -33,12 +33,13 @@ inline void Drag(QWidget& widget, std::initializer_list<QPointF> way,
     SendMouse(widget, QEvent::MouseButtonRelease, *(way.end() - 1), button, modifiers);
 }
 
-/// `angle` is in eighths of a degree: a notch is 120.
-inline void SendWheel(QWidget& widget, QPointF at, int angle,
+/// `angle` is in eighths of a degree: a notch is 120. Whether the widget took it.
+inline bool SendWheel(QWidget& widget, QPointF at, int angle,
                       Qt::KeyboardModifiers modifiers = {}) {
     QWheelEvent event(at, widget.mapToGlobal(at), {}, {0, angle}, Qt::NoButton, modifiers,
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&widget, &event);
+    return event.isAccepted();
 }
 
 inline QImage Grabbed(QWidget& widget) {
