@@ -7,6 +7,7 @@
 #include <QShowEvent>
 #include <QVBoxLayout>
 
+#include "controls/fields/KeptSelection.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,7 @@ TProfileDlgFM::TProfileDlgFM(QWidget* parent) : QDialog(parent) {
     profileListBox_ = new QListWidget;
     profileListBox_->setObjectName(u"ProfileListBox"_s);
     profileListBox_->setAccessibleName(u"Profil Auswahl"_s);
+    controls::KeepSelection(*profileListBox_);
     // A double-click or Enter on an entry chooses it.
     connect(profileListBox_, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
 

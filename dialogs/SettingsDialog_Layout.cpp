@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "controls/fields/ClearableComboBox.h"
+#include "controls/fields/KeptSelection.h"
 #include "controls/fields/PathEdit.h"
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
@@ -101,6 +102,7 @@ QWidget* TEinstellungenFm::BuildProfilePanel() {
     profileListBox_ = Named<QListWidget>(u"ProfileListBox"_s);
     profileListBox_->setAccessibleName(u"Profile"_s);
     profileListBox_->setMinimumWidth(180);
+    controls::KeepSelection(*profileListBox_);
     heading->setBuddy(profileListBox_);
     btnNew_ = Named<QPushButton>(u"btnNew"_s, u"&Neu"_s);
     btnDelete_ = Named<QPushButton>(u"btnDelete"_s, u"&Löschen"_s);

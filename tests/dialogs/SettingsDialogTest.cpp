@@ -165,6 +165,9 @@ TEST_F(SettingsDialog, ASwitchThatFailsLeavesListAndBindingAsTheyWere) {
     QFile b(data->ProfileFile(u"B"_s));
     ASSERT_TRUE(b.setPermissions(QFile::ReadOwner));
     InDialog([&] {
+        const auto& list = *The<QListWidget>(u"ProfileListBox"_s);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, {9, list.viewport()->height() - 9});
+        EXPECT_EQ(list.selectedItems().size(), 1) << "a click below the rows";
         SetFrame(u"66"_s);
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
         Select(0);
