@@ -9,24 +9,13 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "controls/commands/LetterMenu.h"
 #include "controls/commands/MenuRow.h"
 #include "controls/commands/Separator.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
-namespace {
-
-// The letter that jumps to a caption: the one after "&", else the first.
-QChar Mnemonic(const QString& caption) {
-    const QKeySequence keys = QKeySequence::mnemonic(caption);
-    if (!keys.isEmpty()) {
-        return QChar(keys[0].key()).toUpper();
-    }
-    return caption.isEmpty() ? QChar() : caption.front().toUpper();
-}
-
-}  // namespace
 
 ApplicationMenu::ApplicationMenu(QWidget* parent)
     : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint) {
@@ -168,7 +157,7 @@ void ApplicationMenu::JumpTo(QChar letter) {
     const qsizetype current = stops.indexOf(focusWidget());
     for (qsizetype i = 1; i <= count; ++i) {
         auto* button = qobject_cast<QAbstractButton*>(stops[(current + i) % count]);
-        if (Mnemonic(button->text()) == letter.toUpper()) {
+        if (CaptionLetter(button->text()) == letter.toUpper()) {
             button->setFocus(Qt::ShortcutFocusReason);
             return;
         }

@@ -2,7 +2,8 @@
 
 #include <QAction>
 #include <QHBoxLayout>
-#include <QMenu>
+
+#include "controls/commands/LetterMenu.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,7 +22,7 @@ QMenu* QuickAccessBar::AddMenu(const QString& name, const QString& caption) {
     button->setFocusPolicy(Qt::TabFocus);
     button->setPopupMode(QToolButton::InstantPopup);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    auto* menu = new QMenu(button);
+    auto* menu = new LetterMenu(button);
     menu->setObjectName(name + u"Menu"_s);
     button->setMenu(menu);
     layout_->addWidget(button);

@@ -7,6 +7,7 @@
 #include "controls/commands/BarArrangement.h"
 #include "controls/commands/CommandArea.h"
 #include "controls/commands/CommandBar.h"
+#include "controls/commands/LetterMenu.h"
 #include "controls/commands/Separator.h"
 #include "tests/support/Windows.h"
 
@@ -211,6 +212,28 @@ TEST_F(ApplicationMenuTest, EnterSpaceAndClickTrigger) {
     open_.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     QTest::keyClick(&area_, Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(triggered_.join(u' '), u"acOpen acClose acShowConfig acOpenWithProfile acOpen"_s);
+}
+
+TEST(LetterMenu, ALetterTriggersItsOnlyEntryAndMovesAmongSeveral) {
+    QWidget window;
+    LetterMenu menu(&window);
+    QStringList triggered;
+    for (const QString& caption : {u"Öffnen"_s, u"Drucker"_s, u"Druck Profile"_s, u"&Zuletzt"_s}) {
+        menu.addAction(caption, [&triggered, caption] { triggered.append(caption); });
+    }
+    menu.addAction(u"Ordner"_s)->setEnabled(false);
+    menu.popup({});
+    for (const QString& letter : {u"d"_s, u"d"_s, u"x"_s}) {
+        QTest::keyClicks(&menu, letter);
+    }
+    EXPECT_EQ(menu.activeAction()->text(), u"Druck Profile"_s);
+    EXPECT_TRUE(menu.isVisible() && triggered.isEmpty());
+    for (const auto& [key, letter] : {std::pair(Qt::Key_Odiaeresis, u"ö"_s), {Qt::Key_Z, u"z"_s}}) {
+        menu.popup({});
+        QTest::sendKeyEvent(QTest::Click, &menu, key, letter, Qt::NoModifier);
+        EXPECT_FALSE(menu.isVisible());
+    }
+    EXPECT_EQ(triggered.join(u'|'), u"Öffnen|&Zuletzt"_s);
 }
 
 }  // namespace
