@@ -13,6 +13,8 @@
 #include "core/Data.h"
 #include "core/settings/Settings.h"
 #include "dialogs/PaperView.h"
+#include "dialogs/SelfConfirmation.h"
+#include "dialogs/WindowPlacement.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterSettingsFile.h"
 #include "printing/SheetOnPaper.h"
@@ -25,8 +27,7 @@ using controls::ModalResult;
 
 namespace {
 
-constexpr int SelfConfirmationMilliseconds = 500;
-constexpr QSize SmallestList(220, 200);
+constexpr QSize SmallestList(220, 120);
 constexpr int SettlingMilliseconds = 60;
 
 /// A stored choice has only the beginning of a long name.
@@ -49,13 +50,9 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
     : QDialog(parent), data_(data), settings_(settings) {
     setObjectName(u"BeforPrintDlgFm"_s);
     setWindowTitle(u"Print Profiles"_s);
-    timer_ = new QTimer(this);
-    timer_->setObjectName(u"Timer"_s);
-    timer_->setInterval(SelfConfirmationMilliseconds);
     settled_ = new QTimer(this);
     settled_->setSingleShot(true);
     settled_->setInterval(SettlingMilliseconds);
-    connect(timer_, &QTimer::timeout, this, &TBeforPrintDlgFm::TimerTimer);
     connect(settled_, &QTimer::timeout, this, &TBeforPrintDlgFm::AskForPaper);
 
     auto* columns = new QHBoxLayout;
@@ -67,7 +64,8 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
     layout->addLayout(columns);
     layout->addSpacing(6);
     layout->addWidget(BuildButtons());
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    confirmation_ = new SelfConfirmation(*this, *btnProfile_);
+    connect(confirmation_, &SelfConfirmation::Interrupted, settled_, qOverload<>(&QTimer::start));
 }
 
 QLayout* TBeforPrintDlgFm::BuildChoice() {
@@ -124,15 +122,13 @@ QWidget* TBeforPrintDlgFm::BuildButtons() {
     connect(noProfile, &QPushButton::clicked, this,
             [this] { done(static_cast<int>(ModalResult::No)); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    for (QWidget* control :
-         std::initializer_list<QWidget*>{lbProfiles_, lbProfiles_->viewport(), copiesBox_, view_}) {
-        control->installEventFilter(this);
-    }
     return buttons;
 }
 
 ModalResult TBeforPrintDlgFm::ShowEx() {
     lbProfiles_->SetTexts(data_.GetPrinterProfileList());
+    ensurePolished();
+    setFixedSize(WithinScreen(*this, sizeHint()));
     // Over the main window again, wherever it was moved to last time.
     setAttribute(Qt::WA_Moved, false);
     return controls::ShowModal(*this);
@@ -158,7 +154,7 @@ void TBeforPrintDlgFm::FormShow() {
         // By name: the profiles may have changed since their places were stored.
         SelectProfile(settings_.PrintProfileBoxText());
         if (lbProfiles_->SelectedRow() >= 0) {
-            timer_->start();
+            confirmation_->Start();
         }
     } else {
         SelectProfile(lastUsed_);
@@ -217,7 +213,7 @@ bool TBeforPrintDlgFm::HasSheet() const {
 /// While the dialog is about to print by itself the print service is not asked, for whoever waits
 /// for its answer waits longer for the print.
 void TBeforPrintDlgFm::AskForPaper() {
-    if (!isVisible() || isAsking_ || !HasSheet() || timer_->isActive()) {
+    if (!isVisible() || isAsking_ || !HasSheet() || confirmation_->IsRunning()) {
         return;
     }
     isAsking_ = true;
@@ -269,21 +265,9 @@ void TBeforPrintDlgFm::ShowSheet(const printing::PrinterPaper& paper) {
     warningLabel_->setText(warnings.join(u'\n'));
 }
 
-/// Whoever begins to choose is not hurried.
-bool TBeforPrintDlgFm::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress ||
-        event->type() == QEvent::Wheel) {
-        if (timer_->isActive()) {
-            timer_->stop();
-            settled_->start();
-        }
-    }
-    return QDialog::eventFilter(watched, event);
-}
-
 /// Every way of closing a dialog ends here.
 void TBeforPrintDlgFm::done(int result) {
-    timer_->stop();
+    confirmation_->Stop();
     QDialog::done(result);
 }
 
@@ -294,11 +278,6 @@ void TBeforPrintDlgFm::btnProfileClick() {
     }
     lastUsed_ = SelectedProfile();
     done(static_cast<int>(ModalResult::Yes));
-}
-
-void TBeforPrintDlgFm::TimerTimer() {
-    timer_->stop();
-    btnProfile_->click();
 }
 
 }  // namespace kadrona::dialogs

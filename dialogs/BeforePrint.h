@@ -25,6 +25,7 @@ class TData;
 namespace kadrona::dialogs {
 
 class PaperView;
+class SelfConfirmation;
 
 /// "Print Profiles": asks for the printer profile that the sheet is printed with. Where photos are
 /// printed as soon as they are made, it takes the default profile by itself after half a second,
@@ -57,7 +58,6 @@ class TBeforPrintDlgFm : public QDialog {
  protected:
     void showEvent(QShowEvent* event) override;
     void done(int result) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
     QLayout* BuildChoice();
@@ -73,13 +73,12 @@ class TBeforPrintDlgFm : public QDialog {
     printing::PrintImage SheetOfProfile() const;
     void SelectProfile(const QString& name);
     void btnProfileClick();
-    void TimerTimer();
 
     const core::TData& data_;
     const core::Settings& settings_;
     controls::SelectionList* lbProfiles_;
     QPushButton* btnProfile_;
-    QTimer* timer_;
+    SelfConfirmation* confirmation_;
     QSpinBox* copiesBox_;
     PaperView* view_;
     QLabel* paperLabel_;

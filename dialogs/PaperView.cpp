@@ -84,7 +84,7 @@ void PaintCopySize(QPainter& painter, const QRectF& photo, QSizeF millimetres) {
 
 PaperView::PaperView(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
-    setMinimumSize(200, 200);
+    setMinimumSize(200, 120);
     setCursor(Qt::OpenHandCursor);
     setAccessibleName(u"Vorschau auf dem Papier"_s);
     setToolTip(u"Mausrad: vergrößern, Ziehen: verschieben, Doppelklick: ganzes Blatt"_s);

@@ -30,6 +30,10 @@ void SelfConfirmation::Stop() {
     timer_->stop();
 }
 
+bool SelfConfirmation::IsRunning() const {
+    return timer_->isActive();
+}
+
 bool SelfConfirmation::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::KeyPress:
@@ -37,7 +41,10 @@ bool SelfConfirmation::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonPress:
         case QEvent::Wheel:
         case QEvent::TouchBegin:
-            Stop();
+            if (IsRunning()) {
+                Stop();
+                Q_EMIT Interrupted();
+            }
             break;
         default:
             break;

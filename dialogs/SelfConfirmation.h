@@ -19,6 +19,11 @@ class SelfConfirmation : public QObject {
 
     void Start();
     void Stop();
+    bool IsRunning() const;
+
+ Q_SIGNALS:
+    /// The user has begun to choose while it ran.
+    void Interrupted();
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
