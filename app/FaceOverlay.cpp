@@ -36,14 +36,14 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
         button->setFocusPolicy(Qt::NoFocus);
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
-    auto* choice = new QHBoxLayout;
-    choice->addStretch();
-    choice->addWidget(accept);
-    choice->addWidget(refuse);
+    choice_ = new QHBoxLayout;
+    choice_->addStretch();
+    choice_->addWidget(accept, 0, Qt::AlignRight);
+    choice_->addWidget(refuse, 0, Qt::AlignRight);
     row_ = new QHBoxLayout(line_);
     row_->setContentsMargins(8, 3, 8, 3);
     row_->addWidget(text_, 1);
-    row_->addLayout(choice);
+    row_->addLayout(choice_);
     line_->hide();
     connect(accept, &QPushButton::clicked, this, &FaceOverlay::Accepted);
     connect(refuse, &QPushButton::clicked, this, &FaceOverlay::Refused);
@@ -86,13 +86,18 @@ void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
 
 void FaceOverlay::Follow() {
     setGeometry(view_.rect());
+    const QMargins margins = row_->contentsMargins();
+    const int room = view_.width() - margins.left() - margins.right();
+    int needed = 0;
+    for (const QPushButton* button : buttons_) {
+        needed += button->sizeHint().width() + choice_->spacing();
+    }
+    // Large letters in a narrow view: the buttons have room below each other only.
+    choice_->setDirection(needed <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     // A text that is broken into many lines would stand better above its buttons.
     constexpr int FewestLetters = 20;
-    int needed = text_->fontMetrics().averageCharWidth() * FewestLetters;
-    for (const QPushButton* button : buttons_) {
-        needed += button->sizeHint().width();
-    }
-    row_->setDirection(needed < view_.width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    needed += text_->fontMetrics().averageCharWidth() * FewestLetters;
+    row_->setDirection(needed < room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     const int height = line_->layout()->totalHeightForWidth(view_.width());
     line_->setGeometry(0, view_.height() - height, view_.width(), height);
     line_->raise();

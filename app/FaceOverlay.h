@@ -59,6 +59,7 @@ class FaceOverlay : public QWidget {
     QWidget* line_;
     QLabel* text_;
     QBoxLayout* row_;
+    QBoxLayout* choice_;  ///< the buttons
     std::vector<QPushButton*> buttons_;
 };
 
