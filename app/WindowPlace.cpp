@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <QStyle>
 #include <QWidget>
+#include <algorithm>
 #include <utility>
 
 #include "core/templates/LayoutFile.h"
@@ -35,11 +36,22 @@ const QScreen* ScreenOf(const QRect& window) {
 }
 
 /// What a frame takes is known once a window has one; before that it is what the style draws.
-QSize FittingSize(QSize wanted, const QScreen& screen) {
+QSize FrameSize() {
     const QStyle* style = QApplication::style();
     const int border = style->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
-    const QSize frame(2 * border, style->pixelMetric(QStyle::PM_TitleBarHeight) + border);
-    return wanted.boundedTo(screen.availableSize() - frame);
+    return {2 * border, style->pixelMetric(QStyle::PM_TitleBarHeight) + border};
+}
+
+QSize FittingSize(QSize wanted, const QScreen& screen) {
+    return wanted.boundedTo(screen.availableSize() - FrameSize());
+}
+
+/// Where a window of that size, which the screen has room for, lies wholly on it.
+QPoint PlaceWithin(const QRect& window, const QScreen& screen) {
+    const QRect room = screen.availableGeometry();
+    const QSize whole = window.size() + FrameSize();
+    return {std::clamp(window.x(), room.x(), room.x() + room.width() - whole.width()),
+            std::clamp(window.y(), room.y(), room.y() + room.height() - whole.height())};
 }
 
 }  // namespace
@@ -61,8 +73,10 @@ void WindowPlace::Restore() {
     const QRect saved = core::LayoutFile(dataFolder_).Read(section);
     const QScreen* screen = ScreenOf(saved);
     if (saved.x() != 0 && saved.y() != 0 && screen != nullptr) {
-        window_.move(saved.topLeft());
-        window_.resize(FittingSize(saved.size(), *screen));
+        const QSize size = FittingSize(saved.size(), *screen);
+        window_.resize(size);
+        window_.move(size == saved.size() ? saved.topLeft()
+                                          : PlaceWithin({saved.topLeft(), size}, *screen));
     }
     if (platform::IniFile(core::LayoutFile::PathIn(dataFolder_))
             .ReadInteger(section, MaximizedKey)) {

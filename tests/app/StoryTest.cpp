@@ -250,6 +250,10 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
         Start();
         EXPECT_EQ(window->size(), QSize(772, 675)) << edge;
     }
+    installation.Write("common/Kadrona/kdr.ini",
+                       "[mainFm]\nPosX=300\nPosY=200\nWidth=1600\nHeight=675\n");
+    Start();  // it was saved on a larger screen
+    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
 }
 
 TEST_F(Story, TheStatusBarNamesTheTemplateAndItsLinkTheMaker) {
