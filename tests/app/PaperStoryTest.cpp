@@ -61,6 +61,16 @@ TEST_F(PaperStory, TheSectionSaysAndMakesTheSheetAndTheProfileKeepsIt) {
     EXPECT_EQ(InSection<QDoubleSpinBox>("SheetEdge").value(), 5);
 }
 
+TEST_F(PaperStory, ThePreviewShowsTheLineOfText) {
+    OpenOnPaper(1);
+    auto& preview = Child<QWidget>(*window, "SheetPreview");
+    const QImage without = Grabbed(preview);
+    InSection<QCheckBox>("SheetText").setChecked(true);
+    EXPECT_NE(Grabbed(preview), without);
+    InSection<QCheckBox>("SheetText").setChecked(false);
+    EXPECT_EQ(Grabbed(preview), without);
+}
+
 TEST_F(PaperStory, FewerThanAskedForAreMadeOnlyWhenTheUserWantsThem) {
     OpenOnPaper(7);
     InSection<QDoubleSpinBox>("SheetPaperWidth").setValue(50);
