@@ -24,6 +24,8 @@ class FilingQueue {
     /// The folder need not exist.
     explicit FilingQueue(QString folder = UsersFolder()) : folder_(std::move(folder)) {}
 
+    const QString& Folder() const { return folder_; }
+
     /// Throws platform::FileError.
     void Add(const WaitingPhoto& photo) const;
     /// The names of all that wait, the oldest first.

@@ -12,6 +12,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderLock.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
 #include "store/StoreError.h"
@@ -219,6 +220,10 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
 }
 
 Filing PhotoArchive::FileWaiting(const QString& name) {
+    const platform::FolderLock lock(queue_.Folder());
+    if (!queue_.Waiting().contains(name)) {
+        return Filing::Done;  // by another program of the user
+    }
     const WaitingPhoto waiting = queue_.Read(name);
     NameSources names = names_;
     names.now = [&] { return waiting.created; };

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QByteArray>
 #include <cstdlib>
+#include <stdexcept>
 
 #include "core/archive/ArchiveServer.h"
 
@@ -31,11 +30,13 @@ inline store::ServerAddress NewServerDatabase() {
     return ServerDatabase(name);
 }
 
-/// What pg_ctl does with it: "restart", "stop -m immediate", "start".
+/// What pg_ctl does with it: "restart", "stop -m immediate", "start". Throws std::runtime_error.
 inline void ControlServer(const char* action) {
     const QByteArray line = qgetenv("KADRONA_TEST_SERVER_CTL") + action;
     // NOLINTNEXTLINE(cert-env33-c): the line is that of the tests' own script
-    ASSERT_EQ(std::system(line.constData()), 0) << line.constData();
+    if (std::system(line.constData()) != 0) {
+        throw std::runtime_error(line.toStdString());
+    }
 }
 
 }  // namespace kadrona::testing
