@@ -159,7 +159,7 @@ int main(int argc, char** argv) {
                 Milliseconds([&] { bench::MakeArchiveRecords(folder.path(), count); }));
     const QString file = folder.filePath(u"KDRImageBase.db"_s);
     std::printf("database: %.0f bytes a record\n", double(QFileInfo(file).size()) / count);
-    const std::vector<double> file =
+    const std::vector<double> inFile =
         MeasureLists([&] { return std::make_unique<store::SqliteDatabase>(folder.path()); });
     if (testing::OnServer()) {
         MeasureServer(folder.path(), inFile);
