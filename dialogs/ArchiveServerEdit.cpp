@@ -18,6 +18,7 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr int HighestPort = 65535;
+constexpr int GroupGap = 8;
 
 template <typename Field>
 Field* NamedField(const QString& name) {
@@ -63,7 +64,7 @@ ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
       try_(PlainButton(u"btnTryServer"_s, u"&Prüfen"_s)),
       transfer_(PlainButton(u"btnTransferArchive"_s, u"Archiv über&tragen …"_s)),
       result_(WrappedText({})) {
-    used_->setText(u"Datenbank des Archivs auf einem &Server (mehrere Arbeitsplätze)"_s);
+    used_->setText(u"Datenbank des Archivs auf einem Ser&ver (mehrere Arbeitsplätze)"_s);
     port_->setRange(1, HighestPort);
     port_->setValue(store::ServerAddress::UsualPort);
     password_->setEchoMode(QLineEdit::Password);
@@ -100,11 +101,14 @@ void ArchiveServerEdit::BuildLayout() {
     layout->addWidget(used_);
     layout->addWidget(WrappedText(
         core::CanUseServers()
-            ? u"Alle Arbeitsplätze arbeiten dann mit derselben Datenbank (PostgreSQL). Ihr "
-              u"Bildarchiv Verzeichnis (Seite „Allgemein“) muss derselbe gemeinsame Ordner sein."_s
+            ? u"Gilt für alle Profile. Alle Arbeitsplätze benutzen dann dieselbe Datenbank "
+              u"(PostgreSQL); ihr Bildarchiv Verzeichnis (Seite „Allgemein“) muss derselbe "
+              u"gemeinsame Ordner sein."_s
             : u"Dieses Programm wurde ohne die Bibliothek für PostgreSQL-Server gebaut; das Archiv "
               u"bleibt auf diesem Rechner."_s));
+    layout->addSpacing(GroupGap);
     layout->addLayout(grid);
+    layout->addSpacing(GroupGap);
     layout->addLayout(buttons);
     layout->addWidget(result_);
 }

@@ -31,7 +31,7 @@ bool IsNumericAddress(const QByteArray& host) {
 /// PostgresStatement reads, and nobody waits long for a lock or keeps one for ever.
 QByteArray SessionOptions(std::chrono::milliseconds patience) {
     return "-c datestyle=ISO -c bytea_output=hex -c standard_conforming_strings=on"
-           " -c client_min_messages=error -c idle_in_transaction_session_timeout=60000"
+           " -c client_min_messages=error -c jit=off -c idle_in_transaction_session_timeout=60000"
            " -c statement_timeout=60000 -c lock_timeout=" +
            QByteArray::number(qint64(patience.count() * 3 / 4));
 }

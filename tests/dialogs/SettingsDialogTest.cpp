@@ -1,5 +1,6 @@
 #include <QMetaProperty>
 
+#include "core/archive/ArchiveServer.h"
 #include "core/settings/AdditionsFile.h"
 #include "core/settings/StoredSettings.h"
 #include "dialogs/SettingsDialog.h"
@@ -308,6 +309,31 @@ TEST_F(SettingsDialog, AReadOnlyProfileFileIsReportedAndTheProgramGoesOn) {
         driver.Press(u"MessageBox"_s, u"OkButton"_s);
     });
     EXPECT_EQ(data->FrameSize(), 31);
+}
+
+TEST_F(SettingsDialog, TheArchivesServerIsTriedAndKeptForTheUser) {
+    if (!core::CanUseServers()) {
+        GTEST_SKIP() << "built without servers";
+    }
+    const auto use = [&] { The<QCheckBox>(u"ArchiveOnServer"_s)->click(); };
+    InDialog([&] {
+        use();
+        EXPECT_FALSE(The<QPushButton>(u"btnTryServer"_s)->isEnabled()) << "where is it?";
+        for (const char* field : {"ServerHost", "ServerDatabase", "ServerUser"}) {
+            The<QLineEdit>(QLatin1StringView(field))->setText(u"/nirgends"_s);
+        }
+        ClickButton(*dialog, "btnTryServer");
+        EXPECT_TRUE(The<QLabel>(u"ServerResult"_s)->text().contains(u"kein PostgreSQL-Server"_s));
+    });
+    EXPECT_EQ(ui.messages.size(), 1) << "closing opens it";
+    Start();
+    EXPECT_EQ(ui.messages.size(), 2);
+    EXPECT_THROW(data->Archive(), platform::Error);
+    InDialog([&] {
+        EXPECT_EQ(The<QLineEdit>(u"ServerUser"_s)->text(), u"/nirgends"_s);
+        use();
+    });
+    EXPECT_NE(data->Archive(), nullptr);
 }
 
 }  // namespace kadrona::testing
