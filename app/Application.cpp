@@ -9,6 +9,7 @@
 #include <array>
 #include <memory>
 
+#include "app/AppearanceActions.h"
 #include "app/MainWindow.h"
 #include "app/PrintService.h"
 #include "app/StartRequests.h"
@@ -19,7 +20,6 @@
 #include "app/commandline/WindowRequest.h"
 #include "controls/fields/WheelNeedsFocus.h"
 #include "controls/messages/ActionGuard.h"
-#include "controls/theme/Theme.h"
 #include "core/base/Product.h"
 #include "dialogs/ApplicationIcon.h"
 #include "dialogs/SmallScreens.h"
@@ -118,7 +118,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
         QApplication::installTranslator(&toolkitTexts);
     }
     QLocale::setDefault(QLocale(QLocale::German));
-    controls::ApplyTheme(application);
+    ApplyChosenAppearance();
     QApplication::setApplicationName(core::ApplicationTitle.toString());
     // Names the desktop file, by which panels find the icon and join the windows.
     QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "controls/fields/ElidedLabel.h"
+#include "controls/theme/Tone.h"
 #include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
@@ -46,11 +47,7 @@ void JobStatus::Follow(const QString& printer, std::unique_ptr<printing::JobWatc
 void JobStatus::Show(const JobState& state) {
     const bool isBad =
         state.stage == JobState::Stage::Held || state.stage == JobState::Stage::Failed;
-    QPalette palette = label_->parentWidget()->palette();
-    if (isBad) {
-        palette.setColor(QPalette::WindowText, QColor(176, 22, 22));
-    }
-    label_->setPalette(palette);
+    controls::SetTone(*label_, isBad ? controls::Tone::Bad : controls::Tone::Plain);
     const QString text = u"Drucker „%1“: %2"_s.arg(printer_, state.text);
     label_->setMinimumWidth(0);  // else the hint is no smaller
     label_->setText(text);

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QUrl>
 
+#include "app/AppearanceActions.h"
 #include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
 #include "app/FaceActions.h"
@@ -88,6 +89,7 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
     recentActions_ =
         std::make_unique<RecentActions>(*recentMenu_, *recentStrip_, session_,
                                         [this](const QString& path) { OpenDroppedFiles({path}); });
+    appearanceActions_ = std::make_unique<AppearanceActions>(*appearanceMenu_);
     connect(openActions_.get(), &OpenActions::PhotoRead, recentActions_.get(),
             &RecentActions::Remember);
     session_.Image().SetAutomaticUndo(true);

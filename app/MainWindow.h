@@ -37,6 +37,7 @@ class ImageView;
 
 namespace kadrona::app {
 
+class AppearanceActions;
 class ArchiveActions;
 class ColourTools;
 class FaceActions;
@@ -107,6 +108,7 @@ class TmainFm : public QMainWindow {
     imaging::view::ImageView* view_ = nullptr;
     QWidget* emptyState_ = nullptr;
     QMenu* recentMenu_ = nullptr;
+    QMenu* appearanceMenu_ = nullptr;
     controls::PhotoStrip* recentStrip_ = nullptr;
     QWidget* sheetLine_ = nullptr;
     controls::PhotoStrip* photoStrip_ = nullptr;
@@ -131,6 +133,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<RotateActions> rotateActions_;
     std::unique_ptr<OpenActions> openActions_;
     std::unique_ptr<RecentActions> recentActions_;
+    std::unique_ptr<AppearanceActions> appearanceActions_;
     std::unique_ptr<PrintFlow> printFlow_;
     std::unique_ptr<SheetActions> sheetActions_;
     std::unique_ptr<UploadActions> uploadActions_;

@@ -15,6 +15,7 @@
 #include "controls/commands/ScreenTip.h"
 #include "controls/fields/ElidedLabel.h"
 #include "controls/fields/FileDropTarget.h"
+#include "controls/fields/IconLabel.h"
 #include "controls/fields/PhotoStrip.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/theme/Icons.h"
@@ -68,6 +69,8 @@ void TmainFm::BuildCommandArea() {
     side->setToolTipsVisible(true);
     side->addAction(actions_[Action::ShowCheck]);
     side->addAction(actions_[Action::ShowSheet]);
+    appearanceMenu_ = file->addMenu(u"&Darstellung"_s);
+    appearanceMenu_->setObjectName(u"AppearanceMenu"_s);
     file->addSeparator();
     file->addAction(actions_[Action::Manual]);
     file->addAction(actions_[Action::Close]);
@@ -182,8 +185,8 @@ QWidget* TmainFm::BuildSheetLine() {
 QWidget* TmainFm::BuildEmptyState() {
     auto* empty = new QWidget;
     empty->setObjectName(u"EmptyState"_s);
-    auto* symbol = new QLabel(empty);
-    symbol->setPixmap(controls::Icon(u"open"_s).pixmap(QSize(64, 64), devicePixelRatioF()));
+    constexpr int SymbolSide = 64;
+    auto* symbol = new controls::IconLabel(controls::Icon(u"open"_s), SymbolSide, empty);
     auto* hint = new QLabel(u"Ziehen Sie ein Foto hierher oder öffnen Sie eines."_s, empty);
     auto* open = new QPushButton(actions_[Action::Open]->icon(), u"Bild öffnen"_s, empty);
     open->setObjectName(u"EmptyStateOpenButton"_s);

@@ -10,6 +10,7 @@
 
 #include "controls/fields/SelectionList.h"
 #include "controls/messages/MessageBoxes.h"
+#include "controls/theme/Tone.h"
 #include "core/Data.h"
 #include "core/settings/Settings.h"
 #include "dialogs/PaperView.h"
@@ -93,9 +94,7 @@ QLayout* TBeforPrintDlgFm::BuildPreview() {
     view_->setObjectName(u"PaperView"_s);
     paperLabel_ = WrappedLabel(u"PaperLabel"_s);
     warningLabel_ = WrappedLabel(u"WarningLabel"_s);
-    QPalette red = warningLabel_->palette();
-    red.setColor(QPalette::WindowText, QColor(176, 22, 22));
-    warningLabel_->setPalette(red);
+    controls::SetTone(*warningLabel_, controls::Tone::Bad);
     // Room for what is usually said, so that the dialog keeps its size.
     paperLabel_->setMinimumHeight(2 * paperLabel_->fontMetrics().lineSpacing());
     warningLabel_->setMinimumHeight(warningLabel_->fontMetrics().lineSpacing());

@@ -24,8 +24,6 @@ constexpr double WheelStep = 1.2;
 constexpr double KeyStep = 40;
 
 const QColor LostColour(196, 30, 30);
-const QColor Desk(226, 228, 231);
-
 const QColor MarkColour(60, 60, 60);
 
 std::vector<QImage> EverSmaller(const QImage& picture) {
@@ -65,7 +63,7 @@ void PaintPlate(QPainter& painter, QPointF middle, const QString& text) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(255, 255, 255, 215));
     painter.drawRoundedRect(plate, 3, 3);
-    painter.setPen(controls::Colors().text);
+    painter.setPen(controls::PaperInk);
     painter.drawText(plate, Qt::AlignCenter, text);
 }
 
@@ -164,7 +162,7 @@ void PaperView::KeepInSight() {
 
 void PaperView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.fillRect(rect(), Desk);
+    painter.fillRect(rect(), controls::Colors().desk);
     QFont small = font();
     small.setPointSizeF(small.pointSizeF() * 0.9);
     painter.setFont(small);
@@ -218,7 +216,7 @@ void PaperView::PaintEdgeOverCopies(QPainter& painter) const {
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Qt::white, 3));
     painter.drawRect(ToWidget(sheet_->paper));
-    painter.setPen(controls::Colors().text);
+    painter.setPen(controls::PaperInk);
     painter.drawRect(ToWidget(sheet_->paper));
 }
 

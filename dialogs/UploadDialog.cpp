@@ -15,6 +15,7 @@
 
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
+#include "controls/theme/Tone.h"
 #include "dialogs/UploadFiguresEdit.h"
 #include "dialogs/WindowPlacement.h"
 
@@ -117,7 +118,7 @@ QWidget* UploadDialog::BuildFigures() {
     state_ = ResultLabel(u"State"_s);
     warning_ = ResultLabel(u"Warning"_s);
     warning_->setText(u"! Das Foto hat weniger Pixel als die Datei und wird vergrößert."_s);
-    warning_->setStyleSheet(u"color: #8a5a00"_s);
+    controls::SetTone(*warning_, controls::Tone::Warning);
     auto* result = new QFormLayout;
     result->addRow(u"Bild"_s, pixels_);
     result->addRow(u"Qualität"_s, quality_);
@@ -193,7 +194,7 @@ void UploadDialog::ShowFile() {
     const bool met = file_.shortfall.isEmpty();
     state_->setText(met ? u"✓ Die Datei hält die Vorgaben ein."_s : u"✗ "_s + file_.shortfall);
     warning_->setVisible(file_.enlarged);
-    state_->setStyleSheet(met ? u"color: #1b7a2b"_s : u"color: #b3261e"_s);
+    controls::SetTone(*state_, met ? controls::Tone::Good : controls::Tone::Bad);
     save_->setEnabled(met);
 }
 

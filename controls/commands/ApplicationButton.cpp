@@ -4,6 +4,7 @@
 #include <QShortcut>
 
 #include "controls/commands/ApplicationMenu.h"
+#include "controls/theme/Icons.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +15,7 @@ ApplicationButton::ApplicationButton(const QString& keyTip, QWidget* parent)
     setObjectName(u"ApplicationButton"_s);
     setToolTip(keyTip);
     setAccessibleName(keyTip);
-    setIcon(QIcon(u":/kadrona/icons/part-menu-light.svg"_s));
+    setIcon(Icon(u"menu-on-accent"_s));
     setIconSize(QSize(16, 16));
     setAutoDefault(false);
     setFocusPolicy(Qt::TabFocus);

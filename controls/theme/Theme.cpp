@@ -17,10 +17,56 @@ using namespace Qt::StringLiterals;
 // stand outside any namespace.
 static void LinkResources() {
     Q_INIT_RESOURCE(controls);
+    Q_INIT_RESOURCE(dark);
 }
 
 namespace kadrona::controls {
 namespace {
+
+constexpr ThemeColors Light{
+    .window = QColor(0xf2, 0xf3, 0xf5),
+    .content = QColor(0xff, 0xff, 0xff),
+    .text = QColor(0x23, 0x26, 0x29),
+    .mutedText = QColor(0x5d, 0x65, 0x6f),
+    .disabledText = QColor(0xa3, 0xa9, 0xb1),
+    .border = QColor(0xd9, 0xdc, 0xe1),
+    .strongBorder = QColor(0xb9, 0xbf, 0xc7),
+    .accent = QColor(0x1a, 0x6f, 0xb5),
+    .onAccent = QColor(0xff, 0xff, 0xff),
+    .accentStrong = QColor(0x12, 0x55, 0x8d),
+    .accentTint = QColor(0xe6, 0xf0, 0xf8),
+    .accentWash = QColor(0xcd, 0xe2, 0xf3),
+    .alternate = QColor(0xf7, 0xf8, 0xfa),
+    .good = QColor(0x1b, 0x7a, 0x2b),
+    .warning = QColor(0x8a, 0x5a, 0x00),
+    .bad = QColor(0xb3, 0x1d, 0x1d),
+    .view = QColor(0xff, 0xff, 0xff),
+    .desk = QColor(0xe2, 0xe4, 0xe7),
+};
+
+/// The ground around the photo is a neutral grey, which leaves the eye its judgement of colours.
+constexpr ThemeColors Dark{
+    .window = QColor(0x22, 0x26, 0x2a),
+    .content = QColor(0x2b, 0x30, 0x35),
+    .text = QColor(0xe6, 0xe9, 0xec),
+    .mutedText = QColor(0xa9, 0xb1, 0xba),
+    .disabledText = QColor(0x6f, 0x77, 0x80),
+    .border = QColor(0x3c, 0x42, 0x49),
+    .strongBorder = QColor(0x59, 0x61, 0x6a),
+    .accent = QColor(0x5a, 0xab, 0xec),
+    .onAccent = QColor(0x10, 0x1d, 0x29),
+    .accentStrong = QColor(0x8c, 0xc6, 0xf5),
+    .accentTint = QColor(0x2d, 0x40, 0x51),
+    .accentWash = QColor(0x30, 0x50, 0x6c),
+    .alternate = QColor(0x31, 0x36, 0x3c),
+    .good = QColor(0x6c, 0xcf, 0x83),
+    .warning = QColor(0xe5, 0xb3, 0x4d),
+    .bad = QColor(0xff, 0x8f, 0x88),
+    .view = QColor(0x3a, 0x3a, 0x3a),
+    .desk = QColor(0x3a, 0x3d, 0x41),
+};
+
+Appearance present = Appearance::Light;
 
 QPalette MakePalette() {
     const ThemeColors& c = Colors();
@@ -28,21 +74,21 @@ QPalette MakePalette() {
     for (const auto& [role, color] : {
              std::pair{QPalette::WindowText, c.text},
              {QPalette::Base, c.content},
-             {QPalette::AlternateBase, QColor(0xf7, 0xf8, 0xfa)},
+             {QPalette::AlternateBase, c.alternate},
              {QPalette::Text, c.text},
              {QPalette::PlaceholderText, c.mutedText},
              {QPalette::Button, c.content},
              {QPalette::ButtonText, c.text},
              {QPalette::BrightText, Qt::white},
-             {QPalette::Light, Qt::white},
-             {QPalette::Midlight, QColor(0xe9, 0xeb, 0xee)},
+             {QPalette::Light, c.content},
+             {QPalette::Midlight, c.alternate},
              {QPalette::Mid, c.border},
              {QPalette::Dark, c.strongBorder},
              {QPalette::Shadow, c.mutedText},
              {QPalette::Highlight, c.accent},
-             {QPalette::HighlightedText, Qt::white},
+             {QPalette::HighlightedText, c.onAccent},
              {QPalette::Link, c.accent},
-             {QPalette::LinkVisited, c.accentDark},
+             {QPalette::LinkVisited, c.accentStrong},
              {QPalette::ToolTipBase, c.content},
              {QPalette::ToolTipText, c.text},
          }) {
@@ -74,12 +120,17 @@ QString StyleSheet() {
              {u"@border;"_s, c.border},
              {u"@strongBorder;"_s, c.strongBorder},
              {u"@accent;"_s, c.accent},
-             {u"@accentDark;"_s, c.accentDark},
+             {u"@onAccent;"_s, c.onAccent},
+             {u"@good;"_s, c.good},
+             {u"@warning;"_s, c.warning},
+             {u"@bad;"_s, c.bad},
+             {u"@accentStrong;"_s, c.accentStrong},
              {u"@accentTint;"_s, c.accentTint},
              {u"@accentWash;"_s, c.accentWash},
          }) {
         sheet.replace(name, color.name() + u';');
     }
+    sheet.replace(u"@drawings"_s, DrawingsFolder());
     return sheet;
 }
 
@@ -114,28 +165,27 @@ void UseIconTheme() {
 }  // namespace
 
 const ThemeColors& Colors() {
-    static const ThemeColors colors{
-        .window = QColor(0xf2, 0xf3, 0xf5),
-        .content = QColor(0xff, 0xff, 0xff),
-        .text = QColor(0x23, 0x26, 0x29),
-        .mutedText = QColor(0x5d, 0x65, 0x6f),
-        .disabledText = QColor(0xa3, 0xa9, 0xb1),
-        .border = QColor(0xd9, 0xdc, 0xe1),
-        .strongBorder = QColor(0xb9, 0xbf, 0xc7),
-        .accent = QColor(0x1a, 0x6f, 0xb5),
-        .accentDark = QColor(0x12, 0x55, 0x8d),
-        .accentTint = QColor(0xe6, 0xf0, 0xf8),
-        .accentWash = QColor(0xcd, 0xe2, 0xf3),
-    };
-    return colors;
+    return present == Appearance::Dark ? Dark : Light;
 }
 
-void ApplyTheme(QApplication& application) {
-    LinkResources();
-    QApplication::setStyle(new ThemeStyle);  // owned by the application
+Appearance PresentAppearance() {
+    return present;
+}
+
+QString DrawingsFolder() {
+    return present == Appearance::Dark ? u":/kadrona/icons/dark"_s : u":/kadrona/icons"_s;
+}
+
+void ApplyTheme(QApplication& application, Appearance appearance) {
+    const bool first = dynamic_cast<ThemeStyle*>(QApplication::style()) == nullptr;
+    present = appearance;
+    if (first) {
+        LinkResources();
+        QApplication::setStyle(new ThemeStyle);  // owned by the application
+        UseReadableFont();
+        UseIconTheme();
+    }
     QApplication::setPalette(MakePalette());
-    UseReadableFont();
-    UseIconTheme();
     application.setStyleSheet(StyleSheet());
 }
 

@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "controls/theme/Tone.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
@@ -22,33 +24,27 @@ bool IsOutside(const core::CheckLine& line) {
 /// badly.
 struct StateLook {
     QString sign;
-    QString style;
+    controls::Tone tone;
 };
 
 /// A guidance that is not kept is worth a look, no more.
 StateLook LookOf(const core::CheckLine& line) {
     switch (line.state) {
         case core::CheckState::Met:
-            return {u"✓"_s, u"color: #1b7a2b"_s};
+            return {u"✓"_s, controls::Tone::Good};
         case core::CheckState::Missed:
-            return {u"✗"_s, u"color: #b3261e"_s};
+            return {u"✗"_s, controls::Tone::Bad};
         case core::CheckState::Guidance:
             break;
     }
-    return IsOutside(line) ? StateLook{u"!"_s, u"color: #8a5a00"_s}
-                           : StateLook{u"·"_s, u"color: #6a6f73"_s};
+    return IsOutside(line) ? StateLook{u"!"_s, controls::Tone::Warning}
+                           : StateLook{u"·"_s, controls::Tone::Muted};
 }
 
 /// Texts are set only where they changed: a drag asks at every frame.
 void SetText(QLabel* label, const QString& text) {
     if (label->text() != text) {
         label->setText(text);
-    }
-}
-
-void SetStyle(QLabel* label, const QString& style) {
-    if (label->styleSheet() != style) {
-        label->setStyleSheet(style);
     }
 }
 
@@ -135,11 +131,11 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
         const core::CheckLine& line = lines[i];
         const StateLook look = LookOf(line);
         SetText(row.sign, look.sign);
-        SetStyle(row.sign, look.style);
+        controls::SetTone(*row.sign, look.tone);
         SetText(row.label, line.label);
         SetText(row.value, core::ValueText(line));
         SetText(row.judgement, JudgementOf(line));
-        SetStyle(row.judgement, look.style);
+        controls::SetTone(*row.judgement, look.tone);
         row.judgement->setToolTip(u"Quelle: "_s + line.source);
     }
     report_->setEnabled(!lines.empty());

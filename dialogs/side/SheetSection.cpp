@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "controls/theme/Tone.h"
 #include "dialogs/side/PaperFields.h"
 
 using namespace Qt::StringLiterals;
@@ -33,7 +34,7 @@ void SheetSection::SetSummary(const QString& text, bool isError) {
     const QString shown = isError ? u"✗ "_s + text : text;
     if (summary_->text() != shown) {
         summary_->setText(shown);
-        summary_->setStyleSheet(isError ? u"color: #b3261e"_s : QString());
+        controls::SetTone(*summary_, isError ? controls::Tone::Bad : controls::Tone::Plain);
     }
 }
 

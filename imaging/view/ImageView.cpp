@@ -13,9 +13,6 @@ namespace kadrona::imaging::view {
 
 ImageView::ImageView(LayeredImage& image, QWidget* parent)
     : QWidget(parent), d_(std::make_unique<Private>(*this, image)) {
-    QPalette white = palette();
-    white.setColor(QPalette::Base, Qt::white);
-    setPalette(white);
     setBackgroundRole(QPalette::Base);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
