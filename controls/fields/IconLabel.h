@@ -5,8 +5,8 @@
 
 namespace kadrona::controls {
 
-/// A picture that says nothing to a screen reader. Unlike a label's pixmap it follows the appearance
-/// and the screen's scale.
+/// A picture that says nothing to a screen reader. Unlike a label's pixmap it follows the
+/// appearance and the screen's scale.
 class IconLabel : public QWidget {
  public:
     /// `side` is its width and height in pixels of the window.
