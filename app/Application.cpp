@@ -13,6 +13,7 @@
 #include "app/MainWindow.h"
 #include "app/PrintService.h"
 #include "app/StartRequests.h"
+#include "app/commandline/ArchiveCommand.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
@@ -51,10 +52,11 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
     QTextStream errors(stderr);
     const QString first = arguments.value(1);
     using Command = int(const QStringList&, QTextStream&, QTextStream&);
-    const std::array<std::pair<QLatin1StringView, Command*>, 3> commands{
+    const std::array<std::pair<QLatin1StringView, Command*>, 4> commands{
         {{"sheet"_L1, RunSheetCommand},
          {"photo"_L1, RunPhotoCommand},
-         {"check"_L1, RunCheckCommand}}};
+         {"check"_L1, RunCheckCommand},
+         {"archive"_L1, RunArchiveCommand}}};
     for (const auto& [name, run] : commands) {
         if (first == name) {
             const auto console = ConsoleApplication(argc, argv, arguments);
@@ -163,8 +165,8 @@ int Run(int argc, char** argv) {
     if (!HasDisplay()) {
         QTextStream(stderr)
             << u"Kadrona braucht eine grafische Oberfläche; ohne sie geht nur "
-               u"„kadrona sheet“, „kadrona photo“ und „kadrona check“ (siehe kadrona "
-               u"--help).\n"_s;
+               u"„kadrona sheet“, „kadrona photo“, „kadrona check“ und „kadrona archive“ (siehe "
+               u"kadrona --help).\n"_s;
         return SomePhotoFailed;
     }
     return RunWindow(argc, argv, request);

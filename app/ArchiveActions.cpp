@@ -9,11 +9,14 @@
 #include "app/ViewActions.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
 #include "core/sheet/PaperSize.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetTiling.h"
+#include "core/templates/LayerPosition.h"
 #include "core/templates/TemplateSize.h"
 #include "dialogs/ArchiveWindow.h"
 #include "imaging/view/PaintingSuspension.h"
@@ -21,6 +24,8 @@
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
+
+using Choice = dialogs::TfmImgSearch::Choice;
 
 ArchiveActions::ArchiveActions(PhotoSession& session, imaging::view::ImageView& view,
                                core::TData& data, const core::Settings& settings,
@@ -48,17 +53,46 @@ void ArchiveActions::acSearchArchivExecute() {
     if (archive_.ShowEx(folder) != controls::ModalResult::Ok) {
         return;
     }
+    if (archive_.Chosen() == Choice::Recut) {
+        OpenForCutting(folder);
+        return;
+    }
     const QString path = data_.GetFileNameFromRecord(folder);
     if (!path.isEmpty()) {
-        OpenForPrinting(path);
+        OpenForPrinting(path, archive_.Chosen() == Choice::Print);
     }
 }
 
+/// The template lies over the head where the one before did, as long as the photo has the size that
+/// it had then: one that is not turned when it is opened.
+void ArchiveActions::OpenForCutting(const QString& archiveFolder) {
+    const auto original = core::ReadOriginal(data_.ArchiveDatabase(), data_.CurrentRecord());
+    const QString path =
+        original ? core::StoredFolderPath(archiveFolder,
+                                          core::StoredPath(original->folder, original->name))
+                 : QString();
+    if (!original || !core::IsInsideArchive(path, archiveFolder) || !QFileInfo(path).isFile()) {
+        ui_.ShowMessage(u"Das Original dieses Bildes konnte nicht gefunden werden!"_s);
+        return;
+    }
+    openOriginal_(path);
+    imaging::LayeredImage& image = session_.Image();
+    if (!session_.HasTemplate() || image.Photo().Size() != original->photo) {
+        return;
+    }
+    const QRect before = original->rectangle;
+    QRect place(QPoint(), session_.TemplateRectangle().size().scaled(
+                              image.Photo().Width(), before.height(), Qt::KeepAspectRatio));
+    place.moveCenter(before.center());
+    image.SetLayerRectangle(1, core::KeptInsidePhoto(place, image.Photo().Size()));
+}
+
 /// Printing is not triggered through its action, which is hidden while it runs by itself.
-void ArchiveActions::OpenForPrinting(const QString& path) {
+void ArchiveActions::OpenForPrinting(const QString& path, bool printNow) {
     MakeSheet(path);
     view_.setFocus();
-    if (settings_.PrintAfterCrop() && session_.CurrentStage() == PhotoSession::Stage::SheetMade) {
+    if ((printNow || settings_.PrintAfterCrop()) &&
+        session_.CurrentStage() == PhotoSession::Stage::SheetMade) {
         printFlow_.acPrintImageExecute();
     }
 }

@@ -46,10 +46,14 @@ class ArchiveActions : public QObject {
     using PaperSource =
         std::function<std::optional<core::PaperChoice>(const std::function<QSize()>& photo)>;
     void SetPaperSource(PaperSource source) { paperFor_ = std::move(source); }
+    /// Who opens an original to be cut anew, with the template of the user's choice.
+    using OriginalOpener = std::function<void(const QString& path)>;
+    void SetOriginalOpener(OriginalOpener opener) { openOriginal_ = std::move(opener); }
 
  private:
     void acSearchArchivExecute();
-    void OpenForPrinting(const QString& path);
+    void OpenForPrinting(const QString& path, bool printNow);
+    void OpenForCutting(const QString& archiveFolder);
     void MakeSheet(const QString& path);
     bool LayOut();
     QSize PrintedSize() const;
@@ -64,6 +68,7 @@ class ArchiveActions : public QObject {
     ViewActions& viewActions_;
     PrintFlow& printFlow_;
     PaperSource paperFor_;
+    OriginalOpener openOriginal_;
 };
 
 }  // namespace kadrona::app

@@ -139,6 +139,8 @@ void TmainFm::CreateReusedWindows() {
                                    *printFlow_, *sidePanel_, *sheetSection_, *traySection_});
     archiveActions_->SetPaperSource(
         [this](const std::function<QSize()>& photo) { return paperActions_->PaperFor(photo); });
+    archiveActions_->SetOriginalOpener(
+        [this](const QString& path) { openActions_->OpenOriginal(path); });
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
 }

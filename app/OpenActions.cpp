@@ -139,6 +139,21 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
     Q_EMIT actions_.Handled();
 }
 
+void OpenActions::OpenOriginal(const QString& path) {
+    settings_.AktivateProfileByName(StandardProfile, false);
+    Load({.name = path,
+          .read =
+              [&](imaging::ReadProgress& progress) {
+                  return core::ReadPhoto(path, settings_, &progress);
+              },
+          .remember =
+              [&] {
+                  data_.SetCurrentFileName(QFileInfo(path).fileName());
+                  data_.SetOpenedFile(path);
+              },
+          .isRaw = imaging::IsRawImageFile(path)});
+}
+
 /// A file manager copies the files' names, whatever else it adds.
 void OpenActions::acPasteExecute() {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();

@@ -42,6 +42,10 @@ class OpenActions : public QObject {
     /// `origin` and the time.
     void OpenPicture(const QByteArray& bytes, const QString& origin);
 
+    /// Opens the original of an archived photo. It does not count as a photo of the user's folders:
+    /// nobody remembers it.
+    void OpenOriginal(const QString& path);
+
  Q_SIGNALS:
     /// A photo was read from this file and is layer 0 now.
     void PhotoRead(const QString& path);

@@ -8,6 +8,7 @@
 #include <QTreeView>
 #include <array>
 
+#include "controls/messages/FolderDialog.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/FileDialogs.h"
 #include "core/base/RecentPhotos.h"
@@ -180,15 +181,10 @@ std::optional<QString> ChooseSaveFile(QWidget* parent, const core::SaveDialog& d
 }
 
 QString ChooseFolder(QWidget* parent, const QString& title) {
-    QFileDialog window(parent, title, StartFolder({}, ChosenFolderValue));
-    window.setObjectName(u"FolderDialog"_s);
-    window.setFileMode(QFileDialog::Directory);
-    window.setOption(QFileDialog::ShowDirsOnly);
-    if (window.exec() != QDialog::Accepted) {
-        return {};
+    QString folder = controls::AskForFolder(parent, title, StartFolder({}, ChosenFolderValue));
+    if (!folder.isEmpty()) {
+        RememberFolder(ChosenFolderValue, folder);
     }
-    QString folder = window.selectedFiles().value(0);
-    RememberFolder(ChosenFolderValue, folder);
     return folder;
 }
 

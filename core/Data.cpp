@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveSchema.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
@@ -69,6 +70,19 @@ TransferResult TData::TransferArchiveTo(const store::ServerAddress& server,
 void TData::SetCurrentFile(const QString& path) {
     currentFile_ = path;
     currentFileFolder_ = QFileInfo(path).path();
+    SetOpenedFile(path);
+}
+
+void TData::SetOpenedFile(const QString& path) {
+    const QFileInfo file(path);
+    opened_ = {path, file.size(), file.lastModified()};
+}
+
+QString TData::OpenedFile() const {
+    const QFileInfo file(opened_.path);
+    const bool same =
+        file.isFile() && file.size() == opened_.bytes && file.lastModified() == opened_.modified;
+    return same ? opened_.path : QString();
 }
 
 bool TData::MaskLoadFromFile(const QString& path) {
@@ -97,7 +111,7 @@ bool TData::IsGone(const QString& leftFile) const {
 
 QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
     QString path = archive_.PathOfCurrent(archiveFolder);
-    if (!PhotoArchive::IsInside(path, archiveFolder)) {
+    if (!IsInsideArchive(path, archiveFolder)) {
         ui_.ShowMessage(
             u"Datei %1 liegt außerhalb des Archivs und wird nicht verwendet!"_s.arg(path));
         return {};

@@ -57,7 +57,12 @@ class TData {
     const QString& CurrentFileFolder() const { return currentFileFolder_; }
     void SetCurrentFile(const QString& path);
     /// For a photo of the archive, whose folder is none to open further photos from.
-    void SetCurrentFileName(const QString& name) { currentFile_ = name; }
+    void SetCurrentFileName(const QString& name) {
+        currentFile_ = name;
+        SetOpenedFile({});
+    }
+    /// The file that is kept as the original where an archived photo is made of it.
+    void SetOpenedFile(const QString& path);
     core::OpenDialog& OpenDialog() { return openDialog_; }
 
     // Templates
@@ -148,6 +153,8 @@ class TData {
     TransferResult TransferArchiveTo(const store::ServerAddress& server,
                                      const TransferProgress& progress) const;
     ArchiveTable* Archive() { return archive_.Table(); }
+    /// What it lies in, for the upkeep of the archive. Throws platform::Error where there is none.
+    store::Database& ArchiveDatabase() { return archive_.Database(); }
     void SaveImageToArchiv(imaging::LayeredImage& image, const QString& archiveFolder,
                            const QString& tags, const QString& objectName) {
         archive_.File(image, {archiveFolder, template_.name, tags, objectName});
@@ -171,8 +178,11 @@ class TData {
 
  private:
     SheetMaking Making() {
-        return {template_, *settings_, layout_, archive_, ui_, frameSize_, paper_};
+        return {template_, *settings_, layout_, archive_, ui_, frameSize_, paper_, OpenedFile()};
     }
+
+    /// Empty where another file has come under its name, as that of the next customer's card may.
+    QString OpenedFile() const;
 
     /// Tells of a deleted profile's file that is left.
     bool IsGone(const QString& leftFile) const;
@@ -195,6 +205,11 @@ class TData {
     PaperChoice paper_;
     QString currentFile_;
     QString currentFileFolder_;
+    struct {
+        QString path;
+        qint64 bytes = 0;
+        QDateTime modified;
+    } opened_;
     core::OpenDialog openDialog_ = core::OpenDialog::OfPhotos();
 };
 

@@ -8,13 +8,8 @@ using namespace Qt::StringLiterals;
 namespace kadrona::dialogs {
 
 core::ArchiveTable& OpenArchive(core::TData& data) {
-    core::ArchiveTable* table = data.Archive();
-    if (table == nullptr) {
-        throw platform::Error(
-            u"Das Bildarchiv ist nicht verfügbar, weil seine Datenbank nicht geöffnet werden "
-            u"konnte."_s);
-    }
-    return *table;
+    data.ArchiveDatabase();
+    return *data.Archive();
 }
 
 core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
@@ -25,16 +20,20 @@ core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
     return *std::move(record);
 }
 
+QString ShownTags(const QString& tags) {
+    QStringList lines = tags.split(u'\n', Qt::SkipEmptyParts);
+    for (QString& line : lines) {
+        line = line.simplified();
+    }
+    return lines.join(u", "_s);
+}
+
 controls::Card ArchiveCards::ReadCard(qint64 key) {
     const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), key);
-    QStringList tags = record.tags.split(u'\n', Qt::SkipEmptyParts);
-    for (QString& tag : tags) {
-        tag = tag.simplified();
-    }
     return {.heading = core::ShownTime(record.created),
             .title = record.name,
             .detail = record.type,
-            .text = tags.join(u", "_s)};
+            .text = ShownTags(record.tags)};
 }
 
 QByteArray ArchiveCards::ReadPicture(qint64 key) {

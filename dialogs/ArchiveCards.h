@@ -22,6 +22,9 @@ class ArchiveCards : public controls::CardSource {
     core::TData& data_;
 };
 
+/// Tags on one line.
+QString ShownTags(const QString& tags);
+
 /// The table of the archive. Throws platform::Error where there is none (any more).
 core::ArchiveTable& OpenArchive(core::TData& data);
 

@@ -3,19 +3,23 @@
 #include <QAction>
 #include <QApplication>
 #include <QLocale>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "controls/cards/CardGrid.h"
 #include "controls/commands/CommandBar.h"
 #include "controls/fields/FindPanel.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/theme/Icons.h"
 #include "core/Data.h"
+#include "core/archive/ArchiveDeletion.h"
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "dialogs/ArchiveCards.h"
+#include "dialogs/ArchiveCheckDialog.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/WindowPlacement.h"
 #include "platform/Error.h"
@@ -26,7 +30,7 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr QSize DesignedSize(1000, 740);
+constexpr QSize ArchiveWindowSize(1000, 740);
 constexpr QSize LeastSize(420, 420);
 constexpr std::chrono::milliseconds BetweenLooks(1000);
 /// The window's section of the layout file.
@@ -51,6 +55,7 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
       data_(data),
       tagEditor_(tagEditor),
       cards_(std::make_unique<ArchiveCards>(data)),
+      upkeep_(data, *this),
       findPanel_(new controls::FindPanel(this)),
       grid_(new controls::CardGrid(this)),
       look_(new QTimer(this)) {
@@ -64,9 +69,9 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
             [this] { grid_->setFocus(Qt::OtherFocusReason); });
     connect(grid_, &controls::CardGrid::CurrentChanged, this, [this] {
         data_.SetCurrentRecord(grid_->Current().value_or(0));
-        acPrintImg_->setEnabled(grid_->Current().has_value());
-        acEditTags_->setEnabled(grid_->Current().has_value());
+        UpdateActions();
     });
+    connect(grid_, &controls::CardGrid::SelectionChanged, this, [this] { UpdateActions(); });
     connect(grid_, &controls::CardGrid::CardOpened, acPrintImg_, &QAction::trigger);
     look_->setInterval(BetweenLooks);
     connect(look_, &QTimer::timeout, this, [this] {
@@ -87,10 +92,22 @@ QAction* TfmImgSearch::AddAction(const QString& name, const QString& caption, co
 
 void TfmImgSearch::BuildActions() {
     acPrintImg_ = AddAction(u"acPrintImg"_s, u"zum Druck öffnen"_s, u"print"_s);
-    connect(acPrintImg_, &QAction::triggered, this, &QDialog::accept);
+    connect(acPrintImg_, &QAction::triggered, this, [this] { Choose(Choice::Open); });
+    acPrintNow_ = AddAction(u"acPrintNow"_s, u"Drucken"_s, u"print"_s);
+    acPrintNow_->setShortcut(QKeySequence::Print);
+    connect(acPrintNow_, &QAction::triggered, this, [this] { Choose(Choice::Print); });
+    acRecut_ = AddAction(u"acRecut"_s, u"Neu zuschneiden"_s, u"create-photos"_s);
+    connect(acRecut_, &QAction::triggered, this, [this] { Choose(Choice::Recut); });
     acEditTags_ = AddAction(u"acEditTags"_s, u"Tags bearbeiten"_s, u"tags"_s);
     connect(acEditTags_, &QAction::triggered, this,
             [this] { controls::Guarded(this, [this] { acEditTagsExecute(); }); });
+    acDelete_ = AddAction(u"acDelete"_s, u"Löschen …"_s, u"delete"_s);
+    acDelete_->setShortcut(Qt::Key_Delete);
+    // In the search field the key deletes a letter.
+    acDelete_->setShortcutContext(Qt::WidgetShortcut);
+    connect(acDelete_, &QAction::triggered, this,
+            [this] { controls::Guarded(this, [this] { acDeleteExecute(); }); });
+    BuildArchiveMenu();
     acClose_ = AddAction(u"acClose"_s, u"Fenster schließen"_s, u"quit"_s);
     acClose_->setShortcut(Qt::CTRL | Qt::Key_Q);
     connect(acClose_, &QAction::triggered, this, &QDialog::reject);
@@ -101,10 +118,43 @@ void TfmImgSearch::BuildActions() {
     connect(clear, &QAction::triggered, findPanel_, &controls::FindPanel::Clear);
 }
 
+void TfmImgSearch::Choose(Choice choice) {
+    choice_ = choice;
+    accept();
+}
+
+void TfmImgSearch::BuildArchiveMenu() {
+    acArchive_ = AddAction(u"acArchive"_s, u"Archiv"_s, u"archive"_s);
+    auto* menu = new QMenu(this);
+    acArchive_->setMenu(menu);
+    const auto add = [&](const QString& name, const QString& caption,
+                         void (TfmImgSearch::*execute)()) {
+        QAction* action = AddAction(name, caption, {});
+        connect(action, &QAction::triggered, this,
+                [this, execute] { controls::Guarded(this, [&] { (this->*execute)(); }); });
+        menu->addAction(action);
+        return action;
+    };
+    acExport_ = add(u"acExport"_s, u"Ausgewählte &exportieren …"_s, &TfmImgSearch::acExportExecute);
+    acExportFound_ = add(u"acExportFound"_s, u"Alle &gefundenen exportieren …"_s,
+                         &TfmImgSearch::acExportFoundExecute);
+    acDeleteFound_ = add(u"acDeleteFound"_s, u"Alle ge&fundenen löschen …"_s,
+                         &TfmImgSearch::acDeleteFoundExecute);
+    menu->addSeparator();
+    add(u"acBackUp"_s, u"Archiv &sichern …"_s, &TfmImgSearch::acBackUpExecute);
+    add(u"acCheck"_s, u"Archiv &prüfen …"_s, &TfmImgSearch::acCheckExecute);
+    acDeleteBlank_ = add(u"acDeleteBlank"_s, u"&Leere Datensätze löschen …"_s,
+                         &TfmImgSearch::acDeleteBlankExecute);
+}
+
 void TfmImgSearch::BuildLayout() {
     auto* bar = new controls::CommandBar(u"Bild Archiv"_s, this);
-    for (QAction* action : {acPrintImg_, acEditTags_, acClose_}) {
-        bar->AddAction(action, controls::Caption::Shown);
+    for (QAction* action : {acPrintImg_, acEditTags_, acRecut_, acDelete_, acArchive_, acClose_}) {
+        controls::CommandButton* button = bar->AddAction(action, controls::Caption::Shown);
+        if (action == acArchive_) {
+            button->setPopupMode(QToolButton::InstantPopup);
+            connect(action, &QAction::triggered, button, &QToolButton::showMenu);  // by a key
+        }
     }
     findPanel_->setObjectName(u"FindPanel"_s);
     findPanel_->SetSyntaxTip(
@@ -115,7 +165,7 @@ void TfmImgSearch::BuildLayout() {
         u"-Berlin: das Wort kommt nicht vor"_s);
     grid_->setObjectName(u"CardGrid"_s);
     grid_->setAccessibleName(u"Archivierte Bilder"_s);
-    grid_->addActions({acPrintImg_, acEditTags_});
+    grid_->addActions({acPrintImg_, acPrintNow_, acEditTags_, acRecut_, acDelete_});
     grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     auto* layout = new QVBoxLayout(this);
@@ -133,14 +183,15 @@ void TfmImgSearch::BuildLayout() {
 QSize TfmImgSearch::StartSize() const {
     try {
         const QSize remembered = data_.ReadLayerPosFromIni(LayoutSection).size();
-        return remembered.isEmpty() ? DesignedSize : remembered;
+        return remembered.isEmpty() ? ArchiveWindowSize : remembered;
     } catch (const platform::Error&) {
-        return DesignedSize;
+        return ArchiveWindowSize;
     }
 }
 
 controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     archiveFolder_ = archiveFolder;
+    upkeep_.SetFolder(archiveFolder);
     ListAll();
     findPanel_->TakeFocus();
     if (!isMaximized()) {
@@ -158,18 +209,33 @@ void TfmImgSearch::ListAll() {
     table.SetFilter({});
     grid_->SetSource(cards_.get());
     findPanel_->Clear();
-    grid_->SetCards(table.Ids(), controls::CardGrid::Position::Start);
-    recordCount_ = grid_->Cards().size();
-    ShowState();
+    recordCount_ = 0;
+    ShowCards(table.Ids(), controls::CardGrid::Position::Start);
 }
 
 void TfmImgSearch::Search(const QString& text) {
     using Position = controls::CardGrid::Position;
-    grid_->SetCards(OpenArchive(data_).Find(text),
-                    text.isEmpty() ? Position::Keep : Position::Start);
+    ShowCards(OpenArchive(data_).Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+}
+
+/// After records have gone.
+void TfmImgSearch::ListAgain() {
+    recordCount_ = 0;
+    const QString text = findPanel_->Text();
+    if (!text.isEmpty()) {
+        ShowCards(OpenArchive(data_).Ids(), controls::CardGrid::Position::Keep);  // counts them
+    }
+    ShowCards(OpenArchive(data_).Find(text), controls::CardGrid::Position::Keep);
+}
+
+void TfmImgSearch::ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position) {
+    blank_ = core::BlankRecords(data_.ArchiveDatabase());
+    std::erase_if(ids,
+                  [&](qint64 id) { return std::binary_search(blank_.begin(), blank_.end(), id); });
+    grid_->SetCards(std::move(ids), position);
     // Others may have archived since the window was opened.
-    recordCount_ =
-        text.isEmpty() ? grid_->Cards().size() : std::max(recordCount_, grid_->Cards().size());
+    recordCount_ = findPanel_->Text().isEmpty() ? grid_->Cards().size()
+                                                : std::max(recordCount_, grid_->Cards().size());
     ShowState();
 }
 
@@ -181,16 +247,21 @@ void TfmImgSearch::ShowChanges() {
     }
     const int place = grid_->verticalScrollBar()->value();
     grid_->ReloadAll();
-    grid_->SetCards(OpenArchive(data_).Find(findPanel_->Text()),
-                    controls::CardGrid::Position::Keep);
+    ListAgain();
     grid_->verticalScrollBar()->setValue(place);
-    recordCount_ = OpenArchive(data_).Ids().size();
-    ShowState();
 }
 
 void TfmImgSearch::ShowState() {
     const bool searching = !findPanel_->Text().isEmpty();
-    findPanel_->SetHits(CountText(grid_->Cards().size(), recordCount_, searching));
+    QString hits = CountText(grid_->Cards().size(), recordCount_, searching);
+    if (!searching && !blank_.empty()) {
+        hits += blank_.size() == 1 ? u", 1 leerer Datensatz"_s
+                                   : u", %1 leere Datensätze"_s.arg(blank_.size());
+    }
+    findPanel_->SetHits(hits);
+    acDeleteBlank_->setEnabled(!blank_.empty());
+    acExportFound_->setEnabled(searching && !grid_->Cards().empty());
+    acDeleteFound_->setEnabled(searching && !grid_->Cards().empty());
     if (searching && recordCount_ > 0) {
         grid_->SetEmptyText(u"Nichts gefunden."_s, u"Esc im Suchfeld zeigt wieder alle Bilder."_s);
     } else {
@@ -198,6 +269,63 @@ void TfmImgSearch::ShowState() {
             u"Das Archiv ist noch leer."_s,
             u"Neue Passbilder kommen hierher, wenn in den Einstellungen „Automatisch im "
             u"Bildarchiv speichern“ eingeschaltet ist."_s);
+    }
+}
+
+/// A database that is gone is told by whoever does something with it.
+bool TfmImgSearch::HasOriginal(qint64 id) const {
+    try {
+        return core::ReadOriginal(data_.ArchiveDatabase(), id).has_value();
+    } catch (const platform::Error&) {
+        return false;
+    }
+}
+
+void TfmImgSearch::UpdateActions() {
+    const bool one = grid_->Current().has_value();
+    acPrintImg_->setEnabled(one);
+    acPrintNow_->setEnabled(one);
+    acEditTags_->setEnabled(one);
+    acRecut_->setEnabled(one && HasOriginal(*grid_->Current()));
+    const bool some = !grid_->Selected().empty();
+    acDelete_->setEnabled(some);
+    acExport_->setEnabled(some);
+}
+
+void TfmImgSearch::acDeleteExecute() {
+    if (upkeep_.Delete(grid_->Selected())) {
+        ListAgain();
+    }
+}
+
+void TfmImgSearch::acDeleteBlankExecute() {
+    if (upkeep_.DeleteBlank(blank_)) {
+        ListAgain();
+    }
+}
+
+void TfmImgSearch::acDeleteFoundExecute() {
+    if (upkeep_.Delete(grid_->Cards())) {
+        ListAgain();
+    }
+}
+
+void TfmImgSearch::acExportExecute() {
+    upkeep_.Export(grid_->Selected(), u"Export"_s);
+}
+
+void TfmImgSearch::acExportFoundExecute() {
+    upkeep_.Export(grid_->Cards(), u"Export "_s + findPanel_->Text());
+}
+
+void TfmImgSearch::acBackUpExecute() {
+    upkeep_.BackUp();
+}
+
+void TfmImgSearch::acCheckExecute() {
+    if (auto report = upkeep_.Check()) {
+        ArchiveCheckDialog(upkeep_, *std::move(report), archiveFolder_, this).ShowEx();
+        ListAgain();
     }
 }
 
@@ -236,6 +364,7 @@ void TfmImgSearch::acEditTagsExecute() {
         const QString path = data_.GetFileNameFromRecord(archiveFolder_);
         data_.SetCurrentRecord(grid_->Current().value_or(0));
         data_.RewriteIptcToImage(path, tagEditor_.FirstLine(), tagEditor_.Tags());
+        core::KeepDigest(data_.ArchiveDatabase(), id, path);
     }
 }
 

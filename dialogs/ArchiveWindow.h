@@ -4,13 +4,14 @@
 #include <memory>
 #include <optional>
 
+#include "controls/cards/CardGrid.h"
 #include "controls/messages/ModalResult.h"
+#include "dialogs/ArchiveUpkeep.h"
 
 class QAction;
 class QTimer;
 
 namespace kadrona::controls {
-class CardGrid;
 class FindPanel;
 }  // namespace kadrona::controls
 
@@ -25,7 +26,8 @@ class ArchiveCards;
 class TfmImageTagEdit;
 
 /// "Bild Archiv": every archived photo as a card, newest first, with a search over all that the
-/// cards show. Lets the user change the tags of a photo and choose one to print.
+/// cards show. Lets the user change the tags of a photo, delete photos and choose one to print.
+/// Records that never got a photo are counted, not shown.
 class TfmImgSearch : public QDialog {
     Q_OBJECT
 
@@ -38,32 +40,65 @@ class TfmImgSearch : public QDialog {
     /// module. Throws platform::Error where the archive cannot be read.
     controls::ModalResult ShowEx(const QString& archiveFolder);
 
+    /// What the chosen photo was chosen for.
+    enum class Choice {
+        Open,   ///< a sheet of it, ready to be printed
+        Print,  ///< the same, printed at once
+        Recut,  ///< its original, to be cut anew
+    };
+    Choice Chosen() const { return choice_; }
+
  protected:
     void done(int result) override;
 
  private:
     void BuildActions();
+    void BuildArchiveMenu();
     void BuildLayout();
     QSize StartSize() const;
     QAction* AddAction(const QString& name, const QString& caption, const QString& icon);
     void ListAll();
     void Search(const QString& text);
+    void ListAgain();
+    void ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position);
     void ShowState();
     void ShowChanges();
     bool ReplaceTags(const core::ArchiveRecord& edited);
+    void Choose(Choice choice);
     void acEditTagsExecute();
+    void acDeleteExecute();
+    void acDeleteBlankExecute();
+    void acDeleteFoundExecute();
+    void acExportExecute();
+    void acExportFoundExecute();
+    void acBackUpExecute();
+    void acCheckExecute();
+    bool HasOriginal(qint64 id) const;
+    void UpdateActions();
 
     core::TData& data_;
     TfmImageTagEdit& tagEditor_;
     QString archiveFolder_;
     std::unique_ptr<ArchiveCards> cards_;
+    ArchiveUpkeep upkeep_;
+    Choice choice_ = Choice::Open;
     size_t recordCount_ = 0;
+    /// The records without a photo, in ascending order.
+    std::vector<qint64> blank_;
     controls::FindPanel* findPanel_;
     controls::CardGrid* grid_;
     /// When to look for what other programs have changed.
     QTimer* look_;
     QAction* acPrintImg_ = nullptr;
+    QAction* acPrintNow_ = nullptr;
+    QAction* acRecut_ = nullptr;
     QAction* acEditTags_ = nullptr;
+    QAction* acDelete_ = nullptr;
+    QAction* acArchive_ = nullptr;
+    QAction* acDeleteBlank_ = nullptr;
+    QAction* acDeleteFound_ = nullptr;
+    QAction* acExport_ = nullptr;
+    QAction* acExportFound_ = nullptr;
     QAction* acClose_ = nullptr;
 };
 

@@ -165,6 +165,8 @@ QWidget* TEinstellungenFm::BuildGeneralPage() {
     auto* layout = new QVBoxLayout(page);
     layout->addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
     layout->addWidget(imageAutoSave_);
+    layout->addWidget(
+        Named<QCheckBox>(u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
     layout->addSpacing(GroupSpacing);
     layout->addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
     layout->addWidget(imageAutoSave2_);

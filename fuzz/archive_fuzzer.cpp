@@ -2,6 +2,7 @@
 #include <QTemporaryDir>
 #include <QtGlobal>
 
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/ArchiveTable.h"
 #include "core/archive/PhotoArchive.h"
@@ -52,7 +53,7 @@ void Use(core::ArchiveTable& table, const QString& search) {
         core::ShownTime(record->created);
         const QString path = archive + u'/' + record->folder + u'/' + record->name;
         const QString clean = QDir::cleanPath(path);
-        if (core::PhotoArchive::IsInside(path, archive) && clean != archive &&
+        if (core::IsInsideArchive(path, archive) && clean != archive &&
             !clean.startsWith(archive + u'/')) {
             qFatal("a record leads out of the archive");
         }

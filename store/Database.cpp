@@ -1,9 +1,12 @@
 #include "store/Database.h"
 
 #include "store/Statement.h"
+#include "store/StoreError.h"
 #include "store/Transaction.h"
 
 namespace kadrona::store {
+
+using namespace Qt::StringLiterals;
 
 void Database::Execute(const QString& sql) {
     Statement statement(*this, sql);
@@ -17,6 +20,17 @@ void Database::RunScript(const QStringList& statements) {
         Execute(sql);
     }
     transaction.Commit();
+}
+
+void Database::Compact(const QString& /*fullTextIndex*/, const platform::Progress& /*progress*/) {}
+
+void Database::CopyTo(const QString& /*path*/, const platform::Progress& /*progress*/) {
+    throw StoreError(
+        u"Die Datenbank „%1“ kann nur auf ihrem Server gesichert werden."_s.arg(name_));
+}
+
+void Database::RemoveFullText(const QString& index, qint64 row) {
+    Statement(*this, uR"(DELETE FROM "%1" WHERE rowid = ?)"_s.arg(index)).Bind(1, row).Step();
 }
 
 }  // namespace kadrona::store

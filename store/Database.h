@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/Progress.h"
+
 namespace kadrona::store {
 
 class PreparedStatement;
@@ -88,6 +90,18 @@ class Database {
     virtual qint64 LastNumber(const QString& table, const QString& column) = 0;
     virtual void RaiseLastNumber(const QString& table, const QString& column, qint64 number) = 0;
 
+    /// Gives back what deleted rows have left on the disk and takes their words out of a full-text
+    /// index, in short steps, so that `progress` may show it and end it; where a database does that
+    /// by itself, nothing. Throws StoreError and platform::Cancelled; either way the database is
+    /// sound and the next time goes on.
+    virtual void Compact(const QString& fullTextIndex, const platform::Progress& progress);
+
+    /// Copies the database while it is in use to a file that SqliteDatabase opens, as it is at one
+    /// moment: what is written meanwhile is in the copy or begins it anew. A file of that name is
+    /// replaced. Throws StoreError, also where this kind of database cannot be copied so, and
+    /// platform::Cancelled; no file is left then.
+    virtual void CopyTo(const QString& path, const platform::Progress& progress);
+
  protected:
     explicit Database(QString name) : name_(std::move(name)) {}
 
@@ -106,6 +120,7 @@ class Database {
     /// See FullTextIndex. `words` are those that a row must have, in lower case, at least one.
     virtual QStringList FullTextCreation(const QString& index) const = 0;
     virtual void SetFullText(const QString& index, qint64 row, const QString& text) = 0;
+    virtual void RemoveFullText(const QString& index, qint64 row);
     virtual std::vector<qint64> RowsWith(const QString& index,
                                          const std::vector<QByteArray>& words) = 0;
 

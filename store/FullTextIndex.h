@@ -24,6 +24,9 @@ class FullTextIndex {
     /// Puts a row's text in the place of the one before. Throws StoreError.
     void Set(qint64 row, const QString& text) { database_.SetFullText(name_, row, text); }
 
+    /// Takes a row out. Its words stay in the file until Database::Compact. Throws StoreError.
+    void Remove(qint64 row) { database_.RemoveFullText(name_, row); }
+
     /// The rows in which every word of `text` occurs, as a whole word and whatever its case, in
     /// ascending order; none where the text has no word. Throws StoreError.
     std::vector<qint64> RowsWith(const QString& text) const;

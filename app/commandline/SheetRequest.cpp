@@ -79,17 +79,6 @@ imaging::ByteRange ParseKilobytes(const QString& text) {
     return {range->first * core::BytesPerKilobyte, range->second * core::BytesPerKilobyte};
 }
 
-/// Throws UsageError for what the parser does not know.
-void Parse(QCommandLineParser& parser, const QStringList& arguments) {
-    // The parser drops the first argument, which usually is the program.
-    if (!parser.parse(QStringList(u"kadrona"_s) + arguments)) {
-        const QStringList unknown = parser.unknownOptionNames();
-        throw UsageError(unknown.isEmpty()
-                             ? u"Einer Option fehlt ihr Wert."_s
-                             : u"Die Option „%1“ gibt es nicht."_s.arg(unknown.first()));
-    }
-}
-
 /// What both commands are told: photos, template and its place.
 template <typename Request>
 void ReadCommon(const QCommandLineParser& parser, Request& request) {
@@ -138,6 +127,16 @@ QString LocalPath(const QString& argument) {
     return argument.startsWith(u"file://"_s) ? QUrl(argument).toLocalFile() : argument;
 }
 
+void ParseOptions(QCommandLineParser& parser, const QStringList& arguments) {
+    // The parser drops the first argument, which usually is the program.
+    if (!parser.parse(QStringList(u"kadrona"_s) + arguments)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        throw UsageError(unknown.isEmpty()
+                             ? u"Einer Option fehlt ihr Wert."_s
+                             : u"Die Option „%1“ gibt es nicht."_s.arg(unknown.first()));
+    }
+}
+
 SheetRequest ParseSheetRequest(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.addOptions({{u"template"_s, {}, u"NAME"_s},
@@ -148,7 +147,7 @@ SheetRequest ParseSheetRequest(const QStringList& arguments) {
                        {u"profile"_s, {}, u"NAME"_s},
                        {u"order"_s, {}, u"DATEI"_s}});
     parser.addOptions(PaperOptions());
-    Parse(parser, arguments);
+    ParseOptions(parser, arguments);
     SheetRequest request;
     request.order = parser.value(u"order"_s);
     if (request.order.isEmpty()) {
@@ -173,7 +172,7 @@ PhotoRequest ParsePhotoRequest(const QStringList& arguments) {
                        {u"auto"_s, {}},
                        {u"pixels"_s, {}, u"BREITExHÖHE"_s},
                        {u"kilobytes"_s, {}, u"MIN-MAX"_s}});
-    Parse(parser, arguments);
+    ParseOptions(parser, arguments);
     PhotoRequest request;
     ReadCommon(parser, request);
     request.output = RequiredOutput(parser);
@@ -193,7 +192,7 @@ CheckRequest ParseCheckRequest(const QStringList& arguments) {
                        {u"auto"_s, {}},
                        {u"json"_s, {}},
                        {u"strict"_s, {}}});
-    Parse(parser, arguments);
+    ParseOptions(parser, arguments);
     CheckRequest request;
     ReadCommon(parser, request);
     request.json = parser.isSet(u"json"_s);
@@ -220,6 +219,14 @@ QString CommandLineHelp() {
   kadrona check FOTO... --template NAME [--at LINKS,OBEN,BREITE | --auto]
           [--json] [--strict]
       prüft jedes Foto an den Vorgaben der Schablone, ohne Fenster.
+  kadrona archive backup --out ORDNER [--folder ARCHIV]
+      sichert das Bildarchiv, auch während es benutzt wird.
+  kadrona archive check [--folder ARCHIV]
+      vergleicht Datensätze, Fotos und Prüfsummen und nennt, was nicht stimmt.
+  kadrona archive rebuild [--folder ARCHIV]
+      legt verlorene Datensätze aus den Schlagworten in den Fotos wieder an.
+  kadrona archive export --search TEXT --out ORDNER [--folder ARCHIV]
+      kopiert alles, was die Suche findet, mit seinen Daten (JSON, CSV).
 
 Optionen von „sheet“:
   --template NAME         Schablone, wie sie im Programm heißt
@@ -250,10 +257,16 @@ Optionen von „check“:
   --json                  ein Objekt je Foto, bei mehreren eine Liste
   --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
 
+Optionen von „archive“:
+  --folder ARCHIV         Ordner des Bildarchivs; sonst der der Einstellungen
+  --out ORDNER            Ziel; das einer Sicherung ist leer oder eine ältere
+  --search TEXT           Suche wie im Fenster „Bild Archiv“
+
   --help                  zeigt diese Hilfe
   --version               zeigt die Fassung
 
-Ergebnis: 0 alles erledigt, 1 mindestens ein Foto ging nicht, 2 falscher Aufruf.
+Ergebnis: 0 alles erledigt, 1 mindestens ein Foto ging nicht, 2 falscher Aufruf,
+3 „check --strict“ oder „archive check“ hat etwas gefunden.
 )"_s;
 }
 

@@ -9,6 +9,8 @@
 #include "imaging/writing/SizedJpeg.h"
 #include "platform/Error.h"
 
+class QCommandLineParser;
+
 namespace kadrona::app {
 
 /// The command line says something that makes no sense.
@@ -74,6 +76,9 @@ struct CheckRequest {
     /// Something missed counts for the exit code.
     bool strict = false;
 };
+
+/// Lets the parser read the arguments of a command. Throws UsageError for what it does not know.
+void ParseOptions(QCommandLineParser& parser, const QStringList& arguments);
 
 /// A photo as it was named: a path, or an address as file managers give it ("file:///...").
 QString LocalPath(const QString& argument);

@@ -19,6 +19,7 @@ CardGrid::CardGrid(QWidget* parent)
     setFlow(LeftToRight);
     setWrapping(true);
     setUniformItemSizes(true);
+    setSelectionMode(ExtendedSelection);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -37,13 +38,16 @@ void CardGrid::SetSource(CardSource* source) {
 
 void CardGrid::SetCards(std::vector<qint64> keys, Position position) {
     const auto kept = position == Position::Keep ? Current() : std::nullopt;
+    const int rowBefore = kept ? currentIndex().row() : 0;
     cards_->SetKeys(std::move(keys));
     if (cards_->Keys().empty()) {
         Q_EMIT CurrentChanged();
+        Q_EMIT SelectionChanged();
         return;
     }
     const QModelIndex found = kept ? cards_->IndexOf(*kept) : QModelIndex();
-    setCurrentIndex(found.isValid() ? found : cards_->index(0));
+    setCurrentIndex(found.isValid() ? found
+                                    : cards_->index(std::min(rowBefore, cards_->rowCount() - 1)));
     if (currentIndex().row() == 0) {
         scrollToTop();
     }
@@ -55,6 +59,22 @@ const std::vector<qint64>& CardGrid::Cards() const {
 
 std::optional<qint64> CardGrid::Current() const {
     return currentIndex().isValid() ? std::optional(cards_->KeyOf(currentIndex())) : std::nullopt;
+}
+
+std::vector<qint64> CardGrid::Selected() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            rows.push_back(row);
+        }
+    }
+    std::ranges::sort(rows);
+    std::vector<qint64> keys;
+    keys.reserve(rows.size());
+    for (const int row : rows) {
+        keys.push_back(cards_->Keys()[static_cast<size_t>(row)]);
+    }
+    return keys;
 }
 
 void CardGrid::Reload(qint64 key) {
@@ -80,6 +100,11 @@ QRect CardGrid::CardRectangle(int index) const {
 void CardGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QListView::currentChanged(current, previous);
     Q_EMIT CurrentChanged();
+}
+
+void CardGrid::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QListView::selectionChanged(selected, deselected);
+    Q_EMIT SelectionChanged();
 }
 
 /// The toolkit's own would look for a card at the place where the key leads to: right and left

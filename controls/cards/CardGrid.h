@@ -14,7 +14,8 @@ class CardModel;
 
 /// Any number of cards in rows, of which only the visible ones are read. One card is the current
 /// one as long as there are any; arrows, Home, End and the page keys move it, Return and a double
-/// click open it. The columns are as many as fit and together as wide as the view:
+/// click open it. Further ones are selected with Shift, Ctrl and Ctrl+A, as in any list. The
+/// columns are as many as fit and together as wide as the view:
 ///
 ///     +--------------------------+
 ///     |  [ 0 ]   [ 1 ]   [ 2 ]   |
@@ -36,7 +37,7 @@ class CardGrid : public QListView {
     /// What happens to the current card when other cards are shown.
     enum class Position {
         Start,  ///< the first card becomes current, at the top
-        Keep    ///< the card stays current and visible if it is still among them
+        Keep    ///< the card stays current and visible if it is still among them, else its place
     };
     /// The keys of all cards in the order in which they stand, each only once.
     void SetCards(std::vector<qint64> keys, Position position);
@@ -44,6 +45,10 @@ class CardGrid : public QListView {
 
     /// Key of the current card; nothing when there are no cards.
     std::optional<qint64> Current() const;
+
+    /// Keys of the selected cards in the order in which they stand; the current card is one of them
+    /// unless the user took it out.
+    std::vector<qint64> Selected() const;
 
     /// Reads a card anew when it is visible.
     void Reload(qint64 key);
@@ -66,11 +71,15 @@ class CardGrid : public QListView {
  Q_SIGNALS:
     /// Another card is the current one, or none any more.
     void CurrentChanged();
+    /// Other cards are selected, or none any more.
+    void SelectionChanged();
     /// Double click or Return on a card. The event counts as handled.
     void CardOpened(qint64 key);
 
  protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

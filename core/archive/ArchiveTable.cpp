@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveSchema.h"
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
@@ -58,11 +59,16 @@ qint64 ArchiveTable::Insert(const std::function<bool(qint64 id)>& isTaken) {
     return id;
 }
 
-void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail) {
+void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail,
+                        const std::optional<FiledFiles>& files) {
     store::Transaction transaction(database_);
     store::Statement(database_,
-                     uR"(UPDATE "ImgDB" SET "ImgErstellt" = ?, "ImgName" = ?,
-        "ImgType" = ?, "ImgAblage" = ?, "ImgTags" = ?, "ImgThumb" = ? WHERE "ID" = ?)"_s)
+                     uR"(INSERT INTO "ImgDB" ("ImgErstellt", "ImgName", "ImgType", "ImgAblage",
+        "ImgTags", "ImgThumb", "ID") VALUES (?, ?, ?, ?, ?, ?, ?)
+        ON CONFLICT ("ID") DO UPDATE SET "ImgErstellt" = excluded."ImgErstellt",
+        "ImgName" = excluded."ImgName", "ImgType" = excluded."ImgType",
+        "ImgAblage" = excluded."ImgAblage", "ImgTags" = excluded."ImgTags",
+        "ImgThumb" = excluded."ImgThumb")"_s)
         .Bind(1, record.created.toString(StoredTimeFormat))
         .Bind(2, Cut(record.name, 25))
         .Bind(3, Cut(record.type, 50))
@@ -72,7 +78,32 @@ void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail) {
         .Bind(7, record.id)
         .Step();
     store::FullTextIndex(database_, TagIndexName).Set(record.id, record.tags);
+    if (files) {
+        WriteDigest(record.id, files->photo);
+    }
+    if (files && files->original) {
+        KeepOriginal(database_, record.id, *files->original);
+    }
     transaction.Commit();
+}
+
+void ArchiveTable::SetDigests(const std::vector<std::pair<qint64, FileDigest>>& photos) {
+    store::Transaction transaction(database_);
+    for (const auto& [id, photo] : photos) {
+        WriteDigest(id, photo);
+    }
+    transaction.Commit();
+}
+
+void ArchiveTable::WriteDigest(qint64 id, const FileDigest& photo) {
+    store::Statement(database_,
+                     uR"(INSERT INTO "ImgChecksum" ("ID", "Bytes", "Sha256") VALUES (?, ?, ?)
+        ON CONFLICT ("ID") DO UPDATE SET "Bytes" = excluded."Bytes",
+        "Sha256" = excluded."Sha256")"_s)
+        .Bind(1, id)
+        .Bind(2, photo.bytes)
+        .Bind(3, photo.sha256)
+        .Step();
 }
 
 void ArchiveTable::SetTags(qint64 id, const QString& tags) {

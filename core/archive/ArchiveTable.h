@@ -6,9 +6,11 @@
 #include <QStringList>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/archive/ArchiveListing.h"
+#include "core/archive/FiledFiles.h"
 #include "store/Database.h"
 
 namespace kadrona::core {
@@ -41,7 +43,12 @@ class ArchiveTable {
     qint64 Insert(const std::function<bool(qint64 id)>& isTaken = [](qint64) { return false; });
     /// Sets the fields of the record `record.id` and its thumbnail, a JPEG. What is longer than its
     /// field is cut.
-    void Fill(const ArchiveRecord& record, QByteArrayView thumbnail);
+    /// With what is known of the record's files where that is given. A record that is gone
+    /// meanwhile comes back.
+    void Fill(const ArchiveRecord& record, QByteArrayView thumbnail,
+              const std::optional<FiledFiles>& files = {});
+    /// What is known of the photos' files from now on.
+    void SetDigests(const std::vector<std::pair<qint64, FileDigest>>& photos);
 
     /// The records' numbers, as far as the table's filter lets them through.
     std::vector<qint64> Ids() const;
@@ -72,6 +79,7 @@ class ArchiveTable {
  private:
     /// Inside a transaction.
     void WriteTags(qint64 id, const QString& tags);
+    void WriteDigest(qint64 id, const FileDigest& photo);
     const ArchiveListing& Listing() const;
     std::vector<qint64> Filtered(std::vector<qint64> ids) const;
 

@@ -6,9 +6,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveSchema.h"
+#include "core/archive/ArchiveThumbnail.h"
+#include "core/archive/KeepingSchema.h"
 #include "core/archive/Tags.h"
-#include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
@@ -34,18 +37,30 @@ void AsGeneralError(Operation operation) {
     }
 }
 
-/// A month folder, which is stored with a backslash, as a path below the archive folder.
-QString MonthPath(const QString& archiveFolder, QString monthFolder) {
-    return platform::JoinPath(archiveFolder, monthFolder.replace(u'\\', QDir::separator()));
-}
+/// The original of a photo that is being filed; it goes again unless it is kept.
+class KeptOriginal {
+ public:
+    explicit KeptOriginal(const QString& archiveFolder) : archiveFolder_(archiveFolder) {}
+    KeptOriginal(const KeptOriginal&) = delete;
+    KeptOriginal& operator=(const KeptOriginal&) = delete;
+    ~KeptOriginal() {
+        if (!path_.isEmpty()) {
+            QFile::remove(path_);
+        }
+    }
 
-/// A JPEG 180 pixels high.
-QByteArray Thumbnail(const imaging::Pixels& photo) {
-    constexpr int Height = 180;
-    const qint64 width = (qint64{photo.Width()} * Height + photo.Height() / 2) / photo.Height();
-    const QSize size(static_cast<int>(qMax(width, qint64{1})), Height);
-    return imaging::EncodeJpeg(imaging::Resampled(photo, size));
-}
+    OriginalRecord File(const OriginalToKeep& original, const QString& monthFolder,
+                        const QString& photoName) {
+        OriginalRecord record = FileOriginal(original, archiveFolder_, monthFolder, photoName);
+        path_ = StoredFolderPath(archiveFolder_, StoredPath(record.folder, record.name));
+        return record;
+    }
+    void Keep() { path_.clear(); }
+
+ private:
+    QString archiveFolder_;
+    QString path_;
+};
 
 }  // namespace
 
@@ -159,6 +174,15 @@ ArchiveTable* PhotoArchive::Table() {
     return table_.get();
 }
 
+store::Database& PhotoArchive::Database() {
+    if (Table() == nullptr) {
+        throw platform::Error(
+            u"Das Bildarchiv ist nicht verfügbar, weil seine Datenbank nicht geöffnet werden "
+            u"konnte."_s);
+    }
+    return *database_;
+}
+
 /// The number that names the photo is only known once its record exists. A photo that cannot be
 /// written leaves that record empty, so that no number is ever used again.
 ///
@@ -172,7 +196,7 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
         return Filing::NoDatabase;
     }
     const QString monthFolder = GetMonthDir(names);
-    const QString folder = MonthPath(known.archiveFolder, monthFolder);
+    const QString folder = StoredFolderPath(known.archiveFolder, monthFolder);
     if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
         return Filing::NoFolder;
     }
@@ -181,13 +205,20 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
     currentRecord_ = table->Insert(
         [&](qint64 id) { return !file.Claim(platform::JoinPath(folder, nameOf(id))); });
     write(file.Path());
+    CreateKeeping(*database_);
+    FiledFiles files{.photo = DigestOf(file.Path()).value_or(FileDigest()), .original = {}};
+    KeptOriginal kept(known.archiveFolder);
+    if (known.original) {
+        files.original = kept.File(*known.original, monthFolder, nameOf(currentRecord_));
+    }
     table->Fill({.id = currentRecord_,
                  .name = nameOf(currentRecord_),
                  .type = known.templateName,
                  .created = names.now(),
                  .folder = monthFolder,
                  .tags = known.tags},
-                thumbnail);
+                thumbnail, files);
+    kept.Keep();
     file.Keep();
     return Filing::Done;
 }
@@ -204,7 +235,7 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
         imaging::WriteImageFile(path, photo, image.Resolution(), {{}, image.Iptc()});
     };
     try {
-        return FileAs(known, names_, write, Thumbnail(photo));
+        return FileAs(known, names_, write, ArchiveThumbnail(photo));
     } catch (const store::ConnectionLost&) {
         if (!tagged) {
             setTags();
@@ -215,7 +246,7 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
                 .tags = known.tags,
                 .created = names_.now(),
                 .photo = imaging::EncodeJpeg(photo, image.Resolution(), {{}, image.Iptc()}),
-                .thumbnail = Thumbnail(photo)});
+                .thumbnail = ArchiveThumbnail(photo)});
     return Filing::Waits;
 }
 
@@ -240,17 +271,11 @@ Filing PhotoArchive::FileWaiting(const QString& name) {
     return filing;
 }
 
-bool PhotoArchive::IsInside(const QString& path, const QString& archiveFolder) {
-    const QString root = QDir::cleanPath(DelLastBackslash(archiveFolder));
-    const QString clean = QDir::cleanPath(path);
-    return clean == root || clean.startsWith(platform::JoinPath(root, {}));
-}
-
 QString PhotoArchive::PathOfCurrent(const QString& archiveFolder) {
     ArchiveTable* table = Table();
     const ArchiveRecord record =
         table ? table->Read(currentRecord_).value_or(ArchiveRecord()) : ArchiveRecord();
-    return platform::JoinPath(MonthPath(DelLastBackslash(archiveFolder), record.folder),
+    return platform::JoinPath(StoredFolderPath(DelLastBackslash(archiveFolder), record.folder),
                               record.name);
 }
 

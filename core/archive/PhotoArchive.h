@@ -23,6 +23,8 @@ struct PhotoToFile {
     QString templateName;
     QString tags;  ///< see TagText
     QString objectName;
+    /// Kept beside it where it is given.
+    std::optional<OriginalToKeep> original = {};
 };
 
 /// How the filing of a photo ended. It waits where the server with the database is gone.
@@ -50,11 +52,15 @@ class PhotoArchive {
     /// Opened on first use; null while there is none. Throws store::StoreError where the server
     /// with it is gone.
     ArchiveTable* Table();
+    /// What Table() lies in. Throws platform::Error where there is none.
+    store::Database& Database();
 
     /// Files an image's photo: as a JPEG in the month's folder below the archive's, which is made
     /// where the archive's exists, and as a record, the current one from then on. A file that is
     /// there already is never replaced: its number is left out. Tags and object name go into the
     /// image's IPTC items as SetIptcTags does, and into the file.
+    ///
+    /// An original that cannot be kept counts as a photo that cannot be written.
     ///
     /// Does nothing without the table, or where the month's folder cannot be made. Throws
     /// imaging::WriteError where the photo cannot be written, which leaves an empty record, and
@@ -72,8 +78,6 @@ class PhotoArchive {
     void SetCurrentRecord(qint64 id) { currentRecord_ = id; }
     /// Where the current record's photo should be.
     QString PathOfCurrent(const QString& archiveFolder);
-    /// False for a path that a record's text leads out of the archive.
-    static bool IsInside(const QString& path, const QString& archiveFolder);
 
     /// Lists only the records whose tags hold every word of `text`; all again where it is empty.
     void Filter(const QString& text);

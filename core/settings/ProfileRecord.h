@@ -67,6 +67,7 @@ inline constexpr std::array ProfileRecord{
 inline constexpr std::array ProfileAdditions{
     ProfileEntry::Choice("AlignToFace", 1),
     ProfileEntry::Switch("AskBeforeCut", true),
+    ProfileEntry::Switch("KeepOriginals"),
     ProfileEntry::Switch("OpenNewestPhoto"),
     ProfileEntry::Switch("TagsInSavedFiles", true),
     ProfileEntry::Switch("TagsInUploadFiles"),

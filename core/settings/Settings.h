@@ -77,6 +77,8 @@ class Settings {
     }
     /// Ask before photos are made that miss a published rule.
     bool AskBeforeCut() const { return Checked(EntryOf("AskBeforeCut")); }
+    /// Keep the photo as it was opened beside the archived one.
+    bool KeepOriginals() const { return Checked(EntryOf("KeepOriginals")); }
     /// Open a photo that arrives in the watched folder.
     bool OpenNewestPhoto() const { return Checked(EntryOf("OpenNewestPhoto")); }
     /// Write the archive's tags into files that are saved, and into those for portals.

@@ -52,7 +52,8 @@ QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive, const
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
 /// nothing, a failing archive can be tried again with the same tags, and the sheet is made all the
 /// same.
-void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making) {
+void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making,
+                        const std::optional<OriginalToKeep>& original) {
     const auto lines = making.ui.EditTags();
     if (!lines) {
         return;
@@ -60,7 +61,8 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
     const PhotoToFile photo{.archiveFolder = making.settings.ImageDestinationDir(),
                             .templateName = making.shape.name,
                             .tags = TagText(*lines),
-                            .objectName = lines->value(0)};
+                            .objectName = lines->value(0),
+                            .original = original};
     QString failure;
     do {
         failure = FilingFailure(image, making.archive, photo, making.ui);
@@ -68,6 +70,37 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
              making.ui.AskYesNo(
                  failure +
                  u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s));
+}
+
+/// What was done to a photo, in words.
+QString ChangesOf(const imaging::PhotoEdits& edits) {
+    QStringList changes;
+    for (const auto& [done, word] : {std::pair(edits.tone, u"Helligkeit geändert"_s),
+                                     std::pair(edits.colours, u"Farben geändert"_s),
+                                     std::pair(edits.retouched, u"retuschiert"_s)}) {
+        if (done) {
+            changes.append(word);
+        }
+    }
+    return changes.join(u", "_s);
+}
+
+/// What is kept of the photo that is cut; nothing where the settings do not say so.
+std::optional<OriginalToKeep> OriginalOf(const imaging::LayeredImage& image,
+                                         const SheetMaking& making, const QRect& rectangle) {
+    if (!making.settings.ImageAutoSave() || !making.settings.KeepOriginals()) {
+        return std::nullopt;
+    }
+    OriginalToKeep original{.file = making.openedFile,
+                            .photo = {},
+                            .size = image.Photo().Size(),
+                            .rectangle = rectangle,
+                            .changes = ChangesOf(image.Edits())};
+    if (original.file.isEmpty()) {
+        original.photo = image.Photo();
+        original.changes = u"Stand vor dem Zuschneiden"_s;
+    }
+    return original;
 }
 
 /// The sheet's own resolution, or the one at which a cut that is `width` pixels wide prints at its
@@ -103,12 +136,14 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
         // A place that cannot be remembered must not cost the customer the photos.
         making.ui.ShowMessage(error.Text());
     }
+    const std::optional<OriginalToKeep> original = OriginalOf(image, making, rectangle);
     image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
     image.RemoveLayersAbovePhoto();
-    TilePhoto(image, making, layoutIndex);
+    TilePhoto(image, making, layoutIndex, original);
 }
 
-void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
+void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex,
+               const std::optional<OriginalToKeep>& original) {
     const QSize photo = image.Photo().Size();
     image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
     const QSize bordered = BorderedSize(photo, GridGap(making, image.Resolution()), layoutIndex);
@@ -116,7 +151,7 @@ void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
         image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
     }
     if (making.settings.ImageAutoSave()) {
-        ArchiveSinglePhoto(image, making);
+        ArchiveSinglePhoto(image, making, original);
     }
     if (making.paper.paper) {
         const imaging::DotsPerInch resolution = SheetResolution(making, photo.width());

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+
+#include "core/archive/FiledFiles.h"
 #include "core/sheet/PaperSheet.h"
 #include "core/templates/Template.h"
 #include "imaging/document/LayeredImage.h"
@@ -19,6 +22,8 @@ struct SheetMaking {
     UserInterface& ui;
     int frameSize;  ///< between copies, in pixels
     const PaperChoice& paper;
+    /// The file that the photo was opened from, as long as it is still the same; else empty.
+    QString openedFile = {};
 };
 
 /// From the photo under a template to the sheet: remembers where the template lies, cuts the photo
@@ -28,8 +33,10 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
 
 /// From the cut photo to the sheet: stamps its resolution, adds its border, files it in the archive
 /// where the settings say so, and lays out the copies: as a bare grid, or on the chosen paper,
-/// which has its own gap in place of the border and turns them where more fit.
-void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex);
+/// which has its own gap in place of the border and turns them where more fit. The original goes
+/// into the archive with the photo.
+void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex,
+               const std::optional<OriginalToKeep>& original = {});
 
 /// From a single photo to the sheet: turns it counter-clockwise where RotateBeforeTileImg is on and
 /// repeats it as the layout says. An index beyond the layouts repeats nothing.

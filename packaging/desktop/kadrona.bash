@@ -31,6 +31,7 @@ _kadrona() {
         sheet) options="$common --out --layout --profile --paper --count --gap --edge --marks --dpi --order" ;;
         photo) options="$common --out --pixels --kilobytes" ;;
         check) options="$common --json --strict" ;;
+        archive) options="--folder --out --search" ;;
         *) options="--new-window --open --help --version" ;;
     esac
     case $prev in
@@ -40,14 +41,19 @@ _kadrona() {
         --paper) mapfile -t COMPREPLY < <(compgen -W "10x15 13x18 100x148 A6 A5 A4" -- "$cur") ;;
         --count) mapfile -t COMPREPLY < <(compgen -W "fill" -- "$cur") ;;
         --marks) mapfile -t COMPREPLY < <(compgen -W "none corners lines outline" -- "$cur") ;;
-        --at | --gap | --edge | --dpi | --pixels | --kilobytes | --profile) ;;
+        --folder) _filedir -d ;;
+        --search | --at | --gap | --edge | --dpi | --pixels | --kilobytes | --profile) ;;
         --out | --order) _filedir ;;
         *)
             if [[ $cur == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
                 return
             fi
-            ((cword > 1)) || mapfile -t COMPREPLY < <(compgen -W "sheet photo check" -- "$cur")
+            ((cword > 1)) || mapfile -t COMPREPLY < <(compgen -W "sheet photo check archive" -- "$cur")
+            if [[ ${words[1]} == archive ]]; then
+                mapfile -t COMPREPLY < <(compgen -W "backup check rebuild export" -- "$cur")
+                return
+            fi
             _filedir
             ;;
     esac

@@ -35,6 +35,13 @@ void Harden(sqlite3* handle) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
 }
 
+/// Deleted names must not stay readable in the file, nor the space that they took be lost: a new
+/// file is laid out so that it can be handed back bit by bit. Neither changes an older file.
+void ForgetWhatIsDeleted(sqlite3* handle) {
+    sqlite3_exec(handle, "PRAGMA secure_delete = ON; PRAGMA auto_vacuum = INCREMENTAL", nullptr,
+                 nullptr, nullptr);
+}
+
 /// Sees to it that there is a file, an empty one where there was none. SQLite itself would give it
 /// the permissions that the mask leaves, and would wait at a pipe. Returns why there is none; empty
 /// where there is one.
@@ -84,6 +91,7 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
         WaitUpTo(OpeningPatience);
         Harden(handle);
         sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, LongestValue);
+        ForgetWhatIsDeleted(handle);
         result = RegisterWordTokenizer(handle);
     }
     if (result == SQLITE_OK) {

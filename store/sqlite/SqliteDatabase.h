@@ -29,6 +29,10 @@ class SqliteDatabase : public Database {
     QStringList Supplements(const ListedTable& table) const override;
     qint64 LastNumber(const QString& table, const QString& column) override;
     void RaiseLastNumber(const QString& table, const QString& column, qint64 number) override;
+    /// A file that was made without the room for this is written anew once, which takes its size
+    /// again on the disk.
+    void Compact(const QString& fullTextIndex, const platform::Progress& progress) override;
+    void CopyTo(const QString& path, const platform::Progress& progress) override;
 
  private:
     struct Closer {

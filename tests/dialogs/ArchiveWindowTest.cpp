@@ -1,4 +1,5 @@
 #include <QElapsedTimer>
+#include <QTreeWidget>
 
 #include "controls/cards/CardGrid.h"
 #include "controls/fields/FindPanel.h"
@@ -182,6 +183,64 @@ TEST_F(ArchiveWindow, WhatIsGoneOrLockedIsSaidAtOnceAndHarmsNothing) {
         shown.grab();
         shown.close();
     });
+}
+
+TEST_F(ArchiveWindow, DeletesTheSelectedPhotosAfterAQuestionThatNamesThem) {
+    const QString folder = installation.Path("archive");
+    QDir().mkpath(folder);
+    for (const char* name : {"Anna", "Bea", "Cora", "Dora"}) {
+        AddRecord(QString::fromLatin1(name) + u"\r\n"_s);
+    }
+    data.Archive()->Insert();
+    const auto press = [&](const QStringList& question, const QString& button) {
+        driver.Answer(question, button);
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        QTest::keyClick(&Grid(), Qt::Key_Delete);
+    };
+    Show(
+        [&](QWidget& shown) {
+            EXPECT_EQ(Hits(), u"4 Bilder, 1 leerer Datensatz"_s);
+            Grid().setFocus();
+            QTest::keyClick(&Grid(), Qt::Key_Right);
+            QTest::keyClick(&Grid(), Qt::Key_Right, Qt::ShiftModifier);
+            press({u"diese 2 Bilder"_s, u"2026_03_00003.jpg · Cora\n"_s, u"Bea"_s}, u"NoButton"_s);
+            EXPECT_EQ(Grid().Cards().size(), 4U);
+            press({u"nicht zu finden ist: 2"_s}, u"YesButton"_s);
+            EXPECT_THAT(Grid().Cards(), ElementsAre(4, 1));
+            EXPECT_EQ(Grid().Current(), 1) << "its place";
+            driver.Answer(u"leer"_s, u"YesButton"_s);
+            Action("acDeleteBlank").trigger();
+            EXPECT_EQ(Hits(), u"2 Bilder"_s);
+            EXPECT_FALSE(Action("acDeleteBlank").isEnabled());
+            shown.close();
+        },
+        folder);
+    EXPECT_EQ(data.Archive()->Ids(), (std::vector<qint64>{4, 1}));
+}
+
+TEST_F(ArchiveWindow, ACheckSaysWhatIsWrongAndWhatCanBeDone) {
+    const QString folder = installation.Path("archive");
+    installation.Write("archive/Notiz.txt", "of the user");
+    AddRecord(u"Anna\r\n"_s);
+    Show(
+        [&](QWidget& shown) {
+            driver.Expect(u"ArchiveCheckDialog"_s, [&](QWidget& check) {
+                auto& findings = Child<QTreeWidget>(check, "Findings");
+                EXPECT_EQ(Items(findings),
+                          u"Die Datei fehlt (1)|Die Datei gehört nicht zum Archiv (1)"_s);
+                EXPECT_TRUE(Child<QLabel>(check, "Advice").text().contains(u"Sicherung"));
+                driver.Answer(u"Anna"_s, u"YesButton"_s);
+                ClickButton(check, "btnRemedy");
+                EXPECT_EQ(Items(findings), u"Die Datei gehört nicht zum Archiv (1)"_s);
+                EXPECT_FALSE(Child<QPushButton>(check, "btnRemedy").isVisible());
+                check.close();
+            });
+            Action("acCheck").trigger();
+            EXPECT_THAT(Grid().Cards(), IsEmpty());
+            shown.close();
+        },
+        folder);
 }
 
 TEST_F(ArchiveWindow, RemembersItsSize) {

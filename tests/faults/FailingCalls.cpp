@@ -100,6 +100,8 @@ KADRONA_FAILING(int, rename, to, (const char* from, const char* to), (from, to))
 KADRONA_FAILING(int, linkat, to,
                 (int fromFolder, const char* from, int toFolder, const char* to, int flags),
                 (fromFolder, from, toFolder, to, flags))
+KADRONA_FAILING(int, unlink, path, (const char* path), (path))
+KADRONA_FAILING(int, rmdir, path, (const char* path), (path))
 KADRONA_FAILING(int, mkdir, path, (const char* path, mode_t mode), (path, mode))
 KADRONA_FAILING(int, stat, path, (const char* path, Opaque status), (path, status))
 KADRONA_FAILING(int, stat64, path, (const char* path, Opaque status), (path, status))

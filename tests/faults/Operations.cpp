@@ -16,7 +16,10 @@
 
 #include "controls/messages/ActionGuard.h"
 #include "core/Data.h"
+#include "core/archive/ArchiveBackup.h"
+#include "core/archive/ArchiveDeletion.h"
 #include "core/archive/ArchiveTable.h"
+#include "core/archive/KeepingSchema.h"
 #include "core/sheet/SheetTray.h"
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/ImageTags.h"
@@ -86,7 +89,7 @@ class BoundFile : public core::ProfileStore {
 };
 
 void MakeFolders(const QString& folder) {
-    for (const char* name : {"program/Schablonen", "archive", "saved", "common"}) {
+    for (const char* name : {"program/Schablonen", "archive", "saved", "common", "backup"}) {
         QDir().mkpath(folder + u'/' + QLatin1StringView(name));
     }
 }
@@ -230,6 +233,21 @@ void ChangeTagsInArchiveWindow(Module& module) {
     controls::Guarded(nullptr, [&] { window.ShowEx(module.archive); });
 }
 
+void DeletePhoto(Module& module) {
+    const core::Deletion deletion =
+        core::DeleteRecords(module.data.ArchiveDatabase(), module.archive, {1},
+                            module.data.NameSources().now(), platform::NoProgress);
+    module.ui.messages += deletion.failures;
+    core::CompactArchive(module.data.ArchiveDatabase(), platform::NoProgress);
+}
+
+void BackUp(Module& module) {
+    const core::Backup backup =
+        core::BackUpArchive(module.data.ArchiveDatabase(), module.archive,
+                            module.folder + u"/backup"_s, platform::NoProgress);
+    module.ui.messages += backup.failures;
+}
+
 void NewProfile(Module& module) {
     BoundFile bound;
     module.data.SaveNewProfile(u"Neu"_s, bound);
@@ -249,6 +267,8 @@ std::vector<Operation> AllOperations() {
     const std::initializer_list<std::pair<const char*, Step>> steps{
         {"archiving", Archive},
         {"tags", [](Module& module) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); }},
+        {"delete-photo", DeletePhoto},
+        {"backup", BackUp},
         {"tags-in-photo",
          [](Module& module) {
              const QString photo = module.archive + u"/2026/03/2026_03_00001.jpg"_s;
@@ -323,6 +343,11 @@ QString ArchiveFault(const QString& folder) {
         photos.append(QFileInfo(files.next()).fileName());
     }
     photos.sort();
+    if (core::HasKeeping(database)) {  // what a deletion could not remove is noted
+        for (const QString& path : Column(database, uR"(SELECT "Path" FROM "ImgRemoval")"_s)) {
+            photos.removeAll(path.section(u'\\', -1));
+        }
+    }
     return photos == recorded
                ? QString()
                : u"records: %1; photos: %2"_s.arg(recorded.join(u' '), photos.join(u' '));

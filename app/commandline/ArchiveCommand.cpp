@@ -1,0 +1,163 @@
+#include "app/commandline/ArchiveCommand.h"
+
+#include <QCommandLineParser>
+#include <array>
+
+#include "app/commandline/CommandSetup.h"
+#include "app/commandline/TerminalText.h"
+#include "core/archive/ArchiveBackup.h"
+#include "core/archive/ArchiveCheck.h"
+#include "core/archive/ArchiveExport.h"
+#include "core/archive/ArchiveRebuild.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+using Task = ArchiveRequest::Task;
+
+constexpr std::array Tasks{std::pair(QLatin1StringView("backup"), Task::BackUp),
+                           std::pair(QLatin1StringView("check"), Task::Check),
+                           std::pair(QLatin1StringView("rebuild"), Task::Rebuild),
+                           std::pair(QLatin1StringView("export"), Task::Export)};
+
+/// A line for each thing that is begun.
+platform::Progress Lines(QTextStream& output) {
+    return [&output, last = QString()](const QString& what, qint64, qint64) mutable {
+        if (what != last) {
+            output << what << Qt::endl;
+            last = what;
+        }
+    };
+}
+
+int Result(const QStringList& failures, QTextStream& errors) {
+    for (const QString& failure : failures) {
+        errors << HarmlessText(failure) << Qt::endl;
+    }
+    return failures.isEmpty() ? Done : SomePhotoFailed;
+}
+
+int BackUp(const ArchiveRequest& request, core::TData& data, QTextStream& output,
+           QTextStream& errors) {
+    const core::Backup backup =
+        core::BackUpArchive(data.ArchiveDatabase(), request.folder, request.output, Lines(output));
+    output << u"Gesichert: %1 neu, %2 unverändert, %3 in der Sicherung gelöscht."_s
+                  .arg(backup.copied)
+                  .arg(backup.unchanged)
+                  .arg(backup.removed)
+           << Qt::endl;
+    return Result(backup.failures, errors);
+}
+
+int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output) {
+    const core::ArchiveReport report =
+        core::CheckArchive(data.ArchiveDatabase(), request.folder, Lines(output));
+    for (const core::ArchiveFinding& finding : report.findings) {
+        const QString number = finding.id > 0 ? u" (Datensatz %1)"_s.arg(finding.id) : QString();
+        output << HarmlessText(
+                      u"%1%2: %3"_s.arg(core::TextOf(finding.fault).heading, number, finding.path))
+               << Qt::endl;
+    }
+    output << u"%1 Datensätze, %2 Dateien unverändert, %3 neu aufgenommen, %4 Befunde."_s
+                  .arg(report.records)
+                  .arg(report.sound)
+                  .arg(report.adopted)
+                  .arg(report.findings.size())
+           << Qt::endl;
+    return report.findings.empty() ? Done : SomethingFound;
+}
+
+int Rebuild(const ArchiveRequest& request, core::TData& data, QTextStream& output,
+            QTextStream& errors) {
+    const platform::Progress progress = Lines(output);
+    const core::ArchiveReport report =
+        core::CheckArchive(data.ArchiveDatabase(), request.folder, progress);
+    const core::Rebuilding rebuilding = core::RebuildRecords(
+        data.ArchiveDatabase(), report.Paths(core::ArchiveFault::Lost), progress);
+    output << u"Wiederhergestellte Datensätze: %1."_s.arg(rebuilding.rebuilt) << Qt::endl;
+    return Result(rebuilding.failures, errors);
+}
+
+int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& output,
+                QTextStream& errors) {
+    store::Database& database = data.ArchiveDatabase();
+    const std::vector<qint64> ids = data.Archive()->Find(request.search);
+    if (ids.empty()) {
+        errors << HarmlessText(u"„%1“ findet kein Bild."_s.arg(request.search)) << Qt::endl;
+        return SomePhotoFailed;
+    }
+    const core::Export result = core::ExportRecords(database, request.folder, ids, request.output,
+                                                    u"Export "_s + request.search, Lines(output));
+    output << HarmlessText(u"%1 Bilder in „%2“."_s.arg(result.records).arg(result.folder))
+           << Qt::endl;
+    return Result(result.failures, errors);
+}
+
+}  // namespace
+
+ArchiveRequest ParseArchiveRequest(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOptions({{u"folder"_s, {}, u"ORDNER"_s},
+                       {u"out"_s, {}, u"ORDNER"_s},
+                       {u"search"_s, {}, u"TEXT"_s}});
+    ParseOptions(parser, arguments);
+    const QStringList words = parser.positionalArguments();
+    const auto* const task = std::ranges::find_if(
+        Tasks, [&](const auto& known) { return words == QStringList(known.first); });
+    if (task == Tasks.end()) {
+        throw UsageError(u"„archive“ erwartet genau eines von backup, check, rebuild, export."_s);
+    }
+    ArchiveRequest request{.task = task->second,
+                           .folder = parser.value(u"folder"_s),
+                           .output = parser.value(u"out"_s),
+                           .search = parser.value(u"search"_s)};
+    const bool writes = request.task == Task::BackUp || request.task == Task::Export;
+    if (writes == request.output.isEmpty()) {
+        throw UsageError(writes ? u"Es ist kein Ziel angegeben (--out ORDNER)."_s
+                                : u"--out gehört nur zu „backup“ und „export“."_s);
+    }
+    // A whole archive is not exported by a forgotten word.
+    if ((request.task == Task::Export) == request.search.trimmed().isEmpty()) {
+        throw UsageError(request.task == Task::Export
+                             ? u"Es ist kein Suchbegriff angegeben (--search TEXT)."_s
+                             : u"--search gehört nur zu „export“."_s);
+    }
+    return request;
+}
+
+int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& output,
+                QTextStream& errors) {
+    ArchiveRequest known = request;
+    if (known.folder.isEmpty()) {
+        known.folder = core::TData::GetArchivPath();
+    }
+    if (known.folder.isEmpty()) {
+        throw UsageError(
+            u"In den Einstellungen ist kein Ordner des Bildarchivs angegeben; nennen Sie ihn mit "
+            u"--folder."_s);
+    }
+    switch (known.task) {
+        case Task::BackUp:
+            return BackUp(known, data, output, errors);
+        case Task::Check:
+            return Check(known, data, output);
+        case Task::Rebuild:
+            return Rebuild(known, data, output, errors);
+        case Task::Export:
+            return ExportFound(known, data, output, errors);
+    }
+    return WrongUsage;
+}
+
+int RunArchiveCommand(const QStringList& arguments, QTextStream& output, QTextStream& errors) {
+    return RunCommand(errors, [&] {
+        const auto request = ParseArchiveRequest(arguments);
+        return WithData(
+            errors, [&](core::TData& data) { return KeepArchive(request, data, output, errors); });
+    });
+}
+
+}  // namespace kadrona::app

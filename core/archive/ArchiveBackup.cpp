@@ -1,0 +1,184 @@
+#include "core/archive/ArchiveBackup.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QScopeGuard>
+#include <QSet>
+#include <cerrno>
+#include <cstdio>
+
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/KeepingSchema.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+#include "platform/SystemReason.h"
+#include "store/Statement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+const QString CopiedDatabase = u"KDRImageBase.db"_s;
+/// What the copy is called until all files are there.
+const QString WaitingDatabase = u"KDRImageBase.neu.db"_s;
+
+/// Throws where a backup there would be mixed with other files, or copy itself.
+void RequireTarget(const QString& archiveFolder, const QString& target) {
+    const QFileInfo folder(target);
+    if (!folder.isDir()) {
+        throw platform::FileError(
+            u"Der Ordner „%1“ für die Sicherung ist nicht erreichbar."_s.arg(target));
+    }
+    const QString from = QFileInfo(archiveFolder).canonicalFilePath();
+    const QString to = folder.canonicalFilePath();
+    if (IsInsideArchive(to, from) || IsInsideArchive(from, to)) {
+        throw platform::FileError(
+            u"Die Sicherung braucht einen Ordner außerhalb des Archivs; „%1“ liegt darin oder "
+            u"darum."_s.arg(target));
+    }
+    const QDir content(target);
+    if (!content.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot) &&
+        !content.exists(CopiedDatabase) && !content.exists(BackupFiles)) {
+        throw platform::FileError(
+            u"Im Ordner „%1“ liegen andere Dateien. Wählen Sie einen leeren Ordner oder den der "
+            u"letzten Sicherung."_s.arg(target));
+    }
+}
+
+/// The checksums of the database by their files' paths.
+QHash<QString, FileDigest> KnownDigests(store::Database& database, const QString& archiveFolder) {
+    QHash<QString, FileDigest> digests;
+    for (const QString& query :
+         {uR"(SELECT p."ImgAblage", p."ImgName", c."Bytes", c."Sha256"
+              FROM "ImgDB" p JOIN "ImgChecksum" c ON c."ID" = p."ID")"_s,
+          uR"(SELECT "Folder", "Name", "Bytes", "Sha256" FROM "ImgOriginal")"_s}) {
+        store::Statement select(database, query);
+        while (select.Step()) {
+            digests.insert(QDir::cleanPath(StoredFolderPath(
+                               archiveFolder, StoredPath(select.Text(0), select.Text(1)))),
+                           {select.Integer(2), select.Text(3)});
+        }
+    }
+    return digests;
+}
+
+class BackupRun {
+ public:
+    BackupRun(store::Database& database, const QString& archiveFolder, const QString& target,
+              const platform::Progress& progress)
+        : database_(database),
+          from_(QDir::cleanPath(archiveFolder)),
+          target_(target),
+          to_(platform::JoinPath(target, QString(BackupFiles))),
+          progress_(progress) {}
+
+    Backup Run() {
+        const QString waiting = platform::JoinPath(target_, WaitingDatabase);
+        const auto clean = qScopeGuard([&] { QFile::remove(waiting); });
+        database_.CopyTo(waiting, progress_);
+        CopyFiles();
+        RemoveDeleted();
+        const QString final = platform::JoinPath(target_, CopiedDatabase);
+        if (rename(QFile::encodeName(waiting).constData(), QFile::encodeName(final).constData()) !=
+            0) {
+            throw platform::FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
+                final, platform::SystemReason(errno)));
+        }
+        return std::move(backup_);
+    }
+
+ private:
+    void CopyFiles() {
+        const QHash<QString, FileDigest> digests = KnownDigests(database_, from_);
+        QStringList paths;
+        QDirIterator files(from_, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            paths.append(QDir::cleanPath(files.next()));
+            progress_(u"Der Ordner des Archivs wird durchgesehen …"_s, 0, 0);
+        }
+        qint64 done = 0;
+        for (const QString& path : paths) {
+            progress_(u"Die Fotos werden gesichert …"_s, done++, paths.size());
+            try {
+                CopyWhereNeeded(path, digests);
+            } catch (const platform::FileError& error) {
+                backup_.failures.append(error.Text());
+            }
+        }
+    }
+
+    void CopyWhereNeeded(const QString& path, const QHash<QString, FileDigest>& digests) {
+        const QString copy = platform::JoinPath(to_, QDir(from_).relativeFilePath(path));
+        const auto present = DigestOf(path);
+        if (!present) {
+            return;  // deleted meanwhile
+        }
+        const bool sameSize = QFileInfo(copy).size() == present->bytes;
+        const auto known = digests.constFind(path);
+        const bool damaged = known != digests.constEnd() && *known != *present;
+        const auto kept = sameSize || damaged ? DigestOf(copy) : std::nullopt;
+        if (kept == present) {
+            ++backup_.unchanged;
+        } else if (damaged && kept == *known) {
+            backup_.failures.append(
+                u"Die Datei „%1“ ist beschädigt; die Sicherung behält die gute Fassung."_s.arg(
+                    path));
+        } else if (!platform::CreateFolder(QFileInfo(copy).path())) {
+            throw platform::FileError(
+                u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(QFileInfo(copy).path()));
+        } else {
+            CopyArchiveFile(path, copy);
+            ++backup_.copied;
+        }
+    }
+
+    /// By the numbers in the names that the archive has given to the files of the backup.
+    void RemoveDeleted() {
+        store::Statement deleted(database_, uR"(SELECT "ID" FROM "ImgDeleted")"_s);
+        QSet<qint64> numbers;
+        while (deleted.Step()) {
+            numbers.insert(deleted.Integer(0));
+        }
+        if (numbers.isEmpty()) {
+            return;
+        }
+        QDirIterator files(to_, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        QStringList gone;
+        while (files.hasNext()) {
+            const QString path = files.next();
+            const QString original = platform::JoinPath(from_, QDir(to_).relativeFilePath(path));
+            if (numbers.contains(NumberInName(path)) && !QFileInfo::exists(original)) {
+                gone.append(path);
+            }
+        }
+        for (const QString& path : gone) {
+            RemoveArchiveFile(path, to_);
+            ++backup_.removed;
+        }
+    }
+
+    store::Database& database_;
+    QString from_;
+    QString target_;
+    QString to_;
+    const platform::Progress& progress_;
+    Backup backup_;
+};
+
+}  // namespace
+
+Backup BackUpArchive(store::Database& database, const QString& archiveFolder, const QString& target,
+                     const platform::Progress& progress) {
+    RequireArchiveFolder(archiveFolder);
+    RequireTarget(archiveFolder, target);
+    CreateKeeping(database);
+    return BackupRun(database, archiveFolder, target, progress).Run();
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,273 @@
+#include "core/archive/ArchiveCheck.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
+#include <QSet>
+#include <algorithm>
+
+#include "core/archive/ArchiveDeletion.h"
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/KeepingSchema.h"
+#include "platform/Error.h"
+#include "store/Statement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+/// A file that the database knows.
+struct KnownFile {
+    qint64 id = 0;
+    QString path;
+    /// Nothing where none was kept.
+    std::optional<FileDigest> digest;
+    bool isOriginal = false;
+};
+
+std::vector<KnownFile> FilesOf(store::Database& database, const QString& archiveFolder,
+                               const QString& query, bool areOriginals) {
+    std::vector<KnownFile> files;
+    store::Statement select(database, query);
+    while (select.Step()) {
+        KnownFile& file = files.emplace_back();
+        file.id = select.Integer(0);
+        file.path = QDir::cleanPath(
+            StoredFolderPath(archiveFolder, StoredPath(select.Text(1), select.Text(2))));
+        if (!select.IsNull(4)) {
+            file.digest = FileDigest{select.Integer(3), select.Text(4)};
+        }
+        file.isOriginal = areOriginals;
+    }
+    return files;
+}
+
+std::vector<KnownFile> KnownFiles(store::Database& database, const QString& archiveFolder) {
+    std::vector<KnownFile> files =
+        FilesOf(database, archiveFolder,
+                uR"(SELECT p."ID", p."ImgAblage", p."ImgName", c."Bytes", c."Sha256"
+                    FROM "ImgDB" p LEFT JOIN "ImgChecksum" c ON c."ID" = p."ID"
+                    WHERE p."ImgName" IS NOT NULL ORDER BY p."ID")"_s,
+                false);
+    const std::vector<KnownFile> originals =
+        FilesOf(database, archiveFolder,
+                uR"(SELECT "ID", "Folder", "Name", "Bytes", "Sha256" FROM "ImgOriginal"
+                    ORDER BY "ID")"_s,
+                true);
+    files.insert(files.end(), originals.begin(), originals.end());
+    return files;
+}
+
+/// Below the archive's folder.
+bool IsPhotoPath(const QString& path) {
+    static const QRegularExpression form(
+        u"^[0-9]{4}/[0-9]{2}/[0-9]{4}_[0-9]{2}_[0-9]{5,18}\\.jpg$"_s);
+    return form.match(path).hasMatch();
+}
+
+class Check {
+ public:
+    Check(store::Database& database, const QString& archiveFolder,
+          const platform::Progress& progress)
+        : database_(database), folder_(archiveFolder), table_(database), progress_(progress) {}
+
+    ArchiveReport Run() {
+        for (const qint64 id : BlankRecords(database_)) {
+            report_.findings.push_back({ArchiveFault::Blank, id, {}});
+        }
+        const std::vector<KnownFile> files = KnownFiles(database_, folder_);
+        qint64 done = 0;
+        for (const KnownFile& file : files) {
+            progress_(u"Die Fotos werden geprüft …"_s, done++, static_cast<qint64>(files.size()));
+            Look(file);
+            known_.insert(file.path);
+        }
+        KeepAdopted();
+        report_.records = static_cast<qint64>(table_.Ids().size());
+        FindStrangers();
+        return std::move(report_);
+    }
+
+ private:
+    void Note(ArchiveFault fault, const KnownFile& file) {
+        report_.findings.push_back({fault, file.id, file.path});
+    }
+
+    void Look(const KnownFile& file) {
+        if (!IsInsideArchive(file.path, folder_)) {
+            return Note(ArchiveFault::Outside, file);
+        }
+        try {
+            const auto digest = DigestOf(file.path);
+            if (!digest) {
+                // Another program may have deleted it meanwhile.
+                return table_.Read(file.id) ? Note(ArchiveFault::Missing, file) : void();
+            }
+            if (!file.digest) {
+                Adopt(file.id, *digest);
+            } else if (*digest == *file.digest) {
+                ++report_.sound;
+            } else {
+                Note(ArchiveFault::Changed, file);
+            }
+        } catch (const platform::FileError&) {
+            Note(ArchiveFault::Unreadable, file);
+        }
+    }
+
+    /// Many at once, for each transaction waits for the disk.
+    void Adopt(qint64 id, const FileDigest& digest) {
+        constexpr size_t AtOnce = 500;
+        adopted_.emplace_back(id, digest);
+        ++report_.adopted;
+        if (adopted_.size() >= AtOnce) {
+            KeepAdopted();
+        }
+    }
+
+    void KeepAdopted() {
+        if (!adopted_.empty()) {
+            table_.SetDigests(adopted_);
+            adopted_.clear();
+        }
+    }
+
+    void FindStrangers() {
+        QDirIterator files(folder_, QDir::Files | QDir::System | QDir::Hidden,
+                           QDirIterator::Subdirectories);
+        qint64 seen = 0;
+        while (files.hasNext()) {
+            const QString path = QDir::cleanPath(files.next());
+            progress_(u"Der Ordner des Archivs wird durchgesehen …"_s, seen++, 0);
+            if (!known_.contains(path)) {
+                NoteStranger(path);
+            }
+        }
+    }
+
+    /// What was filed since the records were read is none.
+    void NoteStranger(const QString& path) {
+        const qint64 number = NumberInName(path);
+        const auto record = number > 0 ? table_.Read(number) : std::nullopt;
+        if (record && path.endsWith(record->name) && !record->name.isEmpty()) {
+            return;
+        }
+        const bool isPhoto = IsPhotoPath(QDir(folder_).relativeFilePath(path));
+        const bool isDeleted = number > 0 && !record && WasDeleted(number);
+        report_.findings.push_back({isDeleted ? ArchiveFault::Undeleted
+                                    : isPhoto ? ArchiveFault::Lost
+                                              : ArchiveFault::Unknown,
+                                    isDeleted ? number : 0, path});
+    }
+
+    bool WasDeleted(qint64 number) {
+        store::Statement deleted(database_, uR"(SELECT "ID" FROM "ImgDeleted" WHERE "ID" = ?)"_s);
+        return deleted.Bind(1, number).Step();
+    }
+
+    store::Database& database_;
+    const QString& folder_;
+    ArchiveTable table_;
+    const platform::Progress& progress_;
+    QSet<QString> known_;
+    std::vector<std::pair<qint64, FileDigest>> adopted_;
+    ArchiveReport report_;
+};
+
+}  // namespace
+
+bool ArchiveReport::Has(ArchiveFault fault) const {
+    return std::ranges::any_of(
+        findings, [=](const ArchiveFinding& finding) { return finding.fault == fault; });
+}
+
+std::vector<qint64> ArchiveReport::Ids(ArchiveFault fault) const {
+    std::vector<qint64> ids;
+    for (const ArchiveFinding& finding : findings) {
+        if (finding.fault == fault && finding.id > 0) {
+            ids.push_back(finding.id);
+        }
+    }
+    return ids;
+}
+
+QStringList ArchiveReport::Paths(ArchiveFault fault) const {
+    QStringList paths;
+    for (const ArchiveFinding& finding : findings) {
+        if (finding.fault == fault) {
+            paths.append(finding.path);
+        }
+    }
+    return paths;
+}
+
+ArchiveFaultText TextOf(ArchiveFault fault) {
+    switch (fault) {
+        case ArchiveFault::Missing:
+            return {u"Die Datei fehlt"_s,
+                    u"Holen Sie sie aus einer Sicherung zurück, oder löschen Sie das Bild im "
+                    u"Archiv."_s};
+        case ArchiveFault::Changed:
+            return {u"Die Datei ist nicht mehr, wie sie geschrieben wurde"_s,
+                    u"Ist sie beschädigt, holen Sie sie aus einer Sicherung zurück. Haben Sie sie "
+                    u"selbst geändert, übernehmen Sie sie so."_s};
+        case ArchiveFault::Unreadable:
+            return {u"Die Datei kann nicht gelesen werden"_s,
+                    u"Prüfen Sie Rechte und Datenträger, oder holen Sie sie aus einer Sicherung "
+                    u"zurück."_s};
+        case ArchiveFault::Outside:
+            return {u"Der Datensatz führt aus dem Archiv hinaus"_s,
+                    u"Das Programm hat ihn nicht so geschrieben; die Datei wird nie benutzt."_s};
+        case ArchiveFault::Lost:
+            return {u"Ein Foto des Archivs hat keinen Datensatz"_s,
+                    u"Er kann aus den Schlagworten im Foto wiederhergestellt werden."_s};
+        case ArchiveFault::Unknown:
+            return {u"Die Datei gehört nicht zum Archiv"_s,
+                    u"Sie bleibt, wo sie ist, und wird mitgesichert."_s};
+        case ArchiveFault::Undeleted:
+            return {u"Die Datei gehört zu einem gelöschten Bild"_s,
+                    u"Sie konnte damals nicht entfernt werden, oder eine Sicherung brachte sie "
+                    u"zurück. Löschen Sie sie."_s};
+        case ArchiveFault::Blank:
+            return {u"Der Datensatz ist leer"_s,
+                    u"Das Foto konnte damals nicht geschrieben werden. Der Datensatz kann weg."_s};
+    }
+    return {};
+}
+
+ArchiveReport CheckArchive(store::Database& database, const QString& archiveFolder,
+                           const platform::Progress& progress) {
+    RequireArchiveFolder(archiveFolder);
+    CreateKeeping(database);
+    FinishDeletion(database, archiveFolder);
+    return Check(database, archiveFolder, progress).Run();
+}
+
+void AdoptChanged(store::Database& database, const QString& archiveFolder,
+                  const ArchiveReport& report, const platform::Progress& progress) {
+    const QString originals = QDir::cleanPath(StoredFolderPath(archiveFolder, OriginalsFolder));
+    qint64 done = 0;
+    for (const ArchiveFinding& finding : report.findings) {
+        progress(u"Prüfsummen werden übernommen …"_s, done++,
+                 static_cast<qint64>(report.findings.size()));
+        const auto digest =
+            finding.fault == ArchiveFault::Changed ? DigestOf(finding.path) : std::nullopt;
+        if (!digest) {
+            continue;
+        }
+        if (!IsInsideArchive(finding.path, originals)) {
+            ArchiveTable(database).SetDigests({{finding.id, *digest}});
+            continue;
+        }
+        store::Statement(database,
+                         uR"(UPDATE "ImgOriginal" SET "Bytes" = ?, "Sha256" = ? WHERE "ID" = ?)"_s)
+            .Bind(1, digest->bytes)
+            .Bind(2, digest->sha256)
+            .Bind(3, finding.id)
+            .Step();
+    }
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,144 @@
+#include "core/archive/ArchiveExport.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <optional>
+
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
+#include "core/archive/KeepingSchema.h"
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+/// A folder that did not exist, with a number behind its name where one of that name did.
+QString NewFolder(const QString& target, const QString& title) {
+    constexpr int MostTries = 1000;
+    if (!QFileInfo(target).isDir()) {
+        throw platform::FileError(u"Der Ordner „%1“ ist nicht erreichbar."_s.arg(target));
+    }
+    for (int number = 1; number < MostTries; ++number) {
+        const QString name = number == 1 ? title : u"%1 (%2)"_s.arg(title).arg(number);
+        const QString path = platform::JoinPath(target, name);
+        if (!QFileInfo::exists(path)) {
+            if (!platform::CreateFolder(path)) {
+                throw platform::FileError(
+                    u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(path));
+            }
+            return path;
+        }
+    }
+    throw platform::FileError(
+        u"Im Ordner „%1“ ist für „%2“ kein Name mehr frei."_s.arg(target, title));
+}
+
+QStringList TagLines(const QString& tags) {
+    QStringList lines;
+    for (const QString& line : tags.split(u'\n', Qt::SkipEmptyParts)) {
+        lines.append(line.trimmed());
+    }
+    return lines;
+}
+
+class ExportRun {
+ public:
+    ExportRun(store::Database& database, const QString& archiveFolder, QString folder)
+        : database_(database), table_(database), archiveFolder_(archiveFolder) {
+        export_.folder = std::move(folder);
+        csv_ = QString(QChar::ByteOrderMark) +
+               u"Nummer;Datum;Foto;Original;Schablone;Schlagworte\r\n"_s;
+    }
+
+    void Add(qint64 id) {
+        const auto record = table_.Read(id);
+        if (!record) {
+            return;
+        }
+        ++export_.records;
+        const QString photo = Copied(record->folder, record->name, SafeFileName(record->name));
+        const auto original = HasKeeping(database_) ? ReadOriginal(database_, id) : std::nullopt;
+        const QString kept = original ? Copied(original->folder, original->name,
+                                               u"Original_"_s + SafeFileName(original->name))
+                                      : QString();
+        const QStringList tags = TagLines(record->tags);
+        list_.append(QJsonObject{{u"number"_s, id},
+                                 {u"created"_s, record->created.toString(Qt::ISODate)},
+                                 {u"photo"_s, photo},
+                                 {u"original"_s, kept},
+                                 {u"template"_s, record->type},
+                                 {u"tags"_s, QJsonArray::fromStringList(tags)},
+                                 {u"changes"_s, original ? original->changes : QString()}});
+        QStringList cells{QString::number(id), ShownTime(record->created), photo, kept,
+                          record->type,        tags.join(u", "_s)};
+        for (QString& cell : cells) {
+            cell = CsvCell(cell);
+        }
+        csv_ += cells.join(u';') + u"\r\n"_s;
+    }
+
+    Export Finish() {
+        platform::WriteFileAtomically(platform::JoinPath(export_.folder, u"Daten.json"_s),
+                                      QJsonDocument(list_).toJson());
+        platform::WriteFileAtomically(platform::JoinPath(export_.folder, u"Daten.csv"_s),
+                                      csv_.toUtf8());
+        return std::move(export_);
+    }
+
+ private:
+    /// The name of the copy; empty where there is none.
+    QString Copied(const QString& folder, const QString& stored, const QString& name) {
+        const QString path = StoredFolderPath(archiveFolder_, StoredPath(folder, stored));
+        try {
+            if (stored.isEmpty() || !IsInsideArchive(path, archiveFolder_) ||
+                !platform::IsFile(path)) {
+                throw platform::FileError(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
+            }
+            CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
+            return name;
+        } catch (const platform::FileError& error) {
+            export_.failures.append(error.Text());
+            return {};
+        }
+    }
+
+    store::Database& database_;
+    ArchiveTable table_;
+    const QString& archiveFolder_;
+    QString csv_;
+    QJsonArray list_;
+    Export export_;
+};
+
+}  // namespace
+
+QString CsvCell(QString text) {
+    static const QString formula = u"=+-@\t\r\n"_s;
+    if (!text.isEmpty() && formula.contains(text.front())) {
+        text.prepend(u'\'');
+    }
+    return u'"' + text.replace(u"\""_s, u"\"\""_s) + u'"';
+}
+
+Export ExportRecords(store::Database& database, const QString& archiveFolder,
+                     const std::vector<qint64>& ids, const QString& target, const QString& title,
+                     const platform::Progress& progress) {
+    RequireArchiveFolder(archiveFolder);
+    ExportRun run(database, archiveFolder, NewFolder(target, SafeFileName(title)));
+    qint64 done = 0;
+    for (const qint64 id : ids) {
+        progress(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
+        run.Add(id);
+    }
+    return run.Finish();
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "platform/Progress.h"
+#include "store/Database.h"
+
+namespace kadrona::core {
+
+/// What came of an export.
+struct Export {
+    /// The folder that was made for it.
+    QString folder;
+    qint64 records = 0;
+    /// What could not be copied, a sentence each; the rest was.
+    QStringList failures;
+};
+
+/// Copies records with all that is kept of them into a new folder below `target`, named after
+/// `title`: photos, originals behind "Original_", and what the database says of them as
+/// "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a spreadsheet would
+/// take for a formula begins with an apostrophe). Numbers that are no record's are left out. Throws
+/// platform::FileError, store::StoreError and platform::Cancelled; what was copied until then
+/// stays.
+Export ExportRecords(store::Database& database, const QString& archiveFolder,
+                     const std::vector<qint64>& ids, const QString& target, const QString& title,
+                     const platform::Progress& progress);
+
+/// A cell of a CSV file, in quotes.
+QString CsvCell(QString text);
+
+}  // namespace kadrona::core

@@ -1,0 +1,145 @@
+#include "core/archive/ArchiveFiles.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include "core/archive/KeepingSchema.h"
+#include "core/base/FileNaming.h"
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#include "platform/HarmlessText.h"
+#include "platform/Links.h"
+#include "platform/Paths.h"
+#include "platform/SystemReason.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+platform::FileError FailedRemoval(const QString& path, const QString& reason) {
+    return platform::FileError(
+        u"Die Datei „%1“ konnte nicht gelöscht werden: %2."_s.arg(path, reason));
+}
+
+/// Up to the archive's own folder, which stays.
+void RemoveEmptyFolders(QString folder, const QString& root) {
+    while (folder != root && folder.startsWith(root) && QDir().rmdir(folder)) {
+        folder = QFileInfo(folder).path();
+    }
+}
+
+}  // namespace
+
+QString StoredFolderPath(const QString& archiveFolder, QString stored) {
+    return platform::JoinPath(archiveFolder, stored.replace(u'\\', QDir::separator()));
+}
+
+QString StoredPath(const QString& storedFolder, const QString& name) {
+    return storedFolder + u'\\' + name;
+}
+
+qint64 NumberInName(const QString& path) {
+    static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,18})\\.[^/.]*$"_s);
+    return form.match(path).captured(1).toLongLong();
+}
+
+bool IsInsideArchive(const QString& path, const QString& archiveFolder) {
+    const QString root = QDir::cleanPath(DelLastBackslash(archiveFolder));
+    const QString clean = QDir::cleanPath(path);
+    return clean == root || clean.startsWith(platform::JoinPath(root, {}));
+}
+
+void RequireArchiveFolder(const QString& archiveFolder) {
+    if (archiveFolder.isEmpty() || !QFileInfo(archiveFolder).isDir()) {
+        throw platform::FileError(
+            u"Der Ordner des Bildarchivs „%1“ ist nicht erreichbar."_s.arg(archiveFolder));
+    }
+}
+
+std::optional<FileDigest> DigestOf(const QString& path) {
+    if (!platform::IsFile(path)) {
+        return std::nullopt;
+    }
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file) ||
+        file.error() != QFileDevice::NoError) {
+        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
+            path, platform::SystemReason(file)));
+    }
+    return FileDigest{file.size(), QString::fromLatin1(hash.result().toHex())};
+}
+
+void CopyArchiveFile(const QString& from, const QString& to) {
+    constexpr qint64 BytesAtOnce = 1 << 20;
+    QFile source(from);
+    if (!source.open(QIODevice::ReadOnly)) {
+        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
+            from, platform::SystemReason(source)));
+    }
+    platform::AtomicFile copy(to);
+    while (true) {
+        const QByteArray part = source.read(BytesAtOnce);
+        if (part.isEmpty()) {
+            break;
+        }
+        copy.Device().write(part);
+    }
+    if (source.error() != QFileDevice::NoError) {
+        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
+            from, platform::SystemReason(source)));
+    }
+    copy.Commit();
+    QFile written(to);
+    if (written.open(QIODevice::ReadWrite)) {
+        written.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
+    }
+}
+
+void KeepDigest(store::Database& database, qint64 id, const QString& path) {
+    if (const auto digest = DigestOf(path)) {
+        CreateKeeping(database);
+        ArchiveTable(database).SetDigests({{id, *digest}});
+    }
+}
+
+void RemoveArchiveFile(const QString& path, const QString& archiveFolder) {
+    if (!IsInsideArchive(path, archiveFolder)) {
+        throw FailedRemoval(path, u"Sie liegt außerhalb des Archivs"_s);
+    }
+    const QString folder = QFileInfo(QDir::cleanPath(path)).path();
+    if (const auto followed = platform::FollowLinks(folder, platform::Links::Own);
+        !followed.refusal.isEmpty()) {
+        throw FailedRemoval(path, followed.refusal);
+    }
+    QFile file(path);
+    if (!file.remove() && (QFileInfo::exists(path) || QFileInfo(path).isSymLink())) {
+        throw FailedRemoval(path, platform::SystemReason(file));
+    }
+    RemoveEmptyFolders(folder, QDir::cleanPath(DelLastBackslash(archiveFolder)));
+}
+
+QString SafeFileName(const QString& name) {
+    constexpr int MostCharacters = 100;
+    QString safe = platform::HarmlessLine(name).left(MostCharacters);
+    for (QChar& character : safe) {
+        if (u"/\\:*?\"<>|\uFFFD"_s.contains(character)) {
+            character = u'_';
+        }
+    }
+    safe = safe.trimmed();
+    while (safe.startsWith(u'.') || safe.startsWith(u'-')) {
+        safe.remove(0, 1);
+    }
+    while (safe.endsWith(u'.') || safe.endsWith(u' ')) {
+        safe.chop(1);
+    }
+    return safe.isEmpty() ? u"Unbenannt"_s : safe;
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "core/archive/ArchiveTable.h"
+
+/// The files of the archive, and the names by which the database knows them.
+namespace kadrona::core {
+
+/// The folder of the originals in the archive's.
+inline constexpr QLatin1StringView OriginalsFolder("Originale");
+
+/// A folder as it is stored, with backslashes, as a path below the archive's.
+QString StoredFolderPath(const QString& archiveFolder, QString stored);
+
+/// A file's path as it is stored: its folder and name, with backslashes, below the archive's
+/// folder.
+QString StoredPath(const QString& storedFolder, const QString& name);
+
+/// The number in the name of a photo or original, "2026_03_00042.jpg"; 0 where there is none.
+qint64 NumberInName(const QString& path);
+
+/// False for a path that a record's text leads out of the archive.
+bool IsInsideArchive(const QString& path, const QString& archiveFolder);
+
+/// Throws platform::FileError where there is no such folder: a share that is not mounted must not
+/// pass for an archive without photos.
+void RequireArchiveFolder(const QString& archiveFolder);
+
+/// Reads the whole file. Nothing where there is none; throws platform::FileError where it cannot be
+/// read.
+std::optional<FileDigest> DigestOf(const QString& path);
+
+/// Copies a file through a temporary one, with the time of the file, from which lost records are
+/// made anew. A file of that name is replaced. Throws platform::FileError.
+void CopyArchiveFile(const QString& from, const QString& to);
+
+/// Takes the photo of a record as its file is now. Does nothing where there is none. Throws
+/// platform::FileError and store::StoreError.
+void KeepDigest(store::Database& database, qint64 id, const QString& path);
+
+/// Removes a file below the archive's folder and then the folders above it that are empty. A file
+/// that is not there counts as removed. Throws platform::FileError, also where the path leads out
+/// of the archive or through another user's link.
+void RemoveArchiveFile(const QString& path, const QString& archiveFolder);
+
+/// A name from outside as a file's: without what folders, devices or other systems take for more
+/// than a name, at most 100 characters, never empty.
+QString SafeFileName(const QString& name);
+
+}  // namespace kadrona::core

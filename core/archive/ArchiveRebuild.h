@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "platform/Progress.h"
+#include "store/Database.h"
+
+namespace kadrona::core {
+
+/// What came of making records anew.
+struct Rebuilding {
+    int rebuilt = 0;
+    QStringList failures;
+};
+
+/// Makes a record anew for each photo of the archive that lost it: number and month from its name
+/// and folder, tags from its IPTC items, the time from the file; what template it was cut by nobody
+/// knows. A tag that held a comma comes back as several, but for the first. Throws
+/// store::StoreError and platform::Cancelled.
+Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
+                          const platform::Progress& progress);
+
+}  // namespace kadrona::core

@@ -1,0 +1,136 @@
+#include "core/archive/ArchiveRetention.h"
+
+#include <QHash>
+#include <algorithm>
+
+#include "core/archive/KeepingSchema.h"
+#include "platform/Error.h"
+#include "store/Statement.h"
+#include "store/Transaction.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+const QString PeriodName = u"RetentionMonths"_s;
+
+bool IsPeriod(int months) {
+    return months >= 1 && months <= LongestRetentionMonths;
+}
+
+/// Of a time or a day as they are stored; invalid where it is neither.
+QDate DayOf(const QString& stored) {
+    return QDate::fromString(stored.left(10), Qt::ISODate);
+}
+
+QHash<qint64, QDate> KeptUntil(store::Database& database) {
+    QHash<qint64, QDate> days;
+    store::Statement select(database, uR"(SELECT "ID", "Until" FROM "ImgKeepUntil")"_s);
+    while (select.Step()) {
+        days.insert(select.Integer(0), DayOf(select.Text(1)));
+    }
+    return days;
+}
+
+}  // namespace
+
+std::optional<int> RetentionMonths(store::Database& database) {
+    if (!HasKeeping(database)) {
+        return std::nullopt;
+    }
+    store::Statement select(database, uR"(SELECT "Value" FROM "ImgKeeping" WHERE "Name" = ?)"_s);
+    const int months = select.Bind(1, PeriodName).Step() ? select.Text(0).toInt() : 0;
+    return IsPeriod(months) ? std::optional(months) : std::nullopt;
+}
+
+void SetRetentionMonths(store::Database& database, std::optional<int> months) {
+    if (months && !IsPeriod(*months)) {
+        throw platform::Error(u"Bilder können 1 bis %1 Monate aufbewahrt werden, nicht %2."_s
+                                  .arg(LongestRetentionMonths)
+                                  .arg(*months));
+    }
+    CreateKeeping(database);
+    if (!months) {
+        store::Statement(database, uR"(DELETE FROM "ImgKeeping" WHERE "Name" = ?)"_s)
+            .Bind(1, PeriodName)
+            .Step();
+        return;
+    }
+    store::Statement(database,
+                     uR"(INSERT INTO "ImgKeeping" ("Name", "Value") VALUES (?, ?)
+                         ON CONFLICT ("Name") DO UPDATE SET "Value" = excluded."Value")"_s)
+        .Bind(1, PeriodName)
+        .Bind(2, QString::number(*months))
+        .Step();
+}
+
+std::optional<QDate> KeepUntil(store::Database& database, qint64 id) {
+    if (!HasKeeping(database)) {
+        return std::nullopt;
+    }
+    store::Statement select(database, uR"(SELECT "Until" FROM "ImgKeepUntil" WHERE "ID" = ?)"_s);
+    return select.Bind(1, id).Step() ? std::optional(DayOf(select.Text(0))) : std::nullopt;
+}
+
+void SetKeepUntil(store::Database& database, const std::vector<qint64>& ids,
+                  std::optional<QDate> until, QDate today) {
+    if (until && *until <= today) {
+        throw platform::Error(
+            u"Das Löschdatum %1 liegt nicht in der Zukunft. Was gleich weg soll, löschen Sie."_s
+                .arg(until->toString(u"dd.MM.yyyy"_s)));
+    }
+    CreateKeeping(database);
+    store::Transaction transaction(database);
+    for (const qint64 id : ids) {
+        store::Statement(database, uR"(DELETE FROM "ImgKeepUntil" WHERE "ID" = ?)"_s)
+            .Bind(1, id)
+            .Step();
+        if (until) {
+            store::Statement(database,
+                             uR"(INSERT INTO "ImgKeepUntil" ("ID", "Until") VALUES (?, ?))"_s)
+                .Bind(1, id)
+                .Bind(2, until->toString(Qt::ISODate))
+                .Step();
+        }
+    }
+    transaction.Commit();
+}
+
+DuePhotos FindDuePhotos(store::Database& database, QDate today) {
+    DuePhotos due;
+    const std::optional<int> months = RetentionMonths(database);
+    const QHash<qint64, QDate> until =
+        HasKeeping(database) ? KeptUntil(database) : QHash<qint64, QDate>();
+    store::Statement select(database,
+                            uR"(SELECT "ID", "ImgErstellt" FROM "ImgDB"
+                                          WHERE "ImgErstellt" IS NOT NULL ORDER BY "ID")"_s);
+    QDate filed;
+    QDate newest;
+    while (select.Step()) {
+        const qint64 id = select.Integer(0);
+        const QDate dated = DayOf(select.Text(1));
+        newest = std::max(newest, dated);
+        if (dated <= today) {
+            filed = std::max(filed, dated);
+        }
+        const QDate own = until.value(id);
+        const bool isOver = own.isValid() ? own < today
+                                          : months && filed.isValid() && dated <= today &&
+                                                filed.addMonths(*months) < today;
+        if (isOver) {
+            due.ids.push_back(id);
+        }
+    }
+    if (newest > today) {
+        due.ids.clear();
+        due.refusal =
+            u"Das neuste Bild ist vom %1, heute ist nach der Uhr dieses Computers der %2. Solange "
+            u"die Uhr nachgeht, ist nichts fällig."_s.arg(newest.toString(u"dd.MM.yyyy"_s),
+                                                          today.toString(u"dd.MM.yyyy"_s));
+    }
+    return due;
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,56 @@
+#include "core/archive/KeepingSchema.h"
+
+#include <array>
+
+#include "store/Transaction.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+struct KeepingTable {
+    QLatin1StringView name;
+    QLatin1StringView fields;
+};
+
+constexpr std::array KeepingTables{
+    KeepingTable{
+        "ImgChecksum"_L1,
+        R"("ID" BIGINT PRIMARY KEY, "Bytes" BIGINT NOT NULL, "Sha256" VARCHAR(64) NOT NULL)"_L1},
+    KeepingTable{"ImgOriginal"_L1,
+                 R"("ID" BIGINT PRIMARY KEY, "Folder" VARCHAR(125) NOT NULL,
+                    "Name" VARCHAR(125) NOT NULL, "Bytes" BIGINT NOT NULL,
+                    "Sha256" VARCHAR(64) NOT NULL, "PhotoWidth" BIGINT NOT NULL,
+                    "PhotoHeight" BIGINT NOT NULL, "CutLeft" BIGINT NOT NULL,
+                    "CutTop" BIGINT NOT NULL, "CutWidth" BIGINT NOT NULL,
+                    "CutHeight" BIGINT NOT NULL, "Changes" VARCHAR(250) NOT NULL)"_L1},
+    KeepingTable{"ImgRemoval"_L1, R"("Path" VARCHAR(250) PRIMARY KEY, "ID" BIGINT NOT NULL)"_L1},
+    KeepingTable{"ImgDeleted"_L1, R"("ID" BIGINT PRIMARY KEY, "Deleted" VARCHAR(19) NOT NULL)"_L1},
+    KeepingTable{"ImgKeepUntil"_L1, R"("ID" BIGINT PRIMARY KEY, "Until" VARCHAR(10) NOT NULL)"_L1},
+    KeepingTable{"ImgKeeping"_L1,
+                 R"("Name" VARCHAR(50) PRIMARY KEY, "Value" VARCHAR(250) NOT NULL)"_L1},
+};
+
+}  // namespace
+
+bool HasKeeping(store::Database& database) {
+    return database.TableExists(KeepingTables.back().name);
+}
+
+/// In one transaction, so that the last one stands for all.
+void CreateKeeping(store::Database& database) {
+    if (HasKeeping(database)) {
+        return;
+    }
+    store::Transaction transaction(database);
+    database.LockSchema();
+    for (const KeepingTable& table : KeepingTables) {
+        database.Execute(
+            uR"(CREATE TABLE IF NOT EXISTS "%1" (%2))"_s.arg(table.name, table.fields));
+    }
+    transaction.Commit();
+}
+
+}  // namespace kadrona::core

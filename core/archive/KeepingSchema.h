@@ -1,0 +1,24 @@
+#pragma once
+
+#include "store/Database.h"
+
+namespace kadrona::core {
+
+/// Makes the tables that stand beside "ImgDB" where they are missing; a complete database is not
+/// written to. All texts are portable; a time is "2026-03-07 14:30:05", a date "2026-03-07", local.
+///
+/// | table | a row is |
+/// |---|---|
+/// | ImgChecksum | size and SHA-256 of a record's photo as it was written |
+/// | ImgOriginal | the original of a record's photo: its file, what was cut of it, what was done to
+/// it | | ImgRemoval | a file of a deleted record that is still to be removed | | ImgDeleted | the
+/// number of a deleted record, and when | | ImgKeepUntil | the day until which a record is kept, in
+/// place of the archive's period | | ImgKeeping | a value of the archive: its name, and the value |
+///
+/// Throws store::StoreError.
+void CreateKeeping(store::Database& database);
+
+/// False where no version of the program that knows these tables has written to the database.
+bool HasKeeping(store::Database& database);
+
+}  // namespace kadrona::core

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "core/archive/ArchiveCheck.h"
+
+class QWidget;
+
+namespace kadrona::core {
+class TData;
+}
+
+namespace kadrona::dialogs {
+
+/// What the archive's window does to the archive as a whole or to several of its photos: asks,
+/// shows the progress, says what came of it. What fails throws platform::Error.
+class ArchiveUpkeep {
+ public:
+    /// Both outlive the object; the window is the one that is asked over.
+    ArchiveUpkeep(core::TData& data, QWidget& window) : data_(data), window_(window) {}
+
+    /// The archive's folder from now on.
+    void SetFolder(const QString& archiveFolder) { folder_ = archiveFolder; }
+
+    /// Deletes photos with all that belongs to them after a question that names them. True where
+    /// records may be gone.
+    bool Delete(const std::vector<qint64>& ids);
+    /// The same with records that never got a photo.
+    bool DeleteBlank(const std::vector<qint64>& ids);
+
+    /// Copies the archive to a folder that the user chooses.
+    void BackUp();
+    /// Exports photos to a folder that the user chooses.
+    void Export(const std::vector<qint64>& ids, const QString& title);
+
+    /// Nothing where the user gave it up.
+    std::optional<core::ArchiveReport> Check();
+    /// What can be done about a fault, as a button's caption; empty where nothing can.
+    static QString RemedyOf(core::ArchiveFault fault);
+    /// Does it to all findings of that fault. True where they may be gone.
+    bool Remedy(core::ArchiveFault fault, const core::ArchiveReport& report);
+
+ private:
+    QWidget* Over() const;
+    QString Question(const std::vector<qint64>& ids) const;
+    bool DeleteNow(const std::vector<qint64>& ids, const QString& title);
+    void Compact(const QString& title);
+    bool Rebuild(const QStringList& paths);
+    bool RemoveFiles(const QStringList& paths);
+    void ShowFailures(const QString& lead, const QStringList& failures);
+
+    core::TData& data_;
+    QWidget& window_;
+    QString folder_;
+};
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,107 @@
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <exception>
+
+#include "store/Statement.h"
+#include "store/StoreError.h"
+#include "store/sqlite/SqliteDatabase.h"
+
+namespace kadrona::store {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QString CompactionText = u"Die Datenbank wird aufgeräumt …"_s;
+
+/// Of "PRAGMA auto_vacuum": free pages are handed back when they are asked for.
+constexpr qint64 IncrementalMode = 2;
+
+qint64 Value(Database& database, const QString& pragma) {
+    Statement statement(database, u"PRAGMA "_s + pragma);
+    return statement.Step() ? statement.Integer(0) : 0;
+}
+
+/// Lets the engine ask every now and then whether a statement goes on. The engine is C: what
+/// `progress` throws waits until the statement has ended.
+class Watch {
+ public:
+    Watch(sqlite3* handle, const platform::Progress& progress)
+        : handle_(handle), progress_(progress) {
+        constexpr int Instructions = 20'000;
+        sqlite3_progress_handler(handle_, Instructions, &Watch::Ask, this);
+    }
+    ~Watch() { sqlite3_progress_handler(handle_, 0, nullptr, nullptr); }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    void ThrowIfGivenUp() const {
+        if (failure_) {
+            std::rethrow_exception(failure_);
+        }
+    }
+
+ private:
+    static int Ask(void* self) {
+        auto& watch = *static_cast<Watch*>(self);
+        try {
+            watch.progress_(CompactionText, 0, 0);
+        } catch (...) {
+            watch.failure_ = std::current_exception();
+        }
+        return watch.failure_ ? 1 : 0;
+    }
+
+    sqlite3* handle_;
+    const platform::Progress& progress_;
+    std::exception_ptr failure_;
+};
+
+/// Deleted words stay in the index, marked as deleted, until its parts are merged.
+void MergeFullTextIndex(Database& database, const QString& name,
+                        const platform::Progress& progress) {
+    // A negative number of pages makes all parts into one, piece by piece; two changes or more mean
+    // that something was merged.
+    constexpr int Pages = 64;
+    const auto merge = [&](int pages) {
+        const qint64 before = database.PresentState().ownChanges;
+        database.Execute(
+            uR"(INSERT INTO "%1" ("%1", rank) VALUES ('merge', %2))"_s.arg(name).arg(pages));
+        return database.PresentState().ownChanges - before > 1;
+    };
+    for (bool merged = merge(-Pages); merged; merged = merge(Pages)) {
+        progress(CompactionText, 0, 0);
+    }
+}
+
+}  // namespace
+
+void SqliteDatabase::Compact(const QString& fullTextIndex, const platform::Progress& progress) {
+    progress(CompactionText, 0, 0);
+    MergeFullTextIndex(*this, fullTextIndex, progress);
+    if (Value(*this, u"auto_vacuum"_s) != IncrementalMode) {
+        const Watch watch(handle_.get(), progress);
+        try {
+            Execute(u"PRAGMA auto_vacuum = %1"_s.arg(IncrementalMode));
+            Execute(u"VACUUM"_s);
+        } catch (const StoreError&) {
+            watch.ThrowIfGivenUp();
+            throw;
+        }
+        return;
+    }
+    constexpr int PagesAtOnce = 256;
+    const qint64 all = Value(*this, u"freelist_count"_s);
+    for (qint64 left = all; left > 0;) {
+        progress(CompactionText, all - left, all);
+        Execute(u"PRAGMA incremental_vacuum(%1)"_s.arg(PagesAtOnce));
+        const qint64 now = Value(*this, u"freelist_count"_s);
+        if (now >= left) {
+            return;  // another program reads what would have to move
+        }
+        left = now;
+    }
+}
+
+}  // namespace kadrona::store

@@ -1,0 +1,253 @@
+#include <QDirIterator>
+
+#include "core/archive/ArchiveBackup.h"
+#include "core/archive/ArchiveCheck.h"
+#include "core/archive/ArchiveDeletion.h"
+#include "core/archive/ArchiveExport.h"
+#include "core/archive/ArchiveRebuild.h"
+#include "core/archive/ArchiveRetention.h"
+#include "platform/AtomicFile.h"
+#include "tests/core/ArchiveFixture.h"
+#include "tests/support/Errors.h"
+
+namespace kadrona::testing {
+
+using Ids = std::vector<qint64>;
+
+/// What is kept, deleted and brought back.
+class ArchiveKeeping : public Archive {
+ protected:
+    store::Database& Database() { return data.ArchiveDatabase(); }
+    core::Deletion Delete(const Ids& ids) {
+        return core::DeleteRecords(Database(), archiveFolder, ids, now, platform::NoProgress);
+    }
+    core::ArchiveReport Check() {
+        return core::CheckArchive(Database(), archiveFolder, platform::NoProgress);
+    }
+    /// Faults with the numbers of their records and the names of their files.
+    QStringList Faults() {
+        QStringList faults;
+        for (const core::ArchiveFinding& finding : Check().findings) {
+            faults.append(u"%1 %2 %3"_s.arg(int(finding.fault))
+                              .arg(finding.id)
+                              .arg(QFileInfo(finding.path).fileName()));
+        }
+        return faults;
+    }
+
+    /// Every byte of the database's folder and of the archive's.
+    QByteArray AllBytes() const {
+        QByteArray bytes;
+        for (const QString& folder : {databaseFolder, archiveFolder}) {
+            for (QDirIterator files(folder, QDir::Files | QDir::Hidden,
+                                    QDirIterator::Subdirectories);
+                 files.hasNext();) {
+                bytes += platform::ReadWholeFile(files.next(), 1 << 30);
+            }
+        }
+        return bytes;
+    }
+};
+
+TEST_F(ArchiveKeeping, DeletedPhotosLeaveNothingButTheirNumbers) {
+    for (int i = 0; i < 40; ++i) {
+        for (const QString& tags : {u"Bleibtreu%1\r\n"_s, u"Löschner%1\r\nGeheimdorf\r\n"_s}) {
+            image.SetIptc({});  // another customer's photo
+            File(tags.arg(i));
+        }
+    }
+    Table().SetTags(4, u"Löschner anders\r\n"_s);
+    Ids deleted;
+    for (qint64 id = 2; id <= 80; id += 2) {
+        deleted.push_back(id);
+    }
+    ASSERT_TRUE(AllBytes().contains("schner anders"));
+    const core::Deletion deletion = Delete(deleted);
+    core::CompactArchive(Database(), platform::NoProgress);
+
+    EXPECT_EQ(deletion.deleted, 40);
+    EXPECT_TRUE(deletion.failures.isEmpty());
+    const QByteArray left = AllBytes();
+    for (const char* name : {"schner", "geheimdorf", "Geheimdorf"}) {
+        EXPECT_FALSE(left.contains(name)) << name;
+    }
+    EXPECT_TRUE(left.contains("Bleibtreu39"));
+    EXPECT_EQ(FiledPhotos().size(), 40);
+    EXPECT_EQ(Rows(u"SELECT count(*) || '|' || min(\"Deleted\") FROM \"ImgDeleted\""_s),
+              QStringList(u"40|2026-03-07 14:30:05"_s));
+    EXPECT_EQ(Rows(u"PRAGMA freelist_count"_s), QStringList(u"0"_s));
+    EXPECT_EQ(DatabaseFault(Database()), QString());
+
+    Delete(Table().Ids());
+    EXPECT_TRUE(QDir(archiveFolder).isEmpty()) << "months and years without photos go too";
+    File(u"neu\r\n"_s);
+    EXPECT_EQ(data.CurrentRecord(), 81) << "no number is used twice";
+}
+
+TEST_F(ArchiveKeeping, AnInterruptedDeletionIsFinishedLater) {
+    File(u"a\r\n"_s);
+    File(u"b\r\n"_s);
+    ASSERT_TRUE(QFile::remove(Filed("2026_03_00001.jpg")));
+    ASSERT_TRUE(QDir().mkpath(Filed("2026_03_00001.jpg/x"))) << "no file that could be removed";
+    const core::Deletion deletion = Delete({1});
+    EXPECT_EQ(deletion.deleted, 1);
+    EXPECT_TRUE(deletion.failures.value(0).contains(Filed("2026_03_00001.jpg")));
+    EXPECT_EQ(Table().Ids(), Ids({2}));
+
+    QDir(Filed("2026_03_00001.jpg")).removeRecursively();
+    installation.Write("archive/2026/03/2026_03_00001.jpg", "as a crash leaves it");
+    EXPECT_EQ(Faults(), QStringList());
+    EXPECT_EQ(FiledPhotos(), QStringList(u"2026_03_00002.jpg"_s));
+}
+
+TEST_F(ArchiveKeeping, NothingIsDeletedOutsideTheArchiveNorWithoutItsFolder) {
+    File(u"a\r\n"_s);
+    installation.Write("precious.jpg", "x");
+    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..', "ImgName" = 'precious.jpg')"_s);
+    EXPECT_EQ(Delete({1}).failures.size(), 1);
+    EXPECT_TRUE(QFile::exists(installation.Path("precious.jpg")));
+
+    File(u"b\r\n"_s);
+    ASSERT_TRUE(QDir().rename(archiveFolder, archiveFolder + u"-away"_s));
+    EXPECT_THROW(Delete({2}), platform::FileError);
+    EXPECT_EQ(Table().Ids(), Ids({2}));
+}
+
+TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos) {
+    for (const char* name : {"Anna, die Zweite", "Bea", "Cora", "Dora"}) {
+        File(QString::fromUtf8(name) + u"\r\nKöln\r\n"_s);
+    }
+    EXPECT_EQ(Check().sound, 4);
+    data.SaveImageToArchiv(image, archiveFolder, u"x\r\n"_s, {});
+    Execute(uR"(DELETE FROM "ImgChecksum" WHERE "ID" = 5)"_s);
+    EXPECT_EQ(Check().adopted, 1);
+    EXPECT_EQ(Check().adopted, 0);
+
+    QFile changed(Filed("2026_03_00002.jpg"));
+    ASSERT_TRUE(changed.open(QIODevice::Append) && changed.write("x") == 1);
+    changed.close();
+    ASSERT_TRUE(QFile::remove(Filed("2026_03_00003.jpg")));
+    installation.Write("archive/Notiz.txt", "of the user");
+    const core::ArchiveRecord lost = *Table().Read(1);
+    const QByteArray thumbnail = Table().ReadThumbnail(1);
+    Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" = 1)"_s);
+    Table().Insert();
+    EXPECT_EQ(Faults(),
+              QStringList({u"7 6 "_s, u"1 2 2026_03_00002.jpg"_s, u"0 3 2026_03_00003.jpg"_s,
+                           u"4 0 2026_03_00001.jpg"_s, u"5 0 Notiz.txt"_s})
+                  .toList());
+
+    const core::ArchiveReport report = Check();
+    core::AdoptChanged(Database(), archiveFolder, report, platform::NoProgress);
+    const core::Rebuilding rebuilding = core::RebuildRecords(
+        Database(), report.Paths(core::ArchiveFault::Lost), platform::NoProgress);
+    EXPECT_EQ(rebuilding.rebuilt, 1);
+    const core::ArchiveRecord rebuilt = Table().Read(1).value_or(core::ArchiveRecord());
+    EXPECT_EQ(rebuilt.tags, u"Anna, die Zweite\r\nKöln\r\n"_s);
+    EXPECT_EQ(rebuilt.folder, lost.folder);
+    EXPECT_EQ(Table().ReadThumbnail(1), thumbnail);
+    EXPECT_LT(qAbs(rebuilt.created.secsTo(QDateTime::currentDateTime())), 100);
+    EXPECT_EQ(Faults().size(), 3) << "blank, missing, not ours";
+}
+
+TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
+    const QString target = installation.Path("backup");
+    QDir().mkpath(target);
+    const auto backUp = [&] {
+        return core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
+    };
+    const auto copy = [&](const char* name) {
+        return target + u"/Archiv/2026/03/"_s + QLatin1StringView(name);
+    };
+    File(u"a\r\n"_s);
+    File(u"b\r\n"_s);
+    EXPECT_EQ(backUp().copied, 2);
+    const QByteArray second = platform::ReadWholeFile(copy("2026_03_00002.jpg"), 1 << 20);
+    EXPECT_EQ(second, platform::ReadWholeFile(Filed("2026_03_00002.jpg"), 1 << 20));
+
+    File(u"c\r\n"_s);
+    Delete({1});
+    installation.Write("archive/2026/03/2026_03_00002.jpg", second.chopped(1) + "?");
+    const core::Backup backup = backUp();
+    EXPECT_EQ(backup.copied, 1);
+    EXPECT_EQ(backup.removed, 1);
+    EXPECT_EQ(backup.failures.size(), 1) << "a damaged photo does not replace the good one";
+    EXPECT_EQ(platform::ReadWholeFile(copy("2026_03_00002.jpg"), 1 << 20), second);
+    EXPECT_EQ(QDir(target + u"/Archiv/2026/03"_s).entryList(QDir::Files),
+              QStringList({u"2026_03_00002.jpg"_s, u"2026_03_00003.jpg"_s}));
+
+    // Given up after the database: the older one is still there.
+    File(u"d\r\n"_s);
+    const auto giveUp = [](const QString& what, qint64, qint64) {
+        if (what.startsWith(u"Die Fotos")) {
+            throw platform::Cancelled();
+        }
+    };
+    EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, giveUp),
+                 platform::Cancelled);
+    EXPECT_EQ(QDir(target).entryList(QDir::Files), QStringList(u"KDRImageBase.db"_s));
+    store::SqliteDatabase copied(target);
+    EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDB" ORDER BY 1)"_s),
+              QStringList({u"2"_s, u"3"_s}));
+    EXPECT_EQ(DatabaseFault(copied), QString());
+
+    installation.Write("full/letter.odt", "x");
+    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""),
+                                 installation.Path("full"), installation.Path("none")}) {
+        EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, wrong, platform::NoProgress),
+                     platform::FileError)
+            << wrong.toStdString();
+    }
+}
+
+TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
+    File(u"=HYPERLINK(\"x\")\r\nKöln\r\n"_s);
+    File(u"b\r\n"_s);
+    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..\..' WHERE "ID" = 2)"_s);
+    const core::Export result =
+        core::ExportRecords(Database(), archiveFolder, {2, 1, 9}, installation.Path("common"),
+                            u"../Export: *"_s, platform::NoProgress);
+    EXPECT_EQ(result.folder, installation.Path("common/_Export_ _"));
+    EXPECT_EQ(result.records, 2);
+    EXPECT_EQ(result.failures.size(), 1) << "a record that leads out of the archive";
+    EXPECT_EQ(QDir(result.folder).entryList(QDir::Files),
+              QStringList({u"2026_03_00001.jpg"_s, u"Daten.csv"_s, u"Daten.json"_s}));
+    const QByteArray csv = platform::ReadWholeFile(result.folder + u"/Daten.csv"_s, 1 << 20);
+    EXPECT_TRUE(csv.contains(";\"'=HYPERLINK(\"\"x\"\"), K\xc3\xb6ln\"\r\n")) << csv.toStdString();
+    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
+                    .contains("\"K\xc3\xb6ln\""));
+}
+
+TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {
+    const QDate today(2026, 3, 7);
+    const auto fileOn = [&](QDate day) {
+        now = QDateTime(day, QTime(12, 0));
+        File(u"x\r\n"_s);
+    };
+    const auto due = [&](QDate day) { return core::FindDuePhotos(Database(), day).ids; };
+    fileOn(today.addYears(-2));                // 1
+    fileOn(today.addMonths(-12));              // 2
+    fileOn(QDate(2000, 1, 1));                 // 3: the clock's battery was empty
+    fileOn(today.addMonths(-12).addDays(-1));  // 4: no older than 2
+    fileOn(today);                             // 5
+    EXPECT_EQ(due(today), Ids()) << "without a period all are kept";
+    for (const int wrong : {0, -1, 1201}) {
+        EXPECT_THROW(core::SetRetentionMonths(Database(), wrong), platform::Error) << wrong;
+    }
+    core::SetRetentionMonths(Database(), 12);
+    EXPECT_EQ(due(today), Ids({1}));
+    EXPECT_EQ(due(today.addDays(1)), Ids({1, 2, 3, 4}));
+
+    EXPECT_THROW(core::SetKeepUntil(Database(), {1}, today, today), platform::Error);
+    core::SetKeepUntil(Database(), {1, 5}, today.addDays(3), today);
+    EXPECT_EQ(due(today.addDays(3)), Ids({2, 3, 4}));
+    EXPECT_EQ(due(today.addDays(4)), Ids({1, 2, 3, 4, 5}));
+    core::SetKeepUntil(Database(), {5}, {}, today);
+    core::SetRetentionMonths(Database(), {});
+    EXPECT_EQ(due(today.addDays(4)), Ids({1}));
+
+    EXPECT_EQ(due(today.addDays(-1)), Ids()) << "the clock stands before the newest photo";
+    EXPECT_TRUE(core::FindDuePhotos(Database(), today.addDays(-1)).refusal.contains(u"Uhr"));
+}
+
+}  // namespace kadrona::testing
