@@ -4,12 +4,14 @@
 
 #include <QDir>
 
+#include "core/archive/ArchiveServer.h"
 #include "core/archive/ArchiveTable.h"
 #include "imaging/document/LayeredImage.h"
 #include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/PixelMatchers.h"
+#include "tests/support/TestServer.h"
 
 namespace kadrona::testing {
 

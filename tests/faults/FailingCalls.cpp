@@ -35,7 +35,8 @@ bool IsWatched(int handle) {
 /// Counts a call on a path or a handle and says whether it is to fail.
 template <typename Object>
 bool IsHit(const char* name, Object object) {
-    if (!IsWatched(object)) {
+    const bool removes = std::strcmp(name, "unlink") == 0 || std::strcmp(name, "rmdir") == 0;
+    if (!IsWatched(object) || (removes && !active.removals)) {
         return false;
     }
     calls.append(name);

@@ -12,10 +12,12 @@ struct Fault {
     int error = 0;            // of errno; 0 lets a call write half of what it was given
     bool fromThenOn = false;  // and all calls after it
     QByteArray call = {};     // the name of the calls that count; all where it is empty
+    bool removals = false;    // calls that remove files and folders may fail too
 };
 
 /// From now on counts the calls that touch what lies in `folder`, and lets those fail that the
-/// fault names. Those that remove files never fail: what a program cannot remove it has to leave.
+/// fault names. Those that remove files only fail where the fault says so: what a program cannot
+/// remove it has to leave.
 void StartFailing(const QByteArray& folder, const Fault& fault);
 
 /// Back to normal. Returns the names of the calls that there were.

@@ -321,6 +321,7 @@ std::vector<Operation> AllOperations() {
          }}};
     for (const auto& [name, step] : steps) {
         operations.push_back(OfModule(name, step));
+        operations.back().removes = operations.back().name == u"delete-photo"_s;
     }
     return operations;
 }

@@ -17,6 +17,8 @@ struct Operation {
     /// Makes ready what is in memory, and returns the operation, which may throw. Messages that it
     /// shows go into `messages`.
     std::function<std::function<void()>(const QString& folder, QStringList& messages)> begin;
+    /// It is there to remove files, so that removing one may fail too.
+    bool removes = false;
 };
 
 std::vector<Operation> AllOperations();

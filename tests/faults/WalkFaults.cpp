@@ -134,7 +134,9 @@ class Walk {
         try {
             const std::function<void()> run = operation_.begin(scene_, messages_);
             messages_.clear();
-            StartFailing(QFile::encodeName(scene_), fault);
+            Fault met = fault;
+            met.removals = operation_.removes;
+            StartFailing(QFile::encodeName(scene_), met);
             run();
         } catch (const platform::Error& error) {
             messages_.append(error.Text());
