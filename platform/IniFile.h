@@ -17,7 +17,7 @@ class IniFile {
  public:
     /// Reads the file; a missing one is empty. Bytes are decoded by DecodeText. A repeated section
     /// continues the first one, of a repeated key the first one counts. Throws FileError when the
-    /// file cannot be looked up or read or is larger than 16 MiB.
+    /// file cannot be looked up or read or is larger than 4 MiB.
     explicit IniFile(QString path, Links links = Links::Own);
     ~IniFile();
     IniFile(const IniFile&) = delete;

@@ -157,7 +157,7 @@ TEST_F(IniFileTest, NeverTakesAnUnreadableFileForAnEmptyOne) {
     EXPECT_THROW(IniFile ini(folder_.path()), FileError);
     QFile big(Path());
     ASSERT_TRUE(big.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(big.resize(16 * 1024 * 1024 + 1));
+    ASSERT_TRUE(big.resize(4 * 1024 * 1024 + 1));
     EXPECT_THROW(IniFile ini(Path()), FileError);
 }
 
