@@ -9,7 +9,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Tens of thousands of places of templates; a start reads a file of short lines within two seconds.
+/// Tens of thousands of places of templates; a start reads a file of short lines within two
+/// seconds.
 constexpr qint64 MaximumBytes = qint64{4} << 20;
 
 }  // namespace
