@@ -24,6 +24,9 @@ QString ResultText(const core::TransferResult& result) {
                u"kann "
                u"jederzeit fortgesetzt werden."_s;
     }
+    if (result.records == 0) {
+        return u"Das Archiv dieses Rechners hat keine Bilder, die zu übertragen wären."_s;
+    }
     return u"Das Archiv ist übertragen: Alle %1 Bilder stehen mit gleichem Inhalt auf dem Server, "
            u"%2 davon kamen jetzt hinzu."_s.arg(Counted(result.records), Counted(result.copied));
 }

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <QElapsedTimer>
 #include <QTcpServer>
+#include <array>
+#include <thread>
 
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
@@ -143,6 +148,33 @@ TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
     EXPECT_TRUE(refusal([](ServerAddress& address) {
                     address.host = u"gibt-es-nicht.invalid"_s;
                 }).contains(u"Name"_s));
+}
+
+/// A server of another age, as far as its greeting.
+TEST_F(ServerTest, AnOldServerIsRefused) {
+    QTcpServer listener;
+    ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
+    const auto socket = static_cast<int>(listener.socketDescriptor());
+    std::thread greeting([socket] {
+        pollfd connecting{.fd = socket, .events = POLLIN, .revents = 0};
+        poll(&connecting, 1, 2000);
+        const int client = accept4(socket, nullptr, nullptr, 0);
+        std::array<char, 1000> request{};
+        const std::array answers{
+            QByteArray("N"),  // no encryption
+            QByteArray("R\0\0\0\10\0\0\0\0S\0\0\0\31server_version\0009.6.1\0Z\0\0\0\5I", 41)};
+        for (const QByteArray& answer : answers) {
+            EXPECT_GT(recv(client, request.data(), request.size(), 0), 0);
+            EXPECT_EQ(send(client, answer.constData(), size_t(answer.size()), 0), answer.size());
+        }
+        close(client);
+    });
+    ServerAddress address = address_;
+    address.host = u"127.0.0.1"_s;
+    address.port = listener.serverPort();
+    const QString text = TextOf<StoreError>([&] { const PostgresDatabase old(address); });
+    greeting.join();
+    EXPECT_TRUE(text.contains(u"zu alt: Er hat die Version 9.6"_s)) << text.toStdString();
 }
 
 TEST_F(ServerTest, SaysWhatStandsInTheWay) {
