@@ -4,6 +4,8 @@
 
 #include <array>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace kadrona::store {
 
@@ -28,6 +30,12 @@ struct Lookup {
     addrinfo hints{};
     gaicb request{};
 };
+
+/// For a lookup that the system cannot take back and will still write to.
+void KeepForEver(std::unique_ptr<Lookup> lookup) {
+    static auto* const unfinished = new std::vector<std::unique_ptr<Lookup>>;
+    unfinished->push_back(std::move(lookup));
+}
 
 QByteArrayList Addresses(const addrinfo* found) {
     constexpr qsizetype Most = 4;
@@ -55,7 +63,7 @@ std::optional<QByteArrayList> LookUpHost(const QByteArray& host, const QDeadline
         const timespec wait{.tv_sec = left / 1000, .tv_nsec = left % 1000 * 1'000'000};
         if (left <= 0 || gai_suspend(&request, 1, &wait) == EAI_AGAIN) {
             if (gai_cancel(request) != EAI_CANCELED && gai_error(request) == EAI_INPROGRESS) {
-                lookup.release();  // NOLINT(bugprone-unused-return-value): still in use
+                KeepForEver(std::move(lookup));
             }
             return std::nullopt;
         }

@@ -33,7 +33,7 @@ QByteArray SessionOptions(std::chrono::milliseconds patience) {
     return "-c datestyle=ISO -c bytea_output=hex -c standard_conforming_strings=on"
            " -c client_min_messages=error -c jit=off -c idle_in_transaction_session_timeout=60000"
            " -c statement_timeout=60000 -c lock_timeout=" +
-           QByteArray::number(qint64(patience.count() * 3 / 4));
+           QByteArray::number(qint64(patience.count() / 2));
 }
 
 /// Keywords of a connection with their values, in the order of libpq's arrays.
