@@ -52,10 +52,11 @@ void RequireHeif(const heif_error& error, const ReadTask& task) {
 /// profile.
 QByteArray ProfileOfNumbers(const heif_image_handle* handle) {
     heif_color_profile_nclx* numbers = nullptr;
-    if (heif_image_handle_get_nclx_color_profile(handle, &numbers).code != heif_error_Ok) {
+    const int code = heif_image_handle_get_nclx_color_profile(handle, &numbers).code;
+    const Nclx nclx(numbers);  // there even where a number of the file is an unknown one
+    if (code != heif_error_Ok) {
         return {};
     }
-    const Nclx nclx(numbers);
     if (nclx->color_primaries == heif_color_primaries_ITU_R_BT_709_5 ||
         nclx->color_primaries == heif_color_primaries_unspecified) {
         return {};
