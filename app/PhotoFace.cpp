@@ -49,9 +49,7 @@ bool PhotoFace::Find() {
 }
 
 void PhotoFace::FindSoon() {
-    if (!known_) {
-        timer_.start();
-    }
+    timer_.start();
 }
 
 void PhotoFace::Look() {

@@ -25,7 +25,7 @@ class PhotoFace : public QObject {
     /// Looks for the face unless that was done. True where there is one. Throws
     /// imaging::CascadesMissing and platform::Error.
     bool Find();
-    /// Does so when the user has been idle for a moment, unless it was done; Looked() follows.
+    /// Does so when the user has been idle for a moment; Looked() follows, also where it was done.
     void FindSoon();
 
     /// What is known; no face before a search.

@@ -37,6 +37,17 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     EXPECT_TRUE(Template().contains(DrawnCrown.toPoint()));
 }
 
+TEST_F(FaceStory, OffersThePlaceAlsoWhereTheFaceIsFoundBeforeTheTemplateIsChosen) {
+    Trigger(u"acShowCheck"_s);
+    driver.Expect(u"SchabloneFm"_s, [](QWidget& shown) {
+        QTest::qWait(1200);  // for the search that the check begins
+        Child<QListWidget>(shown, "lbSchablonen").setCurrentRow(0);
+        ClickButton(shown, "btnOk");
+    });
+    window->OpenDroppedFiles({installation.Path("face.png")});
+    AwaitProposal();
+}
+
 TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
     installation.Write(
         "program/Schablonen/Vorgaben.tsv",
