@@ -50,6 +50,8 @@ constexpr std::array<SkinLimits, BrightnessRanges> LimitsOfSkin = {
 
 /// The spread of what counts as grey, as a logarithm.
 constexpr double GreySpread = 0.04;
+/// The same of what a wall is painted in: few walls are stronger than cream or a light blue.
+constexpr double PaintSpread = 0.18;
 /// How sharply the range of skin ends.
 constexpr double SkinSpread = 0.025;
 
@@ -153,12 +155,12 @@ cv::Mat SumForEachLight(const cv::Mat& histogram, const Likeness& likeness) {
     return sums;
 }
 
-cv::Mat GreyForEachLight(const Histograms& histograms) {
+cv::Mat GreyForEachLight(const Histograms& histograms, double spread) {
     cv::Mat all = histograms.front().clone();
     std::for_each(histograms.begin() + 1, histograms.end(),
                   [&](const cv::Mat& next) { all += next; });
     return SumForEachLight(
-        all, [](double red, double blue) { return Falloff(std::hypot(red, blue), GreySpread); });
+        all, [spread](double red, double blue) { return Falloff(std::hypot(red, blue), spread); });
 }
 
 cv::Mat SkinForEachLight(const Histograms& histograms) {
@@ -186,12 +188,19 @@ struct Light {
     Gains Correction() const { return {std::exp(-red), std::exp(-blue)}; }
 };
 
-/// The middle of a face's skin, its noise and its lips aside; none where too little can be seen.
-std::optional<Chromaticity> SkinIn(const QImage& image, const QRect& area) {
+/// The middle of a face's skin, its noise and its lips aside.
+struct Skin {
+    Chromaticity colour;
+    double green = 0;  ///< 0 ... 255
+};
+
+/// None where too little of it can be seen.
+std::optional<Skin> SkinIn(const QImage& image, const QRect& area) {
     constexpr int BrightestSkin = 250;  // what is brighter may be cut off
     constexpr size_t FewestPoints = 16;
     std::vector<double> red;
     std::vector<double> blue;
+    std::vector<double> green;
     const QRect inside = area.intersected(image.rect());
     for (int y = inside.top(); y <= inside.bottom(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
@@ -200,6 +209,7 @@ std::optional<Chromaticity> SkinIn(const QImage& image, const QRect& area) {
             if (least >= DarkestTone && most <= BrightestSkin) {
                 red.push_back(std::log(double(qRed(row[x])) / qGreen(row[x])));
                 blue.push_back(std::log(double(qBlue(row[x])) / qGreen(row[x])));
+                green.push_back(qGreen(row[x]));
             }
         }
     }
@@ -211,19 +221,19 @@ std::optional<Chromaticity> SkinIn(const QImage& image, const QRect& area) {
         std::ranges::nth_element(values, half);
         return *half;
     };
-    return Chromaticity{middle(red), middle(blue)};
+    return Skin{{middle(red), middle(blue)}, middle(green)};
 }
 
 /// How likely a face has that skin once the light is corrected, 0 ... 1: complexions spread about a
-/// middle one, the redder the less blue. Photos that pass for neutral spread as far.
-double LikenessToFace(const Chromaticity& skin, const Light& light) {
-    constexpr Chromaticity Middle{0.25, -0.12};
-    constexpr Chromaticity Spread{0.1, 0.11};
-    constexpr double Correlation = -0.3;
-    const double red = (skin.red - light.red - Middle.red) / Spread.red;
-    const double blue = (skin.blue - light.blue - Middle.blue) / Spread.blue;
-    const double squares = red * red + blue * blue - 2 * Correlation * red * blue;
-    return std::exp(-squares / (1 - Correlation * Correlation) / 2);
+/// middle one, which is the less red and the less yellow the brighter the skin is.
+double LikenessToFace(const Skin& skin, const Light& light) {
+    constexpr Chromaticity Middle{0.245, -0.12};  // of a green of 150
+    constexpr Chromaticity Slope{-0.2, 0.1};      // for 100 more of it
+    constexpr Chromaticity Spread{0.068, 0.105};
+    const double brighter = (skin.green - 150) / 100;
+    const double red = skin.colour.red - light.red - Middle.red - Slope.red * brighter;
+    const double blue = skin.colour.blue - light.blue - Middle.blue - Slope.blue * brighter;
+    return std::exp(-std::pow(red / Spread.red, 2) / 2 - std::pow(blue / Spread.blue, 2) / 2);
 }
 
 /// How many times likelier than none a light must be.
@@ -261,17 +271,20 @@ std::optional<Light> LikeliestLight(const cv::Mat& grey, const Advantages& neede
 /// wall, and skin looks right before it in both lights. A face that is redder than usual is no
 /// lamp.
 constexpr Advantages AdvantagesByColours{4, 4.5};
-constexpr Advantages AdvantagesByFace{20, 5};
-/// The same as above where a face is known, whose skin says more.
-constexpr double GreyAnywayByFace = 0.3;
-constexpr double FaceAnyway = 0.001;
-constexpr double PriorSpreadByFace = 0.28;
+constexpr Advantages AdvantagesByFace{19, 6.5};
+/// The same as above where a face is known, whose skin says more: a wall need not be grey then.
+constexpr double PaintAnyway = 0.06;
+constexpr double FaceAnyway = 0.0036;
+constexpr double PriorSpreadByFace = 0.23;
 /// A light that the colours tell may leave a face so much less likely: dark skin is rare and true.
-constexpr double LeastOfLikeness = 0.6;
+constexpr double LeastOfLikeness = 0.43;
 
-std::optional<Light> LightByFace(const cv::Mat& grey, const Chromaticity& face) {
-    return LikeliestLight(grey, AdvantagesByFace, [&](const Light& light, int, int) {
-        return (GreyAnywayByFace + light.grey) * (FaceAnyway + LikenessToFace(face, light)) *
+std::optional<Light> LightByFace(const cv::Mat& grey, const Histograms& histograms,
+                                 const Skin& face) {
+    const cv::Mat paint = GreyForEachLight(histograms, PaintSpread);
+    return LikeliestLight(grey, AdvantagesByFace, [&](const Light& light, int row, int column) {
+        return (PaintAnyway + paint.at<float>(row, column)) *
+               (FaceAnyway + LikenessToFace(face, light)) *
                Falloff(light.Cast(), PriorSpreadByFace);
     });
 }
@@ -287,11 +300,10 @@ std::optional<Light> LightByColours(const cv::Mat& grey, const Histograms& histo
 
 /// The light that the picture was taken in; none where that is unsure. Where a face is known, what
 /// the colours say must not make its skin unlikely.
-std::optional<Light> LightOf(const std::vector<QRgb>& points,
-                             const std::optional<Chromaticity>& face) {
+std::optional<Light> LightOf(const std::vector<QRgb>& points, const std::optional<Skin>& face) {
     const Histograms histograms = ChromaticitiesOf(points);
-    const cv::Mat grey = GreyForEachLight(histograms);
-    std::optional<Light> light = face ? LightByFace(grey, *face) : std::nullopt;
+    const cv::Mat grey = GreyForEachLight(histograms, GreySpread);
+    std::optional<Light> light = face ? LightByFace(grey, histograms, *face) : std::nullopt;
     if (light) {
         return light;
     }

@@ -20,7 +20,8 @@ namespace kadrona::imaging {
 /// Electronics 52(2), 2006).
 ///
 /// `skin` is a part of the picture that is skin of a face, in pixels of the tile; empty where none
-/// is known. Its middle colour is a second witness: complexions in neutral light are much alike.
+/// is known. Its middle colour is a second witness: complexions in neutral light are much alike,
+/// and the brighter the less red.
 ///
 /// OpenCV's xphoto was weighed: its methods know no skin, and turn a face orange before a light
 /// blue wall. Throws platform::Error where memory is short.
