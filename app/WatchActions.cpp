@@ -1,5 +1,6 @@
 #include "app/WatchActions.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include "app/AtRest.h"
@@ -20,6 +21,8 @@ namespace kadrona::app {
 namespace {
 
 constexpr int FolderLookMilliseconds = 1000;
+/// A folder of ten thousand files takes a tenth of a second: of the time at most a part goes there.
+constexpr int LookShare = 20;
 /// Whoever looks for older ones opens the folder.
 constexpr int MostShown = 40;
 
@@ -78,7 +81,11 @@ void WatchActions::FollowSettings() {
 }
 
 void WatchActions::Look() {
-    if (watch_->Look()) {
+    QElapsedTimer time;
+    time.start();
+    const bool changed = watch_->Look();
+    timer_->setInterval(std::max(FolderLookMilliseconds, LookShare * int(time.elapsed())));
+    if (changed) {
         ShowFiles();
     }
     MakeOnePicture();
