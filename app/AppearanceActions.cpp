@@ -20,12 +20,12 @@ namespace {
 const QString ChoiceValue = u"Appearance"_s;
 
 /// As they are stored.
-enum Choice : int { AsDesktop, AlwaysLight, AlwaysDark };
+enum Appearance : int { AsDesktop, AlwaysLight, AlwaysDark };
 
-Choice Chosen() {
+Appearance Chosen() {
     try {
         const int value = platform::ReadRegistryInteger(ChoiceValue);
-        return value == AlwaysLight || value == AlwaysDark ? static_cast<Choice>(value) : AsDesktop;
+        return value == AlwaysLight || value == AlwaysDark ? static_cast<Appearance>(value) : AsDesktop;
     } catch (const platform::Error&) {
         return AsDesktop;
     }
@@ -42,7 +42,7 @@ bool DesktopIsDark() {
 
 void ApplyChosenAppearance() {
     const bool desktopIsDark = DesktopIsDark();
-    const Choice choice = Chosen();
+    const Appearance choice = Chosen();
     const bool dark = choice == AlwaysDark || (choice == AsDesktop && desktopIsDark);
     controls::ApplyTheme(*qApp, dark ? controls::Appearance::Dark : controls::Appearance::Light);
     QPalette view = QApplication::palette();
@@ -53,7 +53,7 @@ void ApplyChosenAppearance() {
 AppearanceActions::AppearanceActions(QMenu& menu) {
     auto* group = new QActionGroup(&menu);
     struct Row {
-        Choice choice;
+        Appearance choice;
         QString name;
         QString text;
     };
@@ -62,7 +62,7 @@ AppearanceActions::AppearanceActions(QMenu& menu) {
         Row{AlwaysLight, u"acAppearanceLight"_s, u"&Hell"_s},
         Row{AlwaysDark, u"acAppearanceDark"_s, u"&Dunkel"_s},
     };
-    const Choice chosen = Chosen();
+    const Appearance chosen = Chosen();
     for (const Row& row : rows) {
         QAction* action = menu.addAction(row.text);
         action->setObjectName(row.name);
