@@ -25,7 +25,8 @@ enum Appearance : int { AsDesktop, AlwaysLight, AlwaysDark };
 Appearance Chosen() {
     try {
         const int value = platform::ReadRegistryInteger(ChoiceValue);
-        return value == AlwaysLight || value == AlwaysDark ? static_cast<Appearance>(value) : AsDesktop;
+        return value == AlwaysLight || value == AlwaysDark ? static_cast<Appearance>(value)
+                                                           : AsDesktop;
     } catch (const platform::Error&) {
         return AsDesktop;
     }

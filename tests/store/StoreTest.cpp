@@ -151,6 +151,9 @@ TEST_F(DatabaseTest, SaysWhatStandsInTheWay) {
         const Transaction writing(other);
         EXPECT_TRUE(insertError().endsWith(u"Ein anderes Programm benutzt die Datenbank."_s));
     }
+    EXPECT_TRUE(TextOf<StoreError>([&] {
+                    database_.Execute(u"SELECT zeroblob(17000000)"_s);
+                }).endsWith(u"Der Wert ist zu groß."_s));
     database_.Execute(u"PRAGMA max_page_count = 8"_s);
     EXPECT_TRUE(insertError().endsWith(u"Auf dem Datenträger ist kein Platz mehr."_s));
     database_.Execute(u"PRAGMA query_only = 1"_s);
