@@ -20,12 +20,12 @@ namespace {
 const QString ChoiceValue = u"Appearance"_s;
 
 /// As they are stored.
-enum Appearance : int { AsDesktop, AlwaysLight, AlwaysDark };
+enum AppearanceChoice : int { AsDesktop, AlwaysLight, AlwaysDark };
 
-Appearance Chosen() {
+AppearanceChoice ChosenAppearance() {
     try {
         const int value = platform::ReadRegistryInteger(ChoiceValue);
-        return value == AlwaysLight || value == AlwaysDark ? static_cast<Appearance>(value)
+        return value == AlwaysLight || value == AlwaysDark ? static_cast<AppearanceChoice>(value)
                                                            : AsDesktop;
     } catch (const platform::Error&) {
         return AsDesktop;
@@ -43,7 +43,7 @@ bool DesktopIsDark() {
 
 void ApplyChosenAppearance() {
     const bool desktopIsDark = DesktopIsDark();
-    const Appearance choice = Chosen();
+    const AppearanceChoice choice = ChosenAppearance();
     const bool dark = choice == AlwaysDark || (choice == AsDesktop && desktopIsDark);
     controls::ApplyTheme(*qApp, dark ? controls::Appearance::Dark : controls::Appearance::Light);
     QPalette view = QApplication::palette();
@@ -54,7 +54,7 @@ void ApplyChosenAppearance() {
 AppearanceActions::AppearanceActions(QMenu& menu) {
     auto* group = new QActionGroup(&menu);
     struct Row {
-        Appearance choice;
+        AppearanceChoice choice;
         QString name;
         QString text;
     };
@@ -63,7 +63,7 @@ AppearanceActions::AppearanceActions(QMenu& menu) {
         Row{AlwaysLight, u"acAppearanceLight"_s, u"&Hell"_s},
         Row{AlwaysDark, u"acAppearanceDark"_s, u"&Dunkel"_s},
     };
-    const Appearance chosen = Chosen();
+    const AppearanceChoice chosen = ChosenAppearance();
     for (const Row& row : rows) {
         QAction* action = menu.addAction(row.text);
         action->setObjectName(row.name);

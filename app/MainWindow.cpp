@@ -11,6 +11,7 @@
 #include "app/ArchiveActions.h"
 #include "app/ColourTools.h"
 #include "app/FaceActions.h"
+#include "app/ManualActions.h"
 #include "app/OpenActions.h"
 #include "app/PaperActions.h"
 #include "app/PrintFlow.h"
@@ -31,7 +32,6 @@
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/FileNamePrompt.h"
 #include "dialogs/ImageTags.h"
-#include "dialogs/ManualWindow.h"
 #include "dialogs/RotateDialog.h"
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/curves/RgbCurves.h"
@@ -89,6 +89,8 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
     recentActions_ =
         std::make_unique<RecentActions>(*recentMenu_, *recentStrip_, session_,
                                         [this](const QString& path) { OpenDroppedFiles({path}); });
+    manualActions_ = std::make_unique<ManualActions>(
+        *this, platform::DeliveredFolder(data_->ProgramFolder(), u"Handbuch"_s), actions_);
     appearanceActions_ = std::make_unique<AppearanceActions>(*appearanceMenu_);
     connect(openActions_.get(), &OpenActions::PhotoRead, recentActions_.get(),
             &RecentActions::Remember);
@@ -147,7 +149,6 @@ void TmainFm::CreateReusedWindows() {
 
 void TmainFm::ConnectActions() {
     actions_.Connect(Action::About, this, [this] { about_->exec(); });
-    actions_.Connect(Action::Manual, this, [this] { ShowManual(); });
     actions_.Connect(Action::ShowConfig, this, [this] { settings_->ShowEx(); });
     actions_.Connect(Action::Close, this, [this] { close(); });
     connect(pictureCount_, &QComboBox::currentIndexChanged, &session_,
@@ -218,17 +219,6 @@ void TmainFm::closeEvent(QCloseEvent* event) {
 bool TmainFm::event(QEvent* event) {
     // A menu would clear the status bar of a hint that still holds; no action has a text for it.
     return event->type() == QEvent::StatusTip || QMainWindow::event(event);
-}
-
-void TmainFm::ShowManual() {
-    if (manual_ == nullptr) {
-        auto manual = std::make_unique<dialogs::ManualWindow>(this);
-        manual->Load(platform::DeliveredFolder(data_->ProgramFolder(), u"Handbuch"_s));
-        manual_ = manual.release();
-    }
-    manual_->show();
-    manual_->raise();
-    manual_->activateWindow();
 }
 
 /// The page of a maker that is none does not exist; what is known of the maker stands in "Über".

@@ -23,7 +23,6 @@ namespace kadrona::dialogs {
 class CheckSection;
 class SheetSection;
 class SidePanel;
-class ManualWindow;
 class TEinstellungenFm;
 class TFileNameFm;
 class TfmAbout;
@@ -41,6 +40,7 @@ class AppearanceActions;
 class ArchiveActions;
 class ColourTools;
 class FaceActions;
+class ManualActions;
 class OpenActions;
 class PaperActions;
 class PrintFlow;
@@ -87,7 +87,6 @@ class TmainFm : public QMainWindow {
     void ConnectActions();
     void FormDestroy();
     void ShowSession();
-    void ShowManual();
     void StatusBarPanel2Click();
 
     // Bars and panels (MainWindowLayout.cpp)
@@ -126,7 +125,6 @@ class TmainFm : public QMainWindow {
     dialogs::TEinstellungenFm* settings_ = nullptr;
     dialogs::TFileNameFm* fileNamePrompt_ = nullptr;
     dialogs::TfmAbout* about_ = nullptr;
-    dialogs::ManualWindow* manual_ = nullptr;
     dialogs::TfmImgSearch* archiveWindow_ = nullptr;
 
     std::unique_ptr<ViewActions> viewActions_;
@@ -134,6 +132,7 @@ class TmainFm : public QMainWindow {
     std::unique_ptr<OpenActions> openActions_;
     std::unique_ptr<RecentActions> recentActions_;
     std::unique_ptr<AppearanceActions> appearanceActions_;
+    std::unique_ptr<ManualActions> manualActions_;
     std::unique_ptr<PrintFlow> printFlow_;
     std::unique_ptr<SheetActions> sheetActions_;
     std::unique_ptr<UploadActions> uploadActions_;

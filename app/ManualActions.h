@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class QWidget;
+
+namespace kadrona::dialogs {
+class ManualWindow;
+}
+
+namespace kadrona::app {
+
+class MainActions;
+
+/// Opens the manual beside the work, by its action and, over a dialog that keeps all other windows
+/// from input, by F1. All that is given outlives the object.
+class ManualActions : public QObject {
+    Q_OBJECT
+
+ public:
+    /// `folder` holds the manual.
+    ManualActions(QWidget& window, const QString& folder, MainActions& actions);
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    void Show();
+
+    QWidget& window_;
+    QString folder_;
+    QPointer<dialogs::ManualWindow> manual_;
+};
+
+}  // namespace kadrona::app
