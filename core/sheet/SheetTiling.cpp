@@ -109,18 +109,34 @@ imaging::DotsPerInch SheetResolution(const SheetMaking& making, int width) {
     return making.paper.resolution.value_or(PrintResolution(width, {making.shape.canvas.width()}));
 }
 
-/// Throws where the sheet of a cut of that width cannot be made.
-void RequireSheet(const SheetMaking& making, int width, int layoutIndex) {
-    if (making.paper.paper) {
-        const PaperCanvas canvas(*making.paper.paper, SheetResolution(making, width));
-        RequiredLayout(making.paper, PrintedSize(making.shape.canvas), layoutIndex);
-    }
-}
-
 /// Of the bare grid, in pixels.
 int GridGap(const SheetMaking& making, imaging::DotsPerInch resolution) {
     return making.paper.gridGap ? PixelsOf(*making.paper.gridGap, resolution.value)
                                 : making.frameSize;
+}
+
+/// The size of a cut with its border on the bare grid. Throws where the border would fill the
+/// memory: another account may have written the profile.
+QSize RequiredBorder(const SheetMaking& making, QSize cut, int layoutIndex) {
+    constexpr qint64 MostPixels = 100'000'000;
+    const int gap = GridGap(making, PrintResolution(cut.width(), {making.shape.canvas.width()}));
+    const QSize bordered = BorderedSize(cut, gap, layoutIndex);
+    const auto area = [](QSize size) { return qint64{size.width()} * size.height(); };
+    if (area(bordered) - area(cut) > MostPixels) {
+        throw platform::Error(
+            u"Der Bildabstand von %1 Pixeln ist für diese Bilder zu groß."_s.arg(gap));
+    }
+    return bordered;
+}
+
+/// Throws where the sheet of a cut of that size cannot be made.
+void RequireSheet(const SheetMaking& making, QSize cut, int layoutIndex) {
+    if (making.paper.paper) {
+        const PaperCanvas canvas(*making.paper.paper, SheetResolution(making, cut.width()));
+        RequiredLayout(making.paper, PrintedSize(making.shape.canvas), layoutIndex);
+    } else {
+        RequiredBorder(making, cut, layoutIndex);
+    }
 }
 
 }  // namespace
@@ -128,7 +144,7 @@ int GridGap(const SheetMaking& making, imaging::DotsPerInch resolution) {
 void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
     image.SetCurrentLayer(1);
     const QRect rectangle = image.LayerAt(1).rectangle;
-    RequireSheet(making, rectangle.width(), layoutIndex);
+    RequireSheet(making, rectangle.size(), layoutIndex);
     image.SetCurrentLayer(0);
     try {
         making.layout.Save(LayerSection(making.shape.name, image.Photo().Size()), rectangle);
@@ -146,9 +162,11 @@ void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
                const std::optional<OriginalToKeep>& original) {
     const QSize photo = image.Photo().Size();
     image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
-    const QSize bordered = BorderedSize(photo, GridGap(making, image.Resolution()), layoutIndex);
-    if (bordered != photo && !making.paper.paper) {
-        image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
+    if (!making.paper.paper) {
+        const QSize bordered = RequiredBorder(making, photo, layoutIndex);
+        if (bordered != photo) {
+            image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
+        }
     }
     if (making.settings.ImageAutoSave()) {
         ArchiveSinglePhoto(image, making, original);

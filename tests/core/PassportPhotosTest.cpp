@@ -77,6 +77,10 @@ TEST_F(PassportPhotos, TheSheetIsCutBorderedTurnedAndRepeated) {
         EXPECT_EQ(image.Photo().Size(), sheet) << layout;
         EXPECT_EQ(image.Resolution().value, 300);
     }
+    OpenGrey(500, 600);
+    data.SetFrameSize(20'000);
+    EXPECT_THROW(data.CropImage(image, 0), platform::Error) << "of somebody else's profile";
+    EXPECT_EQ(image.Photo().Size(), QSize(500, 600));
     OpenPhoto(Picture({"rg-", "by-", "---"}));
     image.SetLayerRectangle(1, QRect(0, 0, 2, 2));
     data.SetFrameSize(2);
