@@ -101,7 +101,7 @@ void MeasureServer(const QString& folder, const std::vector<double>& file) {
         store::SqliteDatabase source(folder);
         const auto target = core::OpenServer(address, std::chrono::seconds(60));
         std::printf("transferring them to the server: %.0f ms\n", Milliseconds([&] {
-                        core::TransferArchive(source, *target, [](qint64, qint64) { return true; });
+                        core::TransferArchive(source, *target, platform::NoProgress);
                     }));
         target->Execute(u"ANALYZE"_s);
     }

@@ -59,7 +59,7 @@ void TData::OpenDatabase() {
 }
 
 TransferResult TData::TransferArchiveTo(const store::ServerAddress& server,
-                                        const TransferProgress& progress) const {
+                                        const platform::Progress& progress) const {
     constexpr std::chrono::seconds Patience(20);  // much is written at once, and the user sees it
     store::SqliteDatabase source(folders_.database);
     CreateArchive(source);

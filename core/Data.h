@@ -149,9 +149,9 @@ class TData {
     /// is said, and only keeps the archive closed. Throws platform::Error.
     void OpenDatabase();
     PhotoArchive& Archiving() { return archive_; }
-    /// Copies the records of this machine's database to a server. Throws platform::Error.
+    /// TransferArchive from this machine's database to a server. Throws platform::Error.
     TransferResult TransferArchiveTo(const store::ServerAddress& server,
-                                     const TransferProgress& progress) const;
+                                     const platform::Progress& progress) const;
     ArchiveTable* Archive() { return archive_.Table(); }
     /// What it lies in, for the upkeep of the archive. Throws platform::Error where there is none.
     store::Database& ArchiveDatabase() { return archive_.Database(); }

@@ -21,7 +21,8 @@ using Task = ArchiveRequest::Task;
 constexpr std::array Tasks{std::pair(QLatin1StringView("backup"), Task::BackUp),
                            std::pair(QLatin1StringView("check"), Task::Check),
                            std::pair(QLatin1StringView("rebuild"), Task::Rebuild),
-                           std::pair(QLatin1StringView("export"), Task::Export)};
+                           std::pair(QLatin1StringView("export"), Task::Export),
+                           std::pair(QLatin1StringView("transfer"), Task::Transfer)};
 
 /// A line for each thing that is begun.
 platform::Progress Lines(QTextStream& output) {
@@ -96,6 +97,19 @@ int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& o
     return Result(result.failures, errors);
 }
 
+/// To the server of the settings, whether it is in use yet or not.
+int Transfer(core::TData& data, QTextStream& output) {
+    const core::ArchiveServer server = core::StoredArchiveServer();
+    if (server.address.host.isEmpty()) {
+        throw UsageError(u"In den Einstellungen ist kein Server angegeben."_s);
+    }
+    const core::TransferResult result = data.TransferArchiveTo(server.address, Lines(output));
+    output << u"%1 Datensätze, %2 davon neu übertragen, alle verglichen."_s.arg(result.records)
+                  .arg(result.copied)
+           << Qt::endl;
+    return Done;
+}
+
 }  // namespace
 
 ArchiveRequest ParseArchiveRequest(const QStringList& arguments) {
@@ -108,7 +122,9 @@ ArchiveRequest ParseArchiveRequest(const QStringList& arguments) {
     const auto* const task = std::ranges::find_if(
         Tasks, [&](const auto& known) { return words == QStringList(known.first); });
     if (task == Tasks.end()) {
-        throw UsageError(u"„archive“ erwartet genau eines von backup, check, rebuild, export."_s);
+        throw UsageError(
+            u"„archive“ erwartet genau eines von backup, check, rebuild, export, "
+            u"transfer."_s);
     }
     ArchiveRequest request{.task = task->second,
                            .folder = parser.value(u"folder"_s),
@@ -130,6 +146,9 @@ ArchiveRequest ParseArchiveRequest(const QStringList& arguments) {
 
 int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& output,
                 QTextStream& errors) {
+    if (request.task == Task::Transfer) {
+        return Transfer(data, output);
+    }
     ArchiveRequest known = request;
     if (known.folder.isEmpty()) {
         known.folder = core::TData::GetArchivPath();
@@ -148,6 +167,8 @@ int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& o
             return Rebuild(known, data, output, errors);
         case Task::Export:
             return ExportFound(known, data, output, errors);
+        case Task::Transfer:
+            break;
     }
     return WrongUsage;
 }

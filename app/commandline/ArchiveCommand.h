@@ -8,7 +8,7 @@ namespace kadrona::app {
 
 /// What "kadrona archive" is asked to do.
 struct ArchiveRequest {
-    enum class Task { BackUp, Check, Rebuild, Export };
+    enum class Task { BackUp, Check, Rebuild, Export, Transfer };
     Task task = Task::Check;
     /// The archive's; the user's own where it is empty.
     QString folder;

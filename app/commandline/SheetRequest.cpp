@@ -227,6 +227,8 @@ QString CommandLineHelp() {
       legt verlorene Datensätze aus den Schlagworten in den Fotos wieder an.
   kadrona archive export --search TEXT --out ORDNER [--folder ARCHIV]
       kopiert alles, was die Suche findet, mit seinen Daten (JSON, CSV).
+  kadrona archive transfer
+      überträgt die Datenbank dieses Rechners auf den Server der Einstellungen.
 
 Optionen von „sheet“:
   --template NAME         Schablone, wie sie im Programm heißt

@@ -3,12 +3,14 @@
 #include <QCryptographicHash>
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
 #include <vector>
 
 #include "core/archive/ArchiveSchema.h"
+#include "core/archive/KeepingSchema.h"
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
@@ -28,6 +30,7 @@ const QString Fields =
     uR"("ImgName", "ImgType", "ImgMD5", "ImgErstellt", "ImgAblage", "ImgTags", "ImgThumb")"_s;
 constexpr size_t TextCount = 6;
 constexpr size_t Tags = 5;
+const QString CopyingText = u"Das Archiv wird übertragen …"_s;
 
 struct CopiedRecord {
     qint64 id = 0;
@@ -155,10 +158,65 @@ void Compare(store::Database& target, const std::vector<CopiedRecord>& records, 
     }
 }
 
+/// Goes through the source's records, a few at a time.
+void ForEachBatch(store::Database& source, const QString& what, qint64 all,
+                  const platform::Progress& progress,
+                  const std::function<void(const std::vector<CopiedRecord>&, qint64 after)>& use) {
+    qint64 after = std::numeric_limits<qint64>::min();
+    qint64 done = 0;
+    progress(what, 0, all);
+    for (auto records = NextRecords(source, after); !records.empty();
+         records = NextRecords(source, after)) {
+        use(records, after);
+        after = records.back().id;
+        done += static_cast<qint64>(records.size());
+        progress(what, done, all);
+    }
+}
+
+/// A row of what is kept beside the records; one that is there already stays as it is.
+void CopyRow(store::Database& target, const KeepingColumns& table, const store::Statement& row) {
+    const QString places = QStringList(table.columns.size(), u"?"_s).join(u", "_s);
+    store::Statement insert(target,
+                            uR"(INSERT INTO "%1" ("%2") VALUES (%3) ON CONFLICT DO NOTHING)"_s.arg(
+                                table.table, table.columns.join(uR"(", ")"_s), places));
+    for (int column = 0; column < table.columns.size(); ++column) {
+        insert.Bind(column + 1, row.Text(column));
+    }
+    insert.Step();
+}
+
+void CopyKeeping(store::Database& source, store::Database& target,
+                 const platform::Progress& progress) {
+    if (!HasKeeping(source)) {
+        return;
+    }
+    CreateKeeping(target);
+    for (const KeepingColumns& table : AllKeepingColumns()) {
+        store::Statement select(source, uR"(SELECT "%1" FROM "%2")"_s.arg(
+                                            table.columns.join(uR"(", ")"_s), table.table));
+        for (bool more = select.Step(); more;) {
+            progress(CopyingText, 0, 0);
+            store::Transaction transaction(target);
+            for (int i = 0; i < RecordsAtOnce && more; ++i) {
+                CopyRow(target, table, select);
+                more = select.Step();
+            }
+            transaction.Commit();
+        }
+    }
+}
+
+qint64 CountRecords(store::Database& database) {
+    store::Statement count(database, uR"(SELECT count(*) FROM "ImgDB")"_s);
+    count.Step();
+    return count.Integer(0);
+}
+
 }  // namespace
 
 TransferResult TransferArchive(store::Database& source, store::Database& target,
-                               const TransferProgress& progress) {
+                               const platform::Progress& progress) {
     RequireKnownVersion(target);
     CreateArchive(target);
     {
@@ -167,27 +225,13 @@ TransferResult TransferArchive(store::Database& source, store::Database& target,
         target.RaiseLastNumber(u"ImgDB"_s, u"ID"_s, source.LastNumber(u"ImgDB"_s, u"ID"_s));
         transaction.Commit();
     }
-    store::Statement count(source, uR"(SELECT count(*) FROM "ImgDB")"_s);
-    count.Step();
-    TransferResult result{.complete = false, .records = count.Integer(0), .copied = 0};
-    qint64 done = 0;
-    for (const bool copying : {true, false}) {
-        qint64 after = std::numeric_limits<qint64>::min();
-        for (auto records = NextRecords(source, after); !records.empty();
-             records = NextRecords(source, after)) {
-            if (copying) {
-                result.copied += Copy(target, records, after);
-            } else {
-                Compare(target, records, after);
-            }
-            after = records.back().id;
-            done += static_cast<qint64>(records.size());
-            if (!progress(done, 2 * result.records)) {
-                return result;
-            }
-        }
-    }
-    result.complete = true;
+    TransferResult result{.records = CountRecords(source), .copied = 0};
+    ForEachBatch(
+        source, CopyingText, result.records, progress,
+        [&](const auto& records, qint64 after) { result.copied += Copy(target, records, after); });
+    CopyKeeping(source, target, progress);
+    ForEachBatch(source, u"Die Bilder werden verglichen …"_s, result.records, progress,
+                 [&](const auto& records, qint64 after) { Compare(target, records, after); });
     return result;
 }
 

@@ -1,5 +1,6 @@
 #include "core/archive/KeepingSchema.h"
 
+#include <QRegularExpression>
 #include <array>
 
 #include "store/Transaction.h"
@@ -34,6 +35,19 @@ constexpr std::array KeepingTables{
 };
 
 }  // namespace
+
+std::vector<KeepingColumns> AllKeepingColumns() {
+    static const QRegularExpression name(u"\"(\\w+)\""_s);
+    std::vector<KeepingColumns> all;
+    for (const KeepingTable& table : KeepingTables) {
+        KeepingColumns known{.table = table.name, .columns = {}};
+        for (const auto& match : name.globalMatch(table.fields)) {
+            known.columns.append(match.captured(1));
+        }
+        all.push_back(std::move(known));
+    }
+    return all;
+}
 
 bool HasKeeping(store::Database& database) {
     return database.TableExists(KeepingTables.back().name);

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QStringList>
+#include <vector>
+
 #include "store/Database.h"
 
 namespace kadrona::core {
@@ -17,6 +20,13 @@ namespace kadrona::core {
 ///
 /// Throws store::StoreError.
 void CreateKeeping(store::Database& database);
+
+/// Those tables by their names, with their columns in order.
+struct KeepingColumns {
+    QString table;
+    QStringList columns;
+};
+std::vector<KeepingColumns> AllKeepingColumns();
 
 /// False where no version of the program that knows these tables has written to the database.
 bool HasKeeping(store::Database& database);

@@ -51,7 +51,7 @@ _kadrona() {
             fi
             ((cword > 1)) || mapfile -t COMPREPLY < <(compgen -W "sheet photo check archive" -- "$cur")
             if [[ ${words[1]} == archive ]]; then
-                mapfile -t COMPREPLY < <(compgen -W "backup check rebuild export" -- "$cur")
+                mapfile -t COMPREPLY < <(compgen -W "backup check rebuild export transfer" -- "$cur")
                 return
             fi
             _filedir

@@ -179,6 +179,13 @@ void PostgresDatabase::RaiseLastNumber(const QString& table, const QString& colu
         .Step();
 }
 
+void PostgresDatabase::Compact(const QString& /*fullTextIndex*/,
+                               const platform::Progress& progress) {
+    const auto tick = [&] { progress(u"Die Datenbank wird aufgeräumt …"_s, 0, 0); };
+    tick();
+    link_.RunWatched("VACUUM", tick);
+}
+
 QStringList PostgresDatabase::FullTextCreation(const QString& index) const {
     return {
         uR"(CREATE TABLE IF NOT EXISTS "%1" (rowid bigint PRIMARY KEY, "Words" text[] NOT NULL))"_s

@@ -35,6 +35,8 @@ class PostgresDatabase : public Database {
     QStringList Supplements(const ListedTable& table) const override;
     qint64 LastNumber(const QString& table, const QString& column) override;
     void RaiseLastNumber(const QString& table, const QString& column, qint64 number) override;
+    /// The server itself keeps what was deleted from its dumps; its files it tidies here.
+    void Compact(const QString& fullTextIndex, const platform::Progress& progress) override;
 
  private:
     std::unique_ptr<PreparedStatement> Prepare(const QString& sql) override;

@@ -5,9 +5,11 @@
 #include <poll.h>
 
 #include <QDeadlineTimer>
+#include <QScopeGuard>
 #include <array>
 #include <cerrno>
 
+#include "platform/Progress.h"
 #include "store/StoreError.h"
 #include "store/postgres/HostLookup.h"
 #include "store/postgres/ServerReason.h"
@@ -216,9 +218,14 @@ void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>&
 
 /// Hearing anything makes the patience begin anew: a long list over a slow net may take its time.
 void ServerLink::WaitUntilIdle() {
+    constexpr std::chrono::milliseconds BetweenTicks(100);
     while (PQisBusy(connection_.get()) != 0) {
-        if (WaitFor(POLLIN, QDeadlineTimer(patience_)) == 0) {
-            GiveUp(Silent.toString());
+        if (WaitFor(POLLIN, QDeadlineTimer(tick_ ? BetweenTicks : patience_)) == 0) {
+            if (!tick_) {
+                GiveUp(Silent.toString());
+            }
+            tick_();
+            continue;
         }
         if (PQconsumeInput(connection_.get()) == 0) {
             GiveUp(u"Der Server wurde beendet"_s);
@@ -240,6 +247,33 @@ ServerLink::Result ServerLink::Receive() {
             last = std::move(next);
         }
     }
+}
+
+void ServerLink::CancelStatement() {
+    const std::unique_ptr<PGcancel, void (*)(PGcancel*)> request(PQgetCancel(connection_.get()),
+                                                                 PQfreeCancel);
+    std::array<char, 256> reason{};
+    if (PQcancel(request.get(), reason.data(), static_cast<int>(reason.size())) == 0) {
+        Close();
+        return;
+    }
+    Receive();
+}
+
+void ServerLink::RunWatched(const QByteArray& sql, const std::function<void()>& tick) {
+    Run("SET statement_timeout = 0");
+    tick_ = tick;
+    const auto unwatched = qScopeGuard([this] { tick_ = {}; });
+    try {
+        Run(sql);
+    } catch (const platform::Cancelled&) {
+        tick_ = {};
+        CancelStatement();
+        Run("RESET statement_timeout");
+        throw;
+    }
+    tick_ = {};
+    Run("RESET statement_timeout");
 }
 
 void ServerLink::TakeNotices() {

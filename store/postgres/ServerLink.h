@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -43,6 +44,10 @@ class ServerLink {
     /// StoreError.
     Result Run(const QByteArray& sql, const std::vector<ServerParameter>& parameters = {});
 
+    /// Runs one statement that may take long; meanwhile `tick` is called several times a second,
+    /// and what it throws ends the statement.
+    void RunWatched(const QByteArray& sql, const std::function<void()>& tick);
+
     /// Whether a transaction is open, be it a failed one.
     bool InTransaction() const;
 
@@ -67,6 +72,7 @@ class ServerLink {
     void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters);
     Result Receive();
     void WaitUntilIdle();
+    void CancelStatement();
     short WaitFor(short events, const QDeadlineTimer& deadline);
     void TakeNotices();
     [[noreturn]] void GiveUp(const QString& reason);
@@ -77,6 +83,8 @@ class ServerLink {
     qint64 othersNotices_ = 0;
     qint64 ownChanges_ = 0;
     bool failed_ = false;
+    /// Who watches the statement that runs, instead of patience.
+    std::function<void()> tick_;
 };
 
 }  // namespace kadrona::store

@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 
 #include "core/archive/ArchiveSchema.h"
+#include "core/archive/KeepingSchema.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
 #include "store/Statement.h"
@@ -126,15 +127,19 @@ TEST_F(ArchiveServer, ATransferCanBeRepeated) {
     source.Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" IN (5, 450))"_s);
     const auto transfer = [&](int steps) {
         const auto target = core::OpenServer(server);
-        return core::TransferArchive(source, *target, [&](qint64, qint64) { return --steps > 0; });
+        return core::TransferArchive(source, *target, [&](const QString&, qint64, qint64) {
+            if (--steps < 0) {
+                throw platform::Cancelled();
+            }
+        });
     };
-    for (int steps = 1; steps < 6; ++steps) {
-        EXPECT_FALSE(transfer(steps).complete) << steps;
+    core::CreateKeeping(source);
+    source.Execute(uR"(INSERT INTO "ImgKeepUntil" VALUES (9, '2027-01-01'))"_s);
+    for (int steps = 0; steps < 9; ++steps) {
+        EXPECT_THROW(transfer(steps), platform::Cancelled) << steps;
     }
     EXPECT_EQ(transfer(99).records, 448);
-    const core::TransferResult last = transfer(99);
-    EXPECT_TRUE(last.complete);
-    EXPECT_EQ(last.copied, 0);
+    EXPECT_EQ(transfer(99).copied, 0);
 
     const auto target = core::OpenServer(server);
     core::ArchiveTable copied(*target);
@@ -145,7 +150,9 @@ TEST_F(ArchiveServer, ATransferCanBeRepeated) {
     EXPECT_EQ(copied.Ids(), std::vector<qint64>{10});
     copied.SetFilter({});
     EXPECT_EQ(copied.Insert(), 451) << "no number is given twice";
-    EXPECT_TRUE(transfer(99).complete) << "what was filed there since does not disturb";
+    EXPECT_EQ(transfer(99).copied, 0) << "what was filed there since does not disturb";
+    EXPECT_EQ(Column(*target, uR"(SELECT "ID" || "Until" FROM "ImgKeepUntil")"_s),
+              QStringList(u"92027-01-01"_s));
     copied.SetTags(7, u"anders"_s);
     EXPECT_TRUE(TextOf<store::StoreError>([&] { transfer(99); }).contains(u"Nummer 7 schon"_s));
 }

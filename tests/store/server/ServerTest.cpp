@@ -218,6 +218,32 @@ TEST_F(ServerTest, AServerThatIsGoneIsGivenUp) {
     EXPECT_EQ(Count(again), 0);
 }
 
+/// A statement that takes long is shown, and ends where the user gives it up.
+TEST_F(ServerTest, TidyingCanBeGivenUp) {
+    for (int i = 0; i < 50; ++i) {
+        Insert(database_, u"x"_s);
+    }
+    database_.Execute(u"DELETE FROM photos"_s);
+    EXPECT_THROW(
+        database_.Compact({}, [](const QString&, qint64, qint64) { throw platform::Cancelled(); }),
+        platform::Cancelled);
+    {
+        PostgresDatabase other(address_);
+        const Transaction reading(other);
+        other.Execute(u"LOCK TABLE photos"_s);
+        int ticks = 0;
+        EXPECT_THROW(database_.Compact({},
+                                       [&](const QString&, qint64, qint64) {
+                                           if (++ticks == 3) {
+                                               throw platform::Cancelled();
+                                           }
+                                       }),
+                     platform::Cancelled);
+    }
+    database_.Compact({}, platform::NoProgress);
+    EXPECT_EQ(Number(database_, u"SELECT pg_relation_size('photos')"_s), 0);
+}
+
 TEST_F(ServerTest, FindsWholeWordsWhateverTheirLength) {
     FullTextIndex index(database_, u"Tags"_s);
     database_.RunScript(index.Creation());
