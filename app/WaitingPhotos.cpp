@@ -1,6 +1,7 @@
 #include "app/WaitingPhotos.h"
 
 #include <QApplication>
+#include <QScopeGuard>
 #include <QTimer>
 #include <chrono>
 
@@ -8,6 +9,7 @@
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
+#include "store/StoreError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -43,22 +45,32 @@ void WaitingPhotos::Look() {
               u"erreichbar. Soll es jetzt archiviert werden?"_s
             : u"%1 Fotos warten darauf, archiviert zu werden, und das Bildarchiv ist wieder "
               u"erreichbar. Sollen sie jetzt archiviert werden?"_s.arg(names.size());
-    if (controls::AskYesNo(&window_, text)) {
+    const bool wanted = controls::AskYesNo(&window_, text);
+    const auto askNoMore = qScopeGuard([this] { declined_ = data_.Archiving().Queue().Waiting(); });
+    if (wanted) {
         FileAll(names);
-    } else {
-        declined_ = names;
     }
 }
 
-/// Ends with the first that cannot be filed: the others would fail for the same reason.
+/// One that has nowhere to go does not hold up the others.
 void WaitingPhotos::FileAll(const QStringList& names) {
     const controls::WaitCursor wait;
+    QString failure;
     for (const QString& name : names) {
-        if (data_.Archiving().FileWaiting(name) != core::Filing::Done) {
-            throw platform::Error(
-                u"Die wartenden Fotos konnten nicht archiviert werden: Das Bildarchiv oder sein "
-                u"Ordner ist nicht zugänglich. Sie warten weiter."_s);
+        try {
+            if (data_.Archiving().FileWaiting(name) != core::Filing::Done) {
+                failure = u"Das Bildarchiv oder sein Ordner ist nicht zugänglich."_s;
+            }
+        } catch (const store::ConnectionLost&) {
+            throw;
+        } catch (const platform::Error& error) {
+            failure = error.Text();
         }
+    }
+    if (!failure.isEmpty()) {
+        throw platform::Error(
+            u"Nicht alle wartenden Fotos konnten archiviert werden; diese warten weiter. "_s +
+            failure);
     }
 }
 

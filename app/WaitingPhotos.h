@@ -28,7 +28,8 @@ class WaitingPhotos : public QObject {
 
     core::TData& data_;
     QWidget& window_;
-    /// Those that the user did not want to file yet are not asked about again in this start.
+    /// Those that the user did not want to file yet, or that could not be, are not asked about
+    /// again in this start.
     QStringList declined_;
 };
 

@@ -25,8 +25,8 @@ class ArchiveWindow : public ::testing::Test {
     }
 
     /// Archived a minute after the one before.
-    qint64 AddRecord(const QString& tags) {
-        core::ArchiveTable& table = *data.Archive();
+    qint64 AddRecord(const QString& tags) { return AddRecord(*data.Archive(), tags); }
+    static qint64 AddRecord(core::ArchiveTable& table, const QString& tags) {
         const qint64 id = table.Insert();
         table.Fill({.id = id,
                     .name = u"2026_03_%1.jpg"_s.arg(id, 5, 10, QChar(u'0')),
@@ -241,6 +241,21 @@ TEST_F(ArchiveWindow, ACheckSaysWhatIsWrongAndWhatCanBeDone) {
             shown.close();
         },
         folder);
+}
+
+TEST_F(ArchiveWindow, ShowsWhatOthersFileAndChangeMeanwhile) {
+    AddRecord(u"a\r\n"_s);
+    Show([&](QWidget& shown) {
+        core::TData other(ui, installation.Folders());
+        other.InitSystem();
+        const qint64 id = AddRecord(*other.Archive(), u"neu\r\n"_s);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Grid().Cards().size() == 2; }, 2000));
+        Find(u"neu"_s);
+        EXPECT_THAT(Grid().Cards(), ElementsAre(id));
+        other.Archive()->SetTags(id, u"alt\r\n"_s);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Grid().Cards().empty(); }, 2000));
+        shown.close();
+    });
 }
 
 TEST_F(ArchiveWindow, RemembersItsSize) {

@@ -71,11 +71,12 @@ class FakeSettings : public core::Settings {
 };
 
 /// A program folder with templates and an empty place for data, gone with the object. The user's
-/// registry is a file in it as well.
+/// registry and the user's queue of photos are in it as well.
 class Installation {
  public:
     Installation() {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(Path("config")));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(Path("user")));
         QDir().mkpath(Path("program/Schablonen"));
         AddTemplate("Pass", "Pass.msk", 350, 450);
         AddTemplate("USA", "USA.msk", 508, 508);

@@ -23,7 +23,6 @@ namespace kadrona::testing {
 class ArchiveServer : public ::testing::Test {
  protected:
     ArchiveServer() {
-        qputenv("XDG_DATA_HOME", QFile::encodeName(installation.Path("user")));
         for (const char* folder : {"archive", "database"}) {
             QDir().mkpath(installation.Path(folder));
         }
