@@ -36,7 +36,6 @@
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/view/ImageView.h"
-#include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
 
@@ -89,8 +88,7 @@ void TmainFm::FormCreate(const core::Folders& folders, printing::PrinterLayer* p
     recentActions_ =
         std::make_unique<RecentActions>(*recentMenu_, *recentStrip_, session_,
                                         [this](const QString& path) { OpenDroppedFiles({path}); });
-    manualActions_ = std::make_unique<ManualActions>(
-        *this, platform::DeliveredFolder(data_->ProgramFolder(), u"Handbuch"_s), actions_);
+    manualActions_ = std::make_unique<ManualActions>(*this, data_->ProgramFolder(), actions_);
     appearanceActions_ = std::make_unique<AppearanceActions>(*appearanceMenu_);
     connect(openActions_.get(), &OpenActions::PhotoRead, recentActions_.get(),
             &RecentActions::Remember);
@@ -117,6 +115,12 @@ void TmainFm::CreateReusedWindows() {
     auto* curveDialog = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 
     ui_->SetDialogs(*tagEditor, *rotateDialog);
+    CreateActions(*curveDialog);
+    ConnectParts();
+}
+
+/// What the actions do, each group in a class of its own.
+void TmainFm::CreateActions(dialogs::TfmRGBKurve& curveDialog) {
     sheetActions_ = std::make_unique<SheetActions>(session_, *this, *data_, *settings_, *ui_,
                                                    actions_, *viewActions_, *printFlow_);
     uploadActions_ =
@@ -126,7 +130,7 @@ void TmainFm::CreateReusedWindows() {
                                          *archiveWindow_, actions_, *viewActions_, *printFlow_);
     waitingPhotos_ = std::make_unique<WaitingPhotos>(*data_, *this);
     colourTools_ =
-        std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, *curveDialog);
+        std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, curveDialog);
     retouchTool_ =
         std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
     faceActions_ =
@@ -139,6 +143,9 @@ void TmainFm::CreateReusedWindows() {
         session_,
         PaperActions::Surroundings{*this, *data_, *settings_, *ui_, actions_, *viewActions_,
                                    *printFlow_, *sidePanel_, *sheetSection_, *traySection_});
+}
+
+void TmainFm::ConnectParts() {
     archiveActions_->SetPaperSource(
         [this](const std::function<QSize()>& photo) { return paperActions_->PaperFor(photo); });
     archiveActions_->SetOriginalOpener(

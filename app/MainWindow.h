@@ -27,6 +27,7 @@ class TEinstellungenFm;
 class TFileNameFm;
 class TfmAbout;
 class TfmImgSearch;
+class TfmRGBKurve;
 class TraySection;
 }  // namespace kadrona::dialogs
 
@@ -84,6 +85,8 @@ class TmainFm : public QMainWindow {
     // Life (MainWindow.cpp)
     void FormCreate(const core::Folders& folders, printing::PrinterLayer* printer);
     void CreateReusedWindows();
+    void CreateActions(dialogs::TfmRGBKurve& curveDialog);
+    void ConnectParts();
     void ConnectActions();
     void FormDestroy();
     void ShowSession();

@@ -7,11 +7,14 @@
 #include "app/MainActions.h"
 #include "controls/messages/ActionGuard.h"
 #include "dialogs/ManualWindow.h"
+#include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
 
-ManualActions::ManualActions(QWidget& window, const QString& folder, MainActions& actions)
-    : window_(window), folder_(folder) {
+ManualActions::ManualActions(QWidget& window, const QString& programFolder, MainActions& actions)
+    : window_(window), programFolder_(programFolder) {
     actions.Connect(Action::Manual, this, [this] { Show(); });
     qApp->installEventFilter(this);
 }
@@ -37,7 +40,7 @@ void ManualActions::Show() {
     }
     if (!manual_) {
         auto manual = std::make_unique<dialogs::ManualWindow>(dialog ? dialog : &window_);
-        manual->Load(folder_);
+        manual->Load(platform::DeliveredFolder(programFolder_, u"Handbuch"_s));
         manual_ = manual.release();
     }
     manual_->show();

@@ -20,8 +20,8 @@ class ManualActions : public QObject {
     Q_OBJECT
 
  public:
-    /// `folder` holds the manual.
-    ManualActions(QWidget& window, const QString& folder, MainActions& actions);
+    /// The manual was delivered with the program in `programFolder`.
+    ManualActions(QWidget& window, const QString& programFolder, MainActions& actions);
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -30,7 +30,7 @@ class ManualActions : public QObject {
     void Show();
 
     QWidget& window_;
-    QString folder_;
+    QString programFolder_;
     QPointer<dialogs::ManualWindow> manual_;
 };
 

@@ -24,6 +24,25 @@ TEST_F(Story, AFirstStartShowsTheEmptyWindowInItsDesignedSize) {
     EXPECT_TRUE(IsEnabled(u"acOpen"_s) && !IsEnabled(u"acCrop"_s));
 }
 
+TEST_F(Story, TheManualOpensOverTheWindowAndOverADialogThatKeepsItFromInput) {
+    const auto isOver = [](const QWidget& parent) {
+        auto* manual = parent.findChild<QDialog*>(u"ManualWindow"_s, Qt::FindDirectChildrenOnly);
+        return manual != nullptr && manual->isVisible();
+    };
+    const QString folder = window->Data().ProgramFolder() + u"/Handbuch"_s;
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile text(folder + u"/Handbuch.md"_s);
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly) && text.write("# Handbuch\n") > 0);
+    text.close();
+    Trigger(u"acManual"_s);
+    EXPECT_TRUE(isOver(*window));
+    QDialog dialog(window.get());
+    dialog.setModal(true);
+    dialog.show();
+    QTest::keyClick(&dialog, Qt::Key_F1);
+    EXPECT_TRUE(isOver(dialog));
+}
+
 TEST_F(Story, APhotoBecomesASheet) {
     Open("photo.png");
     EXPECT_TRUE(window->View().isVisible());
