@@ -38,13 +38,17 @@ QString InMillimetres(TenthsOfMillimetre length) {
     return QString::number(length.value / 10.0) + u" mm"_s;
 }
 
-/// Collects the faults of a table, each with the line that it stands in.
+/// Collects the first faults of a table, each with the line that it stands in.
 class Faults {
  public:
     explicit Faults(QString path) : path_(std::move(path)) {}
 
     void SetLine(int line) { line_ = line; }
     void Add(const QString& reason) {
+        constexpr qsizetype MostTold = 20;
+        if (lines_.size() == MostTold) {
+            return;
+        }
         lines_ << u"%1:%2: %3"_s.arg(path_, QString::number(line_), reason);
     }
     void ThrowIfAny() const {
