@@ -70,7 +70,7 @@ TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
 TEST_F(FaceStory, TheOffersButtonsAreWholeInANarrowViewWithLargeLetters) {
     AwaitProposal();
     QFont large = window->font();
-    large.setPixelSize(26);
+    large.setPixelSize(34);
     Proposal().setFont(large);
     Trigger(u"acShowCheck"_s);
     QApplication::processEvents();
