@@ -21,6 +21,7 @@
 #include "controls/theme/Icons.h"
 #include "core/base/Product.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/ScrolledPage.h"
 #include "dialogs/side/CheckSection.h"
 #include "dialogs/side/SheetSection.h"
 #include "dialogs/side/SidePanel.h"
@@ -203,7 +204,7 @@ QWidget* TmainFm::BuildEmptyState() {
     recentStrip_->setObjectName(u"RecentStrip"_s);
     recentStrip_->setAccessibleName(u"Zuletzt geöffnete Fotos"_s);
     column->addWidget(recentStrip_);
-    return empty;
+    return new dialogs::ScrolledPage(empty);  // a small screen has no room for the strip
 }
 
 void TmainFm::BuildStatusBar() {
