@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QLocale>
-#include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -17,9 +16,9 @@
 #include "core/Data.h"
 #include "core/archive/ArchiveDeletion.h"
 #include "core/archive/ArchiveFiles.h"
-#include "core/archive/ArchiveOriginals.h"
+#include "core/archive/ArchiveRetention.h"
 #include "dialogs/ArchiveCards.h"
-#include "dialogs/ArchiveCheckDialog.h"
+#include "dialogs/ArchiveFilterBar.h"
 #include "dialogs/ImageTags.h"
 #include "dialogs/WindowPlacement.h"
 #include "platform/Error.h"
@@ -57,6 +56,7 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
       cards_(std::make_unique<ArchiveCards>(data)),
       upkeep_(data, *this),
       findPanel_(new controls::FindPanel(this)),
+      filterBar_(new ArchiveFilterBar(this)),
       grid_(new controls::CardGrid(this)),
       look_(new QTimer(this)) {
     setObjectName(LayoutSection);
@@ -65,6 +65,8 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
     BuildLayout();
     connect(findPanel_, &controls::FindPanel::Searched, this,
             [this](const QString& text) { controls::Guarded(this, [&] { Search(text); }); });
+    connect(filterBar_, &ArchiveFilterBar::Changed, this,
+            [this] { controls::Guarded(this, [this] { ListAgain(); }); });
     connect(findPanel_, &controls::FindPanel::Left, grid_,
             [this] { grid_->setFocus(Qt::OtherFocusReason); });
     connect(grid_, &controls::CardGrid::CurrentChanged, this, [this] {
@@ -123,30 +125,6 @@ void TfmImgSearch::Choose(Choice choice) {
     accept();
 }
 
-void TfmImgSearch::BuildArchiveMenu() {
-    acArchive_ = AddAction(u"acArchive"_s, u"Archiv"_s, u"archive"_s);
-    auto* menu = new QMenu(this);
-    acArchive_->setMenu(menu);
-    const auto add = [&](const QString& name, const QString& caption,
-                         void (TfmImgSearch::*execute)()) {
-        QAction* action = AddAction(name, caption, {});
-        connect(action, &QAction::triggered, this,
-                [this, execute] { controls::Guarded(this, [&] { (this->*execute)(); }); });
-        menu->addAction(action);
-        return action;
-    };
-    acExport_ = add(u"acExport"_s, u"Ausgewählte &exportieren …"_s, &TfmImgSearch::acExportExecute);
-    acExportFound_ = add(u"acExportFound"_s, u"Alle &gefundenen exportieren …"_s,
-                         &TfmImgSearch::acExportFoundExecute);
-    acDeleteFound_ = add(u"acDeleteFound"_s, u"Alle ge&fundenen löschen …"_s,
-                         &TfmImgSearch::acDeleteFoundExecute);
-    menu->addSeparator();
-    add(u"acBackUp"_s, u"Archiv &sichern …"_s, &TfmImgSearch::acBackUpExecute);
-    add(u"acCheck"_s, u"Archiv &prüfen …"_s, &TfmImgSearch::acCheckExecute);
-    acDeleteBlank_ = add(u"acDeleteBlank"_s, u"&Leere Datensätze löschen …"_s,
-                         &TfmImgSearch::acDeleteBlankExecute);
-}
-
 void TfmImgSearch::BuildLayout() {
     auto* bar = new controls::CommandBar(u"Bild Archiv"_s, this);
     for (QAction* action : {acPrintImg_, acEditTags_, acRecut_, acDelete_, acArchive_, acClose_}) {
@@ -165,7 +143,7 @@ void TfmImgSearch::BuildLayout() {
         u"-Berlin: das Wort kommt nicht vor"_s);
     grid_->setObjectName(u"CardGrid"_s);
     grid_->setAccessibleName(u"Archivierte Bilder"_s);
-    grid_->addActions({acPrintImg_, acPrintNow_, acEditTags_, acRecut_, acDelete_});
+    grid_->addActions({acPrintImg_, acPrintNow_, acEditTags_, acRecut_, acKeepUntil_, acDelete_});
     grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     auto* layout = new QVBoxLayout(this);
@@ -173,6 +151,7 @@ void TfmImgSearch::BuildLayout() {
     layout->setSpacing(0);
     layout->addWidget(bar);
     layout->addWidget(findPanel_);
+    layout->addWidget(filterBar_);
     layout->addWidget(grid_, 1);
     setMinimumSize(LeastSize);
     resize(WithinScreen(*this, StartSize()));
@@ -209,7 +188,8 @@ void TfmImgSearch::ListAll() {
     table.SetFilter({});
     grid_->SetSource(cards_.get());
     findPanel_->Clear();
-    recordCount_ = 0;
+    filterBar_->Reset();
+    acDue_->setChecked(false);
     ShowCards(table.Ids(), controls::CardGrid::Position::Start);
 }
 
@@ -218,25 +198,31 @@ void TfmImgSearch::Search(const QString& text) {
     ShowCards(OpenArchive(data_).Find(text), text.isEmpty() ? Position::Keep : Position::Start);
 }
 
-/// After records have gone.
+/// What is shown may be gone, or other photos than before.
 void TfmImgSearch::ListAgain() {
-    recordCount_ = 0;
-    const QString text = findPanel_->Text();
-    if (!text.isEmpty()) {
-        ShowCards(OpenArchive(data_).Ids(), controls::CardGrid::Position::Keep);  // counts them
-    }
-    ShowCards(OpenArchive(data_).Find(text), controls::CardGrid::Position::Keep);
+    ShowCards(OpenArchive(data_).Find(findPanel_->Text()), controls::CardGrid::Position::Keep);
 }
 
 void TfmImgSearch::ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position) {
-    blank_ = core::BlankRecords(data_.ArchiveDatabase());
+    store::Database& database = data_.ArchiveDatabase();
+    blank_ = core::BlankRecords(database);
     std::erase_if(ids,
                   [&](qint64 id) { return std::binary_search(blank_.begin(), blank_.end(), id); });
-    grid_->SetCards(std::move(ids), position);
-    // Others may have archived since the window was opened.
-    recordCount_ = findPanel_->Text().isEmpty() ? grid_->Cards().size()
-                                                : std::max(recordCount_, grid_->Cards().size());
+    if (acDue_->isChecked()) {
+        const std::vector<qint64> due = core::FindDuePhotos(database, Today()).ids;
+        std::erase_if(ids,
+                      [&](qint64 id) { return !std::binary_search(due.begin(), due.end(), id); });
+    }
+    grid_->SetCards(
+        core::Arranged(database, std::move(ids), filterBar_->Period(), filterBar_->Order()),
+        position);
+    recordCount_ = OpenArchive(data_).Ids().size() - blank_.size();
     ShowState();
+}
+
+bool TfmImgSearch::IsNarrowed() const {
+    const core::ArchivePeriod period = filterBar_->Period();
+    return !findPanel_->Text().isEmpty() || period.from || period.to || acDue_->isChecked();
 }
 
 /// What another program has filed or changed, without leaving the place that the user looks at. Not
@@ -252,80 +238,26 @@ void TfmImgSearch::ShowChanges() {
 }
 
 void TfmImgSearch::ShowState() {
-    const bool searching = !findPanel_->Text().isEmpty();
-    QString hits = CountText(grid_->Cards().size(), recordCount_, searching);
-    if (!searching && !blank_.empty()) {
+    const bool narrowed = IsNarrowed();
+    QString hits = CountText(grid_->Cards().size(), recordCount_, narrowed);
+    if (!narrowed && !blank_.empty()) {
         hits += blank_.size() == 1 ? u", 1 leerer Datensatz"_s
                                    : u", %1 leere Datensätze"_s.arg(blank_.size());
     }
     findPanel_->SetHits(hits);
     acDeleteBlank_->setEnabled(!blank_.empty());
-    acExportFound_->setEnabled(searching && !grid_->Cards().empty());
-    acDeleteFound_->setEnabled(searching && !grid_->Cards().empty());
-    if (searching && recordCount_ > 0) {
+    acExportFound_->setEnabled(narrowed && !grid_->Cards().empty());
+    acDeleteFound_->setEnabled(narrowed && !grid_->Cards().empty());
+    if (acDue_->isChecked()) {
+        grid_->SetEmptyText(u"Kein Bild ist fällig."_s,
+                            u"„Archiv“, „Fällige Bilder“ zeigt wieder alle."_s);
+    } else if (narrowed && recordCount_ > 0) {
         grid_->SetEmptyText(u"Nichts gefunden."_s, u"Esc im Suchfeld zeigt wieder alle Bilder."_s);
     } else {
         grid_->SetEmptyText(
             u"Das Archiv ist noch leer."_s,
             u"Neue Passbilder kommen hierher, wenn in den Einstellungen „Automatisch im "
             u"Bildarchiv speichern“ eingeschaltet ist."_s);
-    }
-}
-
-/// A database that is gone is told by whoever does something with it.
-bool TfmImgSearch::HasOriginal(qint64 id) const {
-    try {
-        return core::ReadOriginal(data_.ArchiveDatabase(), id).has_value();
-    } catch (const platform::Error&) {
-        return false;
-    }
-}
-
-void TfmImgSearch::UpdateActions() {
-    const bool one = grid_->Current().has_value();
-    acPrintImg_->setEnabled(one);
-    acPrintNow_->setEnabled(one);
-    acEditTags_->setEnabled(one);
-    acRecut_->setEnabled(one && HasOriginal(*grid_->Current()));
-    const bool some = !grid_->Selected().empty();
-    acDelete_->setEnabled(some);
-    acExport_->setEnabled(some);
-}
-
-void TfmImgSearch::acDeleteExecute() {
-    if (upkeep_.Delete(grid_->Selected())) {
-        ListAgain();
-    }
-}
-
-void TfmImgSearch::acDeleteBlankExecute() {
-    if (upkeep_.DeleteBlank(blank_)) {
-        ListAgain();
-    }
-}
-
-void TfmImgSearch::acDeleteFoundExecute() {
-    if (upkeep_.Delete(grid_->Cards())) {
-        ListAgain();
-    }
-}
-
-void TfmImgSearch::acExportExecute() {
-    upkeep_.Export(grid_->Selected(), u"Export"_s);
-}
-
-void TfmImgSearch::acExportFoundExecute() {
-    upkeep_.Export(grid_->Cards(), u"Export "_s + findPanel_->Text());
-}
-
-void TfmImgSearch::acBackUpExecute() {
-    upkeep_.BackUp();
-}
-
-void TfmImgSearch::acCheckExecute() {
-    if (auto report = upkeep_.Check()) {
-        ArchiveCheckDialog(upkeep_, *std::move(report), archiveFolder_, this).ShowEx();
-        ListAgain();
     }
 }
 

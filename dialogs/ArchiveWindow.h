@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QDialog>
 #include <memory>
 #include <optional>
@@ -23,6 +24,7 @@ class TData;
 namespace kadrona::dialogs {
 
 class ArchiveCards;
+class ArchiveFilterBar;
 class TfmImageTagEdit;
 
 /// "Bild Archiv": every archived photo as a card, newest first, with a search over all that the
@@ -73,6 +75,11 @@ class TfmImgSearch : public QDialog {
     void acExportFoundExecute();
     void acBackUpExecute();
     void acCheckExecute();
+    void acDueExecute();
+    void acKeepUntilExecute();
+    void acRetentionExecute();
+    bool IsNarrowed() const;
+    QDate Today() const;
     bool HasOriginal(qint64 id) const;
     void UpdateActions();
 
@@ -86,6 +93,7 @@ class TfmImgSearch : public QDialog {
     /// The records without a photo, in ascending order.
     std::vector<qint64> blank_;
     controls::FindPanel* findPanel_;
+    ArchiveFilterBar* filterBar_;
     controls::CardGrid* grid_;
     /// When to look for what other programs have changed.
     QTimer* look_;
@@ -96,6 +104,8 @@ class TfmImgSearch : public QDialog {
     QAction* acDelete_ = nullptr;
     QAction* acArchive_ = nullptr;
     QAction* acDeleteBlank_ = nullptr;
+    QAction* acDue_ = nullptr;
+    QAction* acKeepUntil_ = nullptr;
     QAction* acDeleteFound_ = nullptr;
     QAction* acExport_ = nullptr;
     QAction* acExportFound_ = nullptr;

@@ -1,7 +1,6 @@
 #include "store/Database.h"
 
 #include "store/Statement.h"
-#include "store/StoreError.h"
 #include "store/Transaction.h"
 
 namespace kadrona::store {
@@ -24,9 +23,8 @@ void Database::RunScript(const QStringList& statements) {
 
 void Database::Compact(const QString& /*fullTextIndex*/, const platform::Progress& /*progress*/) {}
 
-void Database::CopyTo(const QString& /*path*/, const platform::Progress& /*progress*/) {
-    throw StoreError(
-        u"Die Datenbank „%1“ kann nur auf ihrem Server gesichert werden."_s.arg(name_));
+bool Database::CopyTo(const QString& /*path*/, const platform::Progress& /*progress*/) {
+    return false;
 }
 
 void Database::RemoveFullText(const QString& index, qint64 row) {

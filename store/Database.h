@@ -98,9 +98,9 @@ class Database {
 
     /// Copies the database while it is in use to a file that SqliteDatabase opens, as it is at one
     /// moment: what is written meanwhile is in the copy or begins it anew. A file of that name is
-    /// replaced. Throws StoreError, also where this kind of database cannot be copied so, and
+    /// replaced. False where this kind of database cannot be copied so. Throws StoreError and
     /// platform::Cancelled; no file is left then.
-    virtual void CopyTo(const QString& path, const platform::Progress& progress);
+    virtual bool CopyTo(const QString& path, const platform::Progress& progress);
 
  protected:
     explicit Database(QString name) : name_(std::move(name)) {}

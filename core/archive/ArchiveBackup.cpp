@@ -11,11 +11,13 @@
 #include <cstdio>
 
 #include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveTransfer.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
 #include "store/Statement.h"
+#include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
 
@@ -80,19 +82,37 @@ class BackupRun {
     Backup Run() {
         const QString waiting = platform::JoinPath(target_, WaitingDatabase);
         const auto clean = qScopeGuard([&] { QFile::remove(waiting); });
-        database_.CopyTo(waiting, progress_);
+        if (!database_.CopyTo(waiting, progress_)) {
+            CopyRecords(waiting);
+        }
         CopyFiles();
         RemoveDeleted();
-        const QString final = platform::JoinPath(target_, CopiedDatabase);
-        if (rename(QFile::encodeName(waiting).constData(), QFile::encodeName(final).constData()) !=
-            0) {
-            throw platform::FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
-                final, platform::SystemReason(errno)));
-        }
+        Rename(waiting, platform::JoinPath(target_, CopiedDatabase));
         return std::move(backup_);
     }
 
  private:
+    /// Of a server: into a file of our own, made in a folder that goes again.
+    void CopyRecords(const QString& waiting) {
+        const QString folder = platform::JoinPath(target_, u"neu"_s);
+        const auto clean = qScopeGuard([&] { QDir(folder).removeRecursively(); });
+        if (!platform::CreateFolder(folder)) {
+            throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
+        }
+        {
+            store::SqliteDatabase copy(folder);
+            TransferArchive(database_, copy, progress_);
+        }
+        Rename(platform::JoinPath(folder, CopiedDatabase), waiting);
+    }
+
+    static void Rename(const QString& from, const QString& to) {
+        if (rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
+            throw platform::FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
+                to, platform::SystemReason(errno)));
+        }
+    }
+
     void CopyFiles() {
         const QHash<QString, FileDigest> digests = KnownDigests(database_, from_);
         QStringList paths;

@@ -75,7 +75,7 @@ void MakeCopyFile(const QString& path) {
 
 }  // namespace
 
-void SqliteDatabase::CopyTo(const QString& path, const platform::Progress& progress) {
+bool SqliteDatabase::CopyTo(const QString& path, const platform::Progress& progress) {
     MakeCopyFile(path);
     auto remove = qScopeGuard([&] { QFile::remove(path); });
     {
@@ -93,6 +93,7 @@ void SqliteDatabase::CopyTo(const QString& path, const platform::Progress& progr
         }
     }
     remove.dismiss();
+    return true;
 }
 
 }  // namespace kadrona::store

@@ -32,7 +32,7 @@ class SqliteDatabase : public Database {
     /// A file that was made without the room for this is written anew once, which takes its size
     /// again on the disk.
     void Compact(const QString& fullTextIndex, const platform::Progress& progress) override;
-    void CopyTo(const QString& path, const platform::Progress& progress) override;
+    bool CopyTo(const QString& path, const platform::Progress& progress) override;
 
  private:
     struct Closer {

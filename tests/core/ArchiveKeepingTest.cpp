@@ -4,6 +4,8 @@
 #include "core/archive/ArchiveCheck.h"
 #include "core/archive/ArchiveDeletion.h"
 #include "core/archive/ArchiveExport.h"
+#include "core/archive/ArchiveOrder.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/ArchiveRetention.h"
 #include "platform/AtomicFile.h"
@@ -49,7 +51,10 @@ class ArchiveKeeping : public Archive {
     }
 };
 
-TEST_F(ArchiveKeeping, DeletedPhotosLeaveNothingButTheirNumbers) {
+/// What only a file can meet.
+class ArchiveKeepingFile : public ArchiveKeeping {};
+
+TEST_F(ArchiveKeepingFile, DeletedPhotosLeaveNothingButTheirNumbers) {
     for (int i = 0; i < 40; ++i) {
         for (const QString& tags : {u"Bleibtreu%1\r\n"_s, u"Löschner%1\r\nGeheimdorf\r\n"_s}) {
             image.SetIptc({});  // another customer's photo
@@ -187,6 +192,7 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
                  platform::Cancelled);
     EXPECT_EQ(QDir(target).entryList(QDir::Files), QStringList(u"KDRImageBase.db"_s));
     store::SqliteDatabase copied(target);
+    EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDeleted")"_s), QStringList(u"1"_s));
     EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDB" ORDER BY 1)"_s),
               QStringList({u"2"_s, u"3"_s}));
     EXPECT_EQ(DatabaseFault(copied), QString());
@@ -248,6 +254,53 @@ TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) 
 
     EXPECT_EQ(due(today.addDays(-1)), Ids()) << "the clock stands before the newest photo";
     EXPECT_TRUE(core::FindDuePhotos(Database(), today.addDays(-1)).refusal.contains(u"Uhr"));
+}
+
+TEST_F(ArchiveKeeping, PhotosAreListedByDayAndInOtherOrders) {
+    const QDate first(2026, 3, 1);
+    int day = 0;
+    for (const char* tags : {"Zoe", "anton", "Ärmel", "Anna"}) {
+        now = QDateTime(first.addDays(day++), QTime(23, 59));
+        File(QString::fromUtf8(tags) + u"\r\n"_s);
+    }
+    const auto arranged = [&](const core::ArchivePeriod& period, core::ArchiveOrder order) {
+        return core::Arranged(Database(), Table().Ids(), period, order);
+    };
+    using Order = core::ArchiveOrder;
+    EXPECT_EQ(arranged({}, Order::NewestFirst), Ids({4, 3, 2, 1}));
+    EXPECT_EQ(arranged({}, Order::OldestFirst), Ids({1, 2, 3, 4}));
+    EXPECT_EQ(arranged({}, Order::Tags), Ids({4, 2, 3, 1}));
+    EXPECT_EQ(arranged({}, Order::Template), Ids({4, 3, 2, 1})) << "all alike";
+    EXPECT_EQ(arranged({first.addDays(1), first.addDays(2)}, Order::NewestFirst), Ids({3, 2}));
+    EXPECT_EQ(arranged({.from = {}, .to = first}, Order::NewestFirst), Ids({1}));
+}
+
+TEST_F(ArchiveKeeping, AnOriginalIsKeptBesideThePhotoAndGoesWithIt) {
+    const QByteArray bytes = "not even a photo";
+    installation.Write("card/DSC_0001.NEF", bytes);
+    core::PhotoArchive& archive = data.Archiving();
+    core::PhotoToFile known{archiveFolder, u"Pass.msk"_s, u"a\r\n"_s, u"a"_s,
+                            core::OriginalToKeep{.file = installation.Path("card/DSC_0001.NEF"),
+                                                 .photo = {},
+                                                 .size = {800, 600},
+                                                 .rectangle = {10, 20, 350, 450},
+                                                 .changes = u"retuschiert"_s}};
+    ASSERT_EQ(archive.File(image, known), core::Filing::Done);
+    const QString path = archiveFolder + u"/Originale/2026/03/2026_03_00001.nef"_s;
+    EXPECT_EQ(platform::ReadWholeFile(path, 99), bytes);
+    const auto kept = core::ReadOriginal(Database(), 1).value();
+    EXPECT_EQ(kept.rectangle, QRect(10, 20, 350, 450));
+    EXPECT_EQ(kept.photo, QSize(800, 600));
+    EXPECT_EQ(kept.changes, u"retuschiert"_s);
+    EXPECT_EQ(Check().sound, 2);
+
+    known.original->file = installation.Path("card/none.NEF");
+    EXPECT_THROW(archive.File(image, known), platform::FileError);
+    EXPECT_EQ(FiledPhotos().size(), 1) << "no photo without the original that was asked for";
+
+    Delete({1, 2});
+    EXPECT_TRUE(QDir(archiveFolder).isEmpty());
+    EXPECT_FALSE(core::ReadOriginal(Database(), 1));
 }
 
 }  // namespace kadrona::testing
