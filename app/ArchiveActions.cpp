@@ -41,15 +41,29 @@ ArchiveActions::ArchiveActions(PhotoSession& session, imaging::view::ImageView& 
       viewActions_(viewActions),
       printFlow_(printFlow) {
     actions.Connect(Action::SearchArchiv, this, [this] { acSearchArchivExecute(); });
+    actions.Connect(Action::ArchivePhoto, this, [this] { acArchivePhotoExecute(); });
+}
+
+bool ArchiveActions::HasFolder() {
+    const bool has = !settings_.ImageDestinationDir().isEmpty();
+    if (!has) {
+        ui_.ShowMessage(
+            u"Sie haben kein Bilddatenbankverzeichnis in den Einstellungen angegeben"_s);
+    }
+    return has;
+}
+
+void ArchiveActions::acArchivePhotoExecute() {
+    if (HasFolder()) {
+        data_.ArchiveImage(session_.Image(), session_.Cut(), session_.LayoutIndex());
+    }
 }
 
 void ArchiveActions::acSearchArchivExecute() {
-    const QString folder = settings_.ImageDestinationDir();
-    if (folder.isEmpty()) {
-        ui_.ShowMessage(
-            u"Sie haben kein Bilddatenbankverzeichnis in den Einstellungen angegeben"_s);
+    if (!HasFolder()) {
         return;
     }
+    const QString folder = settings_.ImageDestinationDir();
     if (archive_.ShowEx(folder) != controls::ModalResult::Ok) {
         return;
     }

@@ -52,7 +52,9 @@ class ArchiveActions : public QObject {
 
  private:
     void acSearchArchivExecute();
+    void acArchivePhotoExecute();
     void OpenForPrinting(const QString& path, bool printNow);
+    bool HasFolder();
     void OpenForCutting(const QString& archiveFolder);
     void MakeSheet(const QString& path);
     bool LayOut();

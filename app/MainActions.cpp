@@ -89,6 +89,9 @@ constexpr std::array Definitions = {
                      UpdateRule::Editing},
     ActionDefinition{Action::Manual, u"acManual", u"Handbuch", u"Handbuch öffnen", u"F1", u"about",
                      -1, UpdateRule::None},
+    ActionDefinition{Action::ArchivePhoto, u"acArchivePhoto", u"Archivieren",
+                     u"Legt das fertige Passbild im Bildarchiv ab", u"", u"archive", -1,
+                     UpdateRule::MadeCut},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.
@@ -141,6 +144,8 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
         case UpdateRule::Cut:
             return {.enabled =
                         circumstances.cutKnown || (editable && circumstances.templateLoaded)};
+        case UpdateRule::MadeCut:
+            return {.enabled = circumstances.sheetCreated && circumstances.cutKnown};
         case UpdateRule::None:
             break;
     }

@@ -49,6 +49,7 @@ enum class Action {
     ShowSheet,
     AddToSheet,
     Manual,
+    ArchivePhoto,
 };
 
 /// What decides whether an action can be used, besides the settings.
@@ -73,6 +74,7 @@ enum class UpdateRule {
     PrintAgain,  ///< once a sheet was printed
     SaveFast,    ///< acSaveImageFastUpdate: a sheet of one photo
     Cut,         ///< while there is a cut photo, or a template to cut it by
+    MadeCut,     ///< once a sheet is made of a cut that is still known
 };
 
 /// One row of the list of actions.

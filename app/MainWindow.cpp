@@ -36,6 +36,7 @@
 #include "dialogs/SettingsDialog.h"
 #include "dialogs/curves/RgbCurves.h"
 #include "imaging/view/ImageView.h"
+#include "platform/Error.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
 
@@ -111,6 +112,7 @@ void TmainFm::CreateReusedWindows() {
                         {u"Schablonen"_s, data_->TemplateFolder()},
                         {u"Werte des Benutzers"_s, platform::RegistryFolder()}});
     auto* tagEditor = new dialogs::TfmImageTagEdit(this);
+    tagEditor->SetSuggestionSource([this] { return EarlierTags(); });
     archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor, this);
     auto* curveDialog = new dialogs::TfmRGBKurve(data_->CurvesFolder(), this);
 
@@ -152,6 +154,15 @@ void TmainFm::ConnectParts() {
         [this](const QString& path) { openActions_->OpenOriginal(path); });
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
+}
+
+/// An archive that is gone is told by what works on it.
+QStringList TmainFm::EarlierTags() const {
+    try {
+        return core::EarlierTags(data_->ArchiveDatabase());
+    } catch (const platform::Error&) {
+        return {};
+    }
 }
 
 void TmainFm::ConnectActions() {

@@ -87,6 +87,7 @@ class TmainFm : public QMainWindow {
     void CreateReusedWindows();
     void CreateActions(dialogs::TfmRGBKurve& curveDialog);
     void ConnectParts();
+    QStringList EarlierTags() const;
     void ConnectActions();
     void FormDestroy();
     void ShowSession();

@@ -59,8 +59,8 @@ void TmainFm::BuildCommandArea() {
         file->addAction(actions_[action]);
     }
     file->addSeparator();
-    for (const Action action :
-         {Action::Paste, Action::AddToSheet, Action::UploadFile, Action::PrintAgain}) {
+    for (const Action action : {Action::Paste, Action::AddToSheet, Action::UploadFile,
+                                Action::ArchivePhoto, Action::PrintAgain}) {
         file->addAction(actions_[action]);
     }
     recentMenu_ = file->addMenu(u"&Zuletzt geöffnet"_s);

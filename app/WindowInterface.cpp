@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "app/PictureFileDialog.h"
+#include "app/SmallPicture.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/base/FileDialogs.h"
@@ -28,10 +29,11 @@ bool WindowInterface::AskYesNo(const QString& text) {
     return controls::AskYesNo(TopWindow(), text, controls::Severity::Warning);
 }
 
-std::optional<QStringList> WindowInterface::EditTags() {
+std::optional<QStringList> WindowInterface::EditTags(const imaging::Pixels& photo) {
     const controls::WaitCursorPause pause;
     // Whose photo gets the tags is to be seen behind the editor.
     view_.Fit();
+    tagEditor_->SetPicture(QPixmap::fromImage(SmallPicture(photo)));
     if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
         return std::nullopt;
     }

@@ -33,7 +33,7 @@ class WindowInterface : public core::UserInterface {
 
     void ShowMessage(const QString& text) override;
     bool AskYesNo(const QString& text) override;
-    std::optional<QStringList> EditTags() override;
+    std::optional<QStringList> EditTags(const imaging::Pixels& photo) override;
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
     std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
 

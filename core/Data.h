@@ -89,6 +89,9 @@ class TData {
     void TileImage(imaging::LayeredImage& image, int layoutIndex) {
         TilePhoto(image, Making(), layoutIndex);
     }
+    void ArchiveImage(imaging::LayeredImage& sheet, const imaging::Pixels& cut, int layoutIndex) {
+        ArchiveCut(sheet, cut, Making(), layoutIndex);
+    }
     void RotateImage(imaging::LayeredImage& image) { LevelPhoto(image, ui_); }
 
     // Photo profiles

@@ -282,6 +282,7 @@ bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
 void TfmImgSearch::acEditTagsExecute() {
     const qint64 id = grid_->Current().value();
     const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), id);
+    tagEditor_.SetPicture(grid_->Picture(id));
     if (tagEditor_.ShowEx(record.tags) != controls::ModalResult::Ok) {
         return;
     }

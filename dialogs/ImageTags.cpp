@@ -1,23 +1,36 @@
 #include "dialogs/ImageTags.h"
 
 #include <QDialogButtonBox>
-#include <QPlainTextEdit>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "core/archive/ArchiveTable.h"
+#include "dialogs/TagMemo.h"
 #include "dialogs/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
 
+namespace {
+
+/// Logical pixels.
+constexpr QSize PictureBox(130, 180);
+
+}  // namespace
+
 TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     setObjectName(u"fmImageTagEdit"_s);
     setWindowTitle(u"Schlüsselworte"_s);
-    tagMemo_ = new QPlainTextEdit;
+    tagMemo_ = new TagMemo;
+    photo_ = new QLabel;
+    photo_->setObjectName(u"Photo"_s);
+    photo_->setAlignment(Qt::AlignTop);
     tagMemo_->setObjectName(u"TagMemo"_s);
     tagMemo_->setAccessibleName(u"Schlüsselworte"_s);
     tagMemo_->setPlaceholderText(u"Je Zeile ein Schlüsselwort, zum Beispiel der Name des Kunden"_s);
@@ -42,12 +55,23 @@ TfmImageTagEdit::TfmImageTagEdit(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(10);
-    layout->addWidget(tagMemo_, 1);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(10);
+    row->addWidget(photo_);
+    row->addWidget(tagMemo_, 1);
+    layout->addLayout(row, 1);
     layout->addWidget(buttons);
     setFixedSize(sizeHint().expandedTo(QSize(420, 280)));
 }
 
 controls::ModalResult TfmImageTagEdit::ShowEx(const QString& tags) {
+    tagMemo_->SetSuggestions(source_ ? source_() : QStringList());
+    const QPixmap picture = std::exchange(picture_, {});
+    photo_->setVisible(!picture.isNull());
+    photo_->setPixmap(picture.isNull()
+                          ? picture
+                          : picture.scaled(PictureBox * devicePixelRatioF(), Qt::KeepAspectRatio,
+                                           Qt::SmoothTransformation));
     tagMemo_->setPlainText(tags);
     tagMemo_->moveCursor(QTextCursor::End);
     tagMemo_->setFocus();

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <QDialog>
+#include <QPixmap>
 #include <QStringList>
+#include <functional>
 
 #include "controls/messages/ModalResult.h"
 
-class QPlainTextEdit;
+class QLabel;
 
 namespace kadrona::dialogs {
+
+class TagMemo;
 
 /// "Schlüsselworte": the free text that an archived photo is found by, a line for each keyword.
 class TfmImageTagEdit : public QDialog {
@@ -19,6 +23,11 @@ class TfmImageTagEdit : public QDialog {
     /// Shows the dialog modally with that text; returns Ok or Cancel.
     controls::ModalResult ShowEx(const QString& tags = {});
 
+    /// Whose photo the tags are for: shown beside them the next time, once.
+    void SetPicture(const QPixmap& picture) { picture_ = picture; }
+    /// Who is asked each time for the tags that are offered while the user types.
+    void SetSuggestionSource(std::function<QStringList()> source) { source_ = std::move(source); }
+
     /// The lines of the memo; a line break at its very end begins no further line.
     QStringList Lines() const;
     /// The lines with CR LF after each, the form in which tags are stored.
@@ -27,7 +36,10 @@ class TfmImageTagEdit : public QDialog {
     QString FirstLine() const { return Lines().value(0); }
 
  private:
-    QPlainTextEdit* tagMemo_;
+    TagMemo* tagMemo_;
+    QLabel* photo_;
+    QPixmap picture_;
+    std::function<QStringList()> source_;
 };
 
 }  // namespace kadrona::dialogs

@@ -77,6 +77,10 @@ std::vector<qint64> CardGrid::Selected() const {
     return keys;
 }
 
+QPixmap CardGrid::Picture(qint64 key) {
+    return cards_->Cache().Load(key).picture;
+}
+
 void CardGrid::Reload(qint64 key) {
     cards_->Reload(key);
 }

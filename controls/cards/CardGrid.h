@@ -50,6 +50,9 @@ class CardGrid : public QListView {
     /// unless the user took it out.
     std::vector<qint64> Selected() const;
 
+    /// The picture on a card; null where it has none.
+    QPixmap Picture(qint64 key);
+
     /// Reads a card anew when it is visible.
     void Reload(qint64 key);
     void ReloadAll();

@@ -29,8 +29,8 @@ class UserInterface {
     }
 
     /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
-    /// The image holds the single photo that gets them.
-    virtual std::optional<QStringList> EditTags() = 0;
+    /// `photo` is the single photo that gets them.
+    virtual std::optional<QStringList> EditTags(const imaging::Pixels& photo) = 0;
 
     /// Lets the user choose the file to save to, which may exist only where the user agreed to
     /// replace it. Nothing when cancelled.

@@ -54,7 +54,7 @@ QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive, const
 /// same.
 void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making,
                         const std::optional<OriginalToKeep>& original) {
-    const auto lines = making.ui.EditTags();
+    const auto lines = making.ui.EditTags(image.Photo());
     if (!lines) {
         return;
     }
@@ -139,7 +139,30 @@ void RequireSheet(const SheetMaking& making, QSize cut, int layoutIndex) {
     }
 }
 
+/// The single photo of a cut, as it is archived and repeated: with its resolution and border.
+void MakeSingle(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
+    const QSize photo = image.Photo().Size();
+    image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
+    if (making.paper.paper) {
+        return;
+    }
+    const QSize bordered = RequiredBorder(making, photo, layoutIndex);
+    if (bordered != photo) {
+        image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
+    }
+}
+
 }  // namespace
+
+void ArchiveCut(imaging::LayeredImage& image, const imaging::Pixels& cut, const SheetMaking& making,
+                int layoutIndex) {
+    imaging::LayeredImage single;
+    single.Open(cut, {});
+    single.SetIptc(image.Iptc());
+    MakeSingle(single, making, layoutIndex);
+    ArchiveSinglePhoto(single, making, {});
+    image.SetIptc(single.Iptc());
+}
 
 void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
     image.SetCurrentLayer(1);
@@ -161,13 +184,7 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
 void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex,
                const std::optional<OriginalToKeep>& original) {
     const QSize photo = image.Photo().Size();
-    image.SetResolution(PrintResolution(photo.width(), {making.shape.canvas.width()}));
-    if (!making.paper.paper) {
-        const QSize bordered = RequiredBorder(making, photo, layoutIndex);
-        if (bordered != photo) {
-            image.ChangePhoto(imaging::CanvasEnlarged(image.Photo(), bordered));
-        }
-    }
+    MakeSingle(image, making, layoutIndex);
     if (making.settings.ImageAutoSave()) {
         ArchiveSinglePhoto(image, making, original);
     }

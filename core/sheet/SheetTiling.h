@@ -38,6 +38,11 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
 void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex,
                const std::optional<OriginalToKeep>& original = {});
 
+/// Archives the single photo of a cut after its sheet was made. `image` is the sheet, which gets
+/// the tags.
+void ArchiveCut(imaging::LayeredImage& image, const imaging::Pixels& cut, const SheetMaking& making,
+                int layoutIndex);
+
 /// From a single photo to the sheet: turns it counter-clockwise where RotateBeforeTileImg is on and
 /// repeats it as the layout says. An index beyond the layouts repeats nothing.
 void LayOutCopies(imaging::LayeredImage& image, const Settings& settings, int layoutIndex);

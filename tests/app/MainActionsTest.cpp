@@ -45,7 +45,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
           Row{{.imageLoaded = true, .sheetCreated = true, .templateLoaded = true},
               always + u"acPrintImage acSave "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true},
-              always + u"acPrintImage acSave acUploadFile "_s},
+              always + u"acArchivePhoto acPrintImage acSave acUploadFile "_s},
           Row{SinglePhoto, always + u"acPrintImage acSave acSaveImageFast "_s},
           Row{{.canUndo = true}, always + u"acUndo "_s}}) {
         QStringList sorted = enabled.split(u' ', Qt::SkipEmptyParts);

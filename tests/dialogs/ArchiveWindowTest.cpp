@@ -1,4 +1,6 @@
+#include <QDateEdit>
 #include <QElapsedTimer>
+#include <QSpinBox>
 #include <QTreeWidget>
 
 #include "controls/cards/CardGrid.h"
@@ -217,6 +219,45 @@ TEST_F(ArchiveWindow, DeletesTheSelectedPhotosAfterAQuestionThatNamesThem) {
         },
         folder);
     EXPECT_EQ(data.Archive()->Ids(), (std::vector<qint64>{4, 1}));
+}
+
+TEST_F(ArchiveWindow, ListsWhatIsDueByThePeriodThatIsSet) {
+    core::NameSources sources;
+    sources.now = [] { return QDateTime(QDate(2026, 6, 7), QTime(9, 0)); };
+    data.SetNameSources(sources);
+    AddRecord(u"Anna\r\n"_s);
+    AddRecord(u"Bea\r\n"_s);
+    const auto limit = [&](const char* action, const std::function<void(QWidget&)>& set) {
+        driver.Expect(u"LimitDialog"_s, [set](QWidget& dialog) {
+            Child<QCheckBox>(dialog, "Limited").setChecked(true);
+            set(dialog);
+            ClickButton(dialog, "OkButton");
+        });
+        Action(action).trigger();
+    };
+    Show([&](QWidget& shown) {
+        Action("acDue").trigger();
+        EXPECT_EQ(Grid().EmptyHeading(), u"Kein Bild ist fällig."_s);
+        limit("acRetention", [](QWidget& dialog) {
+            auto& months = Child<QSpinBox>(dialog, "Limit");
+            months.setValue(0);
+            EXPECT_EQ(months.value(), 1);
+        });
+        EXPECT_THAT(Grid().Cards(), ElementsAre(2, 1));
+        EXPECT_EQ(Hits(), u"2 von 2"_s);
+        limit("acKeepUntil", [](QWidget& dialog) {
+            auto& day = Child<QDateEdit>(dialog, "Limit");
+            EXPECT_EQ(day.minimumDate(), QDate(2026, 6, 8));
+            day.setDate(QDate(2026, 6, 30));
+        });
+        EXPECT_THAT(Grid().Cards(), ElementsAre(1));
+        Action("acDue").trigger();
+        Child<QComboBox>(shown, "OrderBox").setCurrentIndex(1);
+        EXPECT_THAT(Grid().Cards(), ElementsAre(1, 2));
+        Child<QComboBox>(shown, "PeriodBox").setCurrentIndex(1);
+        EXPECT_THAT(Grid().Cards(), IsEmpty());
+        shown.close();
+    });
 }
 
 TEST_F(ArchiveWindow, ACheckSaysWhatIsWrongAndWhatCanBeDone) {

@@ -168,6 +168,27 @@ TEST(DialogButtons, ReturnConfirmsAlsoWhereTheDesktopPutsTheButtonsInAnotherOrde
     qApp->setStyleSheet({});
 }
 
+TEST(ImageTags, OffersEarlierTagsForTheLineThatIsTyped) {
+    ModalDriver driver;
+    dialogs::TfmImageTagEdit dialog;
+    dialog.SetSuggestionSource([] { return QStringList{u"Berlin"_s, u"Bea"_s, u"Anna"_s}; });
+    auto& memo = Child<QPlainTextEdit>(dialog, "TagMemo");
+    driver.Expect(u"fmImageTagEdit"_s, [&](QWidget& shown) {
+        auto& offered = Child<QAbstractItemView>(shown, "TagSuggestions");
+        QTest::keyClicks(&memo, u"Cora\nb"_s);
+        EXPECT_FALSE(offered.isVisible()) << "one letter is too few";
+        QTest::keyClicks(&memo, u"e"_s);
+        EXPECT_TRUE(offered.isVisible());
+        EXPECT_EQ(Items(offered), u"Berlin|Bea"_s);
+        QTest::keyClick(&offered, Qt::Key_Down);
+        QTest::keyClick(&offered, Qt::Key_Return);
+        EXPECT_EQ(memo.toPlainText(), u"Cora\nBerlin"_s);
+        EXPECT_FALSE(offered.isVisible());
+        shown.close();
+    });
+    dialog.ShowEx();
+}
+
 TEST(ImageTags, EveryLineEndsWithALineBreakAndComesBackUnchanged) {
     ModalDriver driver;
     dialogs::TfmImageTagEdit dialog;

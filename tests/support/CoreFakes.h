@@ -20,7 +20,7 @@ class FakeInterface : public core::UserInterface {
         messages.append(text);
         return !answers.isEmpty() && answers.takeFirst();
     }
-    std::optional<QStringList> EditTags() override {
+    std::optional<QStringList> EditTags(const imaging::Pixels& /*photo*/) override {
         ++tagEditorShown;
         return tags;
     }
