@@ -29,6 +29,8 @@ namespace {
 const QString BackupFolderValue = u"ArchiveBackupDir"_s;
 /// As many are named one by one.
 constexpr size_t MostNamed = 8;
+/// A share may take long to say whether a file is there.
+constexpr size_t MostLookedUp = 200;
 
 /// One line for one record.
 QString NameOf(const core::ArchiveRecord& record) {
@@ -60,9 +62,11 @@ QString ArchiveUpkeep::Question(const std::vector<qint64>& ids) const {
         if (i < MostNamed) {
             lines.append(NameOf(record));
         }
-        const QString path =
-            core::StoredFolderPath(folder_, core::StoredPath(record.folder, record.name));
-        missing += QFileInfo(path).isFile() ? 0 : 1;
+        if (i < MostLookedUp) {
+            const QString path =
+                core::StoredFolderPath(folder_, core::StoredPath(record.folder, record.name));
+            missing += QFileInfo(path).isFile() ? 0 : 1;
+        }
     }
     if (ids.size() > MostNamed) {
         lines.append(u"… und %1 weitere"_s.arg(ids.size() - MostNamed));

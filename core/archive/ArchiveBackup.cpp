@@ -44,8 +44,8 @@ void RequireTarget(const QString& archiveFolder, const QString& target) {
             u"darum."_s.arg(target));
     }
     const QDir content(target);
-    if (!content.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot) &&
-        !content.exists(CopiedDatabase) && !content.exists(BackupFiles)) {
+    // The folder of the files tells a backup from the folder of the database itself.
+    if (!content.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot) && !content.exists(BackupFiles)) {
         throw platform::FileError(
             u"Im Ordner „%1“ liegen andere Dateien. Wählen Sie einen leeren Ordner oder den der "
             u"letzten Sicherung."_s.arg(target));
@@ -82,6 +82,9 @@ class BackupRun {
     Backup Run() {
         const QString waiting = platform::JoinPath(target_, WaitingDatabase);
         const auto clean = qScopeGuard([&] { QFile::remove(waiting); });
+        if (!platform::CreateFolder(to_)) {
+            throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(to_));
+        }
         if (!database_.CopyTo(waiting, progress_)) {
             CopyRecords(waiting);
         }

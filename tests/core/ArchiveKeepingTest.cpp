@@ -198,7 +198,7 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     EXPECT_EQ(DatabaseFault(copied), QString());
 
     installation.Write("full/letter.odt", "x");
-    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""),
+    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""), databaseFolder,
                                  installation.Path("full"), installation.Path("none")}) {
         EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, wrong, platform::NoProgress),
                      platform::FileError)
