@@ -27,6 +27,7 @@
 #include "app/WindowPlace.h"
 #include "controls/fields/StatusPanels.h"
 #include "controls/messages/ActionGuard.h"
+#include "core/archive/EarlierTags.h"
 #include "core/base/Product.h"
 #include "dialogs/About.h"
 #include "dialogs/ArchiveWindow.h"

@@ -1,4 +1,5 @@
 #include <QClipboard>
+#include <QCompleter>
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QToolButton>
@@ -8,6 +9,7 @@
 #include "dialogs/ImageTags.h"
 #include "dialogs/ProfileChooser.h"
 #include "dialogs/SmallScreens.h"
+#include "dialogs/TagMemo.h"
 #include "dialogs/TemplateChooser.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Windows.h"
@@ -172,10 +174,12 @@ TEST(ImageTags, OffersEarlierTagsForTheLineThatIsTyped) {
     ModalDriver driver;
     dialogs::TfmImageTagEdit dialog;
     dialog.SetSuggestionSource([] { return QStringList{u"Berlin"_s, u"Bea"_s, u"Anna"_s}; });
-    auto& memo = Child<QPlainTextEdit>(dialog, "TagMemo");
+    auto& memo = Child<dialogs::TagMemo>(dialog, "TagMemo");
     driver.Expect(u"fmImageTagEdit"_s, [&](QWidget& shown) {
-        auto& offered = Child<QAbstractItemView>(shown, "TagSuggestions");
-        QTest::keyClicks(&memo, u"Cora\nb"_s);
+        QAbstractItemView& offered = *memo.Completer().popup();
+        memo.setPlainText(u"Cora\n"_s);
+        memo.moveCursor(QTextCursor::End);
+        QTest::keyClicks(&memo, u"b"_s);
         EXPECT_FALSE(offered.isVisible()) << "one letter is too few";
         QTest::keyClicks(&memo, u"e"_s);
         EXPECT_TRUE(offered.isVisible());
