@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QScopeGuard>
 #include <QTimer>
+#include <QWidget>
 #include <chrono>
 
 #include "controls/messages/ActionGuard.h"

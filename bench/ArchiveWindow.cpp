@@ -1,6 +1,8 @@
 // The archive window over 100,000 records (or as many as the argument says): how long it takes from
 // the call to the first painted cards, and how long a frame takes while it is scrolled. In a window
 // of 1920 x 1080 pixels, in processor time, so that whatever else the machine does is left out.
+// Beside a server (tests/store/with-server bench_archive_window) first over the file and then over
+// the server, in time that passes: waiting for an answer counts.
 
 #include "dialogs/ArchiveWindow.h"
 
@@ -10,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <functional>
@@ -21,6 +24,8 @@
 #include "controls/theme/Theme.h"
 #include "core/Data.h"
 #include "dialogs/ImageTags.h"
+#include "store/sqlite/SqliteDatabase.h"
+#include "tests/support/TestServer.h"
 
 using namespace Qt::StringLiterals;
 using namespace kadrona;
@@ -30,6 +35,11 @@ namespace {
 constexpr int Frames = 300;
 
 double Now() {
+    if (testing::OnServer()) {
+        const std::chrono::duration<double, std::milli> passed =
+            std::chrono::steady_clock::now().time_since_epoch();
+        return passed.count();
+    }
     return 1000.0 * static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
@@ -122,5 +132,14 @@ int main(int argc, char** argv) {
     data.CreateDB();
     std::printf("%d records\n", count);
     MeasureWindow(data);
+    if (testing::OnServer()) {
+        const store::ServerAddress server = testing::NewServerDatabase();
+        store::SqliteDatabase source(database);
+        const auto target = core::OpenServer(server, std::chrono::seconds(60));
+        core::TransferArchive(source, *target, platform::NoProgress);
+        data.Archiving().Connect(server);
+        std::printf("the same on a server\n");
+        MeasureWindow(data);
+    }
     return 0;
 }

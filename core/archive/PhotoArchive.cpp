@@ -40,7 +40,7 @@ void AsGeneralError(Operation operation) {
 /// The original of a photo that is being filed; it goes again unless it is kept.
 class KeptOriginal {
  public:
-    explicit KeptOriginal(const QString& archiveFolder) : archiveFolder_(archiveFolder) {}
+    explicit KeptOriginal(QString archiveFolder) : archiveFolder_(std::move(archiveFolder)) {}
     KeptOriginal(const KeptOriginal&) = delete;
     KeptOriginal& operator=(const KeptOriginal&) = delete;
     ~KeptOriginal() {
