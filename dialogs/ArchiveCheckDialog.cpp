@@ -31,7 +31,11 @@ QString Summary(const core::ArchiveReport& report) {
     const QString counts =
         u"%1 Datensätze, %2 Dateien unverändert, %3 zum ersten Mal aufgenommen."_s.arg(
             CountOf(report.records), CountOf(report.sound), CountOf(report.adopted));
-    return report.findings.empty() ? u"Das Archiv ist in Ordnung. "_s + counts : counts;
+    if (report.findings.empty()) {
+        return u"Das Archiv ist in Ordnung. "_s + counts;
+    }
+    const qint64 found = static_cast<qint64>(report.findings.size());
+    return (found == 1 ? u"Ein Befund. "_s : u"%1 Befunde. "_s.arg(CountOf(found))) + counts;
 }
 
 }  // namespace
@@ -69,10 +73,13 @@ void ArchiveCheckDialog::BuildLayout() {
     advice_->setMinimumHeight(2 * fontMetrics().lineSpacing());
     advice_->setAlignment(Qt::AlignTop);
     btnRemedy_->setObjectName(u"btnRemedy"_s);
+    // Return must not delete anything.
+    btnRemedy_->setAutoDefault(false);
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(btnRemedy_, QDialogButtonBox::ActionRole);
     auto* close = buttons->addButton(u"&Schließen"_s, QDialogButtonBox::RejectRole);
     close->setObjectName(u"btnClose"_s);
+    close->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);

@@ -43,7 +43,7 @@ ArchiveFilterBar::ArchiveFilterBar(QWidget* parent)
     auto* orderLabel = new QLabel(u"&Reihenfolge"_s);
     orderLabel->setBuddy(order_);
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(10, 0, 10, 6);
+    layout->setContentsMargins(10, 6, 10, 4);
     layout->setSpacing(6);
     for (QWidget* part : std::initializer_list<QWidget*>{periodLabel, period_, from_, to_}) {
         layout->addWidget(part);

@@ -34,10 +34,10 @@ constexpr size_t MostLookedUp = 200;
 
 /// One line for one record.
 QString NameOf(const core::ArchiveRecord& record) {
-    constexpr int MostCharacters = 60;
-    QStringList parts{core::ShownTime(record.created), record.name, ShownTags(record.tags)};
-    parts.removeAll(QString());
-    const QString line = parts.join(u" · "_s);
+    constexpr int MostCharacters = 46;
+    const QString tags = ShownTags(record.tags);
+    const QString line =
+        core::ShownTime(record.created) + u" · "_s + (tags.isEmpty() ? record.name : tags);
     return line.size() > MostCharacters ? line.left(MostCharacters) + u'…' : line;
 }
 

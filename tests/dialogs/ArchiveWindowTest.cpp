@@ -206,7 +206,7 @@ TEST_F(ArchiveWindow, DeletesTheSelectedPhotosAfterAQuestionThatNamesThem) {
             Grid().setFocus();
             QTest::keyClick(&Grid(), Qt::Key_Right);
             QTest::keyClick(&Grid(), Qt::Key_Right, Qt::ShiftModifier);
-            press({u"diese 2 Bilder"_s, u"2026_03_00003.jpg · Cora\n"_s, u"Bea"_s}, u"NoButton"_s);
+            press({u"diese 2 Bilder"_s, u"07.03.2026 14:03 · Cora\n"_s, u"Bea"_s}, u"NoButton"_s);
             EXPECT_EQ(Grid().Cards().size(), 4U);
             press({u"nicht zu finden ist: 2"_s}, u"YesButton"_s);
             EXPECT_THAT(Grid().Cards(), ElementsAre(4, 1));
