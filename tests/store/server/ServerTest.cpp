@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QElapsedTimer>
+#include <QRandomGenerator>
 #include <QTcpServer>
 #include <array>
 #include <thread>
@@ -248,11 +249,16 @@ TEST_F(ServerTest, FindsWholeWordsWhateverTheirLength) {
     FullTextIndex index(database_, u"Tags"_s);
     database_.RunScript(index.Creation());
     using Found = std::vector<qint64>;
+    QString word;  // that cannot be packed into the room of an index entry
+    QRandomGenerator random(1);
+    for (int i = 0; i < 20'000; ++i) {
+        word += QChar(u'a' + random.bounded(26));
+    }
     index.Set(3, u"Jürgen O'Neill\r\nGroß"_s);
     index.Set(1, u"Anna Müller"_s);
-    index.Set(2, u"MÜLLER, Anna-Sofie "_s + QString(100'000, u'ä'));
+    index.Set(2, u"MÜLLER, Anna-Sofie "_s + word);
     EXPECT_EQ(index.RowsWith(u"müller"_s), (Found{1, 2}));
-    EXPECT_EQ(index.RowsWith(QString(100'000, u'Ä') + u" Sofie Müller"_s), (Found{2}));
+    EXPECT_EQ(index.RowsWith(word.toUpper() + u" Sofie Müller"_s), (Found{2}));
     EXPECT_EQ(index.RowsWith(u"o'neill GROß"_s), (Found{3}));
     EXPECT_EQ(index.RowsWith(u"Müll \" %"_s), Found());
     index.Set(1, u"Wort "_s.repeated(200'000));
