@@ -68,10 +68,10 @@ std::optional<std::optional<int>> AskForPeriod(QWidget* parent, std::optional<in
     auto* limit = new QSpinBox;
     limit->setRange(1, core::LongestRetentionMonths);
     limit->setValue(months.value_or(Proposal));
-    LimitDialog dialog(parent, u"Aufbewahrung"_s, u"&Bilder werden fällig nach"_s, limit,
-                       u"Monaten"_s,
-                       u"Fällige Bilder löscht niemand von selbst: „Fällige Bilder“ zeigt sie, und "
-                       u"Sie löschen, was weg soll. Ein eigenes Löschdatum geht vor."_s);
+    LimitDialog dialog(
+        parent, u"Aufbewahrung"_s, u"&Bilder werden fällig nach"_s, limit, u"Monaten"_s,
+        u"Fällige Bilder werden nie von selbst gelöscht: „Fällige Bilder“ zeigt sie, und "
+        u"Sie löschen, was weg soll. Ein eigenes Löschdatum geht vor."_s);
     dialog.Limited().setChecked(months.has_value());
     limit->setEnabled(months.has_value());
     if (dialog.exec() != QDialog::Accepted) {

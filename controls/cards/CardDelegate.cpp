@@ -112,9 +112,8 @@ void CardDelegate::PaintFrame(QPainter& painter, const QRect& area, QStyle::Stat
     }
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setPen(QPen(border, width));
-    painter.setBrush(current   ? colors.accentTint
-                     : hovered ? colors.accentTint.lighter(102)
-                               : colors.content);
+    // What is under the mouse must not look selected where several are.
+    painter.setBrush(current ? colors.accentTint : colors.content);
     const double inset = width / 2;
     painter.drawRoundedRect(QRectF(area).adjusted(inset, inset, -inset, -inset), Radius, Radius);
     painter.setRenderHint(QPainter::Antialiasing, false);
