@@ -198,7 +198,8 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     EXPECT_EQ(DatabaseFault(copied), QString());
 
     installation.Write("full/letter.odt", "x");
-    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""), databaseFolder,
+    const QString inUse = OnServer() ? archiveFolder : databaseFolder;
+    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""), inUse,
                                  installation.Path("full"), installation.Path("none")}) {
         EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, wrong, platform::NoProgress),
                      platform::FileError)
