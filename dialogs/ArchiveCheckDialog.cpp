@@ -34,7 +34,7 @@ QString Summary(const core::ArchiveReport& report) {
     if (report.findings.empty()) {
         return u"Das Archiv ist in Ordnung. "_s + counts;
     }
-    const qint64 found = static_cast<qint64>(report.findings.size());
+    const auto found = static_cast<qint64>(report.findings.size());
     return (found == 1 ? u"Ein Befund. "_s : u"%1 Befunde. "_s.arg(CountOf(found))) + counts;
 }
 

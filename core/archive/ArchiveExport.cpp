@@ -28,7 +28,7 @@ QString NewFolder(const QString& target, const QString& title) {
     }
     for (int number = 1; number < MostTries; ++number) {
         const QString name = number == 1 ? title : u"%1 (%2)"_s.arg(title).arg(number);
-        const QString path = platform::JoinPath(target, name);
+        QString path = platform::JoinPath(target, name);
         if (!QFileInfo::exists(path)) {
             if (!platform::CreateFolder(path)) {
                 throw platform::FileError(
@@ -95,10 +95,10 @@ class ExportRun {
 
  private:
     /// The name of the copy; empty where there is none.
-    QString Copied(const QString& folder, const QString& stored, const QString& name) {
-        const QString path = StoredFolderPath(archiveFolder_, StoredPath(folder, stored));
+    QString Copied(const QString& storedFolder, const QString& storedName, const QString& name) {
+        const QString path = StoredFolderPath(archiveFolder_, StoredPath(storedFolder, storedName));
         try {
-            if (stored.isEmpty() || !IsInsideArchive(path, archiveFolder_) ||
+            if (storedName.isEmpty() || !IsInsideArchive(path, archiveFolder_) ||
                 !platform::IsFile(path)) {
                 throw platform::FileError(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
             }

@@ -22,8 +22,8 @@ namespace kadrona::core {
 namespace {
 
 platform::FileError FailedRemoval(const QString& path, const QString& reason) {
-    return platform::FileError(
-        u"Die Datei „%1“ konnte nicht gelöscht werden: %2."_s.arg(path, reason));
+    return platform::FileError{
+        u"Die Datei „%1“ konnte nicht gelöscht werden: %2."_s.arg(path, reason)};
 }
 
 /// Up to the archive's own folder, which stays.
