@@ -59,7 +59,8 @@ int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output)
     for (const core::ArchiveFinding& finding : report.findings) {
         const QString number = finding.id > 0 ? u" (Datensatz %1)"_s.arg(finding.id) : QString();
         output << HarmlessText(
-                      u"%1%2: %3"_s.arg(core::TextOf(finding.fault).heading, number, finding.path))
+                      u"%1%2%3"_s.arg(core::TextOf(finding.fault).heading, number,
+                                      finding.path.isEmpty() ? QString() : u": "_s + finding.path))
                << Qt::endl;
     }
     output << u"%1 Datensätze, %2 Dateien unverändert, %3 neu aufgenommen, %4 Befunde."_s
