@@ -16,6 +16,7 @@
 #include "dialogs/PaperView.h"
 #include "dialogs/SelfConfirmation.h"
 #include "dialogs/WindowPlacement.h"
+#include "platform/UserRegistry.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterSettingsFile.h"
 #include "printing/SheetOnPaper.h"
@@ -30,6 +31,25 @@ namespace {
 
 constexpr QSize SmallestList(220, 120);
 constexpr int SettlingMilliseconds = 60;
+const QString LastUsedValue = u"PrinterProfile"_s;
+
+/// None where the user's values cannot be read.
+QString StoredLastUsed() {
+    try {
+        return platform::ReadRegistryText(LastUsedValue);
+    } catch (const platform::Error&) {
+        return {};
+    }
+}
+
+/// Printing does not wait for it to be kept.
+void StoreLastUsed(const QString& profile) {
+    try {
+        platform::WriteRegistryText(LastUsedValue, profile);
+    } catch (const platform::Error&) {
+        return;
+    }
+}
 
 /// A stored choice has only the beginning of a long name.
 QByteArray KeyOf(const printing::PrinterChoice& printer) {
@@ -48,7 +68,7 @@ QLabel* WrappedLabel(const QString& name) {
 
 TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings& settings,
                                    QWidget* parent)
-    : QDialog(parent), data_(data), settings_(settings) {
+    : QDialog(parent), data_(data), settings_(settings), lastUsed_(StoredLastUsed()) {
     setObjectName(u"BeforPrintDlgFm"_s);
     setWindowTitle(u"Print Profiles"_s);
     settled_ = new QTimer(this);
@@ -275,7 +295,10 @@ void TBeforPrintDlgFm::btnProfileClick() {
         controls::ShowInformation(this, u"Please select a Profile"_s);
         return;
     }
-    lastUsed_ = SelectedProfile();
+    if (lastUsed_ != SelectedProfile()) {
+        lastUsed_ = SelectedProfile();
+        StoreLastUsed(lastUsed_);
+    }
     done(static_cast<int>(ModalResult::Yes));
 }
 

@@ -85,7 +85,7 @@ class TBeforPrintDlgFm : public QDialog {
     QLabel* warningLabel_;
     /// Until the selection has settled.
     QTimer* settled_;
-    /// The profile that the last sheet was printed with.
+    /// The profile that the last sheet was printed with, kept for this user beyond the run.
     QString lastUsed_;
     printing::PrintImage sheet_;
     std::optional<int> copies_;
