@@ -48,10 +48,9 @@ OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayo
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     paperBox_ = AddPaperRows(*form_);
     AddOrientationRow(*form_);
-    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s,
-                 {"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"});
+    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s, {TrayKeywords.begin(), TrayKeywords.end()});
     AddOptionRow(*form_, u"Papierart"_s, u"MediaTypeBox"_s,
-                 {"MediaType", "EPIJ_Medi", "CNMediaType"});
+                 {MediaTypeKeywords.begin(), MediaTypeKeywords.end()});
     AddOptionRow(*form_, u"Qualität"_s, u"QualityBox"_s,
                  {"cupsPrintQuality", "OutputMode", "PrintQuality", "StpQuality", "Quality",
                   "EPIJ_Qual", "CNQuality", "Resolution"});

@@ -30,6 +30,7 @@ TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
                     {"DryTime", "Long"},
                     {DeviceMode::Copies, "2"},
                     {"GoneOption", "Kept"},
+                    {"CNInputSlot", "Oben"},
                     {"MediaType", "GoneChoice"}});
         TPrinterSetup(layer).SaveToFile(file);
     }
@@ -55,8 +56,9 @@ TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
     EXPECT_EQ(job[u"print-scaling"_s], "none");
     EXPECT_EQ(job[u"job-name"_s], "Müller, Größe");
     EXPECT_EQ(layer.Paper().remarks,
-              QStringList(u"„GoneChoice“ (Papierart) gibt es bei diesem Drucker nicht mehr; er "
-                          u"nimmt „Normalpapier“."_s));
+              QStringList({u"„Oben“ (Papierfach) gibt es bei diesem Drucker nicht mehr."_s,
+                           u"„GoneChoice“ (Papierart) gibt es bei diesem Drucker nicht mehr; er "
+                           u"nimmt „Normalpapier“."_s}));
     EXPECT_FALSE(job.contains(u"GoneOption"_s));
     EXPECT_FALSE(job.contains(u"MediaType"_s));
 }

@@ -285,23 +285,25 @@ PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
 }
 
 QStringList Driver::MissingChoices(const DeviceMode& mode) const {
-    struct Row {
-        const char* keyword;
-        QString what;
-    };
     QStringList remarks;
-    for (const Row& row : {Row{"PageSize", u"Papier"_s}, Row{"InputSlot", u"Papierfach"_s},
-                           Row{"MediaType", u"Papierart"_s}}) {
-        const QByteArray wanted = mode.Value(row.keyword);
-        const DriverOption* option = Find({row.keyword});
-        if (wanted.isEmpty() || Knows(row.keyword, wanted)) {
-            continue;
+    const auto check = [&](const char* keyword, const QString& what) {
+        const QByteArray wanted = mode.Value(keyword);
+        const DriverOption* option = Find({keyword});
+        if (wanted.isEmpty() || Knows(keyword, wanted)) {
+            return;
         }
         const QString gone = u"„%2“ (%1) gibt es bei diesem Drucker nicht mehr"_s.arg(
-            row.what, platform::HarmlessLine(QString::fromUtf8(wanted)));
+            what, platform::HarmlessLine(QString::fromUtf8(wanted)));
         remarks.append(option == nullptr
                            ? gone + u'.'
                            : gone + u"; er nimmt „%1“."_s.arg(option->Label(option->standard)));
+    };
+    check("PageSize", u"Papier"_s);
+    for (const char* tray : TrayKeywords) {
+        check(tray, u"Papierfach"_s);
+    }
+    for (const char* kind : MediaTypeKeywords) {
+        check(kind, u"Papierart"_s);
     }
     return remarks;
 }
@@ -323,6 +325,7 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
             geometry.spread = geometry.spread.marginsAdded(
                 QMarginsF(spreading.left, spreading.top, spreading.right, spreading.bottom) *
                 MillimetresPerInch);
+            geometry.reach = geometry.spread;
         }
     }
     return geometry;

@@ -5,6 +5,7 @@
 #include <QSizeF>
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -18,6 +19,10 @@ struct ppd_file_s;
 namespace kadrona::printing::cups {
 
 class GermanTexts;
+
+/// The names that drivers have for the tray and for the kind of paper, the usual one first.
+inline constexpr std::array TrayKeywords{"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"};
+inline constexpr std::array MediaTypeKeywords{"MediaType", "EPIJ_Medi", "CNMediaType"};
 
 struct DriverChoice {
     QByteArray name;
