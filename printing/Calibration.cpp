@@ -17,9 +17,15 @@ namespace {
 constexpr double MostScaleError = 0.1;
 constexpr double MostOffset = 20;
 
+void RequireNumber(const QString& reading, double measured) {
+    if (!std::isfinite(measured)) {
+        throw PrinterError(u"%1 fehlt oder ist keine Zahl."_s.arg(reading));
+    }
+}
+
 void RequireLength(const QString& line, double nominal, double measured) {
-    // A reading that is no number fails this, too.
-    if (!(std::abs(measured - nominal) <= nominal * MostScaleError)) {
+    RequireNumber(u"Das Maß von Linie %1"_s.arg(line), measured);
+    if (std::abs(measured - nominal) > nominal * MostScaleError) {
         const QLocale german(QLocale::German);
         throw PrinterError(
             u"Das Maß von Linie %1 kann nicht stimmen: Sie ist auf dem Blatt %2 mm lang, gemessen wären %3 mm."_s
@@ -28,7 +34,8 @@ void RequireLength(const QString& line, double nominal, double measured) {
 }
 
 void RequirePlace(const QString& edge, double nominal, double measured) {
-    if (!(std::abs(measured - nominal) <= MostOffset)) {
+    RequireNumber(u"Der Abstand des Kreuzes vom %1 Rand"_s.arg(edge), measured);
+    if (std::abs(measured - nominal) > MostOffset) {
         const QLocale german(QLocale::German);
         throw PrinterError(
             u"Der Abstand des Kreuzes vom %1 Rand kann nicht stimmen: Es sind auf dem Blatt %2 mm, gemessen wären %3 mm."_s

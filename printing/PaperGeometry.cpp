@@ -82,9 +82,10 @@ QTransform Uncalibrated(const PrintImage& image, const PaperGeometry& paper, boo
 }
 
 QRectF KeptOf(const PrintImage& image, const PaperGeometry& paper, bool turned) {
-    return Uncalibrated(image, paper, turned)
-        .inverted()
-        .mapRect(paper.paper.intersected(paper.reach));
+    // The driver cuts off what it is told to print beyond its reach, the printer's error comes
+    // after that.
+    return Uncalibrated(image, paper, turned).inverted().mapRect(paper.paper) &
+           SheetToPaper(image, paper, turned).inverted().mapRect(paper.reach);
 }
 
 QMarginsF LostAt(const QRectF& photos, const QRectF& kept) {

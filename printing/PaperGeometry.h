@@ -20,7 +20,7 @@ struct PaperGeometry {
     QSizeF page;
     /// The real paper. Smaller than the page where the driver adds what is sprayed over the edges.
     QRectF paper;
-    /// What the printer reaches.
+    /// What the printer reaches, more than the paper where it prints over the edges.
     QRectF reach;
     /// Where the driver spreads the page to: the page itself for most, more for those that enlarge
     /// a borderless page. What is to come out at its size is made smaller by the same measure.
@@ -58,10 +58,11 @@ QTransform SheetToPaper(const PrintImage& image, const PaperGeometry& paper, boo
 QTransform PaperToPage(const PaperGeometry& paper);
 
 /// The same without the calibration: where the sheet really comes to lie, for the printer's own
-/// error undoes the calibration, and what the printer reaches is moved by that error, too.
+/// error undoes the calibration.
 QTransform Uncalibrated(const PrintImage& image, const PaperGeometry& paper, bool turned);
 
-/// What the printer keeps of a sheet, in the coordinates of the sheet.
+/// What the printer keeps of a sheet, in the coordinates of the sheet: what lies on the paper and
+/// is told, calibrated, to a place within the driver's reach.
 QRectF KeptOf(const PrintImage& image, const PaperGeometry& paper, bool turned);
 
 /// By how much `photos` stand over `kept` at each side; less than anybody sees is nothing.

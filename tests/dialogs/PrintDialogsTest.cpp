@@ -6,6 +6,7 @@
 #include "dialogs/PaperView.h"
 #include "dialogs/PrinterProfiles.h"
 #include "dialogs/SettingsDialog.h"
+#include "platform/UserRegistry.h"
 #include "printing/Calibration.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
@@ -181,7 +182,7 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
                 ClickButton(dialog, "btnApply");
             };
             ClickButton(dialog, "btnPrintSheet");
-            driver.Answer(u"Linie A kann nicht stimmen"_s);
+            driver.Answer(u"Linie A fehlt oder ist keine Zahl"_s);
             apply({u"lang"_s, u"100"_s, u"105"_s, u"148,5"_s});
             driver.Answer(u"Linie B kann nicht stimmen"_s);
             apply({u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
@@ -217,9 +218,15 @@ TEST_F(PrintDialogs, PrintingWithAProfileNeedsASelection) {
     EXPECT_EQ(beforePrint.ShowEx(), ModalResult::No);
     driver.Expect(u"BeforPrintDlgFm"_s, [](QWidget& shown) {
         EXPECT_TRUE(Child<QPushButton>(shown, "btnProfile").isDefault());
-        shown.close();
+        Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
+        ClickButton(shown, "btnProfile");
     });
-    EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Cancel);
+    EXPECT_EQ(beforePrint.ShowEx(), ModalResult::Yes);
+    dialogs::TBeforPrintDlgFm later(data, settings);
+    driver.Press(u"BeforPrintDlgFm"_s, u"btnProfile"_s);
+    EXPECT_EQ(later.ShowEx(), ModalResult::Yes) << "the profile used last";
+    EXPECT_EQ(later.SelectedProfile(), u"B"_s);
+    platform::WriteRegistryText(u"PrinterProfile"_s, {});
 }
 
 TEST_F(PrintDialogs, TheSheetIsShownOnTheSelectedProfilesPaper) {
@@ -247,7 +254,8 @@ TEST_F(PrintDialogs, TheSheetIsShownOnTheSelectedProfilesPaper) {
         printer.paper = QSizeF(100, 100);
         Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
         EXPECT_TRUE(QTest::qWaitFor([&] { return text("PaperLabel").contains(u"quer 101,0 %"); }));
-        EXPECT_EQ(text("WarningLabel"), u"Abgeschnitten (rot): links 23,0 mm und rechts 23,0 mm"_s);
+        EXPECT_EQ(text("WarningLabel"), u"Abgeschnitten (rot): links 23,5 mm und rechts 23,5 mm"_s)
+            << "a printer that shrinks loses more";
         printer.failure = u"Der Druckdienst antwortet nicht."_s;
         Child<QListWidget>(shown, "lbProfiles").setCurrentRow(0);
         EXPECT_TRUE(QTest::qWaitFor([&] { return text("PaperLabel").isEmpty(); }));

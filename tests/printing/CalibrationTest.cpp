@@ -80,6 +80,9 @@ TEST(SheetOnPaper, ShowsPhotosWithoutTheirWhiteAndWhatIsLost) {
     EXPECT_FALSE(TurningHelps(image, paper));
     image.calibration.across = 1.1;
     EXPECT_EQ(LaidOnPaper(image, paper).told, QRectF(-16.5, -10, 33, 20));
+    image.calibration = {.offset = {-4, 0}};
+    EXPECT_EQ(LostOf(image, paper.geometry, false), QMarginsF(3, 0, 0, 0))
+        << "told beyond the reach";
 }
 
 TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
@@ -88,7 +91,12 @@ TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
          {RulerReadings{0, 100, 50.8, 76.2}, RulerReadings{3000, 100, 50.8, 76.2},
           RulerReadings{80, none, 50.8, 76.2}, RulerReadings{80, 100, 508, 76.2},
           RulerReadings{80, 100, 50.8, -1}}) {
-        EXPECT_THROW(Calibrated(Paper, {}, readings), PrinterError);
+        try {
+            Calibrated(Paper, {}, readings);
+            ADD_FAILURE() << readings.across;
+        } catch (const PrinterError& error) {
+            EXPECT_FALSE(error.Text().contains(u"nan"_s)) << error.Text().toStdString();
+        }
     }
     EXPECT_THROW(RulerSheet({}, {}), PrinterError);
     EXPECT_THROW(RulerSheet(PaperGeometry::Plain({40, 90}), {}), PrinterError);
