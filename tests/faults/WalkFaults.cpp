@@ -174,7 +174,8 @@ struct Kind {
     bool isShort;  // part of the short set
 };
 
-/// Of an operation of many calls the short set lets only every second one fail in each way, in turn.
+/// Of an operation of many calls the short set lets only every second one fail in each way, in
+/// turn.
 constexpr int ManyCalls = 100;
 
 constexpr Kind Kinds[] = {{EIO, false, true},    {ENOSPC, true, true},   {0, true, false},
