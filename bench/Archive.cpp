@@ -99,7 +99,7 @@ void MeasureServer(const QString& folder, const std::vector<double>& file) {
     const store::ServerAddress address = testing::NewServerDatabase();
     {
         store::SqliteDatabase source(folder);
-        const auto target = core::OpenServer(address, std::chrono::seconds(60));
+        const auto target = core::OpenServer(address, {.working = std::chrono::seconds(60)});
         std::printf("transferring them to the server: %.0f ms\n", Milliseconds([&] {
                         core::TransferArchive(source, *target, platform::NoProgress);
                     }));

@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
     if (testing::OnServer()) {
         const store::ServerAddress server = testing::NewServerDatabase();
         store::SqliteDatabase source(database);
-        const auto target = core::OpenServer(server, std::chrono::seconds(60));
+        const auto target = core::OpenServer(server, {.working = std::chrono::seconds(60)});
         core::TransferArchive(source, *target, platform::NoProgress);
         data.Archiving().Connect(server);
         std::printf("the same on a server\n");

@@ -60,10 +60,12 @@ void TData::OpenDatabase() {
 
 TransferResult TData::TransferArchiveTo(const store::ServerAddress& server,
                                         const platform::Progress& progress) const {
-    constexpr std::chrono::seconds Patience(20);  // much is written at once, and the user sees it
+    // Much is written at once, and the user sees it.
+    constexpr store::ServerPatience Patience{.working = std::chrono::seconds(20)};
     store::SqliteDatabase source(folders_.database);
     CreateArchive(source);
     const std::unique_ptr<store::Database> target = OpenServer(server, Patience);
+    target->WhileWaiting([&] { progress(u"Auf den Server wird gewartet …"_s, 0, 0); });
     return TransferArchive(source, *target, progress);
 }
 

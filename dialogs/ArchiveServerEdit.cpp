@@ -61,6 +61,7 @@ ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
       database_(NamedField<QLineEdit>(u"ServerDatabase"_s)),
       user_(NamedField<QLineEdit>(u"ServerUser"_s)),
       password_(NamedField<QLineEdit>(u"ServerPassword"_s)),
+      verified_(NamedField<QCheckBox>(u"ServerVerified"_s)),
       try_(PlainButton(u"btnTryServer"_s, u"&Prüfen"_s)),
       transfer_(PlainButton(u"btnTransferArchive"_s, u"Archiv über&tragen …"_s)),
       result_(WrappedText({})) {
@@ -68,12 +69,17 @@ ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
     port_->setRange(1, HighestPort);
     port_->setValue(store::ServerAddress::UsualPort);
     password_->setEchoMode(QLineEdit::Password);
+    verified_->setText(u"&Zertifikat des Servers prüfen (Verschlüsselung verlangen)"_s);
+    verified_->setToolTip(
+        u"Das Zertifikat, mit dem das des Servers geprüft wird, muss unter "
+        u"~/.postgresql/root.crt liegen."_s);
     result_->setObjectName(u"ServerResult"_s);
     result_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     BuildLayout();
     for (const QLineEdit* field : {host_, database_, user_, password_}) {
         connect(field, &QLineEdit::textChanged, this, &ArchiveServerEdit::EnableFields);
     }
+    connect(verified_, &QCheckBox::toggled, this, &ArchiveServerEdit::EnableFields);
     connect(used_, &QCheckBox::toggled, this, &ArchiveServerEdit::EnableFields);
     connect(try_, &QPushButton::clicked, this, &ArchiveServerEdit::Try);
     connect(transfer_, &QPushButton::clicked, this, &ArchiveServerEdit::TransferRequested);
@@ -89,6 +95,7 @@ void ArchiveServerEdit::BuildLayout() {
     AddCaptioned(*grid, 2, 0, 1, u"&Datenbank"_s, database_);
     AddCaptioned(*grid, 2, 1, 1, u"&Benutzer"_s, user_);
     AddCaptioned(*grid, 2, 2, 1, u"&Kennwort"_s, password_);
+    grid->addWidget(verified_, 4, 0, 1, 3);
     for (const int column : {0, 1, 2}) {
         grid->setColumnStretch(column, 1);
     }
@@ -119,7 +126,8 @@ core::ArchiveServer ArchiveServerEdit::Server() const {
                         .port = port_->value(),
                         .database = database_->text().trimmed(),
                         .user = user_->text().trimmed(),
-                        .password = password_->text()}};
+                        .password = password_->text(),
+                        .verified = verified_->isChecked()}};
 }
 
 void ArchiveServerEdit::SetServer(const core::ArchiveServer& server) {
@@ -128,6 +136,7 @@ void ArchiveServerEdit::SetServer(const core::ArchiveServer& server) {
     database_->setText(server.address.database);
     user_->setText(server.address.user);
     password_->setText(server.address.password);
+    verified_->setChecked(server.address.verified);
     used_->setChecked(server.used);
     ShowResult({});
 }
@@ -137,7 +146,7 @@ void ArchiveServerEdit::EnableFields() {
     used_->setEnabled(core::CanUseServers());
     const bool used = used_->isEnabled() && used_->isChecked();
     for (QWidget* field :
-         std::initializer_list<QWidget*>{host_, port_, database_, user_, password_}) {
+         std::initializer_list<QWidget*>{host_, port_, database_, user_, password_, verified_}) {
         field->setEnabled(used);
     }
     const store::ServerAddress address = Server().address;

@@ -40,6 +40,7 @@ class ArchiveServerEdit : public QWidget {
     QLineEdit* database_;
     QLineEdit* user_;
     QLineEdit* password_;
+    QCheckBox* verified_;
     QPushButton* try_;
     QPushButton* transfer_;
     QLabel* result_;

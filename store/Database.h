@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -55,6 +56,10 @@ class Database {
 
     /// Whether it is gone for good, as a server can be: every call throws ConnectionLost at once.
     virtual bool IsLost() const { return false; }
+
+    /// Where statements are waited for, as at a server, `tick` is called meanwhile, from now on;
+    /// what it throws ends the statement and the connection. Elsewhere nothing happens.
+    virtual void WhileWaiting(std::function<void()> /*tick*/) {}
 
     /// Runs one statement that yields no rows worth reading.
     void Execute(const QString& sql);

@@ -54,7 +54,8 @@ ArchiveServer StoredArchiveServer() {
             .port = file.ReadInteger(Section, u"Port"_s).value_or(store::ServerAddress::UsualPort),
             .database = text("Database"),
             .user = text("User"),
-            .password = text("Password")}};
+            .password = text("Password"),
+            .verified = file.ReadBoolean(Section, u"Verified"_s).value_or(false)}};
 }
 
 void StoreArchiveServer(const ArchiveServer& server) {
@@ -67,6 +68,7 @@ void StoreArchiveServer(const ArchiveServer& server) {
     file.WriteText(Section, u"Database"_s, server.address.database);
     file.WriteText(Section, u"User"_s, server.address.user);
     file.WriteText(Section, u"Password"_s, server.address.password);
+    file.WriteBoolean(Section, u"Verified"_s, server.address.verified);
     file.Save();
 }
 
@@ -78,8 +80,9 @@ bool CanUseServers() {
 #endif
 }
 
-std::unique_ptr<store::Database> OpenServer([[maybe_unused]] const store::ServerAddress& address,
-                                            [[maybe_unused]] std::chrono::milliseconds patience) {
+std::unique_ptr<store::Database> OpenServer(
+    [[maybe_unused]] const store::ServerAddress& address,
+    [[maybe_unused]] const store::ServerPatience& patience) {
 #ifdef KADRONA_WITH_POSTGRES
     return std::make_unique<store::PostgresDatabase>(address, patience);
 #else

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <chrono>
 #include <memory>
 
 #include "store/Database.h"
@@ -25,13 +24,10 @@ void StoreArchiveServer(const ArchiveServer& server);
 /// False where the program was built without the library for it.
 bool CanUseServers();
 
-/// How long nothing may be heard of the server before it counts as gone.
-inline constexpr std::chrono::milliseconds ServerPatience{2000};
-
-/// Opens the database. Throws store::ConnectionLost where the server does not answer or does not
-/// let us in, and store::StoreError for whatever else is in the way.
+/// Opens the database. Throws store::ConnectionLost where the server does not answer or is not
+/// ready, and store::StoreError for whatever else is in the way.
 std::unique_ptr<store::Database> OpenServer(const store::ServerAddress& address,
-                                            std::chrono::milliseconds patience = ServerPatience);
+                                            const store::ServerPatience& patience = {});
 
 /// Tries whether the archive can be kept there, and changes nothing. Returns what there is, for the
 /// user to read; throws store::StoreError where it cannot.

@@ -105,31 +105,37 @@ void PhotoArchive::Open(std::unique_ptr<store::Database> database) {
 }
 
 void PhotoArchive::Connect(const QString& folder) {
+    if (server_) {
+        server_.reset();
+        table_.reset();
+        database_.reset();
+    }
     AsGeneralError([&] { Open(std::make_unique<store::SqliteDatabase>(folder)); });
-    server_.reset();
 }
 
 void PhotoArchive::Connect(const store::ServerAddress& server) {
     server_ = server;
     table_.reset();
     database_.reset();
-    AsGeneralError([&] { OpenServer(ServerPatience); });
+    AsGeneralError([&] { OpenServer(); });
 }
 
-void PhotoArchive::OpenServer(std::chrono::milliseconds patience) {
+void PhotoArchive::OpenServer(std::chrono::milliseconds connecting) {
     constexpr std::chrono::seconds BetweenTries(10);
     table_.reset();
     database_.reset();
     try {
-        auto database = core::OpenServer(*server_, patience);
+        auto database = core::OpenServer(*server_, {.connecting = connecting});
         Open(std::move(database));
         CreateArchive(*database_);
         untold_ = true;
+        nextTry_ = {};
     } catch (const store::StoreError& error) {
         database_.reset();
-        refusal_ = error.Text();
+        whyAway_ = error.Text();
+        refusal_ = std::current_exception();
         nextTry_.setRemainingTime(BetweenTries);
-        throw store::ConnectionLost(refusal_);
+        throw;
     }
 }
 
@@ -137,14 +143,14 @@ bool PhotoArchive::IsAway() const {
     return server_ && (database_ == nullptr || database_->IsLost());
 }
 
-bool PhotoArchive::IsBack(std::chrono::milliseconds patience) {
+bool PhotoArchive::IsBack(std::chrono::milliseconds connecting) {
     try {
         if (IsAway()) {
-            OpenServer(patience);
+            OpenServer(connecting);
         }
         return true;
-    } catch (const store::ConnectionLost&) {
-        return false;
+    } catch (const store::StoreError&) {
+        return false;  // a wrong password has been said at the start, and is with each filing
     }
 }
 
@@ -159,9 +165,9 @@ bool PhotoArchive::Create() {
 ArchiveTable* PhotoArchive::Table() {
     if (IsAway()) {
         if (!nextTry_.hasExpired()) {
-            throw store::ConnectionLost(refusal_);
+            std::rethrow_exception(refusal_);
         }
-        OpenServer(ServerPatience);
+        OpenServer();
     }
     if (database_ == nullptr || !database_->TableExists(u"ImgDB"_s)) {
         return nullptr;
@@ -236,7 +242,8 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
     };
     try {
         return FileAs(known, names_, write, ArchiveThumbnail(photo));
-    } catch (const store::ConnectionLost&) {
+    } catch (const store::ConnectionLost& lost) {
+        whyAway_ = lost.Text();
         if (!tagged) {
             setTags();
         }

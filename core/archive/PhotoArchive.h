@@ -3,6 +3,7 @@
 #include <QDeadlineTimer>
 #include <QString>
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -43,10 +44,12 @@ class PhotoArchive {
     /// after the last time: whoever asks in between is told at once.
     void Connect(const store::ServerAddress& server);
     /// Tries a server that is gone, however short ago it was tried. True where it is there.
-    bool IsBack(std::chrono::milliseconds patience);
+    bool IsBack(std::chrono::milliseconds connecting);
     bool IsAway() const;
     /// True once after each time that the server went away: what nobody has been told yet.
     bool IsNewsThatItIsAway() { return IsAway() && std::exchange(untold_, false); }
+    /// Why it is, or was last; empty where it never was.
+    const QString& WhyAway() const { return whyAway_; }
     /// Makes what the database lacks; false where none is connected. Throws platform::Error.
     bool Create();
     /// Opened on first use; null while there is none. Throws store::StoreError where the server
@@ -85,7 +88,7 @@ class PhotoArchive {
  private:
     class ClaimedFile;
     void Open(std::unique_ptr<store::Database> database);
-    void OpenServer(std::chrono::milliseconds patience);
+    void OpenServer(std::chrono::milliseconds connecting = store::ServerPatience().connecting);
     /// Writes a photo's file, whose name is nobody else's.
     using PhotoWriter = std::function<void(const QString& path)>;
     Filing FileAs(const PhotoToFile& known, const NameSources& names, const PhotoWriter& write,
@@ -93,8 +96,9 @@ class PhotoArchive {
 
     const NameSources& names_;
     std::optional<store::ServerAddress> server_;
-    /// Why the server could not be opened last, and when to try again.
-    QString refusal_;
+    QString whyAway_;
+    /// What kept the server from being opened last, and when to try again.
+    std::exception_ptr refusal_;
     QDeadlineTimer nextTry_;
     bool untold_ = true;
     FilingQueue queue_;

@@ -23,7 +23,8 @@ void SayThatPhotosWait(PhotoArchive& archive, UserInterface& ui) {
         ui.ShowMessage(
             u"Der Server mit dem Bildarchiv ist nicht erreichbar. Das Foto wartet auf diesem "
             u"Rechner, ebenso alle weiteren; sobald der Server wieder da ist, bietet das Programm "
-            u"an, sie zu archivieren."_s);
+            u"an, sie zu archivieren.\n\n"_s +
+            archive.WhyAway());
     }
 }
 

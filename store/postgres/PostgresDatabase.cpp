@@ -38,7 +38,7 @@ QString WordArray(const std::vector<QByteArray>& words) {
 
 }  // namespace
 
-PostgresDatabase::PostgresDatabase(const ServerAddress& address, std::chrono::milliseconds patience)
+PostgresDatabase::PostgresDatabase(const ServerAddress& address, const ServerPatience& patience)
     : Database(u"%1 auf %2"_s.arg(address.database, address.host)), link_(address, patience) {
     link_.Run(QByteArray("LISTEN ") + Channel);
 }

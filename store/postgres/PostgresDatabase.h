@@ -15,13 +15,10 @@ namespace kadrona::store {
 /// who are connected.
 class PostgresDatabase : public Database {
  public:
-    /// How long nothing may be heard of the server.
-    static constexpr std::chrono::milliseconds UsualPatience{2000};
-
     /// Throws ConnectionLost or StoreError, as ServerLink does.
-    explicit PostgresDatabase(const ServerAddress& address,
-                              std::chrono::milliseconds patience = UsualPatience);
+    explicit PostgresDatabase(const ServerAddress& address, const ServerPatience& patience = {});
 
+    void WhileWaiting(std::function<void()> tick) override { link_.WhileWaiting(std::move(tick)); }
     bool IsLost() const override { return !link_.IsOpen(); }
     /// A table that was there is only looked for again once a statement has failed.
     bool TableExists(const QString& name) override;

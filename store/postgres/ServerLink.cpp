@@ -5,9 +5,9 @@
 #include <poll.h>
 
 #include <QDeadlineTimer>
-#include <QScopeGuard>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 
 #include "platform/Progress.h"
 #include "store/StoreError.h"
@@ -21,6 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int OldestVersion = 12'00'00;
+constexpr std::chrono::milliseconds BetweenTicks(100);
 constexpr QStringView Silent = u"Der Server antwortet nicht";
 
 bool IsNumericAddress(const QByteArray& host) {
@@ -36,6 +37,22 @@ QByteArray SessionOptions(std::chrono::milliseconds patience) {
            " -c client_min_messages=error -c jit=off -c idle_in_transaction_session_timeout=60000"
            " -c statement_timeout=60000 -c lock_timeout=" +
            QByteArray::number(qint64(patience.count() / 2));
+}
+
+/// What the library would read from the environment, among it other servers' passwords, options
+/// and whether a connection is encrypted.
+void ForgetEnvironment() {
+    for (const char* name : {"PGSERVICE", "PGSERVICEFILE", "PGSYSCONFDIR", "PGDATESTYLE", "PGTZ",
+                             "PGGEQO", "PGREQUIRESSL"}) {
+        unsetenv(name);
+    }
+    const std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption*)> options(PQconndefaults(),
+                                                                                 PQconninfoFree);
+    for (const PQconninfoOption* option = options.get(); option && option->keyword; ++option) {
+        if (option->envvar != nullptr) {
+            unsetenv(option->envvar);
+        }
+    }
 }
 
 /// Keywords of a connection with their values, in the order of libpq's arrays.
@@ -75,6 +92,7 @@ ConnectionWords WordsFor(const ServerAddress& address, const QByteArrayList& add
     words.Add("dbname", address.database.toUtf8());
     words.Add("user", address.user.toUtf8());
     words.Add("password", address.password.toUtf8());
+    words.Add("sslmode", address.verified ? "verify-full" : "prefer");
     words.Add("application_name", "kadrona");
     words.Add("client_encoding", "UTF8");
     words.Add("options", SessionOptions(patience));
@@ -96,7 +114,7 @@ void ServerLink::ResultCloser::operator()(pg_result* result) const {
     PQclear(result);
 }
 
-ServerLink::ServerLink(const ServerAddress& address, std::chrono::milliseconds patience)
+ServerLink::ServerLink(const ServerAddress& address, const ServerPatience& patience)
     : name_(u"%1 auf %2"_s.arg(address.database, address.host)), patience_(patience) {
     Connect(address);
     PQsetErrorVerbosity(connection_.get(), PQERRORS_DEFAULT);
@@ -119,7 +137,8 @@ void ServerLink::GiveUp(const QString& reason) {
 }
 
 void ServerLink::Connect(const ServerAddress& address) {
-    const QDeadlineTimer deadline(patience_);
+    ForgetEnvironment();
+    const QDeadlineTimer deadline(patience_.connecting);
     QByteArrayList addresses;
     const QByteArray host = address.host.toUtf8();
     if (!host.isEmpty() && !host.startsWith('/') && !IsNumericAddress(host)) {
@@ -130,7 +149,7 @@ void ServerLink::Connect(const ServerAddress& address) {
         }
         addresses = *found;
     }
-    connection_.reset(WordsFor(address, addresses, patience_).Start());
+    connection_.reset(WordsFor(address, addresses, patience_.working).Start());
     if (connection_ == nullptr) {
         throw std::bad_alloc();
     }
@@ -140,10 +159,14 @@ void ServerLink::Connect(const ServerAddress& address) {
     PostgresPollingStatusType state = PGRES_POLLING_WRITING;
     while (state != PGRES_POLLING_OK) {
         if (state == PGRES_POLLING_FAILED || PQstatus(connection_.get()) == CONNECTION_BAD) {
-            const QString reason = ConnectReason(connection_.get());
+            const ConnectRefusal refusal = WhyNotConnected(connection_.get());
             Close();
-            throw ConnectionLost(
-                u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(name_, reason));
+            const QString text = u"Die Datenbank „%1“ konnte nicht geöffnet werden: %2."_s.arg(
+                name_, refusal.reason);
+            if (refusal.mayPass) {
+                throw ConnectionLost(text);
+            }
+            throw StoreError(text);
         }
         if (WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
             GiveUp(Silent.toString());
@@ -207,8 +230,7 @@ void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>&
     }
     for (int left = 1; left != 0;) {
         left = PQflush(connection_.get());
-        const short ready =
-            left == 1 ? WaitFor(POLLIN | POLLOUT, QDeadlineTimer(patience_)) : short{1};
+        const short ready = left == 1 ? WaitWatched(POLLIN | POLLOUT) : short{1};
         const bool readable = left == 1 && (ready & POLLIN) != 0;
         if (left < 0 || ready == 0 || (readable && PQconsumeInput(connection_.get()) == 0)) {
             GiveUp(Silent.toString());
@@ -216,16 +238,37 @@ void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>&
     }
 }
 
+/// As WaitFor, as long as our patience lasts.
+short ServerLink::WaitWatched(short events) {
+    const QDeadlineTimer deadline(patience_.working);
+    if (!watch_) {
+        return WaitFor(events, deadline);
+    }
+    short ready = 0;
+    while (ready == 0 && !deadline.hasExpired()) {
+        ready = WaitFor(events, QDeadlineTimer(BetweenTicks));
+        try {
+            if (ready == 0) {
+                watch_();
+            }
+        } catch (...) {
+            Close();  // in the middle of a statement
+            throw;
+        }
+    }
+    return ready;
+}
+
 /// Hearing anything makes the patience begin anew: a long list over a slow net may take its time.
 void ServerLink::WaitUntilIdle() {
-    constexpr std::chrono::milliseconds BetweenTicks(100);
     while (PQisBusy(connection_.get()) != 0) {
-        if (WaitFor(POLLIN, QDeadlineTimer(tick_ ? BetweenTicks : patience_)) == 0) {
-            if (!tick_) {
-                GiveUp(Silent.toString());
+        if (tick_) {
+            if (WaitFor(POLLIN, QDeadlineTimer(BetweenTicks)) == 0) {
+                tick_();
+                continue;
             }
-            tick_();
-            continue;
+        } else if (WaitWatched(POLLIN) == 0) {
+            GiveUp(Silent.toString());
         }
         if (PQconsumeInput(connection_.get()) == 0) {
             GiveUp(u"Der Server wurde beendet"_s);
@@ -262,18 +305,25 @@ void ServerLink::CancelStatement() {
 
 void ServerLink::RunWatched(const QByteArray& sql, const std::function<void()>& tick) {
     Run("SET statement_timeout = 0");
+    const auto endWatch = [this] {
+        tick_ = {};
+        if (IsOpen()) {
+            Run("RESET statement_timeout");
+        }
+    };
     tick_ = tick;
-    const auto unwatched = qScopeGuard([this] { tick_ = {}; });
     try {
         Run(sql);
     } catch (const platform::Cancelled&) {
         tick_ = {};
         CancelStatement();
-        Run("RESET statement_timeout");
+        endWatch();
+        throw;
+    } catch (...) {
+        endWatch();
         throw;
     }
-    tick_ = {};
-    Run("RESET statement_timeout");
+    endWatch();
 }
 
 void ServerLink::TakeNotices() {

@@ -23,9 +23,10 @@ struct ServerParameter {
     bool bytes = false;
 };
 
-/// The connection to a PostgreSQL server. It never waits longer than its patience without hearing
-/// from the server: then, and whenever the connection fails otherwise, it is given up, and every
-/// further call throws ConnectionLost at once.
+/// The connection to a PostgreSQL server, as its address says and nothing in the environment. It
+/// never waits longer than its patience without hearing from the server: then, and whenever the
+/// connection fails otherwise, it is given up, and every further call throws ConnectionLost at
+/// once.
 class ServerLink {
  public:
     struct ResultCloser {
@@ -33,9 +34,9 @@ class ServerLink {
     };
     using Result = std::unique_ptr<pg_result, ResultCloser>;
 
-    /// Throws ConnectionLost where the server is not there or does not let us in, and StoreError
-    /// where it is older than the program needs.
-    ServerLink(const ServerAddress& address, std::chrono::milliseconds patience);
+    /// Throws ConnectionLost where the server is not there or not ready, and StoreError where it
+    /// does not let us in or is older than the program needs.
+    ServerLink(const ServerAddress& address, const ServerPatience& patience);
 
     /// "DATABASE auf HOST".
     const QString& Name() const { return name_; }
@@ -47,6 +48,10 @@ class ServerLink {
     /// Runs one statement that may take long; meanwhile `tick` is called several times a second,
     /// and what it throws ends the statement.
     void RunWatched(const QByteArray& sql, const std::function<void()>& tick);
+
+    /// From now on `tick` is called several times a second while the server is waited for; what it
+    /// throws gives the connection up.
+    void WhileWaiting(std::function<void()> tick) { watch_ = std::move(tick); }
 
     /// Whether a transaction is open, be it a failed one.
     bool InTransaction() const;
@@ -72,19 +77,21 @@ class ServerLink {
     void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters);
     Result Receive();
     void WaitUntilIdle();
+    short WaitWatched(short events);
     void CancelStatement();
     short WaitFor(short events, const QDeadlineTimer& deadline);
     void TakeNotices();
     [[noreturn]] void GiveUp(const QString& reason);
 
     QString name_;
-    std::chrono::milliseconds patience_;
+    ServerPatience patience_;
     std::unique_ptr<pg_conn, Closer> connection_;
     qint64 othersNotices_ = 0;
     qint64 ownChanges_ = 0;
     bool failed_ = false;
     /// Who watches the statement that runs, instead of patience.
     std::function<void()> tick_;
+    std::function<void()> watch_;
 };
 
 }  // namespace kadrona::store

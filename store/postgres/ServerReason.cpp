@@ -71,18 +71,26 @@ bool IsEndOfConnection(const pg_result* result) {
     return code.startsWith("57P"_L1) || code.startsWith("08"_L1);
 }
 
-QString ConnectReason(const pg_conn* connection) {
+ConnectRefusal WhyNotConnected(const pg_conn* connection) {
     // The library keeps what the server said as text alone; "all the facts" begin with the code.
     static const QRegularExpression code(u":\\s+(?=[A-Z]*\\d)([0-9A-Z]{5}):"_s);
+    static const QRegularExpression passing(u"^(08|53|57|58)"_s);
+    static const QRegularExpression proof(u"SSL|[CcZz]ertifi"_s);
     const QString said = QString::fromUtf8(PQerrorMessage(connection));
     const QRegularExpressionMatch match = code.match(said);
     if (match.hasMatch()) {
-        return ReasonOf(match.captured(1), PQerrorMessage(connection));
+        return {ReasonOf(match.captured(1), PQerrorMessage(connection)),
+                passing.match(match.captured(1)).hasMatch()};
     }
     if (PQconnectionNeedsPassword(connection) != 0) {
-        return u"Der Server verlangt ein Kennwort"_s;
+        return {u"Der Server verlangt ein Kennwort"_s, false};
     }
-    return u"Unter dieser Adresse antwortet kein PostgreSQL-Server"_s;
+    if (proof.match(said).hasMatch()) {
+        return {u"Der Server weist sich nicht mit einem gültigen Zertifikat aus (%1)"_s.arg(
+                    ReasonOf({}, PQerrorMessage(connection))),
+                false};
+    }
+    return {u"Unter dieser Adresse antwortet kein PostgreSQL-Server"_s, true};
 }
 
 }  // namespace kadrona::store

@@ -15,6 +15,11 @@ QString ServerReason(const pg_result* result);
 bool IsEndOfConnection(const pg_result* result);
 
 /// Why a server did not let us in; it may be another kind of server, or none.
-QString ConnectReason(const pg_conn* connection);
+struct ConnectRefusal {
+    QString reason;
+    /// Whether that may pass without anybody changing the address or the server's settings.
+    bool mayPass = false;
+};
+ConnectRefusal WhyNotConnected(const pg_conn* connection);
 
 }  // namespace kadrona::store

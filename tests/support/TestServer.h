@@ -23,8 +23,8 @@ inline store::ServerAddress ServerDatabase(const QString& name) {
 
 /// A new, empty database.
 inline store::ServerAddress NewServerDatabase() {
-    const auto server =
-        core::OpenServer(ServerDatabase(QStringLiteral("postgres")), std::chrono::seconds(20));
+    const auto server = core::OpenServer(ServerDatabase(QStringLiteral("postgres")),
+                                         {.working = std::chrono::seconds(20)});
     const QString name = QStringLiteral("test");
     server->Execute(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(name));
     server->Execute(QStringLiteral("CREATE DATABASE %1").arg(name));

@@ -60,12 +60,35 @@ TEST_F(ArchiveServer, PhotosWaitForAServerThatIsGone) {
         EXPECT_EQ(later.Archiving().FileWaiting(name), core::Filing::Done);
     }
     EXPECT_EQ(later.Archiving().Queue().Waiting(), QStringList());
-    EXPECT_TRUE(data.Archiving().IsBack(std::chrono::seconds(1)));
+    EXPECT_TRUE(data.Archiving().IsBack(std::chrono::milliseconds(300)));
+    EXPECT_EQ(Column(data.ArchiveDatabase(), u"SHOW lock_timeout"_s), QStringList(u"1s"_s))
+        << "short was the patience of connecting alone";
     EXPECT_EQ(data.Archive()->Find(u"käthe"_s).size(), 3U);
     const imaging::LoadedImage filed =
         imaging::ReadImageFile(later.GetFileNameFromRecord(installation.Path("archive")));
     EXPECT_EQ(filed.pixels.Size(), QSize(413, 531));
     EXPECT_EQ(filed.iptc.Text(filed.iptc.IndexOf(2, 5)), u"Käthe"_s);
+}
+
+TEST_F(ArchiveServer, NothingWaitsForAServerThatRefuses) {
+    core::TData data(ui, installation.Folders());
+    core::PhotoArchive& archive = data.Archiving();
+    archive.Connect(server);
+    server.password = u"falsch"_s;
+    EXPECT_THROW(archive.Connect(server), platform::Error);
+    EXPECT_FALSE(archive.IsBack(std::chrono::milliseconds(300)));
+    imaging::LayeredImage image;
+    image.Open(imaging::Pixels(Filled({413, 531}, Qt::gray)), {300});
+    const QString text = TextOf<store::StoreError>([&] {
+        archive.File(image, {.archiveFolder = installation.Path("archive"),
+                             .templateName = {},
+                             .tags = {},
+                             .objectName = {}});
+    });
+    EXPECT_TRUE(text.contains(u"Kennwort ist falsch"_s)) << text.toStdString();
+    EXPECT_EQ(archive.Queue().Waiting(), QStringList());
+    EXPECT_THROW(archive.Connect(installation.Path("none")), platform::Error);
+    EXPECT_FALSE(archive.IsAway()) << "the settings say that there is no server";
 }
 
 TEST_F(ArchiveServer, WhatIsTriedIsSaidAndLeavesNothing) {

@@ -122,6 +122,10 @@ TEST_F(ServerTest, ChangesOfOthersAreHeardOf) {
 }
 
 TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
+    for (const char* name : {"PGSERVICE", "PGOPTIONS", "PGSSLMODE", "PGTZ"}) {
+        qputenv(name, "nonsense");
+    }
+    EXPECT_NO_THROW(PostgresDatabase{address_}) << "the environment says nothing";
     QTcpServer silent;
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
     const auto refusal = [&](auto&& change) {
@@ -151,15 +155,38 @@ TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
                 }).contains(u"Name"_s));
 }
 
-/// A server of another age, as far as its greeting.
-TEST_F(ServerTest, AnOldServerIsRefused) {
+/// A server of another age and without encryption, as far as its greeting.
+TEST_F(ServerTest, AnOldServerAndOneThatProvesNothingAreRefused) {
     QTcpServer listener;
     ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
+    ServerAddress address = address_;
+    address.host = u"127.0.0.1"_s;
+    address.port = listener.serverPort();
     const auto socket = static_cast<int>(listener.socketDescriptor());
-    std::thread greeting([socket] {
+    const auto accepted = [socket] {
         pollfd connecting{.fd = socket, .events = POLLIN, .revents = 0};
         poll(&connecting, 1, 2000);
-        const int client = accept4(socket, nullptr, nullptr, 0);
+        return accept4(socket, nullptr, nullptr, 0);
+    };
+    const auto refusal = [&] {
+        return TextOf<StoreError>([&] { const PostgresDatabase old(address); });
+    };
+    // The first asks for encryption alone, and goes.
+    address.verified = true;
+    std::thread refusing([&] {
+        const int client = accepted();
+        std::array<char, 100> request{};
+        EXPECT_GT(recv(client, request.data(), request.size(), 0), 0);
+        EXPECT_EQ(send(client, "N", 1, 0), 1);
+        EXPECT_EQ(recv(client, request.data(), request.size(), 0), 0) << "no password, no user";
+        close(client);
+    });
+    const QString unproven = refusal();
+    refusing.join();
+    EXPECT_TRUE(unproven.contains(u"nicht mit einem gültigen Zertifikat"_s));
+    address.verified = false;
+    std::thread greeting([&] {
+        const int client = accepted();
         std::array<char, 1000> request{};
         const std::array answers{
             QByteArray("N"),  // no encryption
@@ -170,10 +197,7 @@ TEST_F(ServerTest, AnOldServerIsRefused) {
         }
         close(client);
     });
-    ServerAddress address = address_;
-    address.host = u"127.0.0.1"_s;
-    address.port = listener.serverPort();
-    const QString text = TextOf<StoreError>([&] { const PostgresDatabase old(address); });
+    const QString text = refusal();
     greeting.join();
     EXPECT_TRUE(text.contains(u"zu alt: Er hat die Version 9.6"_s)) << text.toStdString();
 }
@@ -232,6 +256,11 @@ TEST_F(ServerTest, TidyingCanBeGivenUp) {
         PostgresDatabase other(address_);
         const Transaction reading(other);
         other.Execute(u"LOCK TABLE photos"_s);
+        EXPECT_THROW(database_.Compact({}, platform::NoProgress), StoreError);
+        EXPECT_EQ(Number(database_,
+                         u"SELECT count(*) FROM pg_settings WHERE "
+                         u"name = 'statement_timeout' AND setting = '60000'"_s),
+                  1);
         int ticks = 0;
         EXPECT_THROW(database_.Compact({},
                                        [&](const QString&, qint64, qint64) {
