@@ -70,7 +70,7 @@ void TmainFm::BuildCommandArea() {
     side->setToolTipsVisible(true);
     side->addAction(actions_[Action::ShowCheck]);
     side->addAction(actions_[Action::ShowSheet]);
-    appearanceMenu_ = file->addMenu(u"&Darstellung"_s);
+    appearanceMenu_ = file->addMenu(u"Dars&tellung"_s);
     appearanceMenu_->setObjectName(u"AppearanceMenu"_s);
     file->addSeparator();
     file->addAction(actions_[Action::Manual]);

@@ -164,9 +164,11 @@ void ArchiveUpkeep::Export(const std::vector<qint64>& ids, const QString& title)
     if (target.isEmpty()) {
         return;
     }
-    controls::ProgressBox box(Over(), u"Bilder exportieren"_s);
-    const core::Export result =
-        core::ExportRecords(data_.ArchiveDatabase(), folder_, ids, target, title, box.Reporter());
+    const core::Export result = [&] {
+        controls::ProgressBox box(Over(), u"Bilder exportieren"_s);
+        return core::ExportRecords(data_.ArchiveDatabase(), folder_, ids, target, title,
+                                   box.Reporter());
+    }();
     controls::ShowInformation(
         Over(), u"In „%1“ liegen die Fotos, ihre Originale und ihre Daten als JSON und CSV."_s.arg(
                     result.folder));

@@ -153,10 +153,11 @@ void UseIconTheme() {
     paths += QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, u"icons"_s,
                                        QStandardPaths::LocateDirectory);
     paths.removeDuplicates();
+    const QString name = present == Appearance::Dark ? u"breeze-dark"_s : u"breeze"_s;
     for (const QString& path : std::as_const(paths)) {
-        if (QFile::exists(path + u"/breeze/index.theme"_s)) {
+        if (QFile::exists(path + u'/' + name + u"/index.theme"_s)) {
             QIcon::setThemeSearchPaths(paths);
-            QIcon::setThemeName(u"breeze"_s);
+            QIcon::setThemeName(name);
             return;
         }
     }
@@ -183,8 +184,8 @@ void ApplyTheme(QApplication& application, Appearance appearance) {
         LinkResources();
         QApplication::setStyle(new ThemeStyle);  // owned by the application
         UseReadableFont();
-        UseIconTheme();
     }
+    UseIconTheme();
     QApplication::setPalette(MakePalette());
     application.setStyleSheet(StyleSheet());
 }
