@@ -43,9 +43,9 @@ QString StoredLastUsed() {
 }
 
 /// Printing does not wait for it to be kept.
-void StoreLastUsed(const QString& profile) {
+void StoreLastUsed(const QString& chosen) {
     try {
-        platform::WriteRegistryText(LastUsedValue, profile);
+        platform::WriteRegistryText(LastUsedValue, chosen);
     } catch (const platform::Error&) {
         return;
     }
