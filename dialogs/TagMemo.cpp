@@ -6,6 +6,8 @@
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextBlock>
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -25,20 +27,17 @@ void TagMemo::SetSuggestions(const QStringList& tags) {
     static_cast<QStringListModel*>(completer_->model())->setStringList(tags);
 }
 
-/// While the list is open these keys are its own.
+/// While one of the list is chosen these keys are its own; Escape always closes it.
 void TagMemo::keyPressEvent(QKeyEvent* event) {
-    if (completer_->popup()->isVisible()) {
-        switch (event->key()) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-            case Qt::Key_Escape:
-            case Qt::Key_Tab:
-            case Qt::Key_Backtab:
-                event->ignore();
-                return;
-            default:
-                break;
-        }
+    QAbstractItemView& offered = *completer_->popup();
+    constexpr std::array Choosing{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Tab, Qt::Key_Backtab};
+    const bool chooses = std::ranges::find(Choosing, event->key()) != Choosing.end();
+    if (offered.isVisible() && chooses && !offered.currentIndex().isValid()) {
+        offered.hide();
+    }
+    if (offered.isVisible() && (chooses || event->key() == Qt::Key_Escape)) {
+        event->ignore();
+        return;
     }
     QPlainTextEdit::keyPressEvent(event);
     if (!event->text().isEmpty()) {

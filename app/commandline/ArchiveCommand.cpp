@@ -1,6 +1,7 @@
 #include "app/commandline/ArchiveCommand.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <array>
 
 #include "app/commandline/CommandSetup.h"
@@ -41,6 +42,14 @@ int Result(const QStringList& failures, QTextStream& errors) {
     return failures.isEmpty() ? Done : SomePhotoFailed;
 }
 
+/// Any other folder than that of the settings is a copy.
+core::CheckedPlace PlaceOf(const QString& folder) {
+    const QString archive = core::TData::GetArchivPath();
+    const bool isArchive = !archive.isEmpty() && QFileInfo(folder).canonicalFilePath() ==
+                                                     QFileInfo(archive).canonicalFilePath();
+    return isArchive ? core::CheckedPlace::Archive : core::CheckedPlace::Copy;
+}
+
 int BackUp(const ArchiveRequest& request, core::TData& data, QTextStream& output,
            QTextStream& errors) {
     const core::Backup backup =
@@ -54,8 +63,8 @@ int BackUp(const ArchiveRequest& request, core::TData& data, QTextStream& output
 }
 
 int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output) {
-    const core::ArchiveReport report =
-        core::CheckArchive(data.ArchiveDatabase(), request.folder, Lines(output));
+    const core::ArchiveReport report = core::CheckArchive(data.ArchiveDatabase(), request.folder,
+                                                          Lines(output), PlaceOf(request.folder));
     for (const core::ArchiveFinding& finding : report.findings) {
         const QString number = finding.id > 0 ? u" (Datensatz %1)"_s.arg(finding.id) : QString();
         output << HarmlessText(
@@ -75,8 +84,8 @@ int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output)
 int Rebuild(const ArchiveRequest& request, core::TData& data, QTextStream& output,
             QTextStream& errors) {
     const platform::Progress progress = Lines(output);
-    const core::ArchiveReport report =
-        core::CheckArchive(data.ArchiveDatabase(), request.folder, progress);
+    const core::ArchiveReport report = core::CheckArchive(data.ArchiveDatabase(), request.folder,
+                                                          progress, PlaceOf(request.folder));
     const core::Rebuilding rebuilding = core::RebuildRecords(
         data.ArchiveDatabase(), report.Paths(core::ArchiveFault::Lost), progress);
     output << u"Wiederhergestellte Datensätze: %1."_s.arg(rebuilding.rebuilt) << Qt::endl;

@@ -6,13 +6,13 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QScopeGuard>
-#include <QSet>
 #include <cerrno>
 #include <cstdio>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveTransfer.h"
 #include "core/archive/KeepingSchema.h"
+#include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
@@ -28,9 +28,25 @@ namespace {
 const QString CopiedDatabase = u"KDRImageBase.db"_s;
 /// What the copy is called until all files are there.
 const QString WaitingDatabase = u"KDRImageBase.neu.db"_s;
+/// Where that of a server is made.
+const QString MakingFolder = u"KDRImageBase.neu"_s;
+
+/// The file that says whose backup it is; other words before it are for the reader.
+QString MarkerText(store::Database& database) {
+    return u"Sicherung eines Bildarchivs. Bitte nicht löschen: Ohne diese Datei wird der Ordner "
+           u"nicht fortgesetzt.\n%1\n"_s.arg(ArchiveIdentity(database));
+}
+
+/// What of the folder in which a server's records are copied is ours, after a crash too.
+void RemoveMakingFolder(const QString& folder) {
+    for (const auto* end : {"", "-wal", "-shm", "-journal"}) {
+        QFile::remove(platform::JoinPath(folder, CopiedDatabase + QLatin1StringView(end)));
+    }
+    QDir().rmdir(folder);
+}
 
 /// Throws where a backup there would be mixed with other files, or copy itself.
-void RequireTarget(const QString& archiveFolder, const QString& target) {
+void RequireTarget(const QString& archiveFolder, const QString& target, const QString& markerText) {
     const QFileInfo folder(target);
     if (!folder.isDir()) {
         throw platform::FileError(
@@ -43,13 +59,18 @@ void RequireTarget(const QString& archiveFolder, const QString& target) {
             u"Die Sicherung braucht einen Ordner außerhalb des Archivs; „%1“ liegt darin oder "
             u"darum."_s.arg(target));
     }
-    const QDir content(target);
-    // The folder of the files tells a backup from the folder of the database itself.
-    if (!content.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot) && !content.exists(BackupFiles)) {
+    constexpr qint64 LongestMarker = 1000;
+    const QString marker = platform::JoinPath(target, QString(BackupMarker));
+    const auto found = platform::ReadFileIfThere(marker, LongestMarker);
+    if (found && found->simplified().endsWith(markerText.toUtf8().simplified())) {
+        return;
+    }
+    if (found || !QDir(target).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot)) {
         throw platform::FileError(
             u"Im Ordner „%1“ liegen andere Dateien. Wählen Sie einen leeren Ordner oder den der "
-            u"letzten Sicherung."_s.arg(target));
+            u"letzten Sicherung dieses Archivs."_s.arg(target));
     }
+    platform::WriteFileAtomically(marker, markerText.toUtf8());
 }
 
 /// The checksums of the database by their files' paths.
@@ -97,8 +118,9 @@ class BackupRun {
  private:
     /// Of a server: into a file of our own, made in a folder that goes again.
     void CopyRecords(const QString& waiting) {
-        const QString folder = platform::JoinPath(target_, u"neu"_s);
-        const auto clean = qScopeGuard([&] { QDir(folder).removeRecursively(); });
+        const QString folder = platform::JoinPath(target_, MakingFolder);
+        RemoveMakingFolder(folder);
+        const auto clean = qScopeGuard([&] { RemoveMakingFolder(folder); });
         if (!platform::CreateFolder(folder)) {
             throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
         }
@@ -161,28 +183,26 @@ class BackupRun {
         }
     }
 
-    /// By the numbers in the names that the archive has given to the files of the backup.
+    /// Whose files came again, by hand or from another backup, keeps them.
     void RemoveDeleted() {
-        store::Statement deleted(database_, uR"(SELECT "ID" FROM "ImgDeleted")"_s);
-        QSet<qint64> numbers;
+        const QSet<QString> named = NamedFiles(database_);
+        store::Statement deleted(database_, uR"(SELECT "Path" FROM "ImgDeletedFile")"_s);
         while (deleted.Step()) {
-            numbers.insert(deleted.Integer(0));
-        }
-        if (numbers.isEmpty()) {
-            return;
-        }
-        QDirIterator files(to_, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-        QStringList gone;
-        while (files.hasNext()) {
-            const QString path = files.next();
-            const QString original = platform::JoinPath(from_, QDir(to_).relativeFilePath(path));
-            if (numbers.contains(NumberInName(path)) && !QFileInfo::exists(original)) {
-                gone.append(path);
+            const QString copy = StoredFolderPath(to_, deleted.Text(0));
+            if (!named.contains(deleted.Text(0)) && IsInsideArchive(copy, to_) &&
+                QFileInfo(copy).isFile() &&
+                !QFileInfo::exists(StoredFolderPath(from_, deleted.Text(0)))) {
+                Remove(copy);
             }
         }
-        for (const QString& path : gone) {
-            RemoveArchiveFile(path, to_);
+    }
+
+    void Remove(const QString& copy) {
+        try {
+            RemoveArchiveFile(copy, to_);
             ++backup_.removed;
+        } catch (const platform::FileError& error) {
+            backup_.failures.append(error.Text());
         }
     }
 
@@ -199,8 +219,7 @@ class BackupRun {
 Backup BackUpArchive(store::Database& database, const QString& archiveFolder, const QString& target,
                      const platform::Progress& progress) {
     RequireArchiveFolder(archiveFolder);
-    RequireTarget(archiveFolder, target);
-    CreateKeeping(database);
+    RequireTarget(archiveFolder, target, MarkerText(database));
     return BackupRun(database, archiveFolder, target, progress).Run();
 }
 

@@ -21,17 +21,20 @@ struct Backup {
     QStringList failures;
 };
 
+/// Of a backup, the file that tells whose it is.
+inline constexpr QLatin1StringView BackupMarker("Sicherung.txt");
+
 /// Copies an archive that is in use to a folder: the database as "KDRImageBase.db", and below
 /// "Archiv" all files of the archive's folder. What the folder has already of the same size and
 /// content stays. A file whose content no longer has its checksum does not take the place of one
-/// that has it. What was deleted in the archive is deleted in the backup too, nothing else is.
+/// that has it. The files of deleted records are deleted in the backup too, nothing else is.
 ///
 /// The database is copied first and takes its place last: a record's photo is in the backup or was
 /// deleted meanwhile, and a backup that is given up or fails leaves the older one whole.
 ///
 /// Throws platform::FileError where the archive's folder is not there, or the target is neither
-/// empty nor a backup, or lies within the archive or the archive in it; store::StoreError and
-/// platform::Cancelled.
+/// empty nor a backup of this archive, or lies within the archive or the archive in it;
+/// store::StoreError and platform::Cancelled.
 Backup BackUpArchive(store::Database& database, const QString& archiveFolder, const QString& target,
                      const platform::Progress& progress);
 

@@ -8,6 +8,7 @@
 
 #include "core/archive/ArchiveDeletion.h"
 #include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
 #include "store/Statement.h"
@@ -63,15 +64,19 @@ std::vector<KnownFile> KnownFiles(store::Database& database, const QString& arch
 /// Below the archive's folder.
 bool IsPhotoPath(const QString& path) {
     static const QRegularExpression form(
-        u"^[0-9]{4}/[0-9]{2}/[0-9]{4}_[0-9]{2}_[0-9]{5,18}\\.jpg$"_s);
+        u"^[0-9]{4}/[0-9]{2}/[0-9]{4}_[0-9]{2}_[0-9]{5,12}\\.jpg$"_s);
     return form.match(path).hasMatch();
 }
 
 class Check {
  public:
-    Check(store::Database& database, const QString& archiveFolder,
+    Check(store::Database& database, const QString& archiveFolder, CheckedPlace place,
           const platform::Progress& progress)
-        : database_(database), folder_(archiveFolder), table_(database), progress_(progress) {}
+        : database_(database),
+          folder_(archiveFolder),
+          place_(place),
+          table_(database),
+          progress_(progress) {}
 
     ArchiveReport Run() {
         for (const qint64 id : BlankRecords(database_)) {
@@ -106,7 +111,9 @@ class Check {
                 return table_.Read(file.id) ? Note(ArchiveFault::Missing, file) : void();
             }
             if (!file.digest) {
-                Adopt(file.id, *digest);
+                if (place_ == CheckedPlace::Archive) {
+                    Adopt(file.id, *digest);
+                }
             } else if (*digest == *file.digest) {
                 ++report_.sound;
             } else {
@@ -149,26 +156,36 @@ class Check {
 
     /// What was filed since the records were read is none.
     void NoteStranger(const QString& path) {
-        const qint64 number = NumberInName(path);
-        const auto record = number > 0 ? table_.Read(number) : std::nullopt;
-        if (record && path.endsWith(record->name) && !record->name.isEmpty()) {
+        const QString relative = QDir(folder_).relativeFilePath(path);
+        const QString stored = QString(relative).replace(u'/', u'\\');
+        if (IsNamed(NumberInName(path), stored)) {
             return;
         }
-        const bool isPhoto = IsPhotoPath(QDir(folder_).relativeFilePath(path));
-        const bool isDeleted = number > 0 && !record && WasDeleted(number);
-        report_.findings.push_back({isDeleted ? ArchiveFault::Undeleted
-                                    : isPhoto ? ArchiveFault::Lost
-                                              : ArchiveFault::Unknown,
-                                    isDeleted ? number : 0, path});
+        const qint64 deleted = DeletedWith(stored);
+        report_.findings.push_back({deleted > 0             ? ArchiveFault::Undeleted
+                                    : IsPhotoPath(relative) ? ArchiveFault::Lost
+                                                            : ArchiveFault::Unknown,
+                                    deleted, path});
     }
 
-    bool WasDeleted(qint64 number) {
-        store::Statement deleted(database_, uR"(SELECT "ID" FROM "ImgDeleted" WHERE "ID" = ?)"_s);
-        return deleted.Bind(1, number).Step();
+    /// By the record of that number.
+    bool IsNamed(qint64 number, const QString& stored) {
+        const auto record = number > 0 ? table_.Read(number) : std::nullopt;
+        const auto original = record ? ReadOriginal(database_, number) : std::nullopt;
+        return (record && StoredPath(record->folder, record->name) == stored) ||
+               (original && StoredPath(original->folder, original->name) == stored);
+    }
+
+    /// The number of the deleted record that had the file; 0 where none had.
+    qint64 DeletedWith(const QString& stored) {
+        store::Statement deleted(database_,
+                                 uR"(SELECT "ID" FROM "ImgDeletedFile" WHERE "Path" = ?)"_s);
+        return deleted.Bind(1, stored).Step() ? deleted.Integer(0) : 0;
     }
 
     store::Database& database_;
     const QString& folder_;
+    CheckedPlace place_;
     ArchiveTable table_;
     const platform::Progress& progress_;
     QSet<QString> known_;
@@ -238,11 +255,13 @@ ArchiveFaultText TextOf(ArchiveFault fault) {
 }
 
 ArchiveReport CheckArchive(store::Database& database, const QString& archiveFolder,
-                           const platform::Progress& progress) {
+                           const platform::Progress& progress, CheckedPlace place) {
     RequireArchiveFolder(archiveFolder);
     CreateKeeping(database);
-    FinishDeletion(database, archiveFolder);
-    return Check(database, archiveFolder, progress).Run();
+    if (place == CheckedPlace::Archive) {
+        FinishDeletion(database, archiveFolder);
+    }
+    return Check(database, archiveFolder, place, progress).Run();
 }
 
 void AdoptChanged(store::Database& database, const QString& archiveFolder,

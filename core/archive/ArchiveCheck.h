@@ -49,12 +49,20 @@ struct ArchiveFaultText {
 };
 ArchiveFaultText TextOf(ArchiveFault fault);
 
+/// What a check looks through.
+enum class CheckedPlace {
+    Archive,
+    /// A copy, such as a backup: it is only looked at.
+    Copy,
+};
+
 /// Compares the records with the files, and the files with the checksums that were kept of them. A
-/// file without one is taken as it is and gets one; nothing else is changed. What is filed or
-/// deleted meanwhile does no harm. Throws platform::FileError where the archive's folder is not
-/// there, store::StoreError and platform::Cancelled.
+/// file without one is taken as it is and gets one, and what a deletion has left goes; nothing else
+/// is changed. What is filed or deleted meanwhile does no harm. Throws platform::FileError where
+/// the archive's folder is not there, store::StoreError and platform::Cancelled.
 ArchiveReport CheckArchive(store::Database& database, const QString& archiveFolder,
-                           const platform::Progress& progress);
+                           const platform::Progress& progress,
+                           CheckedPlace place = CheckedPlace::Archive);
 
 /// Takes the files that a report found changed as they are from now on. Throws store::StoreError,
 /// platform::FileError and platform::Cancelled.

@@ -1,5 +1,7 @@
 #include "core/archive/ArchiveDeletion.h"
 
+#include <QDir>
+#include <QSet>
 #include <algorithm>
 
 #include "core/archive/ArchiveFiles.h"
@@ -21,23 +23,82 @@ constexpr QLatin1StringView DeletionTimeFormat("yyyy-MM-dd HH:mm:ss");
 /// So many records go in one transaction, which costs the same whatever it holds.
 constexpr size_t RecordsAtOnce = 32;
 
-/// Where `query` finds a folder and a name for the record, their file is to be removed.
-void NoteFile(store::Database& database, const QString& query, qint64 id) {
-    store::Statement files(database, query);
-    if (files.Bind(1, id).Step() && !files.Text(1).isEmpty()) {
-        store::Statement(
-            database,
-            uR"(INSERT INTO "ImgRemoval" ("Path", "ID") VALUES (?, ?) ON CONFLICT DO NOTHING)"_s)
-            .Bind(1, StoredPath(files.Text(0), files.Text(1)))
-            .Bind(2, id)
-            .Step();
+/// A table of records with a file each.
+struct FileTable {
+    QLatin1StringView table;
+    QLatin1StringView folder;
+    QLatin1StringView name;
+};
+constexpr FileTable PhotoTable{"ImgDB"_L1, "ImgAblage"_L1, "ImgName"_L1};
+constexpr FileTable OriginalTable{"ImgOriginal"_L1, "Folder"_L1, "Name"_L1};
+
+/// Names that several rows have: found once, for no index finds the rows of a name.
+QSet<QString> SharedNames(store::Database& database, const FileTable& of) {
+    store::Statement select(database,
+                            uR"(SELECT "%1" FROM "%2" WHERE "%1" IS NOT NULL
+                                          GROUP BY "%1" HAVING count(*) > 1)"_s.arg(of.name,
+                                                                                    of.table));
+    QSet<QString> names;
+    while (select.Step()) {
+        names.insert(select.Text(0));
     }
+    return names;
 }
 
+/// Notes the files of records that are to be deleted.
+class FileNotes {
+ public:
+    explicit FileNotes(store::Database& database)
+        : database_(database),
+          sharedPhotos_(SharedNames(database, PhotoTable)),
+          sharedOriginals_(SharedNames(database, OriginalTable)) {}
+
+    /// Inside a transaction.
+    void Note(qint64 id) {
+        NoteFile(PhotoTable, sharedPhotos_, id);
+        NoteFile(OriginalTable, sharedOriginals_, id);
+    }
+
+ private:
+    /// Not where another record has the same file.
+    void NoteFile(const FileTable& of, const QSet<QString>& shared, qint64 id) {
+        store::Statement file(database_, uR"(SELECT "%1", "%2" FROM "%3" WHERE "ID" = ?)"_s.arg(
+                                             of.folder, of.name, of.table));
+        if (!file.Bind(1, id).Step() || file.Text(1).isEmpty()) {
+            return;
+        }
+        if (shared.contains(file.Text(1)) && IsShared(of, file.Text(0), file.Text(1), id)) {
+            return;
+        }
+        for (const auto* table : {"ImgRemoval", "ImgDeletedFile"}) {
+            store::Statement(
+                database_,
+                uR"(INSERT INTO "%1" ("Path", "ID") VALUES (?, ?) ON CONFLICT DO NOTHING)"_s.arg(
+                    QLatin1StringView(table)))
+                .Bind(1, StoredPath(file.Text(0), file.Text(1)))
+                .Bind(2, id)
+                .Step();
+        }
+    }
+
+    bool IsShared(const FileTable& of, const QString& folder, const QString& name, qint64 id) {
+        return store::Statement(database_,
+                                uR"(SELECT "ID" FROM "%1" WHERE "%2" = ? AND "%3" = ?
+                                    AND "ID" <> ? LIMIT 1)"_s.arg(of.table, of.folder, of.name))
+            .Bind(1, folder)
+            .Bind(2, name)
+            .Bind(3, id)
+            .Step();
+    }
+
+    store::Database& database_;
+    QSet<QString> sharedPhotos_;
+    QSet<QString> sharedOriginals_;
+};
+
 /// Inside a transaction. False where there is no such record.
-bool DeleteRecord(store::Database& database, qint64 id, const QString& now) {
-    NoteFile(database, uR"(SELECT "ImgAblage", "ImgName" FROM "ImgDB" WHERE "ID" = ?)"_s, id);
-    NoteFile(database, uR"(SELECT "Folder", "Name" FROM "ImgOriginal" WHERE "ID" = ?)"_s, id);
+bool DeleteRecord(store::Database& database, FileNotes& notes, qint64 id, const QString& now) {
+    notes.Note(id);
     if (!store::Statement(database, uR"(DELETE FROM "ImgDB" WHERE "ID" = ? RETURNING "ID")"_s)
              .Bind(1, id)
              .Step()) {
@@ -59,6 +120,14 @@ bool DeleteRecord(store::Database& database, qint64 id, const QString& now) {
     return true;
 }
 
+/// An empty folder, though there are records with photos.
+bool LooksUnmounted(store::Database& database, const QString& archiveFolder) {
+    return QDir(archiveFolder).isEmpty() &&
+           store::Statement(database,
+                            uR"(SELECT "ID" FROM "ImgDB" WHERE "ImgName" IS NOT NULL LIMIT 1)"_s)
+               .Step();
+}
+
 }  // namespace
 
 QStringList FinishDeletion(store::Database& database, const QString& archiveFolder) {
@@ -76,14 +145,22 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
         return {};
     }
     RequireArchiveFolder(archiveFolder);
+    if (LooksUnmounted(database, archiveFolder)) {
+        return {u"Der Ordner des Bildarchivs „%1“ ist leer; ist sein Laufwerk verbunden?"_s.arg(
+            archiveFolder)};
+    }
     QStringList failures;
     QStringList removed;
     for (const QString& path : paths) {
+        const QString file = StoredFolderPath(archiveFolder, path);
         try {
-            RemoveArchiveFile(StoredFolderPath(archiveFolder, path), archiveFolder);
+            RemoveArchiveFile(file, archiveFolder);
             removed.append(path);
         } catch (const platform::FileError& error) {
             failures.append(error.Text());
+            if (!IsInsideArchive(file, archiveFolder)) {
+                removed.append(path);  // never ours: said once
+            }
         }
     }
     store::Transaction transaction(database);
@@ -102,6 +179,7 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
     RequireArchiveFolder(archiveFolder);
     CreateKeeping(database);
     const auto all = static_cast<qint64>(ids.size());
+    FileNotes notes(database);
     Deletion deletion;
     for (size_t begin = 0; begin < ids.size(); begin += RecordsAtOnce) {
         progress(u"Bilder werden gelöscht …"_s, static_cast<qint64>(begin), all);
@@ -109,12 +187,13 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
             store::Transaction transaction(database);
             for (size_t i = begin; i < std::min(ids.size(), begin + RecordsAtOnce); ++i) {
                 deletion.deleted +=
-                    DeleteRecord(database, ids[i], now.toString(DeletionTimeFormat)) ? 1 : 0;
+                    DeleteRecord(database, notes, ids[i], now.toString(DeletionTimeFormat)) ? 1 : 0;
             }
             transaction.Commit();
         }
-        deletion.failures = FinishDeletion(database, archiveFolder);
+        deletion.failures += FinishDeletion(database, archiveFolder);
     }
+    deletion.failures.removeDuplicates();
     return deletion;
 }
 

@@ -19,7 +19,8 @@ struct Deletion {
 
 /// Deletes records with all that belongs to them: the photo, its original, thumbnail, tags, words
 /// of the full-text index, checksum and date; then the folders that are empty. What stays is the
-/// number and `now` in "ImgDeleted".
+/// number and `now` in "ImgDeleted", and the files' names, which tell of nobody. A file that
+/// another record has too stays.
 ///
 /// A record goes in one transaction that notes its files in "ImgRemoval"; then they are removed,
 /// then the note. Whatever ends the program in between leaves the note, by which FinishDeletion
@@ -31,7 +32,8 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
                        const std::vector<qint64>& ids, const QDateTime& now,
                        const platform::Progress& progress);
 
-/// Removes the files that a deletion has left. Throws as DeleteRecords does.
+/// Removes the files that a deletion has left; returns why some are still there, as Deletion does.
+/// Throws as DeleteRecords does.
 QStringList FinishDeletion(store::Database& database, const QString& archiveFolder);
 
 /// The records of photos that were never written: they have a number alone. One that is being filed

@@ -14,6 +14,7 @@
 #include "platform/Links.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
+#include "store/Statement.h"
 
 using namespace Qt::StringLiterals;
 
@@ -43,8 +44,21 @@ QString StoredPath(const QString& storedFolder, const QString& name) {
     return storedFolder + u'\\' + name;
 }
 
+QSet<QString> NamedFiles(store::Database& database) {
+    QSet<QString> paths;
+    for (const QString& query :
+         {uR"(SELECT "ImgAblage", "ImgName" FROM "ImgDB" WHERE "ImgName" IS NOT NULL)"_s,
+          uR"(SELECT "Folder", "Name" FROM "ImgOriginal")"_s}) {
+        store::Statement select(database, query);
+        while (select.Step()) {
+            paths.insert(StoredPath(select.Text(0), select.Text(1)));
+        }
+    }
+    return paths;
+}
+
 qint64 NumberInName(const QString& path) {
-    static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,18})\\.[^/.]*$"_s);
+    static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,12})\\.[^/.]*$"_s);
     return form.match(path).captured(1).toLongLong();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <optional>
 
@@ -17,6 +18,9 @@ QString StoredFolderPath(const QString& archiveFolder, QString stored);
 /// A file's path as it is stored: its folder and name, with backslashes, below the archive's
 /// folder.
 QString StoredPath(const QString& storedFolder, const QString& name);
+
+/// Photos and originals that a record has, as StoredPath names them. Throws store::StoreError.
+QSet<QString> NamedFiles(store::Database& database);
 
 /// The number in the name of a photo or original, "2026_03_00042.jpg"; 0 where there is none.
 qint64 NumberInName(const QString& path);

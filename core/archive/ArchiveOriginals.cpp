@@ -1,13 +1,20 @@
 #include "core/archive/ArchiveOriginals.h"
 
+#include <unistd.h>
+
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
+#include <cerrno>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/KeepingSchema.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/SystemReason.h"
+#include "platform/UniqueFile.h"
 #include "store/Statement.h"
 
 using namespace Qt::StringLiterals;
@@ -21,6 +28,36 @@ QString Extension(const QString& file) {
     static const QRegularExpression usual(u"^[a-z0-9]{1,5}$"_s);
     const QString extension = QFileInfo(file).suffix().toLower();
     return usual.match(extension).hasMatch() ? extension : u"bild"_s;
+}
+
+/// A new empty file: an original that is there already is another photo's.
+QString ClaimedPath(const QString& folder, const QString& base, const QString& extension) {
+    constexpr int MostTries = 100;
+    for (int number = 1; number <= MostTries; ++number) {
+        const QString title = number == 1 ? base : u"%1 (%2)"_s.arg(base).arg(number);
+        QString path = platform::JoinPath(folder, title + u'.' + extension);
+        const int handle = platform::CreateNewFile(path);
+        if (handle >= 0) {
+            close(handle);
+            return path;
+        }
+        if (errno != EEXIST) {
+            throw platform::FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
+                path, platform::SystemReason(errno)));
+        }
+    }
+    throw platform::FileError(
+        u"Im Ordner „%1“ ist für „%2“ kein Name mehr frei."_s.arg(folder, base));
+}
+
+/// Between opening and filing a card may have been changed for another one with the same names.
+void RequireSameFile(const OriginalToKeep& original) {
+    const QFileInfo file(original.file);
+    if (original.file.isEmpty() || !file.isFile() || file.size() != original.bytes ||
+        file.lastModified() != original.modified) {
+        throw platform::FileError(
+            u"Die Datei „%1“ ist nicht mehr die, die geöffnet wurde."_s.arg(original.file));
+    }
 }
 
 }  // namespace
@@ -47,6 +84,7 @@ std::optional<OriginalRecord> ReadOriginal(store::Database& database, qint64 id)
 }
 
 void KeepOriginal(store::Database& database, qint64 id, const OriginalRecord& original) {
+    store::Statement(database, uR"(DELETE FROM "ImgOriginal" WHERE "ID" = ?)"_s).Bind(1, id).Step();
     store::Statement(database,
                      uR"(INSERT INTO "ImgOriginal" ("ID", "Folder", "Name", "Bytes", "Sha256",
             "PhotoWidth", "PhotoHeight", "CutLeft", "CutTop", "CutWidth", "CutHeight", "Changes")
@@ -68,25 +106,37 @@ void KeepOriginal(store::Database& database, qint64 id, const OriginalRecord& or
 
 OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archiveFolder,
                             const QString& monthFolder, const QString& photoName) {
-    const bool hasFile = !original.file.isEmpty();
     OriginalRecord record{.folder = StoredPath(OriginalsFolder, monthFolder),
-                          .name = QFileInfo(photoName).completeBaseName() + u'.' +
-                                  (hasFile ? Extension(original.file) : u"jpg"_s),
+                          .name = {},
                           .photo = original.size,
                           .rectangle = original.rectangle,
                           .changes = original.changes,
                           .file = {}};
     const QString folder = StoredFolderPath(archiveFolder, record.folder);
-    const QString path = platform::JoinPath(folder, record.name);
     if (!platform::CreateFolder(folder)) {
         throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
     }
-    if (hasFile) {
-        CopyArchiveFile(original.file, path);
-    } else {
-        imaging::WriteImageFile(path, original.photo, {});
+    const QString base = QFileInfo(photoName).completeBaseName();
+    const auto write = [&](const QString& extension, const auto& writeTo) {
+        const QString path = ClaimedPath(folder, base, extension);
+        auto clean = qScopeGuard([&] { QFile::remove(path); });
+        writeTo(path);
+        record.name = QFileInfo(path).fileName();
+        record.file = DigestOf(path).value_or(FileDigest());
+        clean.dismiss();
+    };
+    try {
+        RequireSameFile(original);
+        write(Extension(original.file),
+              [&](const QString& path) { CopyArchiveFile(original.file, path); });
+    } catch (const platform::FileError&) {
+        if (original.photo.IsEmpty()) {
+            throw;
+        }
+        write(u"jpg"_s,
+              [&](const QString& path) { imaging::WriteImageFile(path, original.photo, {}); });
+        record.changes = u"Stand vor dem Zuschneiden"_s;
     }
-    record.file = DigestOf(path).value_or(FileDigest());
     return record;
 }
 

@@ -15,8 +15,9 @@ std::optional<OriginalRecord> ReadOriginal(store::Database& database, qint64 id)
 void KeepOriginal(store::Database& database, qint64 id, const OriginalRecord& original);
 
 /// Puts an original into the archive's folder for the photo of that name and month, in a folder of
-/// its own: "Originale\2026\03\2026_03_00042.jpg", with the extension of the file. Throws
-/// platform::FileError; nothing is left then.
+/// its own: "Originale\2026\03\2026_03_00042.jpg", with the extension of the file, and another
+/// name where that one is taken. Where the file cannot be read or is another one by now, the pixels
+/// are kept. Throws platform::FileError, where there are none too; nothing is left then.
 OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archiveFolder,
                             const QString& monthFolder, const QString& photoName);
 

@@ -1,6 +1,8 @@
 #include "core/archive/ArchiveRebuild.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QSet>
 #include <algorithm>
 
 #include "core/archive/ArchiveFiles.h"
@@ -38,25 +40,72 @@ QString TagsIn(const imaging::IptcItems& items) {
     return TagText(keywords.isEmpty() ? lines : lines + keywords.split(u','));
 }
 
-/// The number in the photo's name where no record has it, else the next one.
-qint64 NumberFor(ArchiveTable& table, const QString& name) {
-    const qint64 own = name.section(u'_', 2).section(u'.', 0, 0).toLongLong();
-    return own > 0 && !table.Read(own) ? own : table.Insert();
+/// A photo of the archive, its folder as it is stored, and the archive's.
+struct LostPhoto {
+    QFileInfo file;
+    QString storedFolder;
+    QString archiveFolder;
+};
+
+LostPhoto LostPhotoOf(const QString& path) {
+    const QFileInfo file(path);
+    const QFileInfo month(file.path());
+    const QFileInfo year(month.path());
+    return {file, StoredPath(year.fileName(), month.fileName()), year.path()};
 }
 
-void RebuildRecord(ArchiveTable& table, const QString& path) {
+/// The number in the photo's name where no other photo has it, else the next one. Nothing where a
+/// record has the photo by now: another workplace was just filing it.
+std::optional<qint64> NumberFor(ArchiveTable& table, const LostPhoto& lost) {
+    const qint64 own = NumberInName(lost.file.fileName());
+    const auto record = own > 0 ? table.Read(own) : std::nullopt;
+    if (record && record->name == lost.file.fileName() && record->folder == lost.storedFolder) {
+        return std::nullopt;
+    }
+    return own > 0 && (!record || record->name.isEmpty()) ? own : table.Insert();
+}
+
+/// Where it was cut of its original nobody knows.
+std::optional<OriginalRecord> OriginalFor(const LostPhoto& lost, const QSet<QString>& named) {
+    OriginalRecord original{.folder = StoredPath(OriginalsFolder, lost.storedFolder),
+                            .name = {},
+                            .photo = {},
+                            .rectangle = {},
+                            .changes = {},
+                            .file = {}};
+    const QDir folder(StoredFolderPath(lost.archiveFolder, original.folder));
+    for (const QString& name : folder.entryList({lost.file.completeBaseName() + u".*"_s},
+                                                QDir::Files | QDir::NoSymLinks, QDir::Name)) {
+        if (const auto digest = DigestOf(folder.filePath(name));
+            digest && !named.contains(StoredPath(original.folder, name))) {
+            original.name = name;
+            original.file = *digest;
+            return original;
+        }
+    }
+    return std::nullopt;
+}
+
+/// False where a record has the photo.
+bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>& named) {
+    const LostPhoto lost = LostPhotoOf(path);
+    if (named.contains(StoredPath(lost.storedFolder, lost.file.fileName()))) {
+        return false;
+    }
     const imaging::LoadedImage photo = imaging::ReadImageFile(path);
-    const FiledFiles files{.photo = DigestOf(path).value_or(FileDigest()), .original = {}};
-    const QFileInfo file(path);
-    const QString month = file.path().mid(file.path().lastIndexOf(u'/') + 1);
-    const QString year = QFileInfo(QFileInfo(file.path()).path()).fileName();
-    table.Fill({.id = NumberFor(table, file.fileName()),
-                .name = file.fileName(),
-                .type = {},
-                .created = file.lastModified(),
-                .folder = year + u'\\' + month,
-                .tags = TagsIn(photo.iptc)},
-               ArchiveThumbnail(photo.pixels), files);
+    const FiledFiles files{.photo = DigestOf(path).value_or(FileDigest()),
+                           .original = OriginalFor(lost, named)};
+    const auto id = NumberFor(table, lost);
+    if (id) {
+        table.Fill({.id = *id,
+                    .name = lost.file.fileName(),
+                    .type = {},
+                    .created = lost.file.lastModified(),
+                    .folder = lost.storedFolder,
+                    .tags = TagsIn(photo.iptc)},
+                   ArchiveThumbnail(photo.pixels), files);
+    }
+    return id.has_value();
 }
 
 }  // namespace
@@ -65,13 +114,13 @@ Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
                           const platform::Progress& progress) {
     CreateKeeping(database);
     ArchiveTable table(database);
+    const QSet<QString> named = NamedFiles(database);
     Rebuilding rebuilding;
     for (const QString& path : paths) {
         progress(u"Datensätze werden wiederhergestellt …"_s, rebuilding.rebuilt,
                  static_cast<qint64>(paths.size()));
         try {
-            RebuildRecord(table, path);
-            ++rebuilding.rebuilt;
+            rebuilding.rebuilt += RebuildRecord(table, path, named) ? 1 : 0;
         } catch (const imaging::ReadError& error) {
             rebuilding.failures.append(error.Text());
         } catch (const platform::FileError& error) {

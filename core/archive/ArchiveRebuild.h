@@ -14,10 +14,11 @@ struct Rebuilding {
     QStringList failures;
 };
 
-/// Makes a record anew for each photo of the archive that lost it: number and month from its name
-/// and folder, tags from its IPTC items, the time from the file; what template it was cut by nobody
-/// knows. A tag that held a comma comes back as several, but for the first. Throws
-/// store::StoreError and platform::Cancelled.
+/// Makes a record anew for each photo of the archive that lost it and has none by now: number and
+/// month from its name and folder, tags from its IPTC items, the time from the file; what template
+/// it was cut by nobody knows. An original that lies in its place is the record's again. A tag that
+/// held a comma comes back as several, but for the first. Throws store::StoreError and
+/// platform::Cancelled.
 Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
                           const platform::Progress& progress);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveSchema.h"
 #include "store/FullTextIndex.h"
@@ -79,12 +80,24 @@ void ArchiveTable::Fill(const ArchiveRecord& record, QByteArrayView thumbnail,
         .Step();
     store::FullTextIndex(database_, TagIndexName).Set(record.id, record.tags);
     if (files) {
+        ForgetDeletion(record.id, StoredPath(record.folder, record.name));
         WriteDigest(record.id, files->photo);
     }
     if (files && files->original) {
+        ForgetDeletion(record.id, StoredPath(files->original->folder, files->original->name));
         KeepOriginal(database_, record.id, *files->original);
     }
     transaction.Commit();
+}
+
+void ArchiveTable::ForgetDeletion(qint64 id, const QString& storedPath) {
+    store::Statement(database_, uR"(DELETE FROM "ImgDeleted" WHERE "ID" = ?)"_s).Bind(1, id).Step();
+    for (const auto* table : {"ImgRemoval", "ImgDeletedFile"}) {
+        store::Statement(database_,
+                         uR"(DELETE FROM "%1" WHERE "Path" = ?)"_s.arg(QLatin1StringView(table)))
+            .Bind(1, storedPath)
+            .Step();
+    }
 }
 
 void ArchiveTable::SetDigests(const std::vector<std::pair<qint64, FileDigest>>& photos) {

@@ -80,6 +80,9 @@ class ArchiveTable {
     /// Inside a transaction.
     void WriteTags(qint64 id, const QString& tags);
     void WriteDigest(qint64 id, const FileDigest& photo);
+    /// What an older record of that number or with that file has left: neither is deleted (any
+    /// more).
+    void ForgetDeletion(qint64 id, const QString& storedPath);
     const ArchiveListing& Listing() const;
     std::vector<qint64> Filtered(std::vector<qint64> ids) const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -36,6 +37,9 @@ struct FiledFiles {
 struct OriginalToKeep {
     /// The file as it was opened; empty where there is none (any more).
     QString file;
+    /// Its size and time when it was opened: another one under its name is not kept.
+    qint64 bytes = 0;
+    QDateTime modified;
     /// What is kept in its place then: the photo as it was before it was cut.
     imaging::Pixels photo;
     /// Of OriginalRecord.

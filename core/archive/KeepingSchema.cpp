@@ -1,8 +1,10 @@
 #include "core/archive/KeepingSchema.h"
 
 #include <QRegularExpression>
+#include <QUuid>
 #include <array>
 
+#include "store/Statement.h"
 #include "store/Transaction.h"
 
 using namespace Qt::StringLiterals;
@@ -32,6 +34,8 @@ constexpr std::array KeepingTables{
     KeepingTable{"ImgKeepUntil"_L1, R"("ID" BIGINT PRIMARY KEY, "Until" VARCHAR(10) NOT NULL)"_L1},
     KeepingTable{"ImgKeeping"_L1,
                  R"("Name" VARCHAR(50) PRIMARY KEY, "Value" VARCHAR(250) NOT NULL)"_L1},
+    KeepingTable{"ImgDeletedFile"_L1,
+                 R"("Path" VARCHAR(255) PRIMARY KEY, "ID" BIGINT NOT NULL)"_L1},
 };
 
 }  // namespace
@@ -65,6 +69,19 @@ void CreateKeeping(store::Database& database) {
             uR"(CREATE TABLE IF NOT EXISTS "%1" (%2))"_s.arg(table.name, table.fields));
     }
     transaction.Commit();
+}
+
+QString ArchiveIdentity(store::Database& database) {
+    CreateKeeping(database);
+    store::Statement(
+        database,
+        uR"(INSERT INTO "ImgKeeping" ("Name", "Value") VALUES ('Identity', ?) ON CONFLICT DO NOTHING)"_s)
+        .Bind(1, QUuid::createUuid().toString(QUuid::WithoutBraces))
+        .Step();
+    store::Statement select(database,
+                            uR"(SELECT "Value" FROM "ImgKeeping" WHERE "Name" = 'Identity')"_s);
+    select.Step();
+    return select.Text(0);
 }
 
 }  // namespace kadrona::core

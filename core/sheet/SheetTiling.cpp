@@ -1,5 +1,7 @@
 #include "core/sheet/SheetTiling.h"
 
+#include <QFileInfo>
+
 #include "core/archive/PhotoArchive.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
@@ -92,16 +94,14 @@ std::optional<OriginalToKeep> OriginalOf(const imaging::LayeredImage& image,
     if (!making.settings.ImageAutoSave() || !making.settings.KeepOriginals()) {
         return std::nullopt;
     }
-    OriginalToKeep original{.file = making.openedFile,
-                            .photo = {},
-                            .size = image.Photo().Size(),
-                            .rectangle = rectangle,
-                            .changes = ChangesOf(image.Edits())};
-    if (original.file.isEmpty()) {
-        original.photo = image.Photo();
-        original.changes = u"Stand vor dem Zuschneiden"_s;
-    }
-    return original;
+    const QFileInfo opened(making.openedFile);
+    return OriginalToKeep{.file = making.openedFile,
+                          .bytes = opened.size(),
+                          .modified = opened.lastModified(),
+                          .photo = image.Photo(),
+                          .size = image.Photo().Size(),
+                          .rectangle = rectangle,
+                          .changes = ChangesOf(image.Edits())};
 }
 
 /// The sheet's own resolution, or the one at which a cut that is `width` pixels wide prints at its

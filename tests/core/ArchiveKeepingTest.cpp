@@ -101,6 +101,8 @@ TEST_F(ArchiveKeeping, AnInterruptedDeletionIsFinishedLater) {
 
     QDir(Filed("2026_03_00001.jpg")).removeRecursively();
     installation.Write("archive/2026/03/2026_03_00001.jpg", "as a crash leaves it");
+    core::CheckArchive(Database(), archiveFolder, platform::NoProgress, core::CheckedPlace::Copy);
+    EXPECT_EQ(FiledPhotos().size(), 2) << "a copy is only looked at";
     EXPECT_EQ(Faults(), QStringList());
     EXPECT_EQ(FiledPhotos(), QStringList(u"2026_03_00002.jpg"_s));
 }
@@ -111,6 +113,7 @@ TEST_F(ArchiveKeeping, NothingIsDeletedOutsideTheArchiveNorWithoutItsFolder) {
     Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..', "ImgName" = 'precious.jpg')"_s);
     EXPECT_EQ(Delete({1}).failures.size(), 1);
     EXPECT_TRUE(QFile::exists(installation.Path("precious.jpg")));
+    EXPECT_EQ(core::FinishDeletion(Database(), archiveFolder), QStringList()) << "said once";
 
     File(u"b\r\n"_s);
     ASSERT_TRUE(QDir().rename(archiveFolder, archiveFolder + u"-away"_s));
@@ -153,6 +156,35 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
     EXPECT_EQ(Table().ReadThumbnail(1), thumbnail);
     EXPECT_LT(qAbs(rebuilt.created.secsTo(QDateTime::currentDateTime())), 100);
     EXPECT_EQ(Faults().size(), 3) << "blank, missing, not ours";
+    EXPECT_EQ(core::RebuildRecords(Database(), {Filed("2026_03_00001.jpg")}, platform::NoProgress)
+                  .rebuilt,
+              0)
+        << "no second record for one photo";
+}
+
+TEST_F(ArchiveKeeping, AFileGoesWithItsLastRecordAndComesBackWithTheNextOne) {
+    File(u"a\r\n"_s);
+    File(u"b\r\n"_s);
+    Execute(uR"(UPDATE "ImgDB" SET "ImgName" = '2026_03_00001.jpg')"_s);
+    Delete({1});
+    EXPECT_EQ(FiledPhotos().size(), 2) << "record 2 has the file too";
+    Execute(uR"(UPDATE "ImgDB" SET "ImgName" = '2026_03_00002.jpg')"_s);
+    EXPECT_EQ(Faults(), QStringList(u"4 0 2026_03_00001.jpg"_s)) << "lost, not undeleted";
+
+    const QByteArray photo = platform::ReadWholeFile(Filed("2026_03_00002.jpg"), 1 << 20);
+    Delete({2});
+    installation.Write("archive/2026/03/2026_03_00002.jpg", photo);
+    installation.Write("archive/2026/04/2026_04_00002.jpg", photo);
+    installation.Write("archive/2026/03/2026_03_999999999999999999.jpg", photo);
+    installation.Write("archive/Originale/2026/04/2026_04_00002.nef", "raw");
+    EXPECT_EQ(Faults().filter(u"6 2 "_s), QStringList(u"6 2 2026_03_00002.jpg"_s));
+    Execute(uR"(INSERT INTO "ImgDB" ("ID") VALUES (2))"_s);
+    const QStringList lost = Check().Paths(core::ArchiveFault::Lost);
+    EXPECT_EQ(core::RebuildRecords(Database(), lost, platform::NoProgress).rebuilt, 2);
+    EXPECT_EQ(core::ReadOriginal(Database(), 2).value_or(core::OriginalRecord()).name,
+              u"2026_04_00002.nef"_s);
+    EXPECT_EQ(Rows(uR"(SELECT "ID" FROM "ImgDeleted" ORDER BY 1)"_s), QStringList())
+        << "their numbers have photos again";
 }
 
 TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
@@ -190,7 +222,8 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     };
     EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, giveUp),
                  platform::Cancelled);
-    EXPECT_EQ(QDir(target).entryList(QDir::Files), QStringList(u"KDRImageBase.db"_s));
+    EXPECT_EQ(QDir(target).entryList(QDir::Files),
+              QStringList({u"KDRImageBase.db"_s, u"Sicherung.txt"_s}));
     store::SqliteDatabase copied(target);
     EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDeleted")"_s), QStringList(u"1"_s));
     EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDB" ORDER BY 1)"_s),
@@ -198,9 +231,12 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     EXPECT_EQ(DatabaseFault(copied), QString());
 
     installation.Write("full/letter.odt", "x");
+    installation.Write("own/Archiv/letter.odt", "x");
+    installation.Write("other/Sicherung.txt", "of another archive");
     const QString inUse = OnServer() ? archiveFolder : databaseFolder;
-    for (const QString& wrong : {archiveFolder + u"/2026"_s, installation.Path(""), inUse,
-                                 installation.Path("full"), installation.Path("none")}) {
+    for (const QString& wrong :
+         {archiveFolder + u"/2026"_s, installation.Path(""), inUse, installation.Path("full"),
+          installation.Path("own"), installation.Path("other"), installation.Path("none")}) {
         EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, wrong, platform::NoProgress),
                      platform::FileError)
             << wrong.toStdString();
@@ -279,9 +315,12 @@ TEST_F(ArchiveKeeping, PhotosAreListedByDayAndInOtherOrders) {
 TEST_F(ArchiveKeeping, AnOriginalIsKeptBesideThePhotoAndGoesWithIt) {
     const QByteArray bytes = "not even a photo";
     installation.Write("card/DSC_0001.NEF", bytes);
+    const QFileInfo card(installation.Path("card/DSC_0001.NEF"));
     core::PhotoArchive& archive = data.Archiving();
     core::PhotoToFile known{archiveFolder, u"Pass.msk"_s, u"a\r\n"_s, u"a"_s,
-                            core::OriginalToKeep{.file = installation.Path("card/DSC_0001.NEF"),
+                            core::OriginalToKeep{.file = card.filePath(),
+                                                 .bytes = card.size(),
+                                                 .modified = card.lastModified(),
                                                  .photo = {},
                                                  .size = {800, 600},
                                                  .rectangle = {10, 20, 350, 450},
@@ -295,11 +334,18 @@ TEST_F(ArchiveKeeping, AnOriginalIsKeptBesideThePhotoAndGoesWithIt) {
     EXPECT_EQ(kept.changes, u"retuschiert"_s);
     EXPECT_EQ(Check().sound, 2);
 
-    known.original->file = installation.Path("card/none.NEF");
+    installation.Write("card/DSC_0001.NEF", "another customer's");
     EXPECT_THROW(archive.File(image, known), platform::FileError);
     EXPECT_EQ(FiledPhotos().size(), 1) << "no photo without the original that was asked for";
 
-    Delete({1, 2});
+    known.original->photo = image.Photo();
+    installation.Write("archive/Originale/2026/03/2026_03_00003.jpg", "another one's");
+    ASSERT_EQ(archive.File(image, known), core::Filing::Done);
+    EXPECT_EQ(core::ReadOriginal(Database(), 3)->name, u"2026_03_00003 (2).jpg"_s)
+        << "the pixels, and no other original replaced";
+    QFile::remove(archiveFolder + u"/Originale/2026/03/2026_03_00003.jpg"_s);
+
+    Delete({1, 2, 3});
     EXPECT_TRUE(QDir(archiveFolder).isEmpty());
     EXPECT_FALSE(core::ReadOriginal(Database(), 1));
 }

@@ -188,6 +188,13 @@ TEST(ImageTags, OffersEarlierTagsForTheLineThatIsTyped) {
         QTest::keyClick(&offered, Qt::Key_Return);
         EXPECT_EQ(memo.toPlainText(), u"Cora\nBerlin"_s);
         EXPECT_FALSE(offered.isVisible());
+        QTest::keyClicks(&memo, u" "_s);
+        memo.setPlainText({});
+        QTest::keyClicks(&memo, u"Ann"_s);
+        ASSERT_TRUE(offered.isVisible());
+        QTest::keyClick(&offered, Qt::Key_Return);
+        QTest::keyClicks(&memo, u"x"_s);
+        EXPECT_EQ(memo.toPlainText(), u"Ann\nx"_s) << "none was chosen";
         shown.close();
     });
     dialog.ShowEx();
