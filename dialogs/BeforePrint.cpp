@@ -31,12 +31,12 @@ namespace {
 
 constexpr QSize SmallestList(220, 120);
 constexpr int SettlingMilliseconds = 60;
-const QString LastUsedValue = u"PrinterProfile"_s;
+const QString LastUsedKey = u"PrinterProfile"_s;
 
 /// None where the user's values cannot be read.
 QString StoredLastUsed() {
     try {
-        return platform::ReadRegistryText(LastUsedValue);
+        return platform::ReadRegistryText(LastUsedKey);
     } catch (const platform::Error&) {
         return {};
     }
@@ -45,7 +45,7 @@ QString StoredLastUsed() {
 /// Printing does not wait for it to be kept.
 void StoreLastUsed(const QString& chosen) {
     try {
-        platform::WriteRegistryText(LastUsedValue, chosen);
+        platform::WriteRegistryText(LastUsedKey, chosen);
     } catch (const platform::Error&) {
         return;
     }
