@@ -20,6 +20,11 @@ QString ResultText(const core::TransferResult& result) {
     if (result.records == 0) {
         return u"Das Archiv dieses Rechners hat keine Bilder, die zu übertragen wären."_s;
     }
+    if (result.leftOut > 0) {
+        return u"Das Archiv ist übertragen: Von %1 Bildern stehen alle mit gleichem Inhalt auf dem "
+               u"Server, bis auf %2, die dort gelöscht wurden; %3 kamen jetzt hinzu."_s.arg(
+                   Counted(result.records), Counted(result.leftOut), Counted(result.copied));
+    }
     return u"Das Archiv ist übertragen: Alle %1 Bilder stehen mit gleichem Inhalt auf dem Server, "
            u"%2 davon kamen jetzt hinzu."_s.arg(Counted(result.records), Counted(result.copied));
 }

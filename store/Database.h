@@ -113,12 +113,14 @@ class Database {
  private:
     friend class FullTextIndex;
     friend class Statement;
+    friend class Snapshot;
     friend class Transaction;
 
     virtual std::unique_ptr<PreparedStatement> Prepare(const QString& sql) = 0;
 
     /// Waits for other writers as long as this kind of database does.
     virtual void Begin() = 0;
+    virtual void BeginSnapshot() = 0;
     virtual void Commit() = 0;
     virtual void RollBack() noexcept = 0;
 

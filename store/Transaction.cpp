@@ -19,4 +19,12 @@ void Transaction::Commit() {
     committed_ = true;
 }
 
+Snapshot::Snapshot(Database& database) : database_(database) {
+    database_.BeginSnapshot();
+}
+
+Snapshot::~Snapshot() {
+    database_.RollBack();
+}
+
 }  // namespace kadrona::store

@@ -22,4 +22,17 @@ class Transaction {
     bool committed_ = false;
 };
 
+/// Reading as of one moment, whatever others write until it ends; nothing is written meanwhile.
+class Snapshot {
+ public:
+    /// Throws StoreError.
+    explicit Snapshot(Database& database);
+    ~Snapshot();
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+ private:
+    Database& database_;
+};
+
 }  // namespace kadrona::store

@@ -17,6 +17,7 @@
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
 #include "store/Statement.h"
+#include "store/Transaction.h"
 #include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -126,6 +127,7 @@ class BackupRun {
         }
         {
             store::SqliteDatabase copy(folder);
+            const store::Snapshot moment(database_);
             TransferArchive(database_, copy, progress_);
         }
         Rename(platform::JoinPath(folder, CopiedDatabase), waiting);

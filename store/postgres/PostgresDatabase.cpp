@@ -51,6 +51,10 @@ void PostgresDatabase::Begin() {
     link_.Run("BEGIN");
 }
 
+void PostgresDatabase::BeginSnapshot() {
+    link_.Run("BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+}
+
 void PostgresDatabase::Commit() {
     // Of a transaction in which something has failed the server says so in this way alone.
     if (QByteArrayView(PQcmdStatus(link_.Run("COMMIT").get())) != "COMMIT") {

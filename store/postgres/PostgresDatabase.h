@@ -38,6 +38,7 @@ class PostgresDatabase : public Database {
  private:
     std::unique_ptr<PreparedStatement> Prepare(const QString& sql) override;
     void Begin() override;
+    void BeginSnapshot() override;
     void Commit() override;
     void RollBack() noexcept override;
     QStringList FullTextCreation(const QString& index) const override;

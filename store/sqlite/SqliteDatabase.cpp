@@ -121,6 +121,10 @@ void SqliteDatabase::Begin() {
     }
 }
 
+void SqliteDatabase::BeginSnapshot() {
+    Execute(u"BEGIN"_s);
+}
+
 void SqliteDatabase::Commit() {
     Execute(u"COMMIT"_s);
     WaitUpTo(ReadingPatience);

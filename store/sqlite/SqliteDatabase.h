@@ -41,6 +41,7 @@ class SqliteDatabase : public Database {
 
     std::unique_ptr<PreparedStatement> Prepare(const QString& sql) override;
     void Begin() override;
+    void BeginSnapshot() override;
     void Commit() override;
     void RollBack() noexcept override;
     QStringList FullTextCreation(const QString& index) const override;

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 
+#include "core/archive/ArchiveBackup.h"
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/KeepingSchema.h"
 #include "imaging/document/LayeredImage.h"
@@ -157,15 +158,27 @@ TEST_F(ArchiveServer, ATransferCanBeRepeated) {
     };
     core::CreateKeeping(source);
     source.Execute(uR"(INSERT INTO "ImgKeepUntil" VALUES (9, '2027-01-01'))"_s);
+    const auto target = core::OpenServer(server);
+    source.Execute(uR"(UPDATE "ImgDB" SET "ImgErstellt" = 'gestern' WHERE "ID" = 3)"_s);
+    EXPECT_TRUE(TextOf<store::StoreError>([&] { transfer(99); }).endsWith(u"Nummer 3."_s));
+    source.Execute(uR"(UPDATE "ImgDB" SET "ImgErstellt" = NULL WHERE "ID" = 3)"_s);
     for (int steps = 0; steps < 9; ++steps) {
         EXPECT_THROW(transfer(steps), platform::Cancelled) << steps;
     }
-    EXPECT_EQ(transfer(99).records, 448);
+    // Both are worked with before it goes on.
+    table.SetTags(4, u"anders\r\n"_s);
+    source.Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" IN (6, 449))"_s);
+    target->Execute(uR"(DELETE FROM "ImgDB" WHERE "ID" = 8)"_s);
+    target->Execute(uR"(INSERT INTO "ImgDeleted" ("ID", "Deleted") VALUES (8, ''))"_s);
+    EXPECT_EQ(transfer(99).records, 446);
+    EXPECT_EQ(transfer(99).leftOut, 1) << "deleted on the server is deleted";
     EXPECT_EQ(transfer(99).copied, 0);
 
-    const auto target = core::OpenServer(server);
     core::ArchiveTable copied(*target);
-    EXPECT_EQ(copied.Ids(), table.Ids());
+    std::vector<qint64> expected = table.Ids();
+    std::erase(expected, 8);
+    EXPECT_EQ(copied.Ids(), expected);
+    EXPECT_EQ(copied.Read(4)->tags, u"anders\r\n"_s);
     EXPECT_EQ(copied.Read(2)->created, table.Read(2)->created);
     EXPECT_EQ(copied.ReadThumbnail(2), thumbnail);
     copied.SetFilter(u"TEXTSEARCH('JÜRGENX 9' IN ImgTags)"_s);
@@ -177,6 +190,24 @@ TEST_F(ArchiveServer, ATransferCanBeRepeated) {
               QStringList(u"92027-01-01"_s));
     copied.SetTags(7, u"anders"_s);
     EXPECT_TRUE(TextOf<store::StoreError>([&] { transfer(99); }).contains(u"Nummer 7 schon"_s));
+}
+
+/// What others do meanwhile does not end it.
+TEST_F(ArchiveServer, ABackupIsOfOneMoment) {
+    QDir().mkpath(installation.Path("backup"));
+    const auto database = core::OpenServer(server);
+    core::CreateArchive(*database);
+    core::ArchiveTable table(*database);
+    table.SetTags(table.Insert(), u"vorher"_s);
+    const auto others = core::OpenServer(server);
+    core::BackUpArchive(*database, installation.Path("archive"), installation.Path("backup"),
+                        [&](const QString&, qint64, qint64) {
+                            core::ArchiveTable(*others).SetTags(1, u"nachher"_s);
+                            core::ArchiveTable(*others).Insert();
+                        });
+    store::SqliteDatabase copy(installation.Path("backup"));
+    EXPECT_EQ(Column(copy, uR"(SELECT "ImgTags" FROM "ImgDB")"_s), QStringList(u"vorher"_s));
+    EXPECT_EQ(table.Read(1)->tags, u"nachher"_s);
 }
 
 TEST_F(ArchiveServer, ChangesOfOtherWorkplacesAreSeen) {
