@@ -1,6 +1,7 @@
 #include "app/WaitingPhotos.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QScopeGuard>
 #include <QTimer>
 #include <QWidget>
@@ -8,7 +9,7 @@
 
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
-#include "controls/messages/WaitCursor.h"
+#include "controls/messages/ProgressBox.h"
 #include "core/Data.h"
 #include "store/StoreError.h"
 
@@ -28,7 +29,10 @@ constexpr std::chrono::milliseconds LookPatience(300);
 WaitingPhotos::WaitingPhotos(core::TData& data, QWidget& window)
     : QObject(&window), data_(data), window_(window) {
     const auto look = [this] { controls::Guarded(&window_, [this] { Look(); }); };
-    QTimer::singleShot(AfterStart, this, look);
+    QTimer::singleShot(AfterStart, this, [this, look] {
+        data_.Archiving().Queue().RemoveOrphans(QDateTime::currentDateTime().addDays(-1));
+        look();
+    });
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, look);
     timer->start(BetweenLooks);
@@ -55,13 +59,18 @@ void WaitingPhotos::Look() {
 
 /// One that has nowhere to go does not hold up the others.
 void WaitingPhotos::FileAll(const QStringList& names) {
-    const controls::WaitCursor wait;
+    controls::ProgressBox box(&window_, u"Wartende Fotos archivieren"_s);
+    const platform::Progress progress = box.Reporter();
     QString failure;
+    qint64 done = 0;
     for (const QString& name : names) {
         try {
+            progress(u"Die Fotos werden archiviert …"_s, done++, names.size());
             if (data_.Archiving().FileWaiting(name) != core::Filing::Done) {
                 failure = u"Das Bildarchiv oder sein Ordner ist nicht zugänglich."_s;
             }
+        } catch (const platform::Cancelled&) {
+            return;  // the others wait on
         } catch (const store::ConnectionLost&) {
             throw;
         } catch (const platform::Error& error) {

@@ -144,7 +144,7 @@ bool ArchiveTable::ReplaceTags(qint64 id, const QString& expected, const QString
         .Bind(1, id)
         .Step();
     const auto record = Read(id);
-    if (record && record->tags != expected) {
+    if (!record || record->tags != expected) {
         return false;
     }
     WriteTags(id, tags);

@@ -68,8 +68,8 @@ class ArchiveTable {
     QByteArray ReadThumbnail(qint64 id) const;
     /// Does nothing where there is no such record.
     void SetTags(qint64 id, const QString& tags);
-    /// The same, but false, with nothing changed, where the record's tags are no longer `expected`:
-    /// another program has changed them meanwhile.
+    /// The same, but false, with nothing changed, where the record's tags are no longer `expected`
+    /// or it is gone: another program has changed or deleted it meanwhile.
     bool ReplaceTags(qint64 id, const QString& expected, const QString& tags);
 
     /// Only what the full-text expression finds is listed from now on, for example

@@ -1,9 +1,14 @@
 #include "core/archive/FilingQueue.h"
 
 #include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QUuid>
 
+#include "core/archive/ArchiveFiles.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "platform/AtomicFile.h"
 #include "platform/Paths.h"
 #include "platform/PropertyFile.h"
@@ -15,10 +20,25 @@ namespace kadrona::core {
 namespace {
 
 const QString PhotoSection = u"Photo"_s;
+const QString OriginalSection = u"Original"_s;
 /// What is known of a photo; written last and removed first: with it the photo waits.
 constexpr QStringView KnowledgeExtension = u".ini";
 constexpr QStringView PhotoExtension = u".jpg";
 constexpr QStringView ThumbnailExtension = u".thumbnail.jpg";
+
+void WriteOriginal(platform::PropertyFile& file, const OriginalRecord& original) {
+    const auto write = [&](const char* property, int value) {
+        file.WriteInteger(OriginalSection, QString::fromLatin1(property), value);
+    };
+    file.WriteText(OriginalSection, u"Path"_s, StoredPath(original.folder, original.name));
+    file.WriteText(OriginalSection, u"Changes"_s, original.changes);
+    write("PhotoWidth", original.photo.width());
+    write("PhotoHeight", original.photo.height());
+    write("Left", original.rectangle.x());
+    write("Top", original.rectangle.y());
+    write("Width", original.rectangle.width());
+    write("Height", original.rectangle.height());
+}
 
 }  // namespace
 
@@ -43,6 +63,9 @@ void FilingQueue::Add(const WaitingPhoto& photo) const {
     file.WriteText(PhotoSection, u"Template"_s, photo.templateName);
     file.WriteText(PhotoSection, u"Tags"_s, photo.tags);
     file.WriteText(PhotoSection, u"Created"_s, photo.created.toString(Qt::ISODateWithMs));
+    if (photo.original) {
+        WriteOriginal(file, FileOriginal(*photo.original, folder_, {}, name + u".jpg"_s));
+    }
     file.Save();
 }
 
@@ -68,14 +91,54 @@ WaitingPhoto FilingQueue::Read(const QString& name) const {
         .tags = text("Tags"),
         .created = QDateTime::fromString(text("Created"), Qt::ISODateWithMs),
         .photo = platform::ReadWholeFile(PathOf(name, PhotoExtension), LargestPhoto),
-        .thumbnail = platform::ReadWholeFile(PathOf(name, ThumbnailExtension), LargestThumbnail)};
+        .thumbnail = platform::ReadWholeFile(PathOf(name, ThumbnailExtension), LargestThumbnail),
+        .original = OriginalOf(file)};
+}
+
+std::optional<OriginalToKeep> FilingQueue::OriginalOf(const platform::PropertyFile& file) const {
+    const auto path = file.ReadText(OriginalSection, u"Path"_s);
+    if (!path) {
+        return {};
+    }
+    const auto number = [&](const char* property) {
+        return file.ReadInteger(OriginalSection, QString::fromLatin1(property)).value_or(0);
+    };
+    OriginalToKeep original;
+    original.file = StoredFolderPath(folder_, *path);
+    original.size = {number("PhotoWidth"), number("PhotoHeight")};
+    original.rectangle = {number("Left"), number("Top"), number("Width"), number("Height")};
+    original.changes = file.ReadText(OriginalSection, u"Changes"_s).value_or(QString());
+    return original;
 }
 
 void FilingQueue::Remove(const QString& name) const {
-    for (const QStringView extension : {KnowledgeExtension, PhotoExtension, ThumbnailExtension}) {
-        if (!QFile::remove(PathOf(name, extension))) {
-            return;
+    const auto original = OriginalOf(platform::PropertyFile(PathOf(name, KnowledgeExtension)));
+    if (!QFile::remove(PathOf(name, KnowledgeExtension))) {
+        return;
+    }
+    for (const QStringView extension : {PhotoExtension, ThumbnailExtension}) {
+        QFile::remove(PathOf(name, extension));
+    }
+    if (original) {
+        QFile::remove(original->file);
+    }
+}
+
+/// By the time of the file's entry: a copy has the time of what it is a copy of.
+void FilingQueue::RemoveOrphans(const QDateTime& before) const {
+    static const QRegularExpression ours(u"^[0-9]{8}-[0-9]{9}-[0-9a-f]{8}$"_s);
+    const QStringList waiting = Waiting();
+    QStringList orphans;
+    QDirIterator files(folder_, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QFileInfo file(files.next());
+        if (ours.match(file.baseName()).hasMatch() && !waiting.contains(file.baseName()) &&
+            file.metadataChangeTime() < before) {
+            orphans.append(file.filePath());
         }
+    }
+    for (const QString& orphan : orphans) {
+        QFile::remove(orphan);
     }
 }
 

@@ -4,6 +4,13 @@
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
+#include <optional>
+
+#include "core/archive/FiledFiles.h"
+
+namespace kadrona::platform {
+class PropertyFile;
+}
 
 namespace kadrona::core {
 
@@ -15,6 +22,8 @@ struct WaitingPhoto {
     QDateTime created;
     QByteArray photo;      ///< a JPEG with its tags
     QByteArray thumbnail;  ///< a JPEG
+    /// Kept beside it where it is given; a copy of its file waits too.
+    std::optional<OriginalToKeep> original = {};
 };
 
 /// Photos that wait, in a folder that only the user can open; they stay there when the program
@@ -32,13 +41,18 @@ class FilingQueue {
     QStringList Waiting() const;
     /// Throws platform::FileError.
     WaitingPhoto Read(const QString& name) const;
-    /// What cannot be removed stays, and waits.
+    /// What cannot be removed stays: with the knowledge of it the photo still waits, without it
+    /// RemoveOrphans takes it.
     void Remove(const QString& name) const;
+    /// Files of photos that do not wait, left by a run that was ended, if older than `before`: what
+    /// is younger may be about to wait. What cannot be removed stays.
+    void RemoveOrphans(const QDateTime& before) const;
 
     /// Below $XDG_DATA_HOME.
     static QString UsersFolder();
 
  private:
+    std::optional<OriginalToKeep> OriginalOf(const platform::PropertyFile& file) const;
     QString PathOf(const QString& name, QStringView extension) const;
 
     QString folder_;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -18,6 +19,7 @@
 #include "platform/FolderLock.h"
 #include "platform/Paths.h"
 #include "platform/UniqueFile.h"
+#include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/sqlite/SqliteDatabase.h"
 
@@ -240,8 +242,11 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
         setTags();
         imaging::WriteImageFile(path, photo, image.Resolution(), {{}, image.Iptc()});
     };
+    // By its time a photo is known again whose record was written without an answer.
+    NameSources names = names_;
+    names.now = [now = names_.now()] { return now; };
     try {
-        return FileAs(known, names_, write, ArchiveThumbnail(photo));
+        return FileAs(known, names, write, ArchiveThumbnail(photo));
     } catch (const store::ConnectionLost& lost) {
         whyAway_ = lost.Text();
         if (!tagged) {
@@ -251,10 +256,49 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
     queue_.Add({.archiveFolder = known.archiveFolder,
                 .templateName = known.templateName,
                 .tags = known.tags,
-                .created = names_.now(),
+                .created = names.now(),
                 .photo = imaging::EncodeJpeg(photo, image.Resolution(), {{}, image.Iptc()}),
-                .thumbnail = ArchiveThumbnail(photo)});
+                .thumbnail = ArchiveThumbnail(photo),
+                .original = known.original});
     return Filing::Waits;
+}
+
+bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
+    ArchiveTable* table = Table();
+    if (table == nullptr || !HasKeeping(*database_)) {
+        return false;
+    }
+    std::optional<ArchiveRecord> filed;
+    store::Statement alike(*database_, uR"(SELECT "ID" FROM "ImgChecksum" WHERE "Sha256" = ?)"_s);
+    alike.Bind(1, QString::fromLatin1(
+                      QCryptographicHash::hash(waiting.photo, QCryptographicHash::Sha256).toHex()));
+    while (!filed && alike.Step()) {
+        filed = table->Read(alike.Integer(0));
+        if (filed && filed->created != waiting.created) {
+            filed.reset();
+        }
+    }
+    if (!filed) {
+        return false;
+    }
+    const auto pathOf = [&](const QString& folder, const QString& file) {
+        const QString path = StoredFolderPath(waiting.archiveFolder, folder);
+        RequireArchiveFolder(waiting.archiveFolder);
+        platform::CreateFolder(path);  // where it cannot, the file says so
+        return platform::JoinPath(path, file);
+    };
+    // Without an answer the files were taken back.
+    const QString photo = pathOf(filed->folder, filed->name);
+    if (!platform::IsFile(photo)) {
+        platform::WriteFileAtomically(photo, waiting.photo);
+    }
+    const auto kept = ReadOriginal(*database_, filed->id);
+    const QString original = kept ? pathOf(kept->folder, kept->name) : QString();
+    if (kept && waiting.original && !platform::IsFile(original)) {
+        CopyArchiveFile(waiting.original->file, original);
+    }
+    currentRecord_ = filed->id;
+    return true;
 }
 
 Filing PhotoArchive::FileWaiting(const QString& name) {
@@ -263,13 +307,18 @@ Filing PhotoArchive::FileWaiting(const QString& name) {
         return Filing::Done;  // by another program of the user
     }
     const WaitingPhoto waiting = queue_.Read(name);
+    if (FinishFiling(waiting)) {
+        queue_.Remove(name);
+        return Filing::Done;
+    }
     NameSources names = names_;
     names.now = [&] { return waiting.created; };
     const Filing filing = FileAs(
         {.archiveFolder = waiting.archiveFolder,
          .templateName = waiting.templateName,
          .tags = waiting.tags,
-         .objectName = {}},
+         .objectName = {},
+         .original = waiting.original},
         names, [&](const QString& path) { platform::WriteFileAtomically(path, waiting.photo); },
         waiting.thumbnail);
     if (filing == Filing::Done) {

@@ -91,6 +91,9 @@ class PhotoArchive {
     void OpenServer(std::chrono::milliseconds connecting = store::ServerPatience().connecting);
     /// Writes a photo's file, whose name is nobody else's.
     using PhotoWriter = std::function<void(const QString& path)>;
+    /// A waiting photo that has its record, from a run that was ended or never heard the server's
+    /// answer; false where it has none.
+    bool FinishFiling(const WaitingPhoto& waiting);
     Filing FileAs(const PhotoToFile& known, const NameSources& names, const PhotoWriter& write,
                   const QByteArray& thumbnail);
 

@@ -4,10 +4,12 @@
 #include <QElapsedTimer>
 
 #include "core/archive/ArchiveBackup.h"
+#include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/KeepingSchema.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
+#include "platform/AtomicFile.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/sqlite/SqliteDatabase.h"
@@ -45,7 +47,11 @@ TEST_F(ArchiveServer, PhotosWaitForAServerThatIsGone) {
                                   .objectName = u"Käthe"_s};
     EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Done);
     ControlServer("stop -m immediate");
-    EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Waits);
+    installation.Write("card/DSC_0001.NEF", "original");
+    core::PhotoToFile withOriginal = photo;
+    withOriginal.original.emplace().file = installation.Path("card/DSC_0001.NEF");
+    EXPECT_EQ(data.Archiving().File(image, withOriginal), core::Filing::Waits);
+    ASSERT_TRUE(QFile::remove(withOriginal.original->file)) << "the card is drawn";
     EXPECT_TRUE(data.Archiving().IsNewsThatItIsAway());
     EXPECT_EQ(data.Archiving().File(image, photo), core::Filing::Waits);
     EXPECT_FALSE(data.Archiving().IsNewsThatItIsAway()) << "said once";
@@ -57,10 +63,25 @@ TEST_F(ArchiveServer, PhotosWaitForAServerThatIsGone) {
     later.Archiving().Connect(server);
     const QStringList waiting = later.Archiving().Queue().Waiting();
     ASSERT_EQ(waiting.size(), 2);
+    const core::FilingQueue& queue = later.Archiving().Queue();
+    queue.Add(queue.Read(waiting[0]));
     for (const QString& name : waiting) {
         EXPECT_EQ(later.Archiving().FileWaiting(name), core::Filing::Done);
     }
-    EXPECT_EQ(later.Archiving().Queue().Waiting(), QStringList());
+    // As if the run had been ended before the queue heard of it, and the server before it answered.
+    const QString again = queue.Waiting().value(0);
+    for (const qint64 id : later.Archive()->Ids()) {
+        later.SetCurrentRecord(id);
+        ASSERT_TRUE(QFile::remove(later.GetFileNameFromRecord(installation.Path("archive"))));
+    }
+    EXPECT_EQ(later.Archiving().FileWaiting(again), core::Filing::Done);
+    const auto original =
+        core::ReadOriginal(later.ArchiveDatabase(), later.CurrentRecord()).value().file.bytes;
+    EXPECT_EQ(original, 8) << "kept while it waited";
+    EXPECT_EQ(queue.Waiting(), QStringList());
+    platform::WriteFileAtomically(queue.Folder() + u"/20260307-143005123-0123abcd.jpg"_s, "left");
+    queue.RemoveOrphans(QDateTime::currentDateTime().addDays(1));
+    EXPECT_TRUE(QDir(queue.Folder()).entryList({u"*.jpg"_s}).isEmpty());
     EXPECT_TRUE(data.Archiving().IsBack(std::chrono::milliseconds(300)));
     EXPECT_EQ(Column(data.ArchiveDatabase(), u"SHOW lock_timeout"_s), QStringList(u"1s"_s))
         << "short was the patience of connecting alone";
