@@ -108,11 +108,23 @@ bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>
     return id.has_value();
 }
 
+/// No number that a photo has from before is given again, to nobody who files meanwhile either.
+void RaiseLastNumber(store::Database& database, const QStringList& paths) {
+    qint64 highest = 0;
+    for (const QString& path : paths) {
+        highest = std::max(highest, NumberInName(path));
+    }
+    store::Transaction transaction(database);
+    database.RaiseLastNumber(u"ImgDB"_s, u"ID"_s, highest);
+    transaction.Commit();
+}
+
 }  // namespace
 
 Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
                           const platform::Progress& progress) {
     CreateKeeping(database);
+    RaiseLastNumber(database, paths);
     ArchiveTable table(database);
     const QSet<QString> named = NamedFiles(database);
     Rebuilding rebuilding;
@@ -127,14 +139,6 @@ Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
             rebuilding.failures.append(error.Text());
         }
     }
-    // No number that a photo has from before is given again.
-    store::Transaction transaction(database);
-    qint64 highest = 0;
-    for (const QString& path : paths) {
-        highest = std::max(highest, NumberInName(path));
-    }
-    database.RaiseLastNumber(u"ImgDB"_s, u"ID"_s, highest);
-    transaction.Commit();
     return rebuilding;
 }
 

@@ -105,6 +105,8 @@ std::optional<OriginalToKeep> FilingQueue::OriginalOf(const platform::PropertyFi
     };
     OriginalToKeep original;
     original.file = StoredFolderPath(folder_, *path);
+    original.bytes = QFileInfo(original.file).size();
+    original.modified = QFileInfo(original.file).lastModified();
     original.size = {number("PhotoWidth"), number("PhotoHeight")};
     original.rectangle = {number("Left"), number("Top"), number("Width"), number("Height")};
     original.changes = file.ReadText(OriginalSection, u"Changes"_s).value_or(QString());

@@ -160,6 +160,10 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
                   .rebuilt,
               0)
         << "no second record for one photo";
+    const auto giveUp = [](const QString&, qint64, qint64) { throw platform::Cancelled(); };
+    EXPECT_THROW(core::RebuildRecords(Database(), {Filed("2026_03_00050.jpg")}, giveUp),
+                 platform::Cancelled);
+    EXPECT_EQ(Table().Insert(), 51) << "while that number is lost, nobody gets it";
 }
 
 TEST_F(ArchiveKeeping, AFileGoesWithItsLastRecordAndComesBackWithTheNextOne) {

@@ -49,7 +49,10 @@ TEST_F(ArchiveServer, PhotosWaitForAServerThatIsGone) {
     ControlServer("stop -m immediate");
     installation.Write("card/DSC_0001.NEF", "original");
     core::PhotoToFile withOriginal = photo;
-    withOriginal.original.emplace().file = installation.Path("card/DSC_0001.NEF");
+    const QFileInfo card(installation.Path("card/DSC_0001.NEF"));
+    withOriginal.original.emplace().file = card.filePath();
+    withOriginal.original->bytes = card.size();
+    withOriginal.original->modified = card.lastModified();
     EXPECT_EQ(data.Archiving().File(image, withOriginal), core::Filing::Waits);
     ASSERT_TRUE(QFile::remove(withOriginal.original->file)) << "the card is drawn";
     EXPECT_TRUE(data.Archiving().IsNewsThatItIsAway());
