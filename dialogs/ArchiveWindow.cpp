@@ -249,7 +249,10 @@ void TfmImgSearch::ShowState() {
     acExportFound_->setEnabled(narrowed && !grid_->Cards().empty());
     acDeleteFound_->setEnabled(narrowed && !grid_->Cards().empty());
     if (acDue_->isChecked()) {
-        grid_->SetEmptyText(u"Kein Bild ist fällig."_s,
+        const bool searched =
+            !findPanel_->Text().isEmpty() || filterBar_->Period().from || filterBar_->Period().to;
+        grid_->SetEmptyText(searched ? u"Unter den gesuchten Bildern ist keines fällig."_s
+                                     : u"Kein Bild ist fällig."_s,
                             u"„Archiv“, „Fällige Bilder“ zeigt wieder alle."_s);
     } else if (narrowed && recordCount_ > 0) {
         grid_->SetEmptyText(u"Nichts gefunden."_s, u"Esc im Suchfeld zeigt wieder alle Bilder."_s);
