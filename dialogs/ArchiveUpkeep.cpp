@@ -57,25 +57,26 @@ QString ArchiveUpkeep::Question(const std::vector<qint64>& ids) const {
         ids.size() == 1 ? u"Soll dieses Bild endgültig gelöscht werden?\n"_s
                         : u"Sollen diese %1 Bilder endgültig gelöscht werden?\n"_s.arg(ids.size())};
     qsizetype missing = 0;
-    for (size_t i = 0; i < ids.size(); ++i) {
+    const size_t lookedUp = std::min(ids.size(), MostLookedUp);
+    for (size_t i = 0; i < lookedUp; ++i) {
         const core::ArchiveRecord record = table.Read(ids[i]).value_or(core::ArchiveRecord());
         if (i < MostNamed) {
             lines.append(NameOf(record));
         }
-        if (i < MostLookedUp) {
-            const QString path =
-                core::StoredFolderPath(folder_, core::StoredPath(record.folder, record.name));
-            missing += QFileInfo(path).isFile() ? 0 : 1;
-        }
+        const QString path =
+            core::StoredFolderPath(folder_, core::StoredPath(record.folder, record.name));
+        missing += QFileInfo(path).isFile() ? 0 : 1;
     }
     if (ids.size() > MostNamed) {
         lines.append(u"… und %1 weitere"_s.arg(ids.size() - MostNamed));
     }
     lines.append(u"\nDatensatz, Foto und Original lassen sich nicht zurückholen."_s);
     if (missing > 0) {
-        lines.append(
-            u"Fotos, deren Datei im Ordner „%1“ nicht zu finden ist: %2."_s.arg(folder_).arg(
-                missing));
+        const QString of =
+            lookedUp < ids.size() ? u" (von den ersten %1)"_s.arg(lookedUp) : QString();
+        lines.append(u"Fotos, deren Datei im Ordner „%1“ nicht zu finden ist: %2%3."_s.arg(folder_)
+                         .arg(missing)
+                         .arg(of));
     }
     return lines.join(u'\n');
 }
@@ -98,14 +99,28 @@ bool ArchiveUpkeep::DeleteBlank(const std::vector<qint64>& ids) {
 
 bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& title) {
     core::Deletion deletion;
+    qint64 done = 0;
+    bool finished = true;
     try {
         controls::ProgressBox box(Over(), title);
+        const auto report = [&, show = box.Reporter()](const QString& what, qint64 sofar,
+                                                       qint64 all) {
+            done = sofar;
+            show(what, sofar, all);
+        };
         deletion = core::DeleteRecords(data_.ArchiveDatabase(), folder_, ids,
-                                       data_.NameSources().now(), box.Reporter());
+                                       data_.NameSources().now(), report);
     } catch (const platform::Cancelled&) {
-        return true;
+        finished = false;
     }
     Compact(title);
+    if (!finished) {
+        controls::ShowInformation(
+            Over(),
+            u"Das Löschen wurde abgebrochen. Gelöscht sind %1 von %2 Bildern."_s.arg(done).arg(
+                ids.size()));
+        return false;
+    }
     ShowFailures(
         u"Die Datensätze sind gelöscht. Dateien, die noch da sind, werden beim nächsten "
         u"Löschen und bei „Archiv prüfen“ entfernt."_s,
@@ -164,11 +179,14 @@ void ArchiveUpkeep::Export(const std::vector<qint64>& ids, const QString& title)
     if (target.isEmpty()) {
         return;
     }
-    const core::Export result = [&] {
+    core::Export result;
+    try {
         controls::ProgressBox box(Over(), u"Bilder exportieren"_s);
-        return core::ExportRecords(data_.ArchiveDatabase(), folder_, ids, target, title,
-                                   box.Reporter());
-    }();
+        result = core::ExportRecords(data_.ArchiveDatabase(), folder_, ids, target, title,
+                                     box.Reporter());
+    } catch (const platform::Cancelled&) {
+        return;  // nothing is left of it
+    }
     controls::ShowInformation(
         Over(), u"In „%1“ liegen die Fotos, ihre Originale und ihre Daten als JSON und CSV."_s.arg(
                     result.folder));
@@ -203,6 +221,14 @@ QString ArchiveUpkeep::RemedyOf(core::ArchiveFault fault) {
 }
 
 bool ArchiveUpkeep::Remedy(core::ArchiveFault fault, const core::ArchiveReport& report) {
+    try {
+        return RemedyNow(fault, report);
+    } catch (const platform::Cancelled&) {
+        return false;  // the rest is done the next time
+    }
+}
+
+bool ArchiveUpkeep::RemedyNow(core::ArchiveFault fault, const core::ArchiveReport& report) {
     switch (fault) {
         case core::ArchiveFault::Lost:
             return Rebuild(report.Paths(fault));

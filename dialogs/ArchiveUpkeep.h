@@ -24,8 +24,8 @@ class ArchiveUpkeep {
     /// The archive's folder from now on.
     void SetFolder(const QString& archiveFolder) { folder_ = archiveFolder; }
 
-    /// Deletes photos with all that belongs to them after a question that names them. True where
-    /// records may be gone.
+    /// Deletes photos with all that belongs to them after a question that names them. False where
+    /// some or all of them may still be there.
     bool Delete(const std::vector<qint64>& ids);
     /// The same with records that never got a photo.
     bool DeleteBlank(const std::vector<qint64>& ids);
@@ -39,7 +39,7 @@ class ArchiveUpkeep {
     std::optional<core::ArchiveReport> Check();
     /// What can be done about a fault, as a button's caption; empty where nothing can.
     static QString RemedyOf(core::ArchiveFault fault);
-    /// Does it to all findings of that fault. True where they may be gone.
+    /// Does it to all findings of that fault. False where some may still be there.
     bool Remedy(core::ArchiveFault fault, const core::ArchiveReport& report);
 
  private:
@@ -47,6 +47,7 @@ class ArchiveUpkeep {
     QString Question(const std::vector<qint64>& ids) const;
     bool DeleteNow(const std::vector<qint64>& ids, const QString& title);
     void Compact(const QString& title);
+    bool RemedyNow(core::ArchiveFault fault, const core::ArchiveReport& report);
     bool Rebuild(const QStringList& paths);
     bool RemoveFiles(const QStringList& paths);
     void ShowFailures(const QString& lead, const QStringList& failures);

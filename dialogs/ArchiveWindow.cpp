@@ -172,6 +172,7 @@ controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     archiveFolder_ = archiveFolder;
     upkeep_.SetFolder(archiveFolder);
     ListAll();
+    FinishDeletion();
     findPanel_->TakeFocus();
     if (!isMaximized()) {
         CentreOnParent(*this);
@@ -180,6 +181,15 @@ controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     const controls::ModalResult result = controls::ShowModal(*this);
     look_->stop();
     return result;
+}
+
+/// What a crash has left of deleted photos goes; where it cannot, they are shown all the same.
+void TfmImgSearch::FinishDeletion() {
+    try {
+        core::FinishDeletion(data_.ArchiveDatabase(), archiveFolder_);
+    } catch (const platform::Error&) {
+        return;
+    }
 }
 
 /// All records, read anew: others may have archived meanwhile.
@@ -206,8 +216,10 @@ void TfmImgSearch::ListAgain() {
 void TfmImgSearch::ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position) {
     store::Database& database = data_.ArchiveDatabase();
     blank_ = core::BlankRecords(database);
-    std::erase_if(ids,
-                  [&](qint64 id) { return std::binary_search(blank_.begin(), blank_.end(), id); });
+    if (acHideBlank_->isChecked()) {
+        std::erase_if(
+            ids, [&](qint64 id) { return std::binary_search(blank_.begin(), blank_.end(), id); });
+    }
     if (acDue_->isChecked()) {
         const std::vector<qint64> due = core::FindDuePhotos(database, Today()).ids;
         std::erase_if(ids,

@@ -59,6 +59,7 @@ class TfmImgSearch : public QDialog {
     void BuildLayout();
     QSize StartSize() const;
     QAction* AddAction(const QString& name, const QString& caption, const QString& icon);
+    void FinishDeletion();
     void ListAll();
     void Search(const QString& text);
     void ListAgain();
@@ -70,6 +71,7 @@ class TfmImgSearch : public QDialog {
     void acEditTagsExecute();
     void acDeleteExecute();
     void acDeleteBlankExecute();
+    void acHideBlankExecute();
     void acDeleteFoundExecute();
     void acExportExecute();
     void acExportFoundExecute();
@@ -104,6 +106,7 @@ class TfmImgSearch : public QDialog {
     QAction* acDelete_ = nullptr;
     QAction* acArchive_ = nullptr;
     QAction* acDeleteBlank_ = nullptr;
+    QAction* acHideBlank_ = nullptr;
     QAction* acDue_ = nullptr;
     QAction* acKeepUntil_ = nullptr;
     QAction* acDeleteFound_ = nullptr;

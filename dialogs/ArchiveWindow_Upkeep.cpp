@@ -10,11 +10,19 @@
 #include "dialogs/ArchiveWindow.h"
 #include "dialogs/LimitDialog.h"
 #include "platform/Error.h"
+#include "platform/UserRegistry.h"
 
 /// What the archive's window does with several photos and with the whole archive.
 namespace kadrona::dialogs {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Of the registry: whether cards without a photo are left out.
+const QString HideBlankValue = u"ArchiveHideBlank"_s;
+
+}  // namespace
 
 void TfmImgSearch::BuildArchiveMenu() {
     acArchive_ = AddAction(u"acArchive"_s, u"Archiv"_s, u"archive"_s);
@@ -41,6 +49,11 @@ void TfmImgSearch::BuildArchiveMenu() {
     menu->addSeparator();
     add(u"acBackUp"_s, u"Archiv &sichern …"_s, &TfmImgSearch::acBackUpExecute);
     add(u"acCheck"_s, u"Archiv &prüfen …"_s, &TfmImgSearch::acCheckExecute);
+    menu->addSeparator();
+    acHideBlank_ =
+        add(u"acHideBlank"_s, u"Leere Karten a&usblenden"_s, &TfmImgSearch::acHideBlankExecute);
+    acHideBlank_->setCheckable(true);
+    acHideBlank_->setChecked(platform::ReadRegistryInteger(HideBlankValue) != 0);
     acDeleteBlank_ = add(u"acDeleteBlank"_s, u"&Leere Datensätze löschen …"_s,
                          &TfmImgSearch::acDeleteBlankExecute);
 }
@@ -70,6 +83,11 @@ void TfmImgSearch::acDeleteExecute() {
     if (upkeep_.Delete(grid_->Selected())) {
         ListAgain();
     }
+}
+
+void TfmImgSearch::acHideBlankExecute() {
+    platform::WriteRegistryInteger(HideBlankValue, acHideBlank_->isChecked() ? 1 : 0);
+    ListAgain();
 }
 
 void TfmImgSearch::acDeleteBlankExecute() {

@@ -39,6 +39,7 @@ void CardGrid::SetSource(CardSource* source) {
 void CardGrid::SetCards(std::vector<qint64> keys, Position position) {
     const auto kept = position == Position::Keep ? Current() : std::nullopt;
     const int rowBefore = kept ? currentIndex().row() : 0;
+    std::vector<qint64> selected = kept ? Selected() : std::vector<qint64>();
     cards_->SetKeys(std::move(keys));
     if (cards_->Keys().empty()) {
         Q_EMIT CurrentChanged();
@@ -48,9 +49,36 @@ void CardGrid::SetCards(std::vector<qint64> keys, Position position) {
     const QModelIndex found = kept ? cards_->IndexOf(*kept) : QModelIndex();
     setCurrentIndex(found.isValid() ? found
                                     : cards_->index(std::min(rowBefore, cards_->rowCount() - 1)));
+    SelectAgain(std::move(selected));
     if (currentIndex().row() == 0) {
         scrollToTop();
     }
+}
+
+/// Those that are still there, where there were several.
+void CardGrid::SelectAgain(std::vector<qint64> keys) {
+    if (keys.size() < 2) {
+        return;
+    }
+    std::ranges::sort(keys);
+    QItemSelection selection;
+    for (int row = 0; row < cards_->rowCount(); ++row) {
+        const int first = row;
+        while (row < cards_->rowCount() &&
+               std::ranges::binary_search(keys, cards_->Keys()[static_cast<size_t>(row)])) {
+            ++row;
+        }
+        if (row > first) {
+            selection.select(cards_->index(first), cards_->index(row - 1));
+        }
+    }
+    if (selection.isEmpty()) {
+        return;
+    }
+    if (!selection.contains(currentIndex())) {
+        setCurrentIndex(selection.front().topLeft());
+    }
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 const std::vector<qint64>& CardGrid::Cards() const {

@@ -89,6 +89,7 @@ class CardGrid : public QListView {
     void changeEvent(QEvent* event) override;
 
  private:
+    void SelectAgain(std::vector<qint64> keys);
     void FitCards();
     void FitAround();
     void PaintEmpty();

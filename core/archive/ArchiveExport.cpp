@@ -5,13 +5,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 #include <optional>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveOriginals.h"
-#include "core/archive/KeepingSchema.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/Links.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
@@ -64,11 +65,13 @@ class ExportRun {
             return;
         }
         ++export_.records;
-        const QString photo = Copied(record->folder, record->name, SafeFileName(record->name));
-        const auto original = HasKeeping(database_) ? ReadOriginal(database_, id) : std::nullopt;
-        const QString kept = original ? Copied(original->folder, original->name,
-                                               u"Original_"_s + SafeFileName(original->name))
-                                      : QString();
+        const QString photo =
+            Copied(record->folder, record->name, FreeName(id, SafeFileName(record->name)));
+        const auto original = ReadOriginal(database_, id);
+        const QString kept =
+            original ? Copied(original->folder, original->name,
+                              FreeName(id, u"Original_"_s + SafeFileName(original->name)))
+                     : QString();
         const QStringList tags = TagLines(record->tags);
         list_.append(QJsonObject{{u"number"_s, id},
                                  {u"created"_s, record->created.toString(Qt::ISODate)},
@@ -93,7 +96,20 @@ class ExportRun {
         return std::move(export_);
     }
 
+    /// Faces without a list serve nobody.
+    void Discard() {
+        for (const QString& name : names_) {
+            QFile::remove(platform::JoinPath(export_.folder, name));
+        }
+        QDir().rmdir(export_.folder);
+    }
+
  private:
+    /// Another record's file may have the name already.
+    QString FreeName(qint64 id, const QString& name) {
+        return names_.contains(name) ? u"%1_%2"_s.arg(id).arg(name) : name;
+    }
+
     /// The name of the copy; empty where there is none.
     QString Copied(const QString& storedFolder, const QString& storedName, const QString& name) {
         const QString path = StoredFolderPath(archiveFolder_, StoredPath(storedFolder, storedName));
@@ -102,6 +118,12 @@ class ExportRun {
                 !platform::IsFile(path)) {
                 throw platform::FileError(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
             }
+            if (const QString refusal = platform::FollowLinks(path, platform::Links::Own).refusal;
+                !refusal.isEmpty()) {
+                throw platform::FileError(
+                    u"Die Datei „%1“ wird nicht kopiert: %2."_s.arg(path, refusal));
+            }
+            names_.insert(name);
             CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
             return name;
         } catch (const platform::FileError& error) {
@@ -113,6 +135,7 @@ class ExportRun {
     store::Database& database_;
     ArchiveTable table_;
     const QString& archiveFolder_;
+    QSet<QString> names_;
     QString csv_;
     QJsonArray list_;
     Export export_;
@@ -134,9 +157,14 @@ Export ExportRecords(store::Database& database, const QString& archiveFolder,
     RequireArchiveFolder(archiveFolder);
     ExportRun run(database, archiveFolder, NewFolder(target, SafeFileName(title)));
     qint64 done = 0;
-    for (const qint64 id : ids) {
-        progress(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
-        run.Add(id);
+    try {
+        for (const qint64 id : ids) {
+            progress(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
+            run.Add(id);
+        }
+    } catch (const platform::Cancelled&) {
+        run.Discard();
+        throw;
     }
     return run.Finish();
 }

@@ -186,6 +186,9 @@ TEST_F(CardGridTest, OtherCardsKeepTheCurrentOneWhereAskedTo) {
     EXPECT_EQ(grid.Current(), 9);
     grid.SetCards({7, 6}, CardGrid::Position::Keep);
     EXPECT_EQ(grid.Current(), 7);
+    QTest::keyClick(&grid, Qt::Key_Right, Qt::ShiftModifier);
+    grid.SetCards({8, 7, 5, 6}, CardGrid::Position::Keep);
+    EXPECT_EQ(grid.Selected(), std::vector<qint64>({7, 6})) << "several stay selected";
     grid.SetCards({}, CardGrid::Position::Keep);
     EXPECT_FALSE(grid.Current());
     QSignalSpy opened(&grid, &CardGrid::CardOpened);

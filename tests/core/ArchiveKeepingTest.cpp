@@ -101,6 +101,11 @@ TEST_F(ArchiveKeeping, AnInterruptedDeletionIsFinishedLater) {
 
     QDir(Filed("2026_03_00001.jpg")).removeRecursively();
     installation.Write("archive/2026/03/2026_03_00001.jpg", "as a crash leaves it");
+    ASSERT_TRUE(QDir().rename(archiveFolder, archiveFolder + u"-away"_s) &&
+                QDir().mkpath(archiveFolder));
+    EXPECT_EQ(core::FinishDeletion(Database(), archiveFolder).size(), 1) << "an empty mount point";
+    ASSERT_TRUE(QDir().rmdir(archiveFolder) &&
+                QDir().rename(archiveFolder + u"-away"_s, archiveFolder));
     core::CheckArchive(Database(), archiveFolder, platform::NoProgress, core::CheckedPlace::Copy);
     EXPECT_EQ(FiledPhotos().size(), 2) << "a copy is only looked at";
     EXPECT_EQ(Faults(), QStringList());
@@ -263,6 +268,21 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
     EXPECT_TRUE(csv.contains(";\"'=HYPERLINK(\"\"x\"\"), K\xc3\xb6ln\"\r\n")) << csv.toStdString();
     EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
                     .contains("\"K\xc3\xb6ln\""));
+
+    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '2026\03', "ImgName" = '2026_03_00001.jpg')"_s);
+    const auto exported = [&](const platform::Progress& progress) {
+        return core::ExportRecords(Database(), archiveFolder, {1, 2}, installation.Path("common"),
+                                   u"twins"_s, progress);
+    };
+    EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.jpg"_s}),
+              QStringList({u"2026_03_00001.jpg"_s, u"2_2026_03_00001.jpg"_s}));
+    EXPECT_THROW(exported([](const QString&, qint64 done, qint64) {
+                     if (done == 1) {
+                         throw platform::Cancelled();
+                     }
+                 }),
+                 platform::Cancelled);
+    EXPECT_FALSE(QFile::exists(installation.Path("common/twins (2)"))) << "no faces without a list";
 }
 
 TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {
