@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <memory>
+#include <utility>
 
 #include "app/MainActions.h"
 #include "controls/messages/ActionGuard.h"
@@ -13,8 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
 
-ManualActions::ManualActions(QWidget& window, const QString& programFolder, MainActions& actions)
-    : window_(window), programFolder_(programFolder) {
+ManualActions::ManualActions(QWidget& window, QString programFolder, MainActions& actions)
+    : window_(window), programFolder_(std::move(programFolder)) {
     actions.Connect(Action::Manual, this, [this] { Show(); });
     qApp->installEventFilter(this);
 }

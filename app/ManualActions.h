@@ -21,7 +21,7 @@ class ManualActions : public QObject {
 
  public:
     /// The manual was delivered with the program in `programFolder`.
-    ManualActions(QWidget& window, const QString& programFolder, MainActions& actions);
+    ManualActions(QWidget& window, QString programFolder, MainActions& actions);
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

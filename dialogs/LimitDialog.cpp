@@ -86,7 +86,7 @@ std::optional<std::optional<QDate>> AskForDay(QWidget* parent, std::optional<QDa
     auto* limit = new QDateEdit;
     limit->setCalendarPopup(true);
     limit->setDisplayFormat(u"dd.MM.yyyy"_s);
-    // A day that has gone by makes the photo due at once: a bound would change what is typed.
+    // A day that has gone by is refused with the reason: a bound would change what is typed.
     limit->setDate(until.value_or(today.addMonths(ProposedMonths)));
     LimitDialog dialog(parent, u"Löschdatum"_s, u"Aufbewahren &bis"_s, limit, {},
                        u"Ohne Haken gilt, was für das ganze Archiv festgelegt ist."_s);

@@ -1,10 +1,12 @@
 #include "controls/fields/IconLabel.h"
 
 #include <QPainter>
+#include <utility>
 
 namespace kadrona::controls {
 
-IconLabel::IconLabel(const QIcon& icon, int side, QWidget* parent) : QWidget(parent), icon_(icon) {
+IconLabel::IconLabel(QIcon icon, int side, QWidget* parent)
+    : QWidget(parent), icon_(std::move(icon)) {
     setFixedSize(side, side);
 }
 

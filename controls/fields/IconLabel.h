@@ -10,7 +10,7 @@ namespace kadrona::controls {
 class IconLabel : public QWidget {
  public:
     /// `side` is its width and height in pixels of the window.
-    IconLabel(const QIcon& icon, int side, QWidget* parent = nullptr);
+    IconLabel(QIcon icon, int side, QWidget* parent = nullptr);
 
  protected:
     void paintEvent(QPaintEvent* event) override;

@@ -249,13 +249,11 @@ TEST_F(ArchiveWindow, ListsWhatIsDueByThePeriodThatIsSet) {
         });
         EXPECT_THAT(Grid().Cards(), ElementsAre(2, 1));
         EXPECT_EQ(Hits(), u"2 von 2"_s);
-        for (const QDate day : {QDate(2020, 6, 30), QDate(2026, 6, 30)}) {
-            limit("acKeepUntil", [day](QWidget& dialog) {
-                auto& edit = Child<QDateEdit>(dialog, "Limit");
-                edit.setDate(day);
-                EXPECT_EQ(edit.date(), day);
-            });
-        }
+        limit("acKeepUntil", [](QWidget& dialog) {
+            auto& day = Child<QDateEdit>(dialog, "Limit");
+            EXPECT_LT(day.minimumDate(), QDate(2020, 1, 1)) << "what is typed stays";
+            day.setDate(QDate(2026, 6, 30));
+        });
         EXPECT_THAT(Grid().Cards(), ElementsAre(1));
         Action("acDue").trigger();
         Child<QComboBox>(shown, "OrderBox").setCurrentIndex(1);
