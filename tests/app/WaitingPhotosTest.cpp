@@ -20,11 +20,12 @@ TEST(WaitingPhotos, AreFiledWhereTheUserAgrees) {
     core::TData data(ui, installation.Folders());
     data.InitSystem();
     const QByteArray jpeg = imaging::EncodeJpeg(imaging::Pixels(Filled({35, 45}, Qt::gray)));
+    int minute = 0;  // one photo of one moment is filed once
     const auto wait = [&](const QString& folder) {
         data.Archiving().Queue().Add({.archiveFolder = folder,
                                       .templateName = u"Pass.msk"_s,
                                       .tags = u"Anna\r\n"_s,
-                                      .created = QDateTime(QDate(2025, 2, 3), QTime(4, 5)),
+                                      .created = QDateTime(QDate(2025, 2, 3), QTime(4, minute++)),
                                       .photo = jpeg,
                                       .thumbnail = jpeg});
     };

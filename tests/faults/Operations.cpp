@@ -32,8 +32,8 @@
 #include "printing/Calibration.h"
 #ifdef KADRONA_WITH_CUPS
 #include "printing/cups/service/Job.h"
-#include "store/sqlite/SqliteDatabase.h"
 #endif
+#include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/ArchiveDatabase.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"
@@ -100,6 +100,10 @@ void MakeInstallation(const QString& folder) {
     Module module(folder);
     module.data.InitSystem();
     module.File();
+    // Made by chance else, so that no two runs would leave the same.
+    store::Database& archive = module.data.ArchiveDatabase();
+    core::CreateKeeping(archive);
+    archive.Execute(uR"(INSERT INTO "ImgKeeping" ("Name", "Value") VALUES ('Identity', 'a'))"_s);
     BoundFile bound;
     module.data.SaveNewProfile(u"Alt"_s, bound);
     module.data.SavePrintProfile(u"Alt"_s);

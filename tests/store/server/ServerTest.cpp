@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -8,6 +7,7 @@
 #include <QRandomGenerator>
 #include <QTcpServer>
 #include <array>
+#include <csignal>
 #include <thread>
 
 #include "store/FullTextIndex.h"
