@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QLayout>
 #include <QWheelEvent>
 
 #include "core/settings/StoredSettings.h"
