@@ -128,19 +128,33 @@ bool LooksUnmounted(store::Database& database, const QString& archiveFolder) {
                .Step();
 }
 
+/// Files of deleted records that may still be there.
+QStringList NotedRemovals(store::Database& database) {
+    QStringList paths;
+    store::Statement noted(database, uR"(SELECT "Path" FROM "ImgRemoval" ORDER BY "Path")"_s);
+    while (noted.Step()) {
+        paths.append(noted.Text(0));
+    }
+    return paths;
+}
+
+void ForgetRemovals(store::Database& database, const QStringList& paths) {
+    store::Transaction transaction(database);
+    store::Statement forget(database, uR"(DELETE FROM "ImgRemoval" WHERE "Path" = ?)"_s);
+    for (const QString& path : paths) {
+        forget.Bind(1, path).Step();
+        forget.Reset();
+    }
+    transaction.Commit();
+}
+
 }  // namespace
 
 QStringList FinishDeletion(store::Database& database, const QString& archiveFolder) {
     if (!HasKeeping(database)) {
         return {};
     }
-    QStringList paths;
-    {
-        store::Statement noted(database, uR"(SELECT "Path" FROM "ImgRemoval" ORDER BY "Path")"_s);
-        while (noted.Step()) {
-            paths.append(noted.Text(0));
-        }
-    }
+    const QStringList paths = NotedRemovals(database);
     if (paths.isEmpty()) {
         return {};
     }
@@ -163,13 +177,7 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
             }
         }
     }
-    store::Transaction transaction(database);
-    store::Statement forget(database, uR"(DELETE FROM "ImgRemoval" WHERE "Path" = ?)"_s);
-    for (const QString& path : removed) {
-        forget.Bind(1, path).Step();
-        forget.Reset();
-    }
-    transaction.Commit();
+    ForgetRemovals(database, removed);
     return failures;
 }
 
