@@ -59,7 +59,7 @@ class Database {
 
     /// Where statements are waited for, as at a server, `tick` is called meanwhile, from now on;
     /// what it throws ends the statement and the connection. Elsewhere nothing happens.
-    virtual void WhileWaiting(std::function<void()> /*tick*/) {}
+    virtual void WhileWaiting(const std::function<void()>& /*tick*/) {}
 
     /// Runs one statement that yields no rows worth reading.
     void Execute(const QString& sql);

@@ -13,7 +13,7 @@ struct TransferResult {
 };
 
 /// Copies an archive's records, with their numbers, thumbnails and words, and all that is kept
-/// beside them to another database, and changes nothing in the first. Photos stay where they are:
+/// beside them to another `database`, and changes nothing in the first. Photos stay where they are:
 /// the archive's folder is the same.
 ///
 /// A transfer that was given up or cut off can be repeated: what is there already is left out, what
@@ -21,7 +21,7 @@ struct TransferResult {
 /// deleted in the target stays deleted. At the end both are counted and every record is compared by
 /// a checksum. Throws platform::Cancelled, and store::StoreError, also where the target has records
 /// that are not the source's: numbers name photos and cannot change.
-TransferResult TransferArchive(store::Database& source, store::Database& target,
+TransferResult TransferArchive(store::Database& source, store::Database& database,
                                const platform::Progress& progress);
 
 }  // namespace kadrona::core

@@ -18,7 +18,7 @@ class PostgresDatabase : public Database {
     /// Throws ConnectionLost or StoreError, as ServerLink does.
     explicit PostgresDatabase(const ServerAddress& address, const ServerPatience& patience = {});
 
-    void WhileWaiting(std::function<void()> tick) override { link_.WhileWaiting(std::move(tick)); }
+    void WhileWaiting(const std::function<void()>& tick) override { link_.WhileWaiting(tick); }
     bool IsLost() const override { return !link_.IsOpen(); }
     /// A table that was there is only looked for again once a statement has failed.
     bool TableExists(const QString& name) override;
