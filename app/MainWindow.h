@@ -4,8 +4,8 @@
 #include <memory>
 #include <optional>
 
-#include "app/MainActions.h"
-#include "app/PhotoSession.h"
+#include "app/base/MainActions.h"
+#include "app/base/PhotoSession.h"
 #include "core/Data.h"
 
 class QComboBox;

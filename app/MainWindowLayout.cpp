@@ -7,9 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/AtRest.h"
 #include "app/MainWindow.h"
-#include "app/OpenActions.h"
+#include "app/base/AtRest.h"
+#include "app/opening/OpenActions.h"
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
 #include "controls/commands/ScreenTip.h"
@@ -21,7 +21,7 @@
 #include "controls/theme/Icons.h"
 #include "core/base/Product.h"
 #include "core/sheet/SheetLayout.h"
-#include "dialogs/ScrolledPage.h"
+#include "dialogs/base/ScrolledPage.h"
 #include "dialogs/side/CheckSection.h"
 #include "dialogs/side/SheetSection.h"
 #include "dialogs/side/SidePanel.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/MainActions.h"
+#include "app/base/MainActions.h"
 #include "controls/messages/ActionGuard.h"
 #include "dialogs/ManualWindow.h"
 #include "platform/Paths.h"

@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <QWindow>
 
-#include "app/AtRest.h"
 #include "app/MainWindow.h"
+#include "app/base/AtRest.h"
 
 namespace kadrona::app {
 

@@ -2,13 +2,13 @@
 
 #include <QApplication>
 
-#include "app/PictureFileDialog.h"
-#include "app/SmallPicture.h"
+#include "app/base/PictureFileDialog.h"
+#include "app/base/SmallPicture.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/base/FileDialogs.h"
-#include "dialogs/ImageTags.h"
-#include "dialogs/RotateDialog.h"
+#include "dialogs/adjustments/RotateDialog.h"
+#include "dialogs/archive/ImageTags.h"
 #include "imaging/view/ImageView.h"
 
 namespace kadrona::app {

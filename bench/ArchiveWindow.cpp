@@ -4,7 +4,7 @@
 // Beside a server (tests/store/with-server bench_archive_window) first over the file and then over
 // the server, in time that passes: waiting for an answer counts.
 
-#include "dialogs/ArchiveWindow.h"
+#include "dialogs/archive/ArchiveWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -23,7 +23,7 @@
 #include "controls/fields/FindPanel.h"
 #include "controls/theme/Theme.h"
 #include "core/Data.h"
-#include "dialogs/ImageTags.h"
+#include "dialogs/archive/ImageTags.h"
 #include "store/sqlite/SqliteDatabase.h"
 #include "tests/support/TestServer.h"
 

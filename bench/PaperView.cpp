@@ -2,7 +2,7 @@
 //
 //   bench_paper_view       offscreen, "2 x 4" of photos of 12 megapixels on 10 x 15 cm
 
-#include "dialogs/PaperView.h"
+#include "dialogs/printing/PaperView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -5,6 +5,7 @@
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveSchema.h"
 #include "core/base/UserInterface.h"
+#include "core/check/TemplateTable.h"
 #include "core/settings/Settings.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -94,6 +95,18 @@ bool TData::MaskLoadFromFile(const QString& path) {
     }
     template_ = *std::move(read);
     return true;
+}
+
+TemplateRow TData::LoadedFigures() const {
+    if (auto figures = TemplateFigures(TemplateFolder(), TemplateName())) {
+        return *std::move(figures);
+    }
+    TemplateRow row;
+    row.file = TemplateName();
+    row.name = QFileInfo(row.file).completeBaseName();
+    row.width = {TemplateCanvasSize().width()};
+    row.height = {TemplateCanvasSize().height()};
+    return row;
 }
 
 void TData::SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,

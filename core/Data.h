@@ -23,6 +23,8 @@
 
 namespace kadrona::core {
 
+struct TemplateRow;
+
 /// The data module: holds the parts that know the folders, profiles, templates, saving and the
 /// archive, and the state that an opened photo has in common with them. Its operations only hand on
 /// to the parts, where they are described.
@@ -77,6 +79,9 @@ class TData {
     }
     const QString& TemplateName() const { return template_.name; }
     QSize TemplateCanvasSize() const { return template_.canvas; }
+    /// The loaded template's figures; those of its shape alone where the table does not know it.
+    /// Throws TemplateTableError, platform::FileError.
+    TemplateRow LoadedFigures() const;
     QRect ReadLayerPosFromIni(const QString& section) const { return layout_.Read(section); }
     void SaveLayerPosToIni(const QString& section, const QRect& rectangle) const {
         layout_.Save(section, rectangle);

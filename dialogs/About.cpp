@@ -12,8 +12,8 @@
 
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/Product.h"
-#include "dialogs/ApplicationIcon.h"
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/ApplicationIcon.h"
+#include "dialogs/base/WindowPlacement.h"
 #include "platform/WebPage.h"
 
 using namespace Qt::StringLiterals;

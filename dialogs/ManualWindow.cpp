@@ -10,7 +10,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/WindowPlacement.h"
 #include "platform/AtomicFile.h"
 #include "platform/Paths.h"
 #include "platform/WebPage.h"

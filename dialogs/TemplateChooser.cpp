@@ -19,8 +19,8 @@
 #include "controls/theme/Icons.h"
 #include "controls/theme/Theme.h"
 #include "core/settings/Settings.h"
-#include "dialogs/SelfConfirmation.h"
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/SelfConfirmation.h"
+#include "dialogs/base/WindowPlacement.h"
 
 using namespace Qt::StringLiterals;
 

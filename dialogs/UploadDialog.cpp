@@ -16,8 +16,8 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "controls/theme/Tone.h"
-#include "dialogs/UploadFiguresEdit.h"
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/WindowPlacement.h"
+#include "dialogs/settings/UploadFiguresEdit.h"
 
 using namespace Qt::StringLiterals;
 

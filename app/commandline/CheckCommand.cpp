@@ -9,6 +9,7 @@
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"
 #include "core/check/PhotoCheck.h"
+#include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
 #include "core/sheet/PhotoLoading.h"
 #include "imaging/face/Cascades.h"
@@ -136,7 +137,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     core::BalancePhoto(settings, image);
     core::TurnOpenedPhoto(settings, image);
     data.DrawMask(image);
-    const core::TemplateRow figures = LoadedFigures(data);
+    const core::TemplateRow figures = data.LoadedFigures();
     Report report{file, Search(image.Photo(), errors), {}, {}};
     const std::optional<imaging::Face>& face = report.search.face;
     if (!request.automatic) {

@@ -125,25 +125,13 @@ void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
     }
 }
 
-core::TemplateRow LoadedFigures(const core::TData& data) {
-    if (auto figures = core::TemplateFigures(data.TemplateFolder(), data.TemplateName())) {
-        return *std::move(figures);
-    }
-    core::TemplateRow row;
-    row.file = data.TemplateName();
-    row.name = QFileInfo(row.file).completeBaseName();
-    row.width = {data.TemplateCanvasSize().width()};
-    row.height = {data.TemplateCanvasSize().height()};
-    return row;
-}
-
 core::FacePlacement PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image) {
     const imaging::FaceSearch search = imaging::FindFace(image.Photo());
     if (!search.face) {
         throw platform::Error(u"Kein Gesicht gefunden."_s);
     }
     const core::FacePlacement placement = core::PlaceOnFace(
-        *search.face, LoadedFigures(data), data.TemplateCanvasSize(), image.Photo().Size());
+        *search.face, data.LoadedFigures(), data.TemplateCanvasSize(), image.Photo().Size());
     image.SetLayerRectangle(1, placement.rectangle);
     return placement;
 }

@@ -42,9 +42,6 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
 void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
                      const std::optional<TemplatePlace>& place);
 
-/// The loaded template's figures; those of its shape alone where the table does not know it.
-core::TemplateRow LoadedFigures(const core::TData& data);
-
 /// Puts the drawn template to the photo's face. Throws platform::Error where there is none, and
 /// imaging::CascadesMissing.
 core::FacePlacement PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image);

@@ -15,7 +15,7 @@ namespace {
 
 /// Those of the template, in place of which the request's own stand.
 core::UploadFigures FiguresOf(const PhotoRequest& request, const core::TData& data) {
-    core::UploadFigures figures = LoadedFigures(data).upload;
+    core::UploadFigures figures = data.LoadedFigures().upload;
     if (request.pixels) {
         figures.width = {request.pixels->width(), request.pixels->width()};
         figures.height = {request.pixels->height(), request.pixels->height()};

@@ -17,7 +17,8 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/Buttons.h"
+#include "dialogs/base/WindowPlacement.h"
 #include "dialogs/curves/CurveEditor.h"
 #include "dialogs/curves/FacePreview.h"
 #include "imaging/tone/CurveFile.h"
@@ -169,19 +170,12 @@ void TfmRGBKurve::BuildChannel() {
 }
 
 void TfmRGBKurve::BuildConfirmation() {
-    auto* btnOk = new QPushButton(u"&Ok"_s);
-    btnOk->setObjectName(u"btnOk"_s);
-    btnOk->setDefault(true);
-    connect(btnOk, &QPushButton::clicked, this, &QDialog::accept);
-    auto* btnCancel = new QPushButton(u"&Cancel"_s);
-    btnCancel->setObjectName(u"btnCancel"_s);
-    btnCancel->setAutoDefault(false);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
+    const auto [ok, cancel] = MakeAnswerButtons(*this, u"&Ok"_s, u"&Cancel"_s);
     auto* confirm = new QHBoxLayout;
     confirm->setSpacing(ButtonSpacing);
     confirm->addWidget(hint_, 1);
-    confirm->addWidget(btnOk, 0, Qt::AlignBottom);
-    confirm->addWidget(btnCancel, 0, Qt::AlignBottom);
+    confirm->addWidget(ok, 0, Qt::AlignBottom);
+    confirm->addWidget(cancel, 0, Qt::AlignBottom);
     qobject_cast<QVBoxLayout*>(layout())->addLayout(confirm);
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/MainActions.h"
+#include "app/base/MainActions.h"
 #include "tests/support/CoreFakes.h"
 
 using namespace Qt::StringLiterals;

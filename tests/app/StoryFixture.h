@@ -5,7 +5,7 @@
 
 #include "app/MainWindow.h"
 #include "core/sheet/SheetLayout.h"
-#include "dialogs/SettingsDialog.h"
+#include "dialogs/settings/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/FakePrinter.h"

@@ -5,7 +5,7 @@
 #include <QStatusBar>
 #include <QStatusTipEvent>
 
-#include "dialogs/RotationPreview.h"
+#include "dialogs/adjustments/RotationPreview.h"
 #include "dialogs/curves/CurveEditor.h"
 #include "imaging/view/ViewTool.h"
 #include "tests/app/StoryFixture.h"

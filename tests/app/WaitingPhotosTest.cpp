@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "app/WaitingPhotos.h"
+#include "app/archive/WaitingPhotos.h"
 #include "core/Data.h"
 #include "imaging/writing/ImageWriter.h"
 #include "tests/support/CoreFakes.h"

@@ -5,9 +5,9 @@
 #include <QSpinBox>
 #include <QTabWidget>
 
-#include "dialogs/ColourAdjustment.h"
-#include "dialogs/RotateDialog.h"
-#include "dialogs/RotationPreview.h"
+#include "dialogs/adjustments/ColourAdjustment.h"
+#include "dialogs/adjustments/RotateDialog.h"
+#include "dialogs/adjustments/RotationPreview.h"
 #include "imaging/view/ImageView.h"
 #include "tests/support/Windows.h"
 

@@ -3,10 +3,10 @@
 #include <QWheelEvent>
 
 #include "core/settings/StoredSettings.h"
-#include "dialogs/BeforePrint.h"
-#include "dialogs/PaperView.h"
-#include "dialogs/PrinterProfiles.h"
-#include "dialogs/SettingsDialog.h"
+#include "dialogs/printing/BeforePrint.h"
+#include "dialogs/printing/PaperView.h"
+#include "dialogs/printing/PrinterProfiles.h"
+#include "dialogs/settings/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "printing/Calibration.h"
 #include "tests/support/CoreFakes.h"

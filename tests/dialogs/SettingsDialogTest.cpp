@@ -3,7 +3,7 @@
 #include "core/archive/ArchiveServer.h"
 #include "core/settings/AdditionsFile.h"
 #include "core/settings/StoredSettings.h"
-#include "dialogs/SettingsDialog.h"
+#include "dialogs/settings/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Windows.h"

@@ -5,12 +5,12 @@
 #include <QToolButton>
 
 #include "core/templates/TemplateSize.h"
-#include "dialogs/FileNamePrompt.h"
-#include "dialogs/ImageTags.h"
-#include "dialogs/ProfileChooser.h"
-#include "dialogs/SmallScreens.h"
-#include "dialogs/TagMemo.h"
 #include "dialogs/TemplateChooser.h"
+#include "dialogs/archive/ImageTags.h"
+#include "dialogs/archive/TagMemo.h"
+#include "dialogs/base/SmallScreens.h"
+#include "dialogs/settings/FileNamePrompt.h"
+#include "dialogs/settings/ProfileChooser.h"
 #include "tests/support/CoreFakes.h"
 #include "tests/support/Windows.h"
 

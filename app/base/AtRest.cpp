@@ -1,0 +1,15 @@
+#include "app/base/AtRest.h"
+
+#include <QApplication>
+#include <QThread>
+
+namespace kadrona::app {
+
+bool IsAtRest() {
+    // One loop is the program's own; the others belong to who waits.
+    return QApplication::activeModalWidget() == nullptr &&
+           QApplication::activePopupWidget() == nullptr &&
+           QThread::currentThread()->loopLevel() <= 1;
+}
+
+}  // namespace kadrona::app

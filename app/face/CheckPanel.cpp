@@ -1,0 +1,172 @@
+#include "app/face/CheckPanel.h"
+
+#include <QFileInfo>
+
+#include "app/base/MainActions.h"
+#include "app/base/PhotoSession.h"
+#include "app/face/CheckReport.h"
+#include "app/face/PhotoFace.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/Data.h"
+#include "core/base/UserInterface.h"
+#include "core/check/TemplateTable.h"
+#include "core/check/WhiteCorners.h"
+#include "core/settings/Settings.h"
+#include "dialogs/side/CheckSection.h"
+#include "dialogs/side/SidePanel.h"
+#include "imaging/face/Cascades.h"
+#include "platform/UserRegistry.h"
+#include "printing/PrinterLayer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+const QString CheckShownValue = u"CheckShown"_s;
+
+}  // namespace
+
+CheckPanel::CheckPanel(PhotoSession& session, PhotoFace& face, QWidget& window, core::TData& data,
+                       const core::Settings& settings, core::UserInterface& ui,
+                       MainActions& actions, dialogs::SidePanel& panel,
+                       dialogs::CheckSection& section)
+    : session_(session),
+      face_(face),
+      window_(window),
+      data_(data),
+      settings_(settings),
+      ui_(ui),
+      actions_(actions),
+      panel_(panel),
+      section_(section) {
+    using dialogs::CheckSection;
+    actions.Connect(Action::ShowCheck, this, [this] { acShowCheckExecute(); });
+    connect(&session, &PhotoSession::Changed, this, &CheckPanel::FollowSession);
+    connect(&face, &PhotoFace::Looked, this, &CheckPanel::ShowLines);
+    connect(&face, &PhotoFace::PointMoved, this, &CheckPanel::ShowLines);
+    connect(&section, &CheckSection::SaveReportAsked, this,
+            [this] { controls::Guarded(&window_, [this] { SaveReport(); }); });
+    connect(&section, &CheckSection::PrintReportAsked, this,
+            [this] { controls::Guarded(&window_, [this] { PrintReport(); }); });
+    section.AddAction(actions[Action::AlignToFace], u"Ausrichten"_s);
+    section.AddAction(actions[Action::LevelHead], u"Gerade richten"_s);
+    section.AddAction(actions[Action::LevelByLine], u"Linie ziehen"_s);
+    controls::Guarded(&window, [this] {
+        actions_.SetChecked(Action::ShowCheck, platform::ReadRegistryInteger(CheckShownValue) != 0);
+        panel_.ShowSection(&section_, actions_.IsChecked(Action::ShowCheck));
+    });
+    ShowLines();
+}
+
+void CheckPanel::acShowCheckExecute() {
+    const bool shown = actions_.IsChecked(Action::ShowCheck);
+    panel_.ShowSection(&section_, shown);
+    if (!shown) {
+        section_.SetPointsMovable(false);
+    }
+    platform::WriteRegistryInteger(CheckShownValue, int{shown});
+    FollowSession();
+}
+
+void CheckPanel::FollowSession() {
+    if (actions_.IsChecked(Action::ShowCheck) && session_.IsEditing()) {
+        face_.FindSoon();
+    }
+    ShowLines();
+}
+
+std::vector<core::CheckLine> CheckPanel::Lines() const {
+    core::CheckedPhoto checked;
+    checked.face = face_.Search().face;
+    checked.measures = face_.Measures();
+    checked.rectangle = session_.TemplateRectangle();
+    checked.figures = figures_;
+    checked.printedWidth = {data_.TemplateCanvasSize().width()};
+    checked.edits = session_.Image().Edits();
+    checked.whiteCorners = core::HasWhiteCorners(session_.Image().Photo(), checked.rectangle);
+    return core::CheckPhoto(checked);
+}
+
+void CheckPanel::LoadFigures() {
+    // A table that cannot be read is said once, not at every frame of a drag.
+    if (figuresOf_ != data_.TemplateName()) {
+        figuresOf_ = data_.TemplateName();
+        figures_.reset();
+        controls::Guarded(&window_, [this] { figures_ = data_.LoadedFigures(); });
+    }
+}
+
+void CheckPanel::ShowLines() {
+    if (!actions_.IsChecked(Action::ShowCheck)) {
+        return;
+    }
+    if (!session_.IsEditing() || !session_.HasTemplate()) {
+        section_.SetLines({}, u"Öffnen Sie ein Foto und wählen Sie eine Schablone."_s);
+        return;
+    }
+    LoadFigures();
+    QString summary = u"%1. Ohne Gewähr."_s.arg(session_.TemplateName());
+    if (face_.Search().faceCount > 1) {
+        summary += u" %1 Gesichter; geprüft wird das größte nahe der Mitte."_s.arg(
+            face_.Search().faceCount);
+    }
+    section_.SetLines(Lines(), summary);
+}
+
+bool CheckPanel::ConfirmCut() {
+    if (!settings_.AskBeforeCut() || !session_.IsEditing() || !session_.HasTemplate()) {
+        return true;
+    }
+    try {
+        const bool found = face_.Find();
+        if (!found && !actions_.IsChecked(Action::ShowCheck)) {
+            return true;
+        }
+    } catch (const imaging::CascadesMissing&) {
+        return true;
+    }
+    LoadFigures();
+    QStringList missed;
+    for (const core::CheckLine& line : Lines()) {
+        if (line.state == core::CheckState::Missed) {
+            missed << line.label + u' ' + core::FigureText(line) + u'.';
+        }
+    }
+    return missed.isEmpty() ||
+           controls::AskYesNo(&window_, missed.join(u'\n') + u" Trotzdem erstellen?"_s,
+                              controls::Severity::Warning);
+}
+
+CheckReport CheckPanel::Report() const {
+    return {session_.Image().Photo(), session_.TemplateRectangle(), session_.TemplateName(),
+            face_.Search().face, Lines()};
+}
+
+void CheckPanel::SaveReport() {
+    core::SaveDialog dialog;
+    dialog.title = u"Bericht speichern"_s;
+    dialog.filter = u"PDF (*.pdf)|*.pdf"_s;
+    dialog.defaultExtension = u"pdf"_s;
+    dialog.initialFolder = data_.CurrentFileFolder();
+    dialog.fileName = QFileInfo(data_.CurrentFile()).completeBaseName() + u"_pruefung"_s;
+    if (const auto path = ui_.AskForSaveFile(dialog)) {
+        const controls::WaitCursor wait;
+        WriteCheckReport(Report(), *path);
+    }
+}
+
+/// On the paper of the printer that the user chooses; the page's margins keep it readable.
+void CheckPanel::PrintReport() {
+    if (!data_.Printer().ShowSetupDialog(window_.windowHandle())) {
+        return;
+    }
+    const controls::WaitCursor wait;
+    const QSizeF paper = data_.Printer().Paper().geometry.page;
+    data_.Printer().Print(CheckReportPage(Report(), paper));
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,19 @@
+#include "app/face/FaceActions.h"
+
+#include "app/face/FaceOverlay.h"
+#include "imaging/view/ImageView.h"
+
+namespace kadrona::app {
+
+FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
+                         const core::Settings& settings, core::UserInterface& ui,
+                         MainActions& actions, RotateActions& rotateActions,
+                         dialogs::SidePanel& panel, dialogs::CheckSection& section)
+    : face_(session, *view.window()),
+      overlay_(*new FaceOverlay(view)),
+      points_(face_, view, overlay_, section, actions),
+      leveller_(session, face_, view, overlay_, actions, rotateActions),
+      proposal_(session, face_, overlay_, data, settings, ui, actions),
+      panel_(session, face_, *view.window(), data, settings, ui, actions, panel, section) {}
+
+}  // namespace kadrona::app

@@ -1,0 +1,126 @@
+#include "app/face/HeadLeveller.h"
+
+#include <cmath>
+#include <utility>
+
+#include "app/adjustments/RotateActions.h"
+#include "app/base/MainActions.h"
+#include "app/base/PhotoSession.h"
+#include "app/face/FaceOverlay.h"
+#include "app/face/PhotoFace.h"
+#include "controls/messages/ActionGuard.h"
+#include "imaging/view/ImageView.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+const QString LineHint = u"Ziehen Sie eine Linie von Pupille zu Pupille. Esc bricht ab."_s;
+
+}  // namespace
+
+HeadLeveller::HeadLeveller(PhotoSession& session, PhotoFace& face, imaging::view::ImageView& view,
+                           FaceOverlay& overlay, MainActions& actions, RotateActions& rotateActions)
+    : session_(session),
+      face_(face),
+      view_(view),
+      overlay_(overlay),
+      actions_(actions),
+      rotateActions_(rotateActions) {
+    actions.Connect(Action::LevelHead, this, [this] { acLevelHeadExecute(); });
+    actions.Connect(Action::LevelByLine, this, [this] { acLevelByLineExecute(); });
+    connect(actions[Action::LevelByLine], &QAction::toggled, this, &HeadLeveller::FollowAction);
+    connect(&face, &PhotoFace::Forgotten, this, &HeadLeveller::EndMode);
+}
+
+HeadLeveller::~HeadLeveller() {
+    EndMode();
+}
+
+/// Where no face is found the user shows where the eyes are.
+void HeadLeveller::acLevelHeadExecute() {
+    if (!session_.IsEditing() || actions_.IsChecked(Action::Beauty)) {
+        return;
+    }
+    if (face_.Find()) {
+        Level(face_.Search().face->tiltDegrees);
+        return;
+    }
+    actions_[Action::LevelByLine]->setChecked(true);
+    acLevelByLineExecute();
+    if (actions_.IsChecked(Action::LevelByLine)) {
+        overlay_.ShowHint(u"Kein Gesicht gefunden. "_s + LineHint);
+    }
+}
+
+/// Triggering has toggled the action already; that is taken back in another mode.
+void HeadLeveller::acLevelByLineExecute() {
+    if (!session_.IsEditing() || actions_.IsChecked(Action::Beauty) ||
+        actions_.IsChecked(Action::SetWhitePoint)) {
+        EndMode();
+    }
+}
+
+/// Whatever unchecks the action ends the mode.
+void HeadLeveller::FollowAction(bool checked) {
+    line_.reset();
+    overlay_.ShowLine(line_);
+    overlay_.ShowHint(checked ? LineHint : QString());
+    if (checked) {
+        view_.SetTool(this);
+        view_.setFocus();
+    } else if (view_.Tool() == this) {
+        view_.SetTool(nullptr);
+    }
+}
+
+void HeadLeveller::EndMode() {
+    actions_[Action::LevelByLine]->setChecked(false);
+}
+
+void HeadLeveller::Level(double tiltDegrees) {
+    constexpr double WorthTurning = 0.1;
+    if (std::abs(tiltDegrees) >= WorthTurning) {
+        rotateActions_.LevelPhoto(tiltDegrees);
+    }
+}
+
+void HeadLeveller::Press(const imaging::view::ToolPointer& pointer) {
+    line_ = QLineF(pointer.photo, pointer.photo);
+}
+
+void HeadLeveller::Move(const imaging::view::ToolPointer& pointer) {
+    if (line_) {
+        line_->setP2(pointer.photo);
+        overlay_.ShowLine(line_);
+    }
+}
+
+/// A click is no line: the mode stays on for another one.
+void HeadLeveller::Release() {
+    constexpr double ShortestOnScreen = 12;
+    const std::optional<QLineF> line = std::exchange(line_, std::nullopt);
+    overlay_.ShowLine(line_);
+    if (!line || QLineF(view_.ToWidget(line->p1()), view_.ToWidget(line->p2())).length() <
+                     ShortestOnScreen) {
+        return;
+    }
+    EndMode();
+    const bool leftToRight = line->x1() < line->x2();
+    controls::Guarded(view_.window(), [&] {
+        Level(leftToRight ? imaging::TiltDegrees(line->p1(), line->p2())
+                          : imaging::TiltDegrees(line->p2(), line->p1()));
+    });
+}
+
+bool HeadLeveller::Key(const QKeyEvent& event) {
+    if (event.type() != QEvent::KeyPress || event.key() != Qt::Key_Escape) {
+        return false;
+    }
+    EndMode();
+    return true;
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,81 @@
+#include "app/face/PhotoFace.h"
+
+#include <utility>
+
+#include "app/base/PhotoSession.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/WaitCursor.h"
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
+
+namespace kadrona::app {
+
+using imaging::LayeredImage;
+
+namespace {
+
+constexpr int SearchDelayMilliseconds = 200;
+
+}  // namespace
+
+PhotoFace::PhotoFace(PhotoSession& session, QWidget& window) : session_(session), window_(window) {
+    timer_.setSingleShot(true);
+    timer_.setInterval(SearchDelayMilliseconds);
+    connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
+    connect(&session.Image(), &LayeredImage::PhotoEdited, this, [this] { painting_ = true; });
+    connect(&session.Image(), &LayeredImage::PhotoChanged, this, [this] { FollowPhoto(); });
+}
+
+/// The stamp changes the photo many times a second: the face is where it was.
+void PhotoFace::FollowPhoto() {
+    if (!std::exchange(painting_, false)) {
+        known_ = false;
+        found_ = {};
+        measures_ = {};
+        Q_EMIT Forgotten();
+    }
+}
+
+bool PhotoFace::Find() {
+    if (!known_) {
+        const controls::WaitCursor wait;
+        const imaging::Pixels& photo = session_.Image().Photo();
+        found_ = imaging::FindFace(photo);
+        measures_ = found_.face ? imaging::MeasurePortrait(photo, *found_.face)
+                                : imaging::PortraitMeasures();
+        known_ = true;
+    }
+    return found_.face.has_value();
+}
+
+void PhotoFace::FindSoon() {
+    timer_.start();
+}
+
+void PhotoFace::Look() {
+    controls::Guarded(&window_, [this] {
+        if (!session_.IsEditing()) {
+            return;
+        }
+        try {
+            Find();
+        } catch (const imaging::CascadesMissing&) {
+            // Nobody asked for the face; who does is told what to install.
+            known_ = true;
+        }
+        Q_EMIT Looked();
+    });
+}
+
+void PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to) {
+    imaging::Face& face = *found_.face;
+    const QPointF by = to - (face.*point).position;
+    face.*point = {to, 1};
+    if (point == &imaging::Face::crown) {
+        face.skull.position += by;
+    }
+    face.tiltDegrees = imaging::TiltDegrees(face.leftEye.position, face.rightEye.position);
+    Q_EMIT PointMoved();
+}
+
+}  // namespace kadrona::app

@@ -1,0 +1,90 @@
+#include "app/opening/DevelopingDisplay.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <cmath>
+
+#include "imaging/pixels/Resampling.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+/// The line moves by a step of these.
+constexpr int Steps = 200;
+
+}  // namespace
+
+DevelopingDisplay::DevelopingDisplay(QWidget& place) : place_(place) {}
+
+DevelopingDisplay::~DevelopingDisplay() {
+    if (line_) {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void DevelopingDisplay::Begin(const imaging::Pixels& preview) {
+    if (!preview.IsEmpty()) {
+        ShowPreview(preview);
+    }
+    ShowLine();
+    GoOn(0);
+}
+
+/// As large as the photo will be.
+void DevelopingDisplay::ShowPreview(const imaging::Pixels& preview) {
+    constexpr int Margin = 12;
+    const QSize room = place_.size().shrunkBy({Margin, Margin, Margin, Margin});
+    const QSize size =
+        preview.Size().scaled(room * place_.devicePixelRatioF(), Qt::KeepAspectRatio);
+    QPixmap picture =
+        QPixmap::fromImage(imaging::Resampled(preview, size.expandedTo({1, 1})).ToImage());
+    picture.setDevicePixelRatio(place_.devicePixelRatioF());
+    preview_ = std::make_unique<QLabel>(&place_);
+    preview_->setObjectName(u"DevelopingPreview"_s);
+    preview_->setAutoFillBackground(true);
+    preview_->setBackgroundRole(QPalette::Base);
+    preview_->setAlignment(Qt::AlignCenter);
+    preview_->setPixmap(picture);
+    preview_->setGeometry(place_.rect());
+    preview_->show();
+}
+
+/// At the foot of the photo, so that the face is seen.
+void DevelopingDisplay::ShowLine() {
+    constexpr int AboveEdge = 24;
+    line_ = std::make_unique<QProgressDialog>(u"Das Foto wird entwickelt …"_s, QString(), 0, Steps,
+                                              place_.window());
+    line_->setObjectName(u"DevelopingProgress"_s);
+    line_->setWindowTitle(u"Bild öffnen"_s);
+    auto* cancel = new QPushButton(u"Abbrechen"_s);
+    cancel->setObjectName(u"Cancel"_s);
+    line_->setCancelButton(cancel);
+    auto* bar = new QProgressBar;
+    bar->setTextVisible(false);  // it is lower than a line of text
+    line_->setBar(bar);
+    line_->setRange(0, Steps);
+    line_->setWindowModality(Qt::ApplicationModal);
+    line_->setMinimumDuration(0);
+    line_->setAutoClose(false);
+    line_->setAutoReset(false);
+    const QSize size = line_->sizeHint();
+    const QPoint foot = place_.mapToGlobal(QPoint(place_.width() / 2, place_.height()));
+    line_->move(foot - QPoint(size.width() / 2, size.height() + AboveEdge));
+    // The hourglass of whoever opens the photo would lie over the button.
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+    line_->show();
+}
+
+bool DevelopingDisplay::GoOn(double part) {
+    line_->setValue(static_cast<int>(std::lround(part * Steps)));
+    QCoreApplication::processEvents();
+    return !line_->wasCanceled();
+}
+
+}  // namespace kadrona::app

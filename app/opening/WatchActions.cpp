@@ -1,0 +1,132 @@
+#include "app/opening/WatchActions.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include "app/base/AtRest.h"
+#include "app/base/MainActions.h"
+#include "app/base/SmallPicture.h"
+#include "controls/fields/PhotoStrip.h"
+#include "controls/messages/ActionGuard.h"
+#include "core/base/FileDialogs.h"
+#include "core/settings/Settings.h"
+#include "core/settings/WatchedFolder.h"
+#include "imaging/reading/ImageReader.h"
+#include "platform/FolderWatch.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+namespace {
+
+constexpr int FolderLookMilliseconds = 1000;
+/// A folder of ten thousand files takes a tenth of a second: of the time at most a part goes there.
+constexpr int LookShare = 20;
+/// Whoever looks for older ones opens the folder.
+constexpr int MostShown = 40;
+
+/// Those of the first entry, which holds all formats, and of those behind it.
+QStringList PhotoPatterns() {
+    const QStringList parts = core::OpenDialog::OfPhotos().filter.split(u'|');
+    QStringList patterns;
+    for (qsizetype i = 1; i < parts.size(); i += 2) {
+        patterns += parts.at(i).split(u';');
+    }
+    patterns.removeDuplicates();
+    return patterns;
+}
+
+}  // namespace
+
+WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& settings,
+                           MainActions& actions, Open open)
+    : strip_(strip),
+      settings_(settings),
+      actions_(actions),
+      open_(std::move(open)),
+      timer_(new QTimer(this)) {
+    timer_->setInterval(FolderLookMilliseconds);
+    connect(timer_, &QTimer::timeout, this, &WatchActions::Look);
+    connect(&actions, &MainActions::Handled, this, &WatchActions::FollowSettings);
+    connect(&strip, &controls::PhotoStrip::Chosen, this,
+            [this](const QString& path) { open_(path); });
+    FollowSettings();
+}
+
+WatchActions::~WatchActions() = default;
+
+void WatchActions::FollowSettings() {
+    if (unreadable_) {
+        return;  // it was said once
+    }
+    QString folder;
+    unreadable_ = true;
+    controls::Guarded(strip_.window(), [&] {
+        folder = core::WatchedFolder();
+        unreadable_ = false;
+    });
+    if (folder == (watch_ ? watch_->Folder() : QString())) {
+        return;
+    }
+    watch_ = folder.isEmpty() ? nullptr
+                              : std::make_unique<platform::FolderWatch>(folder, PhotoPatterns());
+    strip_.SetFiles({});
+    if (watch_) {
+        timer_->start();
+        Look();
+    } else {
+        timer_->stop();
+    }
+}
+
+void WatchActions::Look() {
+    QElapsedTimer time;
+    time.start();
+    const bool changed = watch_->Look();
+    timer_->setInterval(std::max(FolderLookMilliseconds, LookShare * int(time.elapsed())));
+    if (changed) {
+        ShowFiles();
+    }
+    MakeOnePicture();
+    OpenNewest();
+}
+
+/// A photo that filled the window is to be seen as a whole beside the strip too.
+void WatchActions::ShowFiles() {
+    const bool wasHidden = strip_.isHidden();
+    strip_.SetFiles(watch_->Files().first(std::min<qsizetype>(watch_->Files().size(), MostShown)));
+    if (strip_.isHidden() != wasHidden) {
+        QTimer::singleShot(0, actions_[Action::ZoomFit], &QAction::trigger);
+    }
+}
+
+/// One between two events, so that the window never waits for a whole card. What cannot be read may
+/// not be complete after all; it is left out until it changes.
+void WatchActions::MakeOnePicture() {
+    const QString path = strip_.WithoutPicture();
+    // While something else goes on under a window, the next look comes back to it.
+    if (path.isEmpty() || QApplication::activeModalWidget() != nullptr) {
+        return;
+    }
+    try {
+        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, {.shrink = 8}).pixels));
+        QTimer::singleShot(0, this, &WatchActions::MakeOnePicture);
+    } catch (const platform::Error&) {
+        watch_->PassOver(path);
+        ShowFiles();
+    }
+}
+
+/// Never while the user is asked something or an action is under way.
+void WatchActions::OpenNewest() {
+    if (!IsAtRest()) {
+        return;
+    }
+    const QStringList arrived = watch_->TakeArrived();
+    if (settings_.OpenNewestPhoto() && !arrived.isEmpty()) {
+        open_(arrived.first());
+    }
+}
+
+}  // namespace kadrona::app

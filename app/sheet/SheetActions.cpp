@@ -1,0 +1,135 @@
+#include "app/sheet/SheetActions.h"
+
+#include <QFileInfo>
+#include <QWidget>
+
+#include "app/base/MainActions.h"
+#include "app/base/PhotoSession.h"
+#include "app/base/PictureFileDialog.h"
+#include "app/base/ViewActions.h"
+#include "app/printing/PrintFlow.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/MessageBoxes.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/Data.h"
+#include "core/base/UserInterface.h"
+#include "core/settings/Settings.h"
+#include "core/sheet/PhotoLoading.h"
+#include "core/sheet/SheetLayout.h"
+#include "platform/Paths.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+SheetActions::SheetActions(PhotoSession& session, QWidget& window, core::TData& data,
+                           const core::Settings& settings, core::UserInterface& ui,
+                           MainActions& actions, ViewActions& viewActions, PrintFlow& printFlow)
+    : session_(session),
+      window_(window),
+      data_(data),
+      settings_(settings),
+      ui_(ui),
+      actions_(actions),
+      viewActions_(viewActions),
+      printFlow_(printFlow) {
+    actions.Connect(Action::Crop, this, [this] { acCropExecute(); });
+    actions.Connect(Action::Save, this, [this] { acSaveExecute(); });
+    actions.Connect(Action::SaveImageFast, this, [this] { acSaveImageFastExecute(); });
+}
+
+void SheetActions::acCropExecute() {
+    imaging::LayeredImage& image = session_.Image();
+    if (actions_.IsChecked(Action::Beauty) || !session_.HasTemplate()) {
+        return;
+    }
+    if (confirm_ && !confirm_()) {
+        return;
+    }
+    const imaging::Pixels cut = session_.Cut();
+    image.SetCurrentLayer(0);
+    if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
+        ui_.ShowMessage(core::TooBrightWarning);
+    }
+    {
+        const controls::WaitCursor wait;
+        data_.CropImage(image, session_.LayoutIndex());
+    }
+    image.ClearUndo();
+    session_.KeepCut(cut);
+    session_.SetStage(PhotoSession::Stage::SheetMade);
+    viewActions_.StartAnew();
+    if (settings_.PrintAfterCrop()) {
+        // A printer that fails must not keep the photos from being saved.
+        controls::Guarded(&window_, [this] { printFlow_.acPrintImageExecute(); });
+    }
+    // As for the action itself: a sheet of several photos is not saved quickly.
+    if (settings_.ImageAutoSave2() && session_.LayoutIndex() == core::SinglePhotoLayout) {
+        acSaveImageFastExecute();
+    }
+}
+
+void SheetActions::acSaveExecute() {
+    const controls::WaitCursor wait;
+    data_.SaveImage(session_.Image(), data_.SaveFolder(), {}, false);
+}
+
+void SheetActions::acSaveImageFastExecute() {
+    const QString fileName = data_.GetFileName(settings_.FileNameEd(), settings_.FileVarCombo(),
+                                               settings_.FileTypCombo());
+    if (!MayShrinkTheSheet()) {
+        return;
+    }
+    const QString folder = FolderToSaveIn();
+    const QString path = platform::JoinPath(platform::WithoutTrailingSeparator(folder), fileName);
+    if (folder.isEmpty() || !MayReplace(path)) {
+        return;
+    }
+    const controls::WaitCursor wait;
+    data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk());
+    savedPhotos_.insert(path, data_.CurrentFile());
+}
+
+/// Without a folder the photo would go to the root of the file system.
+QString SheetActions::FolderToSaveIn() {
+    QString folder = data_.SaveFolder();
+    if (QFileInfo(folder).isDir()) {
+        return folder;
+    }
+    const QString wanted = settings_.ImageSaveDir();
+    const QString text = wanted.isEmpty()
+                             ? u"In den Einstellungen ist kein Ordner zum Speichern angegeben."_s
+                             : u"Den Ordner „%1“ gibt es nicht."_s.arg(wanted);
+    return controls::AskYesNo(&window_, text + u"\n\nMöchten Sie einen Ordner wählen?"_s,
+                              controls::Severity::Warning)
+               ? ChooseFolder(&window_, u"Ordner zum Speichern"_s)
+               : QString();
+}
+
+/// The number of pictures may have been changed after the sheet was made.
+bool SheetActions::MayShrinkTheSheet() {
+    const imaging::Pixels& sheet = session_.Image().Photo();
+    const int pictures = sheet.PhotoCount();
+    const bool isSheet = pictures > 1 || sheet.Arranged() != nullptr;
+    const QString what = pictures == 1 ? u"Das Blatt ist ein ganzes Papier"_s
+                                       : u"Das Blatt hat %1 Bilder"_s.arg(pictures);
+    return !isSheet || !settings_.ScaleImageCk() ||
+           controls::AskYesNo(&window_,
+                              what +
+                                  u" und würde als Ganzes auf die Größe eines einzigen Bildes "
+                                  u"verkleinert.\n\nTrotzdem speichern?"_s,
+                              controls::Severity::Warning);
+}
+
+/// Saving the same photo again replaces its file without asking.
+bool SheetActions::MayReplace(const QString& path) {
+    const auto saved = savedPhotos_.constFind(path);
+    return saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
+           !QFileInfo::exists(path) ||
+           controls::AskYesNo(&window_,
+                              u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
+                              u"ersetzen?"_s.arg(path, QFileInfo(*saved).fileName()),
+                              controls::Severity::Warning);
+}
+
+}  // namespace kadrona::app

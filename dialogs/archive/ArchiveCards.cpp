@@ -1,0 +1,43 @@
+#include "dialogs/archive/ArchiveCards.h"
+
+#include "core/Data.h"
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+core::ArchiveTable& OpenArchive(core::TData& data) {
+    data.ArchiveDatabase();
+    return *data.Archive();
+}
+
+core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
+    auto record = table.Read(id);
+    if (!record) {
+        throw platform::Error(u"Der Datensatz %1 ist nicht mehr im Archiv."_s.arg(id));
+    }
+    return *std::move(record);
+}
+
+QString ShownTags(const QString& tags) {
+    QStringList lines = tags.split(u'\n', Qt::SkipEmptyParts);
+    for (QString& line : lines) {
+        line = line.simplified();
+    }
+    return lines.join(u", "_s);
+}
+
+controls::Card ArchiveCards::ReadCard(qint64 key) {
+    const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), key);
+    return {.heading = core::ShownTime(record.created),
+            .title = record.name,
+            .detail = record.type,
+            .text = ShownTags(record.tags)};
+}
+
+QByteArray ArchiveCards::ReadPicture(qint64 key) {
+    return OpenArchive(data_).ReadThumbnail(key);
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,20 @@
+#include "dialogs/base/ScrolledPage.h"
+
+#include <QScrollBar>
+
+namespace kadrona::dialogs {
+
+ScrolledPage::ScrolledPage(QWidget* page) {
+    setWidget(page);
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    page->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+}
+
+QSize ScrolledPage::sizeHint() const {
+    return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
+}
+
+}  // namespace kadrona::dialogs

@@ -1,0 +1,149 @@
+#include "dialogs/printing/CalibrationDialog.h"
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <limits>
+
+#include "controls/fields/ElidedLabel.h"
+#include "controls/messages/ActionGuard.h"
+#include "controls/messages/WaitCursor.h"
+#include "core/Data.h"
+#include "dialogs/base/Buttons.h"
+#include "dialogs/base/WindowPlacement.h"
+#include "printing/Calibration.h"
+#include "printing/PrinterLayer.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::dialogs {
+
+namespace {
+
+/// Return in a field does not press it.
+QPushButton* ClickedButton(const QString& name, const QString& caption) {
+    auto* button = NamedButton(name, caption);
+    button->setAutoDefault(false);
+    return button;
+}
+
+/// With a comma or a point; not a number where the text is none.
+double NumberIn(const QLineEdit& edit) {
+    bool isNumber = false;
+    const double number = edit.text().trimmed().replace(u',', u'.').toDouble(&isNumber);
+    return isNumber ? number : std::numeric_limits<double>::quiet_NaN();
+}
+
+}  // namespace
+
+CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget* parent)
+    : QDialog(parent),
+      data_(data),
+      profile_(std::move(profile)),
+      paper_(data.Printer().Paper().geometry) {
+    printing::RulerSheet(paper_, {});  // says now where the paper is none to calibrate with
+    setObjectName(u"CalibrationDialog"_s);
+    setWindowTitle(u"Drucker kalibrieren"_s);
+    BuildControls();
+    ShowState(u"Bisher"_s);
+    FitToScreen(*this);
+}
+
+void CalibrationDialog::BuildControls() {
+    auto* explanation = new QLabel(
+        u"1. Drucken Sie das Kalibrierblatt auf dem Papier, auf dem Sie Fotos drucken.\n"
+        u"2. Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein.\n"
+        u"3. Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s);
+    explanation->setWordWrap(true);
+    auto* apply = ClickedButton(u"btnApply"_s, u"&Übernehmen"_s);
+    auto* close = ClickedButton(u"btnClose"_s, u"&Schließen"_s);
+    apply->setDefault(true);
+    state_ = new QLabel;
+    state_->setObjectName(u"lblState"_s);
+    state_->setTextFormat(Qt::PlainText);
+    state_->setWordWrap(true);
+
+    const printing::RulerLines lines = printing::RulerLinesFor(paper_);
+    auto* form = new QFormLayout;
+    readings_ = {
+        AddReading(*form, u"edAcross"_s, u"Länge der Linie &A (soll %1 mm)"_s.arg(lines.across)),
+        AddReading(*form, u"edAlong"_s, u"Länge der Linie &B (soll %1 mm)"_s.arg(lines.along)),
+        AddReading(*form, u"edLeft"_s, u"Vom &linken Papierrand bis zum Kreuz"_s),
+        AddReading(*form, u"edTop"_s, u"Vom &oberen Papierrand bis zum Kreuz"_s)};
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(apply);
+    buttons->addWidget(close);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setSpacing(12);
+    layout->addWidget(explanation);
+    layout->addLayout(BuildPrintRow());
+    layout->addLayout(form);
+    layout->addWidget(state_);
+    layout->addLayout(buttons);
+    connect(apply, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { Apply(); }); });
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+QLayout* CalibrationDialog::BuildPrintRow() {
+    auto* print = ClickedButton(u"btnPrintSheet"_s, u"&Kalibrierblatt drucken"_s);
+    sheet_ = new controls::ElidedLabel;
+    sheet_->setObjectName(u"lblSheet"_s);
+    auto* row = new QHBoxLayout;
+    row->addWidget(print);
+    row->addWidget(sheet_, 1);
+    connect(print, &QPushButton::clicked, this,
+            [this] { controls::Guarded(this, [this] { PrintSheet(); }); });
+    return row;
+}
+
+QLineEdit* CalibrationDialog::AddReading(QFormLayout& form, const QString& name,
+                                         const QString& caption) {
+    auto* edit = new QLineEdit;
+    edit->setObjectName(name);
+    edit->setAlignment(Qt::AlignRight);
+    auto* row = new QHBoxLayout;
+    row->addWidget(edit);
+    row->addWidget(new QLabel(u"mm"_s));
+    auto* label = new QLabel(caption);
+    label->setBuddy(edit);
+    form.addRow(label, row);
+    return edit;
+}
+
+void CalibrationDialog::PrintSheet() {
+    const controls::WaitCursor wait;
+    watch_ = data_.Printer().Print(
+        printing::RulerSheet(paper_, printing::StoredCalibration(data_.DataFolder(), profile_)));
+    sheet_->setText(u"Druckauftrag gesendet"_s);
+    if (watch_) {
+        connect(watch_.get(), &printing::JobWatch::Changed, sheet_,
+                [this](const printing::JobState& state) { sheet_->setText(state.text); });
+    }
+}
+
+void CalibrationDialog::Apply() {
+    const printing::Calibration calibration =
+        printing::Calibrated(paper_, printing::StoredCalibration(data_.DataFolder(), profile_),
+                             {NumberIn(*readings_[0]), NumberIn(*readings_[1]),
+                              NumberIn(*readings_[2]), NumberIn(*readings_[3])});
+    printing::StoreCalibration(data_.DataFolder(), profile_, calibration);
+    // Readings hold for the sheet that was printed before.
+    for (QLineEdit* edit : readings_) {
+        edit->clear();
+    }
+    ShowState(u"Übernommen"_s);
+}
+
+void CalibrationDialog::ShowState(const QString& what) {
+    state_->setText(
+        what + u": "_s +
+        printing::CalibrationText(printing::StoredCalibration(data_.DataFolder(), profile_)) +
+        u'.');
+}
+
+}  // namespace kadrona::dialogs
