@@ -55,9 +55,8 @@ std::optional<core::PaperChoice> ParsePaper(const QCommandLineParser& parser) {
     core::PaperChoice choice;
     choice.paper = core::PaperSizeOf(parser.value(u"paper"_s));
     if (!choice.paper || choice.paper->isEmpty()) {
-        throw UsageError(
-            u"--paper erwartet 10x15, 13x18, 100x148, A6, A5, A4 oder BREITExHÖHE in Millimetern, "
-            u"nicht „%1“."_s.arg(parser.value(u"paper"_s)));
+        throw UsageError(u"--paper erwartet %1 oder BREITExHÖHE in Millimetern, nicht „%2“."_s.arg(
+            core::PaperKeys(), parser.value(u"paper"_s)));
     }
     choice.gap = ParseMillimetres(parser, u"gap"_s, choice.gap);
     choice.edge = ParseMillimetres(parser, u"edge"_s, choice.edge);

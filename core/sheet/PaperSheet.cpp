@@ -28,10 +28,12 @@ constexpr int FromTenths(int tenths) {
 PaperChoice PaperChoiceOf(const Settings& settings) {
     PaperChoice choice;
     const int paper = settings.SheetPaper();
-    const auto named = static_cast<int>(NamedPapers.size());
-    if (paper >= 1 && paper <= named) {
-        choice.paper = NamedPapers.at(static_cast<size_t>(paper) - 1).size;
-    } else if (paper > named) {
+    for (size_t place = 0; place < NamedPapers.size(); ++place) {
+        if (paper == StoredPaper(place)) {
+            choice.paper = NamedPapers.at(place).size;
+        }
+    }
+    if (paper == OwnPaper) {
         choice.paper =
             QSize(FromTenths(settings.SheetPaperWidth()), FromTenths(settings.SheetPaperHeight()));
     }

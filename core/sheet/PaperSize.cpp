@@ -1,6 +1,7 @@
 #include "core/sheet/PaperSize.h"
 
 #include <QRegularExpression>
+#include <QStringList>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +29,14 @@ std::optional<QSize> PaperSizeOf(const QString& text) {
     const auto height = MicrometresOf(sides.last());
     return sides.size() == 2 && width && height ? std::optional(QSize(*width, *height))
                                                 : std::nullopt;
+}
+
+QString PaperKeys() {
+    QStringList keys;
+    for (const NamedPaper& paper : NamedPapers) {
+        keys.append(paper.key);
+    }
+    return keys.join(u", "_s);
 }
 
 QString MillimetresText(int micrometres) {

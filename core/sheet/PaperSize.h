@@ -21,7 +21,9 @@ struct NamedPaper {
     QSize size;
 };
 
-/// In the order in which they are offered. 10 x 15 is 4 x 6 inches, as photo papers are cut.
+/// Profiles keep a paper as its place here, counted from 1, and OwnPaper as a size of the user's: a
+/// paper that is added goes to the end, and StoredPaper says what it is kept as. 10 x 15 is 4 x 6
+/// inches, as photo papers are cut.
 inline constexpr std::array NamedPapers{
     NamedPaper{QLatin1StringView("10x15"), QLatin1StringView("10 x 15 cm"),
                QSize(101'600, 152'400)},
@@ -33,6 +35,20 @@ inline constexpr std::array NamedPapers{
     NamedPaper{QLatin1StringView("A5"), QLatin1StringView("A5"), QSize(148'000, 210'000)},
     NamedPaper{QLatin1StringView("A4"), QLatin1StringView("A4"), QSize(210'000, 297'000)},
 };
+
+/// What a profile keeps for the grid without a paper, and for a size of the user's.
+inline constexpr int NoPaper = 0;
+inline constexpr int OwnPaper = 7;
+
+/// The number by which profiles keep a paper of NamedPapers; those behind the sixth leave OwnPaper
+/// out.
+constexpr int StoredPaper(size_t place) {
+    const int number = static_cast<int>(place) + 1;
+    return number < OwnPaper ? number : number + 1;
+}
+
+/// "10x15, 13x18": what the command line takes, in one line.
+QString PaperKeys();
 
 /// A length in millimetres as it is typed, with a point or a comma and at most three decimals, in
 /// micrometres. Nothing for another text, a negative length or one of a hundred metres and more.

@@ -18,12 +18,13 @@ namespace {
 /// In the order of core::CuttingMarks.
 const QStringList MarkNames{u"keine"_s, u"Ecken"_s, u"Linien"_s, u"Rahmen"_s};
 
+/// Each at the number by which profiles keep it.
 QStringList PaperNames() {
     QStringList names{u"wie Anzahl"_s};
     for (const core::NamedPaper& paper : core::NamedPapers) {
         names.append(paper.title);
     }
-    names.append(u"Eigene Größe"_s);
+    names.insert(core::OwnPaper, u"Eigene Größe"_s);
     return names;
 }
 
@@ -79,8 +80,8 @@ QComboBox* PaperFields::Choice(const char* name, const QString& label, const QSt
 }
 
 void PaperFields::ShowWhatCounts() {
-    const bool onPaper = paper_->currentIndex() > 0;
-    const bool ownSize = paper_->currentIndex() == paper_->count() - 1;
+    const bool onPaper = paper_->currentIndex() > core::NoPaper;
+    const bool ownSize = paper_->currentIndex() == core::OwnPaper;
     for (QDoubleSpinBox* side : {width_, height_}) {
         form_->setRowVisible(side, ownSize);
     }

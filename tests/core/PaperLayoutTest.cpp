@@ -66,6 +66,15 @@ int CountedRoom(QSize paper, int edge, int gap, QSize photo) {
     return along(paper.width(), photo.width()) * along(paper.height(), photo.height());
 }
 
+TEST(PaperLayout, WhatProfilesKeepOfAPaperMeansTheSamePaperForEver) {
+    QStringList stored;
+    for (size_t place = 0; place < NamedPapers.size(); ++place) {
+        stored.append(u"%1 %2"_s.arg(StoredPaper(place)).arg(NamedPapers.at(place).key));
+    }
+    EXPECT_EQ(stored.first(6).join(u", "_s), u"1 10x15, 2 13x18, 3 100x148, 4 A6, 5 A5, 6 A4"_s);
+    EXPECT_EQ(StoredPaper(6), OwnPaper + 1);
+}
+
 TEST(PaperLayout, EveryPaperTakesWhatFitsInStraightRows) {
     const QSize photos[] = {Passport,         {50'800, 50'800}, {33'000, 48'000},
                             {40'000, 60'000}, {26'000, 32'000}, {50'000, 70'000}};
