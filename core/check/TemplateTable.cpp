@@ -34,6 +34,15 @@ QStringList ColumnNames() {
             u"Achse bis"_s, u"Richtwert"_s, u"Hinweis"_s,     u"Beleg"_s,       u"Gelesen am"_s};
 }
 
+/// May be left out.
+QStringList FurtherColumnNames() {
+    return {u"Augenabstand von"_s, u"Scheitel"_s,       u"Bearbeitung"_s,
+            u"Hintergrund"_s,      u"Papier"_s,         u"Datei Breite von"_s,
+            u"Datei Breite bis"_s, u"Datei Höhe von"_s, u"Datei Höhe bis"_s,
+            u"Datei kB von"_s,     u"Datei kB bis"_s,   u"Datei Format"_s,
+            u"Datei Beleg"_s};
+}
+
 QString InMillimetres(TenthsOfMillimetre length) {
     return QString::number(length.value / 10.0) + u" mm"_s;
 }
@@ -266,10 +275,19 @@ class Duplicates {
 };
 
 void CheckColumns(const QStringList& columns, Faults& faults) {
-    for (const QString& name : ColumnNames()) {
-        if (columns.count(name) != 1) {
-            faults.Add(columns.contains(name) ? u"Die Spalte „%1“ kommt zweimal vor."_s.arg(name)
-                                              : u"Die Spalte „%1“ fehlt."_s.arg(name));
+    const QStringList needed = ColumnNames();
+    const QStringList known = needed + FurtherColumnNames();
+    for (const QString& name : known) {
+        if (columns.count(name) > 1) {
+            faults.Add(u"Die Spalte „%1“ kommt zweimal vor."_s.arg(name));
+        } else if (needed.contains(name) && !columns.contains(name)) {
+            faults.Add(u"Die Spalte „%1“ fehlt."_s.arg(name));
+        }
+    }
+    // A misspelt one would read as if nothing were published.
+    for (const QString& name : columns) {
+        if (!known.contains(name)) {
+            faults.Add(u"Die Spalte „%1“ gibt es nicht."_s.arg(name));
         }
     }
     faults.ThrowIfAny();

@@ -91,6 +91,7 @@ TEST(TemplateTable, ColumnsMustBeThereOnce) {
     EXPECT_EQ(FaultsOf(u"#\n"_s + QString(Header).remove(u"Augen bis\t"_s)),
               "t:2: Die Spalte „Augen bis“ fehlt.");
     EXPECT_EQ(FaultsOf(u"Name\t"_s + Header), "t:1: Die Spalte „Name“ kommt zweimal vor.");
+    EXPECT_EQ(FaultsOf(u"Scheitl\t"_s + Header), "t:1: Die Spalte „Scheitl“ gibt es nicht.");
     EXPECT_THAT(FaultsOf(u"# nothing\n"_s), HasSubstr("Spaltennamen fehlt"));
 }
 
