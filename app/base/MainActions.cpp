@@ -177,18 +177,16 @@ void MainActions::Connect(Action action, QObject* owner, std::function<void()> h
 
 void MainActions::SetChecked(Action action, bool checked) {
     if (checked) {
-        for (const Action other :
-             {Action::SetWhitePoint, Action::ShowLayer, Action::Beauty, Action::LevelByLine}) {
-            (*this)[other]->setChecked(false);
-        }
+        LeaveModes();
+        (*this)[Action::ShowLayer]->setChecked(false);
     }
     (*this)[action]->setChecked(checked);
 }
 
 void MainActions::LeaveModes() {
-    SetChecked(Action::SetWhitePoint, false);
-    SetChecked(Action::Beauty, false);
-    SetChecked(Action::LevelByLine, false);
+    for (const Action mode : MouseModes) {
+        (*this)[mode]->setChecked(false);
+    }
 }
 
 void MainActions::Update(const ActionCircumstances& circumstances, const core::Settings& settings) {

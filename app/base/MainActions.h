@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QObject>
+#include <array>
 #include <functional>
 #include <span>
 #include <vector>
@@ -51,6 +52,9 @@ enum class Action {
     Manual,
     ArchivePhoto,
 };
+
+/// The modes that the mouse can be in on the photo, one at a time.
+inline constexpr std::array MouseModes{Action::SetWhitePoint, Action::Beauty, Action::LevelByLine};
 
 /// What decides whether an action can be used, besides the settings.
 struct ActionCircumstances {
@@ -122,7 +126,7 @@ class MainActions : public QObject {
     bool IsChecked(Action action) const { return (*this)[action]->isChecked(); }
 
     /// Checks or unchecks a check action. Checking one unchecks the others of the exclusive group
-    /// (SetWhitePoint, ShowLayer, Beauty). Triggers nothing.
+    /// (MouseModes and ShowLayer). Triggers nothing.
     void SetChecked(Action action, bool checked);
 
     /// Ends the modes that the mouse is in.

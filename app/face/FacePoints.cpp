@@ -27,7 +27,7 @@ FacePoints::FacePoints(PhotoFace& face, imaging::view::ImageView& view, FaceOver
     connect(&face, &PhotoFace::Forgotten, this, leave);
     connect(&face, &PhotoFace::Looked, this, &FacePoints::ShowPoints);
     connect(&face, &PhotoFace::PointMoved, this, &FacePoints::ShowPoints);
-    for (const Action mode : {Action::SetWhitePoint, Action::Beauty, Action::LevelByLine}) {
+    for (const Action mode : MouseModes) {
         connect(actions[mode], &QAction::toggled, this, [leave](bool checked) {
             if (checked) {
                 leave();
