@@ -110,7 +110,7 @@ TEST_F(PrintingTest, QueueDefaultsThatWouldChangeThePageDoNot) {
          {"mirror=true", "page-border=double-thick", "page-ranges=2-3", "page-set=even",
           "job-hold-until=indefinite", "number-up=2", "fit-to-page=true", "print-scaling=fill",
           "orientation-requested=4", "landscape=true", "booklet=true", "media=A4", "scaling=50",
-          "page-label=Intern"}) {
+          "page-label=Intern", "job-sheets=standard,none"}) {
         SCOPED_TRACE(standard);
         const QStringList option = QString::fromLatin1(standard).split(u'=');
         service_.Run(u"lpadmin"_s,

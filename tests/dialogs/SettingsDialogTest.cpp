@@ -78,11 +78,14 @@ TEST_F(SettingsDialog, AFirstStartMakesTheStandardProfileWithTheDesignValues) {
 }
 
 TEST_F(SettingsDialog, EveryStoredControlSurvivesARestart) {
-    const QStringList names =
+    QStringList names =
         u"AutoWhiteBalance ImageAutoSave ImageAutoSave2 PrintAfterCrop RotateBeforeTileImg "
         "ScaleImageCk ShowBlackWhite ShowGradation ShowRotate WhiteBalancePipette ImgRotateLeft "
         "FileTypCombo FileVarCombo ImageCount SchabloneBox PrintProfileBox "
         "FileNameEd ImageSaveDir ImageDestinationDir FrameSize"_s.split(u' ');
+    for (const core::ProfileEntry& addition : core::ProfileAdditions) {
+        names.append(QLatin1StringView(addition.control));
+    }
     installation.Write("common/Kadrona/Printerprofiles42.ini", "[A]\nProfile=prn1.tmp\n");
     const auto value = [this](const QString& name) {
         const auto* control = The<QWidget>(name);
@@ -95,7 +98,9 @@ TEST_F(SettingsDialog, EveryStoredControlSurvivesARestart) {
             if (auto* box = dialog->findChild<QComboBox*>(name)) {
                 box->setCurrentIndex(box->count() - 1);
             } else if (auto* button = dialog->findChild<QAbstractButton*>(name)) {
-                button->setChecked(true);
+                button->setChecked(!button->isChecked());
+            } else if (auto* number = dialog->findChild<QDoubleSpinBox*>(name)) {
+                number->setValue(number->maximum());
             } else {
                 The<QLineEdit>(name)->setText(name == u"FrameSize" ? u"7"_s : u"  "_s + name);
             }
