@@ -15,6 +15,7 @@
 #include "app/TaskbarProgress.h"
 #include "app/commandline/ArchiveCommand.h"
 #include "app/commandline/CheckCommand.h"
+#include "app/commandline/CommandLineHelp.h"
 #include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"

@@ -132,9 +132,11 @@ ArchiveRequest ParseArchiveRequest(const QStringList& arguments) {
     const auto* const task = std::ranges::find_if(
         Tasks, [&](const auto& known) { return words == QStringList(known.first); });
     if (task == Tasks.end()) {
-        throw UsageError(
-            u"„archive“ erwartet genau eines von backup, check, rebuild, export, "
-            u"transfer."_s);
+        QStringList known;
+        for (const auto& [word, meant] : Tasks) {
+            known.append(word);
+        }
+        throw UsageError(u"„archive“ erwartet genau eines von %1."_s.arg(known.join(u", "_s)));
     }
     ArchiveRequest request{.task = task->second,
                            .folder = parser.value(u"folder"_s),

@@ -92,7 +92,4 @@ CheckRequest ParseCheckRequest(const QStringList& arguments);
 /// Reads the arguments that follow "sheet". Throws UsageError.
 SheetRequest ParseSheetRequest(const QStringList& arguments);
 
-/// The German help text of the whole command line.
-QString CommandLineHelp();
-
 }  // namespace kadrona::app

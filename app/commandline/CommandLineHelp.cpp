@@ -1,0 +1,80 @@
+#include "app/commandline/CommandLineHelp.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::app {
+
+// Long, for it is one text.
+QString CommandLineHelp() {
+    return uR"(Aufruf:
+  kadrona [--new-window] [--open | FOTO]
+      öffnet ein Fenster, auf Wunsch gleich mit einem Foto oder dem Dialog, der
+      eines öffnet (--open). Ein Foto bekommt das Fenster, das schon läuft, es
+      sei denn, --new-window verlangt ein weiteres. Vor Namen, die mit „-“
+      beginnen, steht „--“.
+  kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
+      macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
+      ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
+  kadrona sheet --order DATEI --out DATEI [--paper PAPIER] [Optionen]
+      macht ein Sammelblatt. Jede Zeile des Auftrags nennt ein Bild:
+      FOTO; SCHABLONE; auto oder LINKS,OBEN,BREITE; ANZAHL
+  kadrona photo FOTO... --template NAME --out DATEI|ORDNER [Optionen]
+      macht aus jedem Foto eine Bilddatei für einen Online-Antrag (JPEG).
+  kadrona check FOTO... --template NAME [--at LINKS,OBEN,BREITE | --auto]
+          [--json] [--strict]
+      prüft jedes Foto an den Vorgaben der Schablone, ohne Fenster.
+  kadrona archive backup --out ORDNER [--folder ARCHIV]
+      sichert das Bildarchiv, auch während es benutzt wird.
+  kadrona archive check [--folder ARCHIV]
+      vergleicht Datensätze, Fotos und Prüfsummen und nennt, was nicht stimmt.
+  kadrona archive rebuild [--folder ARCHIV]
+      legt verlorene Datensätze aus den Schlagworten in den Fotos wieder an.
+  kadrona archive export --search TEXT --out ORDNER [--folder ARCHIV]
+      kopiert alles, was die Suche findet, mit seinen Daten (JSON, CSV).
+  kadrona archive transfer
+      überträgt die Datenbank dieses Rechners auf den Server der Einstellungen.
+
+Optionen von „sheet“:
+  --template NAME         Schablone, wie sie im Programm heißt
+  --out DATEI|ORDNER      Ziel; die Endung bestimmt das Format
+                          (.jpg .jpeg .jp2 .png .bmp .tif .tiff .pdf)
+  --layout "2 x 4"        Aufteilung des Bogens; sonst die des Profils
+  --at LINKS,OBEN,BREITE  Lage der Schablone in Pixeln des Fotos; sonst die
+                          für Fotos dieser Größe gespeicherte
+  --auto                  Lage der Schablone am Gesicht; Fotos ohne Gesicht
+                          werden genannt, die anderen gemacht
+  --profile NAME          Einstellungsprofil; sonst „Standard Profile“
+  --paper PAPIER          Blatt auf Papier statt des bloßen Bogens: 10x15, 13x18,
+                          100x148, A6, A5, A4 oder BREITExHÖHE in Millimetern
+  --count ANZAHL|fill     Bilder auf dem Papier, „fill“ so viele wie passen;
+                          sonst die der Aufteilung
+  --gap MM, --edge MM     Abstand zwischen den Bildern und Rand; sonst 2 und 3
+  --marks MARKEN          Schneidemarken: none, corners, lines oder outline
+  --dpi DPI               Auflösung des Blatts; sonst die des Fotos
+
+Optionen von „photo“:
+  --template, --out, --at, --auto  wie bei „sheet“
+  --pixels BREITExHÖHE    genaue Größe der Datei; sonst die der Schablone
+  --kilobytes MIN-MAX     Größe in Kilobyte zu 1000 Bytes; sonst die der
+                          Schablone
+
+Optionen von „check“:
+  --template, --at, --auto  wie bei „sheet“
+  --json                  ein Objekt je Foto, bei mehreren eine Liste
+  --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
+
+Optionen von „archive“:
+  --folder ARCHIV         Ordner des Bildarchivs; sonst der der Einstellungen. „check“ sieht einen
+                          anderen nur an
+  --out ORDNER            Ziel; das einer Sicherung ist leer oder eine ältere
+  --search TEXT           Suche wie im Fenster „Bild Archiv“
+
+  --help                  zeigt diese Hilfe
+  --version               zeigt die Fassung
+
+Ergebnis: 0 alles erledigt, 1 mindestens ein Foto ging nicht, 2 falscher Aufruf,
+3 „check --strict“ oder „archive check“ hat etwas gefunden.
+)"_s;
+}
+
+}  // namespace kadrona::app
