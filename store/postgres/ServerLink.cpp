@@ -3,6 +3,8 @@
 #include <arpa/inet.h>
 #include <libpq-fe.h>
 #include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QDeadlineTimer>
 #include <array>
@@ -11,6 +13,7 @@
 
 #include "platform/Progress.h"
 #include "store/StoreError.h"
+#include "store/postgres/AnswerWatch.h"
 #include "store/postgres/HostLookup.h"
 #include "store/postgres/ServerReason.h"
 
@@ -168,7 +171,9 @@ void ServerLink::Connect(const ServerAddress& address) {
             }
             throw StoreError(text);
         }
-        if (WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
+        // Who never stops sending has not let us in either.
+        if (deadline.hasExpired() ||
+            WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
             GiveUp(Silent.toString());
         }
         state = PQconnectPoll(connection_.get());
@@ -194,8 +199,9 @@ ServerLink::Result ServerLink::Run(const QByteArray& sql,
     if (connection_ == nullptr) {
         GiveUp(Silent.toString());
     }
-    Send(sql, parameters);
-    Result result = Receive();
+    AnswerWatch answer(PQsocket(connection_.get()), patience_.working, tick_ || watch_);
+    Send(sql, parameters, answer);
+    Result result = Receive(answer);
     const ExecStatusType status = PQresultStatus(result.get());
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
         failed_ = true;
@@ -203,8 +209,8 @@ ServerLink::Result ServerLink::Run(const QByteArray& sql,
         if (IsEndOfConnection(result.get()) || PQstatus(connection_.get()) == CONNECTION_BAD) {
             GiveUp(reason.isEmpty() ? u"Der Server wurde beendet"_s : reason);
         }
-        throw StoreError(
-            u"Der Zugriff auf die Datenbank „%1“ ist fehlgeschlagen: %2."_s.arg(name_, reason));
+        throw StoreError(u"Der Zugriff auf die Datenbank „%1“ ist fehlgeschlagen: %2."_s.arg(
+            name_, reason.isEmpty() ? u"Der Server sagt nicht, warum"_s : reason));
     }
     const QByteArray command(PQcmdStatus(result.get()));
     const bool reads = command.startsWith("SELECT") || command.endsWith(" 0");
@@ -212,7 +218,8 @@ ServerLink::Result ServerLink::Run(const QByteArray& sql,
     return result;
 }
 
-void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters) {
+void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters,
+                      AnswerWatch& answer) {
     constexpr Oid Bytes = 17;
     std::vector<Oid> types;
     std::vector<const char*> values;
@@ -230,17 +237,22 @@ void ServerLink::Send(const QByteArray& sql, const std::vector<ServerParameter>&
     }
     for (int left = 1; left != 0;) {
         left = PQflush(connection_.get());
-        const short ready = left == 1 ? WaitWatched(POLLIN | POLLOUT) : short{1};
-        const bool readable = left == 1 && (ready & POLLIN) != 0;
-        if (left < 0 || ready == 0 || (readable && PQconsumeInput(connection_.get()) == 0)) {
+        const short ready = left == 1 ? WaitWatched(POLLIN | POLLOUT, answer) : short{1};
+        if (left < 0 || ready == 0) {
             GiveUp(Silent.toString());
+        }
+        if ((ready & POLLOUT) != 0) {
+            answer.NoteProgress();
+        }
+        if (left == 1 && (ready & POLLIN) != 0) {
+            TakeIn(answer);
         }
     }
 }
 
 /// As WaitFor, as long as our patience lasts.
-short ServerLink::WaitWatched(short events) {
-    const QDeadlineTimer deadline(patience_.working);
+short ServerLink::WaitWatched(short events, const AnswerWatch& answer) {
+    const QDeadlineTimer deadline = answer.Deadline();
     if (!watch_) {
         return WaitFor(events, deadline);
     }
@@ -259,31 +271,45 @@ short ServerLink::WaitWatched(short events) {
     return ready;
 }
 
-/// Hearing anything makes the patience begin anew: a long list over a slow net may take its time.
-void ServerLink::WaitUntilIdle() {
+void ServerLink::TakeIn(AnswerWatch& answer) {
+    answer.NoteArrival();
+    if (PQconsumeInput(connection_.get()) == 0) {
+        GiveUp(u"Der Server wurde beendet"_s);
+    }
+    if (const QString excess = answer.Excess(); !excess.isEmpty()) {
+        GiveUp(excess);
+    }
+}
+
+void ServerLink::WaitUntilIdle(AnswerWatch& answer) {
     while (PQisBusy(connection_.get()) != 0) {
+        TakeNotices();
         if (tick_) {
             if (WaitFor(POLLIN, QDeadlineTimer(BetweenTicks)) == 0) {
                 tick_();
                 continue;
             }
-        } else if (WaitWatched(POLLIN) == 0) {
+        } else if (WaitWatched(POLLIN, answer) == 0) {
             GiveUp(Silent.toString());
         }
-        if (PQconsumeInput(connection_.get()) == 0) {
-            GiveUp(u"Der Server wurde beendet"_s);
-        }
+        TakeIn(answer);
     }
 }
 
-ServerLink::Result ServerLink::Receive() {
+ServerLink::Result ServerLink::Receive(AnswerWatch& answer) {
     Result last;
     while (true) {
-        WaitUntilIdle();
+        WaitUntilIdle(answer);
         Result next(PQgetResult(connection_.get()));
         if (next == nullptr) {
             TakeNotices();
             return last;
+        }
+        const ExecStatusType status = PQresultStatus(next.get());
+        const bool isCopy = status == PGRES_COPY_OUT || status == PGRES_COPY_IN ||
+                            status == PGRES_COPY_BOTH;  // which nobody asked for
+        if (isCopy || !answer.Excess().isEmpty()) {
+            GiveUp(isCopy ? u"Der Server antwortet mit etwas anderem"_s : answer.Excess());
         }
         // A failure says more than the end of the connection that follows it.
         if (last == nullptr || PQresultStatus(last.get()) != PGRES_FATAL_ERROR) {
@@ -292,15 +318,28 @@ ServerLink::Result ServerLink::Receive() {
     }
 }
 
+/// The library waits for the server's word without a limit, so a process of its own asks; it does
+/// nothing that a signal handler may not.
 void ServerLink::CancelStatement() {
     const std::unique_ptr<PGcancel, void (*)(PGcancel*)> request(PQgetCancel(connection_.get()),
                                                                  PQfreeCancel);
     std::array<char, 256> reason{};
-    if (PQcancel(request.get(), reason.data(), static_cast<int>(reason.size())) == 0) {
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(patience_.working).count();
+    const pid_t asking = fork();
+    if (asking == 0) {
+        alarm(static_cast<unsigned>(seconds));
+        const int done = PQcancel(request.get(), reason.data(), static_cast<int>(reason.size()));
+        _exit(done == 1 ? 0 : 1);
+    }
+    int status = 0;
+    while (asking > 0 && waitpid(asking, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (asking < 0 || status != 0) {
         Close();
         return;
     }
-    Receive();
+    AnswerWatch answer(PQsocket(connection_.get()), patience_.working, false);
+    Receive(answer);
 }
 
 void ServerLink::RunWatched(const QByteArray& sql, const std::function<void()>& tick) {

@@ -17,6 +17,8 @@ struct pg_result;
 
 namespace kadrona::store {
 
+class AnswerWatch;
+
 /// One value for a statement's parameter; nothing is NULL. Bytes are no text.
 struct ServerParameter {
     std::optional<QByteArray> value;
@@ -24,9 +26,9 @@ struct ServerParameter {
 };
 
 /// The connection to a PostgreSQL server, as its address says and nothing in the environment. It
-/// never waits longer than its patience without hearing from the server: then, and whenever the
-/// connection fails otherwise, it is given up, and every further call throws ConnectionLost at
-/// once.
+/// never waits longer than its patience without hearing from the server (AnswerWatch says how much
+/// that is): then, and whenever the connection fails otherwise, it is given up, and every further
+/// call throws ConnectionLost at once.
 class ServerLink {
  public:
     struct ResultCloser {
@@ -74,10 +76,12 @@ class ServerLink {
     };
 
     void Connect(const ServerAddress& address);
-    void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters);
-    Result Receive();
-    void WaitUntilIdle();
-    short WaitWatched(short events);
+    void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters,
+              AnswerWatch& answer);
+    Result Receive(AnswerWatch& answer);
+    void WaitUntilIdle(AnswerWatch& answer);
+    void TakeIn(AnswerWatch& answer);
+    short WaitWatched(short events, const AnswerWatch& answer);
     void CancelStatement();
     short WaitFor(short events, const QDeadlineTimer& deadline);
     void TakeNotices();
