@@ -10,7 +10,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "dialogs/printing/BeforePrint.h"
-#include "dialogs/printing/PrinterProfiles.h"
+#include "dialogs/printing/PrinterProfileDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"

@@ -1,4 +1,4 @@
-#include "dialogs/printing/PrinterProfiles.h"
+#include "dialogs/printing/PrinterProfileDialog.h"
 
 #include <QGridLayout>
 #include <QLabel>
