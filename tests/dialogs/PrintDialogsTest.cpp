@@ -5,7 +5,7 @@
 #include "core/settings/StoredSettings.h"
 #include "dialogs/printing/BeforePrint.h"
 #include "dialogs/printing/PaperView.h"
-#include "dialogs/printing/PrinterProfiles.h"
+#include "dialogs/printing/PrinterProfileDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "platform/UserRegistry.h"
 #include "printing/Calibration.h"
