@@ -1,5 +1,3 @@
-#include "dialogs/printing/PrinterProfileDialog.h"
-
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -13,6 +11,7 @@
 #include "core/Data.h"
 #include "dialogs/base/Buttons.h"
 #include "dialogs/printing/CalibrationDialog.h"
+#include "dialogs/printing/PrinterProfileDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
