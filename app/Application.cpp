@@ -11,8 +11,8 @@
 
 #include "app/AppearanceActions.h"
 #include "app/MainWindow.h"
+#include "app/ProgressWatch.h"
 #include "app/StartRequests.h"
-#include "app/TaskbarProgress.h"
 #include "app/commandline/ArchiveCommand.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/CommandLineHelp.h"
@@ -128,7 +128,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
     QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
     QApplication::setWindowIcon(dialogs::ApplicationIcon());
     application.installEventFilter(new dialogs::SmallScreens(&application));
-    application.installEventFilter(new TaskbarProgress(&application));
+    application.installEventFilter(new ProgressWatch(&application));
     application.installEventFilter(new controls::WheelNeedsFocus(&application));
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {

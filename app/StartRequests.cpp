@@ -12,7 +12,7 @@ namespace {
 
 /// Until the window is on the screen, and then while something else is under way.
 constexpr int WindowMilliseconds = 10;
-constexpr int RestMilliseconds = 200;
+constexpr int PauseMilliseconds = 200;
 
 void BringToFront(QWidget& window, const QByteArray& token) {
     if (!token.isEmpty()) {
@@ -51,7 +51,7 @@ void StartRequests::Look() {
         return;
     }
     if (!IsAtRest()) {
-        timer_.setInterval(RestMilliseconds);
+        timer_.setInterval(PauseMilliseconds);
         return;
     }
     const WindowRequest request = waiting_.takeFirst();

@@ -11,7 +11,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QString Group = u"Save"_s;
+const QString ValuesGroup = u"Save"_s;
 
 QString RegistryFile() {
     return JoinPath(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
@@ -44,7 +44,7 @@ QString Escaped(const QString& text) {
 }
 
 /// Reads an escape, whose backslash is already taken off `rest`, and takes it off too.
-QString TakeEscape(QStringView& rest) {
+QString TakeIniEscape(QStringView& rest) {
     if (rest.isEmpty()) {
         return {};
     }
@@ -71,7 +71,7 @@ QString Unescaped(const QString& escaped) {
         const QChar unit = rest.front();
         rest = rest.sliced(1);
         if (unit == u'\\') {
-            text += TakeEscape(rest);
+            text += TakeIniEscape(rest);
         } else if (unit != u'"') {
             text += unit;
         }
@@ -82,7 +82,7 @@ QString Unescaped(const QString& escaped) {
 void Write(const QString& name, const QString& value) {
     const QString path = RegistryFile();
     IniFile file(path, Links::All);
-    file.WriteString(Group, name, value);
+    file.WriteString(ValuesGroup, name, value);
     CreateFolder(QFileInfo(path).path());  // where it cannot, Save says so
     file.Save();
 }
@@ -98,7 +98,7 @@ int ReadRegistryInteger(const QString& name) {
 }
 
 QString ReadRegistryText(const QString& name) {
-    return Unescaped(IniFile(RegistryFile(), Links::All).ReadString(Group, name));
+    return Unescaped(IniFile(RegistryFile(), Links::All).ReadString(ValuesGroup, name));
 }
 
 void WriteRegistryInteger(const QString& name, int value) {

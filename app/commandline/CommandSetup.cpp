@@ -14,8 +14,6 @@ namespace kadrona::app {
 
 namespace {
 
-const QString StandardProfile = u"Standard Profile"_s;
-
 /// Messages become lines; nobody is there to enter tags or choose a file.
 class ConsoleInterface : public core::UserInterface {
  public:
@@ -92,7 +90,8 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
     if (!profile.isEmpty() && !known) {
         throw UsageError(u"Das Profil „%1“ gibt es nicht."_s.arg(profile));
     }
-    return core::StoredSettings(data.ProfileFile(profile.isEmpty() ? StandardProfile : profile));
+    return core::StoredSettings(
+        data.ProfileFile(profile.isEmpty() ? core::StandardProfile : profile));
 }
 
 void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,

@@ -32,8 +32,6 @@ namespace kadrona::app {
 
 namespace {
 
-const QString StandardProfile = u"Standard Profile"_s;
-
 /// Whether a document takes pictures on paper no longer. A table that cannot be read is told of
 /// where its figures are needed.
 QString PaperNotice(const core::TData& data, int index) {
@@ -90,7 +88,7 @@ OpenActions::~OpenActions() {
 }
 
 void OpenActions::acOpenExecute() {
-    settings_.AktivateProfileByName(StandardProfile, false);
+    settings_.AktivateProfileByName(core::StandardProfile, false);
     ChooseAndLoad();
 }
 
@@ -112,7 +110,7 @@ void OpenActions::ChooseAndLoad() {
 
 void OpenActions::OpenFiles(const QStringList& paths) {
     controls::Guarded(view_.window(), [&] {
-        settings_.AktivateProfileByName(StandardProfile, false);
+        settings_.AktivateProfileByName(core::StandardProfile, false);
         if (!paths.isEmpty()) {
             LoadImageFile(paths.first());
         }
@@ -122,7 +120,7 @@ void OpenActions::OpenFiles(const QStringList& paths) {
 
 void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
     controls::Guarded(view_.window(), [&] {
-        settings_.AktivateProfileByName(StandardProfile, false);
+        settings_.AktivateProfileByName(core::StandardProfile, false);
         const QString name =
             origin + QDateTime::currentDateTime().toString(u" yyyy-MM-dd HH-mm-ss"_s);
         QBuffer picture;
@@ -140,7 +138,7 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
 }
 
 void OpenActions::OpenOriginal(const QString& path) {
-    settings_.AktivateProfileByName(StandardProfile, false);
+    settings_.AktivateProfileByName(core::StandardProfile, false);
     Load({.name = path,
           .read =
               [&](imaging::ReadProgress& progress) {

@@ -16,11 +16,11 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
-constexpr int Gap = 10;  // between two cards
-constexpr int Padding = 10;
-constexpr int Spacing = 6;  // around the picture
+constexpr int CardGap = 10;  // between two cards
+constexpr int CardPadding = 10;
+constexpr int PictureSpacing = 6;  // around the picture
 constexpr int PictureHeight = 180;
-constexpr int LeastWidth = 180;
+constexpr int LeastCardWidth = 180;
 constexpr int TextLines = 2;
 constexpr double Radius = 5;
 
@@ -72,16 +72,17 @@ void CardDelegate::SetFont(const QFont& font) {
 QSize CardDelegate::SmallestSize() const {
     const int small = QFontMetrics(small_).height();
     const int texts = 2 * small + QFontMetrics(bold_).height() +
-                      TextLines * QFontMetrics(plain_).height() + Spacing / 2;
-    return {Gap + LeastWidth, Gap + 2 * Padding + PictureHeight + 2 * Spacing + texts};
+                      TextLines * QFontMetrics(plain_).height() + PictureSpacing / 2;
+    return {CardGap + LeastCardWidth,
+            CardGap + 2 * CardPadding + PictureHeight + 2 * PictureSpacing + texts};
 }
 
 QRect CardDelegate::CardIn(const QRect& item) {
-    return item.adjusted(Gap / 2, Gap / 2, -Gap / 2, -Gap / 2);
+    return item.adjusted(CardGap / 2, CardGap / 2, -CardGap / 2, -CardGap / 2);
 }
 
 QSize CardDelegate::PictureBox() {
-    return {LeastWidth - 2 * Padding, PictureHeight};
+    return {LeastCardWidth - 2 * CardPadding, PictureHeight};
 }
 
 /// A card that is not read yet is an empty frame.
@@ -93,7 +94,7 @@ void CardDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (card == nullptr) {
         return;
     }
-    const QRect inside = area.adjusted(Padding, Padding, -Padding, -Padding);
+    const QRect inside = area.adjusted(CardPadding, CardPadding, -CardPadding, -CardPadding);
     if (card->failure.isEmpty()) {
         PaintContent(*painter, inside, *card);
     } else {
@@ -124,12 +125,12 @@ void CardDelegate::PaintContent(QPainter& painter, const QRect& inside,
     const ThemeColors& colors = Colors();
     QRect rest = inside;
     PaintLine(painter, rest, card.card.heading, small_, colors.mutedText);
-    const QRect box(rest.x(), rest.y() + Spacing, rest.width(), PictureHeight);
+    const QRect box(rest.x(), rest.y() + PictureSpacing, rest.width(), PictureHeight);
     PaintPicture(painter, box, card);
-    rest.setTop(box.bottom() + 1 + Spacing);
+    rest.setTop(box.bottom() + 1 + PictureSpacing);
     PaintLine(painter, rest, card.card.title, bold_, colors.text, Qt::ElideMiddle);
     PaintLine(painter, rest, card.card.detail, small_, colors.mutedText, Qt::ElideMiddle);
-    rest.setTop(rest.top() + Spacing / 2);
+    rest.setTop(rest.top() + PictureSpacing / 2);
     for (const QString& line : WrappedLines(card.card.text, plain_, rest.width(), TextLines)) {
         PaintLine(painter, rest, line, plain_, colors.text);
     }
@@ -161,7 +162,7 @@ void CardDelegate::PaintFailure(QPainter& painter, const QRect& inside,
 }
 
 bool CardDelegate::IsCut(const LoadedCard& card, int cardWidth) const {
-    const int width = cardWidth - 2 * Padding;
+    const int width = cardWidth - 2 * CardPadding;
     const auto fits = [width](const QString& text, const QFont& font) {
         return QFontMetrics(font).horizontalAdvance(text) <= width;
     };

@@ -12,9 +12,9 @@ using namespace Qt::StringLiterals;
 namespace kadrona::controls {
 namespace {
 
-constexpr int Padding = 10;
+constexpr int RowPadding = 10;
 constexpr int IconSide = 22;
-constexpr int Gap = 10;
+constexpr int IconGap = 10;
 constexpr int ShortcutGap = 32;
 constexpr int RowHeight = 38;
 
@@ -50,7 +50,7 @@ QSize MenuRow::sizeHint() const {
     const QString keys = ShortcutText(*action_);
     const int keysWidth = keys.isEmpty() ? 0 : ShortcutGap + metrics.horizontalAdvance(keys);
     const int captionWidth = metrics.size(Qt::TextShowMnemonic, text()).width();
-    return {2 * Padding + IconSide + Gap + captionWidth + keysWidth,
+    return {2 * RowPadding + IconSide + IconGap + captionWidth + keysWidth,
             std::max(RowHeight, metrics.height() + 14)};
 }
 
@@ -77,10 +77,10 @@ void MenuRow::paintEvent(QPaintEvent* /*event*/) {
         painter.setBrush(isDown() ? Colors().accentWash : Colors().accentTint);
         painter.drawRoundedRect(rect(), 4, 4);
     }
-    const QRect iconArea(Padding, (height() - IconSide) / 2, IconSide, IconSide);
+    const QRect iconArea(RowPadding, (height() - IconSide) / 2, IconSide, IconSide);
     icon().paint(&painter, iconArea, Qt::AlignCenter,
                  isEnabled() ? QIcon::Normal : QIcon::Disabled);
-    const QRect textArea = rect().adjusted(Padding + IconSide + Gap, 0, -Padding, 0);
+    const QRect textArea = rect().adjusted(RowPadding + IconSide + IconGap, 0, -RowPadding, 0);
     style()->drawItemText(&painter, textArea,
                           Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, palette(),
                           isEnabled(), text(), QPalette::WindowText);

@@ -14,7 +14,7 @@ namespace {
 
 /// Of the bar; the numbers of an operation may be larger than a bar takes.
 constexpr int Parts = 1000;
-constexpr int LeastWidth = 380;
+constexpr int LeastBoxWidth = 380;
 
 }  // namespace
 
@@ -30,7 +30,7 @@ ProgressBox::ProgressBox(QWidget* parent, const QString& title)
     dialog_->setBar(bar);
     dialog_->setRange(0, Parts);
     dialog_->setWindowModality(Qt::ApplicationModal);
-    dialog_->setMinimumWidth(LeastWidth);
+    dialog_->setMinimumWidth(LeastBoxWidth);
     dialog_->setAutoClose(false);
     dialog_->setAutoReset(false);
     dialog_->setMinimumDuration(400);

@@ -25,7 +25,7 @@ namespace kadrona::core {
 namespace {
 
 /// What one transaction takes, and a transfer that is cut off loses.
-constexpr int RecordsAtOnce = 200;
+constexpr int CopiedAtOnce = 200;
 
 /// The fields beside the number.
 const QString Fields =
@@ -87,7 +87,7 @@ std::vector<CopiedRecord> NextRecords(store::Database& database, qint64 after) {
     store::Statement select(database,
                             uR"(SELECT "ID", %1 FROM "ImgDB" WHERE "ID" > ?
                                           ORDER BY "ID" LIMIT %2)"_s.arg(Fields)
-                                .arg(RecordsAtOnce));
+                                .arg(CopiedAtOnce));
     select.Bind(1, after);
     std::vector<CopiedRecord> records;
     while (select.Step()) {
@@ -283,7 +283,7 @@ void CopyKeeping(store::Database& source, const Target& target,
         for (bool more = select.Step(); more;) {
             progress(CopyingText, 0, 0);
             store::Transaction transaction(target.database);
-            for (int i = 0; i < RecordsAtOnce && more; ++i) {
+            for (int i = 0; i < CopiedAtOnce && more; ++i) {
                 if (!IsLeftOut(target, table, select)) {
                     CopyRow(target.database, table, select);
                 }

@@ -5,6 +5,9 @@
 
 namespace kadrona::core {
 
+/// The profile that is always there.
+inline const QString StandardProfile = QStringLiteral("Standard Profile");
+
 /// The photo profiles: "Profiles.ini" and the settings files that it names. Operations throw
 /// platform::Error.
 class PhotoProfiles {

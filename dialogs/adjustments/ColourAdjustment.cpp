@@ -21,8 +21,6 @@ namespace kadrona::dialogs {
 namespace {
 
 constexpr QSize DesignedColourSize(800, 800);
-/// About what a window manager adds around a window.
-constexpr QSize Frame(12, 44);
 
 /// Null where nothing is adjusted, so that it costs nothing.
 template <typename Adjustment>
@@ -44,7 +42,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     column_->setSpacing(12);
     column_->addWidget(pages_);
     column_->addLayout(Buttons());
-    resize(DesignedColourSize.boundedTo(screen()->availableSize() - Frame));
+    resize(WithinScreen(*this, DesignedColourSize));
 }
 
 void ColourAdjustment::AddPages() {

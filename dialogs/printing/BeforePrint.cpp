@@ -29,7 +29,7 @@ using controls::ModalResult;
 
 namespace {
 
-constexpr QSize SmallestList(220, 120);
+constexpr QSize SmallestProfileList(220, 120);
 constexpr int SettlingMilliseconds = 60;
 const QString LastUsedKey = u"PrinterProfile"_s;
 
@@ -91,7 +91,7 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
 
 QLayout* TBeforPrintDlgFm::BuildChoice() {
     lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
-    lbProfiles_->setMinimumSize(SmallestList);
+    lbProfiles_->setMinimumSize(SmallestProfileList);
     copiesBox_ = new QSpinBox;
     copiesBox_->setObjectName(u"CopiesBox"_s);
     copiesBox_->setRange(1, printing::MostCopies);

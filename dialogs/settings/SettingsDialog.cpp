@@ -36,7 +36,6 @@ namespace {
 
 /// What the store is bound to while no profile is.
 const QString NoFile = u"empty"_s;
-const QString StandardProfile = u"Standard Profile"_s;
 
 /// Upper case letter by letter, as far as the index still finds the name by it: "ß" stays, and so
 /// do letters whose upper case belongs to another letter, such as the dotless i.
@@ -122,13 +121,13 @@ void TEinstellungenFm::InitPropertys() {
         profileListBox_->clear();
         profileListBox_->addItems(data_.GetProfileList());
         if (profileListBox_->count() == 0 &&
-            data_.SaveNewProfile(StandardProfile, propertyStore_)) {
-            profileListBox_->addItem(StandardProfile);
+            data_.SaveNewProfile(core::StandardProfile, propertyStore_)) {
+            profileListBox_->addItem(core::StandardProfile);
         }
         profileListBox_->setCurrentRow(0);
     }
     UpdateDeleteButton();
-    Bind(StandardProfile);
+    Bind(core::StandardProfile);
     TakeOverFrameSize();
     storedServer_ = core::StoredArchiveServer();
     archiveServer_->SetServer(storedServer_);
@@ -363,7 +362,7 @@ void TEinstellungenFm::SelectProfile(int row) {
 
 QString TEinstellungenFm::SelectedProfile() const {
     const QListWidgetItem* item = profileListBox_->currentItem();
-    return item != nullptr ? item->text() : StandardProfile;
+    return item != nullptr ? item->text() : core::StandardProfile;
 }
 
 void TEinstellungenFm::TakeOverFrameSize() {

@@ -64,12 +64,12 @@ MetafileCanvas::Object StockObject(quint32 number) {
     }
 }
 
-struct NamedRecord {
+struct NamedEmfRecord {
     quint32 type;
     const char* name;
 };
 /// Those that would change the picture.
-constexpr auto UnsupportedRecords = std::to_array<NamedRecord>({
+constexpr auto UnsupportedEmfRecords = std::to_array<NamedEmfRecord>({
     {20, "SETROP2"},
     {26, "OFFSETCLIPRGN"},
     {29, "EXCLUDECLIPRECT"},
@@ -110,7 +110,7 @@ constexpr auto UnsupportedRecords = std::to_array<NamedRecord>({
 /// text would look, comments, escapes to a printer) pass.
 void RequireWithoutEffect(quint32 type) {
     constexpr quint32 LastKnown = 122;
-    for (const NamedRecord& record : UnsupportedRecords) {
+    for (const NamedEmfRecord& record : UnsupportedEmfRecords) {
         if (record.type == type) {
             throw UnsupportedRecord{record.name, type};
         }

@@ -79,12 +79,12 @@ QRectF FirstWindow(QByteArrayView file, qsizetype recordsStart) {
     return window;
 }
 
-struct NamedRecord {
+struct NamedWmfRecord {
     quint16 function;
     const char* name;
 };
 /// Those that would change the picture.
-constexpr auto UnsupportedRecords = std::to_array<NamedRecord>({
+constexpr auto UnsupportedWmfRecords = std::to_array<NamedWmfRecord>({
     {0x0104, "SETROP2"},
     {0x012a, "INVERTREGION"},
     {0x012b, "PAINTREGION"},
@@ -114,10 +114,10 @@ constexpr auto RecordsWithoutEffect = std::to_array<quint16>({
 });
 
 void RequireWithoutEffect(quint16 function) {
-    const auto* const unsupported =
-        std::find_if(std::begin(UnsupportedRecords), std::end(UnsupportedRecords),
-                     [function](const NamedRecord& record) { return record.function == function; });
-    if (unsupported != std::end(UnsupportedRecords)) {
+    const auto* const unsupported = std::find_if(
+        std::begin(UnsupportedWmfRecords), std::end(UnsupportedWmfRecords),
+        [function](const NamedWmfRecord& record) { return record.function == function; });
+    if (unsupported != std::end(UnsupportedWmfRecords)) {
         throw UnsupportedRecord{unsupported->name, function};
     }
     if (std::find(std::begin(RecordsWithoutEffect), std::end(RecordsWithoutEffect), function) ==

@@ -114,7 +114,7 @@ void DecodeRows(JpegDecompressor& jpeg, QImage& image) {
     jpeg.Finish();
 }
 
-DecodedImage Decode(const ReadTask& task) {
+DecodedImage DecodeJpeg(const ReadTask& task) {
     JpegDecompressor jpeg(task.Device());
     ReadHeader(jpeg);
     jpeg_decompress_struct& info = jpeg.Info();
@@ -158,7 +158,9 @@ bool IsJpeg(QByteArrayView start) {
     return start.startsWith("\xff\xd8\xff");
 }
 
-DecodedImage ReadJpeg(const ReadTask& task) try { return Decode(task); } catch (JpegFault fault) {
+DecodedImage ReadJpeg(const ReadTask& task) try {
+    return DecodeJpeg(task);
+} catch (JpegFault fault) {
     task.Fail(ReasonOf(fault));
 }
 

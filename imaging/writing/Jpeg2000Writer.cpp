@@ -94,7 +94,7 @@ void KeepReason(const char* message, void* user) {
     static_cast<CodecTarget*>(user)->KeepMessage(u"JPEG-2000"_s, QString::fromUtf8(message));
 }
 
-int RowsPerStrip(const RowSource& rows) {
+int RowsPerTile(const RowSource& rows) {
     const int wanted = StripPixels / rows.Width() / StripStep * StripStep;
     return std::min(std::max(wanted, StripStep), rows.Height());
 }
@@ -152,7 +152,7 @@ void CopyStrip(const RowSource& rows, int first, int count, std::vector<uchar>& 
 }
 
 bool WriteStrips(opj_codec_t* codec, opj_stream_t* stream, const RowSource& rows) {
-    const int rowsPerStrip = RowsPerStrip(rows);
+    const int rowsPerStrip = RowsPerTile(rows);
     std::vector<uchar> strip;
     for (int first = 0; first < rows.Height(); first += rowsPerStrip) {
         CopyStrip(rows, first, std::min(rowsPerStrip, rows.Height() - first), strip);
@@ -174,7 +174,7 @@ bool WriteCodestream(CodecTarget& target, const RowSource& rows) {
     opj_set_error_handler(codec.get(), KeepReason, &target);
     opj_stream_set_user_data(stream.get(), &target, nullptr);
     opj_stream_set_write_function(stream.get(), WriteToDevice);
-    opj_cparameters_t parameters = Parameters(rows.Width(), RowsPerStrip(rows));
+    opj_cparameters_t parameters = Parameters(rows.Width(), RowsPerTile(rows));
     return opj_setup_encoder(codec.get(), &parameters, image.get()) &&
            opj_codec_set_threads(codec.get(), opj_get_num_cpus()) &&
            opj_start_compress(codec.get(), image.get(), stream.get()) &&

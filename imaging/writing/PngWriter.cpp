@@ -16,7 +16,7 @@ namespace kadrona::imaging {
 namespace {
 
 /// Twice as fast as the next level and the other filters, for less than a twentieth of the size.
-constexpr int CompressionLevel = 2;
+constexpr int PngCompressionLevel = 2;
 constexpr int Filter = PNG_FILTER_SUB;
 
 /// Owns libpng's structures for writing a file.
@@ -96,7 +96,7 @@ void WritePng(QIODevice& device, const Pixels& pixels, DotsPerInch resolution,
     std::vector<uchar> row(static_cast<size_t>(rows.BytesPerRow()));
     PngFile file(device);
     file.Run([&](png_structp png, png_infop info) {
-        png_set_compression_level(png, CompressionLevel);
+        png_set_compression_level(png, PngCompressionLevel);
         png_set_filter(png, PNG_FILTER_TYPE_BASE, Filter);
         WriteHeader(png, info, rows, resolution, metadata);
         for (int y = 0; y < rows.Height(); ++y) {

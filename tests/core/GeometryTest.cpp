@@ -15,7 +15,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int Largest = std::numeric_limits<int>::max();
+constexpr int LargestInt = std::numeric_limits<int>::max();
 
 TEST(LayerPosition, RestoredWidthCarriesItsHeight) {
     struct Row {
@@ -36,9 +36,9 @@ TEST(LayerPosition, RestoredWidthCarriesItsHeight) {
           Row{"above the half", {0, 0, 5, 1}, {3, 1}, {0, 0, 5, 2}},
           Row{"no canvas", {1, 2, 300, 300}, {0, 500}, {1, 2, 400, 500}},
           Row{"as wide and as low as can be held",
-              {QPoint(-Largest, Largest - 10), QPoint(Largest - 1, Largest)},
+              {QPoint(-LargestInt, LargestInt - 10), QPoint(LargestInt - 1, LargestInt)},
               {1, 10000},
-              {-Largest, Largest - 10, Largest, 10}}}) {
+              {-LargestInt, LargestInt - 10, LargestInt, 10}}}) {
         EXPECT_EQ(RestoredLayerRectangle(row.saved, {400, 500}, row.canvas), row.restored)
             << row.name;
     }
@@ -76,8 +76,8 @@ TEST(SheetLayout, PrintResolutionMakesThePhotoAsWideAsItsTemplate) {
     for (const auto& [pixels, tenthsOfMillimetre, dotsPerInch] :
          {Row{413, 350, 300}, Row{827, 350, 600}, Row{600, 508, 300}, Row{601, 508, 301},
           Row{556, 350, 403}, Row{494, 350, 359}, Row{1, 350, 1}, Row{1, 509, 0}, Row{0, 350, 0},
-          Row{413, 0, 0}, Row{413, -350, 0}, Row{Largest, 254, Largest},
-          Row{Largest, 253, 0}}) {  // beyond every integer
+          Row{413, 0, 0}, Row{413, -350, 0}, Row{LargestInt, 254, LargestInt},
+          Row{LargestInt, 253, 0}}) {  // beyond every integer
         EXPECT_EQ(PrintResolution(pixels, {tenthsOfMillimetre}).value, dotsPerInch)
             << pixels << " on " << tenthsOfMillimetre;
     }
@@ -91,7 +91,7 @@ TEST(SheetLayout, BorderSurroundsEveryCopyButTheSinglePhoto) {
                                                   {25, SinglePhotoLayout, photo},
                                                   {0, 0, photo},
                                                   {-25, 0, photo},
-                                                  {Largest, 0, {Largest, Largest}}}) {
+                                                  {LargestInt, 0, {LargestInt, LargestInt}}}) {
         EXPECT_EQ(BorderedSize(photo, frame, layout), bordered) << frame << ' ' << layout;
     }
 }

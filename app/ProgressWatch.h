@@ -6,7 +6,7 @@ namespace kadrona::app {
 
 /// Shows the progress that any dialog shows in the taskbar too. Install it as an event filter of
 /// the application.
-class TaskbarProgress : public QObject {
+class ProgressWatch : public QObject {
     Q_OBJECT
 
  public:

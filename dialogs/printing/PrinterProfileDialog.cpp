@@ -1,3 +1,5 @@
+#include "dialogs/printing/PrinterProfileDialog.h"
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>

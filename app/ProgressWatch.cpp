@@ -1,4 +1,4 @@
-#include "app/TaskbarProgress.h"
+#include "app/ProgressWatch.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -22,7 +22,7 @@ void ShowShareOf(const QProgressBar& bar) {
 
 }  // namespace
 
-bool TaskbarProgress::eventFilter(QObject* watched, QEvent* event) {
+bool ProgressWatch::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
         if (auto* bar = qobject_cast<QProgressBar*>(watched)) {
             if (event->type() == QEvent::Show) {
