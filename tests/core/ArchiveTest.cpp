@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "core/archive/ArchiveTable.h"
+#include "core/archive/EarlierTags.h"
 #include "core/sheet/PhotoLoading.h"
 #include "imaging/document/LayeredImage.h"
 #include "imaging/reading/ImageReader.h"
@@ -181,6 +182,18 @@ TEST_F(Archive, TagsAreFoundAndChangedWhateverTheyHold) {
     data.ImgTagSearch(u"größe"_s);
     EXPECT_EQ(Table().Ids(), Ids());
     EXPECT_THROW(Table().SetFilter(u"TEXTSEARCH('a' IN ImgName)"_s), store::StoreError);
+}
+
+TEST_F(Archive, EarlierTagsComeNewestFirstAndOnce) {
+    for (const auto& [days, tags] :
+         QList<std::pair<int, QString>>{{0, u"Anna\r\nBerlin\r\n"_s},
+                                        {2, u" Bernd \r\n\r\nBerlin\r\n"_s},
+                                        {1, u"Clara\r\n"_s}}) {
+        now = QDateTime(QDate(2026, 3, 7).addDays(days), QTime(9, 0));
+        File(tags);
+    }
+    EXPECT_EQ(core::EarlierTags(*Open()),
+              (QStringList{u"Bernd"_s, u"Berlin"_s, u"Clara"_s, u"Anna"_s}));
 }
 
 TEST_F(Archive, LongTextsAreCutToTheirFields) {
