@@ -106,14 +106,19 @@ class PhotoPrinters : public ::testing::Test {
 class PhotoPrinterTest : public PhotoPrinters,
                          public ::testing::WithParamInterface<PhotoPrinter> {};
 
-/// What the preview shows of the copies along one direction of the sheet.
-std::vector<QPointF> Shown(const SheetOnPaper& sheet, const PrintImage& image, bool across) {
+/// What the preview shows of the copies along one direction of the sheet, in the raster's order: a
+/// sheet is turned to the left.
+std::vector<QPointF> Shown(const SheetOnPaper& sheet, const PrintImage& image, bool across,
+                           bool turned) {
     std::vector<QPointF> stretches;
     for (int i = 0; i < (across ? image.columns : image.rows); ++i) {
         const auto& copy = sheet.copies[static_cast<size_t>(across ? i : i * image.columns)];
         const QRectF kept = copy.photo.marginsRemoved(copy.lost);
-        stretches.push_back(across ? QPointF(kept.left(), kept.width())
-                                   : QPointF(kept.top(), kept.height()));
+        const QPointF stretch =
+            across ? QPointF(kept.left(), kept.width()) : QPointF(kept.top(), kept.height());
+        const bool backwards = across && turned;
+        stretches.insert(backwards ? stretches.begin() : stretches.end(),
+                         backwards ? QPointF(-kept.right(), kept.width()) : stretch);
     }
     return stretches;
 }
@@ -133,9 +138,9 @@ TEST_P(PhotoPrinterTest, EveryCopyHasItsSizeAndThePreviewsPlace) {
     const QSizeF page = paper.geometry.page;
     const bool broad =
         (raster[0].toDouble() > raster[1].toDouble()) != (page.width() > page.height());
-    const bool lying = IsTurned(image, paper) != broad;
-    ExpectStretches(printed[u"x"_s], Shown(shown, image, !lying));
-    ExpectStretches(printed[u"y"_s], Shown(shown, image, lying));
+    const bool turned = IsTurned(image, paper);
+    ExpectStretches(printed[u"x"_s], Shown(shown, image, turned == broad, turned));
+    ExpectStretches(printed[u"y"_s], Shown(shown, image, turned != broad, turned));
 }
 
 TEST_F(PhotoPrinters, ACalibratedSheetComesOutRightOnAPrinterThatIsOff) {
@@ -166,6 +171,10 @@ const PhotoPrinter Printers[] = {
     {"Selphy", Gutenprint, "gutenprint.5.3://canon-cp1300/expert", "Postcard", 4, 2},
     {"Dnp", Gutenprint, "gutenprint.5.3://dnp-ds620/expert", "w288h432", 4, 2},
     Bordered,
+    {"StylusPhotoThatLoses", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "w288h432", 5, 2,
+     false},
+    {"PixmaThatLoses", Gutenprint, "gutenprint.5.3://bjc-PIXMA-iP4500/expert", "w288h432", 5, 2,
+     false},
     {"Roll", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "Custom.120.5x180.0mm", 2, 2},
     {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
     {"EcoTankThatLoses", "escpr", Epson, "4X6FULL", 5, 2, false},

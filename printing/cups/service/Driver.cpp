@@ -2,13 +2,13 @@
 
 #include <cups/ppd.h>
 
-#include <QRegularExpression>
 #include <algorithm>
 
 #include "platform/HarmlessText.h"
 #include "platform/SystemReason.h"
 #include "printing/NeutralOptions.h"
 #include "printing/cups/service/GermanTexts.h"
+#include "printing/cups/service/GutenprintPapers.h"
 #include "printing/cups/service/OptionTexts.h"
 #include "printing/cups/service/TemporaryFile.h"
 
@@ -94,50 +94,9 @@ Paper PaperOfSize(const ppd_size_t& size, const QString& label) {
              margin(size.bottom)}};
 }
 
-/// Without borderless printing this driver leaves a border that its description does not name. The
-/// widest of the printers that were measured.
-constexpr QMarginsF UnnamedMargins(3.5, 3.5, 3.5, 14.5);
-
 QByteArray ChosenOf(const DriverOption& option, const DeviceMode& mode) {
     const QByteArray chosen = mode.Value(option.keyword);
     return option.Offers(chosen) ? chosen : option.standard;
-}
-
-/// The size in points that Gutenprint's names speak of: "w288h432", "Postcard 100x148mm", "3.5x5".
-std::optional<QSizeF> SizeInName(const Paper& paper) {
-    static const QRegularExpression points(u"^w(\\d+)h(\\d+)"_s);
-    static const QRegularExpression lengths(
-        u"(\\d+(?:\\.\\d+)?) ?x ?(\\d+(?:\\.\\d+)?) ?(mm|cm|$)"_s);
-    if (const auto match = points.match(QString::fromUtf8(paper.name)); match.hasMatch()) {
-        return QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble());
-    }
-    const auto match = lengths.match(paper.label);
-    if (!match.hasMatch()) {
-        return std::nullopt;
-    }
-    const QString unit = match.captured(3);
-    const double millimetres = unit == u"mm" ? 1 : unit == u"cm" ? 10 : MillimetresPerInch;
-    return QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) * millimetres /
-           MillimetresPerPoint;
-}
-
-/// Where the real paper lies on a page that the driver makes larger, millimetres; nothing where the
-/// page is the paper.
-std::optional<QRectF> NamedPaper(const Paper& paper) {
-    constexpr double MostOverspray = 40;
-    const QRectF reached = QRectF({}, paper.points).marginsRemoved(paper.marginPoints);
-    const std::optional<QSizeF> named = SizeInName(paper);
-    if (!named) {
-        return std::nullopt;
-    }
-    const QSizeF over = reached.size() - *named;
-    if (over.width() < -1 || over.height() < -1 || over.width() > MostOverspray ||
-        over.height() > MostOverspray) {
-        return std::nullopt;
-    }
-    QRectF place({}, *named * MillimetresPerPoint);
-    place.moveCenter(reached.center() * MillimetresPerPoint);
-    return place;
 }
 
 }  // namespace
@@ -273,6 +232,10 @@ PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
         setting.geometry = GeometryOf(*paper, mode);
     }
     setting.remarks = MissingChoices(mode);
+    if (description_ && !setting.geometry.IsKnown()) {
+        setting.remarks.append(
+            u"Der Treiber nennt die Größe des Papiers nicht; ob alle Fotos darauf passen, lässt sich nicht prüfen."_s);
+    }
     for (const NeutralOption& neutral : DriverOptions) {
         const DriverOption* option = Find({neutral.keyword});
         if (option != nullptr && !option->Offers(neutral.neutral)) {
@@ -314,10 +277,13 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
     geometry.name = paper.label;
     if (Find({"StpiShrinkOutput"}) != nullptr) {
         geometry.paper = NamedPaper(paper).value_or(geometry.paper);
-        const DriverOption* borderless = BorderlessSwitch();
-        if (borderless != nullptr && paper.IsBorderless() &&
-            ChosenOf(*borderless, mode) == "False") {
-            geometry.reach = geometry.paper.marginsRemoved(UnnamedMargins);
+        if (const DriverOption* borderless = BorderlessSwitch();
+            borderless != nullptr && ChosenOf(*borderless, mode) == "False") {
+            const QMarginsF border = BorderAt(paper, mode);
+            // It puts the page's first row where it can print first.
+            const double lower = std::max(border.top() - paper.marginPoints.top(), 0.0);
+            geometry.reach = QRectF({}, geometry.page).marginsRemoved(border * MillimetresPerPoint);
+            geometry.spread.translate(0, lower * MillimetresPerPoint);
         }
     }
     for (const SpreadingDriver& spreading : SpreadingDrivers) {
@@ -329,6 +295,17 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
         }
     }
     return geometry;
+}
+
+QMarginsF Driver::BorderAt(const Paper& paper, const DeviceMode& mode) const {
+    const ppd_attr_t* model = ppdFindAttr(description_.get(), "StpDriverModelFamily", nullptr);
+    const auto chosen = [&](const char* keyword) {
+        const DriverOption* option = Find({keyword});
+        return option == nullptr ? QByteArray() : ChosenOf(*option, mode);
+    };
+    const QByteArray sides = chosen("Duplex");
+    return BorderOf(paper, model == nullptr ? QByteArray() : QByteArray(model->value),
+                    chosen("InputSlot"), !sides.isEmpty() && sides != "None");
 }
 
 bool Driver::UsesFilter(const char* program) const {

@@ -114,6 +114,8 @@ class Driver {
     /// Sentences about paper, tray and kind of paper that were chosen once and are no more.
     QStringList MissingChoices(const DeviceMode& mode) const;
     PaperGeometry GeometryOf(const Paper& paper, const DeviceMode& mode) const;
+    /// What Gutenprint leaves white without borderless printing, points.
+    QMarginsF BorderAt(const Paper& paper, const DeviceMode& mode) const;
     bool UsesFilter(const char* program) const;
 
     std::unique_ptr<ppd_file_s, Closer> description_;
