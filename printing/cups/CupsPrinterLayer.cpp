@@ -27,26 +27,25 @@ auto NamingPrinter(const QString& printer, const Step& step) {
     }
 }
 
-/// The service has not yet, or in vain, asked an announced printer what it can do.
-bool IsUnready(const Queue& queue) {
-    return queue.isAnnounced && !queue.acceptsJobs;
-}
-
-/// The queue as it is now; that of an announced printer is made where it is not ready. Where the
-/// service has none `mayMake` decides: another account may have written the address.
+/// The queue as it is now; that of an announced printer is made where it is not ready. `mayMake`
+/// decides on the address that such a queue has now: another account may have written it, or have
+/// made a queue of that name.
 Queue ReadyQueue(const Connection& connection, const Queue& known,
                  const std::function<bool(const Queue& queue)>& mayMake) {
-    if (std::optional<Queue> queue = FindQueue(connection, known.name)) {
-        return IsUnready(*queue) ? MadeQueue(connection, *queue) : *std::move(queue);
+    std::optional<Queue> found = FindQueue(connection, known.name);
+    if (found && !found->isAnnounced) {
+        return *std::move(found);
     }
-    if (!known.isAnnounced) {
+    if (!found && !known.isAnnounced) {
         throw ServiceFailure(u"Der Drucker ist nicht mehr vorhanden."_s,
                              IPP_STATUS_ERROR_NOT_FOUND);
     }
-    if (!mayMake(known)) {
+    const Queue& announced = found ? *found : known;
+    if (!mayMake(announced)) {
         throw ServiceFailure(u"Diesen Drucker im Netz haben Sie noch nicht gewählt."_s);
     }
-    return MadeQueue(connection, known);
+    // The service asks an announced printer what it can do, at times in vain.
+    return found && found->acceptsJobs ? *std::move(found) : MadeQueue(connection, announced);
 }
 
 /// A chosen printer stays in the list while the network is still asked, or where it is off.

@@ -6,6 +6,7 @@
 
 #include "PrintingFixture.h"
 #include "core/sheet/PaperSheet.h"
+#include "platform/UserRegistry.h"
 #include "printing/SheetOnPaper.h"
 #include "printing/cups/service/ChosenPrinters.h"
 #include "tests/support/ModalDriver.h"
@@ -215,6 +216,13 @@ TEST_F(PrintingTest, APrinterOfTheNetworkPrintsThroughAQueueThatIsMadeForIt) {
     });
     ASSERT_TRUE(patient.ShowSetupDialog(nullptr));
     EXPECT_EQ(DeviceMode(patient.CurrentPrinter().deviceMode).Value("announced-uri"), uri.toUtf8());
+
+    // The queue is there, at an address that this user has not chosen.
+    platform::WriteRegistryText(u"NetworkPrinters"_s, u"ipp://localhost:1/ipp"_s);
+    CupsPrinterLayer other(service_.Address());
+    EXPECT_THAT(
+        ErrorOf([&] { other.SetCurrentPrinter(chosen(u"Fern"_s, u"ipp://localhost:1/ipp"_s)); }),
+        HasSubstr("noch nicht gewählt"));
 }
 
 }  // namespace
