@@ -22,9 +22,6 @@ namespace kadrona::printing::cups {
 
 namespace {
 
-constexpr double MillimetresPerInch = 25.4;
-constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
-
 /// Repeats the paper for drivers of old printers; the print service sets it by itself.
 constexpr const char* PaperAgain = "PageRegion";
 

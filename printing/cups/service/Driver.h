@@ -24,6 +24,9 @@ class GermanTexts;
 inline constexpr std::array TrayKeywords{"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"};
 inline constexpr std::array MediaTypeKeywords{"MediaType", "EPIJ_Medi", "CNMediaType"};
 
+inline constexpr double MillimetresPerInch = 25.4;
+inline constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
+
 struct DriverChoice {
     QByteArray name;
     QString label;

@@ -10,9 +10,6 @@ namespace kadrona::printing::cups {
 
 namespace {
 
-constexpr double MillimetresPerInch = 25.4;
-constexpr double MillimetresPerPoint = MillimetresPerInch / 72;
-
 /// The size in points that Gutenprint's names speak of: "w288h432", "Postcard 100x148mm", "3.5x5".
 std::optional<QSizeF> SizeInName(const Paper& paper) {
     static const QRegularExpression points(u"^w(\\d+)h(\\d+)"_s);
