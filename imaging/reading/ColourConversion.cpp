@@ -73,33 +73,31 @@ cmsUInt32Number InputFormat(quint32 channels, ColourModel model, bool is16Bit) {
     }
 }
 
+/// Null where the bytes are no profile.
+Profile Opened(const QByteArray& bytes) {
+    return Profile(
+        bytes.isEmpty()
+            ? nullptr
+            : cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
+}
+
 /// True where somebody laid down in a table how colours that other spaces lack are to be brought
 /// nearer, which a matrix and curves cannot say.
-bool HasPerceptualTable(cmsHPROFILE profile) {
-    return cmsIsTag(profile, cmsSigAToB0Tag) != 0 || cmsIsTag(profile, cmsSigDToB0Tag) != 0;
+bool HasPerceptualTable(const Profile& profile) {
+    return profile && (cmsIsTag(profile.get(), cmsSigAToB0Tag) != 0 ||
+                       cmsIsTag(profile.get(), cmsSigDToB0Tag) != 0);
 }
 
-bool HasPerceptualTable(const QByteArray& profile) {
-    const Profile opened(
-        cmsOpenProfileFromMem(profile.constData(), static_cast<cmsUInt32Number>(profile.size())));
-    return opened && HasPerceptualTable(opened.get());
-}
-
-/// Null where the profile cannot be used for such pixels.
-Transform MakeTransform(const QByteArray& bytes, ColourModel model, bool is16Bit) {
-    const auto input = InputFormat(ChannelsOf(bytes), model, is16Bit);
-    if (input == 0) {
-        return {};
-    }
-    const Profile source(
-        cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
-    if (!source) {
+/// Null where the profile, made for these channels, cannot be used for such pixels.
+Transform MakeTransform(const Profile& source, quint32 channels, ColourModel model, bool is16Bit) {
+    const auto input = InputFormat(channels, model, is16Bit);
+    if (input == 0 || !source) {
         return {};
     }
     const Profile srgb(cmsCreate_sRGBProfile());
     // Without its cache one transform serves several threads.
     const cmsUInt32Number intent =
-        HasPerceptualTable(source.get()) ? INTENT_PERCEPTUAL : INTENT_RELATIVE_COLORIMETRIC;
+        HasPerceptualTable(source) ? INTENT_PERCEPTUAL : INTENT_RELATIVE_COLORIMETRIC;
     return Transform(cmsCreateTransform(
         source.get(), input, srgb.get(), is16Bit ? TYPE_RGBA_16 : TYPE_BGRA_8, intent,
         cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE | cmsFLAGS_HIGHRESPRECALC));
@@ -127,11 +125,10 @@ void ApplyWidened(const Transform& transform, QImage& image) {
 }
 
 /// Qt's way of profiles that are a matrix and curves alone, several times faster than Little CMS.
-/// Not valid for other profiles, and for those made for other channels.
+/// Not valid for those made for other channels.
 QColorSpace UsableByQt(const QByteArray& profile, ColourModel model) {
     const bool isForGrey = ChannelsOf(profile) == cmsSigGrayData;
-    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey) ||
-        HasPerceptualTable(profile)) {
+    if (profile.isEmpty() || IsCmyk(model) || (isForGrey && model != ColourModel::Grey)) {
         return {};
     }
     return QColorSpace::fromIccProfile(profile);
@@ -181,7 +178,7 @@ cmsToneCurve* CurveOf(double gamma) {
 bool IsSrgbProfile(const QByteArray& profile) {
     return !profile.isEmpty() &&
            QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb) &&
-           !HasPerceptualTable(profile);
+           !HasPerceptualTable(Opened(profile));
 }
 
 QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma) {
@@ -207,9 +204,13 @@ QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma) {
 
 void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) {
     const bool is16Bit = image.format() == QImage::Format_RGBA64;
-    if (const QColorSpace space = UsableByQt(profile, model); space.isValid()) {
+    const Profile source = Opened(profile);
+    const QColorSpace space =
+        HasPerceptualTable(source) ? QColorSpace() : UsableByQt(profile, model);
+    if (space.isValid()) {
         Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
-    } else if (const Transform transform = MakeTransform(profile, model, is16Bit)) {
+    } else if (const Transform transform =
+                   MakeTransform(source, ChannelsOf(profile), model, is16Bit)) {
         if (!is16Bit && ChannelsOf(profile) == cmsSigRgbData) {
             ApplyWidened(transform, image);
         } else {
