@@ -8,6 +8,7 @@
 #include <QTreeView>
 #include <array>
 
+#include "app/FilePreview.h"
 #include "controls/messages/FolderDialog.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/FileDialogs.h"
@@ -150,6 +151,7 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
                        StartFolder(dialog.initialFolder, OpenFolderValue));
     window.setFileMode(QFileDialog::ExistingFile);
     Prepare(window, u"OpenDialog"_s, dialog.filter);
+    FilePreview::AddTo(window);
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) {
         return std::nullopt;
     }

@@ -2,12 +2,14 @@
 
 #include <QClipboard>
 #include <QDoubleSpinBox>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
 #include <QRadioButton>
 #include <QUrl>
 
+#include "app/FilePreview.h"
 #include "core/archive/Tags.h"
 #include "core/settings/WatchedFolder.h"
 #include "platform/AtomicFile.h"
@@ -133,6 +135,25 @@ TEST_F(Story, TheWatchedFoldersPhotosStandInAStripThatOpensThem) {
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return window->Session().FileName() == installation.Path("card/two.jpg"); }, 8000));
     core::SetWatchedFolder({});
+}
+
+TEST_F(Story, ThePhotoChosenInTheFileDialogIsShownBesideTheListWhereThereIsRoom) {
+    const auto previewIn = [](QFileDialog& dialog, int width) {
+        dialog.setOption(QFileDialog::DontUseNativeDialog);
+        dialog.resize(width, 300);
+        app::FilePreview::AddTo(dialog);
+        return dialog.findChild<QLabel*>(u"PreviewPicture"_s);
+    };
+    QFileDialog wide;
+    EXPECT_EQ(previewIn(wide, wide.screen()->availableSize().width() - 50), nullptr);
+    QFileDialog dialog;
+    const QLabel* preview = previewIn(dialog, 400);
+    ASSERT_NE(preview, nullptr);
+    Q_EMIT dialog.currentChanged(installation.Path("photo.png"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !preview->pixmap().isNull(); }, 3000));
+    installation.Write("no.jpg", "photo");
+    Q_EMIT dialog.currentChanged(installation.Path("no.jpg"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return preview->text() == u"Keine Vorschau"_s; }, 3000));
 }
 
 }  // namespace kadrona::testing
