@@ -15,6 +15,7 @@ class QListWidget;
 class QPushButton;
 class QRadioButton;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace kadrona::controls {
 class ClearableComboBox;
@@ -87,12 +88,11 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     void BuildControls();
     QWidget* BuildProfilePanel();
     void MakeGeneralControls();
-    QWidget* BuildGeneralPage();
-    QWidget* BuildOptionsPage();
-    static QWidget* BuildCheckPage();
-    QWidget* BuildFilesPage();
-    QWidget* BuildSheetPage();
-    QWidget* BuildServerPage();
+    QVBoxLayout* AddPage(const QString& title);
+    void FillGeneralPage(QVBoxLayout& layout);
+    void FillOptionsPage(QVBoxLayout& layout);
+    static void FillCheckPage(QVBoxLayout& layout);
+    void FillFilesPage(QVBoxLayout& layout);
     void FillPropertyStore();
 
     // Behaviour (SettingsDialog.cpp)

@@ -73,25 +73,38 @@ void TEinstellungenFm::BuildControls() {
     setWindowTitle(u"Einstellungen"_s);
     pages_ = Named<QTabWidget>(u"PageControl"_s);
     pages_->setAccessibleName(u"Seiten der Einstellungen"_s);
-    pages_->addTab(new ScrolledPage(BuildGeneralPage()), u"Allgemein"_s);
-    pages_->addTab(new ScrolledPage(BuildOptionsPage()), u"Optionen"_s);
-    pages_->addTab(new ScrolledPage(BuildCheckPage()), u"Prüfung"_s);
-    pages_->addTab(new ScrolledPage(BuildFilesPage()), u"Dateien"_s);
-    pages_->addTab(new ScrolledPage(BuildSheetPage()), u"Blatt"_s);
-    pages_->addTab(new ScrolledPage(BuildServerPage()), u"Server"_s);
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(16);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(columns, 1);
+    columns->addWidget(BuildProfilePanel());
+    columns->addWidget(pages_, 1);
+    FillGeneralPage(*AddPage(u"Allgemein"_s));
+    FillOptionsPage(*AddPage(u"Optionen"_s));
+    FillCheckPage(*AddPage(u"Prüfung"_s));
+    FillFilesPage(*AddPage(u"Dateien"_s));
+    sheetFields_ = new PaperFields;
+    AddPage(u"Blatt"_s)->addWidget(sheetFields_);
+    archiveServer_ = new ArchiveServerEdit;
+    AddPage(u"Server"_s)->addWidget(archiveServer_);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setText(u"&Schließen"_s);
     buttons->button(QDialogButtonBox::Close)->setObjectName(u"btnClose"_s);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::accept);
-
-    auto* columns = new QHBoxLayout;
-    columns->setSpacing(16);
-    columns->addWidget(BuildProfilePanel());
-    columns->addWidget(pages_, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(columns, 1);
     layout->addWidget(buttons);
+}
+
+/// The column of a new page. The page stands where it stays before it is filled: wherever a page
+/// goes, the style sheet looks at each of its controls anew, which takes a fifth of the start.
+QVBoxLayout* TEinstellungenFm::AddPage(const QString& title) {
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    pages_->addTab(new ScrolledPage(page), title);
+    auto* column = new QVBoxLayout;
+    layout->addLayout(column);
+    layout->addStretch();
+    return column;
 }
 
 QWidget* TEinstellungenFm::BuildProfilePanel() {
@@ -155,26 +168,24 @@ void TEinstellungenFm::MakeGeneralControls() {
     fileNameEd_->setAccessibleName(u"Dateiname"_s);
 }
 
-QWidget* TEinstellungenFm::BuildGeneralPage() {
+void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
     MakeGeneralControls();
     auto* nameColumn = new QVBoxLayout;
     nameColumn->addStretch();
     nameColumn->addWidget(fileNameEd_);
 
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
-    layout->addWidget(imageAutoSave_);
-    layout->addWidget(
+    layout.addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
+    layout.addWidget(imageAutoSave_);
+    layout.addWidget(
         Named<QCheckBox>(u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
-    layout->addSpacing(GroupSpacing);
-    layout->addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
-    layout->addWidget(imageAutoSave2_);
-    layout->addLayout(Row({{nameColumn, 3},
-                           {Captioned(u"Va&riable"_s, fileVarCombo_), 2},
-                           {Captioned(u"&Format"_s, fileTypCombo_), 1}}));
-    layout->addWidget(scaleImageCk_);
-    layout->addSpacing(GroupSpacing);
+    layout.addSpacing(GroupSpacing);
+    layout.addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
+    layout.addWidget(imageAutoSave2_);
+    layout.addLayout(Row({{nameColumn, 3},
+                          {Captioned(u"Va&riable"_s, fileVarCombo_), 2},
+                          {Captioned(u"&Format"_s, fileTypCombo_), 1}}));
+    layout.addWidget(scaleImageCk_);
+    layout.addSpacing(GroupSpacing);
     auto* defaults = new QGridLayout;
     defaults->setHorizontalSpacing(12);
     defaults->setColumnStretch(0, 1);
@@ -182,14 +193,12 @@ QWidget* TEinstellungenFm::BuildGeneralPage() {
     defaults->addLayout(Captioned(u"Standard Bildan&zahl"_s, imageCount_), 0, 1);
     defaults->addLayout(Captioned(u"Standard &Druckprofil"_s, printProfileBox_), 1, 0);
     defaults->addLayout(Captioned(u"Bildabstand &Pixel"_s, frameSize_), 1, 1);
-    layout->addLayout(defaults);
-    layout->addWidget(printAfterCrop_);
-    layout->addWidget(rotateBeforeTileImg_);
-    layout->addStretch();
-    return page;
+    layout.addLayout(defaults);
+    layout.addWidget(printAfterCrop_);
+    layout.addWidget(rotateBeforeTileImg_);
 }
 
-QWidget* TEinstellungenFm::BuildOptionsPage() {
+void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
     autoWhiteBalance_ = Named<QCheckBox>(u"AutoWhiteBalance"_s, u"Automatischer Weißabgleich"_s);
     showBlackWhite_ = Named<QCheckBox>(u"ShowBlackWhite"_s, u"Schwarzweiß Funktion deaktivieren"_s);
     showGradation_ = Named<QCheckBox>(u"ShowGradation"_s, u"Gradation Funktion deaktivieren"_s);
@@ -200,75 +209,45 @@ QWidget* TEinstellungenFm::BuildOptionsPage() {
     imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach Rechts drehen"_s);
     imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"Bild nach Links drehen"_s);
 
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
     for (QCheckBox* box :
          {autoWhiteBalance_, showBlackWhite_, showGradation_, showRotate_, whiteBalancePipette_}) {
-        layout->addWidget(box);
+        layout.addWidget(box);
     }
-    layout->addSpacing(2 * GroupSpacing);
-    layout->addWidget(new QLabel(u"Bilddrehung  nach dem Öffnen"_s));
+    layout.addSpacing(2 * GroupSpacing);
+    layout.addWidget(new QLabel(u"Bilddrehung  nach dem Öffnen"_s));
     for (QRadioButton* button : {imgAutoRotate_, imgRotateRight_, imgRotateLeft_}) {
-        layout->addWidget(button);
+        layout.addWidget(button);
     }
-    layout->addStretch();
-    return page;
 }
 
 /// What a profile keeps besides its record stands on pages of its own.
-QWidget* TEinstellungenFm::BuildCheckPage() {
+void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
     auto* alignToFace = ChoiceBox(u"AlignToFace"_s, {u"nie"_s, u"vorschlagen"_s, u"immer"_s});
     auto* askBeforeCut = Named<QCheckBox>(
         u"AskBeforeCut"_s, u"Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
 
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
-    layout->addSpacing(GroupSpacing);
-    layout->addWidget(askBeforeCut);
-    layout->addStretch();
-    return page;
+    layout.addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
+    layout.addSpacing(GroupSpacing);
+    layout.addWidget(askBeforeCut);
 }
 
-QWidget* TEinstellungenFm::BuildFilesPage() {
+void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     auto* own =
         Named<QCheckBox>(u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
     uploadFigures_ = new UploadFiguresEdit;
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->addWidget(Named<QCheckBox>(
+    layout.addWidget(Named<QCheckBox>(
         u"TagsInSavedFiles"_s, u"Schlagworte des Archivs in gespeicherte &Bilder schreiben"_s));
-    layout->addWidget(
+    layout.addWidget(
         Named<QCheckBox>(u"TagsInUploadFiles"_s,
                          u"Schlagworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
-    layout->addSpacing(2 * GroupSpacing);
-    layout->addWidget(own);
-    layout->addWidget(uploadFigures_);
-    layout->addSpacing(2 * GroupSpacing);
-    layout->addLayout(
+    layout.addSpacing(2 * GroupSpacing);
+    layout.addWidget(own);
+    layout.addWidget(uploadFigures_);
+    layout.addSpacing(2 * GroupSpacing);
+    layout.addLayout(
         Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
-    layout->addWidget(Named<QCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
-    layout->addStretch();
-    return page;
-}
-
-QWidget* TEinstellungenFm::BuildSheetPage() {
-    sheetFields_ = new PaperFields;
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->addWidget(sheetFields_);
-    layout->addStretch();
-    return page;
-}
-
-QWidget* TEinstellungenFm::BuildServerPage() {
-    archiveServer_ = new ArchiveServerEdit;
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->addWidget(archiveServer_);
-    layout->addStretch();
-    return page;
+    layout.addWidget(Named<QCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
 }
 
 void TEinstellungenFm::FillPropertyStore() {
