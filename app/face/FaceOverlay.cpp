@@ -33,7 +33,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     refuse->setObjectName(u"RefuseProposal"_s);
     buttons_ = {accept, refuse};
     for (QPushButton* button : buttons_) {
-        button->setFocusPolicy(Qt::NoFocus);
+        button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keys to the view
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
     choice_ = new QHBoxLayout;
@@ -57,6 +57,10 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
 void FaceOverlay::Propose(const std::optional<QRect>& rectangle, const QString& text) {
     proposed_ = rectangle;
     text_->setText(text);
+    // Whoever answered by the keyboard goes on at the photo.
+    if (std::any_of(buttons_.begin(), buttons_.end(), std::mem_fn(&QWidget::hasFocus))) {
+        view_.setFocus();
+    }
     for (QPushButton* button : buttons_) {
         button->setVisible(proposed_.has_value());
     }

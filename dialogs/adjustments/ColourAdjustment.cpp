@@ -36,6 +36,7 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     setWindowTitle(u"Farben anpassen"_s);
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
+    pages_->setAccessibleName(u"Art der Anpassung"_s);
     AddPages();
     column_ = new QVBoxLayout(this);
     column_->setContentsMargins(16, 14, 16, 14);

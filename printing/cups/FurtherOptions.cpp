@@ -21,6 +21,7 @@ FurtherOptions::FurtherOptions(QWidget* parent)
     button_->setArrowType(Qt::RightArrow);
     area_->setObjectName(u"FurtherOptionsArea"_s);
     area_->setWidgetResizable(true);
+    area_->setFocusPolicy(Qt::NoFocus);  // it follows the box that has it
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area_->hide();
     connect(button_, &QToolButton::toggled, this, [this](bool open) {

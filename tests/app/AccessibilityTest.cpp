@@ -1,78 +1,35 @@
-// What a screen reader is told of every window, and what weak eyes see of it.
+// What a screen reader is told of every window, what weak eyes see of it, what the keyboard reaches
+// in it, and how much of it small screens show.
 
-#include <QAccessible>
-#include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
-#include <QLabel>
+#include <QFileInfo>
+#include <QMenu>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QStyleOptionButton>
-#include <QTabWidget>
 #include <QVBoxLayout>
 #include <cmath>
 #include <map>
 
+#include "controls/fields/ElidedLabel.h"
+#include "controls/messages/MessageBoxes.h"
 #include "controls/theme/Theme.h"
 #include "controls/theme/Tone.h"
+#include "dialogs/ArchiveCheckDialog.h"
+#include "dialogs/ArchiveUpkeep.h"
+#include "dialogs/CalibrationDialog.h"
+#include "dialogs/ColourAdjustment.h"
+#include "dialogs/LimitDialog.h"
+#include "dialogs/ManualWindow.h"
+#include "dialogs/SmallScreens.h"
 #include "tests/app/StoryFixture.h"
+#include "tests/support/Accessibility.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::testing {
 
 namespace {
-
-/// Made by the toolkit inside of another control, or rows of a list, which are named by their
-/// texts.
-bool IsPartOfAControl(const QAccessibleInterface& part) {
-    const QAccessibleInterface* parent = part.parent();
-    return parent != nullptr &&
-           (parent->role() == QAccessible::ComboBox || parent->role() == QAccessible::SpinBox);
-}
-
-/// A box is called by its value here; what it is for is said by the label that it belongs to.
-bool HasLabel(const QAccessibleInterface& part) {
-    return !part.relations(QAccessible::Label).isEmpty();
-}
-
-/// Empty where nothing is wrong.
-QString FaultOf(const QAccessibleInterface& part) {
-    static const QRegularExpression markUp(u"<[a-z/]"_s);
-    const QString name = part.text(QAccessible::Name).trimmed();
-    if (name.contains(markUp) || part.text(QAccessible::Description).contains(markUp)) {
-        return u"speaks mark-up"_s;
-    }
-    // Texts that can be selected have a focus too, and nothing to say while they are empty.
-    if (!part.state().focusable || IsPartOfAControl(part) ||
-        part.role() == QAccessible::StaticText) {
-        return {};
-    }
-    if (part.role() == QAccessible::NoRole) {
-        return u"has no role"_s;
-    }
-    if (part.role() == QAccessible::ComboBox) {
-        return HasLabel(part) ? QString() : u"has no label"_s;
-    }
-    return name.isEmpty() ? u"has no name"_s : QString();
-}
-
-void CollectFaults(QAccessibleInterface* part, const QString& path, QStringList& faults) {
-    if (part == nullptr || part->object() == nullptr) {
-        return;
-    }
-    const QString here = path + u'/' + part->object()->objectName();
-    if (const QString fault = FaultOf(*part); !fault.isEmpty()) {
-        faults.append(u"%1 (%2) %3"_s.arg(
-            here, QString::fromLatin1(part->object()->metaObject()->className()), fault));
-    }
-    for (int i = 0; i < part->childCount(); ++i) {
-        QAccessibleInterface* child = part->child(i);
-        if (child != nullptr && child->object() != nullptr) {
-            CollectFaults(child, here, faults);
-        }
-    }
-}
 
 /// Relative luminance of WCAG 2.1, https://www.w3.org/TR/WCAG21/#dfn-relative-luminance.
 double Luminance(QRgb colour) {
@@ -117,9 +74,23 @@ QRect TextArea(const QWidget& control) {
     const auto* button = qobject_cast<const QPushButton*>(&control);
     const QString text = label ? label->text() : button ? button->text() : QString();
     constexpr int Frame = 4;  // of a button, in the accent's colour when it has the focus
-    return text.trimmed().isEmpty() ? QRect()
-           : button                 ? control.rect().adjusted(Frame, Frame, -Frame, -Frame)
-                                    : control.rect();
+    // Dots have no inside, nor has what is cut down to them.
+    const bool isCut = qobject_cast<const controls::ElidedLabel*>(label) != nullptr &&
+                       label->sizeHint().width() > label->width();
+    return isCut || !text.contains(QRegularExpression(u"\\w"_s)) ? QRect()
+           : button ? control.rect().adjusted(Frame, Frame, -Frame, -Frame)
+                    : control.rect();
+}
+
+/// Whether a control shows an area of its own, whatever scrolls around it.
+bool Shows(const QWidget& control, QRect area) {
+    for (const QWidget* at = &control; !at->isWindow(); at = at->parentWidget()) {
+        if (!at->rect().contains(area)) {
+            return false;
+        }
+        area.translate(at->pos());
+    }
+    return true;
 }
 
 /// The texts of a window that are harder to read than 4.5 : 1, each with its contrast.
@@ -129,15 +100,17 @@ QStringList FaintTexts(QWidget& window, int& looked) {
     QStringList faint;
     for (const QWidget* control : window.findChildren<QWidget*>()) {
         const QRect area = TextArea(*control);
-        if (area.isEmpty() || !control->isVisibleTo(&window) || !control->isEnabled()) {
+        if (area.isEmpty() || !control->isVisibleTo(&window) || !control->isEnabled() ||
+            !Shows(*control, area)) {
             continue;
         }
         const QRect place(control->mapTo(&window, area.topLeft()), area.size());
         const double contrast = ContrastIn(picture.copy(place & picture.rect()));
         ++looked;
         if (contrast < LeastContrast) {
-            faint.append(
-                u"%1/%2: %3"_s.arg(window.objectName(), control->objectName()).arg(contrast));
+            const QString text = control->property("text").toString();
+            faint.append(u"%1/%2 \"%3\": %4"_s.arg(window.objectName(), control->objectName(), text)
+                             .arg(contrast));
         }
     }
     return faint;
@@ -145,11 +118,58 @@ QStringList FaintTexts(QWidget& window, int& looked) {
 
 }  // namespace
 
-TEST_F(Story, EveryTextOfEveryWindowStandsOutInBothAppearances) {
-    QList<QWidget*> windows{window.get()};
-    for (QDialog* dialog : window->findChildren<QDialog*>()) {
-        windows.append(dialog);
+/// Every window of the program, over a photo with its template.
+class Windows : public Story {
+ protected:
+    Windows() {
+        // What is made when it is needed.
+        new dialogs::ColourAdjustment(window.get());
+        auto* manual = new dialogs::ManualWindow(window.get());
+        manual->Load(QFileInfo(QStringLiteral(TEMPLATE_TABLE)).path() + u"/../docs/handbuch"_s);
+        window->Data().SavePrintProfile(u"A"_s);
+        new dialogs::CalibrationDialog(window->Data(), u"A"_s, window.get());
+        core::ArchiveReport report;
+        report.findings = {{core::ArchiveFault::Lost, 0, installation.Path("a.jpg")}};
+        new dialogs::ArchiveCheckDialog(upkeep, report, installation.Path("archive"), window.get());
     }
+
+    /// The main window in each of its states, the dialogs, and the questions that come and go.
+    void ForEach(const std::function<void(QWidget&)>& look) {
+        look(*window);
+        Open("photo.png");
+        for (const auto& side : {u"acShowCheck"_s, u"acShowSheet"_s}) {
+            Named(side).setChecked(false);
+            Trigger(side);
+        }
+        look(*window);
+        const auto dialogs = window->findChildren<QDialog*>();
+        EXPECT_GE(dialogs.size(), 16);
+        for (QDialog* dialog : dialogs) {
+            look(*dialog);
+            dialog->hide();
+        }
+        const auto ask = [&](const QString& name, const auto& question) {
+            driver.Expect(name, [&look](QWidget& shown) {
+                look(shown);
+                dynamic_cast<QDialog&>(shown).reject();
+            });
+            question();
+        };
+        ask(u"MessageBox"_s, [&] { controls::AskYesNo(window.get(), u"Wirklich?"_s); });
+        ask(u"LineDialog"_s, [&] { controls::AskForLine(window.get(), u"Name"_s, u"Profil"_s); });
+        ask(u"LimitDialog"_s, [&] { dialogs::AskForPeriod(window.get(), 12); });
+        const QDate today(2026, 3, 7);
+        ask(u"LimitDialog"_s, [&] { dialogs::AskForDay(window.get(), today, today); });
+        ask(u"LibrariesDialog"_s, [&] { ClickButton(*window, "btnLibraries"); });
+        driver.Answer(u"Trotzdem erstellen?"_s, u"YesButton"_s);
+        Trigger(u"acCrop"_s);
+        look(*window);
+    }
+
+    dialogs::ArchiveUpkeep upkeep{window->Data(), *window};
+};
+
+TEST_F(Windows, HaveTextsThatStandOutInBothAppearances) {
     // The lines of a check, of which only some are ever shown together.
     using controls::Tone;
     QDialog tones;
@@ -160,20 +180,21 @@ TEST_F(Story, EveryTextOfEveryWindowStandsOutInBothAppearances) {
         controls::SetTone(*line, tone);
         column->addWidget(line);
     }
-    windows.append(&tones);
     QStringList faint;
     int looked = 0;
-    for (const auto appearance : {controls::Appearance::Light, controls::Appearance::Dark}) {
-        controls::ApplyTheme(*qApp, appearance);
-        for (QWidget* each : windows) {
-            faint += FaintTexts(*each, looked);
-            for (auto* pages : each->findChildren<QTabWidget*>()) {
-                for (int page = 1; page < pages->count(); ++page) {
-                    pages->setCurrentIndex(page);
-                    faint += FaintTexts(*each, looked);
-                }
+    const auto look = [&](QWidget& each) {
+        faint += FaintTexts(each, looked);
+        for (auto* pages : TabsOf(each)) {
+            for (int page = 1; page < pages->count(); ++page) {
+                pages->setCurrentIndex(page);
+                faint += FaintTexts(each, looked);
             }
         }
+    };
+    for (const auto appearance : {controls::Appearance::Light, controls::Appearance::Dark}) {
+        controls::ApplyTheme(*qApp, appearance);
+        look(tones);
+        ForEach(look);
     }
     qApp->setStyleSheet({});
     QApplication::setPalette(QApplication::style()->standardPalette());
@@ -181,15 +202,54 @@ TEST_F(Story, EveryTextOfEveryWindowStandsOutInBothAppearances) {
     EXPECT_EQ(faint.join(u'\n'), QString());
 }
 
-TEST_F(Story, EveryControlOfEveryWindowHasANameThatIsNoMarkUp) {
+TEST_F(Windows, HaveControlsWithNamesThatAreNoMarkUp) {
     QStringList faults;
-    CollectFaults(QAccessible::queryAccessibleInterface(window.get()), {}, faults);
-    const auto dialogs = window->findChildren<QDialog*>();
-    EXPECT_GT(dialogs.size(), 5);
-    for (QDialog* dialog : dialogs) {
-        CollectFaults(QAccessible::queryAccessibleInterface(dialog), {}, faults);
-    }
+    ForEach([&](QWidget& each) {
+        CollectNameFaults(QAccessible::queryAccessibleInterface(&each), {}, faults);
+    });
     EXPECT_EQ(faults.join(u'\n'), QString());
+}
+
+TEST_F(Windows, AreReachedByTheKeyboardInAllTheirControls) {
+    QStringList faults;
+    ForEach([&](QWidget& each) { faults += Unreachable(each); });
+    EXPECT_EQ(faults.join(u'\n'), QString());
+
+    const auto buttons = window->findChildren<QAbstractButton*>();
+    const auto menus = window->findChildren<QMenu*>();
+    for (const app::ActionDefinition& definition : app::ActionDefinitions()) {
+        QAction& action = Named(QString::fromUtf16(definition.name));
+        const bool hasButton = std::any_of(buttons.begin(), buttons.end(), [&](auto* button) {
+            return button->objectName().startsWith(action.objectName());
+        });
+        const bool isInAMenu = std::any_of(menus.begin(), menus.end(), [&](const QMenu* menu) {
+            return menu->actions().contains(&action);
+        });
+        EXPECT_TRUE(hasButton || isInAMenu || !action.shortcut().isEmpty())
+            << action.objectName().toStdString();
+    }
+}
+
+// What the screen is like is said by the platform: tests/app/CMakeLists.txt.
+TEST_F(Windows, LieWhollyOnTheScreen) {
+    dialogs::SmallScreens onScreen;
+    qApp->installEventFilter(&onScreen);
+    controls::ApplyTheme(*qApp, controls::Appearance::Light);
+    QStringList faults;
+    ForEach([&](QWidget& each) {
+        each.show();
+        const QRect screen = each.screen()->availableGeometry();
+        if (!screen.contains(each.frameGeometry())) {
+            const QSize size = each.frameGeometry().size();
+            faults += u"%1: %2 x %3 at %4, %5"_s.arg(each.objectName())
+                          .arg(size.width())
+                          .arg(size.height())
+                          .arg(each.x())
+                          .arg(each.y());
+        }
+    });
+    EXPECT_EQ(faults.join(u'\n'), QString());
+    qApp->setStyleSheet({});
 }
 
 }  // namespace kadrona::testing

@@ -12,6 +12,7 @@
 #include "PrintService.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"
+#include "tests/support/Accessibility.h"
 #include "tests/support/Errors.h"
 #include "tests/support/ModalDriver.h"
 
@@ -68,8 +69,14 @@ class SetupDialogTest : public ::testing::Test {
 
 TEST_F(SetupDialogTest, EveryFieldShowsTheDriverInGermanAndKeepsWhatIsChosen) {
     const PrinterChoice before = layer_.CurrentPrinter();
-    EXPECT_FALSE(
-        Run([](QWidget& window) { Choose(window, "PaperBox", u"A6"_s); }, u"CancelButton"_s));
+    QStringList faults;
+    const auto choose = [&faults](QWidget& window) {
+        CollectNameFaults(QAccessible::queryAccessibleInterface(&window), {}, faults);
+        faults += Unreachable(window);
+        Choose(window, "PaperBox", u"A6"_s);
+    };
+    EXPECT_FALSE(Run(choose, u"CancelButton"_s));
+    EXPECT_EQ(faults.join(u'\n').toStdString(), "");
     EXPECT_EQ(layer_.CurrentPrinter(), before);
     ASSERT_TRUE(Run([](QWidget& window) {
         for (const auto& [box, texts] : std::initializer_list<std::pair<const char*, QString>>{

@@ -112,8 +112,10 @@ class ModalDriver {
     }
 
     static void Refuse(QWidget& window, const char* why) {
+        const auto* message = qobject_cast<QMessageBox*>(&window);
+        const QString says = message != nullptr ? message->text() : window.windowTitle();
         ADD_FAILURE() << "the window " << window.objectName().toStdString() << " (\""
-                      << window.windowTitle().toStdString() << "\") " << why;
+                      << says.toStdString() << "\") " << why;
         dynamic_cast<QDialog&>(window).QDialog::done(QDialog::Rejected);
     }
 
