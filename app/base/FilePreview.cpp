@@ -1,4 +1,4 @@
-#include "app/FilePreview.h"
+#include "app/base/FilePreview.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 #include "controls/theme/Tone.h"
-#include "dialogs/WindowPlacement.h"
+#include "dialogs/base/WindowPlacement.h"
 #include "imaging/pixels/Resampling.h"
 #include "imaging/reading/ImageReader.h"
 

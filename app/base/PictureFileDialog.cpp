@@ -8,7 +8,7 @@
 #include <QTreeView>
 #include <array>
 
-#include "app/FilePreview.h"
+#include "app/base/FilePreview.h"
 #include "controls/messages/FolderDialog.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/FileDialogs.h"

@@ -9,7 +9,7 @@
 #include <QRadioButton>
 #include <QUrl>
 
-#include "app/FilePreview.h"
+#include "app/base/FilePreview.h"
 #include "core/archive/Tags.h"
 #include "core/settings/WatchedFolder.h"
 #include "platform/AtomicFile.h"
