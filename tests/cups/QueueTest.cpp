@@ -61,6 +61,9 @@ TEST_F(PrintingTest, AChoiceSurvivesARestartAndReachesTheJob) {
                            u"nimmt „Normalpapier“."_s}));
     EXPECT_FALSE(job.contains(u"GoneOption"_s));
     EXPECT_FALSE(job.contains(u"MediaType"_s));
+    Set(layer, {{"PageSize", "GonePaper"}});
+    layer.Print(Sheet({35, 45}, core::SheetLayouts[5]));
+    EXPECT_EQ(service_.JobAttributes(2)[u"PageSize"_s], "A4") << "the paper that is drawn on";
 }
 
 TEST_F(PrintingTest, EveryQueueIsTheStandardOneAndIsFoundAgain) {

@@ -38,6 +38,10 @@ void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode, in
             options.Add(keyword.constData(), choice.constData());
         }
     }
+    // The page is drawn for this paper; the service may have another standard than the driver.
+    if (const auto paper = driver.PaperOf(mode)) {
+        options.Add("PageSize", paper->name.constData());
+    }
     options.Add("copies", QByteArray::number(copies).constData());
     for (const NeutralOption& option : ServiceOptions) {
         options.Add(option.keyword, option.neutral);
