@@ -42,8 +42,7 @@ Queue MadeQueue(const Connection& connection, const Queue& printer) {
     add(IPP_TAG_TEXT, "printer-location", printer.location.toUtf8());
     std::optional<Queue> queue = QueueIn(connection.Make(request, printer.name));
     if (!queue || !queue->acceptsJobs) {
-        throw ServiceFailure(
-            u"Der Drucker wurde im Netz gefunden, antwortet aber nicht. Ist er eingeschaltet?"_s);
+        throw ServiceFailure(u"Der Drucker im Netz antwortet nicht. Ist er eingeschaltet?"_s);
     }
     return *std::move(queue);
 }

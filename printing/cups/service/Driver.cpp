@@ -81,6 +81,12 @@ void CollectOptions(const GermanTexts& texts, const ppd_group_t& group,
     }
 }
 
+/// The print service names the borderless papers of printers without a driver "4x6.Borderless".
+QString PaperLabel(const QString& label) {
+    const QString borderless = u".Borderless"_s;
+    return label.endsWith(borderless) ? label.chopped(borderless.size()) + u" randlos"_s : label;
+}
+
 Paper PaperOfSize(const ppd_size_t& size, const QString& label) {
     // Distances from the left and the lower edge; drivers round them.
     const auto margin = [](double points) { return points < 0.1 ? 0.0 : points; };
@@ -166,7 +172,7 @@ void Driver::ReadPapers() {
     for (const DriverChoice& choice : paperOption->choices) {
         const ppd_size_t* size = ppdPageSize(description_.get(), choice.name.constData());
         if (size != nullptr && size->width > 0 && size->length > 0) {
-            papers_.push_back(PaperOfSize(*size, choice.label));
+            papers_.push_back(PaperOfSize(*size, PaperLabel(choice.label)));
         }
     }
 }
