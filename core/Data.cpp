@@ -131,6 +131,10 @@ QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
             u"Datei %1 liegt außerhalb des Archivs und wird nicht verwendet!"_s.arg(path));
         return {};
     }
+    if (const QString reason = ForeignWay(path, archiveFolder); !reason.isEmpty()) {
+        ui_.ShowMessage(u"Datei %1 wird nicht verwendet: %2."_s.arg(path, reason));
+        return {};
+    }
     if (QFileInfo(path).isFile()) {
         return path;
     }

@@ -66,7 +66,8 @@ class Walk {
             const int code = errno;
             done_ = rest_.isEmpty() ? next : next + '/' + rest_;
             rest_.clear();
-            return code == ENOENT ? QString() : SystemReason(code);
+            // Below a file there is nothing either.
+            return code == ENOENT || code == ENOTDIR ? QString() : SystemReason(code);
         }
         if (S_ISLNK(status.st_mode)) {
             return Follow(next, status.st_uid);

@@ -37,7 +37,7 @@ platform::Progress Lines(QTextStream& output) {
 
 int Result(const QStringList& failures, QTextStream& errors) {
     for (const QString& failure : failures) {
-        errors << HarmlessText(failure) << Qt::endl;
+        errors << HarmlessName(failure) << Qt::endl;
     }
     return failures.isEmpty() ? Done : SomePhotoFailed;
 }
@@ -67,7 +67,7 @@ int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output)
                                                           Lines(output), PlaceOf(request.folder));
     for (const core::ArchiveFinding& finding : report.findings) {
         const QString number = finding.id > 0 ? u" (Datensatz %1)"_s.arg(finding.id) : QString();
-        output << HarmlessText(
+        output << HarmlessName(
                       u"%1%2%3"_s.arg(core::TextOf(finding.fault).heading, number,
                                       finding.path.isEmpty() ? QString() : u": "_s + finding.path))
                << Qt::endl;
@@ -170,6 +170,7 @@ int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& o
             u"In den Einstellungen ist kein Ordner des Bildarchivs angegeben; nennen Sie ihn mit "
             u"--folder."_s);
     }
+    known.folder = QFileInfo(known.folder).absoluteFilePath();
     switch (known.task) {
         case Task::BackUp:
             return BackUp(known, data, output, errors);

@@ -26,6 +26,7 @@ namespace kadrona::core {
 
 namespace {
 
+const QString BackingUpText = u"Die Fotos werden gesichert …"_s;
 const QString CopiedDatabase = u"KDRImageBase.db"_s;
 /// What the copy is called until all files are there.
 const QString WaitingDatabase = u"KDRImageBase.neu.db"_s;
@@ -62,11 +63,13 @@ void RequireTarget(const QString& archiveFolder, const QString& target, const QS
     }
     constexpr qint64 LongestMarker = 1000;
     const QString marker = platform::JoinPath(target, QString(BackupMarker));
+    RequireOwnWay(marker, target);
     const auto found = platform::ReadFileIfThere(marker, LongestMarker);
     if (found && found->simplified().endsWith(markerText.toUtf8().simplified())) {
         return;
     }
-    if (found || !QDir(target).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot)) {
+    if (found || !QDir(target).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                       QDir::NoDotAndDotDot)) {
         throw platform::FileError(
             u"Im Ordner „%1“ liegen andere Dateien. Wählen Sie einen leeren Ordner oder den der "
             u"letzten Sicherung dieses Archivs."_s.arg(target));
@@ -104,6 +107,7 @@ class BackupRun {
     Backup Run() {
         const QString waiting = platform::JoinPath(target_, WaitingDatabase);
         const auto clean = qScopeGuard([&] { QFile::remove(waiting); });
+        RequireOwnWay(to_, target_);
         if (!platform::CreateFolder(to_)) {
             throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(to_));
         }
@@ -120,6 +124,7 @@ class BackupRun {
     /// Of a server: into a file of our own, made in a folder that goes again.
     void CopyRecords(const QString& waiting) {
         const QString folder = platform::JoinPath(target_, MakingFolder);
+        RequireOwnWay(folder, target_);
         RemoveMakingFolder(folder);
         const auto clean = qScopeGuard([&] { RemoveMakingFolder(folder); });
         if (!platform::CreateFolder(folder)) {
@@ -151,25 +156,28 @@ class BackupRun {
         }
         qint64 done = 0;
         for (const QString& path : paths) {
-            progress_(u"Die Fotos werden gesichert …"_s, done++, paths.size());
+            progress_(BackingUpText, done++, paths.size());
             try {
-                CopyWhereNeeded(path, digests);
+                const FileTick tick = [&] { progress_(BackingUpText, done, paths.size()); };
+                CopyWhereNeeded(path, digests, tick);
             } catch (const platform::FileError& error) {
                 backup_.failures.append(error.Text());
             }
         }
     }
 
-    void CopyWhereNeeded(const QString& path, const QHash<QString, FileDigest>& digests) {
+    void CopyWhereNeeded(const QString& path, const QHash<QString, FileDigest>& digests,
+                         const FileTick& tick) {
         const QString copy = platform::JoinPath(to_, QDir(from_).relativeFilePath(path));
-        const auto present = DigestOf(path);
+        RequireOwnWay(copy, target_);
+        const auto present = DigestOf(path, tick);
         if (!present) {
             return;  // deleted meanwhile
         }
         const bool sameSize = QFileInfo(copy).size() == present->bytes;
         const auto known = digests.constFind(path);
         const bool damaged = known != digests.constEnd() && *known != *present;
-        const auto kept = sameSize || damaged ? DigestOf(copy) : std::nullopt;
+        const auto kept = sameSize || damaged ? DigestOf(copy, tick) : std::nullopt;
         if (kept == present) {
             ++backup_.unchanged;
         } else if (damaged && kept == *known) {
@@ -180,7 +188,7 @@ class BackupRun {
             throw platform::FileError(
                 u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(QFileInfo(copy).path()));
         } else {
-            CopyArchiveFile(path, copy);
+            CopyArchiveFile(path, copy, tick);
             ++backup_.copied;
         }
     }

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
+#include "platform/Paths.h"
 #include "store/Statement.h"
 
 using namespace Qt::StringLiterals;
@@ -64,7 +66,7 @@ std::vector<KnownFile> KnownFiles(store::Database& database, const QString& arch
 /// Below the archive's folder.
 bool IsPhotoPath(const QString& path) {
     static const QRegularExpression form(
-        u"^[0-9]{4}/[0-9]{2}/[0-9]{4}_[0-9]{2}_[0-9]{5,12}\\.jpg$"_s);
+        u"^[0-9]{4}/[0-9]{2}/[0-9]{4}_[0-9]{2}_[0-9]{5,12}\\.jpg\\z"_s);
     return form.match(path).hasMatch();
 }
 
@@ -105,6 +107,10 @@ class Check {
             return Note(ArchiveFault::Outside, file);
         }
         try {
+            if (file.digest && platform::IsFile(file.path) &&
+                QFileInfo(file.path).size() != file.digest->bytes) {
+                return Note(ArchiveFault::Changed, file);  // however large it is now
+            }
             const auto digest = DigestOf(file.path);
             if (!digest) {
                 // Another program may have deleted it meanwhile.

@@ -12,7 +12,6 @@
 #include "core/archive/ArchiveOriginals.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
-#include "platform/Links.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
@@ -20,6 +19,9 @@ using namespace Qt::StringLiterals;
 namespace kadrona::core {
 
 namespace {
+
+const QString DataName = u"Daten.json"_s;
+const QString TableName = u"Daten.csv"_s;
 
 /// A folder that did not exist, with a number behind its name where one of that name did.
 QString NewFolder(const QString& target, const QString& title) {
@@ -89,10 +91,9 @@ class ExportRun {
     }
 
     Export Finish() {
-        platform::WriteFileAtomically(platform::JoinPath(export_.folder, u"Daten.json"_s),
+        platform::WriteFileAtomically(platform::JoinPath(export_.folder, DataName),
                                       QJsonDocument(list_).toJson());
-        platform::WriteFileAtomically(platform::JoinPath(export_.folder, u"Daten.csv"_s),
-                                      csv_.toUtf8());
+        platform::WriteFileAtomically(platform::JoinPath(export_.folder, TableName), csv_.toUtf8());
         return std::move(export_);
     }
 
@@ -105,9 +106,12 @@ class ExportRun {
     }
 
  private:
-    /// Another record's file may have the name already.
-    QString FreeName(qint64 id, const QString& name) {
-        return names_.contains(name) ? u"%1_%2"_s.arg(id).arg(name) : name;
+    /// Another record's file may have the name already; a stick tells no capitals apart.
+    QString FreeName(qint64 id, QString name) {
+        while (names_.contains(name.toLower())) {
+            name.prepend(u"%1_"_s.arg(id));
+        }
+        return name;
     }
 
     /// The name of the copy; empty where there is none.
@@ -118,12 +122,8 @@ class ExportRun {
                 !platform::IsFile(path)) {
                 throw platform::FileError(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
             }
-            if (const QString refusal = platform::FollowLinks(path, platform::Links::Own).refusal;
-                !refusal.isEmpty()) {
-                throw platform::FileError(
-                    u"Die Datei „%1“ wird nicht kopiert: %2."_s.arg(path, refusal));
-            }
-            names_.insert(name);
+            RequireOwnWay(path, archiveFolder_);
+            names_.insert(name.toLower());
             CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
             return name;
         } catch (const platform::FileError& error) {
@@ -135,7 +135,7 @@ class ExportRun {
     store::Database& database_;
     ArchiveTable table_;
     const QString& archiveFolder_;
-    QSet<QString> names_;
+    QSet<QString> names_{DataName.toLower(), TableName.toLower()};
     QString csv_;
     QJsonArray list_;
     Export export_;

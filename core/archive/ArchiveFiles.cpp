@@ -22,6 +22,8 @@ namespace kadrona::core {
 
 namespace {
 
+constexpr qint64 BytesAtOnce = 1 << 20;
+
 platform::FileError FailedRemoval(const QString& path, const QString& reason) {
     return platform::FileError{
         u"Die Datei „%1“ konnte nicht gelöscht werden: %2."_s.arg(path, reason)};
@@ -58,7 +60,7 @@ QSet<QString> NamedFiles(store::Database& database) {
 }
 
 qint64 NumberInName(const QString& path) {
-    static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,12})\\.[^/.]*$"_s);
+    static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,9})\\.[^/.]*\\z"_s);
     return form.match(path).captured(1).toLongLong();
 }
 
@@ -68,6 +70,23 @@ bool IsInsideArchive(const QString& path, const QString& archiveFolder) {
     return clean == root || clean.startsWith(platform::JoinPath(root, {}));
 }
 
+QString ForeignWay(const QString& path, const QString& folder) {
+    if (!IsInsideArchive(path, folder)) {
+        return u"Sie liegt außerhalb des Archivs"_s;
+    }
+    // The folder itself is one that the user chose.
+    const QString root = QDir::cleanPath(DelLastBackslash(folder));
+    const QString below = QDir::cleanPath(path).sliced(root.size());
+    return platform::FollowLinks(QFileInfo(root).canonicalFilePath() + below, platform::Links::Own)
+        .refusal;
+}
+
+void RequireOwnWay(const QString& path, const QString& folder) {
+    if (const QString reason = ForeignWay(path, folder); !reason.isEmpty()) {
+        throw platform::FileError(u"„%1“ wird nicht benutzt: %2."_s.arg(path, reason));
+    }
+}
+
 void RequireArchiveFolder(const QString& archiveFolder) {
     if (archiveFolder.isEmpty() || !QFileInfo(archiveFolder).isDir()) {
         throw platform::FileError(
@@ -75,22 +94,25 @@ void RequireArchiveFolder(const QString& archiveFolder) {
     }
 }
 
-std::optional<FileDigest> DigestOf(const QString& path) {
+std::optional<FileDigest> DigestOf(const QString& path, const FileTick& tick) {
     if (!platform::IsFile(path)) {
         return std::nullopt;
     }
     QFile file(path);
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file) ||
-        file.error() != QFileDevice::NoError) {
+    bool isRead = file.open(QIODevice::ReadOnly);
+    for (QByteArray part; isRead && !(part = file.read(BytesAtOnce)).isEmpty(); tick()) {
+        hash.addData(part);
+    }
+    isRead = isRead && file.error() == QFileDevice::NoError;
+    if (!isRead) {
         throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
             path, platform::SystemReason(file)));
     }
     return FileDigest{file.size(), QString::fromLatin1(hash.result().toHex())};
 }
 
-void CopyArchiveFile(const QString& from, const QString& to) {
-    constexpr qint64 BytesAtOnce = 1 << 20;
+void CopyArchiveFile(const QString& from, const QString& to, const FileTick& tick) {
     QFile source(from);
     if (!source.open(QIODevice::ReadOnly)) {
         throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
@@ -103,6 +125,7 @@ void CopyArchiveFile(const QString& from, const QString& to) {
             break;
         }
         copy.Device().write(part);
+        tick();
     }
     if (source.error() != QFileDevice::NoError) {
         throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
@@ -123,13 +146,9 @@ void KeepDigest(store::Database& database, qint64 id, const QString& path) {
 }
 
 void RemoveArchiveFile(const QString& path, const QString& archiveFolder) {
-    if (!IsInsideArchive(path, archiveFolder)) {
-        throw FailedRemoval(path, u"Sie liegt außerhalb des Archivs"_s);
-    }
     const QString folder = QFileInfo(QDir::cleanPath(path)).path();
-    if (const auto followed = platform::FollowLinks(folder, platform::Links::Own);
-        !followed.refusal.isEmpty()) {
-        throw FailedRemoval(path, followed.refusal);
+    if (const QString reason = ForeignWay(folder, archiveFolder); !reason.isEmpty()) {
+        throw FailedRemoval(path, reason);
     }
     QFile file(path);
     if (!file.remove() && (QFileInfo::exists(path) || QFileInfo(path).isSymLink())) {

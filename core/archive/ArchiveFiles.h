@@ -2,6 +2,7 @@
 
 #include <QSet>
 #include <QString>
+#include <functional>
 #include <optional>
 
 #include "core/archive/ArchiveTable.h"
@@ -22,23 +23,37 @@ QString StoredPath(const QString& storedFolder, const QString& name);
 /// Photos and originals that a record has, as StoredPath names them. Throws store::StoreError.
 QSet<QString> NamedFiles(store::Database& database);
 
-/// The number in the name of a photo or original, "2026_03_00042.jpg"; 0 where there is none.
+/// The number in the name of a photo or original, "2026_03_00042.jpg"; 0 where there is none, and
+/// where it is one that would soon leave no others.
 qint64 NumberInName(const QString& path);
 
 /// False for a path that a record's text leads out of the archive.
 bool IsInsideArchive(const QString& path, const QString& archiveFolder);
 
+/// Why a file below the archive's or a backup's folder must not be used: its way leads out of the
+/// folder or below it through another user's link. In German, without a full stop; else empty.
+QString ForeignWay(const QString& path, const QString& folder);
+
+/// Throws platform::FileError where there is such a reason.
+void RequireOwnWay(const QString& path, const QString& folder);
+
 /// Throws platform::FileError where there is no such folder: a share that is not mounted must not
 /// pass for an archive without photos.
 void RequireArchiveFolder(const QString& archiveFolder);
 
+/// Called for each megabyte of a file, for anybody may have laid a large one there; what it throws
+/// ends the work.
+using FileTick = std::function<void()>;
+
 /// Reads the whole file. Nothing where there is none; throws platform::FileError where it cannot be
 /// read.
-std::optional<FileDigest> DigestOf(const QString& path);
+std::optional<FileDigest> DigestOf(
+    const QString& path, const FileTick& tick = [] {});
 
 /// Copies a file through a temporary one, with the time of the file, from which lost records are
 /// made anew. A file of that name is replaced. Throws platform::FileError.
-void CopyArchiveFile(const QString& from, const QString& to);
+void CopyArchiveFile(
+    const QString& from, const QString& to, const FileTick& tick = [] {});
 
 /// Takes the photo of a record as its file is now. Does nothing where there is none. Throws
 /// platform::FileError and store::StoreError.

@@ -113,6 +113,7 @@ OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archi
                           .changes = original.changes,
                           .file = {}};
     const QString folder = StoredFolderPath(archiveFolder, record.folder);
+    RequireOwnWay(folder, archiveFolder);
     if (!platform::CreateFolder(folder)) {
         throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
     }

@@ -17,10 +17,12 @@ namespace kadrona::core {
 
 namespace {
 
+/// As much as anybody types: a stranger's photo may hold megabytes.
 QString TextOfItem(const imaging::IptcItems& items, int dataset) {
     constexpr int ApplicationRecord = 2;
+    constexpr qsizetype LongestText = 100'000;
     const int index = items.IndexOf(ApplicationRecord, dataset);
-    return index < 0 ? QString() : items.Text(index);
+    return index < 0 ? QString() : items.Text(index).left(LongestText);
 }
 
 /// The other way round of SetIptcTags. The object name is the first line as it was.
@@ -92,6 +94,7 @@ bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>
     if (named.contains(StoredPath(lost.storedFolder, lost.file.fileName()))) {
         return false;
     }
+    RequireOwnWay(path, lost.archiveFolder);
     const imaging::LoadedImage photo = imaging::ReadImageFile(path);
     const FiledFiles files{.photo = DigestOf(path).value_or(FileDigest()),
                            .original = OriginalFor(lost, named)};

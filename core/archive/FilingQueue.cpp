@@ -97,7 +97,7 @@ WaitingPhoto FilingQueue::Read(const QString& name) const {
 
 std::optional<OriginalToKeep> FilingQueue::OriginalOf(const platform::PropertyFile& file) const {
     const auto path = file.ReadText(OriginalSection, u"Path"_s);
-    if (!path) {
+    if (!path || !IsInsideArchive(StoredFolderPath(folder_, *path), folder_)) {
         return {};
     }
     const auto number = [&](const char* property) {

@@ -205,6 +205,7 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
     }
     const QString monthFolder = GetMonthDir(names);
     const QString folder = StoredFolderPath(known.archiveFolder, monthFolder);
+    RequireOwnWay(folder, known.archiveFolder);
     if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
         return Filing::NoFolder;
     }

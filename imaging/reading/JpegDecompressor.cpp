@@ -2,6 +2,8 @@
 
 #include <jerror.h>
 
+#include <utility>
+
 #include "imaging/reading/ReadTask.h"
 
 namespace kadrona::imaging {
@@ -13,6 +15,7 @@ JpegDecompressor::JpegDecompressor(QIODevice& device) {
     Run([](j_decompress_ptr info) { jpeg_create_decompress(info); });
     // A progressive file keeps all its coefficients.
     info_.mem->max_memory_to_use = static_cast<long>(MostBytesBeside);
+    errors_.allocate = std::exchange(info_.mem->alloc_large, &AllocateMarker);
     progress_.progress_monitor = &LimitScans;
     info_.progress = &progress_;
     AttachSource(device);
@@ -83,6 +86,18 @@ void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
         default:
             break;  // the picture is whole all the same
     }
+}
+
+// libjpeg itself has no limit for the segments that it keeps, of which there may be any number. Who
+// reads them makes two copies more.
+void* JpegDecompressor::AllocateMarker(j_common_ptr info, int pool, size_t bytes) {
+    constexpr qint64 MostMarkerBytes = MostBytesBeside / 4;
+    auto* errors = static_cast<ErrorManager*>(info->err);
+    errors->markerBytes += static_cast<qint64>(bytes);
+    if (errors->markerBytes > MostMarkerBytes) {
+        Exit(info, JpegFault::TooMuchMemory);
+    }
+    return errors->allocate(info, pool, bytes);
 }
 
 // Each scan of a progressive file costs a pass over the whole picture, however short it is.

@@ -44,6 +44,8 @@ class JpegDecompressor {
     struct ErrorManager : JpegErrors {
         JpegFault fault = JpegFault::Damaged;
         bool pixelsAreRead = false;
+        decltype(jpeg_memory_mgr::alloc_large) allocate = nullptr;
+        qint64 markerBytes = 0;
     };
     struct Source : jpeg_source_mgr {
         QIODevice* device;
@@ -55,6 +57,7 @@ class JpegDecompressor {
     [[noreturn]] static void HandleError(j_common_ptr info);
     static void HandleMessage(j_common_ptr info, int level);
     static void LimitScans(j_common_ptr info);
+    static void* AllocateMarker(j_common_ptr info, int pool, size_t bytes);
     static boolean FillBuffer(j_decompress_ptr info);
     static void SkipBytes(j_decompress_ptr info, long count);
 

@@ -1,9 +1,12 @@
+#include <unistd.h>
+
 #include <QDirIterator>
 
 #include "core/archive/ArchiveBackup.h"
 #include "core/archive/ArchiveCheck.h"
 #include "core/archive/ArchiveDeletion.h"
 #include "core/archive/ArchiveExport.h"
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveOrder.h"
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveRebuild.h"
@@ -165,6 +168,7 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
                   .rebuilt,
               0)
         << "no second record for one photo";
+    EXPECT_EQ(core::NumberInName(u"2026_03_999999999999.jpg"_s), 0) << "none would be left soon";
     const auto giveUp = [](const QString&, qint64, qint64) { throw platform::Cancelled(); };
     EXPECT_THROW(core::RebuildRecords(Database(), {Filed("2026_03_00050.jpg")}, giveUp),
                  platform::Cancelled);
@@ -252,6 +256,55 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     }
 }
 
+TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "no right to give a link away";
+    }
+    const QString elsewhere = installation.Path("elsewhere");
+    const QString precious = elsewhere + u"/KDRImageBase.db"_s;
+    installation.Write("elsewhere/KDRImageBase.db", "precious");
+    const auto plant = [](const QString& to, const QString& path) {
+        QDir(path).removeRecursively();
+        QFile::remove(path);
+        ASSERT_TRUE(QFile::link(to, path));
+        ASSERT_EQ(lchown(QFile::encodeName(path).constData(), 1001, 1001), 0);
+    };
+    File(u"a\r\n"_s);
+    const QString target = installation.Path("backup");
+    for (const auto& [name, to, isUsed] : {std::tuple("Sicherung.txt", elsewhere + u"/new"_s, true),
+                                           {"Archiv", elsewhere, true},
+                                           {"Archiv/2026", elsewhere, true},
+                                           {"KDRImageBase.neu", elsewhere, OnServer()}}) {
+        QDir().mkpath(target);
+        const QString text = TextOf<platform::FileError>([&] {
+            core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
+            plant(to, target + u'/' + QLatin1StringView(name));
+            const QStringList failures =
+                core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress)
+                    .failures;
+            if (!failures.isEmpty()) {
+                throw platform::FileError(failures.first());
+            }
+        });
+        EXPECT_EQ(text.contains(u"einem anderen Benutzer"_s), isUsed) << text.toStdString();
+        QFile::remove(target + u'/' + QLatin1StringView(name));
+        QDir(target).removeRecursively();
+    }
+    const QString own = installation.Path("private.jpg");
+    ASSERT_TRUE(QFile::copy(Filed("2026_03_00001.jpg"), own));
+    plant(own, Filed("2026_03_00009.jpg"));
+    const core::Rebuilding rebuilding =
+        core::RebuildRecords(Database(), {Filed("2026_03_00009.jpg")}, platform::NoProgress);
+    EXPECT_EQ(rebuilding.failures.size(), 1) << "no thumbnail of it";
+    plant(own, Filed("2026_03_00001.jpg"));
+    data.SetCurrentRecord(1);
+    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString()) << "nor tags in it";
+    plant(elsewhere, archiveFolder + u"/2026"_s);
+    EXPECT_THROW(File(u"b\r\n"_s), platform::FileError);
+    EXPECT_EQ(QDir(elsewhere).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), 1);
+    EXPECT_EQ(platform::ReadWholeFile(precious, 99), "precious");
+}
+
 TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
     File(u"=HYPERLINK(\"x\")\r\nKöln\r\n"_s);
     File(u"b\r\n"_s);
@@ -276,13 +329,17 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
     };
     EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.jpg"_s}),
               QStringList({u"2026_03_00001.jpg"_s, u"2_2026_03_00001.jpg"_s}));
+    ASSERT_TRUE(QFile::copy(Filed("2026_03_00001.jpg"), Filed("daten.CSV")));
+    Execute(uR"(UPDATE "ImgDB" SET "ImgName" = 'daten.CSV' WHERE "ID" = 2)"_s);
+    EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.csv"_s}),
+              QStringList({u"2_daten.CSV"_s, u"Daten.csv"_s}));
     EXPECT_THROW(exported([](const QString&, qint64 done, qint64) {
                      if (done == 1) {
                          throw platform::Cancelled();
                      }
                  }),
                  platform::Cancelled);
-    EXPECT_FALSE(QFile::exists(installation.Path("common/twins (2)"))) << "no faces without a list";
+    EXPECT_FALSE(QFile::exists(installation.Path("common/twins (3)"))) << "no faces without a list";
 }
 
 TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {

@@ -130,6 +130,9 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     EXPECT_EQ(Failure(jpeg2000(4700)), tooMuch);
     EXPECT_EQ(Failure(losslessWebP(7900)), tooMuch);
     EXPECT_EQ(Failure(floats(3600)), tooMuch);
+    const QByteArray segment = "\xff\xed\xff\xff" + QByteArray(0xfffd, ' ');
+    EXPECT_EQ(Failure(Written(TestPicture(40, 30), "jpg").insert(2, segment.repeated(1000))),
+              tooMuch);
     for (const QByteArray& smaller : {jpeg2000(4300), losslessWebP(7600), floats(3300)}) {
         EXPECT_NE(Failure(smaller), tooMuch);
     }
