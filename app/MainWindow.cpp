@@ -4,6 +4,7 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QLabel>
 #include <QUrl>
 
@@ -109,9 +110,6 @@ void TmainFm::CreateReusedWindows() {
     auto* rotateDialog = new dialogs::TfmRotateDlg(this);
     fileNamePrompt_ = new dialogs::TFileNameFm(data_->NameSources(), this);
     about_ = new dialogs::TfmAbout(this);
-    about_->SetFolders({{u"Profile und Archiv"_s, data_->DataFolder()},
-                        {u"Schablonen"_s, data_->TemplateFolder()},
-                        {u"Werte des Benutzers"_s, platform::RegistryFolder()}});
     auto* tagEditor = new dialogs::TfmImageTagEdit(this);
     tagEditor->SetSuggestionSource([this] { return EarlierTags(); });
     archiveWindow_ = new dialogs::TfmImgSearch(*data_, *tagEditor, this);
@@ -167,7 +165,7 @@ QStringList TmainFm::EarlierTags() const {
 }
 
 void TmainFm::ConnectActions() {
-    actions_.Connect(Action::About, this, [this] { about_->exec(); });
+    actions_.Connect(Action::About, this, [this] { ShowAbout(); });
     actions_.Connect(Action::ShowConfig, this, [this] { settings_->ShowEx(); });
     actions_.Connect(Action::Close, this, [this] { close(); });
     connect(pictureCount_, &QComboBox::currentIndexChanged, &session_,
@@ -240,11 +238,28 @@ bool TmainFm::event(QEvent* event) {
     return event->type() == QEvent::StatusTip || QMainWindow::event(event);
 }
 
+/// With the folders of today: photos wait for the archive's server only while it is gone.
+void TmainFm::ShowAbout() {
+    QList<dialogs::TfmAbout::Folder> folders{
+        {u"Profile und Archiv"_s, data_->DataFolder()},
+        {u"Schablonen"_s, data_->TemplateFolder()},
+        {u"Werte des Benutzers"_s, platform::RegistryFolder()}};
+    for (const auto& [meaning, path] :
+         {dialogs::TfmAbout::Folder{u"Bildarchiv"_s, settings_->ImageDestinationDir()},
+          {u"Wartende Fotos"_s, data_->Archiving().Queue().Folder()}}) {
+        if (QFileInfo(path).isDir()) {
+            folders.append({meaning, path});
+        }
+    }
+    about_->SetFolders(folders);
+    about_->exec();
+}
+
 /// The page of a maker that is none does not exist; what is known of the maker stands in "Über".
 void TmainFm::StatusBarPanel2Click() {
     const QUrl page(core::MakerHomePage.toString());
     if (page.host().endsWith(u".example"_s)) {
-        about_->exec();
+        ShowAbout();
         return;
     }
     controls::Guarded(this, [&page] {

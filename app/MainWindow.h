@@ -91,6 +91,7 @@ class TmainFm : public QMainWindow {
     void ConnectActions();
     void FormDestroy();
     void ShowSession();
+    void ShowAbout();
     void StatusBarPanel2Click();
 
     // Bars and panels (MainWindowLayout.cpp)

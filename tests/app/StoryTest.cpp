@@ -281,7 +281,12 @@ TEST_F(Story, TheStatusBarNamesTheTemplateAndItsLinkTheMaker) {
     EXPECT_EQ(window->View().accessibleDescription(), u"Schablone: USA"_s);
     driver.Press(u"fmAbout"_s, u"btnOk"_s);
     ClickButton(*window, "StatusPanel2");
-    driver.Press(u"fmAbout"_s, u"btnOk"_s);
+    QDir().mkpath(installation.Path("bilder"));
+    Setting<QLineEdit>("ImageDestinationDir").setText(installation.Path("bilder"));
+    driver.Expect(u"fmAbout"_s, [this](QWidget& shown) {
+        EXPECT_TRUE(Child<QLabel>(shown, "Folders").text().contains(installation.Path("bilder")));
+        ClickButton(shown, "btnOk");
+    });
     Trigger(u"acAbout"_s);
 }
 
