@@ -99,7 +99,7 @@ class ExportRun {
 
     /// Faces without a list serve nobody.
     void Discard() {
-        for (const QString& name : names_) {
+        for (const QString& name : written_) {
             QFile::remove(platform::JoinPath(export_.folder, name));
         }
         QDir().rmdir(export_.folder);
@@ -124,6 +124,7 @@ class ExportRun {
             }
             RequireOwnWay(path, archiveFolder_);
             names_.insert(name.toLower());
+            written_.append(name);
             CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
             return name;
         } catch (const platform::FileError& error) {
@@ -135,6 +136,7 @@ class ExportRun {
     store::Database& database_;
     ArchiveTable table_;
     const QString& archiveFolder_;
+    QStringList written_{DataName, TableName};
     QSet<QString> names_{DataName.toLower(), TableName.toLower()};
     QString csv_;
     QJsonArray list_;
@@ -162,11 +164,11 @@ Export ExportRecords(store::Database& database, const QString& archiveFolder,
             progress(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
             run.Add(id);
         }
-    } catch (const platform::Cancelled&) {
+        return run.Finish();
+    } catch (...) {
         run.Discard();
         throw;
     }
-    return run.Finish();
 }
 
 }  // namespace kadrona::core

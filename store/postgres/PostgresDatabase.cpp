@@ -4,6 +4,7 @@
 
 #include <QCryptographicHash>
 
+#include "platform/HarmlessText.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Words.h"
@@ -36,11 +37,33 @@ QString WordArray(const std::vector<QByteArray>& words) {
     return u'{' + QString::fromUtf8(text) + u'}';
 }
 
+/// A function or operator where the server looks for those of our statements, whose owner has no
+/// right to act for us: it would run with our rights where it fits better than the server's own.
+const QString ForeignCode =
+    uR"(
+    SELECT found.name FROM (
+        SELECT proname AS name, pronamespace AS place, proowner AS owner FROM pg_catalog.pg_proc
+        WHERE prorettype <> 'pg_catalog.trigger'::pg_catalog.regtype::oid
+        UNION ALL SELECT oprname, oprnamespace, oprowner FROM pg_catalog.pg_operator) found
+    JOIN pg_catalog.pg_namespace place ON place.oid = found.place
+    JOIN pg_catalog.pg_roles owner ON owner.oid = found.owner
+    JOIN pg_catalog.pg_roles self ON self.rolname = CURRENT_USER
+    JOIN pg_catalog.pg_database here ON here.datname = pg_catalog.current_database()
+    WHERE place.nspname = ANY (pg_catalog.current_schemas(false)) AND NOT owner.rolsuper
+      AND owner.oid <> here.datdba
+      AND (self.rolsuper OR NOT pg_catalog.pg_has_role(owner.oid, 'MEMBER')) LIMIT 1)"_s;
+
 }  // namespace
 
 PostgresDatabase::PostgresDatabase(const ServerAddress& address, const ServerPatience& patience)
     : Database(u"%1 auf %2"_s.arg(address.database, address.host)), link_(address, patience) {
     link_.Run(QByteArray("LISTEN ") + Channel);
+    if (Statement foreign(*this, ForeignCode); foreign.Step()) {
+        throw StoreError(
+            u"In der Datenbank „%1“ liegt eine Funktion eines anderen Benutzers („%2“), die mit "
+            u"Ihren Rechten liefe. Der Verwalter des Servers muss sie entfernen."_s.arg(
+                Name(), platform::HarmlessLine(foreign.Text(0))));
+    }
 }
 
 std::unique_ptr<PreparedStatement> PostgresDatabase::Prepare(const QString& sql) {

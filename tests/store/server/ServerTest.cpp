@@ -254,8 +254,8 @@ TEST(ToldServerTest, AHostileAnswerIsGivenUp) {
              Case{{}, parameter.repeated(1000), 0, u"kommt mit seiner Antwort an kein Ende"},
              Case{{"E\0\0\0\5\0Z\0\0\0\5I", 12}, {}, 0, u"sagt nicht, warum"},
          }) {
-        const ToldServer server(Greeting("15.1") << listening << row.answer, row.endless,
-                                std::chrono::microseconds(row.pause));
+        const ToldServer server(Greeting("15.1") << listening << listening << row.answer,
+                                row.endless, std::chrono::microseconds(row.pause));
         QElapsedTimer time;
         time.start();
         const QString text = TextOf<StoreError>([&] {
@@ -267,7 +267,7 @@ TEST(ToldServerTest, AHostileAnswerIsGivenUp) {
     }
     const ToldServer flooding({"N", QByteArray("R\0\0\0\10\0\0\0\0", 9)}, parameter.repeated(1000));
     EXPECT_THROW(PostgresDatabase(flooding.Address(), Short), ConnectionLost);
-    const ToldServer deaf(Greeting("15.1") << listening << listening);
+    const ToldServer deaf(Greeting("15.1") << listening << listening << listening);
     PostgresDatabase database(deaf.Address(), Short);
     QElapsedTimer time;
     time.start();
@@ -305,6 +305,24 @@ TEST_F(ServerTest, SaysWhatStandsInTheWay) {
     EXPECT_TRUE(TextOf<StoreError>([&] {
                     Insert(database_, u"x"_s);
                 }).endsWith(u"Ein anderes Programm benutzt die Datenbank."_s));
+}
+
+/// It would be called for "=" between a column and a text.
+TEST_F(ServerTest, AnotherUsersFunctionsAreNotRun) {
+    database_.Execute(u"GRANT CREATE ON SCHEMA public TO gast"_s);
+    ServerAddress guest = address_;
+    guest.user = guest.password = u"gast"_s;
+    {
+        PostgresDatabase other(guest);
+        other.Execute(
+            u"CREATE FUNCTION trap(varchar, varchar) RETURNS boolean LANGUAGE sql AS "
+            u"'SELECT true'"_s);
+        EXPECT_NO_THROW(PostgresDatabase{guest}) << "their own";
+    }
+    EXPECT_TRUE(
+        TextOf<StoreError>([&] { const PostgresDatabase caught(address_); }).contains(u"„trap“"_s));
+    database_.Execute(u"ALTER FUNCTION trap OWNER TO kadrona"_s);
+    EXPECT_NO_THROW(PostgresDatabase{guest}) << "the administrator's";
 }
 
 /// Neither keeps the program waiting, and what is lost stays lost.
