@@ -126,9 +126,9 @@ void TmainFm::CreateActions(dialogs::TfmRGBKurve& curveDialog) {
                                                    actions_, *viewActions_, *printFlow_);
     uploadActions_ =
         std::make_unique<UploadActions>(session_, *this, *data_, *settings_, *ui_, actions_);
-    archiveActions_ =
-        std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
-                                         *archiveWindow_, actions_, *viewActions_, *printFlow_);
+    archiveActions_ = std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
+                                                       *archiveWindow_, *statusPanels_, actions_,
+                                                       *viewActions_, *printFlow_);
     waitingPhotos_ = std::make_unique<WaitingPhotos>(*data_, *this);
     colourTools_ =
         std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, curveDialog);
@@ -183,6 +183,7 @@ void TmainFm::ShowSession() {
                      .templateLoaded = session_.HasTemplate(),
                      .canUndo = image.CanUndo(),
                      .cutKnown = !session_.Cut().IsEmpty(),
+                     .archivable = data_ && data_->CanArchive(),
                      .sheetPrinted = printFlow_ && printFlow_->HasPrinted(),
                      .layoutIndex = session_.LayoutIndex()},
                     *settings_);

@@ -6,6 +6,7 @@
 #include "app/base/SmallPicture.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
+#include "core/archive/ArchiveTable.h"
 #include "core/base/FileDialogs.h"
 #include "dialogs/adjustments/RotateDialog.h"
 #include "dialogs/archive/ImageTags.h"
@@ -29,12 +30,13 @@ bool WindowInterface::AskYesNo(const QString& text) {
     return controls::AskYesNo(TopWindow(), text, controls::Severity::Warning);
 }
 
-std::optional<QStringList> WindowInterface::EditTags(const imaging::Pixels& photo) {
+std::optional<QStringList> WindowInterface::EditTags(const imaging::Pixels& photo,
+                                                     const QStringList& lines) {
     const controls::WaitCursorPause pause;
     // Whose photo gets the tags is to be seen behind the editor.
     view_.Fit();
     tagEditor_->SetPicture(QPixmap::fromImage(SmallPicture(photo)));
-    if (tagEditor_->ShowEx() != controls::ModalResult::Ok) {
+    if (tagEditor_->ShowEx(core::TagText(lines)) != controls::ModalResult::Ok) {
         return std::nullopt;
     }
     return tagEditor_->Lines();

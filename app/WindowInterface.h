@@ -33,7 +33,8 @@ class WindowInterface : public core::UserInterface {
 
     void ShowMessage(const QString& text) override;
     bool AskYesNo(const QString& text) override;
-    std::optional<QStringList> EditTags(const imaging::Pixels& photo) override;
+    std::optional<QStringList> EditTags(const imaging::Pixels& photo,
+                                        const QStringList& lines) override;
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;
     std::optional<double> AskForRotation(const imaging::Pixels& preview) override;
 

@@ -10,7 +10,10 @@ namespace kadrona::bench {
 class SilentInterface : public core::UserInterface {
  public:
     void ShowMessage(const QString& text) override { std::printf("%s\n", qPrintable(text)); }
-    std::optional<QStringList> EditTags(const imaging::Pixels& /*photo*/) override { return {}; }
+    std::optional<QStringList> EditTags(const imaging::Pixels& /*photo*/,
+                                        const QStringList& /*lines*/) override {
+        return {};
+    }
     std::optional<QString> AskForSaveFile(const core::SaveDialog& /*dialog*/) override {
         return {};
     }

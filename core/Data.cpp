@@ -79,6 +79,11 @@ void TData::SetCurrentFile(const QString& path) {
 void TData::SetOpenedFile(const QString& path) {
     const QFileInfo file(path);
     opened_ = {path, file.size(), file.lastModified()};
+    single_ = {};
+}
+
+void TData::SetTags(const QString& tags) {
+    single_.tags = TagLines(tags);
 }
 
 QString TData::OpenedFile() const {
@@ -131,11 +136,12 @@ QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
             u"Datei %1 liegt außerhalb des Archivs und wird nicht verwendet!"_s.arg(path));
         return {};
     }
+    const bool there = IsArchiveFolder(archiveFolder);
     if (const QString reason = ForeignWay(path, archiveFolder); !reason.isEmpty()) {
         ui_.ShowMessage(u"Datei %1 wird nicht verwendet: %2."_s.arg(path, reason));
         return {};
     }
-    if (QFileInfo(path).isFile()) {
+    if (there && QFileInfo(path).isFile()) {
         return path;
     }
     ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);

@@ -94,9 +94,11 @@ class TData {
     void TileImage(imaging::LayeredImage& image, int layoutIndex) {
         TilePhoto(image, Making(), layoutIndex);
     }
-    void ArchiveImage(imaging::LayeredImage& sheet, const imaging::Pixels& cut, int layoutIndex) {
-        ArchiveCut(sheet, cut, Making(), layoutIndex);
-    }
+    void ArchiveImage(imaging::LayeredImage& sheet) { ArchiveSingle(sheet, Making()); }
+    /// Whether a sheet was made of the open photo that is not in the archive yet.
+    bool CanArchive() const { return !single_.photo.IsEmpty() && !single_.isArchived; }
+    /// What the tag editor begins with for the open photo.
+    void SetTags(const QString& tags);
     void RotateImage(imaging::LayeredImage& image) { LevelPhoto(image, ui_); }
 
     // Photo profiles
@@ -186,7 +188,8 @@ class TData {
 
  private:
     SheetMaking Making() {
-        return {template_, *settings_, layout_, archive_, ui_, frameSize_, paper_, OpenedFile()};
+        return {template_,  *settings_, layout_, archive_,    ui_,
+                frameSize_, paper_,     single_, OpenedFile()};
     }
 
     /// Empty where another file has come under its name, as that of the next customer's card may.
@@ -211,6 +214,7 @@ class TData {
 
     int frameSize_ = 25;
     PaperChoice paper_;
+    SinglePhoto single_;
     QString currentFile_;
     QString currentFileFolder_;
     struct {

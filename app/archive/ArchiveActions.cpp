@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <QStatusBar>
 
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
@@ -30,13 +31,15 @@ using Choice = dialogs::TfmImgSearch::Choice;
 ArchiveActions::ArchiveActions(PhotoSession& session, imaging::view::ImageView& view,
                                core::TData& data, const core::Settings& settings,
                                core::UserInterface& ui, dialogs::TfmImgSearch& archive,
-                               MainActions& actions, ViewActions& viewActions, PrintFlow& printFlow)
+                               QStatusBar& statusBar, MainActions& actions,
+                               ViewActions& viewActions, PrintFlow& printFlow)
     : session_(session),
       view_(view),
       data_(data),
       settings_(settings),
       ui_(ui),
       archive_(archive),
+      statusBar_(statusBar),
       actions_(actions),
       viewActions_(viewActions),
       printFlow_(printFlow) {
@@ -54,8 +57,16 @@ bool ArchiveActions::HasFolder() {
 }
 
 void ArchiveActions::acArchivePhotoExecute() {
-    if (HasFolder()) {
-        data_.ArchiveImage(session_.Image(), session_.Cut(), session_.LayoutIndex());
+    constexpr int Milliseconds = 8000;
+    if (!HasFolder()) {
+        return;
+    }
+    data_.ArchiveImage(session_.Image());
+    if (!data_.CanArchive()) {
+        statusBar_.showMessage(data_.Archiving().IsAway()
+                                   ? u"Das Passbild wartet auf den Server des Bildarchivs."_s
+                                   : u"Das Passbild ist jetzt im Bildarchiv."_s,
+                               Milliseconds);
     }
 }
 
@@ -85,11 +96,17 @@ void ArchiveActions::OpenForCutting(const QString& archiveFolder) {
         original ? core::StoredFolderPath(archiveFolder,
                                           core::StoredPath(original->folder, original->name))
                  : QString();
-    if (!original || !core::IsInsideArchive(path, archiveFolder) || !QFileInfo(path).isFile()) {
+    if (!original || !core::IsInsideArchive(path, archiveFolder) ||
+        !core::IsArchiveFolder(archiveFolder) || !QFileInfo(path).isFile()) {
         ui_.ShowMessage(u"Das Original dieses Bildes konnte nicht gefunden werden!"_s);
         return;
     }
+    const auto record = data_.Archive()->Read(data_.CurrentRecord());
     openOriginal_(path);
+    if (session_.FileName() != path) {
+        return;  // given up
+    }
+    data_.SetTags(record ? record->tags : QString());
     imaging::LayeredImage& image = session_.Image();
     if (!session_.HasTemplate() || image.Photo().Size() != original->photo) {
         return;

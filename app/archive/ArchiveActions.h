@@ -7,6 +7,7 @@
 
 #include "core/sheet/PaperSheet.h"
 
+class QStatusBar;
 class QString;
 
 namespace kadrona::core {
@@ -38,8 +39,8 @@ class ArchiveActions : public QObject {
  public:
     ArchiveActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
                    const core::Settings& settings, core::UserInterface& ui,
-                   dialogs::TfmImgSearch& archive, MainActions& actions, ViewActions& viewActions,
-                   PrintFlow& printFlow);
+                   dialogs::TfmImgSearch& archive, QStatusBar& statusBar, MainActions& actions,
+                   ViewActions& viewActions, PrintFlow& printFlow);
 
     /// Who says what a sheet of photos of a size, in micrometres, is made on; nothing where there
     /// is to be no sheet. The size is asked only where a paper is chosen.
@@ -66,6 +67,7 @@ class ArchiveActions : public QObject {
     const core::Settings& settings_;
     core::UserInterface& ui_;
     dialogs::TfmImgSearch& archive_;
+    QStatusBar& statusBar_;
     MainActions& actions_;
     ViewActions& viewActions_;
     PrintFlow& printFlow_;

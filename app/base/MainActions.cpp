@@ -91,7 +91,7 @@ constexpr std::array Definitions = {
                      -1, UpdateRule::None},
     ActionDefinition{Action::ArchivePhoto, u"acArchivePhoto", u"Archivieren",
                      u"Legt das fertige Passbild im Bildarchiv ab", u"", u"archive", -1,
-                     UpdateRule::MadeCut},
+                     UpdateRule::Archivable},
 };
 
 /// Tags of acCrop and acAlignToFace, which also need a template.
@@ -144,8 +144,8 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
         case UpdateRule::Cut:
             return {.enabled =
                         circumstances.cutKnown || (editable && circumstances.templateLoaded)};
-        case UpdateRule::MadeCut:
-            return {.enabled = circumstances.sheetCreated && circumstances.cutKnown};
+        case UpdateRule::Archivable:
+            return {.enabled = circumstances.sheetCreated && circumstances.archivable};
         case UpdateRule::None:
             break;
     }

@@ -64,6 +64,8 @@ struct ActionCircumstances {
     bool canUndo = false;
     /// The photo as it was cut is still there.
     bool cutKnown = false;
+    /// A sheet was made of the open photo, which is not in the archive yet.
+    bool archivable = false;
     bool sheetPrinted = false;
     /// Item index of the picture count box.
     int layoutIndex = -1;
@@ -78,7 +80,7 @@ enum class UpdateRule {
     PrintAgain,  ///< once a sheet was printed
     SaveFast,    ///< acSaveImageFastUpdate: a sheet of one photo
     Cut,         ///< while there is a cut photo, or a template to cut it by
-    MadeCut,     ///< once a sheet is made of a cut that is still known
+    Archivable,  ///< once a sheet is made whose photo is not in the archive yet
 };
 
 /// One row of the list of actions.

@@ -19,7 +19,7 @@ class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
     void ShowMessage(const QString& text) override { errors_ << HarmlessText(text) << Qt::endl; }
-    std::optional<QStringList> EditTags(const imaging::Pixels&) override {
+    std::optional<QStringList> EditTags(const imaging::Pixels&, const QStringList&) override {
         ShowMessage(
             u"Das Foto wird nicht archiviert: Schlüsselworte können nur im Fenster eingegeben "
             u"werden."_s);

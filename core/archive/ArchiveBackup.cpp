@@ -49,13 +49,12 @@ void RemoveMakingFolder(const QString& folder) {
 
 /// Throws where a backup there would be mixed with other files, or copy itself.
 void RequireTarget(const QString& archiveFolder, const QString& target, const QString& markerText) {
-    const QFileInfo folder(target);
-    if (!folder.isDir()) {
+    if (!IsArchiveFolder(target)) {
         throw platform::FileError(
             u"Der Ordner „%1“ für die Sicherung ist nicht erreichbar."_s.arg(target));
     }
     const QString from = QFileInfo(archiveFolder).canonicalFilePath();
-    const QString to = folder.canonicalFilePath();
+    const QString to = QFileInfo(target).canonicalFilePath();
     if (IsInsideArchive(to, from) || IsInsideArchive(from, to)) {
         throw platform::FileError(
             u"Die Sicherung braucht einen Ordner außerhalb des Archivs; „%1“ liegt darin oder "
@@ -230,7 +229,8 @@ Backup BackUpArchive(store::Database& database, const QString& archiveFolder, co
                      const platform::Progress& progress) {
     RequireArchiveFolder(archiveFolder);
     RequireTarget(archiveFolder, target, MarkerText(database));
-    return BackupRun(database, archiveFolder, target, progress).Run();
+    const platform::Progress answering = WhileAnswering({archiveFolder, target}, progress);
+    return BackupRun(database, archiveFolder, target, answering).Run();
 }
 
 }  // namespace kadrona::core

@@ -267,7 +267,8 @@ ArchiveReport CheckArchive(store::Database& database, const QString& archiveFold
     if (place == CheckedPlace::Archive) {
         FinishDeletion(database, archiveFolder);
     }
-    return Check(database, archiveFolder, place, progress).Run();
+    const platform::Progress answering = WhileAnswering({archiveFolder}, progress);
+    return Check(database, archiveFolder, place, answering).Run();
 }
 
 void AdoptChanged(store::Database& database, const QString& archiveFolder,

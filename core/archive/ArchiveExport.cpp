@@ -12,6 +12,7 @@
 #include "core/archive/ArchiveOriginals.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderProbe.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
@@ -26,7 +27,7 @@ const QString TableName = u"Daten.csv"_s;
 /// A folder that did not exist, with a number behind its name where one of that name did.
 QString NewFolder(const QString& target, const QString& title) {
     constexpr int MostTries = 1000;
-    if (!QFileInfo(target).isDir()) {
+    if (!IsArchiveFolder(target)) {
         throw platform::FileError(u"Der Ordner „%1“ ist nicht erreichbar."_s.arg(target));
     }
     for (int number = 1; number < MostTries; ++number) {
@@ -42,14 +43,6 @@ QString NewFolder(const QString& target, const QString& title) {
     }
     throw platform::FileError(
         u"Im Ordner „%1“ ist für „%2“ kein Name mehr frei."_s.arg(target, title));
-}
-
-QStringList TagLines(const QString& tags) {
-    QStringList lines;
-    for (const QString& line : tags.split(u'\n', Qt::SkipEmptyParts)) {
-        lines.append(line.trimmed());
-    }
-    return lines;
 }
 
 class ExportRun {
@@ -157,16 +150,19 @@ Export ExportRecords(store::Database& database, const QString& archiveFolder,
                      const std::vector<qint64>& ids, const QString& target, const QString& title,
                      const platform::Progress& progress) {
     RequireArchiveFolder(archiveFolder);
+    const platform::Progress answering = WhileAnswering({archiveFolder, target}, progress);
     ExportRun run(database, archiveFolder, NewFolder(target, SafeFileName(title)));
     qint64 done = 0;
     try {
         for (const qint64 id : ids) {
-            progress(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
+            answering(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
             run.Add(id);
         }
         return run.Finish();
     } catch (...) {
-        run.Discard();
+        if (platform::LookAtFolder(target) == platform::FolderState::There) {
+            run.Discard();
+        }
         throw;
     }
 }

@@ -22,8 +22,7 @@ struct Export {
 /// `title`: photos, originals behind "Original_", and what the database says of them as
 /// "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a spreadsheet would
 /// take for a formula begins with an apostrophe). Numbers that are no record's are left out. Throws
-/// platform::FileError, store::StoreError and platform::Cancelled; what was copied until then
-/// stays.
+/// platform::FileError, store::StoreError and platform::Cancelled; nothing of it is left then.
 Export ExportRecords(store::Database& database, const QString& archiveFolder,
                      const std::vector<qint64>& ids, const QString& target, const QString& title,
                      const platform::Progress& progress);

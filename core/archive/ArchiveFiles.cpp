@@ -5,11 +5,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <chrono>
 
 #include "core/archive/KeepingSchema.h"
 #include "core/base/FileNaming.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderProbe.h"
 #include "platform/HarmlessText.h"
 #include "platform/Links.h"
 #include "platform/Paths.h"
@@ -87,11 +89,38 @@ void RequireOwnWay(const QString& path, const QString& folder) {
     }
 }
 
+bool IsArchiveFolder(const QString& archiveFolder) {
+    const platform::FolderState state = archiveFolder.isEmpty()
+                                            ? platform::FolderState::Missing
+                                            : platform::LookAtFolder(archiveFolder);
+    if (state == platform::FolderState::Silent) {
+        throw platform::FileError(
+            u"Der Ordner „%1“ antwortet nicht. Ist sein Laufwerk oder die Verbindung dorthin "
+            u"gestört?"_s.arg(archiveFolder));
+    }
+    return state == platform::FolderState::There;
+}
+
 void RequireArchiveFolder(const QString& archiveFolder) {
-    if (archiveFolder.isEmpty() || !QFileInfo(archiveFolder).isDir()) {
+    if (!IsArchiveFolder(archiveFolder)) {
         throw platform::FileError(
             u"Der Ordner des Bildarchivs „%1“ ist nicht erreichbar."_s.arg(archiveFolder));
     }
+}
+
+platform::Progress WhileAnswering(const QStringList& folders, platform::Progress progress) {
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds BetweenLooks(500);
+    return [folders, progress = std::move(progress), next = Clock::now() + BetweenLooks](
+               const QString& what, qint64 done, qint64 total) mutable {
+        progress(what, done, total);
+        if (Clock::now() >= next) {
+            for (const QString& folder : folders) {
+                RequireArchiveFolder(folder);
+            }
+            next = Clock::now() + BetweenLooks;
+        }
+    };
 }
 
 std::optional<FileDigest> DigestOf(const QString& path, const FileTick& tick) {

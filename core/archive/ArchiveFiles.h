@@ -2,10 +2,12 @@
 
 #include <QSet>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 
 #include "core/archive/ArchiveTable.h"
+#include "platform/Progress.h"
 
 /// The files of the archive, and the names by which the database knows them.
 namespace kadrona::core {
@@ -37,9 +39,18 @@ QString ForeignWay(const QString& path, const QString& folder);
 /// Throws platform::FileError where there is such a reason.
 void RequireOwnWay(const QString& path, const QString& folder);
 
-/// Throws platform::FileError where there is no such folder: a share that is not mounted must not
-/// pass for an archive without photos.
+/// Whether there is a folder. Throws platform::FileError where it does not answer: whatever is done
+/// in it would hold the window up. So whoever works in an archive's folder asks this shortly
+/// before.
+bool IsArchiveFolder(const QString& archiveFolder);
+
+/// Throws platform::FileError where there is no such folder, too: a share that is not mounted must
+/// not pass for an archive without photos.
 void RequireArchiveFolder(const QString& archiveFolder);
+
+/// The progress of a long operation in folders: throws as RequireArchiveFolder where one of them is
+/// gone or silent meanwhile.
+platform::Progress WhileAnswering(const QStringList& folders, platform::Progress progress);
 
 /// Called for each megabyte of a file, for anybody may have laid a large one there; what it throws
 /// ends the work.

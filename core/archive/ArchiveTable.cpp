@@ -36,6 +36,14 @@ QString TagText(const QStringList& lines) {
     return text;
 }
 
+QStringList TagLines(const QString& tags) {
+    QStringList lines;
+    for (const QString& line : tags.split(u'\n', Qt::SkipEmptyParts)) {
+        lines.append(line.trimmed());
+    }
+    return lines;
+}
+
 QString ShownTime(const QDateTime& created) {
     return created.toString(u"dd.MM.yyyy HH:mm"_s);
 }

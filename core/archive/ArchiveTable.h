@@ -28,6 +28,9 @@ struct ArchiveRecord {
 /// Tags as they are stored: CR LF after every line.
 QString TagText(const QStringList& lines);
 
+/// The lines of tags as they are stored, without empty ones.
+QStringList TagLines(const QString& tags);
+
 /// "ImgErstellt" as it is shown and searched: "07.03.2026 14:30"; empty where there is none.
 QString ShownTime(const QDateTime& created);
 

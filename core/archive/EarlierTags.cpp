@@ -1,5 +1,6 @@
 #include "core/archive/EarlierTags.h"
 
+#include "core/archive/ArchiveTable.h"
 #include "store/Statement.h"
 
 using namespace Qt::StringLiterals;
@@ -14,9 +15,7 @@ QStringList EarlierTags(store::Database& database) {
                                 MostRecords));
     QStringList tags;
     while (select.Step()) {
-        for (const QString& line : select.Text(0).split(u'\n', Qt::SkipEmptyParts)) {
-            tags.append(line.trimmed());
-        }
+        tags += TagLines(select.Text(0));
     }
     tags.removeAll(QString());
     tags.removeDuplicates();

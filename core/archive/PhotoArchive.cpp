@@ -205,8 +205,9 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
     }
     const QString monthFolder = GetMonthDir(names);
     const QString folder = StoredFolderPath(known.archiveFolder, monthFolder);
+    const bool there = IsArchiveFolder(known.archiveFolder);
     RequireOwnWay(folder, known.archiveFolder);
-    if (QFileInfo(known.archiveFolder).isDir() && !platform::CreateFolder(folder)) {
+    if (there && !platform::CreateFolder(folder)) {
         return Filing::NoFolder;
     }
     ClaimedFile file;

@@ -28,9 +28,10 @@ class UserInterface {
         return false;
     }
 
-    /// Lets the user enter tags, starting from none: the lines entered, or nothing when cancelled.
-    /// `photo` is the single photo that gets them.
-    virtual std::optional<QStringList> EditTags(const imaging::Pixels& photo) = 0;
+    /// Lets the user enter tags, starting from those lines: the lines entered, or nothing when
+    /// cancelled. `photo` is the single photo that gets them.
+    virtual std::optional<QStringList> EditTags(const imaging::Pixels& photo,
+                                                const QStringList& lines) = 0;
 
     /// Lets the user choose the file to save to, which may exist only where the user agreed to
     /// replace it. Nothing when cancelled.

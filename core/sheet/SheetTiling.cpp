@@ -55,17 +55,19 @@ QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive, const
 /// Files the photo with its border, before it is turned and repeated; a cancelled tag editor files
 /// nothing, a failing archive can be tried again with the same tags, and the sheet is made all the
 /// same.
-void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making,
-                        const std::optional<OriginalToKeep>& original) {
-    const auto lines = making.ui.EditTags(image.Photo());
+void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making) {
+    SinglePhoto& single = making.single;
+    const auto lines = making.ui.EditTags(image.Photo(), single.tags);
     if (!lines) {
         return;
     }
-    const PhotoToFile photo{.archiveFolder = making.settings.ImageDestinationDir(),
-                            .templateName = making.shape.name,
-                            .tags = TagText(*lines),
-                            .objectName = lines->value(0),
-                            .original = original};
+    single.tags = *lines;
+    const PhotoToFile photo{
+        .archiveFolder = making.settings.ImageDestinationDir(),
+        .templateName = single.templateName,
+        .tags = TagText(*lines),
+        .objectName = lines->value(0),
+        .original = making.settings.KeepOriginals() ? single.original : std::nullopt};
     QString failure;
     do {
         failure = FilingFailure(image, making.archive, photo, making.ui);
@@ -73,6 +75,7 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making,
              making.ui.AskYesNo(
                  failure +
                  u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s));
+    single.isArchived = failure.isEmpty();
 }
 
 /// What was done to a photo, in words.
@@ -88,20 +91,17 @@ QString ChangesOf(const imaging::PhotoEdits& edits) {
     return changes.join(u", "_s);
 }
 
-/// What is kept of the photo that is cut; nothing where the settings do not say so.
-std::optional<OriginalToKeep> OriginalOf(const imaging::LayeredImage& image,
-                                         const SheetMaking& making, const QRect& rectangle) {
-    if (!making.settings.ImageAutoSave() || !making.settings.KeepOriginals()) {
-        return std::nullopt;
-    }
+/// What can be kept of the photo that is cut.
+OriginalToKeep OriginalOf(const imaging::LayeredImage& image, const SheetMaking& making,
+                          const QRect& rectangle) {
     const QFileInfo opened(making.openedFile);
-    return OriginalToKeep{.file = making.openedFile,
-                          .bytes = opened.size(),
-                          .modified = opened.lastModified(),
-                          .photo = image.Photo(),
-                          .size = image.Photo().Size(),
-                          .rectangle = rectangle,
-                          .changes = ChangesOf(image.Edits())};
+    return {.file = making.openedFile,
+            .bytes = opened.size(),
+            .modified = opened.lastModified(),
+            .photo = image.Photo(),
+            .size = image.Photo().Size(),
+            .rectangle = rectangle,
+            .changes = ChangesOf(image.Edits())};
 }
 
 /// The sheet's own resolution, or the one at which a cut that is `width` pixels wide prints at its
@@ -155,14 +155,15 @@ void MakeSingle(imaging::LayeredImage& image, const SheetMaking& making, int lay
 
 }  // namespace
 
-void ArchiveCut(imaging::LayeredImage& image, const imaging::Pixels& cut, const SheetMaking& making,
-                int layoutIndex) {
-    imaging::LayeredImage single;
-    single.Open(cut, {});
-    single.SetIptc(image.Iptc());
-    MakeSingle(single, making, layoutIndex);
-    ArchiveSinglePhoto(single, making, {});
-    image.SetIptc(single.Iptc());
+void ArchiveSingle(imaging::LayeredImage& sheet, const SheetMaking& making) {
+    if (making.single.photo.IsEmpty() || making.single.isArchived) {
+        return;
+    }
+    imaging::LayeredImage image;
+    image.Open(making.single.photo, {making.single.resolution});
+    image.SetIptc(sheet.Iptc());
+    ArchiveSinglePhoto(image, making);
+    sheet.SetIptc(image.Iptc());
 }
 
 void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex) {
@@ -176,18 +177,23 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
         // A place that cannot be remembered must not cost the customer the photos.
         making.ui.ShowMessage(error.Text());
     }
-    const std::optional<OriginalToKeep> original = OriginalOf(image, making, rectangle);
+    OriginalToKeep original = OriginalOf(image, making, rectangle);
     image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
     image.RemoveLayersAbovePhoto();
-    TilePhoto(image, making, layoutIndex, original);
+    TilePhoto(image, making, layoutIndex, std::move(original));
 }
 
 void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layoutIndex,
-               const std::optional<OriginalToKeep>& original) {
+               std::optional<OriginalToKeep> original) {
     const QSize photo = image.Photo().Size();
     MakeSingle(image, making, layoutIndex);
+    making.single = {.photo = image.Photo(),
+                     .resolution = image.Resolution(),
+                     .templateName = making.shape.name,
+                     .original = std::move(original),
+                     .tags = std::move(making.single.tags)};
     if (making.settings.ImageAutoSave()) {
-        ArchiveSinglePhoto(image, making, original);
+        ArchiveSinglePhoto(image, making);
     }
     if (making.paper.paper) {
         const imaging::DotsPerInch resolution = SheetResolution(making, photo.width());

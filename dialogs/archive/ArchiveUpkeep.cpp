@@ -82,6 +82,7 @@ QString ArchiveUpkeep::Question(const std::vector<qint64>& ids) const {
 }
 
 bool ArchiveUpkeep::Delete(const std::vector<qint64>& ids) {
+    core::RequireArchiveFolder(folder_);
     return !ids.empty() && controls::AskYesNo(Over(), Question(ids), controls::Severity::Warning) &&
            DeleteNow(ids, u"Bilder löschen"_s);
 }

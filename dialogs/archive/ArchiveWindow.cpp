@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLocale>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -309,8 +310,9 @@ void TfmImgSearch::acEditTagsExecute() {
     if (!archiveFolder_.isEmpty()) {
         // A search that was still due has made another record current meanwhile.
         data_.SetCurrentRecord(id);
+        const auto back =
+            qScopeGuard([this] { data_.SetCurrentRecord(grid_->Current().value_or(0)); });
         const QString path = data_.GetFileNameFromRecord(archiveFolder_);
-        data_.SetCurrentRecord(grid_->Current().value_or(0));
         data_.RewriteIptcToImage(path, tagEditor_.FirstLine(), tagEditor_.Tags());
         core::KeepDigest(data_.ArchiveDatabase(), id, path);
     }

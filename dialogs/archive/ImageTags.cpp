@@ -68,10 +68,12 @@ controls::ModalResult TfmImageTagEdit::ShowEx(const QString& tags) {
     tagMemo_->SetSuggestions(source_ ? source_() : QStringList());
     const QPixmap picture = std::exchange(picture_, {});
     photo_->setVisible(!picture.isNull());
-    photo_->setPixmap(picture.isNull()
-                          ? picture
-                          : picture.scaled(PictureBox * devicePixelRatioF(), Qt::KeepAspectRatio,
-                                           Qt::SmoothTransformation));
+    if (!picture.isNull()) {
+        QPixmap shown = picture.scaled(PictureBox * devicePixelRatioF(), Qt::KeepAspectRatio,
+                                       Qt::SmoothTransformation);
+        shown.setDevicePixelRatio(devicePixelRatioF());
+        photo_->setPixmap(shown);
+    }
     tagMemo_->setPlainText(tags);
     tagMemo_->moveCursor(QTextCursor::End);
     tagMemo_->setFocus();

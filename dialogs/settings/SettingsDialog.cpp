@@ -24,6 +24,7 @@
 #include "dialogs/base/WindowPlacement.h"
 #include "dialogs/settings/ArchiveServerEdit.h"
 #include "dialogs/settings/UploadFiguresEdit.h"
+#include "platform/FolderProbe.h"
 #include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
@@ -65,7 +66,7 @@ void RequireFolder(const QString& path) {
     if (path.isEmpty()) {
         throw Error(u"Bitte geben Sie ein Verzeichnis an!"_s);
     }
-    if (!QDir(path).exists()) {
+    if (platform::LookAtFolder(path) != platform::FolderState::There) {
         throw Error(u"Das Verzeichnis ist ungültig!"_s);
     }
 }

@@ -28,13 +28,17 @@ class ArchiveStory : public Story {
     }
 
     /// Opens a photo, makes a sheet of two by three and answers the tag dialog; without tags it is
-    /// cancelled.
-    void Archive(const char* photo, const std::optional<QString>& tags) {
+    /// cancelled. Where archiving then fails with a message it is not tried again.
+    void Archive(const char* photo, const std::optional<QString>& tags,
+                 const QString& failure = {}) {
         Open(photo);
         Setting<QLineEdit>("ImageDestinationDir").setText(ArchiveFolder());
         Setting<QAbstractButton>("ImageAutoSave").setChecked(true);
         SetLayout(1);
         AnswerTags(tags);
+        if (!failure.isEmpty()) {
+            driver.Answer(failure, u"NoButton"_s);
+        }
         Trigger(u"acCrop"_s);
     }
 
@@ -100,6 +104,36 @@ TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
     EXPECT_TRUE(IsEnabled(u"acPrintImage"_s));
     EXPECT_FALSE(IsEnabled(u"acCrop"_s));
     EXPECT_FALSE(IsEnabled(u"acUndo"_s));
+}
+
+TEST_F(ArchiveStory, WhatFailedIsArchivedAfterwardsAsItWouldHaveBeen) {
+    const auto expectTags = [this](const QString& offered) {
+        driver.Expect(u"fmImageTagEdit"_s, [offered](QWidget& shown) {
+            EXPECT_EQ(Child<QPlainTextEdit>(shown, "TagMemo").toPlainText(), offered);
+            ClickButton(shown, "btnOk");
+        });
+    };
+    Setting<QAbstractButton>("KeepOriginals").setChecked(true);
+    ASSERT_TRUE(QDir().rmdir(ArchiveFolder()));
+    Archive("photo.png", u"Weg\nKöln"_s, u"nicht archiviert"_s);
+    const QSize single = QSize(Image().Photo().Width() / 3, Image().Photo().Height() / 2);
+
+    QDir().mkpath(ArchiveFolder());
+    SetLayout(6);  // its border is another one
+    expectTags(u"Weg\nKöln\n"_s);
+    Trigger(u"acArchivePhoto"_s);
+    EXPECT_EQ(QImageReader(PhotoOf(2)).size(), single);
+    EXPECT_TRUE(QFile::exists(ArchiveFolder() + u"/Originale/2026/03/2026_03_00002.png"_s));
+    EXPECT_FALSE(IsEnabled(u"acArchivePhoto"_s)) << "once is enough";
+
+    // The same customer needs another document.
+    Search(u"Weg"_s, [this](QWidget& shown) {
+        ExpectTemplate(1);
+        Child<QAction>(shown, "acRecut").trigger();
+    });
+    expectTags(u"Weg\nKöln\n"_s);
+    Trigger(u"acCrop"_s);
+    EXPECT_TRUE(QFile::exists(PhotoOf(3)));
 }
 
 TEST_F(ArchiveStory, APaperTakesTheArchivedPhotoWithoutItsBorder) {

@@ -44,7 +44,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
               always + tools + u"acAddToSheet acAlignToFace acCrop acUploadFile "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .templateLoaded = true},
               always + u"acPrintImage acSave "_s},
-          Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true},
+          Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true, .archivable = true},
               always + u"acArchivePhoto acPrintImage acSave acUploadFile "_s},
           Row{SinglePhoto, always + u"acPrintImage acSave acSaveImageFast "_s},
           Row{{.canUndo = true}, always + u"acUndo "_s}}) {

@@ -20,7 +20,9 @@ class FakeInterface : public core::UserInterface {
         messages.append(text);
         return !answers.isEmpty() && answers.takeFirst();
     }
-    std::optional<QStringList> EditTags(const imaging::Pixels& /*photo*/) override {
+    std::optional<QStringList> EditTags(const imaging::Pixels& /*photo*/,
+                                        const QStringList& lines) override {
+        offeredTags = lines;
         ++tagEditorShown;
         return tags;
     }
@@ -41,6 +43,8 @@ class FakeInterface : public core::UserInterface {
     QList<core::SaveDialog> saveDialogs;
     std::optional<QString> saveFile;
     std::optional<QStringList> tags;
+    /// Those that the tag editor began with the last time.
+    QStringList offeredTags;
     int tagEditorShown = 0;
 };
 

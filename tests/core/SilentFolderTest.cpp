@@ -1,0 +1,65 @@
+// An archive on a share that hangs: every look at it waits for ever.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <QElapsedTimer>
+#include <cstring>
+
+#include "core/archive/ArchiveCheck.h"
+#include "tests/core/ArchiveFixture.h"
+#include "tests/support/Errors.h"
+
+namespace {
+
+/// Empty while all folders answer.
+QByteArray silent;  // NOLINT(cert-err58-cpp)
+
+}  // namespace
+
+extern "C" int WaitingStatfs(const char* path, void* disk) __asm__("statfs");
+extern "C" int WaitingStatfs(const char* path, void* disk) {
+    static auto* const real =
+        reinterpret_cast<decltype(&WaitingStatfs)>(dlsym(RTLD_NEXT, "statfs"));
+    while (!silent.isEmpty() && std::strcmp(path, silent.constData()) == 0) {
+        pause();
+    }
+    return real(path, disk);
+}
+
+namespace kadrona::testing {
+
+class SilentFolder : public Archive {
+ protected:
+    ~SilentFolder() override { silent.clear(); }
+    void FallSilent() {
+        silent = QFile::encodeName(archiveFolder);
+        since_.start();
+    }
+    void ExpectWord(const std::function<void()>& operation) const {
+        EXPECT_TRUE(TextOf<platform::FileError>(operation).contains(u"antwortet nicht"_s));
+        EXPECT_LT(since_.elapsed(), 2000);
+    }
+
+ private:
+    QElapsedTimer since_;
+};
+
+TEST_F(SilentFolder, IsToldInsteadOfWaitedFor) {
+    File(u"a\r\n"_s);
+    FallSilent();
+    ExpectWord([&] { File(u"b\r\n"_s); });
+    EXPECT_EQ(Table().Ids().size(), 1U) << "not even an empty record";
+
+    silent.clear();
+    core::CheckArchive(data.ArchiveDatabase(), archiveFolder, platform::NoProgress);
+    ExpectWord([&] {
+        core::CheckArchive(data.ArchiveDatabase(), archiveFolder,
+                           [&](const QString&, qint64, qint64) {
+                               usleep(600'000);
+                               FallSilent();
+                           });
+    });
+}
+
+}  // namespace kadrona::testing
