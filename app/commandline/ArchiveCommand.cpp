@@ -10,6 +10,7 @@
 #include "core/archive/ArchiveCheck.h"
 #include "core/archive/ArchiveExport.h"
 #include "core/archive/ArchiveRebuild.h"
+#include "core/archive/WaitingSearch.h"
 
 using namespace Qt::StringLiterals;
 
@@ -95,12 +96,15 @@ int Rebuild(const ArchiveRequest& request, core::TData& data, QTextStream& outpu
 int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& output,
                 QTextStream& errors) {
     store::Database& database = data.ArchiveDatabase();
-    const std::vector<qint64> ids = data.Archive()->Find(request.search);
-    if (ids.empty()) {
+    const core::FilingQueue& queue = data.Archiving().Queue();
+    const core::ExportSelection found{.ids = data.Archive()->Find(request.search),
+                                      .waiting = core::FindWaiting(queue, {.text = request.search}),
+                                      .queue = queue};
+    if (found.ids.empty() && found.waiting.empty()) {
         errors << HarmlessText(u"„%1“ findet kein Bild."_s.arg(request.search)) << Qt::endl;
         return SomePhotoFailed;
     }
-    const core::Export result = core::ExportRecords(database, request.folder, ids, request.output,
+    const core::Export result = core::ExportRecords(database, request.folder, found, request.output,
                                                     u"Export "_s + request.search, Lines(output));
     output << HarmlessText(u"%1 Bilder in „%2“."_s.arg(result.records).arg(result.folder))
            << Qt::endl;

@@ -28,7 +28,7 @@ QString CommandLineHelp() {
   kadrona archive check [--folder ARCHIV]
       vergleicht Datensätze, Fotos und Prüfsummen und nennt, was nicht stimmt.
   kadrona archive rebuild [--folder ARCHIV]
-      legt verlorene Datensätze aus den Schlagworten in den Fotos wieder an.
+      legt verlorene Datensätze aus den Schlüsselworten in den Fotos wieder an.
   kadrona archive export --search TEXT --out ORDNER [--folder ARCHIV]
       kopiert alles, was die Suche findet, mit seinen Daten (JSON, CSV).
   kadrona archive transfer

@@ -245,7 +245,7 @@ ArchiveFaultText TextOf(ArchiveFault fault) {
                     u"Das Programm hat ihn nicht so geschrieben; die Datei wird nie benutzt."_s};
         case ArchiveFault::Lost:
             return {u"Ein Foto des Archivs hat keinen Datensatz"_s,
-                    u"Er kann aus den Schlagworten im Foto wiederhergestellt werden."_s};
+                    u"Er kann aus den Schlüsselworten im Foto wiederhergestellt werden."_s};
         case ArchiveFault::Unknown:
             return {u"Die Datei gehört nicht zum Archiv"_s,
                     u"Sie bleibt, wo sie ist, und wird mitgesichert."_s};

@@ -51,7 +51,7 @@ class ExportRun {
         : database_(database), table_(database), archiveFolder_(archiveFolder) {
         export_.folder = std::move(folder);
         csv_ = QString(QChar::ByteOrderMark) +
-               u"Nummer;Datum;Foto;Original;Schablone;Schlagworte\r\n"_s;
+               u"Nummer;Datum;Foto;Original;Schablone;Schlüsselworte\r\n"_s;
     }
 
     void Add(qint64 id) {
@@ -67,20 +67,33 @@ class ExportRun {
             original ? Copied(original->folder, original->name,
                               FreeName(id, u"Original_"_s + SafeFileName(original->name)))
                      : QString();
-        const QStringList tags = TagLines(record->tags);
-        list_.append(QJsonObject{{u"number"_s, id},
-                                 {u"created"_s, record->created.toString(Qt::ISODate)},
-                                 {u"photo"_s, photo},
-                                 {u"original"_s, kept},
-                                 {u"template"_s, record->type},
-                                 {u"tags"_s, QJsonArray::fromStringList(tags)},
-                                 {u"changes"_s, original ? original->changes : QString()}});
-        QStringList cells{QString::number(id), ShownTime(record->created), photo, kept,
-                          record->type,        tags.join(u", "_s)};
-        for (QString& cell : cells) {
-            cell = CsvCell(cell);
-        }
-        csv_ += cells.join(u';') + u"\r\n"_s;
+        List({.number = id,
+              .created = record->created,
+              .photo = photo,
+              .original = kept,
+              .type = record->type,
+              .tags = record->tags,
+              .changes = original ? original->changes : QString()});
+    }
+
+    /// One that waits has no number yet.
+    void AddWaiting(const FilingQueue& queue, const QString& name) {
+        const WaitingPhoto waiting = queue.ReadKnowledge(name);
+        ++export_.records;
+        const auto copied = [&](const QString& file, const QString& as) {
+            return file.isEmpty() ? QString()
+                                  : CopiedFile(file, queue.Folder(),
+                                               u"Wartend_"_s + as + u'.' +
+                                                         SafeFileName(QFileInfo(file).suffix()));
+        };
+        List({.number = 0,
+              .created = waiting.created,
+              .photo = copied(queue.PhotoFile(name), name),
+              .original = copied(waiting.original ? waiting.original->file : QString(),
+                                 name + u"_Original"_s),
+              .type = waiting.templateName,
+              .tags = waiting.tags,
+              .changes = waiting.original ? waiting.original->changes : QString()});
     }
 
     Export Finish() {
@@ -99,6 +112,37 @@ class ExportRun {
     }
 
  private:
+    struct Row {
+        qint64 number = 0;
+        QDateTime created;
+        QString photo;
+        QString original;
+        QString type;
+        QString tags;
+        QString changes;
+    };
+
+    void List(const Row& row) {
+        const QStringList tags = TagLines(row.tags);
+        list_.append(QJsonObject{{u"number"_s, row.number},
+                                 {u"created"_s, row.created.toString(Qt::ISODate)},
+                                 {u"photo"_s, row.photo},
+                                 {u"original"_s, row.original},
+                                 {u"template"_s, row.type},
+                                 {u"tags"_s, QJsonArray::fromStringList(tags)},
+                                 {u"changes"_s, row.changes}});
+        QStringList cells{row.number > 0 ? QString::number(row.number) : QString(),
+                          ShownTime(row.created),
+                          row.photo,
+                          row.original,
+                          row.type,
+                          tags.join(u", "_s)};
+        for (QString& cell : cells) {
+            cell = CsvCell(cell);
+        }
+        csv_ += cells.join(u';') + u"\r\n"_s;
+    }
+
     /// Another record's file may have the name already; a stick tells no capitals apart.
     QString FreeName(qint64 id, QString name) {
         while (names_.contains(name.toLower())) {
@@ -110,12 +154,20 @@ class ExportRun {
     /// The name of the copy; empty where there is none.
     QString Copied(const QString& storedFolder, const QString& storedName, const QString& name) {
         const QString path = StoredFolderPath(archiveFolder_, StoredPath(storedFolder, storedName));
+        if (storedName.isEmpty() || !IsInsideArchive(path, archiveFolder_)) {
+            export_.failures.append(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
+            return {};
+        }
+        return CopiedFile(path, archiveFolder_, name);
+    }
+
+    /// Of a file below a folder.
+    QString CopiedFile(const QString& path, const QString& root, const QString& name) {
         try {
-            if (storedName.isEmpty() || !IsInsideArchive(path, archiveFolder_) ||
-                !platform::IsFile(path)) {
-                throw platform::FileError(u"Die Datei „%1“ ist nicht im Archiv."_s.arg(path));
+            if (!platform::IsFile(path)) {
+                throw platform::FileError(u"Die Datei „%1“ gibt es nicht."_s.arg(path));
             }
-            RequireOwnWay(path, archiveFolder_);
+            RequireOwnWay(path, root);
             names_.insert(name.toLower());
             written_.append(name);
             CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
@@ -147,16 +199,22 @@ QString CsvCell(QString text) {
 }
 
 Export ExportRecords(store::Database& database, const QString& archiveFolder,
-                     const std::vector<qint64>& ids, const QString& target, const QString& title,
+                     const ExportSelection& selection, const QString& target, const QString& title,
                      const platform::Progress& progress) {
     RequireArchiveFolder(archiveFolder);
     const platform::Progress answering = WhileAnswering({archiveFolder, target}, progress);
     ExportRun run(database, archiveFolder, NewFolder(target, SafeFileName(title)));
     qint64 done = 0;
     try {
-        for (const qint64 id : ids) {
-            answering(u"Bilder werden exportiert …"_s, done++, static_cast<qint64>(ids.size()));
+        const qint64 all = static_cast<qint64>(selection.ids.size()) + selection.waiting.size();
+        const auto step = [&] { answering(u"Bilder werden exportiert …"_s, done++, all); };
+        for (const qint64 id : selection.ids) {
+            step();
             run.Add(id);
+        }
+        for (const QString& name : selection.waiting) {
+            step();
+            run.AddWaiting(selection.queue, name);
         }
         return run.Finish();
     } catch (...) {

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <vector>
 
+#include "core/archive/FilingQueue.h"
 #include "platform/Progress.h"
 #include "store/Database.h"
 
@@ -18,13 +19,22 @@ struct Export {
     QStringList failures;
 };
 
-/// Copies records with all that is kept of them into a new folder below `target`, named after
-/// `title`: photos, originals behind "Original_", and what the database says of them as
-/// "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a spreadsheet would
-/// take for a formula begins with an apostrophe). Numbers that are no record's are left out. Throws
-/// platform::FileError, store::StoreError and platform::Cancelled; nothing of it is left then.
+/// What is exported.
+struct ExportSelection {
+    std::vector<qint64> ids;
+    /// Photos of the queue, by name.
+    QStringList waiting = {};
+    FilingQueue queue = FilingQueue();
+};
+
+/// Copies records, and photos that wait to be such, with all that is kept of them into a new folder
+/// below `target`, named after `title`: photos, originals behind "Original_", and what the database
+/// says of them as "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a
+/// spreadsheet would take for a formula begins with an apostrophe). Numbers that are no record's
+/// are left out. Throws platform::FileError, store::StoreError and platform::Cancelled; nothing of
+/// it is left then.
 Export ExportRecords(store::Database& database, const QString& archiveFolder,
-                     const std::vector<qint64>& ids, const QString& target, const QString& title,
+                     const ExportSelection& selection, const QString& target, const QString& title,
                      const platform::Progress& progress);
 
 /// A cell of a CSV file, in quotes.

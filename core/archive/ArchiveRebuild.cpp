@@ -56,6 +56,17 @@ LostPhoto LostPhotoOf(const QString& path) {
     return {file, StoredPath(year.fileName(), month.fileName()), year.path()};
 }
 
+/// When it was filed: the file's time, unless that is of another month than the folder, as after a
+/// change of tags; then the month's last minute.
+QDateTime FiledOn(const LostPhoto& lost) {
+    const QDateTime written = lost.file.lastModified();
+    const QDate month =
+        QDate::fromString(QString(lost.storedFolder).replace(u'\\', u'-') + u"-01"_s, Qt::ISODate);
+    const bool known = month.isValid() && (written.date().year() != month.year() ||
+                                           written.date().month() != month.month());
+    return known ? QDateTime(month.addMonths(1).addDays(-1), QTime(23, 59)) : written;
+}
+
 /// The number in the photo's name where no other photo has it, else the next one. Nothing where a
 /// record has the photo by now: another workplace was just filing it.
 std::optional<qint64> NumberFor(ArchiveTable& table, const LostPhoto& lost) {
@@ -103,7 +114,7 @@ bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>
         table.Fill({.id = *id,
                     .name = lost.file.fileName(),
                     .type = {},
-                    .created = lost.file.lastModified(),
+                    .created = FiledOn(lost),
                     .folder = lost.storedFolder,
                     .tags = TagsIn(photo.iptc)},
                    ArchiveThumbnail(photo.pixels), files);

@@ -1,8 +1,8 @@
 #include "core/archive/ArchiveRetention.h"
 
-#include <QHash>
 #include <algorithm>
 
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
 #include "store/Statement.h"
@@ -25,13 +25,10 @@ QDate DayOf(const QString& stored) {
     return QDate::fromString(stored.left(10), Qt::ISODate);
 }
 
-QHash<qint64, QDate> KeptUntil(store::Database& database) {
-    QHash<qint64, QDate> days;
-    store::Statement select(database, uR"(SELECT "ID", "Until" FROM "ImgKeepUntil")"_s);
-    while (select.Step()) {
-        days.insert(select.Integer(0), DayOf(select.Text(1)));
-    }
-    return days;
+/// By the photo's own day where it has one, else by the archive's period.
+bool IsOver(QDate until, QDate filed, std::optional<int> months, QDate today) {
+    return until.isValid() ? until < today
+                           : months && filed.isValid() && filed.addMonths(*months) < today;
 }
 
 }  // namespace
@@ -74,6 +71,17 @@ std::optional<QDate> KeepUntil(store::Database& database, qint64 id) {
     return select.Bind(1, id).Step() ? std::optional(DayOf(select.Text(0))) : std::nullopt;
 }
 
+QHash<qint64, QDate> AllKeptUntil(store::Database& database) {
+    QHash<qint64, QDate> days;
+    if (HasKeeping(database)) {
+        store::Statement select(database, uR"(SELECT "ID", "Until" FROM "ImgKeepUntil")"_s);
+        while (select.Step()) {
+            days.insert(select.Integer(0), DayOf(select.Text(1)));
+        }
+    }
+    return days;
+}
+
 void SetKeepUntil(store::Database& database, const std::vector<qint64>& ids,
                   std::optional<QDate> until, QDate today) {
     if (until && *until <= today) {
@@ -101,10 +109,9 @@ void SetKeepUntil(store::Database& database, const std::vector<qint64>& ids,
 DuePhotos FindDuePhotos(store::Database& database, QDate today) {
     DuePhotos due;
     const std::optional<int> months = RetentionMonths(database);
-    const QHash<qint64, QDate> until =
-        HasKeeping(database) ? KeptUntil(database) : QHash<qint64, QDate>();
+    const QHash<qint64, QDate> until = AllKeptUntil(database);
     store::Statement select(database,
-                            uR"(SELECT "ID", "ImgErstellt" FROM "ImgDB"
+                            uR"(SELECT "ID", "ImgErstellt", "ImgName" FROM "ImgDB"
                                           WHERE "ImgErstellt" IS NOT NULL ORDER BY "ID")"_s);
     QDate filed;
     QDate newest;
@@ -112,21 +119,20 @@ DuePhotos FindDuePhotos(store::Database& database, QDate today) {
         const qint64 id = select.Integer(0);
         const QDate dated = DayOf(select.Text(1));
         newest = std::max(newest, dated);
-        if (dated <= today) {
+        const qint64 named = NumberInName(select.Text(2));
+        const bool inOrder = named == 0 || named == id;
+        if (inOrder && dated <= today) {
             filed = std::max(filed, dated);
         }
-        const QDate own = until.value(id);
-        const bool isOver = own.isValid() ? own < today
-                                          : months && filed.isValid() && dated <= today &&
-                                                filed.addMonths(*months) < today;
-        if (isOver) {
+        if (IsOver(until.value(id), inOrder ? filed : dated, months, today) &&
+            (until.contains(id) || dated <= today)) {
             due.ids.push_back(id);
         }
     }
     if (newest > today) {
         due.ids.clear();
         due.refusal =
-            u"Das neuste Bild ist vom %1, heute ist nach der Uhr dieses Computers der %2. Solange "
+            u"Das neueste Bild ist vom %1, heute ist nach der Uhr dieses Computers der %2. Solange "
             u"die Uhr nachgeht, ist nichts fällig."_s.arg(newest.toString(u"dd.MM.yyyy"_s),
                                                           today.toString(u"dd.MM.yyyy"_s));
     }

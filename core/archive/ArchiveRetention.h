@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QHash>
 #include <QString>
 #include <optional>
 #include <vector>
@@ -23,6 +24,9 @@ void SetRetentionMonths(store::Database& database, std::optional<int> months);
 /// The last day on which a photo is kept, in place of the archive's period.
 std::optional<QDate> KeepUntil(store::Database& database, qint64 id);
 
+/// Those of all photos that have such a day.
+QHash<qint64, QDate> AllKeptUntil(store::Database& database);
+
 /// Nothing gives the photos back to the archive's period. Throws platform::Error for a day that is
 /// not after `today`.
 void SetKeepUntil(store::Database& database, const std::vector<qint64>& ids,
@@ -38,7 +42,8 @@ struct DuePhotos {
 
 /// What is due on a day. Where the clock stands before the newest photo nothing is. A photo that
 /// was filed while the clock stood wrong is no older than one with a smaller number, whatever its
-/// date says: only dates up to `today` count.
+/// date says: only dates up to `today` count. One whose record was made anew under another number
+/// than that in its name has its date alone.
 DuePhotos FindDuePhotos(store::Database& database, QDate today);
 
 }  // namespace kadrona::core

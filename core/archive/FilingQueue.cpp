@@ -81,18 +81,28 @@ QStringList FilingQueue::Waiting() const {
 WaitingPhoto FilingQueue::Read(const QString& name) const {
     constexpr qint64 LargestPhoto = qint64{256} << 20;
     constexpr qint64 LargestThumbnail = qint64{16} << 20;
+    WaitingPhoto waiting = ReadKnowledge(name);
+    waiting.photo = platform::ReadWholeFile(PhotoFile(name), LargestPhoto);
+    waiting.thumbnail = platform::ReadWholeFile(PathOf(name, ThumbnailExtension), LargestThumbnail);
+    return waiting;
+}
+
+QString FilingQueue::PhotoFile(const QString& name) const {
+    return PathOf(name, PhotoExtension);
+}
+
+WaitingPhoto FilingQueue::ReadKnowledge(const QString& name) const {
     const platform::PropertyFile file(PathOf(name, KnowledgeExtension));
     const auto text = [&](const char* property) {
         return file.ReadText(PhotoSection, QString::fromLatin1(property)).value_or(QString());
     };
-    return {
-        .archiveFolder = text("ArchiveFolder"),
-        .templateName = text("Template"),
-        .tags = text("Tags"),
-        .created = QDateTime::fromString(text("Created"), Qt::ISODateWithMs),
-        .photo = platform::ReadWholeFile(PathOf(name, PhotoExtension), LargestPhoto),
-        .thumbnail = platform::ReadWholeFile(PathOf(name, ThumbnailExtension), LargestThumbnail),
-        .original = OriginalOf(file)};
+    return {.archiveFolder = text("ArchiveFolder"),
+            .templateName = text("Template"),
+            .tags = text("Tags"),
+            .created = QDateTime::fromString(text("Created"), Qt::ISODateWithMs),
+            .photo = {},
+            .thumbnail = {},
+            .original = OriginalOf(file)};
 }
 
 std::optional<OriginalToKeep> FilingQueue::OriginalOf(const platform::PropertyFile& file) const {

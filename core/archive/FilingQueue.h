@@ -39,8 +39,11 @@ class FilingQueue {
     void Add(const WaitingPhoto& photo) const;
     /// The names of all that wait, the oldest first.
     QStringList Waiting() const;
-    /// Throws platform::FileError.
+    /// Throw platform::FileError. The knowledge is all but photo and thumbnail.
     WaitingPhoto Read(const QString& name) const;
+    WaitingPhoto ReadKnowledge(const QString& name) const;
+    /// The file of the photo, a JPEG.
+    QString PhotoFile(const QString& name) const;
     /// What cannot be removed stays: with the knowledge of it the photo still waits, without it
     /// RemoveOrphans takes it.
     void Remove(const QString& name) const;

@@ -201,6 +201,19 @@ void SheetTray::ChangeItem(size_t index,
     });
 }
 
+/// What could not be read again at the next start is not taken.
+void SheetTray::RequireRoom(const imaging::Pixels& picture) const {
+    qint64 pixels = qint64{picture.Width()} * picture.Height();
+    for (const CollectedItem& item : content_.items) {
+        pixels += qint64{item.picture.Width()} * item.picture.Height();
+    }
+    if (pixels > MostPixels) {
+        throw platform::Error(
+            u"Das Sammelblatt ist voll: Mit diesem Bild hätten seine Bilder mehr als %1 Millionen "
+            u"Pixel."_s.arg(MostPixels / 1'000'000));
+    }
+}
+
 /// By chance: a number that was free again would name another program's picture of before.
 QString SheetTray::NewFile() const {
     constexpr int Numbers = 1'000'000'000;
@@ -217,6 +230,7 @@ void SheetTray::Add(CollectedItem item) {
         throw platform::Error(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder_));
     }
     item.picture = KeptPicture(item);
+    RequireRoom(item.picture);
     const QString file = NewFile();
     const QString path = PathOf(file);
     imaging::WriteImageFile(path, item.picture, {});

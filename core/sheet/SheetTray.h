@@ -78,6 +78,7 @@ class SheetTray {
     QString NewFile() const;
     /// Where a file of the tray is, without links. Throws platform::FileError.
     QString PathOf(const QString& file) const;
+    void RequireRoom(const imaging::Pixels& picture) const;
 
     QString folder_;
     Content content_;

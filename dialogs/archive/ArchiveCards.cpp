@@ -1,5 +1,7 @@
 #include "dialogs/archive/ArchiveCards.h"
 
+#include <utility>
+
 #include "core/Data.h"
 #include "platform/Error.h"
 
@@ -28,9 +30,15 @@ QString ShownTags(const QString& tags) {
     return lines.join(u", "_s);
 }
 
+bool ArchiveCards::SetKeptUntil(QHash<qint64, QDate> days) {
+    return std::exchange(keptUntil_, std::move(days)) != keptUntil_;
+}
+
 controls::Card ArchiveCards::ReadCard(qint64 key) {
     const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), key);
-    return {.heading = core::ShownTime(record.created),
+    const QDate until = keptUntil_.value(key);
+    const QString limit = until.isValid() ? until.toString(u" · 'bis' dd.MM.yy"_s) : QString();
+    return {.heading = core::ShownTime(record.created) + limit,
             .title = record.name,
             .detail = record.type,
             .text = ShownTags(record.tags)};

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QDate>
+#include <QHash>
+
 #include "controls/cards/CardSource.h"
 #include "core/archive/ArchiveTable.h"
 
@@ -15,11 +18,16 @@ class ArchiveCards : public controls::CardSource {
     /// `data` outlives the cards.
     explicit ArchiveCards(core::TData& data) : data_(data) {}
 
+    /// The last days of those photos that have one of their own, which is shown. True where these
+    /// are others than before.
+    bool SetKeptUntil(QHash<qint64, QDate> days);
+
     controls::Card ReadCard(qint64 key) override;
     QByteArray ReadPicture(qint64 key) override;
 
  private:
     core::TData& data_;
+    QHash<qint64, QDate> keptUntil_;
 };
 
 /// Tags on one line.

@@ -37,7 +37,7 @@ ArchiveFilterBar::ArchiveFilterBar(QWidget* parent)
                        u"letzte 365 Tage"_s, u"von … bis …"_s});
     order_->setObjectName(u"OrderBox"_s);
     order_->addItems(
-        {u"neuste zuerst"_s, u"älteste zuerst"_s, u"Schlagworte A–Z"_s, u"Schablone A–Z"_s});
+        {u"neueste zuerst"_s, u"älteste zuerst"_s, u"Schlüsselworte A–Z"_s, u"Schablone A–Z"_s});
     auto* periodLabel = new QLabel(u"&Zeitraum"_s);
     periodLabel->setBuddy(period_);
     auto* orderLabel = new QLabel(u"&Reihenfolge"_s);

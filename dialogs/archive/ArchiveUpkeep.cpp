@@ -15,6 +15,7 @@
 #include "core/archive/ArchiveExport.h"
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveRebuild.h"
+#include "core/archive/FilingQueue.h"
 #include "dialogs/archive/ArchiveCards.h"
 #include "platform/Error.h"
 #include "platform/UserRegistry.h"
@@ -27,18 +28,39 @@ namespace {
 
 /// Of the registry: where the last backup went.
 const QString BackupFolderValue = u"ArchiveBackupDir"_s;
+/// And the last export.
+const QString ExportFolderValue = u"ArchiveExportDir"_s;
 /// As many are named one by one.
-constexpr size_t MostNamed = 8;
+constexpr qsizetype MostNamed = 8;
 /// A share may take long to say whether a file is there.
 constexpr size_t MostLookedUp = 200;
 
-/// One line for one record.
-QString NameOf(const core::ArchiveRecord& record) {
-    constexpr int MostCharacters = 46;
-    const QString tags = ShownTags(record.tags);
-    const QString line =
-        core::ShownTime(record.created) + u" · "_s + (tags.isEmpty() ? record.name : tags);
+/// One line for one photo.
+QString ShortLine(const QString& line) {
+    constexpr int MostCharacters = 52;
     return line.size() > MostCharacters ? line.left(MostCharacters) + u'…' : line;
+}
+
+/// With the number, for two photos of one person may be alike in all else.
+QString NameOf(const core::ArchiveRecord& record) {
+    const QString tags = ShownTags(record.tags);
+    return ShortLine(u"%1 · %2 · %3"_s.arg(QString::number(record.id),
+                                           core::ShownTime(record.created),
+                                           tags.isEmpty() ? record.name : tags));
+}
+
+QString NameOf(const core::WaitingPhoto& photo) {
+    return ShortLine(u"wartet · "_s + core::ShownTime(photo.created) + u" · "_s +
+                     ShownTags(photo.tags));
+}
+
+/// The first lines, and how many there are more.
+QString Shortened(const QStringList& lines, qsizetype most) {
+    QStringList shown = lines.first(std::min(lines.size(), most));
+    if (lines.size() > most) {
+        shown.append(u"… und %1 weitere"_s.arg(lines.size() - most));
+    }
+    return shown.join(u'\n');
 }
 
 }  // namespace
@@ -49,42 +71,83 @@ QWidget* ArchiveUpkeep::Over() const {
     return modal != nullptr ? modal : &window_;
 }
 
-/// Names the photos, and says how many of their files are not to be found: a share that is not
-/// mounted is an empty folder.
-QString ArchiveUpkeep::Question(const std::vector<qint64>& ids) const {
-    const core::ArchiveTable& table = OpenArchive(data_);
-    QStringList lines{
-        ids.size() == 1 ? u"Soll dieses Bild endgültig gelöscht werden?\n"_s
-                        : u"Sollen diese %1 Bilder endgültig gelöscht werden?\n"_s.arg(ids.size())};
+QStringList ArchiveUpkeep::NamesOf(const ChosenPhotos& chosen) const {
+    QStringList names;
+    for (size_t i = 0; i < std::min<size_t>(chosen.ids.size(), MostNamed); ++i) {
+        const auto record = OpenArchive(data_).Read(chosen.ids[i]);
+        names.append(NameOf(record.value_or(core::ArchiveRecord())));
+    }
+    for (const QString& name : chosen.waiting) {
+        if (names.size() < MostNamed) {
+            names.append(NameOf(data_.Archiving().Queue().ReadKnowledge(name)));
+        }
+    }
+    return names;
+}
+
+/// A sentence that says how many of the photos' files are not to be found: a share that is not
+/// mounted is an empty folder. Empty where none is missing.
+QString ArchiveUpkeep::MissingFiles(const std::vector<qint64>& ids) const {
     qsizetype missing = 0;
     const size_t lookedUp = std::min(ids.size(), MostLookedUp);
     for (size_t i = 0; i < lookedUp; ++i) {
-        const core::ArchiveRecord record = table.Read(ids[i]).value_or(core::ArchiveRecord());
-        if (i < MostNamed) {
-            lines.append(NameOf(record));
-        }
+        const auto record = OpenArchive(data_).Read(ids[i]).value_or(core::ArchiveRecord());
         const QString path =
             core::StoredFolderPath(folder_, core::StoredPath(record.folder, record.name));
         missing += QFileInfo(path).isFile() ? 0 : 1;
     }
-    if (ids.size() > MostNamed) {
-        lines.append(u"… und %1 weitere"_s.arg(ids.size() - MostNamed));
+    const QString of = lookedUp < ids.size() ? u" (von den ersten %1)"_s.arg(lookedUp) : QString();
+    return missing == 0
+               ? QString()
+               : u"Fotos, deren Datei im Ordner „%1“ nicht zu finden ist: %2%3."_s.arg(folder_)
+                     .arg(missing)
+                     .arg(of);
+}
+
+/// Names the photos.
+QString ArchiveUpkeep::Question(const ChosenPhotos& chosen) const {
+    const qsizetype count = chosen.Count();
+    QStringList lines{count == 1
+                          ? u"Soll dieses Bild endgültig gelöscht werden?\n"_s
+                          : u"Sollen diese %1 Bilder endgültig gelöscht werden?\n"_s.arg(count)};
+    lines += NamesOf(chosen);
+    if (count > MostNamed) {
+        lines.append(u"… und %1 weitere"_s.arg(count - MostNamed));
     }
     lines.append(u"\nDatensatz, Foto und Original lassen sich nicht zurückholen."_s);
-    if (missing > 0) {
-        const QString of =
-            lookedUp < ids.size() ? u" (von den ersten %1)"_s.arg(lookedUp) : QString();
-        lines.append(u"Fotos, deren Datei im Ordner „%1“ nicht zu finden ist: %2%3."_s.arg(folder_)
-                         .arg(missing)
-                         .arg(of));
-    }
+    lines.append(MissingFiles(chosen.ids));
+    lines.removeAll(QString());
     return lines.join(u'\n');
 }
 
-bool ArchiveUpkeep::Delete(const std::vector<qint64>& ids) {
-    core::RequireArchiveFolder(folder_);
-    return !ids.empty() && controls::AskYesNo(Over(), Question(ids), controls::Severity::Warning) &&
-           DeleteNow(ids, u"Bilder löschen"_s);
+bool ArchiveUpkeep::Delete(const ChosenPhotos& chosen) {
+    if (!chosen.ids.empty()) {
+        core::RequireArchiveFolder(folder_);
+    }
+    if (chosen.IsEmpty() ||
+        !controls::AskYesNo(Over(), Question(chosen), controls::Severity::Warning)) {
+        return false;
+    }
+    const bool waitingGone = DeleteWaiting(chosen.waiting);
+    return (chosen.ids.empty() || DeleteNow(chosen.ids, u"Bilder löschen"_s)) && waitingGone;
+}
+
+/// False where some still wait.
+bool ArchiveUpkeep::DeleteWaiting(const QStringList& names) {
+    const core::FilingQueue& queue = data_.Archiving().Queue();
+    for (const QString& name : names) {
+        queue.Remove(name);
+    }
+    const QStringList waiting = queue.Waiting();
+    const auto left =
+        std::ranges::count_if(names, [&](const QString& name) { return waiting.contains(name); });
+    if (left > 0) {
+        controls::ShowError(Over(),
+                            u"Wartende Fotos, die nicht gelöscht werden konnten: %1. Sie "
+                            u"liegen in „%2“."_s.arg(left)
+                                .arg(queue.Folder()));
+    }
+    return left == 0;
 }
 
 bool ArchiveUpkeep::DeleteBlank(const std::vector<qint64>& ids) {
@@ -131,15 +194,9 @@ bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& tit
 
 void ArchiveUpkeep::ShowFailures(const QString& lead, const QStringList& failures) {
     constexpr qsizetype MostShown = 5;
-    if (failures.isEmpty()) {
-        return;
+    if (!failures.isEmpty()) {
+        controls::ShowError(Over(), lead + u"\n\n"_s + Shortened(failures, MostShown));
     }
-    QStringList lines{lead, {}};
-    lines += failures.first(std::min(failures.size(), MostShown));
-    if (failures.size() > MostShown) {
-        lines.append(u"… und %1 weitere"_s.arg(failures.size() - MostShown));
-    }
-    controls::ShowError(Over(), lines.join(u'\n'));
 }
 
 void ArchiveUpkeep::BackUp() {
@@ -171,23 +228,26 @@ void ArchiveUpkeep::BackUp() {
     ShowFailures(u"Die Datenbank ist gesichert, aber nicht alle Dateien."_s, backup.failures);
 }
 
-void ArchiveUpkeep::Export(const std::vector<qint64>& ids, const QString& title) {
+void ArchiveUpkeep::Export(const ChosenPhotos& chosen, const QString& title) {
     const QString target = controls::AskForFolder(
         Over(),
-        u"Ordner für den Export von %1"_s.arg(ids.size() == 1 ? u"einem Bild"_s
-                                                              : u"%1 Bildern"_s.arg(ids.size())),
-        {});
+        u"Ordner für den Export von %1"_s.arg(
+            chosen.Count() == 1 ? u"einem Bild"_s : u"%1 Bildern"_s.arg(chosen.Count())),
+        platform::ReadRegistryText(ExportFolderValue));
     if (target.isEmpty()) {
         return;
     }
     core::Export result;
     try {
         controls::ProgressBox box(Over(), u"Bilder exportieren"_s);
-        result = core::ExportRecords(data_.ArchiveDatabase(), folder_, ids, target, title,
-                                     box.Reporter());
+        result = core::ExportRecords(
+            data_.ArchiveDatabase(), folder_,
+            {.ids = chosen.ids, .waiting = chosen.waiting, .queue = data_.Archiving().Queue()},
+            target, title, box.Reporter());
     } catch (const platform::Cancelled&) {
         return;  // nothing is left of it
     }
+    platform::WriteRegistryText(ExportFolderValue, target);
     controls::ShowInformation(
         Over(), u"In „%1“ liegen die Fotos, ihre Originale und ihre Daten als JSON und CSV."_s.arg(
                     result.folder));
@@ -239,7 +299,7 @@ bool ArchiveUpkeep::RemedyNow(core::ArchiveFault fault, const core::ArchiveRepor
             return true;
         }
         case core::ArchiveFault::Missing:
-            return Delete(report.Ids(fault));
+            return Delete({report.Ids(fault)});
         case core::ArchiveFault::Blank:
             return DeleteBlank(report.Ids(fault));
         case core::ArchiveFault::Undeleted:
@@ -265,11 +325,10 @@ bool ArchiveUpkeep::Rebuild(const QStringList& paths) {
 }
 
 bool ArchiveUpkeep::RemoveFiles(const QStringList& paths) {
-    if (!controls::AskYesNo(
-            Over(),
-            u"Sollen die Dateien der gelöschten Bilder endgültig entfernt "
-            u"werden?\n\n%1"_s.arg(paths.first(std::min<qsizetype>(paths.size(), 8)).join(u'\n')),
-            controls::Severity::Warning)) {
+    if (!controls::AskYesNo(Over(),
+                            u"Sollen die Dateien der gelöschten Bilder endgültig entfernt "
+                            u"werden?\n\n%1"_s.arg(Shortened(paths, MostNamed)),
+                            controls::Severity::Warning)) {
         return false;
     }
     QStringList failures;

@@ -14,6 +14,16 @@ class TData;
 
 namespace kadrona::dialogs {
 
+/// Photos that something is done to.
+struct ChosenPhotos {
+    std::vector<qint64> ids;
+    /// Of those that wait for the archive's server on this computer, by name.
+    QStringList waiting = {};
+
+    bool IsEmpty() const { return ids.empty() && waiting.isEmpty(); }
+    qsizetype Count() const { return static_cast<qsizetype>(ids.size()) + waiting.size(); }
+};
+
 /// What the archive's window does to the archive as a whole or to several of its photos: asks,
 /// shows the progress, says what came of it. What fails throws platform::Error.
 class ArchiveUpkeep {
@@ -26,14 +36,14 @@ class ArchiveUpkeep {
 
     /// Deletes photos with all that belongs to them after a question that names them. False where
     /// some or all of them may still be there.
-    bool Delete(const std::vector<qint64>& ids);
+    bool Delete(const ChosenPhotos& chosen);
     /// The same with records that never got a photo.
     bool DeleteBlank(const std::vector<qint64>& ids);
 
     /// Copies the archive to a folder that the user chooses.
     void BackUp();
     /// Exports photos to a folder that the user chooses.
-    void Export(const std::vector<qint64>& ids, const QString& title);
+    void Export(const ChosenPhotos& chosen, const QString& title);
 
     /// Nothing where the user gave it up.
     std::optional<core::ArchiveReport> Check();
@@ -44,7 +54,10 @@ class ArchiveUpkeep {
 
  private:
     QWidget* Over() const;
-    QString Question(const std::vector<qint64>& ids) const;
+    QString Question(const ChosenPhotos& chosen) const;
+    QStringList NamesOf(const ChosenPhotos& chosen) const;
+    QString MissingFiles(const std::vector<qint64>& ids) const;
+    bool DeleteWaiting(const QStringList& names);
     bool DeleteNow(const std::vector<qint64>& ids, const QString& title);
     void Compact(const QString& title);
     bool RemedyNow(core::ArchiveFault fault, const core::ArchiveReport& report);

@@ -96,7 +96,7 @@ QAction* TfmImgSearch::AddAction(const QString& name, const QString& caption, co
 void TfmImgSearch::BuildActions() {
     acPrintImg_ = AddAction(u"acPrintImg"_s, u"zum Druck öffnen"_s, u"print"_s);
     connect(acPrintImg_, &QAction::triggered, this, [this] { Choose(Choice::Open); });
-    acPrintNow_ = AddAction(u"acPrintNow"_s, u"Drucken"_s, u"print"_s);
+    acPrintNow_ = AddAction(u"acPrintNow"_s, u"Sofort drucken"_s, {});
     acPrintNow_->setShortcut(QKeySequence::Print);
     connect(acPrintNow_, &QAction::triggered, this, [this] { Choose(Choice::Print); });
     acRecut_ = AddAction(u"acRecut"_s, u"Neu zuschneiden"_s, u"create-photos"_s);
@@ -138,7 +138,7 @@ void TfmImgSearch::BuildLayout() {
     findPanel_->setObjectName(u"FindPanel"_s);
     findPanel_->SetSyntaxTip(
         u"Suche"_s,
-        u"In Datum, Dateiname, Schablone und Tags; alle Wörter müssen vorkommen.\n\n"
+        u"In Datum, Dateiname, Schablone und Schlüsselworten; alle Wörter müssen vorkommen.\n\n"
         u"Ber*n: * steht für beliebige Zeichen\n"
         u"\"Anna Berg\": die Wörter stehen nebeneinander\n"
         u"-Berlin: das Wort kommt nicht vor"_s);
@@ -226,10 +226,14 @@ void TfmImgSearch::ShowCards(std::vector<qint64> ids, controls::CardGrid::Positi
         std::erase_if(ids,
                       [&](qint64 id) { return !std::binary_search(due.begin(), due.end(), id); });
     }
+    if (cards_->SetKeptUntil(core::AllKeptUntil(database))) {
+        grid_->ReloadAll();
+    }
     grid_->SetCards(
         core::Arranged(database, std::move(ids), filterBar_->Period(), filterBar_->Order()),
         position);
     recordCount_ = OpenArchive(data_).Ids().size() - blank_.size();
+    FindWaitingPhotos();
     ShowState();
 }
 
@@ -257,10 +261,13 @@ void TfmImgSearch::ShowState() {
         hits += blank_.size() == 1 ? u", 1 leerer Datensatz"_s
                                    : u", %1 leere Datensätze"_s.arg(blank_.size());
     }
+    if (!waiting_.empty()) {
+        hits += waiting_.size() == 1 ? u", 1 wartet"_s : u", %1 warten"_s.arg(waiting_.size());
+    }
     findPanel_->SetHits(hits);
     acDeleteBlank_->setEnabled(!blank_.empty());
-    acExportFound_->setEnabled(narrowed && !grid_->Cards().empty());
-    acDeleteFound_->setEnabled(narrowed && !grid_->Cards().empty());
+    acExportFound_->setEnabled(narrowed && !Found().IsEmpty());
+    acDeleteFound_->setEnabled(narrowed && !Found().IsEmpty());
     if (acDue_->isChecked()) {
         const bool searched =
             !findPanel_->Text().isEmpty() || filterBar_->Period().from || filterBar_->Period().to;

@@ -81,6 +81,8 @@ class TfmImgSearch : public QDialog {
     void acKeepUntilExecute();
     void acRetentionExecute();
     bool IsNarrowed() const;
+    void FindWaitingPhotos();
+    ChosenPhotos Found() const;
     QDate Today() const;
     bool HasOriginal(qint64 id) const;
     void UpdateActions();
@@ -92,6 +94,8 @@ class TfmImgSearch : public QDialog {
     ArchiveUpkeep upkeep_;
     Choice choice_ = Choice::Open;
     size_t recordCount_ = 0;
+    /// The photos that wait for the archive's server and would be listed, by name.
+    QStringList waiting_;
     /// The records without a photo, in ascending order.
     std::vector<qint64> blank_;
     controls::FindPanel* findPanel_;

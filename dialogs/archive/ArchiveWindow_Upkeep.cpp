@@ -6,6 +6,7 @@
 #include "core/Data.h"
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveRetention.h"
+#include "core/archive/WaitingSearch.h"
 #include "dialogs/archive/ArchiveCheckDialog.h"
 #include "dialogs/archive/ArchiveWindow.h"
 #include "dialogs/archive/LimitDialog.h"
@@ -80,7 +81,7 @@ void TfmImgSearch::UpdateActions() {
 }
 
 void TfmImgSearch::acDeleteExecute() {
-    if (upkeep_.Delete(grid_->Selected())) {
+    if (upkeep_.Delete({grid_->Selected()})) {
         ListAgain();
     }
 }
@@ -96,18 +97,32 @@ void TfmImgSearch::acDeleteBlankExecute() {
     }
 }
 
+ChosenPhotos TfmImgSearch::Found() const {
+    return {.ids = grid_->Cards(), .waiting = waiting_};
+}
+
+/// What waits on this computer is found as if it were filed: it is data of persons, too.
+void TfmImgSearch::FindWaitingPhotos() {
+    waiting_ =
+        core::FindWaiting(data_.Archiving().Queue(),
+                          {.text = findPanel_->Text(),
+                           .period = filterBar_->Period(),
+                           .dueOn = acDue_->isChecked() ? std::optional(Today()) : std::nullopt,
+                           .retentionMonths = core::RetentionMonths(data_.ArchiveDatabase())});
+}
+
 void TfmImgSearch::acDeleteFoundExecute() {
-    if (upkeep_.Delete(grid_->Cards())) {
+    if (upkeep_.Delete(Found())) {
         ListAgain();
     }
 }
 
 void TfmImgSearch::acExportExecute() {
-    upkeep_.Export(grid_->Selected(), u"Export"_s);
+    upkeep_.Export({grid_->Selected()}, u"Export"_s);
 }
 
 void TfmImgSearch::acExportFoundExecute() {
-    upkeep_.Export(grid_->Cards(), u"Export "_s + findPanel_->Text());
+    upkeep_.Export(Found(), u"Export "_s + findPanel_->Text());
 }
 
 void TfmImgSearch::acBackUpExecute() {

@@ -237,10 +237,10 @@ void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     uploadFigures_ = new UploadFiguresEdit;
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
     layout.addWidget(Named<QCheckBox>(
-        u"TagsInSavedFiles"_s, u"Schlagworte des Archivs in gespeicherte &Bilder schreiben"_s));
+        u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte &Bilder schreiben"_s));
     layout.addWidget(
         Named<QCheckBox>(u"TagsInUploadFiles"_s,
-                         u"Schlagworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
+                         u"Schlüsselworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
     layout.addSpacing(2 * GroupSpacing);
     layout.addWidget(own);
     layout.addWidget(uploadFigures_);

@@ -11,6 +11,7 @@
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/ArchiveRetention.h"
+#include "core/archive/WaitingSearch.h"
 #include "platform/AtomicFile.h"
 #include "tests/core/ArchiveFixture.h"
 #include "tests/support/Errors.h"
@@ -162,7 +163,8 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
     EXPECT_EQ(rebuilt.tags, u"Anna, die Zweite\r\nKöln\r\n"_s);
     EXPECT_EQ(rebuilt.folder, lost.folder);
     EXPECT_EQ(Table().ReadThumbnail(1), thumbnail);
-    EXPECT_LT(qAbs(rebuilt.created.secsTo(QDateTime::currentDateTime())), 100);
+    EXPECT_EQ(rebuilt.created, QDateTime(QDate(2026, 3, 31), QTime(23, 59)))
+        << "written in another month than the name's";
     EXPECT_EQ(Faults().size(), 3) << "blank, missing, not ours";
     EXPECT_EQ(core::RebuildRecords(Database(), {Filed("2026_03_00001.jpg")}, platform::NoProgress)
                   .rebuilt,
@@ -310,7 +312,7 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
     File(u"b\r\n"_s);
     Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..\..' WHERE "ID" = 2)"_s);
     const core::Export result =
-        core::ExportRecords(Database(), archiveFolder, {2, 1, 9}, installation.Path("common"),
+        core::ExportRecords(Database(), archiveFolder, {{2, 1, 9}}, installation.Path("common"),
                             u"../Export: *"_s, platform::NoProgress);
     EXPECT_EQ(result.folder, installation.Path("common/_Export_ _"));
     EXPECT_EQ(result.records, 2);
@@ -324,7 +326,7 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
 
     Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '2026\03', "ImgName" = '2026_03_00001.jpg')"_s);
     const auto exported = [&](const platform::Progress& progress) {
-        return core::ExportRecords(Database(), archiveFolder, {1, 2}, installation.Path("common"),
+        return core::ExportRecords(Database(), archiveFolder, {{1, 2}}, installation.Path("common"),
                                    u"twins"_s, progress);
     };
     EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.jpg"_s}),
@@ -340,6 +342,40 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
                  }),
                  platform::Cancelled);
     EXPECT_FALSE(QFile::exists(installation.Path("common/twins (3)"))) << "no faces without a list";
+}
+
+TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
+    const core::FilingQueue queue(installation.Path("queue"));
+    for (const char* tags : {"Dora\r\nKöln\r\n", "Emil\r\n"}) {
+        queue.Add({.archiveFolder = archiveFolder,
+                   .templateName = u"Pass.schablone"_s,
+                   .tags = QString::fromUtf8(tags),
+                   .created = now,
+                   .photo = "a face",
+                   .thumbnail = "small"});
+    }
+    const QDate day = now.date();
+    for (const auto& [filter, count] :
+         {std::pair(core::WaitingFilter{}, 2),
+          std::pair(core::WaitingFilter{.text = u"dora koln"_s}, 1),
+          std::pair(core::WaitingFilter{.text = u"pass 07.03.2026"_s}, 2),
+          std::pair(core::WaitingFilter{.text = u"-emil"_s}, 1),
+          std::pair(core::WaitingFilter{.period = {.from = day.addDays(1), .to = {}}}, 0),
+          std::pair(core::WaitingFilter{.period = {.from = {}, .to = day}}, 2),
+          std::pair(core::WaitingFilter{.dueOn = day.addYears(9)}, 0),
+          std::pair(core::WaitingFilter{.dueOn = day.addMonths(1), .retentionMonths = 1}, 0),
+          std::pair(core::WaitingFilter{.dueOn = day.addDays(40), .retentionMonths = 1}, 2)}) {
+        EXPECT_EQ(core::FindWaiting(queue, filter).size(), count) << filter.text.toStdString();
+    }
+    const core::Export result = core::ExportRecords(
+        Database(), archiveFolder,
+        {.ids = {}, .waiting = core::FindWaiting(queue, {.text = u"dora"_s}), .queue = queue},
+        installation.Path("common"), u"Dora"_s, platform::NoProgress);
+    const QStringList photos = QDir(result.folder).entryList({u"Wartend_*.jpg"_s});
+    ASSERT_EQ(photos.size(), 1);
+    EXPECT_EQ(platform::ReadWholeFile(result.folder + u'/' + photos[0], 99), "a face");
+    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.csv"_s, 1 << 20)
+                    .contains(photos[0].toUtf8() + "\";\"\";\"Pass.schablone\";\"Dora"));
 }
 
 TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {
@@ -369,6 +405,15 @@ TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) 
     core::SetKeepUntil(Database(), {5}, {}, today);
     core::SetRetentionMonths(Database(), {});
     EXPECT_EQ(due(today.addDays(4)), Ids({1}));
+
+    // Their names tell when they were filed, whatever number they have got and what became of them.
+    installation.Write("archive/2024/01/2024_01_00001.jpg",
+                       platform::ReadWholeFile(Filed("2026_03_00005.jpg"), 1 << 20));
+    core::RebuildRecords(Database(), {archiveFolder + u"/2024/01/2024_01_00001.jpg"_s},
+                         platform::NoProgress);
+    EXPECT_EQ(Table().Read(6)->created.date(), QDate(2024, 1, 31));
+    core::SetRetentionMonths(Database(), 12);
+    EXPECT_EQ(due(today), Ids({6}));
 
     EXPECT_EQ(due(today.addDays(-1)), Ids()) << "the clock stands before the newest photo";
     EXPECT_TRUE(core::FindDuePhotos(Database(), today.addDays(-1)).refusal.contains(u"Uhr"));

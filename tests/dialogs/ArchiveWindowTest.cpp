@@ -320,4 +320,26 @@ TEST_F(ArchiveWindow, RemembersItsSize) {
     EXPECT_EQ(dialogs::TfmImgSearch(data, tagEditor).minimumSize(), QSize(420, 420));
 }
 
+TEST_F(ArchiveWindow, PhotosThatWaitAreFoundAndDeletedToo) {
+    const core::FilingQueue& queue = data.Archiving().Queue();
+    for (const QString& tags : {u"Anna\r\n"_s, u"Bea\r\n"_s}) {
+        queue.Add({.archiveFolder = {},
+                   .templateName = {},
+                   .tags = tags,
+                   .created = data.NameSources().now(),
+                   .photo = "a face",
+                   .thumbnail = "small"});
+    }
+    Show([this](QWidget& shown) {
+        EXPECT_TRUE(Hits().endsWith(u", 2 warten"_s)) << Hits().toStdString();
+        Find(u"Anna"_s);
+        driver.Answer({u"dieses Bild"_s, u"wartet · "_s, u" · Anna"_s}, u"YesButton"_s);
+        Action("acDeleteFound").trigger();
+        shown.close();
+    });
+    ASSERT_EQ(queue.Waiting().size(), 1);
+    EXPECT_EQ(queue.ReadKnowledge(queue.Waiting()[0]).tags, u"Bea\r\n"_s);
+    queue.Remove(queue.Waiting()[0]);
+}
+
 }  // namespace kadrona::testing

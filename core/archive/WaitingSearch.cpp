@@ -1,0 +1,50 @@
+#include "core/archive/WaitingSearch.h"
+
+#include "core/archive/ArchiveSearch.h"
+#include "core/archive/ArchiveTable.h"
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+bool IsIn(const ArchivePeriod& period, QDate day) {
+    return (!period.from || day >= *period.from) && (!period.to || day <= *period.to);
+}
+
+bool IsListed(const WaitingPhoto& photo, const ArchiveSearch& search, const WaitingFilter& filter) {
+    const QDate day = photo.created.date();
+    if (filter.dueOn &&
+        (!filter.retentionMonths || day.addMonths(*filter.retentionMonths) >= *filter.dueOn)) {
+        return false;
+    }
+    QByteArray fields;
+    for (const QString& field :
+         {ShownTime(photo.created), photo.created.toString(u"yyyy-MM-dd HH:mm"_s),
+          photo.templateName, photo.tags}) {
+        AppendField(fields, field.toUtf8());
+    }
+    return IsIn(filter.period, day) && search.Matches(fields);
+}
+
+}  // namespace
+
+QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter) {
+    const ArchiveSearch search(filter.text);
+    const bool all = search.IsEmpty() && !filter.period.from && !filter.period.to && !filter.dueOn;
+    QStringList found;
+    for (const QString& name : queue.Waiting()) {
+        try {
+            if (all || IsListed(queue.ReadKnowledge(name), search, filter)) {
+                found.append(name);
+            }
+        } catch (const platform::Error&) {
+            continue;  // nobody knows whose it is
+        }
+    }
+    return found;
+}
+
+}  // namespace kadrona::core
