@@ -1,10 +1,15 @@
 #include "app/StartRequests.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QWindow>
+#include <utility>
 
 #include "app/MainWindow.h"
 #include "app/base/AtRest.h"
+#include "controls/messages/MessageBoxes.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
 
@@ -44,6 +49,17 @@ void StartRequests::AskFromOutside(const QByteArray& bytes) {
     }
 }
 
+/// What was finished while the photo waited has not even been seen yet.
+bool StartRequests::MayReplaceSheet(const QString& photo) {
+    const bool waited = std::exchange(hadToWait_, false);
+    return photo.isEmpty() || !waited ||
+           window_.Session().CurrentStage() != PhotoSession::Stage::SheetMade ||
+           controls::AskYesNo(&window_,
+                              u"„%1“ wartet darauf, geöffnet zu werden. Die fertigen Passbilder "
+                              u"werden dann geschlossen.\n\nSoll das Foto jetzt geöffnet "
+                              u"werden?"_s.arg(QFileInfo(photo).fileName()));
+}
+
 /// Dialogs over the photo can only be placed well over a window that is on the screen, and a photo
 /// must not change under an open dialog or an action.
 void StartRequests::Look() {
@@ -51,12 +67,16 @@ void StartRequests::Look() {
         return;
     }
     if (!IsAtRest()) {
+        hadToWait_ = true;
         timer_.setInterval(PauseMilliseconds);
         return;
     }
     const WindowRequest request = waiting_.takeFirst();
     if (waiting_.isEmpty()) {
         timer_.stop();
+    }
+    if (!MayReplaceSheet(request.photo)) {
+        return;
     }
     if (!request.photo.isEmpty()) {
         window_.OpenDroppedFiles({request.photo});

@@ -27,9 +27,12 @@ class StartRequests : public QObject {
 
  private:
     void Look();
+    bool MayReplaceSheet(const QString& photo);
 
     TmainFm& window_;
     QList<WindowRequest> waiting_;
+    /// The first one came, or had to wait, while something else was under way.
+    bool hadToWait_ = false;
     QTimer timer_;
 };
 

@@ -37,10 +37,14 @@ bool ArchiveCards::SetKeptUntil(QHash<qint64, QDate> days) {
 controls::Card ArchiveCards::ReadCard(qint64 key) {
     const core::ArchiveRecord record = ExistingRecord(OpenArchive(data_), key);
     const QDate until = keptUntil_.value(key);
-    const QString limit = until.isValid() ? until.toString(u" · 'bis' dd.MM.yy"_s) : QString();
-    return {.heading = core::ShownTime(record.created) + limit,
+    QStringList detail{record.type};
+    if (until.isValid()) {
+        detail.append(until.toString(u"'bis' dd.MM.yyyy"_s));
+    }
+    detail.removeAll(QString());
+    return {.heading = core::ShownTime(record.created),
             .title = record.name,
-            .detail = record.type,
+            .detail = detail.join(u" · "_s),
             .text = ShownTags(record.tags)};
 }
 

@@ -44,9 +44,12 @@ QString ShortLine(const QString& line) {
 /// With the number, for two photos of one person may be alike in all else.
 QString NameOf(const core::ArchiveRecord& record) {
     const QString tags = ShownTags(record.tags);
-    return ShortLine(u"%1 · %2 · %3"_s.arg(QString::number(record.id),
-                                           core::ShownTime(record.created),
-                                           tags.isEmpty() ? record.name : tags));
+    QStringList parts{QString::number(record.id), core::ShownTime(record.created),
+                      tags.isEmpty() ? record.name : tags};
+    if (record.name.isEmpty()) {
+        parts = {QString::number(record.id), u"leer"_s};
+    }
+    return ShortLine(parts.join(u" · "_s));
 }
 
 QString NameOf(const core::WaitingPhoto& photo) {

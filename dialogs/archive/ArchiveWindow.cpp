@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLocale>
+#include <QMenu>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QTimer>
@@ -133,6 +134,11 @@ void TfmImgSearch::BuildLayout() {
         if (action == acArchive_) {
             button->setPopupMode(QToolButton::InstantPopup);
             connect(action, &QAction::triggered, button, &QToolButton::showMenu);  // by a key
+            // The mouse leaves the button unseen where an entry opens a dialog.
+            connect(action->menu(), &QMenu::aboutToHide, button, [button] {
+                button->setAttribute(Qt::WA_UnderMouse, false);
+                button->update();
+            });
         }
     }
     findPanel_->setObjectName(u"FindPanel"_s);

@@ -137,6 +137,19 @@ TEST_F(Story, LaterStartsPhotosWaitForWhatIsUnderWayAndForEachOther) {
         return core::RecentPhotos().Photos().size() == 2 &&
                Image().Photo().Size() == QSize(1200, 1600);
     }));
+
+    // What was finished meanwhile is not closed unasked.
+    requests.Ask({.photo = installation.Path("next.png")});
+    QTimer::singleShot(0, &program, [&] {
+        Trigger(u"acCrop"_s);
+        QEventLoop action;
+        QTimer::singleShot(100, &action, &QEventLoop::quit);
+        action.exec();
+        driver.Answer({u"next.png"_s, u"fertigen Passbilder"_s}, u"NoButton"_s);
+        QTimer::singleShot(500, &program, &QEventLoop::quit);
+    });
+    program.exec();
+    EXPECT_TRUE(IsEnabled(u"acPrintImage"_s));
 }
 
 TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {

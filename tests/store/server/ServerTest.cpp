@@ -4,9 +4,12 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <array>
 #include <csignal>
 #include <thread>
@@ -289,6 +292,60 @@ TEST(AnswerWatch, HasAnEyeOnTheMemory) {
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     const bool isCounted = mallinfo2().hblkhd > answer.size();  // not by the sanitizers
     EXPECT_EQ(watch.Excess().isEmpty(), !isCounted);
+}
+
+/// Over the network, for which the server gets a port of its own for a while.
+TEST_F(ServerTest, OnlyAServerWithTheRightCertificateIsTalkedTo) {
+    const QString certificates = qEnvironmentVariable("KADRONA_TEST_CERTIFICATES");
+    if (certificates.isEmpty()) {
+        GTEST_SKIP() << "there is no openssl here";
+    }
+    const int port = 20'000 + getpid() % 10'000;
+    const QString address = address_.host;
+    const auto listen = [&](const QString& name, const QString& value) {
+        return "PGPASSWORD=geheim psql -q -h " + address.toUtf8() + " -U kadrona postgres -c \"" +
+               (u"ALTER SYSTEM SET %1 = '%2'"_s.arg(name, value)).toUtf8() + "\"";
+    };
+    const auto run = [](const QByteArray& line) {
+        // NOLINTNEXTLINE(cert-env33-c): a line of our own
+        ASSERT_EQ(std::system(line.constData()), 0) << line.toStdString();
+    };
+    run(listen(u"listen_addresses"_s, u"127.0.0.1"_s) + " && " +
+        listen(u"port"_s, QString::number(port)));
+    ControlServer("restart");
+    const auto back = qScopeGuard([&] {
+        run("PGPORT=" + QByteArray::number(port) + ' ' + listen(u"port"_s, u"5432"_s) +
+            " && PGPORT=" + QByteArray::number(port) + ' ' + listen(u"listen_addresses"_s, {}));
+        ControlServer("restart");
+    });
+    const QTemporaryDir home;
+    ASSERT_TRUE(QDir(home.path()).mkdir(u".postgresql"_s));
+    const QByteArray before = qgetenv("HOME");
+    qputenv("HOME", QFile::encodeName(home.path()));
+    const auto homeAgain = qScopeGuard([&] { qputenv("HOME", before); });
+    const auto refusal = [&](const QString& host, const QString& trusted) {
+        const QString root = home.path() + u"/.postgresql/root.crt"_s;
+        QFile::remove(root);
+        QFile::copy(certificates + u'/' + trusted, root);
+        ServerAddress over = address_;
+        over.host = host;
+        over.port = port;
+        over.verified = true;
+        return TextOf<StoreError>([&] {
+            PostgresDatabase database(over);
+            EXPECT_EQ(Number(database,
+                             u"SELECT count(*) FROM pg_stat_ssl WHERE ssl AND pid = "
+                             u"pg_backend_pid()"_s),
+                      1);
+        });
+    };
+    EXPECT_EQ(refusal(u"localhost"_s, u"right.crt"_s), QString());
+    for (const auto& [host, trusted] :
+         {std::pair(u"localhost"_s, u"wrong.crt"_s), std::pair(u"127.0.0.1"_s, u"right.crt"_s),
+          std::pair(u"localhost"_s, u"none"_s)}) {
+        const QString text = refusal(host, trusted);
+        EXPECT_TRUE(text.contains(u"nicht mit einem gültigen Zertifikat"_s)) << text.toStdString();
+    }
 }
 
 TEST_F(ServerTest, SaysWhatStandsInTheWay) {
