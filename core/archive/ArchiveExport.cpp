@@ -84,7 +84,7 @@ class ExportRun {
             return file.isEmpty() ? QString()
                                   : CopiedFile(file, queue.Folder(),
                                                u"Wartend_"_s + as + u'.' +
-                                                         SafeFileName(QFileInfo(file).suffix()));
+                                                   SafeFileName(QFileInfo(file).suffix()));
         };
         List({.number = 0,
               .created = waiting.created,

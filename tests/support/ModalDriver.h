@@ -88,7 +88,9 @@ class ModalDriver {
 
     void Look() {
         QWidget* shown = QApplication::activeModalWidget();
-        if (shown == nullptr || !shown->isVisible()) {
+        // A progress box comes where the machine is slow, and goes by itself.
+        if (shown == nullptr || !shown->isVisible() ||
+            shown->objectName() == QStringLiteral("ProgressBox")) {
             return;
         }
         if (answered_.contains(shown)) {
