@@ -120,9 +120,10 @@ inline QList<QTabWidget*> TabsOf(const QWidget& window) {
 
 /// The controls of a window, which it shows, that no key leads to; on all pages of its tabs.
 inline QStringList Unreachable(QWidget& window) {
+    constexpr int Patience = 20'000;  // milliseconds, on a busy machine
     window.show();
     window.activateWindow();
-    if (!QTest::qWaitForWindowActive(&window)) {
+    if (!QTest::qWaitForWindowActive(&window, Patience)) {
         return {window.objectName() + QStringLiteral(": not active")};
     }
     QStringList found;
