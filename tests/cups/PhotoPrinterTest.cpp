@@ -66,6 +66,7 @@ struct PhotoPrinter {
     int columns;
     int rows;
     bool fits = true;
+    const char* tray = nullptr;
 };
 
 const char* const Gutenprint = "gutenprint.5.3";
@@ -84,6 +85,9 @@ class PhotoPrinters : public ::testing::Test {
         PrinterChoice choice = layer.CurrentPrinter();
         DeviceMode mode(choice.deviceMode);
         mode.Set("PageSize", row.paper);
+        if (row.tray != nullptr) {
+            mode.Set("InputSlot", row.tray);
+        }
         choice.deviceMode = mode.ToBlock();
         layer.SetCurrentPrinter(choice);
     }
@@ -176,6 +180,8 @@ const PhotoPrinter Printers[] = {
     {"PixmaThatLoses", Gutenprint, "gutenprint.5.3://bjc-PIXMA-iP4500/expert", "w288h432", 5, 2,
      false},
     {"Roll", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "Custom.120.5x180.0mm", 2, 2},
+    {"RollOfAPrinterThatStretchesIt", Gutenprint, "gutenprint.5.3://escp2-4800/expert", "w288h432",
+     2, 2, true, "RollCutPage"},
     {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
     {"EcoTankThatLoses", "escpr", Epson, "4X6FULL", 5, 2, false},
     {"EcoTankBorderless", "escpr", Epson, "T4X6FULL", 4, 2},

@@ -280,14 +280,13 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
     geometry.name = paper.label;
     if (Find({"StpiShrinkOutput"}) != nullptr) {
         geometry.paper = NamedPaper(paper).value_or(geometry.paper);
-        if (const DriverOption* borderless = BorderlessSwitch();
-            borderless != nullptr && ChosenOf(*borderless, mode) == "False") {
-            const QMarginsF border = BorderAt(paper, mode);
-            // It puts the page's first row where it can print first.
-            const double lower = std::max(border.top() - paper.marginPoints.top(), 0.0);
-            geometry.reach = QRectF({}, geometry.page).marginsRemoved(border * MillimetresPerPoint);
-            geometry.spread.translate(0, lower * MillimetresPerPoint);
-        }
+        const QMarginsF border = BorderOf(paper, GutenprintSettingOf(mode));
+        const auto millimetres = [](const QRectF& points) {
+            return QRectF(points.topLeft() * MillimetresPerPoint,
+                          points.size() * MillimetresPerPoint);
+        };
+        geometry.reach = millimetres(QRectF({}, paper.points).marginsRemoved(border));
+        geometry.spread = millimetres(SpreadOf(paper, border));
     }
     for (const SpreadingDriver& spreading : SpreadingDrivers) {
         if (paper.IsBorderless() && UsesFilter(spreading.filter)) {
@@ -300,15 +299,14 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
     return geometry;
 }
 
-QMarginsF Driver::BorderAt(const Paper& paper, const DeviceMode& mode) const {
+GutenprintSetting Driver::GutenprintSettingOf(const DeviceMode& mode) const {
     const ppd_attr_t* model = ppdFindAttr(description_.get(), "StpDriverModelFamily", nullptr);
-    const auto chosen = [&](const char* keyword) {
-        const DriverOption* option = Find({keyword});
+    const auto chosen = [&](const DriverOption* option) {
         return option == nullptr ? QByteArray() : ChosenOf(*option, mode);
     };
-    const QByteArray sides = chosen("Duplex");
-    return BorderOf(paper, model == nullptr ? QByteArray() : QByteArray(model->value),
-                    chosen("InputSlot"), !sides.isEmpty() && sides != "None");
+    const QByteArray sides = chosen(Find({"Duplex"}));
+    return {model == nullptr ? QByteArray() : QByteArray(model->value), chosen(Find({"InputSlot"})),
+            chosen(BorderlessSwitch()) == "False", !sides.isEmpty() && sides != "None"};
 }
 
 bool Driver::UsesFilter(const char* program) const {

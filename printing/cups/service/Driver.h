@@ -19,6 +19,7 @@ struct ppd_file_s;
 namespace kadrona::printing::cups {
 
 class GermanTexts;
+struct GutenprintSetting;
 
 /// The names that drivers have for the tray and for the kind of paper, the usual one first.
 inline constexpr std::array TrayKeywords{"InputSlot", "MediaSource", "EPIJ_FdSo", "CNInputSlot"};
@@ -117,8 +118,7 @@ class Driver {
     /// Sentences about paper, tray and kind of paper that were chosen once and are no more.
     QStringList MissingChoices(const DeviceMode& mode) const;
     PaperGeometry GeometryOf(const Paper& paper, const DeviceMode& mode) const;
-    /// What Gutenprint leaves white without borderless printing, points.
-    QMarginsF BorderAt(const Paper& paper, const DeviceMode& mode) const;
+    GutenprintSetting GutenprintSettingOf(const DeviceMode& mode) const;
     bool UsesFilter(const char* program) const;
 
     std::unique_ptr<ppd_file_s, Closer> description_;

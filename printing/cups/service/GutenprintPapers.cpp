@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <array>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -46,8 +47,10 @@ const ModelMargins EpsonSheets[] = {
     {{136}, {}},
 };
 constexpr QMarginsF OtherEpsonSheets(9, 0, 9, 9);
-constexpr QMarginsF EpsonRolls(9, 0, 9, 0);
 constexpr QMarginsF EpsonBothSides(9, 27, 9, 27);
+/// Of a roll they print the whole length, but for these, which leave a border.
+constexpr std::array EpsonRollsWithBorder{28, 29, 30, 31, 41};
+constexpr double EpsonRollBorder = 9;
 constexpr int LastEpsonModel = 136;
 
 /// The same for all models.
@@ -61,10 +64,13 @@ QMarginsF Larger(const QMarginsF& one, const QMarginsF& other) {
             std::max(one.right(), other.right()), std::max(one.bottom(), other.bottom())};
 }
 
+int NumberOf(const QByteArray& model) {
+    return model.left(model.indexOf('_')).toInt();
+}
+
 QMarginsF SheetMargins(const QByteArray& model) {
-    const qsizetype split = model.indexOf('_');
-    const int number = model.left(split).toInt();
-    const QByteArray family = model.mid(split + 1);
+    const int number = NumberOf(model);
+    const QByteArray family = model.mid(model.indexOf('_') + 1);
     if (family == "canon") {
         return Canon;
     }
@@ -100,20 +106,31 @@ std::optional<QRectF> NamedPaper(const Paper& paper) {
     return place;
 }
 
-QMarginsF BorderOf(const Paper& paper, const QByteArray& model, const QByteArray& tray,
-                   bool onBothSides) {
-    QMarginsF named = paper.marginPoints;
-    QMarginsF border = SheetMargins(model);
-    if (model.endsWith("_escp2") && !border.isNull()) {
-        if (tray.startsWith("Roll")) {
-            // What the description names above and below are those of sheets.
-            named = {named.left(), 0, named.right(), 0};
-            border = EpsonRolls;
-        } else if (onBothSides) {
-            border = Larger(border, EpsonBothSides);
-        }
+QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting) {
+    const QMarginsF& named = paper.marginPoints;
+    const bool isEpson = setting.model.endsWith("_escp2");
+    QMarginsF border = setting.isBordered ? Larger(named, SheetMargins(setting.model)) : named;
+    if (isEpson && setting.tray.startsWith("Roll")) {
+        const bool isShort = std::find(EpsonRollsWithBorder.begin(), EpsonRollsWithBorder.end(),
+                                       NumberOf(setting.model)) != EpsonRollsWithBorder.end();
+        border.setTop(isShort ? EpsonRollBorder : 0);
+        border.setBottom(border.top());
+    } else if (isEpson && setting.isBordered && setting.isOnBothSides) {
+        border = Larger(border, EpsonBothSides);
     }
-    return Larger(named, border);
+    return border;
+}
+
+QRectF SpreadOf(const Paper& paper, const QMarginsF& border) {
+    const QMarginsF& named = paper.marginPoints;
+    const double let = paper.points.height() - named.top() - named.bottom();
+    const double printed = paper.points.height() - border.top() - border.bottom();
+    if (printed > let) {
+        const double scale = printed / let;
+        return {0, border.top() - named.top() * scale, paper.points.width(),
+                paper.points.height() * scale};
+    }
+    return {QPointF(0, std::max(border.top() - named.top(), 0.0)), paper.points};
 }
 
 }  // namespace kadrona::printing::cups

@@ -13,11 +13,23 @@ namespace kadrona::printing::cups {
 /// page is the paper.
 std::optional<QRectF> NamedPaper(const Paper& paper);
 
-/// What Gutenprint leaves white on `paper`, in points, while its borderless printing is off: its
-/// descriptions name only what holds while it is on. `model` is the description's
-/// "StpDriverModelFamily" ("63_escp2"), the widest border of all where it is another; `tray` the
-/// chosen one; `onBothSides` whether the driver prints on both.
-QMarginsF BorderOf(const Paper& paper, const QByteArray& model, const QByteArray& tray,
-                   bool onBothSides);
+/// What decides how a driver of Gutenprint treats a paper.
+struct GutenprintSetting {
+    /// The description's "StpDriverModelFamily": "63_escp2".
+    QByteArray model;
+    QByteArray tray;
+    /// Whether the driver could print without a border and is not told to.
+    bool isBordered = false;
+    bool isOnBothSides = false;
+};
+
+/// What the driver leaves white on `paper`, in points: its descriptions name only the margins of
+/// sheets while borderless printing is on. The widest border of all where the model is unknown.
+QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting);
+
+/// Where the driver spreads the page to, in points of the page. It puts the first row that the
+/// description lets it print where it prints first, and where it prints over more of the paper than
+/// the description says, it enlarges what was cut to that.
+QRectF SpreadOf(const Paper& paper, const QMarginsF& border);
 
 }  // namespace kadrona::printing::cups
