@@ -2,23 +2,15 @@
 
 #include <QApplication>
 #include <QLabel>
-#include <QProgressBar>
 #include <QProgressDialog>
-#include <QPushButton>
 #include <cmath>
 
+#include "controls/messages/ProgressBox.h"
 #include "imaging/pixels/Resampling.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
-
-namespace {
-
-/// The line moves by a step of these.
-constexpr int Steps = 200;
-
-}  // namespace
 
 DevelopingDisplay::DevelopingDisplay(QWidget& place) : place_(place) {}
 
@@ -58,22 +50,11 @@ void DevelopingDisplay::ShowPreview(const imaging::Pixels& preview) {
 /// At the foot of the photo, so that the face is seen.
 void DevelopingDisplay::ShowLine() {
     constexpr int AboveEdge = 24;
-    line_ = std::make_unique<QProgressDialog>(u"Das Foto wird entwickelt …"_s, QString(), 0, Steps,
-                                              place_.window());
-    line_->setObjectName(u"DevelopingProgress"_s);
-    line_->setWindowTitle(u"Bild öffnen"_s);
-    auto* cancel = new QPushButton(u"Abbrechen"_s);
-    cancel->setObjectName(u"Cancel"_s);
-    line_->setCancelButton(cancel);
-    auto* bar = new QProgressBar;
-    bar->setTextVisible(false);  // it is lower than a line of text
-    line_->setBar(bar);
-    line_->setRange(0, Steps);
-    line_->setWindowModality(Qt::ApplicationModal);
+    line_ =
+        controls::MakeProgressDialog(u"DevelopingProgress"_s, u"Bild öffnen"_s, place_.window());
+    line_->setLabelText(u"Das Foto wird entwickelt …"_s);
     line_->setMinimumDuration(0);
-    line_->setAutoClose(false);
-    line_->setAutoReset(false);
-    const QSize size = line_->sizeHint();
+    const QSize size = line_->sizeHint().expandedTo(line_->minimumSize());
     const QPoint foot = place_.mapToGlobal(QPoint(place_.width() / 2, place_.height()));
     line_->move(foot - QPoint(size.width() / 2, size.height() + AboveEdge));
     // The hourglass of whoever opens the photo would lie over the button.
@@ -82,7 +63,7 @@ void DevelopingDisplay::ShowLine() {
 }
 
 bool DevelopingDisplay::GoOn(double part) {
-    line_->setValue(static_cast<int>(std::lround(part * Steps)));
+    line_->setValue(static_cast<int>(std::lround(part * controls::ProgressParts)));
     QCoreApplication::processEvents();
     return !line_->wasCanceled();
 }

@@ -10,29 +10,28 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 
-namespace {
-
-/// Of the bar; the numbers of an operation may be larger than a bar takes.
-constexpr int Parts = 1000;
-constexpr int LeastBoxWidth = 380;
-
-}  // namespace
-
-ProgressBox::ProgressBox(QWidget* parent, const QString& title)
-    : dialog_(std::make_unique<QProgressDialog>(parent)) {
-    dialog_->setObjectName(u"ProgressBox"_s);
-    dialog_->setWindowTitle(title);
+std::unique_ptr<QProgressDialog> MakeProgressDialog(const QString& name, const QString& title,
+                                                    QWidget* parent) {
+    constexpr int LeastWidth = 380;
+    auto dialog = std::make_unique<QProgressDialog>(parent);
+    dialog->setObjectName(name);
+    dialog->setWindowTitle(title);
     auto* cancel = new QPushButton(u"Abbrechen"_s);
     cancel->setObjectName(u"Cancel"_s);
-    dialog_->setCancelButton(cancel);
+    dialog->setCancelButton(cancel);
     auto* bar = new QProgressBar;
     bar->setTextVisible(false);  // it is lower than a line of text
-    dialog_->setBar(bar);
-    dialog_->setRange(0, Parts);
-    dialog_->setWindowModality(Qt::ApplicationModal);
-    dialog_->setMinimumWidth(LeastBoxWidth);
-    dialog_->setAutoClose(false);
-    dialog_->setAutoReset(false);
+    dialog->setBar(bar);
+    dialog->setRange(0, ProgressParts);
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->setMinimumWidth(LeastWidth);
+    dialog->setAutoClose(false);
+    dialog->setAutoReset(false);
+    return dialog;
+}
+
+ProgressBox::ProgressBox(QWidget* parent, const QString& title)
+    : dialog_(MakeProgressDialog(u"ProgressBox"_s, title, parent)) {
     dialog_->setMinimumDuration(400);
     dialog_->setValue(0);
 }
@@ -54,8 +53,8 @@ void ProgressBox::Show(const QString& what, qint64 done, qint64 total) {
     if (dialog_->labelText() != what) {
         dialog_->setLabelText(what);
     }
-    dialog_->setMaximum(total > 0 ? Parts : 0);
-    dialog_->setValue(total > 0 ? static_cast<int>(Parts * done / total) : 0);
+    dialog_->setMaximum(total > 0 ? ProgressParts : 0);
+    dialog_->setValue(total > 0 ? static_cast<int>(ProgressParts * done / total) : 0);
     if (dialog_->isVisible()) {
         QCoreApplication::processEvents();
     }
