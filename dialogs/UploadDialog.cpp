@@ -16,6 +16,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "controls/theme/Tone.h"
+#include "dialogs/base/ScrolledPage.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "dialogs/settings/UploadFiguresEdit.h"
 
@@ -28,7 +29,8 @@ namespace {
 constexpr int DelayMilliseconds = 250;
 constexpr int FiguresWidth = 340;
 constexpr QSize LargestPicture(640, 720);
-constexpr QSize SmallestPicture(240, 240);
+constexpr QSize SmallestPicture(200, 160);
+constexpr int ColumnGap = 16;
 
 QLabel* ResultLabel(const QString& name) {
     auto* label = new QLabel;
@@ -42,9 +44,9 @@ QLabel* ResultLabel(const QString& name) {
 /// Which letters stand behind published figures.
 QString EvidenceText(const QString& letters) {
     QStringList sources;
-    for (const auto& [letter, source] : {std::pair{u'O', u"eigene Seite der Behörde"_s},
-                                         {u'T', u"datierte Abschrift ihres Dokuments"_s},
-                                         {u'S', u"sonstige Quelle"_s}}) {
+    for (const auto& [letter, source] : {std::pair{u'O', u"Internetseite der Behörde"_s},
+                                         {u'T', u"Abschrift eines Dokuments der Behörde"_s},
+                                         {u'S', u"andere Quelle"_s}}) {
         if (letters.contains(letter)) {
             sources << source;
         }
@@ -67,14 +69,24 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
 
     BuildPicture();
+    figures_ = new ScrolledPage(BuildFigures());
+    figures_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    figures_->setFixedWidth(figures_->sizeHint().width());
     auto* columns = new QHBoxLayout;
-    columns->setSpacing(16);
+    columns->setSpacing(ColumnGap);
     columns->addWidget(scrolled_, 1);
-    columns->addWidget(BuildFigures());
+    columns->addWidget(figures_);
+    // The verdict stays in sight, whatever has to be scrolled.
+    auto* verdict = new QVBoxLayout;
+    verdict->addWidget(state_);
+    verdict->addWidget(warning_);
+    auto* foot = new QHBoxLayout;
+    foot->addLayout(verdict, 1);
+    foot->addWidget(buttons, 0, Qt::AlignBottom);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->addLayout(columns, 1);
-    layout->addWidget(buttons);
+    layout->addLayout(foot);
 
     const auto make = [this] { controls::Guarded(this, [this] { Make(); }); };
     connect(delay_, &QTimer::timeout, this, make);
@@ -97,6 +109,7 @@ void UploadDialog::BuildPicture() {
     scrolled_ = new QScrollArea;
     scrolled_->setWidget(picture_);
     scrolled_->setWidgetResizable(true);
+    scrolled_->setFocusPolicy(Qt::NoFocus);  // what is chosen stands beside it
     scrolled_->setAccessibleName(u"Die Datei, Pixel auf Pixel"_s);
     // The face, not the upper left corner.
     for (QScrollBar* bar : {scrolled_->horizontalScrollBar(), scrolled_->verticalScrollBar()}) {
@@ -135,9 +148,6 @@ QWidget* UploadDialog::BuildFigures() {
     column->addWidget(edit_);
     column->addSpacing(16);
     column->addLayout(result);
-    column->addSpacing(8);
-    column->addWidget(state_);
-    column->addWidget(warning_);
     column->addStretch();
     return side;
 }
@@ -174,13 +184,25 @@ void UploadDialog::Make() {
     ShowFile();
 }
 
+/// What the screen leaves beside the figures and above the verdict.
+QSize UploadDialog::RoomForPicture() {
+    ensurePolished();
+    const QMargins margins = layout()->contentsMargins();
+    const int foot = save_->sizeHint().height() + 3 * fontMetrics().lineSpacing();
+    const QSize around(margins.left() + margins.right() + ColumnGap + figures_->width(),
+                       margins.top() + margins.bottom() + layout()->spacing() + foot);
+    return WithinScreen(*this, QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX)) - around;
+}
+
 void UploadDialog::ShowFile() {
     QPixmap pixmap = QPixmap::fromImage(QImage::fromData(file_.bytes, "jpg"));
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     picture_->setPixmap(pixmap);
     const QSize shown = pixmap.deviceIndependentSize().toSize();
-    scrolled_->setMinimumSize(
-        (shown + QSize(4, 4)).boundedTo(LargestPicture).expandedTo(SmallestPicture));
+    scrolled_->setMinimumSize((shown + QSize(4, 4))
+                                  .boundedTo(LargestPicture)
+                                  .boundedTo(RoomForPicture())
+                                  .expandedTo(SmallestPicture));
 
     const QLocale german(QLocale::German);
     pixels_->setText(u"%1 x %2 Pixel, %3 dpi"_s.arg(file_.size.width())

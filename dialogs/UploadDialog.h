@@ -14,6 +14,7 @@ class QTimer;
 
 namespace kadrona::dialogs {
 
+class ScrolledPage;
 class UploadFiguresEdit;
 
 /// "Datei für Online-Antrag": shows the file as it would be saved, a pixel of it on a pixel of the
@@ -42,6 +43,7 @@ class UploadDialog : public QDialog {
     void BuildPicture();
     QWidget* BuildFigures();
     void Make();
+    QSize RoomForPicture();
     void ShowFile();
 
     core::UploadRequest request_;
@@ -49,6 +51,7 @@ class UploadDialog : public QDialog {
     core::UploadFile file_;
     QScrollArea* scrolled_;
     QLabel* picture_;
+    ScrolledPage* figures_;
     QRadioButton* templateFigures_;
     QRadioButton* ownFigures_;
     UploadFiguresEdit* edit_;

@@ -98,10 +98,11 @@ void FaceOverlay::Follow() {
     }
     // Large letters in a narrow view: the buttons have room below each other only.
     choice_->setDirection(needed <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    // A text that is broken into many lines would stand better above its buttons.
-    constexpr int FewestLetters = 20;
-    needed += text_->fontMetrics().averageCharWidth() * FewestLetters;
-    row_->setDirection(needed < room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    // A text of more lines than the buttons are high covers less of the photo above them.
+    const int beside = room - needed - row_->spacing();
+    const bool fits =
+        beside > 0 && text_->heightForWidth(beside) <= 2 * text_->fontMetrics().lineSpacing();
+    row_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     const int height = line_->layout()->totalHeightForWidth(view_.width());
     line_->setGeometry(0, view_.height() - height, view_.width(), height);
     line_->raise();

@@ -160,7 +160,7 @@ void TfmImgSearch::BuildLayout() {
     layout->addWidget(findPanel_);
     layout->addWidget(filterBar_);
     layout->addWidget(grid_, 1);
-    setMinimumSize(LeastSize);
+    setMinimumSize(WithinScreen(*this, LeastSize));
     resize(WithinScreen(*this, StartSize()));
 }
 

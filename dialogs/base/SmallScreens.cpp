@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "dialogs/base/ScrolledPage.h"
 #include "dialogs/base/WindowPlacement.h"
@@ -16,10 +17,33 @@ namespace kadrona::dialogs {
 
 namespace {
 
+/// What the window would like, as far as the screen has it: wrapped text is the higher the
+/// narrower it is.
+QSize WantedSize(const QDialog& dialog) {
+    const QLayout& layout = *dialog.layout();
+    QSize wanted = layout.totalSizeHint().expandedTo(dialog.minimumSize());
+    if (dialog.testAttribute(Qt::WA_Resized)) {
+        wanted = wanted.expandedTo(dialog.size());  // by its own choice
+    }
+    wanted.setWidth(WithinScreen(dialog, wanted).width());
+    if (layout.hasHeightForWidth()) {
+        wanted.setHeight(std::max(wanted.height(), layout.totalHeightForWidth(wanted.width())));
+    }
+    return wanted;
+}
+
 /// What the window cannot be smaller than, by its contents.
-QSize NeededSize(const QLayout& layout) {
-    return layout.sizeConstraint() == QLayout::SetFixedSize ? layout.totalSizeHint()
-                                                            : layout.totalMinimumSize();
+QSize NeededSize(const QDialog& dialog, const QSize& wanted) {
+    const QLayout& layout = *dialog.layout();
+    if (layout.sizeConstraint() == QLayout::SetFixedSize) {
+        return layout.totalSizeHint().expandedTo(dialog.minimumSize());
+    }
+    QSize needed = layout.totalMinimumSize().expandedTo(dialog.minimumSize());
+    if (layout.hasHeightForWidth()) {
+        needed.setHeight(
+            std::max(needed.height(), layout.totalMinimumHeightForWidth(wanted.width())));
+    }
+    return needed;
 }
 
 bool HoldsButtons(QLayoutItem& item) {
@@ -74,27 +98,45 @@ void MakeScrollable(QDialog& dialog) {
     }
 }
 
+/// The toolkit shows a dialog on at most two thirds of the screen, also where its text then has no
+/// room.
 void Fit(QDialog& dialog) {
-    QLayout* layout = dialog.layout();
-    const QSize needed = NeededSize(*layout).expandedTo(dialog.minimumSize());
+    const QSize wanted = WantedSize(dialog);
+    const QSize needed = NeededSize(dialog, wanted);
     if (WithinScreen(dialog, needed) == needed) {
+        if (dialog.size().boundedTo(needed) != needed) {
+            dialog.resize(WithinScreen(dialog, wanted));
+        }
         return;
     }
-    const QSize wanted = layout->totalSizeHint().expandedTo(dialog.minimumSize());
+    QWidget* focus = dialog.focusWidget();
     MakeScrollable(dialog);
+    if (focus != nullptr) {
+        focus->setFocus();  // went with the contents
+    }
     dialog.setMinimumSize(WithinScreen(dialog, dialog.minimumSize()));
     dialog.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     dialog.resize(WithinScreen(dialog, wanted));
 }
 
+/// A dialog that the program itself made larger than the screen while it is shown.
+void Shrink(QDialog& dialog) {
+    const QSize within = WithinScreen(dialog, dialog.size());
+    if (dialog.isVisible() && within != dialog.size() && !dialog.isMaximized() &&
+        !dialog.isFullScreen()) {
+        dialog.resize(within);
+    }
+}
+
 }  // namespace
 
 bool SmallScreens::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Show && !event->spontaneous()) {
+    const bool shows = event->type() == QEvent::Show;
+    if ((shows || event->type() == QEvent::Resize) && !event->spontaneous()) {
         auto* dialog = qobject_cast<QDialog*>(watched);
         if (dialog != nullptr && dialog->layout() != nullptr && dialog->isWindow() &&
             qobject_cast<QMessageBox*>(dialog) == nullptr) {
-            Fit(*dialog);
+            shows ? Fit(*dialog) : Shrink(*dialog);
         }
     }
     return QObject::eventFilter(watched, event);

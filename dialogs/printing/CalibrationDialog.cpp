@@ -48,6 +48,7 @@ CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget
     setWindowTitle(u"Drucker kalibrieren"_s);
     BuildControls();
     ShowState(u"Bisher"_s);
+    findChild<QPushButton*>(u"btnPrintSheet"_s)->setFocus();  // the first step
     FitToScreen(*this);
 }
 

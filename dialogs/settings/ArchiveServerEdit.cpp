@@ -8,6 +8,7 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include "controls/fields/WrappingCheckBox.h"
 #include "controls/messages/WaitCursor.h"
 #include "store/StoreError.h"
 
@@ -55,13 +56,13 @@ QPushButton* PlainButton(const QString& name, const QString& caption) {
 
 ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
     : QWidget(parent),
-      used_(NamedField<QCheckBox>(u"ArchiveOnServer"_s)),
+      used_(NamedField<controls::WrappingCheckBox>(u"ArchiveOnServer"_s)),
       host_(NamedField<QLineEdit>(u"ServerHost"_s)),
       port_(NamedField<QSpinBox>(u"ServerPort"_s)),
       database_(NamedField<QLineEdit>(u"ServerDatabase"_s)),
       user_(NamedField<QLineEdit>(u"ServerUser"_s)),
       password_(NamedField<QLineEdit>(u"ServerPassword"_s)),
-      verified_(NamedField<QCheckBox>(u"ServerVerified"_s)),
+      verified_(NamedField<controls::WrappingCheckBox>(u"ServerVerified"_s)),
       try_(PlainButton(u"btnTryServer"_s, u"&Prüfen"_s)),
       transfer_(PlainButton(u"btnTransferArchive"_s, u"Archiv über&tragen …"_s)),
       result_(WrappedText({})) {

@@ -137,6 +137,7 @@ void TEinstellungenFm::InitPropertys() {
 controls::ModalResult TEinstellungenFm::ShowEx() {
     RefreshPrinterProfiles();
     FitToScreen(*this);
+    CentreOnParent(*this);
     const controls::ModalResult result = controls::ShowModal(*this);
     TakeOverFrameSize();
     return result;

@@ -15,6 +15,7 @@
 #include "controls/fields/ClearableComboBox.h"
 #include "controls/fields/KeptSelection.h"
 #include "controls/fields/PathEdit.h"
+#include "controls/fields/WrappingCheckBox.h"
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/base/ScrolledPage.h"
@@ -114,7 +115,7 @@ QWidget* TEinstellungenFm::BuildProfilePanel() {
     heading->setFont(bold);
     profileListBox_ = Named<QListWidget>(u"ProfileListBox"_s);
     profileListBox_->setAccessibleName(u"Profile"_s);
-    profileListBox_->setMinimumWidth(180);
+    profileListBox_->setMinimumWidth(120);
     controls::KeepSelection(*profileListBox_);
     heading->setBuddy(profileListBox_);
     btnNew_ = Named<QPushButton>(u"btnNew"_s, u"&Neu"_s);
@@ -138,16 +139,18 @@ QWidget* TEinstellungenFm::BuildProfilePanel() {
 
 void TEinstellungenFm::MakeGeneralControls() {
     imageDestinationDir_ = Named<controls::PathEdit>(u"ImageDestinationDir"_s);
-    imageAutoSave_ = Named<QCheckBox>(u"ImageAutoSave"_s, u"Automatisch im Bildarchiv speichern"_s);
+    imageAutoSave_ = Named<controls::WrappingCheckBox>(u"ImageAutoSave"_s,
+                                                       u"Automatisch im Bildarchiv speichern"_s);
     imageSaveDir_ = Named<controls::PathEdit>(u"ImageSaveDir"_s);
-    imageAutoSave2_ = Named<QCheckBox>(u"ImageAutoSave2"_s, u"Automatisch speichern"_s);
+    imageAutoSave2_ =
+        Named<controls::WrappingCheckBox>(u"ImageAutoSave2"_s, u"Automatisch speichern"_s);
     fileNameEd_ = Named<QLineEdit>(u"FileNameEd"_s);
     fileVarCombo_ =
         ChoiceBox(u"FileVarCombo"_s, {u"LEER"_s, u"DATUM"_s, u"UID"_s, u"Zufall 8 Zeichen"_s,
                                       u"Zufall 6 Zeichen"_s, u"Zufall 4 Zeichen"_s});
     fileTypCombo_ = ChoiceBox(u"FileTypCombo"_s, {u"JPG"_s, u"JP2"_s});
-    scaleImageCk_ = Named<QCheckBox>(u"ScaleImageCk"_s,
-                                     u"Bild auf Ausgabegröße der Bundesdruckerei skalieren"_s);
+    scaleImageCk_ = Named<controls::WrappingCheckBox>(
+        u"ScaleImageCk"_s, u"Bild auf Ausgabegröße der Bundesdruckerei skalieren"_s);
     schabloneBox_ = Named<controls::ClearableComboBox>(
         u"SchabloneBox"_s, u"Schablonen, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
     QStringList layouts;
@@ -157,12 +160,18 @@ void TEinstellungenFm::MakeGeneralControls() {
     imageCount_ = ChoiceBox(u"ImageCount"_s, layouts);
     printProfileBox_ = Named<controls::ClearableComboBox>(
         u"PrintProfileBox"_s, u"Druckprofile, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
+    for (QComboBox* box : {schabloneBox_, printProfileBox_}) {
+        // A long name must not make the page wider than a small screen.
+        constexpr int LeastLetters = 16;
+        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        box->setMinimumContentsLength(LeastLetters);
+    }
     frameSize_ = Named<QLineEdit>(u"FrameSize"_s);
     frameSize_->setValidator(
         new QRegularExpressionValidator(QRegularExpression(u"\\d+"_s), frameSize_));
-    printAfterCrop_ = Named<QCheckBox>(
+    printAfterCrop_ = Named<controls::WrappingCheckBox>(
         u"PrintAfterCrop"_s, u"Bild sofort Drucken (Nur mit Standard Druckprofil möglich)"_s);
-    rotateBeforeTileImg_ = Named<QCheckBox>(
+    rotateBeforeTileImg_ = Named<controls::WrappingCheckBox>(
         u"RotateBeforeTileImg"_s,
         u"Bild vor dem Druck 90° drehen (Achtung bei 10x15 nur bis max. 6 Bilder)"_s);
     fileNameEd_->setAccessibleName(u"Dateiname"_s);
@@ -176,8 +185,8 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
 
     layout.addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
     layout.addWidget(imageAutoSave_);
-    layout.addWidget(
-        Named<QCheckBox>(u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
+    layout.addWidget(Named<controls::WrappingCheckBox>(
+        u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
     layout.addSpacing(GroupSpacing);
     layout.addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
     layout.addWidget(imageAutoSave2_);
@@ -199,12 +208,16 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
 }
 
 void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
-    autoWhiteBalance_ = Named<QCheckBox>(u"AutoWhiteBalance"_s, u"Automatischer Weißabgleich"_s);
-    showBlackWhite_ = Named<QCheckBox>(u"ShowBlackWhite"_s, u"Schwarzweiß Funktion deaktivieren"_s);
-    showGradation_ = Named<QCheckBox>(u"ShowGradation"_s, u"Gradation Funktion deaktivieren"_s);
-    showRotate_ = Named<QCheckBox>(u"ShowRotate"_s, u"Schrittweise Bilddrehung deaktivieren"_s);
-    whiteBalancePipette_ =
-        Named<QCheckBox>(u"WhiteBalancePipette"_s, u"Weißabgleich Pipette deaktivieren"_s);
+    autoWhiteBalance_ =
+        Named<controls::WrappingCheckBox>(u"AutoWhiteBalance"_s, u"Automatischer Weißabgleich"_s);
+    showBlackWhite_ = Named<controls::WrappingCheckBox>(u"ShowBlackWhite"_s,
+                                                        u"Schwarzweiß Funktion deaktivieren"_s);
+    showGradation_ =
+        Named<controls::WrappingCheckBox>(u"ShowGradation"_s, u"Gradation Funktion deaktivieren"_s);
+    showRotate_ = Named<controls::WrappingCheckBox>(u"ShowRotate"_s,
+                                                    u"Schrittweise Bilddrehung deaktivieren"_s);
+    whiteBalancePipette_ = Named<controls::WrappingCheckBox>(
+        u"WhiteBalancePipette"_s, u"Weißabgleich Pipette deaktivieren"_s);
     imgAutoRotate_ = Named<QRadioButton>(u"ImgAutoRotate"_s, u"Bild automatisch drehen"_s);
     imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach Rechts drehen"_s);
     imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"Bild nach Links drehen"_s);
@@ -223,7 +236,7 @@ void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
 /// What a profile keeps besides its record stands on pages of its own.
 void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
     auto* alignToFace = ChoiceBox(u"AlignToFace"_s, {u"nie"_s, u"vorschlagen"_s, u"immer"_s});
-    auto* askBeforeCut = Named<QCheckBox>(
+    auto* askBeforeCut = Named<controls::WrappingCheckBox>(
         u"AskBeforeCut"_s, u"Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
 
     layout.addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
@@ -232,22 +245,23 @@ void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
 }
 
 void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
-    auto* own =
-        Named<QCheckBox>(u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
+    auto* own = Named<controls::WrappingCheckBox>(
+        u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
     uploadFigures_ = new UploadFiguresEdit;
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
-    layout.addWidget(Named<QCheckBox>(
+    layout.addWidget(Named<controls::WrappingCheckBox>(
         u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte &Bilder schreiben"_s));
-    layout.addWidget(
-        Named<QCheckBox>(u"TagsInUploadFiles"_s,
-                         u"Schlüsselworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
+    layout.addWidget(Named<controls::WrappingCheckBox>(
+        u"TagsInUploadFiles"_s,
+        u"Schlüsselworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
     layout.addSpacing(2 * GroupSpacing);
     layout.addWidget(own);
     layout.addWidget(uploadFigures_);
     layout.addSpacing(2 * GroupSpacing);
     layout.addLayout(
         Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
-    layout.addWidget(Named<QCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
+    layout.addWidget(
+        Named<controls::WrappingCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
 }
 
 void TEinstellungenFm::FillPropertyStore() {

@@ -105,7 +105,15 @@ QStringList FaintTexts(QWidget& window, int& looked) {
             continue;
         }
         const QRect place(control->mapTo(&window, area.topLeft()), area.size());
-        const double contrast = ContrastIn(picture.copy(place & picture.rect()));
+        QRect inSight = place & picture.rect();
+        for (const QWidget* part = control->parentWidget(); part != &window;
+             part = part->parentWidget()) {
+            inSight &= QRect(part->mapTo(&window, QPoint()), part->size());
+        }
+        if (inSight != place) {
+            continue;  // scrolled away
+        }
+        const double contrast = ContrastIn(picture.copy(place));
         ++looked;
         if (contrast < LeastContrast) {
             const QString text = control->property("text").toString();
