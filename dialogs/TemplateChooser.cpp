@@ -54,6 +54,7 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     setObjectName(u"SchabloneFm"_s);
     setWindowTitle(u"Schablonen"_s);
     lbSchablonen_ = new controls::SelectionList(u"lbSchablonen"_s, u"Schablonen"_s);
+    lbSchablonen_->SetEmptyText(u"Keine Schablone heißt so."_s);
     connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this, [this] {
         btnOk_->setEnabled(FormCloseQuery());
         ShowNotice();

@@ -117,6 +117,20 @@ void SelectionList::Filter(const QString& words) {
     }
 }
 
+void SelectionList::paintEvent(QPaintEvent* event) {
+    QListWidget::paintEvent(event);
+    for (int row = 0; row < count(); ++row) {
+        if (!item(row)->isHidden()) {
+            return;
+        }
+    }
+    constexpr int Margin = 16;
+    QPainter painter(viewport());
+    painter.setPen(Colors().mutedText);
+    painter.drawText(viewport()->rect().adjusted(Margin, Margin, -Margin, -Margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
+}
+
 int SelectionList::SelectedRow() const {
     const auto selected = selectedItems();
     return selected.isEmpty() ? -1 : row(selected.first());

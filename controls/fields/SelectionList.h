@@ -26,12 +26,21 @@ class SelectionList : public QListWidget {
     /// row that is hidden by it gives the selection to the first one that is left.
     void Filter(const QString& words);
 
+    /// Said in the list's place while it shows no row.
+    void SetEmptyText(const QString& text) { emptyText_ = text; }
+
     /// -1 none.
     int SelectedRow() const;
     /// Selects nothing where there is no such row.
     void SelectRow(int row);
     /// Empty where nothing is selected.
     QString SelectedText() const;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    QString emptyText_;
 };
 
 }  // namespace kadrona::controls

@@ -92,6 +92,7 @@ TBeforPrintDlgFm::TBeforPrintDlgFm(const core::TData& data, const core::Settings
 QLayout* TBeforPrintDlgFm::BuildChoice() {
     lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
     lbProfiles_->setMinimumSize(SmallestProfileList);
+    lbProfiles_->SetEmptyText(u"Noch kein Profil. „Datei“, „Druck Profile“ legt eines an."_s);
     copiesBox_ = new QSpinBox;
     copiesBox_->setObjectName(u"CopiesBox"_s);
     copiesBox_->setRange(1, printing::MostCopies);
@@ -131,14 +132,14 @@ QWidget* TBeforPrintDlgFm::BuildButtons() {
     btnProfile_ = buttons->addButton(u"&Mit Profil drucken"_s, QDialogButtonBox::ActionRole);
     btnProfile_->setObjectName(u"btnProfile"_s);
     btnProfile_->setDefault(true);
-    auto* noProfile = buttons->addButton(u"&Ohne Profil drucken"_s, QDialogButtonBox::ActionRole);
-    noProfile->setObjectName(u"btnNoProfile"_s);
+    btnNoProfile_ = buttons->addButton(u"&Ohne Profil drucken"_s, QDialogButtonBox::ActionRole);
+    btnNoProfile_->setObjectName(u"btnNoProfile"_s);
     buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole)
         ->setObjectName(u"btnCancel"_s);
     // A double-click on a profile prints with it.
     connect(lbProfiles_, &QListWidget::itemDoubleClicked, btnProfile_, &QPushButton::click);
     connect(btnProfile_, &QPushButton::clicked, this, &TBeforPrintDlgFm::btnProfileClick);
-    connect(noProfile, &QPushButton::clicked, this,
+    connect(btnNoProfile_, &QPushButton::clicked, this,
             [this] { done(static_cast<int>(ModalResult::No)); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;
@@ -168,7 +169,7 @@ void TBeforPrintDlgFm::FormShow() {
     copies_.reset();
     lbProfiles_->setFocus();
     // Else Return would press the button that was pressed last time.
-    btnProfile_->setDefault(true);
+    (lbProfiles_->count() > 0 ? btnProfile_ : btnNoProfile_)->setDefault(true);
     if (settings_.PrintAfterCrop()) {
         // By name: the profiles may have changed since their places were stored.
         SelectProfile(settings_.PrintProfileBoxText());
@@ -177,6 +178,9 @@ void TBeforPrintDlgFm::FormShow() {
         }
     } else {
         SelectProfile(lastUsed_);
+        if (lbProfiles_->SelectedRow() < 0 && lbProfiles_->count() == 1) {
+            lbProfiles_->SelectRow(0);
+        }
     }
     ShowAtOnce();
     settled_->start();

@@ -78,6 +78,7 @@ class TBeforPrintDlgFm : public QDialog {
     const core::Settings& settings_;
     controls::SelectionList* lbProfiles_;
     QPushButton* btnProfile_;
+    QPushButton* btnNoProfile_;
     SelfConfirmation* confirmation_;
     QSpinBox* copiesBox_;
     PaperView* view_;

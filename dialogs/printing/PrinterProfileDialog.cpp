@@ -24,7 +24,7 @@ namespace kadrona::dialogs {
 
 namespace {
 
-constexpr QSize SmallestList(260, 220);
+constexpr QSize SmallestList(260, 180);
 
 }  // namespace
 
@@ -34,6 +34,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     setWindowTitle(u"Druck Profile"_s);
     lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
     lbProfiles_->setMinimumSize(SmallestList);
+    lbProfiles_->SetEmptyText(u"Noch kein Profil. „Neues Profil“ fragt nach dem Drucker."_s);
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"&Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil &löschen"_s);
     btnChangeProfile_ = NamedButton(u"btnChangeProfile"_s, u"Profil ände&rn …"_s);
