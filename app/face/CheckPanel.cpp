@@ -73,6 +73,7 @@ void CheckPanel::acShowCheckExecute() {
 }
 
 void CheckPanel::FollowSession() {
+    ForgetOtherPhoto();
     if (actions_.IsChecked(Action::ShowCheck) && session_.IsEditing()) {
         face_.FindSoon();
     }
@@ -104,8 +105,8 @@ void CheckPanel::ShowLines() {
     if (!actions_.IsChecked(Action::ShowCheck)) {
         return;
     }
-    if (!session_.IsEditing() || !session_.HasTemplate()) {
-        section_.SetLines({}, u"Öffnen Sie ein Foto und wählen Sie eine Schablone."_s);
+    if (!IsChecking()) {
+        ShowKept();
         return;
     }
     LoadFigures();
@@ -114,7 +115,41 @@ void CheckPanel::ShowLines() {
         summary += u" %1 Gesichter; geprüft wird das größte nahe der Mitte."_s.arg(
             face_.Search().faceCount);
     }
-    section_.SetLines(Lines(), summary);
+    KeepReport();
+    section_.SetLines(last_->lines, summary, dialogs::CheckSection::Points::Movable);
+}
+
+bool CheckPanel::IsChecking() const {
+    return session_.IsEditing() && session_.HasTemplate();
+}
+
+/// Customers ask when the sheet is there, on which nothing can be measured.
+void CheckPanel::ShowKept() {
+    constexpr auto Fixed = dialogs::CheckSection::Points::Fixed;
+    const bool made = session_.CurrentStage() == PhotoSession::Stage::SheetMade;
+    if (made && last_) {
+        section_.SetLines(last_->lines,
+                          u"So geprüft, bevor das Blatt gemacht wurde: %1. Ohne Gewähr."_s.arg(
+                              last_->templateName),
+                          Fixed);
+    } else if (made) {
+        section_.SetLines({}, u"Zu diesem Blatt gibt es keine Prüfung."_s, Fixed);
+    } else {
+        section_.SetLines({}, u"Öffnen Sie ein Foto und wählen Sie eine Schablone."_s, Fixed);
+    }
+}
+
+void CheckPanel::KeepReport() {
+    last_ = {session_.Image().Photo(), session_.TemplateRectangle(), session_.TemplateName(),
+             face_.Search().face, Lines()};
+    lastName_ = session_.FileName();
+}
+
+/// At once, so that no two photos are held in memory while the next one is read.
+void CheckPanel::ForgetOtherPhoto() {
+    if (session_.Image().IsEmpty() || session_.FileName() != lastName_) {
+        last_.reset();
+    }
 }
 
 bool CheckPanel::ConfirmCut() {
@@ -130,8 +165,9 @@ bool CheckPanel::ConfirmCut() {
         return true;
     }
     LoadFigures();
+    KeepReport();
     QStringList missed;
-    for (const core::CheckLine& line : Lines()) {
+    for (const core::CheckLine& line : last_->lines) {
         if (line.state == core::CheckState::Missed) {
             missed << line.label + u' ' + core::FigureText(line) + u'.';
         }
@@ -139,11 +175,6 @@ bool CheckPanel::ConfirmCut() {
     return missed.isEmpty() ||
            controls::AskYesNo(&window_, missed.join(u'\n') + u" Trotzdem erstellen?"_s,
                               controls::Severity::Warning);
-}
-
-CheckReport CheckPanel::Report() const {
-    return {session_.Image().Photo(), session_.TemplateRectangle(), session_.TemplateName(),
-            face_.Search().face, Lines()};
 }
 
 void CheckPanel::SaveReport() {
@@ -155,7 +186,8 @@ void CheckPanel::SaveReport() {
     dialog.fileName = QFileInfo(data_.CurrentFile()).completeBaseName() + u"_pruefung"_s;
     if (const auto path = ui_.AskForSaveFile(dialog)) {
         const controls::WaitCursor wait;
-        WriteCheckReport(Report(), *path);
+        WriteCheckReport(last_.value(), *path);
+        Q_EMIT actions_.Succeeded(u"Gespeichert: "_s + QFileInfo(*path).fileName());
     }
 }
 
@@ -166,7 +198,7 @@ void CheckPanel::PrintReport() {
     }
     const controls::WaitCursor wait;
     const QSizeF paper = data_.Printer().Paper().geometry.page;
-    data_.Printer().Print(CheckReportPage(Report(), paper));
+    data_.Printer().Print(CheckReportPage(last_.value(), paper));
 }
 
 }  // namespace kadrona::app

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/face/CheckReport.h"
 #include "core/check/PhotoCheck.h"
 
 class QWidget;
@@ -25,7 +26,6 @@ namespace kadrona::app {
 class MainActions;
 class PhotoFace;
 class PhotoSession;
-struct CheckReport;
 
 /// Checks the photo in its template: live in the section "Prüfung", before a cut, and as a report
 /// for the customer. All that is given outlives the object.
@@ -48,7 +48,10 @@ class CheckPanel : public QObject {
     void ShowLines();
     std::vector<core::CheckLine> Lines() const;
     void LoadFigures();
-    CheckReport Report() const;
+    void ShowKept();
+    bool IsChecking() const;
+    void KeepReport();
+    void ForgetOtherPhoto();
     void SaveReport();
     void PrintReport();
 
@@ -61,6 +64,9 @@ class CheckPanel : public QObject {
     MainActions& actions_;
     dialogs::SidePanel& panel_;
     dialogs::CheckSection& section_;
+    /// As the photo was last checked, for the sheet that is made of it.
+    std::optional<CheckReport> last_;
+    QString lastName_;
     std::optional<core::TemplateRow> figures_;
     /// The template that figures_ were asked of, with or without an answer.
     std::optional<QString> figuresOf_;

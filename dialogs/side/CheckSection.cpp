@@ -116,7 +116,8 @@ CheckSection::Row& CheckSection::RowAt(size_t index) {
     return rows_[index];
 }
 
-void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QString& summary) {
+void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QString& summary,
+                            Points points) {
     SetText(summary_, summary);
     summary_->setVisible(!summary.isEmpty());
     for (size_t i = 0; i < std::max(lines.size(), rows_.size()); ++i) {
@@ -139,7 +140,7 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
         row.judgement->setToolTip(u"Quelle: "_s + line.source);
     }
     report_->setEnabled(!lines.empty());
-    points_->setEnabled(!lines.empty());
+    points_->setEnabled(points == Points::Movable && !lines.empty());
 }
 
 void CheckSection::AddAction(QAction* action, const QString& text) {

@@ -20,8 +20,11 @@ class CheckSection : public QWidget {
  public:
     explicit CheckSection(QWidget* parent = nullptr);
 
+    /// Whether the face's points can be moved: not once the photo is cut.
+    enum class Points { Movable, Fixed };
+
     /// The lines, and a sentence above them, e.g. that there is no face.
-    void SetLines(const std::vector<core::CheckLine>& lines, const QString& summary);
+    void SetLines(const std::vector<core::CheckLine>& lines, const QString& summary, Points points);
     /// A button that triggers an action of the window, pressed as long as that is checked.
     /// The panel is narrow: `text` is short, the action's own stands in the tip.
     void AddAction(QAction* action, const QString& text);
