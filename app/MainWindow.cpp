@@ -39,6 +39,7 @@
 #include "dialogs/settings/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "platform/Error.h"
+#include "platform/HarmlessText.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
 
@@ -172,6 +173,10 @@ void TmainFm::ConnectActions() {
             &PhotoSession::SetLayoutIndex);
     connect(&session_, &PhotoSession::Changed, this, &TmainFm::ShowSession);
     connect(&actions_, &MainActions::Handled, this, &TmainFm::ShowSession);
+    connect(&actions_, &MainActions::Succeeded, statusPanels_, [this](const QString& what) {
+        constexpr int ShownMilliseconds = 8000;
+        statusPanels_->showMessage(platform::HarmlessLine(what), ShownMilliseconds);
+    });
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::ShowSession);
 }
 
@@ -182,6 +187,7 @@ void TmainFm::ShowSession() {
                      .sheetCreated = session_.CurrentStage() == Stage::SheetMade,
                      .templateLoaded = session_.HasTemplate(),
                      .canUndo = image.CanUndo(),
+                     .pictureShown = !image.IsEmpty(),
                      .cutKnown = !session_.Cut().IsEmpty(),
                      .archivable = data_ && data_->CanArchive(),
                      .sheetPrinted = printFlow_ && printFlow_->HasPrinted(),

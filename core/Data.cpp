@@ -114,10 +114,10 @@ TemplateRow TData::LoadedFigures() const {
     return row;
 }
 
-void TData::SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
-                      bool scale) {
+QString TData::SaveImage(imaging::LayeredImage& image, const QString& folder,
+                         const QString& fileName, bool scale) {
     const bool withTags = settings_ == nullptr || settings_->TagsInSavedFiles();
-    saver_.Save(image, {folder, fileName, scale, currentFile_, withTags});
+    return saver_.Save(image, {folder, fileName, scale, currentFile_, withTags});
 }
 
 bool TData::IsGone(const QString& leftFile) const {

@@ -81,7 +81,7 @@ constexpr std::array Definitions = {
                      u"Druckt das letzte Blatt noch einmal", u"Ctrl+Shift+P", u"print", -1,
                      UpdateRule::PrintAgain},
     ActionDefinition{Action::Paste, u"acPaste", u"Einfügen", u"Bild aus der Zwischenablage öffnen",
-                     u"Ctrl+V", u"open", -1, UpdateRule::None},
+                     u"Ctrl+V", u"paste", -1, UpdateRule::None},
     ActionDefinition{Action::ShowSheet, u"acShowSheet", u"Blatt", u"Blatt an/aus", u"F8",
                      u"create-photos", -1, UpdateRule::None, true},
     ActionDefinition{Action::AddToSheet, u"acAddToSheet", u"Zum Blatt hinzufügen",
@@ -100,6 +100,11 @@ constexpr int AlignTag = 8;
 
 bool NeedsTemplate(int tag) {
     return tag == CropTag || tag == AlignTag;
+}
+
+/// Tags of acLevelHead and acLevelByLine, which a photo that could not be read does not enable.
+bool NeedsPicture(int tag) {
+    return tag == 9 || tag == 10;
 }
 
 bool ToolSwitchedOff(int tag, const core::Settings& settings) {
@@ -129,7 +134,8 @@ ActionState StateOf(const ActionDefinition& definition, const ActionCircumstance
     switch (definition.rule) {
         case UpdateRule::Editing:
             return {.enabled = editable &&
-                               (!NeedsTemplate(definition.tag) || circumstances.templateLoaded),
+                               (!NeedsTemplate(definition.tag) || circumstances.templateLoaded) &&
+                               (!NeedsPicture(definition.tag) || circumstances.pictureShown),
                     .visible = !ToolSwitchedOff(definition.tag, settings)};
         case UpdateRule::Sheet:
             return {.enabled = circumstances.sheetCreated, .visible = !settings.PrintAfterCrop()};

@@ -62,6 +62,8 @@ struct ActionCircumstances {
     bool sheetCreated = false;
     bool templateLoaded = false;
     bool canUndo = false;
+    /// There is something in the view: not after a photo that could not be read.
+    bool pictureShown = false;
     /// The photo as it was cut is still there.
     bool cutKnown = false;
     /// A sheet was made of the open photo, which is not in the archive yet.
@@ -140,6 +142,9 @@ class MainActions : public QObject {
  Q_SIGNALS:
     /// A handler has run, whether or not it failed.
     void Handled();
+    /// What an action has done where nothing else shows it, e.g. written a file: a short text for
+    /// the status bar.
+    void Succeeded(const QString& what);
 
  private:
     QWidget* window_;

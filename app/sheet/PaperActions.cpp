@@ -127,7 +127,7 @@ void PaperActions::ConnectSections() {
 template <typename Change>
 void PaperActions::ChangeTray(Change change) {
     controls::Guarded(&around_.window, change);
-    UpdateTray();
+    Update();
 }
 
 void PaperActions::ShowSections(bool shown) {
@@ -135,6 +135,9 @@ void PaperActions::ShowSections(bool shown) {
         LoadTray();
     }
     around_.panel.ShowSection(&around_.section, shown);
+    if (!shown) {
+        around_.panel.ShowSection(&around_.tray, false);
+    }
     Update();
 }
 
@@ -216,7 +219,10 @@ QString PaperActions::Summary() const {
     const core::PaperChoice choice = core::PaperChoiceOf(around_.settings);
     const QSize photo = PhotoSize(around_.data);
     if (!choice.paper) {
-        return u"Das Blatt richtet sich nach der Anzahl."_s;
+        return tray_.Items().empty()
+                   ? u"Das Blatt richtet sich nach der Anzahl."_s
+                   : u"Das Blatt richtet sich nach der Anzahl; das Sammelblatt hat ohne "
+                     u"gewähltes Papier %1."_s.arg(core::SizeText(core::CollectedPaper(choice)));
     }
     if (photo.isEmpty()) {
         return u"Papier %1. Öffnen Sie ein Foto und wählen Sie eine Schablone."_s.arg(
@@ -327,14 +333,15 @@ void PaperActions::acAddToSheetExecute() {
     const controls::WaitCursor wait;
     const imaging::Pixels cut = imaging::Cropped(image.Photo(), image.LayerAt(1).rectangle);
     const auto layout = core::SheetLayoutAt(session_.LayoutIndex());
+    const int count = layout ? layout->columns * layout->rows : 1;
     tray_.Add({cut, PhotoSize(around_.data), session_.TemplateName(),
-               QFileInfo(around_.data.CurrentFile()).completeBaseName(),
-               layout ? layout->columns * layout->rows : 1});
+               QFileInfo(around_.data.CurrentFile()).completeBaseName(), count});
     if (!around_.actions.IsChecked(Action::ShowSheet)) {
         around_.actions[Action::ShowSheet]->trigger();
     }
     Update();
     around_.tray.Select(static_cast<int>(tray_.Items().size()) - 1);
+    Q_EMIT around_.actions.Succeeded(u"Zum Sammelblatt gelegt: "_s + PicturesText(count));
 }
 
 /// What has no room stays in the tray for the next sheet.

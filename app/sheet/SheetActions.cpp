@@ -14,6 +14,7 @@
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
 #include "core/settings/Settings.h"
+#include "core/sheet/PaperSize.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
 #include "platform/Paths.h"
@@ -71,7 +72,7 @@ void SheetActions::acCropExecute() {
 
 void SheetActions::acSaveExecute() {
     const controls::WaitCursor wait;
-    data_.SaveImage(session_.Image(), data_.SaveFolder(), {}, false);
+    TellSaved(data_.SaveImage(session_.Image(), data_.SaveFolder(), {}, false));
 }
 
 void SheetActions::acSaveImageFastExecute() {
@@ -86,8 +87,22 @@ void SheetActions::acSaveImageFastExecute() {
         return;
     }
     const controls::WaitCursor wait;
-    data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk());
+    TellSaved(data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk()));
     savedPhotos_.insert(path, data_.CurrentFile());
+}
+
+/// With its size on paper, which is a whole sheet's where paper is chosen.
+void SheetActions::TellSaved(const QString& path) {
+    if (path.isEmpty()) {
+        return;
+    }
+    QString text = u"Gespeichert: "_s + QFileInfo(path).fileName();
+    const imaging::DotsPerInch resolution = session_.Image().Resolution();
+    if (resolution.value > 0) {
+        const QSizeF inches = QSizeF(session_.Image().Photo().Size()) / resolution.value;
+        text += u", "_s + core::SizeText((inches * core::MicrometresPerInch).toSize());
+    }
+    Q_EMIT actions_.Succeeded(text);
 }
 
 /// Without a folder the photo would go to the root of the file system.

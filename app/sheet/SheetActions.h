@@ -37,6 +37,7 @@ class SheetActions : public QObject {
     void acCropExecute();
     void acSaveExecute();
     void acSaveImageFastExecute();
+    void TellSaved(const QString& path);
     QString FolderToSaveIn();
     bool MayShrinkTheSheet();
     bool MayReplace(const QString& path);

@@ -1,6 +1,7 @@
 #include "app/sheet/UploadActions.h"
 
 #include <QFileInfo>
+#include <QLocale>
 
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
@@ -24,6 +25,7 @@ UploadActions::UploadActions(PhotoSession& session, QWidget& window, core::TData
       data_(data),
       settings_(settings),
       ui_(ui),
+      actions_(actions),
       dialog_(new dialogs::UploadDialog(&window)) {
     actions.Connect(Action::UploadFile, this, [this] { acUploadFileExecute(); });
 }
@@ -64,7 +66,10 @@ void UploadActions::Save() {
             u"Die Datei ist ein JPEG; ihr Name muss auf „.jpg“ enden, nicht auf „.%1“."_s.arg(
                 extension));
     }
-    platform::WriteFileAtomically(*path, dialog_->File().bytes);
+    const QByteArray& file = dialog_->File().bytes;
+    platform::WriteFileAtomically(*path, file);
+    Q_EMIT actions_.Succeeded(u"Gespeichert: %1, %2 Bytes"_s.arg(
+        QFileInfo(*path).fileName(), QLocale(QLocale::German).toString(file.size())));
 }
 
 }  // namespace kadrona::app

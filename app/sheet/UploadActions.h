@@ -37,6 +37,7 @@ class UploadActions : public QObject {
     core::TData& data_;
     dialogs::TEinstellungenFm& settings_;
     core::UserInterface& ui_;
+    MainActions& actions_;
     dialogs::UploadDialog* dialog_;
 };
 

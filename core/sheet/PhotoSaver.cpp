@@ -64,19 +64,21 @@ QString PhotoSaver::Folder(const Settings& settings) const {
     return QFileInfo(folder).isDir() ? folder : lastFolder_;
 }
 
-void PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
+QString PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
     const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
     if (request.fileName.isEmpty()) {
         if (request.scale) {
             ScaleForOutput(image);
         }
-        if (const auto path = AskForPath(DialogFor(request))) {
-            WritePhoto(image, *path, request.withTags);
+        const auto chosen = AskForPath(DialogFor(request));
+        if (chosen) {
+            WritePhoto(image, *chosen, request.withTags);
         }
-        return;
+        return chosen.value_or(QString());
     }
-    SaveQuickly(image, platform::JoinPath(DelLastBackslash(request.folder), request.fileName),
-                request);
+    const QString path = platform::JoinPath(DelLastBackslash(request.folder), request.fileName);
+    SaveQuickly(image, path, request);
+    return path;
 }
 
 std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {

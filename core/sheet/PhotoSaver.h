@@ -48,7 +48,9 @@ class PhotoSaver {
     /// After a save under a given name the newest undo step is taken back, whether or not the image
     /// was scaled, and the others are dropped. Throws imaging::WriteError where the file cannot be
     /// written; the image and its undo steps are then as they were.
-    void Save(imaging::LayeredImage& image, const Request& request);
+    ///
+    /// Returns the file; empty where the user chose none.
+    QString Save(imaging::LayeredImage& image, const Request& request);
 
  private:
     std::optional<QString> AskForPath(const SaveDialog& dialog);

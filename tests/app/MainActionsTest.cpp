@@ -32,7 +32,7 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
         u"acRotateLeft "
         "acRotateRight acSearchArchiv acShowCheck acShowConfig acShowSheet acZoomFit acZoomFull "_s;
     const QString tools =
-        u"acBeauty acColorConfig acGradation acLevelByLine acLevelHead acRotateDlg acSchwarzweiss "
+        u"acBeauty acColorConfig acGradation acRotateDlg acSchwarzweiss "
         "acSetWhitePoint acShowLayer "_s;
     struct Row {
         ActionCircumstances circumstances;
@@ -40,8 +40,9 @@ TEST(Actions, AreEnabledByTheStateOfThePhoto) {
     };
     for (const auto& [circumstances, enabled] :
          {Row{{}, always}, Row{{.imageLoaded = true}, always + tools},
-          Row{{.imageLoaded = true, .templateLoaded = true},
-              always + tools + u"acAddToSheet acAlignToFace acCrop acUploadFile "_s},
+          Row{{.imageLoaded = true, .templateLoaded = true, .pictureShown = true},
+              always + tools +
+                  u"acAddToSheet acAlignToFace acCrop acLevelByLine acLevelHead acUploadFile "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .templateLoaded = true},
               always + u"acPrintImage acSave "_s},
           Row{{.imageLoaded = true, .sheetCreated = true, .cutKnown = true, .archivable = true},
