@@ -153,6 +153,9 @@ void CheckPanel::ForgetOtherPhoto() {
 }
 
 bool CheckPanel::ConfirmCut() {
+    if (!actions_.IsChecked(Action::ShowCheck)) {
+        last_.reset();  // does not follow the template then
+    }
     if (!settings_.AskBeforeCut() || !session_.IsEditing() || !session_.HasTemplate()) {
         return true;
     }

@@ -125,6 +125,7 @@ void Shrink(QDialog& dialog) {
     if (dialog.isVisible() && within != dialog.size() && !dialog.isMaximized() &&
         !dialog.isFullScreen()) {
         dialog.resize(within);
+        MoveOntoScreen(dialog);
     }
 }
 

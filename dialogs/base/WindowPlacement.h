@@ -9,6 +9,9 @@ namespace kadrona::dialogs {
 /// has none, as far as the screen has room.
 void CentreOnParent(QWidget& window);
 
+/// Moves a window back onto its screen, as far as that has room for it.
+void MoveOntoScreen(QWidget& window);
+
 /// The size, as far as the window's screen has room for it with a frame.
 QSize WithinScreen(const QWidget& window, QSize wanted);
 

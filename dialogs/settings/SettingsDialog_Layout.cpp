@@ -14,6 +14,7 @@
 
 #include "controls/fields/ClearableComboBox.h"
 #include "controls/fields/KeptSelection.h"
+#include "controls/fields/MissingFolder.h"
 #include "controls/fields/PathEdit.h"
 #include "controls/fields/WrappingCheckBox.h"
 #include "core/settings/ProfileRecord.h"
@@ -184,11 +185,13 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
     nameColumn->addWidget(fileNameEd_);
 
     layout.addLayout(Captioned(u"&Bildarchiv Verzeichnis"_s, imageDestinationDir_));
+    layout.addWidget(new controls::MissingFolder(*imageDestinationDir_));
     layout.addWidget(imageAutoSave_);
     layout.addWidget(Named<controls::WrappingCheckBox>(
         u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
     layout.addSpacing(GroupSpacing);
     layout.addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
+    layout.addWidget(new controls::MissingFolder(*imageSaveDir_));
     layout.addWidget(imageAutoSave2_);
     layout.addLayout(Row({{nameColumn, 3},
                           {Captioned(u"Va&riable"_s, fileVarCombo_), 2},
@@ -260,6 +263,7 @@ void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     layout.addSpacing(2 * GroupSpacing);
     layout.addLayout(
         Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
+    layout.addWidget(new controls::MissingFolder(*watchedFolder_));
     layout.addWidget(
         Named<controls::WrappingCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
 }

@@ -130,6 +130,15 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     section.findChild<QAction*>(u"PrintReport"_s)->trigger();
     ASSERT_EQ(printer.jobs.size(), 1);
     EXPECT_NEAR(printer.jobs[0].image.Millimetres().height(), 297, 0.1);
+
+    const QString head = texts().filter(u" mm"_s).value(0);
+    Trigger(u"acCrop"_s);
+    EXPECT_TRUE(texts().contains(head)) << "the sheet keeps what was checked";
+    section.findChild<QAction*>(u"PrintReport"_s)->trigger();
+    EXPECT_EQ(printer.jobs.size(), 2);
+    driver.Answer({u"gone.png"_s}, u"OkButton"_s);
+    window->OpenDroppedFiles({installation.Path("gone.png")});
+    EXPECT_FALSE(Child<QPushButton>(section, "CheckReport").isEnabled());
 }
 
 }  // namespace kadrona::testing

@@ -4,6 +4,7 @@
 #include <QImageReader>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QStatusBar>
 
 #include "core/base/Product.h"
 #include "tests/app/StoryFixture.h"
@@ -87,6 +88,7 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
     });
     Trigger(u"acSave"_s);
     EXPECT_EQ(SavedFiles(), u"photo_kdr.jpg"_s);
+    EXPECT_TRUE(window->statusBar()->currentMessage().contains(u"photo_kdr.jpg"_s));
 
     driver.Expect(u"SaveDialog"_s, [](QWidget& shown) {
         auto& types = Child<QComboBox>(shown, "fileTypeCombo");

@@ -142,7 +142,7 @@ TEST_F(ColourDialog, ShowsWhatItReturnsBesideThePhotoAsItIs) {
 TEST_F(ColourDialog, BothSidesZoomTogetherAndTheSizeIsKept) {
     const QSize screen = dialog.screen()->availableSize();
     EXPECT_LT(dialog.height(), screen.height()) << "there is room for its title";
-    EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(screen - QSize(12, 44)));
+    EXPECT_EQ(dialog.size(), QSize(800, 800).boundedTo(screen - QSize(16, 48)));
     EXPECT_LE(dialog.minimumSizeHint().height(), 700);
     driver.Expect(u"ColourAdjustment"_s, [this](QWidget& shown) {
         EXPECT_EQ(Before().ZoomPercent(), After().ZoomPercent());

@@ -251,6 +251,13 @@ TEST_F(SettingsDialog, TickingTheAutomaticSavingsChecksWhatTheyNeed) {
             The<QCheckBox>(box)->setChecked(false);
             The<QCheckBox>(box)->click();
         }
+        const QString made = installation.Path("new/folder");
+        The<QLineEdit>(u"ImageSaveDir"_s)->setText(made);
+        auto* missing = The<QWidget>(u"ImageSaveDirMissing"_s);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return missing->isVisible(); }));
+        The<QPushButton>(u"ImageSaveDirMissingCreate"_s)->click();
+        EXPECT_TRUE(QDir(made).exists());
+        EXPECT_FALSE(missing->isVisible());
     });
 }
 

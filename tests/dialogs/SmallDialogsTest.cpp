@@ -277,6 +277,9 @@ TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
         auto* row = new QHBoxLayout;
         row->addWidget(button);
         auto* column = new QVBoxLayout(&dialog);
+        auto* edit = new QLineEdit;
+        column->addWidget(edit);
+        edit->setFocus();
         column->addWidget(filling);
         column->addLayout(row);
         column->setSizeConstraint(QLayout::SetFixedSize);
@@ -286,6 +289,7 @@ TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
         const QRect place(button->mapTo(&dialog, QPoint()), button->size());
         EXPECT_TRUE(dialog.rect().contains(place));
         EXPECT_EQ(button->visibleRegion().boundingRect(), button->rect());
+        EXPECT_EQ(dialog.focusWidget(), edit);
         dialog.hide();
         dialog.show();
         EXPECT_TRUE(screen.contains(dialog.frameGeometry()));
@@ -294,6 +298,9 @@ TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
         QDialog dialog;
         show(dialog, content);
         EXPECT_NE(dialog.findChild<QScrollArea*>(), nullptr);
+        dialog.show();
+        dialog.resize(5000, 5000);
+        EXPECT_TRUE(dialog.screen()->availableGeometry().contains(dialog.frameGeometry()));
     }
     QDialog small;
     show(small, {300, 200});
