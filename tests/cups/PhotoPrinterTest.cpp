@@ -42,7 +42,7 @@ constexpr double Tolerance = 0.1 + 25.4 / 300 / 2;
 /// Starts and lengths along one direction of the raster.
 std::vector<QPointF> Stretches(const QJsonValue& values) {
     std::vector<QPointF> stretches;
-    for (const QJsonValue& value : values.toArray()) {
+    for (const auto& value : values.toArray()) {
         stretches.emplace_back(value[0].toDouble(), value[1].toDouble());
     }
     return stretches;

@@ -56,6 +56,27 @@ constexpr int LastEpsonModel = 136;
 /// The same for all models.
 constexpr QMarginsF Canon(10, 9, 10, 15);
 
+/// Margins of single papers of dye-sublimation printers without a switch, where the description
+/// names none; of all that the library has (the same source).
+struct PaperMargins {
+    int model;
+    const char* paper;
+    QMarginsF margins;
+};
+const PaperMargins DyePapers[] = {
+    {0, "A6", {28, 48, 28, 48}},
+    {1, "A4", {22, 54, 22, 54}},
+    {1, "c8x10", {58, 84, 59, 85}},
+    {1, "C6", {9, 9, 9, 9}},
+    {3, "A4", {10, 54, 9, 54}},
+    {3, "c8x10", {58, 72, 59, 72}},
+    {3, "C6", {9, 9, 9, 9}},
+    {3, "w255h581", {25, 25, 25, 24}},
+    {4, "ISOB7", {16, 33, 17, 33}},
+    {3002, "Postcard", {21, 29, 21, 29}},
+    {4200, "w432h576-div2", {0, 57, 0, 0}},
+};
+
 /// Of any printer of the library that can print without a border.
 constexpr QMarginsF Widest(10, 9, 10, 40);
 
@@ -87,6 +108,14 @@ QMarginsF SheetMargins(const QByteArray& model) {
     return found == std::end(EpsonSheets) ? OtherEpsonSheets : found->margins;
 }
 
+QMarginsF DyeMargins(const QByteArray& model, const QByteArray& paper) {
+    const auto found =
+        std::find_if(std::begin(DyePapers), std::end(DyePapers), [&](const PaperMargins& some) {
+            return some.model == NumberOf(model) && some.paper == paper;
+        });
+    return found == std::end(DyePapers) ? QMarginsF() : found->margins;
+}
+
 }  // namespace
 
 std::optional<QRectF> NamedPaper(const Paper& paper) {
@@ -110,6 +139,9 @@ QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting) {
     const QMarginsF& named = paper.marginPoints;
     const bool isEpson = setting.model.endsWith("_escp2");
     QMarginsF border = setting.isBordered ? Larger(named, SheetMargins(setting.model)) : named;
+    if (setting.model.endsWith("_dyesub")) {
+        border = Larger(border, DyeMargins(setting.model, paper.name));
+    }
     if (isEpson && setting.tray.startsWith("Roll")) {
         const bool isShort = std::find(EpsonRollsWithBorder.begin(), EpsonRollsWithBorder.end(),
                                        NumberOf(setting.model)) != EpsonRollsWithBorder.end();
