@@ -3,14 +3,17 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "imaging/codec/Release.h"
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/pixels/NewImage.h"
 #include "imaging/reading/PluginReader.h"
+#include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
 
@@ -52,6 +55,45 @@ TiffFile OpenTiff(QIODevice& device) {
             return static_cast<toff_t>(static_cast<QIODevice*>(handle)->size());
         },
         nullptr, nullptr, options.get()));
+}
+
+/// What the values of the first directory take, which libtiff reads whatever they are; of both
+/// kinds of files, with offsets of 32 and of 64 bits. 0 where the file ends before.
+qint64 ValueBytes(QIODevice& device) try {
+    constexpr std::array<quint8, 19> Sizes{0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
+    const auto at = [&](quint64 position, qint64 count) {
+        const bool isThere =
+            std::cmp_less(position, device.size()) && device.seek(static_cast<qint64>(position));
+        return isThere ? device.read(count) : QByteArray();
+    };
+    const QByteArray header = at(0, 16);
+    const auto order =
+        header.startsWith('M') ? platform::ByteOrder::BigEndian : platform::ByteOrder::LittleEndian;
+    const auto number = [order](QByteArrayView bytes, qint64 from, bool isLarge) -> quint64 {
+        platform::ByteReader reader(bytes, order);
+        reader.Seek(from);
+        return isLarge ? reader.Read<quint64>() : reader.Read<quint32>();
+    };
+    const bool isLarge = header.size() > 3 && (header.at(2) == 43 || header.at(3) == 43);
+    const quint64 directory = number(header, isLarge ? 8 : 4, isLarge);
+    const QByteArray all = at(directory + (isLarge ? 8 : 2), qint64{0xffff} * 20);
+    const QByteArray begin = at(directory, 8);
+    platform::ByteReader countReader(begin, order);
+    const quint64 count = isLarge ? number(begin, 0, true) : countReader.Read<quint16>();
+    qint64 bytes = 0;
+    const qint64 entrySize = isLarge ? 20 : 12;
+    for (qint64 entry = 0; std::cmp_less(entry, count); ++entry) {
+        platform::ByteReader reader(all, order);
+        reader.Seek(entry * entrySize + 2);
+        const auto type = reader.Read<quint16>();
+        const quint64 values = number(all, entry * entrySize + 4, isLarge);
+        const auto size = static_cast<quint64>(type < Sizes.size() ? Sizes.at(type) : 0);
+        const auto most = static_cast<quint64>(device.size());
+        bytes += static_cast<qint64>(std::min(std::min(values, most) * size, most));
+    }
+    return bytes;
+} catch (const platform::OutOfBytes&) {
+    return 0;
 }
 
 template <typename Value>
@@ -197,7 +239,9 @@ DecodedImage ReadTiff(const ReadTask& task) {
     const qint64 packed = PackedBytes(tiff.get(), task.Device().size());
     task.RequireMemoryBeside(packed);
     if (!layout.IsDeep()) {
-        task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout));
+        // A profile is copied.
+        task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout) +
+                                 2 * ValueBytes(task.Device()));
         tiff.reset();
         task.Device().seek(0);
         return ReadByPlugin(task, "tiff");

@@ -130,6 +130,11 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     EXPECT_EQ(Failure(jpeg2000(4700)), tooMuch);
     EXPECT_EQ(Failure(losslessWebP(7900)), tooMuch);
     EXPECT_EQ(Failure(floats(3600)), tooMuch);
+    const QList<TiffEntry> square{Short(0x100, 10), Short(0x101, 10), Short(0x102, 8),
+                                  Short(0x103, 1),  Short(0x106, 1),  Short(0x115, 1)};
+    const TiffEntry profile{0x8773, 7, QByteArray(125'000'000, ' ')};
+    EXPECT_EQ(Failure(Tiff(square, QByteArray(100, 'x'))), QString());
+    EXPECT_EQ(Failure(Tiff(square + QList{profile}, QByteArray(100, 'x'))), tooMuch);
     const QByteArray segment = "\xff\xed\xff\xff" + QByteArray(0xfffd, ' ');
     EXPECT_EQ(Failure(Written(TestPicture(40, 30), "jpg").insert(2, segment.repeated(1000))),
               tooMuch);
