@@ -157,7 +157,7 @@ QRectF SpreadOf(const Paper& paper, const QMarginsF& border) {
     const QMarginsF& named = paper.marginPoints;
     const double let = paper.points.height() - named.top() - named.bottom();
     const double printed = paper.points.height() - border.top() - border.bottom();
-    if (printed > let) {
+    if (let > 0 && printed > let) {
         const double scale = printed / let;
         return {0, border.top() - named.top() * scale, paper.points.width(),
                 paper.points.height() * scale};
