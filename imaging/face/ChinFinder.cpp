@@ -23,6 +23,8 @@ constexpr double ChinByMouth = 0.6;
 constexpr double ChinDeviation = 0.2;
 constexpr double HighestChin = 1.35;
 constexpr double LowestChin = 2.55;
+/// The change is strongest where the chin begins to turn under; its lowest point stands below.
+constexpr double Rounding = 0.02;
 /// What the edges of chin and sides count against that.
 constexpr double ChinWeight = 3;
 constexpr double SideWeight = 2;
@@ -177,7 +179,7 @@ FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame) {
                              SideWeight * jaw.sides / strongestSides - off * off / 2;
         if (value > best) {
             best = value;
-            chin = {{0, jaw.y}, std::clamp(jaw.chin / 20, 0.2, 0.9)};
+            chin = {{0, jaw.y + Rounding}, std::clamp(jaw.chin / 20, 0.2, 0.9)};
         }
     }
     return chin;

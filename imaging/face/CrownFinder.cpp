@@ -23,6 +23,8 @@ constexpr double MeanCrown = -2.05;
 constexpr double CrownDeviation = 0.3;
 constexpr double LowestCrown = -1.5;
 constexpr double PartingWeight = 4;
+/// An arc parts best where hair is dense; the hair's top stands this much above it.
+constexpr double LooseHair = 0.06;
 
 /// The colours of the background beside and above the head: a few clusters in CIE Lab.
 class Background {
@@ -215,7 +217,7 @@ FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
                              changeWeight * rows[row].change / strongest - off * off / 2;
         if (value > best) {
             best = value;
-            crown = {{0, y}, std::clamp(partings[row], 0.2, 0.95)};
+            crown = {{0, std::max(top, y - LooseHair)}, std::clamp(partings[row], 0.2, 0.95)};
         }
     }
     return crown;

@@ -5,6 +5,9 @@
 #include <opencv2/imgproc.hpp>
 #include <optional>
 
+#include "imaging/face/PupilRegression.h"
+#include "imaging/face/PupilVote.h"
+
 namespace kadrona::imaging {
 
 namespace {
@@ -17,9 +20,6 @@ const QRectF RightArea(0, -0.6, 1.15, 1.2);
 /// Half of the window in which a pupil is refined.
 constexpr double RefineWide = 0.24;
 constexpr double RefineHigh = 0.18;
-
-/// How much a pupil is preferred in the middle of its window: a classifier's eye is nearly centred.
-constexpr double MiddlePreference = 1.6;
 
 constexpr double SeenConfidence = 0.9;
 constexpr double MirroredConfidence = 0.45;
@@ -109,7 +109,7 @@ RoughPair BestPair(const std::vector<EyeCandidate>& lefts,
     return pair;
 }
 
-QPointF Refined(const FacePhoto& photo, const FaceFrame& frame, QPointF eye) {
+QPointF Voted(const FacePhoto& photo, const FaceFrame& frame, QPointF eye) {
     const QRectF area(eye.x() - RefineWide, eye.y() - RefineHigh, 2 * RefineWide, 2 * RefineHigh);
     // Somewhat coarser finds the iris rather than single lashes, and takes less time.
     constexpr double RefinePixels = EyePixelsPerUnit * 0.8;
@@ -119,75 +119,22 @@ QPointF Refined(const FacePhoto& photo, const FaceFrame& frame, QPointF eye) {
     return area.topLeft() + QPointF(pupil.x + 0.5, pupil.y + 0.5) / RefinePixels;
 }
 
-/// A strong change of brightness: where, and which way it grows (of length 1).
-struct Gradient {
-    cv::Point2f at;
-    cv::Point2f direction;
-};
-
-std::vector<Gradient> StrongGradients(const cv::Mat& grey) {
-    cv::Mat smooth;
-    cv::GaussianBlur(grey, smooth, {5, 5}, 0);
-    cv::Mat dx;
-    cv::Mat dy;
-    cv::Sobel(smooth, dx, CV_32F, 1, 0);
-    cv::Sobel(smooth, dy, CV_32F, 0, 1);
-    cv::Mat magnitude;
-    cv::magnitude(dx, dy, magnitude);
-    cv::Scalar mean;
-    cv::Scalar deviation;
-    cv::meanStdDev(magnitude, mean, deviation);
-    const double threshold = mean[0] + 0.3 * deviation[0];
-    std::vector<Gradient> gradients;
-    for (int y = 0; y < grey.rows; ++y) {
-        for (int x = 0; x < grey.cols; ++x) {
-            const float length = magnitude.at<float>(y, x);
-            if (length > threshold) {
-                gradients.push_back({cv::Point2f(static_cast<float>(x), static_cast<float>(y)),
-                                     cv::Point2f(dx.at<float>(y, x), dy.at<float>(y, x)) / length});
-            }
-        }
+/// Where three witnesses have an eye of `frame`: the classifier (in the middle of what it saw), the
+/// vote of the gradients, and what marked faces taught (`learned`, photo pixels). The more pixels
+/// an eye has, the less the first two add; in few pixels their mean is surer than any of them.
+QPointF Agreed(const FacePhoto& photo, const FaceFrame& frame, QPointF eye, QPointF learned) {
+    constexpr double FewPixels = 24;
+    constexpr double ManyPixels = 36;
+    const double many = std::clamp((frame.unit - FewPixels) / (ManyPixels - FewPixels), 0.0, 1.0);
+    const double ofEach = (1 - many) / 3;
+    if (ofEach == 0) {
+        return learned;
     }
-    return gradients;
-}
-
-/// How many gradients point straight away from a point, as they do from the middle of a dark disc.
-float SupportFor(cv::Point2f middle, const std::vector<Gradient>& gradients) {
-    float sum = 0;
-    for (const Gradient& gradient : gradients) {
-        const cv::Point2f away = gradient.at - middle;
-        const float along = away.dot(gradient.direction);
-        if (along > 0) {
-            sum += along * along / (away.dot(away) + 1e-3F);
-        }
-    }
-    return sum;
+    const QPointF others = frame.ToPhoto(eye) + frame.ToPhoto(Voted(photo, frame, eye));
+    return ofEach * others + (1 - 2 * ofEach) * learned;
 }
 
 }  // namespace
-
-cv::Point2d PupilIn(const cv::Mat& grey) {
-    const std::vector<Gradient> gradients = StrongGradients(grey);
-    cv::Mat dark;
-    cv::GaussianBlur(grey, dark, {0, 0}, 3);
-    const cv::Point2f middle(static_cast<float>(grey.cols) / 2, static_cast<float>(grey.rows) / 2);
-    double best = -1;
-    cv::Point2d pupil(middle);
-    for (int y = 2; y < grey.rows - 2; ++y) {
-        for (int x = 2; x < grey.cols - 2; ++x) {
-            const cv::Point2f at(static_cast<float>(x), static_cast<float>(y));
-            const double across = (at.x - middle.x) / middle.x;
-            const double down = (at.y - middle.y) / middle.y;
-            const double value = SupportFor(at, gradients) * (255.0 - dark.at<uchar>(y, x)) *
-                                 std::exp(-MiddlePreference * (across * across + down * down));
-            if (value > best) {
-                best = value;
-                pupil = cv::Point2d(x, y);
-            }
-        }
-    }
-    return pupil;
-}
 
 EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades& cascades) {
     const cv::Mat left = GreySample(photo, guess, LeftArea);
@@ -199,9 +146,10 @@ EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades&
     const double unseen = eyes.seen == 0 ? GuessedConfidence : MirroredConfidence;
     const FaceFrame frame =
         FaceFrame::OfEyes(guess.ToPhoto(rough.left), guess.ToPhoto(rough.right));
-    eyes.left = {frame.ToPhoto(Refined(photo, frame, {-0.5, 0})),
+    const FaceFrame learned = TrainedPupils().Settled(photo, frame);
+    eyes.left = {Agreed(photo, frame, {-0.5, 0}, learned.ToPhoto({-0.5, 0})),
                  rough.leftSeen ? SeenConfidence : unseen};
-    eyes.right = {frame.ToPhoto(Refined(photo, frame, {0.5, 0})),
+    eyes.right = {Agreed(photo, frame, {0.5, 0}, learned.ToPhoto({0.5, 0})),
                   rough.rightSeen ? SeenConfidence : unseen};
     return eyes;
 }

@@ -10,6 +10,8 @@
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "imaging/face/PortraitMeasures.h"
+#include "imaging/face/PupilRegression.h"
+#include "imaging/pixels/MatView.h"
 #include "platform/AtomicFile.h"
 #include "tests/support/DrawnPortrait.h"
 #include "tests/support/Errors.h"
@@ -134,6 +136,28 @@ TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
     ASSERT_TRUE(search.face);
     EXPECT_LT(search.face->crown.position.y(), 25);
     EXPECT_LT(search.face->crown.confidence, 0.5);
+}
+
+/// A step that moves by its offsets, whatever it sees.
+QByteArray BlindStep(const char* head, const char* offsets, PupilRegression::Kind kind) {
+    const QByteArray row = PupilRegression::MoveSize(kind) == 4 ? "0 0 0 0\n" : "0 0\n";
+    return QByteArray(head) + "\n" + offsets + "\n" + row.repeated(PupilRegression::GridSize(kind));
+}
+
+TEST(PupilRegression, MovesBothEyesAndThenEachOutward) {
+    const QImage wall = Filled({400, 300}, qRgb(150, 150, 150));
+    const FacePhoto photo(ConstMatView(wall));
+    const FaceFrame rough = FaceFrame::OfEyes({150, 150}, {250, 150});
+    const QByteArray pair = BlindStep("pair 0.001", "100 50 0 50", PupilRegression::Pair);
+    const QByteArray eye = BlindStep("eye 0.01", "-10 0", PupilRegression::Eye);
+    const FaceFrame settled = PupilRegression::Read(pair + eye).Settled(photo, rough);
+    EXPECT_LT(Distance(settled.ToPhoto({-0.5, 0}), {151, 155}), 0.1);
+    EXPECT_LT(Distance(settled.ToPhoto({0.5, 0}), {259, 155}), 0.1);
+    for (const QByteArray& damaged :
+         {pair.chopped(2), "nose" + pair.mid(4), "pair nan" + pair.mid(10),
+          QByteArray(pair).replace("0 0 0 0", "0 0 x 0"), eye + "eye"}) {
+        EXPECT_THROW(PupilRegression::Read(damaged), platform::FileError);
+    }
 }
 
 TEST(PortraitMeasures, SeeEachSideForItself) {
