@@ -17,9 +17,10 @@ constexpr double EyePixelsPerUnit = 100;
 /// Where a classifier may see an eye around the guess, in frame units.
 const QRectF LeftArea(-1.15, -0.6, 1.15, 1.2);
 const QRectF RightArea(0, -0.6, 1.15, 1.2);
-/// Half of the window in which a pupil is refined.
-constexpr double RefineWide = 0.24;
-constexpr double RefineHigh = 0.18;
+/// Half of the window in which gradients vote for a pupil: around a classifier's eye, and around
+/// what marked faces taught, which is nearer.
+constexpr QSizeF RoughReach(0.24, 0.18);
+constexpr QSizeF NearReach(0.18, 0.14);
 
 constexpr double SeenConfidence = 0.9;
 constexpr double MirroredConfidence = 0.45;
@@ -109,29 +110,37 @@ RoughPair BestPair(const std::vector<EyeCandidate>& lefts,
     return pair;
 }
 
-QPointF Voted(const FacePhoto& photo, const FaceFrame& frame, QPointF eye) {
-    const QRectF area(eye.x() - RefineWide, eye.y() - RefineHigh, 2 * RefineWide, 2 * RefineHigh);
+/// The gradients' vote for the pupil of an eye of `frame`, photo pixels.
+QPointF Voted(const FacePhoto& photo, const FaceFrame& frame, QPointF eye, QSizeF reach) {
+    const QPointF half(reach.width(), reach.height());
+    const QRectF area(eye - half, eye + half);
     // Somewhat coarser finds the iris rather than single lashes, and takes less time.
-    constexpr double RefinePixels = EyePixelsPerUnit * 0.8;
+    constexpr double VotePixels = EyePixelsPerUnit * 0.8;
     cv::Mat grey;
-    cv::cvtColor(photo.Sampled(frame, area, RefinePixels), grey, cv::COLOR_BGR2GRAY);
+    cv::cvtColor(photo.Sampled(frame, area, VotePixels), grey, cv::COLOR_BGR2GRAY);
     const cv::Point2d pupil = PupilIn(grey);
-    return area.topLeft() + QPointF(pupil.x + 0.5, pupil.y + 0.5) / RefinePixels;
+    return frame.ToPhoto(area.topLeft() + QPointF(pupil.x + 0.5, pupil.y + 0.5) / VotePixels);
 }
 
-/// Where three witnesses have an eye of `frame`: the classifier (in the middle of what it saw), the
-/// vote of the gradients, and what marked faces taught (`learned`, photo pixels). The more pixels
-/// an eye has, the less the first two add; in few pixels their mean is surer than any of them.
-QPointF Agreed(const FacePhoto& photo, const FaceFrame& frame, QPointF eye, QPointF learned) {
+/// An eye by all witnesses: the classifier (`rough`, in the middle of what it saw), the vote of the
+/// gradients, and what marked faces taught (`learned`). In few pixels the mean of all three is
+/// surer than any; in many the classifier adds nothing and the vote holds to what was learned,
+/// which tends to the eye's middle where someone looks aside.
+QPointF Agreed(const FacePhoto& photo, const FaceFrame& rough, const FaceFrame& learned,
+               QPointF eye) {
     constexpr double FewPixels = 24;
     constexpr double ManyPixels = 36;
-    const double many = std::clamp((frame.unit - FewPixels) / (ManyPixels - FewPixels), 0.0, 1.0);
-    const double ofEach = (1 - many) / 3;
-    if (ofEach == 0) {
-        return learned;
+    const double many = std::clamp((rough.unit - FewPixels) / (ManyPixels - FewPixels), 0.0, 1.0);
+    const QPointF taught = learned.ToPhoto(eye);
+    QPointF agreed;
+    if (many < 1) {
+        agreed +=
+            (1 - many) / 3 * (rough.ToPhoto(eye) + Voted(photo, rough, eye, RoughReach) + taught);
     }
-    const QPointF others = frame.ToPhoto(eye) + frame.ToPhoto(Voted(photo, frame, eye));
-    return ofEach * others + (1 - 2 * ofEach) * learned;
+    if (many > 0) {
+        agreed += many / 2 * (Voted(photo, learned, eye, NearReach) + taught);
+    }
+    return agreed;
 }
 
 }  // namespace
@@ -147,9 +156,9 @@ EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades&
     const FaceFrame frame =
         FaceFrame::OfEyes(guess.ToPhoto(rough.left), guess.ToPhoto(rough.right));
     const FaceFrame learned = TrainedPupils().Settled(photo, frame);
-    eyes.left = {Agreed(photo, frame, {-0.5, 0}, learned.ToPhoto({-0.5, 0})),
+    eyes.left = {Agreed(photo, frame, learned, {-0.5, 0}),
                  rough.leftSeen ? SeenConfidence : unseen};
-    eyes.right = {Agreed(photo, frame, {0.5, 0}, learned.ToPhoto({0.5, 0})),
+    eyes.right = {Agreed(photo, frame, learned, {0.5, 0}),
                   rough.rightSeen ? SeenConfidence : unseen};
     return eyes;
 }
