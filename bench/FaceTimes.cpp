@@ -71,7 +71,8 @@ void MeasureDrag(const imaging::Pixels& photo) {
                     checked.rectangle =
                         QRect(frame * 9, frame * 7, 2000 + 5 * frame, 2571 + 6 * frame);
                     checked.whiteCorners = core::HasWhiteCorners(photo, checked.rectangle);
-                    section.SetLines(core::CheckPhoto(checked), QStringLiteral("Pass"));
+                    section.SetLines(core::CheckPhoto(checked), QStringLiteral("Pass"),
+                                     dialogs::CheckSection::Points::Movable);
                     QCoreApplication::processEvents();
                     section.grab();
                 }));
