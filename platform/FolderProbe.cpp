@@ -16,13 +16,22 @@ namespace {
 
 constexpr int MissingStatus = 1;
 
-/// System calls alone: the process may be the copy of one with several threads.
+/// System calls alone, here and in LookFromCopy: the process may be the copy of one with several
+/// threads.
 int StatusOf(const char* path) {
     // Whether there is a folder may be known from before; how full its disk is the server is asked.
     struct statfs disk {};
     (void)statfs(path, &disk);
     struct stat folder {};
     return stat(path, &folder) == 0 && S_ISDIR(folder.st_mode) ? 0 : MissingStatus;
+}
+
+/// Lets go of what the copy has inherited first: where it gets stuck, it would keep the program's
+/// lock after the program's end.
+[[noreturn]] void LookFromCopy(const char* path) {
+    constexpr unsigned FirstOwn = 3;  // behind the standard streams
+    (void)close_range(FirstOwn, ~0U, 0);
+    _exit(StatusOf(path));
 }
 
 /// Takes note of those that were given up before and have ended.
@@ -43,20 +52,25 @@ FolderState LookAtFolder(const QString& path, std::chrono::milliseconds patience
     };
     const pid_t looker = fork();
     if (looker == 0) {
-        _exit(StatusOf(name.constData()));
+        LookFromCopy(name.constData());
     }
     if (looker < 0) {
         return state(StatusOf(name.constData()));  // there is no room for another process
     }
     const auto end = Clock::now() + patience;
     int status = 0;
-    while (waitpid(looker, &status, WNOHANG) == 0) {
+    pid_t ended = 0;
+    while ((ended = waitpid(looker, &status, WNOHANG)) == 0) {
         if (Clock::now() >= end) {
             kill(looker, SIGKILL);
             givenUp.push_back(looker);
             return FolderState::Silent;
         }
         std::this_thread::sleep_for(Pause);
+    }
+    if (ended < 0) {
+        // Who started the program lets no process tell how it ended; it did, so the folder answers.
+        return state(StatusOf(name.constData()));
     }
     return state(WIFEXITED(status) ? WEXITSTATUS(status) : MissingStatus);
 }

@@ -1,12 +1,16 @@
 // An archive on a share that hangs: every look at it waits for ever.
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QElapsedTimer>
+#include <QFile>
+#include <csignal>
 #include <cstring>
 
 #include "core/archive/ArchiveCheck.h"
+#include "platform/FolderProbe.h"
 #include "tests/core/ArchiveFixture.h"
 #include "tests/support/Errors.h"
 
@@ -14,6 +18,8 @@ namespace {
 
 /// Empty while all folders answer.
 QByteArray silent;  // NOLINT(cert-err58-cpp)
+/// The program's, which whoever waits must not have inherited.
+int handle = -1;
 
 }  // namespace
 
@@ -21,7 +27,8 @@ extern "C" int WaitingStatfs(const char* path, void* disk) __asm__("statfs");
 extern "C" int WaitingStatfs(const char* path, void* disk) {
     static auto* const real =
         reinterpret_cast<decltype(&WaitingStatfs)>(dlsym(RTLD_NEXT, "statfs"));
-    while (!silent.isEmpty() && std::strcmp(path, silent.constData()) == 0) {
+    while (!silent.isEmpty() && std::strcmp(path, silent.constData()) == 0 &&
+           fcntl(handle, F_GETFD) < 0) {
         pause();
     }
     return real(path, disk);
@@ -31,7 +38,11 @@ namespace kadrona::testing {
 
 class SilentFolder : public Archive {
  protected:
-    ~SilentFolder() override { silent.clear(); }
+    SilentFolder() { handle = dup(STDERR_FILENO); }
+    ~SilentFolder() override {
+        silent.clear();
+        close(handle);
+    }
     void FallSilent() {
         silent = QFile::encodeName(archiveFolder);
         since_.start();
@@ -60,6 +71,13 @@ TEST_F(SilentFolder, IsToldInsteadOfWaitedFor) {
                                FallSilent();
                            });
     });
+}
+
+TEST_F(SilentFolder, IsToldFromAMissingOneWhereNoProcessTellsItsEnd) {
+    auto* const before = std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(platform::LookAtFolder(archiveFolder), platform::FolderState::There);
+    EXPECT_EQ(platform::LookAtFolder(archiveFolder + u"-none"_s), platform::FolderState::Missing);
+    std::signal(SIGCHLD, before);
 }
 
 }  // namespace kadrona::testing
