@@ -178,8 +178,9 @@ void CropPhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
         making.ui.ShowMessage(error.Text());
     }
     OriginalToKeep original = OriginalOf(image, making, rectangle);
-    image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
+    // First, for whoever follows the image would take the template for one of the cut.
     image.RemoveLayersAbovePhoto();
+    image.ChangePhoto(imaging::Cropped(image.Photo(), rectangle));
     TilePhoto(image, making, layoutIndex, std::move(original));
 }
 
