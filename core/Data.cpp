@@ -114,8 +114,8 @@ TemplateRow TData::LoadedFigures() const {
     return row;
 }
 
-QString TData::SaveImage(imaging::LayeredImage& image, const QString& folder,
-                         const QString& fileName, bool scale) {
+PhotoSaver::Saved TData::SaveImage(imaging::LayeredImage& image, const QString& folder,
+                                   const QString& fileName, bool scale) {
     const bool withTags = settings_ == nullptr || settings_->TagsInSavedFiles();
     return saver_.Save(image, {folder, fileName, scale, currentFile_, withTags});
 }

@@ -141,9 +141,8 @@ class TData {
     // Saving
     QString SaveFolder() const { return saver_.Folder(*settings_); }
     const QString& LastSaveFolder() const { return saver_.LastFolder(); }
-    /// Returns the file; empty where the user chose none.
-    QString SaveImage(imaging::LayeredImage& image, const QString& folder, const QString& fileName,
-                      bool scale);
+    PhotoSaver::Saved SaveImage(imaging::LayeredImage& image, const QString& folder,
+                                const QString& fileName, bool scale);
     /// Writes nothing: this way of saving never had a file name.
     void AutoSaveImage(imaging::LayeredImage& /*image*/, const QString& /*folder*/) const {}
 

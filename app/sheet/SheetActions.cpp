@@ -92,14 +92,13 @@ void SheetActions::acSaveImageFastExecute() {
 }
 
 /// With its size on paper, which is a whole sheet's where paper is chosen.
-void SheetActions::TellSaved(const QString& path) {
-    if (path.isEmpty()) {
+void SheetActions::TellSaved(const core::PhotoSaver::Saved& saved) {
+    if (saved.path.isEmpty()) {
         return;
     }
-    QString text = u"Gespeichert: "_s + QFileInfo(path).fileName();
-    const imaging::DotsPerInch resolution = session_.Image().Resolution();
-    if (resolution.value > 0) {
-        const QSizeF inches = QSizeF(session_.Image().Photo().Size()) / resolution.value;
+    QString text = u"Gespeichert: "_s + QFileInfo(saved.path).fileName();
+    if (saved.resolution.value > 0) {
+        const QSizeF inches = QSizeF(saved.size) / saved.resolution.value;
         text += u", "_s + core::SizeText((inches * core::MicrometresPerInch).toSize());
     }
     Q_EMIT actions_.Succeeded(text);

@@ -5,6 +5,8 @@
 #include <QString>
 #include <functional>
 
+#include "core/sheet/PhotoSaver.h"
+
 class QWidget;
 
 namespace kadrona::core {
@@ -37,7 +39,7 @@ class SheetActions : public QObject {
     void acCropExecute();
     void acSaveExecute();
     void acSaveImageFastExecute();
-    void TellSaved(const QString& path);
+    void TellSaved(const core::PhotoSaver::Saved& saved);
     QString FolderToSaveIn();
     bool MayShrinkTheSheet();
     bool MayReplace(const QString& path);

@@ -64,7 +64,7 @@ QString PhotoSaver::Folder(const Settings& settings) const {
     return QFileInfo(folder).isDir() ? folder : lastFolder_;
 }
 
-QString PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
+PhotoSaver::Saved PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
     const auto recordAgain = qScopeGuard([&] { image.SetAutomaticUndo(true); });
     if (request.fileName.isEmpty()) {
         if (request.scale) {
@@ -74,11 +74,10 @@ QString PhotoSaver::Save(imaging::LayeredImage& image, const Request& request) {
         if (chosen) {
             WritePhoto(image, *chosen, request.withTags);
         }
-        return chosen.value_or(QString());
+        return {chosen.value_or(QString()), image.Photo().Size(), image.Resolution()};
     }
     const QString path = platform::JoinPath(DelLastBackslash(request.folder), request.fileName);
-    SaveQuickly(image, path, request);
-    return path;
+    return SaveQuickly(image, path, request);
 }
 
 std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
@@ -91,8 +90,8 @@ std::optional<QString> PhotoSaver::AskForPath(const SaveDialog& dialog) {
 
 /// Taking the newest step back without a scaling before it reverts the last change of the photo,
 /// and is meant to.
-void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
-                             const Request& request) {
+PhotoSaver::Saved PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
+                                          const Request& request) {
     if (request.scale) {
         ScaleForOutput(image);
     }
@@ -104,9 +103,11 @@ void PhotoSaver::SaveQuickly(imaging::LayeredImage& image, const QString& path,
         }
         throw;
     }
+    Saved saved{path, image.Photo().Size(), image.Resolution()};
     ui_.ShowMessage(u"Das Bild wurde unter %1 gespeichert"_s.arg(path));
     image.Undo();
     image.ClearUndo();
+    return saved;
 }
 
 }  // namespace kadrona::core

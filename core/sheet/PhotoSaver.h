@@ -42,19 +42,26 @@ class PhotoSaver {
         bool withTags = true;
     };
 
+    /// A photo that was written.
+    struct Saved {
+        /// Empty where the user chose none.
+        QString path;
+        /// As written, pixels; with `resolution` its size on paper.
+        QSize size;
+        imaging::DotsPerInch resolution;
+    };
+
     /// Writes an image, over an older file of that name. Whoever calls
     /// asks before something is lost.
     ///
     /// After a save under a given name the newest undo step is taken back, whether or not the image
     /// was scaled, and the others are dropped. Throws imaging::WriteError where the file cannot be
     /// written; the image and its undo steps are then as they were.
-    ///
-    /// Returns the file; empty where the user chose none.
-    QString Save(imaging::LayeredImage& image, const Request& request);
+    Saved Save(imaging::LayeredImage& image, const Request& request);
 
  private:
     std::optional<QString> AskForPath(const SaveDialog& dialog);
-    void SaveQuickly(imaging::LayeredImage& image, const QString& path, const Request& request);
+    Saved SaveQuickly(imaging::LayeredImage& image, const QString& path, const Request& request);
 
     UserInterface& ui_;
     QString lastFolder_;

@@ -4,7 +4,6 @@
 #include <QImageReader>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QStatusBar>
 
 #include "core/base/Product.h"
 #include "tests/app/StoryFixture.h"
@@ -14,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace kadrona::testing {
 
 TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
-    MakeSinglePhoto([this] { Tick("ScaleImageCk"); });
+    MakeSinglePhoto([this] { Tick("ScaleImageCk"); }, 1);
     const QSize made = Image().Photo().Size();
     ASSERT_NE(made, QSize(413, 531));
     for (int i = 0; i < 2; ++i) {
@@ -25,6 +24,9 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
     EXPECT_EQ(QImageReader(installation.Path("saved/Bildname.jpg")).size(), QSize(413, 531));
     EXPECT_EQ(Image().Photo().Size(), made);
+    EXPECT_EQ(Child<QLabel>(*window, "StatusNotice").text(),
+              u"Gespeichert: Bildname.jpg, 50,677 x 65,157 mm"_s)
+        << "what was written";
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
 }
 
@@ -88,7 +90,7 @@ TEST_F(SavingStory, TheSaveDialogProposesAndCompletesTheName) {
     });
     Trigger(u"acSave"_s);
     EXPECT_EQ(SavedFiles(), u"photo_kdr.jpg"_s);
-    EXPECT_TRUE(window->statusBar()->currentMessage().contains(u"photo_kdr.jpg"_s));
+    EXPECT_TRUE(Child<QLabel>(*window, "StatusNotice").text().contains(u"photo_kdr.jpg"_s));
 
     driver.Expect(u"SaveDialog"_s, [](QWidget& shown) {
         auto& types = Child<QComboBox>(shown, "fileTypeCombo");

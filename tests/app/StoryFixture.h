@@ -80,8 +80,9 @@ class SavingStory : public Story {
 
     /// Opens the photo and makes one photo of it. Opening activates the profile, so that what a
     /// test sets goes between the two.
-    void MakeSinglePhoto(const std::function<void()>& set = [] {}) {
-        Open(photoName);
+    void MakeSinglePhoto(
+        const std::function<void()>& set = [] {}, int templateRow = 0) {
+        Open(photoName, templateRow);
         Setting<QLineEdit>("ImageSaveDir").setText(installation.Path("saved"));
         set();
         SetLayout(core::SinglePhotoLayout);
