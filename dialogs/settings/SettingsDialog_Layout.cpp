@@ -191,7 +191,8 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
         u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
     layout.addSpacing(GroupSpacing);
     layout.addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
-    layout.addWidget(new controls::MissingFolder(*imageSaveDir_));
+    layout.addWidget(
+        new controls::MissingFolder(*imageSaveDir_, controls::MissingFolder::Creation::Offered));
     layout.addWidget(imageAutoSave2_);
     layout.addLayout(Row({{nameColumn, 3},
                           {Captioned(u"Va&riable"_s, fileVarCombo_), 2},

@@ -1,13 +1,18 @@
 // What is dropped on a window, and what a settings page stores.
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QMimeData>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QUrl>
+#include <QVBoxLayout>
 
 #include "controls/fields/FileDropTarget.h"
+#include "controls/fields/MissingFolder.h"
 #include "controls/fields/PathEdit.h"
 #include "controls/fields/PropertyStore.h"
 #include "platform/AtomicFile.h"
@@ -199,6 +204,27 @@ class PropertyStoreTest : public ::testing::Test {
     QTemporaryDir folder_;
     QString path_ = folder_.filePath(u"pro1A.tmp"_s);
 };
+
+TEST(MissingFolderLine, LooksAgainWhereTheFieldIsShownAndNotBefore) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"new"_s);
+    QWidget window;
+    auto* column = new QVBoxLayout(&window);
+    auto* field = new PathEdit;
+    auto* line = new MissingFolder(*field);
+    column->addWidget(field);
+    column->addWidget(line);
+    field->setText(path);
+    QTest::qWait(600);
+    EXPECT_TRUE(line->isHidden()) << "nobody sees it";
+    window.show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return line->isVisible(); }));
+    EXPECT_EQ(line->findChild<QPushButton*>(), nullptr) << "a share may belong there";
+    window.hide();
+    ASSERT_TRUE(QDir().mkdir(path));
+    window.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return line->isHidden(); }));
+}
 
 TEST_F(PropertyStoreTest, EveryControlComesBackAsItWasStored) {
     Page stored;
