@@ -4,7 +4,6 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QFileInfo>
 #include <QLabel>
 #include <QUrl>
 
@@ -39,7 +38,7 @@
 #include "dialogs/settings/SettingsDialog.h"
 #include "imaging/view/ImageView.h"
 #include "platform/Error.h"
-#include "platform/HarmlessText.h"
+#include "platform/FolderProbe.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
 
@@ -127,9 +126,9 @@ void TmainFm::CreateActions(dialogs::TfmRGBKurve& curveDialog) {
                                                    actions_, *viewActions_, *printFlow_);
     uploadActions_ =
         std::make_unique<UploadActions>(session_, *this, *data_, *settings_, *ui_, actions_);
-    archiveActions_ = std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
-                                                       *archiveWindow_, *statusPanels_, actions_,
-                                                       *viewActions_, *printFlow_);
+    archiveActions_ =
+        std::make_unique<ArchiveActions>(session_, *view_, *data_, *settings_, *ui_,
+                                         *archiveWindow_, actions_, *viewActions_, *printFlow_);
     waitingPhotos_ = std::make_unique<WaitingPhotos>(*data_, *this);
     colourTools_ =
         std::make_unique<ColourTools>(session_, *view_, actions_, *viewActions_, curveDialog);
@@ -151,7 +150,7 @@ void TmainFm::ConnectParts() {
     archiveActions_->SetPaperSource(
         [this](const std::function<QSize()>& photo) { return paperActions_->PaperFor(photo); });
     archiveActions_->SetOriginalOpener(
-        [this](const QString& path) { openActions_->OpenOriginal(path); });
+        [this](const QString& path) { return openActions_->OpenOriginal(path); });
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
 }
@@ -173,10 +172,7 @@ void TmainFm::ConnectActions() {
             &PhotoSession::SetLayoutIndex);
     connect(&session_, &PhotoSession::Changed, this, &TmainFm::ShowSession);
     connect(&actions_, &MainActions::Handled, this, &TmainFm::ShowSession);
-    connect(&actions_, &MainActions::Succeeded, statusPanels_, [this](const QString& what) {
-        constexpr int ShownMilliseconds = 8000;
-        statusPanels_->showMessage(platform::HarmlessLine(what), ShownMilliseconds);
-    });
+    connect(&actions_, &MainActions::Succeeded, statusPanels_, &controls::StatusPanels::ShowNotice);
     connect(settings_, &dialogs::TEinstellungenFm::SettingsChanged, this, &TmainFm::ShowSession);
 }
 
@@ -254,7 +250,7 @@ void TmainFm::ShowAbout() {
     for (const auto& [meaning, path] :
          {dialogs::TfmAbout::Folder{u"Bildarchiv"_s, settings_->ImageDestinationDir()},
           {u"Wartende Fotos"_s, data_->Archiving().Queue().Folder()}}) {
-        if (QFileInfo(path).isDir()) {
+        if (platform::LookAtFolder(path) == platform::FolderState::There) {
             folders.append({meaning, path});
         }
     }

@@ -2,7 +2,6 @@
 
 #include <QFileInfo>
 #include <QScopeGuard>
-#include <QStatusBar>
 
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
@@ -31,15 +30,13 @@ using Choice = dialogs::TfmImgSearch::Choice;
 ArchiveActions::ArchiveActions(PhotoSession& session, imaging::view::ImageView& view,
                                core::TData& data, const core::Settings& settings,
                                core::UserInterface& ui, dialogs::TfmImgSearch& archive,
-                               QStatusBar& statusBar, MainActions& actions,
-                               ViewActions& viewActions, PrintFlow& printFlow)
+                               MainActions& actions, ViewActions& viewActions, PrintFlow& printFlow)
     : session_(session),
       view_(view),
       data_(data),
       settings_(settings),
       ui_(ui),
       archive_(archive),
-      statusBar_(statusBar),
       actions_(actions),
       viewActions_(viewActions),
       printFlow_(printFlow) {
@@ -57,16 +54,14 @@ bool ArchiveActions::HasFolder() {
 }
 
 void ArchiveActions::acArchivePhotoExecute() {
-    constexpr int Milliseconds = 8000;
     if (!HasFolder()) {
         return;
     }
     data_.ArchiveImage(session_.Image());
     if (!data_.CanArchive()) {
-        statusBar_.showMessage(data_.Archiving().IsAway()
-                                   ? u"Das Passbild wartet auf den Server des Bildarchivs."_s
-                                   : u"Das Passbild ist jetzt im Bildarchiv."_s,
-                               Milliseconds);
+        Q_EMIT actions_.Succeeded(data_.Archiving().IsAway()
+                                      ? u"Das Passbild wartet auf den Server des Bildarchivs."_s
+                                      : u"Das Passbild ist jetzt im Bildarchiv."_s);
     }
 }
 
@@ -102,9 +97,8 @@ void ArchiveActions::OpenForCutting(const QString& archiveFolder) {
         return;
     }
     const auto record = data_.Archive()->Read(data_.CurrentRecord());
-    openOriginal_(path);
-    if (session_.FileName() != path) {
-        return;  // given up
+    if (!openOriginal_(path)) {
+        return;
     }
     data_.SetTags(record ? record->tags : QString());
     imaging::LayeredImage& image = session_.Image();

@@ -7,7 +7,6 @@
 
 #include "core/sheet/PaperSheet.h"
 
-class QStatusBar;
 class QString;
 
 namespace kadrona::core {
@@ -39,16 +38,17 @@ class ArchiveActions : public QObject {
  public:
     ArchiveActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
                    const core::Settings& settings, core::UserInterface& ui,
-                   dialogs::TfmImgSearch& archive, QStatusBar& statusBar, MainActions& actions,
-                   ViewActions& viewActions, PrintFlow& printFlow);
+                   dialogs::TfmImgSearch& archive, MainActions& actions, ViewActions& viewActions,
+                   PrintFlow& printFlow);
 
     /// Who says what a sheet of photos of a size, in micrometres, is made on; nothing where there
     /// is to be no sheet. The size is asked only where a paper is chosen.
     using PaperSource =
         std::function<std::optional<core::PaperChoice>(const std::function<QSize()>& photo)>;
     void SetPaperSource(PaperSource source) { paperFor_ = std::move(source); }
-    /// Who opens an original to be cut anew, with the template of the user's choice.
-    using OriginalOpener = std::function<void(const QString& path)>;
+    /// Who opens an original to be cut anew, with the template of the user's choice. False where it
+    /// cannot be read or is given up.
+    using OriginalOpener = std::function<bool(const QString& path)>;
     void SetOriginalOpener(OriginalOpener opener) { openOriginal_ = std::move(opener); }
 
  private:
@@ -67,7 +67,6 @@ class ArchiveActions : public QObject {
     const core::Settings& settings_;
     core::UserInterface& ui_;
     dialogs::TfmImgSearch& archive_;
-    QStatusBar& statusBar_;
     MainActions& actions_;
     ViewActions& viewActions_;
     PrintFlow& printFlow_;

@@ -137,19 +137,19 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
     Q_EMIT actions_.Handled();
 }
 
-void OpenActions::OpenOriginal(const QString& path) {
+bool OpenActions::OpenOriginal(const QString& path) {
     settings_.AktivateProfileByName(core::StandardProfile, false);
-    Load({.name = path,
-          .read =
-              [&](imaging::ReadProgress& progress) {
-                  return core::ReadPhoto(path, settings_, &progress);
-              },
-          .remember =
-              [&] {
-                  data_.SetCurrentFileName(QFileInfo(path).fileName());
-                  data_.SetOpenedFile(path);
-              },
-          .isRaw = imaging::IsRawImageFile(path)});
+    return Load({.name = path,
+                 .read =
+                     [&](imaging::ReadProgress& progress) {
+                         return core::ReadPhoto(path, settings_, &progress);
+                     },
+                 .remember =
+                     [&] {
+                         data_.SetCurrentFileName(QFileInfo(path).fileName());
+                         data_.SetOpenedFile(path);
+                     },
+                 .isRaw = imaging::IsRawImageFile(path)});
 }
 
 /// A file manager copies the files' names, whatever else it adds.
@@ -180,15 +180,15 @@ void OpenActions::LoadImageFile(const QString& fileName) {
 }
 
 /// Where the photo cannot be read, what is enabled is as after a successful load.
-void OpenActions::Load(const Source& source) {
+bool OpenActions::Load(const Source& source) {
     const Outcome outcome = ReadPhoto(source);
     if (outcome == Outcome::Cancelled) {
-        return;
+        return false;
     }
     session_.SetStage(PhotoSession::Stage::PhotoOpen);
     actions_.SetChecked(Action::ShowLayer, false);
     if (outcome == Outcome::Failed) {
-        return;
+        return false;
     }
     if (source.isFile) {
         Q_EMIT PhotoRead(source.name);
@@ -200,20 +200,18 @@ void OpenActions::Load(const Source& source) {
     ChooseTemplate();
     data_.LoadLayer(session_.Image());
     view_.setFocus();
+    return true;
 }
 
 /// Brings the photo into layer 0 and shows it; a failure is shown and leaves the image empty. One
-/// that can be given up takes the place of the photo before when it is read, which stays where the
-/// user gives up.
+/// that can be given up takes the place and the name of the photo before when it is read, which
+/// stays with all that is known of it where the user gives up.
 OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
     const imaging::view::PaintingSuspension suspension(view_);
-    const QString nameBefore = session_.FileName();
     Outcome outcome = Outcome::Failed;
     controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;
-        if (source.isRaw) {
-            session_.SetFileName(source.name);
-        } else {
+        if (!source.isRaw) {
             LeavePhotoBefore(source);
         }
         try {
@@ -225,7 +223,6 @@ OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
             core::ShowPhoto(std::move(photo), session_.Image());
             outcome = Outcome::Read;
         } catch (const imaging::ReadCancelled&) {
-            session_.SetFileName(nameBefore);
             outcome = Outcome::Cancelled;
         } catch (...) {
             LeavePhotoBefore(source);

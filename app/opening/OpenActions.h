@@ -43,8 +43,8 @@ class OpenActions : public QObject {
     void OpenPicture(const QByteArray& bytes, const QString& origin);
 
     /// Opens the original of an archived photo. It does not count as a photo of the user's folders:
-    /// nobody remembers it.
-    void OpenOriginal(const QString& path);
+    /// nobody remembers it. False where it cannot be read or is given up.
+    bool OpenOriginal(const QString& path);
 
  Q_SIGNALS:
     /// A photo was read from this file and is layer 0 now.
@@ -58,7 +58,8 @@ class OpenActions : public QObject {
     void LoadImageFile(const QString& fileName);
     struct Source;
     enum class Outcome { Read, Failed, Cancelled };
-    void Load(const Source& source);
+    /// False where no photo was read.
+    bool Load(const Source& source);
     Outcome ReadPhoto(const Source& source);
     void LeavePhotoBefore(const Source& source);
     void ChooseTemplate();

@@ -1,10 +1,13 @@
 #include "controls/fields/StatusPanels.h"
 
 #include <QLabel>
+#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
 
+#include "controls/fields/ElidedLabel.h"
 #include "controls/fields/PathLabel.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,16 +17,24 @@ StatusPanels::StatusPanels(QWidget* parent)
     : QStatusBar(parent),
       caption_(new QLabel(this)),
       path_(new PathLabel(this)),
+      notice_(new ElidedLabel(this)),
+      noticeEnd_(new QTimer(this)),
       link_(new QToolButton(this)) {
+    constexpr int NoticeMilliseconds = 8000;
     caption_->setObjectName(u"StatusPanel0"_s);
     path_->setObjectName(u"StatusPanel1"_s);
+    notice_->setObjectName(u"StatusNotice"_s);
     link_->setObjectName(u"StatusPanel2"_s);
     link_->setAutoRaise(true);
     link_->setCursor(Qt::PointingHandCursor);
     link_->setFocusPolicy(Qt::TabFocus);
     addWidget(caption_);
     addWidget(path_, 1);
+    addPermanentWidget(notice_);
     addPermanentWidget(link_);
+    noticeEnd_->setSingleShot(true);
+    noticeEnd_->setInterval(NoticeMilliseconds);
+    connect(noticeEnd_, &QTimer::timeout, notice_, &QLabel::clear);
     connect(link_, &QToolButton::clicked, this, &StatusPanels::LinkClicked);
 }
 
@@ -45,6 +56,11 @@ void StatusPanels::SetPath(const QString& path) {
 
 QString StatusPanels::Path() const {
     return path_->Path();
+}
+
+void StatusPanels::ShowNotice(const QString& text) {
+    notice_->setText(platform::HarmlessLine(text));
+    noticeEnd_->start();
 }
 
 }  // namespace kadrona::controls

@@ -3,6 +3,7 @@
 #include <QStatusBar>
 
 class QLabel;
+class QTimer;
 class QToolButton;
 
 namespace kadrona::controls {
@@ -14,7 +15,8 @@ class PathLabel;
 ///
 ///     | Datei | /home/…/kunden/bild.jpg                    | maker's line |
 ///
-/// Object names of the panels: "StatusPanel0", "StatusPanel1" and "StatusPanel2".
+/// Object names of the panels: "StatusPanel0", "StatusPanel1" and "StatusPanel2"; of the notice
+/// that comes and goes between the last two: "StatusNotice".
 class StatusPanels : public QStatusBar {
     Q_OBJECT
 
@@ -29,6 +31,9 @@ class StatusPanels : public QStatusBar {
     void SetPath(const QString& path);
     QString Path() const;
 
+    /// Says for some seconds what was done, beside the panels.
+    void ShowNotice(const QString& text);
+
  Q_SIGNALS:
     /// The link was clicked or triggered by the keyboard.
     void LinkClicked();
@@ -36,6 +41,8 @@ class StatusPanels : public QStatusBar {
  private:
     QLabel* caption_;
     PathLabel* path_;
+    QLabel* notice_;
+    QTimer* noticeEnd_;
     QToolButton* link_;
 };
 
