@@ -54,7 +54,6 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     setObjectName(u"SchabloneFm"_s);
     setWindowTitle(u"Schablonen"_s);
     lbSchablonen_ = new controls::SelectionList(u"lbSchablonen"_s, u"Schablonen"_s);
-    lbSchablonen_->SetEmptyText(u"Keine Schablone heißt so."_s);
     connect(lbSchablonen_, &QListWidget::itemSelectionChanged, this, [this] {
         btnOk_->setEnabled(FormCloseQuery());
         ShowNotice();
@@ -114,6 +113,8 @@ QToolButton* TSchabloneFm::RotateButton(const QString& name, const QString& icon
 
 void TSchabloneFm::SetTemplates(const QStringList& names, std::function<QSizeF(int index)> sizeOf) {
     lbSchablonen_->SetTexts(names);
+    lbSchablonen_->SetEmptyText(names.isEmpty() ? u"Es sind keine Schablonen installiert."_s
+                                                : u"Keine Schablone heißt so."_s);
     sizeOf_ = std::move(sizeOf);
 }
 

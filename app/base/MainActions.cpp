@@ -102,9 +102,13 @@ bool NeedsTemplate(int tag) {
     return tag == CropTag || tag == AlignTag;
 }
 
-/// Tags of acLevelHead and acLevelByLine, which a photo that could not be read does not enable.
+/// Tags of acLevelHead and acLevelByLine.
+constexpr int LevelHeadTag = 9;
+constexpr int LevelByLineTag = 10;
+
+/// What a photo that could not be read does not enable.
 bool NeedsPicture(int tag) {
-    return tag == 9 || tag == 10;
+    return tag == LevelHeadTag || tag == LevelByLineTag;
 }
 
 bool ToolSwitchedOff(int tag, const core::Settings& settings) {

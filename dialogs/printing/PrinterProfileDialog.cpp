@@ -13,7 +13,6 @@
 #include "core/Data.h"
 #include "dialogs/base/Buttons.h"
 #include "dialogs/printing/CalibrationDialog.h"
-#include "dialogs/printing/PrinterProfileDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
