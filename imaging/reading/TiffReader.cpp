@@ -229,6 +229,9 @@ bool IsTiff(QByteArrayView start) {
 DecodedImage ReadTiff(const ReadTask& task) {
     DecodedImage decoded;
     decoded.metadata = ReadFileMetadata(task.Device());
+    // libtiff reads all values as it opens the file, and a profile is copied.
+    const qint64 values = 2 * ValueBytes(task.Device());
+    task.RequireMemoryBeside(values);
     task.Device().seek(0);
     TiffFile tiff = OpenTiff(task.Device());
     if (!tiff) {
@@ -237,11 +240,9 @@ DecodedImage ReadTiff(const ReadTask& task) {
     const TiffLayout layout(tiff.get());
     task.RequireAllowedSize(layout.width, layout.height);
     const qint64 packed = PackedBytes(tiff.get(), task.Device().size());
-    task.RequireMemoryBeside(packed);
+    task.RequireMemoryBeside(packed + values);
     if (!layout.IsDeep()) {
-        // A profile is copied.
-        task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout) +
-                                 2 * ValueBytes(task.Device()));
+        task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout) + values);
         tiff.reset();
         task.Device().seek(0);
         return ReadByPlugin(task, "tiff");

@@ -135,6 +135,10 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     const TiffEntry profile{0x8773, 7, QByteArray(125'000'000, ' ')};
     EXPECT_EQ(Failure(Tiff(square, QByteArray(100, 'x'))), QString());
     EXPECT_EQ(Failure(Tiff(square + QList{profile}, QByteArray(100, 'x'))), tooMuch);
+    QList<TiffEntry> deep = square;
+    deep[2] = Short(0x102, 16);
+    EXPECT_EQ(Failure(Tiff(deep, QByteArray(200, 'x'))), QString());
+    EXPECT_EQ(Failure(Tiff(deep + QList{profile}, QByteArray(200, 'x'))), tooMuch);
     const QByteArray segment = "\xff\xed\xff\xff" + QByteArray(0xfffd, ' ');
     EXPECT_EQ(Failure(Written(TestPicture(40, 30), "jpg").insert(2, segment.repeated(1000))),
               tooMuch);
