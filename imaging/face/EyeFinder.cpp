@@ -143,6 +143,17 @@ QPointF Agreed(const FacePhoto& photo, const FaceFrame& rough, const FaceFrame& 
     return agreed;
 }
 
+/// Whether the table left the eyes where a classifier can have seen them. It knows few faces, and
+/// may move far what is like none of them.
+bool IsNear(const FaceFrame& learned, const FaceFrame& rough) {
+    constexpr double Farthest = 0.4;
+    const auto moved = [&](QPointF eye) {
+        const QPointF move = rough.FromPhoto(learned.ToPhoto(eye)) - eye;
+        return std::hypot(move.x(), move.y());
+    };
+    return moved({-0.5, 0}) < Farthest && moved({0.5, 0}) < Farthest;
+}
+
 }  // namespace
 
 EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades& cascades) {
@@ -155,11 +166,12 @@ EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades&
     const double unseen = eyes.seen == 0 ? GuessedConfidence : MirroredConfidence;
     const FaceFrame frame =
         FaceFrame::OfEyes(guess.ToPhoto(rough.left), guess.ToPhoto(rough.right));
-    const FaceFrame learned = TrainedPupils().Settled(photo, frame);
-    eyes.left = {Agreed(photo, frame, learned, {-0.5, 0}),
-                 rough.leftSeen ? SeenConfidence : unseen};
-    eyes.right = {Agreed(photo, frame, learned, {0.5, 0}),
-                  rough.rightSeen ? SeenConfidence : unseen};
+    const FaceFrame settled = TrainedPupils().Settled(photo, frame);
+    const bool agree = IsNear(settled, frame);
+    const FaceFrame& learned = agree ? settled : frame;
+    const double seen = agree ? SeenConfidence : MirroredConfidence;
+    eyes.left = {Agreed(photo, frame, learned, {-0.5, 0}), rough.leftSeen ? seen : unseen};
+    eyes.right = {Agreed(photo, frame, learned, {0.5, 0}), rough.rightSeen ? seen : unseen};
     return eyes;
 }
 

@@ -74,6 +74,9 @@ PupilRegression PupilRegression::Read(const QByteArray& table) {
         const bool isPair = word == u"pair"_s;
         (isPair ? pairSteps : eyeSteps).push_back(ReadStep(stream, isPair ? Pair : Eye, scale));
     }
+    if (pairSteps.empty() || eyeSteps.empty()) {
+        ThrowDamaged();
+    }
     return PupilRegression(std::move(pairSteps), std::move(eyeSteps));
 }
 

@@ -155,7 +155,7 @@ TEST(PupilRegression, MovesBothEyesAndThenEachOutward) {
     EXPECT_LT(Distance(settled.ToPhoto({0.5, 0}), {259, 155}), 0.1);
     for (const QByteArray& damaged :
          {pair.chopped(2), "nose" + pair.mid(4), "pair nan" + pair.mid(10),
-          QByteArray(pair).replace("0 0 0 0", "0 0 x 0"), eye + "eye"}) {
+          QByteArray(pair).replace("0 0 0 0", "0 0 x 0"), pair + eye + "eye", QByteArray()}) {
         EXPECT_THROW(PupilRegression::Read(damaged), platform::FileError);
     }
 }
