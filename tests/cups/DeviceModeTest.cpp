@@ -76,6 +76,16 @@ TEST(DriverTest, ABrokenDescriptionIsRefusedOrReadAsFarAsItMakesSense) {
             driver->Conflicts(mode);
         }
     }
+    mode.Set("InputSlot", "GoneTray");
+    EXPECT_TRUE(read(whole)->PlacingChoices(mode).empty()) << "the queue decides";
+    const QByteArray shrinking = QByteArray(whole).replace(
+        "*OpenUI *InputSlot",
+        "*OpenUI *StpiShrinkOutput/Shrink: PickOne\n*DefaultStpiShrinkOutput: Shrink\n"
+        "*StpiShrinkOutput Shrink/Shrink: \"\"\n*CloseUI: *StpiShrinkOutput\n*OpenUI *InputSlot");
+    const std::vector<std::pair<QByteArray, QByteArray>> decided{{"InputSlot", "Main"},
+                                                                 {"Duplex", "None"}};
+    EXPECT_EQ(read(shrinking)->PlacingChoices(mode), decided) << "as the page is drawn";
+    mode.Set("InputSlot", "Main");
     const auto without = [&](const char* keyword) {
         QByteArrayList lines = whole.split('\n');
         lines.removeIf([&](const QByteArray& line) { return line.contains(keyword); });

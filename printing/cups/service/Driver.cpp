@@ -282,8 +282,10 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
         geometry.paper = NamedPaper(paper).value_or(geometry.paper);
         const QMarginsF border = BorderOf(paper, GutenprintSettingOf(mode));
         const auto millimetres = [](const QRectF& points) {
-            return QRectF(points.topLeft() * MillimetresPerPoint,
-                          points.size() * MillimetresPerPoint);
+            // Margins that cross leave nothing.
+            return points.isValid() ? QRectF(points.topLeft() * MillimetresPerPoint,
+                                             points.size() * MillimetresPerPoint)
+                                    : QRectF();
         };
         geometry.reach = millimetres(QRectF({}, paper.points).marginsRemoved(border));
         geometry.spread = millimetres(SpreadOf(paper, border));
@@ -297,6 +299,20 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
         }
     }
     return geometry;
+}
+
+std::vector<std::pair<QByteArray, QByteArray>> Driver::PlacingChoices(
+    const DeviceMode& mode) const {
+    std::vector<std::pair<QByteArray, QByteArray>> choices;
+    if (Find({"StpiShrinkOutput"}) == nullptr) {
+        return choices;
+    }
+    for (const DriverOption* option : {Find({"InputSlot"}), BorderlessSwitch(), Find({"Duplex"})}) {
+        if (option != nullptr) {
+            choices.emplace_back(option->keyword, ChosenOf(*option, mode));
+        }
+    }
+    return choices;
 }
 
 GutenprintSetting Driver::GutenprintSettingOf(const DeviceMode& mode) const {

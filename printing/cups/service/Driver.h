@@ -98,6 +98,10 @@ class Driver {
     /// The driver's own switch for printing to the paper's edges; null where that is a matter of
     /// the paper.
     const DriverOption* BorderlessSwitch() const { return Find({"StpFullBleed"}); }
+    /// What decides beside the paper how a sheet lies on it (tray, borderless printing, both
+    /// sides), with the choice that PrinterPaperOf takes: the one of `mode`, else the driver's own.
+    /// Nothing where the paper alone decides.
+    std::vector<std::pair<QByteArray, QByteArray>> PlacingChoices(const DeviceMode& mode) const;
     /// The same paper without margins where there is one; null else.
     const Paper* BorderlessVariant(const Paper& paper) const;
 

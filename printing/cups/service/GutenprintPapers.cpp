@@ -39,12 +39,12 @@ struct ModelMargins {
 /// As Gutenprint 5.3.4 answers (stp_get_imageable_area) for each of its 1,483 printers that can
 /// print without a border, on each of their papers and trays. Epson's stand in its
 /// xml/escp2/model/*.xml too: <margins media="sheet"> left, right, top, bottom.
-const ModelMargins EpsonSheets[] = {
-    {{65, 70, 71, 72, 73, 74, 75, 76, 86, 95, 98, 115, 130}, {9, 0, 9, 0}},
-    {{64, 67, 68, 91}, {9, 0, 9, 11}},
-    {{107, 108, 123, 132}, {9, 9, 9, 9}},
-    {{48, 49, 112, 113, 114}, {9, 9, 9, 40}},
-    {{136}, {}},
+const std::array EpsonSheets{
+    ModelMargins{{65, 70, 71, 72, 73, 74, 75, 76, 86, 95, 98, 115, 130}, {9, 0, 9, 0}},
+    ModelMargins{{64, 67, 68, 91}, {9, 0, 9, 11}},
+    ModelMargins{{107, 108, 123, 132}, {9, 9, 9, 9}},
+    ModelMargins{{48, 49, 112, 113, 114}, {9, 9, 9, 40}},
+    ModelMargins{{136}, {}},
 };
 constexpr QMarginsF OtherEpsonSheets(9, 0, 9, 9);
 constexpr QMarginsF EpsonBothSides(9, 27, 9, 27);
@@ -63,18 +63,18 @@ struct PaperMargins {
     const char* paper;
     QMarginsF margins;
 };
-const PaperMargins DyePapers[] = {
-    {0, "A6", {28, 48, 28, 48}},
-    {1, "A4", {22, 54, 22, 54}},
-    {1, "c8x10", {58, 84, 59, 85}},
-    {1, "C6", {9, 9, 9, 9}},
-    {3, "A4", {10, 54, 9, 54}},
-    {3, "c8x10", {58, 72, 59, 72}},
-    {3, "C6", {9, 9, 9, 9}},
-    {3, "w255h581", {25, 25, 25, 24}},
-    {4, "ISOB7", {16, 33, 17, 33}},
-    {3002, "Postcard", {21, 29, 21, 29}},
-    {4200, "w432h576-div2", {0, 57, 0, 0}},
+const std::array DyePapers{
+    PaperMargins{0, "A6", {28, 48, 28, 48}},
+    PaperMargins{1, "A4", {22, 54, 22, 54}},
+    PaperMargins{1, "c8x10", {58, 84, 59, 85}},
+    PaperMargins{1, "C6", {9, 9, 9, 9}},
+    PaperMargins{3, "A4", {10, 54, 9, 54}},
+    PaperMargins{3, "c8x10", {58, 72, 59, 72}},
+    PaperMargins{3, "C6", {9, 9, 9, 9}},
+    PaperMargins{3, "w255h581", {25, 25, 25, 24}},
+    PaperMargins{4, "ISOB7", {16, 33, 17, 33}},
+    PaperMargins{3002, "Postcard", {21, 29, 21, 29}},
+    PaperMargins{4200, "w432h576-div2", {0, 57, 0, 0}},
 };
 
 /// Of any printer of the library that can print without a border.
@@ -101,7 +101,7 @@ QMarginsF SheetMargins(const QByteArray& model) {
     if (family != "escp2" || number > LastEpsonModel) {
         return Widest;
     }
-    const auto found =
+    const auto* const found =
         std::find_if(std::begin(EpsonSheets), std::end(EpsonSheets), [&](const ModelMargins& some) {
             return std::find(some.models.begin(), some.models.end(), number) != some.models.end();
         });
@@ -109,7 +109,7 @@ QMarginsF SheetMargins(const QByteArray& model) {
 }
 
 QMarginsF DyeMargins(const QByteArray& model, const QByteArray& paper) {
-    const auto found =
+    const auto* const found =
         std::find_if(std::begin(DyePapers), std::end(DyePapers), [&](const PaperMargins& some) {
             return some.model == NumberOf(model) && some.paper == paper;
         });
@@ -157,7 +157,8 @@ QRectF SpreadOf(const Paper& paper, const QMarginsF& border) {
     const QMarginsF& named = paper.marginPoints;
     const double let = paper.points.height() - named.top() - named.bottom();
     const double printed = paper.points.height() - border.top() - border.bottom();
-    if (let > 0 && printed > let) {
+    // At most twice: a description that names more than half of its page as margins is wrong.
+    if (printed > let && printed < 2 * let) {
         const double scale = printed / let;
         return {0, border.top() - named.top() * scale, paper.points.width(),
                 paper.points.height() * scale};

@@ -42,6 +42,9 @@ void AddOptions(ipp_t* request, const Driver& driver, const DeviceMode& mode, in
     if (const auto paper = driver.PaperOf(mode)) {
         options.Add("PageSize", paper->name.constData());
     }
+    for (const auto& [keyword, choice] : driver.PlacingChoices(mode)) {
+        options.Add(keyword.constData(), choice.constData());
+    }
     options.Add("copies", QByteArray::number(copies).constData());
     for (const NeutralOption& option : ServiceOptions) {
         options.Add(option.keyword, option.neutral);
