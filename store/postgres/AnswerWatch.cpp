@@ -43,7 +43,7 @@ void AnswerWatch::NoteArrival() {
 
 QString AnswerWatch::Excess() {
     if (end_.hasExpired()) {
-        return u"Der Server kommt mit seiner Antwort an kein Ende"_s;
+        return u"Der Server findet mit seiner Antwort kein Ende"_s;
     }
     if (!nextLook_.hasExpired()) {
         return {};

@@ -9,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include "platform/Progress.h"
@@ -159,6 +160,7 @@ void ServerLink::Connect(const ServerAddress& address) {
     PQsetNoticeProcessor(
         connection_.get(), [](void*, const char*) {}, nullptr);
     PQsetErrorVerbosity(connection_.get(), PQERRORS_VERBOSE);
+    AnswerWatch answer(PQsocket(connection_.get()), patience_.connecting, false);
     PostgresPollingStatusType state = PGRES_POLLING_WRITING;
     while (state != PGRES_POLLING_OK) {
         if (state == PGRES_POLLING_FAILED || PQstatus(connection_.get()) == CONNECTION_BAD) {
@@ -177,6 +179,9 @@ void ServerLink::Connect(const ServerAddress& address) {
             GiveUp(Silent.toString());
         }
         state = PQconnectPoll(connection_.get());
+        if (const QString excess = answer.Excess(); !excess.isEmpty()) {
+            GiveUp(excess);
+        }
     }
 }
 
@@ -259,16 +264,27 @@ short ServerLink::WaitWatched(short events, const AnswerWatch& answer) {
     short ready = 0;
     while (ready == 0 && !deadline.hasExpired()) {
         ready = WaitFor(events, QDeadlineTimer(BetweenTicks));
+        Tick();
+    }
+    return ready;
+}
+
+/// A server that never stops sending does not keep whoever watches from being called.
+void ServerLink::Tick() {
+    if (!nextTick_.hasExpired()) {
+        return;
+    }
+    nextTick_.setRemainingTime(BetweenTicks);
+    if (tick_) {
+        tick_();
+    } else if (watch_) {
         try {
-            if (ready == 0) {
-                watch_();
-            }
+            watch_();
         } catch (...) {
             Close();  // in the middle of a statement
             throw;
         }
     }
-    return ready;
 }
 
 void ServerLink::TakeIn(AnswerWatch& answer) {
@@ -285,8 +301,9 @@ void ServerLink::WaitUntilIdle(AnswerWatch& answer) {
     while (PQisBusy(connection_.get()) != 0) {
         TakeNotices();
         if (tick_) {
-            if (WaitFor(POLLIN, QDeadlineTimer(BetweenTicks)) == 0) {
-                tick_();
+            const bool isSilent = WaitFor(POLLIN, QDeadlineTimer(BetweenTicks)) == 0;
+            Tick();
+            if (isSilent) {
                 continue;
             }
         } else if (WaitWatched(POLLIN, answer) == 0) {
@@ -300,6 +317,7 @@ ServerLink::Result ServerLink::Receive(AnswerWatch& answer) {
     Result last;
     while (true) {
         WaitUntilIdle(answer);
+        Tick();
         Result next(PQgetResult(connection_.get()));
         if (next == nullptr) {
             TakeNotices();
@@ -327,19 +345,28 @@ void ServerLink::CancelStatement() {
     const auto seconds = std::chrono::ceil<std::chrono::seconds>(patience_.working).count();
     const pid_t asking = fork();
     if (asking == 0) {
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        std::signal(SIGALRM, SIG_DFL);
         alarm(static_cast<unsigned>(seconds));
         const int done = PQcancel(request.get(), reason.data(), static_cast<int>(reason.size()));
         _exit(done == 1 ? 0 : 1);
     }
     int status = 0;
-    while (asking > 0 && waitpid(asking, &status, 0) < 0 && errno == EINTR) {
+    pid_t ended = -1;
+    while (asking > 0 && (ended = waitpid(asking, &status, 0)) < 0 && errno == EINTR) {
     }
-    if (asking < 0 || status != 0) {
+    if (ended < 0 || status != 0) {
         Close();
         return;
     }
     AnswerWatch answer(PQsocket(connection_.get()), patience_.working, false);
-    Receive(answer);
+    try {
+        Receive(answer);
+    } catch (const ConnectionLost&) {
+        // Whoever cancelled is told so, and no more.
+    }
 }
 
 void ServerLink::RunWatched(const QByteArray& sql, const std::function<void()>& tick) {

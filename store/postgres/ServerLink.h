@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QString>
 #include <chrono>
 #include <functional>
@@ -82,6 +83,7 @@ class ServerLink {
     void WaitUntilIdle(AnswerWatch& answer);
     void TakeIn(AnswerWatch& answer);
     short WaitWatched(short events, const AnswerWatch& answer);
+    void Tick();
     void CancelStatement();
     short WaitFor(short events, const QDeadlineTimer& deadline);
     void TakeNotices();
@@ -96,6 +98,7 @@ class ServerLink {
     /// Who watches the statement that runs, instead of patience.
     std::function<void()> tick_;
     std::function<void()> watch_;
+    QDeadlineTimer nextTick_;
 };
 
 }  // namespace kadrona::store
