@@ -72,19 +72,20 @@ bool IsInsideArchive(const QString& path, const QString& archiveFolder) {
     return clean == root || clean.startsWith(platform::JoinPath(root, {}));
 }
 
-QString ForeignWay(const QString& path, const QString& folder) {
-    if (!IsInsideArchive(path, folder)) {
+QString ForeignWay(const QString& path, const QString& root) {
+    if (!IsInsideArchive(path, root)) {
         return u"Sie liegt außerhalb des Archivs"_s;
     }
     // The folder itself is one that the user chose.
-    const QString root = QDir::cleanPath(DelLastBackslash(folder));
-    const QString below = QDir::cleanPath(path).sliced(root.size());
-    return platform::FollowLinks(QFileInfo(root).canonicalFilePath() + below, platform::Links::Own)
+    const QString folder = QDir::cleanPath(DelLastBackslash(root));
+    const QString below = QDir::cleanPath(path).sliced(folder.size());
+    return platform::FollowLinks(QFileInfo(folder).canonicalFilePath() + below,
+                                 platform::Links::Own)
         .refusal;
 }
 
-void RequireOwnWay(const QString& path, const QString& folder) {
-    if (const QString reason = ForeignWay(path, folder); !reason.isEmpty()) {
+void RequireOwnWay(const QString& path, const QString& root) {
+    if (const QString reason = ForeignWay(path, root); !reason.isEmpty()) {
         throw platform::FileError(u"„%1“ wird nicht benutzt: %2."_s.arg(path, reason));
     }
 }

@@ -34,10 +34,10 @@ bool IsInsideArchive(const QString& path, const QString& archiveFolder);
 
 /// Why a file below the archive's or a backup's folder must not be used: its way leads out of the
 /// folder or below it through another user's link. In German, without a full stop; else empty.
-QString ForeignWay(const QString& path, const QString& folder);
+QString ForeignWay(const QString& path, const QString& root);
 
 /// Throws platform::FileError where there is such a reason.
-void RequireOwnWay(const QString& path, const QString& folder);
+void RequireOwnWay(const QString& path, const QString& root);
 
 /// Whether there is a folder. Throws platform::FileError where it does not answer: whatever is done
 /// in it would hold the window up. So whoever works in an archive's folder asks this shortly

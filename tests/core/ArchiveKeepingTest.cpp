@@ -280,14 +280,19 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
     };
     File(u"a\r\n"_s);
     const QString target = installation.Path("backup");
-    for (const auto& [name, to, isUsed] : {std::tuple("Sicherung.txt", elsewhere + u"/new"_s, true),
-                                           {"Archiv", elsewhere, true},
-                                           {"Archiv/2026", elsewhere, true},
-                                           {"KDRImageBase.neu", elsewhere, OnServer()}}) {
+    struct Row {
+        const char* name;
+        QString to;
+        bool isUsed;
+    };
+    for (const Row& row :
+         {Row{"Sicherung.txt", elsewhere + u"/new"_s, true}, Row{"Archiv", elsewhere, true},
+          Row{"Archiv/2026", elsewhere, true}, Row{"KDRImageBase.neu", elsewhere, OnServer()}}) {
+        const QString planted = target + u'/' + QLatin1StringView(row.name);
         QDir().mkpath(target);
         const QString text = TextOf<platform::FileError>([&] {
             core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
-            plant(to, target + u'/' + QLatin1StringView(name));
+            plant(row.to, planted);
             const QStringList failures =
                 core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress)
                     .failures;
@@ -295,8 +300,8 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
                 throw platform::FileError(failures.first());
             }
         });
-        EXPECT_EQ(text.contains(u"einem anderen Benutzer"_s), isUsed) << text.toStdString();
-        QFile::remove(target + u'/' + QLatin1StringView(name));
+        EXPECT_EQ(text.contains(u"einem anderen Benutzer"_s), row.isUsed) << text.toStdString();
+        QFile::remove(planted);
         QDir(target).removeRecursively();
     }
     const QString own = installation.Path("private.jpg");
