@@ -124,13 +124,14 @@ class ExportRun {
 
     void List(const Row& row) {
         const QStringList tags = TagLines(row.tags);
-        list_.append(QJsonObject{{u"number"_s, row.number},
-                                 {u"created"_s, row.created.toString(Qt::ISODate)},
-                                 {u"photo"_s, row.photo},
-                                 {u"original"_s, row.original},
-                                 {u"template"_s, row.type},
-                                 {u"tags"_s, QJsonArray::fromStringList(tags)},
-                                 {u"changes"_s, row.changes}});
+        list_.append(
+            QJsonObject{{u"number"_s, row.number > 0 ? QJsonValue(row.number) : QJsonValue()},
+                        {u"created"_s, row.created.toString(Qt::ISODate)},
+                        {u"photo"_s, row.photo},
+                        {u"original"_s, row.original},
+                        {u"template"_s, row.type},
+                        {u"tags"_s, QJsonArray::fromStringList(tags)},
+                        {u"changes"_s, row.changes}});
         QStringList cells{row.number > 0 ? QString::number(row.number) : QString(),
                           ShownTime(row.created),
                           row.photo,

@@ -28,11 +28,11 @@ struct ExportSelection {
 };
 
 /// Copies records, and photos that wait to be such, with all that is kept of them into a new folder
-/// below `target`, named after `title`: photos, originals behind "Original_", and what the database
-/// says of them as "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a
-/// spreadsheet would take for a formula begins with an apostrophe). Numbers that are no record's
-/// are left out. Throws platform::FileError, store::StoreError and platform::Cancelled; nothing of
-/// it is left then.
+/// below `target`, named after `title`: photos, originals behind "Original_", both behind
+/// "Wartend_" and without a number where they wait, and what the database says of them as
+/// "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a spreadsheet would
+/// take for a formula begins with an apostrophe). Numbers that are no record's are left out. Throws
+/// platform::FileError, store::StoreError and platform::Cancelled; nothing of it is left then.
 Export ExportRecords(store::Database& database, const QString& archiveFolder,
                      const ExportSelection& selection, const QString& target, const QString& title,
                      const platform::Progress& progress);
