@@ -87,8 +87,12 @@ class Check {
         const std::vector<KnownFile> files = KnownFiles(database_, folder_);
         qint64 done = 0;
         for (const KnownFile& file : files) {
-            progress_(u"Die Fotos werden geprüft …"_s, done++, static_cast<qint64>(files.size()));
-            Look(file);
+            const FileTick tick = [&, done] {
+                progress_(u"Die Fotos werden geprüft …"_s, done, static_cast<qint64>(files.size()));
+            };
+            tick();
+            Look(file, tick);
+            ++done;
             known_.insert(file.path);
         }
         KeepAdopted();
@@ -102,7 +106,7 @@ class Check {
         report_.findings.push_back({fault, file.id, file.path});
     }
 
-    void Look(const KnownFile& file) {
+    void Look(const KnownFile& file, const FileTick& tick) {
         if (!IsInsideArchive(file.path, folder_)) {
             return Note(ArchiveFault::Outside, file);
         }
@@ -111,7 +115,7 @@ class Check {
                 QFileInfo(file.path).size() != file.digest->bytes) {
                 return Note(ArchiveFault::Changed, file);  // however large it is now
             }
-            const auto digest = DigestOf(file.path);
+            const auto digest = DigestOf(file.path, tick);
             if (!digest) {
                 // Another program may have deleted it meanwhile.
                 return table_.Read(file.id) ? Note(ArchiveFault::Missing, file) : void();
@@ -276,10 +280,14 @@ void AdoptChanged(store::Database& database, const QString& archiveFolder,
     const QString originals = QDir::cleanPath(StoredFolderPath(archiveFolder, OriginalsFolder));
     qint64 done = 0;
     for (const ArchiveFinding& finding : report.findings) {
-        progress(u"Prüfsummen werden übernommen …"_s, done++,
-                 static_cast<qint64>(report.findings.size()));
+        const FileTick tick = [&, done] {
+            progress(u"Prüfsummen werden übernommen …"_s, done,
+                     static_cast<qint64>(report.findings.size()));
+        };
+        tick();
+        ++done;
         const auto digest =
-            finding.fault == ArchiveFault::Changed ? DigestOf(finding.path) : std::nullopt;
+            finding.fault == ArchiveFault::Changed ? DigestOf(finding.path, tick) : std::nullopt;
         if (!digest) {
             continue;
         }
