@@ -113,7 +113,7 @@ DuePhotos FindDuePhotos(store::Database& database, QDate today) {
     store::Statement select(database,
                             uR"(SELECT "ID", "ImgErstellt", "ImgName" FROM "ImgDB"
                                           WHERE "ImgErstellt" IS NOT NULL ORDER BY "ID")"_s);
-    QDate filed;
+    QDate& filed = due.newestFiled;
     QDate newest;
     while (select.Step()) {
         const qint64 id = select.Integer(0);

@@ -36,6 +36,8 @@ void SetKeepUntil(store::Database& database, const std::vector<qint64>& ids,
 struct DuePhotos {
     /// By number.
     std::vector<qint64> ids;
+    /// The newest day up to that day on which one was filed, whatever is due; invalid without one.
+    QDate newestFiled;
     /// Why nothing can be said, a sentence; empty where it can.
     QString refusal;
 };

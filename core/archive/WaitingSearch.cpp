@@ -1,5 +1,7 @@
 #include "core/archive/WaitingSearch.h"
 
+#include <algorithm>
+
 #include "core/archive/ArchiveSearch.h"
 #include "core/archive/ArchiveTable.h"
 #include "platform/Error.h"
@@ -16,8 +18,9 @@ bool IsIn(const ArchivePeriod& period, QDate day) {
 
 bool IsListed(const WaitingPhoto& photo, const ArchiveSearch& search, const WaitingFilter& filter) {
     const QDate day = photo.created.date();
-    if (filter.dueOn &&
-        (!filter.retentionMonths || day.addMonths(*filter.retentionMonths) >= *filter.dueOn)) {
+    const QDate filed = std::max(day, filter.newestFiled);
+    if (filter.dueOn && (!filter.retentionMonths || !filed.isValid() ||
+                         filed.addMonths(*filter.retentionMonths) >= *filter.dueOn)) {
         return false;
     }
     QByteArray fields;

@@ -17,6 +17,8 @@ struct WaitingFilter {
     /// Only those that the archive's period would make due on that day; without a period none.
     std::optional<QDate> dueOn = {};
     std::optional<int> retentionMonths = {};
+    /// See DuePhotos: none is older once it is filed, whatever the clock was when it was made.
+    QDate newestFiled = {};
 };
 
 /// The names of the photos in the queue that the archive's window would list were they filed. One

@@ -1,6 +1,7 @@
 #include <QAction>
 #include <QMenu>
 
+#include "controls/fields/FindPanel.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "core/Data.h"
@@ -8,6 +9,7 @@
 #include "core/archive/ArchiveRetention.h"
 #include "core/archive/WaitingSearch.h"
 #include "dialogs/archive/ArchiveCheckDialog.h"
+#include "dialogs/archive/ArchiveFilterBar.h"
 #include "dialogs/archive/ArchiveWindow.h"
 #include "dialogs/archive/LimitDialog.h"
 #include "platform/Error.h"
@@ -103,12 +105,14 @@ ChosenPhotos TfmImgSearch::Found() const {
 
 /// What waits on this computer is found as if it were filed: it is data of persons, too.
 void TfmImgSearch::FindWaitingPhotos() {
-    waiting_ =
-        core::FindWaiting(data_.Archiving().Queue(),
-                          {.text = findPanel_->Text(),
-                           .period = filterBar_->Period(),
-                           .dueOn = acDue_->isChecked() ? std::optional(Today()) : std::nullopt,
-                           .retentionMonths = core::RetentionMonths(data_.ArchiveDatabase())});
+    core::WaitingFilter filter{.text = findPanel_->Text(), .period = filterBar_->Period()};
+    if (acDue_->isChecked()) {
+        store::Database& database = data_.ArchiveDatabase();
+        filter.dueOn = Today();
+        filter.retentionMonths = core::RetentionMonths(database);
+        filter.newestFiled = core::FindDuePhotos(database, Today()).newestFiled;
+    }
+    waiting_ = core::FindWaiting(data_.Archiving().Queue(), filter);
 }
 
 void TfmImgSearch::acDeleteFoundExecute() {
