@@ -87,8 +87,9 @@ int Rebuild(const ArchiveRequest& request, core::TData& data, QTextStream& outpu
     const platform::Progress progress = Lines(output);
     const core::ArchiveReport report = core::CheckArchive(data.ArchiveDatabase(), request.folder,
                                                           progress, PlaceOf(request.folder));
-    const core::Rebuilding rebuilding = core::RebuildRecords(
-        data.ArchiveDatabase(), report.Paths(core::ArchiveFault::Lost), progress);
+    const core::Rebuilding rebuilding =
+        core::RebuildRecords(data.ArchiveDatabase(), report.Paths(core::ArchiveFault::Lost),
+                             data.NameSources().now(), progress);
     output << u"Wiederhergestellte Datensätze: %1."_s.arg(rebuilding.rebuilt) << Qt::endl;
     return Result(rebuilding.failures, errors);
 }

@@ -57,14 +57,19 @@ LostPhoto LostPhotoOf(const QString& path) {
 }
 
 /// When it was filed: the file's time, unless that is of another month than the folder, as after a
-/// change of tags; then the month's last minute.
-QDateTime FiledOn(const LostPhoto& lost) {
-    const QDateTime written = lost.file.lastModified();
+/// change of tags; then the month's last minute. Not after `now`, for a photo of the future makes
+/// the clock look slow, but never before the folder's month.
+QDateTime FiledOn(const LostPhoto& lost, const QDateTime& now) {
+    QDateTime written = lost.file.lastModified();
     const QDate month =
         QDate::fromString(QString(lost.storedFolder).replace(u'\\', u'-') + u"-01"_s, Qt::ISODate);
-    const bool known = month.isValid() && (written.date().year() != month.year() ||
-                                           written.date().month() != month.month());
-    return known ? QDateTime(month.addMonths(1).addDays(-1), QTime(23, 59)) : written;
+    if (!month.isValid()) {
+        return written;
+    }
+    const QDateTime begin = month.startOfDay();
+    const QDateTime end(month.addMonths(1).addDays(-1), QTime(23, 59));
+    const bool isOfMonth = written.date() >= month && written.date() <= end.date();
+    return std::clamp(now, begin, isOfMonth ? written : end);
 }
 
 /// The number in the photo's name where no other photo has it, else the next one. Nothing where a
@@ -79,7 +84,8 @@ std::optional<qint64> NumberFor(ArchiveTable& table, const LostPhoto& lost) {
 }
 
 /// Where it was cut of its original nobody knows.
-std::optional<OriginalRecord> OriginalFor(const LostPhoto& lost, const QSet<QString>& named) {
+std::optional<OriginalRecord> OriginalFor(const LostPhoto& lost, const QSet<QString>& named,
+                                          const FileTick& tick) {
     OriginalRecord original{.folder = StoredPath(OriginalsFolder, lost.storedFolder),
                             .name = {},
                             .photo = {},
@@ -89,7 +95,7 @@ std::optional<OriginalRecord> OriginalFor(const LostPhoto& lost, const QSet<QStr
     const QDir folder(StoredFolderPath(lost.archiveFolder, original.folder));
     for (const QString& name : folder.entryList({lost.file.completeBaseName() + u".*"_s},
                                                 QDir::Files | QDir::NoSymLinks, QDir::Name)) {
-        if (const auto digest = DigestOf(folder.filePath(name));
+        if (const auto digest = DigestOf(folder.filePath(name), tick);
             digest && !named.contains(StoredPath(original.folder, name))) {
             original.name = name;
             original.file = *digest;
@@ -100,21 +106,22 @@ std::optional<OriginalRecord> OriginalFor(const LostPhoto& lost, const QSet<QStr
 }
 
 /// False where a record has the photo.
-bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>& named) {
+bool RebuildRecord(ArchiveTable& table, const QString& path, const QSet<QString>& named,
+                   const QDateTime& now, const FileTick& tick) {
     const LostPhoto lost = LostPhotoOf(path);
     if (named.contains(StoredPath(lost.storedFolder, lost.file.fileName()))) {
         return false;
     }
     RequireOwnWay(path, lost.archiveFolder);
     const imaging::LoadedImage photo = imaging::ReadImageFile(path);
-    const FiledFiles files{.photo = DigestOf(path).value_or(FileDigest()),
-                           .original = OriginalFor(lost, named)};
+    const FiledFiles files{.photo = DigestOf(path, tick).value_or(FileDigest()),
+                           .original = OriginalFor(lost, named, tick)};
     const auto id = NumberFor(table, lost);
     if (id) {
         table.Fill({.id = *id,
                     .name = lost.file.fileName(),
                     .type = {},
-                    .created = FiledOn(lost),
+                    .created = FiledOn(lost, now),
                     .folder = lost.storedFolder,
                     .tags = TagsIn(photo.iptc)},
                    ArchiveThumbnail(photo.pixels), files);
@@ -135,7 +142,7 @@ void RaiseLastNumber(store::Database& database, const QStringList& paths) {
 
 }  // namespace
 
-Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
+Rebuilding RebuildRecords(store::Database& database, const QStringList& paths, const QDateTime& now,
                           const platform::Progress& progress) {
     CreateKeeping(database);
     RaiseLastNumber(database, paths);
@@ -143,10 +150,13 @@ Rebuilding RebuildRecords(store::Database& database, const QStringList& paths,
     const QSet<QString> named = NamedFiles(database);
     Rebuilding rebuilding;
     for (const QString& path : paths) {
-        progress(u"Datensätze werden wiederhergestellt …"_s, rebuilding.rebuilt,
-                 static_cast<qint64>(paths.size()));
+        const FileTick tick = [&] {
+            progress(u"Datensätze werden wiederhergestellt …"_s, rebuilding.rebuilt,
+                     static_cast<qint64>(paths.size()));
+        };
+        tick();
         try {
-            rebuilding.rebuilt += RebuildRecord(table, path, named) ? 1 : 0;
+            rebuilding.rebuilt += RebuildRecord(table, path, named, now, tick) ? 1 : 0;
         } catch (const imaging::ReadError& error) {
             rebuilding.failures.append(error.Text());
         } catch (const platform::FileError& error) {

@@ -31,7 +31,7 @@ const QString BackupFolderValue = u"ArchiveBackupDir"_s;
 /// And the last export.
 const QString ExportFolderValue = u"ArchiveExportDir"_s;
 /// As many are named one by one.
-constexpr qsizetype MostNamed = 8;
+constexpr qsizetype MostNamed = 5;
 /// A share may take long to say whether a file is there.
 constexpr size_t MostLookedUp = 200;
 
@@ -131,8 +131,9 @@ bool ArchiveUpkeep::Delete(const ChosenPhotos& chosen) {
         !controls::AskYesNo(Over(), Question(chosen), controls::Severity::Warning)) {
         return false;
     }
-    const bool waitingGone = DeleteWaiting(chosen.waiting);
-    return (chosen.ids.empty() || DeleteNow(chosen.ids, u"Bilder löschen"_s)) && waitingGone;
+    // Last: what is said after a cancellation counts the others alone.
+    return (chosen.ids.empty() || DeleteNow(chosen.ids, u"Bilder löschen"_s)) &&
+           DeleteWaiting(chosen.waiting);
 }
 
 /// False where some still wait.
@@ -319,7 +320,8 @@ bool ArchiveUpkeep::Rebuild(const QStringList& paths) {
     core::Rebuilding rebuilding;
     {
         controls::ProgressBox box(Over(), u"Datensätze wiederherstellen"_s);
-        rebuilding = core::RebuildRecords(data_.ArchiveDatabase(), paths, box.Reporter());
+        rebuilding = core::RebuildRecords(data_.ArchiveDatabase(), paths, data_.NameSources().now(),
+                                          box.Reporter());
     }
     ShowFailures(
         u"Wiederhergestellte Datensätze: %1. Die übrigen gingen nicht."_s.arg(rebuilding.rebuilt),

@@ -164,24 +164,45 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
     const core::ArchiveReport report = Check();
     core::AdoptChanged(Database(), archiveFolder, report, platform::NoProgress);
     const core::Rebuilding rebuilding = core::RebuildRecords(
-        Database(), report.Paths(core::ArchiveFault::Lost), platform::NoProgress);
+        Database(), report.Paths(core::ArchiveFault::Lost), now, platform::NoProgress);
     EXPECT_EQ(rebuilding.rebuilt, 1);
     const core::ArchiveRecord rebuilt = Table().Read(1).value_or(core::ArchiveRecord());
     EXPECT_EQ(rebuilt.tags, u"Anna, die Zweite\r\nKöln\r\n"_s);
     EXPECT_EQ(rebuilt.folder, lost.folder);
     EXPECT_EQ(Table().ReadThumbnail(1), thumbnail);
-    EXPECT_EQ(rebuilt.created, QDateTime(QDate(2026, 3, 31), QTime(23, 59)))
-        << "written in another month than the name's";
+    EXPECT_EQ(rebuilt.created, now) << "a month's end that is yet to come";
     EXPECT_EQ(Faults().size(), 3) << "blank, missing, not ours";
-    EXPECT_EQ(core::RebuildRecords(Database(), {Filed("2026_03_00001.jpg")}, platform::NoProgress)
-                  .rebuilt,
-              0)
+    EXPECT_EQ(
+        core::RebuildRecords(Database(), {Filed("2026_03_00001.jpg")}, now, platform::NoProgress)
+            .rebuilt,
+        0)
         << "no second record for one photo";
     EXPECT_EQ(core::NumberInName(u"2026_03_999999999999.jpg"_s), 0) << "none would be left soon";
     const auto giveUp = [](const QString&, qint64, qint64) { throw platform::Cancelled(); };
-    EXPECT_THROW(core::RebuildRecords(Database(), {Filed("2026_03_00050.jpg")}, giveUp),
+    EXPECT_THROW(core::RebuildRecords(Database(), {Filed("2026_03_00050.jpg")}, now, giveUp),
                  platform::Cancelled);
     EXPECT_EQ(Table().Insert(), 51) << "while that number is lost, nobody gets it";
+}
+
+TEST_F(ArchiveKeeping, ALargeFileIsReadInStepsThatCanBeGivenUp) {
+    constexpr int Megabytes = 3;
+    File(u"a\r\n"_s);
+    Execute(uR"(DELETE FROM "ImgDB")"_s);
+    const char* const original = "archive/Originale/2026/03/2026_03_00001.nef";
+    installation.Write(original, QByteArray(Megabytes << 20, 'x'));
+    int steps = 0;
+    const auto count = [&](const QString&, qint64, qint64) { ++steps; };
+    core::ArchiveReport report;
+    report.findings = {{core::ArchiveFault::Changed, 1, installation.Path(original)}};
+    for (const auto& reading : std::initializer_list<std::function<void()>>{
+             [&] { core::RebuildRecords(Database(), {Filed("2026_03_00001.jpg")}, now, count); },
+             [&] { core::CheckArchive(Database(), archiveFolder, count); },
+             [&] { core::AdoptChanged(Database(), archiveFolder, report, count); }}) {
+        steps = 0;
+        reading();
+        EXPECT_GT(steps, Megabytes);
+    }
+    EXPECT_EQ(Faults(), QStringList());
 }
 
 TEST_F(ArchiveKeeping, AFileGoesWithItsLastRecordAndComesBackWithTheNextOne) {
@@ -202,7 +223,7 @@ TEST_F(ArchiveKeeping, AFileGoesWithItsLastRecordAndComesBackWithTheNextOne) {
     EXPECT_EQ(Faults().filter(u"6 2 "_s), QStringList(u"6 2 2026_03_00002.jpg"_s));
     Execute(uR"(INSERT INTO "ImgDB" ("ID") VALUES (2))"_s);
     const QStringList lost = Check().Paths(core::ArchiveFault::Lost);
-    EXPECT_EQ(core::RebuildRecords(Database(), lost, platform::NoProgress).rebuilt, 2);
+    EXPECT_EQ(core::RebuildRecords(Database(), lost, now, platform::NoProgress).rebuilt, 2);
     EXPECT_EQ(core::ReadOriginal(Database(), 2).value_or(core::OriginalRecord()).name,
               u"2026_04_00002.nef"_s);
     EXPECT_EQ(Rows(uR"(SELECT "ID" FROM "ImgDeleted" ORDER BY 1)"_s), QStringList())
@@ -290,7 +311,7 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
           Row{"Archiv/2026", elsewhere, true}, Row{"KDRImageBase.neu", elsewhere, OnServer()}}) {
         const QString planted = target + u'/' + QLatin1StringView(row.name);
         QDir().mkpath(target);
-        const QString text = TextOf<platform::FileError>([&] {
+        const QString text = TextOf<platform::FileError>([&, to = to, name = name] {
             core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
             plant(row.to, planted);
             const QStringList failures =
@@ -308,7 +329,7 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
     ASSERT_TRUE(QFile::copy(Filed("2026_03_00001.jpg"), own));
     plant(own, Filed("2026_03_00009.jpg"));
     const core::Rebuilding rebuilding =
-        core::RebuildRecords(Database(), {Filed("2026_03_00009.jpg")}, platform::NoProgress);
+        core::RebuildRecords(Database(), {Filed("2026_03_00009.jpg")}, now, platform::NoProgress);
     EXPECT_EQ(rebuilding.failures.size(), 1) << "no thumbnail of it";
     plant(own, Filed("2026_03_00001.jpg"));
     data.SetCurrentRecord(1);
@@ -376,7 +397,11 @@ TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
           std::pair(core::WaitingFilter{.period = {.from = {}, .to = day}}, 2),
           std::pair(core::WaitingFilter{.dueOn = day.addYears(9)}, 0),
           std::pair(core::WaitingFilter{.dueOn = day.addMonths(1), .retentionMonths = 1}, 0),
-          std::pair(core::WaitingFilter{.dueOn = day.addDays(40), .retentionMonths = 1}, 2)}) {
+          std::pair(core::WaitingFilter{.dueOn = day.addDays(40), .retentionMonths = 1}, 2),
+          std::pair(
+              core::WaitingFilter{
+                  .dueOn = day.addDays(40), .retentionMonths = 1, .newestFiled = day.addDays(20)},
+              0)}) {
         EXPECT_EQ(core::FindWaiting(queue, filter).size(), count) << filter.text.toStdString();
     }
     const core::Export result = core::ExportRecords(
@@ -388,6 +413,8 @@ TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
     EXPECT_EQ(platform::ReadWholeFile(result.folder + u'/' + photos[0], 99), "a face");
     EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.csv"_s, 1 << 20)
                     .contains(photos[0].toUtf8() + "\";\"\";\"Pass.schablone\";\"Dora"));
+    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
+                    .contains("\"number\": null"));
 }
 
 TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {
@@ -408,6 +435,7 @@ TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) 
     }
     core::SetRetentionMonths(Database(), 12);
     EXPECT_EQ(due(today), Ids({1}));
+    EXPECT_EQ(core::FindDuePhotos(Database(), today.addDays(-1)).newestFiled, today.addMonths(-12));
     EXPECT_EQ(due(today.addDays(1)), Ids({1, 2, 3, 4}));
 
     EXPECT_THROW(core::SetKeepUntil(Database(), {1}, today, today), platform::Error);
@@ -421,7 +449,7 @@ TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) 
     // Their names tell when they were filed, whatever number they have got and what became of them.
     installation.Write("archive/2024/01/2024_01_00001.jpg",
                        platform::ReadWholeFile(Filed("2026_03_00005.jpg"), 1 << 20));
-    core::RebuildRecords(Database(), {archiveFolder + u"/2024/01/2024_01_00001.jpg"_s},
+    core::RebuildRecords(Database(), {archiveFolder + u"/2024/01/2024_01_00001.jpg"_s}, now,
                          platform::NoProgress);
     EXPECT_EQ(Table().Read(6)->created.date(), QDate(2024, 1, 31));
     core::SetRetentionMonths(Database(), 12);
