@@ -42,10 +42,12 @@ class ArchiveStory : public Story {
         Trigger(u"acCrop"_s);
     }
 
-    void AnswerTags(const std::optional<QString>& tags) {
-        driver.Expect(u"fmImageTagEdit"_s, [tags](QWidget& shown) {
+    void AnswerTags(const std::optional<QString>& tags, const QString& offered = {}) {
+        driver.Expect(u"fmImageTagEdit"_s, [tags, offered](QWidget& shown) {
             EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-            Child<QPlainTextEdit>(shown, "TagMemo").setPlainText(tags.value_or(u"x"_s));
+            auto& memo = Child<QPlainTextEdit>(shown, "TagMemo");
+            EXPECT_EQ(memo.toPlainText(), offered);
+            memo.setPlainText(tags.value_or(u"x"_s));
             ClickButton(shown, tags ? "btnOk" : "btnCancel");
         });
     }
@@ -82,7 +84,7 @@ TEST_F(ArchiveStory, FilesFindsTagsAnewAndOpensForPrinting) {
     ASSERT_EQ(data().Archive()->Ids().size(), 3U);
 
     Search(u"özdem*"_s, [this](QWidget& shown) {
-        AnswerTags(u"Müzeyyen Özdemir\nKöln"_s);
+        AnswerTags(u"Müzeyyen Özdemir\nKöln"_s, u"Müzeyyen Özdemir\n"_s);
         Child<QAction>(shown, "acEditTags").trigger();
         DoubleClickFirst(shown);
     });
