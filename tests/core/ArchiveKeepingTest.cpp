@@ -311,7 +311,7 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
           Row{"Archiv/2026", elsewhere, true}, Row{"KDRImageBase.neu", elsewhere, OnServer()}}) {
         const QString planted = target + u'/' + QLatin1StringView(row.name);
         QDir().mkpath(target);
-        const QString text = TextOf<platform::FileError>([&, to = to, name = name] {
+        const QString text = TextOf<platform::FileError>([&] {
             core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
             plant(row.to, planted);
             const QStringList failures =
