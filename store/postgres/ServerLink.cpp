@@ -3,18 +3,16 @@
 #include <arpa/inet.h>
 #include <libpq-fe.h>
 #include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QDeadlineTimer>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 
 #include "platform/Progress.h"
 #include "store/StoreError.h"
 #include "store/postgres/AnswerWatch.h"
+#include "store/postgres/CancelRequest.h"
 #include "store/postgres/HostLookup.h"
 #include "store/postgres/ServerReason.h"
 
@@ -336,28 +334,8 @@ ServerLink::Result ServerLink::Receive(AnswerWatch& answer) {
     }
 }
 
-/// The library waits for the server's word without a limit, so a process of its own asks; it does
-/// nothing that a signal handler may not.
 void ServerLink::CancelStatement() {
-    const std::unique_ptr<PGcancel, void (*)(PGcancel*)> request(PQgetCancel(connection_.get()),
-                                                                 PQfreeCancel);
-    std::array<char, 256> reason{};
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(patience_.working).count();
-    const pid_t asking = fork();
-    if (asking == 0) {
-        sigset_t none;
-        sigemptyset(&none);
-        sigprocmask(SIG_SETMASK, &none, nullptr);
-        std::signal(SIGALRM, SIG_DFL);
-        alarm(static_cast<unsigned>(seconds));
-        const int done = PQcancel(request.get(), reason.data(), static_cast<int>(reason.size()));
-        _exit(done == 1 ? 0 : 1);
-    }
-    int status = 0;
-    pid_t ended = -1;
-    while (asking > 0 && (ended = waitpid(asking, &status, 0)) < 0 && errno == EINTR) {
-    }
-    if (ended < 0 || status != 0) {
+    if (!RequestCancel(*connection_, patience_.working)) {
         Close();
         return;
     }
