@@ -16,6 +16,7 @@
 #include "app/commandline/ArchiveCommand.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/CommandLineHelp.h"
+#include "app/commandline/PackedRequest.h"
 #include "app/commandline/PhotoCommand.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/TerminalText.h"

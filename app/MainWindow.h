@@ -57,7 +57,7 @@ class WindowInterface;
 class WindowPlace;
 
 /// The one main window: it makes the program's parts in their fixed order, lays out command area,
-/// view and status bar (MainWindowLayout.cpp), and shows what the session holds.
+/// view and status bar (MainWindow_Layout.cpp), and shows what the session holds.
 /// What the actions do stands in a class for each group of them.
 class TmainFm : public QMainWindow {
     Q_OBJECT
@@ -94,7 +94,7 @@ class TmainFm : public QMainWindow {
     void ShowAbout();
     void StatusBarPanel2Click();
 
-    // Bars and panels (MainWindowLayout.cpp)
+    // Bars and panels (MainWindow_Layout.cpp)
     void BuildCommandArea();
     void BuildEditBar(controls::CommandArea& area);
     void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);

@@ -7,6 +7,7 @@
 
 #include "app/MainWindow.h"
 #include "app/base/AtRest.h"
+#include "app/commandline/PackedRequest.h"
 #include "controls/messages/MessageBoxes.h"
 
 using namespace Qt::StringLiterals;

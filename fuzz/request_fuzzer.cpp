@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "app/commandline/WindowRequest.h"
+#include "app/commandline/PackedRequest.h"
 
 using namespace kadrona::app;
 

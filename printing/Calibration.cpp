@@ -6,6 +6,7 @@
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
 #include "printing/PrinterLayer.h"
+#include "printing/RulerSheet.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,7 +1,8 @@
+#include "printing/RulerSheet.h"
+
 #include <QPainter>
 #include <algorithm>
 
-#include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;

@@ -1,7 +1,7 @@
+#include "app/commandline/PackedRequest.h"
+
 #include <QFile>
 #include <algorithm>
-
-#include "app/commandline/WindowRequest.h"
 
 namespace kadrona::app {
 

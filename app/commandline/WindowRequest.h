@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <optional>
 
 namespace kadrona::app {
 
@@ -23,11 +22,5 @@ struct WindowRequest {
 
 /// From the arguments behind the program's name. Throws UsageError for what makes no sense.
 WindowRequest ParseWindowRequest(const QStringList& arguments);
-
-/// The request as one start hands it to another: four fields, NUL between them.
-QByteArray Packed(const WindowRequest& request);
-
-/// Nothing for bytes that are no request.
-std::optional<WindowRequest> Unpacked(const QByteArray& bytes);
 
 }  // namespace kadrona::app

@@ -22,15 +22,15 @@ namespace {
 class LimitDialog : public QDialog {
  public:
     /// Takes ownership of the editor.
-    LimitDialog(QWidget* parent, const QString& title, const QString& caption, QWidget* limit,
-                const QString& unit, const QString& note)
+    LimitDialog(QWidget* parent, const QString& title, const QString& caption, bool limited,
+                QWidget* limit, const QString& unit, const QString& note)
         : QDialog(parent), limited_(new QCheckBox(caption)) {
         constexpr int NoteWidth = 360;
         setObjectName(u"LimitDialog"_s);
         setWindowTitle(title);
         limited_->setObjectName(u"Limited"_s);
         limit->setObjectName(u"Limit"_s);
-        limit->setAccessibleName(caption);
+        limit->setAccessibleName(QString(caption).remove(u'&'));
         auto* row = new QHBoxLayout;
         row->addWidget(limited_);
         row->addWidget(limit);
@@ -47,6 +47,8 @@ class LimitDialog : public QDialog {
         connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
         connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
         connect(limited_, &QCheckBox::toggled, limit, &QWidget::setEnabled);
+        limited_->setChecked(limited);
+        limit->setEnabled(limited);
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(16, 14, 16, 14);
         layout->setSpacing(12);
@@ -55,7 +57,15 @@ class LimitDialog : public QDialog {
         layout->addWidget(buttons);
     }
 
-    QCheckBox& Limited() { return *limited_; }
+    /// The limit that `value` reads from the editor; nothing inside for none, nothing at all when
+    /// the user cancels.
+    template <typename Reader>
+    auto Ask(Reader value) -> std::optional<std::optional<decltype(value())>> {
+        if (exec() != Accepted) {
+            return std::nullopt;
+        }
+        return limited_->isChecked() ? std::optional(value()) : std::optional<decltype(value())>();
+    }
 
  private:
     QCheckBox* limited_;
@@ -69,15 +79,11 @@ std::optional<std::optional<int>> AskForPeriod(QWidget* parent, std::optional<in
     limit->setRange(1, core::LongestRetentionMonths);
     limit->setValue(months.value_or(Proposal));
     LimitDialog dialog(
-        parent, u"Aufbewahrung"_s, u"&Bilder werden fällig nach"_s, limit, u"Monaten"_s,
+        parent, u"Aufbewahrung"_s, u"&Bilder werden fällig nach"_s, months.has_value(), limit,
+        u"Monaten"_s,
         u"Fällige Bilder werden nie von selbst gelöscht: „Fällige Bilder“ zeigt sie, und "
         u"Sie löschen, was weg soll. Ein eigenes Löschdatum geht vor."_s);
-    dialog.Limited().setChecked(months.has_value());
-    limit->setEnabled(months.has_value());
-    if (dialog.exec() != QDialog::Accepted) {
-        return std::nullopt;
-    }
-    return dialog.Limited().isChecked() ? std::optional(limit->value()) : std::optional<int>();
+    return dialog.Ask([limit] { return limit->value(); });
 }
 
 std::optional<std::optional<QDate>> AskForDay(QWidget* parent, std::optional<QDate> until,
@@ -88,14 +94,9 @@ std::optional<std::optional<QDate>> AskForDay(QWidget* parent, std::optional<QDa
     limit->setDisplayFormat(u"dd.MM.yyyy"_s);
     // A day that has gone by is refused with the reason: a bound would change what is typed.
     limit->setDate(until.value_or(today.addMonths(ProposedMonths)));
-    LimitDialog dialog(parent, u"Löschdatum"_s, u"Aufbewahren &bis"_s, limit, {},
+    LimitDialog dialog(parent, u"Löschdatum"_s, u"Aufbewahren &bis"_s, until.has_value(), limit, {},
                        u"Ohne Haken gilt, was für das ganze Archiv festgelegt ist."_s);
-    dialog.Limited().setChecked(until.has_value());
-    limit->setEnabled(until.has_value());
-    if (dialog.exec() != QDialog::Accepted) {
-        return std::nullopt;
-    }
-    return dialog.Limited().isChecked() ? std::optional(limit->date()) : std::optional<QDate>();
+    return dialog.Ask([limit] { return limit->date(); });
 }
 
 }  // namespace kadrona::dialogs

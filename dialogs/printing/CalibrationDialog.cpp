@@ -15,6 +15,7 @@
 #include "dialogs/base/WindowPlacement.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
+#include "printing/RulerSheet.h"
 
 using namespace Qt::StringLiterals;
 

@@ -2,6 +2,7 @@
 
 #include "app/Application.h"
 #include "app/commandline/OrderCommand.h"
+#include "app/commandline/PackedRequest.h"
 #include "app/commandline/SheetCommand.h"
 #include "app/commandline/WindowRequest.h"
 #include "core/sheet/PhotoLoading.h"

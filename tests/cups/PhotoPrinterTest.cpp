@@ -9,6 +9,7 @@
 
 #include "PrintService.h"
 #include "printing/Calibration.h"
+#include "printing/RulerSheet.h"
 #include "printing/SheetOnPaper.h"
 #include "printing/cups/CupsPrinterLayer.h"
 #include "printing/cups/service/DeviceMode.h"

@@ -4,6 +4,7 @@
 
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
+#include "printing/RulerSheet.h"
 #include "printing/SheetOnPaper.h"
 
 using namespace kadrona::printing;
