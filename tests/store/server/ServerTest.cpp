@@ -1,7 +1,4 @@
 #include <gtest/gtest.h>
-#include <malloc.h>
-#include <poll.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -10,15 +7,12 @@
 #include <QScopeGuard>
 #include <QTcpServer>
 #include <QTemporaryDir>
-#include <array>
 #include <csignal>
-#include <thread>
 
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"
-#include "store/postgres/AnswerWatch.h"
 #include "store/postgres/PostgresDatabase.h"
 #include "tests/support/Errors.h"
 #include "tests/support/TestServer.h"
@@ -28,6 +22,16 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using namespace kadrona::testing;
+
+/// That cannot be packed.
+QString RandomWord(int letters) {
+    QString word;
+    QRandomGenerator random(1);
+    for (int i = 0; i < letters; ++i) {
+        word += QChar(u'a' + random.bounded(26));
+    }
+    return word;
+}
 
 class ServerTest : public ::testing::Test {
  protected:
@@ -51,6 +55,12 @@ class ServerTest : public ::testing::Test {
         Statement(database, u"INSERT INTO photos (name) VALUES (?)"_s).Bind(1, name).Step();
     }
 
+    static inline const ListedTable Photos{.name = u"photos"_s,
+                                           .description = u"Fotos"_s,
+                                           .index = u"photos_idx"_s,
+                                           .keys = {u"taken"_s, u"id"_s},
+                                           .columns = {u"name"_s},
+                                           .large = u"thumb"_s};
     ServerAddress address_ = NewServerDatabase();
     PostgresDatabase database_{address_};
 };
@@ -109,12 +119,7 @@ TEST_F(ServerTest, TransactionsAndNumbersAreThoseOfAllWorkplaces) {
 }
 
 TEST_F(ServerTest, ChangesOfOthersAreHeardOf) {
-    database_.RunScript(database_.Supplements({.name = u"photos"_s,
-                                               .description = u"Fotos"_s,
-                                               .index = u"photos_idx"_s,
-                                               .keys = {u"taken"_s, u"id"_s},
-                                               .columns = {},
-                                               .large = u"thumb"_s}));
+    database_.RunScript(database_.Supplements(Photos));
     PostgresDatabase other(address_);
     const Database::State before = database_.PresentState();
     EXPECT_EQ(Count(database_), 0);
@@ -124,6 +129,19 @@ TEST_F(ServerTest, ChangesOfOthersAreHeardOf) {
         Insert(*writer, u"new"_s);
         EXPECT_NE(database_.PresentState(), last);
     }
+}
+
+TEST_F(ServerTest, OnlyTheLargeColumnIsKeptApartFromItsRow) {
+    database_.RunScript(database_.Supplements(Photos));
+    Statement(database_, u"INSERT INTO photos (name, thumb) VALUES (?, ?)"_s)
+        .Bind(1, RandomWord(150))
+        .Bind(2, QByteArrayView(QByteArray(3000, 'x')))
+        .Step();
+    Statement apart(
+        database_,
+        u"SELECT reltoastrelid::regclass::text FROM pg_class WHERE relname = 'photos'"_s);
+    ASSERT_TRUE(apart.Step());
+    EXPECT_EQ(Number(database_, u"SELECT count(DISTINCT chunk_id) FROM "_s + apart.Text(0)), 1);
 }
 
 TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
@@ -158,153 +176,6 @@ TEST_F(ServerTest, SaysWhyItCannotBeOpened) {
     EXPECT_TRUE(refusal([](ServerAddress& address) {
                     address.host = u"gibt-es-nicht.invalid"_s;
                 }).contains(u"Name"_s));
-}
-
-/// A server that answers as it is told to, to one client.
-class ToldServer {
- public:
-    /// What is sent for each packet of the client's, and what then goes on without an end, a piece
-    /// each `pause`.
-    ToldServer(const QByteArrayList& answers, const QByteArray& endless = {},
-               std::chrono::microseconds pause = {})
-        : listens_(listener_.listen(QHostAddress::LocalHost)),
-          thread_([=, this, socket = static_cast<int>(listener_.socketDescriptor())] {
-              pollfd connecting{.fd = socket, .events = POLLIN, .revents = 0};
-              poll(&connecting, 1, 2000);
-              const int client = accept4(socket, nullptr, nullptr, 0);
-              std::array<char, 1000> request{};
-              for (const QByteArray& answer : answers) {
-                  EXPECT_GT(recv(client, request.data(), request.size(), 0), 0);
-                  EXPECT_EQ(Sent(client, answer), answer.size());
-              }
-              while (!endless.isEmpty() && Sent(client, endless) > 0) {
-                  std::this_thread::sleep_for(pause);
-              }
-              while (recv(client, request.data(), request.size(), 0) > 0) {
-                  last_ = request.front();
-              }
-              close(client);
-          }) {}
-    ~ToldServer() { Finish(); }
-    ToldServer(const ToldServer&) = delete;
-    ToldServer& operator=(const ToldServer&) = delete;
-
-    ServerAddress Address() const {
-        return {.host = u"127.0.0.1"_s,
-                .port = listener_.serverPort(),
-                .database = u"x"_s,
-                .user = u"x"_s,
-                .password = {}};
-    }
-    /// Waits until the client has gone; how the last packet began that was not answered.
-    char Finish() {
-        if (thread_.joinable()) {
-            thread_.join();
-        }
-        return last_;
-    }
-
- private:
-    static ssize_t Sent(int client, const QByteArray& bytes) {
-        return send(client, bytes.constData(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
-    }
-
-    QTcpServer listener_;
-    bool listens_;
-    char last_ = 0;
-    std::thread thread_;
-};
-
-/// No encryption, and a greeting in the name of a version.
-QByteArrayList Greeting(const QByteArray& version) {
-    return {"N", QByteArray("R\0\0\0\10\0\0\0\0S\0\0\0", 13) + char(20 + version.size()) +
-                     QByteArray("server_version\0", 15) + version + QByteArray("\0Z\0\0\0\5I", 7)};
-}
-
-TEST(ToldServerTest, AnOldServerAndOneThatProvesNothingAreRefused) {
-    const auto refusal = [](const ServerAddress& address) {
-        return TextOf<StoreError>([&] { const PostgresDatabase refused(address); });
-    };
-    // It is asked for encryption alone.
-    ToldServer unproven({"N"});
-    ServerAddress address = unproven.Address();
-    address.verified = true;
-    EXPECT_TRUE(refusal(address).contains(u"nicht mit einem gültigen Zertifikat"_s));
-    EXPECT_EQ(unproven.Finish(), 0) << "no password, no user";
-    const ToldServer old(Greeting("9.6.1"));
-    EXPECT_TRUE(refusal(old.Address()).contains(u"zu alt: Er hat die Version 9.6"_s));
-}
-
-/// Whatever comes ends soon and with a word.
-TEST(ToldServerTest, AHostileAnswerIsGivenUp) {
-    constexpr ServerPatience Short{.connecting = std::chrono::seconds(2),
-                                   .working = std::chrono::milliseconds(200)};
-    const QByteArray listening(
-        "1\0\0\0\4"
-        "2\0\0\0\4"
-        "C\0\0\0\13LISTEN\0Z\0\0\0\5I",
-        28);
-    const QByteArray parameter("S\0\0\0\10a\0b\0", 9);
-    struct Case {
-        QByteArray answer;
-        QByteArray endless;
-        int pause;
-        QStringView reason;
-        std::chrono::milliseconds patience = std::chrono::seconds(2);
-    };
-    for (const Case& row : {
-             Case{{"H\0\0\0\7\0\0\0", 8}, {}, 0, u"antwortet mit etwas anderem"},
-             Case{{"N\0\0\17\xff", 5},
-                  "M",
-                  20'000,
-                  u"antwortet nicht",
-                  std::chrono::milliseconds(200)},
-             Case{{},
-                  parameter.repeated(1000),
-                  0,
-                  u"findet mit seiner Antwort kein Ende",
-                  std::chrono::milliseconds(500)},
-             Case{{"E\0\0\0\5\0Z\0\0\0\5I", 12}, {}, 0, u"sagt nicht, warum"},
-         }) {
-        const ToldServer server(Greeting("15.1") << listening << listening << row.answer,
-                                row.endless, std::chrono::microseconds(row.pause));
-        QElapsedTimer time;
-        time.start();
-        const QString text = TextOf<StoreError>([&] {
-            PostgresDatabase database(
-                server.Address(), {.connecting = std::chrono::seconds(2), .working = row.patience});
-            database.Execute(u"SELECT 1"_s);
-        });
-        EXPECT_TRUE(text.contains(row.reason)) << text.toStdString();
-        EXPECT_LT(time.elapsed(), 30'000) << text.toStdString();
-    }
-    const ToldServer flooding({"N", QByteArray("R\0\0\0\10\0\0\0\0", 9)}, parameter.repeated(1000));
-    EXPECT_THROW(PostgresDatabase(flooding.Address(), Short), ConnectionLost);
-    const ToldServer deaf(Greeting("15.1") << listening << listening << listening);
-    PostgresDatabase database(deaf.Address(), Short);
-    QElapsedTimer time;
-    time.start();
-    const auto cancelled = [waits = false](const QString&, qint64, qint64) mutable {
-        if (std::exchange(waits, true)) {
-            throw platform::Cancelled();
-        }
-    };
-    EXPECT_THROW(database.Compact({}, cancelled), platform::Cancelled);
-    EXPECT_LT(time.elapsed(), 30'000) << "nobody hears that it is cancelled";
-    const ToldServer noisy(Greeting("15.1") << listening << listening << listening << QByteArray(),
-                           parameter.repeated(1000));
-    PostgresDatabase held(noisy.Address(), Short);
-    EXPECT_THROW(held.Compact({}, cancelled), platform::Cancelled);
-}
-
-TEST(AnswerWatch, HasAnEyeOnTheMemory) {
-    AnswerWatch watch(-1, std::chrono::seconds(1), true);
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
-    EXPECT_EQ(watch.Excess(), QString());
-    const std::vector<char> answer(300 << 20);
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
-    const bool isCounted = mallinfo2().hblkhd > answer.size();  // not by the sanitizers
-    EXPECT_EQ(watch.Excess().isEmpty(), !isCounted);
 }
 
 /// Over the network, for which the server gets a port of its own for a while.
@@ -455,11 +326,7 @@ TEST_F(ServerTest, FindsWholeWordsWhateverTheirLength) {
     FullTextIndex index(database_, u"Tags"_s);
     database_.RunScript(index.Creation());
     using Found = std::vector<qint64>;
-    QString word;  // that cannot be packed into the room of an index entry
-    QRandomGenerator random(1);
-    for (int i = 0; i < 20'000; ++i) {
-        word += QChar(u'a' + random.bounded(26));
-    }
+    const QString word = RandomWord(20'000);  // more than an index entry has room for
     index.Set(3, u"Jürgen O'Neill\r\nGroß"_s);
     index.Set(1, u"Anna Müller"_s);
     index.Set(2, u"MÜLLER, Anna-Sofie "_s + word);
