@@ -160,6 +160,17 @@ TEST(PupilRegression, MovesBothEyesAndThenEachOutward) {
     }
 }
 
+TEST(PupilRegression, TheTrainedTableDrawsRoughGuessesToThePupils) {
+    const QImage portrait = Wall(DrawnSize, {{}});
+    const FacePhoto photo(ConstMatView(portrait));
+    for (const QPointF off : {QPointF(8, 6), QPointF(-8, 6), QPointF(6, -8), QPointF(-6, -8)}) {
+        const FaceFrame settled = TrainedPupils().Settled(
+            photo, FaceFrame::OfEyes(DrawnLeftEye + off, DrawnRightEye + off));
+        EXPECT_LT(Distance(settled.ToPhoto({-0.5, 0}), DrawnLeftEye), 3);
+        EXPECT_LT(Distance(settled.ToPhoto({0.5, 0}), DrawnRightEye), 3);
+    }
+}
+
 TEST(PortraitMeasures, SeeEachSideForItself) {
     Face face;
     face.leftEye.position = {250, 300};
