@@ -38,6 +38,9 @@ inline constexpr std::array DriverOptions{
     // Gutenprint's borderless printing on dye-sublimation printers: without it the page is moved by
     // the upper margin (measured: bench/measure-printers).
     NeutralOption{"StpBorderless", "True"},
+    // Gutenprint on Canon's printers with the command for it: the printer itself turns the page
+    // (main/print-canon.c, canon_init_setESC_v).
+    NeutralOption{"StpOrientation", "Portrait"},
     // Adobe, PostScript Printer Description File Format 4.3, 5.13.
     NeutralOption{"MirrorPrint", "False"},
     NeutralOption{"NegativePrint", "False"},

@@ -118,8 +118,13 @@ QString PaperText(const PrintImage& image, const PrinterPaper& paper) {
     return paper.geometry.name.isEmpty() ? size : paper.geometry.name + u", "_s + size;
 }
 
+QStringList RemarksOf(const PrintImage& image, const PrinterPaper& paper) {
+    return image.calibration == Calibration() ? paper.remarks + paper.uncalibratedRemarks
+                                              : paper.remarks;
+}
+
 QString PaperWarning(const PrintImage& image, const PrinterPaper& paper) {
-    QStringList parts = paper.remarks;
+    QStringList parts = RemarksOf(image, paper);
     const QString lost = LossText(image, paper);
     if (!lost.isEmpty()) {
         const bool turned = IsTurned(image, paper);

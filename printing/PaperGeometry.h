@@ -40,6 +40,9 @@ struct PrinterPaper {
     /// German sentences that the user reads before printing: what the driver does to a page that
     /// nobody can switch off, what it no longer has, why the printer stands still.
     QStringList remarks = {};
+    /// The same, but settled by a calibration: where nobody knows how the printer takes what its
+    /// driver sends.
+    QStringList uncalibratedRemarks = {};
 };
 
 /// The paper, or where it is not known one as large as the image.
@@ -79,6 +82,9 @@ QString LossText(const PrintImage& image, const PrinterPaper& paper);
 /// The paper's name and size as the sheet lies on it: "10 × 15 cm, 152,4 × 101,6 mm"; empty where
 /// it is not known.
 QString PaperText(const PrintImage& image, const PrinterPaper& paper);
+
+/// What is to be said of the printer before this sheet is printed.
+QStringList RemarksOf(const PrintImage& image, const PrinterPaper& paper);
 
 /// What the user reads before a sheet is printed of which something is lost or enlarged; empty
 /// where all is well.

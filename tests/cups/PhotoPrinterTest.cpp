@@ -49,9 +49,14 @@ std::vector<QPointF> Stretches(const QJsonValue& values) {
     return stretches;
 }
 
-void ExpectStretches(const QJsonValue& printed, const std::vector<QPointF>& expected) {
+/// `corner` is where the raster begins in the coordinates of `expected`, if that is known.
+void ExpectStretches(const QJsonValue& printed, const std::vector<QPointF>& expected,
+                     std::optional<double> corner) {
     const std::vector<QPointF> stretches = Stretches(printed);
     ASSERT_EQ(stretches.size(), expected.size());
+    if (corner) {
+        EXPECT_NEAR(stretches[0].x() + *corner, expected[0].x(), 2 * Tolerance);
+    }
     for (size_t i = 0; i < expected.size(); ++i) {
         EXPECT_NEAR(stretches[i].y(), expected[i].y(), Tolerance);
         EXPECT_NEAR(stretches[i].x() - stretches[0].x(), expected[i].x() - expected[0].x(),
@@ -67,7 +72,7 @@ struct PhotoPrinter {
     int columns;
     int rows;
     bool fits = true;
-    const char* tray = nullptr;
+    std::pair<const char*, const char*> option = {};
 };
 
 const char* const Gutenprint = "gutenprint.5.3";
@@ -86,8 +91,8 @@ class PhotoPrinters : public ::testing::Test {
         PrinterChoice choice = layer.CurrentPrinter();
         DeviceMode mode(choice.deviceMode);
         mode.Set("PageSize", row.paper);
-        if (row.tray != nullptr) {
-            mode.Set("InputSlot", row.tray);
+        if (row.option.first != nullptr) {
+            mode.Set(row.option.first, row.option.second);
         }
         choice.deviceMode = mode.ToBlock();
         layer.SetCurrentPrinter(choice);
@@ -136,6 +141,7 @@ TEST_P(PhotoPrinterTest, EveryCopyHasItsSizeAndThePreviewsPlace) {
     const PrinterPaper paper = layer.Paper();
     EXPECT_EQ(LossText(image, paper).isEmpty(), row.fits);
     EXPECT_EQ(paper.remarks, QStringList());
+    EXPECT_EQ(paper.uncalibratedRemarks.isEmpty(), qstrcmp(row.name, "PixmaBorderless") != 0);
     const SheetOnPaper shown = LaidOnPaper(image, paper);
     const QJsonObject printed = Printed(layer, image);
     // A sheet that lies turned, and a printer that is fed the broad side first.
@@ -144,8 +150,14 @@ TEST_P(PhotoPrinterTest, EveryCopyHasItsSizeAndThePreviewsPlace) {
     const bool broad =
         (raster[0].toDouble() > raster[1].toDouble()) != (page.width() > page.height());
     const bool turned = IsTurned(image, paper);
-    ExpectStretches(printed[u"x"_s], Shown(shown, image, turned == broad, turned));
-    ExpectStretches(printed[u"y"_s], Shown(shown, image, turned != broad, turned));
+    std::optional<double> left;
+    std::optional<double> top;
+    if (printed.contains(u"origin"_s)) {
+        left = printed[u"origin"_s][0].toDouble() - page.width() / 2;
+        top = printed[u"origin"_s][1].toDouble() - page.height() / 2;
+    }
+    ExpectStretches(printed[u"x"_s], Shown(shown, image, turned == broad, turned), left);
+    ExpectStretches(printed[u"y"_s], Shown(shown, image, turned != broad, turned), top);
 }
 
 TEST_F(PhotoPrinters, ACalibratedSheetComesOutRightOnAPrinterThatIsOff) {
@@ -180,9 +192,23 @@ const PhotoPrinter Printers[] = {
      false},
     {"PixmaThatLoses", Gutenprint, "gutenprint.5.3://bjc-PIXMA-iP4500/expert", "w288h432", 5, 2,
      false},
+    {"PixmaBorderless",
+     Gutenprint,
+     "gutenprint.5.3://bjc-PIXMA-iP4500/expert",
+     "w288h432",
+     4,
+     2,
+     true,
+     {"StpFullBleed", "True"}},
     {"Roll", Gutenprint, "gutenprint.5.3://escp2-r300/expert", "Custom.120.5x180.0mm", 2, 2},
-    {"RollOfAPrinterThatStretchesIt", Gutenprint, "gutenprint.5.3://escp2-4800/expert", "w288h432",
-     2, 2, true, "RollCutPage"},
+    {"RollOfAPrinterThatStretchesIt",
+     Gutenprint,
+     "gutenprint.5.3://escp2-4800/expert",
+     "w288h432",
+     2,
+     2,
+     true,
+     {"InputSlot", "RollCutPage"}},
     {"EcoTank", "escpr", Epson, "4X6FULL", 2, 2},
     {"EcoTankThatLoses", "escpr", Epson, "4X6FULL", 5, 2, false},
     {"EcoTankBorderless", "escpr", Epson, "T4X6FULL", 4, 2},

@@ -86,6 +86,14 @@ TEST(SheetOnPaper, ShowsPhotosWithoutTheirWhiteAndWhatIsLost) {
         << "told beyond the reach";
 }
 
+TEST(PaperWarning, ACalibrationSettlesWhatNobodyKnewOfThePrinter) {
+    PrintImage image{QImage(9, 9, QImage::Format_RGB32), 1, 1, 254, {}};
+    const PrinterPaper paper{.geometry = {}, .remarks = {u"a"_s}, .uncalibratedRemarks = {u"b"_s}};
+    EXPECT_EQ(PaperWarning(image, paper), u"a\n\nb"_s);
+    image.calibration.offset = {2.8, 0};
+    EXPECT_EQ(PaperWarning(image, paper), u"a"_s);
+}
+
 TEST(CalibrationTest, ReadingsThatMakeNoSenseAreRefused) {
     const double none = std::nan("");
     for (const RulerReadings& readings :

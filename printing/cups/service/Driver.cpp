@@ -227,60 +227,14 @@ std::optional<Paper> Driver::PaperOf(const DeviceMode& mode) const {
     return option == nullptr ? std::nullopt : PaperNamed(option->standard);
 }
 
-PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
-    PrinterPaper setting;
-    setting.orientation = mode.SheetOrientation();
-    setting.copies = mode.CopyCount();
-    if (const std::optional<Paper> paper = PaperOf(mode)) {
-        setting.geometry = GeometryOf(*paper, mode);
-    }
-    setting.remarks = MissingChoices(mode);
-    if (description_ && !setting.geometry.IsKnown()) {
-        setting.remarks.append(
-            u"Der Treiber nennt die Größe des Papiers nicht; ob alle Fotos darauf passen, lässt sich nicht prüfen."_s);
-    }
-    for (const NeutralOption& neutral : DriverOptions) {
-        const DriverOption* option = Find({neutral.keyword});
-        if (option != nullptr && !option->Offers(neutral.neutral)) {
-            setting.remarks.append(
-                u"Die Einstellung „%1“ des Treibers lässt sich nicht abstellen; die Fotos können eine andere Größe bekommen."_s
-                    .arg(option->label));
-        }
-    }
-    return setting;
-}
-
-QStringList Driver::MissingChoices(const DeviceMode& mode) const {
-    QStringList remarks;
-    const auto check = [&](const char* keyword, const QString& what) {
-        const QByteArray wanted = mode.Value(keyword);
-        const DriverOption* option = Find({keyword});
-        if (wanted.isEmpty() || Knows(keyword, wanted)) {
-            return;
-        }
-        const QString gone = u"„%2“ (%1) gibt es bei diesem Drucker nicht mehr"_s.arg(
-            what, platform::HarmlessLine(QString::fromUtf8(wanted)));
-        remarks.append(option == nullptr
-                           ? gone + u'.'
-                           : gone + u"; er nimmt „%1“."_s.arg(option->Label(option->standard)));
-    };
-    check("PageSize", u"Papier"_s);
-    for (const char* tray : TrayKeywords) {
-        check(tray, u"Papierfach"_s);
-    }
-    for (const char* kind : MediaTypeKeywords) {
-        check(kind, u"Papierart"_s);
-    }
-    return remarks;
-}
-
 PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) const {
     PaperGeometry geometry =
         PaperGeometry::Plain(paper.Millimetres(), paper.marginPoints * MillimetresPerPoint);
     geometry.name = paper.label;
     if (Find({"StpiShrinkOutput"}) != nullptr) {
         geometry.paper = NamedPaper(paper).value_or(geometry.paper);
-        const QMarginsF border = BorderOf(paper, GutenprintSettingOf(mode));
+        const GutenprintSetting gutenprint = GutenprintSettingOf(mode);
+        const QMarginsF border = BorderOf(paper, gutenprint);
         const auto millimetres = [](const QRectF& points) {
             // Margins that cross leave nothing.
             return points.isValid() ? QRectF(points.topLeft() * MillimetresPerPoint,
@@ -288,7 +242,7 @@ PaperGeometry Driver::GeometryOf(const Paper& paper, const DeviceMode& mode) con
                                     : QRectF();
         };
         geometry.reach = millimetres(QRectF({}, paper.points).marginsRemoved(border));
-        geometry.spread = millimetres(SpreadOf(paper, border));
+        geometry.spread = millimetres(SpreadOf(paper, gutenprint));
     }
     for (const SpreadingDriver& spreading : SpreadingDrivers) {
         if (paper.IsBorderless() && UsesFilter(spreading.filter)) {
@@ -321,8 +275,13 @@ GutenprintSetting Driver::GutenprintSettingOf(const DeviceMode& mode) const {
         return option == nullptr ? QByteArray() : ChosenOf(*option, mode);
     };
     const QByteArray sides = chosen(Find({"Duplex"}));
+    const QByteArray borderless = chosen(BorderlessSwitch());
+    using Borderless = GutenprintSetting::Borderless;
     return {model == nullptr ? QByteArray() : QByteArray(model->value), chosen(Find({"InputSlot"})),
-            chosen(BorderlessSwitch()) == "False", !sides.isEmpty() && sides != "None"};
+            borderless == "True"    ? Borderless::On
+            : borderless == "False" ? Borderless::Off
+                                    : Borderless::Unknown,
+            !sides.isEmpty() && sides != "None"};
 }
 
 bool Driver::UsesFilter(const char* program) const {

@@ -121,6 +121,7 @@ class Driver {
     void ReadPapers();
     /// Sentences about paper, tray and kind of paper that were chosen once and are no more.
     QStringList MissingChoices(const DeviceMode& mode) const;
+    bool PaperIsMoved(const DeviceMode& mode) const;
     PaperGeometry GeometryOf(const Paper& paper, const DeviceMode& mode) const;
     GutenprintSetting GutenprintSettingOf(const DeviceMode& mode) const;
     bool UsesFilter(const char* program) const;

@@ -55,6 +55,12 @@ constexpr int LastEpsonModel = 136;
 
 /// The same for all models.
 constexpr QMarginsF Canon(10, 9, 10, 15);
+/// By how much the area that is announced to a printer without a border begins left of the paper
+/// and above it, the same for all 161 models that print so (main/print-canon.c, and the stream:
+/// 66 and 50 dots of 600 in an inch). The page is sent as it is, from the area's corner on, so that
+/// as much stays white on the other sides.
+constexpr double CanonLeft = 8;
+constexpr double CanonAbove = 6;
 
 /// Margins of single papers of dye-sublimation printers without a switch, where the description
 /// names none; of all that the library has (the same source).
@@ -138,7 +144,11 @@ std::optional<QRectF> NamedPaper(const Paper& paper) {
 QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting) {
     const QMarginsF& named = paper.marginPoints;
     const bool isEpson = setting.model.endsWith("_escp2");
-    QMarginsF border = setting.isBordered ? Larger(named, SheetMargins(setting.model)) : named;
+    const bool isBordered = setting.borderless == GutenprintSetting::Borderless::Off;
+    QMarginsF border = isBordered ? Larger(named, SheetMargins(setting.model)) : named;
+    if (IsMovedOffCorner(paper, setting)) {
+        border = {0, 0, CanonLeft, CanonAbove};
+    }
     if (setting.model.endsWith("_dyesub")) {
         border = Larger(border, DyeMargins(setting.model, paper.name));
     }
@@ -147,13 +157,23 @@ QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting) {
                                        NumberOf(setting.model)) != EpsonRollsWithBorder.end();
         border.setTop(isShort ? EpsonRollBorder : 0);
         border.setBottom(border.top());
-    } else if (isEpson && setting.isBordered && setting.isOnBothSides) {
+    } else if (isEpson && isBordered && setting.isOnBothSides) {
         border = Larger(border, EpsonBothSides);
     }
     return border;
 }
 
-QRectF SpreadOf(const Paper& paper, const QMarginsF& border) {
+bool IsMovedOffCorner(const Paper& paper, const GutenprintSetting& setting) {
+    // A paper that has margins of its own is printed as if the switch were off.
+    return setting.model.endsWith("_canon") && paper.IsBorderless() &&
+           setting.borderless == GutenprintSetting::Borderless::On && setting.tray != "CD";
+}
+
+QRectF SpreadOf(const Paper& paper, const GutenprintSetting& setting) {
+    if (IsMovedOffCorner(paper, setting)) {
+        return {{-CanonLeft, -CanonAbove}, paper.points};
+    }
+    const QMarginsF border = BorderOf(paper, setting);
     const QMarginsF& named = paper.marginPoints;
     const double let = paper.points.height() - named.top() - named.bottom();
     const double printed = paper.points.height() - border.top() - border.bottom();

@@ -18,8 +18,14 @@ struct GutenprintSetting {
     /// The description's "StpDriverModelFamily": "63_escp2".
     QByteArray model;
     QByteArray tray;
-    /// Whether the driver could print without a border and is not told to.
-    bool isBordered = false;
+    /// What the driver is told of printing without a border.
+    enum class Borderless {
+        /// It has no switch for it.
+        Unknown,
+        Off,
+        On,
+    };
+    Borderless borderless = Borderless::Unknown;
     bool isOnBothSides = false;
 };
 
@@ -27,9 +33,14 @@ struct GutenprintSetting {
 /// sheets while borderless printing is on. The widest border of all where the model is unknown.
 QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting);
 
-/// Where the driver spreads the page to, in points of the page. It puts the first row that the
+/// Where the driver spreads the page to, in points of the paper. It puts the first row that the
 /// description lets it print where it prints first, and where it prints over more of the paper than
-/// the description says, it enlarges what was cut to that.
-QRectF SpreadOf(const Paper& paper, const QMarginsF& border);
+/// the description says, it enlarges what was cut to that. Canon's printers without a border get
+/// the page's corner where the area that they are told begins, left of the paper and above it.
+QRectF SpreadOf(const Paper& paper, const GutenprintSetting& setting);
+
+/// Whether the driver moves the page off the paper's corner, by what it tells the printer, as long
+/// as nobody has measured that on paper.
+bool IsMovedOffCorner(const Paper& paper, const GutenprintSetting& setting);
 
 }  // namespace kadrona::printing::cups
