@@ -12,7 +12,6 @@
 #include "dialogs/printing/BeforePrint.h"
 #include "dialogs/printing/PrinterProfileDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
-#include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
 using namespace Qt::StringLiterals;
@@ -123,9 +122,8 @@ bool PrintFlow::ChoosePrinter(printing::PrintImage& image) {
             return false;
         case controls::ModalResult::Yes: {
             const controls::WaitCursor wait;
-            const QString profile = beforePrintDialog_->SelectedProfile();
-            data_.LoadPrintProfile(profile);
-            image.calibration = printing::StoredCalibration(data_.DataFolder(), profile);
+            data_.LoadPrintProfile(beforePrintDialog_->SelectedProfile());
+            image.calibration = beforePrintDialog_->ProfileCalibration();
             image.copies = beforePrintDialog_->Copies();
             return true;
         }

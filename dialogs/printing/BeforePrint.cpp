@@ -223,10 +223,15 @@ void TBeforPrintDlgFm::SelectProfile(const QString& name) {
 /// The sheet as it is printed with the selected profile.
 printing::PrintImage TBeforPrintDlgFm::SheetOfProfile() const {
     printing::PrintImage sheet = sheet_;
-    if (lbProfiles_->SelectedRow() >= 0) {
-        sheet.calibration = printing::StoredCalibration(data_.DataFolder(), SelectedProfile());
-    }
+    sheet.calibration = ProfileCalibration();
     return sheet;
+}
+
+printing::Calibration TBeforPrintDlgFm::ProfileCalibration() const {
+    const QString profile = SelectedProfile();
+    return data_.PrintProfiles().Stored(profile)
+               ? printing::StoredCalibration(data_.DataFolder(), profile)
+               : printing::Calibration();
 }
 
 bool TBeforPrintDlgFm::HasSheet() const {
@@ -281,7 +286,7 @@ void TBeforPrintDlgFm::ShowSheet(const printing::PrinterPaper& paper) {
                      printing::CalibrationText(sheet.calibration));
     }
     paperLabel_->setText(lines.join(u'\n'));
-    QStringList warnings = paper.remarks;
+    QStringList warnings = printing::RemarksOf(sheet, paper);
     if (const QString lost = printing::LossText(sheet, paper); !lost.isEmpty()) {
         warnings.prepend(u"Abgeschnitten (rot): "_s + lost);
     }

@@ -52,6 +52,9 @@ class TBeforPrintDlgFm : public QDialog {
     controls::ModalResult ShowEx();
 
     QString SelectedProfile() const;
+    /// The selected profile's calibration; none where the profile's file is missing, for another
+    /// printer prints then. Throws platform::Error.
+    printing::Calibration ProfileCalibration() const;
     /// The number of copies that the user asked for; nothing where the profile's holds.
     std::optional<int> Copies() const { return copies_; }
 

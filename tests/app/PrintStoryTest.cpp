@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QSpinBox>
 
+#include "printing/Calibration.h"
 #include "tests/app/StoryFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -66,8 +67,11 @@ class PrintStory : public Story {
 TEST_F(PrintStory, AProfileSetsThePrinterAndStaysTheCurrentOne) {
     EXPECT_FALSE(IsEnabled(u"acPrintImage"_s));
     MakeSheet();
+    const printing::Calibration calibration{1.02, 1, {}};
+    printing::StoreCalibration(window->Data().DataFolder(), photoPrinter.device, calibration);
     Print();
     ASSERT_EQ(printer.jobs.size(), 1);
+    EXPECT_EQ(printer.jobs.first().image.calibration, calibration);
     EXPECT_EQ(printer.jobs.first().printer, photoPrinter);
     EXPECT_EQ(printer.current, photoPrinter);
     EXPECT_TRUE(JobText().contains(photoPrinter.device));
@@ -85,6 +89,7 @@ TEST_F(PrintStory, AProfileSetsThePrinterAndStaysTheCurrentOne) {
     printer.jobs.clear();
     printer.current.device = u"Laser"_s;
     Print();
+    EXPECT_EQ(printer.jobs.last().image.calibration, printing::Calibration()) << "of another";
     EXPECT_EQ(NewJobs(), u"Laser"_s) << "a profile without its file is passed over";
 }
 
