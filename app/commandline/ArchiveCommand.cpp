@@ -176,6 +176,8 @@ int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& o
             u"--folder."_s);
     }
     known.folder = QFileInfo(known.folder).absoluteFilePath();
+    // A server far away may take its time: who calls can end the program.
+    data.Archiving().WhileWaiting([] {});
     switch (known.task) {
         case Task::BackUp:
             return BackUp(known, data, output, errors);

@@ -104,6 +104,14 @@ void PhotoArchive::Open(std::unique_ptr<store::Database> database) {
     RequireKnownVersion(*database);
     table_.reset();
     database_ = std::move(database);
+    database_->WhileWaiting(whileWaiting_);
+}
+
+void PhotoArchive::WhileWaiting(const std::function<void()>& tick) {
+    whileWaiting_ = tick;
+    if (database_ != nullptr) {
+        database_->WhileWaiting(tick);
+    }
 }
 
 void PhotoArchive::Connect(const QString& folder) {

@@ -46,6 +46,8 @@ class PhotoArchive {
     /// Tries a server that is gone, however short ago it was tried. True where it is there.
     bool IsBack(std::chrono::milliseconds connecting);
     bool IsAway() const;
+    /// See store::Database; for this database and those that are opened later.
+    void WhileWaiting(const std::function<void()>& tick);
     /// True once after each time that the server went away: what nobody has been told yet.
     bool IsNewsThatItIsAway() { return IsAway() && std::exchange(untold_, false); }
     /// Why it is, or was last; empty where it never was.
@@ -105,6 +107,7 @@ class PhotoArchive {
     QDeadlineTimer nextTry_;
     bool untold_ = true;
     FilingQueue queue_;
+    std::function<void()> whileWaiting_;
     std::unique_ptr<store::Database> database_;
     std::unique_ptr<ArchiveTable> table_;
     qint64 currentRecord_ = 0;

@@ -8,7 +8,6 @@
 
 #include "controls/messages/FolderDialog.h"
 #include "controls/messages/MessageBoxes.h"
-#include "controls/messages/ProgressBox.h"
 #include "core/Data.h"
 #include "core/archive/ArchiveBackup.h"
 #include "core/archive/ArchiveDeletion.h"
@@ -17,6 +16,7 @@
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/FilingQueue.h"
 #include "dialogs/archive/ArchiveCards.h"
+#include "dialogs/archive/ArchiveProgress.h"
 #include "platform/Error.h"
 #include "platform/UserRegistry.h"
 
@@ -170,7 +170,7 @@ bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& tit
     qint64 done = 0;
     bool finished = true;
     try {
-        controls::ProgressBox box(Over(), title);
+        ArchiveProgress box(data_, window_, Over(), title);
         const auto report = [&, show = box.Reporter()](const QString& what, qint64 sofar,
                                                        qint64 all) {
             done = sofar;
@@ -211,7 +211,7 @@ void ArchiveUpkeep::BackUp() {
     }
     core::Backup backup;
     try {
-        controls::ProgressBox box(Over(), u"Archiv sichern"_s);
+        ArchiveProgress box(data_, window_, Over(), u"Archiv sichern"_s);
         backup = core::BackUpArchive(data_.ArchiveDatabase(), folder_, target, box.Reporter());
     } catch (const platform::Cancelled&) {
         controls::ShowInformation(
@@ -243,7 +243,7 @@ void ArchiveUpkeep::Export(const ChosenPhotos& chosen, const QString& title) {
     }
     core::Export result;
     try {
-        controls::ProgressBox box(Over(), u"Bilder exportieren"_s);
+        ArchiveProgress box(data_, window_, Over(), u"Bilder exportieren"_s);
         result = core::ExportRecords(
             data_.ArchiveDatabase(), folder_,
             {.ids = chosen.ids, .waiting = chosen.waiting, .queue = data_.Archiving().Queue()},
@@ -260,7 +260,7 @@ void ArchiveUpkeep::Export(const ChosenPhotos& chosen, const QString& title) {
 
 std::optional<core::ArchiveReport> ArchiveUpkeep::Check() {
     try {
-        controls::ProgressBox box(Over(), u"Archiv prüfen"_s);
+        ArchiveProgress box(data_, window_, Over(), u"Archiv prüfen"_s);
         return core::CheckArchive(data_.ArchiveDatabase(), folder_, box.Reporter());
     } catch (const platform::Cancelled&) {
         return std::nullopt;
@@ -298,7 +298,7 @@ bool ArchiveUpkeep::RemedyNow(core::ArchiveFault fault, const core::ArchiveRepor
         case core::ArchiveFault::Lost:
             return Rebuild(report.Paths(fault));
         case core::ArchiveFault::Changed: {
-            controls::ProgressBox box(Over(), u"Prüfsummen übernehmen"_s);
+            ArchiveProgress box(data_, window_, Over(), u"Prüfsummen übernehmen"_s);
             core::AdoptChanged(data_.ArchiveDatabase(), folder_, report, box.Reporter());
             return true;
         }
@@ -319,7 +319,7 @@ bool ArchiveUpkeep::RemedyNow(core::ArchiveFault fault, const core::ArchiveRepor
 bool ArchiveUpkeep::Rebuild(const QStringList& paths) {
     core::Rebuilding rebuilding;
     {
-        controls::ProgressBox box(Over(), u"Datensätze wiederherstellen"_s);
+        ArchiveProgress box(data_, window_, Over(), u"Datensätze wiederherstellen"_s);
         rebuilding = core::RebuildRecords(data_.ArchiveDatabase(), paths, data_.NameSources().now(),
                                           box.Reporter());
     }
@@ -352,7 +352,7 @@ bool ArchiveUpkeep::RemoveFiles(const QStringList& paths) {
 /// it.
 void ArchiveUpkeep::Compact(const QString& title) {
     try {
-        controls::ProgressBox box(Over(), title);
+        ArchiveProgress box(data_, window_, Over(), title);
         core::CompactArchive(data_.ArchiveDatabase(), box.Reporter());
     } catch (const platform::Cancelled&) {
         return;

@@ -21,9 +21,10 @@
 #include "core/archive/ArchiveRetention.h"
 #include "dialogs/archive/ArchiveCards.h"
 #include "dialogs/archive/ArchiveFilterBar.h"
+#include "dialogs/archive/ArchiveProgress.h"
 #include "dialogs/archive/ImageTags.h"
 #include "dialogs/base/WindowPlacement.h"
-#include "platform/Error.h"
+#include "platform/Progress.h"
 
 using namespace Qt::StringLiterals;
 
@@ -178,7 +179,9 @@ QSize TfmImgSearch::StartSize() const {
 controls::ModalResult TfmImgSearch::ShowEx(const QString& archiveFolder) {
     archiveFolder_ = archiveFolder;
     upkeep_.SetFolder(archiveFolder);
-    ListAll();
+    if (!ListAll()) {
+        return controls::ModalResult::Cancel;
+    }
     FinishDeletion();
     findPanel_->TakeFocus();
     if (!isMaximized()) {
@@ -199,25 +202,44 @@ void TfmImgSearch::FinishDeletion() {
     }
 }
 
+/// A server far away may need long for what is read of all records. False where the user gives it
+/// up; what is shown stays then.
+bool TfmImgSearch::WaitedFor(const std::function<void()>& reading) {
+    const ArchiveProgress progress(data_, *this, isVisible() ? this : parentWidget(),
+                                   windowTitle());
+    try {
+        reading();
+        return true;
+    } catch (const platform::Cancelled&) {
+        return false;
+    }
+}
+
 /// All records, read anew: others may have archived meanwhile.
-void TfmImgSearch::ListAll() {
-    core::ArchiveTable& table = OpenArchive(data_);
-    table.SetFilter({});
-    grid_->SetSource(cards_.get());
-    findPanel_->Clear();
-    filterBar_->Reset();
-    acDue_->setChecked(false);
-    ShowCards(table.Ids(), controls::CardGrid::Position::Start);
+bool TfmImgSearch::ListAll() {
+    return WaitedFor([this] {
+        core::ArchiveTable& table = OpenArchive(data_);
+        table.SetFilter({});
+        grid_->SetSource(cards_.get());
+        findPanel_->Clear();
+        filterBar_->Reset();
+        acDue_->setChecked(false);
+        ShowCards(table.Ids(), controls::CardGrid::Position::Start);
+    });
 }
 
 void TfmImgSearch::Search(const QString& text) {
     using Position = controls::CardGrid::Position;
-    ShowCards(OpenArchive(data_).Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+    WaitedFor([&] {
+        ShowCards(OpenArchive(data_).Find(text), text.isEmpty() ? Position::Keep : Position::Start);
+    });
 }
 
 /// What is shown may be gone, or other photos than before.
 void TfmImgSearch::ListAgain() {
-    ShowCards(OpenArchive(data_).Find(findPanel_->Text()), controls::CardGrid::Position::Keep);
+    WaitedFor([this] {
+        ShowCards(OpenArchive(data_).Find(findPanel_->Text()), controls::CardGrid::Position::Keep);
+    });
 }
 
 void TfmImgSearch::ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position) {

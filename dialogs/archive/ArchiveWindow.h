@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QDialog>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -29,7 +30,7 @@ class TfmImageTagEdit;
 
 /// "Bild Archiv": every archived photo as a card, newest first, with a search over all that the
 /// cards show. Lets the user change the tags of a photo, delete photos and choose one to print.
-/// Records that never got a photo are counted, not shown.
+/// Records that never got a photo are counted by themselves, and may be hidden.
 class TfmImgSearch : public QDialog {
     Q_OBJECT
 
@@ -60,7 +61,8 @@ class TfmImgSearch : public QDialog {
     QSize StartSize() const;
     QAction* AddAction(const QString& name, const QString& caption, const QString& icon);
     void FinishDeletion();
-    void ListAll();
+    bool WaitedFor(const std::function<void()>& reading);
+    bool ListAll();
     void Search(const QString& text);
     void ListAgain();
     void ShowCards(std::vector<qint64> ids, controls::CardGrid::Position position);

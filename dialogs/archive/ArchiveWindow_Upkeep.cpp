@@ -145,10 +145,17 @@ QDate TfmImgSearch::Today() const {
 }
 
 void TfmImgSearch::acDueExecute() {
-    const QString refusal = core::FindDuePhotos(data_.ArchiveDatabase(), Today()).refusal;
-    if (acDue_->isChecked() && !refusal.isEmpty()) {
-        acDue_->setChecked(false);
-        controls::ShowInformation(this, refusal);
+    if (acDue_->isChecked()) {
+        QString refusal;
+        const bool known = WaitedFor(
+            [&] { refusal = core::FindDuePhotos(data_.ArchiveDatabase(), Today()).refusal; });
+        acDue_->setChecked(known && refusal.isEmpty());
+        if (!known) {
+            return;
+        }
+        if (!refusal.isEmpty()) {
+            controls::ShowInformation(this, refusal);
+        }
     }
     ListAgain();
 }

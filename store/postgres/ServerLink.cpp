@@ -5,6 +5,7 @@
 #include <poll.h>
 
 #include <QDeadlineTimer>
+#include <QScopeGuard>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -37,7 +38,7 @@ bool IsNumericAddress(const QByteArray& host) {
 QByteArray SessionOptions(std::chrono::milliseconds patience) {
     return "-c datestyle=ISO -c bytea_output=hex -c standard_conforming_strings=on"
            " -c client_min_messages=error -c jit=off -c idle_in_transaction_session_timeout=60000"
-           " -c statement_timeout=60000 -c lock_timeout=" +
+           " -c statement_timeout=600000 -c lock_timeout=" +
            QByteArray::number(qint64(patience.count() / 2));
 }
 
@@ -202,6 +203,10 @@ ServerLink::Result ServerLink::Run(const QByteArray& sql,
     if (connection_ == nullptr) {
         GiveUp(Silent.toString());
     }
+    if (std::exchange(busy_, true)) {
+        throw StoreError(u"Die Datenbank „%1“ beantwortet gerade etwas anderes."_s.arg(name_));
+    }
+    const auto idle = qScopeGuard([this] { busy_ = false; });
     AnswerWatch answer(PQsocket(connection_.get()), patience_.working, tick_ || watch_);
     Send(sql, parameters, answer);
     Result result = Receive(answer);

@@ -45,7 +45,7 @@ class ServerLink {
     const QString& Name() const { return name_; }
 
     /// Runs one statement, in the server's own notation, and waits for all of its rows. Throws
-    /// StoreError.
+    /// StoreError, so while another one is waited for: whoever is called meanwhile runs none.
     Result Run(const QByteArray& sql, const std::vector<ServerParameter>& parameters = {});
 
     /// Runs one statement that may take long; meanwhile `tick` is called several times a second,
@@ -95,6 +95,7 @@ class ServerLink {
     qint64 othersNotices_ = 0;
     qint64 ownChanges_ = 0;
     bool failed_ = false;
+    bool busy_ = false;
     /// Who watches the statement that runs, instead of patience.
     std::function<void()> tick_;
     std::function<void()> watch_;

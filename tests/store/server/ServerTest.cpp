@@ -307,7 +307,7 @@ TEST_F(ServerTest, TidyingCanBeGivenUp) {
         EXPECT_THROW(database_.Compact({}, platform::NoProgress), StoreError);
         EXPECT_EQ(Number(database_,
                          u"SELECT count(*) FROM pg_settings WHERE "
-                         u"name = 'statement_timeout' AND setting = '60000'"_s),
+                         u"name = 'statement_timeout' AND setting = '600000'"_s),
                   1);
         int ticks = 0;
         EXPECT_THROW(database_.Compact({},
@@ -320,6 +320,22 @@ TEST_F(ServerTest, TidyingCanBeGivenUp) {
     }
     database_.Compact({}, platform::NoProgress);
     EXPECT_EQ(Number(database_, u"SELECT pg_relation_size('photos')"_s), 0);
+}
+
+TEST_F(ServerTest, WhatIsWaitedForIsSeen) {
+    PostgresDatabase patient(
+        address_, {.connecting = std::chrono::seconds(2), .working = std::chrono::seconds(1)});
+    int ticks = 0;
+    patient.WhileWaiting([&] {
+        ++ticks;
+        EXPECT_THROW(Count(patient), StoreError) << "one question at a time";
+    });
+    const QString slow = u"SELECT 7 FROM pg_sleep(0.5)"_s;
+    EXPECT_EQ(Number(patient, slow), 7);
+    EXPECT_GT(ticks, 1);
+    patient.WhileWaiting([] { throw platform::Cancelled(); });
+    EXPECT_THROW(Number(patient, slow), platform::Cancelled);
+    EXPECT_TRUE(patient.IsLost());
 }
 
 TEST_F(ServerTest, FindsWholeWordsWhateverTheirLength) {
