@@ -9,6 +9,7 @@
 
 #include "imaging/reading/RawDevelopment.h"
 #include "imaging/reading/RawPreview.h"
+#include "imaging/reading/RawStream.h"
 #include "imaging/reading/ReadProgress.h"
 #include "platform/ByteReader.h"
 
@@ -211,12 +212,13 @@ bool IsRawTiff(QIODevice& device) {
 
 DecodedImage ReadRaw(const ReadTask& task) {
     QByteArray file = task.ReadWhole();
+    RawStream stream(file);
     // Far larger than a stack should hold.
     const auto raw = std::make_unique<LibRaw>();
     DataFaults faults;
     raw->set_dataerror_handler(&DataFaults::Note, &faults);
     SetParameters(raw->imgdata.params);
-    Require(task, raw->open_buffer(file.data(), static_cast<size_t>(file.size())));
+    Require(task, raw->open_datastream(&stream));
     const libraw_image_sizes_t& sizes = raw->imgdata.sizes;
     const qint64 width = std::max(sizes.width, sizes.raw_width);
     const qint64 height = std::max(sizes.height, sizes.raw_height);
@@ -231,6 +233,7 @@ DecodedImage ReadRaw(const ReadTask& task) {
     // Developing it unturned clears it.
     const Orientation orientation = RawOrientation(*raw);
     RawProgress progress(task, *raw);
+    stream.StopCounting();
     Require(task, raw->unpack());
     faults.FailIfAny(task);
     raw->recycle_datastream();

@@ -104,6 +104,11 @@ TEST(ReaderRaw, SaysWhatIsWrong) {
     EXPECT_TRUE(Failure(file, {.maximumPixels = 3000}).contains(u"Megapixel"_s));
     // A camera that nobody knows: its pixels are compressed in a way of its own.
     EXPECT_NE(Failure(QByteArray("FUJIFILMCCD-RAW") + QByteArray(5000, 'x')), QString());
+    // A box whose length in eight bytes leads back to where it stands.
+    EXPECT_NE(
+        Failure(QByteArray::fromHex("0000000c667479706372782000000001001466740000000000000000") +
+                QByteArray(59, '\0')),
+        QString());
 }
 
 }  // namespace kadrona::imaging::test
