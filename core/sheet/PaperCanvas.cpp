@@ -4,6 +4,8 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <algorithm>
+#include <functional>
+#include <numeric>
 
 #include "core/sheet/PaperSize.h"
 #include "imaging/pixels/LaidOverWhite.h"
@@ -148,17 +150,40 @@ void PaperCanvas::Place(size_t picture, QPoint topLeft) {
     sheet_.placed.push_back({picture, Inside(at, sheet_.pictures.at(picture).size())});
 }
 
+void PaperCanvas::PlaceTouching(size_t picture, const std::vector<QRect>& places) {
+    const QSize size = sheet_.pictures.at(picture).size();
+    const QRect block = std::accumulate(places.begin(), places.end(), QRect(), std::bit_or());
+    const QSize copy = places.front().size();
+    const QSize free = sheet_.size - QSize(block.width() / copy.width() * size.width(),
+                                           block.height() / copy.height() * size.height());
+    for (const QRect& place : places) {
+        QPoint at(Pixels(place.left()), Pixels(place.top()));
+        const QPoint before = place.topLeft() - block.topLeft();
+        if (free.width() >= 0) {
+            at.setX(free.width() / 2 + before.x() / copy.width() * size.width());
+        }
+        if (free.height() >= 0) {
+            at.setY(free.height() / 2 + before.y() / copy.height() * size.height());
+        }
+        sheet_.placed.push_back({picture, Inside(at, size)});
+    }
+}
+
 void PaperCanvas::PlaceText(const QString& text, const TextRoom& room) {
     if (!CanWrite(text)) {
         return;
     }
     const QSize pixels(Pixels(room.place.width()), Pixels(room.place.height()));
-    sheet_.pictures.push_back(TextPicture(text, pixels, room.turned));
-    const QSize line = sheet_.pictures.back().size();
+    const auto [known, isNew] = textPictures_.try_emplace(
+        {text, pixels.width(), pixels.height(), room.turned}, sheet_.pictures.size());
+    const size_t picture = known->second;
+    if (isNew) {
+        sheet_.pictures.push_back(TextPicture(text, pixels, room.turned));
+    }
+    const QSize line = sheet_.pictures.at(picture).size();
     const QPoint corner(Pixels(room.place.left()), Pixels(room.place.top()));
     const QSize free = pixels - line;
-    texts_.push_back({sheet_.pictures.size() - 1,
-                      Inside(corner + QPoint(free.width() / 2, free.height() / 2), line)});
+    texts_.push_back({picture, Inside(corner + QPoint(free.width() / 2, free.height() / 2), line)});
 }
 
 imaging::Pixels PaperCanvas::Finished(CuttingMarks marks) const {

@@ -4,7 +4,9 @@
 #include <QRect>
 #include <QSize>
 #include <QString>
+#include <map>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 #include "core/sheet/CuttingMarks.h"
@@ -42,7 +44,7 @@ std::optional<TextOnPaper> TextBeside(const std::vector<QRect>& photos, QSize pa
 inline constexpr qint64 MostSheetPixels = 1'000'000'000;
 
 /// Makes a sheet of exactly a paper's size: what is placed in micrometres comes to stand on whole
-/// pixels, each edge rounded once.
+/// pixels, its corner and its size rounded once each.
 class PaperCanvas {
  public:
     /// Throws platform::Error for a paper of 0, a resolution below 1, and where the sheet would
@@ -54,6 +56,10 @@ class PaperCanvas {
     /// platform::Error where memory is short.
     size_t AddPhoto(const imaging::Pixels& photo, QSize size, bool turned);
     void Place(size_t picture, QPoint topLeft);
+    /// Copies that touch each other in rows and columns, whose block stands in the middle of the
+    /// paper: whole pixels side by side. Rounded each by itself, one would cover a pixel of the
+    /// next or leave a white line beside it. Where the paper has no room for that, they are.
+    void PlaceTouching(size_t picture, const std::vector<QRect>& places);
 
     /// A line of text in the middle of its room, cut off at its end where it is too long. Needs a
     /// QGuiApplication; does nothing without one.
@@ -70,6 +76,8 @@ class PaperCanvas {
     imaging::Arrangement sheet_;
     /// Placed after all photos.
     std::vector<imaging::Arrangement::Placed> texts_;
+    /// The picture of a text in a room of so many pixels, turned or not: each is kept once.
+    std::map<std::tuple<QString, int, int, bool>, size_t> textPictures_;
 };
 
 }  // namespace kadrona::core

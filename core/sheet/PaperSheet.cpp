@@ -87,8 +87,12 @@ imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
     const PaperLayout layout = RequiredLayout(choice, size, layoutIndex);
     const size_t picture =
         canvas.AddPhoto(photo, layout.turned ? size.transposed() : size, layout.turned);
-    for (const QRect& place : layout.photos) {
-        canvas.Place(picture, place.topLeft());
+    if (PixelsOf(choice.gap, resolution.value) == 0) {
+        canvas.PlaceTouching(picture, layout.photos);
+    } else {
+        for (const QRect& place : layout.photos) {
+            canvas.Place(picture, place.topLeft());
+        }
     }
     if (const auto room = RoomForText(layout.photos, *choice.paper)) {
         canvas.PlaceText(choice.text, *room);

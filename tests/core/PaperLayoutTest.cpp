@@ -152,6 +152,38 @@ TEST(PaperSheet, TurnsPhotosToTheLeftAndTakesExactlyAsManyAsFit) {
     EXPECT_THROW(RequiredLayout(choice, Passport, SinglePhotoLayout), platform::Error);
 }
 
+TEST(PaperSheet, CopiesThatTouchAreWholeAndLeaveNoLineBetweenThem) {
+    PaperChoice choice;
+    choice.paper = QSize(210'000, 297'000);
+    choice.edge = choice.gap = 0;
+    choice.fill = true;
+    const imaging::Pixels photo(QImage(33, 48, QImage::Format_RGB32));
+    for (const QSize size : {Passport, QSize(33'000, 48'000), QSize(26'000, 32'000)}) {
+        SCOPED_TRACE(::testing::PrintToString(size));
+        const auto sheet = CopiesOnPaper(photo, size, {300}, choice, SinglePhotoLayout);
+        const imaging::Arrangement& arranged = *sheet.Arranged();
+        QRect block;
+        qint64 area = 0;
+        for (const auto& placed : arranged.placed) {
+            const QRect copy = arranged.RectangleOf(placed);
+            block |= copy;
+            area += qint64{copy.width()} * copy.height();
+        }
+        EXPECT_EQ(area, qint64{block.width()} * block.height());
+        EXPECT_NEAR(block.left(), arranged.size.width() - 1 - block.right(), 1);
+        EXPECT_NEAR(block.top(), arranged.size.height() - 1 - block.bottom(), 1);
+    }
+}
+
+TEST(CollectedSheet, KeepsEachPictureAndItsTextOnce) {
+    const imaging::Pixels photo(QImage(35, 45, QImage::Format_RGB32));
+    const std::vector<CollectedItem> items{{photo, Passport, u"Pass"_s, u"a"_s, 2},
+                                           {photo, Passport, u"Pass"_s, u"b"_s, 1}};
+    const auto sheet = MakeCollectedSheet(items, LayOutCollected(items, {}), {});
+    EXPECT_EQ(sheet.Arranged()->pictures.size(), 4U);
+    EXPECT_EQ(sheet.Arranged()->placed.size(), 6U);
+}
+
 TEST(CollectedSheet, TakesAsManyAsFitAtTheFinestPicturesResolution) {
     const auto items = [](int count) {
         const auto picture = [](int width) {
