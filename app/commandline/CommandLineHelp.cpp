@@ -48,7 +48,8 @@ Optionen von „sheet“:
                           100x148, A6, A5, A4 oder BREITExHÖHE in Millimetern
   --count ANZAHL|fill     Bilder auf dem Papier, „fill“ so viele wie passen;
                           sonst die der Aufteilung
-  --gap MM, --edge MM     Abstand zwischen den Bildern und Rand; sonst 2 und 3
+  --gap MM, --edge MM     Abstand zwischen den Bildern, bis 20, und Rand; sonst 2
+                          und 3
   --marks MARKEN          Schneidemarken: none, corners, lines oder outline
   --dpi DPI               Auflösung des Blatts; sonst die des Fotos
 

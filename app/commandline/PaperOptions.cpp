@@ -1,6 +1,7 @@
 #include "app/commandline/PaperOptions.h"
 
 #include "app/commandline/SheetRequest.h"
+#include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
 
 using namespace Qt::StringLiterals;
@@ -59,6 +60,10 @@ std::optional<core::PaperChoice> ParsePaper(const QCommandLineParser& parser) {
             core::PaperKeys(), parser.value(u"paper"_s)));
     }
     choice.gap = ParseMillimetres(parser, u"gap"_s, choice.gap);
+    if (choice.gap > core::WidestGap) {
+        throw UsageError(u"--gap erwartet höchstens %1 Millimeter, nicht „%2“."_s.arg(
+            core::MillimetresText(core::WidestGap), parser.value(u"gap"_s)));
+    }
     choice.edge = ParseMillimetres(parser, u"edge"_s, choice.edge);
     const QString count = parser.value(u"count"_s);
     choice.fill = count == u"fill"_s;

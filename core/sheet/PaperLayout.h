@@ -35,6 +35,9 @@ struct PaperLayout {
 /// lengths below 0 or sizes of 0, a count below 1, and where more than MostCopies would fit.
 PaperLayout LayOutOnPaper(const PaperRequest& request);
 
+/// The widest gap that a user can choose, micrometres.
+inline constexpr int WidestGap = 20'000;
+
 /// More than any paper that is sold takes.
 inline constexpr int MostCopies = 2000;
 

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QScopeGuard>
 
+#include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
 
 using namespace Qt::StringLiterals;
@@ -37,12 +38,13 @@ PaperFields::PaperFields(QWidget* parent) : QWidget(parent), form_(new QFormLayo
     width_ = Millimetres("SheetPaperWidth", u"Breite"_s, 10, 2000);
     height_ = Millimetres("SheetPaperHeight", u"Höhe"_s, 10, 2000);
     fill_ = Switch("SheetFill", u"Blatt füllen"_s);
-    gap_ = Millimetres("SheetGap", u"Abstand"_s, 0, 20);
+    constexpr int MostMillimetres = core::WidestGap / core::MicrometresPerMillimetre;
+    gap_ = Millimetres("SheetGap", u"Abstand"_s, 0, MostMillimetres);
     edge_ = Millimetres("SheetEdge", u"Rand"_s, 0, 50);
     marks_ = Choice("SheetMarks", u"Schneidemarken"_s, MarkNames);
     text_ = Switch("SheetText", u"Name, Datum und Dokument am Rand"_s);
     gridGapInMillimetres_ = Switch("GridGapInMillimetres", u"Bildabstand in Millimetern"_s);
-    gridGap_ = Millimetres("GridGap", u"Bildabstand"_s, 0, 20);
+    gridGap_ = Millimetres("GridGap", u"Bildabstand"_s, 0, MostMillimetres);
     ShowWhatCounts();
 }
 

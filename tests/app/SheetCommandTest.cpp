@@ -45,9 +45,10 @@ TEST(SheetRequest, RefusesWhatMakesNoSense) {
     EXPECT_THROW(ParseSheetRequest({}), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.mid(1)), UsageError);
     EXPECT_THROW(ParseSheetRequest(valid.first(3)), UsageError);
-    for (const char* wrong : {"--at 1,2", "--at 1,2,0", "--at 1,2,x", "--layout 4x2", "--paper A7",
-                              "--paper 0x150", "--paper A4 --count 0", "--paper A4 --gap -1",
-                              "--paper A4 --marks x", "--gap 2", "--unknown", "--profile"}) {
+    for (const char* wrong :
+         {"--at 1,2", "--at 1,2,0", "--at 1,2,x", "--layout 4x2", "--paper A7", "--paper 0x150",
+          "--paper A4 --count 0", "--paper A4 --gap -1", "--paper A4 --gap 20.1",
+          "--paper A4 --marks x", "--gap 2", "--unknown", "--profile"}) {
         EXPECT_THROW(ParseSheetRequest(valid + Arguments(wrong)), UsageError) << wrong;
     }
 }
