@@ -77,7 +77,7 @@ QStringList ExpandFolders(const QStringList& photos, const QString& filter) {
 void LoadTemplate(core::TData& data, const QString& name) {
     const auto index = static_cast<int>(data.GetSchablonenList().indexOf(name));
     if (index < 0) {
-        throw UsageError(u"Die Schablone „%1“ gibt es nicht. Es gibt:\n  %2"_s.arg(
+        throw UsageError(u"Die Schablone „%1“ gibt es nicht.\nEs gibt:\n  %2"_s.arg(
             name, data.GetSchablonenList().join(u"\n  "_s)));
     }
     if (!data.MaskLoadFromFile(data.GetMaskFileName(index))) {
