@@ -207,7 +207,7 @@ void TfmRGBKurve::FillPresets() {
     }
     cbPreset2_->clear();
     QStringList files =
-        folder.entryList({u'*' + Extension}, QDir::Files | QDir::Hidden | QDir::System);
+        folder.entryList({u'*' + Extension}, QDir::AllEntries | QDir::Hidden | QDir::System);
     QCollator order{QLocale(QLocale::German)};
     order.setCaseSensitivity(Qt::CaseInsensitive);
     std::ranges::stable_sort(files, [&](const QString& a, const QString& b) {

@@ -119,7 +119,7 @@ TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenChosen) {
     imaging::WriteCurveFile(folder.filePath(u"no preset"_s), CurveSet());
     QDir(folder.path()).mkdir(u"folder.acv"_s);
     Make();
-    EXPECT_EQ(Names(), u"Ärger|b|Weich|Zwei"_s);
+    EXPECT_EQ(Names(), u"Ärger|b|folder|Weich|Zwei"_s);
     EXPECT_EQ(List().currentRow(), 0);
     Show(
         [&] {
@@ -138,7 +138,7 @@ TEST_F(RgbCurves, PresetsAreListedOnceSortedAndLoadedWhenChosen) {
             driver.Press(u"MessageBox"_s, u"OkButton"_s);
             ClickPreset(1);
 
-            ClickPreset(2);
+            ClickPreset(3);
             Editor().ResetAll();
             Click("btnUpdate");
             EXPECT_EQ(imaging::ReadCurveFile(capitals), CurveSet());
