@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <opencv2/core/hal/intrin.hpp>
 #include <opencv2/core/utility.hpp>
 #include <span>
 #include <vector>
@@ -30,26 +31,56 @@ struct ExactArithmetic {
                            const Weight* weights, quint32* target);
 };
 
+/// Sixteen bytes of a row, times a weight.
+struct Sixteen {
+    std::array<cv::v_float32x4, 4> sums{cv::v_setzero_f32(), cv::v_setzero_f32(),
+                                        cv::v_setzero_f32(), cv::v_setzero_f32()};
+
+    void Add(const uchar* bytes, float weight) {
+        cv::v_uint16x8 low;
+        cv::v_uint16x8 high;
+        cv::v_expand(cv::v_load(bytes), low, high);
+        std::array<cv::v_uint32x4, 4> wide;
+        cv::v_expand(low, wide[0], wide[1]);
+        cv::v_expand(high, wide[2], wide[3]);
+        const cv::v_float32x4 factor = cv::v_setall_f32(weight);
+        for (size_t i = 0; i < sums.size(); ++i) {
+            sums[i] += cv::v_cvt_f32(cv::v_reinterpret_as_s32(wide[i])) * factor;
+        }
+    }
+};
+
+/// All rows of a few columns after the other, so that the sums stay in the processor's registers.
 void ExactArithmetic::MixRows(const SourceRows& rows, const Weight* weights,
                               std::span<Mixed> mixed) {
-    std::ranges::fill(mixed, 0.0F);
-    for (const uchar* row : rows) {
-        const Weight weight = *weights++;
-        for (size_t i = 0; i < mixed.size(); ++i) {
-            mixed[i] += weight * static_cast<float>(row[i]);
+    constexpr size_t AtOnce = 16;
+    size_t i = 0;
+    for (; i + AtOnce <= mixed.size(); i += AtOnce) {
+        Sixteen channels;
+        for (size_t row = 0; row < rows.size(); ++row) {
+            channels.Add(rows[row] + i, weights[row]);
+        }
+        for (size_t part = 0; part < channels.sums.size(); ++part) {
+            cv::v_store(mixed.data() + i + part * Channels, channels.sums[part]);
+        }
+    }
+    for (; i < mixed.size(); ++i) {
+        mixed[i] = 0;
+        for (size_t row = 0; row < rows.size(); ++row) {
+            mixed[i] += weights[row] * static_cast<float>(rows[row][i]);
         }
     }
 }
 
 /// A negative weight may lead outside of what a channel holds; premultiplied, no colour may exceed
-/// its alpha, which stands last.
-void StorePixel(const std::array<float, Channels>& sums, uchar* pixel) {
-    float limit = 255;
-    for (int channel = Channels - 1; channel >= 0; --channel) {
-        const float value = std::clamp(sums[static_cast<size_t>(channel)], 0.0F, limit);
-        pixel[channel] = static_cast<uchar>(std::lround(value));
-        limit = channel == Channels - 1 ? value : limit;
-    }
+/// its alpha, which stands last. Rounded, halves up.
+quint32 StoredPixel(const cv::v_float32x4& sums) {
+    const cv::v_float32x4 limit =
+        cv::v_min(cv::v_broadcast_element<Channels - 1>(sums), cv::v_setall_f32(255));
+    const cv::v_float32x4 within = cv::v_max(cv::v_min(sums, limit), cv::v_setzero_f32());
+    const cv::v_int32x4 rounded = cv::v_trunc(within + cv::v_setall_f32(0.5F));
+    const cv::v_int16x8 words = cv::v_pack(rounded, rounded);
+    return cv::v_reinterpret_as_u32(cv::v_pack_u(words, words)).get0();
 }
 
 /// The columns of a grid repeat those of its tile.
@@ -57,17 +88,14 @@ void ExactArithmetic::MixColumns(std::span<const Mixed> mixed, const AxisTaps& c
                                  const Weight* weights, quint32* target) {
     const int width = static_cast<int>(mixed.size()) / Channels;
     for (const int first : columns.first) {
-        std::array<float, Channels> sums{};
+        cv::v_float32x4 sums = cv::v_setzero_f32();
         int column = first % width;
         for (int tap = 0; tap < columns.taps; ++tap) {
-            const Weight weight = *weights++;
             const float* pixel = mixed.data() + ptrdiff_t{column} * Channels;
-            for (size_t channel = 0; channel < Channels; ++channel) {
-                sums[channel] += weight * pixel[channel];
-            }
+            sums += cv::v_load(pixel) * cv::v_setall_f32(*weights++);
             column = column + 1 == width ? 0 : column + 1;
         }
-        StorePixel(sums, reinterpret_cast<uchar*>(target++));
+        *target++ = StoredPixel(sums);
     }
 }
 
