@@ -23,11 +23,7 @@ core::ArchiveRecord ExistingRecord(const core::ArchiveTable& table, qint64 id) {
 }
 
 QString ShownTags(const QString& tags) {
-    QStringList lines = tags.split(u'\n', Qt::SkipEmptyParts);
-    for (QString& line : lines) {
-        line = line.simplified();
-    }
-    return lines.join(u", "_s);
+    return core::TagLines(tags).join(u", "_s);
 }
 
 bool ArchiveCards::SetKeptUntil(QHash<qint64, QDate> days) {

@@ -13,6 +13,12 @@ QPushButton* NamedButton(const QString& name, const QString& caption) {
     return button;
 }
 
+QPushButton* ClickedButton(const QString& name, const QString& caption) {
+    QPushButton* button = NamedButton(name, caption);
+    button->setAutoDefault(false);
+    return button;
+}
+
 AnswerButtons MakeAnswerButtons(QDialog& dialog, const QString& accept, const QString& reject) {
     const AnswerButtons buttons = {NamedButton(u"btnOk"_s, accept),
                                    NamedButton(u"btnCancel"_s, reject)};

@@ -23,13 +23,6 @@ namespace kadrona::dialogs {
 
 namespace {
 
-/// Return in a field does not press it.
-QPushButton* ClickedButton(const QString& name, const QString& caption) {
-    auto* button = NamedButton(name, caption);
-    button->setAutoDefault(false);
-    return button;
-}
-
 /// With a comma or a point; not a number where the text is none.
 double NumberIn(const QLineEdit& edit) {
     bool isNumber = false;

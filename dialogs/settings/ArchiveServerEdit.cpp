@@ -10,6 +10,7 @@
 
 #include "controls/fields/WrappingCheckBox.h"
 #include "controls/messages/WaitCursor.h"
+#include "dialogs/base/Buttons.h"
 #include "store/StoreError.h"
 
 using namespace Qt::StringLiterals;
@@ -45,13 +46,6 @@ void AddCaptioned(QGridLayout& grid, int row, int column, int columns, const QSt
     grid.addWidget(field, row + 1, column, 1, columns);
 }
 
-QPushButton* PlainButton(const QString& name, const QString& caption) {
-    auto* button = new QPushButton(caption);
-    button->setObjectName(name);
-    button->setAutoDefault(false);
-    return button;
-}
-
 }  // namespace
 
 ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
@@ -63,8 +57,8 @@ ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
       user_(NamedField<QLineEdit>(u"ServerUser"_s)),
       password_(NamedField<QLineEdit>(u"ServerPassword"_s)),
       verified_(NamedField<controls::WrappingCheckBox>(u"ServerVerified"_s)),
-      try_(PlainButton(u"btnTryServer"_s, u"&Prüfen"_s)),
-      transfer_(PlainButton(u"btnTransferArchive"_s, u"Archiv über&tragen …"_s)),
+      try_(ClickedButton(u"btnTryServer"_s, u"&Prüfen"_s)),
+      transfer_(ClickedButton(u"btnTransferArchive"_s, u"Archiv über&tragen …"_s)),
       result_(WrappedText({})) {
     used_->setText(u"Datenbank des Archivs auf einem Ser&ver (mehrere Arbeitsplätze)"_s);
     port_->setRange(1, HighestPort);

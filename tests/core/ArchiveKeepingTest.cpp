@@ -1,67 +1,14 @@
-#include <unistd.h>
-
-#include <QDirIterator>
-#include <cstdlib>
-
-#include "core/archive/ArchiveBackup.h"
-#include "core/archive/ArchiveCheck.h"
 #include "core/archive/ArchiveDeletion.h"
-#include "core/archive/ArchiveExport.h"
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveOrder.h"
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/ArchiveRetention.h"
-#include "core/archive/WaitingSearch.h"
 #include "platform/AtomicFile.h"
-#include "tests/core/ArchiveFixture.h"
+#include "tests/core/ArchiveKeepingFixture.h"
 #include "tests/support/Errors.h"
 
 namespace kadrona::testing {
-
-using Ids = std::vector<qint64>;
-
-/// What is kept, deleted and brought back.
-class ArchiveKeeping : public Archive {
- protected:
-    store::Database& Database() { return data.ArchiveDatabase(); }
-    core::Deletion Delete(const Ids& ids) {
-        return core::DeleteRecords(Database(), archiveFolder, ids, now, platform::NoProgress);
-    }
-    core::ArchiveReport Check() {
-        return core::CheckArchive(Database(), archiveFolder, platform::NoProgress);
-    }
-    /// Faults with the numbers of their records and the names of their files.
-    QStringList Faults() {
-        QStringList faults;
-        for (const core::ArchiveFinding& finding : Check().findings) {
-            faults.append(u"%1 %2 %3"_s.arg(int(finding.fault))
-                              .arg(finding.id)
-                              .arg(QFileInfo(finding.path).fileName()));
-        }
-        return faults;
-    }
-
-    /// Every byte of the database's folder, or of a dump of the server's, and of the archive's.
-    QByteArray AllBytes() const {
-        QByteArray bytes;
-        if (OnServer()) {
-            const QString dump = databaseFolder + u"/dump"_s;
-            const QString line = u"PGPASSWORD=%1 pg_dump -h %2 -U %3 %4 > %5"_s.arg(
-                server.password, server.host, server.user, server.database, dump);
-            // NOLINTNEXTLINE(cert-env33-c): a line of our own
-            EXPECT_EQ(std::system(qPrintable(line)), 0);
-        }
-        for (const QString& folder : {databaseFolder, archiveFolder}) {
-            for (QDirIterator files(folder, QDir::Files | QDir::Hidden,
-                                    QDirIterator::Subdirectories);
-                 files.hasNext();) {
-                bytes += platform::ReadWholeFile(files.next(), 1 << 30);
-            }
-        }
-        return bytes;
-    }
-};
 
 TEST_F(ArchiveKeeping, DeletedPhotosLeaveNothingButTheirNumbers) {
     for (int i = 0; i < 40; ++i) {
@@ -185,7 +132,7 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
 }
 
 TEST_F(ArchiveKeeping, ALargeFileIsReadInStepsThatCanBeGivenUp) {
-    constexpr int Megabytes = 3;
+    constexpr int Megabytes = 8;
     File(u"a\r\n"_s);
     Execute(uR"(DELETE FROM "ImgDB")"_s);
     const char* const original = "archive/Originale/2026/03/2026_03_00001.nef";
@@ -228,193 +175,6 @@ TEST_F(ArchiveKeeping, AFileGoesWithItsLastRecordAndComesBackWithTheNextOne) {
               u"2026_04_00002.nef"_s);
     EXPECT_EQ(Rows(uR"(SELECT "ID" FROM "ImgDeleted" ORDER BY 1)"_s), QStringList())
         << "their numbers have photos again";
-}
-
-TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
-    const QString target = installation.Path("backup");
-    QDir().mkpath(target);
-    const auto backUp = [&] {
-        return core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
-    };
-    const auto copy = [&](const char* name) {
-        return target + u"/Archiv/2026/03/"_s + QLatin1StringView(name);
-    };
-    File(u"a\r\n"_s);
-    File(u"b\r\n"_s);
-    EXPECT_EQ(backUp().copied, 2);
-    const QByteArray second = platform::ReadWholeFile(copy("2026_03_00002.jpg"), 1 << 20);
-    EXPECT_EQ(second, platform::ReadWholeFile(Filed("2026_03_00002.jpg"), 1 << 20));
-
-    File(u"c\r\n"_s);
-    Delete({1});
-    installation.Write("archive/2026/03/2026_03_00002.jpg", second.chopped(1) + "?");
-    const core::Backup backup = backUp();
-    EXPECT_EQ(backup.copied, 1);
-    EXPECT_EQ(backup.removed, 1);
-    EXPECT_EQ(backup.failures.size(), 1) << "a damaged photo does not replace the good one";
-    EXPECT_EQ(platform::ReadWholeFile(copy("2026_03_00002.jpg"), 1 << 20), second);
-    EXPECT_EQ(QDir(target + u"/Archiv/2026/03"_s).entryList(QDir::Files),
-              QStringList({u"2026_03_00002.jpg"_s, u"2026_03_00003.jpg"_s}));
-
-    // Given up after the database: the older one is still there.
-    File(u"d\r\n"_s);
-    const auto giveUp = [](const QString& what, qint64, qint64) {
-        if (what.startsWith(u"Die Fotos")) {
-            throw platform::Cancelled();
-        }
-    };
-    EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, giveUp),
-                 platform::Cancelled);
-    EXPECT_EQ(QDir(target).entryList(QDir::Files),
-              QStringList({u"KDRImageBase.db"_s, u"Sicherung.txt"_s}));
-    store::SqliteDatabase copied(target);
-    EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDeleted")"_s), QStringList(u"1"_s));
-    EXPECT_EQ(Column(copied, uR"(SELECT "ID" FROM "ImgDB" ORDER BY 1)"_s),
-              QStringList({u"2"_s, u"3"_s}));
-    EXPECT_EQ(DatabaseFault(copied), QString());
-
-    installation.Write("full/letter.odt", "x");
-    installation.Write("own/Archiv/letter.odt", "x");
-    installation.Write("other/Sicherung.txt", "of another archive");
-    const QString inUse = OnServer() ? archiveFolder : databaseFolder;
-    for (const QString& wrong :
-         {archiveFolder + u"/2026"_s, installation.Path(""), inUse, installation.Path("full"),
-          installation.Path("own"), installation.Path("other"), installation.Path("none")}) {
-        EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, wrong, platform::NoProgress),
-                     platform::FileError)
-            << wrong.toStdString();
-    }
-}
-
-TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "no right to give a link away";
-    }
-    const QString elsewhere = installation.Path("elsewhere");
-    const QString precious = elsewhere + u"/KDRImageBase.db"_s;
-    installation.Write("elsewhere/KDRImageBase.db", "precious");
-    const auto plant = [](const QString& to, const QString& path) {
-        QDir(path).removeRecursively();
-        QFile::remove(path);
-        ASSERT_TRUE(QFile::link(to, path));
-        ASSERT_EQ(lchown(QFile::encodeName(path).constData(), 1001, 1001), 0);
-    };
-    File(u"a\r\n"_s);
-    const QString target = installation.Path("backup");
-    struct Row {
-        const char* name;
-        QString to;
-        bool isUsed;
-    };
-    for (const Row& row :
-         {Row{"Sicherung.txt", elsewhere + u"/new"_s, true}, Row{"Archiv", elsewhere, true},
-          Row{"Archiv/2026", elsewhere, true}, Row{"KDRImageBase.neu", elsewhere, OnServer()}}) {
-        const QString planted = target + u'/' + QLatin1StringView(row.name);
-        QDir().mkpath(target);
-        const QString text = TextOf<platform::FileError>([&] {
-            core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress);
-            plant(row.to, planted);
-            const QStringList failures =
-                core::BackUpArchive(Database(), archiveFolder, target, platform::NoProgress)
-                    .failures;
-            if (!failures.isEmpty()) {
-                throw platform::FileError(failures.first());
-            }
-        });
-        EXPECT_EQ(text.contains(u"einem anderen Benutzer"_s), row.isUsed) << text.toStdString();
-        QFile::remove(planted);
-        QDir(target).removeRecursively();
-    }
-    const QString own = installation.Path("private.jpg");
-    ASSERT_TRUE(QFile::copy(Filed("2026_03_00001.jpg"), own));
-    plant(own, Filed("2026_03_00009.jpg"));
-    const core::Rebuilding rebuilding =
-        core::RebuildRecords(Database(), {Filed("2026_03_00009.jpg")}, now, platform::NoProgress);
-    EXPECT_EQ(rebuilding.failures.size(), 1) << "no thumbnail of it";
-    plant(own, Filed("2026_03_00001.jpg"));
-    data.SetCurrentRecord(1);
-    EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString()) << "nor tags in it";
-    plant(elsewhere, archiveFolder + u"/2026"_s);
-    EXPECT_THROW(File(u"b\r\n"_s), platform::FileError);
-    EXPECT_EQ(QDir(elsewhere).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), 1);
-    EXPECT_EQ(platform::ReadWholeFile(precious, 99), "precious");
-}
-
-TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
-    File(u"=HYPERLINK(\"x\")\r\nKöln\r\n"_s);
-    File(u"b\r\n"_s);
-    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..\..' WHERE "ID" = 2)"_s);
-    const core::Export result =
-        core::ExportRecords(Database(), archiveFolder, {{2, 1, 9}}, installation.Path("common"),
-                            u"../Export: *"_s, platform::NoProgress);
-    EXPECT_EQ(result.folder, installation.Path("common/_Export_ _"));
-    EXPECT_EQ(result.records, 2);
-    EXPECT_EQ(result.failures.size(), 1) << "a record that leads out of the archive";
-    EXPECT_EQ(QDir(result.folder).entryList(QDir::Files),
-              QStringList({u"2026_03_00001.jpg"_s, u"Daten.csv"_s, u"Daten.json"_s}));
-    const QByteArray csv = platform::ReadWholeFile(result.folder + u"/Daten.csv"_s, 1 << 20);
-    EXPECT_TRUE(csv.contains(";\"'=HYPERLINK(\"\"x\"\"), K\xc3\xb6ln\"\r\n")) << csv.toStdString();
-    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
-                    .contains("\"K\xc3\xb6ln\""));
-
-    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '2026\03', "ImgName" = '2026_03_00001.jpg')"_s);
-    const auto exported = [&](const platform::Progress& progress) {
-        return core::ExportRecords(Database(), archiveFolder, {{1, 2}}, installation.Path("common"),
-                                   u"twins"_s, progress);
-    };
-    EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.jpg"_s}),
-              QStringList({u"2026_03_00001.jpg"_s, u"2_2026_03_00001.jpg"_s}));
-    ASSERT_TRUE(QFile::copy(Filed("2026_03_00001.jpg"), Filed("daten.CSV")));
-    Execute(uR"(UPDATE "ImgDB" SET "ImgName" = 'daten.CSV' WHERE "ID" = 2)"_s);
-    EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.csv"_s}),
-              QStringList({u"2_daten.CSV"_s, u"Daten.csv"_s}));
-    EXPECT_THROW(exported([](const QString&, qint64 done, qint64) {
-                     if (done == 1) {
-                         throw platform::Cancelled();
-                     }
-                 }),
-                 platform::Cancelled);
-    EXPECT_FALSE(QFile::exists(installation.Path("common/twins (3)"))) << "no faces without a list";
-}
-
-TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
-    const core::FilingQueue queue(installation.Path("queue"));
-    for (const char* tags : {"Dora\r\nKöln\r\n", "Emil\r\n"}) {
-        queue.Add({.archiveFolder = archiveFolder,
-                   .templateName = u"Pass.schablone"_s,
-                   .tags = QString::fromUtf8(tags),
-                   .created = now,
-                   .photo = "a face",
-                   .thumbnail = "small"});
-    }
-    const QDate day = now.date();
-    for (const auto& [filter, count] :
-         {std::pair(core::WaitingFilter{}, 2),
-          std::pair(core::WaitingFilter{.text = u"dora koln"_s}, 1),
-          std::pair(core::WaitingFilter{.text = u"pass 07.03.2026"_s}, 2),
-          std::pair(core::WaitingFilter{.text = u"-emil"_s}, 1),
-          std::pair(core::WaitingFilter{.period = {.from = day.addDays(1), .to = {}}}, 0),
-          std::pair(core::WaitingFilter{.period = {.from = {}, .to = day}}, 2),
-          std::pair(core::WaitingFilter{.dueOn = day.addYears(9)}, 0),
-          std::pair(core::WaitingFilter{.dueOn = day.addMonths(1), .retentionMonths = 1}, 0),
-          std::pair(core::WaitingFilter{.dueOn = day.addDays(40), .retentionMonths = 1}, 2),
-          std::pair(
-              core::WaitingFilter{
-                  .dueOn = day.addDays(40), .retentionMonths = 1, .newestFiled = day.addDays(20)},
-              0)}) {
-        EXPECT_EQ(core::FindWaiting(queue, filter).size(), count) << filter.text.toStdString();
-    }
-    const core::Export result = core::ExportRecords(
-        Database(), archiveFolder,
-        {.ids = {}, .waiting = core::FindWaiting(queue, {.text = u"dora"_s}), .queue = queue},
-        installation.Path("common"), u"Dora"_s, platform::NoProgress);
-    const QStringList photos = QDir(result.folder).entryList({u"Wartend_*.jpg"_s});
-    ASSERT_EQ(photos.size(), 1);
-    EXPECT_EQ(platform::ReadWholeFile(result.folder + u'/' + photos[0], 99), "a face");
-    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.csv"_s, 1 << 20)
-                    .contains(photos[0].toUtf8() + "\";\"\";\"Pass.schablone\";\"Dora"));
-    EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
-                    .contains("\"number\": null"));
 }
 
 TEST_F(ArchiveKeeping, PhotosAreDueByTheirDateTheArchivesPeriodAndNoWrongClock) {
