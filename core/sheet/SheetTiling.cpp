@@ -188,11 +188,16 @@ void TilePhoto(imaging::LayeredImage& image, const SheetMaking& making, int layo
                std::optional<OriginalToKeep> original) {
     const QSize photo = image.Photo().Size();
     MakeSingle(image, making, layoutIndex);
+    // Those of an original that was opened to be cut anew; another cut begins without any.
+    QStringList tags;
+    if (making.single.photo.IsEmpty()) {
+        tags = std::move(making.single.tags);
+    }
     making.single = {.photo = image.Photo(),
                      .resolution = image.Resolution(),
                      .templateName = making.shape.name,
                      .original = std::move(original),
-                     .tags = std::move(making.single.tags)};
+                     .tags = std::move(tags)};
     if (making.settings.ImageAutoSave()) {
         ArchiveSinglePhoto(image, making);
     }

@@ -19,7 +19,7 @@ struct SinglePhoto {
     imaging::DotsPerInch resolution;
     QString templateName;
     std::optional<OriginalToKeep> original;
-    /// Those typed last for the open photo, or that it is to begin with.
+    /// Those typed last for it; before it is made, those that its tag editor begins with.
     QStringList tags;
     /// Also where it waits for the archive's server.
     bool isArchived = false;

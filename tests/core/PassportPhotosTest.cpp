@@ -112,6 +112,7 @@ TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
     EXPECT_EQ(ui.messages.size(), 4) << "tried again twice";
     EXPECT_TRUE(ui.messages.last().endsWith(u"Soll es noch einmal versucht werden?"_s));
     EXPECT_EQ(ui.tagEditorShown, 3) << "with the same tags";
+    EXPECT_EQ(ui.offeredTags, QStringList()) << "not those of the cut before";
     EXPECT_EQ(data.Archive()->Ids().size(), 4U);
 }
 
