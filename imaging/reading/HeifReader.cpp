@@ -9,6 +9,7 @@
 
 #include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
+#include "imaging/reading/HeifItems.h"
 
 using namespace Qt::StringLiterals;
 
@@ -158,6 +159,7 @@ QImage Decode(const heif_image_handle* handle, const ReadTask& task) {
 
 DecodedImage Read(const ReadTask& task) {
     const QByteArray file = task.ReadWhole();
+    RequireSoundItems(file, task);
     const Context context(heif_context_alloc());
     RequireHeif(heif_context_read_from_memory_without_copy(
                     context.get(), file.constData(), static_cast<size_t>(file.size()), nullptr),

@@ -6,6 +6,7 @@
 #include "imaging/codec/OpenJpeg.h"
 #include "imaging/metadata/Jpeg2000Boxes.h"
 #include "imaging/pixels/NewImage.h"
+#include "imaging/reading/Jpeg2000Blocks.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
@@ -56,9 +57,18 @@ Layout ReadLayout(QIODevice& device, qint64 codestream) {
     return layout;
 }
 
-void RequireAllowed(const ReadTask& task, const Layout& layout) {
+/// A palette makes up to four channels of one beside it.
+bool HasPalette(QIODevice& device) {
+    const auto header = FindJpeg2000Box(device, "jp2h");
+    constexpr qint64 FarEnough = 65'536;
+    return header && device.seek(header->position) &&
+           device.read(std::min(header->length, FarEnough)).contains("pclr");
+}
+
+void RequireAllowed(const ReadTask& task, const Layout& layout, qint64 codestream) {
     constexpr qint64 MostTiles = 16'384;  // each takes some six kilobytes
     constexpr qint64 BytesPerSample = 4;  // of a tile that is decoded
+    constexpr qint64 BytesPerBlock = 600;
     task.RequireAllowedSize(layout.width, layout.height);
     if (layout.channels < 1 || layout.channels > MostChannels) {
         task.Fail(u"Diese Art von JPEG-2000-Datei wird nicht unterstützt."_s);
@@ -66,8 +76,16 @@ void RequireAllowed(const ReadTask& task, const Layout& layout) {
     if (layout.tiles > MostTiles) {
         task.Fail(TooMuchMemoryReason());
     }
-    task.RequireMemoryBeside(task.Device().size() + layout.tileWidth * layout.tileHeight *
-                                                        layout.channels * BytesPerSample);
+    const auto smallestBlock = SmallestJpeg2000Block(task.Device(), codestream);
+    if (!smallestBlock) {
+        task.Fail(DamagedOrIncompleteFileReason());
+    }
+    const qint64 samples = layout.tileWidth * layout.tileHeight * layout.channels;
+    const int made = HasPalette(task.Device()) ? MostChannels : 0;
+    task.RequireMemoryBeside(
+        task.Device().size() +
+        (samples + layout.tileWidth * layout.tileHeight * made) * BytesPerSample +
+        (samples / *smallestBlock - samples / UsualJpeg2000Block) * BytesPerBlock);
 }
 
 OPJ_SIZE_T ReadFromDevice(void* bytes, OPJ_SIZE_T count, void* user) {
@@ -219,7 +237,7 @@ DecodedImage ReadJpeg2000(const ReadTask& task) try {
         task.Fail(DamagedOrIncompleteFileReason());
     }
     const Layout layout = ReadLayout(device, codestream->position);
-    RequireAllowed(task, layout);
+    RequireAllowed(task, layout, codestream->position);
     DecodeTiles(task, layout, isFile, decoded);
     return decoded;
 } catch (const platform::OutOfBytes&) {

@@ -3,6 +3,7 @@
 #include <jxl/decode.h>
 #include <jxl/thread_parallel_runner.h>
 
+#include <ctime>
 #include <memory>
 
 #include "imaging/codec/Release.h"
@@ -30,20 +31,45 @@ struct DestroyRunner {
 };
 using Runner = std::unique_ptr<void, DestroyRunner>;
 
+/// libjxl's own threads, which work until they have had more processor time than any picture needs:
+/// layers that nobody sees, each as large as the picture, take a few bytes of a file.
+class BoundedThreads {
+ public:
+    BoundedThreads()
+        : threads_(JxlThreadParallelRunnerCreate(nullptr,
+                                                 JxlThreadParallelRunnerDefaultNumWorkerThreads())),
+          end_(std::clock() + MostSeconds * CLOCKS_PER_SEC) {}
+
+    explicit operator bool() const { return threads_ != nullptr; }
+    /// A second for each megapixel on top.
+    void Allow(qint64 pixels) { end_ += pixels * CLOCKS_PER_SEC / 1'000'000; }
+
+    /// A JxlParallelRunner; `self` is such an object.
+    static JxlParallelRetCode Run(void* self, void* work, JxlParallelRunInit begin,
+                                  JxlParallelRunFunction part, uint32_t first, uint32_t end) {
+        const auto& bounded = *static_cast<const BoundedThreads*>(self);
+        return std::clock() > bounded.end_
+                   ? -1
+                   : JxlThreadParallelRunner(bounded.threads_.get(), work, begin, part, first, end);
+    }
+
+ private:
+    static constexpr std::clock_t MostSeconds = 5;
+
+    Runner threads_;
+    std::clock_t end_;
+};
+
 constexpr JxlPixelFormat Pixels8Bit{4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
 
 /// The decoding of one file, event by event, up to the end of its first picture.
 class Decoding {
  public:
     explicit Decoding(const ReadTask& task)
-        : task_(task),
-          file_(task.ReadWhole()),
-          runner_(JxlThreadParallelRunnerCreate(nullptr,
-                                                JxlThreadParallelRunnerDefaultNumWorkerThreads())),
-          decoder_(JxlDecoderCreate(nullptr)) {
+        : task_(task), file_(task.ReadWhole()), decoder_(JxlDecoderCreate(nullptr)) {
         JxlDecoder* decoder = decoder_.get();
-        Require(decoder && runner_ ? JXL_DEC_SUCCESS : JXL_DEC_ERROR);
-        Require(JxlDecoderSetParallelRunner(decoder, JxlThreadParallelRunner, runner_.get()));
+        Require(decoder && threads_ ? JXL_DEC_SUCCESS : JXL_DEC_ERROR);
+        Require(JxlDecoderSetParallelRunner(decoder, &BoundedThreads::Run, &threads_));
         Require(JxlDecoderSetKeepOrientation(decoder, JXL_TRUE));
         Require(JxlDecoderSubscribeEvents(
             decoder, JXL_DEC_BASIC_INFO | JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE));
@@ -93,6 +119,7 @@ class Decoding {
                                    info_.num_extra_channels * BytesOfExtraChannel;
         task_.RequireMemoryBeside(file_.size() + qint64{info_.xsize} * info_.ysize * bytesAPixel,
                                   MostBytesBesideOfCameras);
+        threads_.Allow(qint64{info_.xsize} * info_.ysize);
         for (size_t i = 0; i < info_.num_extra_channels; ++i) {
             JxlExtraChannelInfo channel;
             Require(JxlDecoderGetExtraChannelInfo(decoder_.get(), i, &channel));
@@ -134,7 +161,7 @@ class Decoding {
 
     const ReadTask& task_;
     QByteArray file_;
-    Runner runner_;
+    BoundedThreads threads_;
     Decoder decoder_;
     JxlBasicInfo info_ = {};
     DecodedImage decoded_;

@@ -99,8 +99,11 @@ qint64 RawBytesBeside(LibRaw& raw) {
     const qint64 pixels =
         qint64{std::max(sizes.width, sizes.raw_width)} * std::max(sizes.height, sizes.raw_height);
     constexpr qint64 Unpacked = 2;
-    constexpr qint64 UnpackedAndWhole = 15;
-    return GoesInBands(raw) ? pixels * Unpacked + Band : pixels * UnpackedAndWhole;
+    constexpr double UnpackedAndWhole = 15;
+    // Pixels that are no squares are stretched to such.
+    const double stretch = std::max(sizes.pixel_aspect, 1 / sizes.pixel_aspect);
+    return GoesInBands(raw) ? pixels * Unpacked + Band
+                            : static_cast<qint64>(double(pixels) * stretch * UnpackedAndWhole);
 }
 
 QImage DevelopedRaw(LibRaw& raw, const CheckOfResult& check,

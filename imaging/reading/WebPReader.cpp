@@ -7,6 +7,7 @@
 
 #include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
+#include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +27,30 @@ QByteArray ProfileOf(const WebPDemuxer* demuxer) {
         WebPDemuxReleaseChunkIterator(&chunk);
     }
     return IsSrgbProfile(profile) ? QByteArray() : profile;
+}
+
+/// The library keeps a note of each chunk, however short.
+bool HasTooManyChunks(QByteArrayView file) {
+    constexpr int MostChunks = 200'000;
+    constexpr int BeforeChunks = 12;
+    platform::ByteReader reader(file);
+    reader.Skip(BeforeChunks);
+    for (int i = 0; i < MostChunks; ++i) {
+        constexpr int Header = 8;
+        if (reader.Remaining() < Header) {
+            return false;
+        }
+        const QByteArrayView type = reader.Take(4);
+        const qint64 length = reader.Read<quint32>();
+        // Those of a frame are noted, too.
+        constexpr qint64 HeaderOfFrame = 16;
+        const qint64 step = type == "ANMF" ? HeaderOfFrame : length + length % 2;
+        if (step > reader.Remaining()) {
+            return false;
+        }
+        reader.Skip(step);
+    }
+    return true;
 }
 
 QString ReasonOf(VP8StatusCode status) {
@@ -78,6 +103,9 @@ DecodedImage ReadWebP(const ReadTask& task) {
     DecodedImage decoded;
     decoded.metadata = ReadFileMetadata(task.Device());
     const QByteArray file = task.ReadWhole();
+    if (HasTooManyChunks(file)) {
+        task.Fail(TooMuchMemoryReason());
+    }
     const WebPData data{reinterpret_cast<const uint8_t*>(file.constData()),
                         static_cast<size_t>(file.size())};
     const Demuxer demuxer(WebPDemux(&data));

@@ -147,6 +147,46 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     }
 }
 
+// What the libraries would crash at, or calculate for hours.
+TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
+    const auto box = [](const char* type, const QByteArray& content) {
+        return BigEndian(quint32(content.size() + 8)) + type + content;
+    };
+    const QByteArray none(4, '\0');  // version and flags
+    const QByteArray one = BigEndian(quint16{1});
+    // One item of 10 by 10 pixels that refers to item `to` as its part.
+    const auto heif = [&](const char* type, const QByteArray& coded, quint16 to) {
+        const QByteArray item =
+            box("infe", BigEndian(quint32{2 << 24}) + one + BigEndian(quint16{0}) + type + '\0');
+        const QByteArray size = box("ispe", none + BigEndian(quint32{10}) + BigEndian(quint32{10}));
+        const QByteArray properties =
+            box("ipco", size + box("av1C", none + coded)) +
+            box("ipma", none + BigEndian(quint32{1}) + one + QByteArray("\2\1\2"));
+        return box("ftyp", "heic" + none + "mif1") +
+               box("meta", none + box("hdlr", none + none + "pict" + QByteArray(13, '\0')) +
+                               box("pitm", none + one) + box("iinf", none + one + item) +
+                               box("iref", none + box("dimg", one + one + BigEndian(to))) +
+                               box("iprp", properties));
+    };
+    const QString refused = Complaint("Diese Art von HEIF-Datei wird nicht unterstützt.");
+    EXPECT_EQ(Failure(heif("iden", {}, 1)), refused);
+    const QByteArray sequence("\x0a\x07\x18\x3f\xff\xff\xff\xff\xff");  // 65536 by 65536
+    EXPECT_EQ(Failure(heif("av01", sequence, 2)), refused);
+    EXPECT_NE(Failure(heif("av01", sequence.chopped(9), 2)), refused);
+    const QByteArray side = BigEndian(quint32{1000});
+    const auto jpeg2000 = [&](const char* style) {
+        return QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + side + side + QByteArray(8, '\0') +
+               side + side + QByteArray(8, '\0') + BigEndian(quint16{1}) + "\7\1\1" +
+               QByteArray(style, 15) + "\xff\xd9";
+    };
+    const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+    EXPECT_EQ(Failure(jpeg2000("\xff\x52\0\x0d\1\0\0\1\0\0\4\4\0\1\0")), tooMuch);
+    EXPECT_NE(Failure(jpeg2000("\xff\x52\0\x0d\1\0\0\1\0\0\4\4\0\1\xff")), tooMuch);
+    const QByteArray chunks = (QByteArray("JUNK") + none).repeated(200'000);
+    EXPECT_EQ(Failure("RIFF" + LittleEndian(quint32(chunks.size() + 4)) + "WEBP" + chunks),
+              tooMuch);
+}
+
 TEST(ReaderFailure, MuchBesideASmallPictureIsRefused) {
     for (const QByteArray& file : {Gif({1}), Written(TestPicture(40, 30), "png")}) {
         EXPECT_EQ(Failure(file + QByteArray(101'000'000, '\0')),

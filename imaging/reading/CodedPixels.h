@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArrayView>
+
+namespace kadrona::imaging {
+
+/// What a decoder makes of coded bytes, told without decoding them.
+struct CodedPictures {
+    /// Pixels of the largest size that any of its headers says.
+    qint64 pixels = 0;
+    /// Shown or not.
+    qint64 pictures = 0;
+};
+
+/// HEVC as HEIF files keep it (ISO/IEC 14496-15, 8.3.3.1): `configuration` is the content of the
+/// box "hvcC", `data` the item's bytes. Throws platform::OutOfBytes where headers end early.
+CodedPictures CodedHevcPictures(QByteArrayView configuration, QByteArrayView data);
+
+/// AV1 in the same way, with the content of the box "av1C" (AV1 in ISOBMFF, 2.3).
+CodedPictures CodedAv1Pictures(QByteArrayView configuration, QByteArrayView data);
+
+}  // namespace kadrona::imaging
