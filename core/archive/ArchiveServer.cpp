@@ -5,15 +5,12 @@
 
 #include "core/archive/ArchiveSchema.h"
 #include "platform/Paths.h"
+#include "platform/ProgramPart.h"
 #include "platform/PropertyFile.h"
 #include "platform/UserRegistry.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"
-
-#ifdef KADRONA_WITH_POSTGRES
-#include "store/postgres/PostgresDatabase.h"
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -84,7 +81,9 @@ std::unique_ptr<store::Database> OpenServer(
     [[maybe_unused]] const store::ServerAddress& address,
     [[maybe_unused]] const store::ServerPatience& patience) {
 #ifdef KADRONA_WITH_POSTGRES
-    return std::make_unique<store::PostgresDatabase>(address, patience);
+    const auto connect = platform::PartFunction<decltype(kadrona_connect_to_server)>(
+        "kadrona-server", "kadrona_connect_to_server");
+    return std::unique_ptr<store::Database>(connect(address, patience));
 #else
     throw store::StoreError(
         u"Dieses Programm wurde ohne die Bibliothek für PostgreSQL-Server gebaut."_s);

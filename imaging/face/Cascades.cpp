@@ -1,18 +1,14 @@
 #include "imaging/face/Cascades.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <array>
-#include <opencv2/objdetect.hpp>
+#include <opencv2/core/mat.hpp>
+
+#include "platform/ProgramPart.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::imaging {
-
-struct Cascades::Classifiers {
-    /// By Kind. Searching changes a classifier's buffers.
-    std::array<cv::CascadeClassifier, 3> of;
-};
 
 namespace {
 
@@ -23,24 +19,22 @@ const std::array<QString, 3>& FileNames() {
     return names;
 }
 
-/// OpenCV throws for a damaged file.
-bool Loaded(cv::CascadeClassifier& classifier, const QString& path) {
-    if (!QFileInfo::exists(path)) {
-        return false;
-    }
-    try {
-        return classifier.load(QDir::toNativeSeparators(path).toStdString());
-    } catch (const cv::Exception&) {
-        return false;
-    }
+/// How classifiers are loaded.
+auto Loader() try {
+    return platform::PartFunction<decltype(kadrona_load_classifier)>("kadrona-faces",
+                                                                     "kadrona_load_classifier");
+} catch (const platform::PartMissing& missing) {
+    throw CascadesMissing(missing.Text());
 }
 
 }  // namespace
 
-Cascades::Cascades(const QString& folder) : classifiers_(std::make_unique<Classifiers>()) {
+Cascades::Cascades(const QString& folder) {
+    const auto load = Loader();
     for (size_t i = 0; i < FileNames().size(); ++i) {
         const QString path = QDir(folder).filePath(FileNames().at(i));
-        if (!Loaded(classifiers_->of.at(i), path)) {
+        classifiers_.at(i).reset(load(path));
+        if (!classifiers_.at(i)) {
             throw CascadesMissing(
                 u"Gesichter können nicht gesucht werden: „%1“ fehlt oder ist beschädigt. "
                 u"Installieren Sie das Paket „opencv-data“."_s.arg(path));
@@ -48,24 +42,12 @@ Cascades::Cascades(const QString& folder) : classifiers_(std::make_unique<Classi
     }
 }
 
-Cascades::~Cascades() = default;
-
 std::vector<CascadeHit> Cascades::Find(Kind kind, const cv::Mat& grey, int smallest, int largest,
                                        int fewestVotes) const {
-    constexpr double ScaleStep = 1.1;
-    std::vector<cv::Rect> boxes;
-    std::vector<int> votes;
     if (grey.cols < smallest || grey.rows < smallest) {
         return {};
     }
-    classifiers_->of.at(kind).detectMultiScale(grey, boxes, votes, ScaleStep, fewestVotes, 0,
-                                               cv::Size(smallest, smallest),
-                                               cv::Size(largest, largest));
-    std::vector<CascadeHit> hits;
-    for (size_t i = 0; i < boxes.size(); ++i) {
-        hits.push_back({{boxes[i].x, boxes[i].y, boxes[i].width, boxes[i].height}, votes[i]});
-    }
-    return hits;
+    return classifiers_.at(kind)->Find(grey, smallest, largest, fewestVotes);
 }
 
 const Cascades& InstalledCascades() {

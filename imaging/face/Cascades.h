@@ -1,27 +1,18 @@
 #pragma once
 
-#include <QRect>
 #include <QString>
+#include <array>
 #include <memory>
 #include <vector>
 
+#include "imaging/face/Classifier.h"
 #include "platform/Error.h"
-
-namespace cv {
-class Mat;
-}
 
 namespace kadrona::imaging {
 
 /// The face finder's data is not on this machine; the text says what to install.
 class CascadesMissing : public platform::FileError {
     using FileError::FileError;
-};
-
-/// What a classifier found: a square, and how many overlapping hits agreed on it.
-struct CascadeHit {
-    QRect box;
-    int votes = 0;
 };
 
 /// The trained classifiers that faces and eyes are found with (P. Viola and M. Jones, "Robust
@@ -34,17 +25,14 @@ class Cascades {
 
     /// Loads the classifiers. Throws CascadesMissing where one is missing or damaged.
     explicit Cascades(const QString& folder = DebianFolder);
-    ~Cascades();
-    Cascades(const Cascades&) = delete;
-    Cascades& operator=(const Cascades&) = delete;
 
     /// Hits in an 8-bit grey picture, at least `smallest` and at most `largest` pixels wide.
     std::vector<CascadeHit> Find(Kind kind, const cv::Mat& grey, int smallest, int largest,
                                  int fewestVotes) const;
 
  private:
-    struct Classifiers;
-    std::unique_ptr<Classifiers> classifiers_;
+    /// By Kind. Searching changes a classifier's buffers.
+    std::array<std::unique_ptr<Classifier>, 3> classifiers_;
 };
 
 /// Those of this machine, loaded by the first call that finds them. Throws CascadesMissing.

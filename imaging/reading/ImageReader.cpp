@@ -8,15 +8,13 @@
 #include <new>
 
 #include "imaging/pixels/LaidOverWhite.h"
-#include "imaging/reading/HeifReader.h"
+#include "imaging/reading/CameraFiles.h"
 #include "imaging/reading/IconReader.h"
 #include "imaging/reading/Jpeg2000Reader.h"
 #include "imaging/reading/JpegReader.h"
-#include "imaging/reading/JpegXlReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"
 #include "imaging/reading/PngReader.h"
-#include "imaging/reading/RawReader.h"
 #include "imaging/reading/ReadTask.h"
 #include "imaging/reading/TiffReader.h"
 #include "imaging/reading/WebPReader.h"

@@ -15,12 +15,14 @@
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/ProgramPart.h"
 #include "platform/PropertyFile.h"
 #include "platform/TerminationSignals.h"
 #include "platform/TextDecoding.h"
 #include "platform/UniqueFile.h"
 #include "platform/UserRegistry.h"
 #include "platform/WebPage.h"
+#include "tests/support/Errors.h"
 
 namespace kadrona::platform {
 namespace {
@@ -71,6 +73,11 @@ TEST(Paths, CommonAppDataFollowsTheEnvironment) {
     const auto unset = Scoped("KADRONA_COMMON_APPDATA", "");
     const auto home = Scoped("XDG_DATA_HOME", "/srv/data-home");
     EXPECT_EQ(CommonAppDataFolder(), u"/srv/data-home"_s);
+}
+
+TEST(ProgramPart, IsNamedWhereItIsMissing) {
+    const QString text = TextOf<PartMissing>([] { AddressInPart("kadrona-fehlt", "open"); });
+    EXPECT_TRUE(text.contains(u"kadrona-fehlt.so"_s)) << text.toStdString();
 }
 
 class UserRegistry : public ::testing::Test {

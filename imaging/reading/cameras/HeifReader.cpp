@@ -1,4 +1,4 @@
-#include "imaging/reading/HeifReader.h"
+#include "imaging/reading/cameras/HeifReader.h"
 
 #include <libheif/heif.h>
 
@@ -184,14 +184,7 @@ DecodedImage Read(const ReadTask& task) {
 
 }  // namespace
 
-bool IsHeif(QByteArrayView start) {
-    constexpr std::array<QByteArrayView, 8> Brands{"heic", "heix", "heim", "heis",
-                                                   "mif1", "msf1", "avif", "avis"};
-    return start.size() >= 12 && start.sliced(4, 4) == "ftyp" &&
-           std::find(Brands.begin(), Brands.end(), start.sliced(8, 4)) != Brands.end();
-}
-
-DecodedImage ReadHeif(const ReadTask& task) try {
+DecodedImage DecodeHeif(const ReadTask& task) try {
     return Read(task);
 } catch (const std::length_error&) {
     task.Fail(DamagedFileReason());

@@ -1,4 +1,4 @@
-#include "imaging/reading/JpegXlReader.h"
+#include "imaging/reading/cameras/JpegXlReader.h"
 
 #include <jxl/decode.h>
 #include <jxl/thread_parallel_runner.h>
@@ -169,12 +169,7 @@ class Decoding {
 
 }  // namespace
 
-bool IsJpegXl(QByteArrayView start) {
-    return start.startsWith("\xff\x0a") ||
-           start.startsWith(QByteArrayView("\0\0\0\x0cJXL \r\n\x87\n", 12));
-}
-
-DecodedImage ReadJpegXl(const ReadTask& task) {
+DecodedImage DecodeJpegXl(const ReadTask& task) {
     return Decoding(task).Run();
 }
 

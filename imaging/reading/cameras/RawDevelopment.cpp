@@ -1,4 +1,4 @@
-#include "imaging/reading/RawDevelopment.h"
+#include "imaging/reading/cameras/RawDevelopment.h"
 
 #include <algorithm>
 

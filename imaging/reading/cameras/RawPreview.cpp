@@ -1,4 +1,4 @@
-#include "imaging/reading/RawPreview.h"
+#include "imaging/reading/cameras/RawPreview.h"
 
 #include <libraw/libraw.h>
 

@@ -1,4 +1,4 @@
-#include "imaging/reading/RawStream.h"
+#include "imaging/reading/cameras/RawStream.h"
 
 namespace kadrona::imaging {
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "imaging/reading/ReadTask.h"
+
+namespace kadrona::imaging {
+
+/// What telephones and cameras write. The libraries that decode it are large: they belong to a part
+/// of the program that is opened when the first such file is read.
+enum class CameraFormat { Heif, JpegXl, Raw };
+
+/// True where a file that starts with these bytes is a HEIF: HEIC (what telephones write) or AVIF.
+bool IsHeif(QByteArrayView start);
+/// True where a file that starts with these bytes is a JPEG XL, by itself or in boxes.
+bool IsJpegXl(QByteArrayView start);
+/// True where a file that starts with these bytes is a camera's raw file of a kind of its own.
+bool IsRaw(QByteArrayView start);
+/// True where a TIFF file is a camera's raw file: it says so itself (DNG), or its first picture is
+/// a preview of others and a camera made it. Leaves the device where it was.
+bool IsRawTiff(QIODevice& device);
+
+/// Decode a file as DecodeHeif, DecodeJpegXl and DecodeRaw of imaging/reading/cameras/ say. Throw
+/// ReadError, where that part of the program is missing too, and ReadRaw also ReadCancelled.
+DecodedImage ReadHeif(const ReadTask& task);
+DecodedImage ReadJpegXl(const ReadTask& task);
+DecodedImage ReadRaw(const ReadTask& task);
+
+}  // namespace kadrona::imaging
+
+/// What the part "kadrona-cameras" offers: decodes the file of `task` into `decoded`. Throws
+/// ReadError and ReadCancelled.
+extern "C" void kadrona_decode_camera_file(kadrona::imaging::CameraFormat format,
+                                           const kadrona::imaging::ReadTask& task,
+                                           kadrona::imaging::DecodedImage& decoded);
