@@ -203,12 +203,18 @@ void TmainFm::OpenDroppedFiles(const QStringList& paths) {
     openActions_->OpenFiles(paths);
 }
 
-void TmainFm::FormDestroy() {
-    controls::Guarded(this, [this] {
+/// Where it cannot be written nothing is said: nobody misses it.
+void TmainFm::KeepCount() const {
+    try {
         if (dbCount_) {
             platform::WriteRegistryInteger(CountValue, *dbCount_);
         }
-    });
+    } catch (const platform::Error&) {
+    }
+}
+
+void TmainFm::FormDestroy() {
+    KeepCount();
     // What works on the view and the data goes before them.
     watchActions_.reset();
     paperActions_.reset();

@@ -90,6 +90,7 @@ class TmainFm : public QMainWindow {
     QStringList EarlierTags() const;
     void ConnectActions();
     void FormDestroy();
+    void KeepCount() const;
     void ShowSession();
     void ShowAbout();
     void StatusBarPanel2Click();

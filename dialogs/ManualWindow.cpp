@@ -37,6 +37,18 @@ ManualWindow::ManualWindow(QWidget* parent)
     setObjectName(u"ManualWindow"_s);
     setWindowTitle(u"Handbuch"_s);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
+    NameControls();
+    ArrangeControls();
+    resize(WithinScreen(*this, ManualSize));
+    connect(search_, &QLineEdit::textChanged, this, &ManualWindow::MarkHits);
+    connect(chapters_, &QListWidget::currentRowChanged, this, &ManualWindow::ShowChapter);
+    connect(text_, &QTextBrowser::anchorClicked, this,
+            [](const QUrl& address) { platform::OpenWebPage(address); });
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, search_, qOverload<>(&QWidget::setFocus));
+}
+
+void ManualWindow::NameControls() {
     search_->setObjectName(u"ManualSearch"_s);
     search_->setPlaceholderText(u"Im Handbuch suchen …"_s);
     search_->setAccessibleName(u"Im Handbuch suchen"_s);
@@ -48,7 +60,9 @@ ManualWindow::ManualWindow(QWidget* parent)
     text_->setObjectName(u"ManualText"_s);
     text_->setAccessibleName(u"Text des Handbuchs"_s);
     text_->setOpenLinks(false);
+}
 
+void ManualWindow::ArrangeControls() {
     auto* top = new QHBoxLayout;
     top->addWidget(search_, 1);
     top->addWidget(hits_);
@@ -58,24 +72,18 @@ ManualWindow::ManualWindow(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
     layout->addLayout(row, 1);
-    resize(WithinScreen(*this, ManualSize));
+}
 
-    connect(search_, &QLineEdit::textChanged, this, &ManualWindow::MarkHits);
-    connect(chapters_, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (const QListWidgetItem* item = chapters_->item(row)) {
-            const int position = item->data(Qt::UserRole).toInt();
-            QTextCursor end(text_->document());
-            end.movePosition(QTextCursor::End);
-            text_->setTextCursor(end);  // so that the chapter comes to the top, not the bottom
-            QTextCursor cursor(text_->document());
-            cursor.setPosition(position);
-            text_->setTextCursor(cursor);
-        }
-    });
-    connect(text_, &QTextBrowser::anchorClicked, this,
-            [](const QUrl& address) { platform::OpenWebPage(address); });
-    auto* find = new QShortcut(QKeySequence::Find, this);
-    connect(find, &QShortcut::activated, search_, qOverload<>(&QWidget::setFocus));
+void ManualWindow::ShowChapter(int row) {
+    if (const QListWidgetItem* item = chapters_->item(row)) {
+        const int position = item->data(Qt::UserRole).toInt();
+        QTextCursor end(text_->document());
+        end.movePosition(QTextCursor::End);
+        text_->setTextCursor(end);  // so that the chapter comes to the top, not the bottom
+        QTextCursor cursor(text_->document());
+        cursor.setPosition(position);
+        text_->setTextCursor(cursor);
+    }
 }
 
 void ManualWindow::Load(const QString& folder) {

@@ -25,6 +25,9 @@ class ManualWindow : public QDialog {
     void keyPressEvent(QKeyEvent* event) override;
 
  private:
+    void NameControls();
+    void ArrangeControls();
+    void ShowChapter(int row);
     void ListChapters();
     void MarkHits();
     void GoToNextHit(bool backward);

@@ -30,6 +30,9 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     ClickButton(*window, "RefuseProposal");
     EXPECT_FALSE(Proposal().isVisible());
     EXPECT_EQ(Template(), before);
+    Trigger(u"acRotateLeft"_s);
+    Trigger(u"acUndo"_s);
+    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 1500)) << "once a photo";
 
     Trigger(u"acAlignToFace"_s);
     EXPECT_NEAR(Template().center().x(), DrawnChin.x(), 5);

@@ -264,6 +264,12 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
     platform::WriteRegistryInteger(u"DBCount"_s, 0);
     window.reset();
     EXPECT_EQ(platform::ReadRegistryInteger(u"DBCount"_s), 41) << "written back as it was read";
+    Start();
+    const QString registry = platform::RegistryFolder();
+    ASSERT_TRUE(QFile::rename(registry, registry + u" weg"_s));
+    platform::WriteFileAtomically(registry, "no folder");
+    window.reset();  // and not a word
+    ASSERT_TRUE(QFile::remove(registry) && QFile::rename(registry + u" weg"_s, registry));
 
     Start();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
