@@ -81,9 +81,13 @@ std::unique_ptr<store::Database> OpenServer(
     [[maybe_unused]] const store::ServerAddress& address,
     [[maybe_unused]] const store::ServerPatience& patience) {
 #ifdef KADRONA_WITH_POSTGRES
-    const auto connect = platform::PartFunction<decltype(kadrona_connect_to_server)>(
-        "kadrona-server", "kadrona_connect_to_server");
-    return std::unique_ptr<store::Database>(connect(address, patience));
+    try {
+        const auto connect = platform::PartFunction<decltype(kadrona_connect_to_server)>(
+            "kadrona-server", "kadrona_connect_to_server");
+        return std::unique_ptr<store::Database>(connect(address, patience));
+    } catch (const platform::PartMissing& missing) {
+        throw store::StoreError(missing.Text());
+    }
 #else
     throw store::StoreError(
         u"Dieses Programm wurde ohne die Bibliothek für PostgreSQL-Server gebaut."_s);

@@ -32,7 +32,8 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     EXPECT_EQ(Template(), before);
     Trigger(u"acRotateLeft"_s);
     Trigger(u"acUndo"_s);
-    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 1500)) << "once a photo";
+    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 1500))
+        << "once a photo";
 
     Trigger(u"acAlignToFace"_s);
     EXPECT_NEAR(Template().center().x(), DrawnChin.x(), 5);

@@ -9,6 +9,7 @@
 #include "core/base/RecentPhotos.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/templates/LayoutFile.h"
+#include "platform/AtomicFile.h"
 #include "platform/UserRegistry.h"
 #include "tests/app/StoryFixture.h"
 
@@ -267,7 +268,7 @@ TEST_F(Story, ASecondStartRestoresTheWindowAndTheCounter) {
     Start();
     const QString registry = platform::RegistryFolder();
     ASSERT_TRUE(QFile::rename(registry, registry + u" weg"_s));
-    platform::WriteFileAtomically(registry, "no folder");
+    platform::WriteFileAtomically(registry, QByteArray("no folder"));
     window.reset();  // and not a word
     ASSERT_TRUE(QFile::remove(registry) && QFile::rename(registry + u" weg"_s, registry));
 
@@ -298,8 +299,11 @@ TEST_F(Story, TheStatusBarNamesTheTemplateAndItsLinkTheMaker) {
     Open("photo.png", 1);
     EXPECT_EQ(Child<QLabel>(*window, "TemplateName").text(), u"USA"_s);
     EXPECT_EQ(window->View().accessibleDescription(), u"Schablone: USA"_s);
-    driver.Press(u"fmAbout"_s, u"btnOk"_s);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "");
+    driver.Answer({u"https://www.veltmark.example/kadrona"_s, u"kein Webbrowser"_s}, u"OkButton"_s);
     ClickButton(*window, "StatusPanel2");
+    qputenv("PATH", path);
     QDir().mkpath(installation.Path("bilder"));
     Setting<QLineEdit>("ImageDestinationDir").setText(installation.Path("bilder"));
     driver.Expect(u"fmAbout"_s, [this](QWidget& shown) {
