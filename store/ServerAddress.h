@@ -5,8 +5,6 @@
 
 namespace kadrona::store {
 
-class Database;
-
 /// Where a database server is, and as whom to work with it.
 struct ServerAddress {
     static constexpr int UsualPort = 5432;
@@ -31,8 +29,3 @@ struct ServerPatience {
 };
 
 }  // namespace kadrona::store
-
-/// What the part "kadrona-server" offers: a connection to a PostgreSQL server, for the caller to
-/// delete. Throws ConnectionLost and StoreError.
-extern "C" kadrona::store::Database* kadrona_connect_to_server(
-    const kadrona::store::ServerAddress& address, const kadrona::store::ServerPatience& patience);

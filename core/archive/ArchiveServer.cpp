@@ -8,6 +8,7 @@
 #include "platform/ProgramPart.h"
 #include "platform/PropertyFile.h"
 #include "platform/UserRegistry.h"
+#include "store/ServerPart.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/Transaction.h"

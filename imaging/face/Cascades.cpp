@@ -4,6 +4,7 @@
 #include <array>
 #include <opencv2/core/mat.hpp>
 
+#include "imaging/face/FacesPart.h"
 #include "platform/ProgramPart.h"
 
 using namespace Qt::StringLiterals;

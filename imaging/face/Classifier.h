@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QRect>
-#include <QString>
 #include <vector>
 
 namespace cv {
@@ -28,7 +27,3 @@ class Classifier {
 };
 
 }  // namespace kadrona::imaging
-
-/// What the part "kadrona-faces" offers: the classifier of a file, for the caller to delete. Null
-/// where the file is missing or damaged.
-extern "C" kadrona::imaging::Classifier* kadrona_load_classifier(const QString& path);

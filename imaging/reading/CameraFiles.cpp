@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "imaging/reading/CamerasPart.h"
 #include "platform/ByteReader.h"
 #include "platform/ProgramPart.h"
 

@@ -4,10 +4,6 @@
 
 namespace kadrona::imaging {
 
-/// What telephones and cameras write. The libraries that decode it are large: they belong to a part
-/// of the program that is opened when the first such file is read.
-enum class CameraFormat { Heif, JpegXl, Raw };
-
 /// True where a file that starts with these bytes is a HEIF: HEIC (what telephones write) or AVIF.
 bool IsHeif(QByteArrayView start);
 /// True where a file that starts with these bytes is a JPEG XL, by itself or in boxes.
@@ -25,9 +21,3 @@ DecodedImage ReadJpegXl(const ReadTask& task);
 DecodedImage ReadRaw(const ReadTask& task);
 
 }  // namespace kadrona::imaging
-
-/// What the part "kadrona-cameras" offers: decodes the file of `task` into `decoded`. Throws
-/// ReadError and ReadCancelled.
-extern "C" void kadrona_decode_camera_file(kadrona::imaging::CameraFormat format,
-                                           const kadrona::imaging::ReadTask& task,
-                                           kadrona::imaging::DecodedImage& decoded);

@@ -1,9 +1,9 @@
+#include "imaging/face/FacesPart.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <memory>
 #include <opencv2/objdetect.hpp>
-
-#include "imaging/face/Classifier.h"
 
 namespace {
 

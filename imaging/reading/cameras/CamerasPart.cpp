@@ -1,4 +1,5 @@
-#include "imaging/reading/CameraFiles.h"
+#include "imaging/reading/CamerasPart.h"
+
 #include "imaging/reading/cameras/HeifReader.h"
 #include "imaging/reading/cameras/JpegXlReader.h"
 #include "imaging/reading/cameras/RawReader.h"

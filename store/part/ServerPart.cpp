@@ -1,3 +1,5 @@
+#include "store/ServerPart.h"
+
 #include <memory>
 
 #include "store/postgres/PostgresDatabase.h"
