@@ -9,7 +9,7 @@
 
 #include "imaging/codec/Release.h"
 #include "imaging/pixels/NewImage.h"
-#include "imaging/reading/HeifItems.h"
+#include "imaging/reading/cameras/HeifItems.h"
 
 using namespace Qt::StringLiterals;
 

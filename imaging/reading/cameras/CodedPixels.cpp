@@ -1,4 +1,4 @@
-#include "imaging/reading/CodedPixels.h"
+#include "imaging/reading/cameras/CodedPixels.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "imaging/reading/HeifItems.h"
+#include "imaging/reading/cameras/HeifItems.h"
 
 #include <QHash>
 #include <algorithm>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "imaging/reading/CodedPixels.h"
+#include "imaging/reading/cameras/CodedPixels.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
