@@ -87,7 +87,10 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     layout->setContentsMargins(16, 14, 16, 14);
     layout->addLayout(columns, 1);
     layout->addLayout(foot);
+    ConnectControls(*buttons);
+}
 
+void UploadDialog::ConnectControls(const QDialogButtonBox& buttons) {
     const auto make = [this] { controls::Guarded(this, [this] { Make(); }); };
     connect(delay_, &QTimer::timeout, this, make);
     connect(edit_, &UploadFiguresEdit::Changed, this, [this] {
@@ -98,8 +101,8 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
         edit_->setEnabled(own);
         make();
     });
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(&buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(&buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
 void UploadDialog::BuildPicture() {

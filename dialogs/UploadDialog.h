@@ -6,6 +6,7 @@
 #include "controls/messages/ModalResult.h"
 #include "core/sheet/UploadFile.h"
 
+class QDialogButtonBox;
 class QLabel;
 class QPushButton;
 class QRadioButton;
@@ -40,6 +41,7 @@ class UploadDialog : public QDialog {
     Choice Chosen() const;
 
  private:
+    void ConnectControls(const QDialogButtonBox& buttons);
     void BuildPicture();
     QWidget* BuildFigures();
     void Make();

@@ -34,6 +34,27 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     lbProfiles_ = new controls::SelectionList(u"lbProfiles"_s, u"Profile"_s);
     lbProfiles_->setMinimumSize(SmallestList);
     lbProfiles_->SetEmptyText(u"Noch kein Profil. „Neues Profil“ fragt nach dem Drucker."_s);
+    auto* explanation = new QLabel(
+        u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
+    explanation->setWordWrap(true);
+    explanation->setContentsMargins(0, 0, 0, 6);
+    auto* caption = new QLabel(u"&Profile"_s);
+    caption->setBuddy(lbProfiles_);
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(16, 14, 16, 14);
+    layout->addWidget(explanation, 0, 0, 1, 2);
+    layout->addWidget(caption, 1, 0);
+    layout->addWidget(lbProfiles_, 2, 0);
+    layout->addLayout(BuildButtons(), 2, 1);
+    layout->setHorizontalSpacing(10);
+    layout->setColumnStretch(0, 1);
+    layout->setRowStretch(2, 1);
+    ConnectControls();
+    // An index that cannot be read must not keep the program from starting.
+    controls::Guarded(parent, [this] { FormCreate(); });
+}
+
+QLayout* TPrintProfilDlg::BuildButtons() {
     btnNewProfile_ = NamedButton(u"btnNewProfile"_s, u"&Neues Profil"_s);
     btnDelProfile_ = NamedButton(u"btnDelProfile"_s, u"Profil &löschen"_s);
     btnChangeProfile_ = NamedButton(u"btnChangeProfile"_s, u"Profil ände&rn …"_s);
@@ -42,13 +63,6 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     btnDelProfile_->setEnabled(false);
     btnChangeProfile_->setEnabled(false);
     btnCalibrate_->setEnabled(false);
-
-    auto* explanation = new QLabel(
-        u"Hier können Sie beliebige Druckereinstellungen speichern und bei Bedarf anwenden."_s);
-    explanation->setWordWrap(true);
-    explanation->setContentsMargins(0, 0, 0, 6);
-    auto* caption = new QLabel(u"&Profile"_s);
-    caption->setBuddy(lbProfiles_);
     auto* buttons = new QVBoxLayout;
     buttons->setSpacing(6);
     buttons->addWidget(btnNewProfile_);
@@ -57,18 +71,7 @@ TPrintProfilDlg::TPrintProfilDlg(core::TData& data, TEinstellungenFm& settings, 
     buttons->addWidget(btnCalibrate_);
     buttons->addStretch();
     buttons->addWidget(btnClose_);
-    auto* layout = new QGridLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->addWidget(explanation, 0, 0, 1, 2);
-    layout->addWidget(caption, 1, 0);
-    layout->addWidget(lbProfiles_, 2, 0);
-    layout->addLayout(buttons, 2, 1);
-    layout->setHorizontalSpacing(10);
-    layout->setColumnStretch(0, 1);
-    layout->setRowStretch(2, 1);
-    ConnectControls();
-    // An index that cannot be read must not keep the program from starting.
-    controls::Guarded(parent, [this] { FormCreate(); });
+    return buttons;
 }
 
 void TPrintProfilDlg::ConnectControls() {

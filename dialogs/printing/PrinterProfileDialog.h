@@ -33,6 +33,7 @@ class TPrintProfilDlg : public QDialog {
     controls::ModalResult ShowEx();
 
  private:
+    QLayout* BuildButtons();
     void ConnectControls();
     void FormCreate();
     void btnNewProfileClick();
