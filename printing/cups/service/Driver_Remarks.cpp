@@ -19,7 +19,7 @@ PrinterPaper Driver::PrinterPaperOf(const DeviceMode& mode) const {
     setting.remarks = MissingChoices(mode);
     if (PaperIsMoved(mode)) {
         setting.uncalibratedRemarks.append(
-            u"Ohne Rand beginnt dieser Treiber nach eigener Angabe 2,8 mm links und 2,1 mm über dem Papier. Das ist ausgeglichen, aber an keinem Drucker gemessen: Bis das Druckprofil kalibriert ist, können die Fotos um so viel verschoben sein."_s);
+            u"Randlos können die Fotos bei diesem Treiber um bis zu 2,8 mm seitlich und 2,1 mm in der Höhe verschoben sein, bis das Druckprofil kalibriert ist."_s);
     }
     if (!setting.geometry.IsKnown()) {
         setting.remarks.append(

@@ -121,6 +121,10 @@ constexpr auto Words = std::to_array<Phrase>({
     {u"main roll", u"Rolle"},
     {u"roll feed", u"Rolle"},
     {u"disc", u"CD/DVD"},
+    {u"cd tray", u"CD-Einzug"},
+    {u"selected by paper select key", u"Laut Papierwahltaste"},
+    {u"automatic paper source switching", u"Automatischer Wechsel"},
+    {u"continuous autofeed", u"Fortlaufender Einzug"},
     // kinds of paper
     // (PWG 5101.1, as the print service writes those of printers without a driver)
     {u"stationery", u"Normalpapier"},
