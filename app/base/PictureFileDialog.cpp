@@ -32,6 +32,9 @@ const QString OpenFolderValue = u"OpenFolder"_s;
 const QString SaveFolderValue = u"SaveFolder"_s;
 const QString ChosenFolderValue = u"ChosenFolder"_s;
 
+/// Whether the dialog that opens begins with the filter of everything that can be read.
+const QString OpenAllValue = u"OpenAllFormats"_s;
+
 constexpr std::array FolderValues{&OpenFolderValue, &SaveFolderValue, &ChosenFolderValue};
 
 /// Empty where it cannot be read: the dialog opens all the same.
@@ -64,6 +67,32 @@ QString StartFolder(const QString& wanted, const QString& name) {
         }
     }
     return QDir::homePath();
+}
+
+/// The last filter shows everything that can be read; the first, with which the dialog begins
+/// otherwise, leaves out what telephones and cameras write.
+void ChooseRememberedFilter(QFileDialog& window) {
+    try {
+        if (platform::ReadRegistryInteger(OpenAllValue) != 0) {
+            window.selectNameFilter(window.nameFilters().constLast());
+        }
+    } catch (const platform::Error&) {
+        // The dialog opens all the same.
+    }
+}
+
+/// A single format is chosen for once: the next folder may hold none of it.
+void RememberFilter(const QFileDialog& window) {
+    const QString chosen = window.selectedNameFilter();
+    const bool all = chosen == window.nameFilters().constLast();
+    try {
+        if ((all || chosen == window.nameFilters().constFirst()) &&
+            platform::ReadRegistryInteger(OpenAllValue) != int{all}) {
+            platform::WriteRegistryInteger(OpenAllValue, int{all});
+        }
+    } catch (const platform::Error&) {
+        // The choice itself holds.
+    }
 }
 
 /// The extension of a filter with one pattern, "PDF (*.pdf)": "pdf".
@@ -150,11 +179,14 @@ std::optional<QString> ChoosePicture(QWidget* parent, const core::OpenDialog& di
     QFileDialog window(parent, u"Bild öffnen"_s,
                        StartFolder(dialog.initialFolder, OpenFolderValue));
     window.setFileMode(QFileDialog::ExistingFile);
-    Prepare(window, u"OpenDialog"_s, dialog.filter);
+    Prepare(window, u"OpenDialog"_s,
+            dialog.filter + u"|Alle lesbaren Fotos|"_s + dialog.Patterns().join(u';'));
+    ChooseRememberedFilter(window);
     FilePreview::AddTo(window);
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) {
         return std::nullopt;
     }
+    RememberFilter(window);
     const QString file = window.selectedFiles().constFirst();
     RememberFolder(OpenFolderValue, QFileInfo(file).path());
     return file;

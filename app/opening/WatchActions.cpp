@@ -26,17 +26,6 @@ constexpr int LookShare = 20;
 /// Whoever looks for older ones opens the folder.
 constexpr int MostShown = 40;
 
-/// Those of the first entry, which holds all formats, and of those behind it.
-QStringList PhotoPatterns() {
-    const QStringList parts = core::OpenDialog::OfPhotos().filter.split(u'|');
-    QStringList patterns;
-    for (qsizetype i = 1; i < parts.size(); i += 2) {
-        patterns += parts.at(i).split(u';');
-    }
-    patterns.removeDuplicates();
-    return patterns;
-}
-
 }  // namespace
 
 WatchActions::WatchActions(controls::PhotoStrip& strip, const core::Settings& settings,
@@ -70,7 +59,8 @@ void WatchActions::FollowSettings() {
         return;
     }
     watch_ = folder.isEmpty() ? nullptr
-                              : std::make_unique<platform::FolderWatch>(folder, PhotoPatterns());
+                              : std::make_unique<platform::FolderWatch>(
+                                    folder, core::OpenDialog::OfPhotos().Patterns());
     strip_.SetFiles({});
     if (watch_) {
         timer_->start();

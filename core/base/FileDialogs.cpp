@@ -21,6 +21,16 @@ OpenDialog OpenDialog::OfPhotos() {
             u"JPEG XL (*.jxl)|*.jxl"_s};
 }
 
+QStringList OpenDialog::Patterns() const {
+    const QStringList parts = filter.split(u'|');
+    QStringList patterns;
+    for (qsizetype i = 1; i < parts.size(); i += 2) {
+        patterns += parts.at(i).split(u';');
+    }
+    patterns.removeDuplicates();
+    return patterns;
+}
+
 SaveDialog SaveDialog::OfPhotos() {
     return {.title = u"Passbild speichern"_s,
             .filter =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace kadrona::core {
 
@@ -12,6 +13,9 @@ struct OpenDialog {
 
     /// With the formats that are offered, and no folder yet.
     static OpenDialog OfPhotos();
+
+    /// "*.gif" and so on, of all entries, each once.
+    QStringList Patterns() const;
 };
 
 /// The dialog that saves passport photos.
