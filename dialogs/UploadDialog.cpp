@@ -216,11 +216,25 @@ void UploadDialog::ShowFile() {
                                    ? u"alle Farben (4:4:4)"_s
                                    : u"Farben halb so fein (4:2:0)"_s));
     bytes_->setText(german.toString(file_.bytes.size()) + u" Bytes"_s);
-    const bool met = file_.shortfall.isEmpty();
-    state_->setText(met ? u"✓ Die Datei hält die Vorgaben ein."_s : u"✗ "_s + file_.shortfall);
     warning_->setVisible(file_.enlarged);
-    controls::SetTone(*state_, met ? controls::Tone::Good : controls::Tone::Bad);
+    ShowVerdict();
+}
+
+/// Where nothing is asked for, nothing is met.
+void UploadDialog::ShowVerdict() {
+    using controls::Tone;
+    const bool met = file_.shortfall.isEmpty();
     save_->setEnabled(met);
+    if (!met) {
+        state_->setText(u"✗ "_s + file_.shortfall);
+        controls::SetTone(*state_, Tone::Bad);
+    } else if (request_.figures.SameAs({})) {
+        state_->setText(u"! Ohne Vorgaben: Sehen Sie nach, was das Portal annimmt."_s);
+        controls::SetTone(*state_, Tone::Warning);
+    } else {
+        state_->setText(u"✓ Die Datei hält die Vorgaben ein."_s);
+        controls::SetTone(*state_, Tone::Good);
+    }
 }
 
 }  // namespace kadrona::dialogs

@@ -47,6 +47,7 @@ class UploadDialog : public QDialog {
     void Make();
     QSize RoomForPicture();
     void ShowFile();
+    void ShowVerdict();
 
     core::UploadRequest request_;
     core::UploadFigures published_;
