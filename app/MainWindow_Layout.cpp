@@ -163,6 +163,8 @@ void TmainFm::BuildSidePanel() {
     sidePanel_->AddSection(sheetSection_);
     traySection_ = new dialogs::TraySection;
     sidePanel_->AddSection(traySection_);
+    // Not the link of the status bar, which is next.
+    connect(sidePanel_, &dialogs::SidePanel::FocusLeft, view_, [this] { view_->setFocus(); });
 }
 
 /// What can be made beside the prints, under a sheet.

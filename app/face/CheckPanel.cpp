@@ -65,6 +65,7 @@ CheckPanel::CheckPanel(PhotoSession& session, PhotoFace& face, QWidget& window, 
 void CheckPanel::acShowCheckExecute() {
     const bool shown = actions_.IsChecked(Action::ShowCheck);
     panel_.ShowSection(&section_, shown);
+    panel_.Reveal(&section_);
     if (!shown) {
         section_.SetPointsMovable(false);
     }

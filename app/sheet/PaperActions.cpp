@@ -62,6 +62,7 @@ PaperActions::PaperActions(PhotoSession& session, const Surroundings& around)
         const bool shown = around_.actions.IsChecked(Action::ShowSheet);
         platform::WriteRegistryInteger(SheetShownValue, shown ? 1 : 0);
         ShowSections(shown);
+        around_.panel.Reveal(&around_.section);
     });
     around_.actions.Connect(Action::AddToSheet, this, [this] { acAddToSheetExecute(); });
     connect(&session, &PhotoSession::Changed, this, [this] { Update(); });
@@ -266,8 +267,10 @@ void PaperActions::UpdateTray() {
     if (!items.empty()) {
         try {
             layout = core::LayOutCollected(items, choice);
-            summary = u"%1 auf %2"_s.arg(PicturesText(static_cast<qsizetype>(layout.copies.size())),
-                                         core::SizeText(core::CollectedPaper(choice)));
+            // The line below each takes room that a plain sheet does not need.
+            summary = u"%1 mit Beschriftung auf %2"_s.arg(
+                PicturesText(static_cast<qsizetype>(layout.copies.size())),
+                core::SizeText(core::CollectedPaper(choice)));
         } catch (const platform::Error& error) {
             summary = error.Text();
         }

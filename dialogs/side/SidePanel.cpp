@@ -1,7 +1,9 @@
 #include "dialogs/side/SidePanel.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -36,6 +38,7 @@ void SidePanel::AddSection(QWidget* section) {
 }
 
 void SidePanel::ShowSection(QWidget* section, bool shown) {
+    const bool hadFocus = section->isAncestorOf(QApplication::focusWidget());
     section->setVisible(shown);
     shown_.removeAll(section);
     if (shown) {
@@ -43,6 +46,18 @@ void SidePanel::ShowSection(QWidget* section, bool shown) {
     }
     setVisible(!shown_.isEmpty());
     FitWidth();
+    if (!shown && hadFocus) {
+        Q_EMIT FocusLeft();
+    }
+}
+
+void SidePanel::Reveal(const QWidget* section) {
+    // Once it has its place.
+    QTimer::singleShot(0, section, [this, section] {
+        if (section->isVisible()) {
+            verticalScrollBar()->setValue(section->y());
+        }
+    });
 }
 
 /// What does not wrap must not be cut off.

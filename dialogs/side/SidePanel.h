@@ -17,6 +17,12 @@ class SidePanel : public QScrollArea {
     /// Takes a section, folded away at first.
     void AddSection(QWidget* section);
     void ShowSection(QWidget* section, bool shown);
+    /// Scrolls to a section that others stand above.
+    void Reveal(const QWidget* section);
+
+ Q_SIGNALS:
+    /// A section that had the focus was folded away.
+    void FocusLeft();
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
