@@ -98,8 +98,10 @@ void SheetActions::TellSaved(const core::PhotoSaver::Saved& saved) {
     }
     QString text = u"Gespeichert: "_s + QFileInfo(saved.path).fileName();
     if (saved.resolution.value > 0) {
+        constexpr int Tenth = core::MicrometresPerMillimetre / 10;
         const QSizeF inches = QSizeF(saved.size) / saved.resolution.value;
-        text += u", "_s + core::SizeText((inches * core::MicrometresPerInch).toSize());
+        const QSizeF tenths = inches * core::MicrometresPerInch / Tenth;
+        text += u", "_s + core::SizeText(tenths.toSize() * Tenth);
     }
     Q_EMIT actions_.Succeeded(text);
 }

@@ -25,7 +25,7 @@ TEST_F(SavingStory, QuickSaveWritesTheScaledPhotoAndShowsTheUnscaledOne) {
     EXPECT_EQ(QImageReader(installation.Path("saved/Bildname.jpg")).size(), QSize(413, 531));
     EXPECT_EQ(Image().Photo().Size(), made);
     EXPECT_EQ(Child<QLabel>(*window, "StatusNotice").text(),
-              u"Gespeichert: Bildname.jpg, 50,677 x 65,157 mm"_s)
+              u"Gespeichert: Bildname.jpg, 50,7 x 65,2 mm"_s)
         << "what was written";
     EXPECT_TRUE(IsEnabled(u"acSaveImageFast"_s));
 }
