@@ -10,6 +10,7 @@
 #include <map>
 
 #include "controls/messages/ActionGuard.h"
+#include "controls/theme/Tone.h"
 #include "dialogs/archive/ArchiveUpkeep.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "platform/HarmlessText.h"
@@ -114,13 +115,18 @@ void ArchiveCheckDialog::List() {
         }
         kind->setExpanded(true);
     }
-    summary_->setText(Summary(report_));
-    findings_->setVisible(!report_.findings.empty());
-    advice_->setVisible(!report_.findings.empty());
+    const bool isSound = report_.findings.empty();
+    summary_->setText((isSound ? u"✓ "_s : QString()) + Summary(report_));
+    controls::SetTone(*summary_, isSound ? controls::Tone::Good : controls::Tone::Plain);
+    findings_->setVisible(!isSound);
+    advice_->setVisible(!isSound);
     if (findings_->topLevelItemCount() > 0) {
         findings_->setCurrentItem(findings_->topLevelItem(0));
     }
     ShowCurrent();
+    if (isSound) {
+        resize(width(), layout()->heightForWidth(width()));  // one sentence and a button
+    }
 }
 
 core::ArchiveFault ArchiveCheckDialog::CurrentFault() const {

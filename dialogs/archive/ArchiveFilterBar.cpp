@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QSignalBlocker>
 
+#include "dialogs/archive/DateField.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::dialogs {
@@ -16,11 +18,9 @@ namespace {
 enum Days { All, Today, Week, Month, Year, Own };
 
 QDateEdit* NewDateEdit(const QString& name, const QString& spoken) {
-    auto* edit = new QDateEdit(QDate::currentDate());
+    QDateEdit* edit = NewDateField(QDate::currentDate());
     edit->setObjectName(name);
     edit->setAccessibleName(spoken);
-    edit->setCalendarPopup(true);
-    edit->setDisplayFormat(u"dd.MM.yyyy"_s);
     return edit;
 }
 

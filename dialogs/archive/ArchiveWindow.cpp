@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QScopeGuard>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -134,6 +135,8 @@ void TfmImgSearch::BuildLayout() {
         controls::CommandButton* button = bar->AddAction(action, controls::Caption::Shown);
         if (action == acArchive_) {
             button->setPopupMode(QToolButton::InstantPopup);
+            button->style()->unpolish(button);
+            button->style()->polish(button);  // leaves room for the arrow
             connect(action, &QAction::triggered, button, &QToolButton::showMenu);  // by a key
             // The mouse leaves the button unseen where an entry opens a dialog.
             connect(action->menu(), &QMenu::aboutToHide, button, [button] {

@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "core/archive/ArchiveRetention.h"
+#include "dialogs/archive/DateField.h"
 
 using namespace Qt::StringLiterals;
 
@@ -89,11 +90,8 @@ std::optional<std::optional<int>> AskForPeriod(QWidget* parent, std::optional<in
 std::optional<std::optional<QDate>> AskForDay(QWidget* parent, std::optional<QDate> until,
                                               QDate today) {
     constexpr int ProposedMonths = 12;
-    auto* limit = new QDateEdit;
-    limit->setCalendarPopup(true);
-    limit->setDisplayFormat(u"dd.MM.yyyy"_s);
     // A day that has gone by is refused with the reason: a bound would change what is typed.
-    limit->setDate(until.value_or(today.addMonths(ProposedMonths)));
+    QDateEdit* limit = NewDateField(until.value_or(today.addMonths(ProposedMonths)));
     LimitDialog dialog(parent, u"Löschdatum"_s, u"Aufbewahren &bis"_s, until.has_value(), limit, {},
                        u"Ohne Haken gilt, was für das ganze Archiv festgelegt ist."_s);
     return dialog.Ask([limit] { return limit->date(); });
