@@ -26,22 +26,23 @@ constexpr QSize LibrariesSize(760, 520);
 
 }  // namespace
 
-TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), folders_(new QLabel) {
+TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), text_(new QLabel), folders_(new QLabel) {
     setObjectName(u"fmAbout"_s);
     setWindowTitle(u"Über"_s);
     auto* symbol = new QLabel;
     symbol->setPixmap(ApplicationIcon().pixmap(QSize(72, 72), devicePixelRatioF()));
-    auto* text = new QLabel(
+    const QString text =
         u"<h2>%1</h2><p>%2</p><p>Macht aus einem Porträt biometrische Pass- und "
         u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>%3 · <a href=\"%4\">%4</a></p>"
         u"<p>Freie Software unter der GNU General Public License,<br>Fassung 3 oder später, "
         u"ohne jede Gewährleistung.<br>Gebaut mit Qt %5.</p>"_s.arg(
             core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
-            QLatin1StringView(qVersion())));
-    text->setTextFormat(Qt::RichText);
-    text->setAccessibleName(QTextDocumentFragment::fromHtml(text->text()).toPlainText());
-    text->setOpenExternalLinks(true);
-    text->setTextInteractionFlags(Qt::TextBrowserInteraction);
+            QLatin1StringView(qVersion()));
+    text_->setTextFormat(Qt::RichText);
+    text_->setText(text);
+    text_->setAccessibleName(QTextDocumentFragment::fromHtml(text).toPlainText());
+    text_->setOpenExternalLinks(true);
+    text_->setTextInteractionFlags(Qt::TextBrowserInteraction);
 
     folders_->setObjectName(u"Folders"_s);
     folders_->setTextFormat(Qt::RichText);
@@ -57,7 +58,7 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), folders_(new QLabel) {
     row->setSpacing(20);
     row->addWidget(symbol, 0, Qt::AlignTop);
     auto* texts = new QVBoxLayout;
-    texts->addWidget(text);
+    texts->addWidget(text_);
     texts->addWidget(folders_);
     row->addLayout(texts);
     auto* layout = new QVBoxLayout(this);
@@ -76,6 +77,14 @@ QWidget* TfmAbout::BuildButtons() {
     buttons->button(QDialogButtonBox::Ok)->setObjectName(u"btnOk"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     return buttons;
+}
+
+/// A text keeps the colour that links had when it was set.
+void TfmAbout::showEvent(QShowEvent* event) {
+    const QString text = text_->text();
+    text_->clear();
+    text_->setText(text);
+    QDialog::showEvent(event);
 }
 
 void TfmAbout::SetFolders(const QList<Folder>& folders) {

@@ -24,10 +24,14 @@ class TfmAbout : public QDialog {
     /// Each is shown as a link that opens the file manager.
     void SetFolders(const QList<Folder>& folders);
 
+ protected:
+    void showEvent(QShowEvent* event) override;
+
  private:
     QWidget* BuildButtons();
     void ShowLibraries();
 
+    QLabel* text_;
     QLabel* folders_;
 };
 
