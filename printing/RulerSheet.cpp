@@ -47,17 +47,21 @@ void DrawCorners(QPainter& painter, const QRect& paper) {
     }
 }
 
+/// Below the one line and left of the other, where neither has marks. Their crossing is what is
+/// measured from the paper's edges.
 void DrawText(QPainter& painter, const RulerLines& lines) {
     QFont font;
-    font.setPixelSize(3 * DotsPerMillimetre);
+    font.setPixelSize(25);
     painter.setFont(font);
     const int acrossHalf = static_cast<int>(lines.across) * DotsPerMillimetre / 2;
     const int alongHalf = static_cast<int>(lines.along) * DotsPerMillimetre / 2;
-    painter.drawText(acrossHalf - 9 * DotsPerMillimetre, 4 * DotsPerMillimetre,
-                     u"A %1 mm"_s.arg(lines.across));
-    painter.drawText(DotsPerMillimetre, 2 * DotsPerMillimetre - alongHalf,
-                     u"B %1 mm"_s.arg(lines.along));
-    painter.drawText(-17 * DotsPerMillimetre, -23 * DotsPerMillimetre, u"35 × 45 mm"_s);
+    const auto drawUpTo = [&](int right, int baseline, const QString& text) {
+        painter.drawText(right - painter.fontMetrics().horizontalAdvance(text), baseline, text);
+    };
+    drawUpTo(acrossHalf, 3 * DotsPerMillimetre, u"A %1 mm"_s.arg(lines.across));
+    drawUpTo(-DotsPerMillimetre, 2 * DotsPerMillimetre - alongHalf, u"B %1 mm"_s.arg(lines.along));
+    drawUpTo(-DotsPerMillimetre, 3 * DotsPerMillimetre, u"Kreuz"_s);
+    drawUpTo(-DotsPerMillimetre, -23 * DotsPerMillimetre, u"35 × 45 mm"_s);
 }
 
 }  // namespace
