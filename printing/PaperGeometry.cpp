@@ -32,7 +32,7 @@ QString SidesText(const QMarginsF& lost) {
                                             {u"oben"_s, lost.top()},
                                             {u"unten"_s, lost.bottom()}}) {
         if (millimetres > 0) {
-            sides.append(u"%1 %2 mm"_s.arg(side, Number(millimetres)));
+            sides.append(u"%1 %2\u00a0mm"_s.arg(side, Number(millimetres)));
         }
     }
     const QString last = sides.isEmpty() ? QString() : sides.takeLast();

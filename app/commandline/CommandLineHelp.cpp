@@ -65,8 +65,8 @@ Optionen von „check“:
   --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
 
 Optionen von „archive“:
-  --folder ARCHIV         Ordner des Bildarchivs; sonst der der Einstellungen. „check“ sieht einen
-                          anderen nur an
+  --folder ARCHIV         Ordner des Bildarchivs; sonst der der
+                          Einstellungen. „check“ sieht einen anderen nur an
   --out ORDNER            Ziel; das einer Sicherung ist leer oder eine ältere
   --search TEXT           Suche wie im Fenster „Bild Archiv“
 

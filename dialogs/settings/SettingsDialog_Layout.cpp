@@ -252,6 +252,8 @@ void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     auto* own = Named<controls::WrappingCheckBox>(
         u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
     uploadFigures_ = new UploadFiguresEdit;
+    uploadFigures_->setEnabled(own->isChecked());
+    connect(own, &QCheckBox::toggled, uploadFigures_, &QWidget::setEnabled);
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
     layout.addWidget(Named<controls::WrappingCheckBox>(
         u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte &Bilder schreiben"_s));

@@ -157,7 +157,7 @@ TEST_F(PrintStory, TheJobIsFollowedAndTheLastSheetCanBePrintedAgain) {
 TEST_F(PrintStory, APaperThatIsTooSmallWarnsAndCanBeRefusedOrTurned) {
     MakeSheet();
     printer.paper = QSizeF(105, 147);
-    const QString lost = u"links 21,3 mm und rechts 21,3 mm gehen verloren"_s;
+    const QString lost = u"links 21,3\u00a0mm und rechts 21,3\u00a0mm gehen verloren"_s;
     for (const bool print : {false, true}) {
         ExpectBeforePrint();
         driver.Answer({lost, u"Fotos: 147,5 × 92,5 mm\nPapier: 105,0 × 147,0 mm, davon"_s},

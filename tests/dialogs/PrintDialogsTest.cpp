@@ -255,7 +255,8 @@ TEST_F(PrintDialogs, TheSheetIsShownOnTheSelectedProfilesPaper) {
         printer.paper = QSizeF(100, 100);
         Child<QListWidget>(shown, "lbProfiles").setCurrentRow(1);
         EXPECT_TRUE(QTest::qWaitFor([&] { return text("PaperLabel").contains(u"quer 101,0 %"); }));
-        EXPECT_EQ(text("WarningLabel"), u"Abgeschnitten (rot): links 23,5 mm und rechts 23,5 mm"_s)
+        EXPECT_EQ(text("WarningLabel"),
+                  u"Abgeschnitten (rot): links 23,5\u00a0mm und rechts 23,5\u00a0mm"_s)
             << "a printer that shrinks loses more";
         printer.failure = u"Der Druckdienst antwortet nicht."_s;
         Child<QListWidget>(shown, "lbProfiles").setCurrentRow(0);
