@@ -2,6 +2,7 @@
 
 #include <QCalendarWidget>
 #include <QDateEdit>
+#include <QHeaderView>
 #include <QTableView>
 #include <QTextCharFormat>
 
@@ -17,10 +18,11 @@ QDateEdit* NewDateField(QDate day) {
     for (const Qt::DayOfWeek weekend : {Qt::Saturday, Qt::Sunday}) {
         field->calendarWidget()->setWeekdayTextFormat(weekend, QTextCharFormat());
     }
-    // Its size leaves out the frame, and the last week would go under a scroll bar.
+    // Its size leaves out the frame and knows no least height of a week: the last one would be cut.
     auto* days = field->calendarWidget()->findChild<QTableView*>();
     days->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     days->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    days->verticalHeader()->setMinimumSectionSize(1);
     return field;
 }
 
