@@ -15,6 +15,7 @@
 #include "store/postgres/AnswerWatch.h"
 #include "store/postgres/CancelRequest.h"
 #include "store/postgres/HostLookup.h"
+#include "store/postgres/PasswordCost.h"
 #include "store/postgres/ServerReason.h"
 
 namespace kadrona::store {
@@ -160,6 +161,7 @@ void ServerLink::Connect(const ServerAddress& address) {
         connection_.get(), [](void*, const char*) {}, nullptr);
     PQsetErrorVerbosity(connection_.get(), PQERRORS_VERBOSE);
     AnswerWatch answer(PQsocket(connection_.get()), patience_.connecting, false);
+    PasswordCost password(connection_.get());
     PostgresPollingStatusType state = PGRES_POLLING_WRITING;
     while (state != PGRES_POLLING_OK) {
         if (state == PGRES_POLLING_FAILED || PQstatus(connection_.get()) == CONNECTION_BAD) {
@@ -176,6 +178,9 @@ void ServerLink::Connect(const ServerAddress& address) {
         if (deadline.hasExpired() ||
             WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
             GiveUp(Silent.toString());
+        }
+        if (password.IsTooHigh()) {
+            GiveUp(u"Der Server verlangt für das Kennwort mehr Rechenarbeit, als gut ist"_s);
         }
         state = PQconnectPoll(connection_.get());
         if (const QString excess = answer.Excess(); !excess.isEmpty()) {

@@ -184,7 +184,10 @@ TEST_F(ServerTest, OnlyAServerWithTheRightCertificateIsTalkedTo) {
     if (certificates.isEmpty()) {
         GTEST_SKIP() << "there is no openssl here";
     }
-    const int port = 20'000 + getpid() % 10'000;
+    QTcpServer unused;  // the system knows a port that is free
+    ASSERT_TRUE(unused.listen(QHostAddress::LocalHost));
+    const int port = unused.serverPort();
+    unused.close();
     const QString address = address_.host;
     const auto listen = [&](const QString& name, const QString& value) {
         return "PGPASSWORD=geheim psql -q -h " + address.toUtf8() + " -U kadrona postgres -c \"" +

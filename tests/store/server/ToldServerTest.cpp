@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QTcpServer>
 #include <array>
 #include <thread>
@@ -93,6 +94,44 @@ TEST(ToldServerTest, AnOldServerAndOneThatProvesNothingAreRefused) {
     EXPECT_EQ(unproven.Finish(), 0) << "no password, no user";
     const ToldServer old(Greeting("9.6.1"));
     EXPECT_TRUE(refusal(old.Address()).contains(u"zu alt: Er hat die Version 9.6"_s));
+}
+
+/// The number of rounds comes in two pieces.
+TEST(ToldServerTest, APasswordThatCostsHoursIsNotCalculated) {
+    QTcpServer listener;
+    ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
+    std::thread server([socket = static_cast<int>(listener.socketDescriptor())] {
+        pollfd connecting{.fd = socket, .events = POLLIN, .revents = 0};
+        poll(&connecting, 1, 2000);
+        const int client = accept4(socket, nullptr, nullptr, 0);
+        std::array<char, 1000> bytes{};
+        const auto asked = [&] {
+            const ssize_t count = recv(client, bytes.data(), bytes.size(), 0);
+            return QByteArray(bytes.data(), std::max<ssize_t>(count, 0));
+        };
+        const auto say = [&](const QByteArray& text) {
+            send(client, text.constData(), static_cast<size_t>(text.size()), MSG_NOSIGNAL);
+        };
+        asked();
+        say("N");
+        asked();
+        say(QByteArray("R\0\0\0\x17\0\0\0\x0aSCRAM-SHA-256\0\0", 24));
+        const QByteArray first = "r=" + asked().split('=').last() + "x,s=QUJDRA==,i=";
+        say(QByteArray("R\0\0\0", 4) + char(first.size() + 18) + QByteArray("\0\0\0\x0b", 4) +
+            first + "21474");
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        say("83647");
+        asked();
+        close(client);
+    });
+    const auto end = qScopeGuard([&] { server.join(); });
+    const ServerAddress address{.host = u"127.0.0.1"_s,
+                                .port = listener.serverPort(),
+                                .database = u"x"_s,
+                                .user = u"x"_s,
+                                .password = u"x"_s};
+    const QString text = TextOf<ConnectionLost>([&] { const PostgresDatabase refused(address); });
+    EXPECT_TRUE(text.contains(u"mehr Rechenarbeit, als gut ist"_s)) << text.toStdString();
 }
 
 /// Whatever comes ends soon and with a word.
