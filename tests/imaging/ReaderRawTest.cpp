@@ -102,6 +102,11 @@ TEST(ReaderRaw, SaysWhatIsWrong) {
     }
     EXPECT_NE(Failure(RawFile({.missingRows = 40}, Qt::gray)), QString());
     EXPECT_TRUE(Failure(file, {.maximumPixels = 3000}).contains(u"Megapixel"_s));
+    // Lossless JPEG, of which LibRaw makes black where it does not begin.
+    QByteArray coded = file;
+    const QByteArray compression = LittleEndian(quint16{0x0103}) + Packed<quint16>(3, 1, 0);
+    coded[coded.lastIndexOf(compression) + compression.size()] = 7;
+    EXPECT_NE(Failure(coded), QString());
     // A camera that nobody knows: its pixels are compressed in a way of its own.
     EXPECT_NE(Failure(QByteArray("FUJIFILMCCD-RAW") + QByteArray(5000, 'x')), QString());
     // A box whose length in eight bytes leads back to where it stands.

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "imaging/reading/ReadProgress.h"
+#include "imaging/reading/cameras/RawCompleteness.h"
 #include "imaging/reading/cameras/RawDevelopment.h"
 #include "imaging/reading/cameras/RawPreview.h"
 #include "imaging/reading/cameras/RawStream.h"
@@ -159,6 +160,9 @@ DecodedImage DecodeRaw(const ReadTask& task) {
         if (auto preview = RawPreview(task, *raw, task.Shrink())) {
             return std::move(*preview);
         }
+    }
+    if (!HasWholeRawData(file)) {
+        task.Fail(DamagedOrIncompleteFileReason());
     }
     // Developing it unturned clears it.
     const Orientation orientation = RawOrientation(*raw);
