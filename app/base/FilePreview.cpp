@@ -21,8 +21,10 @@ namespace {
 constexpr int Side = 200;
 constexpr int Width = Side + 16;
 constexpr int SettlingMilliseconds = 150;
-/// Larger ones than telephones and most cameras make would keep the dialog waiting.
-constexpr qint64 MostPixels = 26'000'000;
+/// Larger ones than telephones and most cameras make would keep the dialog waiting; JPEGs, which
+/// are decoded at an eighth of their width, only from sizes on that no camera makes.
+constexpr imaging::ReadOptions Small{
+    .maximumPixels = 26'000'000, .maximumShrunkPixels = 120'000'000, .shrink = 8};
 
 }  // namespace
 
@@ -68,8 +70,7 @@ void FilePreview::Show() {
         return;
     }
     try {
-        const imaging::Pixels photo =
-            imaging::ReadImageFile(path_, {.maximumPixels = MostPixels, .shrink = 8}).pixels;
+        const imaging::Pixels photo = imaging::ReadImageFile(path_, Small).pixels;
         const double ratio = devicePixelRatioF();
         const int side = static_cast<int>(Side * ratio);
         const QSize size = photo.Size().scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1});

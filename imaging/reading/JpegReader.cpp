@@ -118,7 +118,10 @@ DecodedImage DecodeJpeg(const ReadTask& task) {
     JpegDecompressor jpeg(task.Device());
     ReadHeader(jpeg);
     jpeg_decompress_struct& info = jpeg.Info();
-    task.RequireAllowedSize(info.image_width, info.image_height);
+    // A progressive file keeps all its coefficients, however small it is shown.
+    const bool inRows = task.Shrink() > 1 && !jpeg_has_multiple_scans(&info);
+    task.RequireAllowedSize(info.image_width, info.image_height,
+                            inRows ? task.Options().maximumShrunkPixels : 0);
     DecodedImage decoded;
     decoded.metadata = ReadMetadata(info);
     decoded.metadata.iptc = ReadIptc(info);

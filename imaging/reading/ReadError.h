@@ -19,6 +19,9 @@ struct ReadOptions {
     bool applyOrientation = true;
     /// A file with more pixels is refused before anything of its size is allocated.
     qint64 maximumPixels = 200'000'000;
+    /// The same of a JPEG that is decoded row by row at a part of its width (shrink below), of
+    /// which only that part is ever held; 0 is maximumPixels.
+    qint64 maximumShrunkPixels = 0;
     /// 1, 2, 4 or 8: a JPEG is decoded at that part of its width, many times faster, for a picture
     /// that is only to be looked at, and of a camera's raw file its preview is taken where it has
     /// one. Other formats come as they are.

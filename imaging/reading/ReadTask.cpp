@@ -1,6 +1,7 @@
 #include "imaging/reading/ReadTask.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -11,12 +12,13 @@ void ReadTask::Fail(const QString& reason) const {
     throw ReadError(ReadErrorText(name_, reason));
 }
 
-void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
+void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) const {
     constexpr qint64 Mega = 1'000'000;
     if (width <= 0 || height <= 0) {
         Fail(u"Das Bild hat keine Pixel."_s);
     }
-    if (width <= options_.maximumPixels / height) {
+    const qint64 allowed = std::max(options_.maximumPixels, most);
+    if (width <= allowed / height) {
         return;
     }
     // Rounded away from each other, so that the text never says "200 of 200".
@@ -24,7 +26,7 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height) const {
     const auto megapixels = static_cast<qint64>(std::ceil(double(width) * double(height) / Mega));
     throw ReadError(
         u"Das Bild „%1“ hat %2 Megapixel; es werden höchstens %3 Megapixel unterstützt."_s.arg(
-            name_, german.toString(megapixels), german.toString(options_.maximumPixels / Mega)));
+            name_, german.toString(megapixels), german.toString(allowed / Mega)));
 }
 
 void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {

@@ -56,8 +56,9 @@ class ReadTask {
     /// format that is read so.
     QByteArray ReadWhole() const;
 
-    /// Throws a ReadError where a picture of that size is empty or over the allowed size.
-    void RequireAllowedSize(qint64 width, qint64 height) const;
+    /// Throws a ReadError where a picture of that size is empty or has more than `most` pixels, or
+    /// than maximumPixels where that is more.
+    void RequireAllowedSize(qint64 width, qint64 height, qint64 most = 0) const;
 
     /// Throws a ReadError where reading would take so many bytes beside the picture's 32 bits a
     /// pixel, the file itself included where it is kept meanwhile.

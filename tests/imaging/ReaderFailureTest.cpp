@@ -70,6 +70,12 @@ TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
     JpegContent content;
     content.size = {2000, 1001};
     EXPECT_EQ(Failure(Jpeg(content), options), text("3"));
+    // Of rows at an eighth nothing as large is ever held.
+    options.shrink = 8;
+    options.maximumShrunkPixels = 2'002'000;
+    EXPECT_EQ(Read(Jpeg(content), options).pixels.Size(), QSize(250, 126));
+    content.progressive = true;
+    EXPECT_EQ(Failure(Jpeg(content), options), text("3"));
     content.size = {2000, 1000};
     EXPECT_EQ(Failure(Jpeg(content), options), QString());
 }
