@@ -66,7 +66,8 @@ inline constexpr std::array ProfileRecord{
 /// profile without one has the values given here.
 inline constexpr std::array ProfileAdditions{
     ProfileEntry::Choice("AlignToFace", 1),
-    ProfileEntry::Switch("AskBeforeCut", true),
+    ProfileEntry::Switch("AskBeforeCut"),
+    ProfileEntry::Switch("AskBeforeQuickSave"),
     ProfileEntry::Switch("KeepOriginals"),
     ProfileEntry::Switch("OpenNewestPhoto"),
     ProfileEntry::Switch("TagsInSavedFiles", true),
