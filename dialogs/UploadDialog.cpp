@@ -202,7 +202,8 @@ void UploadDialog::ShowFile() {
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     picture_->setPixmap(pixmap);
     const QSize shown = pixmap.deviceIndependentSize().toSize();
-    // While the dialog is hidden the scrolled area is not told, and keeps the bars of the file before.
+    // While the dialog is hidden the scrolled area is not told, and keeps the bars of the file
+    // before.
     picture_->resize(shown);
     scrolled_->setMinimumSize((shown + QSize(4, 4))
                                   .boundedTo(LargestPicture)
