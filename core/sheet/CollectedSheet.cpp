@@ -101,7 +101,9 @@ imaging::Pixels MakeCollectedSheet(const std::vector<CollectedItem>& items,
                                    const CollectedLayout& layout, const PaperChoice& choice) {
     PaperCanvas canvas(CollectedPaper(choice), CollectedResolution(items, choice));
     std::map<std::pair<size_t, bool>, size_t> pictures;
-    for (const CollectedLayout::Copy& copy : layout.copies) {
+    std::vector<CollectedLayout::Copy> fromTheLeft = layout.copies;
+    std::ranges::stable_sort(fromTheLeft, {}, [](const auto& copy) { return copy.place.left(); });
+    for (const CollectedLayout::Copy& copy : fromTheLeft) {
         const std::pair key(copy.item, copy.turned);
         if (!pictures.contains(key)) {
             pictures[key] =

@@ -146,8 +146,15 @@ size_t PaperCanvas::AddPhoto(const imaging::Pixels& photo, QSize size, bool turn
 }
 
 void PaperCanvas::Place(size_t picture, QPoint topLeft) {
-    const QPoint at(Pixels(topLeft.x()), Pixels(topLeft.y()));
-    sheet_.placed.push_back({picture, Inside(at, sheet_.pictures.at(picture).size())});
+    const QSize size = sheet_.pictures.at(picture).size();
+    QRect place(QPoint(Pixels(topLeft.x()), Pixels(topLeft.y())), size);
+    for (const imaging::Arrangement::Placed& before : sheet_.placed) {
+        const QRect other = sheet_.RectangleOf(before);
+        if (other.intersects(place)) {
+            place.moveLeft(other.right() + 1);
+        }
+    }
+    sheet_.placed.push_back({picture, Inside(place.topLeft(), size)});
 }
 
 void PaperCanvas::PlaceTouching(size_t picture, const std::vector<QRect>& places) {

@@ -55,6 +55,8 @@ class PaperCanvas {
     /// many as the resolution has there, and turned first where `turned`. Returns its index. Throws
     /// platform::Error where memory is short.
     size_t AddPhoto(const imaging::Pixels& photo, QSize size, bool turned);
+    /// Goes on to the right by the pixel that rounding would have it cover of one placed before;
+    /// what stands side by side is placed from the left.
     void Place(size_t picture, QPoint topLeft);
     /// Copies that touch each other in rows and columns, whose block stands in the middle of the
     /// paper: whole pixels side by side. Rounded each by itself, one would cover a pixel of the

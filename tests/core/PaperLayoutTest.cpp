@@ -175,13 +175,23 @@ TEST(PaperSheet, CopiesThatTouchAreWholeAndLeaveNoLineBetweenThem) {
     }
 }
 
-TEST(CollectedSheet, KeepsEachPictureAndItsTextOnce) {
-    const imaging::Pixels photo(QImage(35, 45, QImage::Format_RGB32));
-    const std::vector<CollectedItem> items{{photo, Passport, u"Pass"_s, u"a"_s, 2},
-                                           {photo, Passport, u"Pass"_s, u"b"_s, 1}};
-    const auto sheet = MakeCollectedSheet(items, LayOutCollected(items, {}), {});
-    EXPECT_EQ(sheet.Arranged()->pictures.size(), 4U);
-    EXPECT_EQ(sheet.Arranged()->placed.size(), 6U);
+TEST(CollectedSheet, KeepsEachPictureAndItsTextOnceAndCoversNone) {
+    const imaging::Pixels photo(QImage(33, 48, QImage::Format_RGB32));
+    const std::vector<CollectedItem> items{{photo, {33'000, 48'000}, u"Visum"_s, u"a"_s, 4},
+                                           {photo, {33'000, 47'000}, u"Visum"_s, u"b"_s, 2}};
+    PaperChoice choice;
+    choice.paper = QSize(210'000, 100'000);
+    choice.gap = 0;
+    choice.resolution = {300};
+    const auto sheet = MakeCollectedSheet(items, LayOutCollected(items, choice), choice);
+    const imaging::Arrangement& arranged = *sheet.Arranged();
+    EXPECT_EQ(arranged.pictures.size(), 4U);
+    EXPECT_EQ(arranged.placed.size(), 12U);
+    QRegion covered;
+    for (const auto& placed : arranged.placed) {
+        EXPECT_FALSE(covered.intersects(arranged.RectangleOf(placed)));
+        covered += arranged.RectangleOf(placed);
+    }
 }
 
 TEST(CollectedSheet, TakesAsManyAsFitAtTheFinestPicturesResolution) {
