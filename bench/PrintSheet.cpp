@@ -51,8 +51,9 @@ int main(int count, char** arguments) {
         layer.SetCurrentPrinter({words.value(2), {}, {}, mode.ToBlock()});
         const PrintImage image = DarkSheet(SizeOf(words.value(3)), SizeOf(words.value(4)));
         const PrinterPaper paper = layer.Paper();
-        out << (IsTurned(image, paper) ? "turned" : "upright") << '\n'
-            << PaperWarning(image, paper).section(u'\n', 0, 0) << '\n';
+        QStringList said = PaperWarning(image, paper).split(QStringLiteral("\n\n"));
+        said.removeIf([](const QString& part) { return part.startsWith(u"Fotos:"); });
+        out << (IsTurned(image, paper) ? "turned" : "upright") << '\n' << said.join(u' ') << '\n';
         layer.Print(image);
         return 0;
     } catch (const kadrona::platform::Error& error) {

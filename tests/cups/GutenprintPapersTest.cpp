@@ -57,4 +57,9 @@ TEST_P(GutenprintPapersTest, LeavesItsBorderAndPutsThePage) {
 INSTANTIATE_TEST_SUITE_P(Models, GutenprintPapersTest, ::testing::ValuesIn(Rows),
                          [](const auto& info) { return std::string(info.param.name); });
 
+TEST(GutenprintPapers, ACanonDoesNotPrintItsLastBlockWhereThatIsFull) {
+    const Paper a4{"A4", {}, {595, 842}, {}};
+    EXPECT_DOUBLE_EQ(BorderOf(a4, {"3004500_canon", "", Off}).bottom(), 15 + 16 * 72 / 600.0);
+}
+
 }  // namespace

@@ -61,6 +61,10 @@ constexpr QMarginsF Canon(10, 9, 10, 15);
 /// as much stays white on the other sides.
 constexpr double CanonLeft = 8;
 constexpr double CanonAbove = 6;
+/// Rows of 600 in an inch that are sent at once. A last block that is full is not sent (counted in
+/// the streams of a PIXMA iP4500: 3,584 rows of 3,600, 6,800 of 6,816, but 3,408 for 3,400).
+constexpr int CanonBlock = 16;
+constexpr double CanonRowsPerPoint = 600.0 / 72;
 
 /// Margins of single papers of dye-sublimation printers without a switch, where the description
 /// names none; of all that the library has (the same source).
@@ -114,6 +118,12 @@ QMarginsF SheetMargins(const QByteArray& model) {
     return found == std::end(EpsonSheets) ? OtherEpsonSheets : found->margins;
 }
 
+/// What a Canon printer does not get of a page of which so many points are printed.
+double CanonMissing(double printed) {
+    const int rows = static_cast<int>(printed * CanonRowsPerPoint);
+    return rows % CanonBlock == 0 ? CanonBlock / CanonRowsPerPoint : 0;
+}
+
 QMarginsF DyeMargins(const QByteArray& model, const QByteArray& paper) {
     const auto* const found =
         std::find_if(std::begin(DyePapers), std::end(DyePapers), [&](const PaperMargins& some) {
@@ -147,7 +157,10 @@ QMarginsF BorderOf(const Paper& paper, const GutenprintSetting& setting) {
     const bool isBordered = setting.borderless == GutenprintSetting::Borderless::Off;
     QMarginsF border = isBordered ? Larger(named, SheetMargins(setting.model)) : named;
     if (IsMovedOffCorner(paper, setting)) {
-        border = {0, 0, CanonLeft, CanonAbove};
+        border = {0, 0, CanonLeft, CanonAbove + CanonMissing(paper.points.height())};
+    } else if (setting.model.endsWith("_canon")) {
+        const double printed = paper.points.height() - border.top() - border.bottom();
+        border.setBottom(border.bottom() + CanonMissing(printed));
     }
     if (setting.model.endsWith("_dyesub")) {
         border = Larger(border, DyeMargins(setting.model, paper.name));
