@@ -1,7 +1,6 @@
 #include "controls/messages/ProgressBox.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -30,10 +29,18 @@ std::unique_ptr<QProgressDialog> MakeProgressDialog(const QString& name, const Q
     return dialog;
 }
 
+namespace {
+
+/// What is over sooner is not shown.
+constexpr int ShownAfterMilliseconds = 400;
+
+}  // namespace
+
 ProgressBox::ProgressBox(QWidget* parent, const QString& title)
     : dialog_(MakeProgressDialog(u"ProgressBox"_s, title, parent)) {
-    dialog_->setMinimumDuration(400);
+    dialog_->setMinimumDuration(ShownAfterMilliseconds);
     dialog_->setValue(0);
+    since_.start();
 }
 
 ProgressBox::~ProgressBox() = default;
@@ -55,6 +62,10 @@ void ProgressBox::Show(const QString& what, qint64 done, qint64 total) {
     }
     dialog_->setMaximum(total > 0 ? ProgressParts : 0);
     dialog_->setValue(total > 0 ? static_cast<int>(ProgressParts * done / total) : 0);
+    // The dialog itself waits until it can tell how long it will take, and here nobody can.
+    if (total <= 0 && since_.elapsed() >= ShownAfterMilliseconds) {
+        dialog_->show();
+    }
     if (dialog_->isVisible()) {
         QCoreApplication::processEvents();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 #include <memory>
 
@@ -36,6 +37,7 @@ class ProgressBox {
     void Show(const QString& what, qint64 done, qint64 total);
 
     std::unique_ptr<QProgressDialog> dialog_;
+    QElapsedTimer since_;
 };
 
 }  // namespace kadrona::controls

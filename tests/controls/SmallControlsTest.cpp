@@ -17,6 +17,7 @@
 #include "controls/fields/WheelNeedsFocus.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
+#include "controls/messages/ProgressBox.h"
 #include "controls/theme/Icons.h"
 #include "controls/theme/Theme.h"
 #include "platform/Error.h"
@@ -335,6 +336,16 @@ TEST(ClearableComboBox, DeleteTakesTheChoiceBack) {
     QTest::keyClick(box.view(), Qt::Key_Delete);
     EXPECT_EQ(box.currentIndex(), -1);
     EXPECT_FALSE(box.view()->isVisible());
+}
+
+TEST(ProgressBox, IsShownWhereNobodyKnowsHowMuchThereIsToDo) {
+    ProgressBox box(nullptr, u"Archiv"_s);
+    const platform::Progress report = box.Reporter();
+    for (const bool isShown : {false, true}) {
+        report(u"Warten …"_s, 0, 0);
+        EXPECT_EQ(QApplication::activeModalWidget() != nullptr, isShown);
+        QTest::qSleep(450);
+    }
 }
 
 }  // namespace
