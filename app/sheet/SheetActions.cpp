@@ -129,7 +129,7 @@ bool SheetActions::MayShrinkTheSheet() {
     const bool isSheet = pictures > 1 || sheet.Arranged() != nullptr;
     const QString what = pictures == 1 ? u"Das Blatt ist ein ganzes Papier"_s
                                        : u"Das Blatt hat %1 Bilder"_s.arg(pictures);
-    return !isSheet || !settings_.ScaleImageCk() || !settings_.AskBeforeQuickSave() ||
+    return !isSheet || !settings_.ScaleImageCk() ||
            controls::AskYesNo(&window_,
                               what +
                                   u" und würde als Ganzes auf die Größe eines einzigen Bildes "
@@ -140,8 +140,8 @@ bool SheetActions::MayShrinkTheSheet() {
 /// Saving the same photo again replaces its file without asking.
 bool SheetActions::MayReplace(const QString& path) {
     const auto saved = savedPhotos_.constFind(path);
-    return !settings_.AskBeforeQuickSave() || saved == savedPhotos_.constEnd() ||
-           *saved == data_.CurrentFile() || !QFileInfo::exists(path) ||
+    return saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
+           !QFileInfo::exists(path) ||
            controls::AskYesNo(&window_,
                               u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
                               u"ersetzen?"_s.arg(path, QFileInfo(*saved).fileName()),

@@ -66,8 +66,7 @@ inline constexpr std::array ProfileRecord{
 /// profile without one has the values given here.
 inline constexpr std::array ProfileAdditions{
     ProfileEntry::Choice("AlignToFace", 1),
-    ProfileEntry::Switch("AskBeforeCut"),
-    ProfileEntry::Switch("AskBeforeQuickSave"),
+    ProfileEntry::Switch("AskBeforeCut", true),
     ProfileEntry::Switch("KeepOriginals"),
     ProfileEntry::Switch("OpenNewestPhoto"),
     ProfileEntry::Switch("TagsInSavedFiles", true),

@@ -77,8 +77,6 @@ class Settings {
     }
     /// Ask before photos are made that miss a published rule.
     bool AskBeforeCut() const { return Checked(EntryOf("AskBeforeCut")); }
-    /// Ask before a quick save takes another photo's file or shrinks a whole sheet.
-    bool AskBeforeQuickSave() const { return Checked(EntryOf("AskBeforeQuickSave")); }
     /// Keep the photo as it was opened beside the archived one.
     bool KeepOriginals() const { return Checked(EntryOf("KeepOriginals")); }
     /// Open a photo that arrives in the watched folder.

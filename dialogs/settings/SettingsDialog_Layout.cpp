@@ -256,11 +256,6 @@ void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     connect(own, &QCheckBox::toggled, uploadFigures_, &QWidget::setEnabled);
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
     layout.addWidget(Named<controls::WrappingCheckBox>(
-        u"AskBeforeQuickSave"_s,
-        u"Vor dem schnellen Speichern &fragen, wenn die Datei eines anderen Fotos ersetzt oder ein "
-        u"ganzes Blatt verkleinert würde"_s));
-    layout.addSpacing(2 * GroupSpacing);
-    layout.addWidget(Named<controls::WrappingCheckBox>(
         u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte &Bilder schreiben"_s));
     layout.addWidget(Named<controls::WrappingCheckBox>(
         u"TagsInUploadFiles"_s,

@@ -169,6 +169,7 @@ class Windows : public Story {
         const QDate today(2026, 3, 7);
         ask(u"LimitDialog"_s, [&] { dialogs::AskForDay(window.get(), today, today); });
         ask(u"LibrariesDialog"_s, [&] { ClickButton(*window, "btnLibraries"); });
+        driver.Answer(u"Trotzdem erstellen?"_s, u"YesButton"_s);
         Trigger(u"acCrop"_s);
         look(*window);
     }
