@@ -264,9 +264,15 @@ void TmainFm::ShowAbout() {
     about_->exec();
 }
 
+/// The page of a maker that is none does not exist; what is known of the maker stands in "Über".
 void TmainFm::StatusBarPanel2Click() {
-    controls::Guarded(this, [] {
-        if (!platform::OpenWebPage(QUrl(core::MakerHomePage.toString()))) {
+    const QUrl page(core::MakerHomePage.toString());
+    if (page.host().endsWith(u".example"_s)) {
+        ShowAbout();
+        return;
+    }
+    controls::Guarded(this, [&page] {
+        if (!platform::OpenWebPage(page)) {
             throw platform::Error(
                 u"Die Seite %1 konnte nicht geöffnet werden: Es wurde kein "
                 u"Webbrowser gefunden."_s.arg(core::MakerHomePage));
