@@ -24,6 +24,15 @@ namespace {
 
 constexpr QSize LibrariesSize(760, 520);
 
+QString ProductText() {
+    return u"<h2>%1</h2><p>%2</p><p>Macht aus einem Porträt biometrische Pass- und "
+           u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>%3 · <a href=\"%4\">%4</a></p>"
+           u"<p>Freie Software unter der GNU General Public License,<br>Fassung 3 oder später, "
+           u"ohne jede Gewährleistung.<br>Gebaut mit Qt %5.</p>"_s.arg(
+               core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
+               QLatin1StringView(qVersion()));
+}
+
 }  // namespace
 
 TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), text_(new QLabel), folders_(new QLabel) {
@@ -31,13 +40,7 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), text_(new QLabel), folder
     setWindowTitle(u"Über"_s);
     auto* symbol = new QLabel;
     symbol->setPixmap(ApplicationIcon().pixmap(QSize(72, 72), devicePixelRatioF()));
-    const QString text =
-        u"<h2>%1</h2><p>%2</p><p>Macht aus einem Porträt biometrische Pass- und "
-        u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>%3 · <a href=\"%4\">%4</a></p>"
-        u"<p>Freie Software unter der GNU General Public License,<br>Fassung 3 oder später, "
-        u"ohne jede Gewährleistung.<br>Gebaut mit Qt %5.</p>"_s.arg(
-            core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
-            QLatin1StringView(qVersion()));
+    const QString text = ProductText();
     text_->setTextFormat(Qt::RichText);
     text_->setText(text);
     text_->setAccessibleName(QTextDocumentFragment::fromHtml(text).toPlainText());

@@ -77,6 +77,8 @@ class ServerLink {
     };
 
     void Connect(const ServerAddress& address);
+    void WaitToBeLetIn(const QDeadlineTimer& deadline);
+    [[noreturn]] void ThrowRefusal();
     void Send(const QByteArray& sql, const std::vector<ServerParameter>& parameters,
               AnswerWatch& answer);
     Result Receive(AnswerWatch& answer);
