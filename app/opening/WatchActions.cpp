@@ -1,5 +1,6 @@
 #include "app/opening/WatchActions.h"
 
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QTimer>
 

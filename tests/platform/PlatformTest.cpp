@@ -76,7 +76,8 @@ TEST(Paths, CommonAppDataFollowsTheEnvironment) {
 }
 
 TEST(ProgramPart, IsNamedWhereItIsMissing) {
-    const QString text = TextOf<PartMissing>([] { AddressInPart("kadrona-fehlt", "open"); });
+    const QString text =
+        testing::TextOf<PartMissing>([] { AddressInPart("kadrona-fehlt", "open"); });
     EXPECT_TRUE(text.contains(u"kadrona-fehlt.so"_s)) << text.toStdString();
 }
 
