@@ -62,7 +62,8 @@ constexpr QMarginsF Canon(10, 9, 10, 15);
 constexpr double CanonLeft = 8;
 constexpr double CanonAbove = 6;
 /// Rows of 600 in an inch that are sent at once. A last block that is full is not sent (counted in
-/// the streams of a PIXMA iP4500: 3,584 rows of 3,600, 6,800 of 6,816, but 3,408 for 3,400).
+/// the streams of a PIXMA iP4500: 3,584 rows of 3,600, 6,800 of 6,816, but 3,408 for 3,400; the
+/// same with 300 dpi, where a block has half as many rows, and of an i560, MP780 and MG5200).
 constexpr int CanonBlock = 16;
 constexpr double CanonRowsPerPoint = 600.0 / 72;
 
