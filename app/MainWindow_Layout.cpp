@@ -122,7 +122,7 @@ void TmainFm::BuildViewPanel() {
     layout->addWidget(emptyState_, 1);
     layout->addWidget(view_, 1);
     layout->addWidget(BuildSheetLine());
-    photoStrip_ = new controls::PhotoStrip;
+    photoStrip_ = new controls::PhotoStrip(u"Neue Fotos im beobachteten Ordner"_s);
     photoStrip_->setObjectName(u"PhotoStrip"_s);
     layout->addWidget(photoStrip_);
 
@@ -202,9 +202,8 @@ QWidget* TmainFm::BuildEmptyState() {
     column->addWidget(hint, 0, Qt::AlignHCenter);
     column->addWidget(open, 0, Qt::AlignHCenter);
     column->addStretch(3);
-    recentStrip_ = new controls::PhotoStrip;
+    recentStrip_ = new controls::PhotoStrip(u"Zuletzt geöffnete Fotos"_s);
     recentStrip_->setObjectName(u"RecentStrip"_s);
-    recentStrip_->setAccessibleName(u"Zuletzt geöffnete Fotos"_s);
     column->addWidget(recentStrip_);
     return new dialogs::ScrolledPage(empty);  // a small screen has no room for the strip
 }

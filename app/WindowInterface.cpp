@@ -35,7 +35,7 @@ std::optional<QStringList> WindowInterface::EditTags(const imaging::Pixels& phot
     const controls::WaitCursorPause pause;
     // Whose photo gets the tags is to be seen behind the editor.
     view_.Fit();
-    tagEditor_->SetPicture(QPixmap::fromImage(SmallPicture(photo)));
+    tagEditor_->SetPicture(QPixmap::fromImage(SmallPicture(photo, window_.devicePixelRatioF())));
     if (tagEditor_->ShowEx(core::TagText(lines)) != controls::ModalResult::Ok) {
         return std::nullopt;
     }

@@ -78,8 +78,9 @@ void RecentActions::Remember(const QString& path) {
         return;
     }
     try {
-        photos_->Add({QFileInfo(path).absoluteFilePath(),
-                      AsPng(SmallPicture(session_.Image().LayerAt(0).pixels))});
+        photos_->Add(
+            {QFileInfo(path).absoluteFilePath(),
+             AsPng(SmallPicture(session_.Image().LayerAt(0).pixels, strip_.devicePixelRatioF()))});
     } catch (const platform::Error&) {
     }
     FillStrip();

@@ -101,7 +101,8 @@ void WatchActions::MakeOnePicture() {
         return;
     }
     try {
-        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, {.shrink = 8}).pixels));
+        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, {.shrink = 8}).pixels,
+                                             strip_.devicePixelRatioF()));
         QTimer::singleShot(0, this, &WatchActions::MakeOnePicture);
     } catch (const platform::Error&) {
         watch_->PassOver(path);

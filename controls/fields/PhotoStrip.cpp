@@ -1,9 +1,11 @@
 #include "controls/fields/PhotoStrip.h"
 
 #include <QFileInfo>
+#include <QLabel>
 #include <QScrollBar>
 
 #include "controls/commands/ScreenTip.h"
+#include "controls/theme/Tone.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,6 +17,7 @@ constexpr int PathRole = Qt::UserRole;
 constexpr int HasPictureRole = Qt::UserRole + 1;
 constexpr int ItemWidth = PhotoStrip::PictureSide + 16;
 constexpr int ItemHeight = PhotoStrip::PictureSide + 28;
+constexpr int CaptionInset = 8;
 
 QListWidgetItem* NewItem(const QString& path) {
     auto* item = new QListWidgetItem(QFileInfo(path).fileName());
@@ -29,8 +32,11 @@ QListWidgetItem* NewItem(const QString& path) {
 
 }  // namespace
 
-PhotoStrip::PhotoStrip(QWidget* parent) : QListWidget(parent) {
-    setAccessibleName(u"Neue Fotos"_s);
+PhotoStrip::PhotoStrip(const QString& caption, QWidget* parent)
+    : QListWidget(parent), caption_(new QLabel(caption, this)) {
+    setAccessibleName(caption);
+    SetTone(*caption_, Tone::Muted);
+    setViewportMargins(0, caption_->sizeHint().height() + CaptionInset, 0, 0);
     setViewMode(IconMode);
     setFlow(LeftToRight);
     setWrapping(false);
@@ -87,8 +93,15 @@ QString PhotoStrip::WithoutPicture() const {
 }
 
 QSize PhotoStrip::sizeHint() const {
-    return {4 * ItemWidth,
-            ItemHeight + 2 * frameWidth() + horizontalScrollBar()->sizeHint().height()};
+    return {4 * ItemWidth, viewportMargins().top() + ItemHeight + 2 * frameWidth() +
+                               horizontalScrollBar()->sizeHint().height()};
+}
+
+void PhotoStrip::resizeEvent(QResizeEvent* event) {
+    QListWidget::resizeEvent(event);
+    caption_->setGeometry(frameWidth() + CaptionInset, frameWidth() + CaptionInset / 2,
+                          width() - 2 * (frameWidth() + CaptionInset),
+                          caption_->sizeHint().height());
 }
 
 }  // namespace kadrona::controls

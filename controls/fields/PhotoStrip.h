@@ -2,6 +2,8 @@
 
 #include <QListWidget>
 
+class QLabel;
+
 namespace kadrona::controls {
 
 /// A row of small pictures, newest at the left, each chosen by a click or by Return. As high as one
@@ -10,15 +12,16 @@ class PhotoStrip : public QListWidget {
     Q_OBJECT
 
  public:
-    /// Longest side of a picture in pixels of the screen.
+    /// Longest side of a picture in the program's pixels.
     static constexpr int PictureSide = 96;
 
-    explicit PhotoStrip(QWidget* parent = nullptr);
+    /// The caption stands above the pictures and is the strip's name for screen readers.
+    explicit PhotoStrip(const QString& caption, QWidget* parent = nullptr);
 
     /// Shows these files, in their order; the pictures of those already shown stay, the others show
     /// their names alone.
     void SetFiles(const QStringList& paths);
-    /// A picture of PictureSide at most, for a file that is shown.
+    /// A picture of PictureSide at most, in pixels of the screen, for a file that is shown.
     void SetPicture(const QString& path, const QImage& picture);
     /// The first file without a picture; empty where all have one.
     QString WithoutPicture() const;
@@ -27,6 +30,12 @@ class PhotoStrip : public QListWidget {
 
  Q_SIGNALS:
     void Chosen(const QString& path);
+
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    QLabel* caption_;
 };
 
 }  // namespace kadrona::controls

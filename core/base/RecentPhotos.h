@@ -35,7 +35,7 @@ QByteArray RecentListBytes(const RecentList& list);
 class RecentPhotos {
  public:
     static constexpr qsizetype MostPhotos = 10;
-    static constexpr qsizetype MostPictureBytes = qsizetype{64} * 1024;
+    static constexpr qsizetype MostPictureBytes = qsizetype{128} * 1024;
 
     /// Reads `path`; a missing or damaged file is an empty list. Throws FileError where the file is
     /// there and cannot be read.

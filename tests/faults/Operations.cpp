@@ -50,8 +50,8 @@ const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
 
 /// The data module of the installation in a folder, and what it works with.
 struct Module {
-    explicit Module(const QString& where)
-        : folder(where),
+    explicit Module(QString where)
+        : folder(std::move(where)),
           data(ui, {folder + u"/program"_s, folder + u"/common"_s}, &printer),
           archive(folder + u"/archive"_s) {
         core::NameSources sources;
