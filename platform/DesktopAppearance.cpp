@@ -5,6 +5,8 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 
+#include "platform/SessionBus.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::platform {
@@ -31,6 +33,9 @@ QVariant Unwrapped(QVariant value) {
 
 std::optional<bool> DesktopPrefersDark() {
     enum : uint { NoPreference, Dark, Light };
+    if (!HasSessionBus()) {
+        return std::nullopt;
+    }
     QDBusConnection bus = QDBusConnection::sessionBus();
     // Asking for a service that does not run would start it, which takes longer than one waits.
     if (!bus.isConnected() || !bus.interface()->isServiceRegistered(Service)) {
@@ -47,6 +52,9 @@ std::optional<bool> DesktopPrefersDark() {
 }
 
 DesktopAppearanceWatch::DesktopAppearanceWatch() {
+    if (!HasSessionBus()) {
+        return;
+    }
     QDBusConnection::sessionBus().connect(Service, Path, Settings, u"SettingChanged"_s, this,
                                           SLOT(SettingChanged(QString, QString)));
 }

@@ -4,11 +4,16 @@
 #include <QDBusMessage>
 #include <QVariantMap>
 
+#include "platform/SessionBus.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::platform {
 
 void ShowTaskbarProgress(const QString& desktopFile, std::optional<double> share) {
+    if (!HasSessionBus()) {
+        return;
+    }
     QDBusMessage message =
         QDBusMessage::createSignal(u"/com/canonical/unity/launcherentry/1"_s,
                                    u"com.canonical.Unity.LauncherEntry"_s, u"Update"_s);
