@@ -109,7 +109,11 @@ class Headers {
     }
 
     void Note(int width, int height) {
-        smallest_ = std::min(smallest_, 1 << std::max(width, 0) << std::max(height, 0));
+        // Of four bits each: a header may name sizes that no number holds.
+        const int bits = std::max(width, 0) + std::max(height, 0);
+        constexpr int UsualBits = 12;
+        static_assert(1 << UsualBits == UsualJpeg2000Block);
+        smallest_ = std::min(smallest_, 1 << std::min(bits, UsualBits));
     }
 
     QIODevice& device_;

@@ -188,6 +188,7 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
     EXPECT_EQ(Failure(jpeg2000("ff52000d0100000100000404000100")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000d01000001000004040001ff")), tooMuch);
+    EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";
     const QByteArray chunks = (QByteArray("JUNK") + none).repeated(200'000);
     EXPECT_EQ(Failure("RIFF" + LittleEndian(quint32(chunks.size() + 4)) + "WEBP" + chunks),
               tooMuch);
