@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QtEndian>
 #include <exception>
 #include <type_traits>
+
+class QIODevice;
 
 namespace kadrona::platform {
 
@@ -58,5 +61,9 @@ class ByteReader {
     ByteOrder order_;
     qsizetype position_ = 0;
 };
+
+/// Exactly `count` bytes at `position` of a device, which they move. Throws OutOfBytes where it has
+/// not as many.
+QByteArray BytesAt(QIODevice& device, qint64 position, qint64 count);
 
 }  // namespace kadrona::platform

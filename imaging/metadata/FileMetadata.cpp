@@ -4,110 +4,50 @@
 
 #include <QBuffer>
 #include <cmath>
-#include <optional>
 
 #include "imaging/metadata/Jpeg2000Boxes.h"
+#include "imaging/metadata/TiffFields.h"
 #include "platform/ByteReader.h"
 
 namespace kadrona::imaging {
+
+using platform::BytesAt;
 
 namespace {
 
 constexpr double MillimetresPerInch = 25.4;
 constexpr qint64 MaximumExifSize = 1 << 20;
 
-/// Exactly `count` bytes at `position`.
-QByteArray BytesAt(QIODevice& device, qint64 position, qint64 count) {
-    if (position > device.size() - count || !device.seek(position)) {
-        throw platform::OutOfBytes();
-    }
-    QByteArray bytes = device.read(count);
-    if (bytes.size() != count) {
-        throw platform::OutOfBytes();
-    }
-    return bytes;
-}
-
 DotsPerInch FromDotsPerMetre(double dotsPerMetre) {
     return ResolutionFrom(dotsPerMetre * MillimetresPerInch / 1000);
 }
 
-/// The four tags of a TIFF directory that we use.
-class TiffDirectory {
- public:
-    explicit TiffDirectory(QIODevice& device) : device_(device) {
-        const QByteArray header = BytesAt(device, 0, 8);
-        order_ = header.startsWith('M') ? platform::ByteOrder::BigEndian
-                                        : platform::ByteOrder::LittleEndian;
-        platform::ByteReader reader(header, order_);
-        reader.Skip(2);
-        if (reader.Read<quint16>() != 42) {
-            throw platform::OutOfBytes();
-        }
-        ReadEntries(reader.Read<quint32>());
-    }
-
-    FileMetadata Metadata() const {
-        constexpr int Inch = 2;
-        constexpr int Centimetre = 3;
-        FileMetadata metadata{OrientationFrom(orientation_), {}};
-        if (unit_ == Inch) {
-            metadata.resolution = ResolutionFrom(resolution_);
-        } else if (unit_ == Centimetre) {
-            metadata.resolution = ResolutionFrom(resolution_ * MillimetresPerInch / 10);
-        }
-        return metadata;
-    }
-
- private:
-    void ReadEntries(quint32 position) {
-        constexpr qint64 EntrySize = 12;
-        const int count =
-            platform::ByteReader(BytesAt(device_, position, 2), order_).Read<quint16>();
-        const QByteArray entries = BytesAt(device_, position + 2LL, count * EntrySize);
-        platform::ByteReader reader(entries, order_);
-        for (int i = 0; i < count; ++i) {
-            reader.Seek(i * EntrySize);
-            ReadEntry(reader);
+FileMetadata ReadTiff(QIODevice& device) {
+    constexpr quint16 Short = 3;
+    constexpr quint16 UnsignedFraction = 5;
+    constexpr quint32 Inch = 2;
+    constexpr quint32 Centimetre = 3;
+    quint32 orientation = 1;
+    quint32 unit = Inch;  // the default of TIFF 6.0
+    double resolution = 0;
+    const TiffFields tiff(device);
+    for (const TiffField& field : tiff.Directory(tiff.First())) {
+        if (field.tag == 0x0112 && field.type == Short) {
+            orientation = tiff.Number(field);
+        } else if (field.tag == 0x0128 && field.type == Short) {
+            unit = tiff.Number(field);
+        } else if (field.tag == 0x011a && field.type == UnsignedFraction) {
+            resolution = tiff.Fraction(field);
         }
     }
-
-    void ReadEntry(platform::ByteReader& entry) {
-        const auto tag = entry.Read<quint16>();
-        const auto type = entry.Read<quint16>();
-        entry.Skip(4);
-        if (tag == 0x0112) {
-            orientation_ = Integer(entry, type).value_or(orientation_);
-        } else if (tag == 0x0128) {
-            unit_ = Integer(entry, type).value_or(unit_);
-        } else if (tag == 0x011a) {
-            resolution_ = Rational(entry, type).value_or(resolution_);
-        }
+    FileMetadata metadata{OrientationFrom(static_cast<int>(orientation)), {}};
+    if (unit == Inch) {
+        metadata.resolution = ResolutionFrom(resolution);
+    } else if (unit == Centimetre) {
+        metadata.resolution = ResolutionFrom(resolution * MillimetresPerInch / 10);
     }
-
-    static std::optional<int> Integer(platform::ByteReader& entry, int type) {
-        constexpr int Short = 3;
-        return type == Short ? std::optional<int>(entry.Read<quint16>()) : std::nullopt;
-    }
-
-    std::optional<double> Rational(platform::ByteReader& entry, int type) {
-        constexpr int UnsignedRational = 5;
-        if (type != UnsignedRational) {
-            return std::nullopt;
-        }
-        const QByteArray bytes = BytesAt(device_, entry.Read<quint32>(), 8);
-        platform::ByteReader reader(bytes, order_);
-        const auto numerator = reader.Read<quint32>();
-        const auto denominator = reader.Read<quint32>();
-        return denominator == 0 ? 0 : double(numerator) / denominator;
-    }
-
-    QIODevice& device_;
-    platform::ByteOrder order_ = platform::ByteOrder::LittleEndian;
-    int orientation_ = 1;
-    int unit_ = 2;  // the default of TIFF 6.0
-    double resolution_ = 0;
-};
+    return metadata;
+}
 
 /// Empty ones would keep a reader busy for minutes.
 constexpr int MostChunks = 200'000;
@@ -224,7 +164,7 @@ FileMetadata ReadFileMetadata(QIODevice& device) try {
     }
     if (start.startsWith(QByteArrayView("II*\0", 4)) ||
         start.startsWith(QByteArrayView("MM\0*", 4))) {
-        return TiffDirectory(device).Metadata();
+        return ReadTiff(device);
     }
     if (start.startsWith("RIFF") && start.endsWith("WEBP")) {
         return ReadWebP(device);
@@ -267,7 +207,7 @@ FileMetadata ReadExif(QByteArrayView block) try {
     QByteArray bytes = QByteArray::fromRawData(block.data(), block.size());
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
-    return TiffDirectory(buffer).Metadata();
+    return ReadTiff(buffer);
 } catch (const platform::OutOfBytes&) {
     return {};
 }

@@ -2,53 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
+#include "imaging/metadata/TiffFields.h"
 #include "imaging/reading/CamerasPart.h"
-#include "platform/ByteReader.h"
 #include "platform/ProgramPart.h"
 
 namespace kadrona::imaging {
 
 namespace {
-
-/// The tags of a TIFF file's first directory by which a raw file is told.
-struct FirstDirectory {
-    bool isDng = false;
-    bool hasFurtherPictures = false;
-    bool hasMake = false;
-    bool isPreview = false;
-    /// A camera's mosaic of colours, compressed or not.
-    bool isMosaic = false;
-};
-
-FirstDirectory ReadFirstDirectory(QByteArrayView start, QIODevice& device) {
-    constexpr qint64 EntrySize = 12;
-    constexpr int MosaicPhotometry = 32803;
-    const auto order =
-        start.startsWith('M') ? platform::ByteOrder::BigEndian : platform::ByteOrder::LittleEndian;
-    platform::ByteReader header(start, order);
-    header.Skip(4);
-    const auto position = header.Read<quint32>();
-    device.seek(position);
-    const QByteArray count = device.read(2);
-    const auto entries = platform::ByteReader(count, order).Read<quint16>();
-    const QByteArray bytes = device.read(entries * EntrySize);
-    platform::ByteReader reader(bytes, order);
-    FirstDirectory found;
-    for (int i = 0; i < entries; ++i) {
-        reader.Seek(i * EntrySize);
-        const auto tag = reader.Read<quint16>();
-        const auto type = reader.Read<quint16>();
-        reader.Skip(4);
-        const quint32 value = type == 3 ? reader.Read<quint16>() : reader.Read<quint32>();
-        found.isDng |= tag == 0xc612;
-        found.hasFurtherPictures |= tag == 0x014a;
-        found.hasMake |= tag == 0x010f;
-        found.isPreview |= tag == 0x00fe && (value & 1) != 0;
-        found.isMosaic |= tag == 0x0106 && value == MosaicPhotometry;
-    }
-    return found;
-}
 
 DecodedImage ReadByPart(CameraFormat format, const ReadTask& task) {
     const auto decode = [&task] {
@@ -96,16 +58,34 @@ bool IsRaw(QByteArrayView start) {
     return start.size() >= 12 && start.sliced(4, 8) == QByteArrayView("ftypcrx ");
 }
 
+/// It says so itself (DNG), has a camera's mosaic of colours, compressed or not, or its first
+/// picture is a preview of others and a camera made it.
 bool IsRawTiff(QIODevice& device) {
-    FirstDirectory found;
+    enum Tag : quint16 {
+        PictureKind = 0x00fe,
+        Photometry = 0x0106,
+        Make = 0x010f,
+        FurtherPictures = 0x014a,
+        DngVersion = 0xc612,
+    };
+    constexpr quint32 Mosaic = 32803;
+    bool isRaw = false;
+    std::set<quint16> tags;
+    bool isPreview = false;
     try {
-        found = ReadFirstDirectory(device.peek(8), device);
+        const TiffFields tiff(device);
+        for (const TiffField& field : tiff.Directory(tiff.First())) {
+            tags.insert(field.tag);
+            isRaw |= field.tag == Photometry && tiff.Number(field) == Mosaic;
+            isPreview |= field.tag == PictureKind && (tiff.Number(field) & 1) != 0;
+        }
+        isRaw |= tags.contains(DngVersion) ||
+                 (isPreview && tags.contains(Make) && tags.contains(FurtherPictures));
     } catch (const platform::OutOfBytes&) {
         // The reader of TIFF files says what is wrong.
     }
     device.seek(0);
-    return found.isDng || found.isMosaic ||
-           (found.hasMake && found.hasFurtherPictures && found.isPreview);
+    return isRaw;
 }
 
 DecodedImage ReadHeif(const ReadTask& task) {

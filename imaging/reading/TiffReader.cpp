@@ -3,13 +3,13 @@
 #include <tiffio.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "imaging/codec/Release.h"
+#include "imaging/metadata/TiffFields.h"
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/pixels/NewImage.h"
 #include "imaging/reading/PluginReader.h"
@@ -60,7 +60,6 @@ TiffFile OpenTiff(QIODevice& device) {
 /// What the values of the first directory take, which libtiff reads whatever they are; of both
 /// kinds of files, with offsets of 32 and of 64 bits. 0 where the file ends before.
 qint64 ValueBytes(QIODevice& device) try {
-    constexpr std::array<quint8, 19> Sizes{0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
     const auto at = [&](quint64 position, qint64 count) {
         const bool isThere =
             std::cmp_less(position, device.size()) && device.seek(static_cast<qint64>(position));
@@ -87,7 +86,7 @@ qint64 ValueBytes(QIODevice& device) try {
         reader.Seek(entry * entrySize + 2);
         const auto type = reader.Read<quint16>();
         const quint64 values = number(all, entry * entrySize + 4, isLarge);
-        const auto size = static_cast<quint64>(type < Sizes.size() ? Sizes.at(type) : 0);
+        const auto size = static_cast<quint64>(TiffValueSize(type));
         const auto most = static_cast<quint64>(device.size());
         bytes += static_cast<qint64>(std::min(std::min(values, most) * size, most));
     }
