@@ -57,18 +57,12 @@ void Pyramid::Invalidate() {
 }
 
 void Pyramid::Invalidate(const QRect& area) {
-    const QRect inside = area & QRect(QPoint(0, 0), PictureSize());
-    if (inside.isEmpty()) {
+    if (levels_.empty()) {
         return;
     }
-    for (int row = inside.top() / BlockSide; row <= inside.bottom() / BlockSide; ++row) {
-        for (int column = inside.left() / BlockSide; column <= inside.right() / BlockSide;
-             ++column) {
-            const size_t block = static_cast<size_t>(row) * static_cast<size_t>(blockColumns_) +
-                                 static_cast<size_t>(column);
-            for (size_t level = 1; level < levels_.size(); ++level) {
-                levels_[level].isBuilt[block] = false;
-            }
+    for (const size_t block : BlocksIn(area, 0)) {
+        for (size_t level = 1; level < levels_.size(); ++level) {
+            levels_[level].isBuilt[block] = false;
         }
     }
 }
@@ -104,20 +98,26 @@ bool Pyramid::Build(const QImage& picture, int level, const QRect& part, qint64 
     return isAll;
 }
 
-std::vector<size_t> Pyramid::MissingBlocks(int level, const QRect& part) const {
-    const LevelState& state = levels_.at(static_cast<size_t>(level));
-    const QRect inside = part & QRect(QPoint(0, 0), state.size);
+std::vector<size_t> Pyramid::BlocksIn(const QRect& part, int level) const {
+    const QRect inside = part & QRect(QPoint(0, 0), LevelSize(level));
     const int side = BlockSide >> level;
-    std::vector<size_t> missing;
+    std::vector<size_t> blocks;
+    if (inside.isEmpty()) {
+        return blocks;
+    }
     for (int row = inside.top() / side; row <= inside.bottom() / side; ++row) {
         for (int column = inside.left() / side; column <= inside.right() / side; ++column) {
-            const size_t block = static_cast<size_t>(row) * static_cast<size_t>(blockColumns_) +
-                                 static_cast<size_t>(column);
-            if (!state.isBuilt[block]) {
-                missing.push_back(block);
-            }
+            blocks.push_back(static_cast<size_t>(row) * static_cast<size_t>(blockColumns_) +
+                             static_cast<size_t>(column));
         }
     }
+    return blocks;
+}
+
+std::vector<size_t> Pyramid::MissingBlocks(int level, const QRect& part) const {
+    const LevelState& state = levels_.at(static_cast<size_t>(level));
+    std::vector<size_t> missing = BlocksIn(part, level);
+    std::erase_if(missing, [&state](size_t block) { return bool{state.isBuilt[block]}; });
     return missing;
 }
 

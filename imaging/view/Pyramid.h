@@ -57,6 +57,8 @@ class Pyramid {
         std::vector<bool> isBuilt;
     };
 
+    /// The blocks that a part of a level (in its pixels) touches.
+    std::vector<size_t> BlocksIn(const QRect& part, int level) const;
     std::vector<size_t> MissingBlocks(int level, const QRect& part) const;
     QRect BlockRectangle(size_t block, int level) const;
     qint64 CostOf(int level, size_t block) const;
