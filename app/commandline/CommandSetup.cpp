@@ -95,7 +95,7 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
 }
 
 void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
-                     const std::optional<TemplatePlace>& place) {
+                     const std::optional<core::TemplatePlace>& place) {
     const QSize photo = image.Photo().Size();
     if (place) {
         const QRect wanted(place->left, place->top, place->width, 1);

@@ -40,7 +40,7 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
 /// Puts the drawn template to `place`, or without one where it lay on the last photo of this size.
 /// Throws platform::Error where none is remembered or where it leaves the photo.
 void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
-                     const std::optional<TemplatePlace>& place);
+                     const std::optional<core::TemplatePlace>& place);
 
 /// Puts the drawn template to the photo's face. Throws platform::Error where there is none, and
 /// imaging::CascadesMissing.

@@ -33,12 +33,8 @@ core::CollectedItem CutItem(core::TData& data, const core::Settings& settings,
                             const core::OrderLine& line, const QString& photo,
                             QTextStream& errors) {
     LoadTemplate(data, line.templateName);
-    std::optional<TemplatePlace> place;
-    if (line.place) {
-        place = {line.place->left, line.place->top, line.place->width};
-    }
     imaging::LayeredImage image;
-    OpenUnderTemplate(data, settings, place, !place, photo, image, errors);
+    OpenUnderTemplate(data, settings, line.place, !line.place, photo, image, errors);
     return {imaging::Cropped(image.Photo(), image.LayerAt(1).rectangle),
             core::PrintedSize(data.TemplateCanvasSize()), line.templateName,
             QFileInfo(photo).completeBaseName(), line.count};

@@ -59,7 +59,7 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
 }
 
 void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
-                       const std::optional<TemplatePlace>& place, bool automatic,
+                       const std::optional<core::TemplatePlace>& place, bool automatic,
                        const QString& photo, imaging::LayeredImage& image, QTextStream& errors) {
     core::OpenPhoto(photo, settings, image);
     data.SetCurrentFile(photo);

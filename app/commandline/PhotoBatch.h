@@ -26,7 +26,7 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
 /// place on the face, the one asked for, or the one remembered. Warnings go to `errors`. Throws
 /// platform::Error.
 void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
-                       const std::optional<TemplatePlace>& place, bool automatic,
+                       const std::optional<core::TemplatePlace>& place, bool automatic,
                        const QString& photo, imaging::LayeredImage& image, QTextStream& errors);
 
 /// Makes a file of every photo; what `make` returns stands in its line of progress. One that fails

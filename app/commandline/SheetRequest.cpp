@@ -13,18 +13,13 @@ namespace kadrona::app {
 
 namespace {
 
-TemplatePlace ParsePlace(const QString& text) {
-    const QStringList parts = text.split(u',');
-    std::array<int, 3> values{};
-    bool valid = parts.size() == 3;
-    for (size_t i = 0; valid && i < values.size(); ++i) {
-        values.at(i) = parts.at(static_cast<qsizetype>(i)).trimmed().toInt(&valid);
-    }
-    if (!valid || values[2] <= 0) {
+core::TemplatePlace RequiredPlace(const QString& text) {
+    const auto place = core::ParsePlace(text);
+    if (!place) {
         throw UsageError(
             u"--at erwartet LINKS,OBEN,BREITE in Pixeln des Fotos, nicht „%1“."_s.arg(text));
     }
-    return {values[0], values[1], values[2]};
+    return *place;
 }
 
 int ParseLayout(const QString& text) {
@@ -97,7 +92,7 @@ void ReadCommon(const QCommandLineParser& parser, Request& request) {
         if (request.automatic) {
             throw UsageError(u"--at und --auto schließen einander aus."_s);
         }
-        request.place = ParsePlace(parser.value(u"at"_s));
+        request.place = RequiredPlace(parser.value(u"at"_s));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/sheet/PaperSheet.h"
+#include "core/templates/TemplatePlace.h"
 #include "imaging/writing/SizedJpeg.h"
 #include "platform/Error.h"
 
@@ -18,14 +19,6 @@ class UsageError : public platform::Error {
     using Error::Error;
 };
 
-/// Left and top edge and width of the template on the photo, in photo pixels. The height follows
-/// the template's aspect ratio.
-struct TemplatePlace {
-    int left = 0;
-    int top = 0;
-    int width = 0;
-};
-
 /// What "kadrona sheet" is asked to do.
 struct SheetRequest {
     /// Files and folders, as given.
@@ -36,7 +29,7 @@ struct SheetRequest {
     /// Nothing: the profile's.
     std::optional<int> layoutIndex;
     /// Nothing: the place saved for photos of that size.
-    std::optional<TemplatePlace> place;
+    std::optional<core::TemplatePlace> place;
     /// The place on each photo's face.
     bool automatic = false;
     /// Empty: "Standard Profile", which need not exist.
@@ -56,7 +49,7 @@ struct PhotoRequest {
     QString output;
     /// Nothing: the place on the face where `automatic`, else the one saved for photos of that
     /// size.
-    std::optional<TemplatePlace> place;
+    std::optional<core::TemplatePlace> place;
     bool automatic = false;
     /// Nothing: what the template says.
     std::optional<QSize> pixels;
@@ -70,7 +63,7 @@ struct CheckRequest {
     QString templateName;
     /// Nothing: the place on the face where `automatic`, else the one saved for photos of that
     /// size.
-    std::optional<TemplatePlace> place;
+    std::optional<core::TemplatePlace> place;
     bool automatic = false;
     bool json = false;
     /// Something missed counts for the exit code.

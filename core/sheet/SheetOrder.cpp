@@ -1,7 +1,6 @@
 #include "core/sheet/SheetOrder.h"
 
 #include <QStringList>
-#include <array>
 
 #include "core/sheet/PaperLayout.h"
 
@@ -10,18 +9,6 @@ using namespace Qt::StringLiterals;
 namespace kadrona::core {
 
 namespace {
-
-std::optional<OrderLine::Place> ParsePlace(const QString& text) {
-    const QStringList parts = text.split(u',');
-    std::array<int, 3> numbers{};
-    bool valid = parts.size() == 3;
-    for (size_t i = 0; valid && i < numbers.size(); ++i) {
-        numbers.at(i) = parts.at(static_cast<qsizetype>(i)).trimmed().toInt(&valid);
-    }
-    return valid && numbers[2] > 0
-               ? std::optional(OrderLine::Place{numbers[0], numbers[1], numbers[2]})
-               : std::nullopt;
-}
 
 /// What is wrong with a line; empty where `line` holds it.
 QString ReadLine(const QString& text, OrderLine& line) {

@@ -4,6 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include "core/templates/TemplatePlace.h"
+
 namespace kadrona::core {
 
 /// A line of an order: "photo; template; auto or left,top,width; count". Blanks around each do not
@@ -12,13 +14,8 @@ struct OrderLine {
     int number;  ///< in the file, from 1
     QString photo;
     QString templateName;
-    struct Place {
-        int left;
-        int top;
-        int width;
-    };
-    /// In pixels of the photo; nothing places the template on the face.
-    std::optional<Place> place;
+    /// Nothing places the template on the face.
+    std::optional<TemplatePlace> place;
     int count;
 };
 

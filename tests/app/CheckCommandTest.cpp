@@ -65,7 +65,7 @@ TEST_F(CheckCommand, NamesThePhotosWithoutAFaceAndChecksTheOthers) {
 TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
     request.photos = {installation.Path("in/wall.png")};
     request.automatic = false;
-    request.place = app::TemplatePlace{0, 0, 350};
+    request.place = core::TemplatePlace{0, 0, 350};
     EXPECT_EQ(Run(), app::Done);
     request.strict = true;
     EXPECT_EQ(Run(), app::SomethingMissed) << "no face";

@@ -107,7 +107,7 @@ class SheetCommand : public Command {
         SavePhoto("in/a.png", 400, 500);
         SavePhoto("in/b.png", 400, 500);
         request.templateName = u"Pass"_s;
-        request.place = app::TemplatePlace{10, 20, 300};
+        request.place = core::TemplatePlace{10, 20, 300};
         request.photos = {installation.Path("in/a.png")};
         request.output = installation.Path("sheet.png");
     }
@@ -233,7 +233,7 @@ TEST_F(SheetCommand, NeverOverwritesThePhotoAndRefusesARectangleOutsideIt) {
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_EQ(QImage(request.output).size(), QSize(400, 500));
     request.output = installation.Path("sheet.png");
-    request.place = app::TemplatePlace{101, 0, 300};
+    request.place = core::TemplatePlace{101, 0, 300};
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_FALSE(QFile::exists(request.output));
 }
