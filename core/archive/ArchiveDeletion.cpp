@@ -151,7 +151,7 @@ void ForgetRemovals(store::Database& database, const QStringList& paths) {
 }  // namespace
 
 QStringList FinishDeletion(store::Database& database, const QString& archiveFolder) {
-    if (!HasKeeping(database)) {
+    if (!database.TableExists(u"ImgRemoval"_s)) {
         return {};
     }
     const QStringList paths = NotedRemovals(database);

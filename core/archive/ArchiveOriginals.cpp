@@ -9,7 +9,6 @@
 #include <cerrno>
 
 #include "core/archive/ArchiveFiles.h"
-#include "core/archive/KeepingSchema.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -63,7 +62,7 @@ void RequireSameFile(const OriginalToKeep& original) {
 }  // namespace
 
 std::optional<OriginalRecord> ReadOriginal(store::Database& database, qint64 id) {
-    if (!HasKeeping(database)) {
+    if (!database.TableExists(u"ImgOriginal"_s)) {
         return std::nullopt;
     }
     store::Statement select(

@@ -34,7 +34,7 @@ bool IsOver(QDate until, QDate filed, std::optional<int> months, QDate today) {
 }  // namespace
 
 std::optional<int> RetentionMonths(store::Database& database) {
-    if (!HasKeeping(database)) {
+    if (!database.TableExists(u"ImgKeeping"_s)) {
         return std::nullopt;
     }
     store::Statement select(database, uR"(SELECT "Value" FROM "ImgKeeping" WHERE "Name" = ?)"_s);
@@ -64,7 +64,7 @@ void SetRetentionMonths(store::Database& database, std::optional<int> months) {
 }
 
 std::optional<QDate> KeepUntil(store::Database& database, qint64 id) {
-    if (!HasKeeping(database)) {
+    if (!database.TableExists(u"ImgKeepUntil"_s)) {
         return std::nullopt;
     }
     store::Statement select(database, uR"(SELECT "Until" FROM "ImgKeepUntil" WHERE "ID" = ?)"_s);
@@ -73,7 +73,7 @@ std::optional<QDate> KeepUntil(store::Database& database, qint64 id) {
 
 QHash<qint64, QDate> AllKeptUntil(store::Database& database) {
     QHash<qint64, QDate> days;
-    if (HasKeeping(database)) {
+    if (database.TableExists(u"ImgKeepUntil"_s)) {
         store::Statement select(database, uR"(SELECT "ID", "Until" FROM "ImgKeepUntil")"_s);
         while (select.Step()) {
             days.insert(select.Integer(0), DayOf(select.Text(1)));

@@ -273,11 +273,11 @@ bool IsLeftOut(const Target& target, const KeepingColumns& table, const store::S
 
 void CopyKeeping(store::Database& source, const Target& target,
                  const platform::Progress& progress) {
-    if (!HasKeeping(source)) {
-        return;
-    }
     ForgetFiles(target);
     for (const KeepingColumns& table : AllKeepingColumns()) {
+        if (!source.TableExists(table.table)) {
+            continue;  // of an older version
+        }
         store::Statement select(source, uR"(SELECT "%1" FROM "%2")"_s.arg(
                                             table.columns.join(uR"(", ")"_s), table.table));
         for (bool more = select.Step(); more;) {

@@ -53,13 +53,9 @@ std::vector<KeepingColumns> AllKeepingColumns() {
     return all;
 }
 
-bool HasKeeping(store::Database& database) {
-    return database.TableExists(KeepingTables.back().name);
-}
-
 /// In one transaction, so that the last one stands for all.
 void CreateKeeping(store::Database& database) {
-    if (HasKeeping(database)) {
+    if (database.TableExists(KeepingTables.back().name)) {
         return;
     }
     store::Transaction transaction(database);

@@ -8,7 +8,9 @@
 namespace kadrona::core {
 
 /// Makes the tables that stand beside "ImgDB" where they are missing; a complete database is not
-/// written to. All texts are portable; a time is "2026-03-07 14:30:05", a date "2026-03-07", local.
+/// written to. Before it was called once, or by a version that does not know all, a table may be
+/// missing: whoever reads one asks for it. All texts are portable; a time is "2026-03-07 14:30:05",
+/// a date "2026-03-07", local.
 ///
 /// ImgChecksum: size and SHA-256 of a record's photo as it was written. ImgOriginal: the original
 /// of a record's photo, what was cut of it and what was done to it. ImgRemoval: a file of a deleted
@@ -26,9 +28,6 @@ struct KeepingColumns {
     QStringList columns;
 };
 std::vector<KeepingColumns> AllKeepingColumns();
-
-/// False where no version of the program that knows these tables has written to the database.
-bool HasKeeping(store::Database& database);
 
 /// What tells this archive from any other: made by chance the first time, it goes with the records
 /// to another database. Throws store::StoreError.

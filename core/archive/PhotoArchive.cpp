@@ -275,7 +275,7 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
 
 bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
     ArchiveTable* table = Table();
-    if (table == nullptr || !HasKeeping(*database_)) {
+    if (table == nullptr || !database_->TableExists(u"ImgChecksum"_s)) {
         return false;
     }
     std::optional<ArchiveRecord> filed;

@@ -29,10 +29,13 @@ constexpr QStringView FileName = u"KDRImageBase.db";
 constexpr int LongestValue = 16 << 20;
 
 /// A database file can carry SQL of its own (views, triggers); keep it from harmful functions and
-/// our own SQL from the file's inner structures.
+/// our own SQL from the file's inner structures. A name in double quotes that is no column is an
+/// error, not a text.
 void Harden(sqlite3* handle) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
 }
 
 /// Deleted names must not stay readable in the file, nor the space that they took be lost: a new

@@ -348,7 +348,7 @@ QString ArchiveFault(const QString& folder) {
         photos.append(QFileInfo(files.next()).fileName());
     }
     photos.sort();
-    if (core::HasKeeping(database)) {  // what a deletion could not remove is noted
+    if (database.TableExists(u"ImgRemoval"_s)) {  // what a deletion could not remove is noted
         for (const QString& path : Column(database, uR"(SELECT "Path" FROM "ImgRemoval")"_s)) {
             photos.removeAll(path.section(u'\\', -1));
         }
