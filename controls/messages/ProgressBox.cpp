@@ -9,6 +9,13 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 
+namespace {
+
+/// What is over sooner is not shown.
+constexpr int ShownAfterMilliseconds = 400;
+
+}  // namespace
+
 std::unique_ptr<QProgressDialog> MakeProgressDialog(const QString& name, const QString& title,
                                                     QWidget* parent) {
     constexpr int LeastWidth = 380;
@@ -28,13 +35,6 @@ std::unique_ptr<QProgressDialog> MakeProgressDialog(const QString& name, const Q
     dialog->setAutoReset(false);
     return dialog;
 }
-
-namespace {
-
-/// What is over sooner is not shown.
-constexpr int ShownAfterMilliseconds = 400;
-
-}  // namespace
 
 ProgressBox::ProgressBox(QWidget* parent, const QString& title)
     : dialog_(MakeProgressDialog(u"ProgressBox"_s, title, parent)) {
