@@ -3,8 +3,11 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -129,14 +132,41 @@ void Shrink(QDialog& dialog) {
     }
 }
 
+/// The toolkit gives the text of a box half of a small screen's width, and the box may then be
+/// higher than the screen. It gets as much of the width as it needs to have room.
+void Widen(QMessageBox& box) {
+    constexpr int Step = 40;
+    constexpr int UsualWidth = 500;
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    auto* text = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
+    if (grid == nullptr || text == nullptr) {
+        return;
+    }
+    const QSize most = WithinScreen(box, {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX});
+    const int usual = std::min(UsualWidth, box.screen()->availableSize().width() / 2);
+    text->setWordWrap(true);  // the box decides anew when it is shown
+    int width = std::max(usual, grid->totalMinimumSize().width());
+    while (width < most.width() && grid->totalHeightForWidth(width) > most.height()) {
+        width = std::min(width + Step, most.width());
+    }
+    if (width > usual) {
+        const QMargins margins = grid->contentsMargins();
+        grid->addItem(new QSpacerItem(width - margins.left() - margins.right(), 0),
+                      grid->rowCount(), 0, 1, grid->columnCount());
+    }
+}
+
 }  // namespace
 
 bool SmallScreens::eventFilter(QObject* watched, QEvent* event) {
     const bool shows = event->type() == QEvent::Show;
     if ((shows || event->type() == QEvent::Resize) && !event->spontaneous()) {
         auto* dialog = qobject_cast<QDialog*>(watched);
-        if (dialog != nullptr && dialog->layout() != nullptr && dialog->isWindow() &&
-            qobject_cast<QMessageBox*>(dialog) == nullptr) {
+        auto* box = qobject_cast<QMessageBox*>(watched);
+        if (box != nullptr && shows) {
+            Widen(*box);
+        } else if (box == nullptr && dialog != nullptr && dialog->layout() != nullptr &&
+                   dialog->isWindow()) {
             shows ? Fit(*dialog) : Shrink(*dialog);
         }
     }

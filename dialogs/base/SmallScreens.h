@@ -8,7 +8,8 @@ namespace kadrona::dialogs {
 
 /// Keeps every dialog of the program, whoever made it, wholly on its screen: before a dialog is
 /// shown that needs more room than there is, its contents go into an area that scrolls. A last row
-/// of buttons stays in sight below it. Install it as an event filter of the application.
+/// of buttons stays in sight below it. A message gets a wider box instead. Install it as an event
+/// filter of the application.
 class SmallScreens : public QObject {
     Q_OBJECT
 

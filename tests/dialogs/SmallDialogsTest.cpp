@@ -1,6 +1,7 @@
 #include <QClipboard>
 #include <QCompleter>
 #include <QHBoxLayout>
+#include <QMessageBox>
 #include <QScrollArea>
 #include <QToolButton>
 
@@ -305,6 +306,11 @@ TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
     QDialog small;
     show(small, {300, 200});
     EXPECT_EQ(small.findChild<QScrollArea*>(), nullptr) << "there is room";
+    QMessageBox box;
+    const QString name = u"10 · 22.11.2026 13:19 · Großmann, Köln · "_s;
+    box.setText(QStringList(20, name + name + name + name).join(u'\n'));
+    box.show();
+    EXPECT_LT(box.frameGeometry().height(), box.screen()->availableGeometry().height());
 }
 
 }  // namespace kadrona::testing
