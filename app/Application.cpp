@@ -13,6 +13,7 @@
 #include "app/MainWindow.h"
 #include "app/ProgressWatch.h"
 #include "app/StartRequests.h"
+#include "app/WaitingBox.h"
 #include "app/commandline/ArchiveCommand.h"
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/CommandLineHelp.h"
@@ -29,6 +30,7 @@
 #include "dialogs/base/SmallScreens.h"
 #include "platform/Paths.h"
 #include "platform/RunningProgram.h"
+#include "platform/SilenceWatch.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -109,6 +111,28 @@ void CloseAsByTheUser(TmainFm& window) {
     QApplication::exit(Done);
 }
 
+/// What the window and the box that stands in for it have in common.
+void PrepareApplication(QTranslator& toolkitTexts) {
+    if (toolkitTexts.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&toolkitTexts);
+    }
+    QLocale::setDefault(QLocale(QLocale::German));
+    ApplyChosenAppearance();
+    QApplication::setApplicationName(core::ApplicationTitle.toString());
+    // Names the desktop file, by which panels find the icon and join the windows.
+    QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
+    QApplication::setWindowIcon(dialogs::ApplicationIcon());
+}
+
+/// As a SilenceWatch runs it.
+int RunWaitingBox(int argc, char** argv, const QStringList& arguments) {
+    QApplication application(argc, argv);
+    QTranslator toolkitTexts;
+    PrepareApplication(toolkitTexts);
+    WaitingBox box(arguments.value(2).toInt(), arguments.value(3));
+    return QApplication::exec();
+}
+
 int RunWindow(int argc, char** argv, const WindowRequest& request) {
     // A start that asks for nothing gets a window of its own.
     const bool asks = request.chooses || !request.photo.isEmpty();
@@ -119,15 +143,8 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
     }
     QApplication application(argc, argv);
     QTranslator toolkitTexts;
-    if (toolkitTexts.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QApplication::installTranslator(&toolkitTexts);
-    }
-    QLocale::setDefault(QLocale(QLocale::German));
-    ApplyChosenAppearance();
-    QApplication::setApplicationName(core::ApplicationTitle.toString());
-    // Names the desktop file, by which panels find the icon and join the windows.
-    QGuiApplication::setDesktopFileName(u"example.veltmark.Kadrona"_s);
-    QApplication::setWindowIcon(dialogs::ApplicationIcon());
+    PrepareApplication(toolkitTexts);
+    platform::SilenceWatch::SetTeller(u"/proc/self/exe"_s);
     application.installEventFilter(new dialogs::SmallScreens(&application));
     application.installEventFilter(new ProgressWatch(&application));
     application.installEventFilter(new controls::WheelNeedsFocus(&application));
@@ -154,6 +171,9 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
 int Run(int argc, char** argv) {
     platform::IgnoreFileSizeSignal();
     const QStringList arguments = ArgumentsOf(argc, argv);
+    if (arguments.value(1) == u"--waiting"_s && arguments.size() == 4) {
+        return RunWaitingBox(argc, argv, arguments);
+    }
     if (const auto exitCode = RunWithoutWindow(argc, argv, arguments)) {
         return *exitCode;
     }

@@ -9,6 +9,7 @@
 #include "core/settings/Settings.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/SilenceWatch.h"
 #include "store/sqlite/SqliteDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -136,16 +137,20 @@ QString TData::GetFileNameFromRecord(const QString& archiveFolder) {
             u"Datei %1 liegt außerhalb des Archivs und wird nicht verwendet!"_s.arg(path));
         return {};
     }
-    const bool there = IsArchiveFolder(archiveFolder);
-    if (const QString reason = ForeignWay(path, archiveFolder); !reason.isEmpty()) {
+    QString reason;
+    bool isFile = false;
+    {
+        const platform::SilenceWatch watch(AwaitedArchive(archiveFolder));
+        const bool there = IsArchiveFolder(archiveFolder);
+        reason = ForeignWay(path, archiveFolder);
+        isFile = there && QFileInfo(path).isFile();
+    }
+    if (!reason.isEmpty()) {
         ui_.ShowMessage(u"Datei %1 wird nicht verwendet: %2."_s.arg(path, reason));
-        return {};
+    } else if (!isFile) {
+        ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);
     }
-    if (there && QFileInfo(path).isFile()) {
-        return path;
-    }
-    ui_.ShowMessage(u"Datei "_s + path + u" konnte nicht gefunden werden!"_s);
-    return {};
+    return isFile && reason.isEmpty() ? path : QString();
 }
 
 }  // namespace kadrona::core

@@ -9,7 +9,7 @@ namespace kadrona::platform {
 enum class FolderState { There, Missing, Silent };
 
 /// Long enough for a slow share, short enough for a window that stands still meanwhile.
-inline constexpr std::chrono::milliseconds FolderPatience(1500);
+inline constexpr std::chrono::milliseconds FolderPatience(1000);
 
 /// Looks whether there is a folder, but no longer than `patience`. A process of its own looks, for
 /// nothing else can be given up: where the folder is silent, it stays until the system lets it go.

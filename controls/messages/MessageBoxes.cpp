@@ -102,6 +102,12 @@ bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
     return box.clickedButton() == yes;
 }
 
+std::unique_ptr<QMessageBox> MakeWarning(const QString& text) {
+    auto box = std::make_unique<QMessageBox>();
+    Prepare(*box, u"warning"_s, text);
+    return box;
+}
+
 std::optional<QString> AskForLine(QWidget* parent, const QString& title, const QString& prompt,
                                   const QString& text) {
     QDialog dialog(parent);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <memory>
 #include <optional>
 
+class QMessageBox;
 class QWidget;
 
 namespace kadrona::controls {
@@ -21,6 +23,9 @@ enum class Severity { Question, Warning };
 
 /// True for "Ja". "Nein" is the default; Escape and closing mean "Nein".
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity = Severity::Question);
+
+/// A warning that its owner shows and gives buttons.
+std::unique_ptr<QMessageBox> MakeWarning(const QString& text);
 
 /// One line of text, possibly empty, at first `text`; nothing when cancelled. Object names:
 /// "LineDialog", with "LineEdit", "OkButton" and "CancelButton".

@@ -278,11 +278,12 @@ ArchiveReport CheckArchive(store::Database& database, const QString& archiveFold
 void AdoptChanged(store::Database& database, const QString& archiveFolder,
                   const ArchiveReport& report, const platform::Progress& progress) {
     const QString originals = QDir::cleanPath(StoredFolderPath(archiveFolder, OriginalsFolder));
+    const platform::Progress answering = WhileAnswering({archiveFolder}, progress);
     qint64 done = 0;
     for (const ArchiveFinding& finding : report.findings) {
         const FileTick tick = [&, done] {
-            progress(u"Prüfsummen werden übernommen …"_s, done,
-                     static_cast<qint64>(report.findings.size()));
+            answering(u"Prüfsummen werden übernommen …"_s, done,
+                      static_cast<qint64>(report.findings.size()));
         };
         tick();
         ++done;

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <chrono>
+#include <memory>
 
 #include "core/archive/KeepingSchema.h"
 #include "core/base/FileNaming.h"
@@ -15,6 +16,7 @@
 #include "platform/HarmlessText.h"
 #include "platform/Links.h"
 #include "platform/Paths.h"
+#include "platform/SilenceWatch.h"
 #include "platform/SystemReason.h"
 #include "store/Statement.h"
 
@@ -24,7 +26,8 @@ namespace kadrona::core {
 
 namespace {
 
-constexpr qint64 BytesAtOnce = 1 << 20;
+/// A slow share brings as much before the user must be told something.
+constexpr qint64 BytesAtOnce = 1 << 16;
 
 platform::FileError FailedRemoval(const QString& path, const QString& reason) {
     return platform::FileError{
@@ -109,12 +112,19 @@ void RequireArchiveFolder(const QString& archiveFolder) {
     }
 }
 
+QString AwaitedArchive(const QString& archiveFolder) {
+    return u"das Bildarchiv in „%1“"_s.arg(archiveFolder);
+}
+
 platform::Progress WhileAnswering(const QStringList& folders, platform::Progress progress) {
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds BetweenLooks(500);
-    return [folders, progress = std::move(progress), next = Clock::now() + BetweenLooks](
+    const auto watch =
+        std::make_shared<platform::SilenceWatch>(AwaitedArchive(folders.join(u"“, „"_s)));
+    return [folders, progress = std::move(progress), watch, next = Clock::now() + BetweenLooks](
                const QString& what, qint64 done, qint64 total) mutable {
         progress(what, done, total);
+        platform::SilenceWatch::NoteAnswer();
         if (Clock::now() >= next) {
             for (const QString& folder : folders) {
                 RequireArchiveFolder(folder);

@@ -48,8 +48,12 @@ bool IsArchiveFolder(const QString& archiveFolder);
 /// not pass for an archive without photos.
 void RequireArchiveFolder(const QString& archiveFolder);
 
+/// The archive as something that is waited for: whoever works in its folder holds a
+/// platform::SilenceWatch with it, for the folder may fall silent after the look.
+QString AwaitedArchive(const QString& archiveFolder);
+
 /// The progress of a long operation in folders: throws as RequireArchiveFolder where one of them is
-/// gone or silent meanwhile.
+/// gone or silent meanwhile. As long as it or a copy lives, the first one's silence is told.
 platform::Progress WhileAnswering(const QStringList& folders, platform::Progress progress);
 
 /// Called for each megabyte of a file, for anybody may have laid a large one there; what it throws

@@ -149,10 +149,13 @@ Rebuilding RebuildRecords(store::Database& database, const QStringList& paths, c
     ArchiveTable table(database);
     const QSet<QString> named = NamedFiles(database);
     Rebuilding rebuilding;
+    const platform::Progress answering =
+        paths.isEmpty() ? progress
+                        : WhileAnswering({LostPhotoOf(paths.front()).archiveFolder}, progress);
     for (const QString& path : paths) {
         const FileTick tick = [&] {
-            progress(u"Datensätze werden wiederhergestellt …"_s, rebuilding.rebuilt,
-                     static_cast<qint64>(paths.size()));
+            answering(u"Datensätze werden wiederhergestellt …"_s, rebuilding.rebuilt,
+                      static_cast<qint64>(paths.size()));
         };
         tick();
         try {

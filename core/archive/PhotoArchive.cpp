@@ -18,6 +18,7 @@
 #include "platform/Error.h"
 #include "platform/FolderLock.h"
 #include "platform/Paths.h"
+#include "platform/SilenceWatch.h"
 #include "platform/UniqueFile.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
@@ -108,9 +109,12 @@ void PhotoArchive::Open(std::unique_ptr<store::Database> database) {
 }
 
 void PhotoArchive::WhileWaiting(const std::function<void()>& tick) {
-    whileWaiting_ = tick;
+    whileWaiting_ = !tick ? tick : [tick] {
+        platform::SilenceWatch::NoteAnswer();  // it is told already
+        tick();
+    };
     if (database_ != nullptr) {
-        database_->WhileWaiting(tick);
+        database_->WhileWaiting(whileWaiting_);
     }
 }
 
@@ -211,6 +215,7 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
     if (table == nullptr) {
         return Filing::NoDatabase;
     }
+    const platform::SilenceWatch watch(AwaitedArchive(known.archiveFolder));
     const QString monthFolder = GetMonthDir(names);
     const QString folder = StoredFolderPath(known.archiveFolder, monthFolder);
     const bool there = IsArchiveFolder(known.archiveFolder);
@@ -291,6 +296,7 @@ bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
     if (!filed) {
         return false;
     }
+    const platform::SilenceWatch watch(AwaitedArchive(waiting.archiveFolder));
     const auto pathOf = [&](const QString& folder, const QString& file) {
         const QString path = StoredFolderPath(waiting.archiveFolder, folder);
         RequireArchiveFolder(waiting.archiveFolder);

@@ -8,9 +8,11 @@
 #include "imaging/pixels/QuarterTurn.h"
 #include "imaging/tone/AverageColour.h"
 #include "imaging/tone/WhiteBalance.h"
+#include "platform/SilenceWatch.h"
 
 namespace kadrona::core {
 
+using namespace Qt::StringLiterals;
 using imaging::QuarterTurn;
 
 namespace {
@@ -33,6 +35,7 @@ QRect SkinOf(const imaging::Pixels& photo) {
 
 imaging::LoadedImage ReadPhoto(const QString& path, const Settings& settings,
                                imaging::ReadProgress* progress) {
+    const platform::SilenceWatch watch(u"die Datei „%1“"_s.arg(path));
     return imaging::ReadImageFile(path, OptionsOf(settings, progress));
 }
 

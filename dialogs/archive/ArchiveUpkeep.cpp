@@ -18,6 +18,7 @@
 #include "dialogs/archive/ArchiveCards.h"
 #include "dialogs/archive/ArchiveProgress.h"
 #include "platform/Error.h"
+#include "platform/SilenceWatch.h"
 #include "platform/UserRegistry.h"
 
 using namespace Qt::StringLiterals;
@@ -91,6 +92,7 @@ QStringList ArchiveUpkeep::NamesOf(const ChosenPhotos& chosen) const {
 /// A sentence that says how many of the photos' files are not to be found: a share that is not
 /// mounted is an empty folder. Empty where none is missing.
 QString ArchiveUpkeep::MissingFiles(const std::vector<qint64>& ids) const {
+    const platform::SilenceWatch watch(core::AwaitedArchive(folder_));
     qsizetype missing = 0;
     const size_t lookedUp = std::min(ids.size(), MostLookedUp);
     for (size_t i = 0; i < lookedUp; ++i) {
@@ -337,11 +339,14 @@ bool ArchiveUpkeep::RemoveFiles(const QStringList& paths) {
         return false;
     }
     QStringList failures;
-    for (const QString& path : paths) {
-        try {
-            core::RemoveArchiveFile(path, folder_);
-        } catch (const platform::FileError& error) {
-            failures.append(error.Text());
+    {
+        const platform::SilenceWatch watch(core::AwaitedArchive(folder_));
+        for (const QString& path : paths) {
+            try {
+                core::RemoveArchiveFile(path, folder_);
+            } catch (const platform::FileError& error) {
+                failures.append(error.Text());
+            }
         }
     }
     ShowFailures(u"Nicht alle Dateien konnten entfernt werden."_s, failures);

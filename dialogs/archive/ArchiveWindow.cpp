@@ -26,6 +26,7 @@
 #include "dialogs/archive/ImageTags.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "platform/Progress.h"
+#include "platform/SilenceWatch.h"
 
 using namespace Qt::StringLiterals;
 
@@ -351,6 +352,7 @@ void TfmImgSearch::acEditTagsExecute() {
         const auto back =
             qScopeGuard([this] { data_.SetCurrentRecord(grid_->Current().value_or(0)); });
         const QString path = data_.GetFileNameFromRecord(archiveFolder_);
+        const platform::SilenceWatch watch(core::AwaitedArchive(archiveFolder_));
         data_.RewriteIptcToImage(path, tagEditor_.FirstLine(), tagEditor_.Tags());
         core::KeepDigest(data_.ArchiveDatabase(), id, path);
     }

@@ -10,7 +10,9 @@
 #include <cstring>
 
 #include "core/archive/ArchiveCheck.h"
+#include "platform/AtomicFile.h"
 #include "platform/FolderProbe.h"
+#include "platform/SilenceWatch.h"
 #include "tests/core/ArchiveFixture.h"
 #include "tests/support/Errors.h"
 
@@ -20,6 +22,8 @@ namespace {
 QByteArray silent;  // NOLINT(cert-err58-cpp)
 /// The program's, which whoever waits must not have inherited.
 int handle = -1;
+/// How long flushing a file takes.
+unsigned flushMicroseconds = 0;
 
 }  // namespace
 
@@ -32,6 +36,13 @@ extern "C" int WaitingStatfs(const char* path, void* disk) {
         pause();
     }
     return real(path, disk);
+}
+
+extern "C" int SlowFsync(int file) __asm__("fsync");
+extern "C" int SlowFsync(int file) {
+    static auto* const real = reinterpret_cast<decltype(&SlowFsync)>(dlsym(RTLD_NEXT, "fsync"));
+    usleep(flushMicroseconds);
+    return real(file);
 }
 
 namespace kadrona::testing {
@@ -71,6 +82,20 @@ TEST_F(SilentFolder, IsToldInsteadOfWaitedFor) {
                                FallSilent();
                            });
     });
+}
+
+TEST_F(SilentFolder, IsToldInTheMidstOfAFileToo) {
+    File(u"a\r\n"_s);
+    installation.Write("teller", "#!/bin/sh\necho \"$3\" >\"$0.told\"\n");
+    QFile::setPermissions(installation.Path("teller"), QFile::ReadOwner | QFile::ExeOwner);
+    platform::SilenceWatch::SetTeller(installation.Path("teller"));
+    flushMicroseconds = 1'600'000;
+    File(u"b\r\n"_s);
+    flushMicroseconds = 0;
+    platform::SilenceWatch::SetTeller({});
+    EXPECT_EQ(Table().Ids().size(), 2U);
+    EXPECT_TRUE(platform::ReadWholeFile(installation.Path("teller.told"), 1000)
+                    .contains(archiveFolder.toUtf8()));
 }
 
 TEST_F(SilentFolder, IsToldFromAMissingOneWhereNoProcessTellsItsEnd) {
