@@ -8,6 +8,7 @@
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
+#include "platform/SilenceWatch.h"
 #include "store/FullTextIndex.h"
 #include "store/Statement.h"
 #include "store/Transaction.h"
@@ -96,10 +97,20 @@ class FileNotes {
     QSet<QString> sharedOriginals_;
 };
 
+/// Of a record that has a number alone.
+constexpr QStringView IsBlank = uR"("ImgErstellt" IS NULL AND "ImgName" IS NULL)";
+
 /// Inside a transaction. False where there is no such record.
-bool DeleteRecord(store::Database& database, FileNotes& notes, qint64 id, const QString& now) {
-    notes.Note(id);
-    if (!store::Statement(database, uR"(DELETE FROM "ImgDB" WHERE "ID" = ? RETURNING "ID")"_s)
+bool DeleteRecord(store::Database& database, FileNotes& notes, qint64 id, const QString& now,
+                  Deletable which) {
+    QString condition;
+    if (which == Deletable::Blank) {
+        condition = u" AND "_s + IsBlank.toString();
+    } else {
+        notes.Note(id);
+    }
+    if (!store::Statement(
+             database, uR"(DELETE FROM "ImgDB" WHERE "ID" = ?%1 RETURNING "ID")"_s.arg(condition))
              .Bind(1, id)
              .Step()) {
         return false;
@@ -158,6 +169,7 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
     if (paths.isEmpty()) {
         return {};
     }
+    const platform::SilenceWatch watch(AwaitedArchive(archiveFolder));
     RequireArchiveFolder(archiveFolder);
     if (LooksUnmounted(database, archiveFolder)) {
         return {u"Der Ordner des Bildarchivs „%1“ ist leer; ist sein Laufwerk verbunden?"_s.arg(
@@ -183,7 +195,7 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
 
 Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
                        const std::vector<qint64>& ids, const QDateTime& now,
-                       const platform::Progress& progress) {
+                       const platform::Progress& progress, Deletable which) {
     RequireArchiveFolder(archiveFolder);
     CreateKeeping(database);
     const auto all = static_cast<qint64>(ids.size());
@@ -194,8 +206,9 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
         {
             store::Transaction transaction(database);
             for (size_t i = begin; i < std::min(ids.size(), begin + RecordsAtOnce); ++i) {
-                deletion.deleted +=
-                    DeleteRecord(database, notes, ids[i], now.toString(DeletionTimeFormat)) ? 1 : 0;
+                const bool gone =
+                    DeleteRecord(database, notes, ids[i], now.toString(DeletionTimeFormat), which);
+                deletion.deleted += gone ? 1 : 0;
             }
             transaction.Commit();
         }
@@ -206,10 +219,8 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
 }
 
 std::vector<qint64> BlankRecords(store::Database& database) {
-    store::Statement blank(
-        database,
-        uR"(SELECT "ID" FROM "ImgDB" WHERE "ImgErstellt" IS NULL AND "ImgName" IS NULL
-                      ORDER BY "ID")"_s);
+    store::Statement blank(database,
+                           uR"(SELECT "ID" FROM "ImgDB" WHERE %1 ORDER BY "ID")"_s.arg(IsBlank));
     std::vector<qint64> ids;
     while (blank.Step()) {
         ids.push_back(blank.Integer(0));

@@ -17,6 +17,10 @@ struct Deletion {
     QStringList failures;
 };
 
+/// Those that were chosen, or of them those that are still blank when their turn comes: what was
+/// blank when it was listed may be somebody's photo by then.
+enum class Deletable { Chosen, Blank };
+
 /// Deletes records with all that belongs to them: the photo, its original, thumbnail, tags, words
 /// of the full-text index, checksum and date; then the folders that are empty. What stays is the
 /// number and `now` in "ImgDeleted", and the files' names, which tell of nobody. A file that
@@ -30,7 +34,7 @@ struct Deletion {
 /// store::StoreError, and platform::Cancelled between two records.
 Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
                        const std::vector<qint64>& ids, const QDateTime& now,
-                       const platform::Progress& progress);
+                       const platform::Progress& progress, Deletable which = Deletable::Chosen);
 
 /// Removes the files that a deletion has left; returns why some are still there, as Deletion does.
 /// Throws as DeleteRecords does.

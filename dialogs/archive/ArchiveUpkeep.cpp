@@ -134,7 +134,8 @@ bool ArchiveUpkeep::Delete(const ChosenPhotos& chosen) {
         return false;
     }
     // Last: what is said after a cancellation counts the others alone.
-    return (chosen.ids.empty() || DeleteNow(chosen.ids, u"Bilder löschen"_s)) &&
+    return (chosen.ids.empty() ||
+            DeleteNow(chosen.ids, u"Bilder löschen"_s, core::Deletable::Chosen)) &&
            DeleteWaiting(chosen.waiting);
 }
 
@@ -164,10 +165,11 @@ bool ArchiveUpkeep::DeleteBlank(const std::vector<qint64>& ids) {
             : u"%1 Datensätze sind leer, weil ihre Fotos nicht geschrieben werden konnten. Sollen "
               u"sie gelöscht werden?"_s.arg(ids.size());
     return !ids.empty() && controls::AskYesNo(Over(), question) &&
-           DeleteNow(ids, u"Leere Datensätze löschen"_s);
+           DeleteNow(ids, u"Leere Datensätze löschen"_s, core::Deletable::Blank);
 }
 
-bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& title) {
+bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& title,
+                              core::Deletable which) {
     core::Deletion deletion;
     qint64 done = 0;
     bool finished = true;
@@ -179,7 +181,7 @@ bool ArchiveUpkeep::DeleteNow(const std::vector<qint64>& ids, const QString& tit
             show(what, sofar, all);
         };
         deletion = core::DeleteRecords(data_.ArchiveDatabase(), folder_, ids,
-                                       data_.NameSources().now(), report);
+                                       data_.NameSources().now(), report, which);
     } catch (const platform::Cancelled&) {
         finished = false;
     }

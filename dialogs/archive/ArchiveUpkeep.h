@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/archive/ArchiveCheck.h"
+#include "core/archive/ArchiveDeletion.h"
 
 class QWidget;
 
@@ -58,7 +59,7 @@ class ArchiveUpkeep {
     QStringList NamesOf(const ChosenPhotos& chosen) const;
     QString MissingFiles(const std::vector<qint64>& ids) const;
     bool DeleteWaiting(const QStringList& names);
-    bool DeleteNow(const std::vector<qint64>& ids, const QString& title);
+    bool DeleteNow(const std::vector<qint64>& ids, const QString& title, core::Deletable which);
     void Compact(const QString& title);
     bool RemedyNow(core::ArchiveFault fault, const core::ArchiveReport& report);
     bool Rebuild(const QStringList& paths);

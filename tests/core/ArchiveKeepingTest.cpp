@@ -41,10 +41,16 @@ TEST_F(ArchiveKeeping, DeletedPhotosLeaveNothingButTheirNumbers) {
         EXPECT_EQ(DatabaseFault(Database()), QString());
     }
 
+    const qint64 blank = Table().Insert();
+    core::DeleteRecords(Database(), archiveFolder, {blank, 1}, now, platform::NoProgress,
+                        core::Deletable::Blank);
+    EXPECT_FALSE(Table().Read(blank));
+    EXPECT_EQ(FiledPhotos().size(), 40) << "it has been filed since it was blank";
+
     Delete(Table().Ids());
     EXPECT_TRUE(QDir(archiveFolder).isEmpty()) << "months and years without photos go too";
     File(u"neu\r\n"_s);
-    EXPECT_EQ(data.CurrentRecord(), 81) << "no number is used twice";
+    EXPECT_EQ(data.CurrentRecord(), 82) << "no number is used twice";
 }
 
 TEST_F(ArchiveKeeping, AnInterruptedDeletionIsFinishedLater) {
