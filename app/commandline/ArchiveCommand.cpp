@@ -26,12 +26,12 @@ constexpr std::array Tasks{std::pair(QLatin1StringView("backup"), Task::BackUp),
                            std::pair(QLatin1StringView("export"), Task::Export),
                            std::pair(QLatin1StringView("transfer"), Task::Transfer)};
 
-/// A line for each thing that is begun.
+/// A line for each thing that is begun; waiting for a server comes between them again and again.
 platform::Progress Lines(QTextStream& output) {
-    return [&output, last = QString()](const QString& what, qint64, qint64) mutable {
-        if (what != last) {
+    return [&output, said = QStringList()](const QString& what, qint64, qint64) mutable {
+        if (!said.contains(what)) {
             output << what << Qt::endl;
-            last = what;
+            said.append(what);
         }
     };
 }
