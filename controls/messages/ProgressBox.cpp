@@ -24,6 +24,8 @@ std::unique_ptr<QProgressDialog> MakeProgressDialog(const QString& name, const Q
     dialog->setWindowTitle(title);
     auto* cancel = new QPushButton(u"Abbrechen"_s);
     cancel->setObjectName(u"Cancel"_s);
+    // With the button that it is made with goes that one's shortcut: of two nobody hears Escape.
+    dialog->setCancelButton(nullptr);
     dialog->setCancelButton(cancel);
     auto* bar = new QProgressBar;
     bar->setTextVisible(false);  // it is lower than a line of text

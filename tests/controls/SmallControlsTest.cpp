@@ -346,6 +346,8 @@ TEST(ProgressBox, IsShownWhereNobodyKnowsHowMuchThereIsToDo) {
         EXPECT_EQ(QApplication::activeModalWidget() != nullptr, isShown);
         QTest::qSleep(450);
     }
+    QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+    EXPECT_THROW(report(u"Warten …"_s, 0, 0), platform::Cancelled);
 }
 
 }  // namespace
