@@ -15,6 +15,7 @@
 #include "app/base/ViewActions.h"
 #include "app/opening/DevelopingDisplay.h"
 #include "controls/fields/FileDropTarget.h"
+#include "controls/fields/OfferedPicture.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"

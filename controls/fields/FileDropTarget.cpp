@@ -1,14 +1,12 @@
 #include "controls/fields/FileDropTarget.h"
 
-#include <QBuffer>
 #include <QDropEvent>
-#include <QImage>
 #include <QMimeData>
 #include <QPainter>
 #include <QUrl>
 #include <QWidget>
-#include <algorithm>
 
+#include "controls/fields/OfferedPicture.h"
 #include "controls/theme/Theme.h"
 
 using namespace Qt::StringLiterals;
@@ -56,46 +54,6 @@ QStringList DroppedFiles(const QMimeData& data) {
     return paths;
 }
 
-namespace {
-
-/// The kind that says most of the picture; a program offers the same one in several.
-QString BestFormat(const QMimeData& data) {
-    const QStringList offered = data.formats();
-    for (const QString& format :
-         {u"image/jpeg"_s, u"image/heic"_s, u"image/avif"_s, u"image/webp"_s, u"image/jxl"_s,
-          u"image/png"_s, u"image/tiff"_s, u"image/bmp"_s, u"image/gif"_s}) {
-        if (offered.contains(format)) {
-            return format;
-        }
-    }
-    return {};
-}
-
-/// A picture of this very program has no bytes yet. What others offer has, and the toolkit would
-/// let any plug-in that claims them decode it.
-bool HasOwnPicture(const QMimeData& data) {
-    const QStringList offered = data.formats();
-    return offered.contains(u"application/x-qt-image"_s) &&
-           std::ranges::none_of(
-               offered, [](const QString& format) { return format.startsWith(u"image/"_s); });
-}
-
-}  // namespace
-
-bool HasPicture(const QMimeData& data) {
-    return !BestFormat(data).isEmpty() || HasOwnPicture(data);
-}
-
-QByteArray PictureIn(const QMimeData& data) {
-    if (const QString format = BestFormat(data); !format.isEmpty()) {
-        return data.data(format);
-    }
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    qvariant_cast<QImage>(data.imageData()).save(&buffer, "png");
-    return buffer.data();
-}
-
 void AnswerDrag(QDropEvent& event) {
     if (event.proposedAction() == Qt::MoveAction) {
         const Qt::DropActions possible = event.possibleActions();
@@ -126,7 +84,10 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::DragEnter:
         case QEvent::DragMove: {
             auto& drag = static_cast<QDropEvent&>(*event);
-            if (!CanTake(*drag.mimeData())) {
+            if (event->type() == QEvent::DragEnter || !takes_) {
+                takes_ = CanTake(*drag.mimeData());
+            }
+            if (!*takes_) {
                 drag.ignore();
                 return true;
             }
@@ -135,9 +96,11 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         case QEvent::DragLeave:
+            takes_.reset();
             ShowFrame(false);
             return true;
         case QEvent::Drop: {
+            takes_.reset();
             ShowFrame(false);
             auto& drop = static_cast<QDropEvent&>(*event);
             if (!CanTake(*drop.mimeData())) {

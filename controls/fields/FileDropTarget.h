@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <optional>
 
 class QDropEvent;
 class QMimeData;
@@ -35,15 +36,12 @@ class FileDropTarget : public QObject {
 
     QWidget* widget_;
     QWidget* frame_;
+    /// What is said of the drag over the widget: another program is asked for its data only once.
+    std::optional<bool> takes_;
 };
 
 /// Local files named by a drag, in its order; other addresses are left out.
 QStringList DroppedFiles(const QMimeData& data);
-
-/// Whether a drag or the clipboard holds a picture itself, and the bytes of the image file that it
-/// comes as; empty where there is none.
-bool HasPicture(const QMimeData& data);
-QByteArray PictureIn(const QMimeData& data);
 
 /// Answers a drag that moves over a place where it may be dropped: copy where possible, else link.
 /// A drag that can only move is let on too, but answered with "nothing" instead of "move".

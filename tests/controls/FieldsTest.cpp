@@ -103,7 +103,10 @@ TEST_F(DropTest, OtherDragsAreRefused) {
     QMimeData drawing;
     drawing.setData(u"image/svg"_s, "<svg/>");
     drawing.setImageData(QImage(2, 2, QImage::Format_RGB32));
-    for (const QMimeData* data : {&text, &web, &drawing}) {
+    QMimeData page;
+    page.setHtml(
+        u"<p>src=</p><a href=\"data:image/png;base64,YQ==\"><img src=\"https://x.de/c.jpg\">"_s);
+    for (const QMimeData* data : {&text, &web, &drawing, &page}) {
         EXPECT_FALSE(
             Offer<QDragEnterEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
         EXPECT_FALSE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
@@ -124,6 +127,17 @@ TEST_F(DropTest, APictureOfABrowserIsTakenAsTheBytesOfItsFile) {
     EXPECT_TRUE(Offer<QDropEvent>(widget_, picture, Qt::CopyAction, Qt::CopyAction).accepted);
     QCoreApplication::processEvents();
     EXPECT_EQ(taken, "a jpeg") << "as the camera wrote it";
+
+    QMimeData mail;
+    mail.setHtml(u"<p>Guten Tag</p><img alt='x' SRC='data:image/jpeg;base64,YSBq\ncGVn'> -- "_s);
+    QMimeData address;
+    address.setData(u"text/uri-list"_s, "data:image/jpeg;base64,YSBqcGVn\r\n");
+    for (const QMimeData* data : {&mail, &address}) {
+        taken.clear();
+        EXPECT_TRUE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(taken, "a jpeg") << "in the text";
+    }
     EXPECT_TRUE(dropped_.isEmpty());
 }
 
