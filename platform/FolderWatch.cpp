@@ -2,21 +2,66 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
+#include <functional>
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::platform {
 
 FolderWatch::FolderWatch(QString folder, QStringList patterns)
     : folder_(std::move(folder)), patterns_(std::move(patterns)) {}
 
+namespace {
+
+/// The folder itself and, on a card, those into which cameras put their photos: DCIM/100ABCDE and
+/// what follows it (Design rule for Camera File system, JEITA CP-3461).
+QStringList PhotoFolders(const QString& folder) {
+    const auto inside = [](const QString& outer) {
+        QStringList folders;
+        const QFileInfoList found =
+            QDir(outer).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+        for (const QFileInfo& info : found) {
+            folders.append(info.filePath());
+        }
+        return folders;
+    };
+    const QString Photos = u"DCIM"_s;
+    QStringList folders{folder};
+    if (QDir(folder).dirName().compare(Photos, Qt::CaseInsensitive) == 0) {
+        return folders + inside(folder);
+    }
+    for (const QString& path : inside(folder)) {
+        if (QFileInfo(path).fileName().compare(Photos, Qt::CaseInsensitive) == 0) {
+            folders += path;
+            folders += inside(path);
+        }
+    }
+    return folders;
+}
+
+/// Newest first.
+QFileInfoList FilesIn(const QStringList& folders, const QStringList& patterns) {
+    QFileInfoList files;
+    for (const QString& folder : folders) {
+        files += QDir(folder).entryInfoList(patterns, QDir::Files | QDir::NoSymLinks, QDir::Time);
+    }
+    if (folders.size() > 1) {
+        std::ranges::stable_sort(files, std::ranges::greater(),
+                                 [](const QFileInfo& file) { return file.lastModified(); });
+    }
+    return files;
+}
+
+}  // namespace
+
 bool FolderWatch::Look() {
-    const QDir folder(folder_);
-    const bool exists = !folder_.isEmpty() && folder.exists();
+    const bool exists = !folder_.isEmpty() && QFileInfo(folder_).isDir();
     QHash<QString, State> now;
     QStringList files;
     const QFileInfoList found =
-        exists ? folder.entryInfoList(patterns_, QDir::Files | QDir::NoSymLinks, QDir::Time)
-               : QFileInfoList();
+        exists ? FilesIn(PhotoFolders(folder_), patterns_) : QFileInfoList();
     for (const QFileInfo& info : found) {
         const QString path = info.filePath();
         const State state{info.size(), info.lastModified()};

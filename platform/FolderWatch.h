@@ -12,7 +12,8 @@ namespace kadrona::platform {
 /// folders and cards that come and go cannot be relied on.
 class FolderWatch {
  public:
-    /// `patterns` as "*.jpg", whatever their case. Hidden files and links are passed over.
+    /// `patterns` as "*.jpg", whatever their case. Hidden files and links are passed over. Where
+    /// the folder is a card, or a card's DCIM, the folders in DCIM are looked into as well.
     FolderWatch(QString folder, QStringList patterns);
 
     const QString& Folder() const { return folder_; }

@@ -66,4 +66,18 @@ TEST_F(FolderWatchTest, WaitsForWhatIsWrittenAndFollowsAFolderThatComesAndGoes) 
     EXPECT_EQ(Looked(), (QStringList{u"new.jpg"_s, u"old.JPG"_s}));
 }
 
+TEST_F(FolderWatchTest, LooksIntoTheFoldersOfACard) {
+    for (const QString& name : {u"private/no.jpg"_s, u"DCIM/100EOS/1.jpg"_s, u"DCIM/101EOS/2.jpg"_s,
+                                u"DCIM/100EOS/deeper/no.jpg"_s}) {
+        QDir().mkpath(QFileInfo(Path(name)).path());
+        Write(name, "photo");
+    }
+    Looked();
+    EXPECT_EQ(Looked(), (QStringList{u"1.jpg"_s, u"2.jpg"_s}));
+    FolderWatch photos{Path(u"DCIM"_s), {u"*.jpg"_s}};
+    photos.Look();
+    photos.Look();
+    EXPECT_EQ(photos.Files().size(), 2);
+}
+
 }  // namespace kadrona::platform
