@@ -46,7 +46,7 @@ QString EvidenceText(const QString& letters) {
     QStringList sources;
     for (const auto& [letter, source] : {std::pair{u'O', u"Internetseite der Behörde"_s},
                                          {u'T', u"Abschrift eines Dokuments der Behörde"_s},
-                                         {u'S', u"andere Quelle"_s}}) {
+                                         {u'S', u"Angaben aus zweiter Hand"_s}}) {
         if (letters.contains(letter)) {
             sources << source;
         }
@@ -66,7 +66,9 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     save_ = buttons->addButton(u"&Speichern"_s, QDialogButtonBox::AcceptRole);
     save_->setObjectName(u"btnSave"_s);
     save_->setDefault(true);
-    buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole)->setObjectName(u"btnCancel"_s);
+    QPushButton* cancel = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    cancel->setObjectName(u"btnCancel"_s);
+    cancel->setAutoDefault(false);  // Return in a field never gives up, also where nothing fits
 
     BuildPicture();
     figures_ = new ScrolledPage(BuildFigures());
@@ -93,15 +95,13 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
 void UploadDialog::ConnectControls(const QDialogButtonBox& buttons) {
     const auto make = [this] { controls::Guarded(this, [this] { Make(); }); };
     connect(delay_, &QTimer::timeout, this, make);
-    connect(edit_, &UploadFiguresEdit::Changed, this, [this] {
-        save_->setEnabled(false);
-        delay_->start();
-    });
+    // The button to save stays as it is, so that Tab out of the last field leads to it.
+    connect(edit_, &UploadFiguresEdit::Changed, delay_, qOverload<>(&QTimer::start));
     connect(ownFigures_, &QRadioButton::toggled, this, [this, make](bool own) {
         edit_->setEnabled(own);
         make();
     });
-    connect(&buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(&buttons, &QDialogButtonBox::accepted, this, &UploadDialog::accept);
     connect(&buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
@@ -182,9 +182,20 @@ UploadDialog::Choice UploadDialog::Chosen() const {
 void UploadDialog::Make() {
     const controls::WaitCursor wait;
     delay_->stop();
+    made_ = false;
     request_.figures = ownFigures_->isChecked() ? edit_->Figures() : published_;
     file_ = core::MakeUploadFile(request_);
+    made_ = true;
     ShowFile();
+}
+
+/// Nothing is saved that was not seen.
+void UploadDialog::accept() {
+    if (delay_->isActive() || !made_) {
+        controls::Guarded(this, [this] { Make(); });
+        return;
+    }
+    QDialog::accept();
 }
 
 /// What the screen leaves beside the figures and above the verdict.
@@ -209,6 +220,10 @@ void UploadDialog::ShowFile() {
                                   .boundedTo(LargestPicture)
                                   .boundedTo(RoomForPicture())
                                   .expandedTo(SmallestPicture));
+    if (isVisible()) {
+        layout()->activate();  // a larger picture makes the window grow
+        MoveOntoScreen(*this);
+    }
 
     const QLocale german(QLocale::German);
     pixels_->setText(u"%1 x %2 Pixel, %3 dpi"_s.arg(file_.size.width())

@@ -40,6 +40,8 @@ class UploadDialog : public QDialog {
     const core::UploadFile& File() const { return file_; }
     Choice Chosen() const;
 
+    void accept() override;
+
  private:
     void ConnectControls(const QDialogButtonBox& buttons);
     void BuildPicture();
@@ -52,6 +54,7 @@ class UploadDialog : public QDialog {
     core::UploadRequest request_;
     core::UploadFigures published_;
     core::UploadFile file_;
+    bool made_ = false;  ///< file_ is what the figures ask for
     QScrollArea* scrolled_;
     QLabel* picture_;
     ScrolledPage* figures_;

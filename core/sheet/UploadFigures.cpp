@@ -65,6 +65,16 @@ UploadFigures OwnUploadFigures(const Settings& settings) {
             {}};
 }
 
+QString CrossedRange(const UploadFigures& figures) {
+    const auto crossed = [](const PixelRange& pixels) {
+        return pixels.least && pixels.most && *pixels.least > *pixels.most;
+    };
+    return crossed(figures.width)                     ? u"Breite"_s
+           : crossed(figures.height)                  ? u"Höhe"_s
+           : figures.bytes.least > figures.bytes.most ? u"Größe"_s
+                                                      : QString();
+}
+
 QString UploadFiguresText(const UploadFigures& figures) {
     QStringList parts{PixelText(figures), KilobyteText(figures.bytes)};
     parts.removeAll({});

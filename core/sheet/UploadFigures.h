@@ -45,6 +45,9 @@ class Settings;
 /// What the settings hold for portals that no template knows.
 UploadFigures OwnUploadFigures(const Settings& settings);
 
+/// The side, or the size, whose least is more than its most ("Breite"); empty where there is none.
+QString CrossedRange(const UploadFigures& figures);
+
 /// "mindestens 600 x 750 Pixel, 50 bis 10.000 kB"; "keine Vorgaben" where there are none.
 QString UploadFiguresText(const UploadFigures& figures);
 

@@ -151,6 +151,9 @@ class Maker {
     }
 
     QString Shortfall(const UploadFile& file) const {
+        if (const QString crossed = CrossedRange(request_.figures); !crossed.isEmpty()) {
+            return u"Bei der %1 ist „von“ größer als „bis“."_s.arg(crossed);
+        }
         const QLocale german(QLocale::German);
         const QString nearest = u"Am nächsten kommen %1 x %2 Pixel mit %3 Bytes."_s.arg(
             QString::number(file.size.width()), QString::number(file.size.height()),

@@ -95,6 +95,8 @@ TEST(UploadFile, UsesItsWindowAndSaysWhatIsImpossible) {
           {"stretched by a third of a percent", {{480, 480}, {615, 615}, {}}, {480, 615}, ""},
           {"a height that no width gives", {{}, {533, 533}, {}}, {415, 533}, ""},
           {"another shape", {{600, 600}, {600, 600}, {}}, {600, 771}, "andere Form"},
+          {"a side from more to less", {{600, 500}, {}, {}}, {}, "Breite ist „von“ größer"},
+          {"bytes from more to less", {{}, {}, {90'000, 60'000}}, {}, "Größe ist „von“ größer"},
           {"too few bytes", {{700, 700}, {}, {0, 20'000}}, {700, 900}, "geringsten Qualität"},
           {"too many", {{70, 70}, {}, {90'000, 95'000}}, {70, 90}, "höchsten Qualität"}}) {
         const UploadFile file = Made(cut, c.figures);
