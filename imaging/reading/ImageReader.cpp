@@ -43,7 +43,7 @@ DecodedImage ReadTiffOrRaw(const ReadTask& task) {
 DecodedImage ReadGif(const ReadTask& task) {
     constexpr qint64 MostBytes = 40'000'000;
     if (task.Device().size() > MostBytes) {
-        task.Fail(TooLargeFileReason());
+        task.Fail(TooLargeFileReason(MostBytes));
     }
     return ReadByPlugin(task, "gif");
 }

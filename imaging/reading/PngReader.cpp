@@ -202,9 +202,9 @@ DecodedImage ReadPng(const ReadTask& task) {
     // Uncompressed, with more than any program puts beside them: each chunk takes time.
     constexpr qint64 MostBytesAPixel = 9;
     constexpr qint64 MostOtherBytes = 100'000'000;
-    if (task.Device().size() >
-        qint64{header.width} * header.height * MostBytesAPixel + MostOtherBytes) {
-        task.Fail(TooLargeFileReason());
+    const qint64 most = qint64{header.width} * header.height * MostBytesAPixel + MostOtherBytes;
+    if (task.Device().size() > most) {
+        task.Fail(TooLargeFileReason(most));
     }
     header.deep = header.deep && qint64{header.width} * header.height <= MostDeepPixels;
     const qint64 pixels = task.Device().pos();

@@ -38,7 +38,7 @@ void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {
 QByteArray ReadTask::ReadWhole() const {
     constexpr qint64 MaximumSize = 200'000'000;
     if (device_.size() > MaximumSize) {
-        Fail(TooLargeFileReason());
+        Fail(TooLargeFileReason(MaximumSize));
     }
     device_.seek(0);
     return device_.readAll();
@@ -56,8 +56,9 @@ QString DamagedOrIncompleteFileReason() {
     return u"Die Datei ist beschädigt oder unvollständig."_s;
 }
 
-QString TooLargeFileReason() {
-    return u"Die Datei ist zu groß."_s;
+QString TooLargeFileReason(qint64 most) {
+    constexpr qint64 Megabyte = 1'000'000;
+    return u"Sie ist zu groß; es werden höchstens %1 MB gelesen."_s.arg(most / Megabyte);
 }
 
 QString OutOfMemoryReason() {

@@ -74,7 +74,8 @@ class ReadTask {
 QString IncompleteFileReason();
 QString DamagedFileReason();
 QString DamagedOrIncompleteFileReason();
-QString TooLargeFileReason();
+/// `most` in bytes.
+QString TooLargeFileReason(qint64 most);
 QString OutOfMemoryReason();
 /// A picture that would take far more memory than its pixels.
 QString TooMuchMemoryReason();

@@ -195,9 +195,11 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
 }
 
 TEST(ReaderFailure, MuchBesideASmallPictureIsRefused) {
-    for (const QByteArray& file : {Gif({1}), Written(TestPicture(40, 30), "png")}) {
-        EXPECT_EQ(Failure(file + QByteArray(101'000'000, '\0')),
-                  Complaint("Die Datei ist zu groß."));
+    for (const auto& [file, most] :
+         {std::pair{Gif({1}), "40"}, {Written(TestPicture(40, 30), "png"), "100"}}) {
+        EXPECT_EQ(
+            Failure(file + QByteArray(101'000'000, '\0')),
+            Complaint(QByteArray("Sie ist zu groß; es werden höchstens ") + most + " MB gelesen."));
     }
 }
 
