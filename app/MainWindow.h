@@ -112,6 +112,7 @@ class TmainFm : public QMainWindow {
     MainActions actions_{this};
     imaging::view::ImageView* view_ = nullptr;
     QWidget* emptyState_ = nullptr;
+    QWidget* emptyStateButton_ = nullptr;
     QMenu* recentMenu_ = nullptr;
     QMenu* appearanceMenu_ = nullptr;
     controls::PhotoStrip* recentStrip_ = nullptr;

@@ -63,9 +63,9 @@ void TmainFm::BuildCommandArea() {
                                 Action::ArchivePhoto, Action::PrintAgain}) {
         file->addAction(actions_[action]);
     }
-    recentMenu_ = file->addMenu(u"&Zuletzt geöffnet"_s);
+    recentMenu_ = file->addMenu(u"Zu&letzt geöffnet"_s);
     recentMenu_->setObjectName(u"RecentMenu"_s);
-    QMenu* side = file->addMenu(u"&Seitenleiste"_s);
+    QMenu* side = file->addMenu(u"Se&itenleiste"_s);
     side->setObjectName(u"SideMenu"_s);
     side->setToolTipsVisible(true);
     side->addAction(actions_[Action::ShowCheck]);
@@ -164,7 +164,9 @@ void TmainFm::BuildSidePanel() {
     traySection_ = new dialogs::TraySection;
     sidePanel_->AddSection(traySection_);
     // Not the link of the status bar, which is next.
-    connect(sidePanel_, &dialogs::SidePanel::FocusLeft, view_, [this] { view_->setFocus(); });
+    connect(sidePanel_, &dialogs::SidePanel::FocusLeft, view_, [this] {
+        (view_->isVisible() ? static_cast<QWidget*>(view_) : emptyStateButton_)->setFocus();
+    });
 }
 
 /// What can be made beside the prints, under a sheet.
@@ -193,6 +195,7 @@ QWidget* TmainFm::BuildEmptyState() {
     auto* hint = new QLabel(u"Ziehen Sie ein Foto hierher oder öffnen Sie eines."_s, empty);
     auto* open = new QPushButton(actions_[Action::Open]->icon(), u"Bild öffnen"_s, empty);
     open->setObjectName(u"EmptyStateOpenButton"_s);
+    emptyStateButton_ = open;
     connect(open, &QPushButton::clicked, actions_[Action::Open], &QAction::trigger);
 
     auto* column = new QVBoxLayout(empty);
