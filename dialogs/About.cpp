@@ -13,6 +13,7 @@
 #include "controls/messages/MessageBoxes.h"
 #include "core/base/Product.h"
 #include "dialogs/base/ApplicationIcon.h"
+#include "dialogs/base/Markdown.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "platform/WebPage.h"
 
@@ -111,7 +112,7 @@ void TfmAbout::ShowLibraries() {
     file.open(QIODevice::ReadOnly);
     auto* text = new QTextBrowser;
     text->setAccessibleName(dialog.windowTitle());
-    text->setMarkdown(QString::fromUtf8(file.readAll()));
+    ShowMarkdown(*text->document(), QString::fromUtf8(file.readAll()));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* layout = new QVBoxLayout(&dialog);

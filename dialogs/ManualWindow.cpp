@@ -10,6 +10,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "dialogs/base/Markdown.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "platform/AtomicFile.h"
 #include "platform/Paths.h"
@@ -91,7 +92,7 @@ void ManualWindow::Load(const QString& folder) {
         platform::ReadWholeFile(platform::JoinPath(folder, u"Handbuch.md"), MostManualBytes);
     text_->setSearchPaths({folder});
     text_->document()->setBaseUrl(QUrl::fromLocalFile(folder + u'/'));
-    text_->setMarkdown(QString::fromUtf8(source));
+    ShowMarkdown(*text_->document(), QString::fromUtf8(source));
     ListChapters();
     search_->setFocus();
 }
