@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "controls/messages/ProgressBox.h"
+#include "controls/theme/Theme.h"
 #include "imaging/pixels/Resampling.h"
 
 using namespace Qt::StringLiterals;
@@ -40,7 +41,9 @@ void DevelopingDisplay::ShowPreview(const imaging::Pixels& preview) {
     preview_ = std::make_unique<QLabel>(&place_);
     preview_->setObjectName(u"DevelopingPreview"_s);
     preview_->setAutoFillBackground(true);
-    preview_->setBackgroundRole(QPalette::Base);
+    QPalette palette = preview_->palette();
+    palette.setColor(preview_->backgroundRole(), controls::Colors().view);  // as around the photo
+    preview_->setPalette(palette);
     preview_->setAlignment(Qt::AlignCenter);
     preview_->setPixmap(picture);
     preview_->setGeometry(place_.rect());

@@ -77,7 +77,10 @@ ArchiveServerEdit::ArchiveServerEdit(QWidget* parent)
     connect(verified_, &QCheckBox::toggled, this, &ArchiveServerEdit::EnableFields);
     connect(used_, &QCheckBox::toggled, this, &ArchiveServerEdit::EnableFields);
     connect(try_, &QPushButton::clicked, this, &ArchiveServerEdit::Try);
-    connect(transfer_, &QPushButton::clicked, this, &ArchiveServerEdit::TransferRequested);
+    connect(transfer_, &QPushButton::clicked, this, [this] {
+        ShowResult({});  // what was tried before does not hold afterwards
+        Q_EMIT TransferRequested();
+    });
     EnableFields();
 }
 
