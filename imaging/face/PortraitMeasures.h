@@ -11,8 +11,10 @@ namespace kadrona::imaging {
 /// What light, focus and background of a portrait are like. Lightness is L* of CIE Lab, 0 ... 100;
 /// what lies outside the photo is not measured and stays empty.
 struct PortraitMeasures {
-    std::optional<double> skinLightness;    ///< mean over forehead and cheeks
-    std::optional<double> skinClipped;      ///< percent of it with a channel at its end
+    std::optional<double> skinLightness;  ///< mean over the cheeks
+    /// Percent of the cheeks or the forehead, whichever is more, that is black or burnt out in all
+    /// channels.
+    std::optional<double> skinClipped;
     std::optional<double> lightDifference;  ///< left cheek against right one, without sign
     /// Mean strength of the finest detail at the eyes: the standard deviation of the Laplacian of
     /// L*, at 100 pixels between the pupils.

@@ -23,8 +23,9 @@ DotsPerInch ResolutionFrom(double dotsPerInch);
 /// Reads the metadata of a PNG (pHYs, eXIf), TIFF, WebP (EXIF), JP2 (EXIF) or BMP file. Damaged or
 /// missing metadata is the default, never an error. Moves the device.
 ///
-/// Only four tags are of interest and all stand in the first directory. Exiv2 was weighed: it walks
-/// the whole block (maker notes, previews), which may come from anywhere, and reads the file anew.
+/// Only three tags are of interest and all stand in the first directory. Exiv2 was weighed: it
+/// walks the whole block (maker notes, previews), which may come from anywhere, and reads the file
+/// anew.
 FileMetadata ReadFileMetadata(QIODevice& device);
 
 /// The ICC profile of a PNG file; empty where there is none or it is damaged. Moves the device.

@@ -21,7 +21,8 @@ PixelFilterPointer TableFilter(const ChannelTables& tables);
 PixelFilterPointer GreyFilter();
 
 /// White balance from a sample: each channel multiplied so that the sample becomes neutral white's
-/// hue, its brightest channel kept. A sample that is black in a channel counts as 1 there.
+/// hue, its brightest channel kept: raised to 255, a grey wall would burn out the face before it. A
+/// sample that is black in a channel counts as 1 there.
 PixelFilterPointer WhitePointFilter(QRgb sample);
 
 /// Automatic gain and offset: stretches each channel's levels to the full range, the lowest used
