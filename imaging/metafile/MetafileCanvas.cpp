@@ -4,6 +4,8 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "imaging/metafile/MetafileShapes.h"
+
 namespace kadrona::imaging {
 
 namespace {
@@ -228,9 +230,7 @@ void MetafileCanvas::FillRectangle(const QRectF& rectangle, quint32 rasterOperat
     } else if (rasterOperation == rasteroperation::Whiteness) {
         state_.brush = Qt::white;
     }
-    QPainterPath path;
-    path.addRect(rectangle);
-    Paint(ToImage(path), ShapePainting::Fill);
+    Paint(ToImage(RectanglePath(rectangle)), ShapePainting::Fill);
     state_.brush = kept;
 }
 
@@ -242,9 +242,7 @@ void MetafileCanvas::SetPixel(const QPointF& point, const QColor& colour) {
 
 void MetafileCanvas::ClipTo(const QRectF& rectangle) {
     Charge(0);
-    QPainterPath path;
-    path.addRect(rectangle);
-    painter_.setClipPath(ToImage(path), Qt::IntersectClip);
+    painter_.setClipPath(ToImage(RectanglePath(rectangle)), Qt::IntersectClip);
 }
 
 void MetafileCanvas::SetDeviceClip(const std::optional<std::vector<QRectF>>& parts) {

@@ -2,6 +2,7 @@
 
 #include <opencv2/core/utility.hpp>
 
+#include "imaging/pixels/DividedBy255.h"
 #include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging {
@@ -9,10 +10,6 @@ namespace kadrona::imaging {
 namespace {
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "pixels are taken as B G R A bytes");
-
-constexpr int DividedBy255(int product) {
-    return (product + 127) / 255;
-}
 
 QImage Rounded16BitOverWhite(const QImage& image) {
     constexpr qint64 White = 65535;

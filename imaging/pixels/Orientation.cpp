@@ -2,16 +2,12 @@
 
 #include <opencv2/core.hpp>
 
+#include "imaging/pixels/MatView.h"
 #include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging {
 
 namespace {
-
-cv::Mat Wrapped(QImage& image) {
-    return {image.height(), image.width(), CV_8UC4, image.bits(),
-            static_cast<size_t>(image.bytesPerLine())};
-}
 
 // OpenCV's codes of cv::flip.
 constexpr int FlipVertically = 0;
@@ -19,21 +15,20 @@ constexpr int FlipHorizontally = 1;
 constexpr int FlipBoth = -1;
 
 QImage Flipped(QImage image, int flipCode) {
-    cv::Mat pixels = Wrapped(image);
+    cv::Mat pixels = MatView(image);
     cv::flip(pixels, pixels, flipCode);
     return image;
 }
 
-QImage TransposedImage(QImage image) {
+QImage TransposedImage(const QImage& image) {
     QImage transposed = NewImage(image.size().transposed(), image.format());
-    const cv::Mat source = Wrapped(image);
-    cv::Mat target = Wrapped(transposed);
-    cv::transpose(source, target);
+    cv::Mat target = MatView(transposed);
+    cv::transpose(ConstMatView(image), target);
     return transposed;
 }
 
-QImage TransposedAndFlipped(QImage image, int flipCode) {
-    return Flipped(TransposedImage(std::move(image)), flipCode);
+QImage TransposedAndFlipped(const QImage& image, int flipCode) {
+    return Flipped(TransposedImage(image), flipCode);
 }
 
 }  // namespace
@@ -54,13 +49,13 @@ QImage Uprighted(QImage image, Orientation orientation) {
         case Orientation::MirroredVertically:
             return Flipped(std::move(image), FlipVertically);
         case Orientation::Transposed:
-            return TransposedImage(std::move(image));
+            return TransposedImage(image);
         case Orientation::NeedsRightTurn:
-            return TransposedAndFlipped(std::move(image), FlipHorizontally);
+            return TransposedAndFlipped(image, FlipHorizontally);
         case Orientation::Transversed:
-            return TransposedAndFlipped(std::move(image), FlipBoth);
+            return TransposedAndFlipped(image, FlipBoth);
         case Orientation::NeedsLeftTurn:
-            return TransposedAndFlipped(std::move(image), FlipVertically);
+            return TransposedAndFlipped(image, FlipVertically);
     }
     return image;
 }

@@ -10,6 +10,8 @@
 #include <opencv2/core/utility.hpp>
 #include <vector>
 
+#include "imaging/codec/Release.h"
+#include "imaging/pixels/DividedBy255.h"
 #include "imaging/pixels/NewImage.h"
 
 namespace kadrona::imaging {
@@ -18,14 +20,8 @@ namespace {
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "pixels are taken as B G R A bytes");
 
-struct ProfileCloser {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-struct TransformDeleter {
-    void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
-using Profile = std::unique_ptr<void, ProfileCloser>;
-using Transform = std::unique_ptr<void, TransformDeleter>;
+using Profile = std::unique_ptr<void, Release<cmsCloseProfile>>;
+using Transform = std::unique_ptr<void, Release<cmsDeleteTransform>>;
 
 bool IsCmyk(ColourModel model) {
     return model == ColourModel::Cmyk || model == ColourModel::InvertedCmyk;
@@ -141,10 +137,6 @@ void Apply(const QColorTransform& transform, QImage& image) {
                image.bytesPerLine(), image.format())
             .applyColorTransform(transform);
     });
-}
-
-constexpr int DividedBy255(int product) {
-    return (product + 127) / 255;
 }
 
 /// Four inks to an opaque pixel, without knowing more about them.

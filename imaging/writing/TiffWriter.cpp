@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "imaging/codec/Release.h"
 #include "imaging/writing/RowSource.h"
 #include "platform/Error.h"
 
@@ -48,10 +49,7 @@ int KeepReason(TIFF*, void* handle, const char*, const char* format, va_list arg
     return 1;
 }
 
-struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
-};
-using TiffFile = std::unique_ptr<TIFF, CloseTiff>;
+using TiffFile = std::unique_ptr<TIFF, Release<TIFFClose>>;
 
 TiffFile OpenTiff(CodecTarget& target) {
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(

@@ -26,10 +26,7 @@ constexpr qint64 BytesOfExtraChannel = 4;
 constexpr uint32_t MostExtraChannels = 4;
 
 using Decoder = std::unique_ptr<JxlDecoder, Release<JxlDecoderDestroy>>;
-struct DestroyRunner {
-    void operator()(void* runner) const { JxlThreadParallelRunnerDestroy(runner); }
-};
-using Runner = std::unique_ptr<void, DestroyRunner>;
+using Runner = std::unique_ptr<void, Release<JxlThreadParallelRunnerDestroy>>;
 
 /// libjxl's own threads, which work until they have had more processor time than any picture needs:
 /// layers that nobody sees, each as large as the picture, take a few bytes of a file.
