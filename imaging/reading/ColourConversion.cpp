@@ -167,12 +167,6 @@ cmsToneCurve* CurveOf(double gamma) {
 
 }  // namespace
 
-bool IsSrgbProfile(const QByteArray& profile) {
-    return !profile.isEmpty() &&
-           QColorSpace::fromIccProfile(profile) == QColorSpace(QColorSpace::SRgb) &&
-           !HasPerceptualTable(Opened(profile));
-}
-
 QByteArray PrimariesProfile(const PrimariesAndWhite& primaries, double gamma) {
     const auto isUsable = [](double value) { return value > 0.001 && value < 1; };
     if (!std::all_of(primaries.begin(), primaries.end(), isUsable) ||
@@ -199,6 +193,9 @@ void ConvertToSrgb(QImage& image, ColourModel model, const QByteArray& profile) 
     const Profile source = Opened(profile);
     const QColorSpace space =
         HasPerceptualTable(source) ? QColorSpace() : UsableByQt(profile, model);
+    if (space == QColorSpace(QColorSpace::SRgb)) {
+        return;
+    }
     if (space.isValid()) {
         Apply(space.transformationToColorSpace(QColorSpace::SRgb), image);
     } else if (const Transform transform =

@@ -187,12 +187,6 @@ bool PlaceTile(const opj_image_t& tile, QPoint origin, QImage& target) {
     return true;
 }
 
-QByteArray ProfileOf(const opj_image_t& image) {
-    const QByteArray profile(reinterpret_cast<const char*>(image.icc_profile_buf),
-                             static_cast<qsizetype>(image.icc_profile_len));
-    return IsSrgbProfile(profile) ? QByteArray() : profile;
-}
-
 void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, DecodedImage& decoded) {
     const OpenJpegStream stream = OpenStream(task.Device());
     const OpenJpegCodec codec(opj_create_decompress(isFile ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
@@ -216,7 +210,8 @@ void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, Decode
             task.Fail(DamagedOrIncompleteFileReason());
         }
     }
-    decoded.profile = ProfileOf(*image);
+    decoded.profile = QByteArray(reinterpret_cast<const char*>(image->icc_profile_buf),
+                                 static_cast<qsizetype>(image->icc_profile_len));
     decoded.model = image->numcomps < 3 ? ColourModel::Grey : ColourModel::Rgb;
 }
 

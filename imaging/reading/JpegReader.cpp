@@ -74,8 +74,7 @@ QByteArray ReadProfile(JpegDecompressor& jpeg) {
         }
     });
     const std::unique_ptr<JOCTET, decltype(&std::free)> owner(data, &std::free);
-    QByteArray profile(reinterpret_cast<const char*>(data), data ? qsizetype{length} : 0);
-    return IsSrgbProfile(profile) ? QByteArray() : profile;
+    return {reinterpret_cast<const char*>(data), data ? qsizetype{length} : 0};
 }
 
 ColourModel ModelOf(const jpeg_decompress_struct& info) {

@@ -141,7 +141,7 @@ bool IsGammaOfSrgb(const Header& header) {
 QByteArray ProfileOf(const Header& header, QIODevice& device) {
     QByteArray profile = ReadPngProfile(device);
     if (!profile.isEmpty()) {
-        return IsSrgbProfile(profile) ? QByteArray() : profile;
+        return profile;
     }
     if (header.saysSrgb || header.gamma == 0 || IsGammaOfSrgb(header)) {
         return {};

@@ -17,7 +17,7 @@ struct DecodedImage {
     /// Grey). With a CMYK model the 32 bits are the four inks, in this order.
     QImage image;
     ColourModel model = ColourModel::Rgb;
-    /// The embedded ICC profile as found; empty where there is none or where it is sRGB.
+    /// The embedded ICC profile as found; empty where there is none.
     QByteArray profile;
     FileMetadata metadata;
 };

@@ -192,8 +192,7 @@ QByteArray ProfileOf(TIFF* tiff) {
     if (!TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &size, &bytes)) {
         return {};
     }
-    QByteArray profile(bytes, qsizetype{size});
-    return IsSrgbProfile(profile) ? QByteArray() : profile;
+    return {bytes, qsizetype{size}};
 }
 
 /// The largest strip or tile as it lies in the file, which is in memory as a whole, and the table

@@ -17,7 +17,7 @@ namespace {
 
 using Demuxer = std::unique_ptr<WebPDemuxer, Release<WebPDemuxDelete>>;
 
-/// Empty where there is none or where it is sRGB.
+/// Empty where there is none.
 QByteArray ProfileOf(const WebPDemuxer* demuxer) {
     QByteArray profile;
     WebPChunkIterator chunk = {};
@@ -26,7 +26,7 @@ QByteArray ProfileOf(const WebPDemuxer* demuxer) {
                              static_cast<qsizetype>(chunk.chunk.size));
         WebPDemuxReleaseChunkIterator(&chunk);
     }
-    return IsSrgbProfile(profile) ? QByteArray() : profile;
+    return profile;
 }
 
 /// The library keeps a note of each chunk, however short.

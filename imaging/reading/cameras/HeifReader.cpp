@@ -77,11 +77,8 @@ QByteArray ProfileOf(const heif_image_handle* handle) {
         return ProfileOfNumbers(handle);
     }
     QByteArray profile(static_cast<qsizetype>(size), '\0');
-    if (heif_image_handle_get_raw_color_profile(handle, profile.data()).code != heif_error_Ok ||
-        IsSrgbProfile(profile)) {
-        return {};
-    }
-    return profile;
+    const heif_error error = heif_image_handle_get_raw_color_profile(handle, profile.data());
+    return error.code == heif_error_Ok ? profile : QByteArray();
 }
 
 /// What libheif takes for a pixel beside the result.

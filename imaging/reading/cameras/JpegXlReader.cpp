@@ -140,10 +140,8 @@ class Decoding {
         QByteArray profile(static_cast<qsizetype>(size), '\0');
         Require(JxlDecoderGetColorAsICCProfile(decoder_.get(), &Pixels8Bit, Target,
                                                reinterpret_cast<uint8_t*>(profile.data()), size));
-        if (!IsSrgbProfile(profile)) {
-            decoded_.profile = profile;
-            decoded_.model = info_.num_color_channels == 1 ? ColourModel::Grey : ColourModel::Rgb;
-        }
+        decoded_.profile = profile;
+        decoded_.model = info_.num_color_channels == 1 ? ColourModel::Grey : ColourModel::Rgb;
     }
 
     void GiveBuffer() {
