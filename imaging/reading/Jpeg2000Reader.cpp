@@ -65,13 +65,17 @@ bool HasPalette(QIODevice& device) {
            device.read(std::min(header->length, FarEnough)).contains("pclr");
 }
 
+QString UnsupportedJpeg2000Reason() {
+    return u"Diese Art von JPEG-2000-Datei wird nicht unterstützt."_s;
+}
+
 void RequireAllowed(const ReadTask& task, const Layout& layout, qint64 codestream) {
     constexpr qint64 MostTiles = 16'384;  // each takes some six kilobytes
     constexpr qint64 BytesPerSample = 4;  // of a tile that is decoded
     constexpr qint64 BytesPerBlock = 600;
     task.RequireAllowedSize(layout.width, layout.height);
     if (layout.channels < 1 || layout.channels > MostChannels) {
-        task.Fail(u"Diese Art von JPEG-2000-Datei wird nicht unterstützt."_s);
+        task.Fail(UnsupportedJpeg2000Reason());
     }
     if (layout.tiles > MostTiles) {
         task.Fail(TooMuchMemoryReason());
@@ -208,6 +212,10 @@ void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, Decode
                                   static_cast<OPJ_UINT32>(tile)) ||
             !PlaceTile(*image, origin, decoded.image)) {
             task.Fail(DamagedOrIncompleteFileReason());
+        }
+        // Known with the first tile. Inks, taken for light, would show a negative.
+        if (image->color_space == OPJ_CLRSPC_CMYK || image->color_space == OPJ_CLRSPC_EYCC) {
+            task.Fail(UnsupportedJpeg2000Reason());
         }
     }
     decoded.profile = QByteArray(reinterpret_cast<const char*>(image->icc_profile_buf),

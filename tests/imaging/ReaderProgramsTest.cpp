@@ -2,6 +2,7 @@
 
 #include "ReaderFixture.h"
 #include "WriterFixture.h"
+#include "platform/AtomicFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -184,6 +185,11 @@ TEST_F(WriterTest, OwnJpeg2000OpensAgain) {
     const LoadedImage loaded = ReadImageFile(PathOf(u"a.jp2"_s));
     EXPECT_EQ(loaded.resolution.value, 305);
     EXPECT_LE(LargestDifference(loaded.pixels.ToImage(), ReadBack(u"a.jp2"_s)), 1);
+
+    QByteArray inks = platform::ReadWholeFile(PathOf(u"a.jp2"_s), 10'000'000);
+    const QByteArray colours("colr\1\0\0\0\0\0", 10);
+    inks.replace(colours + '\x10', colours + '\x0c');  // sRGB, CMYK
+    EXPECT_EQ(Failure(inks), Complaint("Diese Art von JPEG-2000-Datei wird nicht unterstützt."));
 }
 
 }  // namespace kadrona::imaging::test
