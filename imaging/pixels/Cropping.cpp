@@ -64,16 +64,13 @@ Pixels CanvasEnlarged(const Pixels& pixels, QSize size, const QColor& background
 }
 
 Pixels Repeated(const Pixels& pixels, int columns, int rows) {
-    if (pixels.Arranged() != nullptr) {
-        return {pixels.ToImage(), columns, rows};
-    }
     int allColumns = 0;
     int allRows = 0;
     if (qMulOverflow(pixels.Columns(), columns, &allColumns) ||
         qMulOverflow(pixels.Rows(), rows, &allRows)) {
         ThrowOutOfMemory();
     }
-    return {pixels.Tile(), allColumns, allRows};
+    return {pixels.TileOrWhole(), allColumns, allRows};
 }
 
 }  // namespace kadrona::imaging

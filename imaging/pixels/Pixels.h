@@ -64,6 +64,9 @@ class Pixels {
 
     /// Null for an arrangement.
     const QImage& Tile() const { return tile_; }
+    /// The tile; of an arrangement, which has none, the picture unrolled. Throws platform::Error
+    /// where memory is short.
+    QImage TileOrWhole() const { return arrangement_ ? ToImage() : tile_; }
     /// The tile for changing it in place; its pixels are copied first where anything else shares
     /// them. Size and format must stay. Throws platform::Error where memory for the copy is short.
     QImage& EditableTile();

@@ -11,7 +11,7 @@ Pixels Turned(const Pixels& pixels, QuarterTurn turn) {
     if (pixels.IsEmpty()) {
         return {};
     }
-    const QImage tile = pixels.Arranged() != nullptr ? pixels.ToImage() : pixels.Tile();
+    const QImage tile = pixels.TileOrWhole();
     QImage turned = NewImage(tile.size().transposed(), tile.format());
     cv::Mat target = MatView(turned);
     cv::rotate(

@@ -277,17 +277,15 @@ Pixels Resampled(const Pixels& pixels, QSize size) {
     if (size == pixels.Size()) {
         return pixels;
     }
-    if (pixels.Arranged() != nullptr) {
-        return Resampled(Pixels(pixels.ToImage()), size);
-    }
-    QImage result = NewImage(size, pixels.Tile().format());
+    const QImage tile = pixels.TileOrWhole();
+    QImage result = NewImage(size, tile.format());
     const auto taps = [](int source, int target) {
         return MakeAxisTaps(source, static_cast<double>(source) / target, 0, target, Filter::Cubic);
     };
     const AxisTaps columns = taps(pixels.Width(), size.width());
     const AxisTaps rows = taps(pixels.Height(), size.height());
     using Axis = WeightedAxis<ExactArithmetic>;
-    DrawRows(pixels.Tile(), Axis(columns), Axis(rows), result, {});
+    DrawRows(tile, Axis(columns), Axis(rows), result, {});
     return Pixels(std::move(result));
 }
 

@@ -18,7 +18,7 @@ AverageColour AverageOf(const Pixels& pixels) {
     if (pixels.IsEmpty()) {
         return {};
     }
-    const QImage& tile = pixels.Tile();
+    const QImage tile = pixels.TileOrWhole();
     // Sums of bytes stay exact in a double up to 2^53, far above any picture.
     const cv::Scalar sums = cv::sum(ConstMatView(tile));
     const qint64 count = qint64{tile.width()} * tile.height();

@@ -10,6 +10,7 @@
 #include "imaging/pixels/QuarterTurn.h"
 #include "imaging/pixels/Resampling.h"
 #include "imaging/tone/AverageColour.h"
+#include "imaging/tone/ColourEffects.h"
 #include "platform/Error.h"
 #include "tests/support/PixelMatchers.h"
 
@@ -70,6 +71,17 @@ TEST(Pixels, ShareOnlyWithTheSameGridAndRefuseGridsThatCannotBe) {
     // Possible as a grid, but not as an image.
     const Pixels wide(Picture({"r"}), most, 1);
     EXPECT_THROW(wide.ToImage(), platform::Error);
+}
+
+TEST(Pixels, OfAnArrangementAreWorkedOnAsWhatTheyShow) {
+    const Pixels arranged(
+        Arrangement{{5, 4}, {Picture({"rg", "bk"})}, {{0, {0, 0}}, {0, {3, 2}}}, {}});
+    const Pixels whole(arranged.ToImage());
+    EXPECT_EQ(AverageOf(arranged).red, AverageOf(whole).red);
+    const auto grey = [](const Pixels& pixels) { return Filtered(pixels, *GreyFilter()); };
+    EXPECT_EQ(grey(arranged).ToImage(), grey(whole).ToImage());
+    EXPECT_EQ(Repeated(arranged, 2, 1).ToImage(), Repeated(whole, 2, 1).ToImage());
+    EXPECT_EQ(Resampled(arranged, {9, 9}).ToImage(), Resampled(whole, {9, 9}).ToImage());
 }
 
 TEST(AverageOf, RoundsToNearestBeyond32BitSums) {
