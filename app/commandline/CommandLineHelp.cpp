@@ -15,7 +15,7 @@ QString CommandLineHelp() {
   kadrona sheet FOTO... --template NAME --out DATEI|ORDNER [Optionen]
       macht aus jedem Foto einen Bogen Passbilder, ohne Fenster. FOTO darf auch
       ein Ordner sein; mehrere Fotos brauchen einen Ordner als Ziel.
-  kadrona sheet --order DATEI --out DATEI [--paper PAPIER] [Optionen]
+  kadrona sheet --order DATEI --out DATEI|ORDNER [--paper PAPIER] [Optionen]
       macht ein Sammelblatt. Jede Zeile des Auftrags nennt ein Bild:
       FOTO; SCHABLONE; auto oder LINKS,OBEN,BREITE; ANZAHL
   kadrona photo FOTO... --template NAME --out DATEI|ORDNER [Optionen]
