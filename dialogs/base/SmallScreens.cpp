@@ -101,13 +101,18 @@ void MakeScrollable(QDialog& dialog) {
     }
 }
 
+bool IsLarge(const QDialog& dialog) {
+    return WithinScreen(dialog, dialog.size()) != dialog.size() && !dialog.isMaximized() &&
+           !dialog.isFullScreen();
+}
+
 /// The toolkit shows a dialog on at most two thirds of the screen, also where its text then has no
-/// room.
+/// room, and its own file dialogs in the size of the last time, on whatever screen that was.
 void Fit(QDialog& dialog) {
     const QSize wanted = WantedSize(dialog);
     const QSize needed = NeededSize(dialog, wanted);
     if (WithinScreen(dialog, needed) == needed) {
-        if (dialog.size().boundedTo(needed) != needed) {
+        if (dialog.size().boundedTo(needed) != needed || IsLarge(dialog)) {
             dialog.resize(WithinScreen(dialog, wanted));
         }
         return;
@@ -124,10 +129,8 @@ void Fit(QDialog& dialog) {
 
 /// A dialog that the program itself made larger than the screen while it is shown.
 void Shrink(QDialog& dialog) {
-    const QSize within = WithinScreen(dialog, dialog.size());
-    if (dialog.isVisible() && within != dialog.size() && !dialog.isMaximized() &&
-        !dialog.isFullScreen()) {
-        dialog.resize(within);
+    if (dialog.isVisible() && IsLarge(dialog)) {
+        dialog.resize(WithinScreen(dialog, dialog.size()));
         MoveOntoScreen(dialog);
     }
 }

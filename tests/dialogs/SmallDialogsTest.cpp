@@ -1,5 +1,6 @@
 #include <QClipboard>
 #include <QCompleter>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QMessageBox>
 #include <QScrollArea>
@@ -306,6 +307,11 @@ TEST(SmallScreens, AnyDialogLiesOnTheScreenWithItsButtonsInSight) {
     QDialog small;
     show(small, {300, 200});
     EXPECT_EQ(small.findChild<QScrollArea*>(), nullptr) << "there is room";
+    QFileDialog large;
+    large.setOption(QFileDialog::DontUseNativeDialog);
+    large.resize(5000, 5000);
+    large.show();
+    EXPECT_TRUE(large.screen()->availableGeometry().contains(large.frameGeometry()));
     QMessageBox box;
     const QString name = u"10 · 22.11.2026 13:19 · Großmann, Köln · "_s;
     box.setText(QStringList(20, name + name + name + name).join(u'\n'));
