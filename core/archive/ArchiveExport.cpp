@@ -24,7 +24,12 @@ namespace {
 const QString DataName = u"Daten.json"_s;
 const QString TableName = u"Daten.csv"_s;
 
-/// A folder that did not exist, with a number behind its name where one of that name did.
+/// Behind the folder's name while it is filled: a program that is ended meanwhile leaves faces
+/// without a list, and whoever finds them must see that.
+const QString UnfinishedMark = u" (unvollständig)"_s;
+
+/// Makes an unfinished folder; the path that it is to have, with a number behind its name where
+/// there is one of that name.
 QString NewFolder(const QString& target, const QString& title) {
     constexpr int MostTries = 1000;
     if (!IsArchiveFolder(target)) {
@@ -33,8 +38,8 @@ QString NewFolder(const QString& target, const QString& title) {
     for (int number = 1; number < MostTries; ++number) {
         const QString name = number == 1 ? title : u"%1 (%2)"_s.arg(title).arg(number);
         QString path = platform::JoinPath(target, name);
-        if (!QFileInfo::exists(path)) {
-            if (!platform::CreateFolder(path)) {
+        if (!QFileInfo::exists(path) && !QFileInfo::exists(path + UnfinishedMark)) {
+            if (!platform::CreateFolder(path + UnfinishedMark)) {
                 throw platform::FileError(
                     u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(path));
             }
@@ -50,6 +55,7 @@ class ExportRun {
     ExportRun(store::Database& database, const QString& archiveFolder, QString folder)
         : database_(database), table_(database), archiveFolder_(archiveFolder) {
         export_.folder = std::move(folder);
+        unfinished_ = export_.folder + UnfinishedMark;
         csv_ = QString(QChar::ByteOrderMark) +
                u"Nummer;Datum;Foto;Original;Schablone;Schlüsselworte\r\n"_s;
     }
@@ -97,18 +103,22 @@ class ExportRun {
     }
 
     Export Finish() {
-        platform::WriteFileAtomically(platform::JoinPath(export_.folder, DataName),
+        platform::WriteFileAtomically(platform::JoinPath(unfinished_, DataName),
                                       QJsonDocument(list_).toJson());
-        platform::WriteFileAtomically(platform::JoinPath(export_.folder, TableName), csv_.toUtf8());
+        platform::WriteFileAtomically(platform::JoinPath(unfinished_, TableName), csv_.toUtf8());
+        if (!QDir().rename(unfinished_, export_.folder)) {
+            throw platform::FileError(
+                u"Der Ordner „%1“ kann nicht umbenannt werden."_s.arg(unfinished_));
+        }
         return std::move(export_);
     }
 
     /// Faces without a list serve nobody.
     void Discard() {
         for (const QString& name : written_) {
-            QFile::remove(platform::JoinPath(export_.folder, name));
+            QFile::remove(platform::JoinPath(unfinished_, name));
         }
-        QDir().rmdir(export_.folder);
+        QDir().rmdir(unfinished_);
     }
 
  private:
@@ -171,7 +181,7 @@ class ExportRun {
             RequireOwnWay(path, root);
             names_.insert(name.toLower());
             written_.append(name);
-            CopyArchiveFile(path, platform::JoinPath(export_.folder, name));
+            CopyArchiveFile(path, platform::JoinPath(unfinished_, name));
             return name;
         } catch (const platform::FileError& error) {
             export_.failures.append(error.Text());
@@ -182,6 +192,7 @@ class ExportRun {
     store::Database& database_;
     ArchiveTable table_;
     const QString& archiveFolder_;
+    QString unfinished_;
     QStringList written_{DataName, TableName};
     QSet<QString> names_{DataName.toLower(), TableName.toLower()};
     QString csv_;

@@ -32,7 +32,8 @@ struct ExportSelection {
 /// "Wartend_" and without a number where they wait, and what the database says of them as
 /// "Daten.json" and "Daten.csv" (UTF-8 with a mark, semicolons; a cell that a spreadsheet would
 /// take for a formula begins with an apostrophe). Numbers that are no record's are left out. Throws
-/// platform::FileError, store::StoreError and platform::Cancelled; nothing of it is left then.
+/// platform::FileError, store::StoreError and platform::Cancelled; nothing of it is left then. The
+/// folder's name ends with " (unvollständig)" until all of it is there.
 Export ExportRecords(store::Database& database, const QString& archiveFolder,
                      const ExportSelection& selection, const QString& target, const QString& title,
                      const platform::Progress& progress);

@@ -32,13 +32,17 @@ TEST_F(ArchiveKeeping, AnExportHoldsPhotosAndDataAndNoFormula) {
     Execute(uR"(UPDATE "ImgDB" SET "ImgName" = 'daten.CSV' WHERE "ID" = 2)"_s);
     EXPECT_EQ(QDir(exported(platform::NoProgress).folder).entryList({u"*.csv"_s}),
               QStringList({u"2_daten.CSV"_s, u"Daten.csv"_s}));
-    EXPECT_THROW(exported([](const QString&, qint64 done, qint64) {
+    const auto made = [&] {
+        return QDir(installation.Path("common")).entryList({u"twins (3)*"_s}, QDir::Dirs);
+    };
+    EXPECT_THROW(exported([&](const QString&, qint64 done, qint64) {
                      if (done == 1) {
+                         EXPECT_EQ(made(), QStringList(u"twins (3) (unvollständig)"_s));
                          throw platform::Cancelled();
                      }
                  }),
                  platform::Cancelled);
-    EXPECT_FALSE(QFile::exists(installation.Path("common/twins (3)"))) << "no faces without a list";
+    EXPECT_EQ(made(), QStringList()) << "no faces without a list";
 }
 
 TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
