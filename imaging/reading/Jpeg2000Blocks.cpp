@@ -29,7 +29,8 @@ bool IsOtherKnown(quint16 marker) {
 /// The headers of one codestream, from marker to marker.
 class Headers {
  public:
-    Headers(QIODevice& device, qint64 codestream) : device_(device), position_(codestream + 2) {}
+    Headers(QIODevice& device, qint64 codestream, QSize tile)
+        : device_(device), position_(codestream + 2), tile_(tile) {}
 
     /// False where something stands there that no reader knows.
     bool Walk() {
@@ -54,7 +55,9 @@ class Headers {
         }
         return false;
     }
-    int Smallest() const { return smallest_; }
+    Jpeg2000Work Work(int channels) const {
+        return {smallest_, layers_ * resolutions_ * precincts_ * channels};
+    }
 
  private:
     /// Takes in what the segment says, and goes behind it.
@@ -65,9 +68,9 @@ class Headers {
             case Size:
                 return !std::exchange(hasSize_, true);
             case CodingStyle:
-                return TakeIn(begin + 4, length - 2, 0, 4);
+                return TakeIn(begin + 4, length - 2, 0, true);
             case CodingStyleOfChannel:
-                return TakeIn(begin + 4, length - 2, 1, 0);  // of one of four channels
+                return TakeIn(begin + 4, length - 2, 1, false);  // of one of four channels
             case StartOfTilePart: {
                 constexpr qint64 PartLength = 6;
                 device_.seek(begin + PartLength);
@@ -85,21 +88,29 @@ class Headers {
         }
     }
 
-    /// Of a coding style; `between` bytes stand between its flags and its parameters.
-    bool TakeIn(qint64 position, qint64 length, int before, int between) {
+    /// Of a coding style, `before` bytes behind the segment's start; that of all channels says
+    /// more.
+    bool TakeIn(qint64 position, qint64 length, int before, bool isOfAll) {
         constexpr qint64 Longest = 60;
+        constexpr int MostLevels = 32;
         device_.seek(position + before);
         const QByteArray bytes = device_.read(std::clamp<qint64>(length - before, 0, Longest));
         platform::ByteReader reader(bytes, platform::ByteOrder::BigEndian);
         const bool hasPrecincts = (reader.Read<quint8>() & 1) != 0;
-        reader.Skip(between);
-        const int levels = reader.Read<quint8>();
+        if (isOfAll) {
+            reader.Skip(1);
+            layers_ = std::max<qint64>(layers_, reader.Read<quint16>());
+            reader.Skip(1);
+        }
+        const int levels = std::min<int>(reader.Read<quint8>(), MostLevels);
+        resolutions_ = std::max<qint64>(resolutions_, levels + 1);
         const int width = (reader.Read<quint8>() & 15) + 2;
         const int height = (reader.Read<quint8>() & 15) + 2;
         reader.Skip(2);
         Note(width, height);
         for (int level = 0; hasPrecincts && level <= levels; ++level) {
             const int precinct = reader.Read<quint8>();
+            NotePrecincts(levels - level, precinct & 15, precinct >> 4);
             // Of all but the coarsest level each of three bands has a quarter.
             const int halved = level > 0 ? 1 : 0;
             Note(std::min(width, (precinct & 15) - halved),
@@ -116,21 +127,35 @@ class Headers {
         smallest_ = std::min(smallest_, 1 << std::min(bits, UsualBits));
     }
 
+    /// Of a resolution that is the tile's halved so often; at its edges two may be cut.
+    void NotePrecincts(int halvings, int width, int height) {
+        const auto count = [halvings](qint64 length, int exponent) {
+            return (length >> halvings >> exponent) + 2;
+        };
+        precincts_ =
+            std::max(precincts_, count(tile_.width(), width) * count(tile_.height(), height));
+    }
+
     QIODevice& device_;
     qint64 position_;
+    QSize tile_;
     qint64 partEnd_ = 0;
     bool hasSize_ = false;
     int smallest_ = UsualJpeg2000Block;
+    qint64 layers_ = 1;
+    qint64 resolutions_ = 1;
+    qint64 precincts_ = 4;  // where nothing is said: each as large as a tile, but not in its place
 };
 
 }  // namespace
 
-std::optional<int> SmallestJpeg2000Block(QIODevice& device, qint64 codestream) try {
-    Headers headers(device, codestream);
+std::optional<Jpeg2000Work> WorkOfJpeg2000Tile(QIODevice& device, qint64 codestream, QSize tile,
+                                               int channels) try {
+    Headers headers(device, codestream, tile);
     if (!headers.Walk()) {
         return {};
     }
-    return headers.Smallest();
+    return headers.Work(channels);
 } catch (const platform::OutOfBytes&) {
     return {};
 }

@@ -73,6 +73,8 @@ void RequireAllowed(const ReadTask& task, const Layout& layout, qint64 codestrea
     constexpr qint64 MostTiles = 16'384;  // each takes some six kilobytes
     constexpr qint64 BytesPerSample = 4;  // of a tile that is decoded
     constexpr qint64 BytesPerBlock = 600;
+    constexpr qint64 BytesPerPacket = 2;
+    constexpr qint64 MostPackets = 20'000'000;  // some seconds
     task.RequireAllowedSize(layout.width, layout.height);
     if (layout.channels < 1 || layout.channels > MostChannels) {
         task.Fail(UnsupportedJpeg2000Reason());
@@ -80,16 +82,21 @@ void RequireAllowed(const ReadTask& task, const Layout& layout, qint64 codestrea
     if (layout.tiles > MostTiles) {
         task.Fail(TooMuchMemoryReason());
     }
-    const auto smallestBlock = SmallestJpeg2000Block(task.Device(), codestream);
-    if (!smallestBlock) {
+    const QSize tile(static_cast<int>(layout.tileWidth), static_cast<int>(layout.tileHeight));
+    const auto work = WorkOfJpeg2000Tile(task.Device(), codestream, tile, layout.channels);
+    if (!work) {
         task.Fail(DamagedOrIncompleteFileReason());
+    }
+    if (work->packets > MostPackets / layout.tiles) {
+        task.Fail(TooMuchMemoryReason());
     }
     const qint64 samples = layout.tileWidth * layout.tileHeight * layout.channels;
     const int made = HasPalette(task.Device()) ? MostChannels : 0;
     task.RequireMemoryBeside(
         task.Device().size() +
         (samples + layout.tileWidth * layout.tileHeight * made) * BytesPerSample +
-        (samples / *smallestBlock - samples / UsualJpeg2000Block) * BytesPerBlock);
+        (samples / work->smallestBlock - samples / UsualJpeg2000Block) * BytesPerBlock +
+        work->packets * BytesPerPacket);
 }
 
 OPJ_SIZE_T ReadFromDevice(void* bytes, OPJ_SIZE_T count, void* user) {

@@ -161,24 +161,26 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     const QByteArray none(4, '\0');  // version and flags
     const QByteArray one = BigEndian(quint16{1});
     // One item of 10 by 10 pixels that refers to item `to` as its part.
-    const auto heif = [&](const char* type, const QByteArray& coded, quint16 to) {
+    const auto heif = [&](const char* type, const QByteArray& coded, quint16 to,
+                          const QByteArray& properties = "\2\1\2") {
         const QByteArray item =
             box("infe", BigEndian(quint32{2 << 24}) + one + BigEndian(quint16{0}) + type + '\0');
         const QByteArray size = box("ispe", none + BigEndian(quint32{10}) + BigEndian(quint32{10}));
-        const QByteArray properties =
-            box("ipco", size + box("av1C", none + coded)) +
-            box("ipma", none + BigEndian(quint32{1}) + one + QByteArray("\2\1\2"));
+        const QByteArray said = box("ipco", size + box("av1C", none + coded) + box("irot", "\1")) +
+                                box("ipma", none + BigEndian(quint32{1}) + one + properties);
         return box("ftyp", "heic" + none + "mif1") +
                box("meta", none + box("hdlr", none + none + "pict" + QByteArray(13, '\0')) +
                                box("pitm", none + one) + box("iinf", none + one + item) +
                                box("iref", none + box("dimg", one + one + BigEndian(to))) +
-                               box("iprp", properties));
+                               box("iprp", said));
     };
     const QString refused = Complaint("Diese Art von HEIF-Datei wird nicht unterstützt.");
     EXPECT_EQ(Failure(heif("iden", {}, 1)), refused);
     const QByteArray sequence("\x0a\x07\x18\x3f\xff\xff\xff\xff\xff");  // 65536 by 65536
     EXPECT_EQ(Failure(heif("av01", sequence, 2)), refused);
     EXPECT_NE(Failure(heif("av01", sequence.chopped(9), 2)), refused);
+    EXPECT_EQ(Failure(heif("iden", {}, 2, "\7\3\3\3\3\3\3\3")), refused) << "turns";
+    EXPECT_NE(Failure(heif("iden", {}, 2, "\6\3\3\3\3\3\3")), refused);
     const QByteArray side = BigEndian(quint32{1000});
     const auto jpeg2000 = [&](const char* style) {
         return QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + side + side + QByteArray(8, '\0') +
@@ -189,6 +191,8 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     EXPECT_EQ(Failure(jpeg2000("ff52000d0100000100000404000100")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000d01000001000004040001ff")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";
+    EXPECT_EQ(Failure(jpeg2000("ff52000d0102ffff00000404000155")), tooMuch) << "layers";
+    EXPECT_NE(Failure(jpeg2000("ff52000d01020fff00000404000155")), tooMuch);
     const QByteArray chunks = (QByteArray("JUNK") + none).repeated(200'000);
     EXPECT_EQ(Failure("RIFF" + LittleEndian(quint32(chunks.size() + 4)) + "WEBP" + chunks),
               tooMuch);

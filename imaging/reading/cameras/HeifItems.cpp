@@ -101,6 +101,7 @@ class HeifItems {
     void ReadMetaBox(QByteArrayView type, QByteArrayView content) {
         ByteReader reader = BoxContent(content);
         if (type == "idat") {
+            RequireNone(!inside_.isNull());  // the library takes another one
             inside_ = content;
         } else if (type == "pitm") {
             const int version = reader.Read<quint8>();
@@ -202,6 +203,17 @@ class HeifItems {
         return {};
     }
 
+    /// Of each of the three kinds a picture has one; every one is another walk over all its pixels.
+    void RequireFewTurns(const Item& item) const {
+        constexpr int MostTurns = 6;
+        const auto turns = std::ranges::count_if(item.properties, [this](size_t index) {
+            const auto type = index > 0 && index <= properties_.size() ? properties_[index - 1].type
+                                                                       : QByteArrayView();
+            return type == "irot" || type == "imir" || type == "clap";
+        });
+        RequireNone(turns > MostTurns);
+    }
+
     qint64 SaidPixels(quint32 id) {
         const QByteArrayView size = PropertyOf(items_[id], "ispe");
         if (size.isNull()) {
@@ -253,6 +265,7 @@ class HeifItems {
         const Item item = items_[id];
         auto known = coded_.find(id);
         if (known == coded_.end()) {
+            RequireFewTurns(item);
             known = coded_.insert(id, CodedPixelsOf(item));
         }
         pixels_ += *known;
