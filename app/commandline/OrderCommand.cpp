@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+#include <utility>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
@@ -47,14 +48,24 @@ QString ReasonOf(const std::exception& error) {
 
 /// What cannot be cut goes to the order's errors.
 std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Settings& settings,
-                                          core::Order& order, const QString& orderFile,
-                                          QTextStream& errors) {
+                                          core::Order& order, const SheetRequest& request,
+                                          imaging::DotsPerInch finest, QTextStream& errors) {
     std::vector<core::CollectedItem> items;
+    qint64 pixels = 0;
     for (const core::OrderLine& line : order.lines) {
         try {
-            items.push_back(CutItem(data, settings, line, PhotoPath(line, orderFile), errors));
+            core::CollectedItem item =
+                CutItem(data, settings, line, PhotoPath(line, request.order), errors);
+            item.picture = core::KeptPicture(item, finest);
+            pixels += qint64{item.picture.Width()} * item.picture.Height();
+            items.push_back(std::move(item));
         } catch (const std::exception& error) {
             order.errors.push_back({line.number, ReasonOf(error)});
+        }
+        if (pixels > core::MostCollectedPixels) {
+            order.errors.push_back({line.number, u"mehr als %1 Millionen Pixel"_s.arg(
+                                                     core::MostCollectedPixels / 1'000'000)});
+            break;
         }
     }
     return items;
@@ -82,8 +93,10 @@ std::vector<core::OrderError> MakeCollected(const SheetRequest& request, core::T
                                             imaging::LayeredImage& image, QTextStream& errors) {
     const QByteArray bytes = platform::ReadWholeFile(request.order, MostOrderBytes);
     core::Order order = core::ParseOrder(QString::fromUtf8(bytes));
-    const auto items = CutItems(data, settings, order, request.order, errors);
     const core::PaperChoice choice = request.paper.value_or(core::PaperChoice());
+    const auto items = CutItems(
+        data, settings, order, request,
+        choice.resolution.value_or(imaging::DotsPerInch{core::HighestCollectedResolution}), errors);
     if (order.errors.empty() && items.empty()) {
         order.errors.push_back({0, u"Der Auftrag hat keine Zeile."_s});
     }

@@ -159,7 +159,7 @@ void PaperActions::FollowTray() {
         return;
     }
     try {
-        tray_.Load();
+        tray_.Follow();
         UpdateTray();
     } catch (const std::exception&) {
         // A message each time the window is come back to would help nobody.

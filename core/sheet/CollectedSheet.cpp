@@ -6,8 +6,11 @@
 #include <utility>
 
 #include "core/sheet/PaperCanvas.h"
+#include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
 #include "core/sheet/ShelfPacking.h"
+#include "imaging/pixels/NewImage.h"
+#include "imaging/pixels/Resampling.h"
 #include "platform/Error.h"
 
 using namespace Qt::StringLiterals;
@@ -82,6 +85,15 @@ CollectedLayout LayOutCollected(const std::vector<CollectedItem>& items,
         }
     }
     return layout;
+}
+
+imaging::Pixels KeptPicture(const CollectedItem& item, imaging::DotsPerInch finest) {
+    const QSize size(PixelsOf(item.size.width(), finest.value),
+                     PixelsOf(item.size.height(), finest.value));
+    if (item.picture.Width() > size.width()) {
+        return imaging::Resampled(item.picture, size);
+    }
+    return imaging::Pixels(imaging::RequireAllocated(item.picture.ToImage().copy()));
 }
 
 imaging::DotsPerInch CollectedResolution(const std::vector<CollectedItem>& items,

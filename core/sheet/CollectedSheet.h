@@ -47,6 +47,14 @@ QSize CollectedPaper(const PaperChoice& choice);
 /// More than what printers show.
 inline constexpr int HighestCollectedResolution = 600;
 
+/// Of all pictures of a sheet together; the program adds some two million with each.
+inline constexpr qint64 MostCollectedPixels = 200'000'000;
+
+/// An item's picture in pixels of its own, for a cut keeps its whole photo in memory; one that is
+/// finer than `finest` at its printed size is brought to that. Throws platform::Error where memory
+/// is short.
+imaging::Pixels KeptPicture(const CollectedItem& item, imaging::DotsPerInch finest);
+
 /// The choice's resolution, or the highest at which one of the pictures keeps all its pixels, but
 /// not more than HighestCollectedResolution.
 imaging::DotsPerInch CollectedResolution(const std::vector<CollectedItem>& items,

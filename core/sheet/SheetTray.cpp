@@ -14,8 +14,6 @@
 
 #include "core/sheet/PaperLayout.h"
 #include "core/sheet/PaperSize.h"
-#include "imaging/pixels/NewImage.h"
-#include "imaging/pixels/Resampling.h"
 #include "imaging/reading/ImageReader.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
@@ -31,8 +29,6 @@ namespace kadrona::core {
 namespace {
 
 constexpr qint64 MostListBytes = 1'000'000;
-/// Of all pictures together; the program adds some two million with each.
-constexpr qint64 MostPixels = 200'000'000;
 /// A metre.
 constexpr int LongestSide = 1'000'000;
 
@@ -53,16 +49,6 @@ bool MakesSense(const ListedItem& listed) {
     return form.match(listed.file).hasMatch() && !item.size.isEmpty() &&
            std::max(item.size.width(), item.size.height()) <= LongestSide && item.count >= 1 &&
            item.count <= MostCopies;
-}
-
-/// The picture in pixels of its own: a cut would keep its whole photo in memory.
-imaging::Pixels KeptPicture(const CollectedItem& item) {
-    const QSize finest(PixelsOf(item.size.width(), HighestCollectedResolution),
-                       PixelsOf(item.size.height(), HighestCollectedResolution));
-    if (item.picture.Width() > finest.width()) {
-        return imaging::Resampled(item.picture, finest);
-    }
-    return imaging::Pixels(imaging::RequireAllocated(item.picture.ToImage().copy()));
 }
 
 }  // namespace
@@ -96,14 +82,26 @@ std::optional<size_t> SheetTray::Content::IndexOf(const QString& file) const {
                                 : std::optional(static_cast<size_t>(found - files.begin()));
 }
 
+bool SheetTray::Content::CouldNotRead(const QString& file) const {
+    return std::ranges::any_of(unread, [&](const ListedItem& item) { return item.file == file; });
+}
+
 void SheetTray::Content::Remove(size_t index) {
     items.erase(items.begin() + static_cast<ptrdiff_t>(index));
     files.erase(files.begin() + static_cast<ptrdiff_t>(index));
 }
 
 void SheetTray::Load() {
+    Take(Unread::TryAgain);
+}
+
+void SheetTray::Follow() {
+    Take(Unread::LeaveOut);
+}
+
+void SheetTray::Take(Unread unread) {
     try {
-        content_ = Read();
+        content_ = Read(unread);
     } catch (...) {
         content_ = {};
         throw;
@@ -124,21 +122,24 @@ QString SheetTray::PathOf(const QString& file) const {
 }
 
 /// Pictures that are known already are not read again.
-SheetTray::Content SheetTray::Read() const {
+SheetTray::Content SheetTray::Read(Unread unread) const {
     Content content;
     const auto list =
         platform::ReadFileIfThere(PathOf(ListName), MostListBytes, platform::Links::Own);
     if (!list) {
         return content;
     }
-    qint64 room = MostPixels;
+    const QDeadlineTimer end(longestReading_);
+    qint64 room = MostCollectedPixels;
     for (ListedItem& listed : ParseTrayList(*list)) {
+        if (unread == Unread::LeaveOut && content_.CouldNotRead(listed.file)) {
+            content.unread.push_back(std::move(listed));
+            content.failure = content_.failure;
+            continue;
+        }
         try {
-            const auto known = content_.IndexOf(listed.file);
-            imaging::Pixels& picture = listed.item.picture;
-            picture =
-                known ? content_.items[*known].picture
-                      : imaging::ReadImageFile(PathOf(listed.file), {.maximumPixels = room}).pixels;
+            listed.item.picture = PictureOf(listed, room, end);
+            const imaging::Pixels& picture = listed.item.picture;
             room -= std::min(room, qint64{picture.Width()} * picture.Height());
         } catch (const platform::Error& error) {
             std::error_code unknown;
@@ -158,6 +159,17 @@ SheetTray::Content SheetTray::Read() const {
     return content;
 }
 
+imaging::Pixels SheetTray::PictureOf(const ListedItem& listed, qint64 room,
+                                     const QDeadlineTimer& end) const {
+    if (const auto known = content_.IndexOf(listed.file)) {
+        return content_.items[*known].picture;
+    }
+    if (end.hasExpired()) {
+        throw platform::Error(u"Die Bilder zu lesen, dauert zu lange."_s);
+    }
+    return imaging::ReadImageFile(PathOf(listed.file), {.maximumPixels = room}).pixels;
+}
+
 void SheetTray::Save(const Content& content) const {
     QJsonArray list;
     for (size_t i = 0; i < content.items.size(); ++i) {
@@ -175,7 +187,7 @@ void SheetTray::Change(const std::function<void(Content&)>& change) {
     const platform::FolderLock lock(PathOf({}));
     Content content;
     try {
-        content = Read();
+        content = Read(Unread::LeaveOut);
     } catch (const platform::FileError&) {
         throw;
     } catch (const platform::Error&) {
@@ -207,10 +219,10 @@ void SheetTray::RequireRoom(const imaging::Pixels& picture) const {
     for (const CollectedItem& item : content_.items) {
         pixels += qint64{item.picture.Width()} * item.picture.Height();
     }
-    if (pixels > MostPixels) {
+    if (pixels > MostCollectedPixels) {
         throw platform::Error(
             u"Das Sammelblatt ist voll: Mit diesem Bild hätten seine Bilder mehr als %1 Millionen "
-            u"Pixel."_s.arg(MostPixels / 1'000'000));
+            u"Pixel."_s.arg(MostCollectedPixels / 1'000'000));
     }
 }
 
@@ -229,7 +241,7 @@ void SheetTray::Add(CollectedItem item) {
     if (!QFileInfo(QFileInfo(folder_).path()).isDir() || !platform::CreateFolder(folder_)) {
         throw platform::Error(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder_));
     }
-    item.picture = KeptPicture(item);
+    item.picture = KeptPicture(item, {HighestCollectedResolution});
     RequireRoom(item.picture);
     const QString file = NewFile();
     const QString path = PathOf(file);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QString>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -27,13 +29,20 @@ struct TrayCopies {
 /// the list says at that moment, under a lock, and concerns only the picture that it was meant for.
 class SheetTray {
  public:
-    /// `folder` need not exist while nothing is in the tray.
-    explicit SheetTray(QString folder) : folder_(std::move(folder)) {}
+    /// Beyond it no further picture is read: whoever shares the folder may have laid any there.
+    static constexpr std::chrono::milliseconds LongestReading{10'000};
 
-    /// Reads what is kept. A picture whose file is gone is left out; one whose file cannot be read
-    /// is not shown, but kept in the list. Throws platform::Error where the list cannot be read;
-    /// the tray is then empty and keeps the files.
+    /// `folder` need not exist while nothing is in the tray.
+    explicit SheetTray(QString folder, std::chrono::milliseconds longestReading = LongestReading)
+        : folder_(std::move(folder)), longestReading_(longestReading) {}
+
+    /// Reads what is kept. A picture whose file is gone is left out; one whose file cannot be read,
+    /// or not in time, is not shown, but kept in the list. Throws platform::Error where the list
+    /// cannot be read; the tray is then empty and keeps the files.
     void Load();
+    /// The same, but what could not be read the last time is not tried again, as it is not by the
+    /// changes below: a window does this each time it is come back to.
+    void Follow();
     /// Why a picture of the list is not shown, as a sentence; empty where all are.
     const QString& UnreadPicture() const { return content_.failure; }
 
@@ -66,10 +75,16 @@ class SheetTray {
 
         /// Nothing where the file is not in the list.
         std::optional<size_t> IndexOf(const QString& file) const;
+        bool CouldNotRead(const QString& file) const;
         void Remove(size_t index);
     };
 
-    Content Read() const;
+    enum class Unread { TryAgain, LeaveOut };
+
+    void Take(Unread unread);
+    Content Read(Unread unread) const;
+    imaging::Pixels PictureOf(const ListedItem& listed, qint64 room,
+                              const QDeadlineTimer& end) const;
     void Save(const Content& content) const;
     /// Changes what the list says now.
     void Change(const std::function<void(Content&)>& change);
@@ -81,6 +96,7 @@ class SheetTray {
     void RequireRoom(const imaging::Pixels& picture) const;
 
     QString folder_;
+    std::chrono::milliseconds longestReading_;
     Content content_;
 };
 

@@ -372,8 +372,15 @@ TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {
     EXPECT_EQ(meanwhile.Items().size(), 3U);
     EXPECT_TRUE(picture.resize(0) && picture.seek(0) && picture.write(bytes) == bytes.size());
     picture.close();
+    meanwhile.SetCount(0, 4);
+    EXPECT_EQ(meanwhile.Items().size(), 3U) << "not tried each time";
+    SheetTray hurried(folder.path(), std::chrono::milliseconds(0));
+    hurried.Load();
+    hurried.Add(item("f", 1));
+    EXPECT_EQ(holds(hurried), u"1f"_s) << "what takes too long to read";
+    EXPECT_FALSE(hurried.UnreadPicture().isEmpty());
     here.Load();
-    EXPECT_EQ(here.Items().size(), 4U);
+    EXPECT_EQ(here.Items().size(), 5U);
     here.Clear();
     EXPECT_EQ(holds(here), QString());
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList(u"Sammelblatt.json"_s));
