@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <algorithm>
 #include <csignal>
 #include <thread>
 #include <vector>
@@ -34,9 +35,20 @@ int StatusOf(const char* path) {
     _exit(StatusOf(path));
 }
 
-/// Takes note of those that were given up before and have ended.
-void ForgetEnded(std::vector<pid_t>& givenUp) {
-    std::erase_if(givenUp, [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; });
+/// One that looked too long.
+struct GivenUp {
+    pid_t process;
+    QByteArray path;
+};
+
+/// Whether so many still wait for that folder that one more would tell nothing new. Takes note of
+/// those that have ended.
+bool StillWait(std::vector<GivenUp>& givenUp, const QByteArray& path) {
+    constexpr int Enough = 4;
+    std::erase_if(givenUp, [](const GivenUp& looker) {
+        return waitpid(looker.process, nullptr, WNOHANG) != 0;
+    });
+    return std::ranges::count(givenUp, path, &GivenUp::path) >= Enough;
 }
 
 }  // namespace
@@ -44,9 +56,11 @@ void ForgetEnded(std::vector<pid_t>& givenUp) {
 FolderState LookAtFolder(const QString& path, std::chrono::milliseconds patience) {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds Pause(1);
-    static std::vector<pid_t> givenUp;
-    ForgetEnded(givenUp);
+    static std::vector<GivenUp> givenUp;
     const QByteArray name = QFile::encodeName(path);
+    if (StillWait(givenUp, name)) {
+        return FolderState::Silent;
+    }
     const auto state = [](int status) {
         return status == 0 ? FolderState::There : FolderState::Missing;
     };
@@ -63,7 +77,7 @@ FolderState LookAtFolder(const QString& path, std::chrono::milliseconds patience
     while ((ended = waitpid(looker, &status, WNOHANG)) == 0) {
         if (Clock::now() >= end) {
             kill(looker, SIGKILL);
-            givenUp.push_back(looker);
+            givenUp.push_back({looker, name});
             return FolderState::Silent;
         }
         std::this_thread::sleep_for(Pause);

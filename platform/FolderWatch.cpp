@@ -3,8 +3,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <utility>
+
+#include "platform/FolderProbe.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,7 +60,8 @@ QFileInfoList FilesIn(const QStringList& folders, const QStringList& patterns) {
 }  // namespace
 
 bool FolderWatch::Look() {
-    const bool exists = !folder_.isEmpty() && QFileInfo(folder_).isDir();
+    constexpr std::chrono::milliseconds Patience(200);  // it is looked at again and again
+    const bool exists = !folder_.isEmpty() && LookAtFolder(folder_, Patience) == FolderState::There;
     QHash<QString, State> now;
     QStringList files;
     const QFileInfoList found =

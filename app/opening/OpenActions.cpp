@@ -26,6 +26,7 @@
 #include "dialogs/settings/ProfileChooser.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "imaging/view/PaintingSuspension.h"
+#include "platform/FolderProbe.h"
 
 using namespace Qt::StringLiterals;
 
@@ -156,7 +157,8 @@ bool OpenActions::OpenOriginal(const QString& path) {
 /// A file manager copies the files' names, whatever else it adds.
 void OpenActions::acPasteExecute() {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-    if (data == nullptr) {
+    // Who owns it may never answer: the toolkit waits five seconds each time that it asks.
+    if (data == nullptr || data->formats().isEmpty()) {
         throw platform::Error(u"Die Zwischenablage ist leer."_s);
     }
     const QStringList files = controls::DroppedFiles(*data);
@@ -170,6 +172,11 @@ void OpenActions::acPasteExecute() {
 }
 
 void OpenActions::LoadImageFile(const QString& fileName) {
+    const QString folder = QFileInfo(fileName).path();
+    if (platform::LookAtFolder(folder) == platform::FolderState::Silent) {
+        throw platform::FileError(
+            u"Der Ordner „%1“ antwortet nicht. Das Foto wird nicht geöffnet."_s.arg(folder));
+    }
     Load({.name = fileName,
           .read =
               [&](imaging::ReadProgress& progress) {

@@ -12,6 +12,7 @@
 #include "core/archive/ArchiveCheck.h"
 #include "platform/AtomicFile.h"
 #include "platform/FolderProbe.h"
+#include "platform/FolderWatch.h"
 #include "platform/SilenceWatch.h"
 #include "tests/core/ArchiveFixture.h"
 #include "tests/support/Errors.h"
@@ -96,6 +97,22 @@ TEST_F(SilentFolder, IsToldInTheMidstOfAFileToo) {
     EXPECT_EQ(Table().Ids().size(), 2U);
     EXPECT_TRUE(platform::ReadWholeFile(installation.Path("teller.told"), 1000)
                     .contains(archiveFolder.toUtf8()));
+}
+
+TEST_F(SilentFolder, IsWatchedWithoutWaitingForIt) {
+    platform::WriteFileAtomically(archiveFolder + u"/new.jpg"_s, "photo");
+    platform::FolderWatch watch(archiveFolder, {u"*.jpg"_s});
+    watch.Look();
+    watch.Look();
+    EXPECT_EQ(watch.Files().size(), 1);
+    FallSilent();
+    watch.Look();
+    EXPECT_EQ(watch.Files().size(), 0);
+    silent.clear();
+    watch.Look();
+    watch.Look();
+    EXPECT_EQ(watch.Files().size(), 1);
+    EXPECT_EQ(watch.TakeArrived(), QStringList()) << "not new because the share was away";
 }
 
 TEST_F(SilentFolder, IsToldFromAMissingOneWhereNoProcessTellsItsEnd) {
