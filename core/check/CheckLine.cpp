@@ -9,7 +9,9 @@ namespace kadrona::core {
 namespace {
 
 QString Number(double value, int decimals) {
-    QString text = QString::number(value, 'f', decimals);
+    const double grain = std::pow(10.0, decimals);
+    // Adding nothing makes a nothing below zero one without a sign.
+    QString text = QString::number(std::round(value * grain) / grain + 0.0, 'f', decimals);
     return text.replace(u'.', u',');
 }
 

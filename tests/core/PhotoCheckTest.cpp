@@ -118,6 +118,9 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
     const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
     EXPECT_EQ(distance.state, CheckState::Missed);
     EXPECT_EQ(FigureText(distance), u"5,0 mm statt mindestens 8 mm"_s);
+    CheckLine nothing;
+    nothing.value = -0.04;
+    EXPECT_EQ(ValueText(nothing), u"0,0"_s) << "without a sign";
 }
 
 TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
