@@ -81,9 +81,7 @@ class Check {
           progress_(progress) {}
 
     ArchiveReport Run() {
-        for (const qint64 id : BlankRecords(database_)) {
-            report_.findings.push_back({ArchiveFault::Blank, id, {}});
-        }
+        const std::vector<qint64> blank = BlankRecords(database_);
         const std::vector<KnownFile> files = KnownFiles(database_, folder_);
         qint64 done = 0;
         for (const KnownFile& file : files) {
@@ -98,6 +96,7 @@ class Check {
         KeepAdopted();
         report_.records = static_cast<qint64>(table_.Ids().size());
         FindStrangers();
+        DropWhatWasBeingFiled(blank);
         return std::move(report_);
     }
 
@@ -176,6 +175,22 @@ class Check {
                                     : IsPhotoPath(relative) ? ArchiveFault::Lost
                                                             : ArchiveFault::Unknown,
                                     deleted, path});
+    }
+
+    /// A photo that was just being filed looked like a blank record and a file without one.
+    void DropWhatWasBeingFiled(const std::vector<qint64>& blankBefore) {
+        std::erase_if(report_.findings, [this](const ArchiveFinding& finding) {
+            const QString relative = QDir(folder_).relativeFilePath(finding.path);
+            return finding.fault == ArchiveFault::Lost &&
+                   IsNamed(NumberInName(finding.path), QString(relative).replace(u'/', u'\\'));
+        });
+        std::vector<ArchiveFinding> still;
+        for (const qint64 id : BlankRecords(database_)) {
+            if (std::ranges::binary_search(blankBefore, id)) {
+                still.push_back({ArchiveFault::Blank, id, {}});
+            }
+        }
+        report_.findings.insert(report_.findings.begin(), still.begin(), still.end());
     }
 
     /// By the record of that number.

@@ -130,6 +130,18 @@ TEST_F(ArchiveKeeping, ACheckFindsWhatIsWrongAndLostRecordsComeBackFromThePhotos
             .rebuilt,
         0)
         << "no second record for one photo";
+    const qint64 filing = Table().Insert();
+    const core::ArchiveReport inUse =
+        core::CheckArchive(Database(), archiveFolder, [&](const QString&, qint64, qint64) {
+            Table().Fill({.id = filing,
+                          .name = u"x"_s,
+                          .type = {},
+                          .created = now,
+                          .folder = {},
+                          .tags = {}},
+                         {});
+        });
+    EXPECT_EQ(inUse.Ids(core::ArchiveFault::Blank).size(), 1U) << "the other one was being filed";
     EXPECT_EQ(core::NumberInName(u"2026_03_999999999999.jpg"_s), 0) << "none would be left soon";
     const auto giveUp = [](const QString&, qint64, qint64) { throw platform::Cancelled(); };
     EXPECT_THROW(core::RebuildRecords(Database(), {Filed("2026_03_00050.jpg")}, now, giveUp),
