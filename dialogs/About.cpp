@@ -112,7 +112,7 @@ void TfmAbout::ShowLibraries() {
     file.open(QIODevice::ReadOnly);
     auto* text = new QTextBrowser;
     text->setAccessibleName(dialog.windowTitle());
-    ShowMarkdown(*text->document(), QString::fromUtf8(file.readAll()));
+    ShowMarkdown(*text, QString::fromUtf8(file.readAll()));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* layout = new QVBoxLayout(&dialog);

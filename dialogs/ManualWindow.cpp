@@ -92,7 +92,7 @@ void ManualWindow::Load(const QString& folder) {
         platform::ReadWholeFile(platform::JoinPath(folder, u"Handbuch.md"), MostManualBytes);
     text_->setSearchPaths({folder});
     text_->document()->setBaseUrl(QUrl::fromLocalFile(folder + u'/'));
-    ShowMarkdown(*text_->document(), QString::fromUtf8(source));
+    ShowMarkdown(*text_, QString::fromUtf8(source));
     ListChapters();
     search_->setFocus();
 }

@@ -1,7 +1,7 @@
 #include "dialogs/base/Markdown.h"
 
-#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextEdit>
 #include <QTextFrame>
 #include <QTextTable>
 
@@ -9,11 +9,12 @@
 
 namespace kadrona::dialogs {
 
-void ShowMarkdown(QTextDocument& document, const QString& text) {
+void ShowMarkdown(QTextEdit& view, const QString& text) {
     constexpr double Rule = 1;
     constexpr double Room = 4;
-    document.setMarkdown(text);
-    const QList<QTextFrame*> frames = document.rootFrame()->childFrames();
+    constexpr double Width = 99;  // percent: its rules stand beside it
+    view.setMarkdown(text);
+    const QList<QTextFrame*> frames = view.document()->rootFrame()->childFrames();
     for (QTextFrame* frame : frames) {
         if (auto* table = qobject_cast<QTextTable*>(frame)) {
             QTextTableFormat format = table->format();
@@ -21,6 +22,7 @@ void ShowMarkdown(QTextDocument& document, const QString& text) {
             format.setBorder(Rule);
             format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
             format.setBorderBrush(controls::Colors().border);
+            format.setWidth(QTextLength(QTextLength::PercentageLength, Width));
             format.setCellSpacing(0);
             format.setCellPadding(Room);
             table->setFormat(format);

@@ -1,11 +1,11 @@
 #pragma once
 
 class QString;
-class QTextDocument;
+class QTextEdit;
 
 namespace kadrona::dialogs {
 
 /// Shows a text of ours; its tables have thin rules and room around their words.
-void ShowMarkdown(QTextDocument& document, const QString& text);
+void ShowMarkdown(QTextEdit& view, const QString& text);
 
 }  // namespace kadrona::dialogs
