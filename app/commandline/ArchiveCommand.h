@@ -18,9 +18,6 @@ struct ArchiveRequest {
     QString search;
 };
 
-/// Exit code of a check that found something.
-inline constexpr int SomethingFound = 3;
-
 /// Reads the arguments that follow "archive". Throws UsageError.
 ArchiveRequest ParseArchiveRequest(const QStringList& arguments);
 

@@ -6,12 +6,11 @@
 #include <algorithm>
 
 #include "app/commandline/CommandSetup.h"
-#include "app/commandline/SheetCommand.h"
+#include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
 #include "core/check/PhotoCheck.h"
 #include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
-#include "core/sheet/PhotoLoading.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 
@@ -133,10 +132,7 @@ imaging::FaceSearch Search(const imaging::Pixels& photo, QTextStream& errors) {
 Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRequest& request,
                 const QString& file, QTextStream& errors) {
     imaging::LayeredImage image;
-    core::OpenPhoto(file, settings, image);
-    core::BalancePhoto(settings, image);
-    core::TurnOpenedPhoto(settings, image);
-    data.DrawMask(image);
+    OpenWithTemplate(data, settings, file, image);
     const core::TemplateRow figures = data.LoadedFigures();
     Report report{file, Search(image.Photo(), errors), {}, {}};
     const std::optional<imaging::Face>& face = report.search.face;
@@ -171,10 +167,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
                 QTextStream& errors) {
     LoadTemplate(data, request.templateName);
     const core::StoredSettings settings = ProfileSettings(data, {});
-    const QStringList photos = ExpandFolders(request.photos, data.OpenDialog().filter);
-    if (photos.isEmpty()) {
-        throw UsageError(u"In „%1“ ist kein Foto."_s.arg(request.photos.join(u"“, „"_s)));
-    }
+    const QStringList photos = RequestedPhotos(request.photos);
     int result = Done;
     bool missed = false;
     std::vector<Report> reports;
@@ -199,7 +192,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
     if (request.json) {
         PrintJson(reports, photos.size() > 1, output);
     }
-    return result == Done && missed && request.strict ? SomethingMissed : result;
+    return result == Done && missed && request.strict ? SomethingFound : result;
 }
 
 int RunCheckCommand(const QStringList& arguments, QTextStream& output, QTextStream& errors) {

@@ -7,9 +7,6 @@
 
 namespace kadrona::app {
 
-/// Exit code of a strict check that found something missed.
-inline constexpr int SomethingMissed = 3;
-
 /// Checks the requested photos without a window. The reports go to `output`, one line per photo
 /// that could not be read or, where the template is placed by the face, has none to `errors`.
 /// Throws UsageError when the request cannot be met for any photo.

@@ -1,8 +1,5 @@
 #include "app/commandline/CommandSetup.h"
 
-#include <QDir>
-#include <QFileInfo>
-
 #include "app/commandline/TerminalText.h"
 #include "core/base/UserInterface.h"
 #include "core/templates/LayerPosition.h"
@@ -51,27 +48,6 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command) {
         errors << HarmlessText(QString::fromUtf8(error.what())) << Qt::endl;
         return SomePhotoFailed;
     }
-}
-
-QStringList ExpandFolders(const QStringList& photos, const QString& filter) {
-    // Names and patterns in turn; the first entry, "Alle", does not have the formats that came
-    // later.
-    const QStringList entries = filter.split(u'|');
-    QStringList patterns;
-    for (qsizetype i = 1; i < entries.size(); i += 2) {
-        patterns.append(entries[i].split(u';'));
-    }
-    QStringList files;
-    for (const QString& photo : photos) {
-        if (!QFileInfo(photo).isDir()) {
-            files.append(photo);
-            continue;
-        }
-        for (const QFileInfo& file : QDir(photo).entryInfoList(patterns, QDir::Files, QDir::Name)) {
-            files.append(file.filePath());
-        }
-    }
-    return files;
 }
 
 void LoadTemplate(core::TData& data, const QString& name) {

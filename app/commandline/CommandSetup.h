@@ -14,8 +14,9 @@
 /// What the commands have in common.
 namespace kadrona::app {
 
-/// Exit codes of the command line.
-enum ExitCode { Done = 0, SomePhotoFailed = 1, WrongUsage = 2 };
+/// Exit codes of the command line. SomethingFound is that of a check: a strict one of photos, or
+/// one of the archive.
+enum ExitCode { Done = 0, SomePhotoFailed = 1, WrongUsage = 2, SomethingFound = 3 };
 
 /// Runs a command; what it throws becomes a line and an exit code.
 int RunCommand(QTextStream& errors, const std::function<int()>& command);
@@ -25,10 +26,6 @@ int WithData(QTextStream& errors, const std::function<int(core::TData&)>& comman
 
 inline const QString TooTightWarning =
     QStringLiteral("Das Foto endet zu nah am Kopf; die Schablone liegt nicht an ihrem Platz.");
-
-/// Unchanged file names; for a folder its files by name that any entry of the open dialog's filter
-/// shows.
-QStringList ExpandFolders(const QStringList& photos, const QString& filter);
 
 /// Loads the template of a name of the catalogue. Throws UsageError where there is none.
 void LoadTemplate(core::TData& data, const QString& name);

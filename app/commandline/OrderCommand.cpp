@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <algorithm>
 #include <utility>
 
@@ -117,11 +118,11 @@ int MakeOrder(const SheetRequest& request, core::TData& data, QTextStream& progr
               QTextStream& errors) {
     const core::StoredSettings settings = ProfileSettings(data, request.profile);
     data.SetSettings(&settings);
+    const auto forgetSettings = qScopeGuard([&data] { data.SetSettings(nullptr); });
     const QStringList outputs =
         OutputFiles(request.output, {request.order}, imaging::WritableExtensions());
     imaging::LayeredImage image;
     const auto failures = MakeCollected(request, data, settings, image, errors);
-    data.SetSettings(nullptr);
     for (const core::OrderError& failure : failures) {
         const QString line = failure.number > 0 ? u"Zeile %1: "_s.arg(failure.number) : QString();
         errors << HarmlessText(line + failure.reason) << Qt::endl;

@@ -23,7 +23,18 @@ bool NamesFolder(const QString& output) {
 }  // namespace
 
 QStringList RequestedPhotos(const QStringList& photos) {
-    QStringList found = ExpandFolders(photos, core::OpenDialog::OfPhotos().filter);
+    // Not the filter's first entry alone: "Alle" does not have the formats that came later.
+    const QStringList patterns = core::OpenDialog::OfPhotos().Patterns();
+    QStringList found;
+    for (const QString& photo : photos) {
+        if (!QFileInfo(photo).isDir()) {
+            found.append(photo);
+            continue;
+        }
+        for (const QFileInfo& file : QDir(photo).entryInfoList(patterns, QDir::Files, QDir::Name)) {
+            found.append(file.filePath());
+        }
+    }
     if (found.isEmpty()) {
         throw UsageError(u"In „%1“ ist kein Foto."_s.arg(photos.join(u"“, „"_s)));
     }
@@ -58,14 +69,19 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
     return outputs;
 }
 
-void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
-                       const std::optional<core::TemplatePlace>& place, bool automatic,
-                       const QString& photo, imaging::LayeredImage& image, QTextStream& errors) {
+void OpenWithTemplate(core::TData& data, const core::Settings& settings, const QString& photo,
+                      imaging::LayeredImage& image) {
     core::OpenPhoto(photo, settings, image);
     data.SetCurrentFile(photo);
     core::BalancePhoto(settings, image);
     core::TurnOpenedPhoto(settings, image);
     data.DrawMask(image);
+}
+
+void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
+                       const std::optional<core::TemplatePlace>& place, bool automatic,
+                       const QString& photo, imaging::LayeredImage& image, QTextStream& errors) {
+    OpenWithTemplate(data, settings, photo, image);
     if (!automatic) {
         PlaceTemplateAt(data, image, place);
     } else if (PlaceTemplateOnFace(data, image).photoTooTight) {

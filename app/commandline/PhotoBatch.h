@@ -13,7 +13,8 @@
 /// What the commands that make a file of each photo have in common.
 namespace kadrona::app {
 
-/// The photos named, those of folders too. Throws UsageError where there are none.
+/// The photos named; for a folder its files by name that any entry of the open dialog's filter
+/// shows. Throws UsageError where there are none.
 QStringList RequestedPhotos(const QStringList& photos);
 
 /// One file per photo: `output` itself, or JPEG files in that folder, which is made. Photos of one
@@ -22,9 +23,13 @@ QStringList RequestedPhotos(const QStringList& photos);
 QStringList OutputFiles(const QString& output, const QStringList& photos,
                         const QStringList& extensions);
 
-/// Opens a photo as the window does, without its questions, and puts the loaded template to the
-/// place on the face, the one asked for, or the one remembered. Warnings go to `errors`. Throws
-/// platform::Error.
+/// Opens a photo as the window does, without its questions, and draws the loaded template over it.
+/// Throws platform::Error.
+void OpenWithTemplate(core::TData& data, const core::Settings& settings, const QString& photo,
+                      imaging::LayeredImage& image);
+
+/// The same, and puts the template to the place on the face, the one asked for, or the one
+/// remembered. Warnings go to `errors`.
 void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
                        const std::optional<core::TemplatePlace>& place, bool automatic,
                        const QString& photo, imaging::LayeredImage& image, QTextStream& errors);

@@ -1,5 +1,7 @@
 #include "app/commandline/SheetCommand.h"
 
+#include <QScopeGuard>
+
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/OrderCommand.h"
 #include "app/commandline/PhotoBatch.h"
@@ -33,18 +35,17 @@ int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& prog
     LoadTemplate(data, request.templateName);
     const core::StoredSettings settings = ProfileSettings(data, request.profile);
     data.SetSettings(&settings);
+    const auto forgetSettings = qScopeGuard([&data] { data.SetSettings(nullptr); });
     data.SetFrameSize(core::FrameSizeOf(settings));
     core::PaperChoice grid;
     grid.gridGap = core::PaperChoiceOf(settings).gridGap;
     data.SetPaper(request.paper.value_or(grid));
     const QStringList photos = RequestedPhotos(request.photos);
     const QStringList outputs = OutputFiles(request.output, photos, imaging::WritableExtensions());
-    const int result = MakeEach(
-        photos, outputs, progress, errors, [&](const QString& photo, const QString& output) {
-            return MakeSheet(data, settings, request, photo, output, errors);
-        });
-    data.SetSettings(nullptr);
-    return result;
+    return MakeEach(photos, outputs, progress, errors,
+                    [&](const QString& photo, const QString& output) {
+                        return MakeSheet(data, settings, request, photo, output, errors);
+                    });
 }
 
 int RunSheetCommand(const QStringList& arguments, QTextStream& progress, QTextStream& errors) {

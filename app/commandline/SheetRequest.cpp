@@ -74,7 +74,7 @@ imaging::ByteRange ParseKilobytes(const QString& text) {
     return {range->first * core::BytesPerKilobyte, range->second * core::BytesPerKilobyte};
 }
 
-/// What both commands are told: photos, template and its place.
+/// What all commands for photos are told: photos, template and its place.
 template <typename Request>
 void ReadCommon(const QCommandLineParser& parser, Request& request) {
     for (const QString& photo : parser.positionalArguments()) {

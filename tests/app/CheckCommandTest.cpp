@@ -3,6 +3,7 @@
 #include <QJsonObject>
 
 #include "app/commandline/CheckCommand.h"
+#include "app/commandline/CommandSetup.h"
 #include "app/commandline/SheetCommand.h"
 #include "tests/app/CommandFixture.h"
 #include "tests/support/DrawnPortrait.h"
@@ -68,7 +69,7 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
     request.place = core::TemplatePlace{0, 0, 350};
     EXPECT_EQ(Run(), app::Done);
     request.strict = true;
-    EXPECT_EQ(Run(), app::SomethingMissed) << "no face";
+    EXPECT_EQ(Run(), app::SomethingFound) << "no face";
 }
 
 TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
