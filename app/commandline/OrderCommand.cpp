@@ -47,16 +47,18 @@ QString ReasonOf(const std::exception& error) {
     return QString::fromUtf8(error.what()).section(u'\n', 0, 0);
 }
 
-/// What cannot be cut goes to the order's errors.
+/// What cannot be cut, or would be overwritten by `output`, goes to the order's errors.
 std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Settings& settings,
                                           core::Order& order, const SheetRequest& request,
-                                          imaging::DotsPerInch finest, QTextStream& errors) {
+                                          const QString& output, imaging::DotsPerInch finest,
+                                          QTextStream& errors) {
     std::vector<core::CollectedItem> items;
     qint64 pixels = 0;
     for (const core::OrderLine& line : order.lines) {
         try {
-            core::CollectedItem item =
-                CutItem(data, settings, line, PhotoPath(line, request.order), errors);
+            const QString photo = PhotoPath(line, request.order);
+            RequireNoPhoto(output, RealFiles({photo}));
+            core::CollectedItem item = CutItem(data, settings, line, photo, errors);
             item.picture = core::KeptPicture(item, finest);
             pixels += qint64{item.picture.Width()} * item.picture.Height();
             items.push_back(std::move(item));
@@ -88,15 +90,15 @@ core::CollectedLayout LayOut(const std::vector<core::CollectedItem>& items,
     return layout;
 }
 
-/// Makes the sheet in `image`; where that cannot be done, returns why.
+/// Makes the sheet for `output` in `image`; where that cannot be done, returns why.
 std::vector<core::OrderError> MakeCollected(const SheetRequest& request, core::TData& data,
-                                            const core::Settings& settings,
+                                            const core::Settings& settings, const QString& output,
                                             imaging::LayeredImage& image, QTextStream& errors) {
     const QByteArray bytes = platform::ReadWholeFile(request.order, MostOrderBytes);
     core::Order order = core::ParseOrder(QString::fromUtf8(bytes));
     const core::PaperChoice choice = request.paper.value_or(core::PaperChoice());
     const auto items = CutItems(
-        data, settings, order, request,
+        data, settings, order, request, output,
         choice.resolution.value_or(imaging::DotsPerInch{core::HighestCollectedResolution}), errors);
     if (order.errors.empty() && items.empty()) {
         order.errors.push_back({0, u"Der Auftrag hat keine Zeile."_s});
@@ -122,7 +124,7 @@ int MakeOrder(const SheetRequest& request, core::TData& data, QTextStream& progr
     const QStringList outputs =
         OutputFiles(request.output, {request.order}, imaging::WritableExtensions());
     imaging::LayeredImage image;
-    const auto failures = MakeCollected(request, data, settings, image, errors);
+    const auto failures = MakeCollected(request, data, settings, outputs.first(), image, errors);
     for (const core::OrderError& failure : failures) {
         const QString line = failure.number > 0 ? u"Zeile %1: "_s.arg(failure.number) : QString();
         errors << HarmlessText(line + failure.reason) << Qt::endl;

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSet>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/TerminalText.h"
@@ -69,6 +68,22 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
     return outputs;
 }
 
+QSet<QString> RealFiles(const QStringList& files) {
+    QSet<QString> real;
+    for (const QString& file : files) {
+        real.insert(QFileInfo(file).canonicalFilePath());
+    }
+    real.remove({});
+    return real;
+}
+
+void RequireNoPhoto(const QString& output, const QSet<QString>& photos) {
+    if (photos.contains(QFileInfo(output).canonicalFilePath())) {
+        throw platform::Error(
+            u"Das Ziel „%1“ ist eines der Fotos und würde es überschreiben."_s.arg(output));
+    }
+}
+
 void OpenWithTemplate(core::TData& data, const core::Settings& settings, const QString& photo,
                       imaging::LayeredImage& image) {
     core::OpenPhoto(photo, settings, image);
@@ -95,15 +110,13 @@ void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
 int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
              QTextStream& errors,
              const std::function<QString(const QString& photo, const QString& output)>& make) {
+    const QSet<QString> sources = RealFiles(photos);
     int result = Done;
     for (qsizetype i = 0; i < photos.size(); ++i) {
         const QString& photo = photos.at(i);
         const QString& output = outputs.at(i);
         try {
-            if (QFileInfo(output).exists() && QFileInfo(output) == QFileInfo(photo)) {
-                throw platform::Error(
-                    u"Das Ziel ist das Foto selbst und würde es überschreiben."_s);
-            }
+            RequireNoPhoto(output, sources);
             progress << u"[%1/%2] %3 → %4 (%5)"_s.arg(i + 1)
                             .arg(photos.size())
                             .arg(HarmlessName(photo), HarmlessName(output), make(photo, output))

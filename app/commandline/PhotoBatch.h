@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
@@ -23,6 +24,14 @@ QStringList RequestedPhotos(const QStringList& photos);
 QStringList OutputFiles(const QString& output, const QStringList& photos,
                         const QStringList& extensions);
 
+/// Where these files really are, whatever links lead to them; those that are not there are left
+/// out.
+QSet<QString> RealFiles(const QStringList& files);
+
+/// Throws platform::Error where `output` is one of the photos, which it would overwrite. `photos`
+/// are of RealFiles.
+void RequireNoPhoto(const QString& output, const QSet<QString>& photos);
+
 /// Opens a photo as the window does, without its questions, and draws the loaded template over it.
 /// Throws platform::Error.
 void OpenWithTemplate(core::TData& data, const core::Settings& settings, const QString& photo,
@@ -34,8 +43,9 @@ void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
                        const std::optional<core::TemplatePlace>& place, bool automatic,
                        const QString& photo, imaging::LayeredImage& image, QTextStream& errors);
 
-/// Makes a file of every photo; what `make` returns stands in its line of progress. One that fails
-/// is named in `errors`, the others are still done. Returns an ExitCode.
+/// Makes a file of every photo; what `make` returns stands in its line of progress. One that fails,
+/// or whose file would overwrite any of the photos, is named in `errors`, the others are still
+/// done. Returns an ExitCode.
 int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
              QTextStream& errors,
              const std::function<QString(const QString& photo, const QString& output)>& make);

@@ -232,6 +232,13 @@ TEST_F(SheetCommand, NeverOverwritesThePhotoAndRefusesARectangleOutsideIt) {
     request.output = request.photos.first();
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_EQ(QImage(request.output).size(), QSize(400, 500));
+    const QString other = installation.Path("in/a_kdr.jpg");
+    ASSERT_TRUE(QFile::link(installation.Path("in/b.png"), other));
+    request.photos.append(other);
+    request.output = installation.Path("in");
+    EXPECT_EQ(Run(), app::SomePhotoFailed);
+    EXPECT_EQ(QImage(other).size(), QSize(400, 500)) << "nor that of another customer";
+    request.photos.removeLast();
     request.output = installation.Path("sheet.png");
     request.place = core::TemplatePlace{101, 0, 300};
     EXPECT_EQ(Run(), app::SomePhotoFailed);
@@ -286,6 +293,9 @@ TEST_F(SheetCommand, AnOrderIsMadeAsAWholeOrNotAtAll) {
         EXPECT_TRUE(errors.endsWith(u"Es wurde nichts geschrieben.\n"_s));
         EXPECT_FALSE(QFile::exists(installation.Path("order.png"))) << row.lines;
     }
+    SavePhoto("order.png", 400, 500);
+    EXPECT_EQ(order("../order.png;Pass;0,0,300;1"), app::SomePhotoFailed);
+    EXPECT_EQ(QImage(installation.Path("order.png")).size(), QSize(400, 500)) << "the photo itself";
 }
 
 }  // namespace kadrona::testing
