@@ -107,8 +107,12 @@ void PaperFields::CopyFrom(const PaperFields& other) {
     copying_ = true;
     const auto done = qScopeGuard([&] { copying_ = false; });
     const auto copyNumber = [&](QDoubleSpinBox* field, const QDoubleSpinBox* from) {
-        differs = differs || field->value() != from->value();
-        field->setValue(from->value());
+        // Setting the same value again would rewrite what the user is typing: "2," becomes "2,0",
+        // which takes no further decimal.
+        if (field->value() != from->value()) {
+            differs = true;
+            field->setValue(from->value());
+        }
     };
     const auto copySwitch = [&](QCheckBox* box, const QCheckBox* from) {
         differs = differs || box->isChecked() != from->isChecked();
