@@ -45,6 +45,18 @@ QString ReasonOf(const Queue& queue) {
     return reasons.isEmpty() ? queue.stateMessage : reasons;
 }
 
+/// Why a job ended badly: what the service says of the job, unless that is only that it did.
+QString ReasonOfEnd(const JobFollower::Job& job, const Queue& queue) {
+    std::vector<QByteArray> telling = job.reasons;
+    std::erase(telling, "job-completed-with-errors");
+    for (const QString& reason : {JobReasons(telling), ReasonOf(queue)}) {
+        if (!reason.isEmpty()) {
+            return reason;
+        }
+    }
+    return JobReasons(job.reasons);
+}
+
 JobState StateOf(const JobFollower::Job& job, const Queue& queue) {
     const QString ofJob = JobReasons(job.reasons);
     switch (job.state) {
@@ -54,16 +66,14 @@ JobState StateOf(const JobFollower::Job& job, const Queue& queue) {
         case IPP_JSTATE_HELD:
             return WithReason(Stage::Held, u"angehalten"_s, ofJob);
         case IPP_JSTATE_STOPPED:
-            return WithReason(Stage::Held, u"angehalten"_s,
-                              ofJob.isEmpty() ? ReasonOf(queue) : ofJob);
+            return WithReason(Stage::Held, u"angehalten"_s, ReasonOfEnd(job, queue));
         case IPP_JSTATE_PROCESSING:
             return WithReason(Stage::Printing, u"wird gedruckt"_s,
                               PrinterReasons(queue.stateReasons));
         case IPP_JSTATE_CANCELED:
             return WithReason(Stage::Failed, u"abgebrochen"_s, ofJob);
         case IPP_JSTATE_ABORTED:
-            return WithReason(Stage::Failed, u"nicht gedruckt"_s,
-                              ofJob.isEmpty() ? ReasonOf(queue) : ofJob);
+            return WithReason(Stage::Failed, u"nicht gedruckt"_s, ReasonOfEnd(job, queue));
         case IPP_JSTATE_COMPLETED:
             break;
     }
