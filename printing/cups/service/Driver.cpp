@@ -33,7 +33,7 @@ constexpr int MostLines = 30'000;
 
 /// The driver's German text, else this program's for the driver's own text, else that or the name.
 QString Label(const QString& german, const char* ownText, const char* name) {
-    const QString own = QString::fromUtf8(ownText).trimmed();
+    const QString own = DescriptionText(ownText);
     return platform::HarmlessLine(!german.isEmpty() ? german
                                   : own.isEmpty()   ? QString::fromUtf8(name)
                                                     : InGerman(own));

@@ -1,6 +1,8 @@
 #include "printing/cups/service/GermanTexts.h"
 
 #include <QFile>
+#include <algorithm>
+#include <cctype>
 
 namespace kadrona::printing::cups {
 
@@ -16,7 +18,30 @@ QByteArray GermanLine(const QByteArray& line) {
     return {};
 }
 
+bool IsHexadecimal(QByteArrayView digits) {
+    return !digits.isEmpty() && digits.size() % 2 == 0 &&
+           std::all_of(digits.begin(), digits.end(), [](char digit) {
+               return std::isxdigit(static_cast<unsigned char>(digit)) != 0;
+           });
+}
+
 }  // namespace
+
+QString DescriptionText(const QByteArray& written) {
+    QByteArray text;
+    qsizetype at = 0;
+    while (at < written.size()) {
+        const qsizetype end = written[at] == '<' ? written.indexOf('>', at) : -1;
+        const QByteArray digits = end < 0 ? QByteArray() : written.mid(at + 1, end - at - 1);
+        if (IsHexadecimal(digits)) {
+            text += QByteArray::fromHex(digits);
+            at = end + 1;
+        } else {
+            text += written[at++];
+        }
+    }
+    return QString::fromUtf8(text).trimmed();
+}
 
 GermanTexts::GermanTexts(const QString& descriptionFile) {
     constexpr qint64 LongestLine = 4096;
@@ -31,7 +56,7 @@ GermanTexts::GermanTexts(const QString& descriptionFile) {
         const qsizetype colon = line.indexOf(':', slash);
         if (slash > 0 && colon > slash) {
             texts_.insert(line.left(slash).simplified(),
-                          QString::fromUtf8(line.mid(slash + 1, colon - slash - 1)).trimmed());
+                          DescriptionText(line.mid(slash + 1, colon - slash - 1)));
         }
     }
 }

@@ -6,6 +6,10 @@
 
 namespace kadrona::printing::cups {
 
+/// A text of a driver's description, whose bytes may stand as hexadecimal digits: "3<2E>5 x 5 in"
+/// is "3.5 x 5 in".
+QString DescriptionText(const QByteArray& written);
+
 /// The German texts in a driver's description. The library that reads the rest of it keeps only
 /// those of the user's own language.
 class GermanTexts {
