@@ -18,29 +18,40 @@ namespace {
 constexpr double MostScaleError = 0.1;
 constexpr double MostOffset = 20;
 
-void RequireNumber(const QString& reading, double measured) {
-    if (!std::isfinite(measured)) {
-        throw PrinterError(u"%1 fehlt oder ist keine Zahl."_s.arg(reading));
-    }
-}
+/// One of the readings and what it must be near.
+struct Expected {
+    const RulerReadings& readings;
+    double RulerReadings::*reading;
+    double nominal;
 
-void RequireLength(const QString& line, double nominal, double measured) {
-    RequireNumber(u"Das Maß von Linie %1"_s.arg(line), measured);
-    if (std::abs(measured - nominal) > nominal * MostScaleError) {
+    double Measured() const { return readings.*reading; }
+    void RequireNumber(const QString& name) const {
+        if (!std::isfinite(Measured())) {
+            throw ReadingError(u"%1 fehlt oder ist keine Zahl."_s.arg(name), reading);
+        }
+    }
+};
+
+void RequireLength(const QString& line, const Expected& expected) {
+    expected.RequireNumber(u"Das Maß von Linie %1"_s.arg(line));
+    if (std::abs(expected.Measured() - expected.nominal) > expected.nominal * MostScaleError) {
         const QLocale german(QLocale::German);
-        throw PrinterError(
+        throw ReadingError(
             u"Das Maß von Linie %1 kann nicht stimmen: Sie ist auf dem Blatt %2 mm lang, gemessen wären %3 mm."_s
-                .arg(line, german.toString(nominal), german.toString(measured)));
+                .arg(line, german.toString(expected.nominal), german.toString(expected.Measured())),
+            expected.reading);
     }
 }
 
-void RequirePlace(const QString& edge, double nominal, double measured) {
-    RequireNumber(u"Der Abstand des Kreuzes vom %1 Rand"_s.arg(edge), measured);
-    if (std::abs(measured - nominal) > MostOffset) {
+void RequirePlace(const QString& edge, const Expected& expected) {
+    expected.RequireNumber(u"Der Abstand des Kreuzes vom %1 Rand"_s.arg(edge));
+    if (std::abs(expected.Measured() - expected.nominal) > MostOffset) {
         const QLocale german(QLocale::German);
-        throw PrinterError(
+        throw ReadingError(
             u"Der Abstand des Kreuzes vom %1 Rand kann nicht stimmen: Es sind auf dem Blatt %2 mm, gemessen wären %3 mm."_s
-                .arg(edge, german.toString(nominal, 'f', 1), german.toString(measured)));
+                .arg(edge, german.toString(expected.nominal, 'f', 1),
+                     german.toString(expected.Measured())),
+            expected.reading);
     }
 }
 
@@ -68,10 +79,10 @@ Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWit
                        const RulerReadings& readings) {
     const RulerLines lines = RulerLinesFor(paper);
     const QPointF middle(paper.paper.width() / 2, paper.paper.height() / 2);
-    RequireLength(u"A"_s, lines.across, readings.across);
-    RequireLength(u"B"_s, lines.along, readings.along);
-    RequirePlace(u"linken"_s, middle.x(), readings.left);
-    RequirePlace(u"oberen"_s, middle.y(), readings.top);
+    RequireLength(u"A"_s, {readings, &RulerReadings::across, lines.across});
+    RequireLength(u"B"_s, {readings, &RulerReadings::along, lines.along});
+    RequirePlace(u"linken"_s, {readings, &RulerReadings::left, middle.x()});
+    RequirePlace(u"oberen"_s, {readings, &RulerReadings::top, middle.y()});
     Calibration calibration;
     calibration.across = Thousandths(printedWith.across * lines.across / readings.across);
     calibration.along = Thousandths(printedWith.along * lines.along / readings.along);

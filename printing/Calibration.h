@@ -3,6 +3,7 @@
 #include <QString>
 
 #include "printing/PaperGeometry.h"
+#include "printing/PrinterLayer.h"
 
 namespace kadrona::printing {
 
@@ -15,8 +16,20 @@ struct RulerReadings {
     double top;
 };
 
+/// Says which reading no printer can have made.
+class ReadingError : public PrinterError {
+ public:
+    ReadingError(const QString& text, double RulerReadings::*reading)
+        : PrinterError(text), reading_(reading) {}
+
+    double RulerReadings::*Reading() const { return reading_; }
+
+ private:
+    double RulerReadings::*reading_;
+};
+
 /// The calibration with which the sheet comes out right that was printed with `printedWith`:
-/// factors to a thousandth, the offset to a tenth of a millimetre. Throws PrinterError with a
+/// factors to a thousandth, the offset to a tenth of a millimetre. Throws ReadingError with a
 /// German text for readings that no printer can have made.
 Calibration Calibrated(const PaperGeometry& paper, const Calibration& printedWith,
                        const RulerReadings& readings);

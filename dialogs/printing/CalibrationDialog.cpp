@@ -1,6 +1,7 @@
 #include "dialogs/printing/CalibrationDialog.h"
 
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -13,7 +14,6 @@
 #include "core/Data.h"
 #include "dialogs/base/Buttons.h"
 #include "dialogs/base/WindowPlacement.h"
-#include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 #include "printing/RulerSheet.h"
 
@@ -28,6 +28,20 @@ double NumberIn(const QLineEdit& edit) {
     bool isNumber = false;
     const double number = edit.text().trimmed().replace(u',', u'.').toDouble(&isNumber);
     return isNumber ? number : std::numeric_limits<double>::quiet_NaN();
+}
+
+/// Numbered; what wraps goes on below the text, not below its number.
+QLayout* StepsOf(const QStringList& steps) {
+    auto* grid = new QGridLayout;
+    grid->setVerticalSpacing(4);
+    grid->setColumnStretch(1, 1);
+    for (int row = 0; row < steps.size(); ++row) {
+        auto* text = new QLabel(steps[row]);
+        text->setWordWrap(true);
+        grid->addWidget(new QLabel(u"%1."_s.arg(row + 1)), row, 0, Qt::AlignTop);
+        grid->addWidget(text, row, 1);
+    }
+    return grid;
 }
 
 }  // namespace
@@ -47,11 +61,6 @@ CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget
 }
 
 void CalibrationDialog::BuildControls() {
-    auto* explanation = new QLabel(
-        u"1. Drucken Sie das Kalibrierblatt auf dem Papier, auf dem Sie Fotos drucken.\n"
-        u"2. Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein.\n"
-        u"3. Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s);
-    explanation->setWordWrap(true);
     auto* apply = ClickedButton(u"btnApply"_s, u"&Übernehmen"_s);
     auto* close = ClickedButton(u"btnClose"_s, u"&Schließen"_s);
     apply->setDefault(true);
@@ -62,11 +71,13 @@ void CalibrationDialog::BuildControls() {
 
     const printing::RulerLines lines = printing::RulerLinesFor(paper_);
     auto* form = new QFormLayout;
-    readings_ = {
-        AddReading(*form, u"edAcross"_s, u"Länge der Linie &A (soll %1 mm)"_s.arg(lines.across)),
-        AddReading(*form, u"edAlong"_s, u"Länge der Linie &B (soll %1 mm)"_s.arg(lines.along)),
-        AddReading(*form, u"edLeft"_s, u"Vom &linken Papierrand bis zum Kreuz"_s),
-        AddReading(*form, u"edTop"_s, u"Vom &oberen Papierrand bis zum Kreuz"_s)};
+    const auto add = [&](double Readings::*reading, const QString& name, const QString& caption) {
+        readings_.push_back({reading, AddReading(*form, name, caption)});
+    };
+    add(&Readings::across, u"edAcross"_s, u"Länge der Linie &A (soll %1 mm)"_s.arg(lines.across));
+    add(&Readings::along, u"edAlong"_s, u"Länge der Linie &B (soll %1 mm)"_s.arg(lines.along));
+    add(&Readings::left, u"edLeft"_s, u"Vom &linken Papierrand bis zum Kreuz"_s);
+    add(&Readings::top, u"edTop"_s, u"Vom &oberen Papierrand bis zum Kreuz"_s);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(apply);
@@ -74,7 +85,10 @@ void CalibrationDialog::BuildControls() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->setSpacing(12);
-    layout->addWidget(explanation);
+    layout->addLayout(StepsOf(
+        {u"Drucken Sie das Kalibrierblatt auf dem Papier, auf dem Sie Fotos drucken."_s,
+         u"Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein."_s,
+         u"Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s}));
     layout->addLayout(BuildPrintRow());
     layout->addLayout(form);
     layout->addWidget(state_);
@@ -121,15 +135,31 @@ void CalibrationDialog::PrintSheet() {
     }
 }
 
+/// What the fields say calibrates the printer. A field that makes no sense gets the focus.
+printing::Calibration CalibrationDialog::Calibrated() const {
+    Readings readings{};
+    for (const Field& field : readings_) {
+        readings.*field.reading = NumberIn(*field.edit);
+    }
+    try {
+        return printing::Calibrated(
+            paper_, printing::StoredCalibration(data_.DataFolder(), profile_), readings);
+    } catch (const printing::ReadingError& error) {
+        for (const Field& field : readings_) {
+            if (field.reading == error.Reading()) {
+                field.edit->setFocus();
+                field.edit->selectAll();
+            }
+        }
+        throw;
+    }
+}
+
 void CalibrationDialog::Apply() {
-    const printing::Calibration calibration =
-        printing::Calibrated(paper_, printing::StoredCalibration(data_.DataFolder(), profile_),
-                             {NumberIn(*readings_[0]), NumberIn(*readings_[1]),
-                              NumberIn(*readings_[2]), NumberIn(*readings_[3])});
-    printing::StoreCalibration(data_.DataFolder(), profile_, calibration);
+    printing::StoreCalibration(data_.DataFolder(), profile_, Calibrated());
     // Readings hold for the sheet that was printed before.
-    for (QLineEdit* edit : readings_) {
-        edit->clear();
+    for (const Field& field : readings_) {
+        field.edit->clear();
     }
     ShowState(u"Übernommen"_s);
 }

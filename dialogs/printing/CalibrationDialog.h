@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QDialog>
-#include <QList>
 #include <memory>
+#include <vector>
 
+#include "printing/Calibration.h"
 #include "printing/JobWatch.h"
 #include "printing/PaperGeometry.h"
 
@@ -30,18 +31,24 @@ class CalibrationDialog : public QDialog {
     CalibrationDialog(core::TData& data, QString profile, QWidget* parent = nullptr);
 
  private:
+    using Readings = printing::RulerReadings;
+    struct Field {
+        double Readings::*reading;
+        QLineEdit* edit;
+    };
+
     void BuildControls();
     QLayout* BuildPrintRow();
     static QLineEdit* AddReading(QFormLayout& form, const QString& name, const QString& caption);
     void PrintSheet();
+    printing::Calibration Calibrated() const;
     void Apply();
     void ShowState(const QString& what);
 
     core::TData& data_;
     QString profile_;
     printing::PaperGeometry paper_;
-    /// Across, along, left, top.
-    QList<QLineEdit*> readings_;
+    std::vector<Field> readings_;
     QLabel* state_;
     /// How the printed sheet fares.
     QLabel* sheet_;

@@ -183,10 +183,18 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
                 ClickButton(dialog, "btnApply");
             };
             ClickButton(dialog, "btnPrintSheet");
-            driver.Answer(u"Linie A fehlt oder ist keine Zahl"_s);
-            apply({u"lang"_s, u"100"_s, u"105"_s, u"148,5"_s});
-            driver.Answer(u"Linie B kann nicht stimmen"_s);
-            apply({u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
+            const auto refuse = [&](const QString& text, const QString& field,
+                                    const QStringList& readings) {
+                driver.Answer(text);
+                apply(readings);
+                EXPECT_EQ(dialog.focusWidget()->objectName(), field);
+            };
+            refuse(u"Linie A fehlt oder ist keine Zahl"_s, u"edAcross"_s,
+                   {u"lang"_s, u"100"_s, u"105"_s, u"148,5"_s});
+            refuse(u"Linie B kann nicht stimmen"_s, u"edAlong"_s,
+                   {u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
+            refuse(u"vom oberen Rand fehlt"_s, u"edTop"_s,
+                   {u"100"_s, u"100"_s, u"105"_s, u""_s});
             apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
             ClickButton(dialog, "btnPrintSheet");
             Q_EMIT printer.watch->Changed({printing::JobState::Stage::Held, u"Kein Papier"_s});
