@@ -280,13 +280,15 @@ void PaperActions::UpdateTray() {
     }
     std::vector<dialogs::TraySection::Row> rows;
     for (size_t i = 0; i < items.size(); ++i) {
-        const QString text = items[i].name.isEmpty() ? items[i].document
-                                                     : items[i].document + u" · "_s + items[i].name;
-        rows.push_back({Thumbnail(items[i]), text, items[i].count, layout.missing[i]});
+        const bool isNamed = !items[i].name.isEmpty();
+        rows.push_back({Thumbnail(items[i]), isNamed ? items[i].name : items[i].document,
+                        isNamed ? items[i].document : QString(), items[i].count,
+                        layout.missing[i]});
     }
-    around_.tray.SetRows(rows, summary);
+    // Before its buttons are greyed, which would hand the focus to whatever comes next.
     around_.panel.ShowSection(&around_.tray,
                               around_.actions.IsChecked(Action::ShowSheet) && !items.empty());
+    around_.tray.SetRows(rows, summary);
 }
 
 /// What the settings choose, with the line of text of this photo.
@@ -343,6 +345,7 @@ void PaperActions::acAddToSheetExecute() {
         around_.actions[Action::ShowSheet]->trigger();
     }
     Update();
+    around_.panel.Reveal(&around_.tray);
     around_.tray.Select(static_cast<int>(tray_.Items().size()) - 1);
     Q_EMIT around_.actions.Succeeded(u"Zum Sammelblatt gelegt: "_s + PicturesText(count));
 }

@@ -55,7 +55,9 @@ void SidePanel::Reveal(const QWidget* section) {
     // Once it has its place.
     QTimer::singleShot(0, section, [this, section] {
         if (section->isVisible()) {
-            verticalScrollBar()->setValue(section->y());
+            const int toItsEnd = section->geometry().bottom() + 1 - viewport()->height();
+            QScrollBar& bar = *verticalScrollBar();
+            bar.setValue(std::min(section->y(), std::max(bar.value(), toItsEnd)));
         }
     });
 }

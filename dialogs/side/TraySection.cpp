@@ -6,10 +6,13 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QStringList>
+#include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include "core/sheet/PaperLayout.h"
+#include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +38,36 @@ QToolButton* ArrowButton(Qt::ArrowType arrow, const QString& name, const QString
     button->setToolTip(hint);
     button->setAccessibleName(hint);
     return button;
+}
+
+/// Lines that do not wrap; what does not fit is elided.
+class LinesDelegate : public QStyledItemDelegate {
+ public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        // The list makes its items no narrower than the widest asks to be.
+        return {1, QStyledItemDelegate::sizeHint(option, index).height()};
+    }
+};
+
+QString TextOf(const TraySection::Row& row) {
+    QStringList lines{u"%1 × %2"_s.arg(row.count).arg(platform::HarmlessLine(row.title))};
+    if (!row.detail.isEmpty()) {
+        lines.append(platform::HarmlessLine(row.detail));
+    }
+    if (row.missing > 0) {
+        lines.append(u"! %1 ohne Platz"_s.arg(row.missing));
+    }
+    return lines.join(u'\n');
+}
+
+/// The same while its row is selected, which would else tint it.
+QIcon IconOf(const QImage& picture) {
+    const QPixmap pixmap = QPixmap::fromImage(picture);
+    QIcon icon(pixmap);
+    icon.addPixmap(pixmap, QIcon::Selected);
+    return icon;
 }
 
 }  // namespace
@@ -69,7 +102,7 @@ void TraySection::BuildControls() {
     list_->setAccessibleName(u"Bilder des Sammelblatts"_s);
     list_->setIconSize(IconSize);
     list_->setFixedHeight(ListHeight);
-    list_->setWordWrap(true);
+    list_->setItemDelegate(new LinesDelegate(list_));
     list_->setResizeMode(QListView::Adjust);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->setMinimumWidth(1);
@@ -116,16 +149,15 @@ void TraySection::SetRows(const std::vector<Row>& rows, const QString& summary) 
             list_->addItem(new QListWidgetItem);
         }
         QListWidgetItem& item = *list_->item(index);
-        QString text = u"%1 × %2"_s.arg(rows[i].count).arg(rows[i].text);
-        if (rows[i].missing > 0) {
-            text += u" · ! %1 ohne Platz"_s.arg(rows[i].missing);
-        }
+        const QString text = TextOf(rows[i]);
         item.setText(text);
         item.setToolTip(text);
-        item.setIcon(QPixmap::fromImage(rows[i].picture));
+        item.setIcon(IconOf(rows[i].picture));
         item.setData(Qt::UserRole, rows[i].count);
     }
-    summary_->setText(summary);
+    // A size in one piece.
+    summary_->setText(QString(summary).replace(u" x "_s, u"\u00a0x\u00a0"_s)
+                          .replace(u" mm"_s, u"\u00a0mm"_s));
     list_->setCurrentRow(std::min(std::max(selected, 0), list_->count() - 1));
     ShowSelected();
 }

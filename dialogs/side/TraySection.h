@@ -20,7 +20,8 @@ class TraySection : public QWidget {
  public:
     struct Row {
         QImage picture;
-        QString text;
+        QString title;
+        QString detail;  ///< below the title; may be empty
         int count;
         int missing;  ///< of the count, what has no room
     };

@@ -61,6 +61,14 @@ TEST_F(PaperStory, TheSectionSaysAndMakesTheSheetAndTheProfileKeepsIt) {
     EXPECT_EQ(InSection<QDoubleSpinBox>("SheetEdge").value(), 5);
 }
 
+TEST_F(PaperStory, TenthsOfMillimetresAreTypedWhileThePreviewFollows) {
+    OpenOnPaper(1);
+    auto& gap = InSection<QDoubleSpinBox>("SheetGap");
+    gap.selectAll();
+    QTest::keyClicks(&gap, u"4"_s + gap.locale().decimalPoint() + u"5"_s);
+    EXPECT_EQ(gap.value(), 4.5);
+}
+
 TEST_F(PaperStory, ThePreviewShowsTheLineOfText) {
     OpenOnPaper(1);
     auto& preview = Child<QWidget>(*window, "SheetPreview");
@@ -103,7 +111,7 @@ TEST_F(PaperStory, TheTrayOutlivesTheProgramUntilItIsPrinted) {
     Start();
     ASSERT_EQ(Tray().count(), 2);
     EXPECT_TRUE(Tray().item(0)->text().startsWith(u"1 × "_s));
-    EXPECT_TRUE(Tray().item(0)->text().endsWith(u"other"_s));
+    EXPECT_TRUE(Tray().item(0)->text().contains(u"other"_s));
     EXPECT_TRUE(Tray().item(1)->text().startsWith(u"4 × "_s));
     Click("TrayMake");
     EXPECT_EQ(Image().Photo().PhotoCount(), 5);
