@@ -83,7 +83,8 @@ std::optional<size_t> SheetTray::Content::IndexOf(const QString& file) const {
 }
 
 bool SheetTray::Content::CouldNotRead(const QString& file) const {
-    return std::ranges::any_of(unread, [&](const ListedItem& item) { return item.file == file; });
+    return std::ranges::any_of(unread,
+                               [&](const auto& listed) { return listed.second.file == file; });
 }
 
 void SheetTray::Content::Remove(size_t index) {
@@ -133,7 +134,7 @@ SheetTray::Content SheetTray::Read(Unread unread) const {
     qint64 room = MostCollectedPixels;
     for (ListedItem& listed : ParseTrayList(*list)) {
         if (unread == Unread::LeaveOut && content_.CouldNotRead(listed.file)) {
-            content.unread.push_back(std::move(listed));
+            content.unread.emplace(content.items.size(), std::move(listed));
             content.failure = content_.failure;
             continue;
         }
@@ -146,7 +147,7 @@ SheetTray::Content SheetTray::Read(Unread unread) const {
             const QByteArray path = QFile::encodeName(platform::JoinPath(folder_, listed.file));
             if (std::filesystem::symlink_status(path.toStdString(), unknown).type() !=
                 std::filesystem::file_type::not_found) {
-                content.unread.push_back(std::move(listed));
+                content.unread.emplace(content.items.size(), std::move(listed));
                 content.failure =
                     u"Ein Bild des Sammelblatts im Ordner „%1“ wird nicht gezeigt. %2"_s.arg(
                         folder_, error.Text());
@@ -172,11 +173,15 @@ imaging::Pixels SheetTray::PictureOf(const ListedItem& listed, qint64 room,
 
 void SheetTray::Save(const Content& content) const {
     QJsonArray list;
-    for (size_t i = 0; i < content.items.size(); ++i) {
-        list.append(ObjectOf(content.items[i], content.files[i]));
-    }
-    for (const ListedItem& listed : content.unread) {
-        list.append(ObjectOf(listed.item, listed.file));
+    auto unread = content.unread.begin();
+    for (size_t i = 0; i <= content.items.size(); ++i) {
+        const bool isLast = i == content.items.size();
+        for (; unread != content.unread.end() && (isLast || unread->first <= i); ++unread) {
+            list.append(ObjectOf(unread->second.item, unread->second.file));
+        }
+        if (!isLast) {
+            list.append(ObjectOf(content.items[i], content.files[i]));
+        }
     }
     platform::WriteFileAtomically(PathOf(ListName), QJsonDocument(list).toJson(),
                                   platform::Links::Own);

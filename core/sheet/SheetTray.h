@@ -4,6 +4,7 @@
 #include <QString>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -69,8 +70,9 @@ class SheetTray {
         std::vector<CollectedItem> items;
         /// Bare names of the items' files.
         std::vector<QString> files;
-        /// What the list says of files that cannot be read, and why the last of them cannot.
-        std::vector<ListedItem> unread;
+        /// What the list says of files that cannot be read, by the number of items before them, and
+        /// why the last of them cannot.
+        std::multimap<size_t, ListedItem> unread;
         QString failure;
 
         /// Nothing where the file is not in the list.

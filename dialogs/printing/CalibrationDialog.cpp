@@ -85,10 +85,10 @@ void CalibrationDialog::BuildControls() {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 14, 16, 14);
     layout->setSpacing(12);
-    layout->addLayout(StepsOf(
-        {u"Drucken Sie das Kalibrierblatt auf dem Papier, auf dem Sie Fotos drucken."_s,
-         u"Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein."_s,
-         u"Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s}));
+    layout->addLayout(
+        StepsOf({u"Drucken Sie das Kalibrierblatt auf dem Papier, auf dem Sie Fotos drucken."_s,
+                 u"Messen Sie es mit einem guten Lineal und tragen Sie die Maße ein."_s,
+                 u"Übernehmen Sie sie und drucken Sie zur Kontrolle noch einmal."_s}));
     layout->addLayout(BuildPrintRow());
     layout->addLayout(form);
     layout->addWidget(state_);

@@ -156,8 +156,8 @@ void TraySection::SetRows(const std::vector<Row>& rows, const QString& summary) 
         item.setData(Qt::UserRole, rows[i].count);
     }
     // A size in one piece.
-    summary_->setText(QString(summary).replace(u" x "_s, u"\u00a0x\u00a0"_s)
-                          .replace(u" mm"_s, u"\u00a0mm"_s));
+    summary_->setText(
+        QString(summary).replace(u" x "_s, u"\u00a0x\u00a0"_s).replace(u" mm"_s, u"\u00a0mm"_s));
     list_->setCurrentRow(std::min(std::max(selected, 0), list_->count() - 1));
     ShowSelected();
 }

@@ -154,18 +154,19 @@ TEST_F(PrintingTest, AJobIsFollowedToItsEndWithTheServicesReason) {
 
 TEST_F(PrintingTest, AJobWhoseDriverFailsSaysMoreThanThatItFailed) {
     const QTemporaryDir folder;
-    service_.Run(u"/bin/sh"_s,
-                 {u"-c"_s,
-                  u"sed 's!^.cupsFilter2.*!*cupsFilter: \"application/vnd.cups-pdf 0 /bin/false\"!' "
-                  "\"$0\" > \"$1\" && lpadmin -p Photo -P \"$1\""_s,
-                  QStringLiteral(KADRONA_CUPS_TESTS "/photo-printer.ppd"),
-                  folder.filePath(u"fails.ppd"_s)});
+    service_.Run(
+        u"/bin/sh"_s,
+        {u"-c"_s,
+         u"sed 's!^.cupsFilter2.*!*cupsFilter: \"application/vnd.cups-pdf 0 /bin/false\"!' "
+         "\"$0\" > \"$1\" && lpadmin -p Photo -P \"$1\""_s,
+         QStringLiteral(KADRONA_CUPS_TESTS "/photo-printer.ppd"), folder.filePath(u"fails.ppd"_s)});
     CupsPrinterLayer layer(service_.Address());
     const auto watch = layer.Print(Sheet({35, 45}, core::SheetLayouts[6]));
     QString last;
     QObject::connect(watch.get(), &JobWatch::Changed,
                      [&](const JobState& state) { last = state.text; });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return last == u"angehalten: Der Druckertreiber ist gescheitert"_s; }, 10'000))
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return last == u"angehalten: Der Druckertreiber ist gescheitert"_s; }, 10'000))
         << last.toStdString();
 }
 

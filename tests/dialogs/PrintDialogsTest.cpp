@@ -193,8 +193,7 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
                    {u"lang"_s, u"100"_s, u"105"_s, u"148,5"_s});
             refuse(u"Linie B kann nicht stimmen"_s, u"edAlong"_s,
                    {u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
-            refuse(u"vom oberen Rand fehlt"_s, u"edTop"_s,
-                   {u"100"_s, u"100"_s, u"105"_s, u""_s});
+            refuse(u"vom oberen Rand fehlt"_s, u"edTop"_s, {u"100"_s, u"100"_s, u"105"_s, u""_s});
             apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
             ClickButton(dialog, "btnPrintSheet");
             Q_EMIT printer.watch->Changed({printing::JobState::Stage::Held, u"Kein Papier"_s});
