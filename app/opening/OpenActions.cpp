@@ -14,8 +14,7 @@
 #include "app/base/PictureFileDialog.h"
 #include "app/base/ViewActions.h"
 #include "app/opening/DevelopingDisplay.h"
-#include "controls/fields/FileDropTarget.h"
-#include "controls/fields/OfferedPicture.h"
+#include "controls/fields/Offer.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
@@ -33,6 +32,8 @@ using namespace Qt::StringLiterals;
 namespace kadrona::app {
 
 namespace {
+
+const QString NothingCame = u"Das Bild ist vom anderen Programm nicht angekommen."_s;
 
 /// Whether a document takes pictures on paper no longer. A table that cannot be read is told of
 /// where its figures are needed.
@@ -122,6 +123,9 @@ void OpenActions::OpenFiles(const QStringList& paths) {
 
 void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
     controls::Guarded(view_.window(), [&] {
+        if (bytes.isEmpty()) {
+            throw platform::Error(NothingCame);
+        }
         settings_.AktivateProfileByName(core::StandardProfile, false);
         const QString name =
             origin + QDateTime::currentDateTime().toString(u" yyyy-MM-dd HH-mm-ss"_s);
@@ -161,11 +165,13 @@ void OpenActions::acPasteExecute() {
     if (data == nullptr || data->formats().isEmpty()) {
         throw platform::Error(u"Die Zwischenablage ist leer."_s);
     }
-    const QStringList files = controls::DroppedFiles(*data);
-    if (!files.isEmpty()) {
-        OpenFiles(files);
-    } else if (controls::HasPicture(*data)) {
-        OpenPicture(controls::PictureIn(*data), u"Zwischenablage"_s);
+    const controls::Offer offer = controls::ReadOffer(*data);
+    if (!offer.files.isEmpty()) {
+        OpenFiles(offer.files);
+    } else if (offer.hasPicture) {
+        OpenPicture(controls::PictureIn(offer, *data), u"Zwischenablage"_s);
+    } else if (offer.isSilent) {
+        throw platform::Error(NothingCame);
     } else {
         throw platform::Error(u"In der Zwischenablage ist kein Bild."_s);
     }

@@ -3,10 +3,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QUrl>
 #include <QWidget>
 
-#include "controls/fields/OfferedPicture.h"
 #include "controls/theme/Theme.h"
 
 using namespace Qt::StringLiterals;
@@ -37,22 +35,7 @@ class DropFrame : public QWidget {
     }
 };
 
-bool CanTake(const QMimeData& data) {
-    return !DroppedFiles(data).isEmpty() || HasPicture(data);
-}
-
 }  // namespace
-
-QStringList DroppedFiles(const QMimeData& data) {
-    QStringList paths;
-    const QList<QUrl> urls = data.urls();
-    for (const QUrl& url : urls) {
-        if (url.isLocalFile()) {
-            paths.append(url.toLocalFile());
-        }
-    }
-    return paths;
-}
 
 void AnswerDrag(QDropEvent& event) {
     if (event.proposedAction() == Qt::MoveAction) {
@@ -84,10 +67,10 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::DragEnter:
         case QEvent::DragMove: {
             auto& drag = static_cast<QDropEvent&>(*event);
-            if (event->type() == QEvent::DragEnter || !takes_) {
-                takes_ = CanTake(*drag.mimeData());
+            if (event->type() == QEvent::DragEnter || !offer_) {
+                offer_ = ReadOffer(*drag.mimeData());
             }
-            if (!*takes_) {
+            if (offer_->IsEmpty()) {
                 drag.ignore();
                 return true;
             }
@@ -96,18 +79,19 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         case QEvent::DragLeave:
-            takes_.reset();
+            offer_.reset();
             ShowFrame(false);
             return true;
         case QEvent::Drop: {
-            takes_.reset();
             ShowFrame(false);
             auto& drop = static_cast<QDropEvent&>(*event);
-            if (!CanTake(*drop.mimeData())) {
+            const Offer offer = offer_ ? *offer_ : ReadOffer(*drop.mimeData());
+            offer_.reset();
+            if (offer.IsEmpty()) {
                 drop.ignore();
                 return true;
             }
-            Take(*drop.mimeData());
+            Take(offer, *drop.mimeData());
             AnswerDrop(drop);
             return true;
         }
@@ -118,9 +102,9 @@ bool FileDropTarget::eventFilter(QObject* watched, QEvent* event) {
 
 /// A receiver may open dialogs. Until the event is over the source of the drag waits, so it is
 /// answered first.
-void FileDropTarget::Take(const QMimeData& data) {
-    const QStringList paths = DroppedFiles(data);
-    const QByteArray picture = paths.isEmpty() ? PictureIn(data) : QByteArray();
+void FileDropTarget::Take(const Offer& offer, const QMimeData& data) {
+    const QStringList& paths = offer.files;
+    const QByteArray picture = paths.isEmpty() ? PictureIn(offer, data) : QByteArray();
     QMetaObject::invokeMethod(
         this,
         [this, paths, picture] {

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+#include "controls/fields/Offer.h"
+
 class QDropEvent;
 class QMimeData;
 class QWidget;
@@ -24,7 +26,7 @@ class FileDropTarget : public QObject {
     /// drop has been answered.
     void FilesDropped(const QStringList& paths);
     /// The bytes of an image file, where the drag holds a picture and names no file, as one from a
-    /// browser or a mail does.
+    /// browser or a mail does. Empty where they did not come.
     void PictureDropped(const QByteArray& file);
 
  protected:
@@ -32,16 +34,13 @@ class FileDropTarget : public QObject {
 
  private:
     void ShowFrame(bool show);
-    void Take(const QMimeData& data);
+    void Take(const Offer& offer, const QMimeData& data);
 
     QWidget* widget_;
     QWidget* frame_;
-    /// What is said of the drag over the widget: another program is asked for its data only once.
-    std::optional<bool> takes_;
+    /// What the drag over the widget holds: another program is asked for its data only once.
+    std::optional<Offer> offer_;
 };
-
-/// Local files named by a drag, in its order; other addresses are left out.
-QStringList DroppedFiles(const QMimeData& data);
 
 /// Answers a drag that moves over a place where it may be dropped: copy where possible, else link.
 /// A drag that can only move is let on too, but answered with "nothing" instead of "move".

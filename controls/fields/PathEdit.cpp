@@ -7,19 +7,28 @@
 #include <QMimeData>
 #include <QStyle>
 #include <QToolButton>
+#include <algorithm>
+#include <utility>
 
 #include "controls/fields/FileDropTarget.h"
+#include "controls/fields/Offer.h"
+#include "platform/FolderProbe.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 namespace {
 
-// The first dropped folder; null if there is none.
+/// The first dropped folder; null if there is none. A share that does not answer ends the search.
 QString DroppedFolder(const QMimeData& data) {
-    const QStringList paths = DroppedFiles(data);
-    for (const QString& path : paths) {
-        if (QFileInfo(path).isDir()) {
+    constexpr int MostLookedAt = 20;
+    const QStringList paths = ReadOffer(data).files;
+    for (const QString& path : paths.first(std::min<qsizetype>(paths.size(), MostLookedAt))) {
+        const platform::FolderState state = platform::LookAtFolder(path);
+        if (state == platform::FolderState::Silent) {
+            break;
+        }
+        if (state == platform::FolderState::There) {
             return QDir::toNativeSeparators(path);
         }
     }
@@ -65,13 +74,19 @@ void PathEdit::changeEvent(QEvent* event) {
 }
 
 void PathEdit::dragEnterEvent(QDragEnterEvent* event) {
+    dragged_.reset();
     dragMoveEvent(event);
 }
 
 void PathEdit::dragMoveEvent(QDragMoveEvent* event) {
     if (!event->mimeData()->hasUrls()) {
         QLineEdit::dragMoveEvent(event);
-    } else if (DroppedFolder(*event->mimeData()).isNull()) {
+        return;
+    }
+    if (!dragged_) {
+        dragged_ = DroppedFolder(*event->mimeData());
+    }
+    if (dragged_->isNull()) {
         event->ignore();
     } else {
         AnswerDrag(*event);
@@ -79,7 +94,7 @@ void PathEdit::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void PathEdit::dropEvent(QDropEvent* event) {
-    const QString folder = DroppedFolder(*event->mimeData());
+    const QString folder = std::exchange(dragged_, {}).value_or(QString());
     if (folder.isNull()) {
         QLineEdit::dropEvent(event);
         return;

@@ -30,6 +30,8 @@ class PathEdit : public QLineEdit {
     void PlaceButton();
 
     QToolButton* button_;
+    /// The folder of the drag over the field, null where it holds none: asked for only once.
+    std::optional<QString> dragged_;
 };
 
 /// Lets the user choose a folder, starting at `start` if that is an existing folder; the path has

@@ -41,8 +41,8 @@ Answer Send(QWidget& widget, QDropEvent& event) {
 // A step of a drag as the source offers `possible` and the keys held propose `proposed`. Qt asks
 // the widget under the pointer first whether the drag may enter.
 template <typename Event>
-Answer Offer(QWidget& widget, const QMimeData& data, Qt::DropActions possible,
-             Qt::DropAction proposed) {
+Answer Drag(QWidget& widget, const QMimeData& data, Qt::DropActions possible,
+            Qt::DropAction proposed) {
     QDragEnterEvent enter({5, 5}, possible, &data, Qt::LeftButton, Qt::NoModifier);
     enter.setDropAction(proposed);
     const Answer entered = Send(widget, enter);
@@ -81,11 +81,11 @@ TEST_F(DropTest, FilesAreTakenAsACopyAndAMoveIsNeverConfirmed) {
                      Qt::LinkAction),
           std::tuple(Qt::DropActions(Qt::MoveAction), Qt::IgnoreAction, Qt::MoveAction,
                      Qt::IgnoreAction)}) {
-        const Answer move = Offer<QDragMoveEvent>(widget_, files_, possible, Qt::MoveAction);
+        const Answer move = Drag<QDragMoveEvent>(widget_, files_, possible, Qt::MoveAction);
         EXPECT_TRUE(move.accepted);
         EXPECT_EQ(move.action, dragged);
         dropped_.clear();
-        const Answer answer = Offer<QDropEvent>(widget_, files_, proposed, proposed);
+        const Answer answer = Drag<QDropEvent>(widget_, files_, proposed, proposed);
         EXPECT_TRUE(answer.accepted);
         EXPECT_EQ(answer.action, dropped);
         EXPECT_TRUE(dropped_.isEmpty()) << "the source is answered first";
@@ -108,8 +108,8 @@ TEST_F(DropTest, OtherDragsAreRefused) {
         u"<p>src=</p><a href=\"data:image/png;base64,YQ==\"><img src=\"https://x.de/c.jpg\">"_s);
     for (const QMimeData* data : {&text, &web, &drawing, &page}) {
         EXPECT_FALSE(
-            Offer<QDragEnterEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
-        EXPECT_FALSE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+            Drag<QDragEnterEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+        EXPECT_FALSE(Drag<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
         EXPECT_FALSE(Framed());
     }
     QCoreApplication::processEvents();
@@ -124,7 +124,7 @@ TEST_F(DropTest, APictureOfABrowserIsTakenAsTheBytesOfItsFile) {
     picture.setUrls({QUrl(u"https://x.de/c.jpg"_s)});
     picture.setData(u"image/png"_s, "a png");
     picture.setData(u"image/jpeg"_s, "a jpeg");
-    EXPECT_TRUE(Offer<QDropEvent>(widget_, picture, Qt::CopyAction, Qt::CopyAction).accepted);
+    EXPECT_TRUE(Drag<QDropEvent>(widget_, picture, Qt::CopyAction, Qt::CopyAction).accepted);
     QCoreApplication::processEvents();
     EXPECT_EQ(taken, "a jpeg") << "as the camera wrote it";
 
@@ -134,22 +134,39 @@ TEST_F(DropTest, APictureOfABrowserIsTakenAsTheBytesOfItsFile) {
     address.setData(u"text/uri-list"_s, "data:image/jpeg;base64,YSBqcGVn\r\n");
     for (const QMimeData* data : {&mail, &address}) {
         taken.clear();
-        EXPECT_TRUE(Offer<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
+        EXPECT_TRUE(Drag<QDropEvent>(widget_, *data, Qt::CopyAction, Qt::CopyAction).accepted);
         QCoreApplication::processEvents();
         EXPECT_EQ(taken, "a jpeg") << "in the text";
     }
     EXPECT_TRUE(dropped_.isEmpty());
 }
 
+TEST_F(DropTest, WhoeverDragsIsAskedOnceAndMayNameAThousandFiles) {
+    struct Counted : QMimeData {
+        QVariant retrieveData(const QString& format, QMetaType type) const override {
+            asked += format == u"text/uri-list"_s ? 1 : 0;
+            return QMimeData::retrieveData(format, type);
+        }
+        mutable int asked = 0;
+    } many;
+    many.setData(u"text/uri-list"_s, QByteArray("file:///a.jpg\r\n").repeated(1500));
+    Drag<QDragMoveEvent>(widget_, many, Qt::CopyAction, Qt::CopyAction);
+    QDropEvent drop({5, 5}, Qt::CopyAction, &many, Qt::LeftButton, Qt::NoModifier);
+    EXPECT_TRUE(Send(widget_, drop).accepted);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dropped_.size(), MostOfferedFiles);
+    EXPECT_EQ(many.asked, 1) << "he may take seconds each time";
+}
+
 TEST_F(DropTest, TheFrameIsThereOnlyDuringTheDrag) {
     EXPECT_FALSE(Framed());
-    Offer<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    Drag<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
     EXPECT_TRUE(Framed());
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(&widget_, &leave);
     EXPECT_FALSE(Framed());
-    Offer<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
-    Offer<QDropEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    Drag<QDragEnterEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
+    Drag<QDropEvent>(widget_, files_, Qt::CopyAction, Qt::CopyAction);
     EXPECT_FALSE(Framed());
 }
 
@@ -163,13 +180,13 @@ TEST(PathEditDrop, TakesAFolderAndNoFile) {
 
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(filePath)});
-    EXPECT_FALSE(Offer<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
-    Offer<QDropEvent>(edit, data, Qt::CopyAction, Qt::CopyAction);
+    EXPECT_FALSE(Drag<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
+    Drag<QDropEvent>(edit, data, Qt::CopyAction, Qt::CopyAction);
     EXPECT_EQ(edit.text(), u"vorher"_s);
 
     data.setUrls({QUrl::fromLocalFile(filePath), QUrl::fromLocalFile(folder.path())});
-    EXPECT_TRUE(Offer<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
-    const Answer answer = Offer<QDropEvent>(edit, data, Qt::MoveAction, Qt::MoveAction);
+    EXPECT_TRUE(Drag<QDragEnterEvent>(edit, data, Qt::CopyAction, Qt::CopyAction).accepted);
+    const Answer answer = Drag<QDropEvent>(edit, data, Qt::MoveAction, Qt::MoveAction);
     EXPECT_EQ(answer.action, Qt::IgnoreAction);
     EXPECT_EQ(edit.text(), folder.path());
 }

@@ -1,15 +1,21 @@
-#include "controls/fields/OfferedPicture.h"
+#include "controls/fields/Offer.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QMimeData>
+#include <QUrl>
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::controls {
 
 namespace {
+
+/// A path of the system has 4096 bytes, each of which an address may write as three.
+constexpr qsizetype LongestAddress = 3 * 4096 + 100;
 
 /// The kind that says most of the picture; a program offers the same one in several.
 QString BestFormat(const QMimeData& data) {
@@ -40,6 +46,10 @@ QByteArray PictureInText(const QString& text) {
     const QString Start = u"data:image/"_s;
     const QString Coding = u";base64,"_s;
     constexpr int LongestKind = 40;
+    constexpr qsizetype LongestText = 100'000'000;
+    if (text.size() > LongestText) {
+        return {};
+    }
     for (qsizetype at = text.indexOf(Start); at >= 0; at = text.indexOf(Start, at + 1)) {
         QStringView before = QStringView(text).first(at);
         if (before.endsWith(u'"') || before.endsWith(u'\'')) {
@@ -59,26 +69,66 @@ QByteArray PictureInText(const QString& text) {
     return {};
 }
 
-QByteArray PictureInTexts(const QMimeData& data) {
-    const QByteArray picture = PictureInText(data.html());
-    return picture.isEmpty()
-               ? PictureInText(
-                     QString::fromLatin1(data.data(u"text/uri-list"_s)).section(u'\n', 0, 0))
-               : picture;
+/// Not all at once as the toolkit does it: a million addresses take it seconds and half a gigabyte.
+QStringList LocalFilesOf(const QByteArray& addresses) {
+    QStringList files;
+    for (qsizetype at = 0; at < addresses.size() && files.size() < MostOfferedFiles;) {
+        const qsizetype end = addresses.indexOf('\n', at);
+        const qsizetype length = (end < 0 ? addresses.size() : end) - at;
+        if (const QByteArray line = addresses.sliced(at, length).trimmed();
+            line.size() <= LongestAddress) {
+            if (const QUrl url = QUrl::fromEncoded(line); url.isLocalFile()) {
+                files.append(url.toLocalFile());
+            }
+        }
+        at += length + 1;
+    }
+    return files;
+}
+
+/// Asks one question of whoever offers, unless he has left one without an answer before.
+template <typename Answer>
+Answer Ask(Offer& offer, const std::function<Answer()>& question) {
+    constexpr qint64 Patience = 3000;  // milliseconds, less than the toolkit's
+    if (offer.isSilent) {
+        return {};
+    }
+    QElapsedTimer asked;
+    asked.start();
+    Answer answer = question();
+    offer.isSilent = answer.isEmpty() && asked.elapsed() > Patience;
+    return answer;
 }
 
 }  // namespace
 
-bool HasPicture(const QMimeData& data) {
-    return !BestFormat(data).isEmpty() || HasOwnPicture(data) || !PictureInTexts(data).isEmpty();
+Offer ReadOffer(const QMimeData& data) {
+    Offer offer;
+    const auto addresses = Ask<QByteArray>(offer, [&] { return data.data(u"text/uri-list"_s); });
+    offer.files = LocalFilesOf(addresses);
+    if (!offer.files.isEmpty()) {
+        return offer;
+    }
+    if (!BestFormat(data).isEmpty() || HasOwnPicture(data)) {
+        offer.hasPicture = !offer.isSilent;
+        return offer;
+    }
+    offer.pictureInText = PictureInText(Ask<QString>(offer, [&] { return data.html(); }));
+    if (offer.pictureInText.isEmpty()) {
+        const qsizetype line = addresses.indexOf('\n');
+        offer.pictureInText =
+            PictureInText(QString::fromLatin1(line < 0 ? addresses : addresses.first(line)));
+    }
+    offer.hasPicture = !offer.pictureInText.isEmpty();
+    return offer;
 }
 
-QByteArray PictureIn(const QMimeData& data) {
+QByteArray PictureIn(const Offer& offer, const QMimeData& data) {
+    if (!offer.pictureInText.isEmpty() || !offer.hasPicture) {
+        return offer.pictureInText;
+    }
     if (const QString format = BestFormat(data); !format.isEmpty()) {
         return data.data(format);
-    }
-    if (!HasOwnPicture(data)) {
-        return PictureInTexts(data);
     }
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
