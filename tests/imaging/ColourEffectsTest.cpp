@@ -211,6 +211,8 @@ TEST(WhiteBalanced, LeavesWhatIsNeutralOrUnsure) {
         EXPECT_TRUE(WhiteBalanced(left[i], Cheeks).SharesPixelsWith(left[i])) << i;
     }
     EXPECT_TRUE(WhiteBalanced(Pixels()).IsEmpty());
+    const Pixels powdered(Portrait(qRgb(255, 255, 255), qRgb(197, 187, 194), Daylight));
+    EXPECT_TRUE(WhiteBalanced(powdered, Cheeks).SharesPixelsWith(powdered));
 }
 
 TEST(WhiteBalanced, TakesTheLightOffWallAndSkin) {
