@@ -2,13 +2,17 @@
 
 #include <gmock/gmock.h>
 
+#include <QDir>
 #include <QListWidget>
+#include <QTemporaryDir>
 
 #include "PrintingFixture.h"
 #include "core/sheet/PaperSheet.h"
 #include "platform/UserRegistry.h"
 #include "printing/SheetOnPaper.h"
 #include "printing/cups/service/ChosenPrinters.h"
+#include "printing/cups/service/Job.h"
+#include "printing/cups/service/TemporaryFile.h"
 #include "tests/support/ModalDriver.h"
 
 using namespace kadrona;
@@ -167,6 +171,16 @@ TEST_F(PrintingTest, TheTileIsInThePageOnceAndLossless) {
     }
     EXPECT_EQ(objects.size(), 8);
     EXPECT_EQ(objects.removeDuplicates(), 7) << "the tile is in the file more than once";
+}
+
+TEST(JobFile, IsReadWithoutANameThatAKilledProgramWouldLeave) {
+    const QTemporaryDir folder;
+    QTemporaryFile page(folder.filePath(u"page"_s));
+    cups::WriteJobFile(page, Sheet({35, 45}, core::SheetLayouts[0]), {});
+    const qsizetype names = QDir(folder.path()).entryList(QDir::Files).size();
+    QFile read(cups::PathOf(page));
+    EXPECT_TRUE(read.open(QIODevice::ReadOnly) && read.readAll().startsWith("%PDF"));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), names);
 }
 
 TEST_F(PrintingTest, APrinterOfTheNetworkPrintsThroughAQueueThatIsMadeForIt) {

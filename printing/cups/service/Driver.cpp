@@ -143,7 +143,7 @@ Driver Driver::OfQueue(const Connection& connection, const Queue& queue) {
         throw ServiceFailure(u"Die Beschreibung des Druckers kann nicht abgelegt werden: %1."_s.arg(
             platform::SystemReason(file)));
     }
-    return Driver(file.fileName());
+    return Driver(PathOf(file));
 }
 
 Driver::Driver(const QString& descriptionFile)

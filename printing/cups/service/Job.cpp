@@ -86,7 +86,7 @@ int SendJob(const Connection& connection, const Queue& queue, const Driver& driv
     AddText(request.get(), IPP_TAG_NAME, "job-name", JobName(image.title));
     AddText(request.get(), IPP_TAG_MIMETYPE, "document-format", "application/pdf");
     AddOptions(request.get(), driver, mode, image.copies.value_or(mode.CopyCount()));
-    const IppMessage answer = connection.Ask(request, queue.Resource(), page.fileName());
+    const IppMessage answer = connection.Ask(request, queue.Resource(), PathOf(page));
     ipp_attribute_t* job = ippFindAttribute(answer.get(), "job-id", IPP_TAG_INTEGER);
     if (job == nullptr) {
         throw FailureOf(*answer);

@@ -1,5 +1,7 @@
 #include "printing/cups/service/TemporaryFile.h"
 
+#include <unistd.h>
+
 #include "platform/SystemReason.h"
 #include "printing/cups/service/Connection.h"
 
@@ -12,6 +14,10 @@ void CreateTemporaryFile(QTemporaryFile& file) {
         throw ServiceFailure(u"Es kann keine temporäre Datei angelegt werden: %1."_s.arg(
             platform::SystemReason(file)));
     }
+}
+
+QString PathOf(const QTemporaryFile& file) {
+    return u"/proc/%1/fd/%2"_s.arg(getpid()).arg(file.handle());
 }
 
 }  // namespace kadrona::printing::cups
