@@ -51,6 +51,13 @@ std::unique_ptr<QCoreApplication> ConsoleApplication(int& argc, char** argv,
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+/// What follows "--" are names.
+bool AsksForHelp(const QStringList& arguments) {
+    const QStringList options = arguments.first(
+        arguments.contains(u"--"_s) ? arguments.indexOf(u"--"_s) : arguments.size());
+    return options.contains(u"--help"_s) || options.contains(u"-h"_s);
+}
+
 /// What the arguments ask for when it needs no window; nothing when a window is to be opened.
 std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& arguments) {
     QTextStream output(stdout);
@@ -63,6 +70,10 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
          {"check"_L1, RunCheckCommand},
          {"archive"_L1, RunArchiveCommand}}};
     for (const auto& [name, run] : commands) {
+        if (first == name && AsksForHelp(arguments)) {
+            output << HelpOf(name);
+            return Done;
+        }
         if (first == name) {
             const auto console = ConsoleApplication(argc, argv, arguments);
             return run(arguments.mid(2), output, errors);

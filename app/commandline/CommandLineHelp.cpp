@@ -1,8 +1,56 @@
 #include "app/commandline/CommandLineHelp.h"
 
+#include <QStringList>
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
+
+namespace {
+
+/// The lines below a heading, up to an empty one.
+QStringList Section(const QString& heading) {
+    const QStringList lines = CommandLineHelp().split(u'\n');
+    const qsizetype first = lines.indexOf(heading) + 1;
+    return first == 0 ? QStringList() : lines.mid(first, lines.indexOf(QString(), first) - first);
+}
+
+/// Each with the lines that are further in below it.
+QStringList Entries(const QStringList& lines) {
+    QStringList entries;
+    for (const QString& line : lines) {
+        if (line.startsWith(u"   ") && !entries.isEmpty()) {
+            entries.last() += u'\n' + line;
+        } else {
+            entries.append(line);
+        }
+    }
+    return entries;
+}
+
+QStringList OptionsOf(const QString& command) {
+    return Entries(Section(u"Optionen von „%1“:"_s.arg(command)));
+}
+
+/// Those that another command has too stand as that command describes them.
+QStringList WholeOptionsOf(const QString& command) {
+    QStringList options;
+    for (const QString& option : OptionsOf(command)) {
+        if (!option.endsWith(u"wie bei „sheet“")) {
+            options.append(option);
+            continue;
+        }
+        const QStringList shared = option.split(u' ').replaceInStrings(u","_s, QString());
+        for (const QString& described : OptionsOf(u"sheet"_s)) {
+            if (shared.contains(described.trimmed().section(u' ', 0, 0))) {
+                options.append(described);
+            }
+        }
+    }
+    return options;
+}
+
+}  // namespace
 
 // Long, for it is one text.
 QString CommandLineHelp() {
@@ -54,7 +102,8 @@ Optionen von „sheet“:
   --dpi DPI               Auflösung des Blatts; sonst die des Fotos
 
 Optionen von „photo“:
-  --template, --out, --at, --auto  wie bei „sheet“
+  --template, --at, --auto  wie bei „sheet“
+  --out DATEI|ORDNER      Ziel, eine JPEG-Datei
   --pixels BREITExHÖHE    genaue Größe der Datei; sonst die der Schablone
   --kilobytes MIN-MAX     Größe in Kilobyte zu 1000 Bytes; sonst die der
                           Schablone
@@ -76,6 +125,13 @@ Optionen von „archive“:
 Ergebnis: 0 alles erledigt, 1 mindestens ein Foto ging nicht, 2 falscher Aufruf,
 3 „check --strict“ oder „archive check“ hat etwas gefunden.
 )"_s;
+}
+
+QString HelpOf(const QString& command) {
+    const QStringList calls =
+        Entries(Section(u"Aufruf:"_s)).filter(u"  kadrona %1 "_s.arg(command));
+    return u"Aufruf:\n%1\n\nOptionen:\n%2\n\nAlles übrige zeigt kadrona --help.\n"_s.arg(
+        calls.join(u'\n'), WholeOptionsOf(command).join(u'\n'));
 }
 
 }  // namespace kadrona::app

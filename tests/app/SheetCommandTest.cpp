@@ -95,6 +95,7 @@ TEST(CommandLine, EndsWithTheCodeOfWhatItWasAskedFor) {
         return app::Run(static_cast<int>(pointers.size()), pointers.data());
     };
     EXPECT_EQ(run({"--help"}), app::Done);
+    EXPECT_EQ(run({"archive", "check", "--help"}), app::Done);
     EXPECT_EQ(run({"--version"}), app::Done);
     EXPECT_EQ(run({"--unknown"}), app::WrongUsage);
     EXPECT_EQ(run({"a.jpg", "b.jpg"}), app::WrongUsage);
