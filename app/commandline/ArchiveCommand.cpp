@@ -11,6 +11,7 @@
 #include "core/archive/ArchiveExport.h"
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/WaitingSearch.h"
+#include "platform/CountedText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +35,10 @@ platform::Progress Lines(QTextStream& output) {
             said.append(what);
         }
     };
+}
+
+QString Records(qint64 count) {
+    return platform::CountedText(count, u"Datensatz"_s, u"Datensätze"_s);
 }
 
 int Result(const QStringList& failures, QTextStream& errors) {
@@ -73,11 +78,12 @@ int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output)
                                       finding.path.isEmpty() ? QString() : u": "_s + finding.path))
                << Qt::endl;
     }
-    output << u"%1 Datensätze, %2 Dateien unverändert, %3 neu aufgenommen, %4 Befunde."_s
-                  .arg(report.records)
-                  .arg(report.sound)
+    output << u"%1, %2 unverändert, %3 neu aufgenommen, %4."_s
+                  .arg(Records(report.records),
+                       platform::CountedText(report.sound, u"Datei"_s, u"Dateien"_s))
                   .arg(report.adopted)
-                  .arg(report.findings.size())
+                  .arg(platform::CountedText(static_cast<qint64>(report.findings.size()),
+                                             u"Befund"_s, u"Befunde"_s))
            << Qt::endl;
     return report.findings.empty() ? Done : SomethingFound;
 }
@@ -107,7 +113,8 @@ int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& o
     }
     const core::Export result = core::ExportRecords(database, request.folder, found, request.output,
                                                     u"Export "_s + request.search, Lines(output));
-    output << HarmlessText(u"%1 Bilder in „%2“."_s.arg(result.records).arg(result.folder))
+    output << HarmlessText(u"%1 in „%2“."_s.arg(
+                  platform::CountedText(result.records, u"Bild"_s, u"Bilder"_s), result.folder))
            << Qt::endl;
     return Result(result.failures, errors);
 }
@@ -119,7 +126,7 @@ int Transfer(core::TData& data, QTextStream& output) {
         throw UsageError(u"In den Einstellungen ist kein Server angegeben."_s);
     }
     const core::TransferResult result = data.TransferArchiveTo(server.address, Lines(output));
-    output << u"%1 Datensätze, %2 davon neu übertragen, alle verglichen."_s.arg(result.records)
+    output << u"%1, %2 davon neu übertragen, alle verglichen."_s.arg(Records(result.records))
                   .arg(result.copied)
            << Qt::endl;
     return Done;

@@ -17,6 +17,7 @@
 #include "imaging/pixels/Cropping.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
+#include "platform/CountedText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -82,8 +83,10 @@ core::CollectedLayout LayOut(const std::vector<core::CollectedItem>& items,
         if (layout.missing[i] > 0) {
             order.errors.push_back(
                 {order.lines[i].number,
-                 u"%1 von %2 Bildern passen nicht auf das Papier (%3)"_s.arg(layout.missing[i])
-                     .arg(items[i].count)
+                 (layout.missing[i] == 1 ? u"%1 von %2 passt nicht auf das Papier (%3)"_s
+                                         : u"%1 von %2 passen nicht auf das Papier (%3)"_s)
+                     .arg(layout.missing[i])
+                     .arg(platform::CountedText(items[i].count, u"Bild"_s, u"Bildern"_s))
                      .arg(core::SizeText(core::CollectedPaper(choice)))});
         }
     }
@@ -134,9 +137,9 @@ int MakeOrder(const SheetRequest& request, core::TData& data, QTextStream& progr
         return SomePhotoFailed;
     }
     core::WritePhoto(image, outputs.first());
-    progress << u"%1 → %2 (%3 Bilder, %4 x %5 Pixel, %6 dpi)"_s
+    progress << u"%1 → %2 (%3, %4 x %5 Pixel, %6 dpi)"_s
                     .arg(HarmlessName(request.order), HarmlessName(outputs.first()))
-                    .arg(image.Photo().PhotoCount())
+                    .arg(platform::CountedText(image.Photo().PhotoCount(), u"Bild"_s, u"Bilder"_s))
                     .arg(image.Photo().Width())
                     .arg(image.Photo().Height())
                     .arg(image.Resolution().value)

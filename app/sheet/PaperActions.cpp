@@ -25,6 +25,7 @@
 #include "imaging/pixels/Cropping.h"
 #include "imaging/pixels/QuarterTurn.h"
 #include "imaging/pixels/Resampling.h"
+#include "platform/CountedText.h"
 #include "platform/Paths.h"
 #include "platform/UserRegistry.h"
 
@@ -49,7 +50,7 @@ QSize PhotoSize(const core::TData& data) {
 }
 
 QString PicturesText(qsizetype count) {
-    return count == 1 ? u"1 Bild"_s : u"%1 Bilder"_s.arg(count);
+    return platform::CountedText(count, u"Bild"_s, u"Bilder"_s);
 }
 
 }  // namespace
@@ -318,9 +319,11 @@ std::optional<core::PaperChoice> PaperActions::PaperFor(const std::function<QSiz
     const core::PaperLayout layout = core::LayOutOnPaper(request);
     if (request.count && layout.room < *request.count) {
         const QString question =
-            u"Auf das Papier (%1) passen nur %2 statt %3.\n\nSollen es %2 werden?"_s
-                .arg(core::SizeText(*choice.paper), PicturesText(layout.room))
-                .arg(*request.count);
+            u"Auf das Papier (%1) %2 statt %3.\n\n%4"_s
+                .arg(core::SizeText(*choice.paper), core::RoomText(layout.room))
+                .arg(*request.count)
+                .arg(layout.room == 1 ? u"Soll es 1 Bild werden?"_s
+                                      : u"Sollen es %1 werden?"_s.arg(PicturesText(layout.room)));
         if (!around_.ui.AskYesNo(question)) {
             return std::nullopt;
         }

@@ -1,9 +1,9 @@
 #include "core/archive/ArchiveServer.h"
 
 #include <QFile>
-#include <QLocale>
 
 #include "core/archive/ArchiveSchema.h"
+#include "platform/CountedText.h"
 #include "platform/Paths.h"
 #include "platform/ProgramPart.h"
 #include "platform/PropertyFile.h"
@@ -102,8 +102,8 @@ QString TryServer(const store::ServerAddress& address) {
         TryRecords(*database);
         store::Statement count(*database, uR"(SELECT count(*) FROM "ImgDB")"_s);
         count.Step();
-        return u"Die Verbindung steht. Das Archiv auf dem Server hat %1 Bilder."_s.arg(
-            QLocale(QLocale::German).toString(count.Integer(0)));
+        return u"Die Verbindung steht. Das Archiv auf dem Server hat %1."_s.arg(
+            platform::CountedText(count.Integer(0), u"Bild"_s, u"Bilder"_s));
     }
     const store::Transaction takenBack(*database);
     database->Execute(uR"(CREATE TABLE "KadronaTrial" ("ID" integer))"_s);

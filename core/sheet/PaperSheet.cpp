@@ -10,6 +10,7 @@
 #include "core/sheet/PaperCanvas.h"
 #include "core/sheet/PaperSize.h"
 #include "imaging/pixels/Cropping.h"
+#include "platform/CountedText.h"
 #include "platform/Error.h"
 #include "platform/HarmlessText.h"
 
@@ -67,15 +68,19 @@ PaperRequest RequestOf(const PaperChoice& choice, QSize photo, int layoutIndex) 
     return {choice.paper.value(), choice.edge, choice.gap, photo, count};
 }
 
+QString RoomText(int room) {
+    return (room == 1 ? u"passt nur "_s : u"passen nur "_s) +
+           platform::CountedText(room, u"Bild"_s, u"Bilder"_s);
+}
+
 PaperLayout RequiredLayout(const PaperChoice& choice, QSize photo, int layoutIndex) {
     const PaperRequest request = RequestOf(choice, photo, layoutIndex);
     PaperLayout layout = LayOutOnPaper(request);
     if (request.count && layout.room < *request.count) {
-        throw platform::Error(u"Auf das Papier (%1) passen nur %2 Bilder von %3, nicht %4."_s
-                                  .arg(SizeText(request.paper))
-                                  .arg(layout.room)
-                                  .arg(SizeText(photo))
-                                  .arg(*request.count));
+        throw platform::Error(
+            u"Auf das Papier (%1) %2 von %3, nicht %4."_s
+                .arg(SizeText(request.paper), RoomText(layout.room), SizeText(photo))
+                .arg(*request.count));
     }
     return layout;
 }

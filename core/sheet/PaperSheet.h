@@ -52,6 +52,9 @@ imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
                               imaging::DotsPerInch resolution, const PaperChoice& choice,
                               int layoutIndex);
 
+/// How many pictures a paper has room for: "passt nur 1 Bild", "passen nur 4 Bilder".
+QString RoomText(int room);
+
 /// Size of a template's canvas, tenths of a millimetre, in micrometres.
 QSize PrintedSize(QSize canvas);
 

@@ -13,6 +13,7 @@
 #include "controls/theme/Tone.h"
 #include "dialogs/archive/ArchiveUpkeep.h"
 #include "dialogs/base/WindowPlacement.h"
+#include "platform/CountedText.h"
 #include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
@@ -29,9 +30,9 @@ QString CountOf(qint64 count) {
 }
 
 QString Summary(const core::ArchiveReport& report) {
-    const QString counts =
-        u"%1 Datensätze, %2 Dateien unverändert, %3 zum ersten Mal aufgenommen."_s.arg(
-            CountOf(report.records), CountOf(report.sound), CountOf(report.adopted));
+    const QString counts = u"%1, %2 unverändert, %3 zum ersten Mal aufgenommen."_s.arg(
+        platform::CountedText(report.records, u"Datensatz"_s, u"Datensätze"_s),
+        platform::CountedText(report.sound, u"Datei"_s, u"Dateien"_s), CountOf(report.adopted));
     if (report.findings.empty()) {
         return u"Das Archiv ist in Ordnung. "_s + counts;
     }

@@ -5,6 +5,7 @@
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/ProgressBox.h"
 #include "core/Data.h"
+#include "platform/CountedText.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,9 +22,13 @@ QString ResultText(const core::TransferResult& result) {
         return u"Das Archiv dieses Rechners hat keine Bilder, die zu übertragen wären."_s;
     }
     if (result.leftOut > 0) {
-        return u"Das Archiv ist übertragen: Von %1 Bildern stehen alle mit gleichem Inhalt auf dem "
+        return u"Das Archiv ist übertragen: Von %1 stehen alle mit gleichem Inhalt auf dem "
                u"Server, bis auf %2, die dort gelöscht wurden; %3 kamen jetzt hinzu."_s.arg(
-                   Counted(result.records), Counted(result.leftOut), Counted(result.copied));
+                   platform::CountedText(result.records, u"Bild"_s, u"Bildern"_s),
+                   Counted(result.leftOut), Counted(result.copied));
+    }
+    if (result.records == 1) {
+        return u"Das Archiv ist übertragen: Das eine Bild steht mit gleichem Inhalt auf dem Server."_s;
     }
     return u"Das Archiv ist übertragen: Alle %1 Bilder stehen mit gleichem Inhalt auf dem Server, "
            u"%2 davon kamen jetzt hinzu."_s.arg(Counted(result.records), Counted(result.copied));

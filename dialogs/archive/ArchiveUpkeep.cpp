@@ -17,6 +17,7 @@
 #include "core/archive/FilingQueue.h"
 #include "dialogs/archive/ArchiveCards.h"
 #include "dialogs/archive/ArchiveProgress.h"
+#include "platform/CountedText.h"
 #include "platform/Error.h"
 #include "platform/SilenceWatch.h"
 #include "platform/UserRegistry.h"
@@ -62,7 +63,8 @@ QString NameOf(const core::WaitingPhoto& photo) {
 QString Shortened(const QStringList& lines, qsizetype most) {
     QStringList shown = lines.first(std::min(lines.size(), most));
     if (lines.size() > most) {
-        shown.append(u"… und %1 weitere"_s.arg(lines.size() - most));
+        shown.append(u"… und "_s +
+                     platform::CountedText(lines.size() - most, u"weiteres"_s, u"weitere"_s));
     }
     return shown.join(u'\n');
 }
@@ -117,7 +119,8 @@ QString ArchiveUpkeep::Question(const ChosenPhotos& chosen) const {
                           : u"Sollen diese %1 Bilder endgültig gelöscht werden?\n"_s.arg(count)};
     lines += NamesOf(chosen);
     if (count > MostNamed) {
-        lines.append(u"… und %1 weitere"_s.arg(count - MostNamed));
+        lines.append(u"… und "_s +
+                     platform::CountedText(count - MostNamed, u"weiteres"_s, u"weitere"_s));
     }
     lines.append(u"\nDatensatz, Foto und Original lassen sich nicht zurückholen."_s);
     lines.append(MissingFiles(chosen.ids));

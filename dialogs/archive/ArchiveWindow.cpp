@@ -25,6 +25,7 @@
 #include "dialogs/archive/ArchiveProgress.h"
 #include "dialogs/archive/ImageTags.h"
 #include "dialogs/base/WindowPlacement.h"
+#include "platform/CountedText.h"
 #include "platform/Progress.h"
 #include "platform/SilenceWatch.h"
 
@@ -48,7 +49,7 @@ QString CountText(size_t found, size_t all, bool searching) {
     if (searching) {
         return u"%1 von %2"_s.arg(number(found), number(all));
     }
-    return all == 1 ? u"1 Bild"_s : u"%1 Bilder"_s.arg(number(all));
+    return platform::CountedText(static_cast<qint64>(all), u"Bild"_s, u"Bilder"_s);
 }
 
 }  // namespace
