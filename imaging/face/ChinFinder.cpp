@@ -13,14 +13,8 @@ namespace {
 constexpr double ChinPixelsPerUnit = 40;
 const QRectF Area(-1.4, 0.3, 2.8, 2.7);
 
-/// Lines between the lips lie here below the eyes, and a chin that much below them: means and
-/// deviations of the faces that this was fitted to, in distances of the pupils. A mouth alone tells
-/// little of the chin, so that the edges decide.
-constexpr double MouthMean = 1.12;
-constexpr double MouthDeviation = 0.12;
-constexpr double ChinMean = 1.83;
-constexpr double ChinByMouth = 0.6;
-constexpr double ChinDeviation = 0.2;
+/// Deviation of chins from where they are expected, in distances of the pupils.
+constexpr double ChinDeviation = 0.12;
 constexpr double HighestChin = 1.35;
 constexpr double LowestChin = 2.55;
 /// The change is strongest where the chin begins to turn under; its lowest point stands below.
@@ -48,32 +42,6 @@ double YOf(int row) {
 }
 int ColumnOf(double x) {
     return static_cast<int>(std::lround((x - Area.left()) * ChinPixelsPerUnit));
-}
-
-/// The line between the lips: dark between two lighter ones, and level.
-double MouthBelowEyes(const cv::Mat& lightness) {
-    constexpr int Reach = 5;
-    double best = -1e9;
-    double mouth = MouthMean;
-    for (int row = RowOf(0.8); row <= RowOf(1.55); ++row) {
-        double valley = 0;
-        const int from = ColumnOf(-0.3);
-        const int to = ColumnOf(0.3);
-        for (int column = from; column <= to; ++column) {
-            const float above = lightness.at<float>(row - Reach, column);
-            const float below = lightness.at<float>(row + Reach, column);
-            const float here = lightness.at<float>(row, column);
-            valley += std::clamp((above + below) / 2 - here, -5.0F, 25.0F);
-        }
-        valley /= to - from + 1;
-        const double off = (YOf(row) - MouthMean) / MouthDeviation;
-        const double value = valley / 4 - off * off / 2;
-        if (value > best) {
-            best = value;
-            mouth = YOf(row);
-        }
-    }
-    return mouth;
 }
 
 /// How strongly the picture changes from inside to outside a jaw, CIE Lab units.
@@ -155,18 +123,14 @@ class JawFitter {
 
 }  // namespace
 
-FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame) {
+FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame, double expected) {
     const cv::Mat lab = SmoothLab(photo.Sampled(frame, Area, ChinPixelsPerUnit), 1.5);
-    cv::Mat lightness;
-    cv::extractChannel(lab, lightness, 0);
-    const double mouth = MouthBelowEyes(lightness);
-    const double expected = ChinMean + ChinByMouth * (mouth - MouthMean);
     const JawFitter fitter(lab);
     std::vector<JawEdges> jaws;
     // Where nothing stands out, the strongest edge is none.
     double strongestChin = 6;
     double strongestSides = 6;
-    for (int row = RowOf(std::max(HighestChin, mouth + 0.35)); row <= RowOf(LowestChin); ++row) {
+    for (int row = RowOf(HighestChin); row <= RowOf(LowestChin); ++row) {
         jaws.push_back(fitter.At(YOf(row)));
         strongestChin = std::max(strongestChin, jaws.back().chin);
         strongestSides = std::max(strongestSides, jaws.back().sides);

@@ -12,7 +12,7 @@ struct FacePlace {
 
 /// The lowest point of the jaw: of all half ellipses that a jaw can be, the one across which the
 /// picture changes most, at the chin from light to dark and at the sides either way, weighed with
-/// where the eyes and the mouth let a chin be expected. The sides tell a chin from a collar.
-FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame);
+/// the place below the eyes at which the chin is expected. The sides tell a chin from a collar.
+FacePlace FindChin(const FacePhoto& photo, const FaceFrame& frame, double expected);
 
 }  // namespace kadrona::imaging

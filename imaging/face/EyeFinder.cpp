@@ -5,7 +5,7 @@
 #include <opencv2/imgproc.hpp>
 #include <optional>
 
-#include "imaging/face/PupilRegression.h"
+#include "imaging/face/FaceRegression.h"
 #include "imaging/face/PupilVote.h"
 
 namespace kadrona::imaging {
@@ -122,10 +122,9 @@ QPointF Voted(const FacePhoto& photo, const FaceFrame& frame, QPointF eye, QSize
     return frame.ToPhoto(area.topLeft() + QPointF(pupil.x + 0.5, pupil.y + 0.5) / VotePixels);
 }
 
-/// An eye by all witnesses: the classifier (`rough`, in the middle of what it saw), the vote of the
-/// gradients, and what marked faces taught (`learned`). In few pixels the mean of all three is
-/// surer than any; in many the classifier adds nothing and the vote holds to what was learned,
-/// which tends to the eye's middle where someone looks aside.
+/// An eye by all witnesses: what marked faces taught (`learned`) counts most. In many pixels the
+/// vote of the gradients near it comes beside it, in few the classifier (`rough`, in the middle of
+/// what it saw) and a vote around that: each errs in its own way.
 QPointF Agreed(const FacePhoto& photo, const FaceFrame& rough, const FaceFrame& learned,
                QPointF eye) {
     constexpr double FewPixels = 24;
@@ -134,8 +133,8 @@ QPointF Agreed(const FacePhoto& photo, const FaceFrame& rough, const FaceFrame& 
     const QPointF taught = learned.ToPhoto(eye);
     QPointF agreed;
     if (many < 1) {
-        agreed +=
-            (1 - many) / 3 * (rough.ToPhoto(eye) + Voted(photo, rough, eye, RoughReach) + taught);
+        const QPointF seen = rough.ToPhoto(eye) + Voted(photo, rough, eye, RoughReach);
+        agreed += (1 - many) / 6 * (4 * taught + seen);
     }
     if (many > 0) {
         agreed += many / 2 * (Voted(photo, learned, eye, NearReach) + taught);
@@ -166,7 +165,7 @@ EyePair FindEyes(const FacePhoto& photo, const FaceFrame& guess, const Cascades&
     const double unseen = eyes.seen == 0 ? GuessedConfidence : MirroredConfidence;
     const FaceFrame frame =
         FaceFrame::OfEyes(guess.ToPhoto(rough.left), guess.ToPhoto(rough.right));
-    const FaceFrame settled = TrainedPupils().Settled(photo, frame);
+    const FaceFrame settled = LearnedFaces().Settled(photo, frame);
     const bool agree = IsNear(settled, frame);
     const FaceFrame& learned = agree ? settled : frame;
     const double seen = agree ? SeenConfidence : MirroredConfidence;

@@ -9,6 +9,7 @@
 #include "imaging/face/CrownFinder.h"
 #include "imaging/face/EyeFinder.h"
 #include "imaging/face/FaceFrame.h"
+#include "imaging/face/FaceRegression.h"
 #include "imaging/pixels/MatView.h"
 #include "imaging/pixels/NewImage.h"
 
@@ -163,14 +164,36 @@ EyePair Settled(const FacePhoto& photo, const EyePair& eyes, double guessedTilt,
     return again.seen >= eyes.seen ? again : eyes;
 }
 
+/// A place on the face's axis by what stands out in the picture and by what marked faces taught,
+/// which counts `share`. Less sure where the two are apart.
+FacePlace AgreedPlace(const FacePlace& seen, double learned, double share) {
+    constexpr double Apart = 0.3;
+    const double off = (seen.place.y() - learned) / Apart;
+    return {{seen.place.x(), share * learned + (1 - share) * seen.place.y()},
+            seen.confidence * (0.4 + 0.6 * std::exp(-off * off / 2))};
+}
+
+/// The chin: where the jaw's edge is looked for depends on what was learned.
+FacePlace ChinOf(const FacePhoto& photo, const FaceFrame& frame) {
+    const double learned = LearnedFaces().ChinIn(photo, frame);
+    return AgreedPlace(FindChin(photo, frame, learned), learned, 0.5);
+}
+
+/// The crown: never above the photo's edge by what was learned alone.
+FacePlace CrownOf(const FacePhoto& photo, const FaceFrame& frame) {
+    const double top = frame.FromPhoto({frame.origin.x(), 0}).y();
+    const FacePlace seen = FindCrown(photo, frame);
+    return AgreedPlace(seen, std::max(top, LearnedFaces().CrownIn(photo, frame)), 0.75);
+}
+
 Face Measured(const FacePhoto& photo, const EyePair& eyes) {
     Face face;
     face.leftEye = eyes.left;
     face.rightEye = eyes.right;
     face.tiltDegrees = TiltDegrees(eyes.left.position, eyes.right.position);
     const FaceFrame frame = FaceFrame::OfEyes(eyes.left.position, eyes.right.position);
-    const FacePlace chin = FindChin(photo, frame);
-    const FacePlace crown = FindCrown(photo, frame);
+    const FacePlace chin = ChinOf(photo, frame);
+    const FacePlace crown = CrownOf(photo, frame);
     face.chin = {frame.ToPhoto(chin.place), chin.confidence};
     face.crown = {frame.ToPhoto(crown.place), crown.confidence};
     const double skull = std::max(-SkullAboveEyes(chin.place.y()), crown.place.y());

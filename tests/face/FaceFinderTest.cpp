@@ -9,8 +9,8 @@
 
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "imaging/face/FaceRegression.h"
 #include "imaging/face/PortraitMeasures.h"
-#include "imaging/face/PupilRegression.h"
 #include "imaging/pixels/MatView.h"
 #include "platform/AtomicFile.h"
 #include "tests/support/DrawnPortrait.h"
@@ -139,32 +139,40 @@ TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
 }
 
 /// A step that moves by its offsets, whatever it sees.
-QByteArray BlindStep(const char* head, const char* offsets, PupilRegression::Kind kind) {
-    const QByteArray row = PupilRegression::MoveSize(kind) == 4 ? "0 0 0 0\n" : "0 0\n";
-    return QByteArray(head) + "\n" + offsets + "\n" + row.repeated(PupilRegression::GridSize(kind));
+QByteArray BlindStep(FaceRegression::Kind kind, const char* scaleAndOffsets) {
+    const QByteArray row = "0 " + QByteArray("0 ").repeated(FaceRegression::MoveSize(kind) - 1);
+    return FaceRegression::NameOf(kind) + QByteArray(" ") + scaleAndOffsets + "\n" +
+           (row + "\n").repeated(FaceRegression::GridSize(kind));
 }
 
-TEST(PupilRegression, MovesBothEyesAndThenEachOutward) {
+TEST(FaceRegression, MovesBothEyesThenEachOutwardAndPlacesChinAndCrown) {
     const QImage wall = Filled({400, 300}, qRgb(150, 150, 150));
     const FacePhoto photo(ConstMatView(wall));
     const FaceFrame rough = FaceFrame::OfEyes({150, 150}, {250, 150});
-    const QByteArray pair = BlindStep("pair 0.001", "100 50 0 50", PupilRegression::Pair);
-    const QByteArray eye = BlindStep("eye 0.01", "-10 0", PupilRegression::Eye);
-    const FaceFrame settled = PupilRegression::Read(pair + eye).Settled(photo, rough);
+    const QByteArray pair = BlindStep(FaceRegression::Pair, "0.001 100 50 0 50");
+    const QByteArray table = pair + BlindStep(FaceRegression::Chin, "0.01 170") +
+                             BlindStep(FaceRegression::NearCrown, "0.01 -20") +
+                             BlindStep(FaceRegression::Eye, "0.01 -10 0") +
+                             BlindStep(FaceRegression::Crown, "0.01 -180") +
+                             BlindStep(FaceRegression::NearChin, "0.01 15");
+    const FaceRegression regression = FaceRegression::Read(table);
+    const FaceFrame settled = regression.Settled(photo, rough);
     EXPECT_LT(Distance(settled.ToPhoto({-0.5, 0}), {151, 155}), 0.1);
     EXPECT_LT(Distance(settled.ToPhoto({0.5, 0}), {259, 155}), 0.1);
+    EXPECT_NEAR(regression.ChinIn(photo, rough), 1.85, 1e-3);
+    EXPECT_NEAR(regression.CrownIn(photo, rough), -2, 1e-3);
     for (const QByteArray& damaged :
-         {pair.chopped(2), "nose" + pair.mid(4), "pair nan" + pair.mid(10),
-          QByteArray(pair).replace("0 0 0 0", "0 0 x 0"), pair + eye + "eye", QByteArray()}) {
-        EXPECT_THROW(PupilRegression::Read(damaged), platform::FileError);
+         {table.chopped(4), "nose" + table.mid(4), "pair nan" + table.mid(10), pair,
+          QByteArray(table).replace("0 0 0 0", "0 0 x 0"), table + "eye", QByteArray()}) {
+        EXPECT_THROW(FaceRegression::Read(damaged), platform::FileError);
     }
 }
 
-TEST(PupilRegression, TheTrainedTableDrawsRoughGuessesToThePupils) {
+TEST(FaceRegression, TheLearnedTableDrawsRoughGuessesToThePupils) {
     const QImage portrait = Wall(DrawnSize, {{}});
     const FacePhoto photo(ConstMatView(portrait));
     for (const QPointF off : {QPointF(8, 6), QPointF(-8, 6), QPointF(6, -8), QPointF(-6, -8)}) {
-        const FaceFrame settled = TrainedPupils().Settled(
+        const FaceFrame settled = LearnedFaces().Settled(
             photo, FaceFrame::OfEyes(DrawnLeftEye + off, DrawnRightEye + off));
         EXPECT_LT(Distance(settled.ToPhoto({-0.5, 0}), DrawnLeftEye), 3);
         EXPECT_LT(Distance(settled.ToPhoto({0.5, 0}), DrawnRightEye), 3);
