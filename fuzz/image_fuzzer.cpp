@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QLoggingCategory>
 
+#include "imaging/reading/CameraFiles.h"
 #include "imaging/reading/ImageReader.h"
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // Its memory of a thread that was just ending looked like a leak, once in 700,000 runs.
     qputenv("QT_NO_GLIB", "1");
+    kadrona::imaging::DecodeCameraFilesHere();
     QLoggingCategory::setFilterRules(u"*=false"_s);
     static int count = 1;
     static char name[] = "image_fuzzer";

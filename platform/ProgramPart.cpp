@@ -1,10 +1,12 @@
 #include "platform/ProgramPart.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <vector>
 
 #include "platform/Paths.h"
 
@@ -12,12 +14,47 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::platform {
 
+namespace {
+
+/// Empty where the program is not installed: those of the build know its folder by themselves.
+QString InstalledPath(const QString& name) {
+    for (const QString& folder : {u"."_s, u"../lib/kadrona"_s}) {
+        QString path = QDir::cleanPath(JoinPath(ProgramFolder(), JoinPath(folder, name)));
+        if (QFileInfo::exists(path)) {
+            return path;
+        }
+    }
+    return {};
+}
+
+/// As libraries are looked for; empty where it is in none of their folders.
+QString PathAmongLibraries(const QString& name) {
+    Dl_serinfo head{};
+    void* const self = dlopen(nullptr, RTLD_LAZY);
+    if (self == nullptr || dlinfo(self, RTLD_DI_SERINFOSIZE, &head) != 0) {
+        return {};
+    }
+    std::vector<std::max_align_t> room(head.dls_size / sizeof(std::max_align_t) + 1);
+    auto* const folders = reinterpret_cast<Dl_serinfo*>(room.data());
+    if (dlinfo(self, RTLD_DI_SERINFOSIZE, folders) != 0 ||
+        dlinfo(self, RTLD_DI_SERINFO, folders) != 0) {
+        return {};
+    }
+    for (unsigned i = 0; i < folders->dls_cnt; ++i) {
+        QString path = JoinPath(QFile::decodeName(folders->dls_serpath[i].dls_name), name);
+        if (QFileInfo::exists(path)) {
+            return path;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
 void* AddressInPart(const char* part, const char* function) {
     const QString name = QString::fromLatin1(part) + u".so"_s;
-    const QString installed =
-        QDir::cleanPath(JoinPath(ProgramFolder(), u"../lib/kadrona/"_s + name));
-    // Programs of the build know its folder by themselves.
-    const QString path = QFileInfo::exists(installed) ? installed : name;
+    const QString installed = InstalledPath(name);
+    const QString path = installed.isEmpty() ? name : installed;
     void* const library = dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
     void* const address = library != nullptr ? dlsym(library, function) : nullptr;
     if (address == nullptr) {
@@ -26,6 +63,17 @@ void* AddressInPart(const char* part, const char* function) {
             u"Installieren Sie Kadrona neu."_s.arg(name, QString::fromLocal8Bit(dlerror())));
     }
     return address;
+}
+
+QString PartProgram(const char* program) {
+    const QString name = QString::fromLatin1(program);
+    const QString installed = InstalledPath(name);
+    QString path = installed.isEmpty() ? PathAmongLibraries(name) : installed;
+    if (path.isEmpty()) {
+        throw PartMissing(
+            u"Ein Teil des Programms, „%1“, fehlt. Installieren Sie Kadrona neu."_s.arg(name));
+    }
+    return path;
 }
 
 }  // namespace kadrona::platform

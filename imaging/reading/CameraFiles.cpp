@@ -6,24 +6,34 @@
 
 #include "imaging/metadata/TiffFields.h"
 #include "imaging/reading/CamerasPart.h"
+#include "imaging/reading/DecodingProcess.h"
 #include "platform/ProgramPart.h"
 
 namespace kadrona::imaging {
 
 namespace {
 
-DecodedImage ReadByPart(CameraFormat format, const ReadTask& task) {
-    const auto decode = [&task] {
-        try {
-            return platform::PartFunction<decltype(kadrona_decode_camera_file)>(
-                "kadrona-cameras", "kadrona_decode_camera_file");
-        } catch (const platform::PartMissing& missing) {
-            task.Fail(missing.Text());
-        }
-    }();
+bool& DecodesHere() {
+    static bool here = false;
+    return here;
+}
+
+DecodedImage DecodeHere(CameraFormat format, const ReadTask& task) {
+    const auto decode = platform::PartFunction<decltype(kadrona_decode_camera_file)>(
+        "kadrona-cameras", "kadrona_decode_camera_file");
     DecodedImage decoded;
     decode(format, task, decoded);
     return decoded;
+}
+
+DecodedImage Decode(CameraFormat format, const ReadTask& task) {
+    try {
+        return DecodesHere()
+                   ? DecodeHere(format, task)
+                   : DecodeByProcess(platform::PartProgram("kadrona-decode"), format, task);
+    } catch (const platform::PartMissing& missing) {
+        task.Fail(missing.Text());
+    }
 }
 
 }  // namespace
@@ -38,6 +48,11 @@ bool IsHeif(QByteArrayView start) {
 bool IsJpegXl(QByteArrayView start) {
     return start.startsWith("\xff\x0a") ||
            start.startsWith(QByteArrayView("\0\0\0\x0cJXL \r\n\x87\n", 12));
+}
+
+bool IsJpeg2000(QByteArrayView start) {
+    return start.startsWith(QByteArrayView("\0\0\0\x0cjP  \r\n\x87\n", 12)) ||
+           start.startsWith("\xff\x4f\xff\x51");
 }
 
 bool IsRaw(QByteArrayView start) {
@@ -89,15 +104,23 @@ bool IsRawTiff(QIODevice& device) {
 }
 
 DecodedImage ReadHeif(const ReadTask& task) {
-    return ReadByPart(CameraFormat::Heif, task);
+    return Decode(CameraFormat::Heif, task);
 }
 
 DecodedImage ReadJpegXl(const ReadTask& task) {
-    return ReadByPart(CameraFormat::JpegXl, task);
+    return Decode(CameraFormat::JpegXl, task);
+}
+
+DecodedImage ReadJpeg2000(const ReadTask& task) {
+    return Decode(CameraFormat::Jpeg2000, task);
 }
 
 DecodedImage ReadRaw(const ReadTask& task) {
-    return ReadByPart(CameraFormat::Raw, task);
+    return Decode(CameraFormat::Raw, task);
+}
+
+void DecodeCameraFilesHere() {
+    DecodesHere() = true;
 }
 
 }  // namespace kadrona::imaging

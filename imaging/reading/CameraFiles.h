@@ -8,16 +8,24 @@ namespace kadrona::imaging {
 bool IsHeif(QByteArrayView start);
 /// True where a file that starts with these bytes is a JPEG XL, by itself or in boxes.
 bool IsJpegXl(QByteArrayView start);
+/// True where a file that starts with these bytes is JPEG 2000: a JP2 file or a bare codestream.
+bool IsJpeg2000(QByteArrayView start);
 /// True where a file that starts with these bytes is a camera's raw file of a kind of its own.
 bool IsRaw(QByteArrayView start);
 /// True where a TIFF file is a camera's raw file: it says so itself (DNG), or its first picture is
 /// a preview of others and a camera made it. Leaves the device where it was.
 bool IsRawTiff(QIODevice& device);
 
-/// Decode a file as DecodeHeif, DecodeJpegXl and DecodeRaw of imaging/reading/cameras/ say. Throw
-/// ReadError, where that part of the program is missing too, and ReadRaw also ReadCancelled.
+/// Decode a file as DecodeHeif, DecodeJpegXl, DecodeJpeg2000 and DecodeRaw of
+/// imaging/reading/cameras/ say, in a process of its own (DecodingProcess.h). Throw ReadError,
+/// where a part of the program is missing too, and ReadRaw also ReadCancelled.
 DecodedImage ReadHeif(const ReadTask& task);
 DecodedImage ReadJpegXl(const ReadTask& task);
+DecodedImage ReadJpeg2000(const ReadTask& task);
 DecodedImage ReadRaw(const ReadTask& task);
+
+/// From now on these decode in this process, without its limits: for what watches the decoding
+/// itself, as fuzzers do.
+void DecodeCameraFilesHere();
 
 }  // namespace kadrona::imaging

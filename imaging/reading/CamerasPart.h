@@ -4,9 +4,10 @@
 
 namespace kadrona::imaging {
 
-/// What telephones and cameras write. The libraries that decode it are large: they belong to a part
-/// of the program that is opened when the first such file is read.
-enum class CameraFormat { Heif, JpegXl, Raw };
+/// What telephones and cameras write, and JPEG 2000. The libraries that decode it are large, and
+/// many a file makes them fail: they belong to a part of the program that only a process of its own
+/// opens, see DecodingProcess.h.
+enum class CameraFormat { Heif, JpegXl, Jpeg2000, Raw };
 
 }  // namespace kadrona::imaging
 
@@ -15,3 +16,6 @@ enum class CameraFormat { Heif, JpegXl, Raw };
 extern "C" void kadrona_decode_camera_file(kadrona::imaging::CameraFormat format,
                                            const kadrona::imaging::ReadTask& task,
                                            kadrona::imaging::DecodedImage& decoded);
+
+/// Lets the libraries open what they would open with the first file.
+extern "C" void kadrona_prepare_camera_files();

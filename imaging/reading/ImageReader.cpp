@@ -10,7 +10,6 @@
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/reading/CameraFiles.h"
 #include "imaging/reading/IconReader.h"
-#include "imaging/reading/Jpeg2000Reader.h"
 #include "imaging/reading/JpegReader.h"
 #include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/PluginReader.h"

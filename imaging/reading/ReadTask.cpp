@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "imaging/pixels/NewImage.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kadrona::imaging {
@@ -19,6 +21,9 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) cons
     }
     const qint64 allowed = std::max(options_.maximumPixels, most);
     if (width <= allowed / height) {
+        if (host_ != nullptr) {
+            host_->Expect(width * height);
+        }
         return;
     }
     // Rounded away from each other, so that the text never says "200 of 200".
@@ -35,13 +40,31 @@ void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {
     }
 }
 
-QByteArray ReadTask::ReadWhole() const {
+qint64 ReadTask::RequireReadableWhole() const {
     constexpr qint64 MaximumSize = 200'000'000;
     if (device_.size() > MaximumSize) {
         Fail(TooLargeFileReason(MaximumSize));
     }
+    return device_.size();
+}
+
+QByteArray ReadTask::ReadWhole() const {
+    RequireReadableWhole();
+    if (host_ != nullptr) {
+        return host_->File();
+    }
     device_.seek(0);
     return device_.readAll();
+}
+
+void ReadTask::LetFileGo() const {
+    if (host_ != nullptr) {
+        host_->LetFileGo();
+    }
+}
+
+QImage ReadTask::NewPicture(QSize size, QImage::Format format) const {
+    return host_ != nullptr ? host_->NewPicture(size, format) : NewImage(size, format);
 }
 
 QString IncompleteFileReason() {

@@ -30,14 +30,31 @@ inline constexpr qint64 MostBytesBeside = 240'000'000;
 /// open a customer's photo of 50 megapixels weighs more than the memory.
 inline constexpr qint64 MostBytesBesideOfCameras = 800'000'000;
 
+/// For a decoder that runs in a process of its own: where its bytes come from and its picture goes.
+class DecoderHost {
+ public:
+    virtual ~DecoderHost() = default;
+    /// The whole file, which is in memory already.
+    virtual QByteArray File() const = 0;
+    /// Nobody needs these bytes any more, nor the device.
+    virtual void LetFileGo() = 0;
+    /// An image for the picture itself, of 32 bits a pixel. Throws platform::Error where memory is
+    /// short.
+    virtual QImage NewPicture(QSize size, QImage::Format format) = 0;
+    /// The picture is going to have so many pixels.
+    virtual void Expect(qint64 pixels) = 0;
+};
+
 /// The reading of one file: where its bytes come from, what is allowed and how to complain. Does
 /// not own what it refers to. The device is open, random access, and at its start.
 class ReadTask {
  public:
-    ReadTask(QIODevice& device, QString name, const ReadOptions& options)
-        : device_(device), name_(std::move(name)), options_(options) {}
+    ReadTask(QIODevice& device, QString name, const ReadOptions& options,
+             DecoderHost* host = nullptr)
+        : device_(device), name_(std::move(name)), options_(options), host_(host) {}
 
     QIODevice& Device() const { return device_; }
+    const QString& Name() const { return name_; }
     qint64 MaximumPixels() const { return options_.maximumPixels; }
     int Shrink() const { return options_.shrink; }
     const ReadOptions& Options() const { return options_; }
@@ -52,9 +69,17 @@ class ReadTask {
     /// Throws the ReadError that names the file and `reason`, a German sentence.
     [[noreturn]] void Fail(const QString& reason) const;
 
-    /// The whole file, from its start. Throws a ReadError where it is larger than any picture of a
-    /// format that is read so.
+    /// The whole file, from its start. Throws as RequireReadableWhole().
     QByteArray ReadWhole() const;
+    /// What ReadWhole() gave is not needed any more, and nothing else is read.
+    void LetFileGo() const;
+    /// The size of the file in bytes. Throws a ReadError where it is larger than any picture of a
+    /// format that is read as a whole.
+    qint64 RequireReadableWhole() const;
+
+    /// An image with undefined content for the picture. Throws platform::Error where memory is
+    /// short.
+    QImage NewPicture(QSize size, QImage::Format format) const;
 
     /// Throws a ReadError where a picture of that size is empty or has more than `most` pixels, or
     /// than maximumPixels where that is more.
@@ -68,6 +93,7 @@ class ReadTask {
     QIODevice& device_;
     QString name_;
     const ReadOptions& options_;
+    DecoderHost* host_;
 };
 
 /// Reasons that several formats share.

@@ -1,10 +1,15 @@
 #include "imaging/reading/CamerasPart.h"
 
 #include "imaging/reading/cameras/HeifReader.h"
+#include "imaging/reading/cameras/Jpeg2000Reader.h"
 #include "imaging/reading/cameras/JpegXlReader.h"
 #include "imaging/reading/cameras/RawReader.h"
 
 using kadrona::imaging::CameraFormat;
+
+void kadrona_prepare_camera_files() {
+    kadrona::imaging::PrepareHeif();
+}
 
 void kadrona_decode_camera_file(CameraFormat format, const kadrona::imaging::ReadTask& task,
                                 kadrona::imaging::DecodedImage& decoded) {
@@ -14,6 +19,9 @@ void kadrona_decode_camera_file(CameraFormat format, const kadrona::imaging::Rea
             break;
         case CameraFormat::JpegXl:
             decoded = kadrona::imaging::DecodeJpegXl(task);
+            break;
+        case CameraFormat::Jpeg2000:
+            decoded = kadrona::imaging::DecodeJpeg2000(task);
             break;
         case CameraFormat::Raw:
             decoded = kadrona::imaging::DecodeRaw(task);

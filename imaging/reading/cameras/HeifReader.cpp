@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "imaging/codec/Release.h"
-#include "imaging/pixels/NewImage.h"
 #include "imaging/reading/cameras/HeifItems.h"
 
 using namespace Qt::StringLiterals;
@@ -129,8 +128,8 @@ QImage Interleaved(const heif_image* picture, bool premultiplied, const ReadTask
     const int width = size.width();
     const int height = size.height();
     task.RequireAllowedSize(width, height);
-    QImage image =
-        NewImage({width, height}, alpha.IsThere() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    QImage image = task.NewPicture({width, height},
+                                   alpha.IsThere() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     for (int y = 0; y < height; ++y) {
         auto* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < width; ++x) {
@@ -180,6 +179,10 @@ DecodedImage Read(const ReadTask& task) {
 }
 
 }  // namespace
+
+void PrepareHeif() {
+    (void)heif_init(nullptr);
+}
 
 DecodedImage DecodeHeif(const ReadTask& task) try {
     return Read(task);

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "imaging/codec/Release.h"
-#include "imaging/pixels/NewImage.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +56,20 @@ class BoundedThreads {
     std::clock_t end_;
 };
 
+/// Of libjxl's order of bytes (red first, perhaps premultiplied) makes ARGB32, in place.
+void Rearrange(QImage& image) {
+    const bool premultiplied = image.format() == QImage::Format_RGBA8888_Premultiplied;
+    for (int y = 0; y < image.height(); ++y) {
+        auto* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const auto* const bytes = reinterpret_cast<const uchar*>(row + x);
+            const QRgb pixel = qRgba(bytes[0], bytes[1], bytes[2], bytes[3]);
+            row[x] = premultiplied ? qUnpremultiply(pixel) : pixel;
+        }
+    }
+    image.reinterpretAsFormat(QImage::Format_ARGB32);
+}
+
 constexpr JxlPixelFormat Pixels8Bit{4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
 
 /// The decoding of one file, event by event, up to the end of its first picture.
@@ -89,8 +102,7 @@ class Decoding {
                     GiveBuffer();
                     break;
                 case JXL_DEC_FULL_IMAGE:
-                    decoded_.image.convertTo(QImage::Format_ARGB32);
-                    decoded_.image = RequireAllocated(std::move(decoded_.image));
+                    Rearrange(decoded_.image);
                     return std::move(decoded_);
                 case JXL_DEC_NEED_MORE_INPUT:
                     task_.Fail(IncompleteFileReason());
@@ -148,9 +160,9 @@ class Decoding {
         size_t size = 0;
         Require(JxlDecoderImageOutBufferSize(decoder_.get(), &Pixels8Bit, &size));
         QImage& image = decoded_.image;
-        image = NewImage({static_cast<int>(info_.xsize), static_cast<int>(info_.ysize)},
-                         info_.alpha_premultiplied ? QImage::Format_RGBA8888_Premultiplied
-                                                   : QImage::Format_RGBA8888);
+        image = task_.NewPicture({static_cast<int>(info_.xsize), static_cast<int>(info_.ysize)},
+                                 info_.alpha_premultiplied ? QImage::Format_RGBA8888_Premultiplied
+                                                           : QImage::Format_RGBA8888);
         Require(size == static_cast<size_t>(image.sizeInBytes()) ? JXL_DEC_SUCCESS : JXL_DEC_ERROR);
         Require(JxlDecoderSetImageOutBuffer(decoder_.get(), &Pixels8Bit, image.bits(), size));
     }

@@ -50,7 +50,7 @@ void CopyRows(const QImage& band, int from, QImage& target, int to, int count) {
 
 /// Each band is developed with rows above and below it, which make its own what they are in the
 /// whole: the colours of a pixel are found from those around it.
-QImage InBands(LibRaw& raw, const CheckOfResult& check,
+QImage InBands(LibRaw& raw, const NewPictureOfRaw& newPicture, const CheckOfResult& check,
                const std::function<void(double begin, double end)>& onPart) {
     constexpr int BandPixels = 2'000'000;
     // Where a sensor's pattern of filters begins anew, of 2, 6 or 8 rows.
@@ -59,7 +59,7 @@ QImage InBands(LibRaw& raw, const CheckOfResult& check,
     const QSize size(raw.imgdata.sizes.width, raw.imgdata.sizes.height);
     onPart(0, MeasuringPart);
     FixWhatTheWholeDecides(raw, check);
-    QImage result = NewImage(size, QImage::Format_RGB32);
+    QImage result = newPicture(size);
     const int rows = std::max(BandPixels / size.width() / Period, 2) * Period;
     const auto partAt = [&size](int y) {
         return MeasuringPart + (1 - MeasuringPart) * std::min(y, size.height()) / size.height();
@@ -106,16 +106,19 @@ qint64 RawBytesBeside(LibRaw& raw) {
                             : static_cast<qint64>(double(pixels) * stretch * UnpackedAndWhole);
 }
 
-QImage DevelopedRaw(LibRaw& raw, const CheckOfResult& check,
+QImage DevelopedRaw(LibRaw& raw, const NewPictureOfRaw& newPicture,
+                    const std::function<void(int result)>& check,
                     const std::function<void(double begin, double end)>& onPart) {
     if (GoesInBands(raw)) {
-        return InBands(raw, check, onPart);
+        return InBands(raw, newPicture, check, onPart);
     }
     onPart(0, 1);
     check(raw.dcraw_process());
     const QImage image = TakenOut(raw, check);
     raw.recycle();
-    return RequireAllocated(image.convertToFormat(QImage::Format_RGB32));
+    QImage result = newPicture(image.size());
+    CopyRows(image, 0, result, 0, image.height());
+    return result;
 }
 
 }  // namespace kadrona::imaging

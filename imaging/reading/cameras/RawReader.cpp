@@ -172,10 +172,12 @@ DecodedImage DecodeRaw(const ReadTask& task) {
     faults.FailIfAny(task);
     raw->recycle_datastream();
     file.clear();
+    task.LetFileGo();
     task.RequireMemoryBeside(RawBytesBeside(*raw), MostBytesBesideOfCameras);
     DecodedImage decoded;
     decoded.image = DevelopedRaw(
-        *raw, [&task](int result) { Require(task, result); },
+        *raw, [&task](QSize size) { return task.NewPicture(size, QImage::Format_RGB32); },
+        [&task](int result) { Require(task, result); },
         [&progress](double begin, double end) { progress.BeginPart(begin, end); });
     decoded.metadata.orientation = orientation;
     return decoded;

@@ -12,8 +12,9 @@ namespace kadrona::imaging {
 class RawStream : public LibRaw_buffer_datastream {
  public:
     /// The bytes outlive the stream.
-    explicit RawStream(QByteArray& file)
-        : LibRaw_buffer_datastream(file.data(), static_cast<size_t>(file.size())),
+    explicit RawStream(const QByteArray& file)
+        : LibRaw_buffer_datastream(const_cast<char*>(file.constData()),
+                                   static_cast<size_t>(file.size())),
           left_(FewestQuestions + file.size()) {}
 
     /// For what takes time in proportion to the pixels.

@@ -1,4 +1,4 @@
-#include "imaging/reading/Jpeg2000Blocks.h"
+#include "imaging/reading/cameras/Jpeg2000Blocks.h"
 
 #include <algorithm>
 #include <array>

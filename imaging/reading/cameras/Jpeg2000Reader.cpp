@@ -1,12 +1,11 @@
-#include "imaging/reading/Jpeg2000Reader.h"
+#include "imaging/reading/cameras/Jpeg2000Reader.h"
 
 #include <algorithm>
 #include <array>
 
 #include "imaging/codec/OpenJpeg.h"
 #include "imaging/metadata/Jpeg2000Boxes.h"
-#include "imaging/pixels/NewImage.h"
-#include "imaging/reading/Jpeg2000Blocks.h"
+#include "imaging/reading/cameras/Jpeg2000Blocks.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
@@ -15,7 +14,6 @@ namespace kadrona::imaging {
 
 namespace {
 
-const QByteArrayView FileSignature("\0\0\0\x0cjP  \r\n\x87\n", 12);
 const QByteArrayView CodestreamSignature("\xff\x4f\xff\x51", 4);
 
 constexpr int MostChannels = 4;
@@ -212,8 +210,8 @@ void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, Decode
         task.Fail(DamagedFileReason());
     }
     const QPoint origin(static_cast<int>(image->x0), static_cast<int>(image->y0));
-    decoded.image = NewImage({static_cast<int>(layout.width), static_cast<int>(layout.height)},
-                             QImage::Format_ARGB32);
+    decoded.image = task.NewPicture(
+        {static_cast<int>(layout.width), static_cast<int>(layout.height)}, QImage::Format_ARGB32);
     for (qint64 tile = 0; tile < layout.tiles; ++tile) {
         if (!opj_get_decoded_tile(codec.get(), stream.get(), image.get(),
                                   static_cast<OPJ_UINT32>(tile)) ||
@@ -232,11 +230,7 @@ void DecodeTiles(const ReadTask& task, const Layout& layout, bool isFile, Decode
 
 }  // namespace
 
-bool IsJpeg2000(QByteArrayView start) {
-    return start.startsWith(FileSignature) || start.startsWith(CodestreamSignature);
-}
-
-DecodedImage ReadJpeg2000(const ReadTask& task) try {
+DecodedImage DecodeJpeg2000(const ReadTask& task) try {
     QIODevice& device = task.Device();
     const bool isFile = !device.peek(4).startsWith(CodestreamSignature);
     DecodedImage decoded;

@@ -1,0 +1,1 @@
+kadrona_fuzzer(decoding_fuzzer USES kadrona_imaging_reading)

@@ -1,0 +1,141 @@
+#include "platform/confinement/Confinement.h"
+
+#include <fcntl.h>
+#include <sched.h>
+#include <seccomp.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <initializer_list>
+#include <memory>
+
+namespace kadrona::platform {
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool Sanitized = true;
+#elif defined(__has_feature)
+constexpr bool Sanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool Sanitized = false;
+#endif
+
+/// The kernel itself kills where `most` is exceeded by more than `grace`.
+void Limit(decltype(RLIMIT_CORE) what, qint64 most, qint64 grace = 0) {
+    rlimit limit{};
+    (void)getrlimit(what, &limit);
+    limit.rlim_cur = std::min(limit.rlim_cur, static_cast<rlim_t>(most));
+    limit.rlim_max = std::min(limit.rlim_max, static_cast<rlim_t>(most + grace));
+    (void)setrlimit(what, &limit);
+}
+
+/// In bytes.
+qint64 AddressSpaceInUse() {
+    qint64 pages = 0;
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen("/proc/self/statm", "re"),
+                                                     std::fclose);
+    if (!file || std::fscanf(file.get(), "%lld", &pages) != 1) {
+        constexpr qint64 Usual = 300'000'000;  // no more than that by the libraries
+        return Usual;
+    }
+    return pages * sysconf(_SC_PAGESIZE);
+}
+
+/// What reading, writing, memory, time and threads take.
+constexpr std::array AllowedCalls{SCMP_SYS(read),
+                                  SCMP_SYS(write),
+                                  SCMP_SYS(close),
+                                  SCMP_SYS(ftruncate),
+                                  SCMP_SYS(munmap),
+                                  SCMP_SYS(mremap),
+                                  SCMP_SYS(madvise),
+                                  SCMP_SYS(brk),
+                                  SCMP_SYS(futex),
+                                  SCMP_SYS(set_robust_list),
+                                  SCMP_SYS(rseq),
+                                  SCMP_SYS(gettid),
+                                  SCMP_SYS(getpid),
+                                  SCMP_SYS(sched_yield),
+                                  SCMP_SYS(sched_getaffinity),
+                                  SCMP_SYS(clock_gettime),
+                                  SCMP_SYS(clock_getres),
+                                  SCMP_SYS(clock_nanosleep),
+                                  SCMP_SYS(nanosleep),
+                                  SCMP_SYS(gettimeofday),
+                                  SCMP_SYS(restart_syscall),
+                                  SCMP_SYS(rt_sigaction),
+                                  SCMP_SYS(rt_sigprocmask),
+                                  SCMP_SYS(rt_sigreturn),
+                                  SCMP_SYS(sigaltstack),
+                                  SCMP_SYS(getrandom),
+                                  SCMP_SYS(sysinfo),
+                                  SCMP_SYS(exit),
+                                  SCMP_SYS(exit_group)};
+/// By these a sanitizer finds out whether it may read something.
+constexpr std::array CallsOfSanitizers{SCMP_SYS(pipe), SCMP_SYS(pipe2)};
+
+/// False where the kernel has no filter.
+bool FilterCalls() {
+    const std::unique_ptr<void, void (*)(scmp_filter_ctx)> filter(
+        seccomp_init(SCMP_ACT_ERRNO(EPERM)), seccomp_release);
+    bool done = filter != nullptr;
+    const auto add = [&](int call, std::initializer_list<scmp_arg_cmp> conditions = {},
+                         quint32 action = SCMP_ACT_ALLOW) {
+        done = done && seccomp_rule_add_array(filter.get(), action, call,
+                                              static_cast<unsigned>(conditions.size()),
+                                              conditions.begin()) == 0;
+    };
+    for (const int call : AllowedCalls) {
+        add(call);
+    }
+    for (const int call : CallsOfSanitizers) {
+        add(call, {}, Sanitized ? SCMP_ACT_ALLOW : SCMP_ACT_ERRNO(ENOSYS));
+    }
+    const scmp_arg_cmp notExecutable = SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0);
+    add(SCMP_SYS(mmap), {notExecutable});
+    add(SCMP_SYS(mprotect), {notExecutable});
+    add(SCMP_SYS(clone), {SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD)});
+    // What it asks with cannot be looked into; the C library then asks as before.
+    add(SCMP_SYS(clone3), {}, SCMP_ACT_ERRNO(ENOSYS));
+    add(SCMP_SYS(tgkill), {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()))});
+    // Libraries may have begun threads when they were loaded.
+    return done && seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_TSYNC, 1) == 0 &&
+           seccomp_load(filter.get()) == 0;
+}
+
+}  // namespace
+
+void BindToStarter() {
+    (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    Limit(RLIMIT_CORE, 0);
+    const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (int stream = 0; nowhere >= 0 && stream <= (Sanitized ? 1 : 2); ++stream) {
+        (void)dup2(nowhere, stream);
+    }
+    if (nowhere > STDERR_FILENO) {
+        close(nowhere);
+    }
+}
+
+void Confine(const ProcessLimits& limits) {
+    constexpr int MostFiles = 16;
+    std::signal(SIGXFSZ, SIG_IGN);  // a call that fails says more
+    Limit(RLIMIT_FSIZE, limits.file);
+    Limit(RLIMIT_CPU, limits.seconds, 1);
+    Limit(RLIMIT_NOFILE, MostFiles);
+    if (!Sanitized) {
+        Limit(RLIMIT_AS, AddressSpaceInUse() + limits.memory);
+    }
+    (void)prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    (void)FilterCalls();
+}
+
+}  // namespace kadrona::platform

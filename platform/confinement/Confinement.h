@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace kadrona::platform {
+
+/// What a process may still use of the machine, from now on.
+struct ProcessLimits {
+    /// Memory beside what it has already, shared memory too, in bytes.
+    qint64 memory = 0;
+    /// The largest size of any file or shared memory, in bytes.
+    qint64 file = 0;
+    /// Processor time of all its threads.
+    int seconds = 0;
+};
+
+/// The process ends with the thread that started it, has no core file, and what it prints goes
+/// nowhere. To be called first.
+void BindToStarter();
+
+/// Takes from this process for good what a computation does not need: it may no longer open files
+/// or connections, start or end programs, make code, or use more than the limits. What it has open
+/// it may read and write; threads it may start. A kernel that filters no system calls leaves it the
+/// limits alone. With an address sanitizer memory has no limit.
+void Confine(const ProcessLimits& limits);
+
+}  // namespace kadrona::platform
