@@ -23,6 +23,7 @@
 #include "app/commandline/TerminalText.h"
 #include "app/commandline/WindowRequest.h"
 #include "app/printing/PrintService.h"
+#include "controls/fields/LabelsFollowFields.h"
 #include "controls/fields/WheelNeedsFocus.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/base/Product.h"
@@ -159,6 +160,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
     application.installEventFilter(new dialogs::SmallScreens(&application));
     application.installEventFilter(new ProgressWatch(&application));
     application.installEventFilter(new controls::WheelNeedsFocus(&application));
+    application.installEventFilter(new controls::LabelsFollowFields(&application));
     int result = Done;
     const bool started = controls::Guarded(nullptr, [&] {
         const std::unique_ptr<printing::PrinterLayer> printer = MakePrinterLayer();

@@ -11,6 +11,7 @@
 #include "controls/commands/ScreenTip.h"
 #include "controls/fields/ClearableComboBox.h"
 #include "controls/fields/FindPanel.h"
+#include "controls/fields/LabelsFollowFields.h"
 #include "controls/fields/PathShortening.h"
 #include "controls/fields/RememberedChoice.h"
 #include "controls/fields/SelectionList.h"
@@ -317,6 +318,23 @@ TEST(WheelNeedsFocus, OnAPageItIsLeftToThePage) {
         EXPECT_TRUE(SendWheel(*control, {3, 3}, -120));
     }
     EXPECT_EQ(std::pair(box.currentIndex(), number.value()), std::pair(1, 4));
+}
+
+TEST(LabelsFollowFields, AreGreyWhereTheirFieldIs) {
+    LabelsFollowFields filter;
+    qApp->installEventFilter(&filter);
+    QWidget window;
+    auto& form = *new QWidget(&window);
+    auto& label = *new QLabel(u"Name"_s, &form);
+    auto& field = *new QSpinBox(&form);
+    label.setBuddy(&field);
+    field.setEnabled(false);
+    window.show();
+    EXPECT_FALSE(label.isEnabled());
+    form.setEnabled(false);
+    form.setEnabled(true);
+    field.setEnabled(true);
+    EXPECT_TRUE(label.isEnabled());
 }
 
 TEST(ClearableComboBox, DeleteTakesTheChoiceBack) {
