@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "core/templates/LayoutFile.h"
 #include "platform/Error.h"
@@ -54,6 +55,17 @@ QPoint PlaceWithin(const QRect& window, const QScreen& screen) {
             std::clamp(window.y(), room.y(), room.y() + room.height() - whole.height())};
 }
 
+/// Beside the windows that stand exactly where that one would; the place itself where the screen
+/// has no room beside them.
+QPoint FreePlace(const QRect& window, const QScreen& screen, const std::vector<QPoint>& taken) {
+    const int step = FrameSize().height();
+    QPoint place = window.topLeft();
+    while (std::ranges::find(taken, place) != taken.end()) {
+        place += QPoint(step, step);
+    }
+    return place == window.topLeft() ? place : PlaceWithin({place, window.size()}, screen);
+}
+
 }  // namespace
 
 WindowPlace::WindowPlace(QWidget& window, QString dataFolder)
@@ -75,8 +87,10 @@ void WindowPlace::Restore() {
     if (saved.x() != 0 && saved.y() != 0 && screen != nullptr) {
         const QSize size = FittingSize(saved.size(), *screen);
         window_.resize(size);
-        window_.move(size == saved.size() ? saved.topLeft()
-                                          : PlaceWithin({saved.topLeft(), size}, *screen));
+        const QPoint place =
+            size == saved.size() ? saved.topLeft() : PlaceWithin({saved.topLeft(), size}, *screen);
+        window_.move(FreePlace({place, size}, *screen, standing_.Others()));
+        standing_.Tell(window_.pos());
     }
     if (platform::IniFile(core::LayoutFile::PathIn(dataFolder_))
             .ReadInteger(section, MaximizedKey)) {
@@ -100,7 +114,8 @@ void WindowPlace::Save() const {
 }
 
 /// Where that fails it is said when the window is closed.
-void WindowPlace::SaveQuietly() const {
+void WindowPlace::SaveQuietly() {
+    standing_.Tell(window_.pos());
     try {
         Save();
     } catch (const platform::Error&) {

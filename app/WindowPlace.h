@@ -5,6 +5,8 @@
 #include <QString>
 #include <QTimer>
 
+#include "platform/StandingWindows.h"
+
 class QWidget;
 
 namespace kadrona::app {
@@ -21,7 +23,8 @@ class WindowPlace : public QObject {
 
     /// Before the window is shown. A saved edge of exactly 0 means that no place is restored; so
     /// does a place that no screen shows any more. On a smaller screen the window gets as large as
-    /// that screen. Throws platform::FileError.
+    /// that screen. Where the window of another program of this user stands exactly there, it comes
+    /// to stand a title bar's height farther right and down. Throws platform::FileError.
     void Restore();
     /// Throws platform::FileError.
     void Save() const;
@@ -33,10 +36,11 @@ class WindowPlace : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-    void SaveQuietly() const;
+    void SaveQuietly();
 
     QWidget& window_;
     QString dataFolder_;
+    platform::StandingWindows standing_;
     /// From the frame's corner to the window's, where it stood outside the maximised state.
     QPoint frame_;
     /// Runs while the window was moved and its place is not yet stored.

@@ -1,6 +1,7 @@
 #include "platform/Paths.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -65,6 +66,16 @@ QString CommonAppDataFolder() {
     const QString chosen = qEnvironmentVariable("KADRONA_COMMON_APPDATA");
     return WithoutTrailingSeparator(
         QDir::toNativeSeparators(chosen.isEmpty() ? SystemCommonAppDataFolder() : chosen));
+}
+
+QString RuntimeFolder() {
+    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    struct stat status {};
+    const bool isOwn = folder.startsWith(u'/') &&
+                       lstat(QFile::encodeName(folder).constData(), &status) == 0 &&
+                       S_ISDIR(status.st_mode) && status.st_uid == geteuid() &&
+                       (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    return isOwn ? folder : QString();
 }
 
 bool IsFile(const QString& path) {

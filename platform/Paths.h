@@ -28,6 +28,10 @@ QString DeliveredFolder(const QString& programFolder, const QString& name);
 /// (a package makes it); else $XDG_DATA_HOME (~/.local/share where that is unset).
 QString CommonAppDataFolder();
 
+/// The user's own folder for sockets ($XDG_RUNTIME_DIR); empty where the session has none that is
+/// his alone.
+QString RuntimeFolder();
+
 /// Whether there is a regular file, or a link to one. Throws FileError where that cannot be looked
 /// up: what may be there must not be taken for missing.
 bool IsFile(const QString& path);

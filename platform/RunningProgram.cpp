@@ -32,17 +32,6 @@ constexpr int MostClients = 8;
 constexpr int RestMilliseconds = 1000;
 constexpr char Taken = 1;
 
-/// The user's own folder for sockets; empty where the session has none that is his alone.
-QString RuntimeFolder() {
-    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    struct stat status {};
-    const bool isOwn = folder.startsWith(u'/') &&
-                       lstat(QFile::encodeName(folder).constData(), &status) == 0 &&
-                       S_ISDIR(status.st_mode) && status.st_uid == geteuid() &&
-                       (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-    return isOwn ? folder : QString();
-}
-
 /// False where the path is too long for one.
 bool AddressOf(const QByteArray& path, sockaddr_un& address) {
     address.sun_family = AF_UNIX;

@@ -11,8 +11,11 @@
 #include <atomic>
 #include <memory>
 #include <thread>
+#include <vector>
 
+#include "platform/AtomicFile.h"
 #include "platform/RunningProgram.h"
+#include "platform/StandingWindows.h"
 
 namespace kadrona::platform {
 
@@ -34,6 +37,21 @@ void LeaveWithoutWaiting(const QString& folder, const QByteArray& request) {
 }
 
 }  // namespace
+
+TEST(StandingWindows, AreThoseOfOtherProgramsThatRun) {
+    QTemporaryDir folder;
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder.path()));
+    const QString killed = folder.filePath(u"kadrona-window-2147483647"_s);
+    WriteFileAtomically(killed, "1 2");
+    WriteFileAtomically(folder.filePath(u"kadrona-window-1"_s), "300 -40");
+    {
+        StandingWindows windows;
+        windows.Tell({5, 6});
+        EXPECT_EQ(windows.Others(), std::vector<QPoint>({{300, -40}}));
+        EXPECT_FALSE(QFile::exists(killed));
+    }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1) << "its own is taken back";
+}
 
 TEST(RunningProgram, TheFirstGetsWhatLaterStartsAreAskedAndAnotherFollowsIt) {
     QTemporaryDir folder;
