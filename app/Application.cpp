@@ -7,6 +7,8 @@
 #include <QTranslator>
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstdio>
 #include <memory>
 
 #include "app/AppearanceActions.h"
@@ -32,6 +34,8 @@
 #include "platform/Paths.h"
 #include "platform/RunningProgram.h"
 #include "platform/SilenceWatch.h"
+#include "platform/Surroundings.h"
+#include "platform/SystemReason.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -59,6 +63,18 @@ bool AsksForHelp(const QStringList& arguments) {
     return options.contains(u"--help"_s) || options.contains(u"-h"_s);
 }
 
+/// A list that did not reach the file it was sent to is not done.
+bool IsPrinted(QTextStream& output, QTextStream& errors) {
+    output.flush();
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+        return true;
+    }
+    errors << u"Die Ausgabe konnte nicht geschrieben werden: %1."_s.arg(
+                  platform::SystemReason(errno))
+           << Qt::endl;
+    return false;
+}
+
 /// What the arguments ask for when it needs no window; nothing when a window is to be opened.
 std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& arguments) {
     QTextStream output(stdout);
@@ -77,7 +93,8 @@ std::optional<int> RunWithoutWindow(int argc, char** argv, const QStringList& ar
         }
         if (first == name) {
             const auto console = ConsoleApplication(argc, argv, arguments);
-            return run(arguments.mid(2), output, errors);
+            const int result = run(arguments.mid(2), output, errors);
+            return IsPrinted(output, errors) ? result : SomePhotoFailed;
         }
     }
     if (first == u"--help"_s || first == u"-h"_s) {
@@ -182,6 +199,7 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
 }  // namespace
 
 int Run(int argc, char** argv) {
+    platform::MakeUpForSurroundings();
     platform::IgnoreFileSizeSignal();
     const QStringList arguments = ArgumentsOf(argc, argv);
     if (arguments.value(1) == u"--waiting"_s && arguments.size() == 4) {

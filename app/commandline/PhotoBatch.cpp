@@ -1,7 +1,9 @@
 #include "app/commandline/PhotoBatch.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <filesystem>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/TerminalText.h"
@@ -19,6 +21,22 @@ bool NamesFolder(const QString& output) {
            QFileInfo(output).suffix().isEmpty();
 }
 
+/// Photos whose names are no UTF-8: the toolkit leaves them out of its lists without a word. Under
+/// what stands here instead none can be opened, so that each is named among those not done.
+QStringList BrokenNames(const QString& folder, const QStringList& patterns) {
+    QStringList broken;
+    std::error_code failed;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(QFile::encodeName(folder).toStdString(), failed)) {
+        const QByteArray bytes = QByteArray::fromStdString(entry.path().filename().string());
+        const QString name = QFile::decodeName(bytes);
+        if (QFile::encodeName(name) != bytes && QDir::match(patterns, name)) {
+            broken.append(QDir(folder).filePath(name));
+        }
+    }
+    return broken;
+}
+
 }  // namespace
 
 QStringList RequestedPhotos(const QStringList& photos) {
@@ -33,6 +51,7 @@ QStringList RequestedPhotos(const QStringList& photos) {
         for (const QFileInfo& file : QDir(photo).entryInfoList(patterns, QDir::Files, QDir::Name)) {
             found.append(file.filePath());
         }
+        found.append(BrokenNames(photo, patterns));
     }
     if (found.isEmpty()) {
         throw UsageError(u"In „%1“ ist kein Foto."_s.arg(photos.join(u"“, „"_s)));

@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -17,6 +19,7 @@
 #include "platform/Paths.h"
 #include "platform/ProgramPart.h"
 #include "platform/PropertyFile.h"
+#include "platform/Surroundings.h"
 #include "platform/TerminationSignals.h"
 #include "platform/TextDecoding.h"
 #include "platform/UniqueFile.h"
@@ -239,6 +242,19 @@ TEST(TerminationSignals, TellTheEventLoopOnce) {
         EXPECT_EQ(requests, 1) << number;
     }
     EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL) << "as it was";
+}
+
+TEST(Surroundings, ClosedStreamsAndRelativeFoldersAreMadeUpFor) {
+    const auto data = Scoped("XDG_DATA_HOME", "here");
+    const auto cache = Scoped("XDG_CACHE_HOME", "/there");
+    const int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    MakeUpForSurroundings();
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), 0) << "the next file would be the input";
+    dup2(input, STDIN_FILENO);
+    close(input);
+    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_DATA_HOME"));
+    EXPECT_EQ(qgetenv("XDG_CACHE_HOME"), "/there");
 }
 
 }  // namespace
