@@ -58,7 +58,7 @@ std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Setting
     for (const core::OrderLine& line : order.lines) {
         try {
             const QString photo = PhotoPath(line, request.order);
-            RequireNoPhoto(output, RealFiles({photo}));
+            RequireNoPhoto(output, IdentitiesOf({photo}));
             core::CollectedItem item = CutItem(data, settings, line, photo, errors);
             item.picture = core::KeptPicture(item, finest);
             pixels += qint64{item.picture.Width()} * item.picture.Height();

@@ -1,8 +1,11 @@
 #include "app/commandline/PhotoBatch.h"
 
+#include <sys/stat.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <filesystem>
 
 #include "app/commandline/CommandSetup.h"
@@ -87,17 +90,20 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
     return outputs;
 }
 
-QSet<QString> RealFiles(const QStringList& files) {
-    QSet<QString> real;
+FileIdentities IdentitiesOf(const QStringList& files) {
+    FileIdentities identities;
     for (const QString& file : files) {
-        real.insert(QFileInfo(file).canonicalFilePath());
+        struct stat status {};
+        if (stat(QFile::encodeName(file).constData(), &status) == 0) {
+            identities.emplace(status.st_dev, status.st_ino);
+        }
     }
-    real.remove({});
-    return real;
+    return identities;
 }
 
-void RequireNoPhoto(const QString& output, const QSet<QString>& photos) {
-    if (photos.contains(QFileInfo(output).canonicalFilePath())) {
+void RequireNoPhoto(const QString& output, const FileIdentities& photos) {
+    const FileIdentities there = IdentitiesOf({output});
+    if (!there.empty() && photos.contains(*there.begin())) {
         throw platform::Error(
             u"Das Ziel „%1“ ist eines der Fotos und würde es überschreiben."_s.arg(output));
     }
@@ -129,7 +135,7 @@ void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
 int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
              QTextStream& errors,
              const std::function<QString(const QString& photo, const QString& output)>& make) {
-    const QSet<QString> sources = RealFiles(photos);
+    const FileIdentities sources = IdentitiesOf(photos);
     int result = Done;
     for (qsizetype i = 0; i < photos.size(); ++i) {
         const QString& photo = photos.at(i);

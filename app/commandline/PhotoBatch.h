@@ -1,11 +1,14 @@
 #pragma once
 
-#include <QSet>
+#include <sys/types.h>
+
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
 #include <functional>
 #include <optional>
+#include <set>
+#include <utility>
 
 #include "app/commandline/SheetRequest.h"
 #include "core/Data.h"
@@ -24,13 +27,16 @@ QStringList RequestedPhotos(const QStringList& photos);
 QStringList OutputFiles(const QString& output, const QStringList& photos,
                         const QStringList& extensions);
 
-/// Where these files really are, whatever links lead to them; those that are not there are left
-/// out.
-QSet<QString> RealFiles(const QStringList& files);
+/// What tells files of this machine apart, whatever names, links and mounts lead to them: the
+/// device and the number there.
+using FileIdentities = std::set<std::pair<dev_t, ino_t>>;
+
+/// Those of these files; what is not there has none.
+FileIdentities IdentitiesOf(const QStringList& files);
 
 /// Throws platform::Error where `output` is one of the photos, which it would overwrite. `photos`
-/// are of RealFiles.
-void RequireNoPhoto(const QString& output, const QSet<QString>& photos);
+/// are of IdentitiesOf.
+void RequireNoPhoto(const QString& output, const FileIdentities& photos);
 
 /// Opens a photo as the window does, without its questions, and draws the loaded template over it.
 /// Throws platform::Error.

@@ -1,4 +1,5 @@
 #include <QProcess>
+#include <filesystem>
 #include <fstream>
 
 #include "app/Application.h"
@@ -246,6 +247,10 @@ TEST_F(SheetCommand, NeverOverwritesThePhotoAndRefusesARectangleOutsideIt) {
     EXPECT_EQ(QImage(other).size(), QSize(400, 500)) << "nor that of another customer";
     request.photos.removeLast();
     request.output = installation.Path("sheet.png");
+    std::filesystem::create_hard_link(request.photos.first().toStdString(),
+                                      request.output.toStdString());
+    EXPECT_EQ(Run(), app::SomePhotoFailed) << "by another name, as where a disk is mounted twice";
+    QFile::remove(request.output);
     request.place = core::TemplatePlace{101, 0, 300};
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_FALSE(QFile::exists(request.output));
