@@ -99,13 +99,13 @@ bool FilterCalls() {
     for (const int call : CallsOfSanitizers) {
         add(call, {}, Sanitized ? SCMP_ACT_ALLOW : SCMP_ACT_ERRNO(ENOSYS));
     }
-    const scmp_arg_cmp notExecutable = SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0);
+    const scmp_arg_cmp notExecutable{2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0};
     add(SCMP_SYS(mmap), {notExecutable});
     add(SCMP_SYS(mprotect), {notExecutable});
-    add(SCMP_SYS(clone), {SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD)});
+    add(SCMP_SYS(clone), {{0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD}});
     // What it asks with cannot be looked into; the C library then asks as before.
     add(SCMP_SYS(clone3), {}, SCMP_ACT_ERRNO(ENOSYS));
-    add(SCMP_SYS(tgkill), {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()))});
+    add(SCMP_SYS(tgkill), {{0, SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()), 0}});
     // Libraries may have begun threads when they were loaded.
     return done && seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_TSYNC, 1) == 0 &&
            seccomp_load(filter.get()) == 0;
