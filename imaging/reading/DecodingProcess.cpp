@@ -65,7 +65,7 @@ class Decoding {
                     FailAsItLies();
                 }
                 if (auto decoded =
-                        std::visit([this](const auto& said) { return Take(said); }, *message)) {
+                        std::visit([&](const auto& said) { return Take(said); }, *message)) {
                     return std::move(*decoded);
                 }
             }
