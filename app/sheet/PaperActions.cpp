@@ -318,13 +318,7 @@ std::optional<core::PaperChoice> PaperActions::PaperFor(const std::function<QSiz
     const auto request = core::RequestOf(choice, photo, session_.LayoutIndex());
     const core::PaperLayout layout = core::LayOutOnPaper(request);
     if (request.count && layout.room < *request.count) {
-        const QString question =
-            u"Auf das Papier (%1) %2 statt %3.\n\n%4"_s
-                .arg(core::SizeText(*choice.paper), core::RoomText(layout.room))
-                .arg(*request.count)
-                .arg(layout.room == 1 ? u"Soll es 1 Bild werden?"_s
-                                      : u"Sollen es %1 werden?"_s.arg(PicturesText(layout.room)));
-        if (!around_.ui.AskYesNo(question)) {
+        if (!around_.ui.AskYesNo(core::RoomQuestion(request, layout.room))) {
             return std::nullopt;
         }
         choice.count = layout.room;

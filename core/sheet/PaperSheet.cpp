@@ -24,6 +24,12 @@ constexpr int FromTenths(int tenths) {
     return tenths * (MicrometresPerMillimetre / 10);
 }
 
+/// How many pictures a paper has room for.
+QString RoomText(int room) {
+    return (room == 1 ? u"passt nur "_s : u"passen nur "_s) +
+           platform::CountedText(room, u"Bild"_s, u"Bilder"_s);
+}
+
 }  // namespace
 
 PaperChoice PaperChoiceOf(const Settings& settings) {
@@ -68,9 +74,10 @@ PaperRequest RequestOf(const PaperChoice& choice, QSize photo, int layoutIndex) 
     return {choice.paper.value(), choice.edge, choice.gap, photo, count};
 }
 
-QString RoomText(int room) {
-    return (room == 1 ? u"passt nur "_s : u"passen nur "_s) +
-           platform::CountedText(room, u"Bild"_s, u"Bilder"_s);
+QString RoomQuestion(const PaperRequest& request, int room) {
+    return u"Auf das Papier (%1) %2 statt %3.\n\n%4"_s.arg(SizeText(request.paper), RoomText(room))
+        .arg(request.count.value_or(room))
+        .arg(room == 1 ? u"Soll es 1 Bild werden?"_s : u"Sollen es %1 Bilder werden?"_s.arg(room));
 }
 
 PaperLayout RequiredLayout(const PaperChoice& choice, QSize photo, int layoutIndex) {

@@ -52,8 +52,8 @@ imaging::Pixels CopiesOnPaper(const imaging::Pixels& photo, QSize size,
                               imaging::DotsPerInch resolution, const PaperChoice& choice,
                               int layoutIndex);
 
-/// How many pictures a paper has room for: "passt nur 1 Bild", "passen nur 4 Bilder".
-QString RoomText(int room);
+/// Whether only `room` pictures are to be made, fewer than are asked for.
+QString RoomQuestion(const PaperRequest& request, int room);
 
 /// Size of a template's canvas, tenths of a millimetre, in micrometres.
 QSize PrintedSize(QSize canvas);

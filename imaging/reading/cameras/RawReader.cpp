@@ -139,6 +139,15 @@ class RawProgress {
     double end_ = UnpackingPart;
 };
 
+/// By what the file says before its pixels are unpacked.
+void RequireAllowed(const ReadTask& task, LibRaw& raw) {
+    const libraw_image_sizes_t& sizes = raw.imgdata.sizes;
+    task.RequireAllowedSize(std::max(sizes.width, sizes.raw_width),
+                            std::max(sizes.height, sizes.raw_height));
+    task.RequireAllowedSize(sizes.width, sizes.height);
+    task.RequireMemoryBeside(RawBytesBeside(raw), MostBytesBesideOfCameras);
+}
+
 }  // namespace
 
 DecodedImage DecodeRaw(const ReadTask& task) {
@@ -150,12 +159,7 @@ DecodedImage DecodeRaw(const ReadTask& task) {
     raw->set_dataerror_handler(&DataFaults::Note, &faults);
     SetParameters(raw->imgdata.params);
     Require(task, raw->open_datastream(&stream));
-    const libraw_image_sizes_t& sizes = raw->imgdata.sizes;
-    const qint64 width = std::max(sizes.width, sizes.raw_width);
-    const qint64 height = std::max(sizes.height, sizes.raw_height);
-    task.RequireAllowedSize(width, height);
-    task.RequireAllowedSize(sizes.width, sizes.height);
-    task.RequireMemoryBeside(RawBytesBeside(*raw), MostBytesBesideOfCameras);
+    RequireAllowed(task, *raw);
     if (task.Shrink() > 1) {
         if (auto preview = RawPreview(task, *raw, task.Shrink())) {
             return std::move(*preview);
