@@ -26,7 +26,7 @@ void DevelopingDisplay::Begin(const imaging::Pixels& preview) {
         ShowPreview(preview);
     }
     ShowLine();
-    GoOn(0);
+    GoOn(Unknown);
 }
 
 /// As large as the photo will be.
@@ -55,7 +55,7 @@ void DevelopingDisplay::ShowLine() {
     constexpr int AboveEdge = 24;
     line_ =
         controls::MakeProgressDialog(u"DevelopingProgress"_s, u"Bild öffnen"_s, place_.window());
-    line_->setLabelText(u"Das Foto wird entwickelt …"_s);
+    line_->setLabelText(u"Das Foto wird geöffnet …"_s);
     line_->setMinimumDuration(0);
     const QSize size = line_->sizeHint().expandedTo(line_->minimumSize());
     const QPoint foot = place_.mapToGlobal(QPoint(place_.width() / 2, place_.height()));
@@ -66,7 +66,11 @@ void DevelopingDisplay::ShowLine() {
 }
 
 bool DevelopingDisplay::GoOn(double part) {
-    line_->setValue(static_cast<int>(std::lround(part * controls::ProgressParts)));
+    line_->setMaximum(part < 0 ? 0 : controls::ProgressParts);  // of 0 the bar only moves
+    if (part >= 0) {
+        line_->setLabelText(u"Das Foto wird entwickelt …"_s);
+        line_->setValue(static_cast<int>(std::lround(part * controls::ProgressParts)));
+    }
     QCoreApplication::processEvents();
     return !line_->wasCanceled();
 }

@@ -11,8 +11,8 @@ class QWidget;
 namespace kadrona::app {
 
 /// Shows the preview of a camera's raw file in the place of the photo while the photo itself is
-/// developed, and a line with a button that gives up. Nothing else takes the user's input
-/// meanwhile. Object names: "DevelopingPreview", "DevelopingProgress".
+/// developed, and, also for others that take long, a line with a button that gives up. Nothing else
+/// takes the user's input meanwhile. Object names: "DevelopingPreview", "DevelopingProgress".
 class DevelopingDisplay : public imaging::ReadProgress {
  public:
     /// `place`, which outlives the display, is covered by the preview.

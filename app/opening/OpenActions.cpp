@@ -60,7 +60,7 @@ struct OpenActions::Source {
     /// The name is a file's path.
     bool isFile = false;
     /// Its reading may take long, and be given up.
-    bool isRaw = false;
+    bool canGiveUp = false;
 };
 
 OpenActions::OpenActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
@@ -138,7 +138,7 @@ void OpenActions::OpenPicture(const QByteArray& bytes, const QString& origin) {
                       return core::ReadPhotoBytes(bytes, name, settings_, &progress);
                   },
               .remember = [&] { data_.SetCurrentFileName(name); },
-              .isRaw = imaging::IsRawImage(picture)});
+              .canGiveUp = imaging::CanGiveUp(picture)});
     });
     Q_EMIT actions_.Handled();
 }
@@ -155,7 +155,7 @@ bool OpenActions::OpenOriginal(const QString& path) {
                          data_.SetCurrentFileName(QFileInfo(path).fileName());
                          data_.SetOpenedFile(path);
                      },
-                 .isRaw = imaging::IsRawImageFile(path)});
+                 .canGiveUp = imaging::CanGiveUpFile(path)});
 }
 
 /// A file manager copies the files' names, whatever else it adds.
@@ -190,7 +190,7 @@ void OpenActions::LoadImageFile(const QString& fileName) {
               },
           .remember = [&] { data_.SetCurrentFile(fileName); },
           .isFile = true,
-          .isRaw = imaging::IsRawImageFile(fileName)});
+          .canGiveUp = imaging::CanGiveUpFile(fileName)});
 }
 
 /// Where the photo cannot be read, what is enabled is as after a successful load.
@@ -225,13 +225,13 @@ OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
     Outcome outcome = Outcome::Failed;
     controls::Guarded(view_.window(), [&] {
         const controls::WaitCursor wait;
-        if (!source.isRaw) {
+        if (!source.canGiveUp) {
             LeavePhotoBefore(source);
         }
         try {
             DevelopingDisplay display(view_.isVisible() ? view_ : *view_.parentWidget());
             imaging::LoadedImage photo = source.read(display);
-            if (source.isRaw) {
+            if (source.canGiveUp) {
                 LeavePhotoBefore(source);
             }
             core::ShowPhoto(std::move(photo), session_.Image());

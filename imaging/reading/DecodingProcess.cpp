@@ -23,6 +23,8 @@ namespace {
 
 /// Whoever waits looks around as often.
 constexpr std::chrono::milliseconds Look{100};
+/// Whoever is patient so long without a word is asked whether he goes on.
+constexpr qint64 PatienceMilliseconds = 2000;
 
 QString NameOf(CameraFormat format) {
     switch (format) {
@@ -47,6 +49,7 @@ class Decoding {
           progress_(task.Options().progress),
           process_(program, {&file_, &preview_, &picture_}) {
         sinceLook_.start();
+        sinceStart_.start();
     }
 
     DecodedImage Run() {
@@ -69,14 +72,28 @@ class Decoding {
                     return std::move(*decoded);
                 }
             }
-            if (hasBegun_ && !progress_->GoOn(part_)) {
-                throw ReadCancelled();
-            }
+            AskWhetherToGoOn();
         }
     }
 
  private:
     using Decoded = std::optional<DecodedImage>;
+
+    void Begin(const Pixels& preview) {
+        if (!hasBegun_) {
+            progress_->Begin(preview);
+        }
+        hasBegun_ = true;
+    }
+
+    void AskWhetherToGoOn() {
+        if (progress_ != nullptr && sinceStart_.elapsed() > PatienceMilliseconds) {
+            Begin({});
+        }
+        if (hasBegun_ && !progress_->GoOn(part_)) {
+            throw ReadCancelled();
+        }
+    }
 
     /// The file is copied: a disk or a share may let whoever reads it wait, which is told of here.
     void Ask() {
@@ -113,9 +130,10 @@ class Decoding {
     }
 
     Decoded Take(const decoding::Beginning& said) {
-        if (hasBegun_ || progress_ == nullptr) {
+        if (part_ >= 0 || progress_ == nullptr) {
             FailAsItLies();
         }
+        part_ = 0;
         Pixels preview;
         if (!said.preview.isEmpty()) {
             task_.RequireAllowedSize(said.preview.width(), said.preview.height());
@@ -123,8 +141,7 @@ class Decoding {
             preview = Pixels(
                 RequireAllocated(Shown(preview_, said.preview, QImage::Format_RGB32).copy()));
         }
-        progress_->Begin(preview);
-        hasBegun_ = true;
+        Begin(preview);
         return {};
     }
 
@@ -182,10 +199,11 @@ class Decoding {
     platform::SharedMemory preview_;
     platform::SharedMemory picture_;
     platform::HelperProcess process_;
+    QElapsedTimer sinceStart_;
     QElapsedTimer sinceLook_;
     WorkWatch watch_;
     bool hasBegun_ = false;
-    double part_ = 0;
+    double part_ = ReadProgress::Unknown;
 };
 
 }  // namespace

@@ -141,14 +141,15 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
     }
 }
 
-bool IsRawImage(QIODevice& device) {
+bool CanGiveUp(QIODevice& device) {
     const QByteArray start = device.peek(LongestSignature);
-    return IsRaw(start) || (IsTiff(start) && IsRawTiff(device));
+    return IsRaw(start) || IsHeif(start) || IsJpegXl(start) || IsJpeg2000(start) ||
+           (IsTiff(start) && IsRawTiff(device));
 }
 
-bool IsRawImageFile(const QString& path) {
+bool CanGiveUpFile(const QString& path) {
     QFile file(path);
-    return LookUpFailure(path).isEmpty() && file.open(QIODevice::ReadOnly) && IsRawImage(file);
+    return LookUpFailure(path).isEmpty() && file.open(QIODevice::ReadOnly) && CanGiveUp(file);
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {

@@ -30,10 +30,10 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options = {});
 /// the text of an error.
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options = {});
 
-/// True where a file is a camera's raw file, whose reading may take long and be given up; false
-/// where it cannot be opened.
-bool IsRawImageFile(const QString& path);
+/// True where reading a file may take long and be given up, as of cameras' raw files; false where
+/// it cannot be opened.
+bool CanGiveUpFile(const QString& path);
 /// The same of an open device with random access, which stays at its start.
-bool IsRawImage(QIODevice& device);
+bool CanGiveUp(QIODevice& device);
 
 }  // namespace kadrona::imaging

@@ -151,6 +151,8 @@ TEST_F(DecodingProcessTest, OnceGivenUpItEndsAtOnce) {
         Decoded("head -c 24 /dev/zero >&5\n" + Saying(decoding::Beginning{{2, 3}}), &progress),
         ReadCancelled);
     EXPECT_EQ(progress.begun, QSize(2, 3));
+    EXPECT_THROW(Decoded({}, &progress), ReadCancelled) << "nothing is heard of it";
+    EXPECT_TRUE(progress.begun.isEmpty());
     EXPECT_LT(time.elapsed(), 10'000);
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
 }
