@@ -18,7 +18,7 @@ namespace {
 
 /// Empty where the program is not installed: those of the build know its folder by themselves.
 QString InstalledPath(const QString& name) {
-    for (const QString& folder : {u"."_s, u"../lib/kadrona"_s}) {
+    for (const QString& folder : {u"../lib/kadrona"_s, u"parts"_s, u"."_s}) {
         QString path = QDir::cleanPath(JoinPath(ProgramFolder(), JoinPath(folder, name)));
         if (QFileInfo::exists(path)) {
             return path;

@@ -12,8 +12,8 @@ class PartMissing : public FileError {
 /// Address of a function in a part of the program: a library of its own, which is opened by the
 /// first call and stays open. A part holds what needs large libraries of others, so that these are
 /// read when they are first needed and not before the first window. `part` is its file's name
-/// without the extension: in "../lib/kadrona" beside the program, in the program's own folder, or
-/// where the build put it. Throws PartMissing.
+/// without the extension: in "../lib/kadrona" beside the program, in "parts" there, in the
+/// program's own folder, or where the build put it. Throws PartMissing.
 void* AddressInPart(const char* part, const char* function);
 
 /// The same, as a function of that type. It must be the type that the part declares, `function` the
