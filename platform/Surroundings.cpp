@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <QByteArray>
+#include <csignal>
 
 namespace kadrona::platform {
 
@@ -13,6 +14,7 @@ void MakeUpForSurroundings() {
             (void)open("/dev/null", O_RDWR);  // takes the lowest number that is free, which is this
         }
     }
+    std::signal(SIGCHLD, SIG_DFL);  // else nobody hears how a process has ended
     for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
         if (!qgetenv(folder).startsWith('/')) {
             qunsetenv(folder);

@@ -6,8 +6,9 @@
 namespace kadrona::app {
 
 bool IsAtRest() {
-    // One loop is the program's own; the others belong to who waits.
-    return QApplication::activeModalWidget() == nullptr &&
+    // One loop is the program's own; the others belong to who waits, as its own pointer tells.
+    return QApplication::overrideCursor() == nullptr &&
+           QApplication::activeModalWidget() == nullptr &&
            QApplication::activePopupWidget() == nullptr &&
            QThread::currentThread()->loopLevel() <= 1;
 }

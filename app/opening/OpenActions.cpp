@@ -237,7 +237,8 @@ OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
             core::ShowPhoto(std::move(photo), session_.Image());
             outcome = Outcome::Read;
         } catch (const imaging::ReadCancelled&) {
-            outcome = Outcome::Cancelled;
+            // The file may have become another one since it was looked at.
+            outcome = source.canGiveUp ? Outcome::Cancelled : Outcome::Failed;
         } catch (...) {
             LeavePhotoBefore(source);
             throw;
