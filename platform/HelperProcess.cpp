@@ -136,10 +136,10 @@ HelperProcess::Heard HelperProcess::Hear(QByteArray& message, std::chrono::milli
     if (length < 0 && (errno == EAGAIN || errno == EINTR)) {
         return Heard::Nothing;
     }
-    if (length <= 0 || length > message.size()) {
+    if (length <= 0) {
         return Heard::End;
     }
-    message.truncate(length);
+    message.truncate(length > message.size() ? 0 : length);
     return Heard::Message;
 }
 

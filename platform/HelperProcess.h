@@ -23,7 +23,7 @@ class HelperProcess {
         End,
     };
 
-    /// Longer messages count as none.
+    /// Longer messages are heard as empty ones.
     static constexpr qsizetype LongestMessage = 8192;
     /// In the process: what it talks through, and the first memory, behind which the others stand.
     static constexpr int Channel = 3;

@@ -43,6 +43,10 @@ std::unique_ptr<SharedMemory::View> SharedMemory::Resize(qint64 size) const {
     return ftruncate(handle_, size) == 0 ? Mapped(handle_, size, 0) : nullptr;
 }
 
+bool SharedMemory::Bound(qint64 most) const {
+    return ftruncate(handle_, most) == 0 && fcntl(handle_, F_ADD_SEALS, F_SEAL_GROW) == 0;
+}
+
 std::unique_ptr<SharedMemory::View> SharedMemory::Fixed(qint64 size) const {
     struct stat status {};
     const bool isSo = fcntl(handle_, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW) == 0 &&

@@ -37,6 +37,10 @@ class SharedMemory {
     /// Makes it that large, new bytes are 0. Null where memory is short, or the size is fixed.
     std::unique_ptr<View> Resize(qint64 size) const;
 
+    /// Makes it that large, and nobody who has it can make it larger any more: what is written to
+    /// it counts as no process's memory. False where memory is short.
+    bool Bound(qint64 most) const;
+
     /// Makes sure that nobody who has it can change its size any more, and that it is `size`: a
     /// process that is not trusted could else take bytes away from under whoever reads them. Null
     /// where it is of another size, or where memory is short.

@@ -14,6 +14,8 @@ namespace kadrona::imaging {
 /// room for a preview and room for the picture, in this order.
 struct DecodingRequest {
     enum Memory { File, Preview, Picture };
+    /// 25 megapixels: as previews of raw files are shrunk, more than any takes.
+    static constexpr qint64 MostPreviewBytes = 100'000'000;
 
     CameraFormat format = CameraFormat::Heif;
     /// Of the file, for texts.

@@ -25,6 +25,8 @@ namespace {
 constexpr std::chrono::milliseconds Look{100};
 /// Whoever is patient so long without a word is asked whether he goes on.
 constexpr qint64 PatienceMilliseconds = 2000;
+/// A small picture of a list is not worth more; nobody can give it up.
+constexpr qint64 PatienceForPreviewMilliseconds = 10'000;
 
 QString NameOf(CameraFormat format) {
     switch (format) {
@@ -49,7 +51,6 @@ class Decoding {
           progress_(task.Options().progress),
           process_(program, {&file_, &preview_, &picture_}) {
         sinceLook_.start();
-        sinceStart_.start();
     }
 
     DecodedImage Run() {
@@ -87,7 +88,10 @@ class Decoding {
     }
 
     void AskWhetherToGoOn() {
-        if (progress_ != nullptr && sinceStart_.elapsed() > PatienceMilliseconds) {
+        if (progress_ == nullptr) {
+            return;
+        }
+        if (sinceStart_.elapsed() > PatienceMilliseconds) {
             Begin({});
         }
         if (hasBegun_ && !progress_->GoOn(part_)) {
@@ -100,8 +104,8 @@ class Decoding {
         QIODevice& device = task_.Device();
         const qint64 size = task_.RequireReadableWhole();
         // A byte more, which is 0: some libraries take what they read for text.
-        const auto bytes = file_.Resize(size + 1);
-        if (!bytes) {
+        const auto bytes = file_.Bound(size + 1) ? file_.Resize(size + 1) : nullptr;
+        if (!bytes || !preview_.Bound(DecodingRequest::MostPreviewBytes)) {
             ThrowOutOfMemory();
         }
         device.seek(0);
@@ -113,12 +117,15 @@ class Decoding {
                                              .fileBytes = std::max<qint64>(read, 0),
                                              .options = options,
                                              .tellsProgress = progress_ != nullptr}));
+        sinceStart_.start();
     }
 
     void RequireWork() {
         const std::chrono::nanoseconds passed(sinceLook_.nsecsElapsed());
         sinceLook_.start();
-        if (!watch_.IsAllowed(process_.TimeUsed(), passed)) {
+        const bool isLate =
+            task_.Shrink() > 1 && sinceStart_.elapsed() > PatienceForPreviewMilliseconds;
+        if (isLate || !watch_.IsAllowed(process_.TimeUsed(), passed)) {
             task_.Fail(u"Sie ist beschädigt: Der Leser für %1 kommt mit ihr nicht zu Ende."_s.arg(
                 NameOf(format_)));
         }
@@ -135,7 +142,7 @@ class Decoding {
         }
         part_ = 0;
         Pixels preview;
-        if (!said.preview.isEmpty()) {
+        if (!hasBegun_ && !said.preview.isEmpty()) {
             task_.RequireAllowedSize(said.preview.width(), said.preview.height());
             // A copy: the process still has it.
             preview = Pixels(

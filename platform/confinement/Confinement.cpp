@@ -49,6 +49,14 @@ qint64 AddressSpaceInUse() {
     return pages * sysconf(_SC_PAGESIZE);
 }
 
+/// Of all users, for the limit counts those of all programs of one; 0 where that is not known.
+qint64 ThreadsOfSystem() {
+    int all = 0;
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen("/proc/loadavg", "re"),
+                                                     std::fclose);
+    return file && std::fscanf(file.get(), "%*f %*f %*f %*d/%d", &all) == 1 ? all : 0;
+}
+
 /// What reading, writing, memory, time and threads take.
 constexpr std::array AllowedCalls{SCMP_SYS(read),
                                   SCMP_SYS(write),
@@ -116,6 +124,9 @@ bool FilterCalls() {
 void BindToStarter() {
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     Limit(RLIMIT_CORE, 0);
+    if (!Sanitized) {
+        (void)prctl(PR_SET_DUMPABLE, 0);  // nor is a core handed to who collects them
+    }
     const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
     for (int stream = 0; nowhere >= 0 && stream <= (Sanitized ? 1 : 2); ++stream) {
         (void)dup2(nowhere, stream);
@@ -127,10 +138,14 @@ void BindToStarter() {
 
 void Confine(const ProcessLimits& limits) {
     constexpr int MostFiles = 16;
+    constexpr int MostThreads = 64;
     std::signal(SIGXFSZ, SIG_IGN);  // a call that fails says more
     Limit(RLIMIT_FSIZE, limits.file);
     Limit(RLIMIT_CPU, limits.seconds, 1);
     Limit(RLIMIT_NOFILE, MostFiles);
+    if (const qint64 running = ThreadsOfSystem()) {
+        Limit(RLIMIT_NPROC, running + MostThreads);
+    }
     if (!Sanitized) {
         Limit(RLIMIT_AS, AddressSpaceInUse() + limits.memory);
     }

@@ -6,9 +6,9 @@ namespace kadrona::platform {
 
 /// What a process may still use of the machine, from now on.
 struct ProcessLimits {
-    /// Memory beside what it has already, shared memory too, in bytes.
+    /// Address space beside what it has already, in bytes.
     qint64 memory = 0;
-    /// The largest size of any file or shared memory, in bytes.
+    /// The largest size of each file or shared memory, in bytes.
     qint64 file = 0;
     /// Processor time of all its threads.
     int seconds = 0;

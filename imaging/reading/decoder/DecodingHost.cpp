@@ -66,11 +66,12 @@ void DecodingHost::Expect(qint64 pixels) {
 }
 
 void DecodingHost::Begin(const Pixels& preview) {
-    if (!preview.IsEmpty()) {
+    const bool hasRoom = SharedPictureBytes(preview.Size()) <= DecodingRequest::MostPreviewBytes;
+    if (hasRoom && !preview.IsEmpty()) {
         QImage shown = ImageIn(preview_, preview.Size(), QImage::Format_RGB32);
         CopyPixels(preview.ToImage(), shown);
     }
-    Tell(decoding::Beginning{preview.Size()});
+    Tell(decoding::Beginning{hasRoom ? preview.Size() : QSize(0, 0)});
 }
 
 /// Who gives it up ends the process.
