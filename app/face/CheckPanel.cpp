@@ -140,10 +140,20 @@ void CheckPanel::ShowKept() {
     }
 }
 
+/// Without the photo until it is cut: a move of the stamp copies all pixels that are shared.
 void CheckPanel::KeepReport() {
-    last_ = {session_.Image().Photo(), session_.TemplateRectangle(), session_.TemplateName(),
-             face_.Search().face, Lines()};
+    const bool beingCut = last_ && last_->photo.SharesPixelsWith(session_.Image().Photo());
+    last_ = {beingCut ? last_->photo : imaging::Pixels(), session_.TemplateRectangle(),
+             session_.TemplateName(), face_.Search().face, Lines()};
     lastName_ = session_.FileName();
+}
+
+CheckReport CheckPanel::Report() const {
+    CheckReport report = last_.value();
+    if (IsChecking()) {
+        report.photo = session_.Image().Photo();
+    }
+    return report;
 }
 
 /// At once, so that no two photos are held in memory while the next one is read.
@@ -154,6 +164,14 @@ void CheckPanel::ForgetOtherPhoto() {
 }
 
 bool CheckPanel::ConfirmCut() {
+    const bool confirmed = MayCut();
+    if (confirmed && last_ && IsChecking()) {
+        last_->photo = session_.Image().Photo();
+    }
+    return confirmed;
+}
+
+bool CheckPanel::MayCut() {
     if (!actions_.IsChecked(Action::ShowCheck)) {
         last_.reset();  // does not follow the template then
     }
@@ -190,7 +208,7 @@ void CheckPanel::SaveReport() {
     dialog.fileName = QFileInfo(data_.CurrentFile()).completeBaseName() + u"_pruefung"_s;
     if (const auto path = ui_.AskForSaveFile(dialog)) {
         const controls::WaitCursor wait;
-        WriteCheckReport(last_.value(), *path);
+        WriteCheckReport(Report(), *path);
         Q_EMIT actions_.Succeeded(u"Gespeichert: "_s + QFileInfo(*path).fileName());
     }
 }
@@ -202,7 +220,7 @@ void CheckPanel::PrintReport() {
     }
     const controls::WaitCursor wait;
     const QSizeF paper = data_.Printer().Paper().geometry.page;
-    data_.Printer().Print(CheckReportPage(last_.value(), paper));
+    data_.Printer().Print(CheckReportPage(Report(), paper));
 }
 
 }  // namespace kadrona::app

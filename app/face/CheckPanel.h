@@ -50,7 +50,9 @@ class CheckPanel : public QObject {
     void LoadFigures();
     void ShowKept();
     bool IsChecking() const;
+    bool MayCut();
     void KeepReport();
+    CheckReport Report() const;
     void ForgetOtherPhoto();
     void SaveReport();
     void PrintReport();
@@ -64,7 +66,7 @@ class CheckPanel : public QObject {
     MainActions& actions_;
     dialogs::SidePanel& panel_;
     dialogs::CheckSection& section_;
-    /// As the photo was last checked, for the sheet that is made of it.
+    /// As the photo was last checked, for the sheet that is made of it; its pixels from the cut on.
     std::optional<CheckReport> last_;
     QString lastName_;
     std::optional<core::TemplateRow> figures_;

@@ -129,6 +129,9 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     const QPoint chin = DrawnChin.toPoint();
     Drag(window->View(), {OnScreen(chin), OnScreen(chin + QPoint(0, 40))});
     EXPECT_NE(texts(), before) << "the head is longer now";
+    const uchar* pixels = Image().Photo().Tile().constBits();
+    Image().EditPhoto({0, 0, 1, 1}, [](QImage& photo) { photo.setPixel(0, 0, 0); });
+    EXPECT_EQ(Image().Photo().Tile().constBits(), pixels) << "a stroke copies no photo";
 
     printer.setupChoice = printer.current;
     section.findChild<QAction*>(u"PrintReport"_s)->trigger();
