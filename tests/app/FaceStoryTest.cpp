@@ -1,7 +1,11 @@
 // What the window offers where it finds a face.
 
+#include <QTextDocument>
 #include <cmath>
 
+#include "app/face/ReportLayout.h"
+#include "core/check/FacePlacement.h"
+#include "core/check/PhotoCheck.h"
 #include "tests/app/StoryFixture.h"
 #include "tests/support/DrawnPortrait.h"
 
@@ -147,6 +151,60 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     driver.Answer({u"gone.png"_s}, u"OkButton"_s);
     window->OpenDroppedFiles({installation.Path("gone.png")});
     EXPECT_FALSE(Child<QPushButton>(section, "CheckReport").isEnabled());
+}
+
+/// The whole check of the drawn portrait in a template, all edits made.
+app::CheckReport ReportOf(const core::TemplateRow& row, bool withFace) {
+    static const imaging::Pixels portrait(DrawnPortrait());
+    imaging::Face face;
+    face.leftEye.position = DrawnLeftEye;
+    face.rightEye.position = DrawnRightEye;
+    face.chin.position = DrawnChin;
+    face.crown.position = DrawnCrown;
+    face.skull.position = DrawnCrown + QPointF(0, 30);
+    core::CheckedPhoto photo;
+    photo.rectangle =
+        core::PlaceOnFace(face, row, {row.width.value, row.height.value}, portrait.Size())
+            .rectangle;
+    photo.figures = row;
+    photo.printedWidth = row.width;
+    photo.edits = {.tone = true, .colours = true, .retouched = true};
+    if (withFace) {
+        photo.face = face;
+    }
+    return {portrait, photo.rectangle, row.name, photo.face, core::CheckPhoto(photo)};
+}
+
+TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
+    QFile table(QStringLiteral(TEMPLATE_TABLE));
+    ASSERT_TRUE(table.open(QFile::ReadOnly));
+    auto rows = core::ParseTemplateTable(QString::fromUtf8(table.readAll()), table.fileName());
+    rows.push_back(rows.front());
+    rows.back().editing = core::AllowedEditing::GeometryOnly;
+    rows.back().paper = rows.back().paper.repeated(15);
+    for (const core::TemplateRow& row : rows) {
+        for (const bool withFace : {false, true}) {
+            SCOPED_TRACE(row.name.toStdString());
+            const app::ReportLayout layout = app::LayOutReport(ReportOf(row, withFace));
+            std::vector<QRectF> places{layout.picture};
+            for (const app::ReportText& text : layout.texts) {
+                QTextDocument shown(text.text);
+                shown.setDocumentMargin(0);
+                shown.setDefaultFont(text.font);
+                shown.setTextWidth(text.place.width());
+                places.emplace_back(text.place.topLeft(), shown.size());
+            }
+            // A document counts whole dots.
+            const QRectF page(0, 0, app::ReportDots(170), app::ReportDots(261) + 1);
+            for (auto place = places.begin(); place != places.end(); ++place) {
+                EXPECT_TRUE(page.contains(*place)) << place->bottom();
+                EXPECT_TRUE(std::none_of(places.begin(), place, [&](const QRectF& other) {
+                    return other.intersects(*place);
+                })) << place - places.begin();
+            }
+            EXPECT_GE(layout.picture.height(), app::ReportDots(30));
+        }
+    }
 }
 
 }  // namespace kadrona::testing
