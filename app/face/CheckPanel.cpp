@@ -143,8 +143,12 @@ void CheckPanel::ShowKept() {
 /// Without the photo until it is cut: a move of the stamp copies all pixels that are shared.
 void CheckPanel::KeepReport() {
     const bool beingCut = last_ && last_->photo.SharesPixelsWith(session_.Image().Photo());
-    last_ = {beingCut ? last_->photo : imaging::Pixels(), session_.TemplateRectangle(),
-             session_.TemplateName(), face_.Search().face, Lines()};
+    last_ = {beingCut ? last_->photo : imaging::Pixels(),
+             session_.TemplateRectangle(),
+             session_.TemplateName(),
+             face_.Search().face,
+             Lines(),
+             figures_ ? figures_->crown : core::Crown::Hair};
     lastName_ = session_.FileName();
 }
 

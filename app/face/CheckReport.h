@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/check/PhotoCheck.h"
+#include "core/check/TemplateTable.h"
 #include "imaging/face/Face.h"
 #include "imaging/pixels/Pixels.h"
 #include "printing/PrintImage.h"
@@ -19,6 +20,7 @@ struct CheckReport {
     QString templateName;
     std::optional<imaging::Face> face;
     std::vector<core::CheckLine> lines;
+    core::Crown crown = core::Crown::Hair;  ///< the end of the head that the lines measure
 };
 
 /// Writes the check as one page for the customer, a PDF in A4: the picture with its measures, the

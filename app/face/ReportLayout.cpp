@@ -94,12 +94,14 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }
 
-/// The crown, the eyes and the chin where they lie in the picture.
+/// The end of the head that is measured, the eyes and the chin where they lie in the picture.
 void AddMarks(ReportLayout& layout, const CheckReport& report) {
     const imaging::Face& face = *report.face;
-    for (const auto& [photoRow, name] : {std::pair(face.crown.position.y(), u"Scheitel"_s),
-                                         std::pair(face.EyeMiddle().y(), u"Augen"_s),
-                                         std::pair(face.chin.position.y(), u"Kinn"_s)}) {
+    const bool bySkull = report.crown == core::Crown::Skull;
+    const ReportMark top{(bySkull ? face.skull : face.crown).position.y(),
+                         bySkull ? u"Schädel"_s : u"Scheitel"_s};
+    for (const auto& [photoRow, name] : {top, ReportMark{face.EyeMiddle().y(), u"Augen"_s},
+                                         ReportMark{face.chin.position.y(), u"Kinn"_s}}) {
         const double part = (photoRow - report.rectangle.top()) / report.rectangle.height();
         if (part >= 0 && part <= 1) {
             layout.marks.push_back({layout.picture.top() + part * layout.picture.height(), name});

@@ -172,7 +172,7 @@ app::CheckReport ReportOf(const core::TemplateRow& row, bool withFace) {
     if (withFace) {
         photo.face = face;
     }
-    return {portrait, photo.rectangle, row.name, photo.face, core::CheckPhoto(photo)};
+    return {portrait, photo.rectangle, row.name, photo.face, core::CheckPhoto(photo), row.crown};
 }
 
 TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
@@ -185,7 +185,8 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
     for (const core::TemplateRow& row : rows) {
         for (const bool withFace : {false, true}) {
             SCOPED_TRACE(row.name.toStdString());
-            const app::ReportLayout layout = app::LayOutReport(ReportOf(row, withFace));
+            const app::CheckReport report = ReportOf(row, withFace);
+            const app::ReportLayout layout = app::LayOutReport(report);
             std::vector<QRectF> places{layout.picture};
             for (const app::ReportText& text : layout.texts) {
                 QTextDocument shown(text.text);
@@ -203,6 +204,13 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
                 })) << place - places.begin();
             }
             EXPECT_GE(layout.picture.height(), app::ReportDots(30));
+            if (withFace) {
+                ASSERT_EQ(layout.marks.size(), 3);
+                EXPECT_NEAR((layout.marks[2].y - layout.marks[0].y) / layout.picture.width() *
+                                row.width.value / 10,
+                            *report.lines[1].value, 0.01)
+                    << "the marks show what the line says";
+            }
         }
     }
 }
