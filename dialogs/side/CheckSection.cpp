@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "controls/commands/ScreenTip.h"
 #include "controls/theme/Tone.h"
 
 using namespace Qt::StringLiterals;
@@ -137,7 +138,9 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
         SetText(row.value, core::ValueText(line));
         SetText(row.judgement, JudgementOf(line));
         controls::SetTone(*row.judgement, look.tone);
-        row.judgement->setToolTip(u"Quelle: "_s + line.source);
+        const QString source = u"Quelle: "_s + line.source;
+        row.judgement->setToolTip(controls::PlainTip(source));
+        row.judgement->setAccessibleDescription(source);
     }
     report_->setEnabled(!lines.empty());
     points_->setEnabled(points == Points::Movable && !lines.empty());

@@ -8,6 +8,7 @@
 #include <QSpinBox>
 #include <QStringList>
 #include <QStyledItemDelegate>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -151,7 +152,7 @@ void TraySection::SetRows(const std::vector<Row>& rows, const QString& summary) 
         QListWidgetItem& item = *list_->item(index);
         const QString text = TextOf(rows[i]);
         item.setText(text);
-        item.setToolTip(text);
+        item.setToolTip(Qt::convertFromPlainText(text));
         item.setIcon(IconOf(rows[i].picture));
         item.setData(Qt::UserRole, rows[i].count);
     }

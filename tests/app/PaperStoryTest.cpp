@@ -95,10 +95,11 @@ TEST_F(PaperStory, FewerThanAskedForAreMadeOnlyWhenTheUserWantsThem) {
 TEST_F(PaperStory, TheTrayOutlivesTheProgramUntilItIsPrinted) {
     OpenOnPaper(4);
     Trigger(u"acAddToSheet"_s);
-    SavePhoto("other.png", QSize(800, 1000), 90);
-    Open("other.png", 1);
+    SavePhoto("<u>other.png", QSize(800, 1000), 90);
+    Open("<u>other.png", 1);
     Trigger(u"acAddToSheet"_s);
     ASSERT_EQ(Tray().count(), 2);
+    EXPECT_TRUE(Tray().item(1)->toolTip().contains(u"&lt;u&gt;other"_s)) << "no mark-up";
     Child<QSpinBox>(*window, "TrayCount").setValue(1);
     Click("TrayUp");
     const QString folder = window->Data().DataFolder() + u"/Sammelblatt"_s;
