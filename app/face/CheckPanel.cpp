@@ -84,6 +84,7 @@ void CheckPanel::FollowSession() {
 std::vector<core::CheckLine> CheckPanel::Lines() const {
     core::CheckedPhoto checked;
     checked.face = face_.Search().face;
+    checked.wasFaceLookedFor = face_.WasLookedFor();
     checked.measures = face_.Measures();
     checked.rectangle = session_.TemplateRectangle();
     checked.figures = figures_;
@@ -115,6 +116,9 @@ void CheckPanel::ShowLines() {
     if (face_.Search().faceCount > 1) {
         summary += u" %1 Gesichter; geprüft wird das größte nahe der Mitte."_s.arg(
             face_.Search().faceCount);
+    }
+    if (!face_.Missing().isEmpty()) {
+        summary += u' ' + face_.Missing();
     }
     KeepReport();
     section_.SetLines(last_->lines, summary, dialogs::CheckSection::Points::Movable);

@@ -18,12 +18,17 @@ constexpr int SearchDelayMilliseconds = 200;
 
 }  // namespace
 
-PhotoFace::PhotoFace(PhotoSession& session, QWidget& window) : session_(session), window_(window) {
+PhotoFace::PhotoFace(PhotoSession& session, QWidget& window, Searcher search)
+    : session_(session), window_(window), search_(std::move(search)) {
     timer_.setSingleShot(true);
     timer_.setInterval(SearchDelayMilliseconds);
     connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
     connect(&session.Image(), &LayeredImage::PhotoEdited, this, [this] { painting_ = true; });
     connect(&session.Image(), &LayeredImage::PhotoChanged, this, [this] { FollowPhoto(); });
+}
+
+PhotoFace::Searcher PhotoFace::SearchOfThisMachine() {
+    return [](const imaging::Pixels& photo) { return imaging::FindFace(photo); };
 }
 
 /// The stamp changes the photo many times a second: the face is where it was.
@@ -40,7 +45,13 @@ bool PhotoFace::Find() {
     if (!known_) {
         const controls::WaitCursor wait;
         const imaging::Pixels& photo = session_.Image().Photo();
-        found_ = imaging::FindFace(photo);
+        try {
+            found_ = search_(photo);
+        } catch (const imaging::CascadesMissing& error) {
+            missing_ = error.Text();
+            throw;
+        }
+        missing_.clear();
         measures_ = found_.face ? imaging::MeasurePortrait(photo, *found_.face)
                                 : imaging::PortraitMeasures();
         known_ = true;
@@ -60,8 +71,7 @@ void PhotoFace::Look() {
         try {
             Find();
         } catch (const imaging::CascadesMissing&) {
-            // Nobody asked for the face; who does is told what to install.
-            known_ = true;
+            // Nobody asked for the face; who does searches again, and is told what to install.
         }
         Q_EMIT Looked();
     });

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QSize>
 #include <QTimer>
+#include <functional>
 
 #include "imaging/face/Face.h"
 #include "imaging/face/PortraitMeasures.h"
@@ -19,14 +20,22 @@ class PhotoFace : public QObject {
     Q_OBJECT
 
  public:
+    /// Throws as imaging::FindFace.
+    using Searcher = std::function<imaging::FaceSearch(const imaging::Pixels&)>;
+
     /// `window` shows what fails in a search that nobody waits for.
-    PhotoFace(PhotoSession& session, QWidget& window);
+    PhotoFace(PhotoSession& session, QWidget& window, Searcher search = SearchOfThisMachine());
 
     /// Looks for the face unless that was done. True where there is one. Throws
-    /// imaging::CascadesMissing and platform::Error.
+    /// imaging::CascadesMissing and platform::Error; the next call tries again.
     bool Find();
     /// Does so when the user has been idle for a moment; Looked() follows, also where it was done.
     void FindSoon();
+
+    /// False before a search and where it failed.
+    bool WasLookedFor() const { return known_; }
+    /// Why the last search could not begin, and what to install; empty where it could.
+    const QString& Missing() const { return missing_; }
 
     /// What is known; no face before a search.
     const imaging::FaceSearch& Search() const { return found_; }
@@ -46,12 +55,15 @@ class PhotoFace : public QObject {
  private:
     void FollowPhoto();
     void Look();
+    static Searcher SearchOfThisMachine();
 
     PhotoSession& session_;
     QWidget& window_;
+    Searcher search_;
     QTimer timer_;
     imaging::FaceSearch found_;
     imaging::PortraitMeasures measures_;
+    QString missing_;
     bool known_ = false;     ///< found_ is of the photo as it is
     bool painting_ = false;  ///< the next change of the photo is the stamp's
 };

@@ -119,6 +119,10 @@ class Checker {
 
     void AddFace() {
         CheckLine& line = Add(u"face"_s, u"Gesicht"_s, {}, u"Suche im Foto"_s);
+        if (!photo_.wasFaceLookedFor) {
+            line.note = u"nicht gesucht"_s;
+            return;
+        }
         line.state = photo_.face ? CheckState::Met : CheckState::Missed;
         line.note = photo_.face ? u"gefunden"_s : u"kein Gesicht gefunden"_s;
     }

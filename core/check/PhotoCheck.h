@@ -15,6 +15,7 @@ namespace kadrona::core {
 /// What is checked.
 struct CheckedPhoto {
     std::optional<imaging::Face> face;
+    bool wasFaceLookedFor = true;        ///< else no face says nothing
     imaging::PortraitMeasures measures;  ///< of that face; measured once for each face
     QRect rectangle;                     ///< the template's place, photo pixels
     /// Printed at the template's size; empty where the template has no figures.

@@ -1,11 +1,16 @@
 // What the window offers where it finds a face.
 
+#include <QSignalSpy>
 #include <QTextDocument>
 #include <cmath>
 
+#include "app/base/PhotoSession.h"
+#include "app/face/PhotoFace.h"
 #include "app/face/ReportLayout.h"
 #include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
 #include "tests/app/StoryFixture.h"
 #include "tests/support/DrawnPortrait.h"
 
@@ -73,6 +78,27 @@ TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
     Child<QCheckBox>(*window, "AskBeforeCut").setChecked(false);
     Trigger(u"acCrop"_s);
     EXPECT_EQ(Image().LayerCount(), 1);
+}
+
+TEST(PhotoFace, SaysWhatIsMissingToWhoeverAsksUntilItIsInstalled) {
+    app::PhotoSession session;
+    session.Image().Open(imaging::Pixels(DrawnPortrait()), {});
+    session.SetStage(app::PhotoSession::Stage::PhotoOpen);
+    QWidget window;
+    bool installed = false;
+    app::PhotoFace face(session, window, [&installed](const imaging::Pixels& photo) {
+        return installed ? imaging::FindFace(photo)
+                         : throw imaging::CascadesMissing(u"Installieren Sie es."_s);
+    });
+    QSignalSpy looked(&face, &app::PhotoFace::Looked);
+    face.FindSoon();
+    ASSERT_TRUE(looked.wait());
+    EXPECT_FALSE(face.WasLookedFor());
+    EXPECT_EQ(face.Missing(), u"Installieren Sie es."_s);
+    EXPECT_THROW(face.Find(), imaging::CascadesMissing);
+    installed = true;
+    EXPECT_TRUE(face.Find());
+    EXPECT_TRUE(face.WasLookedFor() && face.Missing().isEmpty());
 }
 
 TEST_F(FaceStory, TheOffersButtonsAreWholeInANarrowViewWithLargeLetters) {

@@ -139,6 +139,8 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     }
     photo.face.reset();
     EXPECT_EQ(LineOf(photo, u"face"_s).state, CheckState::Missed);
+    photo.wasFaceLookedFor = false;
+    EXPECT_EQ(LineOf(photo, u"face"_s).state, CheckState::Guidance);
     EXPECT_FALSE(LineOf(photo, u"headHeight"_s).value);
 }
 
