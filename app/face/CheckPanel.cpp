@@ -199,7 +199,7 @@ bool CheckPanel::MayCut() {
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {
         if (line.state == core::CheckState::Missed) {
-            missed << line.label + u' ' + core::FigureText(line) + u'.';
+            missed << line.label + u": "_s + core::FigureText(line) + u'.';
         }
     }
     return missed.isEmpty() ||

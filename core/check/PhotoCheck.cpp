@@ -124,7 +124,7 @@ class Checker {
             return;
         }
         line.state = photo_.face ? CheckState::Met : CheckState::Missed;
-        line.note = photo_.face ? u"gefunden"_s : u"kein Gesicht gefunden"_s;
+        line.note = photo_.face ? u"gefunden"_s : u"nicht gefunden"_s;
     }
 
     void AddHead(const TemplateRow& row) {
