@@ -199,7 +199,8 @@ bool CheckPanel::MayCut() {
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {
         if (line.state == core::CheckState::Missed) {
-            missed << line.label + u": "_s + core::FigureText(line) + u'.';
+            const QString joint = line.value ? u" "_s : u": "_s;  // a word, not a figure, follows
+            missed << line.label + joint + core::FigureText(line) + u'.';
         }
     }
     return missed.isEmpty() ||

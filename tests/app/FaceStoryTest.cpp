@@ -72,7 +72,7 @@ TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
     Trigger(u"acAlignToFace"_s);
     Image().SetLayerRectangle(
         1, Template().adjusted(0, 0, Template().width() / 2, Template().height() / 2));
-    driver.Answer({u"Kopf: "_s, u"Trotzdem erstellen?"_s}, u"NoButton"_s);
+    driver.Answer({u"Kopf "_s, u" mm statt "_s, u"Trotzdem erstellen?"_s}, u"NoButton"_s);
     Trigger(u"acCrop"_s);
     EXPECT_EQ(Image().LayerCount(), 2) << "nothing was cut";
     Child<QCheckBox>(*window, "AskBeforeCut").setChecked(false);
