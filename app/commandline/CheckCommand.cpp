@@ -65,12 +65,17 @@ QJsonValue Figure(std::optional<double> figure) {
     return figure ? QJsonValue(*figure) : QJsonValue(QJsonValue::Null);
 }
 
+/// What was measured, or 1 and 0 for what is there and what is not.
+QJsonValue ValueOf(const core::CheckLine& line) {
+    return line.found ? QJsonValue(int{*line.found}) : Figure(line.value);
+}
+
 QJsonObject ReportObject(const Report& report) {
     QJsonArray checks;
     for (const core::CheckLine& line : report.lines) {
         checks.append(QJsonObject{{u"name"_s, line.name},
                                   {u"state"_s, StateWord(line.state)},
-                                  {u"value"_s, Figure(line.value)},
+                                  {u"value"_s, ValueOf(line)},
                                   {u"min"_s, Figure(line.minimum)},
                                   {u"max"_s, Figure(line.maximum)},
                                   {u"unit"_s, line.unit},

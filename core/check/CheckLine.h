@@ -23,6 +23,8 @@ struct CheckLine {
     QString source;
     QString note;  ///< what the figures cannot say, German; often empty
     int decimals = 1;
+    /// For programs: whether there is what a line without a figure names; people read the note.
+    std::optional<bool> found;
 };
 
 /// "erfüllt", "nicht erfüllt" or "nur Richtwert".

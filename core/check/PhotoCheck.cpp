@@ -197,6 +197,7 @@ class Checker {
 
     void AddWhiteCorners() {
         CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {}, OwnSource);
+        line.found = photo_.whiteCorners;
         line.note = photo_.whiteCorners ? u"vorhanden"_s : u"keine"_s;
     }
 

@@ -72,6 +72,22 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
     EXPECT_EQ(Run(), app::SomethingFound) << "no face";
 }
 
+TEST_F(CheckCommand, TellsProgramsWhetherCornersAreWhite) {
+    request.automatic = false;
+    request.place = core::TemplatePlace{0, 0, 350};
+    for (const int grey : {120, 255}) {
+        SavePhoto("in/wall.png", 600, 800, grey);
+        request.photos = {installation.Path("in/wall.png")};
+        output.clear();
+        Run();
+        for (const QJsonValue check : Json().object()[u"checks"_s].toArray()) {
+            if (check[u"name"_s] == u"whiteCorners"_s) {
+                EXPECT_EQ(check[u"value"_s].toInt(-1), grey == 255 ? 1 : 0);
+            }
+        }
+    }
+}
+
 TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
     DrawnPortrait().copy(80, 110, 440, 450).save(installation.Path("in/tight.png"));
     app::SheetRequest sheets;
