@@ -33,6 +33,7 @@ PhotoFace::Searcher PhotoFace::SearchOfThisMachine() {
 
 /// The stamp changes the photo many times a second: the face is where it was.
 void PhotoFace::FollowPhoto() {
+    measured_ = false;
     if (!std::exchange(painting_, false)) {
         known_ = false;
         found_ = {};
@@ -42,9 +43,9 @@ void PhotoFace::FollowPhoto() {
 }
 
 bool PhotoFace::Find() {
+    const imaging::Pixels& photo = session_.Image().Photo();
     if (!known_) {
         const controls::WaitCursor wait;
-        const imaging::Pixels& photo = session_.Image().Photo();
         try {
             found_ = search_(photo);
         } catch (const imaging::CascadesMissing& error) {
@@ -52,9 +53,13 @@ bool PhotoFace::Find() {
             throw;
         }
         missing_.clear();
+        known_ = true;
+        measured_ = false;
+    }
+    if (!measured_) {
         measures_ = found_.face ? imaging::MeasurePortrait(photo, *found_.face)
                                 : imaging::PortraitMeasures();
-        known_ = true;
+        measured_ = true;
     }
     return found_.face.has_value();
 }
@@ -80,12 +85,14 @@ void PhotoFace::Look() {
 void PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to) {
     imaging::Face& face = *found_.face;
     const QPointF by = to - (face.*point).position;
+    const QPointF skull = imaging::EstimatedSkull(face);
     face.*point = {to, 1};
-    if (point == &imaging::Face::crown) {
-        face.skull.position += by;
-    }
+    face.skull.position +=
+        point == &imaging::Face::crown ? by : imaging::EstimatedSkull(face) - skull;
     face.tiltDegrees = imaging::TiltDegrees(face.leftEye.position, face.rightEye.position);
+    measured_ = false;
     Q_EMIT PointMoved();
+    FindSoon();
 }
 
 }  // namespace kadrona::app

@@ -39,10 +39,12 @@ class PhotoFace : public QObject {
 
     /// What is known; no face before a search.
     const imaging::FaceSearch& Search() const { return found_; }
-    /// Of the photo and its face; empty where there is none.
+    /// Of the photo and its face; empty where there is none. Measured anew by Find() after the
+    /// stamp or a moved point.
     const imaging::PortraitMeasures& Measures() const { return measures_; }
 
-    /// Puts a point of the face elsewhere: the user knows better. Precondition: there is a face.
+    /// Puts a point of the face elsewhere: the user knows better. Looked() follows when the pointer
+    /// rests. Precondition: there is a face.
     void MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to);
 
  Q_SIGNALS:
@@ -65,6 +67,7 @@ class PhotoFace : public QObject {
     imaging::PortraitMeasures measures_;
     QString missing_;
     bool known_ = false;     ///< found_ is of the photo as it is
+    bool measured_ = false;  ///< measures_ are of the photo and the points as they are
     bool painting_ = false;  ///< the next change of the photo is the stamp's
 };
 

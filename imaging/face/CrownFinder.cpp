@@ -177,12 +177,6 @@ double Parting(const std::vector<ArcEvidence>& rows, size_t row, size_t lowest, 
 
 }  // namespace
 
-double SkullAboveEyes(double chinBelowEyes) {
-    constexpr double SkullByChin = 0.98;
-    constexpr double SkullByEyes = 1.84;
-    return (SkullByChin * chinBelowEyes + SkullByEyes) / 2;
-}
-
 FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
     const double photoTop = frame.FromPhoto({frame.origin.x(), 0}).y();
     const double top = std::max(Highest, photoTop);

@@ -9,9 +9,4 @@ namespace kadrona::imaging {
 /// weighed with where the eyes let a crown be expected. At the photo's edge where the head is cut.
 FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame);
 
-/// How far the top of the skull lies above the eyes where the chin lies `chinBelowEyes` below them;
-/// both in distances of the pupils. Between the proportions of the face and of the eyes' distance,
-/// for either alone goes wrong with long chins or close eyes.
-double SkullAboveEyes(double chinBelowEyes);
-
 }  // namespace kadrona::imaging

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "imaging/face/FaceFrame.h"
+
 namespace kadrona::imaging {
 
 double TiltDegrees(QPointF left, QPointF right) {
@@ -24,6 +26,19 @@ QRect CheeksOf(const Face& face) {
     const double unit = face.EyeDistance();
     const QPointF eyes = face.EyeMiddle();
     return QRectF(eyes.x() - 0.55 * unit, eyes.y() + 0.35 * unit, 1.1 * unit, 0.4 * unit).toRect();
+}
+
+QPointF EstimatedSkull(const Face& face) {
+    constexpr double SkullByChin = 0.98;
+    constexpr double SkullByEyes = 1.84;
+    const FaceFrame frame = FaceFrame::OfEyes(face.leftEye.position, face.rightEye.position);
+    if (frame.unit == 0) {
+        return face.crown.position;
+    }
+    const QPointF crown = frame.FromPhoto(face.crown.position);
+    const double chin = frame.FromPhoto(face.chin.position).y();
+    const double above = (SkullByChin * chin + SkullByEyes) / 2;
+    return frame.ToPhoto({crown.x(), std::max(-above, crown.y())});
 }
 
 }  // namespace kadrona::imaging

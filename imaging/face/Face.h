@@ -34,6 +34,11 @@ struct Face {
 /// Cheeks and nose of a face, in pixels of the photo: nearly all of it is skin.
 QRect CheeksOf(const Face& face);
 
+/// The top of the skull, photo pixels, by the pupils and the chin; not above the crown. Between the
+/// proportions of the face and of the eyes' distance, for either alone goes wrong with long chins
+/// or close eyes. The crown where the pupils lie on each other.
+QPointF EstimatedSkull(const Face& face);
+
 /// The answer of a search.
 struct FaceSearch {
     /// The largest face near the middle; nothing where no face was found.

@@ -196,8 +196,7 @@ Face Measured(const FacePhoto& photo, const EyePair& eyes) {
     const FacePlace crown = CrownOf(photo, frame);
     face.chin = {frame.ToPhoto(chin.place), chin.confidence};
     face.crown = {frame.ToPhoto(crown.place), crown.confidence};
-    const double skull = std::max(-SkullAboveEyes(chin.place.y()), crown.place.y());
-    face.skull = {frame.ToPhoto({crown.place.x(), skull}), 0.5};
+    face.skull = {EstimatedSkull(face), 0.5};
     return face;
 }
 

@@ -30,6 +30,19 @@ class FaceStory : public Story {
     void AwaitProposal() {
         ASSERT_TRUE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 5000));
     }
+    /// Of the check.
+    QStringList Texts() {
+        QStringList all;
+        for (const QLabel* label :
+             Child<QWidget>(*window, "CheckSection").findChildren<QLabel*>()) {
+            all << label->text();
+        }
+        return all;
+    }
+    /// True when the check shows something else than now before long.
+    bool TextsFollow() {
+        return QTest::qWaitFor([this, now = Texts()] { return Texts() != now; }, 1500);
+    }
 };
 
 TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
@@ -147,18 +160,11 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     Trigger(u"acAlignToFace"_s);
     Trigger(u"acShowCheck"_s);
     auto& section = Child<QWidget>(*window, "CheckSection");
-    const auto texts = [&section] {
-        QStringList all;
-        for (const QLabel* label : section.findChildren<QLabel*>()) {
-            all << label->text();
-        }
-        return all;
-    };
-    const QStringList before = texts();
+    const QStringList before = Texts();
     ClickButton(section, "MovePoints");
     const QPoint chin = DrawnChin.toPoint();
     Drag(window->View(), {OnScreen(chin), OnScreen(chin + QPoint(0, 40))});
-    EXPECT_NE(texts(), before) << "the head is longer now";
+    EXPECT_NE(Texts(), before) << "the head is longer now";
     const uchar* pixels = Image().Photo().Tile().constBits();
     Image().EditPhoto({0, 0, 1, 1}, [](QImage& photo) { photo.setPixel(0, 0, 0); });
     EXPECT_EQ(Image().Photo().Tile().constBits(), pixels) << "a stroke copies no photo";
@@ -168,9 +174,9 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     ASSERT_EQ(printer.jobs.size(), 1);
     EXPECT_NEAR(printer.jobs[0].image.Millimetres().height(), 297, 0.1);
 
-    const QString head = texts().filter(u" mm"_s).value(0);
+    const QString head = Texts().filter(u" mm"_s).value(0);
     Trigger(u"acCrop"_s);
-    EXPECT_TRUE(texts().contains(head)) << "the sheet keeps what was checked";
+    EXPECT_TRUE(Texts().contains(head)) << "the sheet keeps what was checked";
     section.findChild<QAction*>(u"PrintReport"_s)->trigger();
     ASSERT_EQ(printer.jobs.size(), 2);
     EXPECT_EQ(printer.jobs[1].image.tile, printer.jobs[0].image.tile);
@@ -239,6 +245,19 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
             }
         }
     }
+}
+
+TEST_F(FaceStory, TheMeasuresFollowAMovedPointAndTheStamp) {
+    AwaitProposal();
+    Trigger(u"acAlignToFace"_s);
+    Trigger(u"acShowCheck"_s);
+    QTest::qWait(500);  // for the search that the check begins
+    ClickButton(*window, "MovePoints");
+    const QPoint eye = DrawnLeftEye.toPoint();
+    Drag(window->View(), {OnScreen(eye), OnScreen(eye + QPoint(0, 30))});
+    EXPECT_TRUE(TextsFollow()) << "the point";
+    Image().EditPhoto(QRect({0, 0}, DrawnSize), [](QImage& photo) { photo.fill(Qt::black); });
+    EXPECT_TRUE(TextsFollow()) << "the stamp";
 }
 
 }  // namespace kadrona::testing
