@@ -31,10 +31,13 @@ PhotoFace::Searcher PhotoFace::SearchOfThisMachine() {
     return [](const imaging::Pixels& photo) { return imaging::FindFace(photo); };
 }
 
-/// The stamp changes the photo many times a second: the face is where it was.
+/// The stamp, many times a second, and a change of tones leave the face where it is. Where none was
+/// found, other tones may show one.
 void PhotoFace::FollowPhoto() {
     measured_ = false;
-    if (!std::exchange(painting_, false)) {
+    const int geometry = session_.Image().Edits().geometry;
+    const bool stays = std::exchange(geometry_, geometry) == geometry;
+    if (!std::exchange(painting_, false) && !(stays && found_.face)) {
         known_ = false;
         found_ = {};
         measures_ = {};

@@ -40,7 +40,7 @@ class PhotoFace : public QObject {
     /// What is known; no face before a search.
     const imaging::FaceSearch& Search() const { return found_; }
     /// Of the photo and its face; empty where there is none. Measured anew by Find() after the
-    /// stamp or a moved point.
+    /// stamp, other tones or a moved point.
     const imaging::PortraitMeasures& Measures() const { return measures_; }
 
     /// Puts a point of the face elsewhere: the user knows better. Looked() follows when the pointer
@@ -50,7 +50,7 @@ class PhotoFace : public QObject {
  Q_SIGNALS:
     /// FindSoon() has ended, with or without a face.
     void Looked();
-    /// The photo is another one, or was turned or changed: what was known holds no more.
+    /// The photo is another one, or what it shows lies elsewhere: what was known holds no more.
     void Forgotten();
     void PointMoved();
 
@@ -66,6 +66,7 @@ class PhotoFace : public QObject {
     imaging::FaceSearch found_;
     imaging::PortraitMeasures measures_;
     QString missing_;
+    int geometry_ = 0;       ///< of the photo as it is
     bool known_ = false;     ///< found_ is of the photo as it is
     bool measured_ = false;  ///< measures_ are of the photo and the points as they are
     bool painting_ = false;  ///< the next change of the photo is the stamp's

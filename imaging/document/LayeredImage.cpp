@@ -37,7 +37,7 @@ void LayeredImage::SetResolution(DotsPerInch resolution) {
 void LayeredImage::Clear() {
     resolution_ = {};
     iptc_ = {};
-    edits_ = {};
+    edits_ = {.geometry = edits_.geometry + 1};
     history_.Clear();
     turns_.Forget();
     if (IsEmpty()) {
@@ -62,7 +62,7 @@ void LayeredImage::Open(Pixels photo, DotsPerInch resolution) {
     currentLayer_ = 0;
     resolution_ = resolution;
     iptc_ = {};
-    edits_ = {};
+    edits_ = {.geometry = edits_.geometry + 1};
     history_.Clear();
     turns_.Forget();
     Q_EMIT PhotoChanged();
@@ -103,6 +103,7 @@ void LayeredImage::TurnPhoto(double degreesCounterClockwise) {
     }
     layers_.front().rectangle = QRect(QPoint(), turned.Size());
     layers_.front().pixels = std::move(turned);
+    edits_.Add(PhotoEdit::Geometry);
     Q_EMIT PhotoTurned();
     Q_EMIT PhotoChanged();
 }

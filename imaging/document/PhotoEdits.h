@@ -15,6 +15,9 @@ struct PhotoEdits {
     bool tone = false;
     bool colours = false;
     bool retouched = false;
+    /// Another number than before wherever what the photo shows lies elsewhere in it, or the photo
+    /// is another one.
+    int geometry = 0;
 
     bool Any() const { return tone || colours || retouched; }
 
@@ -22,6 +25,7 @@ struct PhotoEdits {
         tone |= edit == PhotoEdit::Tone;
         colours |= edit == PhotoEdit::Colours;
         retouched |= edit == PhotoEdit::Retouch;
+        geometry += int{edit == PhotoEdit::Geometry};
     }
 
     bool operator==(const PhotoEdits&) const = default;

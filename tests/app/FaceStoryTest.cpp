@@ -256,8 +256,14 @@ TEST_F(FaceStory, TheMeasuresFollowAMovedPointAndTheStamp) {
     const QPoint eye = DrawnLeftEye.toPoint();
     Drag(window->View(), {OnScreen(eye), OnScreen(eye + QPoint(0, 30))});
     EXPECT_TRUE(TextsFollow()) << "the point";
+    Image().RecordUndoStep();
     Image().EditPhoto(QRect({0, 0}, DrawnSize), [](QImage& photo) { photo.fill(Qt::black); });
     EXPECT_TRUE(TextsFollow()) << "the stamp";
+    const auto lengths = [this] { return Texts().filter(u" mm"_s); };
+    const QStringList moved = lengths();
+    Trigger(u"acUndo"_s);
+    Trigger(u"acSchwarzweiss"_s);
+    EXPECT_FALSE(QTest::qWaitFor([&] { return lengths() != moved; }, 1000)) << "points are kept";
 }
 
 }  // namespace kadrona::testing

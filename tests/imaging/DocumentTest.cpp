@@ -322,16 +322,22 @@ TEST(UndoHistory, KeepsOnlyTouchedBlocksOfAnEditInPlace) {
 
 TEST_F(LayeredImageTest, KnowsWhatWasDoneToThePhotoAndWhatWasUndone) {
     image.Open(photo, {});
+    const int opened = image.Edits().geometry;
     image.ChangePhoto(Pixels(Picture({"k"})), PhotoEdit::Tone);
     image.ChangePhoto(Pixels(Picture({"r"})), PhotoEdit::Colours);
     image.RecordUndoStep();
     image.EditPhoto({0, 0, 1, 1}, [](QImage& pixels) { pixels.fill(Qt::blue); });
-    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, true}));
+    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, true, opened}));
     image.Undo();
-    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, false}));
+    EXPECT_EQ(image.Edits(), (PhotoEdits{true, true, false, opened}));
     image.Undo();
-    EXPECT_EQ(image.Edits(), (PhotoEdits{.tone = true}));
+    EXPECT_EQ(image.Edits(), (PhotoEdits{.tone = true, .geometry = opened}));
+    image.TurnPhoto(90);
+    EXPECT_NE(image.Edits().geometry, opened);
+    image.Undo();
+    EXPECT_EQ(image.Edits().geometry, opened);
     image.Open(photo, {});
+    EXPECT_NE(image.Edits().geometry, opened);
     EXPECT_FALSE(image.Edits().Any());
 }
 
