@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <sys/mman.h>
 
 #include <QDir>
 #include <QFile>
@@ -49,6 +50,15 @@ QString PathAmongLibraries(const QString& name) {
     return {};
 }
 
+/// Whether there is no room for a part with its libraries. Of a library that cannot be opened only
+/// a text in the user's language says why.
+bool IsMemoryShort() {
+    constexpr size_t RoomOfPart = size_t{32} << 20U;
+    void* const room =
+        mmap(nullptr, RoomOfPart, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return room == MAP_FAILED || munmap(room, RoomOfPart) != 0;
+}
+
 }  // namespace
 
 void* AddressInPart(const char* part, const char* function) {
@@ -57,6 +67,11 @@ void* AddressInPart(const char* part, const char* function) {
     const QString path = installed.isEmpty() ? name : installed;
     void* const library = dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
     void* const address = library != nullptr ? dlsym(library, function) : nullptr;
+    if (library == nullptr && !installed.isEmpty() && IsMemoryShort()) {
+        throw Error(
+            u"Für einen Teil des Programms, „%1“, reicht der Arbeitsspeicher nicht aus."_s.arg(
+                name));
+    }
     if (address == nullptr) {
         throw PartMissing(
             u"Ein Teil des Programms, „%1“, fehlt oder passt nicht zu ihm (%2). "

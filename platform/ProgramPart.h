@@ -13,7 +13,8 @@ class PartMissing : public FileError {
 /// first call and stays open. A part holds what needs large libraries of others, so that these are
 /// read when they are first needed and not before the first window. `part` is its file's name
 /// without the extension: in "../lib/kadrona" beside the program, in "parts" there, in the
-/// program's own folder, or where the build put it. Throws PartMissing.
+/// program's own folder, or where the build put it. Throws PartMissing, and Error where memory is
+/// short.
 void* AddressInPart(const char* part, const char* function);
 
 /// The same, as a function of that type. It must be the type that the part declares, `function` the

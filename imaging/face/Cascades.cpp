@@ -4,6 +4,7 @@
 #include <array>
 #include <opencv2/core/mat.hpp>
 
+#include "imaging/face/EnoughMemory.h"
 #include "imaging/face/FacesPart.h"
 #include "platform/ProgramPart.h"
 
@@ -52,7 +53,7 @@ std::vector<CascadeHit> Cascades::Find(Kind kind, const cv::Mat& grey, int small
 }
 
 const Cascades& InstalledCascades() {
-    static const Cascades cascades;
+    static const Cascades cascades = WithEnoughMemory([] { return Cascades(); });
     return cascades;
 }
 

@@ -35,7 +35,8 @@ class Cascades {
     std::array<std::unique_ptr<Classifier>, 3> classifiers_;
 };
 
-/// Those of this machine, loaded by the first call that finds them. Throws CascadesMissing.
+/// Those of this machine, loaded by the first call that finds them. Throws CascadesMissing, and
+/// platform::Error where memory is short.
 const Cascades& InstalledCascades();
 
 }  // namespace kadrona::imaging

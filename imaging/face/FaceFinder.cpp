@@ -7,6 +7,7 @@
 
 #include "imaging/face/ChinFinder.h"
 #include "imaging/face/CrownFinder.h"
+#include "imaging/face/EnoughMemory.h"
 #include "imaging/face/EyeFinder.h"
 #include "imaging/face/FaceFrame.h"
 #include "imaging/face/FaceRegression.h"
@@ -200,9 +201,7 @@ Face Measured(const FacePhoto& photo, const EyePair& eyes) {
     return face;
 }
 
-}  // namespace
-
-FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
+FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     if (photo.Width() < SmallestSide || photo.Height() < SmallestSide) {
         return {};
     }
@@ -221,6 +220,12 @@ FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
     const auto count = std::ranges::count_if(
         candidates, [](const FaceCandidate& candidate) { return candidate.votes >= 8; });
     return {Measured(facePhoto, eyes), std::max(1, static_cast<int>(count))};
+}
+
+}  // namespace
+
+FaceSearch FindFace(const Pixels& photo, const Cascades& cascades) {
+    return WithEnoughMemory([&] { return Searched(photo, cascades); });
 }
 
 FaceSearch FindFace(const Pixels& photo) {

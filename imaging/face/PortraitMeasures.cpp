@@ -5,6 +5,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
+#include "imaging/face/EnoughMemory.h"
 #include "imaging/face/FaceFrame.h"
 #include "imaging/pixels/MatView.h"
 
@@ -177,7 +178,7 @@ PortraitMeasures MeasurePortrait(const Pixels& photo, const Face& face) {
     if (photo.IsEmpty() || face.EyeDistance() < SmallestDistance) {
         return {};
     }
-    return Measurer(photo, face).Measure();
+    return WithEnoughMemory([&] { return Measurer(photo, face).Measure(); });
 }
 
 }  // namespace kadrona::imaging

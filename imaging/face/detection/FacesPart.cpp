@@ -11,11 +11,14 @@ using kadrona::imaging::CascadeHit;
 
 class CascadeOfOpenCv : public kadrona::imaging::Classifier {
  public:
-    /// OpenCV throws for a damaged file.
+    /// OpenCV throws for a damaged file, and where memory is short.
     bool Load(const QString& path) {
         try {
             return cascade_.load(QDir::toNativeSeparators(path).toStdString());
-        } catch (const cv::Exception&) {
+        } catch (const cv::Exception& error) {
+            if (error.code == cv::Error::StsNoMem) {
+                throw;
+            }
             return false;
         }
     }
