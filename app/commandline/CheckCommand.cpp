@@ -8,6 +8,7 @@
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
+#include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
 #include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
@@ -96,9 +97,9 @@ QJsonObject ReportObject(const Report& report) {
 
 void PrintText(const Report& report, QTextStream& output) {
     output << HarmlessName(report.file) << u"\n"_s;
-    if (report.search.faceCount > 1) {
-        output << u"  %1 Gesichter; geprüft wird das größte nahe der Mitte.\n"_s.arg(
-            report.search.faceCount);
+    const QString several = core::SeveralFacesText(report.search.faceCount);
+    if (!several.isEmpty()) {
+        output << u"  "_s << several << u'\n';
     }
     for (const core::CheckLine& line : report.lines) {
         const QString band = core::BandText(line);
@@ -148,9 +149,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
         const core::FacePlacement placement =
             core::PlaceOnFace(*face, figures, data.TemplateCanvasSize(), image.Photo().Size());
         report.placement = placement.rectangle;
-        if (placement.photoTooTight) {
-            errors << HarmlessName(file) << u": "_s << TooTightWarning << Qt::endl;
-        }
+        Remark(file, core::PlacementRemark(report.search, placement), errors);
     }
     core::CheckedPhoto checked;
     checked.face = face;

@@ -100,7 +100,7 @@ void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
     }
 }
 
-core::FacePlacement PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image) {
+QString PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image) {
     const imaging::FaceSearch search = imaging::FindFace(image.Photo());
     if (!search.face) {
         throw platform::Error(u"Kein Gesicht gefunden."_s);
@@ -108,7 +108,7 @@ core::FacePlacement PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage
     const core::FacePlacement placement = core::PlaceOnFace(
         *search.face, data.LoadedFigures(), data.TemplateCanvasSize(), image.Photo().Size());
     image.SetLayerRectangle(1, placement.rectangle);
-    return placement;
+    return core::PlacementRemark(search, placement);
 }
 
 }  // namespace kadrona::app

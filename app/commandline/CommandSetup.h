@@ -24,9 +24,6 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command);
 /// Gives a command this machine's data, without a window.
 int WithData(QTextStream& errors, const std::function<int(core::TData&)>& command);
 
-inline const QString TooTightWarning =
-    QStringLiteral("Das Foto endet zu nah am Kopf; die Schablone liegt nicht an ihrem Platz.");
-
 /// Loads the template of a name of the catalogue. Throws UsageError where there is none.
 void LoadTemplate(core::TData& data, const QString& name);
 
@@ -39,8 +36,8 @@ core::StoredSettings ProfileSettings(const core::TData& data, const QString& pro
 void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
                      const std::optional<core::TemplatePlace>& place);
 
-/// Puts the drawn template to the photo's face. Throws platform::Error where there is none, and
-/// imaging::CascadesMissing.
-core::FacePlacement PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image);
+/// Puts the drawn template to the photo's face; returns core::PlacementRemark. Throws
+/// platform::Error where there is none, and imaging::CascadesMissing.
+QString PlaceTemplateOnFace(core::TData& data, imaging::LayeredImage& image);
 
 }  // namespace kadrona::app

@@ -118,17 +118,23 @@ void OpenWithTemplate(core::TData& data, const core::Settings& settings, const Q
     data.DrawMask(image);
 }
 
+void Remark(const QString& photo, const QString& remark, QTextStream& errors) {
+    if (!remark.isEmpty()) {
+        errors << HarmlessName(photo) << u": "_s << remark << Qt::endl;
+    }
+}
+
 void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
                        const std::optional<core::TemplatePlace>& place, bool automatic,
                        const QString& photo, imaging::LayeredImage& image, QTextStream& errors) {
     OpenWithTemplate(data, settings, photo, image);
-    if (!automatic) {
+    if (automatic) {
+        Remark(photo, PlaceTemplateOnFace(data, image), errors);
+    } else {
         PlaceTemplateAt(data, image, place);
-    } else if (PlaceTemplateOnFace(data, image).photoTooTight) {
-        errors << HarmlessName(photo) << u": "_s << TooTightWarning << Qt::endl;
     }
     if (core::AverageBrightness(image.Photo()) > core::BrightestAccepted) {
-        errors << HarmlessName(photo) << u": "_s << core::TooBrightWarning << Qt::endl;
+        Remark(photo, core::TooBrightWarning, errors);
     }
 }
 

@@ -38,6 +38,9 @@ FileIdentities IdentitiesOf(const QStringList& files);
 /// are of IdentitiesOf.
 void RequireNoPhoto(const QString& output, const FileIdentities& photos);
 
+/// Writes a line about a photo that was done all the same; none where the remark is empty.
+void Remark(const QString& photo, const QString& remark, QTextStream& errors);
+
 /// Opens a photo as the window does, without its questions, and draws the loaded template over it.
 /// Throws platform::Error.
 void OpenWithTemplate(core::TData& data, const core::Settings& settings, const QString& photo,

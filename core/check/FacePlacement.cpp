@@ -1,9 +1,12 @@
 #include "core/check/FacePlacement.h"
 
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 
 #include "core/templates/LayerPosition.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
@@ -75,6 +78,20 @@ QRect LargestInside(const QRect& around, QSize canvas, QSize photo) {
 }
 
 }  // namespace
+
+QString SeveralFacesText(int faceCount) {
+    return faceCount > 1 ? u"%1 Gesichter; es gilt das größte nahe der Mitte."_s.arg(faceCount)
+                         : QString();
+}
+
+QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& placement) {
+    QStringList remarks{SeveralFacesText(search.faceCount)};
+    if (placement.photoTooTight) {
+        remarks << u"Das Foto endet zu nah am Kopf; die Schablone passt nicht an ihren Platz."_s;
+    }
+    remarks.removeAll({});
+    return remarks.join(u' ');
+}
 
 QPointF CrownFor(const imaging::Face& face, const TemplateRow& row) {
     return (row.crown == Crown::Skull ? face.skull : face.crown).position;

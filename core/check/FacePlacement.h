@@ -15,6 +15,13 @@ struct FacePlacement {
     bool photoTooTight = false;
 };
 
+/// Which of several faces counts, German; empty where there are not several.
+QString SeveralFacesText(int faceCount);
+
+/// What whoever places a template on a face has to know: that there are several, that the photo is
+/// too tight. German sentences; often empty.
+QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& placement);
+
 /// The top of the head that counts for a document.
 QPointF CrownFor(const imaging::Face& face, const TemplateRow& row);
 

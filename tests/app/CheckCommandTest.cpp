@@ -1,6 +1,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPainter>
 
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/CommandSetup.h"
@@ -89,7 +90,14 @@ TEST_F(CheckCommand, TellsProgramsWhetherCornersAreWhite) {
 }
 
 TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
-    DrawnPortrait().copy(80, 110, 440, 450).save(installation.Path("in/tight.png"));
+    const QImage portrait = DrawnPortrait();
+    portrait.copy(80, 110, 440, 450).save(installation.Path("in/tight.png"));
+    QImage pair(1200, 800, QImage::Format_RGB32);
+    QPainter painter(&pair);
+    painter.drawImage(0, 0, portrait);
+    painter.drawImage(600, 0, portrait);
+    painter.end();
+    pair.save(installation.Path("in/pair.png"));
     app::SheetRequest sheets;
     sheets.templateName = u"Pass"_s;
     sheets.automatic = true;
@@ -97,9 +105,10 @@ TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
     sheets.output = installation.Path("out");
     EXPECT_EQ(RunCommand(app::MakeSheets, sheets), app::SomePhotoFailed);
     EXPECT_EQ(QDir(sheets.output).entryList(QDir::Files),
-              (QStringList{u"face_kdr.jpg"_s, u"tight_kdr.jpg"_s}));
-    EXPECT_EQ(errors.count(app::TooTightWarning), 1);
-    EXPECT_TRUE(errors.contains(u"tight.png: "_s + app::TooTightWarning));
+              (QStringList{u"face_kdr.jpg"_s, u"pair_kdr.jpg"_s, u"tight_kdr.jpg"_s}));
+    EXPECT_EQ(errors.count(u"zu nah am Kopf"_s), 1);
+    EXPECT_TRUE(errors.contains(u"pair.png: 2 Gesichter"_s)) << errors.toStdString();
+    EXPECT_TRUE(errors.contains(u"tight.png: Das Foto endet zu nah am Kopf"_s));
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
 }
 

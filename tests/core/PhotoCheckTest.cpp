@@ -83,6 +83,7 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
                                       Case{{500, 360}, {250, 200}}, Case{{3, 2000}, {1, 900}}}) {
         const FacePlacement placement = PlaceOnFace(FaceAt(eyes), row, canvas, photo);
         EXPECT_TRUE(placement.photoTooTight);
+        EXPECT_TRUE(PlacementRemark({{}, 2}, placement).contains(u"Foto endet"_s));
         EXPECT_TRUE(QRect({0, 0}, photo).contains(placement.rectangle))
             << ::testing::PrintToString(placement.rectangle);
         EXPECT_NEAR(placement.rectangle.height(), placement.rectangle.width() * 45 / 35.0, 1);
