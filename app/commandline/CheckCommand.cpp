@@ -24,10 +24,15 @@ namespace {
 /// The check of one photo.
 struct Report {
     QString file;
-    imaging::FaceSearch search;
+    /// Why there is no check; empty where there is one.
+    QString error;
+    /// Nothing where no face could be looked for.
+    std::optional<imaging::FaceSearch> search;
     /// Empty where the template was to be placed by a face that is not there.
     QRect placement;
     std::vector<core::CheckLine> lines;
+
+    std::optional<imaging::Face> Face() const { return search ? search->face : std::nullopt; }
 
     bool HasMissed() const {
         return std::ranges::any_of(lines, [](const core::CheckLine& line) {
@@ -72,6 +77,9 @@ QJsonValue ValueOf(const core::CheckLine& line) {
 }
 
 QJsonObject ReportObject(const Report& report) {
+    if (!report.error.isEmpty()) {
+        return {{u"file"_s, report.file}, {u"error"_s, report.error}};
+    }
     QJsonArray checks;
     for (const core::CheckLine& line : report.lines) {
         checks.append(QJsonObject{{u"name"_s, line.name},
@@ -90,14 +98,14 @@ QJsonObject ReportObject(const Report& report) {
                                                               {u"width"_s, place.width()},
                                                               {u"height"_s, place.height()}});
     return {{u"file"_s, report.file},
-            {u"face"_s, FaceObject(report.search.face)},
+            {u"face"_s, FaceObject(report.Face())},
             {u"placement"_s, placement},
             {u"checks"_s, checks}};
 }
 
 void PrintText(const Report& report, QTextStream& output) {
     output << HarmlessName(report.file) << u"\n"_s;
-    const QString several = core::SeveralFacesText(report.search.faceCount);
+    const QString several = core::SeveralFacesText(report.search ? report.search->faceCount : 0);
     if (!several.isEmpty()) {
         output << u"  "_s << several << u'\n';
     }
@@ -120,18 +128,18 @@ void PrintJson(const std::vector<Report>& reports, bool asList, QTextStream& out
     }
     QJsonDocument document(list);
     if (!asList) {
-        document = list.isEmpty() ? QJsonDocument() : QJsonDocument(list.first().toObject());
+        document = QJsonDocument(list.first().toObject());
     }
     output << QString::fromUtf8(document.toJson()) << Qt::flush;
 }
 
 /// Looks for a face; where the finder's data is missing, that is said and the rest still checked.
-imaging::FaceSearch Search(const imaging::Pixels& photo, QTextStream& errors) {
+std::optional<imaging::FaceSearch> Search(const imaging::Pixels& photo, QTextStream& errors) {
     try {
         return imaging::FindFace(photo);
     } catch (const imaging::CascadesMissing& error) {
         errors << error.Text() << Qt::endl;
-        return {};
+        return std::nullopt;
     }
 }
 
@@ -140,8 +148,8 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     imaging::LayeredImage image;
     OpenWithTemplate(data, settings, file, image);
     const core::TemplateRow figures = data.LoadedFigures();
-    Report report{file, Search(image.Photo(), errors), {}, {}};
-    const std::optional<imaging::Face>& face = report.search.face;
+    Report report{file, {}, Search(image.Photo(), errors), {}, {}};
+    const std::optional<imaging::Face> face = report.Face();
     if (!request.automatic) {
         PlaceTemplateAt(data, image, request.place);
         report.placement = image.LayerAt(1).rectangle;
@@ -149,10 +157,11 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
         const core::FacePlacement placement =
             core::PlaceOnFace(*face, figures, data.TemplateCanvasSize(), image.Photo().Size());
         report.placement = placement.rectangle;
-        Remark(file, core::PlacementRemark(report.search, placement), errors);
+        Remark(file, core::PlacementRemark(*report.search, placement), errors);
     }
     core::CheckedPhoto checked;
     checked.face = face;
+    checked.wasFaceLookedFor = report.search.has_value();
     if (face) {
         checked.measures = imaging::MeasurePortrait(image.Photo(), *face);
     }
@@ -163,6 +172,27 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     checked.whiteCorners = core::HasWhiteCorners(image.Photo(), report.placement);
     report.lines = core::CheckPhoto(checked);
     return report;
+}
+
+/// The same of any photo; what is wrong is said.
+Report Checked(core::TData& data, const core::Settings& settings, const CheckRequest& request,
+               const QString& file, QTextStream& errors) {
+    try {
+        Report report = CheckOne(data, settings, request, file, errors);
+        if (request.automatic && report.search && !report.Face()) {
+            Remark(file, u"Kein Gesicht gefunden."_s, errors);
+        }
+        return report;
+    } catch (const std::exception& error) {
+        errors << FailureLine(file, error) << Qt::endl;
+        return {file, QString::fromUtf8(error.what()), {}, {}, {}};
+    }
+}
+
+/// A strict check that cannot look for a face is none.
+bool IsFailure(const Report& report, const CheckRequest& request) {
+    return !report.error.isEmpty() || (request.automatic && !report.Face()) ||
+           (request.strict && !report.search);
 }
 
 }  // namespace
@@ -176,21 +206,15 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
     bool missed = false;
     std::vector<Report> reports;
     for (const QString& photo : photos) {
-        try {
-            Report report = CheckOne(data, settings, request, photo, errors);
-            if (request.automatic && !report.search.face) {
-                errors << HarmlessName(photo) << u": Kein Gesicht gefunden."_s << Qt::endl;
-                result = SomePhotoFailed;
-            }
-            missed |= report.HasMissed();
-            if (request.json) {
-                reports.push_back(std::move(report));
-            } else {
-                PrintText(report, output);
-            }
-        } catch (const std::exception& error) {
-            errors << FailureLine(photo, error) << Qt::endl;
+        const Report report = Checked(data, settings, request, photo, errors);
+        if (IsFailure(report, request)) {
             result = SomePhotoFailed;
+        }
+        missed |= report.HasMissed();
+        if (request.json) {
+            reports.push_back(report);
+        } else if (report.error.isEmpty()) {
+            PrintText(report, output);
         }
     }
     if (request.json) {

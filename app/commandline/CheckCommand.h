@@ -8,7 +8,8 @@
 namespace kadrona::app {
 
 /// Checks the requested photos without a window. The reports go to `output`, one line per photo
-/// that could not be read or, where the template is placed by the face, has none to `errors`.
+/// that could not be read or, where the template is placed by the face, has none to `errors`. A
+/// program gets an object with the reason for one that could not be read.
 /// Throws UsageError when the request cannot be met for any photo.
 int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& output,
                 QTextStream& errors);

@@ -55,11 +55,13 @@ TEST_F(CheckCommand, ReportsTheFaceItsPlaceAndEachCheck) {
 }
 
 TEST_F(CheckCommand, NamesThePhotosWithoutAFaceAndChecksTheOthers) {
+    installation.Write("in/broken.png", "no picture");
     request.photos = {installation.Path("in")};
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
-    ASSERT_EQ(Json().array().size(), 2);
-    EXPECT_TRUE(Json().array()[1][u"face"_s].isNull());
+    ASSERT_EQ(Json().array().size(), 3);
+    EXPECT_EQ(Json().array()[0].toObject().keys(), Arguments("error file"));
+    EXPECT_TRUE(Json().array()[2][u"face"_s].isNull());
     request.strict = true;
     EXPECT_EQ(Run(), app::SomePhotoFailed) << "before what is missed";
 }
