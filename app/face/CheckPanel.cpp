@@ -11,6 +11,7 @@
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
 #include "core/base/UserInterface.h"
+#include "core/check/FacePlacement.h"
 #include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
 #include "core/settings/Settings.h"
@@ -100,6 +101,7 @@ void CheckPanel::LoadFigures() {
         figuresOf_ = data_.TemplateName();
         figures_.reset();
         controls::Guarded(&window_, [this] { figures_ = data_.LoadedFigures(); });
+        Q_EMIT CrownMeasured(MeasuredCrown());
     }
 }
 
@@ -113,12 +115,11 @@ void CheckPanel::ShowLines() {
     }
     LoadFigures();
     QString summary = u"%1. Ohne Gewähr."_s.arg(session_.TemplateName());
-    if (face_.Search().faceCount > 1) {
-        summary += u" %1 Gesichter; geprüft wird das größte nahe der Mitte."_s.arg(
-            face_.Search().faceCount);
-    }
-    if (!face_.Missing().isEmpty()) {
-        summary += u' ' + face_.Missing();
+    for (const QString& more :
+         {core::SeveralFacesText(face_.Search().faceCount), face_.Missing()}) {
+        if (!more.isEmpty()) {
+            summary += u' ' + more;
+        }
     }
     KeepReport();
     section_.SetLines(last_->lines, summary, dialogs::CheckSection::Points::Movable);
@@ -152,15 +153,32 @@ void CheckPanel::KeepReport() {
              session_.TemplateName(),
              face_.Search().face,
              Lines(),
-             figures_ ? figures_->crown : core::Crown::Hair};
+             MeasuredCrown()};
     lastName_ = session_.FileName();
 }
 
-CheckReport CheckPanel::Report() const {
-    CheckReport report = last_.value();
-    if (IsChecking()) {
-        report.photo = session_.Image().Photo();
+core::Crown CheckPanel::MeasuredCrown() const {
+    return figures_ ? figures_->crown : core::Crown::Hair;
+}
+
+/// Measures now what is measured when the pointer rests.
+void CheckPanel::Refresh() {
+    try {
+        face_.Find();
+    } catch (const imaging::CascadesMissing&) {
+        // The lines say so.
     }
+    LoadFigures();
+    KeepReport();
+}
+
+CheckReport CheckPanel::Report() {
+    if (!IsChecking()) {
+        return last_.value();
+    }
+    Refresh();
+    CheckReport report = *last_;
+    report.photo = session_.Image().Photo();
     return report;
 }
 
@@ -180,25 +198,19 @@ bool CheckPanel::ConfirmCut() {
 }
 
 bool CheckPanel::MayCut() {
-    if (!actions_.IsChecked(Action::ShowCheck)) {
+    const bool shown = actions_.IsChecked(Action::ShowCheck);
+    faceless_ = false;
+    if (!shown) {
         last_.reset();  // does not follow the template then
     }
-    if (!settings_.AskBeforeCut() || !session_.IsEditing() || !session_.HasTemplate()) {
+    if (!settings_.AskBeforeCut() || !IsChecking()) {
         return true;
     }
-    try {
-        const bool found = face_.Find();
-        if (!found && !actions_.IsChecked(Action::ShowCheck)) {
-            return true;
-        }
-    } catch (const imaging::CascadesMissing&) {
-        return true;
-    }
-    LoadFigures();
-    KeepReport();
+    Refresh();
+    faceless_ = !shown && face_.WasLookedFor() && !face_.Search().face;
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {
-        if (line.state == core::CheckState::Missed) {
+        if (line.state == core::CheckState::Missed && !(faceless_ && line.name == u"face")) {
             const QString joint = line.value ? u" "_s : u": "_s;  // a word, not a figure, follows
             missed << line.label + joint + core::FigureText(line) + u'.';
         }
@@ -206,6 +218,10 @@ bool CheckPanel::MayCut() {
     return missed.isEmpty() ||
            controls::AskYesNo(&window_, missed.join(u'\n') + u" Trotzdem erstellen?"_s,
                               controls::Severity::Warning);
+}
+
+QString CheckPanel::CutRemark() const {
+    return faceless_ ? u"Auf dem Foto wurde kein Gesicht gefunden."_s : QString();
 }
 
 void CheckPanel::SaveReport() {

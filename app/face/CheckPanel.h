@@ -39,8 +39,14 @@ class CheckPanel : public QObject {
 
     /// True where nothing that is published is missed, where the profile does not ask, or where the
     /// user wants the cut all the same. A photo without a face is asked about while the check is
-    /// shown; else nobody said that it is a portrait.
+    /// shown; else nobody said that it is a portrait, and CutRemark() tells of it.
     bool ConfirmCut();
+    /// What there is to say once the confirmed cut is made; often empty.
+    QString CutRemark() const;
+
+ Q_SIGNALS:
+    /// The lines of the template measure the head up to there.
+    void CrownMeasured(core::Crown crown);
 
  private:
     void acShowCheckExecute();
@@ -52,7 +58,9 @@ class CheckPanel : public QObject {
     bool IsChecking() const;
     bool MayCut();
     void KeepReport();
-    CheckReport Report() const;
+    core::Crown MeasuredCrown() const;
+    void Refresh();
+    CheckReport Report();
     void ForgetOtherPhoto();
     void SaveReport();
     void PrintReport();
@@ -68,6 +76,7 @@ class CheckPanel : public QObject {
     dialogs::CheckSection& section_;
     /// As the photo was last checked, for the sheet that is made of it; its pixels from the cut on.
     std::optional<CheckReport> last_;
+    bool faceless_ = false;  ///< the cut is of a photo without a face, about which nobody was asked
     QString lastName_;
     std::optional<core::TemplateRow> figures_;
     /// The template that figures_ were asked of, with or without an answer.

@@ -11,9 +11,11 @@ FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, 
                          dialogs::SidePanel& panel, dialogs::CheckSection& section)
     : face_(session, *view.window()),
       overlay_(*new FaceOverlay(view)),
-      points_(face_, view, overlay_, section, actions),
+      points_(session, face_, view, overlay_, section, actions),
       leveller_(session, face_, view, overlay_, actions, rotateActions),
       proposal_(session, face_, overlay_, data, settings, ui, actions),
-      panel_(session, face_, *view.window(), data, settings, ui, actions, panel, section) {}
+      panel_(session, face_, *view.window(), data, settings, ui, actions, panel, section) {
+    QObject::connect(&panel_, &CheckPanel::CrownMeasured, &points_, &FacePoints::ShowCrown);
+}
 
 }  // namespace kadrona::app

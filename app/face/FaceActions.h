@@ -21,6 +21,7 @@ class FaceActions {
 
     /// As CheckPanel's.
     bool ConfirmCut() { return panel_.ConfirmCut(); }
+    QString CutRemark() const { return panel_.CutRemark(); }
 
  private:
     PhotoFace face_;

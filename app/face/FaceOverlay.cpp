@@ -26,6 +26,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
     line_->setObjectName(u"FaceProposal"_s);
     line_->setAutoFillBackground(true);
     text_ = new QLabel(line_);
+    text_->setObjectName(u"ProposalText"_s);
     text_->setWordWrap(true);
     auto* accept = new QPushButton(u"Übernehmen (Strg+E)"_s, line_);
     accept->setObjectName(u"AcceptProposal"_s);
@@ -56,6 +57,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view) : QWidget(&view), view_
 
 void FaceOverlay::Propose(const std::optional<QRect>& rectangle, const QString& text) {
     proposed_ = rectangle;
+    isRemark_ = false;
     text_->setText(text);
     // Whoever answered by the keyboard goes on at the photo.
     if (std::any_of(buttons_.begin(), buttons_.end(), std::mem_fn(&QWidget::hasFocus))) {
@@ -72,19 +74,30 @@ void FaceOverlay::ShowHint(const QString& text) {
     Propose(std::nullopt, text);
 }
 
+void FaceOverlay::ShowRemark(const QString& text) {
+    ShowHint(text);
+    isRemark_ = true;
+}
+
+void FaceOverlay::EndRemark() {
+    if (isRemark_) {
+        ShowHint({});
+    }
+}
+
 void FaceOverlay::ShowLine(const std::optional<QLineF>& line) {
     drawn_ = line;
     ShowAgain();
 }
 
 void FaceOverlay::ShowAgain() {
-    setVisible(proposed_ || face_ || drawn_);
+    setVisible(proposed_ || !points_.empty() || drawn_);
     Follow();
     update();
 }
 
-void FaceOverlay::ShowPoints(const std::optional<imaging::Face>& face) {
-    face_ = face;
+void FaceOverlay::ShowPoints(std::vector<imaging::FacePoint> points) {
+    points_ = std::move(points);
     ShowAgain();
 }
 
@@ -125,10 +138,8 @@ void FaceOverlay::paintEvent(QPaintEvent* /*event*/) {
         painter.setPen(QPen(Accent, 2, Qt::DashLine));
         DrawProposal(painter);
     }
-    painter.setPen(QPen(Qt::white, 4));
-    DrawFace(painter);
-    painter.setPen(QPen(Accent, 2));
-    DrawFace(painter);
+    DrawFace(painter, QPen(Qt::white, 4));
+    DrawFace(painter, QPen(Accent, 2));
 }
 
 void FaceOverlay::DrawProposal(QPainter& painter) const {
@@ -137,16 +148,16 @@ void FaceOverlay::DrawProposal(QPainter& painter) const {
         QRectF(view_.ToWidget(outline.topLeft()), view_.ToWidget(outline.bottomRight())));
 }
 
-void FaceOverlay::DrawFace(QPainter& painter) const {
+void FaceOverlay::DrawFace(QPainter& painter, QPen pen) const {
     constexpr double Radius = 5;
+    painter.setPen(pen);
     if (drawn_) {
         painter.drawLine(view_.ToWidget(drawn_->p1()), view_.ToWidget(drawn_->p2()));
     }
-    if (face_) {
-        for (const imaging::FacePoint& point :
-             {face_->leftEye, face_->rightEye, face_->chin, face_->crown}) {
-            painter.drawEllipse(view_.ToWidget(point.position + QPointF(0.5, 0.5)), Radius, Radius);
-        }
+    for (const imaging::FacePoint& point : points_) {
+        pen.setStyle(point.confidence > 0 ? Qt::SolidLine : Qt::DotLine);
+        painter.setPen(pen);
+        painter.drawEllipse(view_.ToWidget(point.position + QPointF(0.5, 0.5)), Radius, Radius);
     }
 }
 

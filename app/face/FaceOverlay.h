@@ -32,10 +32,13 @@ class FaceOverlay : public QWidget {
     void Propose(const std::optional<QRect>& rectangle, const QString& text);
     /// A line of text alone; an empty one takes it away. Ends an offer.
     void ShowHint(const QString& text);
+    /// A hint until EndRemark() or another hint or offer.
+    void ShowRemark(const QString& text);
+    void EndRemark();
     /// A line that is being drawn, photo pixels.
     void ShowLine(const std::optional<QLineF>& line);
-    /// Nothing shows no points.
-    void ShowPoints(const std::optional<imaging::Face>& face);
+    /// Guessed ones, of no confidence, are dotted. None shows no points.
+    void ShowPoints(std::vector<imaging::FacePoint> points);
     bool IsProposing() const { return proposed_.has_value(); }
 
  Q_SIGNALS:
@@ -50,11 +53,12 @@ class FaceOverlay : public QWidget {
     void Follow();
     void ShowAgain();
     void DrawProposal(QPainter& painter) const;
-    void DrawFace(QPainter& painter) const;
+    void DrawFace(QPainter& painter, QPen pen) const;
 
     imaging::view::ImageView& view_;
     std::optional<QRect> proposed_;
-    std::optional<imaging::Face> face_;
+    bool isRemark_ = false;  ///< what the line shows
+    std::vector<imaging::FacePoint> points_;
     std::optional<QLineF> drawn_;
     QWidget* line_;
     QLabel* text_;

@@ -1,5 +1,6 @@
 #include "app/face/PhotoFace.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/base/PhotoSession.h"
@@ -85,17 +86,26 @@ void PhotoFace::Look() {
     });
 }
 
-void PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to) {
-    imaging::Face& face = *found_.face;
-    const QPointF by = to - (face.*point).position;
-    const QPointF skull = imaging::EstimatedSkull(face);
-    face.*point = {to, 1};
-    face.skull.position +=
-        point == &imaging::Face::crown ? by : imaging::EstimatedSkull(face) - skull;
-    face.tiltDegrees = imaging::TiltDegrees(face.leftEye.position, face.rightEye.position);
+void PhotoFace::TakeMarked(const imaging::Face& face) {
+    found_ = {face, std::max(1, found_.faceCount)};
+    found_.face->tiltDegrees = imaging::TiltDegrees(face.leftEye.position, face.rightEye.position);
+    known_ = true;
     measured_ = false;
     Q_EMIT PointMoved();
     FindSoon();
+}
+
+void PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to) {
+    using imaging::Face;
+    Face face = *found_.face;
+    const QPointF by = to - (face.*point).position;
+    const QPointF skull = imaging::EstimatedSkull(face);
+    const bool isSkullPlaced = face.skull.confidence == 1;
+    face.*point = {to, 1};
+    if (point != &Face::skull && !isSkullPlaced) {
+        face.skull.position += point == &Face::crown ? by : imaging::EstimatedSkull(face) - skull;
+    }
+    TakeMarked(face);
 }
 
 }  // namespace kadrona::app

@@ -43,8 +43,12 @@ class PhotoFace : public QObject {
     /// stamp, other tones or a moved point.
     const imaging::PortraitMeasures& Measures() const { return measures_; }
 
-    /// Puts a point of the face elsewhere: the user knows better. Looked() follows when the pointer
-    /// rests. Precondition: there is a face.
+    /// Takes a face that the user has pointed out, as if it had been found. PointMoved() follows,
+    /// and Looked() when the pointer rests. Precondition: a photo is open.
+    void TakeMarked(const imaging::Face& face);
+    /// Puts a point of the face elsewhere: the user knows better. What follows as after
+    /// TakeMarked(). The skull goes with the others until it is moved itself. Precondition: there
+    /// is a face.
     void MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to);
 
  Q_SIGNALS:

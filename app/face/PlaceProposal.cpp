@@ -1,5 +1,8 @@
 #include "app/face/PlaceProposal.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
 #include "app/face/FaceOverlay.h"
@@ -44,7 +47,9 @@ void PlaceProposal::FollowPhoto() {
     End();
 }
 
+/// What was said of the template's place holds no longer than it stands there.
 void PlaceProposal::FollowSession() {
+    overlay_.EndRemark();
     if (IsWanted()) {
         face_.FindSoon();
     }
@@ -62,18 +67,26 @@ void PlaceProposal::Offer() {
     if (!search.face) {
         return;
     }
-    if (settings_.AlignToFace() == core::FaceAlignment::Always) {
-        Take();
-        return;
-    }
     const core::FacePlacement placement = Place();
-    QString text = search.faceCount > 1
-                       ? u"%1 Gesichter; Schablone am größten ausrichten?"_s.arg(search.faceCount)
-                       : u"Gesicht gefunden. Schablone daran ausrichten?"_s;
-    if (placement.photoTooTight) {
-        text += u" Das Foto endet zu nah am Kopf."_s;
+    if (settings_.AlignToFace() == core::FaceAlignment::Always) {
+        Take(placement);
+    } else if (StandsAt(placement.rectangle)) {
+        Remark(placement);
+    } else {
+        const QString remark = core::PlacementRemark(search, placement);
+        overlay_.Propose(placement.rectangle, (remark.isEmpty() ? u"Gesicht gefunden."_s : remark) +
+                                                  u" Schablone daran ausrichten?"_s);
     }
-    overlay_.Propose(placement.rectangle, text);
+}
+
+/// As near as nobody would move it by hand.
+bool PlaceProposal::StandsAt(const QRect& place) const {
+    constexpr int PartOfWidth = 400;
+    const int near = std::max(1, place.width() / PartOfWidth);
+    const QRect now = session_.TemplateRectangle();
+    const auto isNear = [near](int one, int other) { return std::abs(one - other) <= near; };
+    return isNear(now.left(), place.left()) && isNear(now.top(), place.top()) &&
+           isNear(now.right(), place.right()) && isNear(now.bottom(), place.bottom());
 }
 
 void PlaceProposal::End() {
@@ -87,10 +100,18 @@ core::FacePlacement PlaceProposal::Place() const {
                              data_.TemplateCanvasSize(), session_.Image().Photo().Size());
 }
 
-void PlaceProposal::Take() {
+void PlaceProposal::Take(const core::FacePlacement& placement) {
     End();
-    session_.Image().SetLayerRectangle(1, Place().rectangle);
+    session_.Image().SetLayerRectangle(1, placement.rectangle);
     session_.Image().SetCurrentLayer(1);
+    Remark(placement);
+}
+
+void PlaceProposal::Remark(const core::FacePlacement& placement) {
+    const QString remark = core::PlacementRemark(face_.Search(), placement);
+    if (!remark.isEmpty()) {
+        overlay_.ShowRemark(remark);
+    }
 }
 
 void PlaceProposal::acAlignToFaceExecute() {
@@ -101,7 +122,7 @@ void PlaceProposal::acAlignToFaceExecute() {
         ui_.ShowMessage(u"Auf diesem Foto wurde kein Gesicht gefunden."_s);
         return;
     }
-    Take();
+    Take(Place());
 }
 
 }  // namespace kadrona::app

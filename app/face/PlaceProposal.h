@@ -35,7 +35,9 @@ class PlaceProposal : public QObject {
     void Offer();
     void End();
     core::FacePlacement Place() const;
-    void Take();
+    bool StandsAt(const QRect& place) const;
+    void Take(const core::FacePlacement& placement);
+    void Remark(const core::FacePlacement& placement);
 
     PhotoSession& session_;
     PhotoFace& face_;

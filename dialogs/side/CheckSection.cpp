@@ -80,7 +80,7 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
     points_->setObjectName(u"MovePoints"_s);
     points_->setCheckable(true);
     points_->setToolTip(
-        u"Pupillen, Kinn und Scheitel auf dem Foto verschieben, wo sie falsch gefunden sind"_s);
+        u"Pupillen, Kinn und Scheitel auf dem Foto verschieben, wo sie falsch oder nicht gefunden sind"_s);
     report_ = new QPushButton(u"&Bericht"_s);
     report_->setObjectName(u"CheckReport"_s);
     buttons_->addWidget(points_, 0, 0);

@@ -41,4 +41,20 @@ QPointF EstimatedSkull(const Face& face) {
     return frame.ToPhoto({crown.x(), std::max(-above, crown.y())});
 }
 
+Face TypicalFace(const QRect& picture) {
+    constexpr double EyeDistance = 0.19;  // of the height, as are those below
+    constexpr double EyesToChin = 0.34;
+    constexpr double EyesToCrown = 0.38;
+    const QPointF eyes = QRectF(picture).center();
+    const double height = picture.height();
+    const QPointF aside(EyeDistance / 2 * height, 0);
+    Face face;
+    face.leftEye.position = eyes - aside;
+    face.rightEye.position = eyes + aside;
+    face.chin.position = eyes + QPointF(0, EyesToChin * height);
+    face.crown.position = eyes - QPointF(0, EyesToCrown * height);
+    face.skull = face.crown;
+    return face;
+}
+
 }  // namespace kadrona::imaging

@@ -39,6 +39,10 @@ QRect CheeksOf(const Face& face);
 /// or close eyes. The crown where the pupils lie on each other.
 QPointF EstimatedSkull(const Face& face);
 
+/// A face of usual proportions where a passport photo of that rectangle has it; no point is
+/// certain.
+Face TypicalFace(const QRect& picture);
+
 /// The answer of a search.
 struct FaceSearch {
     /// The largest face near the middle; nothing where no face was found.
