@@ -152,7 +152,8 @@ void TmainFm::ConnectParts() {
     archiveActions_->SetOriginalOpener(
         [this](const QString& path) { return openActions_->OpenOriginal(path); });
     sheetActions_->SetConfirmation(
-        [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); });
+        [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); },
+        [this] { return faceActions_->CutRemark(); });
 }
 
 /// An archive that is gone is told by what works on it.

@@ -64,9 +64,13 @@ void SheetActions::acCropExecute() {
         // A printer that fails must not keep the photos from being saved.
         controls::Guarded(&window_, [this] { printFlow_.acPrintImageExecute(); });
     }
+    const QString remark = remark_ ? remark_() : QString();
+    if (!remark.isEmpty()) {
+        Q_EMIT actions_.Succeeded(remark);
+    }
     // As for the action itself: a sheet of several photos is not saved quickly.
     if (settings_.ImageAutoSave2() && session_.LayoutIndex() == core::SinglePhotoLayout) {
-        acSaveImageFastExecute();
+        SaveFast(remark);
     }
 }
 
@@ -76,6 +80,10 @@ void SheetActions::acSaveExecute() {
 }
 
 void SheetActions::acSaveImageFastExecute() {
+    SaveFast({});
+}
+
+void SheetActions::SaveFast(const QString& remark) {
     const QString fileName = data_.GetFileName(settings_.FileNameEd(), settings_.FileVarCombo(),
                                                settings_.FileTypCombo());
     if (!MayShrinkTheSheet()) {
@@ -87,12 +95,14 @@ void SheetActions::acSaveImageFastExecute() {
         return;
     }
     const controls::WaitCursor wait;
-    TellSaved(data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk()));
+    TellSaved(data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk()),
+              remark);
     savedPhotos_.insert(path, data_.CurrentFile());
 }
 
-/// With its size on paper, which is a whole sheet's where paper is chosen.
-void SheetActions::TellSaved(const core::PhotoSaver::Saved& saved) {
+/// With its size on paper, which is a whole sheet's where paper is chosen. The remark, which the
+/// text takes the place of, goes with it.
+void SheetActions::TellSaved(const core::PhotoSaver::Saved& saved, const QString& remark) {
     if (saved.path.isEmpty()) {
         return;
     }
@@ -103,7 +113,7 @@ void SheetActions::TellSaved(const core::PhotoSaver::Saved& saved) {
         const QSizeF tenths = inches * core::MicrometresPerInch / Tenth;
         text += u", "_s + core::SizeText(tenths.toSize() * Tenth);
     }
-    Q_EMIT actions_.Succeeded(text);
+    Q_EMIT actions_.Succeeded(remark.isEmpty() ? text : text + u". "_s + remark);
 }
 
 /// Without a folder the photo would go to the root of the file system.

@@ -32,14 +32,19 @@ class SheetActions : public QObject {
                  const core::Settings& settings, core::UserInterface& ui, MainActions& actions,
                  ViewActions& viewActions, PrintFlow& printFlow);
 
-    /// Asked before a photo is cut; false leaves it as it is.
-    void SetConfirmation(std::function<bool()> confirm) { confirm_ = std::move(confirm); }
+    /// `confirm` is asked before a photo is cut; false leaves it as it is. What `remark` returns is
+    /// said quietly of the cut.
+    void SetConfirmation(std::function<bool()> confirm, std::function<QString()> remark) {
+        confirm_ = std::move(confirm);
+        remark_ = std::move(remark);
+    }
 
  private:
     void acCropExecute();
     void acSaveExecute();
     void acSaveImageFastExecute();
-    void TellSaved(const core::PhotoSaver::Saved& saved);
+    void SaveFast(const QString& remark);
+    void TellSaved(const core::PhotoSaver::Saved& saved, const QString& remark = {});
     QString FolderToSaveIn();
     bool MayShrinkTheSheet();
     bool MayReplace(const QString& path);
@@ -55,6 +60,7 @@ class SheetActions : public QObject {
     /// The photos that files were quickly saved from in this run, by the files' paths.
     QHash<QString, QString> savedPhotos_;
     std::function<bool()> confirm_;
+    std::function<QString()> remark_;
 };
 
 }  // namespace kadrona::app

@@ -1,5 +1,6 @@
 // What the window offers where it finds a face.
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTextDocument>
 #include <cmath>
@@ -29,6 +30,16 @@ class FaceStory : public Story {
     QWidget& Proposal() { return Child<QWidget>(*window, "FaceProposal"); }
     void AwaitProposal() {
         ASSERT_TRUE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 5000));
+    }
+    /// A head of 32 to 36 mm, which ends as the document says ("Schädel" or nothing for the hair).
+    void WriteFigures(const QByteArray& crown = {}) {
+        installation.Write(
+            "program/Schablonen/Vorgaben.tsv",
+            "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
+            "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
+            "Achse von\tAchse bis\tRichtwert\tHinweis\tScheitel\n"
+            "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
+                QByteArray(13, '\t') + crown + "\n");
     }
     /// Of the check.
     QStringList Texts() {
@@ -61,6 +72,38 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     EXPECT_NEAR(Template().center().x(), DrawnChin.x(), 5);
     EXPECT_TRUE(Template().contains(DrawnChin.toPoint()));
     EXPECT_TRUE(Template().contains(DrawnCrown.toPoint()));
+
+    Trigger(u"acCrop"_s);
+    Open("face.png");
+    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 1000))
+        << "it stands there";
+}
+
+TEST_F(FaceStory, TellsOfATightPhotoWhereNothingIsOffered) {
+    DrawnPortrait().copy(80, 110, 440, 450).save(installation.Path("tight.png"));
+    Open("tight.png");
+    Setting<QComboBox>("AlignToFace").setCurrentIndex(2);
+    AwaitProposal();
+    EXPECT_TRUE(Child<QLabel>(Proposal(), "ProposalText").text().contains(u"zu nah am Kopf"_s));
+    EXPECT_FALSE(Child<QPushButton>(*window, "AcceptProposal").isVisible());
+    Image().SetLayerRectangle(1, Template().translated(0, 1));
+    EXPECT_FALSE(Proposal().isVisible()) << "it stood there no longer";
+}
+
+TEST_F(FaceStory, TellsAfterTheCutThatThereWasNoFace) {
+    const auto notice = [this] { return Child<QLabel>(*window, "StatusNotice").text(); };
+    for (const bool saved : {false, true}) {
+        Open("photo.png");
+        Setting<QLineEdit>("ImageSaveDir").setText(installation.Path("."));
+        Setting<QAbstractButton>("ImageAutoSave2").setChecked(saved);
+        SetLayout(core::SinglePhotoLayout);
+        if (saved) {
+            driver.Answer({u"gespeichert"_s}, u"OkButton"_s);
+        }
+        Trigger(u"acCrop"_s);
+        EXPECT_TRUE(notice().contains(u"kein Gesicht"_s));
+        EXPECT_EQ(notice().contains(u"Gespeichert"_s), saved);
+    }
 }
 
 TEST_F(FaceStory, OffersThePlaceAlsoWhereTheFaceIsFoundBeforeTheTemplateIsChosen) {
@@ -75,13 +118,7 @@ TEST_F(FaceStory, OffersThePlaceAlsoWhereTheFaceIsFoundBeforeTheTemplateIsChosen
 }
 
 TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
-    installation.Write(
-        "program/Schablonen/Vorgaben.tsv",
-        "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
-        "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
-        "Achse von\tAchse bis\tRichtwert\tHinweis\n"
-        "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
-            QByteArray(12, '\t') + "\n");
+    WriteFigures();
     Trigger(u"acAlignToFace"_s);
     Image().SetLayerRectangle(
         1, Template().adjusted(0, 0, Template().width() / 2, Template().height() / 2));
@@ -247,6 +284,36 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
     }
 }
 
+TEST_F(FaceStory, MovesTheEndOfTheHeadThatTheDocumentMeasures) {
+    WriteFigures("Schädel");
+    Trigger(u"acAlignToFace"_s);
+    Trigger(u"acShowCheck"_s);
+    QTest::qWait(500);  // for the search that the check begins
+    ClickButton(*window, "MovePoints");
+    const QPointF skull = imaging::FindFace(Image().Photo()).face->skull.position;
+    const double millimetres = 35.0 / Template().width();
+    Drag(window->View(),
+         {OnScreen(skull.toPoint()), OnScreen(DrawnChin.toPoint() - QPoint(0, 200))});
+    const QString head = Texts().filter(u" mm"_s).value(0);
+    EXPECT_NEAR(head.chopped(3).replace(u',', u'.').toDouble(), 200 * millimetres, 1);
+}
+
+TEST_F(FaceStory, ChecksAFaceThatTheUserPointsOut) {
+    WriteFigures();
+    Open("photo.png");
+    Trigger(u"acShowCheck"_s);
+    ClickButton(*window, "MovePoints");
+    const imaging::Face guess = imaging::TypicalFace(Template());
+    const QRegularExpression figure(u"^[0-9,]+ mm$"_s);
+    const auto hasFigure = [&] { return !Texts().filter(figure).isEmpty(); };
+    for (const auto point : {guess.leftEye, guess.rightEye, guess.chin, guess.crown}) {
+        EXPECT_FALSE(hasFigure());
+        const QPoint at = OnScreen(point.position.toPoint());
+        Drag(window->View(), {at, at + QPoint(0, 4), at});
+    }
+    EXPECT_TRUE(hasFigure()) << Texts().join(u'\n').toStdString();
+}
+
 TEST_F(FaceStory, TheMeasuresFollowAMovedPointAndTheStamp) {
     AwaitProposal();
     Trigger(u"acAlignToFace"_s);
@@ -255,7 +322,14 @@ TEST_F(FaceStory, TheMeasuresFollowAMovedPointAndTheStamp) {
     ClickButton(*window, "MovePoints");
     const QPoint eye = DrawnLeftEye.toPoint();
     Drag(window->View(), {OnScreen(eye), OnScreen(eye + QPoint(0, 30))});
+    const auto print = [&] {
+        Child<QAction>(*window, "PrintReport").trigger();
+        return printer.jobs.back().image.tile;
+    };
+    printer.setupChoice = printer.current;
+    const auto atOnce = print();
     EXPECT_TRUE(TextsFollow()) << "the point";
+    EXPECT_EQ(print(), atOnce);
     Image().RecordUndoStep();
     Image().EditPhoto(QRect({0, 0}, DrawnSize), [](QImage& photo) { photo.fill(Qt::black); });
     EXPECT_TRUE(TextsFollow()) << "the stamp";
