@@ -31,6 +31,10 @@ constexpr std::array<SkinLimits, BrightnessRanges> LimitsOfSkin = {
 constexpr double GreySpread = 0.04;
 /// The same of what a wall is painted in: few walls are stronger than cream or a light blue.
 constexpr double PaintSpread = 0.18;
+/// Most paints lie between those two, hardly greener or pinker than white.
+constexpr double WarmthSpread = 0.13;
+constexpr double TintSpread = 0.03;
+constexpr double UsualTint = -0.01;
 /// How sharply the range of skin ends.
 constexpr double SkinSpread = 0.025;
 
@@ -117,12 +121,19 @@ cv::Mat SumForEachLight(const cv::Mat& histogram, const Likeness& likeness) {
     return sums;
 }
 
-cv::Mat GreyForEachLight(const Histograms& histograms, double spread) {
+/// The same for all points, however bright.
+template <typename Likeness>
+cv::Mat SumForEachLight(const Histograms& histograms, const Likeness& likeness) {
     cv::Mat all = histograms.front().clone();
     std::for_each(histograms.begin() + 1, histograms.end(),
                   [&](const cv::Mat& next) { all += next; });
-    return SumForEachLight(
-        all, [spread](double red, double blue) { return Falloff(std::hypot(red, blue), spread); });
+    return SumForEachLight(all, likeness);
+}
+
+cv::Mat GreyForEachLight(const Histograms& histograms) {
+    return SumForEachLight(histograms, [](double red, double blue) {
+        return Falloff(std::hypot(red, blue), GreySpread);
+    });
 }
 
 cv::Mat SkinForEachLight(const Histograms& histograms) {
@@ -176,23 +187,39 @@ std::optional<SceneLight> LikeliestLight(const cv::Mat& grey, const Advantages& 
 /// wall, and skin looks right before it in both lights. A face that is redder than usual is no
 /// lamp.
 constexpr Advantages AdvantagesByColours{5, 6};
-constexpr Advantages AdvantagesByFace{45, 4.3};
+constexpr Advantages AdvantagesByFace{50, 6};
 /// The same as above where a face is known, whose skin says more: a wall need not be grey then.
 constexpr double PaintAnyway = 0.035;
+/// What a wall of usual paint, and in warm light a white or grey one, counts beside any paint: skin
+/// alone leaves a white wall green or pink where the complexion is a rare one. In cool light white
+/// counts no more, for light blue in daylight is as usual.
+constexpr double UsualPaint = 0.15;
+constexpr double WhiteInWarmLight = 3;
 constexpr double FaceAnyway = 0.0047;
 constexpr double PriorSpreadByFace = 0.255;
 /// A light that the colours tell may leave a face so much less likely: dark skin is rare and true.
 constexpr double LeastOfLikeness = 0.32;
 
+/// For each light, how much of the picture is painted as walls are once it is corrected.
+cv::Mat WallForEachLight(const Histograms& histograms) {
+    return SumForEachLight(histograms, [](double red, double blue) {
+        const double warmth = (red - blue) / 2;
+        const double tint = (red + blue) / 2 - UsualTint;
+        return Falloff(std::hypot(red, blue), PaintSpread) +
+               UsualPaint * Falloff(std::hypot(warmth / WarmthSpread, tint / TintSpread), 1);
+    });
+}
+
 std::optional<SceneLight> LightByFace(const cv::Mat& grey, const Histograms& histograms,
                                       const FaceSkin& face) {
-    const cv::Mat paint = GreyForEachLight(histograms, PaintSpread);
-    return LikeliestLight(grey, AdvantagesByFace,
-                          [&](const SceneLight& light, int row, int column) {
-                              return (PaintAnyway + paint.at<float>(row, column)) *
-                                     (FaceAnyway + LikenessToFace(face, light.colour)) *
-                                     Falloff(Strength(light.colour), PriorSpreadByFace);
-                          });
+    const cv::Mat wall = WallForEachLight(histograms);
+    return LikeliestLight(
+        grey, AdvantagesByFace, [&](const SceneLight& light, int row, int column) {
+            const double white = light.colour.red > 0 ? WhiteInWarmLight : 0;
+            return (PaintAnyway + wall.at<float>(row, column) + white * light.grey) *
+                   (FaceAnyway + LikenessToFace(face, light.colour)) *
+                   Falloff(Strength(light.colour), PriorSpreadByFace);
+        });
 }
 
 std::optional<SceneLight> LightByColours(const cv::Mat& grey, const Histograms& histograms) {
@@ -249,7 +276,7 @@ std::optional<SceneLight> SceneLightOf(const std::vector<QRgb>& points,
         return std::nullopt;
     }
     const Histograms histograms = ChromaticitiesOf(points);
-    const cv::Mat grey = GreyForEachLight(histograms, GreySpread);
+    const cv::Mat grey = GreyForEachLight(histograms);
     return LightByBoth(grey, histograms, face);
 }
 

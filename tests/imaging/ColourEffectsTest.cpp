@@ -228,6 +228,14 @@ TEST(WhiteBalanced, TakesTheLightOffWallAndSkin) {
             }
         }
     }
+    // Skin that is redder than most leaves a white wall neither green nor pink.
+    for (const QRgb skin : {qRgb(150, 92, 76), qRgb(190, 118, 102), qRgb(226, 196, 180)}) {
+        const QImage photo = Portrait(qRgb(255, 255, 255), skin, Tungsten);
+        EXPECT_LE(Cast(WhiteBalanced(Pixels(photo), Cheeks).ToImage().pixel(10, 10),
+                       QColor(Qt::white).rgb()),
+                  0.05)
+            << "skin " << qRed(skin);
+    }
     // Half of it at least, where the wall has a colour of its own but a face is known.
     for (const Light& light : {Tungsten, Shade, Fluorescent}) {
         for (const QRgb wall : {qRgb(190, 214, 240), qRgb(240, 225, 195), qRgb(170, 190, 160)}) {
