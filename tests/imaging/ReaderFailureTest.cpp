@@ -193,6 +193,12 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";
     EXPECT_EQ(Failure(jpeg2000("ff52000d0102ffff00000404000155")), tooMuch) << "layers";
     EXPECT_NE(Failure(jpeg2000("ff52000d01020fff00000404000155")), tooMuch);
+    const QByteArray corner = BigEndian(quint32{0xfffffffe}).repeated(2);
+    const QByteArray tile = BigEndian(quint32{1}).repeated(2) + QByteArray(8, '\0');
+    EXPECT_EQ(Failure(QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + QByteArray(8, '\xff') + corner +
+                      tile + BigEndian(quint16{1}) + QByteArray(20, '\0')),
+              tooMuch)
+        << "tiles whose number no number holds";
     const QByteArray chunks = (QByteArray("JUNK") + none).repeated(200'000);
     EXPECT_EQ(Failure("RIFF" + LittleEndian(quint32(chunks.size() + 4)) + "WEBP" + chunks),
               tooMuch);

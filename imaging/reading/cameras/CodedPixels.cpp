@@ -80,8 +80,9 @@ qint64 PixelsOfHevcSequence(QByteArrayView unit) {
     if (bits.ReadExponential() == EachColourWhole) {
         bits.Skip(1);
     }
-    const qint64 width = bits.ReadExponential();
-    return width * bits.ReadExponential();
+    constexpr quint32 Countless = 1U << 30;  // that of two no product overflows
+    const qint64 width = std::min(bits.ReadExponential(), Countless);
+    return width * std::min(bits.ReadExponential(), Countless);
 }
 
 void CountHevcUnit(QByteArrayView unit, CodedPictures& found) {

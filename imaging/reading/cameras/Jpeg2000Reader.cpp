@@ -28,8 +28,10 @@ struct Layout {
     int channels = 0;
 };
 
+/// At most so many that no product of two overflows.
 qint64 CountOf(qint64 length, qint64 part) {
-    return (length + part - 1) / part;
+    constexpr qint64 Countless = 1 << 30;
+    return std::min((length + part - 1) / part, Countless);
 }
 
 Layout ReadLayout(QIODevice& device, qint64 codestream) {
