@@ -16,6 +16,9 @@ class WorkWatch {
     static constexpr std::chrono::microseconds PerPixel{2};
     /// One that is stopped or waits for itself does less than this part of what a processor can.
     static constexpr int LeastShare = 20;
+    /// All its waiting is at most so many times the work that it is allowed, on a machine that does
+    /// as much else.
+    static constexpr int MostWaiting = 4;
     /// Between two looks no more counts as passed: whoever looks may have been stopped as well.
     static constexpr std::chrono::milliseconds LongestLook{200};
 
@@ -24,7 +27,8 @@ class WorkWatch {
     /// `used` is the processor time that it has had, `passed` the time since the last look.
     bool IsAllowed(std::chrono::nanoseconds used, std::chrono::nanoseconds passed) {
         waited_ += std::min<std::chrono::nanoseconds>(passed, LongestLook);
-        return used <= allowed_ && waited_ <= Patience + LeastShare * used;
+        return used <= allowed_ &&
+               waited_ <= Patience + std::min(LeastShare * used, MostWaiting * allowed_);
     }
 
  private:

@@ -191,7 +191,8 @@ TEST(WorkWatchTest, EndsWhatIdlesAndWhatWorksTooLong) {
     WorkWatch large;
     large.Expect(100'000'000);
     EXPECT_EQ(looksUntilRefused({}, milliseconds(0)), 201);    // 20 seconds
-    EXPECT_EQ(looksUntilRefused({}, milliseconds(4)), 1001);   // it drips
+    EXPECT_EQ(looksUntilRefused({}, milliseconds(1)), 251);    // hardly more
+    EXPECT_EQ(looksUntilRefused({}, milliseconds(4)), 601);    // it drips
     EXPECT_EQ(looksUntilRefused({}, milliseconds(100)), 101);  // 10 seconds of work
     EXPECT_EQ(looksUntilRefused(large, milliseconds(100)), 2101);
     EXPECT_TRUE(WorkWatch().IsAllowed({}, seconds(3600))) << "both had been stopped";
