@@ -152,25 +152,34 @@ std::chrono::nanoseconds HelperProcess::TimeUsed() const {
     return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
 }
 
-int HelperProcess::End() {
+int HelperProcess::End(std::chrono::milliseconds grace) {
     if (process_ < 0) {
         return 0;
     }
     close(channel_);
     const auto process = static_cast<pid_t>(std::exchange(process_, -1));
     int status = 0;
-    // Changes nothing for one that is dying already.
-    kill(process, SIGKILL);
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    constexpr std::chrono::milliseconds Look{5};
+    for (; grace.count() > 0; grace -= Look) {
+        if (waitpid(process, &status, WNOHANG) == process) {
+            return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        }
+        (void)poll(nullptr, 0, Look.count());
     }
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    kill(process, SIGKILL);
+    while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    return 0;
 }
 
 QByteArray HearStarter() {
     QByteArray message(HelperProcess::LongestMessage, Qt::Uninitialized);
     const ssize_t length =
         read(HelperProcess::Channel, message.data(), static_cast<size_t>(message.size()));
-    message.truncate(std::max<ssize_t>(length, 0));
+    // Had it gone before this process was bound to it, nobody would end this one.
+    pollfd starter{.fd = HelperProcess::Channel, .events = 0, .revents = 0};
+    const bool isGone = poll(&starter, 1, 0) > 0;
+    message.truncate(isGone ? 0 : std::max<ssize_t>(length, 0));
     return message;
 }
 

@@ -44,9 +44,9 @@ class HelperProcess {
     /// Processor time that it has had, all its threads together.
     std::chrono::nanoseconds TimeUsed() const;
 
-    /// Ends it. The signal that it has died of, SIGKILL where that was this one; 0 where it had
-    /// ended without one.
-    int End();
+    /// Ends it, at once or where it has not ended by itself after `grace`. The signal that it has
+    /// died of; 0 where it had ended without one, or had to be ended.
+    int End(std::chrono::milliseconds grace = {});
 
  private:
     qint64 process_ = -1;
@@ -54,7 +54,7 @@ class HelperProcess {
 };
 
 /// The other end, in the process itself: its next message, without a bound on the time. Empty where
-/// the program that started it is gone.
+/// the program that started it is gone, even if it has left a message.
 QByteArray HearStarter();
 void TellStarter(const QByteArray& message);
 

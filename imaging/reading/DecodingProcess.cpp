@@ -28,6 +28,9 @@ constexpr qint64 PatienceMilliseconds = 2000;
 /// A small picture of a list is not worth more; nobody can give it up.
 constexpr qint64 PatienceForPreviewMilliseconds = 10'000;
 
+/// From its last word to its end; one that goes on silently is not waited for.
+constexpr std::chrono::milliseconds Farewell{1000};
+
 QString NameOf(CameraFormat format) {
     switch (format) {
         case CameraFormat::Heif:
@@ -60,7 +63,7 @@ class Decoding {
             const auto heard = process_.Hear(bytes, Look);
             platform::SilenceWatch::NoteAnswer();  // the file itself has long been read
             if (heard == platform::HelperProcess::Heard::End) {
-                FailAsItDied(process_.End());
+                FailAsItDied(process_.End(Farewell));
             }
             RequireWork();
             if (heard == platform::HelperProcess::Heard::Message) {

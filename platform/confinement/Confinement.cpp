@@ -1,6 +1,7 @@
 #include "platform/confinement/Confinement.h"
 
 #include <fcntl.h>
+#include <linux/seccomp.h>
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/mman.h>
@@ -15,6 +16,10 @@
 #include <cstdio>
 #include <initializer_list>
 #include <memory>
+
+#include "platform/Error.h"
+
+using namespace Qt::StringLiterals;
 
 namespace kadrona::platform {
 
@@ -90,7 +95,13 @@ constexpr std::array AllowedCalls{SCMP_SYS(read),
 /// By these a sanitizer finds out whether it may read something.
 constexpr std::array CallsOfSanitizers{SCMP_SYS(pipe), SCMP_SYS(pipe2)};
 
-/// False where the kernel has no filter.
+/// What is asked for is none, and only a kernel that has filters looks at it.
+bool KernelHasFilters() {
+    return prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, nullptr, 0, 0) == 0 ||
+           (errno != EINVAL && errno != ENOSYS);
+}
+
+/// False where that fails.
 bool FilterCalls() {
     const std::unique_ptr<void, void (*)(scmp_filter_ctx)> filter(
         seccomp_init(SCMP_ACT_ERRNO(EPERM)), seccomp_release);
@@ -128,8 +139,10 @@ void BindToStarter() {
         (void)prctl(PR_SET_DUMPABLE, 0);  // nor is a core handed to who collects them
     }
     const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (int stream = 0; nowhere >= 0 && stream <= (Sanitized ? 1 : 2); ++stream) {
-        (void)dup2(nowhere, stream);
+    for (int stream = 0; stream <= (Sanitized ? 1 : 2); ++stream) {
+        if (nowhere < 0 || dup2(nowhere, stream) < 0) {
+            close(stream);
+        }
     }
     if (nowhere > STDERR_FILENO) {
         close(nowhere);
@@ -150,7 +163,9 @@ void Confine(const ProcessLimits& limits) {
         Limit(RLIMIT_AS, AddressSpaceInUse() + limits.memory);
     }
     (void)prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-    (void)FilterCalls();
+    if (!FilterCalls() && KernelHasFilters()) {
+        throw Error(u"Der Leser lässt sich nicht absichern. So wird kein fremdes Bild gelesen."_s);
+    }
 }
 
 }  // namespace kadrona::platform

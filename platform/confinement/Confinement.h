@@ -15,13 +15,14 @@ struct ProcessLimits {
 };
 
 /// The process ends with the thread that started it, has no core file, and what it prints goes
-/// nowhere. To be called first.
+/// nowhere: the standard streams are closed where /dev/null cannot be opened. To be called first.
 void BindToStarter();
 
 /// Takes from this process for good what a computation does not need: it may no longer open files
 /// or connections, start or end programs, make code, or use more than the limits. What it has open
-/// it may read and write; threads it may start. A kernel that filters no system calls leaves it the
-/// limits alone. With an address sanitizer memory has no limit.
+/// it may read and write; threads it may start. A kernel that has no filter for system calls leaves
+/// it the limits alone; where it has one that cannot be set, throws platform::Error. With an
+/// address sanitizer memory has no limit.
 void Confine(const ProcessLimits& limits);
 
 }  // namespace kadrona::platform

@@ -103,6 +103,7 @@ TEST_F(DecodingProcessTest, WhateverTheDecoderDoesBecomesAPictureOrASentence) {
         {"kill -SEGV $$\n", died + u" (Signal 11)."_s},
         {"kill -XCPU $$\n", died + u" (Signal 24)."_s},
         {"exit 0\n", died + u"."_s},
+        {"exec 3>&-\n", died + u"."_s},  // it lives on
         {"kill -KILL $$\n", u"Für dieses Bild reicht der Arbeitsspeicher nicht aus."_s},
         {Saying(decoding::Failure{u"Nein\x1b[2J\u202e!"_s}), u"Nein\uFFFD[2J\uFFFD!"_s},
         {Saying(decoding::Failure{QString(2000, u'x')}), QString(1000, u'x')},

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,6 +13,8 @@
 #include <functional>
 #include <thread>
 
+#include "platform/Error.h"
+#include "platform/HelperProcess.h"
 #include "platform/confinement/Confinement.h"
 
 namespace kadrona::platform {
@@ -24,16 +27,33 @@ constexpr int Unlimited = 1;
 constexpr int Unlimited = 0;
 #endif
 
-/// Whether a step succeeds in a process of its own that is confined; its signal where it dies.
-int Confined(const std::function<bool()>& step) {
+/// Whether a step succeeds in a process of its own; its signal where it dies.
+int Forked(const std::function<bool()>& step) {
     const pid_t process = fork();
     if (process == 0) {
-        Confine({.memory = 50'000'000, .file = 1'000'000, .seconds = 1});
         _exit(step() ? 1 : 0);
     }
     int status = 0;
     waitpid(process, &status, 0);
     return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// The same in one that is confined.
+int Confined(const std::function<bool()>& step) {
+    return Forked([&step] {
+        Confine({.memory = 50'000'000, .file = 1'000'000, .seconds = 1});
+        return step();
+    });
+}
+
+/// As where whoever started this one has forbidden it filters.
+bool GoesOnUnfiltered() {
+    try {
+        Confine({});
+    } catch (const Error&) {
+        return false;
+    }
+    return true;
 }
 
 bool Allocates(size_t bytes, int protection) {
@@ -73,6 +93,7 @@ TEST(ConfinementTest, LeavesWhatAComputationNeedsAndNothingElse) {
         {"threads", 1, StartsAThread},
         {"grows", 1, [] { return ftruncate(memory, 900'000) == 0; }},
         {"opens", 0, [] { return open("/dev/null", O_RDONLY | O_CLOEXEC) >= 0; }},
+        {"goes on without a filter", 0, GoesOnUnfiltered},
         {"connects", 0, [] { return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) >= 0; }},
         {"forks", 0, [] { return fork() >= 0; }},
         {"kills", 0, [] { return kill(getppid(), 0) == 0; }},
@@ -88,6 +109,34 @@ TEST(ConfinementTest, LeavesWhatAComputationNeedsAndNothingElse) {
     }
     close(pipe[0]);
     close(pipe[1]);
+}
+
+TEST(HelperProcessTest, HearsNothingFromAStarterThatIsGone) {
+    const auto hears = [](bool goes) {
+        return Forked([goes] {
+            std::array<int, 2> ends{};
+            (void)socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data());
+            const bool isLeft = write(ends[0], "x", 1) == 1;
+            if (!goes) {
+                (void)fcntl(ends[0], F_DUPFD_CLOEXEC, HelperProcess::FirstMemory);
+            }
+            close(ends[0]);
+            dup2(ends[1], HelperProcess::Channel);
+            return isLeft && !HearStarter().isEmpty();
+        });
+    };
+    EXPECT_EQ(hears(false), 1);
+    EXPECT_EQ(hears(true), 0);
+}
+
+TEST(ConfinementTest, PrintsNowhereEvenWhereNothingCanBeOpened) {
+    EXPECT_EQ(Forked([] {
+                  const rlimit none{0, 0};
+                  setrlimit(RLIMIT_NOFILE, &none);
+                  BindToStarter();
+                  return fcntl(STDOUT_FILENO, F_GETFD) < 0;
+              }),
+              1);
 }
 
 }  // namespace kadrona::platform

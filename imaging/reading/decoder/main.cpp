@@ -59,8 +59,8 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     try {
         Serve();
-    } catch (const platform::PartMissing& missing) {
-        Refuse(missing);
+    } catch (const platform::Error& error) {  // a part is missing, or there are no bounds
+        Refuse(error);
     }
     _exit(0);  // what was begun need not be tidied up
 }
