@@ -69,19 +69,37 @@ cmsUInt32Number InputFormat(quint32 channels, ColourModel model, bool is16Bit) {
     }
 }
 
+/// Takes the tables of floating point numbers out, beside which a profile has others: in a few
+/// bytes they may ask for any number of steps, which Little CMS takes a hundred thousand times.
+QByteArray WithoutSteps(QByteArray profile) {
+    constexpr qsizetype NumberOfTags = 128;
+    constexpr qsizetype BytesOfTag = 12;
+    const qsizetype first = NumberOfTags + 4;
+    const qint64 tags =
+        profile.size() < first ? 0 : qFromBigEndian<quint32>(profile.constData() + NumberOfTags);
+    const qint64 room = (profile.size() - first) / BytesOfTag;
+    for (qint64 i = 0; i < std::min(tags, room); ++i) {
+        const qsizetype tag = first + i * BytesOfTag;
+        if (QByteArrayView(profile).sliced(tag, 3) == "D2B") {
+            profile[tag] = 'x';  // a private one, which nobody knows
+        }
+    }
+    return profile;
+}
+
 /// Null where the bytes are no profile.
 Profile Opened(const QByteArray& bytes) {
-    return Profile(
-        bytes.isEmpty()
-            ? nullptr
-            : cmsOpenProfileFromMem(bytes.constData(), static_cast<cmsUInt32Number>(bytes.size())));
+    const QByteArray profile = WithoutSteps(bytes);
+    return Profile(profile.isEmpty()
+                       ? nullptr
+                       : cmsOpenProfileFromMem(profile.constData(),
+                                               static_cast<cmsUInt32Number>(profile.size())));
 }
 
 /// True where somebody laid down in a table how colours that other spaces lack are to be brought
 /// nearer, which a matrix and curves cannot say.
 bool HasPerceptualTable(const Profile& profile) {
-    return profile && (cmsIsTag(profile.get(), cmsSigAToB0Tag) != 0 ||
-                       cmsIsTag(profile.get(), cmsSigDToB0Tag) != 0);
+    return profile && cmsIsTag(profile.get(), cmsSigAToB0Tag) != 0;
 }
 
 /// Null where the profile, made for these channels, cannot be used for such pixels.

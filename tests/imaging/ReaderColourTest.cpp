@@ -123,6 +123,11 @@ TEST(ReaderColour, TableProfilesAreApplied) {
     const QByteArray profile = Profile("lightness.icc");
     const QByteArray png = Written(Filled({3, 3}, qRgb(255, 0, 0)), "png");
     ExpectColour(Read(WithProfile(png, profile)), {1, 1}, Qt::white, 1);
+    // Beside one of steps, which is not looked at.
+    QByteArray two = Profile("perceptual.icc");
+    const std::string shown = Colour(Read(WithProfile(png, two)), 1, 1);
+    EXPECT_NE(shown, "#ff0000");
+    EXPECT_EQ(Colour(Read(WithProfile(png, two.replace("A2B1", "D2B0"))), 1, 1), shown);
     ExpectJpeg(Uniform(3, {0, 255, 255}, profile), Qt::black, 2);
 }
 
