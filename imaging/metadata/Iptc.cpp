@@ -121,9 +121,10 @@ QString IptcItems::Text(int index) const {
 }
 
 IptcItems DecodeIptc(QByteArrayView stream) {
+    constexpr size_t MostItems = 100'000;  // each takes far more memory than its bytes
     std::vector<IptcItem> items;
     platform::ByteReader reader(stream, platform::ByteOrder::BigEndian);
-    while (auto item = ReadItem(reader)) {
+    for (auto item = ReadItem(reader); item && items.size() < MostItems; item = ReadItem(reader)) {
         items.push_back(*std::move(item));
     }
     return IptcItems(std::move(items));

@@ -41,15 +41,6 @@ std::optional<Resource> ReadResource(QByteArrayView block, platform::ByteReader&
     return {};
 }
 
-std::vector<Resource> Resources(QByteArrayView block) {
-    std::vector<Resource> resources;
-    platform::ByteReader reader(block, platform::ByteOrder::BigEndian);
-    while (const auto resource = ReadResource(block, reader)) {
-        resources.push_back(*resource);
-    }
-    return resources;
-}
-
 void AppendIptc(QByteArray& block, QByteArrayView stream) {
     const quint32 length = qToBigEndian(static_cast<quint32>(stream.size()));
     block.append("8BIM\x04\x04\0\0", 8);
@@ -61,9 +52,10 @@ void AppendIptc(QByteArray& block, QByteArrayView stream) {
 }  // namespace
 
 QByteArrayView IptcStream(QByteArrayView block) {
-    for (const Resource& resource : Resources(block)) {
-        if (resource.number == IptcNumber) {
-            return resource.content;
+    platform::ByteReader reader(block, platform::ByteOrder::BigEndian);
+    while (const auto resource = ReadResource(block, reader)) {
+        if (resource->number == IptcNumber) {
+            return resource->content;
         }
     }
     return {};
@@ -72,9 +64,10 @@ QByteArrayView IptcStream(QByteArrayView block) {
 QByteArray WithIptcStream(QByteArrayView block, QByteArrayView stream) {
     QByteArray changed;
     bool written = stream.isEmpty();
-    for (const Resource& resource : Resources(block)) {
-        if (resource.number != IptcNumber) {
-            changed.append(resource.whole);
+    platform::ByteReader reader(block, platform::ByteOrder::BigEndian);
+    while (const auto resource = ReadResource(block, reader)) {
+        if (resource->number != IptcNumber) {
+            changed.append(resource->whole);
             changed.append(changed.size() % 2, '\0');
         } else if (!written) {
             AppendIptc(changed, stream);

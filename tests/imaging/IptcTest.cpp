@@ -82,6 +82,9 @@ TEST(Iptc, ReadsDamagedStreamsAsFarAsTheyGo) {
               0U)
         << "a length of eight bytes";
     EXPECT_EQ(DecodeIptc(QByteArray("\x1c\x02\x05\x80\x04\xff\xff\xff\xff", 9)).Items().size(), 0U);
+    EXPECT_EQ(DecodeIptc(QByteArray("\x1c\x02\x19\0\0", 5).repeated(200'000)).Items().size(),
+              100'000U)
+        << "each takes memory";
 }
 
 class IptcFileTest : public WriterTest {
