@@ -17,6 +17,7 @@
 #include "imaging/reading/ReadTask.h"
 #include "imaging/reading/TiffReader.h"
 #include "imaging/reading/WebPReader.h"
+#include "platform/ByteReader.h"
 #include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
@@ -38,12 +39,25 @@ DecodedImage ReadTiffOrRaw(const ReadTask& task) {
     return IsRawTiff(task.Device()) ? ReadRaw(task) : ReadTiff(task);
 }
 
-/// The plug-in goes through all frames for the size of the picture, byte by byte.
+/// The plug-in goes through all frames for the size of the picture, byte by byte, and keeps a copy
+/// of the picture where one is to be taken back.
 DecodedImage ReadGif(const ReadTask& task) {
     constexpr qint64 MostBytes = 40'000'000;
+    constexpr qint64 BytesAPixel = 4;
+    constexpr qsizetype BeforeSize = 6;
     if (task.Device().size() > MostBytes) {
         task.Fail(TooLargeFileReason(MostBytes));
     }
+    const QByteArray header = task.Device().peek(BeforeSize + 4);
+    if (header.size() < BeforeSize + 4) {
+        task.Fail(IncompleteFileReason());
+    }
+    platform::ByteReader reader(header);
+    reader.Skip(BeforeSize);
+    const qint64 width = reader.Read<quint16>();
+    const qint64 height = reader.Read<quint16>();
+    task.RequireAllowedSize(width, height);  // of the whole, where the plug-in tells a frame's
+    task.RequireMemoryBeside(BytesAPixel * width * height);
     return ReadByPlugin(task, "gif");
 }
 
@@ -143,8 +157,8 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
 
 bool CanGiveUp(QIODevice& device) {
     const QByteArray start = device.peek(LongestSignature);
-    return IsRaw(start) || IsHeif(start) || IsJpegXl(start) || IsJpeg2000(start) ||
-           (IsTiff(start) && IsRawTiff(device));
+    return IsMetafile(start) || IsRaw(start) || IsHeif(start) || IsJpegXl(start) ||
+           IsJpeg2000(start) || (IsTiff(start) && IsRawTiff(device));
 }
 
 bool CanGiveUpFile(const QString& path) {

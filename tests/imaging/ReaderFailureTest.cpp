@@ -99,7 +99,7 @@ TEST(ReaderFailure, DeclaredSizesTakeNoMemory) {
         {WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25) + png.mid(33),
          "3.600 Megapixel"},
         {Written(picture, "bmp").replace(18, 8, Packed<qint32>(Side, Side)), "unvollständig"},
-        {Gif({1}).replace(6, 4, Packed<quint16>(Side, Side)), "unvollständig"},
+        {Gif({1}).replace(6, 4, Packed<quint16>(Side, Side)), "3.600 Megapixel"},
         {RawFile({.size = {Side, Side}, .missingRows = Side - 1}, Qt::gray), "3.600 Megapixel"},
         {Tiff({Short(0x100, Side), Short(0x101, Side), Short(0x102, 8), Short(0x103, 1),
                Short(0x106, 1), Short(0x116, Side)},
@@ -133,7 +133,11 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
                     "ends here");
     };
     const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+    const auto gif = [](quint16 side) {
+        return Gif({1}).replace(6, 4, Packed<quint16>(side, side));
+    };
     EXPECT_EQ(Failure(jpeg2000(4700)), tooMuch);
+    EXPECT_EQ(Failure(gif(8000)), tooMuch);
     EXPECT_EQ(Failure(losslessWebP(7900)), tooMuch);
     EXPECT_EQ(Failure(floats(3600)), tooMuch);
     const QList<TiffEntry> square{Short(0x100, 10), Short(0x101, 10), Short(0x102, 8),
@@ -148,7 +152,8 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     const QByteArray segment = "\xff\xed\xff\xff" + QByteArray(0xfffd, ' ');
     EXPECT_EQ(Failure(Written(TestPicture(40, 30), "jpg").insert(2, segment.repeated(1000))),
               tooMuch);
-    for (const QByteArray& smaller : {jpeg2000(4300), losslessWebP(7600), floats(3300)}) {
+    for (const QByteArray& smaller :
+         {jpeg2000(4300), gif(7000), losslessWebP(7600), floats(3300)}) {
         EXPECT_NE(Failure(smaller), tooMuch);
     }
 }
