@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "imaging/metafile/MetafilePoints.h"
 
@@ -286,14 +287,14 @@ bool EmfPlayer::PlayObject(Record& record) {
             const auto handle = reader.Read<quint32>();
             const auto style = reader.Read<quint32>();
             const double width = ReadPoint<qint32>(reader).x();
-            objects_[handle] = PenFrom(style, width, ColourFrom(reader.Read<quint32>()));
+            AddObject(handle, PenFrom(style, width, ColourFrom(reader.Read<quint32>())));
             return true;
         }
         case 39: {  // CREATEBRUSHINDIRECT
             const auto handle = reader.Read<quint32>();
             const auto style = reader.Read<quint32>();
             const QColor colour = ColourFrom(reader.Read<quint32>());
-            objects_[handle] = BrushFrom(style, colour, reader.Read<quint32>());
+            AddObject(handle, BrushFrom(style, colour, reader.Read<quint32>()));
             return true;
         }
         case 40:  // DELETEOBJECT
@@ -306,13 +307,21 @@ bool EmfPlayer::PlayObject(Record& record) {
             const auto style = reader.Read<quint32>();
             const double width = reader.Read<quint32>();
             reader.Skip(4);
-            objects_[handle] =
-                PenFrom(style, (style & Geometric) ? width : 0, ColourFrom(reader.Read<quint32>()));
+            AddObject(handle, PenFrom(style, (style & Geometric) ? width : 0,
+                                      ColourFrom(reader.Read<quint32>())));
             return true;
         }
         default:
             return false;
     }
+}
+
+/// Their number has 16 bits in the header.
+void EmfPlayer::AddObject(quint32 handle, Object object) {
+    if (handle > std::numeric_limits<quint16>::max()) {
+        throw MetafileFault::Damaged;
+    }
+    objects_[handle] = std::move(object);
 }
 
 void EmfPlayer::SelectObject(quint32 handle) {

@@ -49,6 +49,7 @@ class EmfPlayer {
     bool PlayPoints(Record& record);
     bool PlayBitmap(Record& record);
 
+    void AddObject(quint32 handle, Object object);
     void SelectObject(quint32 handle);
     void ModifyWorld(platform::ByteReader& reader);
     /// False for a region that is combined with the clipping so far.

@@ -111,6 +111,7 @@ void EmfPlayer::DrawManyPolygons(platform::ByteReader& reader, bool closed) {
     QPainterPath path;
     while (counts.Remaining() > 0) {
         path.addPolygon(ReadPoints<Coordinate>(reader, counts.Read<quint32>()));
+        RequireFewPoints(path.elementCount());
         if (closed) {
             path.closeSubpath();
         }

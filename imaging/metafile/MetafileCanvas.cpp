@@ -77,8 +77,17 @@ QPainterPath MetafileCanvas::ToImage(const QPainterPath& path) const {
     return mapped;
 }
 
+/// The painter keeps all rectangles of a clipping, once more for each state that is saved.
+void MetafileCanvas::RequireFew(qint64 depth) {
+    constexpr qint64 Deepest = 500;
+    if (depth > Deepest) {
+        throw MetafileFault::TooComplex;
+    }
+}
+
 void MetafileCanvas::Save() {
     Charge(0);
+    RequireFew(static_cast<qint64>(saved_.size()));
     saved_.push_back(state_);
     painter_.save();
 }
@@ -242,11 +251,13 @@ void MetafileCanvas::SetPixel(const QPointF& point, const QColor& colour) {
 
 void MetafileCanvas::ClipTo(const QRectF& rectangle) {
     Charge(0);
+    RequireFew(++state_.clippings);
     painter_.setClipPath(ToImage(RectanglePath(rectangle)), Qt::IntersectClip);
 }
 
 void MetafileCanvas::SetDeviceClip(const std::optional<std::vector<QRectF>>& parts) {
     Charge(parts ? 1000.0 * double(parts->size()) : 0);
+    state_.clippings = 0;
     if (!parts) {
         painter_.setClipping(false);
         return;

@@ -82,6 +82,7 @@ class MetafileCanvas {
     void Stroke(const QPainterPath& imagePath, double length);
     void Paint(const QPainterPath& imagePath, ShapePainting painting);
     void Charge(double work);
+    static void RequireFew(qint64 depth);
     void NoteFineness(const BitmapDrawing& drawing, const QTransform& toImage);
 
     QImage& target_;

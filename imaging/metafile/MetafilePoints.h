@@ -3,11 +3,21 @@
 #include <QPolygonF>
 #include <QRectF>
 
+#include "imaging/metafile/MetafileFault.h"
 #include "platform/ByteReader.h"
 
 namespace kadrona::imaging {
 
 /// Points and rectangles as metafiles store them. All throw platform::OutOfBytes.
+
+/// Of one record: the painter takes a kilobyte for each of a line's.
+inline constexpr qint64 MostPoints = 200'000;
+
+inline void RequireFewPoints(qint64 count) {
+    if (count > MostPoints) {
+        throw MetafileFault::TooComplex;
+    }
+}
 
 /// Two numbers, x before y.
 template <typename Coordinate>
@@ -22,6 +32,7 @@ QPolygonF ReadPoints(platform::ByteReader& reader, qint64 count) {
     if (count > reader.Remaining() / qint64{2 * sizeof(Coordinate)}) {
         throw platform::OutOfBytes();
     }
+    RequireFewPoints(count);
     QPolygonF points;
     points.reserve(count);
     for (qint64 i = 0; i < count; ++i) {

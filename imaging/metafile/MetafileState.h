@@ -38,6 +38,8 @@ struct MetafileState {
     QBrush brush{Qt::white};
     Qt::FillRule fillRule = Qt::OddEvenFill;
     QPointF position;
+    /// How many rectangles the clipping is the common part of.
+    int clippings = 0;
 };
 
 /// Of SetROP2: the pen paints over what is there.

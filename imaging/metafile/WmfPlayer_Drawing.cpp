@@ -67,6 +67,7 @@ bool WmfPlayer::PlayPoints(quint16 function, platform::ByteReader& parameters) {
             QPainterPath path;
             while (counts.Remaining() > 0) {
                 path.addPath(PolygonPath(ReadPoints<qint16>(parameters, counts.Read<quint16>())));
+                RequireFewPoints(path.elementCount());
             }
             canvas_.Draw(path, ShapePainting::FillAndStroke);
             return true;

@@ -119,6 +119,10 @@ DecodedImage ReadRaw(const ReadTask& task) {
     return Decode(CameraFormat::Raw, task);
 }
 
+DecodedImage ReadMetafile(const ReadTask& task) {
+    return Decode(CameraFormat::Metafile, task);
+}
+
 void DecodeCameraFilesHere() {
     DecodesHere() = true;
 }

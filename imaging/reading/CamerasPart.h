@@ -6,8 +6,9 @@ namespace kadrona::imaging {
 
 /// What telephones and cameras write, and JPEG 2000. The libraries that decode it are large, and
 /// many a file makes them fail: they belong to a part of the program that only a process of its own
-/// opens, see DecodingProcess.h.
-enum class CameraFormat { Heif, JpegXl, Jpeg2000, Raw };
+/// opens, see DecodingProcess.h. Metafiles go the same way: a few records may ask the painter for
+/// any amount of work.
+enum class CameraFormat { Heif, JpegXl, Jpeg2000, Raw, Metafile };
 
 }  // namespace kadrona::imaging
 

@@ -39,6 +39,8 @@ QString NameOf(CameraFormat format) {
             return u"JPEG XL"_s;
         case CameraFormat::Jpeg2000:
             return u"JPEG 2000"_s;
+        case CameraFormat::Metafile:
+            return u"Metadateien"_s;
         case CameraFormat::Raw:
             break;
     }

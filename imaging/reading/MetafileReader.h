@@ -11,6 +11,6 @@ bool IsMetafile(QByteArrayView start);
 /// the device that it was recorded on, WMF in 96 dots per inch; both finer where a bitmap in them
 /// has more pixels, and coarser where that would be over the allowed size. Throws ReadError, also
 /// where the file is incomplete, has records that are not drawn, or shows nothing.
-DecodedImage ReadMetafile(const ReadTask& task);
+DecodedImage DrawMetafile(const ReadTask& task);
 
 }  // namespace kadrona::imaging

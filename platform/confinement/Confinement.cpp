@@ -90,6 +90,7 @@ constexpr std::array AllowedCalls{SCMP_SYS(read),
                                   SCMP_SYS(sigaltstack),
                                   SCMP_SYS(getrandom),
                                   SCMP_SYS(sysinfo),
+                                  SCMP_SYS(eventfd2),  // each thread of the toolkit has one
                                   SCMP_SYS(exit),
                                   SCMP_SYS(exit_group)};
 /// By these a sanitizer finds out whether it may read something.
@@ -150,7 +151,7 @@ void BindToStarter() {
 }
 
 void Confine(const ProcessLimits& limits) {
-    constexpr int MostFiles = 16;
+    constexpr int MostFiles = 256;  // as many as threads, and a few
     constexpr int MostThreads = 64;
     std::signal(SIGXFSZ, SIG_IGN);  // a call that fails says more
     Limit(RLIMIT_FSIZE, limits.file);

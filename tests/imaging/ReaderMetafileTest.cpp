@@ -223,9 +223,16 @@ TEST(ReaderMetafile, DamagedFilesAndEndlessWorkAreRefused) {
     EXPECT_EQ(Failure(turnedAround), damaged);
     EXPECT_EQ(Failure(Emf(EmfRecord(3, Bounds() + Packed<quint32>(0xffffffff)))), damaged);
     EXPECT_EQ(Failure(Emf({})), Complaint("Die Datei enthält nichts, was sich darstellen lässt."));
+    const QString tooMuch = Complaint("Die Zeichnung ist zu umfangreich.");
     const QByteArray fill = EmfRectangle(0, 0, 64, 48);
-    EXPECT_EQ(Failure(Emf(EmfBrush(1, 0xff) + fill.repeated(200'000))),
-              Complaint("Die Zeichnung ist zu umfangreich."));
+    EXPECT_EQ(Failure(Emf(EmfBrush(1, 0xff) + fill.repeated(200'000))), tooMuch);
+    const QByteArray clip = EmfRecord(30, Packed<qint32>(0, 0, 64, 48));
+    const QByteArray points =
+        EmfRecord(87, Bounds() + Packed<quint32>(300'000) + QByteArray(1'200'000, '\0'));
+    for (const QByteArray& records : {clip.repeated(600), EmfRecord(33).repeated(600), points}) {
+        EXPECT_EQ(Failure(Emf(records + fill)), tooMuch) << records.first(8).toHex().toStdString();
+    }
+    EXPECT_EQ(Failure(Emf(EmfBrush(0x10000, 0xff) + fill)), damaged);
 }
 
 }  // namespace kadrona::imaging::test

@@ -1,5 +1,6 @@
 #include "imaging/reading/CamerasPart.h"
 
+#include "imaging/reading/MetafileReader.h"
 #include "imaging/reading/cameras/HeifReader.h"
 #include "imaging/reading/cameras/Jpeg2000Reader.h"
 #include "imaging/reading/cameras/JpegXlReader.h"
@@ -25,6 +26,9 @@ void kadrona_decode_camera_file(CameraFormat format, const kadrona::imaging::Rea
             break;
         case CameraFormat::Raw:
             decoded = kadrona::imaging::DecodeRaw(task);
+            break;
+        case CameraFormat::Metafile:
+            decoded = kadrona::imaging::DrawMetafile(task);
             break;
     }
 }
