@@ -2,12 +2,16 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QFileDialog>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMetaObject>
 #include <QPushButton>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 #include <typeinfo>
 
+#include "controls/commands/ScreenTip.h"
 #include "platform/HarmlessText.h"
 
 using namespace Qt::StringLiterals;
@@ -25,6 +29,32 @@ class NameDelegate : public QStyledItemDelegate {
         return platform::HarmlessLine(QStyledItemDelegate::displayText(value, locale));
     }
 };
+
+/// Shows what the views of the toolkit's file dialog say in tips, the paths of folders, as plain
+/// text.
+class PlainTips : public QObject {
+ public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* view = qobject_cast<QAbstractItemView*>(watched->parent());
+        if (event->type() != QEvent::ToolTip || view == nullptr) {
+            return false;
+        }
+        const auto& help = static_cast<QHelpEvent&>(*event);
+        const QVariant tip = view->indexAt(help.pos()).data(Qt::ToolTipRole);
+        QToolTip::showText(help.globalPos(), PlainTip(tip.toString()), view);
+        return true;
+    }
+};
+
+/// The lists that its boxes drop down are windows of their own.
+bool IsOfFileDialog(const QWidget* widget) {
+    while (widget != nullptr && qobject_cast<const QFileDialog*>(widget) == nullptr) {
+        widget = widget->parentWidget();
+    }
+    return widget != nullptr;
+}
 
 /// Of that very class, which those derived from it do not tell by their meta object.
 bool HasPlainDelegate(const QAbstractItemView& view) {
@@ -44,6 +74,9 @@ void ThemeStyle::polish(QWidget* widget) {
         QMetaObject::invokeMethod(view, &QAbstractItemView::doItemsLayout, Qt::QueuedConnection);
         if (HasPlainDelegate(*view)) {
             view->setItemDelegate(new NameDelegate(view));
+        }
+        if (IsOfFileDialog(view)) {
+            view->viewport()->installEventFilter(new PlainTips(view));
         }
     } else if (auto* box = qobject_cast<QComboBox*>(widget)) {
         // A box's own delegate ignores the padding that the style sheet gives to items.

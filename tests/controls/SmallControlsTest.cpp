@@ -1,10 +1,13 @@
 // Fields, lists, the theme and message boxes.
 
+#include <QFileDialog>
+#include <QHelpEvent>
 #include <QImage>
 #include <QScrollArea>
 #include <QSpinBox>
 #include <QStyledItemDelegate>
 #include <QToolButton>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
@@ -198,6 +201,16 @@ TEST(Theme, ForeignNamesAreShownAsPlainText) {
     const auto& delegate = dynamic_cast<QStyledItemDelegate&>(*list.itemDelegate());
     EXPECT_EQ(delegate.displayText(name, {}), u"<img src='/etc/hostname'>\ufffdx"_s);
     EXPECT_TRUE(PlainTip(name).contains(u"&lt;img src='/etc/hostname'&gt;\ufffdx"_s));
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.show();
+    auto& places = Child<QAbstractItemView>(dialog, "sidebar");
+    const QModelIndex first = places.model()->index(0, 0);
+    places.model()->setData(first, name, Qt::ToolTipRole);
+    const QPoint at = places.visualRect(first).center();
+    QHelpEvent help(QEvent::ToolTip, at, places.viewport()->mapToGlobal(at));
+    QCoreApplication::sendEvent(places.viewport(), &help);
+    EXPECT_EQ(QToolTip::text(), PlainTip(name));
 }
 
 TEST(Theme, AListThatWasScrolledBeforeItIsShownHasItsRowsApart) {
