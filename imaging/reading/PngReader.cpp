@@ -6,7 +6,6 @@
 #include <cmath>
 #include <csetjmp>
 #include <cstdlib>
-#include <vector>
 
 #include "imaging/pixels/NewImage.h"
 
@@ -169,13 +168,18 @@ QImage DecodeRows(PngSource& png, const Header& header, const ReadTask& task) {
                                                  : QImage::Format_RGB32;
     QImage image =
         NewImage({static_cast<int>(header.width), static_cast<int>(header.height)}, format);
-    std::vector<png_bytep> rows(header.height);
-    for (size_t y = 0; y < rows.size(); ++y) {
-        rows[y] = image.bits() + static_cast<qsizetype>(y) * image.bytesPerLine();
-    }
+    uchar* const bits = image.bits();
+    const qsizetype stride = image.bytesPerLine();
+    // Not all rows at once: a pointer to each would take more than the pixels of a narrow picture.
     if (!png.Run([&](png_structp structure, png_infop) {
             SetTransforms(structure, header);
-            png_read_image(structure, rows.data());
+            const int passes = png_set_interlace_handling(structure);
+            png_start_read_image(structure);
+            for (int pass = 0; pass < passes; ++pass) {
+                for (qsizetype y = 0; y < qsizetype{header.height}; ++y) {
+                    png_read_row(structure, bits + y * stride, nullptr);
+                }
+            }
         })) {
         task.Fail(png.Reason());
     }
