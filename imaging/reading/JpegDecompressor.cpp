@@ -102,7 +102,7 @@ void* JpegDecompressor::AllocateMarker(j_common_ptr info, int pool, size_t bytes
 
 // Each scan of a progressive file costs a pass over the whole picture, however short it is.
 void JpegDecompressor::LimitScans(j_common_ptr info) {
-    constexpr int MaximumScans = 500;
+    constexpr int MaximumScans = 100;  // cameras and programs write twenty at most
     if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > MaximumScans) {
         Exit(info, JpegFault::Unsupported);
     }

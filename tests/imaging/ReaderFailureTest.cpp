@@ -55,6 +55,13 @@ TEST(ReaderFailure, DamagedJpegDataIsRefused) {
     QByteArray shortened = NoisyJpeg(false);
     shortened.remove(shortened.size() / 2, 2000);
     EXPECT_NE(Failure(shortened), QString());
+    // Each scan goes over the whole picture.
+    const QByteArray whole = NoisyJpeg(true);
+    const qsizetype first = whole.indexOf("\xff\xda");
+    const QByteArray scan = whole.sliced(first, whole.indexOf("\xff\xc4", first) - first);
+    EXPECT_EQ(Failure(QByteArray(whole).insert(first, scan.repeated(80))), QString());
+    EXPECT_EQ(Failure(QByteArray(whole).insert(first, scan.repeated(110))),
+              Complaint("Diese Art von JPEG-Datei wird nicht unterstützt."));
 }
 
 TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
