@@ -23,6 +23,7 @@ constexpr uchar StartOfScan = 0xda;
 
 /// Far more than any photo takes.
 constexpr qint64 LargestFile = 1LL << 30;
+constexpr size_t MostSegments = 100'000;
 
 struct Segment {
     uchar marker = 0;
@@ -63,6 +64,9 @@ Header ReadHeader(QByteArrayView jpeg) {
         segment.content = reader.Take(qint64{reader.Read<quint16>()} - 2);
         segment.whole = jpeg.sliced(header.scan, reader.Position() - header.scan);
         header.segments.push_back(segment);
+        if (header.segments.size() > MostSegments) {
+            throw platform::OutOfBytes();
+        }
     }
 }
 

@@ -88,12 +88,16 @@ void JpegDecompressor::HandleMessage(j_common_ptr info, int level) {
     }
 }
 
-// libjpeg itself has no limit for the segments that it keeps, of which there may be any number. Who
-// reads them makes two copies more.
+// libjpeg itself has no limit for the segments that it keeps, of which there may be any number, and
+// goes past all of them for each. Who reads them makes two copies more.
 void* JpegDecompressor::AllocateMarker(j_common_ptr info, int pool, size_t bytes) {
     constexpr qint64 MostMarkerBytes = MostBytesBeside / 4;
+    constexpr int MostMarkers = 5000;
     auto* errors = static_cast<ErrorManager*>(info->err);
     errors->markerBytes += static_cast<qint64>(bytes);
+    if (++errors->markers > MostMarkers) {
+        Exit(info, JpegFault::Unsupported);
+    }
     if (errors->markerBytes > MostMarkerBytes) {
         Exit(info, JpegFault::TooMuchMemory);
     }

@@ -46,6 +46,7 @@ class JpegDecompressor {
         bool pixelsAreRead = false;
         decltype(jpeg_memory_mgr::alloc_large) allocate = nullptr;
         qint64 markerBytes = 0;
+        int markers = 0;
     };
     struct Source : jpeg_source_mgr {
         QIODevice* device;

@@ -171,7 +171,9 @@ TEST_F(IptcFileTest, WhatIsNoJpegStaysAsItIs) {
     for (qsizetype size = 0; size < scan + 2; ++size) {
         EXPECT_THROW(WithIptc(jpeg.first(size), Tags({}, {})), platform::Error) << size;
     }
-    for (const QByteArray& bytes : {QByteArray("GIF89a"), jpeg.first(100)}) {
+    const QByteArray segments = QByteArray("\xff\xfe\0\2", 4).repeated(100'001);
+    for (const QByteArray& bytes :
+         {QByteArray("GIF89a"), jpeg.first(100), QByteArray(jpeg).insert(2, segments)}) {
         platform::WriteFileAtomically(path_, bytes);
         EXPECT_TRUE(TextOf([&] { RewriteIptc(path_, Tags(u"x"_s, {})); }).contains(path_));
         EXPECT_EQ(Bytes(u"a.jpg"_s), bytes);

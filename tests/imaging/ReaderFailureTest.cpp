@@ -60,8 +60,11 @@ TEST(ReaderFailure, DamagedJpegDataIsRefused) {
     const qsizetype first = whole.indexOf("\xff\xda");
     const QByteArray scan = whole.sliced(first, whole.indexOf("\xff\xc4", first) - first);
     EXPECT_EQ(Failure(QByteArray(whole).insert(first, scan.repeated(80))), QString());
-    EXPECT_EQ(Failure(QByteArray(whole).insert(first, scan.repeated(110))),
-              Complaint("Diese Art von JPEG-Datei wird nicht unterstützt."));
+    const QString unsupported = Complaint("Diese Art von JPEG-Datei wird nicht unterstützt.");
+    EXPECT_EQ(Failure(QByteArray(whole).insert(first, scan.repeated(110))), unsupported);
+    const QByteArray segment("\xff\xe1\0\2", 4);
+    EXPECT_EQ(Failure(QByteArray(whole).insert(2, segment.repeated(4900))), QString());
+    EXPECT_EQ(Failure(QByteArray(whole).insert(2, segment.repeated(5100))), unsupported);
 }
 
 TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
