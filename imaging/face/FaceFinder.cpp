@@ -22,6 +22,8 @@ namespace {
 constexpr int SmallestSide = 40;
 /// Smallest face, as a part of the shorter side of the photo.
 constexpr double SmallestFace = 0.09;
+/// The same where the picture has to be turned.
+constexpr double SmallestTiltedFace = 0.115;
 /// Where alt2's box has the eyes: their middle below its upper edge and their distance, as parts of
 /// its side.
 constexpr double EyesBelowTop = 0.38;
@@ -32,6 +34,11 @@ struct FaceCandidate {
     FaceFrame frame;
     double side = 0;  ///< photo pixels
     int votes = 0;
+
+    bool operator==(const FaceCandidate& other) const {
+        return frame.origin == other.frame.origin && frame.tiltDegrees == other.frame.tiltDegrees &&
+               side == other.side && votes == other.votes;
+    }
 };
 
 /// The reduction turned about its middle by an angle, and the way back.
@@ -52,15 +59,21 @@ TurnedPicture TurnedBy(const cv::Mat& grey, double degrees) {
     return turned;
 }
 
-/// `smallestFace` is a part of the shorter side; the search takes time by its inverse square.
+/// Widths of faces as parts of the photo's shorter side.
+struct FaceWidths {
+    double smallest = 0;  ///< a search takes time by its inverse square
+    double largest = 1;
+};
+
 std::vector<FaceCandidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                                        double smallestFace, const Cascades& cascades) {
+                                        FaceWidths widths, const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
-    const int smallest = std::max(24, static_cast<int>(smallestFace * shorter));
+    const int smallest = std::max(24, static_cast<int>(widths.smallest * shorter));
+    const int largest = static_cast<int>(widths.largest * shorter);
     std::vector<FaceCandidate> candidates;
     for (const CascadeHit& hit :
-         cascades.Find(Cascades::FrontalFace, turned.grey, smallest, shorter, 3)) {
+         cascades.Find(Cascades::FrontalFace, turned.grey, smallest, largest, 3)) {
         const double side = hit.box.width();
         const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
         const cv::Vec2d at = turned.back * eyes;
@@ -104,15 +117,30 @@ struct SeenFace {
     EyePair eyes;
 };
 
+/// What a face gathers at least, by the eyes seen of it.
+constexpr std::array FewestVotes{20, 12, 8};
+
 /// A pattern gathers fewer votes than a face, and has no eyes more often.
 bool IsLikely(const SeenFace& face) {
-    constexpr std::array FewestVotes{20, 12, 8};
     return face.candidate.votes >= FewestVotes.at(static_cast<size_t>(face.eyes.seen));
 }
 
-/// The candidates with their eyes, the most prominent first, as long as eyes are seen.
+/// The eyes of a candidate, unless `earlier` has it. Those of a pattern that no eyes make likely
+/// are not looked for.
+EyePair EyesOf(const FacePhoto& photo, const FaceCandidate& candidate,
+               const std::vector<SeenFace>& earlier, const Cascades& cascades) {
+    if (candidate.votes < FewestVotes.back()) {
+        return {};
+    }
+    const auto known = std::ranges::find_if(
+        earlier, [&](const SeenFace& face) { return face.candidate == candidate; });
+    return known != earlier.end() ? known->eyes : FindEyes(photo, candidate.frame, cascades);
+}
+
+/// The candidates with their eyes, the most prominent first, as long as eyes are seen. `earlier` is
+/// what an earlier call gave.
 std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<FaceCandidate> candidates,
-                               const Cascades& cascades) {
+                               const std::vector<SeenFace>& earlier, const Cascades& cascades) {
     // Fifty faces of a group need no eyes each: only the most prominent few are of interest.
     constexpr size_t MostFaces = 4;
     std::ranges::sort(candidates, std::greater(), [&](const FaceCandidate& candidate) {
@@ -122,7 +150,7 @@ std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<FaceCandidate
     std::vector<SeenFace> faces;
     faces.reserve(candidates.size());
     for (const FaceCandidate& candidate : candidates) {
-        faces.push_back({candidate, FindEyes(photo, candidate.frame, cascades)});
+        faces.push_back({candidate, EyesOf(photo, candidate, earlier, cascades)});
     }
     std::ranges::stable_sort(faces, std::greater(), IsLikely);
     return faces;
@@ -139,15 +167,19 @@ std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>
     constexpr double Turn = 14;
     cv::Mat grey;
     cv::cvtColor(photo.Reduced(), grey, cv::COLOR_BGR2GRAY);
-    candidates = CandidatesAt(photo, grey, 0, SmallestFace, cascades);
-    std::vector<SeenFace> faces = WithEyes(photo, candidates, cascades);
-    for (const double smallest : {2.5 * SmallestFace, SmallestFace}) {
+    candidates = CandidatesAt(photo, grey, 0, {SmallestFace}, cascades);
+    std::vector<SeenFace> faces = WithEyes(photo, candidates, {}, cascades);
+    // The widths overlap by the hits that a face gathers. Small tilted faces are none of a
+    // portrait.
+    constexpr std::array Passes{FaceWidths{2.5 * SmallestFace, 1},
+                                FaceWidths{SmallestTiltedFace, 3.2 * SmallestFace}};
+    for (const FaceWidths& widths : Passes) {
         if (IsSure(faces)) {
             break;
         }
-        Merge(candidates, CandidatesAt(photo, grey, Turn, smallest, cascades));
-        Merge(candidates, CandidatesAt(photo, grey, -Turn, smallest, cascades));
-        faces = WithEyes(photo, candidates, cascades);
+        Merge(candidates, CandidatesAt(photo, grey, Turn, widths, cascades));
+        Merge(candidates, CandidatesAt(photo, grey, -Turn, widths, cascades));
+        faces = WithEyes(photo, candidates, faces, cascades);
     }
     return faces;
 }
@@ -217,8 +249,9 @@ FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     }
     const EyePair eyes =
         Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
-    const auto count = std::ranges::count_if(
-        candidates, [](const FaceCandidate& candidate) { return candidate.votes >= 8; });
+    const auto count = std::ranges::count_if(candidates, [](const FaceCandidate& candidate) {
+        return candidate.votes >= FewestVotes.back();
+    });
     return {Measured(facePhoto, eyes), std::max(1, static_cast<int>(count))};
 }
 
