@@ -71,7 +71,7 @@ void FacePoints::Begin() {
         // Who points the face out needs none of them.
     }
     if (!face_.Search().face) {
-        marked_ = imaging::TypicalFace(session_.TemplateRectangle());
+        marked_ = imaging::TypicalFace(session_.Image().Photo().Size());
         overlay_.ShowHint(
             u"Kein Gesicht gefunden. Ziehen Sie die Punkte auf Pupillen, Kinn und Scheitel."_s);
     }

@@ -24,8 +24,8 @@ class PhotoFace;
 class PhotoSession;
 
 /// Lets the user drag the four points of the face on the photo, while the check's button is
-/// pressed. Where no face is found, guessed points stand in the template, which make a face once
-/// each of them has been dragged. All that is given outlives the object.
+/// pressed. Where no face is found, guessed points stand in the photo, which make a face once each
+/// of them has been dragged or clicked. All that is given outlives the object.
 class FacePoints : public QObject, private imaging::view::ViewTool {
     Q_OBJECT
 

@@ -41,12 +41,12 @@ QPointF EstimatedSkull(const Face& face) {
     return frame.ToPhoto({crown.x(), std::max(-above, crown.y())});
 }
 
-Face TypicalFace(const QRect& picture) {
-    constexpr double EyeDistance = 0.19;  // of the height, as are those below
-    constexpr double EyesToChin = 0.34;
-    constexpr double EyesToCrown = 0.38;
-    const QPointF eyes = QRectF(picture).center();
-    const double height = picture.height();
+Face TypicalFace(QSize photo) {
+    constexpr double EyeDistance = 0.13;  // of the height, as are those below
+    constexpr double EyesToChin = 0.23;
+    constexpr double EyesToCrown = 0.26;
+    const double height = photo.height();
+    const QPointF eyes(photo.width() / 2.0, height / 2);
     const QPointF aside(EyeDistance / 2 * height, 0);
     Face face;
     face.leftEye.position = eyes - aside;

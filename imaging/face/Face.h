@@ -2,6 +2,7 @@
 
 #include <QPointF>
 #include <QRect>
+#include <QSize>
 #include <optional>
 
 namespace kadrona::imaging {
@@ -39,9 +40,9 @@ QRect CheeksOf(const Face& face);
 /// or close eyes. The crown where the pupils lie on each other.
 QPointF EstimatedSkull(const Face& face);
 
-/// A face of usual proportions where a passport photo of that rectangle has it; no point is
-/// certain.
-Face TypicalFace(const QRect& picture);
+/// A face of usual proportions in the middle of a photo, large enough to tell its points apart;
+/// none is certain.
+Face TypicalFace(QSize photo);
 
 /// The answer of a search.
 struct FaceSearch {

@@ -303,7 +303,7 @@ TEST_F(FaceStory, ChecksAFaceThatTheUserPointsOut) {
     Open("photo.png");
     Trigger(u"acShowCheck"_s);
     ClickButton(*window, "MovePoints");
-    const imaging::Face guess = imaging::TypicalFace(Template());
+    const imaging::Face guess = imaging::TypicalFace(Image().Photo().Size());
     const QRegularExpression figure(u"^[0-9,]+ mm$"_s);
     const auto hasFigure = [&] { return !Texts().filter(figure).isEmpty(); };
     for (const auto point : {guess.leftEye, guess.rightEye, guess.chin, guess.crown}) {
