@@ -154,6 +154,7 @@ void TmainFm::ConnectParts() {
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); },
         [this] { return faceActions_->CutRemark(); });
+    paperActions_->SetConfirmation([this] { return faceActions_->MayCut(); });
 }
 
 /// An archive that is gone is told by what works on it.

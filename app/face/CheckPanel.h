@@ -41,6 +41,8 @@ class CheckPanel : public QObject {
     /// user wants the cut all the same. A photo without a face is asked about while the check is
     /// shown; else nobody said that it is a portrait, and CutRemark() tells of it.
     bool ConfirmCut();
+    /// The same where the cut goes elsewhere and the photo stays open.
+    bool MayCut();
     /// What there is to say once the confirmed cut is made; often empty.
     QString CutRemark() const;
 
@@ -56,7 +58,6 @@ class CheckPanel : public QObject {
     void LoadFigures();
     void ShowKept();
     bool IsChecking() const;
-    bool MayCut();
     void KeepReport();
     core::Crown MeasuredCrown() const;
     void Refresh();

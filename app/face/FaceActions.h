@@ -21,6 +21,7 @@ class FaceActions {
 
     /// As CheckPanel's.
     bool ConfirmCut() { return panel_.ConfirmCut(); }
+    bool MayCut() { return panel_.MayCut(); }
     QString CutRemark() const { return panel_.CutRemark(); }
 
  private:

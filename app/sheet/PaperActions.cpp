@@ -328,7 +328,8 @@ std::optional<core::PaperChoice> PaperActions::PaperFor(const std::function<QSiz
 
 void PaperActions::acAddToSheetExecute() {
     imaging::LayeredImage& image = session_.Image();
-    if (!session_.HasTemplate() || around_.actions.IsChecked(Action::Beauty)) {
+    if (!session_.HasTemplate() || around_.actions.IsChecked(Action::Beauty) ||
+        (confirm_ && !confirm_())) {
         return;
     }
     LoadTray();

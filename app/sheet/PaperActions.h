@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QRect>
 #include <QTimer>
+#include <functional>
 #include <optional>
 
 #include "core/sheet/SheetTray.h"
@@ -53,6 +54,9 @@ class PaperActions : public QObject {
 
     PaperActions(PhotoSession& session, const Surroundings& around);
 
+    /// Asked before a photo is cut for the tray.
+    void SetConfirmation(std::function<bool()> confirm) { confirm_ = std::move(confirm); }
+
     /// Tells the data module what the next sheet is made on. Where fewer photos fit than are asked
     /// for, the user is asked; false where there is to be no sheet then. Throws platform::Error.
     bool PreparePaper();
@@ -84,6 +88,7 @@ class PaperActions : public QObject {
 
     PhotoSession& session_;
     Surroundings around_;
+    std::function<bool()> confirm_;
     core::SheetTray tray_;
     QHash<qint64, QImage> thumbnails_;
     dialogs::PaperView* preview_;
