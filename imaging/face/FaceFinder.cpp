@@ -23,7 +23,7 @@ constexpr int SmallestSide = 40;
 /// Smallest face, as a part of the shorter side of the photo.
 constexpr double SmallestFace = 0.09;
 /// The same where the picture has to be turned.
-constexpr double SmallestTiltedFace = 0.115;
+constexpr double SmallestTiltedFace = 0.125;
 /// Where alt2's box has the eyes: their middle below its upper edge and their distance, as parts of
 /// its side.
 constexpr double EyesBelowTop = 0.38;
