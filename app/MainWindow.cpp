@@ -154,7 +154,9 @@ void TmainFm::ConnectParts() {
     sheetActions_->SetConfirmation(
         [this] { return faceActions_->ConfirmCut() && paperActions_->PreparePaper(); },
         [this] { return faceActions_->CutRemark(); });
-    paperActions_->SetConfirmation([this] { return faceActions_->MayCut(); });
+    const auto mayCut = [this] { return faceActions_->MayCut(); };
+    paperActions_->SetConfirmation(mayCut);
+    uploadActions_->SetConfirmation(mayCut);
 }
 
 /// An archive that is gone is told by what works on it.

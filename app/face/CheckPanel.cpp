@@ -200,10 +200,13 @@ bool CheckPanel::ConfirmCut() {
 bool CheckPanel::MayCut() {
     const bool shown = actions_.IsChecked(Action::ShowCheck);
     faceless_ = false;
+    if (!IsChecking()) {
+        return true;
+    }
     if (!shown) {
         last_.reset();  // does not follow the template then
     }
-    if (!settings_.AskBeforeCut() || !IsChecking()) {
+    if (!settings_.AskBeforeCut()) {
         return true;
     }
     Refresh();

@@ -41,7 +41,8 @@ class CheckPanel : public QObject {
     /// user wants the cut all the same. A photo without a face is asked about while the check is
     /// shown; else nobody said that it is a portrait, and CutRemark() tells of it.
     bool ConfirmCut();
-    /// The same where the cut goes elsewhere and the photo stays open.
+    /// The same where the cut goes elsewhere and the photo stays open. Once it is cut, nothing is
+    /// asked.
     bool MayCut();
     /// What there is to say once the confirmed cut is made; often empty.
     QString CutRemark() const;

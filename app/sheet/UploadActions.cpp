@@ -31,6 +31,9 @@ UploadActions::UploadActions(PhotoSession& session, QWidget& window, core::TData
 }
 
 void UploadActions::acUploadFileExecute() {
+    if (confirm_ && !confirm_()) {
+        return;
+    }
     const core::TemplateRow figures = data_.LoadedFigures();
     imaging::WrittenMetadata metadata{core::SoftwareText.toByteArray()};
     if (settings_.TagsInUploadFiles()) {

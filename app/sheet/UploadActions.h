@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
 
 class QWidget;
 
@@ -29,6 +30,9 @@ class UploadActions : public QObject {
                   dialogs::TEinstellungenFm& settings, core::UserInterface& ui,
                   MainActions& actions);
 
+    /// Asked before a file is made of a photo that is not cut yet.
+    void SetConfirmation(std::function<bool()> confirm) { confirm_ = std::move(confirm); }
+
  private:
     void acUploadFileExecute();
     void Save();
@@ -39,6 +43,7 @@ class UploadActions : public QObject {
     core::UserInterface& ui_;
     MainActions& actions_;
     dialogs::UploadDialog* dialog_;
+    std::function<bool()> confirm_;
 };
 
 }  // namespace kadrona::app
