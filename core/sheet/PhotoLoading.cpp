@@ -3,11 +3,11 @@
 #include <QBuffer>
 
 #include "core/settings/Settings.h"
-#include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "imaging/pixels/QuarterTurn.h"
 #include "imaging/tone/AverageColour.h"
 #include "imaging/tone/WhiteBalance.h"
+#include "platform/Error.h"
 #include "platform/SilenceWatch.h"
 
 namespace kadrona::core {
@@ -21,12 +21,13 @@ imaging::ReadOptions OptionsOf(const Settings& settings, imaging::ReadProgress* 
     return {.applyOrientation = settings.ImgAutoRotate(), .progress = progress};
 }
 
-/// Empty where no face is found, or nothing to find it with is installed.
+/// Empty where no face is found, or none can be looked for: the program's data is not installed, or
+/// memory is short. The photo opens all the same.
 QRect SkinOf(const imaging::Pixels& photo) {
     try {
         const imaging::FaceSearch search = imaging::FindFace(photo);
         return search.face ? imaging::CheeksOf(*search.face) : QRect();
-    } catch (const imaging::CascadesMissing&) {
+    } catch (const platform::Error&) {
         return {};
     }
 }
