@@ -18,6 +18,7 @@
 #include "dialogs/side/CheckSection.h"
 #include "dialogs/side/SidePanel.h"
 #include "imaging/face/Cascades.h"
+#include "platform/Error.h"
 #include "platform/UserRegistry.h"
 #include "printing/PrinterLayer.h"
 
@@ -209,7 +210,11 @@ bool CheckPanel::MayCut() {
     if (!settings_.AskBeforeCut()) {
         return true;
     }
-    Refresh();
+    try {
+        Refresh();
+    } catch (const platform::Error&) {
+        return true;  // what cannot be checked, for want of memory, is not asked about
+    }
     faceless_ = !shown && face_.WasLookedFor() && !face_.Search().face;
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {

@@ -136,7 +136,7 @@ void FacePoints::Move(const imaging::view::ToolPointer& pointer) {
         marked_.value().*held_ = {to, 1};
         ShowPoints();
     } else {
-        face_.MovePoint(held_, to);
+        held_ = face_.MovePoint(held_, to);
     }
 }
 
@@ -153,14 +153,17 @@ void FacePoints::Release() {
         })) {
         return;
     }
-    Face face = *std::exchange(marked_, std::nullopt);
+    Face face = imaging::WithEyesInOrder(*marked_);
     if (top_ == &Face::skull) {
         face.crown = face.skull;
     } else {
         face.skull.position = imaging::EstimatedSkull(face);
     }
-    overlay_.ShowHint({});
-    face_.TakeMarked(face);
+    if (imaging::HasShapeOfFace(face)) {
+        marked_.reset();
+        overlay_.ShowHint({});
+        face_.TakeMarked(face);
+    }
 }
 
 bool FacePoints::Key(const QKeyEvent& event) {

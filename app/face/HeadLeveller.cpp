@@ -80,10 +80,24 @@ void HeadLeveller::EndMode() {
     actions_[Action::LevelByLine]->setChecked(false);
 }
 
+/// What the user has corrected of the face turns with the photo.
 void HeadLeveller::Level(double tiltDegrees) {
     constexpr double WorthTurning = 0.1;
-    if (std::abs(tiltDegrees) >= WorthTurning) {
-        rotateActions_.LevelPhoto(tiltDegrees);
+    if (std::abs(tiltDegrees) < WorthTurning) {
+        Q_EMIT actions_.Succeeded(u"Der Kopf ist gerade."_s);
+        return;
+    }
+    const imaging::LayeredImage& image = session_.Image();
+    const bool isCorrected = face_.IsCorrected();
+    const imaging::FaceSearch before = face_.Search();
+    const QPointF middle = QRectF(QPointF(), image.Photo().Size()).center();
+    rotateActions_.LevelPhoto(tiltDegrees);
+    if (isCorrected) {
+        const QPointF to = QRectF(QPointF(), image.Photo().Size()).center();
+        face_.TakeMarked(
+            imaging::Turned(*before.face, QTransform::fromTranslate(-middle.x(), -middle.y()) *
+                                              QTransform().rotate(-tiltDegrees) *
+                                              QTransform::fromTranslate(to.x(), to.y())));
     }
 }
 
@@ -98,21 +112,25 @@ void HeadLeveller::Move(const imaging::view::ToolPointer& pointer) {
     }
 }
 
-/// A click is no line: the mode stays on for another one.
+/// A click is no line, and a steep one no pair of eyes: the mode stays on for another one.
 void HeadLeveller::Release() {
     constexpr double ShortestOnScreen = 12;
+    constexpr double Steepest = 45;  // degrees; quarter turns have buttons of their own
     const std::optional<QLineF> line = std::exchange(line_, std::nullopt);
     overlay_.ShowLine(line_);
     if (!line || QLineF(view_.ToWidget(line->p1()), view_.ToWidget(line->p2())).length() <
                      ShortestOnScreen) {
         return;
     }
-    EndMode();
     const bool leftToRight = line->x1() < line->x2();
-    controls::Guarded(view_.window(), [&] {
-        Level(leftToRight ? imaging::TiltDegrees(line->p1(), line->p2())
-                          : imaging::TiltDegrees(line->p2(), line->p1()));
-    });
+    const double tilt = leftToRight ? imaging::TiltDegrees(line->p1(), line->p2())
+                                    : imaging::TiltDegrees(line->p2(), line->p1());
+    if (std::abs(tilt) > Steepest) {
+        overlay_.ShowHint(u"Diese Linie ist zu steil für ein Paar Augen. "_s + LineHint);
+        return;
+    }
+    EndMode();
+    controls::Guarded(view_.window(), [&] { Level(tilt); });
 }
 
 bool HeadLeveller::Key(const QKeyEvent& event) {

@@ -1,6 +1,7 @@
 #include "app/face/PhotoFace.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "app/base/PhotoSession.h"
@@ -95,17 +96,36 @@ void PhotoFace::TakeMarked(const imaging::Face& face) {
     FindSoon();
 }
 
-void PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to) {
+imaging::FacePoint imaging::Face::*PhotoFace::MovePoint(imaging::FacePoint imaging::Face::*point,
+                                                        QPointF to) {
     using imaging::Face;
     Face face = *found_.face;
     const QPointF by = to - (face.*point).position;
     const QPointF skull = imaging::EstimatedSkull(face);
     const bool isSkullPlaced = face.skull.confidence == 1;
     face.*point = {to, 1};
+    imaging::FacePoint Face::*now = point;
+    if (face.leftEye.position.x() > face.rightEye.position.x()) {
+        face = imaging::WithEyesInOrder(face);
+        now = point == &Face::leftEye ? &Face::rightEye : &Face::leftEye;
+    }
     if (point != &Face::skull && !isSkullPlaced) {
         face.skull.position += point == &Face::crown ? by : imaging::EstimatedSkull(face) - skull;
     }
+    if (!imaging::HasShapeOfFace(face)) {
+        return point;
+    }
     TakeMarked(face);
+    return now;
+}
+
+bool PhotoFace::IsCorrected() const {
+    using imaging::Face;
+    constexpr std::array Points{&Face::leftEye, &Face::rightEye, &Face::chin, &Face::crown,
+                                &Face::skull};
+    return found_.face && std::ranges::any_of(Points, [this](auto point) {
+               return ((*found_.face).*point).confidence == 1;
+           });
 }
 
 }  // namespace kadrona::app

@@ -47,9 +47,13 @@ class PhotoFace : public QObject {
     /// and Looked() when the pointer rests. Precondition: a photo is open.
     void TakeMarked(const imaging::Face& face);
     /// Puts a point of the face elsewhere: the user knows better. What follows as after
-    /// TakeMarked(). The skull goes with the others until it is moved itself. Precondition: there
-    /// is a face.
-    void MovePoint(imaging::FacePoint imaging::Face::*point, QPointF to);
+    /// TakeMarked(). The skull goes with the others until it is moved itself. A point stays where
+    /// the face would be none. Returns which point it is now: a pupil that is drawn past the other
+    /// is the other one. Precondition: there is a face.
+    imaging::FacePoint imaging::Face::*MovePoint(imaging::FacePoint imaging::Face::*point,
+                                                 QPointF to);
+    /// Whether the user has pointed out a point of the face.
+    bool IsCorrected() const;
 
  Q_SIGNALS:
     /// FindSoon() has ended, with or without a face.

@@ -29,22 +29,33 @@ PlaceProposal::PlaceProposal(PhotoSession& session, PhotoFace& face, FaceOverlay
     actions.Connect(Action::AlignToFace, this, [this] { acAlignToFaceExecute(); });
     connect(&face, &PhotoFace::Forgotten, this, &PlaceProposal::FollowPhoto);
     connect(&face, &PhotoFace::Looked, this, &PlaceProposal::Offer);
+    connect(&face, &PhotoFace::PointMoved, this, &PlaceProposal::FollowPoints);
     connect(&session, &PhotoSession::Changed, this, &PlaceProposal::FollowSession);
     connect(&overlay, &FaceOverlay::Accepted, actions[Action::AlignToFace], &QAction::trigger);
     connect(&overlay, &FaceOverlay::Refused, this, &PlaceProposal::End);
 }
 
-/// A new photo with its template is offered a place.
+/// A new photo with its template is offered a place, once: as soon as it shows a face.
 bool PlaceProposal::IsWanted() const {
     return !offered_ && session_.IsEditing() && session_.HasTemplate() &&
            settings_.AlignToFace() != core::FaceAlignment::Never;
 }
 
+/// A turned photo is offered one anew where nobody has answered yet.
 void PlaceProposal::FollowPhoto() {
-    if (session_.Image().IsEmpty()) {
+    if (session_.Image().IsEmpty() || overlay_.IsProposing()) {
         offered_ = false;
     }
     End();
+    if (IsWanted()) {
+        face_.FindSoon();
+    }
+}
+
+void PlaceProposal::FollowPoints() {
+    if (overlay_.IsProposing()) {
+        Propose(Place());
+    }
 }
 
 /// What was said of the template's place holds no longer than it stands there.
@@ -62,21 +73,24 @@ void PlaceProposal::Offer() {
     if (!IsWanted()) {
         return;
     }
-    offered_ = true;
-    const imaging::FaceSearch& search = face_.Search();
-    if (!search.face) {
+    if (!face_.Search().face) {
         return;
     }
+    offered_ = true;
     const core::FacePlacement placement = Place();
     if (settings_.AlignToFace() == core::FaceAlignment::Always) {
         Take(placement);
     } else if (StandsAt(placement.rectangle)) {
         Remark(placement);
     } else {
-        const QString remark = core::PlacementRemark(search, placement);
-        overlay_.Propose(placement.rectangle, (remark.isEmpty() ? u"Gesicht gefunden."_s : remark) +
-                                                  u" Schablone daran ausrichten?"_s);
+        Propose(placement);
     }
+}
+
+void PlaceProposal::Propose(const core::FacePlacement& placement) {
+    const QString remark = core::PlacementRemark(face_.Search(), placement);
+    overlay_.Propose(placement.rectangle, (remark.isEmpty() ? u"Gesicht gefunden."_s : remark) +
+                                              u" Schablone daran ausrichten?"_s);
 }
 
 /// As near as nobody would move it by hand.

@@ -31,8 +31,10 @@ class PlaceProposal : public QObject {
     void acAlignToFaceExecute();
     bool IsWanted() const;
     void FollowPhoto();
+    void FollowPoints();
     void FollowSession();
     void Offer();
+    void Propose(const core::FacePlacement& placement);
     void End();
     core::FacePlacement Place() const;
     bool StandsAt(const QRect& place) const;

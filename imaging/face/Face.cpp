@@ -3,6 +3,7 @@
 #include <QtMath>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "imaging/face/FaceFrame.h"
 
@@ -20,6 +21,32 @@ double Face::EyeDistance() const {
 
 double Face::Confidence() const {
     return std::min({leftEye.confidence, rightEye.confidence, chin.confidence, crown.confidence});
+}
+
+Face WithEyesInOrder(Face face) {
+    if (face.leftEye.position.x() > face.rightEye.position.x()) {
+        std::swap(face.leftEye, face.rightEye);
+    }
+    return face;
+}
+
+bool HasShapeOfFace(const Face& face) {
+    const FaceFrame frame = FaceFrame::OfEyes(face.leftEye.position, face.rightEye.position);
+    const auto below = [&frame](const FacePoint& point) {
+        return frame.FromPhoto(point.position).y();
+    };
+    constexpr double Least = 0.1;  // of the pupils' distance
+    return frame.unit > 1 && below(face.chin) > Least && below(face.crown) < -Least &&
+           below(face.skull) < -Least;
+}
+
+Face Turned(Face face, const QTransform& turn) {
+    for (FacePoint* point : {&face.leftEye, &face.rightEye, &face.chin, &face.crown, &face.skull}) {
+        point->position = turn.map(point->position);
+    }
+    face = WithEyesInOrder(face);
+    face.tiltDegrees = TiltDegrees(face.leftEye.position, face.rightEye.position);
+    return face;
 }
 
 QRect CheeksOf(const Face& face) {

@@ -3,6 +3,7 @@
 #include <QPointF>
 #include <QRect>
 #include <QSize>
+#include <QTransform>
 #include <optional>
 
 namespace kadrona::imaging {
@@ -43,6 +44,16 @@ QPointF EstimatedSkull(const Face& face);
 /// A face of usual proportions in the middle of a photo, large enough to tell its points apart;
 /// none is certain.
 Face TypicalFace(QSize photo);
+
+/// The left pupil is the one that lies left in the picture.
+Face WithEyesInOrder(Face face);
+
+/// Whether pupils, chin and top lie to each other as in a face: the chin below the pupils' line,
+/// hair and skull above it.
+bool HasShapeOfFace(const Face& face);
+
+/// With all points, in photo pixels, and the tilt after a turn of the photo.
+Face Turned(Face face, const QTransform& turn);
 
 /// The answer of a search.
 struct FaceSearch {

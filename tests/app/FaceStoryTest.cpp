@@ -196,6 +196,43 @@ TEST_F(FaceStory, LevelsTheHeadByALineThatTheUserDraws) {
     EXPECT_EQ(Template(), before);
 }
 
+TEST_F(FaceStory, APhotoThatLiesOnItsSideIsOfferedAPlaceOnceItIsTurned) {
+    Image().ChangePhoto(imaging::Pixels(DrawnPortrait().transformed(QTransform().rotate(90))));
+    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 800));
+    Trigger(u"acRotateLeft"_s);
+    AwaitProposal();
+}
+
+TEST_F(FaceStory, CorrectedPointsTurnWithThePhotoAndKeepTheirSides) {
+    AwaitProposal();
+    Trigger(u"acShowCheck"_s);
+    const auto drag = [this](QPointF from, QPointF to) {
+        Child<QAbstractButton>(*window, "MovePoints").setChecked(true);
+        Drag(window->View(), {OnScreen(from.toPoint()), OnScreen(to.toPoint())});
+    };
+    const auto height = [this] {
+        Trigger(u"acAlignToFace"_s);
+        return Template().height();
+    };
+    const int found = height();
+    drag(DrawnChin, DrawnChin + QPointF(0, 40));
+    const int corrected = height();
+    EXPECT_GT(corrected, found + 20);
+    drag(DrawnChin + QPointF(0, 40), DrawnCrown);
+    EXPECT_EQ(height(), corrected) << "no chin stands above the eyes";
+    drag(DrawnLeftEye, 2 * DrawnRightEye - DrawnLeftEye);
+    Trigger(u"acLevelHead"_s);
+    const QImage level = Image().Photo().ToImage();
+    EXPECT_NE(level.pixelColor(level.width() / 2, level.height() - 9), QColor(Qt::white))
+        << "the shoulders are below";
+    const int steps = Image().UndoCount();
+    drag(2 * DrawnRightEye - DrawnLeftEye, DrawnLeftEye);
+    ClickButton(*window, "acLevelByLineButton");
+    Drag(window->View(), {OnScreen({200, 380}), OnScreen({400, 400})});
+    EXPECT_EQ(Image().UndoCount(), steps + 1);
+    EXPECT_NEAR(height(), corrected, 8) << "of the chin that was corrected";
+}
+
 TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     AwaitProposal();
     Trigger(u"acAlignToFace"_s);
