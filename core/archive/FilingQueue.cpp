@@ -4,6 +4,7 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QUuid>
 
@@ -56,17 +57,33 @@ void FilingQueue::Add(const WaitingPhoto& photo) const {
     QFile::setPermissions(folder_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QString name = photo.created.toString(u"yyyyMMdd-HHmmsszzz-"_s) +
                          QUuid::createUuid().toString(QUuid::Id128).left(8);
-    platform::WriteFileAtomically(PathOf(name, PhotoExtension), photo.photo);
-    platform::WriteFileAtomically(PathOf(name, ThumbnailExtension), photo.thumbnail);
+    QStringList written;
+    auto takeBack = qScopeGuard([&] {
+        for (const QString& path : written) {
+            QFile::remove(path);
+        }
+    });
+    const auto write = [&](QStringView extension, const QByteArray& content) {
+        written.append(PathOf(name, extension));
+        platform::WriteFileAtomically(written.last(), content);
+    };
+    write(PhotoExtension, photo.photo);
+    write(ThumbnailExtension, photo.thumbnail);
     platform::PropertyFile file(PathOf(name, KnowledgeExtension));
     file.WriteText(PhotoSection, u"ArchiveFolder"_s, photo.archiveFolder);
     file.WriteText(PhotoSection, u"Template"_s, photo.templateName);
     file.WriteText(PhotoSection, u"Tags"_s, photo.tags);
     file.WriteText(PhotoSection, u"Created"_s, photo.created.toString(Qt::ISODateWithMs));
     if (photo.original) {
-        WriteOriginal(file, FileOriginal(*photo.original, folder_, {}, name + u".jpg"_s));
+        const OriginalRecord original =
+            FileOriginal(*photo.original, folder_, {}, name + u".jpg"_s);
+        written.append(StoredFolderPath(folder_, StoredPath(original.folder, original.name)));
+        WriteOriginal(file, original);
     }
+    // First of what is taken back: nothing that has no files may wait.
+    written.prepend(PathOf(name, KnowledgeExtension));
     file.Save();
+    takeBack.dismiss();
 }
 
 QStringList FilingQueue::Waiting() const {

@@ -35,7 +35,7 @@ class FilingQueue {
 
     const QString& Folder() const { return folder_; }
 
-    /// Throws platform::FileError.
+    /// Throws platform::FileError; nothing of the photo is left then.
     void Add(const WaitingPhoto& photo) const;
     /// The names of all that wait, the oldest first.
     QStringList Waiting() const;
