@@ -103,6 +103,7 @@ bool CreateFolder(const QString& path) {
     const mode_t mode = ModeOfNewFolder(parent);
     if (mkdir(name.constData(), mode) == 0) {
         chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
+        return true;
     }
     return QFileInfo(clean).isDir();
 }
