@@ -1,7 +1,5 @@
 #include "printing/PrinterSetup.h"
 
-#include <QFileInfo>
-
 #include "platform/AtomicFile.h"
 #include "printing/PrinterSettingsFile.h"
 
@@ -22,11 +20,12 @@ void TPrinterSetup::SaveToFile(const QString& fileName) const {
 }
 
 std::optional<PrinterChoice> TPrinterSetup::Stored(const QString& fileName) {
-    if (!QFileInfo::exists(fileName)) {
+    const auto content =
+        platform::ReadFileIfThere(fileName, MaximumFileBytes, platform::Links::Own);
+    if (!content) {
         return std::nullopt;
     }
-    std::optional<PrinterChoice> choice = ReadPrinterSettings(
-        platform::ReadWholeFile(fileName, MaximumFileBytes, platform::Links::Own));
+    std::optional<PrinterChoice> choice = ReadPrinterSettings(*content);
     if (!choice) {
         throw platform::FileError(
             u"Die Druckereinstellungen „%1“ konnten nicht gelesen werden: Die Datei ist unvollständig oder beschädigt."_s

@@ -1,6 +1,5 @@
 #include "core/check/TemplateTable.h"
 
-#include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 #include <QSet>
@@ -326,10 +325,11 @@ int ChinAboveLowerEdge(const TemplateRow& row) {
 std::optional<TemplateRow> TemplateFigures(const QString& templateFolder,
                                            const QString& templateFile) {
     const QString path = platform::JoinPath(templateFolder, TemplateTableFile);
-    if (!QFileInfo(path).isFile()) {
+    const auto content = platform::ReadFileIfThere(path, LargestTable);
+    if (!content) {
         return std::nullopt;
     }
-    const QString text = platform::DecodeText(platform::ReadWholeFile(path, LargestTable));
+    const QString text = platform::DecodeText(*content);
     for (TemplateRow& row : ParseTemplateTable(text, path)) {
         if (row.file.compare(templateFile, Qt::CaseInsensitive) == 0) {
             return std::move(row);

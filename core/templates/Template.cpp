@@ -6,6 +6,7 @@
 #include "core/templates/LayerPosition.h"
 #include "core/templates/TemplateDrawing.h"
 #include "platform/AtomicFile.h"
+#include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,13 +31,13 @@ int PixelsPerUnit(QSize canvas) {
 }  // namespace
 
 std::optional<Template> ReadTemplate(const QString& path) {
-    const QFileInfo file(path);
-    if (!file.isFile()) {
+    if (!platform::IsFile(path)) {
         return std::nullopt;
     }
     const QByteArray bytes = platform::ReadWholeFile(path, LargestTemplateFile);
     try {
-        Template read{.name = file.fileName(), .elements = ParseTemplate(bytes), .canvas = {}};
+        Template read{
+            .name = QFileInfo(path).fileName(), .elements = ParseTemplate(bytes), .canvas = {}};
         read.canvas = TemplateCanvas(read.elements);
         RequireQuickDrawing(read.elements, PixelsPerUnit(read.canvas));
         return read;

@@ -1,6 +1,5 @@
 #include "core/templates/TemplateCatalogue.h"
 
-#include <QFileInfo>
 #include <QStringView>
 
 #include "platform/AtomicFile.h"
@@ -42,9 +41,8 @@ std::vector<CatalogueEntry> ParseCatalogue(const QString& text) {
 
 void TemplateCatalogue::Load() {
     const QString path = platform::JoinPath(folder_, u"MaskList.kdr");
-    if (QFileInfo::exists(path)) {
-        entries_ =
-            ParseCatalogue(platform::DecodeText(platform::ReadWholeFile(path, LargestCatalogue)));
+    if (const auto content = platform::ReadFileIfThere(path, LargestCatalogue)) {
+        entries_ = ParseCatalogue(platform::DecodeText(*content));
     }
 }
 
@@ -61,7 +59,11 @@ QString TemplateCatalogue::FileAt(int index) const {
         return {};
     }
     const QString path = platform::JoinPath(folder_, entries_[static_cast<size_t>(index)].file);
-    return QFileInfo(path).isFile() ? path : QString();
+    try {
+        return platform::IsFile(path) ? path : QString();
+    } catch (const platform::FileError&) {
+        return path;  // whoever reads it learns what is wrong with it
+    }
 }
 
 }  // namespace kadrona::core
