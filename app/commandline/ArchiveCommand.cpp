@@ -104,11 +104,14 @@ int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& o
                 QTextStream& errors) {
     store::Database& database = data.ArchiveDatabase();
     const core::FilingQueue& queue = data.Archiving().Queue();
-    const core::ExportSelection found{.ids = data.Archive()->Find(request.search),
-                                      .waiting = core::FindWaiting(queue, {.text = request.search}),
-                                      .queue = queue};
+    QStringList failures;
+    const core::ExportSelection found{
+        .ids = data.Archive()->Find(request.search),
+        .waiting = core::FindWaiting(queue, {.text = request.search}, &failures),
+        .queue = queue};
     if (found.ids.empty() && found.waiting.empty()) {
         errors << HarmlessText(u"„%1“ findet kein Bild."_s.arg(request.search)) << Qt::endl;
+        Result(failures, errors);
         return SomePhotoFailed;
     }
     const core::Export result = core::ExportRecords(database, request.folder, found, request.output,
@@ -116,7 +119,7 @@ int ExportFound(const ArchiveRequest& request, core::TData& data, QTextStream& o
     output << HarmlessText(u"%1 in „%2“."_s.arg(
                   platform::CountedText(result.records, u"Bild"_s, u"Bilder"_s), result.folder))
            << Qt::endl;
-    return Result(result.failures, errors);
+    return Result(failures + result.failures, errors);
 }
 
 /// To the server of the settings, whether it is in use yet or not.

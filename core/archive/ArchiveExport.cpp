@@ -230,7 +230,7 @@ Export ExportRecords(store::Database& database, const QString& archiveFolder,
         }
         return run.Finish();
     } catch (...) {
-        if (platform::LookAtFolder(target) == platform::FolderState::There) {
+        if (platform::LookAtFolder(target) != platform::FolderState::Silent) {
             run.Discard();
         }
         throw;

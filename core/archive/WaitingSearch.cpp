@@ -34,7 +34,8 @@ bool IsListed(const WaitingPhoto& photo, const ArchiveSearch& search, const Wait
 
 }  // namespace
 
-QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter) {
+QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter,
+                        QStringList* unread) {
     const ArchiveSearch search(filter.text);
     const bool all = search.IsEmpty() && !filter.period.from && !filter.period.to && !filter.dueOn;
     QStringList found;
@@ -43,8 +44,10 @@ QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter) {
             if (all || IsListed(queue.ReadKnowledge(name), search, filter)) {
                 found.append(name);
             }
-        } catch (const platform::Error&) {
-            continue;  // nobody knows whose it is
+        } catch (const platform::Error& error) {  // nobody knows whose it is
+            if (unread != nullptr) {
+                unread->append(error.Text());
+            }
         }
     }
     return found;

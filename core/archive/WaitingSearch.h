@@ -22,7 +22,8 @@ struct WaitingFilter {
 };
 
 /// The names of the photos in the queue that the archive's window would list were they filed. One
-/// whose file cannot be read is listed where all are.
-QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter);
+/// whose file cannot be read is listed where all are; else why goes to `unread`, a sentence.
+QStringList FindWaiting(const FilingQueue& queue, const WaitingFilter& filter,
+                        QStringList* unread = nullptr);
 
 }  // namespace kadrona::core
