@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -12,14 +11,13 @@
 #include <QTimer>
 #include <map>
 #include <memory>
-#include <utility>
+#include <string_view>
 
+#include "app/commandline/OrderCommand.h"
+#include "app/commandline/PhotoCommand.h"
+#include "app/face/CheckReport.h"
 #include "controls/messages/ActionGuard.h"
-#include "core/Data.h"
-#include "core/archive/ArchiveBackup.h"
-#include "core/archive/ArchiveDeletion.h"
-#include "core/archive/ArchiveTable.h"
-#include "core/archive/KeepingSchema.h"
+#include "core/base/RecentPhotos.h"
 #include "core/sheet/SheetTray.h"
 #include "dialogs/archive/ArchiveWindow.h"
 #include "dialogs/archive/ImageTags.h"
@@ -30,45 +28,19 @@
 #include "platform/AtomicFile.h"
 #include "platform/PropertyFile.h"
 #include "printing/Calibration.h"
+#include "tests/faults/Module.h"
 #ifdef KADRONA_WITH_CUPS
 #include "printing/cups/service/Job.h"
 #endif
-#include "store/sqlite/SqliteDatabase.h"
-#include "tests/support/ArchiveDatabase.h"
-#include "tests/support/CoreFakes.h"
-#include "tests/support/FakePrinter.h"
-#include "tests/support/PixelMatchers.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::string_view_literals;
 
 namespace kadrona::testing {
 
 namespace {
 
 const QStringList SheetFormats{u"jpg"_s, u"jp2"_s, u"png"_s, u"bmp"_s, u"tif"_s, u"pdf"_s};
-const QString Tags = u"Jürgen Groß\r\nKöln\r\n"_s;
-
-/// The data module of the installation in a folder, and what it works with.
-struct Module {
-    explicit Module(QString where)
-        : folder(std::move(where)),
-          data(ui, {folder + u"/program"_s, folder + u"/common"_s}, &printer),
-          archive(folder + u"/archive"_s) {
-        core::NameSources sources;
-        sources.now = [] { return QDateTime(QDate(2026, 3, 7), QTime(14, 30)); };
-        data.SetNameSources(sources);
-        image.Open(imaging::Pixels(Filled({120, 160}, 0xffa0a0a0)), {300});
-    }
-
-    void File() { data.SaveImageToArchiv(image, archive, Tags, u"Jürgen Groß"_s); }
-
-    QString folder;
-    FakeInterface ui;
-    FakePrinter printer;
-    core::TData data;
-    QString archive;
-    imaging::LayeredImage image;
-};
 
 core::CollectedItem TrayItem(const QString& name) {
     return {imaging::Pixels(TestPicture(35, 45)), {35'000, 45'000}, u"Pass"_s, name};
@@ -89,9 +61,14 @@ class BoundFile : public core::ProfileStore {
 };
 
 void MakeFolders(const QString& folder) {
-    for (const char* name : {"program/Schablonen", "archive", "saved", "common", "backup"}) {
+    for (const char* name :
+         {"program/Schablonen", "archive", "saved", "common", "backup", "exported", "server"}) {
         QDir().mkpath(folder + u'/' + QLatin1StringView(name));
     }
+    platform::WriteFileAtomically(folder + u"/program/Schablonen/Pass.msk"_s,
+                                  OvalTemplate(350, 450));
+    platform::WriteFileAtomically(folder + u"/program/Schablonen/MaskList.kdr"_s,
+                                  "Pass=Pass.msk\n"_ba);
 }
 
 /// What a program that ran before has left.
@@ -99,16 +76,15 @@ void MakeInstallation(const QString& folder) {
     MakeFolders(folder);
     Module module(folder);
     module.data.InitSystem();
-    module.File();
-    // Made by chance else, so that no two runs would leave the same.
-    store::Database& archive = module.data.ArchiveDatabase();
-    core::CreateKeeping(archive);
-    archive.Execute(uR"(INSERT INTO "ImgKeeping" ("Name", "Value") VALUES ('Identity', 'a'))"_s);
+    imaging::WriteImageFile(folder + u"/saved/Foto.png"_s, module.image.Photo(), {300});
+    FillArchive(module);
     BoundFile bound;
     module.data.SaveNewProfile(u"Alt"_s, bound);
     module.data.SavePrintProfile(u"Alt"_s);
     module.data.SaveLayerPosToIni(u"alt"_s, {1, 2, 3, 4});
     core::TData::SetArchivPath(folder);
+    platform::WriteFileAtomically(folder + u"/saved/Auftrag.txt"_s,
+                                  "Foto.png; Pass; 10,10,80; 2\n"_ba);
     for (const QString& format : SheetFormats) {
         platform::WriteFileAtomically(folder + u"/saved/Blatt."_s + format, "old"_ba);
     }
@@ -116,8 +92,6 @@ void MakeInstallation(const QString& folder) {
     core::SheetTray(TrayFolder(folder)).Add(TrayItem(u"Anna"_s));
     printing::StoreCalibration(folder + u"/common/Kadrona"_s, u"Alt"_s, {1.01, 1, {}});
 }
-
-using Step = std::function<void(Module&)>;
 
 /// An operation of the data module of a finished installation.
 Operation OfModule(const QByteArray& name, const Step& step) {
@@ -141,16 +115,6 @@ Operation FirstStart() {
                     messages += module->ui.messages;
                 };
             }};
-}
-
-void Archive(Module& module) {
-    core::PhotoArchive archive(module.data.NameSources());
-    archive.Connect(module.folder + u"/common/Kadrona/Database"_s);
-    archive.Create();
-    if (archive.File(module.image, {module.archive, {}, Tags, u"Jürgen Groß"_s}) !=
-        core::Filing::Done) {
-        module.ui.messages.append(module.archive + u'.');  // the caller says so
-    }
 }
 
 void WriteSettings(Module& module) {
@@ -237,19 +201,26 @@ void ChangeTagsInArchiveWindow(Module& module) {
     controls::Guarded(nullptr, [&] { window.ShowEx(module.archive); });
 }
 
-void DeletePhoto(Module& module) {
-    const core::Deletion deletion =
-        core::DeleteRecords(module.data.ArchiveDatabase(), module.archive, {1},
-                            module.data.NameSources().now(), platform::NoProgress);
-    module.ui.messages += deletion.failures;
-    core::CompactArchive(module.data.ArchiveDatabase(), platform::NoProgress);
+const core::TemplatePlace Place{10, 10, 80};
+
+void MakeUpload(Module& module) {
+    module.RunCommand([&](QTextStream& progress, QTextStream& errors) {
+        app::PhotoRequest request;
+        request.photos = QStringList{module.folder + u"/saved/Foto.png"_s};
+        request.templateName = u"Pass"_s;
+        request.output = module.folder + u"/saved/Blatt.jpg"_s;
+        request.place = Place;
+        app::MakeUploadFiles(request, module.data, progress, errors);
+    });
 }
 
-void BackUp(Module& module) {
-    const core::Backup backup =
-        core::BackUpArchive(module.data.ArchiveDatabase(), module.archive,
-                            module.folder + u"/backup"_s, platform::NoProgress);
-    module.ui.messages += backup.failures;
+void MakeOrder(Module& module) {
+    module.RunCommand([&](QTextStream& progress, QTextStream& errors) {
+        app::SheetRequest request;
+        request.order = module.folder + u"/saved/Auftrag.txt"_s;
+        request.output = module.folder + u"/saved/Blatt.jpg"_s;
+        app::MakeOrder(request, module.data, progress, errors);
+    });
 }
 
 void NewProfile(Module& module) {
@@ -268,16 +239,7 @@ std::vector<Operation> AllOperations() {
             imaging::WriteImageFile(module.folder + u"/saved/Blatt."_s + format, sheet, {300});
         }));
     }
-    const std::initializer_list<std::pair<const char*, Step>> steps{
-        {"archiving", Archive},
-        {"tags", [](Module& module) { module.data.Archive()->SetTags(1, u"Ö\r\n"_s); }},
-        {"delete-photo", DeletePhoto},
-        {"backup", BackUp},
-        {"tags-in-photo",
-         [](Module& module) {
-             const QString photo = module.archive + u"/2026/03/2026_03_00001.jpg"_s;
-             module.data.RewriteIptcToImage(photo, u"Ö"_s, u"Ö\r\n"_s);
-         }},
+    NamedSteps steps{
         {"profile", WriteSettings},
         {"new-profile", NewProfile},
         {"delete-profile", [](Module& module) { module.data.DeleteProfile(u"Alt"_s); }},
@@ -320,42 +282,31 @@ std::vector<Operation> AllOperations() {
              }
          }},
         {"tray-emptied", [](Module& module) { LoadedTray(module).Clear(); }},
-        {"preset", [](Module& module) {
+        {"preset",
+         [](Module& module) {
              imaging::WriteCurveFile(module.data.CurvesFolder() + u"/Neu.acv"_s, {});
-         }}};
+         }},
+        {"recent",
+         [](Module& module) {
+             core::RecentPhotos().Add({module.folder + u"/saved/Foto.png"_s, "picture"_ba});
+         }},
+        {"report",
+         [](Module& module) {
+             app::CheckReport report;
+             report.photo = module.image.Photo();
+             report.rectangle = {10, 10, 80, 103};
+             report.templateName = u"Pass"_s;
+             app::WriteCheckReport(report, module.folder + u"/saved/Blatt.pdf"_s);
+         }},
+        {"upload", MakeUpload},
+        {"order", MakeOrder}};
+    const NamedSteps ofArchive = ArchiveSteps();
+    steps.insert(steps.end(), ofArchive.begin(), ofArchive.end());
     for (const auto& [name, step] : steps) {
         operations.push_back(OfModule(name, step));
-        operations.back().removes = operations.back().name == u"delete-photo"_s;
+        operations.back().removes = name == "delete-photo"sv || name == "delete-due"sv;
     }
     return operations;
-}
-
-QString ArchiveFault(const QString& folder) {
-    const QString databaseFolder = folder + u"/common/Kadrona/Database"_s;
-    if (!QFile::exists(databaseFolder + u"/KDRImageBase.db"_s)) {
-        return {};
-    }
-    store::SqliteDatabase database(databaseFolder);
-    QString fault = DatabaseFault(database);
-    if (!fault.isEmpty() || !database.TableExists(u"ImgTags_idx"_s)) {
-        return fault;
-    }
-    QStringList recorded = Column(
-        database, uR"(SELECT "ImgName" FROM "ImgDB" WHERE "ImgName" IS NOT NULL ORDER BY 1)"_s);
-    QStringList photos;
-    for (QDirIterator files(folder + u"/archive"_s, QDir::Files, QDirIterator::Subdirectories);
-         files.hasNext();) {
-        photos.append(QFileInfo(files.next()).fileName());
-    }
-    photos.sort();
-    if (database.TableExists(u"ImgRemoval"_s)) {  // what a deletion could not remove is noted
-        for (const QString& path : Column(database, uR"(SELECT "Path" FROM "ImgRemoval")"_s)) {
-            photos.removeAll(path.section(u'\\', -1));
-        }
-    }
-    return photos == recorded
-               ? QString()
-               : u"records: %1; photos: %2"_s.arg(recorded.join(u' '), photos.join(u' '));
 }
 
 }  // namespace kadrona::testing

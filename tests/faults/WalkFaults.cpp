@@ -33,12 +33,19 @@ constexpr unsigned PatienceSeconds = 60;
 /// Texts that say no path.
 const QStringList Prescribed{u"Can not save this profile settings!"_s,
                              u"Fehler, das Datenbankverzeichnis konnte nicht erstellt werden."_s,
-                             u"Fehler, das Kurvenverzeichnis konnte nicht erstellt werden."_s};
+                             u"Fehler, das Kurvenverzeichnis konnte nicht erstellt werden."_s,
+                             u"Es wurde nichts geschrieben."_s};
+
+/// A photo is told by its name.
+const QRegularExpression PhotoName(u"„[^/“]+\\.(png|jpg)“"_s);
 
 /// Names (those that are drawn by chance made equal) with their content.
 using Files = QMap<QString, QByteArray>;
 
-const QRegularExpression DrawnName(u"(pro|prn|kdr|bild)[0-9A-F]{1,9}\\.(tmp|png|additions)"_s);
+const QRegularExpression DrawnName(
+    u"(pro|prn|kdr|bild|-)[0-9A-Fa-f]{1,9}\\.(tmp|png|additions|ini|jpg|thumbnail)"_s);
+/// When a PDF was made, and what tells it from others.
+const QRegularExpression DrawnMark(u"CreationDate[^)]*|/ID[^]]*|uuid:[-0-9a-f]*"_s);
 
 /// A database is judged by what it says, not by its bytes; its journal is the next opening's. A
 /// drawn name tells files apart no longer, so their content does.
@@ -52,8 +59,12 @@ Files FilesBelow(const QString& folder) {
             continue;
         }
         const QString content =
-            QString::fromLatin1(file.readAll()).replace(DrawnName, u"\\1*.\\2"_s);
+            QString::fromLatin1(file.readAll()).replace(DrawnName, u"\\1*.\\2"_s).remove(DrawnMark);
         const QString name = found.filePath().replace(DrawnName, u"\\1*.\\2"_s);
+        if (found.fileName().startsWith(u"Daten.")) {  // lists what could be exported
+            files.insert(name, {});
+            continue;
+        }
         files.insert(name == found.filePath() ? name : name + u'#' + content, content.toLatin1());
     }
     return files;
@@ -89,6 +100,7 @@ class Walk {
         : operation_(operation), origin_(folder + u"/origin"_s), scene_(folder + u"/scene"_s) {
         // The user's values lie in the scene too, so that they fail with the rest.
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(scene_ + u"/config"_s));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(scene_ + u"/user"_s));
         QDir().mkpath(scene_);
         operation.prepare(scene_);
         Copy(scene_, origin_);
@@ -117,7 +129,8 @@ class Walk {
         }
         Require(!messages_.isEmpty() || left == after_, fault, u"nothing is said"_s);
         for (const QString& message : messages_) {
-            const bool tells = message.contains(scene_) && u".!"_s.contains(message.back());
+            const bool names = message.contains(scene_) || message.contains(PhotoName);
+            const bool tells = names && u".!"_s.contains(message.back());
             Require(tells || Prescribed.contains(message), fault,
                     u"path or reason lacks in: "_s + message);
         }
@@ -174,9 +187,9 @@ struct Kind {
     bool isShort;  // part of the short set
 };
 
-/// Of an operation of many calls the short set lets only every second one fail in each way, in
-/// turn.
-constexpr int ManyCalls = 100;
+/// Of an operation of more calls the short set lets only every second, third, ... one fail in each
+/// way, in turn.
+constexpr int ManyCalls = 60;
 
 constexpr Kind Kinds[] = {{EIO, false, true},    {ENOSPC, true, true},   {0, true, false},
                           {EIO, true, false},    {ENOSPC, false, false}, {EDQUOT, false, false},
@@ -201,13 +214,14 @@ int main(int argc, char** argv) {
                                                                 : QString());
         Walk walk(operation, folder.path());
         const int calls = walk.CallCount();
-        const int step = all || calls <= ManyCalls ? 1 : 2;
+        walk.Meet({1000000, EIO, false});
+        const int step = all ? 1 : calls / ManyCalls + 1;
         int first = 1;
         for (const Kind& kind : Kinds) {
             for (int nth = first; nth <= calls && (all || kind.isShort); nth += step, ++runs) {
                 walk.Meet({nth, kind.error, kind.fromThenOn});
             }
-            first = step == 2 ? 2 : 1;
+            first = first % step + 1;
         }
         faults += walk.FaultCount();
         std::printf("%s: %d calls, %d faults\n", qPrintable(operation.name), calls,

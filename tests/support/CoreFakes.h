@@ -74,6 +74,21 @@ class FakeSettings : public core::Settings {
     QVariantMap values_;
 };
 
+/// A template's file: a white canvas with one oval.
+inline QByteArray OvalTemplate(int width, int height) {
+    return core::SerializeTemplate(
+        {{.colour = 0xffffff, .right = width, .bottom = height, .name = QStringLiteral("Canvas")},
+         {.colour = 0x0000c0,
+          .brushStyle = 1,
+          .penWidth = 4,
+          .right = width - 50,
+          .left = 50,
+          .bottom = height - 50,
+          .top = 50,
+          .shape = core::TMask::Ellipse,
+          .name = {}}});
+}
+
 /// A program folder with templates and an empty place for data, gone with the object. The user's
 /// registry and the user's queue of photos are in it as well.
 class Installation {
@@ -93,22 +108,9 @@ class Installation {
         return Path("common/Kadrona/") + QLatin1StringView(name);
     }
 
-    /// A catalogue line and its file: a white canvas with one oval.
+    /// A catalogue line and its file.
     void AddTemplate(const char* name, const char* file, int width, int height) {
-        const std::vector<core::TMask> elements{{.colour = 0xffffff,
-                                                 .right = width,
-                                                 .bottom = height,
-                                                 .name = QStringLiteral("Canvas")},
-                                                {.colour = 0x0000c0,
-                                                 .brushStyle = 1,
-                                                 .penWidth = 4,
-                                                 .right = width - 50,
-                                                 .left = 50,
-                                                 .bottom = height - 50,
-                                                 .top = 50,
-                                                 .shape = core::TMask::Ellipse,
-                                                 .name = {}}};
-        Write("program/Schablonen/" + QByteArray(file), core::SerializeTemplate(elements));
+        Write("program/Schablonen/" + QByteArray(file), OvalTemplate(width, height));
         catalogue_ += QByteArray(name) + "=" + file + "\n";
         Write("program/Schablonen/MaskList.kdr", catalogue_);
     }
