@@ -8,6 +8,8 @@
 #include <csignal>
 #include <utility>
 
+#include "platform/Progress.h"
+
 namespace kadrona::platform {
 
 namespace {
@@ -24,6 +26,38 @@ void WakeUp(int /*signal*/) {
     [[maybe_unused]] const ssize_t written = write(wakeUp[1], &byte, 1);
 }
 
+volatile std::sig_atomic_t noted = 0;
+
+void Note(int signal) {
+    noted = signal;
+}
+
+using Handler = void (*)(int);
+
+/// Calls it once for each; what is ignored stays so.
+void Handle(Handler handler) {
+    for (const int number : Ending) {
+        struct sigaction before {};
+        sigaction(number, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) {
+            struct sigaction action {};
+            action.sa_handler = handler;
+            action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+            sigaction(number, &action, nullptr);
+        }
+    }
+}
+
+void Forget(Handler handler) {
+    for (const int number : Ending) {
+        struct sigaction now {};
+        sigaction(number, nullptr, &now);
+        if (now.sa_handler == handler) {
+            std::signal(number, SIG_DFL);
+        }
+    }
+}
+
 }  // namespace
 
 TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent) {
@@ -35,30 +69,33 @@ TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent) {
         notifier->setEnabled(false);
         Q_EMIT Requested();
     });
-    for (const int number : Ending) {
-        struct sigaction before {};
-        sigaction(number, nullptr, &before);
-        if (before.sa_handler != SIG_IGN) {
-            struct sigaction action {};
-            action.sa_handler = WakeUp;
-            action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-            sigaction(number, &action, nullptr);
-        }
-    }
+    Handle(WakeUp);
 }
 
 TerminationSignals::~TerminationSignals() {
-    for (const int number : Ending) {
-        struct sigaction now {};
-        sigaction(number, nullptr, &now);
-        if (now.sa_handler == WakeUp) {
-            std::signal(number, SIG_DFL);
-        }
-    }
+    Forget(WakeUp);
     for (int& end : wakeUp) {
         if (end >= 0) {
             close(std::exchange(end, -1));
         }
+    }
+}
+
+TerminationNote::TerminationNote() {
+    noted = 0;
+    Handle(Note);
+}
+
+TerminationNote::~TerminationNote() {
+    Forget(Note);
+    if (noted != 0) {
+        std::raise(noted);
+    }
+}
+
+void ThrowIfEnding() {
+    if (noted != 0) {
+        throw Cancelled();
     }
 }
 

@@ -12,6 +12,7 @@
 #include "core/archive/ArchiveRebuild.h"
 #include "core/archive/WaitingSearch.h"
 #include "platform/CountedText.h"
+#include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,8 +29,10 @@ constexpr std::array Tasks{std::pair(QLatin1StringView("backup"), Task::BackUp),
                            std::pair(QLatin1StringView("transfer"), Task::Transfer)};
 
 /// A line for each thing that is begun; waiting for a server comes between them again and again.
+/// Ends where a signal was noted.
 platform::Progress Lines(QTextStream& output) {
     return [&output, said = QStringList()](const QString& what, qint64, qint64) mutable {
+        platform::ThrowIfEnding();
         if (!said.contains(what)) {
             output << what << Qt::endl;
             said.append(what);
@@ -187,7 +190,7 @@ int KeepArchive(const ArchiveRequest& request, core::TData& data, QTextStream& o
     }
     known.folder = QFileInfo(known.folder).absoluteFilePath();
     // A server far away may take its time: who calls can end the program.
-    data.Archiving().WhileWaiting([] {});
+    data.Archiving().WhileWaiting(platform::ThrowIfEnding);
     switch (known.task) {
         case Task::BackUp:
             return BackUp(known, data, output, errors);

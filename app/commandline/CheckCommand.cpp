@@ -4,16 +4,19 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <exception>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
+#include "controls/messages/ActionGuard.h"
 #include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
 #include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -183,9 +186,9 @@ Report Checked(core::TData& data, const core::Settings& settings, const CheckReq
             Remark(file, u"Kein Gesicht gefunden."_s, errors);
         }
         return report;
-    } catch (const std::exception& error) {
-        errors << FailureLine(file, error) << Qt::endl;
-        return {file, QString::fromUtf8(error.what()), {}, {}, {}};
+    } catch (const std::exception&) {
+        errors << FailureLine(file) << Qt::endl;
+        return {file, controls::FailureText(std::current_exception()), {}, {}, {}};
     }
 }
 
@@ -206,6 +209,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
     bool missed = false;
     std::vector<Report> reports;
     for (const QString& photo : photos) {
+        platform::ThrowIfEnding();
         const Report report = Checked(data, settings, request, photo, errors);
         if (IsFailure(report, request)) {
             result = SomePhotoFailed;

@@ -1,9 +1,11 @@
 #include "app/commandline/CommandSetup.h"
 
 #include "app/commandline/TerminalText.h"
+#include "controls/messages/ActionGuard.h"
 #include "core/base/UserInterface.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/face/FaceFinder.h"
+#include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -39,13 +41,14 @@ int WithData(QTextStream& errors, const std::function<int(core::TData&)>& comman
 }
 
 int RunCommand(QTextStream& errors, const std::function<int()>& command) {
+    const platform::TerminationNote ending;
     try {
         return command();
     } catch (const UsageError& error) {
         errors << HarmlessText(error.Text()) << u"\nHilfe: kadrona --help"_s << Qt::endl;
         return WrongUsage;
-    } catch (const std::exception& error) {
-        errors << HarmlessText(QString::fromUtf8(error.what())) << Qt::endl;
+    } catch (const std::exception&) {
+        errors << HarmlessText(controls::FailureText(std::current_exception())) << Qt::endl;
         return SomePhotoFailed;
     }
 }

@@ -18,7 +18,8 @@ namespace kadrona::app {
 /// one of the archive.
 enum ExitCode { Done = 0, SomePhotoFailed = 1, WrongUsage = 2, SomethingFound = 3 };
 
-/// Runs a command; what it throws becomes a line and an exit code.
+/// Runs a command; what it throws becomes a line and an exit code. A signal that ends programs does
+/// so once the command has come to a place where that leaves nothing half done.
 int RunCommand(QTextStream& errors, const std::function<int()>& command);
 
 /// Gives a command this machine's data, without a window.

@@ -4,11 +4,13 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
+#include "controls/messages/ActionGuard.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/CollectedSheet.h"
 #include "core/sheet/PaperSize.h"
@@ -18,6 +20,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/CountedText.h"
+#include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,8 +47,8 @@ core::CollectedItem CutItem(core::TData& data, const core::Settings& settings,
 }
 
 /// The first line of the reason: which templates there are needs no saying for each line.
-QString ReasonOf(const std::exception& error) {
-    return QString::fromUtf8(error.what()).section(u'\n', 0, 0);
+QString ReasonOfFailure() {
+    return controls::FailureText(std::current_exception()).section(u'\n', 0, 0);
 }
 
 /// What cannot be cut, or would be overwritten by `output`, goes to the order's errors.
@@ -56,6 +59,7 @@ std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Setting
     std::vector<core::CollectedItem> items;
     qint64 pixels = 0;
     for (const core::OrderLine& line : order.lines) {
+        platform::ThrowIfEnding();
         try {
             const QString photo = PhotoPath(line, request.order);
             RequireNoPhoto(output, IdentitiesOf({photo}));
@@ -63,8 +67,8 @@ std::vector<core::CollectedItem> CutItems(core::TData& data, const core::Setting
             item.picture = core::KeptPicture(item, finest);
             pixels += qint64{item.picture.Width()} * item.picture.Height();
             items.push_back(std::move(item));
-        } catch (const std::exception& error) {
-            order.errors.push_back({line.number, ReasonOf(error)});
+        } catch (const std::exception&) {
+            order.errors.push_back({line.number, ReasonOfFailure()});
         }
         if (pixels > core::MostCollectedPixels) {
             order.errors.push_back({line.number, u"mehr als %1 Millionen Pixel"_s.arg(

@@ -12,6 +12,7 @@
 #include "app/commandline/TerminalText.h"
 #include "core/base/FileNaming.h"
 #include "core/sheet/PhotoLoading.h"
+#include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -146,14 +147,15 @@ int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream&
     for (qsizetype i = 0; i < photos.size(); ++i) {
         const QString& photo = photos.at(i);
         const QString& output = outputs.at(i);
+        platform::ThrowIfEnding();
         try {
             RequireNoPhoto(output, sources);
             progress << u"[%1/%2] %3 → %4 (%5)"_s.arg(i + 1)
                             .arg(photos.size())
                             .arg(HarmlessName(photo), HarmlessName(output), make(photo, output))
                      << Qt::endl;
-        } catch (const std::exception& error) {
-            errors << FailureLine(photo, error) << Qt::endl;
+        } catch (const std::exception&) {
+            errors << FailureLine(photo) << Qt::endl;
             result = SomePhotoFailed;
         }
     }

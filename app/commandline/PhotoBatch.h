@@ -54,7 +54,8 @@ void OpenUnderTemplate(core::TData& data, const core::Settings& settings,
 
 /// Makes a file of every photo; what `make` returns stands in its line of progress. One that fails,
 /// or whose file would overwrite any of the photos, is named in `errors`, the others are still
-/// done. Returns an ExitCode.
+/// done. Returns an ExitCode. Throws platform::Cancelled between two photos where a signal was
+/// noted.
 int MakeEach(const QStringList& photos, const QStringList& outputs, QTextStream& progress,
              QTextStream& errors,
              const std::function<QString(const QString& photo, const QString& output)>& make);

@@ -1,5 +1,9 @@
 #include "app/commandline/TerminalText.h"
 
+#include <exception>
+
+#include "controls/messages/ActionGuard.h"
+
 namespace kadrona::app {
 
 namespace {
@@ -38,8 +42,8 @@ QString HarmlessText(const QString& text) {
     return Harmless(text, true);
 }
 
-QString FailureLine(const QString& photo, const std::exception& error) {
-    QString reason = QString::fromUtf8(error.what());
+QString FailureLine(const QString& photo) {
+    QString reason = controls::FailureText(std::current_exception());
     return HarmlessName(photo + QStringLiteral(": ") + reason.replace(u'\n', u' '));
 }
 

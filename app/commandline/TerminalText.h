@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <exception>
 
 namespace kadrona::app {
 
@@ -12,7 +11,7 @@ QString HarmlessName(const QString& name);
 /// The same for a message, whose line breaks stay.
 QString HarmlessText(const QString& text);
 
-/// Which photo could not be done and why, in one line.
-QString FailureLine(const QString& photo, const std::exception& error);
+/// Which photo could not be done and why, in one line; for the handler of what was thrown.
+QString FailureLine(const QString& photo);
 
 }  // namespace kadrona::app

@@ -18,6 +18,7 @@
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/ProgramPart.h"
+#include "platform/Progress.h"
 #include "platform/PropertyFile.h"
 #include "platform/Surroundings.h"
 #include "platform/TerminationSignals.h"
@@ -242,6 +243,20 @@ TEST(TerminationSignals, TellTheEventLoopOnce) {
         EXPECT_EQ(requests, 1) << number;
     }
     EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL) << "as it was";
+}
+
+TEST(TerminationNote, EndsTheProgramOnceItsWorkIsCleared) {
+    const auto work = [] {
+        {
+            const TerminationNote ending;
+            raise(SIGTERM);
+            EXPECT_THROW(ThrowIfEnding(), Cancelled);
+            std::fputs("cleared", stderr);
+        }
+        std::exit(0);
+    };
+    std::signal(SIGTERM, SIG_DFL);
+    EXPECT_EXIT(work(), ::testing::KilledBySignal(SIGTERM), "cleared");
 }
 
 TEST(Surroundings, ClosedStreamsAndRelativeFoldersAreMadeUpFor) {
