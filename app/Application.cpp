@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "app/AppearanceActions.h"
@@ -32,6 +33,7 @@
 #include "dialogs/base/ApplicationIcon.h"
 #include "dialogs/base/SmallScreens.h"
 #include "platform/Paths.h"
+#include "platform/PoolThreads.h"
 #include "platform/RunningProgram.h"
 #include "platform/SilenceWatch.h"
 #include "platform/Surroundings.h"
@@ -201,6 +203,13 @@ int RunWindow(int argc, char** argv, const WindowRequest& request) {
 int Run(int argc, char** argv) {
     platform::MakeUpForSurroundings();
     platform::IgnoreFileSizeSignal();
+    if (!platform::StartPoolThreads()) {
+        QTextStream(stderr)
+            << u"Kadrona kann nicht starten: Für seine Threads reichen Arbeitsspeicher "
+               u"oder Prozesse nicht aus."_s
+            << Qt::endl;
+        std::_Exit(SomePhotoFailed);
+    }
     const QStringList arguments = ArgumentsOf(argc, argv);
     if (arguments.value(1) == u"--waiting"_s && arguments.size() == 4) {
         return RunWaitingBox(argc, argv, arguments);
