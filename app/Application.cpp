@@ -4,10 +4,12 @@
 #include <QFile>
 #include <QLibraryInfo>
 #include <QTextStream>
+#include <QTimer>
 #include <QTranslator>
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -135,8 +137,16 @@ QString Identity() {
 }
 
 /// What is open over the window is cancelled first; a chooser that does not let itself be closed
-/// must not keep the program.
+/// must not keep the program, nor a message that nobody answers.
 void CloseAsByTheUser(TmainFm& window) {
+    constexpr std::chrono::seconds Patience(5);
+    auto* unanswered = new QTimer(&window);
+    QObject::connect(unanswered, &QTimer::timeout, unanswered, [] {
+        if (QWidget* shown = QApplication::activeModalWidget()) {
+            shown->close();
+        }
+    });
+    unanswered->start(Patience);
     QApplication::closeAllWindows();
     window.close();
     QApplication::exit(Done);
