@@ -59,7 +59,12 @@ DecodedImage ReadIcon(const ReadTask& task) try {
         return ReadByPlugin(task, "ico", entry.index);
     }
     // The device makes room for all that it is asked for before it reads.
-    QByteArray bytes = device.read(std::min(entry.size, device.size() - entry.offset));
+    constexpr qint64 MostBytes = 40'000'000;
+    const qint64 size = std::min(entry.size, device.size() - entry.offset);
+    if (size > MostBytes) {
+        task.Fail(TooLargeFileReason(MostBytes));
+    }
+    QByteArray bytes = device.read(size);
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     return ReadPng(task.Within(buffer));

@@ -112,6 +112,21 @@ void JpegDecompressor::LimitScans(j_common_ptr info) {
     }
 }
 
+// libjpeg passes over any number of bytes on its way to the next marker. There is more room than
+// pixels and segments can take: noise in the best quality has two bytes a channel.
+void JpegDecompressor::LimitBytes(j_decompress_ptr info, qint64 count) {
+    constexpr qint64 MostOtherBytes = 100'000'000;
+    constexpr qint64 MostBytesAPixel = 8;
+    // The size is known to be allowed once that of the output is calculated.
+    const qint64 pixels =
+        info->output_width == 0 ? 0 : qint64{info->image_width} * info->image_height;
+    auto* source = static_cast<Source*>(info->src);
+    source->bytes += count;
+    if (source->bytes > MostOtherBytes + pixels * MostBytesAPixel) {
+        Exit(reinterpret_cast<j_common_ptr>(info), JpegFault::Damaged);
+    }
+}
+
 boolean JpegDecompressor::FillBuffer(j_decompress_ptr info) {
     auto* source = static_cast<Source*>(info->src);
     qint64 count = source->device->read(reinterpret_cast<char*>(source->buffer.data()), BufferSize);
@@ -122,6 +137,7 @@ boolean JpegDecompressor::FillBuffer(j_decompress_ptr info) {
         source->buffer[1] = JPEG_EOI;
         count = 2;
     }
+    LimitBytes(info, count);
     source->next_input_byte = source->buffer.data();
     source->bytes_in_buffer = static_cast<size_t>(count);
     return TRUE;

@@ -51,6 +51,7 @@ class JpegDecompressor {
     struct Source : jpeg_source_mgr {
         QIODevice* device;
         bool endWasMissing;
+        qint64 bytes;  ///< read so far
         std::array<JOCTET, BufferSize> buffer;
     };
 
@@ -59,6 +60,7 @@ class JpegDecompressor {
     static void HandleMessage(j_common_ptr info, int level);
     static void LimitScans(j_common_ptr info);
     static void* AllocateMarker(j_common_ptr info, int pool, size_t bytes);
+    static void LimitBytes(j_decompress_ptr info, qint64 count);
     static boolean FillBuffer(j_decompress_ptr info);
     static void SkipBytes(j_decompress_ptr info, long count);
 

@@ -18,15 +18,16 @@ namespace {
 using Demuxer = std::unique_ptr<WebPDemuxer, Release<WebPDemuxDelete>>;
 
 /// Empty where there is none.
-QByteArray ProfileOf(const WebPDemuxer* demuxer) {
-    QByteArray profile;
+QByteArray ProfileOf(const WebPDemuxer* demuxer, const ReadTask& task) {
+    constexpr qint64 LargestProfile = 1 << 24;
     WebPChunkIterator chunk = {};
-    if (WebPDemuxGetChunk(demuxer, "ICCP", 1, &chunk)) {
-        profile = QByteArray(reinterpret_cast<const char*>(chunk.chunk.bytes),
-                             static_cast<qsizetype>(chunk.chunk.size));
-        WebPDemuxReleaseChunkIterator(&chunk);
+    if (!WebPDemuxGetChunk(demuxer, "ICCP", 1, &chunk)) {
+        return {};
     }
-    return profile;
+    const WebPData found = chunk.chunk;  // bytes of the file
+    WebPDemuxReleaseChunkIterator(&chunk);
+    task.RequireMemoryBeside(static_cast<qint64>(found.size), LargestProfile);
+    return {reinterpret_cast<const char*>(found.bytes), static_cast<qsizetype>(found.size)};
 }
 
 /// The library keeps a note of each chunk, however short.
@@ -65,7 +66,8 @@ QString ReasonOf(VP8StatusCode status) {
     }
 }
 
-QImage DecodeFrame(const WebPData& frame, const ReadTask& task) {
+/// `kept`: the bytes of the file and what was taken out of it.
+QImage DecodeFrame(const WebPData& frame, qint64 kept, const ReadTask& task) {
     constexpr int Lossless = 2;
     WebPDecoderConfig config;
     if (!WebPInitDecoderConfig(&config)) {
@@ -79,8 +81,7 @@ QImage DecodeFrame(const WebPData& frame, const ReadTask& task) {
     task.RequireAllowedSize(features.width, features.height);
     // A lossless picture is decoded beside the result, in four bytes a pixel of its own.
     const int beside = features.format == Lossless ? 4 : 0;
-    task.RequireMemoryBeside(static_cast<qint64>(frame.size) +
-                             qint64{features.width} * features.height * beside);
+    task.RequireMemoryBeside(kept + qint64{features.width} * features.height * beside);
     QImage image = NewImage({features.width, features.height},
                             features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     config.output.colorspace = MODE_BGRA;
@@ -115,8 +116,8 @@ DecodedImage ReadWebP(const ReadTask& task) {
     }
     const WebPData first = frame.fragment;  // bytes of the file
     WebPDemuxReleaseIterator(&frame);
-    decoded.profile = ProfileOf(demuxer.get());
-    decoded.image = DecodeFrame(first, task);
+    decoded.profile = ProfileOf(demuxer.get(), task);
+    decoded.image = DecodeFrame(first, file.size() + decoded.profile.size(), task);
     return decoded;
 }
 

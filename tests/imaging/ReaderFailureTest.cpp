@@ -23,6 +23,10 @@ QByteArray NoisyJpeg(bool progressive) {
     return Jpeg(content);
 }
 
+QString TooMuch() {
+    return Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+}
+
 }  // namespace
 
 TEST(ReaderFailure, FilesThatEndEarlyAreRefused) {
@@ -142,7 +146,7 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
                      Short(0x103, 1), Short(0x106, 1), Short(0x115, 1), Short(0x153, 3)},
                     "ends here");
     };
-    const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+    const QString tooMuch = TooMuch();
     const auto gif = [](quint16 side) {
         return Gif({1}).replace(6, 4, Packed<quint16>(side, side));
     };
@@ -202,7 +206,7 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
                side + side + QByteArray(8, '\0') + BigEndian(quint16{1}) + "\7\1\1" +
                QByteArray::fromHex(style) + "\xff\xd9";
     };
-    const QString tooMuch = Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+    const QString tooMuch = TooMuch();
     EXPECT_EQ(Failure(jpeg2000("ff52000d0100000100000404000100")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000d01000001000004040001ff")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";
@@ -220,12 +224,35 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
 }
 
 TEST(ReaderFailure, MuchBesideASmallPictureIsRefused) {
-    for (const auto& [file, most] :
-         {std::pair{Gif({1}), "40"}, {Written(TestPicture(40, 30), "png"), "100"}}) {
+    const QByteArray much(101'000'000, '\0');
+    const QByteArray png = Written(TestPicture(40, 30), "png");
+    const QByteArray icon =
+        Packed<quint16>(0, 1, 1, 0x2020, 0, 1, 32) + Packed<quint32>(0xffffffff, 22) + png;
+    EXPECT_EQ(Failure(icon), QString());
+    for (const auto& [file, most] : {std::pair{Gif({1}), "40"}, {png, "100"}, {icon, "40"}}) {
         EXPECT_EQ(
-            Failure(file + QByteArray(101'000'000, '\0')),
+            Failure(file + much),
             Complaint(QByteArray("Sie ist zu groß; es werden höchstens ") + most + " MB gelesen."));
     }
+    const QString damaged = Complaint("Die Datei ist beschädigt.");
+    const QByteArray jpeg = NoisyJpeg(true);
+    const qsizetype secondScan = jpeg.indexOf("\xff\xda", jpeg.indexOf("\xff\xda") + 2);
+    for (const qsizetype place : {jpeg.indexOf("\xff\xdb"), secondScan}) {
+        EXPECT_EQ(Failure(QByteArray(jpeg).insert(place, much)), damaged);
+        EXPECT_EQ(Failure(QByteArray(jpeg).insert(place, QByteArray(much.size(), '\xff'))),
+                  damaged);
+        EXPECT_EQ(Failure(QByteArray(jpeg).insert(place, QByteArray(90'000'000, '\xff'))),
+                  QString());
+    }
+    const auto webp = [](qint64 profile) {
+        const QByteArray chunks = "WEBPVP8X" + Packed<quint32>(10, 0x20) +
+                                  QByteArray::fromHex("2700001d0000") + "ICCP" +
+                                  Packed<quint32>(profile) + QByteArray(profile, ' ') +
+                                  Written(TestPicture(40, 30), "webp").mid(12);
+        return "RIFF" + Packed<quint32>(chunks.size()) + chunks;
+    };
+    EXPECT_EQ(Failure(webp(16'000'000)), QString());
+    EXPECT_EQ(Failure(webp(17'000'000)), TooMuch());
 }
 
 TEST(ReaderFailure, WhatIsNoPictureIsNamed) {
