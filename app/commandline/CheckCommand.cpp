@@ -133,7 +133,8 @@ void PrintJson(const std::vector<Report>& reports, bool asList, QTextStream& out
     if (!asList) {
         document = QJsonDocument(list.first().toObject());
     }
-    output << QString::fromUtf8(document.toJson()) << Qt::flush;
+    // The escapes of a terminal are those of JSON.
+    output << HarmlessText(QString::fromUtf8(document.toJson())) << Qt::flush;
 }
 
 /// Looks for a face; where the finder's data is missing, that is said and the rest still checked.
