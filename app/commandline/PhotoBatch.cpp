@@ -12,6 +12,7 @@
 #include "app/commandline/TerminalText.h"
 #include "core/base/FileNaming.h"
 #include "core/sheet/PhotoLoading.h"
+#include "platform/Paths.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -75,7 +76,7 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
         }
         return {output};
     }
-    if (!QDir().mkpath(output)) {
+    if (!platform::CreateFolder(output)) {
         throw UsageError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(output));
     }
     QSet<QString> taken;

@@ -36,6 +36,7 @@ TEST_F(Command, MakesTheTemplatesFileAndNamesPhotosThatGiveNone) {
     const QString folder = installation.Path("out");
     EXPECT_EQ(run({installation.Path("b.png"), u"--out"_s, folder}), app::SomePhotoFailed);
     EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList(u"a_kdr.jpg"_s));
+    EXPECT_FALSE(QFile::permissions(folder) & (QFile::ReadGroup | QFile::ReadOther));
     const QImage made(folder + u"/a_kdr.jpg"_s);
     EXPECT_EQ(made.size(), QSize(500, 653)) << output.toStdString();
     EXPECT_EQ(qRound(made.dotsPerMeterX() * 0.0254), 353) << "500 pixels on 36 mm";
