@@ -104,13 +104,13 @@ void WindowPlace::Save() const {
     const QRect place = normal ? QRect(window_.pos(), window_.size())
                                : window_.normalGeometry().translated(-frame_);
     core::LayoutFile(dataFolder_).Save(section, place);
-    platform::IniFile file(core::LayoutFile::PathIn(dataFolder_));
-    if (window_.isMaximized()) {
-        file.WriteInteger(section, MaximizedKey, 1);
-    } else {
-        file.EraseKey(section, MaximizedKey);
-    }
-    file.Save();
+    platform::IniFile::Change(core::LayoutFile::PathIn(dataFolder_), [&](platform::IniFile& file) {
+        if (window_.isMaximized()) {
+            file.WriteInteger(section, MaximizedKey, 1);
+        } else {
+            file.EraseKey(section, MaximizedKey);
+        }
+    });
 }
 
 /// Where that fails it is said when the window is closed.

@@ -1,7 +1,10 @@
 #include "platform/IniFile.h"
 
+#include <QFileInfo>
+
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderLock.h"
 #include "platform/IniContent.h"
 
 namespace kadrona::platform {
@@ -22,6 +25,14 @@ IniFile::IniFile(QString path, Links links)
           ReadFileIfThere(path_, MaximumBytes, links_).value_or(QByteArray()))) {}
 
 IniFile::~IniFile() = default;
+
+void IniFile::Change(const QString& path, const std::function<void(IniFile&)>& change,
+                     Links links) {
+    const FolderLock lock(QFileInfo(path).path());
+    IniFile file(path, links);
+    change(file);
+    file.Save();
+}
 
 QStringList IniFile::Sections() const {
     return content_->Sections();

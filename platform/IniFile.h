@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 #include "platform/Links.h"
@@ -22,6 +23,12 @@ class IniFile {
     ~IniFile();
     IniFile(const IniFile&) = delete;
     IniFile& operator=(const IniFile&) = delete;
+
+    /// Reads the file, has `change` change it and saves it, while no other program does the same in
+    /// that folder: none loses what the other one wrote. Not to be called by `change`. Throws
+    /// FileError also where FolderLock does.
+    static void Change(const QString& path, const std::function<void(IniFile&)>& change,
+                       Links links = Links::Own);
 
     /// Section names in file order.
     QStringList Sections() const;

@@ -81,10 +81,9 @@ QString Unescaped(const QString& escaped) {
 
 void Write(const QString& name, const QString& value) {
     const QString path = RegistryFile();
-    IniFile file(path, Links::All);
-    file.WriteString(ValuesGroup, name, value);
-    CreateFolder(QFileInfo(path).path());  // where it cannot, Save says so
-    file.Save();
+    CreateFolder(QFileInfo(path).path());  // where it cannot, locking says so
+    IniFile::Change(
+        path, [&](IniFile& file) { file.WriteString(ValuesGroup, name, value); }, Links::All);
 }
 
 }  // namespace

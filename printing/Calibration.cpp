@@ -121,21 +121,20 @@ Calibration StoredCalibration(const QString& dataFolder, const QString& profile)
 
 void StoreCalibration(const QString& dataFolder, const QString& profile,
                       const Calibration& calibration) {
-    platform::IniFile file(CalibrationFile(dataFolder));
-    const auto write = [&](const QString& key, double value) {
-        file.WriteInteger(profile, key, static_cast<int>(std::lround(value)));
-    };
-    write(u"AcrossThousandths"_s, calibration.across * 1000);
-    write(u"AlongThousandths"_s, calibration.along * 1000);
-    write(u"RightTenths"_s, calibration.offset.x() * 10);
-    write(u"DownTenths"_s, calibration.offset.y() * 10);
-    file.Save();
+    platform::IniFile::Change(CalibrationFile(dataFolder), [&](platform::IniFile& file) {
+        const auto write = [&](const QString& key, double value) {
+            file.WriteInteger(profile, key, static_cast<int>(std::lround(value)));
+        };
+        write(u"AcrossThousandths"_s, calibration.across * 1000);
+        write(u"AlongThousandths"_s, calibration.along * 1000);
+        write(u"RightTenths"_s, calibration.offset.x() * 10);
+        write(u"DownTenths"_s, calibration.offset.y() * 10);
+    });
 }
 
 void EraseCalibration(const QString& dataFolder, const QString& profile) {
-    platform::IniFile file(CalibrationFile(dataFolder));
-    file.EraseSection(profile);
-    file.Save();
+    platform::IniFile::Change(CalibrationFile(dataFolder),
+                              [&](platform::IniFile& file) { file.EraseSection(profile); });
 }
 
 }  // namespace kadrona::printing

@@ -37,17 +37,18 @@ QString ProfileIndex::SettingsFile(const QString& name) const {
 
 void ProfileIndex::Record(const QString& name, const QString& fileName) const {
     Check(name);
-    platform::IniFile index(path_);
-    index.WriteString(name.trimmed(), key_, fileName);
-    index.Save();
+    platform::IniFile::Change(path_, [&](platform::IniFile& index) {
+        index.WriteString(name.trimmed(), key_, fileName);
+    });
 }
 
 QString ProfileIndex::Remove(const QString& name) const {
-    const QString path = SettingsFile(name);
-    platform::IniFile index(path_);
-    index.EraseSection(name.trimmed());
+    QString path;
     try {
-        index.Save();
+        platform::IniFile::Change(path_, [&](platform::IniFile& index) {
+            path = SettingsFile(name);
+            index.EraseSection(name.trimmed());
+        });
     } catch (const platform::UnflushedError&) {
         QFile::remove(path);  // no profile names it any more
         throw;

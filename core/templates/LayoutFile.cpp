@@ -20,12 +20,12 @@ QRect LayoutFile::Read(const QString& section) const {
 }
 
 void LayoutFile::Save(const QString& section, const QRect& rectangle) const {
-    platform::IniFile file(path_);
-    file.WriteInteger(section, u"PosX"_s, rectangle.x());
-    file.WriteInteger(section, u"PosY"_s, rectangle.y());
-    file.WriteInteger(section, u"Width"_s, rectangle.width());
-    file.WriteInteger(section, u"Height"_s, rectangle.height());
-    file.Save();
+    platform::IniFile::Change(path_, [&](platform::IniFile& file) {
+        file.WriteInteger(section, u"PosX"_s, rectangle.x());
+        file.WriteInteger(section, u"PosY"_s, rectangle.y());
+        file.WriteInteger(section, u"Width"_s, rectangle.width());
+        file.WriteInteger(section, u"Height"_s, rectangle.height());
+    });
 }
 
 }  // namespace kadrona::core

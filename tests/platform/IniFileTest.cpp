@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <thread>
+#include <vector>
 
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
@@ -159,6 +161,20 @@ TEST_F(IniFileTest, NeverTakesAnUnreadableFileForAnEmptyOne) {
     ASSERT_TRUE(big.open(QIODevice::WriteOnly));
     ASSERT_TRUE(big.resize(4 * 1024 * 1024 + 1));
     EXPECT_THROW(IniFile ini(Path()), FileError);
+}
+
+TEST_F(IniFileTest, ChangesAtTheSameTimeLoseNothing) {
+    constexpr int Writers = 8;
+    std::vector<std::jthread> writers;
+    for (int writer = 0; writer < Writers; ++writer) {
+        writers.emplace_back([this, writer] {
+            IniFile::Change(Path(), [writer](IniFile& file) {
+                file.WriteInteger(QString::number(writer), u"PosX"_s, writer);
+            });
+        });
+    }
+    writers.clear();
+    EXPECT_EQ(IniFile(Path()).Sections().size(), Writers);
 }
 
 }  // namespace
