@@ -54,8 +54,7 @@ void MeasureDrag(const imaging::Pixels& photo) {
     if (!checked.face) {
         return;
     }
-    std::printf("measures of light, focus and background: %.1f ms\n",
-                MedianMilliseconds(9, [&](int) {
+    std::printf("measures of light and focus: %.1f ms\n", MedianMilliseconds(9, [&](int) {
                     checked.measures = imaging::MeasurePortrait(photo, *checked.face);
                 }));
     core::TemplateRow figures;
@@ -71,6 +70,8 @@ void MeasureDrag(const imaging::Pixels& photo) {
                 MedianMilliseconds(200, [&](int frame) {
                     checked.rectangle =
                         QRect(frame * 9, frame * 7, 2000 + 5 * frame, 2571 + 6 * frame);
+                    checked.background =
+                        imaging::MeasureBackground(photo, *checked.face, checked.rectangle);
                     checked.whiteCorners = core::HasWhiteCorners(photo, checked.rectangle);
                     section.SetLines(core::CheckPhoto(checked), QStringLiteral("Pass"),
                                      dialogs::CheckSection::Points::Movable);

@@ -14,8 +14,10 @@
 #include "core/check/PhotoCheck.h"
 #include "core/check/TemplateTable.h"
 #include "core/check/WhiteCorners.h"
+#include "imaging/face/BackgroundMeasures.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
+#include "imaging/face/PortraitMeasures.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -168,6 +170,7 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     checked.wasFaceLookedFor = report.search.has_value();
     if (face) {
         checked.measures = imaging::MeasurePortrait(image.Photo(), *face);
+        checked.background = imaging::MeasureBackground(image.Photo(), *face, report.placement);
     }
     checked.rectangle = report.placement;
     checked.figures = figures;

@@ -89,6 +89,10 @@ std::vector<core::CheckLine> CheckPanel::Lines() const {
     checked.wasFaceLookedFor = face_.WasLookedFor();
     checked.measures = face_.Measures();
     checked.rectangle = session_.TemplateRectangle();
+    if (checked.face) {
+        checked.background =
+            imaging::MeasureBackground(session_.Image().Photo(), *checked.face, checked.rectangle);
+    }
     checked.figures = figures_;
     checked.printedWidth = {data_.TemplateCanvasSize().width()};
     checked.edits = session_.Image().Edits();

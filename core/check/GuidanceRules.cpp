@@ -22,6 +22,12 @@ std::optional<double> Measured(const CheckedPhoto& photo) {
     return photo.measures.*Measure;
 }
 
+template <std::optional<double> imaging::BackgroundMeasures::*Measure>
+std::optional<double> Behind(const CheckedPhoto& photo) {
+    return photo.background.*Measure;
+}
+
+using Background = imaging::BackgroundMeasures;
 using Measures = imaging::PortraitMeasures;
 
 }  // namespace
@@ -68,7 +74,7 @@ const std::vector<GuidanceRule>& GuidanceRules() {
         {u"sharpness", u"Schärfe an den Augen", Measured<&Measures::sharpness>, 2, {}, u"", 1, own},
         {u"backgroundUniform",
          u"Hintergrund einfarbig",
-         Measured<&Measures::backgroundSpread>,
+         Behind<&Background::spread>,
          {},
          14,
          u"ΔE",
@@ -76,7 +82,7 @@ const std::vector<GuidanceRule>& GuidanceRules() {
          u"öffentliches Prüfprogramm: 14 bis 26 Einheiten CIE Lab"},
         {u"backgroundLightness",
          u"Hintergrund hell genug",
-         Measured<&Measures::backgroundLightness>,
+         Behind<&Background::lightness>,
          60,
          {},
          u"L*",
@@ -84,7 +90,7 @@ const std::vector<GuidanceRule>& GuidanceRules() {
          own},
         {u"backgroundShadow",
          u"Schatten im Hintergrund",
-         Measured<&Measures::backgroundShadow>,
+         Behind<&Background::shadow>,
          {},
          12,
          u"L*",

@@ -211,9 +211,9 @@ class Checker {
         CheckLine& line =
             Add(u"backgroundNotWhite"_s, u"Hintergrund nicht weiß"_s, u"L*"_s, SourceOf(row));
         line.decimals = 0;
-        line.value = photo_.measures.backgroundLightness;
+        line.value = photo_.background.lightness;
         line.maximum = WhiteLightness;
-        if (photo_.measures.backgroundChroma.value_or(0) > WhiteChroma) {
+        if (photo_.background.chroma.value_or(0) > WhiteChroma) {
             line.maximum.reset();
             line.note = u"farbig"_s;
         }

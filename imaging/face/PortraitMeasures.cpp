@@ -1,7 +1,6 @@
 #include "imaging/face/PortraitMeasures.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
@@ -30,14 +29,12 @@ class Measurer {
     Measurer(const Pixels& photo, const Face& face)
         : image_(photo.ToImage()),
           photo_(ConstMatView(image_)),
-          frame_(FaceFrame::OfEyes(face.leftEye.position, face.rightEye.position)),
-          crown_(frame_.FromPhoto(face.crown.position).y()) {}
+          frame_(FaceFrame::OfEyes(face.leftEye.position, face.rightEye.position)) {}
 
     PortraitMeasures Measure() const {
         PortraitMeasures measures;
         MeasureSkin(measures);
         MeasureEyes(measures);
-        MeasureBackground(measures);
         return measures;
     }
 
@@ -126,49 +123,9 @@ class Measurer {
         return 100.0 * red / static_cast<double>(std::max<size_t>(1, disc->colours.total()));
     }
 
-    /// Beside the head at both sides, from above the shoulders up to above the crown.
-    void MeasureBackground(PortraitMeasures& measures) const {
-        constexpr double PixelsPerUnit = 15;
-        std::vector<Region> quarters;
-        const double middle = (crown_ + 0.2) / 2;
-        for (const auto& [left, right] : {std::pair(-2.1, -1.6), std::pair(1.6, 2.1)}) {
-            for (const auto& [top, bottom] :
-                 {std::pair(crown_ - 0.2, middle), std::pair(middle, 0.2)}) {
-                if (auto region =
-                        Sample({QPointF(left, top), QPointF(right, bottom)}, PixelsPerUnit, 1)) {
-                    quarters.push_back(std::move(*region));
-                }
-            }
-        }
-        if (quarters.empty()) {
-            return;
-        }
-        SetBackground(quarters, measures);
-    }
-
-    static void SetBackground(const std::vector<Region>& quarters, PortraitMeasures& measures) {
-        cv::Mat all;
-        double lightest = 0;
-        double darkest = 100;
-        for (const Region& quarter : quarters) {
-            const double lightness = cv::mean(quarter.lab)[0];
-            lightest = std::max(lightest, lightness);
-            darkest = std::min(darkest, lightness);
-            all.push_back(quarter.lab.reshape(3, static_cast<int>(quarter.lab.total())));
-        }
-        cv::Scalar mean;
-        cv::Scalar deviation;
-        cv::meanStdDev(all, mean, deviation);
-        measures.backgroundLightness = mean[0];
-        measures.backgroundChroma = std::hypot(mean[1], mean[2]);
-        measures.backgroundSpread = cv::norm(deviation);
-        measures.backgroundShadow = lightest - darkest;
-    }
-
     QImage image_;
     FacePhoto photo_;
     FaceFrame frame_;
-    double crown_;
 };
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace kadrona::imaging {
 
-/// What light, focus and background of a portrait are like. Lightness is L* of CIE Lab, 0 ... 100;
+/// What light and focus of a portrait are like. Lightness is L* of CIE Lab, 0 ... 100;
 /// what lies outside the photo is not measured and stays empty.
 struct PortraitMeasures {
     std::optional<double> skinLightness;  ///< mean over the cheeks
@@ -20,16 +20,11 @@ struct PortraitMeasures {
     /// L*, at 100 pixels between the pupils.
     std::optional<double> sharpness;
     std::optional<double> redEye;  ///< percent of the pupils that is red
-    std::optional<double> backgroundLightness;
-    std::optional<double> backgroundSpread;  ///< standard deviation, CIE Lab units
-    std::optional<double> backgroundChroma;
-    /// How much darker a quarter of the background is than the lightest one: shadows.
-    std::optional<double> backgroundShadow;
 };
 
-/// Measures a portrait by its face: skin and eyes where the pupils and the chin put them, the
-/// background beside and above the head. The regions follow OFIQ's definitions of illumination
-/// uniformity, over- and underexposure and sharpness (ISO/IEC 29794-5) in simple form.
+/// Measures a portrait by its face: skin and eyes where the pupils put them. The regions follow
+/// OFIQ's definitions of illumination uniformity, over- and underexposure and sharpness (ISO/IEC
+/// 29794-5) in simple form.
 PortraitMeasures MeasurePortrait(const Pixels& photo, const Face& face);
 
 }  // namespace kadrona::imaging

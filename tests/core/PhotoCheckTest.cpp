@@ -128,12 +128,12 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     CheckedPhoto photo = PlacedPhoto(DeliveredRow(u"frankreich-reisepass.schablone"_s));
     photo.rectangle = photo.rectangle.adjusted(-300, -300, 300, 300);
     photo.measures.skinLightness = 2;
-    photo.measures.backgroundLightness = 99;
+    photo.background.lightness = 99;
     EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Missed);
     EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Guidance);
     EXPECT_EQ(LineOf(photo, u"exposure"_s).state, CheckState::Guidance);
     EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Missed);
-    photo.measures.backgroundChroma = 10;
+    photo.background.chroma = 10;
     EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Met);
     for (const CheckLine& line : CheckPhoto(photo)) {
         EXPECT_FALSE(line.source.isEmpty()) << line.name.toStdString();

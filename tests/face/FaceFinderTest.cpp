@@ -7,6 +7,7 @@
 #include <cmath>
 #include <random>
 
+#include "imaging/face/BackgroundMeasures.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "imaging/face/FaceRegression.h"
@@ -190,17 +191,40 @@ TEST(PortraitMeasures, SeeEachSideForItself) {
         return MeasurePortrait(Pixels(photo), face);
     };
     const PortraitMeasures plain = measured({}, 0);
-    EXPECT_LT(*plain.lightDifference + *plain.skinClipped + *plain.redEye + *plain.backgroundSpread,
-              0.1);
+    EXPECT_LT(*plain.lightDifference + *plain.skinClipped + *plain.redEye, 0.1);
     for (const int eye : {250, 350}) {
         EXPECT_GT(*measured({eye - 8, 292, 16, 16}, qRgb(200, 20, 20)).redEye, 50) << eye;
     }
     EXPECT_GT(*measured({230, 330, 50, 60}, qRgb(90, 90, 90)).lightDifference, 10);
     EXPECT_GT(*measured({320, 330, 50, 60}, qRgb(90, 90, 90)).lightDifference, 10);
     EXPECT_GT(*measured({240, 200, 120, 60}, qRgb(255, 255, 255)).skinClipped, 50) << "forehead";
-    for (const int side : {60, 440}) {
-        EXPECT_GT(*measured({side, 0, 100, 350}, qRgb(90, 90, 90)).backgroundShadow, 10) << side;
+}
+
+TEST(BackgroundMeasures, AreOfWhatTheCutHoldsBesideTheHead) {
+    Face face;
+    face.leftEye.position = {250, 300};
+    face.rightEye.position = {350, 300};
+    face.crown.position = {300, 100};
+    const auto measured = [&](const QRect& area, const QRect& cut) {
+        QImage photo = Filled({600, 800}, qRgb(150, 150, 150));
+        QPainter(&photo).fillRect(area, QColor(90, 90, 90));
+        return MeasureBackground(Pixels(photo), face, cut);
+    };
+    // 35 x 45 mm around a head of 36 mm, of 34 mm and of 30 mm; no cut.
+    for (const QRect& cut :
+         {QRect(145, 70, 310, 400), QRect(130, 60, 340, 440), QRect(110, 10, 380, 490), QRect()}) {
+        EXPECT_LT(*measured({}, cut).spread, 0.1);
+        EXPECT_NEAR(*measured({}, cut).lightness, 62, 1);
+        const QRect inside = cut.isEmpty() ? QRect(90, 80, 420, 300) : cut;
+        const QRect left(inside.x(), 0, 20, 600);
+        EXPECT_GT(*measured(left, cut).spread, 5) << cut.width();
+        EXPECT_GT(*measured(left.translated(inside.width() - 20, 0), cut).spread, 5);
+        EXPECT_GT(*measured({0, 0, 300, 600}, cut).shadow, 10);
+        EXPECT_LT(*measured(left.translated(-20, 0), cut).spread, 0.1) << "cut off";
+        EXPECT_LT(*measured({180, 0, 240, 800}, cut).spread, 0.1) << "the head";
+        EXPECT_LT(*measured({0, 330, 600, 470}, cut).spread, 0.1) << "the shoulders";
     }
+    EXPECT_FALSE(measured({}, {190, 60, 220, 440}).lightness) << "nothing but the head";
 }
 
 TEST(Cascades, SayWhatToInstallWhereTheyAreMissingOrDamaged) {
