@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 
 #include "core/templates/LayerPosition.h"
 
@@ -32,37 +34,142 @@ HeadSizes HeadsOf(const TemplateRow& row) {
     return {PartOfHeight * row.height.value, LargestPartOfHeight * row.height.value};
 }
 
-/// Chin above the lower edge in tenths of a millimetre for a head of that size: the drawing's chin
-/// line, or below the published gap over the crown, moved as far as the eyes need it to lie inside
-/// their band.
-double ChinAbove(const imaging::Face& face, const TemplateRow& row, double head,
-                 double unitsPerPixel) {
-    constexpr double Inside = 2;
-    constexpr double FreeHeightBelowChin = 0.6;
-    double chin = ChinAboveLowerEdge(row);
-    if (row.top.IsComplete() && !row.chin.IsComplete()) {
-        chin = row.height.value - row.top.Middle() - head;
-    } else if (!row.head.from && !row.head.to && !row.chin.IsComplete()) {
-        chin = FreeHeightBelowChin * (row.height.value - head);
-    }
-    if (row.eyes.IsComplete()) {
-        const double eyesOverChin = (face.chin.position.y() - face.EyeMiddle().y()) * unitsPerPixel;
-        chin = std::max(chin, row.eyes.from->value + Inside - eyesOverChin);
-        chin = std::min(chin, row.eyes.to->value - Inside - eyesOverChin);
-    }
-    return chin;
-}
+/// Lengths in tenths of a millimetre; nothing where it ends before it begins.
+struct Range {
+    double from = -std::numeric_limits<double>::infinity();
+    double to = std::numeric_limits<double>::infinity();
 
-QRect RectangleFor(const imaging::Face& face, const TemplateRow& row, QSize canvas, double head) {
-    const double pixels = face.chin.position.y() - CrownFor(face, row).y();
-    const double unitsPerPixel = head / std::max(pixels, 1.0);
-    const double axis = row.axis.IsComplete() ? row.axis.Middle() : row.width.value / 2.0;
-    const double fromTop = row.height.value - ChinAbove(face, row, head, unitsPerPixel);
-    const QRect wanted(
-        static_cast<int>(std::lround(FaceAxis(face) - axis / unitsPerPixel)),
-        static_cast<int>(std::lround(face.chin.position.y() - fromTop / unitsPerPixel)),
-        std::max(1, static_cast<int>(std::lround(row.width.value / unitsPerPixel))), 1);
-    return RestoredLayerRectangle(wanted, wanted.size(), canvas);
+    bool IsEmpty() const { return from > to; }
+
+    void Narrow(double least, double most) {
+        from = std::max(from, least);
+        to = std::min(to, most);
+    }
+
+    /// By what is published, taken from a length that grows with the chin's; a tenth inside, since
+    /// pixels round.
+    void Narrow(const Band& band, double lengthAtChin) {
+        constexpr double Inside = 1;
+        if (band.from) {
+            from = std::max(from, band.from->value + Inside - lengthAtChin);
+        }
+        if (band.to) {
+            to = std::min(to, band.to->value - Inside - lengthAtChin);
+        }
+    }
+
+    /// Precondition: not empty.
+    double Nearest(double wanted) const { return std::clamp(wanted, from, to); }
+};
+
+/// A face under a template at one size of its head. All lengths are tenths of a millimetre.
+class SizedFace {
+ public:
+    SizedFace(const imaging::Face& face, const TemplateRow& row, double head)
+        : face_(face),
+          row_(row),
+          head_(head),
+          units_(head / std::max(face.chin.position.y() - CrownFor(face, row).y(), 1.0)) {}
+
+    /// Chin above the lower edge: the drawing's chin line, or below the published gap over the
+    /// crown, moved as far as the eyes need it to lie inside their band.
+    double Chin() const {
+        constexpr double Inside = 2;
+        constexpr double FreeHeightBelowChin = 0.6;
+        double chin = ChinAboveLowerEdge(row_);
+        if (row_.top.IsComplete() && !row_.chin.IsComplete()) {
+            chin = row_.height.value - row_.top.Middle() - head_;
+        } else if (!row_.head.from && !row_.head.to && !row_.chin.IsComplete()) {
+            chin = FreeHeightBelowChin * (row_.height.value - head_);
+        }
+        if (row_.eyes.IsComplete()) {
+            chin = std::max(chin, row_.eyes.from->value + Inside - EyesOverChin());
+            chin = std::min(chin, row_.eyes.to->value - Inside - EyesOverChin());
+        }
+        return chin;
+    }
+
+    /// Middle of the face from the left edge.
+    double Axis() const {
+        return row_.axis.IsComplete() ? row_.axis.Middle() : row_.width.value / 2.0;
+    }
+
+    /// Where the chin keeps every published band.
+    Range Chins() const {
+        Range chins;
+        chins.Narrow(row_.chin, 0);
+        chins.Narrow(row_.eyes, EyesOverChin());
+        const double fromTop = row_.height.value - head_;
+        if (row_.top.from) {
+            chins.Narrow(-Infinite, fromTop - row_.top.from->value - 1);
+        }
+        if (row_.top.to) {
+            chins.Narrow(fromTop - row_.top.to->value + 1, Infinite);
+        }
+        if (!row_.chin.IsComplete() && !row_.top.IsComplete()) {
+            chins.Narrow(Chin(), Chin());
+        }
+        return chins;
+    }
+
+    Range Axes() const {
+        Range axes;
+        axes.Narrow(row_.axis, 0);
+        if (!row_.axis.IsComplete()) {
+            axes.Narrow(Axis(), Axis());
+        }
+        return axes;
+    }
+
+    /// Where the chin leaves the template inside the photo.
+    Range ChinsInside(QSize photo) const {
+        const double chin = face_.chin.position.y();
+        return {row_.height.value - chin * units_, (photo.height() - chin) * units_};
+    }
+
+    Range AxesInside(QSize photo) const {
+        const double axis = FaceAxis(face_);
+        return {row_.width.value - (photo.width() - axis) * units_, axis * units_};
+    }
+
+    QRect Rectangle(double chin, double axis, QSize canvas) const {
+        const double fromTop = row_.height.value - chin;
+        const QRect wanted(
+            static_cast<int>(std::lround(FaceAxis(face_) - axis / units_)),
+            static_cast<int>(std::lround(face_.chin.position.y() - fromTop / units_)),
+            std::max(1, static_cast<int>(std::lround(row_.width.value / units_))), 1);
+        return RestoredLayerRectangle(wanted, wanted.size(), canvas);
+    }
+
+ private:
+    static constexpr double Infinite = std::numeric_limits<double>::infinity();
+
+    double EyesOverChin() const {
+        return (face_.chin.position.y() - face_.EyeMiddle().y()) * units_;
+    }
+
+    const imaging::Face& face_;
+    const TemplateRow& row_;
+    double head_;
+    double units_;  ///< tenths of a millimetre for a pixel
+};
+
+/// The place that keeps every published band inside the photo, as near as can be to the usual one.
+std::optional<QRect> PlaceInBands(const SizedFace& face, QSize canvas, QSize photo) {
+    Range chins = face.Chins();
+    Range axes = face.Axes();
+    const Range chinsInside = face.ChinsInside(photo);
+    const Range axesInside = face.AxesInside(photo);
+    chins.Narrow(chinsInside.from, chinsInside.to);
+    axes.Narrow(axesInside.from, axesInside.to);
+    if (chins.IsEmpty() || axes.IsEmpty()) {
+        return std::nullopt;
+    }
+    const QRect rectangle =
+        face.Rectangle(chins.Nearest(face.Chin()), axes.Nearest(face.Axis()), canvas);
+    // Its edges were rounded by themselves.
+    const QRect kept = KeptInsidePhoto(rectangle, photo);
+    return QRect({0, 0}, photo).contains(kept) ? std::optional(kept) : std::nullopt;
 }
 
 /// The largest rectangle of the shape that the photo holds, around the middle of another one.
@@ -103,19 +210,23 @@ double FaceAxis(const imaging::Face& face) {
 
 FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
                           QSize photo) {
-    const QRect whole({0, 0}, photo);
     const HeadSizes heads = HeadsOf(row);
     constexpr int Steps = 8;
-    QRect rectangle;
+    bool couldBeMet = false;
     for (int step = 0; step <= Steps; ++step) {
         const double head = heads.best + (heads.largest - heads.best) * step / Steps;
-        rectangle = RectangleFor(face, row, canvas, head);
-        if (whole.contains(rectangle)) {
-            return {rectangle, false};
+        const SizedFace sized(face, row, head);
+        if (const auto rectangle = PlaceInBands(sized, canvas, photo)) {
+            return {*rectangle, false};
         }
+        couldBeMet |= !sized.Chins().IsEmpty();
+    }
+    const SizedFace best(face, row, heads.best);
+    QRect rectangle = best.Rectangle(best.Chin(), best.Axis(), canvas);
+    if (!couldBeMet && QRect({0, 0}, photo).contains(rectangle)) {
+        return {rectangle, false};  // the face has other proportions; the photo has room enough
     }
     // No size of head leaves the template in its place: the best one, pushed back inside.
-    rectangle = RectangleFor(face, row, canvas, heads.best);
     if (rectangle.width() > photo.width() || rectangle.height() > photo.height()) {
         rectangle = LargestInside(rectangle, canvas, photo);
     }

@@ -90,6 +90,42 @@ TEST(FacePlacement, StaysInsideAPhotoThatIsTooTight) {
     }
 }
 
+TEST(FacePlacement, KeepsEveryBandOfATightPhotoWhileOneCan) {
+    struct Case {
+        QString file;
+        QPointF eyes;
+        QSize photo;
+        double head;  ///< millimetres; 0 where the photo is too tight
+    };
+    const QString germany = u"deutschland-reisepass.schablone"_s;
+    const QString finland = u"finnland-reisepass.schablone"_s;
+    for (const auto& [file, eyes, photo, head] :
+         {Case{finland, {1000, 260}, {2000, 2600}, 34},
+          Case{finland, {1000, 1100}, {2000, 1383}, 34},
+          Case{finland, {195, 800}, {1000, 2000}, 34.25},
+          Case{finland, {1000, 267}, {2000, 540}, 35}, Case{finland, {1000, 265}, {2000, 458}, 0},
+          Case{germany, {1000, 216}, {2000, 2600}, 35}}) {
+        SCOPED_TRACE(::testing::PrintToString(photo) + ::testing::PrintToString(eyes));
+        const TemplateRow row = DeliveredRow(file);
+        CheckedPhoto checked;
+        checked.face = FaceAt(eyes);
+        checked.figures = row;
+        checked.printedWidth = row.width;
+        const FacePlacement placement =
+            PlaceOnFace(*checked.face, row, QSize(row.width.value, row.height.value), photo);
+        checked.rectangle = placement.rectangle;
+        EXPECT_EQ(placement.photoTooTight, head == 0);
+        const std::vector<CheckLine> lines = CheckPhoto(checked);
+        const auto isMissed = [](const CheckLine& line) {
+            return line.state == CheckState::Missed;
+        };
+        EXPECT_EQ(std::ranges::any_of(lines, isMissed), head == 0);
+        if (head > 0) {
+            EXPECT_NEAR(*LineOf(checked, u"headHeight"_s).value, head, 0.2);
+        }
+    }
+}
+
 TEST(FacePlacement, AimsAtWhatIsPublishedBesideTheUsualPlace) {
     TemplateRow row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
     row.axis = {{{120}}, {{140}}};
