@@ -72,7 +72,7 @@ void MeasureDrag(const imaging::Pixels& photo) {
                         QRect(frame * 9, frame * 7, 2000 + 5 * frame, 2571 + 6 * frame);
                     checked.background =
                         imaging::MeasureBackground(photo, *checked.face, checked.rectangle);
-                    checked.whiteCorners = core::HasWhiteCorners(photo, checked.rectangle);
+                    checked.whiteCorners = core::HasWhiteCorners(photo, checked.rectangle, true);
                     section.SetLines(core::CheckPhoto(checked), QStringLiteral("Pass"),
                                      dialogs::CheckSection::Points::Movable);
                     QCoreApplication::processEvents();

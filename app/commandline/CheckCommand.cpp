@@ -176,7 +176,8 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
     checked.figures = figures;
     checked.printedWidth = {data.TemplateCanvasSize().width()};
     checked.edits = image.Edits();
-    checked.whiteCorners = core::HasWhiteCorners(image.Photo(), report.placement);
+    checked.whiteCorners =
+        core::HasWhiteCorners(image.Photo(), report.placement, checked.edits.turnedFreely);
     report.lines = core::CheckPhoto(checked);
     return report;
 }

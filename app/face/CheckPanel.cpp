@@ -96,7 +96,8 @@ std::vector<core::CheckLine> CheckPanel::Lines() const {
     checked.figures = figures_;
     checked.printedWidth = {data_.TemplateCanvasSize().width()};
     checked.edits = session_.Image().Edits();
-    checked.whiteCorners = core::HasWhiteCorners(session_.Image().Photo(), checked.rectangle);
+    checked.whiteCorners = core::HasWhiteCorners(session_.Image().Photo(), checked.rectangle,
+                                                 checked.edits.turnedFreely);
     return core::CheckPhoto(checked);
 }
 

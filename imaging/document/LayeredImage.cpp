@@ -1,6 +1,7 @@
 #include "imaging/document/LayeredImage.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 #include <utility>
 
@@ -104,6 +105,7 @@ void LayeredImage::TurnPhoto(double degreesCounterClockwise) {
     layers_.front().rectangle = QRect(QPoint(), turned.Size());
     layers_.front().pixels = std::move(turned);
     edits_.Add(PhotoEdit::Geometry);
+    edits_.turnedFreely |= std::fmod(degreesCounterClockwise, 90) != 0;
     Q_EMIT PhotoTurned();
     Q_EMIT PhotoChanged();
 }

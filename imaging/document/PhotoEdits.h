@@ -18,6 +18,8 @@ struct PhotoEdits {
     /// Another number than before wherever what the photo shows lies elsewhere in it, or the photo
     /// is another one.
     int geometry = 0;
+    /// By another angle than quarter turns, which uncovers white corners.
+    bool turnedFreely = false;
 
     bool Any() const { return tone || colours || retouched; }
 

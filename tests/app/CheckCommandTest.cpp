@@ -80,14 +80,22 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
 TEST_F(CheckCommand, TellsProgramsWhetherCornersAreWhite) {
     request.automatic = false;
     request.place = core::TemplatePlace{0, 0, 350};
-    for (const int grey : {120, 255}) {
-        SavePhoto("in/wall.png", 600, 800, grey);
+    for (const bool turned : {false, true}) {
+        QImage photo(600, 800, QImage::Format_RGB32);
+        photo.fill(QColor(120, 120, 120));
+        if (turned) {
+            QPainter painter(&photo);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(Qt::white);
+            painter.drawPolygon(QPolygon({{0, 0}, {120, 0}, {0, 60}}));
+        }
+        photo.save(installation.Path("in/wall.png"));
         request.photos = {installation.Path("in/wall.png")};
         output.clear();
         Run();
         for (const QJsonValue check : Json().object()[u"checks"_s].toArray()) {
             if (check[u"name"_s] == u"whiteCorners"_s) {
-                EXPECT_EQ(check[u"value"_s].toInt(-1), grey == 255 ? 1 : 0);
+                EXPECT_EQ(check[u"value"_s].toInt(-1), int{turned});
             }
         }
     }

@@ -209,14 +209,33 @@ TEST(PhotoCheck, SeesTheCornersThatARotationLeaves) {
     const auto corner = [&](QPoint at) {
         QPainter(&photo).fillRect(QRect(at, QSize(20, 20)), Qt::white);
     };
-    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    const auto found = [&](const QRect& cut, bool turned) {
+        return HasWhiteCorners(imaging::Pixels(photo), cut, turned);
+    };
+    EXPECT_FALSE(found(whole, true));
     corner({280, 0});
-    EXPECT_TRUE(HasWhiteCorners(imaging::Pixels(photo), whole));
-    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole.adjusted(30, 30, -30, -30)));
+    EXPECT_TRUE(found(whole, true));
+    EXPECT_FALSE(found(whole, false)) << "no triangle";
+    EXPECT_FALSE(found(whole.adjusted(30, 30, -30, -30), true));
     corner({0, 0});  // a white wall above a dark coat
-    EXPECT_FALSE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    EXPECT_FALSE(found(whole, true));
     corner({0, 380});
-    EXPECT_TRUE(HasWhiteCorners(imaging::Pixels(photo), whole));
+    EXPECT_TRUE(found(whole, true));
+    photo.fill(Qt::white);  // an unturned photo before a white wall
+    QPainter(&photo).fillRect(100, 100, 100, 300, Qt::gray);
+    EXPECT_FALSE(found(whole, false));
+    for (const double degrees : {3.0, -8.0}) {  // by another program
+        photo.fill(QColor(200, 200, 200));
+        photo = photo.transformed(QTransform().rotate(degrees), Qt::SmoothTransformation)
+                    .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&photo);
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
+        painter.fillRect(photo.rect(), Qt::white);
+        painter.end();
+        EXPECT_TRUE(found(photo.rect(), false)) << degrees;
+        EXPECT_FALSE(found(photo.rect().adjusted(70, 70, -70, -70), false)) << degrees;
+        photo = QImage(whole.size(), QImage::Format_RGB32);
+    }
 }
 
 TEST(TemplateFigures, ReadsTheFolderOfTheProgramSafely) {
