@@ -8,10 +8,14 @@ namespace kadrona::core {
 
 namespace {
 
-QString Number(double value, int decimals) {
+double Rounded(double value, int decimals) {
     const double grain = std::pow(10.0, decimals);
+    return std::round(value * grain) / grain;
+}
+
+QString Number(double value, int decimals) {
     // Adding nothing makes a nothing below zero one without a sign.
-    QString text = QString::number(std::round(value * grain) / grain + 0.0, 'f', decimals);
+    QString text = QString::number(Rounded(value, decimals) + 0.0, 'f', decimals);
     return text.replace(u'.', u',');
 }
 
@@ -43,6 +47,14 @@ QString BandText(const CheckLine& line) {
         return u"mindestens "_s + Limit(*line.minimum) + unit;
     }
     return line.maximum ? u"höchstens "_s + Limit(*line.maximum) + unit : QString();
+}
+
+bool IsOutside(const CheckLine& line) {
+    if (!line.value) {
+        return false;
+    }
+    const double shown = Rounded(*line.value, line.decimals);
+    return (line.minimum && shown < *line.minimum) || (line.maximum && shown > *line.maximum);
 }
 
 QString ValueText(const CheckLine& line) {

@@ -35,6 +35,8 @@ QString StateText(CheckState state);
 QString FigureText(const CheckLine& line);
 /// "32 bis 36 mm", "mindestens 90 px"; empty where there is no band.
 QString BandText(const CheckLine& line);
+/// True where the value, as it is shown, lies outside its band; false where nothing was measured.
+bool IsOutside(const CheckLine& line);
 /// "29,4 mm"; empty where nothing was measured.
 QString ValueText(const CheckLine& line);
 

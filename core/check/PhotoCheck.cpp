@@ -75,15 +75,9 @@ class Checker {
 
     /// Met or missed by the band; a line without a value says nothing.
     static void Judge(CheckLine& line) {
-        if (!line.value) {
-            return;
+        if (line.value) {
+            line.state = IsOutside(line) ? CheckState::Missed : CheckState::Met;
         }
-        // What is shown rounded is judged rounded.
-        const double grain = std::pow(10.0, line.decimals);
-        const double shown = std::round(*line.value * grain) / grain;
-        const bool inside =
-            (!line.minimum || shown >= *line.minimum) && (!line.maximum || shown <= *line.maximum);
-        line.state = inside ? CheckState::Met : CheckState::Missed;
     }
 
     static void SetBand(CheckLine& line, const Band& band) {

@@ -16,11 +16,6 @@ namespace kadrona::dialogs {
 
 namespace {
 
-bool IsOutside(const core::CheckLine& line) {
-    return line.value && ((line.minimum && *line.value < *line.minimum) ||
-                          (line.maximum && *line.value > *line.maximum));
-}
-
 /// How a state shows: a sign besides the word and the colour, for those who tell colours apart
 /// badly.
 struct StateLook {
@@ -38,8 +33,8 @@ StateLook LookOf(const core::CheckLine& line) {
         case core::CheckState::Guidance:
             break;
     }
-    return IsOutside(line) ? StateLook{u"!"_s, controls::Tone::Warning}
-                           : StateLook{u"·"_s, controls::Tone::Muted};
+    return core::IsOutside(line) ? StateLook{u"!"_s, controls::Tone::Warning}
+                                 : StateLook{u"·"_s, controls::Tone::Muted};
 }
 
 /// Texts are set only where they changed: a drag asks at every frame.

@@ -145,6 +145,7 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
     photo.figures->head.to = {200};
     photo.face->chin.position.ry() += 0.8;
     EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Met) << "20,04 is shown as 20,0";
+    EXPECT_FALSE(IsOutside(LineOf(photo, u"headHeight"_s)));
     photo.face->chin.position.ry() -= 0.8;
     photo.figures->crown = Crown::Skull;
     for (const auto& [name, value] :
