@@ -163,7 +163,9 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
         const core::FacePlacement placement =
             core::PlaceOnFace(*face, figures, data.TemplateCanvasSize(), image.Photo().Size());
         report.placement = placement.rectangle;
-        Remark(file, core::PlacementRemark(*report.search, placement), errors);
+        // The printed report tells of several faces itself.
+        const imaging::FaceSearch untold = request.json ? *report.search : imaging::FaceSearch();
+        Remark(file, core::PlacementRemark(untold, placement), errors);
     }
     core::CheckedPhoto checked;
     checked.face = face;

@@ -122,6 +122,14 @@ TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
     EXPECT_TRUE(errors.contains(u"pair.png: 2 Gesichter"_s)) << errors.toStdString();
     EXPECT_TRUE(errors.contains(u"tight.png: Das Foto endet zu nah am Kopf"_s));
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
+    request.photos = {installation.Path("in/pair.png")};
+    for (const bool json : {false, true}) {
+        request.json = json;
+        output.clear();
+        errors.clear();
+        EXPECT_EQ(Run(), app::Done);
+        EXPECT_EQ((output + errors).count(u"2 Gesichter"_s), 1) << "json: " << json;
+    }
 }
 
 }  // namespace kadrona::testing
