@@ -89,7 +89,8 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
     y += 2;
     y += column.Add(SmallReportFont(), 0, y, PageWidth,
                     u"Keine Zusage: Ob ein Bild angenommen wird, entscheidet die Behörde. „nur "
-                    u"Richtwert“ heißt, dass keine Behörde dazu eine Zahl veröffentlicht."_s);
+                    u"Richtwert“ steht, wo sie keine Zahl oder nur eine Empfehlung veröffentlicht, "
+                    u"und wo nichts gemessen werden konnte."_s);
     return y + 1.5 +
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }

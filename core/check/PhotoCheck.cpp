@@ -80,6 +80,14 @@ class Checker {
         }
     }
 
+    /// That a published band was neither kept nor missed must not read as if nobody published it.
+    static void JudgePublished(CheckLine& line) {
+        Judge(line);
+        if (!line.value) {
+            line.note += line.note.isEmpty() ? u"nicht gemessen"_s : u"; nicht gemessen"_s;
+        }
+    }
+
     static void SetBand(CheckLine& line, const Band& band) {
         line.minimum = InMillimetres(band.from);
         line.maximum = InMillimetres(band.to);
@@ -104,10 +112,14 @@ class Checker {
         return line;
     }
 
-    void SetValue(CheckLine& line, double pixels) const {
-        line.value = pixels * scale_;
+    /// Takes the length that `pixelsOf` finds in the face, and judges it where a band is published.
+    template <typename Length>
+    void Measure(CheckLine& line, const Length& pixelsOf) const {
+        if (photo_.face) {
+            line.value = pixelsOf(*photo_.face) * scale_;
+        }
         if (judged_) {
-            Judge(line);
+            JudgePublished(line);
         }
     }
 
@@ -127,40 +139,39 @@ class Checker {
             AddBand(u"headHeight"_s, u"Kopf"_s, row, row.head, row.headIsAdvice, height, 0.6, 0.9);
         line.note = row.crown == Crown::Skull ? u"Kinn bis Schädel, ohne Frisur"_s
                                               : u"Kinn bis Scheitel, mit Haar"_s;
-        if (photo_.face) {
-            SetValue(line, photo_.face->chin.position.y() - CrownFor(*photo_.face, row).y());
-        }
+        Measure(line, [&](const imaging::Face& face) {
+            return face.chin.position.y() - CrownFor(face, row).y();
+        });
     }
 
     void AddEyes(const TemplateRow& row) {
         const double height = row.height.value / 10.0;
         CheckLine& line = AddBand(u"eyeLine"_s, u"Augen über dem unteren Rand"_s, row, row.eyes,
                                   row.eyesAreAdvice, height, 0.5, 0.7);
-        if (photo_.face) {
-            SetValue(line, LowerEdge() - photo_.face->EyeMiddle().y());
-        }
+        Measure(line,
+                [&](const imaging::Face& face) { return LowerEdge() - face.EyeMiddle().y(); });
     }
 
     void AddPlaces(const TemplateRow& row) {
         const double width = row.width.value / 10.0;
         CheckLine& axis = AddBand(u"faceAxis"_s, u"Gesichtsachse vom linken Rand"_s, row, row.axis,
                                   false, width, 0.45, 0.55);
-        if (photo_.face) {
-            SetValue(axis, FaceAxis(*photo_.face) - photo_.rectangle.left());
-        }
+        Measure(axis, [&](const imaging::Face& face) {
+            return FaceAxis(face) - photo_.rectangle.left();
+        });
         if (row.chin.IsComplete()) {
             CheckLine& chin =
                 AddBand(u"chin"_s, u"Kinn über dem unteren Rand"_s, row, row.chin, false, 0, 0, 0);
-            if (photo_.face) {
-                SetValue(chin, LowerEdge() - photo_.face->chin.position.y());
-            }
+            Measure(chin, [&](const imaging::Face& face) {
+                return LowerEdge() - face.chin.position.y();
+            });
         }
         if (row.top.IsComplete()) {
             CheckLine& top = AddBand(u"topGap"_s, u"Scheitel bis zum oberen Rand"_s, row, row.top,
                                      false, 0, 0, 0);
-            if (photo_.face) {
-                SetValue(top, CrownFor(*photo_.face, row).y() - photo_.rectangle.top());
-            }
+            Measure(top, [&](const imaging::Face& face) {
+                return CrownFor(face, row).y() - photo_.rectangle.top();
+            });
         }
     }
 
@@ -184,9 +195,7 @@ class Checker {
                               row.eyeDistance ? SourceOf(row) : u"ICAO Doc 9303-3 (zweite Hand)"_s);
         line.minimum = row.eyeDistance ? InMillimetres(row.eyeDistance) : 10.0;
         judged_ = row.eyeDistance.has_value();
-        if (photo_.face) {
-            SetValue(line, photo_.face->EyeDistance());
-        }
+        Measure(line, [](const imaging::Face& face) { return face.EyeDistance(); });
     }
 
     void AddWhiteCorners() {
@@ -211,7 +220,7 @@ class Checker {
             line.maximum.reset();
             line.note = u"farbig"_s;
         }
-        Judge(line);
+        JudgePublished(line);
     }
 
     void AddEditing(const TemplateRow& row) {

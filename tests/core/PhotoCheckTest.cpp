@@ -176,6 +176,11 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
         EXPECT_FALSE(line.source.isEmpty()) << line.name.toStdString();
     }
     photo.face.reset();
+    for (const auto& [name, published] :
+         {std::pair(u"headHeight"_s, true), std::pair(u"eyeLine"_s, false)}) {
+        EXPECT_EQ(LineOf(photo, name).state, CheckState::Guidance);
+        EXPECT_EQ(LineOf(photo, name).note.contains(u"nicht gemessen"_s), published);
+    }
     EXPECT_EQ(LineOf(photo, u"face"_s).state, CheckState::Missed);
     photo.wasFaceLookedFor = false;
     EXPECT_EQ(LineOf(photo, u"face"_s).state, CheckState::Guidance);
