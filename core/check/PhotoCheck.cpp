@@ -208,11 +208,13 @@ class Checker {
         if (!row.whiteBackgroundForbidden) {
             return;
         }
-        // White to the eye: nearly the lightest, and without a hue.
+        // The authority forbids it in words; white to the eye is nearly the lightest, without a
+        // hue.
         constexpr double WhiteLightness = 95;
         constexpr double WhiteChroma = 4;
         CheckLine& line =
-            Add(u"backgroundNotWhite"_s, u"Hintergrund nicht weiß"_s, u"L*"_s, SourceOf(row));
+            Add(u"backgroundNotWhite"_s, u"Hintergrund nicht weiß"_s, u"L*"_s,
+                SourceOf(row) + u"; verboten ist „weiß“, die Zahl dazu ist eigene Lesart"_s);
         line.decimals = 0;
         line.value = photo_.background.lightness;
         line.maximum = WhiteLightness;

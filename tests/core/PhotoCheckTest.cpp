@@ -175,6 +175,7 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     for (const CheckLine& line : CheckPhoto(photo)) {
         EXPECT_FALSE(line.source.isEmpty()) << line.name.toStdString();
     }
+    EXPECT_TRUE(LineOf(photo, u"backgroundNotWhite"_s).source.contains(u"eigene"_s));
     photo.face.reset();
     for (const auto& [name, published] :
          {std::pair(u"headHeight"_s, true), std::pair(u"eyeLine"_s, false)}) {
