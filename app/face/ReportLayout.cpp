@@ -28,6 +28,9 @@ QFont ReportFont(double points, bool bold = false) {
     QFont font(u"DejaVu Sans"_s);
     font.setPixelSize(static_cast<int>(std::lround(points / PointsPerInch * ReportResolution)));
     font.setBold(bold);
+    // Any spacing of letters leaves ligatures out, which readers of the file would find as signs of
+    // their own.
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.01);
     // Breaks the lines alike on every device.
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
