@@ -24,7 +24,7 @@ constexpr double TopMargin = 18;
 
 const QString ReportTitle = u"Prüfung des Passbilds"_s;
 
-/// The cut with its marks.
+/// The cut with its marks and the measured heights.
 void DrawPicture(const CheckReport& report, const ReportLayout& layout, QPainter& painter) {
     const imaging::Pixels cut = imaging::Cropped(report.photo, report.rectangle);
     if (cut.IsEmpty() || layout.picture.isEmpty()) {
@@ -39,6 +39,15 @@ void DrawPicture(const CheckReport& report, const ReportLayout& layout, QPainter
                          QPointF(area.right() + ReportDots(3), mark.y));
         painter.setPen(Qt::black);
         painter.drawText(QPointF(area.right() + ReportDots(4), mark.y + ReportDots(1)), mark.name);
+    }
+    const double tick = ReportDots(1);
+    for (const ReportBracket& bracket : layout.brackets) {
+        painter.setPen(QPen(Qt::black, ReportDots(0.2)));
+        painter.drawLine(QPointF(bracket.x, bracket.top), QPointF(bracket.x, bracket.bottom));
+        for (const double end : {bracket.top, bracket.bottom}) {
+            painter.drawLine(QPointF(bracket.x - tick, end), QPointF(bracket.x + tick, end));
+        }
+        painter.drawText(bracket.place, Qt::AlignVCenter | Qt::TextDontClip, bracket.text);
     }
 }
 

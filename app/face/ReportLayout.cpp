@@ -98,20 +98,66 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }
 
-/// The end of the head that is measured, the eyes and the chin where they lie in the picture.
-void AddMarks(ReportLayout& layout, const CheckReport& report) {
-    const imaging::Face& face = *report.face;
-    const bool bySkull = report.crown == core::Crown::Skull;
-    const ReportMark top{(bySkull ? face.skull : face.crown).position.y(),
-                         bySkull ? u"Schädel"_s : u"Scheitel"_s};
-    for (const auto& [photoRow, name] : {top, ReportMark{face.EyeMiddle().y(), u"Augen"_s},
-                                         ReportMark{face.chin.position.y(), u"Kinn"_s}}) {
-        const double part = (photoRow - report.rectangle.top()) / report.rectangle.height();
-        if (part >= 0 && part <= 1) {
-            layout.marks.push_back({layout.picture.top() + part * layout.picture.height(), name});
+/// The end of the head that is measured, the eyes and the chin where they lie in the picture, and
+/// the heights between them and its edges.
+class MarkedPicture {
+ public:
+    MarkedPicture(ReportLayout& layout, const CheckReport& report)
+        : layout_(layout), report_(report) {}
+
+    void Add() {
+        const imaging::Face& face = *report_.face;
+        const bool bySkull = report_.crown == core::Crown::Skull;
+        const double top = RowOf((bySkull ? face.skull : face.crown).position.y());
+        const double eyes = RowOf(face.EyeMiddle().y());
+        const double chin = RowOf(face.chin.position.y());
+        AddMark(top, bySkull ? u"Schädel"_s : u"Scheitel"_s);
+        AddMark(eyes, u"Augen"_s);
+        AddMark(chin, u"Kinn"_s);
+        const QRectF& picture = layout_.picture;
+        AddBracket(u"headHeight"_s, u"Kopf"_s, top, chin);
+        AddBracket(u"eyeLine"_s, u"Augen"_s, eyes, picture.bottom());
+        AddBracket(u"chin"_s, u"Kinn"_s, chin, picture.bottom());
+        AddBracket(u"topGap"_s, u"oben"_s, picture.top(), top);
+    }
+
+ private:
+    double RowOf(double photoRow) const {
+        const double part = (photoRow - report_.rectangle.top()) / report_.rectangle.height();
+        return layout_.picture.top() + part * layout_.picture.height();
+    }
+
+    bool IsShown(double row) const {
+        return row >= layout_.picture.top() && row <= layout_.picture.bottom();
+    }
+
+    void AddMark(double row, const QString& name) {
+        if (IsShown(row)) {
+            layout_.marks.push_back({row, name});
         }
     }
-}
+
+    /// Of a line that the check has; each further one to the right.
+    void AddBracket(const QString& name, const QString& label, double top, double bottom) {
+        constexpr double RightOfMarks = 20;
+        constexpr double Step = 21;
+        constexpr double Gap = 1.5;
+        constexpr double TextHeight = 8;
+        const auto line = std::ranges::find(report_.lines, name, &core::CheckLine::name);
+        if (line == report_.lines.end() || !line->value || !IsShown(top) || !IsShown(bottom)) {
+            return;
+        }
+        const double x =
+            layout_.picture.right() +
+            ReportDots(RightOfMarks + Step * static_cast<double>(layout_.brackets.size()));
+        const QRectF place(x + ReportDots(Gap), (top + bottom - ReportDots(TextHeight)) / 2,
+                           ReportDots(Step - 2 * Gap), ReportDots(TextHeight));
+        layout_.brackets.push_back({x, top, bottom, place, label + u'\n' + core::ValueText(*line)});
+    }
+
+    ReportLayout& layout_;
+    const CheckReport& report_;
+};
 
 }  // namespace
 
@@ -137,7 +183,7 @@ ReportLayout LayOutReport(const CheckReport& report) {
             break;
         }
     }
-    ReportLayout layout{{}, {}, std::move(head.Texts())};
+    ReportLayout layout{{}, {}, {}, std::move(head.Texts())};
     const QRect& cut = report.rectangle;
     if (!report.photo.IsEmpty() && !cut.isEmpty() && room > 0) {
         const double shape = static_cast<double>(cut.height()) / cut.width();
@@ -145,7 +191,7 @@ ReportLayout LayOutReport(const CheckReport& report) {
         layout.picture = {0, ReportDots(y), ReportDots(height / shape), ReportDots(height)};
         y += height + GapAboveLines;
         if (report.face) {
-            AddMarks(layout, report);
+            MarkedPicture(layout, report).Add();
         }
     }
     for (ReportText& text : lines.Texts()) {

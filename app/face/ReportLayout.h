@@ -25,10 +25,20 @@ struct ReportMark {
     QString name;
 };
 
+/// A measured height beside the picture: a line from end to end, its text to the right.
+struct ReportBracket {
+    double x = 0;  ///< dots
+    double top = 0;
+    double bottom = 0;
+    QRectF place;  ///< of the text, dots
+    QString text;
+};
+
 /// Where everything stands on a report's page, dots from its upper left margin.
 struct ReportLayout {
     QRectF picture;  ///< empty where there is nothing to show
     std::vector<ReportMark> marks;
+    std::vector<ReportBracket> brackets;
     std::vector<ReportText> texts;
 };
 

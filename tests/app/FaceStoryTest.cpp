@@ -320,6 +320,12 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
                                 row.width.value / 10,
                             *report.lines[1].value, 0.01)
                     << "the marks show what the line says";
+                EXPECT_EQ(layout.brackets.size(), row.chin.from ? 4 : row.top.from ? 3 : 2);
+                const app::ReportBracket& head = layout.brackets.at(0);
+                EXPECT_EQ(head.text, u"Kopf\n"_s + core::ValueText(report.lines[1]));
+                EXPECT_EQ(head.top, layout.marks[0].y);
+                EXPECT_EQ(head.bottom, layout.marks[2].y);
+                EXPECT_TRUE(page.contains(layout.brackets.back().place));
             }
         }
     }
