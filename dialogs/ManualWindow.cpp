@@ -10,6 +10,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "controls/fields/ClearButton.h"
 #include "dialogs/base/Markdown.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "platform/AtomicFile.h"
@@ -53,7 +54,7 @@ void ManualWindow::NameControls() {
     search_->setObjectName(u"ManualSearch"_s);
     search_->setPlaceholderText(u"Im Handbuch suchen …"_s);
     search_->setAccessibleName(u"Im Handbuch suchen"_s);
-    search_->setClearButtonEnabled(true);
+    controls::AddClearButton(*search_);
     chapters_->setObjectName(u"ManualChapters"_s);
     chapters_->setAccessibleName(u"Kapitel"_s);
     chapters_->setFixedWidth(ChaptersWidth);

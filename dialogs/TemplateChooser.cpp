@@ -13,6 +13,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "controls/fields/ClearButton.h"
 #include "controls/fields/RememberedChoice.h"
 #include "controls/fields/SelectionList.h"
 #include "controls/messages/ActionGuard.h"
@@ -76,7 +77,7 @@ TSchabloneFm::TSchabloneFm(const core::Settings& settings, QWidget* parent)
     filterEdit_->setObjectName(u"FilterEdit"_s);
     filterEdit_->setAccessibleName(u"Schablonen filtern"_s);
     filterEdit_->setPlaceholderText(u"Filtern …"_s);
-    filterEdit_->setClearButtonEnabled(true);
+    controls::AddClearButton(*filterEdit_);
     connect(filterEdit_, &QLineEdit::textChanged, lbSchablonen_, &controls::SelectionList::Filter);
     BuildLayout();
     filterEdit_->installEventFilter(this);

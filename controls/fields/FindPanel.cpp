@@ -6,6 +6,7 @@
 #include <QLineEdit>
 
 #include "controls/commands/ScreenTip.h"
+#include "controls/fields/ClearButton.h"
 #include "controls/theme/Icons.h"
 
 using namespace Qt::StringLiterals;
@@ -19,8 +20,8 @@ FindPanel::FindPanel(QWidget* parent)
     edit_->setObjectName(u"FindEdit"_s);
     edit_->setAccessibleName(u"Suche"_s);
     edit_->setPlaceholderText(u"Suchen …"_s);
-    edit_->addAction(Icon(u"search"_s), QLineEdit::LeadingPosition);
-    edit_->setClearButtonEnabled(true);
+    edit_->addAction(Icon(u"search"_s), QLineEdit::LeadingPosition)->setText(u"Suchen"_s);
+    AddClearButton(*edit_);
     edit_->setMaximumWidth(560);
     edit_->installEventFilter(this);
     hits_->setObjectName(u"FindHits"_s);
