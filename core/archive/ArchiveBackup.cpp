@@ -155,6 +155,7 @@ class BackupRun {
         }
         qint64 done = 0;
         for (const QString& path : paths) {
+            RequireSameTarget();
             progress_(BackingUpText, done++, paths.size());
             try {
                 const FileTick tick = [&] { progress_(BackingUpText, done, paths.size()); };
@@ -162,6 +163,14 @@ class BackupRun {
             } catch (const platform::FileError& error) {
                 backup_.failures.append(error.Text());
             }
+        }
+    }
+
+    /// A stick that was pulled out leaves a folder of this machine under its name.
+    void RequireSameTarget() const {
+        if (!platform::IsFile(platform::JoinPath(target_, QString(BackupMarker)))) {
+            throw platform::FileError(
+                u"Der Ordner „%1“ ist nicht mehr der, in dem die Sicherung begann."_s.arg(target_));
         }
     }
 

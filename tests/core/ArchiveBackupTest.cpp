@@ -61,6 +61,17 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
                      platform::FileError)
             << wrong.toStdString();
     }
+
+    // A stick that is pulled out leaves a folder of its name, which gets no photos.
+    const auto pullOut = [&](const QString& what, qint64 done, qint64) {
+        if (what.startsWith(u"Die Fotos") && done == 0) {
+            QDir(target).removeRecursively();
+            QDir().mkpath(target + u"/Archiv"_s);
+        }
+    };
+    EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, pullOut),
+                 platform::FileError);
+    EXPECT_FALSE(QFile::exists(copy("2026_03_00003.jpg")));
 }
 
 TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
