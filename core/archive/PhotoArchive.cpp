@@ -297,11 +297,13 @@ bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
         return false;
     }
     const platform::SilenceWatch watch(AwaitedArchive(waiting.archiveFolder));
+    // The names are what the server answers.
     const auto pathOf = [&](const QString& folder, const QString& file) {
-        const QString path = StoredFolderPath(waiting.archiveFolder, folder);
+        const QString path = StoredFolderPath(waiting.archiveFolder, StoredPath(folder, file));
         RequireArchiveFolder(waiting.archiveFolder);
-        platform::CreateFolder(path);  // where it cannot, the file says so
-        return platform::JoinPath(path, file);
+        RequireOwnWay(path, waiting.archiveFolder);
+        platform::CreateFolder(QFileInfo(path).path());  // where it cannot, the file says so
+        return path;
     };
     // Without an answer the files were taken back.
     const QString photo = pathOf(filed->folder, filed->name);

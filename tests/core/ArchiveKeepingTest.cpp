@@ -76,8 +76,18 @@ TEST_F(ArchiveKeeping, AnInterruptedDeletionIsFinishedLater) {
     EXPECT_EQ(FiledPhotos(), QStringList(u"2026_03_00002.jpg"_s));
 }
 
-TEST_F(ArchiveKeeping, NothingIsDeletedOutsideTheArchiveNorWithoutItsFolder) {
+TEST_F(ArchiveKeeping, NothingIsDeletedOrWrittenOutsideTheArchiveNorWithoutItsFolder) {
     File(u"a\r\n"_s);
+    const core::FilingQueue& queue = data.Archiving().Queue();
+    queue.Add({.archiveFolder = archiveFolder,
+               .templateName = {},
+               .tags = {},
+               .created = now,
+               .photo = platform::ReadWholeFile(Filed("2026_03_00001.jpg"), 1 << 20),
+               .thumbnail = "x"});
+    Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..\new')"_s);
+    EXPECT_THROW(data.Archiving().FileWaiting(queue.Waiting().value(0)), platform::FileError);
+    EXPECT_FALSE(QFile::exists(installation.Path("new")));
     installation.Write("precious.jpg", "x");
     Execute(uR"(UPDATE "ImgDB" SET "ImgAblage" = '..', "ImgName" = 'precious.jpg')"_s);
     EXPECT_EQ(Delete({1}).failures.size(), 1);
