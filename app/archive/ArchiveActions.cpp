@@ -91,8 +91,8 @@ void ArchiveActions::OpenForCutting(const QString& archiveFolder) {
         original ? core::StoredFolderPath(archiveFolder,
                                           core::StoredPath(original->folder, original->name))
                  : QString();
-    if (!original || !core::IsInsideArchive(path, archiveFolder) ||
-        !core::IsArchiveFolder(archiveFolder) || !QFileInfo(path).isFile()) {
+    if (!original || !core::IsArchiveFolder(archiveFolder) ||
+        !core::ForeignWay(path, archiveFolder).isEmpty() || !QFileInfo(path).isFile()) {
         ui_.ShowMessage(u"Das Original dieses Bildes konnte nicht gefunden werden!"_s);
         return;
     }
