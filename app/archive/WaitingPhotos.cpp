@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <chrono>
+#include <utility>
 
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
@@ -30,7 +31,10 @@ WaitingPhotos::WaitingPhotos(core::TData& data, QWidget& window)
     : QObject(&window), data_(data), window_(window) {
     const auto look = [this] { controls::Guarded(&window_, [this] { Look(); }); };
     QTimer::singleShot(AfterStart, this, [this, look] {
-        data_.Archiving().Queue().RemoveOrphans(QDateTime::currentDateTime().addDays(-1));
+        try {
+            data_.Archiving().Queue().RemoveOrphans(QDateTime::currentDateTime().addDays(-1));
+        } catch (const platform::FileError&) {  // the look says so
+        }
         look();
     });
     auto* timer = new QTimer(this);
@@ -39,7 +43,16 @@ WaitingPhotos::WaitingPhotos(core::TData& data, QWidget& window)
 }
 
 void WaitingPhotos::Look() {
-    const QStringList names = data_.Archiving().Queue().Waiting();
+    QStringList names;
+    try {
+        names = data_.Archiving().Queue().Waiting();
+        unreadable_.clear();
+    } catch (const platform::FileError& error) {
+        if (std::exchange(unreadable_, error.Text()) == error.Text()) {
+            return;  // said already
+        }
+        throw;
+    }
     if (names.isEmpty() || names == declined_ || QApplication::activeModalWidget() != nullptr ||
         !data_.Archiving().IsBack(LookPatience)) {
         return;

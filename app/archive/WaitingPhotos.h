@@ -31,6 +31,8 @@ class WaitingPhotos : public QObject {
     /// Those that the user did not want to file yet, or that could not be, are not asked about
     /// again in this start.
     QStringList declined_;
+    /// Why the queue could not be read at the last look; said once.
+    QString unreadable_;
 };
 
 }  // namespace kadrona::app

@@ -1,16 +1,18 @@
 #include "core/archive/FilingQueue.h"
 
-#include <QDir>
-#include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QStandardPaths>
 #include <QUuid>
+#include <filesystem>
+#include <system_error>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveOriginals.h"
 #include "platform/AtomicFile.h"
+#include "platform/FolderListing.h"
 #include "platform/Paths.h"
 #include "platform/PropertyFile.h"
 
@@ -87,10 +89,11 @@ void FilingQueue::Add(const WaitingPhoto& photo) const {
 }
 
 QStringList FilingQueue::Waiting() const {
-    QStringList names =
-        QDir(folder_).entryList({u"*"_s + KnowledgeExtension.toString()}, QDir::Files, QDir::Name);
-    for (QString& name : names) {
-        name.chop(KnowledgeExtension.size());
+    QStringList names;
+    for (const QString& entry : platform::FolderEntries(folder_)) {
+        if (entry.endsWith(KnowledgeExtension) && !entry.startsWith(u'.')) {
+            names.append(entry.chopped(KnowledgeExtension.size()));
+        }
     }
     return names;
 }
@@ -140,17 +143,21 @@ std::optional<OriginalToKeep> FilingQueue::OriginalOf(const platform::PropertyFi
     return original;
 }
 
-void FilingQueue::Remove(const QString& name) const {
+bool FilingQueue::Remove(const QString& name) const {
     const auto original = OriginalOf(platform::PropertyFile(PathOf(name, KnowledgeExtension)));
-    if (!QFile::remove(PathOf(name, KnowledgeExtension))) {
-        return;
+    const auto remove = [](const QString& path) {
+        std::error_code error;
+        std::filesystem::remove(QFile::encodeName(path).toStdString(), error);
+        return !error;  // one that is not there is none
+    };
+    if (!remove(PathOf(name, KnowledgeExtension))) {
+        return false;
     }
+    bool gone = !original || remove(original->file);
     for (const QStringView extension : {PhotoExtension, ThumbnailExtension}) {
-        QFile::remove(PathOf(name, extension));
+        gone = remove(PathOf(name, extension)) && gone;
     }
-    if (original) {
-        QFile::remove(original->file);
-    }
+    return gone;
 }
 
 /// By the time of the file's entry: a copy has the time of what it is a copy of.
@@ -158,14 +165,13 @@ void FilingQueue::RemoveOrphans(const QDateTime& before) const {
     static const QRegularExpression ours(u"^[0-9]{8}-[0-9]{9}-[0-9a-f]{8}$"_s);
     const QStringList waiting = Waiting();
     QStringList orphans;
-    QDirIterator files(folder_, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QFileInfo file(files.next());
+    platform::WalkFolder(folder_, [&](const platform::FoundFile& found) {
+        const QFileInfo file(found.path);
         if (ours.match(file.baseName()).hasMatch() && !waiting.contains(file.baseName()) &&
             file.metadataChangeTime() < before) {
             orphans.append(file.filePath());
         }
-    }
+    });
     for (const QString& orphan : orphans) {
         QFile::remove(orphan);
     }

@@ -37,18 +37,19 @@ class FilingQueue {
 
     /// Throws platform::FileError; nothing of the photo is left then.
     void Add(const WaitingPhoto& photo) const;
-    /// The names of all that wait, the oldest first.
+    /// The names of all that wait, the oldest first. Throws platform::FileError where the folder
+    /// cannot be read: none of them must pass for one that does not wait.
     QStringList Waiting() const;
     /// Throw platform::FileError. The knowledge is all but photo and thumbnail.
     WaitingPhoto Read(const QString& name) const;
     WaitingPhoto ReadKnowledge(const QString& name) const;
     /// The file of the photo, a JPEG.
     QString PhotoFile(const QString& name) const;
-    /// What cannot be removed stays: with the knowledge of it the photo still waits, without it
-    /// RemoveOrphans takes it.
-    void Remove(const QString& name) const;
+    /// False where something of it could not be removed and stays: with the knowledge of it the
+    /// photo still waits, without it RemoveOrphans takes it.
+    bool Remove(const QString& name) const;
     /// Files of photos that do not wait, left by a run that was ended, if older than `before`: what
-    /// is younger may be about to wait. What cannot be removed stays.
+    /// is younger may be about to wait. What cannot be removed stays. Throws as Waiting.
     void RemoveOrphans(const QDateTime& before) const;
 
     /// Below $XDG_DATA_HOME.

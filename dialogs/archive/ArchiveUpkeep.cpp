@@ -145,12 +145,8 @@ bool ArchiveUpkeep::Delete(const ChosenPhotos& chosen) {
 /// False where some still wait.
 bool ArchiveUpkeep::DeleteWaiting(const QStringList& names) {
     const core::FilingQueue& queue = data_.Archiving().Queue();
-    for (const QString& name : names) {
-        queue.Remove(name);
-    }
-    const QStringList waiting = queue.Waiting();
     const auto left =
-        std::ranges::count_if(names, [&](const QString& name) { return waiting.contains(name); });
+        std::ranges::count_if(names, [&](const QString& name) { return !queue.Remove(name); });
     if (left > 0) {
         controls::ShowError(Over(),
                             u"Wartende Fotos, die nicht gelöscht werden konnten: %1. Sie "

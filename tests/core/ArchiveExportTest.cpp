@@ -83,6 +83,10 @@ TEST_F(ArchiveKeeping, PhotosThatWaitAreFoundAndExportedLikeTheOthers) {
                     .contains(photos[0].toUtf8() + "\";\"\";\"Pass.schablone\";\"Dora"));
     EXPECT_TRUE(platform::ReadWholeFile(result.folder + u"/Daten.json"_s, 1 << 20)
                     .contains("\"number\": null"));
+    const QString loop = installation.Path("loop");
+    ASSERT_TRUE(QFile::link(loop, loop));
+    EXPECT_THROW(core::FilingQueue(loop).Waiting(), platform::FileError)
+        << "they wait none the less";
 }
 
 }  // namespace kadrona::testing

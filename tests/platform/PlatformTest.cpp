@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderListing.h"
 #include "platform/Paths.h"
 #include "platform/ProgramPart.h"
 #include "platform/Progress.h"
@@ -64,6 +66,27 @@ TEST(Paths, CreateFolderMakesAllButOverNoFile) {
     for (const QString& refused : {file, file + u"/below"_s, QString()}) {
         EXPECT_FALSE(CreateFolder(refused)) << refused.toStdString();
     }
+}
+
+TEST(Paths, AFolderThatCannotBeReadIsNotAnEmptyOne) {
+    const QTemporaryDir folder;
+    const QString below = JoinPath(folder.path(), u"below");
+    ASSERT_TRUE(CreateFolder(below));
+    WriteFileAtomically(JoinPath(folder.path(), u"a"), "x"_ba);
+    EXPECT_EQ(FolderEntries(folder.path()), QStringList({u"a"_s, u"below"_s}));
+    EXPECT_EQ(FolderEntries(below + u"/missing"_s), QStringList());
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    const auto unread = WalkFolder(folder.path(), [&](const FoundFile& file) {
+        EXPECT_TRUE(file.isRegular);
+        setrlimit(RLIMIT_NOFILE, &none);
+    });
+    EXPECT_THROW(FolderEntries(below), FileError);
+    setrlimit(RLIMIT_NOFILE, &before);
+    ASSERT_EQ(unread.size(), 1U);
+    EXPECT_EQ(unread[0].path, below);
+    EXPECT_TRUE(unread[0].text.endsWith(u"Es sind zu viele Dateien geöffnet."_s));
 }
 
 TEST(Paths, CommonAppDataFollowsTheEnvironment) {
