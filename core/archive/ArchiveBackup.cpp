@@ -1,11 +1,12 @@
 #include "core/archive/ArchiveBackup.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QScopeGuard>
+#include <QSet>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -13,7 +14,9 @@
 #include "core/archive/ArchiveTransfer.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/AtomicFile.h"
+#include "platform/CountedText.h"
 #include "platform/Error.h"
+#include "platform/FolderListing.h"
 #include "platform/Paths.h"
 #include "platform/SystemReason.h"
 #include "store/Statement.h"
@@ -67,8 +70,7 @@ void RequireTarget(const QString& archiveFolder, const QString& target, const QS
     if (found && found->simplified().endsWith(markerText.toUtf8().simplified())) {
         return;
     }
-    if (found || !QDir(target).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System |
-                                       QDir::NoDotAndDotDot)) {
+    if (found || !platform::FolderEntries(target).isEmpty()) {
         throw platform::FileError(
             u"Im Ordner „%1“ liegen andere Dateien. Wählen Sie einen leeren Ordner oder den der "
             u"letzten Sicherung dieses Archivs."_s.arg(target));
@@ -146,12 +148,16 @@ class BackupRun {
 
     void CopyFiles() {
         const QHash<QString, FileDigest> digests = KnownDigests(database_, from_);
+        const QSet<QString> named = NamedFiles(database_);
         QStringList paths;
-        QDirIterator files(from_, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
-                           QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            paths.append(QDir::cleanPath(files.next()));
+        const auto unread = platform::WalkFolder(from_, [&](const platform::FoundFile& file) {
+            if (file.isRegular) {
+                paths.append(file.path);
+            }
             progress_(u"Der Ordner des Archivs wird durchgesehen …"_s, 0, 0);
+        });
+        for (const platform::UnreadFolder& folder : unread) {
+            backup_.failures.append(folder.text);
         }
         qint64 done = 0;
         for (const QString& path : paths) {
@@ -163,6 +169,24 @@ class BackupRun {
             } catch (const platform::FileError& error) {
                 backup_.failures.append(error.Text());
             }
+        }
+        CountMissing(named, QSet<QString>(paths.begin(), paths.end()));
+    }
+
+    /// Of the files that were named before the folder was walked through, those that are named
+    /// still: the others were deleted meanwhile.
+    void CountMissing(const QSet<QString>& named, const QSet<QString>& found) {
+        const QSet<QString> still = NamedFiles(database_);
+        const auto missing = std::ranges::count_if(named, [&](const QString& stored) {
+            return still.contains(stored) &&
+                   !found.contains(QDir::cleanPath(StoredFolderPath(from_, stored)));
+        });
+        if (missing > 0) {
+            backup_.failures.append(
+                u"%1, die die Datenbank nennt, %2 nicht im Ordner des Archivs. Eine Prüfung des "
+                u"Archivs nennt sie."_s.arg(
+                    platform::CountedText(missing, u"Datei"_s, u"Dateien"_s),
+                    missing == 1 ? u"liegt"_s : u"liegen"_s));
         }
     }
 
@@ -237,6 +261,9 @@ class BackupRun {
 Backup BackUpArchive(store::Database& database, const QString& archiveFolder, const QString& target,
                      const platform::Progress& progress) {
     RequireArchiveFolder(archiveFolder);
+    if (const QString reason = WhyUnmounted(database, archiveFolder); !reason.isEmpty()) {
+        throw platform::FileError(reason);
+    }
     RequireTarget(archiveFolder, target, MarkerText(database));
     const platform::Progress answering = WhileAnswering({archiveFolder, target}, progress);
     return BackupRun(database, archiveFolder, target, answering).Run();

@@ -17,7 +17,8 @@ struct Backup {
     qint64 unchanged = 0;
     /// Of photos that were deleted in the archive since the backup before.
     qint64 removed = 0;
-    /// What could not be copied, a sentence each; the rest was.
+    /// What could not be copied or is not there, though the database names it, a sentence each; the
+    /// rest was.
     QStringList failures;
 };
 
@@ -32,9 +33,9 @@ inline constexpr QLatin1StringView BackupMarker("Sicherung.txt");
 /// The database is copied first and takes its place last: a record's photo is in the backup or was
 /// deleted meanwhile, and a backup that is given up or fails leaves the older one whole.
 ///
-/// Throws platform::FileError where the archive's folder is not there, or the target is neither
-/// empty nor a backup of this archive, or lies within the archive or the archive in it;
-/// store::StoreError and platform::Cancelled.
+/// Throws platform::FileError where the archive's folder is not there, or empty though there are
+/// photos, or the target is neither empty nor a backup of this archive, or lies within the archive
+/// or the archive in it; store::StoreError and platform::Cancelled.
 Backup BackUpArchive(store::Database& database, const QString& archiveFolder, const QString& target,
                      const platform::Progress& progress);
 

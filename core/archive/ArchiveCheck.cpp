@@ -1,7 +1,6 @@
 #include "core/archive/ArchiveCheck.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
@@ -12,6 +11,7 @@
 #include "core/archive/ArchiveOriginals.h"
 #include "core/archive/KeepingSchema.h"
 #include "platform/Error.h"
+#include "platform/FolderListing.h"
 #include "platform/Paths.h"
 #include "store/Statement.h"
 
@@ -151,15 +151,15 @@ class Check {
     }
 
     void FindStrangers() {
-        QDirIterator files(folder_, QDir::Files | QDir::System | QDir::Hidden,
-                           QDirIterator::Subdirectories);
         qint64 seen = 0;
-        while (files.hasNext()) {
-            const QString path = QDir::cleanPath(files.next());
+        const auto unread = platform::WalkFolder(folder_, [&](const platform::FoundFile& file) {
             progress_(u"Der Ordner des Archivs wird durchgesehen …"_s, seen++, 0);
-            if (!known_.contains(path)) {
-                NoteStranger(path);
+            if (!known_.contains(file.path)) {
+                NoteStranger(file.path);
             }
+        });
+        for (const platform::UnreadFolder& folder : unread) {
+            report_.findings.push_back({ArchiveFault::Unreadable, 0, folder.path});
         }
     }
 
@@ -256,7 +256,7 @@ ArchiveFaultText TextOf(ArchiveFault fault) {
                     u"Ist sie beschädigt, holen Sie sie aus einer Sicherung zurück. Haben Sie sie "
                     u"selbst geändert, übernehmen Sie sie so."_s};
         case ArchiveFault::Unreadable:
-            return {u"Die Datei kann nicht gelesen werden"_s,
+            return {u"Die Datei oder der Ordner kann nicht gelesen werden"_s,
                     u"Prüfen Sie Rechte und Datenträger, oder holen Sie sie aus einer Sicherung "
                     u"zurück."_s};
         case ArchiveFault::Outside:

@@ -13,7 +13,7 @@ namespace kadrona::core {
 enum class ArchiveFault {
     Missing,     ///< a record whose photo or original is not there
     Changed,     ///< a file that is not as it was written
-    Unreadable,  ///< a file that is there but cannot be read
+    Unreadable,  ///< a file or folder that is there but cannot be read
     Outside,     ///< a record whose text leads out of the archive
     Lost,        ///< a photo of the archive that no record names
     Unknown,     ///< any other file in the archive's folder

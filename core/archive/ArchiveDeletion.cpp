@@ -131,14 +131,6 @@ bool DeleteRecord(store::Database& database, FileNotes& notes, qint64 id, const 
     return true;
 }
 
-/// An empty folder, though there are records with photos.
-bool LooksUnmounted(store::Database& database, const QString& archiveFolder) {
-    return QDir(archiveFolder).isEmpty() &&
-           store::Statement(database,
-                            uR"(SELECT "ID" FROM "ImgDB" WHERE "ImgName" IS NOT NULL LIMIT 1)"_s)
-               .Step();
-}
-
 /// Files of deleted records that may still be there.
 QStringList NotedRemovals(store::Database& database) {
     QStringList paths;
@@ -171,9 +163,8 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
     }
     const platform::SilenceWatch watch(AwaitedArchive(archiveFolder));
     RequireArchiveFolder(archiveFolder);
-    if (LooksUnmounted(database, archiveFolder)) {
-        return {u"Der Ordner des Bildarchivs „%1“ ist leer; ist sein Laufwerk verbunden?"_s.arg(
-            archiveFolder)};
+    if (const QString reason = WhyUnmounted(database, archiveFolder); !reason.isEmpty()) {
+        return {reason};
     }
     QStringList failures;
     QStringList removed;

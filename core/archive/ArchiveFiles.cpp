@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 #include <chrono>
 #include <memory>
 
@@ -12,6 +13,7 @@
 #include "core/base/FileNaming.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "platform/FolderListing.h"
 #include "platform/FolderProbe.h"
 #include "platform/HarmlessText.h"
 #include "platform/Links.h"
@@ -110,6 +112,20 @@ void RequireArchiveFolder(const QString& archiveFolder) {
         throw platform::FileError(
             u"Der Ordner des Bildarchivs „%1“ ist nicht erreichbar."_s.arg(archiveFolder));
     }
+}
+
+QString WhyUnmounted(store::Database& database, const QString& archiveFolder) {
+    const QStringList entries = platform::FolderEntries(archiveFolder);
+    const bool empty =
+        std::ranges::all_of(entries, [](const QString& entry) { return entry.startsWith(u'.'); });
+    const bool hasPhotos =
+        empty && store::Statement(
+                     database, uR"(SELECT "ID" FROM "ImgDB" WHERE "ImgName" IS NOT NULL LIMIT 1)"_s)
+                     .Step();
+    return hasPhotos
+               ? u"Der Ordner des Bildarchivs „%1“ ist leer; ist sein Laufwerk verbunden?"_s.arg(
+                     archiveFolder)
+               : QString();
 }
 
 QString AwaitedArchive(const QString& archiveFolder) {

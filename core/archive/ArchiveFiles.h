@@ -48,6 +48,10 @@ bool IsArchiveFolder(const QString& archiveFolder);
 /// not pass for an archive without photos.
 void RequireArchiveFolder(const QString& archiveFolder);
 
+/// Why a folder without files is not believed: the database knows photos there. In German, else
+/// empty. Throws platform::FileError where it cannot be read, and store::StoreError.
+QString WhyUnmounted(store::Database& database, const QString& archiveFolder);
+
 /// The archive as something that is waited for: whoever works in its folder holds a
 /// platform::SilenceWatch with it, for the folder may fall silent after the look.
 QString AwaitedArchive(const QString& archiveFolder);

@@ -50,6 +50,9 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
               QStringList({u"2"_s, u"3"_s}));
     EXPECT_EQ(DatabaseFault(copied), QString());
 
+    QFile::remove(Filed("2026_03_00003.jpg"));
+    EXPECT_EQ(backUp().failures.size(), 2) << "nor does a photo that is gone";
+
     installation.Write("full/letter.odt", "x");
     installation.Write("own/Archiv/letter.odt", "x");
     installation.Write("other/Sicherung.txt", "of another archive");
@@ -72,6 +75,8 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, pullOut),
                  platform::FileError);
     EXPECT_FALSE(QFile::exists(copy("2026_03_00003.jpg")));
+    QDir(archiveFolder + u"/2026"_s).removeRecursively();
+    EXPECT_THROW(backUp(), platform::FileError) << "its drive is not there";
 }
 
 TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
