@@ -12,8 +12,14 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
+namespace {
+
+const QString PhotoFilePrefix = u"profile"_s;
+
+}  // namespace
+
 PhotoProfiles::PhotoProfiles(const QString& dataFolder)
-    : dataFolder_(dataFolder), index_(dataFolder, u"Profiles.ini", u"Profilename"_s) {}
+    : dataFolder_(dataFolder), index_(dataFolder, u"Profiles.ini", u"Profilename"_s, PhotoFilePrefix) {}
 
 void PhotoProfiles::Load(const QString& name, ProfileStore& store) const {
     const QString path = SettingsFile(name);
@@ -30,7 +36,7 @@ void PhotoProfiles::SaveNew(const QString& name, ProfileStore& store) const {
     ProfileIndex::Check(name);
     const QString bound = store.StorageFile();
     try {
-        const QString file = platform::CreateUniqueFile(dataFolder_, u"profile"_s);
+        const QString file = platform::CreateUniqueFile(dataFolder_, PhotoFilePrefix);
         const QString path = platform::JoinPath(dataFolder_, file);
         QFile::remove(AdditionsFile(path));  // of a profile whose record was deleted by hand
         store.SetStorageFile(path);

@@ -5,6 +5,7 @@
 
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/SystemReason.h"
 #include "platform/UniqueFile.h"
 #include "printing/PrinterLayer.h"
 #include "printing/PrinterSetup.h"
@@ -13,9 +14,15 @@ using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
+namespace {
+
+const QString PrinterFilePrefix = u"prnprofile"_s;
+
+}  // namespace
+
 PrinterProfiles::PrinterProfiles(const QString& dataFolder, printing::PrinterLayer* printer)
     : dataFolder_(dataFolder),
-      index_(dataFolder, u"Printerprofiles42.ini", u"Profile"_s),
+      index_(dataFolder, u"Printerprofiles42.ini", u"Profile"_s, PrinterFilePrefix),
       printer_(printer) {}
 
 printing::PrinterLayer& PrinterProfiles::Printer() const {
@@ -28,7 +35,7 @@ printing::PrinterLayer& PrinterProfiles::Printer() const {
 
 void PrinterProfiles::Save(const QString& name) const {
     ProfileIndex::Check(name);
-    const QString file = platform::CreateUniqueFile(dataFolder_, u"prnprofile"_s);
+    const QString file = platform::CreateUniqueFile(dataFolder_, PrinterFilePrefix);
     const QString path = platform::JoinPath(dataFolder_, file);
     auto noOrphan = qScopeGuard([&path] { QFile::remove(path); });
     printing::TPrinterSetup(Printer()).SaveToFile(path);
@@ -45,12 +52,15 @@ void PrinterProfiles::Record(const QString& name, const QString& fileName) const
     index_.Record(name, fileName);
 }
 
-void PrinterProfiles::Replace(const QString& name) const {
+QString PrinterProfiles::Replace(const QString& name) const {
     const QString before = index_.SettingsFile(name);
     Save(name);
-    if (!before.isEmpty()) {
-        QFile::remove(before);
+    QFile file(before);
+    if (!before.isEmpty() && !file.remove() && file.exists()) {
+        return u"Das Druckerprofil „%1“ ist gespeichert, aber seine frühere Datei „%2“ konnte "
+               u"nicht gelöscht werden: %3."_s.arg(name, before, platform::SystemReason(file));
     }
+    return {};
 }
 
 std::optional<printing::PrinterChoice> PrinterProfiles::Stored(const QString& name) const {

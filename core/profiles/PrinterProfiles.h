@@ -25,8 +25,9 @@ class PrinterProfiles {
     /// Keeps the current printer under a name; a failure leaves no file.
     void Save(const QString& name) const;
     void Record(const QString& name, const QString& fileName) const;
-    /// Gives a profile the current printer; the file that it had is removed.
-    void Replace(const QString& name) const;
+    /// Gives a profile the current printer; the file that it had is removed. Returns why that could
+    /// not be, a sentence for the user, else an empty text.
+    QString Replace(const QString& name) const;
     /// The printer that a profile keeps; nothing where the profile or its file is missing.
     std::optional<printing::PrinterChoice> Stored(const QString& name) const;
     /// Makes a profile's printer the current one; does nothing where the profile or its file is

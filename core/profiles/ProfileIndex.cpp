@@ -1,21 +1,22 @@
 #include "core/profiles/ProfileIndex.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 
 #include "platform/Error.h"
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
+#include "platform/UniqueFile.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kadrona::core {
 
-ProfileIndex::ProfileIndex(QString dataFolder, QStringView fileName, QString key)
+ProfileIndex::ProfileIndex(QString dataFolder, QStringView fileName, QString key, QString prefix)
     : dataFolder_(std::move(dataFolder)),
       path_(platform::JoinPath(dataFolder_, fileName)),
-      key_(std::move(key)) {}
+      key_(std::move(key)),
+      prefix_(std::move(prefix)) {}
 
 QStringList ProfileIndex::Names() const {
     QStringList names;
@@ -27,8 +28,8 @@ QStringList ProfileIndex::Names() const {
 
 QString ProfileIndex::SettingsFile(const QString& name) const {
     const QString file = platform::IniFile(path_).ReadString(name.trimmed(), key_);
-    // Only a bare name: an index edited by hand must not lead deleting or storing elsewhere.
-    if (file != QFileInfo(file).fileName()) {
+    // An index edited by hand must not lead deleting or storing to another file.
+    if (!platform::IsUniqueName(file, prefix_)) {
         return {};
     }
     const QString path = platform::JoinPath(dataFolder_, file);

@@ -12,12 +12,13 @@ namespace kadrona::core {
 /// where the file cannot be read or written.
 class ProfileIndex {
  public:
-    ProfileIndex(QString dataFolder, QStringView fileName, QString key);
+    /// `prefix` begins the names of the settings files, as platform::CreateUniqueFile takes it.
+    ProfileIndex(QString dataFolder, QStringView fileName, QString key, QString prefix);
 
     QStringList Names() const;
 
     /// Full path of a profile's settings file; empty when the profile or its file is missing, or
-    /// when the index names a file outside the data folder.
+    /// when the index names a file that no profile of this kind can have.
     QString SettingsFile(const QString& name) const;
 
     /// Adds a profile at the end, or gives a known one another file. Throws platform::Error for a
@@ -37,6 +38,7 @@ class ProfileIndex {
     QString dataFolder_;
     QString path_;
     QString key_;
+    QString prefix_;
 };
 
 }  // namespace kadrona::core

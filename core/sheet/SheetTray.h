@@ -66,6 +66,8 @@ class SheetTray {
     void TakeOut(const std::vector<TrayCopies>& printed);
 
  private:
+    void RemoveFiles(const QStringList& names) const;
+
     struct Content {
         std::vector<CollectedItem> items;
         /// Bare names of the items' files.

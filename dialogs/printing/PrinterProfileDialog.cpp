@@ -14,6 +14,7 @@
 #include "dialogs/base/Buttons.h"
 #include "dialogs/printing/CalibrationDialog.h"
 #include "dialogs/settings/SettingsDialog.h"
+#include "platform/Error.h"
 #include "printing/Calibration.h"
 #include "printing/PrinterLayer.h"
 
@@ -166,13 +167,16 @@ void TPrintProfilDlg::KeepChanged(const QString& profile, const QString& name) {
     const printing::Calibration calibration =
         isSamePrinter ? printing::StoredCalibration(data_.DataFolder(), profile)
                       : printing::Calibration();
-    data_.PrintProfiles().Replace(name);
+    const QString left = data_.PrintProfiles().Replace(name);
     printing::StoreCalibration(data_.DataFolder(), name, calibration);
     if (!IsKnown(name)) {
         lbProfiles_->AddText(name);
         settings_.RefreshPrinterProfiles();
     }
     lbProfiles_->SelectRow(lbProfiles_->row(lbProfiles_->findItems(name, Qt::MatchFixedString)[0]));
+    if (!left.isEmpty()) {
+        throw platform::FileError(left);
+    }
 }
 
 /// Names that differ in case or in blanks at their ends are one section of the index: making the

@@ -164,14 +164,17 @@ TEST_F(Profiles, WhatIsMissingOrLeadsElsewhereIsSkipped) {
     const printing::PrinterChoice before = printer.current;
     installation.Write("precious.txt", "precious");
     installation.Write("common/Kadrona/Printerprofiles42.ini",
-                       "[Gone]\nProfile=prn1.tmp\n[Empty]\n[Evil]\nProfile=../../precious.txt\n");
-    for (const QString& name : {u"Gone"_s, u"Empty"_s, u"Evil"_s, u"Unknown"_s}) {
+                       "[Gone]\nProfile=prn1.tmp\n[Empty]\n[Evil]\nProfile=../../precious.txt\n"
+                       "[Other]\nProfile=pro1.tmp\n");
+    installation.Write("common/Kadrona/pro1.tmp", "of a photo profile");
+    for (const QString& name : {u"Gone"_s, u"Empty"_s, u"Evil"_s, u"Other"_s, u"Unknown"_s}) {
         data.LoadPrintProfile(name);
         EXPECT_EQ(printer.current, before) << name.toStdString();
         data.DeletePrinterProfile(name);
     }
     EXPECT_TRUE(data.GetPrinterProfileList().isEmpty());
     EXPECT_TRUE(QFile::exists(installation.Path("precious.txt")));
+    EXPECT_EQ(SettingsFiles(), QStringList(u"pro1.tmp"_s));
 }
 
 TEST_F(Profiles, AFailureLeavesThePrinterProfilesAsTheyWere) {
