@@ -27,6 +27,29 @@ QString SystemCommonAppDataFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
 
+/// With all above it. The system's code; 0 where the folder exists afterwards.
+int MakeFolder(const QString& path) {
+    if (path.isEmpty()) {
+        return ENOENT;
+    }
+    if (QFileInfo(path).isDir()) {
+        return 0;
+    }
+    const QString clean = QDir::cleanPath(path);
+    const QString parent = QFileInfo(clean).path();
+    if (const int error = parent == clean ? ENOENT : MakeFolder(parent); error != 0) {
+        return error;
+    }
+    const QByteArray name = QFile::encodeName(clean);
+    const mode_t mode = ModeOfNewFolder(parent);
+    if (mkdir(name.constData(), mode) == 0) {
+        chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
+        return 0;
+    }
+    const int error = errno;
+    return QFileInfo(clean).isDir() ? 0 : error;
+}
+
 }  // namespace
 
 QString JoinPath(QStringView folder, QStringView name) {
@@ -91,21 +114,14 @@ bool IsFile(const QString& path) {
 }
 
 bool CreateFolder(const QString& path) {
-    if (path.isEmpty() || QFileInfo(path).isDir()) {
-        return !path.isEmpty();
+    return MakeFolder(path) == 0;
+}
+
+void RequireFolder(const QString& path) {
+    if (const int error = MakeFolder(path); error != 0) {
+        throw FileError(
+            u"Der Ordner „%1“ kann nicht angelegt werden: %2."_s.arg(path, SystemReason(error)));
     }
-    const QString clean = QDir::cleanPath(path);
-    const QString parent = QFileInfo(clean).path();
-    if (parent == clean || !CreateFolder(parent)) {
-        return false;
-    }
-    const QByteArray name = QFile::encodeName(clean);
-    const mode_t mode = ModeOfNewFolder(parent);
-    if (mkdir(name.constData(), mode) == 0) {
-        chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
-        return true;
-    }
-    return QFileInfo(clean).isDir();
 }
 
 }  // namespace kadrona::platform

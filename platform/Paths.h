@@ -40,4 +40,7 @@ bool IsFile(const QString& path);
 /// exists afterwards.
 bool CreateFolder(const QString& path);
 
+/// The same, but throws FileError, which says why, where there is none.
+void RequireFolder(const QString& path);
+
 }  // namespace kadrona::platform

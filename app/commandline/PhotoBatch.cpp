@@ -12,6 +12,7 @@
 #include "app/commandline/TerminalText.h"
 #include "core/base/FileNaming.h"
 #include "core/sheet/PhotoLoading.h"
+#include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/TerminationSignals.h"
 
@@ -76,8 +77,10 @@ QStringList OutputFiles(const QString& output, const QStringList& photos,
         }
         return {output};
     }
-    if (!platform::CreateFolder(output)) {
-        throw UsageError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(output));
+    try {
+        platform::RequireFolder(output);
+    } catch (const platform::FileError& error) {
+        throw UsageError(error.Text());
     }
     QSet<QString> taken;
     QStringList outputs;

@@ -109,9 +109,7 @@ class BackupRun {
         const QString waiting = platform::JoinPath(target_, WaitingDatabase);
         const auto clean = qScopeGuard([&] { QFile::remove(waiting); });
         RequireOwnWay(to_, target_);
-        if (!platform::CreateFolder(to_)) {
-            throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(to_));
-        }
+        platform::RequireFolder(to_);
         if (!database_.CopyTo(waiting, progress_)) {
             CopyRecords(waiting);
         }
@@ -128,9 +126,7 @@ class BackupRun {
         RequireOwnWay(folder, target_);
         RemoveMakingFolder(folder);
         const auto clean = qScopeGuard([&] { RemoveMakingFolder(folder); });
-        if (!platform::CreateFolder(folder)) {
-            throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
-        }
+        platform::RequireFolder(folder);
         {
             store::SqliteDatabase copy(folder);
             const store::Snapshot moment(database_);
@@ -216,10 +212,8 @@ class BackupRun {
             backup_.failures.append(
                 u"Die Datei „%1“ ist beschädigt; die Sicherung behält die gute Fassung."_s.arg(
                     path));
-        } else if (!platform::CreateFolder(QFileInfo(copy).path())) {
-            throw platform::FileError(
-                u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(QFileInfo(copy).path()));
         } else {
+            platform::RequireFolder(QFileInfo(copy).path());
             CopyArchiveFile(path, copy, tick);
             ++backup_.copied;
         }

@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
+#include <cerrno>
+#include <cstdio>
 #include <optional>
 
 #include "core/archive/ArchiveFiles.h"
@@ -14,6 +16,7 @@
 #include "platform/Error.h"
 #include "platform/FolderProbe.h"
 #include "platform/Paths.h"
+#include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -39,10 +42,7 @@ QString NewFolder(const QString& target, const QString& title) {
         const QString name = number == 1 ? title : u"%1 (%2)"_s.arg(title).arg(number);
         QString path = platform::JoinPath(target, name);
         if (!QFileInfo::exists(path) && !QFileInfo::exists(path + UnfinishedMark)) {
-            if (!platform::CreateFolder(path + UnfinishedMark)) {
-                throw platform::FileError(
-                    u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(path));
-            }
+            platform::RequireFolder(path + UnfinishedMark);
             return path;
         }
     }
@@ -106,9 +106,10 @@ class ExportRun {
         platform::WriteFileAtomically(platform::JoinPath(unfinished_, DataName),
                                       QJsonDocument(list_).toJson());
         platform::WriteFileAtomically(platform::JoinPath(unfinished_, TableName), csv_.toUtf8());
-        if (!QDir().rename(unfinished_, export_.folder)) {
-            throw platform::FileError(
-                u"Der Ordner „%1“ kann nicht umbenannt werden."_s.arg(unfinished_));
+        if (rename(QFile::encodeName(unfinished_).constData(),
+                   QFile::encodeName(export_.folder).constData()) != 0) {
+            throw platform::FileError(u"Der Ordner „%1“ kann nicht umbenannt werden: %2."_s.arg(
+                unfinished_, platform::SystemReason(errno)));
         }
         return std::move(export_);
     }

@@ -113,9 +113,7 @@ OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archi
                           .file = {}};
     const QString folder = StoredFolderPath(archiveFolder, record.folder);
     RequireOwnWay(folder, archiveFolder);
-    if (!platform::CreateFolder(folder)) {
-        throw platform::FileError(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder));
-    }
+    platform::RequireFolder(folder);
     const QString base = QFileInfo(photoName).completeBaseName();
     const auto write = [&](const QString& extension, const auto& writeTo) {
         const QString path = ClaimedPath(folder, base, extension);

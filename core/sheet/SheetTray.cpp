@@ -21,6 +21,7 @@
 #include "platform/FolderLock.h"
 #include "platform/HarmlessText.h"
 #include "platform/Paths.h"
+#include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -243,9 +244,11 @@ QString SheetTray::NewFile() const {
 
 void SheetTray::Add(CollectedItem item) {
     // Where the data folder itself is gone, its disk may be; what is put there now is hidden later.
-    if (!QFileInfo(QFileInfo(folder_).path()).isDir() || !platform::CreateFolder(folder_)) {
-        throw platform::Error(u"Der Ordner „%1“ kann nicht angelegt werden."_s.arg(folder_));
+    const QString above = QFileInfo(folder_).path();
+    if (!QFileInfo(above).isDir()) {
+        throw platform::FileError(u"Der Ordner „%1“ ist nicht erreichbar."_s.arg(above));
     }
+    platform::RequireFolder(folder_);
     item.picture = KeptPicture(item, {HighestCollectedResolution});
     RequireRoom(item.picture);
     const QString file = NewFile();
@@ -305,15 +308,7 @@ std::vector<TrayCopies> SheetTray::CopiesOn(const CollectedLayout& layout) const
 
 void SheetTray::TakeOut(const std::vector<TrayCopies>& printed) {
     QStringList done;
-    // A list that could not be flushed is written all the same.
-    const auto removal = qScopeGuard([&] {
-        for (const QString& file : done) {
-            if (!content_.IndexOf(file)) {
-                QFile::remove(platform::JoinPath(folder_, file));
-            }
-        }
-    });
-    Change([&](Content& content) {
+    const auto take = [&](Content& content) {
         for (const TrayCopies& copies : printed) {
             const auto index = content.IndexOf(copies.file);
             if (!index || copies.count == 0) {
@@ -326,7 +321,30 @@ void SheetTray::TakeOut(const std::vector<TrayCopies>& printed) {
                 done.append(copies.file);
             }
         }
-    });
+    };
+    try {
+        Change(take);
+    } catch (const platform::UnflushedError&) {
+        RemoveFiles(done);  // the list is written all the same
+        throw;
+    }
+    RemoveFiles(done);
+}
+
+/// Nothing lists them any more.
+void SheetTray::RemoveFiles(const QStringList& names) const {
+    QString failure;
+    for (const QString& name : names) {
+        QFile file(platform::JoinPath(folder_, name));
+        if (!file.remove() && file.exists()) {
+            failure =
+                u"Ein Bild ist aus dem Sammelblatt genommen, aber seine Datei „%1“ konnte "
+                u"nicht gelöscht werden: %2."_s.arg(file.fileName(), platform::SystemReason(file));
+        }
+    }
+    if (!failure.isEmpty()) {
+        throw platform::FileError(failure);
+    }
 }
 
 }  // namespace kadrona::core
