@@ -29,8 +29,9 @@ QFont ReportFont(double points, bool bold = false) {
     font.setPixelSize(static_cast<int>(std::lround(points / PointsPerInch * ReportResolution)));
     font.setBold(bold);
     // Any spacing of letters leaves ligatures out, which readers of the file would find as signs of
-    // their own.
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.01);
+    // their own. Less than this counts as none.
+    constexpr double SmallestSpacing = 1.0 / 64;
+    font.setLetterSpacing(QFont::AbsoluteSpacing, SmallestSpacing);
     // Breaks the lines alike on every device.
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;

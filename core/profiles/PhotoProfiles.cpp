@@ -19,7 +19,8 @@ const QString PhotoFilePrefix = u"profile"_s;
 }  // namespace
 
 PhotoProfiles::PhotoProfiles(const QString& dataFolder)
-    : dataFolder_(dataFolder), index_(dataFolder, u"Profiles.ini", u"Profilename"_s, PhotoFilePrefix) {}
+    : dataFolder_(dataFolder),
+      index_(dataFolder, u"Profiles.ini", u"Profilename"_s, PhotoFilePrefix) {}
 
 void PhotoProfiles::Load(const QString& name, ProfileStore& store) const {
     const QString path = SettingsFile(name);
