@@ -28,7 +28,7 @@ std::error_code ForEachEntry(const QString& folder,
     return error;
 }
 
-QString FailureText(const QString& folder, const std::error_code& error) {
+QString ReasonOf(const QString& folder, const std::error_code& error) {
     return u"Der Ordner „%1“ konnte nicht gelesen werden: %2."_s.arg(folder,
                                                                      SystemReason(error.value()));
 }
@@ -45,7 +45,7 @@ QStringList FolderEntries(const QString& folder) {
         names.append(NameOf(entry.path().filename()));
     });
     if (error && error != std::errc::no_such_file_or_directory) {
-        throw FileError(FailureText(folder, error));
+        throw FileError(ReasonOf(folder, error));
     }
     names.sort();
     return names;
@@ -80,7 +80,7 @@ std::vector<UnreadFolder> WalkFolder(const QString& folder,
         });
         const bool vanished = error == std::errc::no_such_file_or_directory && path != root;
         if (error && !vanished) {
-            unread.push_back({path, FailureText(path, error)});
+            unread.push_back({path, ReasonOf(path, error)});
         }
         std::ranges::sort(here, std::greater(), [](const Found& found) { return found.file.path; });
         left.insert(left.end(), here.begin(), here.end());

@@ -9,7 +9,6 @@
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
-#include "controls/messages/ActionGuard.h"
 #include "core/check/FacePlacement.h"
 #include "core/check/PhotoCheck.h"
 #include "core/check/TemplateTable.h"
@@ -18,6 +17,7 @@
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "imaging/face/PortraitMeasures.h"
+#include "platform/FailureText.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -195,7 +195,7 @@ Report Checked(core::TData& data, const core::Settings& settings, const CheckReq
         return report;
     } catch (const std::exception&) {
         errors << FailureLine(file) << Qt::endl;
-        return {file, controls::FailureText(std::current_exception()), {}, {}, {}};
+        return {file, platform::FailureText(std::current_exception()), {}, {}, {}};
     }
 }
 

@@ -1,10 +1,10 @@
 #include "app/commandline/CommandSetup.h"
 
 #include "app/commandline/TerminalText.h"
-#include "controls/messages/ActionGuard.h"
 #include "core/base/UserInterface.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/face/FaceFinder.h"
+#include "platform/FailureText.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -48,7 +48,7 @@ int RunCommand(QTextStream& errors, const std::function<int()>& command) {
         errors << HarmlessText(error.Text()) << u"\nHilfe: kadrona --help"_s << Qt::endl;
         return WrongUsage;
     } catch (const std::exception&) {
-        errors << HarmlessText(controls::FailureText(std::current_exception())) << Qt::endl;
+        errors << HarmlessText(platform::FailureText(std::current_exception())) << Qt::endl;
         return SomePhotoFailed;
     }
 }

@@ -10,7 +10,6 @@
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/PhotoBatch.h"
 #include "app/commandline/TerminalText.h"
-#include "controls/messages/ActionGuard.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/CollectedSheet.h"
 #include "core/sheet/PaperSize.h"
@@ -20,6 +19,7 @@
 #include "imaging/writing/ImageWriter.h"
 #include "platform/AtomicFile.h"
 #include "platform/CountedText.h"
+#include "platform/FailureText.h"
 #include "platform/TerminationSignals.h"
 
 using namespace Qt::StringLiterals;
@@ -48,7 +48,7 @@ core::CollectedItem CutItem(core::TData& data, const core::Settings& settings,
 
 /// The first line of the reason: which templates there are needs no saying for each line.
 QString ReasonOfFailure() {
-    return controls::FailureText(std::current_exception()).section(u'\n', 0, 0);
+    return platform::FailureText(std::current_exception()).section(u'\n', 0, 0);
 }
 
 /// What cannot be cut, or would be overwritten by `output`, goes to the order's errors.

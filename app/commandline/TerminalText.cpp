@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "controls/messages/ActionGuard.h"
+#include "platform/FailureText.h"
 
 namespace kadrona::app {
 
@@ -43,7 +43,7 @@ QString HarmlessText(const QString& text) {
 }
 
 QString FailureLine(const QString& photo) {
-    QString reason = controls::FailureText(std::current_exception());
+    QString reason = platform::FailureText(std::current_exception());
     return HarmlessName(photo + QStringLiteral(": ") + reason.replace(u'\n', u' '));
 }
 

@@ -4,7 +4,7 @@
 #include <QImageReader>
 #include <algorithm>
 
-#include "controls/messages/ActionGuard.h"
+#include "platform/FailureText.h"
 #include "platform/HarmlessText.h"
 
 namespace kadrona::controls {
@@ -47,7 +47,7 @@ const LoadedCard& CardCache::Load(qint64 key) {
         }
         loaded->picture = Decoded(source_->ReadPicture(key));
     } catch (...) {
-        loaded->failure = platform::HarmlessText(FailureText(std::current_exception()));
+        loaded->failure = platform::HarmlessText(platform::FailureText(std::current_exception()));
     }
     return *loaded;
 }

@@ -1,16 +1,11 @@
 #pragma once
 
-#include <QString>
 #include <exception>
 #include <utility>
 
 class QWidget;
 
 namespace kadrona::controls {
-
-/// The German text for an exception: that of a platform::Error as it stands, a fixed one for lack
-/// of memory, a lead sentence and what() for any other.
-QString FailureText(const std::exception_ptr& failure);
 
 /// The application's standard error display. Never throws.
 void ShowFailure(QWidget* parent, const std::exception_ptr& failure) noexcept;
