@@ -66,18 +66,13 @@ QString CreateUniqueFile(const QString& folder, const QString& prefix) {
     return QFileInfo(file.path).fileName();
 }
 
-bool IsUniqueName(const QString& name, const QString& prefix) {
-    const QRegularExpression form(
-        u"^%1[0-9A-F]{1,4}\\.tmp\\z"_s.arg(QRegularExpression::escape(prefix.left(3))),
-        QRegularExpression::CaseInsensitiveOption);
-    return form.match(name).hasMatch();
-}
-
 void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time) {
+    const QRegularExpression form(
+        u"^%1[0-9A-F]{1,4}\\.tmp$"_s.arg(QRegularExpression::escape(prefix.left(3))));
     QDirIterator files(folder, {prefix.left(3) + u"*.tmp"_s}, QDir::Files | QDir::NoSymLinks);
     while (files.hasNext()) {
         const QString path = files.next();
-        if (IsUniqueName(files.fileName(), prefix) && files.fileInfo().lastModified() < time) {
+        if (form.match(files.fileName()).hasMatch() && files.fileInfo().lastModified() < time) {
             QFile::remove(path);
         }
     }

@@ -30,9 +30,6 @@ UniqueFile OpenUniqueFile(const QString& folder, const QString& prefix);
 /// The same, but returns the bare name of the closed file. Throws FileError.
 QString CreateUniqueFile(const QString& folder, const QString& prefix);
 
-/// Whether a bare name has this form.
-bool IsUniqueName(const QString& name, const QString& prefix);
-
 /// Removes the files of `folder` that have a name of this form and were last written to before
 /// `time`. What cannot be removed stays.
 void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time);

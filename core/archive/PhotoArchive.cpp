@@ -299,7 +299,7 @@ bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
     const platform::SilenceWatch watch(AwaitedArchive(waiting.archiveFolder));
     // The names are what the server answers.
     const auto pathOf = [&](const QString& folder, const QString& file) {
-        const QString path = StoredFolderPath(waiting.archiveFolder, StoredPath(folder, file));
+        QString path = StoredFolderPath(waiting.archiveFolder, StoredPath(folder, file));
         RequireArchiveFolder(waiting.archiveFolder);
         RequireOwnWay(path, waiting.archiveFolder);
         platform::CreateFolder(QFileInfo(path).path());  // where it cannot, the file says so

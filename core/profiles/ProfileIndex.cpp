@@ -1,12 +1,12 @@
 #include "core/profiles/ProfileIndex.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 
 #include "platform/Error.h"
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
-#include "platform/UniqueFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,8 +28,11 @@ QStringList ProfileIndex::Names() const {
 
 QString ProfileIndex::SettingsFile(const QString& name) const {
     const QString file = platform::IniFile(path_).ReadString(name.trimmed(), key_);
-    // An index edited by hand must not lead deleting or storing to another file.
-    if (!platform::IsUniqueName(file, prefix_)) {
+    // An index edited by hand must not lead deleting or storing to another file, also not to one of
+    // the same folder: a bare name as platform::CreateUniqueFile makes it, whatever stands between.
+    if (file != QFileInfo(file).fileName() ||
+        !file.startsWith(prefix_.left(3), Qt::CaseInsensitive) ||
+        !file.endsWith(u".tmp"_s, Qt::CaseInsensitive)) {
         return {};
     }
     const QString path = platform::JoinPath(dataFolder_, file);
