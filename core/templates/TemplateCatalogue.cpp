@@ -58,7 +58,7 @@ QString TemplateCatalogue::FileAt(int index) const {
     if (index < 0 || static_cast<size_t>(index) >= entries_.size()) {
         return {};
     }
-    const QString path = platform::JoinPath(folder_, entries_[static_cast<size_t>(index)].file);
+    QString path = platform::JoinPath(folder_, entries_[static_cast<size_t>(index)].file);
     try {
         return platform::IsFile(path) ? path : QString();
     } catch (const platform::FileError&) {

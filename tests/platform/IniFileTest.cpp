@@ -166,6 +166,7 @@ TEST_F(IniFileTest, NeverTakesAnUnreadableFileForAnEmptyOne) {
 TEST_F(IniFileTest, ChangesAtTheSameTimeLoseNothing) {
     constexpr int Writers = 8;
     std::vector<std::jthread> writers;
+    writers.reserve(Writers);
     for (int writer = 0; writer < Writers; ++writer) {
         writers.emplace_back([this, writer] {
             IniFile::Change(Path(), [writer](IniFile& file) {

@@ -66,7 +66,7 @@ TEST(Paths, CreateFolderMakesAllButOverNoFile) {
     for (const QString& refused : {file, file + u"/below"_s, QString()}) {
         EXPECT_FALSE(CreateFolder(refused)) << refused.toStdString();
     }
-    EXPECT_TRUE(TextOf<FileError>([&] {
+    EXPECT_TRUE(testing::TextOf<FileError>([&] {
                     RequireFolder(file + u"/below"_s);
                 }).endsWith(u"angelegt werden: Der Name ist schon vergeben."_s));
 }
