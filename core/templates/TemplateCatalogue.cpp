@@ -3,6 +3,7 @@
 #include <QStringView>
 
 #include "platform/AtomicFile.h"
+#include "platform/Error.h"
 #include "platform/Paths.h"
 #include "platform/TextDecoding.h"
 
