@@ -75,6 +75,9 @@ TEST_F(ArchiveKeeping, ABackupIsWholeTakesWhatChangedAndForgetsWhatWasDeleted) {
     EXPECT_THROW(core::BackUpArchive(Database(), archiveFolder, target, pullOut),
                  platform::FileError);
     EXPECT_FALSE(QFile::exists(copy("2026_03_00003.jpg")));
+
+    QDir(target).removeRecursively();
+    QDir().mkpath(target);
     QDir(archiveFolder + u"/2026"_s).removeRecursively();
     EXPECT_THROW(backUp(), platform::FileError) << "its drive is not there";
 }
