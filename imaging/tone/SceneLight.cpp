@@ -130,10 +130,8 @@ cv::Mat SumForEachLight(const Histograms& histograms, const Likeness& likeness) 
     return SumForEachLight(all, likeness);
 }
 
-cv::Mat GreyForEachLight(const Histograms& histograms) {
-    return SumForEachLight(histograms, [](double red, double blue) {
-        return Falloff(std::hypot(red, blue), GreySpread);
-    });
+double LikenessToGrey(double red, double blue) {
+    return Falloff(std::hypot(red, blue), GreySpread);
 }
 
 cv::Mat SkinForEachLight(const Histograms& histograms) {
@@ -200,6 +198,13 @@ constexpr double PriorSpreadByFace = 0.255;
 /// A light that the colours tell may leave a face so much less likely: dark skin is rare and true.
 constexpr double LeastOfLikeness = 0.32;
 
+/// A wall that is greener or pinker than this once the face has told the light shows that the
+/// complexion is a rare one, where the wall is so large a part of the picture, and where the face
+/// stays so likely without the tint.
+constexpr double LeastTint = 0.04;
+constexpr double LeastPartOfWall = 0.25;
+constexpr double LeastOfLikenessWithoutTint = 0.3;
+
 /// For each light, how much of the picture is painted as walls are once it is corrected.
 cv::Mat WallForEachLight(const Histograms& histograms) {
     return SumForEachLight(histograms, [](double red, double blue) {
@@ -220,6 +225,37 @@ std::optional<SceneLight> LightByFace(const cv::Mat& grey, const Histograms& his
                    (FaceAnyway + LikenessToFace(face, light.colour)) *
                    Falloff(Strength(light.colour), PriorSpreadByFace);
         });
+}
+
+/// The most frequent colour of what is not dark, in most portraits the wall's.
+struct Wall {
+    Chromaticity colour;
+    double part = 0;  ///< of the picture, 0 ... 1
+};
+
+Wall WallOf(const Histograms& histograms) {
+    const cv::Mat parts = SumForEachLight(histograms[1] + histograms[2], LikenessToGrey);
+    Wall wall;
+    cv::Point place;
+    cv::minMaxLoc(parts, nullptr, &wall.part, nullptr, &place);
+    wall.colour = {LogarithmOf(place.y), LogarithmOf(place.x)};
+    return wall;
+}
+
+/// Moves a light that the face tells along green and pink, which few walls are, until its
+/// correction leaves a large wall neither.
+SceneLight WithoutTintOfWall(const SceneLight& light, const Wall& wall, const FaceSkin& face) {
+    if (light.IsSettled() || wall.part < LeastPartOfWall) {
+        return light;
+    }
+    const double tint = ((wall.colour.red - PartBySkin * light.colour.red) +
+                         (wall.colour.blue - PartBySkin * light.colour.blue)) /
+                        2;
+    const double shift = tint / PartBySkin;
+    const Chromaticity moved{light.colour.red + shift, light.colour.blue + shift};
+    const bool isLikely = LikenessToFace(face, moved) >=
+                          LeastOfLikenessWithoutTint * LikenessToFace(face, light.colour);
+    return std::abs(tint) > LeastTint && isLikely ? SceneLight{moved, light.grey} : light;
 }
 
 std::optional<SceneLight> LightByColours(const cv::Mat& grey, const Histograms& histograms) {
@@ -259,7 +295,7 @@ std::optional<SceneLight> LightByBoth(const cv::Mat& grey, const Histograms& his
                                       const std::optional<FaceSkin>& face) {
     std::optional<SceneLight> light = face ? LightByFace(grey, histograms, *face) : std::nullopt;
     if (light) {
-        return light;
+        return WithoutTintOfWall(*light, WallOf(histograms), *face);
     }
     light = LightByColours(grey, histograms);
     const bool isRefused =
@@ -276,7 +312,7 @@ std::optional<SceneLight> SceneLightOf(const std::vector<QRgb>& points,
         return std::nullopt;
     }
     const Histograms histograms = ChromaticitiesOf(points);
-    const cv::Mat grey = GreyForEachLight(histograms);
+    const cv::Mat grey = SumForEachLight(histograms, LikenessToGrey);
     return LightByBoth(grey, histograms, face);
 }
 

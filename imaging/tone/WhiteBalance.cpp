@@ -26,12 +26,8 @@ struct Gains {
 /// So many points give the gains to a thousandth, whatever the picture's size.
 constexpr int SamplesPerDirection = 512;
 
-/// Where so much of the picture is grey it settles the gains.
-constexpr double GreyThatSettles = 0.1;
 /// A point is nearly grey where its channels differ by at most this part of the largest.
 constexpr double GreySaturation = 0.12;
-/// Complexions differ: where no grey settles the gains, so much of the light is taken.
-constexpr double PartBySkin = 0.82;
 
 std::vector<QRgb> UsefulPoints(const QImage& image) {
     const int stepX = std::max(1, image.width() / SamplesPerDirection);
@@ -77,7 +73,7 @@ Gains EstimatedGains(const QImage& image, const QRect& skin) {
     if (!light) {
         return {};
     }
-    if (light->grey < GreyThatSettles) {
+    if (!light->IsSettled()) {
         return Correction(light->colour, PartBySkin);
     }
     Gains gains = Correction(light->colour, 1);

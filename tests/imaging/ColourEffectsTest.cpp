@@ -236,6 +236,10 @@ TEST(WhiteBalanced, TakesTheLightOffWallAndSkin) {
                   0.05)
             << "skin " << qRed(skin);
     }
+    // Nor where it leaves the light unsure, as in shade.
+    const QImage shaded = Portrait(QColor(Qt::white).rgb(), qRgb(210, 150, 108), Shade);
+    const QRgb wall = WhiteBalanced(Pixels(shaded), Cheeks).ToImage().pixel(10, 10);
+    EXPECT_NEAR(qRed(wall) * qBlue(wall), qGreen(wall) * qGreen(wall), 3000) << qRed(wall);
     // Half of it at least, where the wall has a colour of its own but a face is known.
     for (const Light& light : {Tungsten, Shade, Fluorescent}) {
         for (const QRgb wall : {qRgb(190, 214, 240), qRgb(240, 225, 195), qRgb(170, 190, 160)}) {
