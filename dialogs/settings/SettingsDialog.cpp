@@ -136,6 +136,7 @@ void TEinstellungenFm::InitPropertys() {
 
 controls::ModalResult TEinstellungenFm::ShowEx() {
     RefreshPrinterProfiles();
+    ShowAllTabs();
     FitToScreen(*this);
     CentreOnParent(*this);
     const controls::ModalResult result = controls::ShowModal(*this);

@@ -87,6 +87,7 @@ class TEinstellungenFm : public QDialog, public core::Settings {
     // Construction (SettingsDialog_Layout.cpp)
     void BuildControls();
     QWidget* BuildProfilePanel();
+    void ShowAllTabs();
     void MakeGeneralControls();
     QVBoxLayout* AddPage(const QString& title);
     void FillGeneralPage(QVBoxLayout& layout);

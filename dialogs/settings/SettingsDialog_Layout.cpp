@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -20,6 +21,7 @@
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
 #include "dialogs/base/ScrolledPage.h"
+#include "dialogs/base/WindowPlacement.h"
 #include "dialogs/settings/ArchiveServerEdit.h"
 #include "dialogs/settings/SettingsDialog.h"
 #include "dialogs/settings/UploadFiguresEdit.h"
@@ -107,6 +109,17 @@ QVBoxLayout* TEinstellungenFm::AddPage(const QString& title) {
     layout->addLayout(column);
     layout->addStretch();
     return column;
+}
+
+/// On a small screen the list of profiles gives way to the tabs, as far as both have room.
+void TEinstellungenFm::ShowAllTabs() {
+    ensurePolished();
+    pages_->tabBar()->ensurePolished();
+    const int tabs = pages_->tabBar()->sizeHint().width();
+    pages_->setMinimumWidth(0);
+    const int others = minimumSizeHint().width() - pages_->minimumSizeHint().width();
+    const int room = WithinScreen(*this, {QWIDGETSIZE_MAX, 0}).width() - others;
+    pages_->setMinimumWidth(tabs <= room ? tabs : 0);
 }
 
 QWidget* TEinstellungenFm::BuildProfilePanel() {
