@@ -49,6 +49,7 @@ void TData::InitSystem() {
 void TData::OpenDatabase() {
     const ArchiveServer server = StoredArchiveServer();
     if (!server.used) {
+        platform::CreateFolder(folders_.database);  // where it cannot, the database says so
         ConnectDB(folders_.database);
         CreateDB();
         return;

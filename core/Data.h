@@ -188,8 +188,8 @@ class TData {
 
  private:
     SheetMaking Making() {
-        return {template_,  *settings_, layout_, archive_,    ui_,
-                frameSize_, paper_,     single_, OpenedFile()};
+        return {template_,  *settings_, layout_, archive_,     ui_,
+                frameSize_, paper_,     single_, OpenedFile(), [this] { OpenDatabase(); }};
     }
 
     /// Empty where another file has come under its name, as that of the next customer's card may.

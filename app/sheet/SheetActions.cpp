@@ -90,13 +90,19 @@ void SheetActions::SaveFast(const QString& remark) {
         return;
     }
     const QString folder = FolderToSaveIn();
-    const QString path = platform::JoinPath(platform::WithoutTrailingSeparator(folder), fileName);
-    if (folder.isEmpty() || !MayReplace(path)) {
+    if (folder.isEmpty()) {
+        return;
+    }
+    const QString path =
+        PathToSaveUnder(platform::JoinPath(platform::WithoutTrailingSeparator(folder), fileName));
+    if (path.isEmpty()) {
         return;
     }
     const controls::WaitCursor wait;
-    TellSaved(data_.SaveImage(session_.Image(), folder, fileName, settings_.ScaleImageCk()),
-              remark);
+    const QFileInfo file(path);
+    TellSaved(
+        data_.SaveImage(session_.Image(), file.path(), file.fileName(), settings_.ScaleImageCk()),
+        remark);
     savedPhotos_.insert(path, data_.CurrentFile());
 }
 
@@ -148,14 +154,21 @@ bool SheetActions::MayShrinkTheSheet() {
 }
 
 /// Saving the same photo again replaces its file without asking.
-bool SheetActions::MayReplace(const QString& path) {
+QString SheetActions::PathToSaveUnder(const QString& path) {
     const auto saved = savedPhotos_.constFind(path);
-    return saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
-           !QFileInfo::exists(path) ||
-           controls::AskYesNo(&window_,
-                              u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
-                              u"ersetzen?"_s.arg(path, QFileInfo(*saved).fileName()),
-                              controls::Severity::Warning);
+    if (saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
+        !QFileInfo::exists(path) ||
+        controls::AskYesNo(&window_,
+                           u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
+                           u"ersetzen? Bei „Nein“ wählen Sie einen anderen Namen."_s.arg(
+                               path, QFileInfo(*saved).fileName()),
+                           controls::Severity::Warning)) {
+        return path;
+    }
+    core::SaveDialog dialog = core::SaveDialog::OfPhotos();
+    dialog.initialFolder = QFileInfo(path).path();
+    dialog.fileName = QFileInfo(data_.CurrentFile()).completeBaseName();
+    return ui_.AskForSaveFile(dialog).value_or(QString());
 }
 
 }  // namespace kadrona::app

@@ -30,18 +30,22 @@ void SayThatPhotosWait(PhotoArchive& archive, UserInterface& ui) {
     }
 }
 
-/// Why a photo could not be filed; empty where it was, or waits to be.
-QString FilingFailure(imaging::LayeredImage& image, PhotoArchive& archive, const PhotoToFile& photo,
-                      UserInterface& ui) {
+/// Why a photo could not be filed; empty where it was, or waits to be. Whoever tries again may
+/// have mended what kept the database from being opened.
+QString FilingFailure(imaging::LayeredImage& image, const PhotoToFile& photo,
+                      const SheetMaking& making, bool again) {
     try {
-        switch (archive.File(image, photo)) {
+        if (again && making.openArchive && making.archive.IsClosed()) {
+            making.openArchive();
+        }
+        switch (making.archive.File(image, photo)) {
             case Filing::NoDatabase:
                 return u"Die Datenbank des Bildarchivs ist nicht geöffnet."_s;
             case Filing::NoFolder:
                 return u"Im Bildarchiv „%1“ kann der Ordner des Monats nicht angelegt werden."_s
                     .arg(photo.archiveFolder);
             case Filing::Waits:
-                SayThatPhotosWait(archive, ui);
+                SayThatPhotosWait(making.archive, making.ui);
                 break;
             case Filing::Done:
                 break;
@@ -68,13 +72,13 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
         .tags = TagText(*lines),
         .objectName = lines->value(0),
         .original = making.settings.KeepOriginals() ? single.original : std::nullopt};
-    QString failure;
-    do {
-        failure = FilingFailure(image, making.archive, photo, making.ui);
-    } while (!failure.isEmpty() &&
-             making.ui.AskYesNo(
-                 failure +
-                 u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s));
+    QString failure = FilingFailure(image, photo, making, false);
+    while (!failure.isEmpty() &&
+           making.ui.AskYesNo(
+               failure +
+               u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s)) {
+        failure = FilingFailure(image, photo, making, true);
+    }
     single.isArchived = failure.isEmpty();
 }
 

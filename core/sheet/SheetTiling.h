@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "core/archive/FiledFiles.h"
@@ -38,6 +39,8 @@ struct SheetMaking {
     SinglePhoto& single;
     /// The file that the photo was opened from, as long as it is still the same; else empty.
     QString openedFile = {};
+    /// Opens the archive's database where that failed before. Throws platform::Error.
+    std::function<void()> openArchive = {};
 };
 
 /// From the photo under a template to the sheet: remembers where the template lies, cuts the photo

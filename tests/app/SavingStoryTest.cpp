@@ -40,8 +40,11 @@ TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
     SavePhoto("other.png", QSize(1200, 1600), 50);
     photoName = "other.png";
     MakeSinglePhoto([this] { Tick("ScaleImageCk"); });
-    save(u"steht das Passbild aus „photo.png“"_s, u"NoButton"_s);
+    driver.Answer(u"steht das Passbild aus „photo.png“"_s, u"NoButton"_s);
+    driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { Type(shown, u"anderer"_s); });
+    save(u"gespeichert"_s, u"OkButton"_s);
     EXPECT_GT(qRed(QImage(installation.Path("saved/Bildname.jpg")).pixel(0, 0)), 100);
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg|anderer.jpg"_s);
 
     Setting<QLineEdit>("ImageSaveDir").clear();
     save(u"kein Ordner"_s, u"NoButton"_s);
@@ -60,7 +63,7 @@ TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
     Trigger(u"acCrop"_s);  // saves nothing by itself: there are several photos
     SetLayout(core::SinglePhotoLayout);
     save(u"Das Blatt hat 8 Bilder"_s, u"NoButton"_s);
-    EXPECT_EQ(SavedFiles(), u"Bildname.jpg"_s);
+    EXPECT_EQ(SavedFiles(), u"Bildname.jpg|anderer.jpg"_s);
 }
 
 TEST_F(SavingStory, MakingThePhotosPrintsThenSavesEvenWherePrintingFails) {

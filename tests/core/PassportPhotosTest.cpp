@@ -114,6 +114,14 @@ TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
     EXPECT_EQ(ui.tagEditorShown, 3) << "with the same tags";
     EXPECT_EQ(ui.offeredTags, QStringList()) << "not those of the cut before";
     EXPECT_EQ(data.Archive()->Ids().size(), 4U);
+
+    core::TData late(ui, installation.Folders());
+    late.SetSettings(&settings);
+    late.MaskLoadFromFile(late.GetMaskFileName(0));
+    OpenGrey(500, 600);
+    ui.answers = {true};
+    late.CropImage(image, 0);
+    EXPECT_NE(late.Archive(), nullptr) << "opened for the second try";
 }
 
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
