@@ -34,7 +34,7 @@ class ToolsStory : public Story {
     bool IsInNoMode() { return !View().Tool() && TemplateShows(); }
     bool TemplateShows() { return Image().LayerAt(1).visible && Image().CurrentLayer() == 1; }
     QString Hint() { return window->statusBar()->currentMessage(); }
-    bool TellsToCopy() { return Hint().contains(u"Ziehen kopiert"_s); }
+    bool TellsToCopy() { return Hint().contains(u"Mausrad"_s); }
     ::testing::AssertionResult IsAsOpened() { return SamePixels(Image().Photo(), opened); }
 
     void Click(QPointF photo, Qt::KeyboardModifiers modifiers = {},
