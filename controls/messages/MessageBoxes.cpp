@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "platform/HarmlessText.h"
@@ -42,6 +43,21 @@ QString WithBreaks(const QString& text) {
     return broken;
 }
 
+/// One without a parent stands in the middle of the screen: the toolkit leaves room for a frame
+/// that it guesses.
+class PlacedMessageBox : public QMessageBox {
+ public:
+    using QMessageBox::QMessageBox;
+
+ protected:
+    void showEvent(QShowEvent* event) override {
+        QMessageBox::showEvent(event);
+        if (parentWidget() == nullptr) {
+            move(screen()->availableGeometry().center() - rect().center());
+        }
+    }
+};
+
 // `symbol` is the end of an icon's name: message-information, -question, -warning or -error.
 void Prepare(QMessageBox& box, const QString& symbol, const QString& text) {
     constexpr QSize SymbolSize(40, 40);
@@ -73,7 +89,7 @@ QWidget* OnScreen(QWidget* parent) {
 }
 
 void ShowMessage(QWidget* parent, const QString& symbol, const QString& text) {
-    QMessageBox box(OnScreen(parent));
+    PlacedMessageBox box(OnScreen(parent));
     Prepare(box, symbol, text);
     QPushButton* ok = AddButton(box, u"OK"_s, QMessageBox::AcceptRole, u"OkButton"_s);
     box.setDefaultButton(ok);
@@ -92,7 +108,7 @@ void ShowError(QWidget* parent, const QString& text) {
 }
 
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
-    QMessageBox box(parent);
+    PlacedMessageBox box(parent);
     Prepare(box, severity == Severity::Warning ? u"warning"_s : u"question"_s, text);
     QPushButton* yes = AddButton(box, u"&Ja"_s, QMessageBox::YesRole, u"YesButton"_s);
     QPushButton* no = AddButton(box, u"&Nein"_s, QMessageBox::NoRole, u"NoButton"_s);
@@ -103,7 +119,7 @@ bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
 }
 
 std::unique_ptr<QMessageBox> MakeWarning(const QString& text) {
-    auto box = std::make_unique<QMessageBox>();
+    auto box = std::make_unique<PlacedMessageBox>();
     Prepare(*box, u"warning"_s, text);
     return box;
 }
