@@ -73,8 +73,12 @@ TfmImgSearch::TfmImgSearch(core::TData& data, TfmImageTagEdit& tagEditor, QWidge
             [this](const QString& text) { controls::Guarded(this, [&] { Search(text); }); });
     connect(filterBar_, &ArchiveFilterBar::Changed, this,
             [this] { controls::Guarded(this, [this] { ListAgain(); }); });
-    connect(findPanel_, &controls::FindPanel::Left, grid_,
-            [this] { grid_->setFocus(Qt::OtherFocusReason); });
+    connect(findPanel_, &controls::FindPanel::Left, grid_, [this] {
+        if (!grid_->Cards()
+                 .empty()) {  // else Escape, which shows all again, would close the window
+            grid_->setFocus(Qt::OtherFocusReason);
+        }
+    });
     connect(grid_, &controls::CardGrid::CurrentChanged, this, [this] {
         data_.SetCurrentRecord(grid_->Current().value_or(0));
         UpdateActions();
