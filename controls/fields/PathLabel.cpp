@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QPainter>
+#include <algorithm>
 
 #include "controls/commands/ScreenTip.h"
 #include "controls/fields/PathShortening.h"
@@ -31,8 +32,12 @@ QSize PathLabel::sizeHint() const {
     return {fontMetrics().horizontalAdvance(path_), fontMetrics().height()};
 }
 
+/// The file's name is what says most; a long one is shortened.
 QSize PathLabel::minimumSizeHint() const {
-    return {fontMetrics().horizontalAdvance(u'…'), fontMetrics().height()};
+    constexpr int MostLetters = 14;
+    const QFontMetrics metrics = fontMetrics();
+    const int name = metrics.horizontalAdvance(path_.section(u'/', -1));
+    return {std::min(name, MostLetters * metrics.averageCharWidth()), metrics.height()};
 }
 
 void PathLabel::paintEvent(QPaintEvent* /*event*/) {

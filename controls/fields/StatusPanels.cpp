@@ -34,7 +34,10 @@ StatusPanels::StatusPanels(QWidget* parent)
     addPermanentWidget(link_);
     noticeEnd_->setSingleShot(true);
     noticeEnd_->setInterval(NoticeMilliseconds);
-    connect(noticeEnd_, &QTimer::timeout, notice_, &QLabel::clear);
+    connect(noticeEnd_, &QTimer::timeout, notice_, [this] {
+        notice_->clear();
+        notice_->setMinimumWidth(0);
+    });
     connect(link_, &QToolButton::clicked, this, &StatusPanels::LinkClicked);
 }
 
@@ -60,6 +63,7 @@ QString StatusPanels::Path() const {
 
 void StatusPanels::ShowNotice(const QString& text) {
     notice_->setText(platform::HarmlessLine(text));
+    notice_->setMinimumWidth(std::min(notice_->sizeHint().width(), width() * 2 / 5));
     noticeEnd_->start();
 }
 
