@@ -70,8 +70,9 @@ void SqliteDatabase::Closer::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);
 }
 
-SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds patience)
-    : Database(platform::JoinPath(folder, FileName)), patience_(patience) {
+SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds patience,
+                               std::chrono::milliseconds longestWork)
+    : Database(platform::JoinPath(folder, FileName)), patience_(patience), limit_(longestWork) {
     const auto check = [this](const QString& reason) {
         if (!reason.isEmpty()) {
             throw StoreError(
@@ -88,7 +89,10 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
                                  SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,
                                  nullptr);
     handle_.reset(handle);
+    WorkLimit::Work work;
+    const WorkLimit::Step step(limit_, work);
     if (result == SQLITE_OK) {
+        limit_.Attach(handle);
         sqlite3_extended_result_codes(handle, 1);
         // Whoever starts while another program recovers or writes must not be without it for good.
         WaitUpTo(OpeningPatience);
@@ -110,7 +114,7 @@ void SqliteDatabase::WaitUpTo(std::chrono::milliseconds patience) {
 }
 
 std::unique_ptr<PreparedStatement> SqliteDatabase::Prepare(const QString& sql) {
-    return std::make_unique<SqliteStatement>(handle_.get(), Name(), sql);
+    return std::make_unique<SqliteStatement>(handle_.get(), limit_, Name(), sql);
 }
 
 void SqliteDatabase::Begin() {

@@ -1,8 +1,3 @@
-#include <sqlite3.h>
-
-#include <algorithm>
-#include <exception>
-
 #include "store/Statement.h"
 #include "store/StoreError.h"
 #include "store/sqlite/SqliteDatabase.h"
@@ -22,41 +17,6 @@ qint64 Value(Database& database, const QString& pragma) {
     Statement statement(database, u"PRAGMA "_s + pragma);
     return statement.Step() ? statement.Integer(0) : 0;
 }
-
-/// Lets the engine ask every now and then whether a statement goes on. The engine is C: what
-/// `progress` throws waits until the statement has ended.
-class Watch {
- public:
-    Watch(sqlite3* handle, const platform::Progress& progress)
-        : handle_(handle), progress_(progress) {
-        constexpr int Instructions = 20'000;
-        sqlite3_progress_handler(handle_, Instructions, &Watch::Ask, this);
-    }
-    ~Watch() { sqlite3_progress_handler(handle_, 0, nullptr, nullptr); }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-
-    void ThrowIfGivenUp() const {
-        if (failure_) {
-            std::rethrow_exception(failure_);
-        }
-    }
-
- private:
-    static int Ask(void* self) {
-        auto& watch = *static_cast<Watch*>(self);
-        try {
-            watch.progress_(CompactionText, 0, 0);
-        } catch (...) {
-            watch.failure_ = std::current_exception();
-        }
-        return watch.failure_ ? 1 : 0;
-    }
-
-    sqlite3* handle_;
-    const platform::Progress& progress_;
-    std::exception_ptr failure_;
-};
 
 /// Deleted words stay in the index, marked as deleted, until its parts are merged.
 void MergeFullTextIndex(Database& database, const QString& name,
@@ -81,7 +41,7 @@ void SqliteDatabase::Compact(const QString& fullTextIndex, const platform::Progr
     progress(CompactionText, 0, 0);
     MergeFullTextIndex(*this, fullTextIndex, progress);
     if (Value(*this, u"auto_vacuum"_s) != IncrementalMode) {
-        const Watch watch(handle_.get(), progress);
+        const WorkLimit::Cancellable watch(limit_, CompactionText, progress);
         try {
             Execute(u"PRAGMA auto_vacuum = %1"_s.arg(IncrementalMode));
             Execute(u"VACUUM"_s);

@@ -30,6 +30,10 @@ QString SqliteReason(sqlite3* handle, int result) {
             return u"Der Arbeitsspeicher reicht nicht aus"_s;
         case SQLITE_TOOBIG:
             return u"Der Wert ist zu groß"_s;
+        case SQLITE_INTERRUPT:
+            return u"Eine Anweisung hat zu lange gerechnet und wurde abgebrochen. Die Datei "
+                   u"enthält "
+                   u"vielleicht fremde Anweisungen, die nicht enden"_s;
         default:
             return QString::fromUtf8(handle != nullptr ? sqlite3_errmsg(handle)
                                                        : sqlite3_errstr(result));

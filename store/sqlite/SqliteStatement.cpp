@@ -13,9 +13,11 @@ void SqliteStatement::Finalizer::operator()(sqlite3_stmt* handle) const {
     sqlite3_finalize(handle);
 }
 
-SqliteStatement::SqliteStatement(sqlite3* handle, const QString& database, const QString& sql)
-    : connection_(handle), database_(database) {
+SqliteStatement::SqliteStatement(sqlite3* handle, WorkLimit& limit, const QString& database,
+                                 const QString& sql)
+    : connection_(handle), limit_(limit), database_(database) {
     const QByteArray utf8 = sql.toUtf8();
+    const WorkLimit::Step step(limit_, work_);  // the engine may have to read the tables anew
     sqlite3_stmt* statement = nullptr;
     Check(sqlite3_prepare_v2(handle, utf8.constData(), int(utf8.size()) + 1, &statement, nullptr));
     handle_.reset(statement);
@@ -39,7 +41,10 @@ void SqliteStatement::Bind(int parameter, QByteArrayView value) {
 }
 
 bool SqliteStatement::Step() {
-    const int result = sqlite3_step(handle_.get());
+    const int result = [this] {
+        const WorkLimit::Step step(limit_, work_);
+        return sqlite3_step(handle_.get());
+    }();
     if (result != SQLITE_ROW && result != SQLITE_DONE) {
         Check(result);
     }
@@ -49,6 +54,7 @@ bool SqliteStatement::Step() {
 void SqliteStatement::Reset() {
     // What it returns is the failure of the last Step, which that one has thrown already.
     sqlite3_reset(handle_.get());
+    work_ = {};
 }
 
 bool SqliteStatement::IsNull(int column) const {

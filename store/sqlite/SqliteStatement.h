@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "store/PreparedStatement.h"
+#include "store/sqlite/WorkLimit.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -12,8 +13,8 @@ namespace kadrona::store {
 /// A value of another type is converted as SQLite does.
 class SqliteStatement : public PreparedStatement {
  public:
-    /// Both outlive the statement; `database` is its name for messages. Throws StoreError.
-    SqliteStatement(sqlite3* handle, const QString& database, const QString& sql);
+    /// All outlive the statement; `database` is its name for messages. Throws StoreError.
+    SqliteStatement(sqlite3* handle, WorkLimit& limit, const QString& database, const QString& sql);
 
     void Bind(int parameter, qint64 value) override;
     void Bind(int parameter, const QString& value) override;
@@ -33,6 +34,8 @@ class SqliteStatement : public PreparedStatement {
     void Check(int result) const;
 
     sqlite3* connection_;
+    WorkLimit& limit_;
+    WorkLimit::Work work_;
     const QString& database_;
     std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };

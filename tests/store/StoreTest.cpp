@@ -161,6 +161,30 @@ TEST_F(DatabaseTest, SaysWhatStandsInTheWay) {
     EXPECT_EQ(Count(database_), 0);
 }
 
+TEST_F(DatabaseTest, EndsStatementsThatNeverEnd) {
+    SqliteDatabase hasty(folder_.path(), std::chrono::seconds(5), std::chrono::milliseconds(30));
+    const QString endless = u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "_s;
+    hasty.Execute(u"CREATE TABLE Log (i)"_s);
+    hasty.Execute(u"CREATE TRIGGER T AFTER INSERT ON Photos BEGIN INSERT INTO Log "_s + endless +
+                  u"SELECT max(i) FROM n; END"_s);
+    const auto all = [&](const QString& sql) {
+        return TextOf<StoreError>([&] {
+            for (Statement rows(hasty, sql); rows.Step();) {
+            }
+        });
+    };
+    for (const QString& sql :
+         {u"INSERT INTO Photos (Name) VALUES ('a')"_s, endless + u"SELECT i FROM n"_s}) {
+        EXPECT_TRUE(all(sql).contains(u"hat zu lange gerechnet und wurde abgebrochen"_s))
+            << qPrintable(sql);
+    }
+    EXPECT_EQ(Count(hasty), 0);
+    Statement twice(hasty, endless + u"SELECT sum(i) FROM (SELECT i FROM n LIMIT 100000)"_s);
+    for (int run = 0; run < 20; ++run, twice.Reset()) {
+        EXPECT_TRUE(twice.Step()) << "each run has its own time";
+    }
+}
+
 TEST_F(DatabaseTest, StateTellsEveryChange) {
     SqliteDatabase other(folder_.path());
     const Database::State before = database_.PresentState();
