@@ -1,13 +1,11 @@
 #include "platform/AtomicFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <QFile>
 #include <QLocale>
 #include <cerrno>
 
 #include "platform/Error.h"
+#include "platform/RegularFile.h"
 #include "platform/SystemReason.h"
 
 namespace kadrona::platform {
@@ -58,20 +56,13 @@ std::optional<QByteArray> ReadFileIfThere(const QString& path, qint64 maximumByt
     if (!followed.refusal.isEmpty()) {
         throw ReadError(path, followed.refusal);
     }
-    // Opening a pipe would wait for a writer.
     QFile file;
-    const int handle = open(QFile::encodeName(followed.path).constData(),
-                            O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
-    if (handle < 0 && errno == ENOENT) {
+    const Opening opening = OpenRegularFile(file, followed.path, LastPart::IsNoLink);
+    if (opening.outcome == Opening::Outcome::Missing) {
         return std::nullopt;
     }
-    if (handle < 0 && errno != ENXIO) {
-        throw ReadError(path, SystemReason(errno));
-    }
-    struct stat status {};
-    if (!file.open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
-        fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
-        throw ReadError(path, u"Es ist keine gewöhnliche Datei"_s);  // it might never end
+    if (!opening) {
+        throw ReadError(path, opening.Reason());
     }
     const auto checkSize = [&](qint64 size) {
         if (size > maximumBytes) {
@@ -79,7 +70,7 @@ std::optional<QByteArray> ReadFileIfThere(const QString& path, qint64 maximumByt
             throw ReadError(path, u"Sie ist größer als %1"_s.arg(limit));
         }
     };
-    checkSize(status.st_size);
+    checkSize(file.size());
     QByteArray content = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         throw ReadError(path, SystemReason(file));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QDateTime>
 #include <QString>
 #include <optional>
 
@@ -23,6 +24,9 @@ class AtomicFile {
 
     /// Where to write; check nothing, Commit reports every failure.
     QIODevice& Device() { return file_; }
+
+    /// When its content was made, where that was not now. To be said after the last byte.
+    void SetModified(const QDateTime& time) { file_.SetModified(time); }
 
     /// Flushes and replaces. Throws FileError with the path and the system's reason: the older file
     /// is still there then, but for UnflushedError.

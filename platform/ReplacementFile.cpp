@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 
@@ -70,14 +71,14 @@ int FlushFolder(const QString& folder) {
 }
 
 /// Removes what killed programs left in the folder of a file that was just written. The time is
-/// told by that file, for the folder may lie on a machine with another clock; that folder may also
-/// hold very many files, so it is looked through only once.
+/// told by that file's last change of any kind, for the folder may lie on a machine with another
+/// clock; that folder may also hold very many files, so it is looked through only once.
 void RemoveLeftOvers(const QString& written) {
     static QSet<QString> tidyFolders;
     const QString folder = FolderOf(written);
     if (!tidyFolders.contains(folder)) {
         tidyFolders.insert(folder);
-        RemoveUniqueFiles(folder, NamePrefix, QFileInfo(written).lastModified().addDays(-1));
+        RemoveUniqueFiles(folder, NamePrefix, QFileInfo(written).metadataChangeTime().addDays(-1));
     }
 }
 
@@ -153,6 +154,15 @@ bool ReplacementFile::OpenWithName() {
     }
     waitingName_ = file.path;
     return true;
+}
+
+void ReplacementFile::SetModified(const QDateTime& time) {
+    const auto milliseconds = time.toMSecsSinceEpoch();
+    timespec modified{};
+    modified.tv_sec = milliseconds / 1000;
+    modified.tv_nsec = milliseconds % 1000 * 1'000'000;
+    const std::array times{modified, modified};
+    futimens(handle_, times.data());
 }
 
 bool ReplacementFile::TakePlace() {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <QDateTime>
 #include <QIODevice>
 #include <QString>
 #include <utility>
@@ -30,6 +31,9 @@ class ReplacementFile : public QIODevice {
     /// Fails also where something that must stay stands under the target's name: a folder, a pipe,
     /// a device, a file that is marked read-only.
     bool Create();
+
+    /// The time of the last change, where the file system takes one.
+    void SetModified(const QDateTime& time);
 
     /// Brings the content to the disk, then puts the file under the target's name in one step, and
     /// brings that to the disk. Where only the last fails the file stands there, whole.

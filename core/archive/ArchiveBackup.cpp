@@ -214,7 +214,7 @@ class BackupRun {
                     path));
         } else {
             platform::RequireFolder(QFileInfo(copy).path());
-            CopyArchiveFile(path, copy, tick);
+            CopyArchiveFile(path, copy, platform::Links::Own, tick);
             ++backup_.copied;
         }
     }

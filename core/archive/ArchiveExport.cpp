@@ -182,7 +182,7 @@ class ExportRun {
             RequireOwnWay(path, root);
             names_.insert(name.toLower());
             written_.append(name);
-            CopyArchiveFile(path, platform::JoinPath(unfinished_, name));
+            CopyArchiveFile(path, platform::JoinPath(unfinished_, name), platform::Links::Own);
             return name;
         } catch (const platform::FileError& error) {
             export_.failures.append(error.Text());

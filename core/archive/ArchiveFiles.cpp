@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <memory>
 
@@ -16,8 +17,8 @@
 #include "platform/FolderListing.h"
 #include "platform/FolderProbe.h"
 #include "platform/HarmlessText.h"
-#include "platform/Links.h"
 #include "platform/Paths.h"
+#include "platform/RegularFile.h"
 #include "platform/SilenceWatch.h"
 #include "platform/SystemReason.h"
 #include "store/Statement.h"
@@ -34,6 +35,28 @@ constexpr qint64 BytesAtOnce = 1 << 16;
 platform::FileError FailedRemoval(const QString& path, const QString& reason) {
     return platform::FileError{
         u"Die Datei „%1“ konnte nicht gelöscht werden: %2."_s.arg(path, reason)};
+}
+
+platform::FileError FailedReading(const QString& path, const QString& reason) {
+    return platform::FileError{
+        u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason)};
+}
+
+/// The way to the file has been looked at; what was put in its place since is not followed where
+/// it is another user's link.
+platform::Opening OpenOwn(QFile& file, const QString& path) {
+    const platform::Opening opening = OpenRegularFile(file, path, platform::LastPart::IsNoLink);
+    if (opening.error != ELOOP) {
+        return opening;
+    }
+    const QFileInfo link(path);
+    const QString folder = QFileInfo(link.path()).canonicalFilePath();
+    const platform::FollowedPath followed =
+        platform::FollowLinks(platform::JoinPath(folder, link.fileName()), platform::Links::Own);
+    if (!followed.refusal.isEmpty()) {
+        throw FailedReading(path, followed.refusal);
+    }
+    return OpenRegularFile(file, followed.path, platform::LastPart::IsNoLink);
 }
 
 /// Up to the archive's own folder, which stays.
@@ -151,28 +174,32 @@ platform::Progress WhileAnswering(const QStringList& folders, platform::Progress
 }
 
 std::optional<FileDigest> DigestOf(const QString& path, const FileTick& tick) {
-    if (!platform::IsFile(path)) {
-        return std::nullopt;
+    QFile file;
+    if (const platform::Opening opening = OpenOwn(file, path); !opening) {
+        if (opening.outcome != platform::Opening::Outcome::Failed) {
+            return std::nullopt;
+        }
+        throw FailedReading(path, opening.Reason());
     }
-    QFile file(path);
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    bool isRead = file.open(QIODevice::ReadOnly);
-    for (QByteArray part; isRead && !(part = file.read(BytesAtOnce)).isEmpty(); tick()) {
+    for (QByteArray part; !(part = file.read(BytesAtOnce)).isEmpty(); tick()) {
         hash.addData(part);
     }
-    isRead = isRead && file.error() == QFileDevice::NoError;
-    if (!isRead) {
-        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
-            path, platform::SystemReason(file)));
+    if (file.error() != QFileDevice::NoError) {
+        throw FailedReading(path, platform::SystemReason(file));
     }
     return FileDigest{file.size(), QString::fromLatin1(hash.result().toHex())};
 }
 
-void CopyArchiveFile(const QString& from, const QString& to, const FileTick& tick) {
-    QFile source(from);
-    if (!source.open(QIODevice::ReadOnly)) {
-        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
-            from, platform::SystemReason(source)));
+void CopyArchiveFile(const QString& from, const QString& to, platform::Links links,
+                     const FileTick& tick) {
+    QFile source;
+    if (const platform::Opening opening =
+            links == platform::Links::All
+                ? OpenRegularFile(source, from, platform::LastPart::MayBeLink)
+                : OpenOwn(source, from);
+        !opening) {
+        throw FailedReading(from, opening.Reason());
     }
     platform::AtomicFile copy(to);
     while (true) {
@@ -184,14 +211,10 @@ void CopyArchiveFile(const QString& from, const QString& to, const FileTick& tic
         tick();
     }
     if (source.error() != QFileDevice::NoError) {
-        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
-            from, platform::SystemReason(source)));
+        throw FailedReading(from, platform::SystemReason(source));
     }
+    copy.SetModified(source.fileTime(QFileDevice::FileModificationTime));
     copy.Commit();
-    QFile written(to);
-    if (written.open(QIODevice::ReadWrite)) {
-        written.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
-    }
 }
 
 void KeepDigest(store::Database& database, qint64 id, const QString& path) {

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/archive/ArchiveTable.h"
+#include "platform/Links.h"
 #include "platform/Progress.h"
 
 /// The files of the archive, and the names by which the database knows them.
@@ -70,9 +71,10 @@ std::optional<FileDigest> DigestOf(
     const QString& path, const FileTick& tick = [] {});
 
 /// Copies a file through a temporary one, with the time of the file, from which lost records are
-/// made anew. A file of that name is replaced. Throws platform::FileError.
+/// made anew. A file of that name is replaced. `links` says whether a link of any user may stand in
+/// the place of the file. Throws platform::FileError.
 void CopyArchiveFile(
-    const QString& from, const QString& to, const FileTick& tick = [] {});
+    const QString& from, const QString& to, platform::Links links, const FileTick& tick = [] {});
 
 /// Takes the photo of a record as its file is now. Does nothing where there is none. Throws
 /// platform::FileError and store::StoreError.

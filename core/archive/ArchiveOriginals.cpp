@@ -125,8 +125,9 @@ OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archi
     };
     try {
         RequireSameFile(original);
-        write(Extension(original.file),
-              [&](const QString& path) { CopyArchiveFile(original.file, path); });
+        write(Extension(original.file), [&](const QString& path) {
+            CopyArchiveFile(original.file, path, platform::Links::All);
+        });
     } catch (const platform::FileError&) {
         if (original.photo.IsEmpty()) {
             throw;

@@ -313,7 +313,7 @@ bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
     const auto kept = ReadOriginal(*database_, filed->id);
     const QString original = kept ? pathOf(kept->folder, kept->name) : QString();
     if (kept && waiting.original && !platform::IsFile(original)) {
-        CopyArchiveFile(waiting.original->file, original);
+        CopyArchiveFile(waiting.original->file, original, platform::Links::Own);
     }
     currentRecord_ = filed->id;
     return true;

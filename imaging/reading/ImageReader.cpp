@@ -4,7 +4,6 @@
 #include <QFileInfo>
 #include <array>
 #include <cerrno>
-#include <filesystem>
 #include <new>
 
 #include "imaging/pixels/LaidOverWhite.h"
@@ -18,6 +17,7 @@
 #include "imaging/reading/TiffReader.h"
 #include "imaging/reading/WebPReader.h"
 #include "platform/ByteReader.h"
+#include "platform/RegularFile.h"
 #include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
@@ -107,28 +107,16 @@ LoadedImage Finished(DecodedImage decoded, bool applyOrientation) {
             std::move(decoded.metadata.iptc)};
 }
 
-/// Why no ordinary file can be opened under that path; empty where one can be.
-QString LookUpFailure(const QString& path) {
-    if (path.contains(QChar::Null)) {
-        return platform::SystemReason(EINVAL) + u'.';  // the system would end the name there
+/// Why a file was not opened, as a sentence.
+QString OpeningFailure(const platform::Opening& opening, const QString& path) {
+    using Outcome = platform::Opening::Outcome;
+    if (opening.outcome != Outcome::Missing && opening.error != ENOTDIR) {
+        return opening.Reason() + u'.';
     }
-    std::error_code error;
-    const auto status = std::filesystem::status(QFile::encodeName(path).toStdString(), error);
-    switch (status.type()) {
-        case std::filesystem::file_type::regular:
-            return {};
-        case std::filesystem::file_type::directory:
-            return u"Es ist ein Ordner."_s;
-        case std::filesystem::file_type::not_found:
-            // Bytes that are no text are lost where names are texts.
-            return path.contains(QChar::ReplacementCharacter)
-                       ? u"Ihr Name ist kein gültiges UTF-8; benennen Sie sie um."_s
-                       : u"Die Datei ist nicht vorhanden."_s;
-        case std::filesystem::file_type::none:
-            return platform::SystemReason(error.value()) + u'.';
-        default:  // a pipe or a device would keep us waiting
-            return u"Es ist keine gewöhnliche Datei."_s;
-    }
+    // Bytes that are no text are lost where names are texts.
+    return path.contains(QChar::ReplacementCharacter)
+               ? u"Ihr Name ist kein gültiges UTF-8; benennen Sie sie um."_s
+               : u"Die Datei ist nicht vorhanden."_s;
 }
 
 }  // namespace
@@ -138,12 +126,11 @@ LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
     const auto fail = [&name](const QString& reason) {
         throw ReadError(ReadErrorText(name, reason));
     };
-    if (const QString reason = LookUpFailure(path); !reason.isEmpty()) {
-        fail(reason);
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        fail(platform::SystemReason(file) + u'.');
+    QFile file;
+    if (const platform::Opening opening =
+            OpenRegularFile(file, path, platform::LastPart::MayBeLink);
+        !opening) {
+        fail(OpeningFailure(opening, path));
     }
     try {
         return ReadImage(file, name, options);
@@ -162,8 +149,8 @@ bool CanGiveUp(QIODevice& device) {
 }
 
 bool CanGiveUpFile(const QString& path) {
-    QFile file(path);
-    return LookUpFailure(path).isEmpty() && file.open(QIODevice::ReadOnly) && CanGiveUp(file);
+    QFile file;
+    return OpenRegularFile(file, path, platform::LastPart::MayBeLink) && CanGiveUp(file);
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {

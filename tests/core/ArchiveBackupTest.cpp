@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include "core/archive/ArchiveBackup.h"
+#include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveRebuild.h"
 #include "tests/core/ArchiveKeepingFixture.h"
 #include "tests/support/Errors.h"
@@ -130,6 +131,15 @@ TEST_F(ArchiveKeeping, NothingIsReadOrWrittenBehindAnotherUsersLink) {
     plant(own, Filed("2026_03_00001.jpg"));
     data.SetCurrentRecord(1);
     EXPECT_EQ(data.GetFileNameFromRecord(archiveFolder), QString()) << "nor tags in it";
+    const QString link = Filed("2026_03_00001.jpg");
+    const QString copy = installation.Path("copy.jpg");
+    EXPECT_THROW(core::DigestOf(link), platform::FileError) << "put there after the look";
+    EXPECT_THROW(core::CopyArchiveFile(link, copy, platform::Links::Own), platform::FileError);
+    core::CopyArchiveFile(link, copy, platform::Links::All);
+    EXPECT_EQ(QFileInfo(copy).lastModified(), QFileInfo(own).lastModified());
+    ASSERT_EQ(lchown(QFile::encodeName(link).constData(), 0, 0), 0);
+    EXPECT_EQ(core::DigestOf(link), core::DigestOf(own));
+    plant(own, link);
     plant(elsewhere, archiveFolder + u"/2026"_s);
     EXPECT_THROW(File(u"b\r\n"_s), platform::FileError);
     EXPECT_EQ(QDir(elsewhere).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), 1);

@@ -1,4 +1,5 @@
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <QTemporaryDir>
 
@@ -291,10 +292,13 @@ TEST(ReaderFailure, PackedTextsOfPngAreNotUnpacked) {
 TEST(ReaderFailure, FilesThatCannotBeOpened) {
     const QTemporaryDir folder;
     const QString longName(300, u'x');
+    const QString pipe = folder.filePath(u"pipe.jpg"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     for (const auto& [file, reason] :
          {std::pair(folder.filePath(u"weg.jpg"_s), u"Die Datei ist nicht vorhanden"_s),
           {folder.path(), u"Es ist ein Ordner"_s},
           {folder.filePath(longName), u"Der Name ist zu lang"_s},
+          {pipe, u"Es ist keine gewöhnliche Datei"_s},
           {u"/dev/zero"_s, u"Es ist keine gewöhnliche Datei"_s}}) {
         const QString path = file;
         EXPECT_EQ(testing::TextOf<ReadError>([&] { ReadImageFile(path); }),

@@ -181,10 +181,10 @@ TEST_F(AtomicFileTest, OnlyWhatIsNotThereReadsAsNothing) {
     };
     const QString pipe = Folder() + u"/pipe"_s;
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    for (const QString& path : {pipe, Folder()}) {
+    for (const auto& [path, reason] : {std::pair(pipe, u"Es ist keine gewöhnliche Datei"_s),
+                                       std::pair(Folder(), u"Es ist ein Ordner"_s)}) {
         EXPECT_EQ(error(path),
-                  u"Die Datei „%1“ konnte nicht gelesen werden: Es ist keine "
-                  u"gewöhnliche Datei."_s.arg(path));
+                  u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, reason));
     }
     EXPECT_TRUE(error(Path() + u"/a"_s).endsWith(u"Ein Teil des Pfades ist kein Ordner."_s));
     const ClosedFolder closed(Folder(), 0);
