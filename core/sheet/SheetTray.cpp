@@ -44,6 +44,27 @@ QJsonObject ObjectOf(const CollectedItem& item, const QString& file) {
             {u"count"_s, item.count}};
 }
 
+/// The damaged lists of a lifetime.
+constexpr int MostKeptLists = 100;
+
+/// Gives a file a name that is free. Throws platform::FileError.
+QString SetAside(const QString& path, const QString& base, const QString& extension) {
+    QFile file(path);
+    for (int number = 1; number <= MostKeptLists; ++number) {
+        const QString aside = base + u'-' + QString::number(number) + extension;
+        if (QFileInfo::exists(aside)) {
+            continue;
+        }
+        if (!file.rename(aside)) {
+            break;
+        }
+        return aside;
+    }
+    throw platform::FileError(
+        u"Die beschädigte Liste „%1“ des Sammelblatts kann nicht umbenannt "
+        u"werden: %2."_s.arg(path, platform::SystemReason(file)));
+}
+
 bool MakesSense(const ListedItem& listed) {
     static const QRegularExpression form(u"^bild[0-9]{1,9}\\.png$"_s);
     const CollectedItem& item = listed.item;
@@ -55,9 +76,13 @@ bool MakesSense(const ListedItem& listed) {
 }  // namespace
 
 std::vector<ListedItem> ParseTrayList(const QByteArray& json) {
-    const QJsonDocument document = QJsonDocument::fromJson(json);
+    QJsonParseError failure;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &failure);
+    if (failure.error != QJsonParseError::NoError) {
+        throw DamagedList(u"Sie ist ab Zeichen %1 kein JSON"_s.arg(failure.offset + 1));
+    }
     if (!document.isArray()) {
-        throw platform::Error(u"Die Liste des Sammelblatts ist beschädigt."_s);
+        throw DamagedList(u"Sie enthält keine Liste"_s);
     }
     std::vector<ListedItem> items;
     QSet<QString> files;
@@ -123,6 +148,15 @@ QString SheetTray::PathOf(const QString& file) const {
     return followed.path;
 }
 
+std::vector<ListedItem> SheetTray::Listed(const QByteArray& json) const {
+    try {
+        return ParseTrayList(json);
+    } catch (const DamagedList& damage) {
+        throw DamagedList(u"Die Liste „%1“ des Sammelblatts ist beschädigt: %2."_s.arg(
+            PathOf(ListName), damage.Text()));
+    }
+}
+
 /// Pictures that are known already are not read again.
 SheetTray::Content SheetTray::Read(Unread unread) const {
     Content content;
@@ -133,7 +167,7 @@ SheetTray::Content SheetTray::Read(Unread unread) const {
     }
     const QDeadlineTimer end(longestReading_);
     qint64 room = MostCollectedPixels;
-    for (ListedItem& listed : ParseTrayList(*list)) {
+    for (ListedItem& listed : Listed(*list)) {
         if (unread == Unread::LeaveOut && content_.CouldNotRead(listed.file)) {
             content.unread.emplace(content.items.size(), std::move(listed));
             content.failure = content_.failure;
@@ -188,17 +222,23 @@ void SheetTray::Save(const Content& content) const {
                                   platform::Links::Own);
 }
 
-/// A damaged list must not keep the tray from being used for ever; its pictures' files stay.
+/// A damaged list must not keep the tray from being used for ever, nor be lost.
+SheetTray::Content SheetTray::ReadOrSetAside() const {
+    try {
+        return Read(Unread::LeaveOut);
+    } catch (const DamagedList& damage) {
+        const QString aside =
+            SetAside(PathOf(ListName), PathOf(u"Sammelblatt-beschädigt"_s), u".json"_s);
+        throw platform::Error(
+            damage.Text() +
+            u" Sie heißt jetzt „%1“; die Bilder liegen noch daneben. Wiederholen "
+            u"Sie den Schritt, um ein neues Sammelblatt zu beginnen."_s.arg(aside));
+    }
+}
+
 void SheetTray::Change(const std::function<void(Content&)>& change) {
     const platform::FolderLock lock(PathOf({}));
-    Content content;
-    try {
-        content = Read(Unread::LeaveOut);
-    } catch (const platform::FileError&) {
-        throw;
-    } catch (const platform::Error&) {
-        content = {};
-    }
+    Content content = ReadOrSetAside();
     change(content);
     try {
         Save(content);

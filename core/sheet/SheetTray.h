@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/sheet/CollectedSheet.h"
+#include "platform/Error.h"
 
 namespace kadrona::core {
 
@@ -22,6 +23,11 @@ struct ListedItem {
 struct TrayCopies {
     QString file;
     int count;
+};
+
+/// The text is the reason, without a full stop, where it comes from ParseTrayList.
+class DamagedList : public platform::Error {
+    using Error::Error;
 };
 
 /// The pictures that wait for a collected sheet, kept in a folder until they are printed or taken
@@ -51,7 +57,8 @@ class SheetTray {
 
     /// A picture finer than HighestCollectedResolution is kept at that. Throws platform::Error with
     /// the tray as it was, as the others do. After each of them the items are those of the list,
-    /// with what another program has changed; what it has taken out is left alone.
+    /// with what another program has changed; what it has taken out is left alone. A damaged list
+    /// is renamed and told; the next change begins a new one.
     void Add(CollectedItem item);
     void SetCount(size_t index, int count);
     /// Puts an item to the place of another one.
@@ -87,6 +94,10 @@ class SheetTray {
 
     void Take(Unread unread);
     Content Read(Unread unread) const;
+    /// As ParseTrayList, but the text names the file.
+    std::vector<ListedItem> Listed(const QByteArray& json) const;
+    /// Throws platform::Error for a damaged list too, which has another name then.
+    Content ReadOrSetAside() const;
     imaging::Pixels PictureOf(const ListedItem& listed, qint64 room,
                               const QDeadlineTimer& end) const;
     void Save(const Content& content) const;
@@ -105,7 +116,7 @@ class SheetTray {
 };
 
 /// Reads a list of a tray, which anybody may have written: what makes no sense is left out. Throws
-/// platform::Error for what is no list at all.
+/// DamagedList for what is no list at all.
 std::vector<ListedItem> ParseTrayList(const QByteArray& json);
 
 }  // namespace kadrona::core

@@ -17,6 +17,7 @@
 #include "core/sheet/ShelfPacking.h"
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
+#include "tests/support/Errors.h"
 #include "tests/support/PixelMatchers.h"
 
 namespace kadrona::core {
@@ -329,6 +330,28 @@ TEST(SheetTray, LeadsNowhereByAnothersLink) {
     EXPECT_THROW(tray.Add({imaging::Pixels(picture), {20'000, 30'000}, {}, {}}),
                  platform::FileError);
     EXPECT_EQ(platform::ReadWholeFile(victim, 9), "[]"_ba);
+}
+
+TEST(SheetTray, ADamagedListIsKeptAsideAndTold) {
+    const QTemporaryDir folder;
+    SheetTray tray(folder.path());
+    const auto add = [&] {
+        tray.Add({imaging::Pixels(QImage(20, 30, QImage::Format_RGB32)), {20'000, 30'000}, {}, {}});
+    };
+    const QString list = folder.filePath(u"Sammelblatt.json"_s);
+    int number = 0;
+    for (const auto& [damaged, reason] : {std::pair("[{\"file\""_ba, u"Sie ist ab Zeichen"_s),
+                                          std::pair("{}"_ba, u"Sie enthält keine Liste"_s)}) {
+        platform::WriteFileAtomically(list, damaged);
+        const QString aside = folder.filePath(u"Sammelblatt-beschädigt-%1.json"_s.arg(++number));
+        const QString text = testing::TextOf<platform::Error>(add);
+        for (const QString& part : {list, aside, reason}) {
+            EXPECT_TRUE(text.contains(part)) << text.toStdString();
+        }
+        EXPECT_EQ(platform::ReadWholeFile(aside, 99), damaged);
+        add();
+        EXPECT_EQ(tray.Items().size(), 1U);
+    }
 }
 
 TEST(SheetTray, TwoProgramsLoseNothingOfEachOther) {
