@@ -3,6 +3,7 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -100,6 +101,20 @@ Value FieldOf(TIFF* tiff, quint32 tag) {
     Value value = 0;
     TIFFGetFieldDefaulted(tiff, tag, &value);
     return value;
+}
+
+/// libtiff knows a dozen further ways, which no camera and no photo editor writes photos in, and
+/// whose decoders hardly anybody keeps: fax, and those of single scanners and laboratories.
+void RequireUsualPacking(TIFF* tiff, const ReadTask& task) {
+    constexpr std::array Usual{COMPRESSION_NONE,     COMPRESSION_LZW,
+                               COMPRESSION_JPEG,     COMPRESSION_ADOBE_DEFLATE,
+                               COMPRESSION_PACKBITS, COMPRESSION_DEFLATE};
+    const auto packing = FieldOf<quint16>(tiff, TIFFTAG_COMPRESSION);
+    if (std::ranges::find(Usual, packing) == Usual.end()) {
+        task.Fail(
+            u"Sie ist auf eine Art gepackt (TIFF-Kompression %1), die für Fotos nicht üblich "
+            u"ist; speichern Sie sie mit LZW, ZIP oder JPEG."_s.arg(packing));
+    }
 }
 
 /// How the samples of a pixel lie in the file.
@@ -235,6 +250,7 @@ DecodedImage ReadTiff(const ReadTask& task) {
     if (!tiff) {
         task.Fail(DamagedOrIncompleteFileReason());
     }
+    RequireUsualPacking(tiff.get(), task);
     const TiffLayout layout(tiff.get());
     task.RequireAllowedSize(layout.width, layout.height);
     const qint64 packed = PackedBytes(tiff.get(), task.Device().size());

@@ -173,6 +173,31 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     }
 }
 
+TEST(ReaderFailure, TiffsAreUnpackedOnlyAsPhotosArePacked) {
+    for (const auto& [packing, isUsual] : {std::pair(1, true),
+                                           {5, true},
+                                           {7, true},
+                                           {8, true},
+                                           {32773, true},
+                                           {32946, true},
+                                           {2, false},
+                                           {4, false},
+                                           {6, false},
+                                           {32809, false},
+                                           {34676, false},
+                                           {34887, false},
+                                           {34925, false},
+                                           {50000, false},
+                                           {50001, false}}) {
+        const QString failure =
+            Failure(Tiff({Short(0x100, 10), Short(0x101, 10), Short(0x102, 8),
+                          Short(0x103, quint16(packing)), Short(0x106, 1), Short(0x115, 1)},
+                         QByteArray(100, 'x')));
+        EXPECT_EQ(failure.contains(u"TIFF-Kompression %1)"_s.arg(packing)), !isUsual)
+            << packing << failure.toStdString();
+    }
+}
+
 // What the libraries would crash at, or calculate for hours.
 TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     const auto box = [](const char* type, const QByteArray& content) {
