@@ -23,8 +23,10 @@ constexpr int Width = Side + 16;
 constexpr int SettlingMilliseconds = 150;
 /// Larger ones than telephones and most cameras make would keep the dialog waiting; JPEGs, which
 /// are decoded at an eighth of their width, only from sizes on that no camera makes.
-constexpr imaging::ReadOptions Small{
-    .maximumPixels = 26'000'000, .maximumShrunkPixels = 120'000'000, .shrink = 8};
+constexpr imaging::ReadOptions Small{.maximumPixels = 26'000'000,
+                                     .maximumShrunkPixels = 120'000'000,
+                                     .shrink = 8,
+                                     .patienceMilliseconds = 1000};
 
 }  // namespace
 

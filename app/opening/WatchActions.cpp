@@ -26,6 +26,11 @@ constexpr int FolderLookMilliseconds = 1000;
 constexpr int LookShare = 20;
 /// Whoever looks for older ones opens the folder.
 constexpr int MostShown = 40;
+/// The window waits for each picture, whatever somebody has put into the folder.
+constexpr imaging::ReadOptions ForStrip{.maximumPixels = 60'000'000,
+                                        .maximumShrunkPixels = 200'000'000,
+                                        .shrink = 8,
+                                        .patienceMilliseconds = 1000};
 
 }  // namespace
 
@@ -101,9 +106,11 @@ void WatchActions::MakeOnePicture() {
         return;
     }
     try {
-        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, {.shrink = 8}).pixels,
+        strip_.SetPicture(path, SmallPicture(imaging::ReadImageFile(path, ForStrip).pixels,
                                              strip_.devicePixelRatioF()));
         QTimer::singleShot(0, this, &WatchActions::MakeOnePicture);
+    } catch (const imaging::ReadTooLong&) {
+        strip_.SetNoPicture(path);  // the next look makes the next one
     } catch (const platform::Error&) {
         watch_->PassOver(path);
         ShowFiles();

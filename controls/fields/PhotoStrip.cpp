@@ -83,6 +83,11 @@ void PhotoStrip::SetPicture(const QString& path, const QImage& picture) {
     }
 }
 
+void PhotoStrip::SetNoPicture(const QString& path) {
+    const QIcon file = style()->standardIcon(QStyle::SP_FileIcon, nullptr, this);
+    SetPicture(path, file.pixmap(PictureSide / 2).toImage());
+}
+
 QString PhotoStrip::WithoutPicture() const {
     for (int i = 0; i < count(); ++i) {
         if (!item(i)->data(HasPictureRole).toBool()) {

@@ -23,6 +23,8 @@ class PhotoStrip : public QListWidget {
     void SetFiles(const QStringList& paths);
     /// A picture of PictureSide at most, in pixels of the screen, for a file that is shown.
     void SetPicture(const QString& path, const QImage& picture);
+    /// Shows a file as such, whose picture is not made.
+    void SetNoPicture(const QString& path);
     /// The first file without a picture; empty where all have one.
     QString WithoutPicture() const;
 

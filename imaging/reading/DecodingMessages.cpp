@@ -34,7 +34,7 @@ QDataStream& operator<<(QDataStream& stream, const decoding::Progress& said) {
     return stream << said.part;
 }
 QDataStream& operator<<(QDataStream& stream, const decoding::Failure& said) {
-    return stream << said.text;
+    return stream << said.text << said.isTooLong;
 }
 QDataStream& operator<<(QDataStream& stream, const decoding::Picture& said) {
     return stream << said.size << said.hasAlpha << static_cast<qint32>(said.model)
@@ -67,7 +67,7 @@ bool Read(QDataStream& stream, decoding::Progress& said) {
 
 bool Read(QDataStream& stream, decoding::Failure& said) {
     constexpr qsizetype Longest = 1000;
-    stream >> said.text;
+    stream >> said.text >> said.isTooLong;
     said.text = platform::HarmlessLine(said.text.left(Longest));
     return !said.text.isEmpty();
 }
@@ -112,7 +112,7 @@ QByteArray Packed(const DecodingRequest& request) {
         stream << static_cast<qint32>(request.format) << request.name << request.fileBytes
                << request.options.applyOrientation << request.options.maximumPixels
                << request.options.maximumShrunkPixels << request.options.shrink
-               << request.tellsProgress;
+               << request.options.patienceMilliseconds << request.tellsProgress;
     });
 }
 
@@ -131,7 +131,8 @@ std::optional<DecodingRequest> DecodingRequestFrom(const QByteArray& bytes) {
     DecodingRequest request;
     stream >> mark >> format >> request.name >> request.fileBytes >>
         request.options.applyOrientation >> request.options.maximumPixels >>
-        request.options.maximumShrunkPixels >> request.options.shrink >> request.tellsProgress;
+        request.options.maximumShrunkPixels >> request.options.shrink >>
+        request.options.patienceMilliseconds >> request.tellsProgress;
     request.format = static_cast<CameraFormat>(format);
     return mark == Mark && IsReadWhole(stream) ? std::optional(request) : std::nullopt;
 }

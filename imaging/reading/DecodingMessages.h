@@ -46,6 +46,7 @@ struct Progress {
 /// The text of a ReadError.
 struct Failure {
     QString text;
+    bool isTooLong = false;  ///< as ReadTooLong
 };
 /// The picture's memory has its pixels, 32 bits each, and behind them the profile.
 struct Picture {

@@ -25,8 +25,6 @@ namespace {
 constexpr std::chrono::milliseconds Look{100};
 /// Whoever is patient so long without a word is asked whether he goes on.
 constexpr qint64 PatienceMilliseconds = 2000;
-/// A small picture of a list is not worth more; nobody can give it up.
-constexpr qint64 PatienceForPreviewMilliseconds = 10'000;
 
 /// From its last word to its end; one that goes on silently is not waited for.
 constexpr std::chrono::milliseconds Farewell{1000};
@@ -128,9 +126,11 @@ class Decoding {
     void RequireWork() {
         const std::chrono::nanoseconds passed(sinceLook_.nsecsElapsed());
         sinceLook_.start();
-        const bool isLate =
-            task_.Shrink() > 1 && sinceStart_.elapsed() > PatienceForPreviewMilliseconds;
-        if (isLate || !watch_.IsAllowed(process_.TimeUsed(), passed)) {
+        const int patience = task_.Options().patienceMilliseconds;
+        if (patience > 0 && sinceStart_.elapsed() > patience) {
+            task_.FailAsTooLong();
+        }
+        if (!watch_.IsAllowed(process_.TimeUsed(), passed)) {
             task_.Fail(u"Sie ist beschädigt: Der Leser für %1 kommt mit ihr nicht zu Ende."_s.arg(
                 NameOf(format_)));
         }
@@ -162,7 +162,12 @@ class Decoding {
         return {};
     }
 
-    static Decoded Take(const decoding::Failure& said) { throw ReadError(said.text); }
+    static Decoded Take(const decoding::Failure& said) {
+        if (said.isTooLong) {
+            throw ReadTooLong(said.text);
+        }
+        throw ReadError(said.text);
+    }
 
     Decoded Take(const decoding::Picture& said) {
         process_.End();

@@ -8,6 +8,7 @@
 
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/reading/CameraFiles.h"
+#include "imaging/reading/HastyDevice.h"
 #include "imaging/reading/IconReader.h"
 #include "imaging/reading/JpegReader.h"
 #include "imaging/reading/MetafileReader.h"
@@ -119,6 +120,34 @@ QString OpeningFailure(const platform::Opening& opening, const QString& path) {
                : u"Die Datei ist nicht vorhanden."_s;
 }
 
+LoadedImage ReadPatiently(const ReadTask& task) {
+    try {
+        return Finished(Decode(task), task.Options().applyOrientation);
+    } catch (const ReadError&) {
+        throw;
+    } catch (const platform::Error&) {  // a picture that does not fit into memory
+        task.Fail(OutOfMemoryReason());
+    } catch (const std::bad_alloc&) {
+        task.Fail(OutOfMemoryReason());
+    }
+}
+
+LoadedImage ReadHastily(QIODevice& device, const QString& name, const ReadOptions& options) {
+    HastyDevice hasty(device, QDeadlineTimer(options.patienceMilliseconds));
+    const ReadTask task(hasty, name, options);
+    try {
+        LoadedImage loaded = ReadPatiently(task);
+        if (!hasty.HasEnded()) {
+            return loaded;
+        }
+    } catch (const ReadError&) {
+        if (!hasty.HasEnded()) {
+            throw;
+        }
+    }
+    task.FailAsTooLong();  // and not that the file ends early
+}
+
 }  // namespace
 
 LoadedImage ReadImageFile(const QString& path, const ReadOptions& options) {
@@ -154,16 +183,11 @@ bool CanGiveUpFile(const QString& path) {
 }
 
 LoadedImage ReadImage(QIODevice& device, const QString& name, const ReadOptions& options) {
-    const ReadTask task(device, name, options);
-    try {
-        return Finished(Decode(task), options.applyOrientation);
-    } catch (const ReadError&) {
-        throw;
-    } catch (const platform::Error&) {  // a picture that does not fit into memory
-        task.Fail(OutOfMemoryReason());
-    } catch (const std::bad_alloc&) {
-        task.Fail(OutOfMemoryReason());
+    if (options.patienceMilliseconds > 0) {
+        return ReadHastily(device, name, options);
     }
+    const ReadTask task(device, name, options);
+    return ReadPatiently(task);
 }
 
 }  // namespace kadrona::imaging

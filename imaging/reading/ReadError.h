@@ -12,6 +12,12 @@ class ReadError : public platform::FileError {
     using FileError::FileError;
 };
 
+/// A picture that is only to be looked at was not read within the patience of ReadOptions, or is
+/// larger than they allow. Whoever opens it may see it all the same.
+class ReadTooLong : public ReadError {
+    using ReadError::ReadError;
+};
+
 class ReadProgress;
 
 struct ReadOptions {
@@ -26,6 +32,9 @@ struct ReadOptions {
     /// that is only to be looked at, and of a camera's raw file its preview is taken where it has
     /// one. Other formats come as they are.
     int shrink = 1;
+    /// Where nobody can give the reading up, how long it may take about; 0 for no limit. Throws
+    /// ReadTooLong. What is read and only then calculated is bounded by maximumPixels.
+    int patienceMilliseconds = 0;
     /// Told of a picture that takes long, and may give it up: then ReadCancelled is thrown. Null
     /// for none; outlives the reading.
     ReadProgress* progress = nullptr;

@@ -14,6 +14,10 @@ void ReadTask::Fail(const QString& reason) const {
     throw ReadError(ReadErrorText(name_, reason));
 }
 
+void ReadTask::FailAsTooLong() const {
+    throw ReadTooLong(ReadErrorText(name_, u"Es dauert zu lange."_s));
+}
+
 void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) const {
     constexpr qint64 Mega = 1'000'000;
     if (width <= 0 || height <= 0) {
@@ -29,9 +33,13 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) cons
     // Rounded away from each other, so that the text never says "200 of 200".
     const QLocale german(QLocale::German);
     const auto megapixels = static_cast<qint64>(std::ceil(double(width) * double(height) / Mega));
-    throw ReadError(
+    const QString text =
         u"Das Bild „%1“ hat %2 Megapixel; es werden höchstens %3 Megapixel unterstützt."_s.arg(
-            name_, german.toString(megapixels), german.toString(allowed / Mega)));
+            name_, german.toString(megapixels), german.toString(allowed / Mega));
+    if (options_.patienceMilliseconds > 0) {
+        throw ReadTooLong(text);
+    }
+    throw ReadError(text);
 }
 
 void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {

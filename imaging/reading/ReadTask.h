@@ -69,6 +69,9 @@ class ReadTask {
     /// Throws the ReadError that names the file and `reason`, a German sentence.
     [[noreturn]] void Fail(const QString& reason) const;
 
+    /// Throws the ReadTooLong that names the file.
+    [[noreturn]] void FailAsTooLong() const;
+
     /// The whole file, from its start. Throws as RequireReadableWhole().
     QByteArray ReadWhole() const;
     /// What ReadWhole() gave is not needed any more, and nothing else is read.

@@ -72,6 +72,20 @@ TEST(ReaderFailure, DamagedJpegDataIsRefused) {
     EXPECT_EQ(Failure(QByteArray(whole).insert(2, segment.repeated(5100))), unsupported);
 }
 
+TEST(ReaderFailure, WhoOnlyLooksWaitsNoLongerThanHeSays) {
+    QByteArray jpeg = NoisyJpeg(true);
+    const qsizetype first = jpeg.indexOf("\xff\xda");
+    const QByteArray scan = jpeg.sliced(first, jpeg.indexOf("\xff\xc4", first) - first);
+    jpeg.insert(first, scan.repeated(80));
+    const QByteArray raw = RawFile({.size = {400, 300}}, Qt::gray);
+    for (const QByteArray& file : {jpeg, raw}) {
+        EXPECT_THROW(Read(file, {.shrink = 8, .patienceMilliseconds = 1}), ReadTooLong);
+        EXPECT_THROW(Read(file, {.maximumPixels = 1000, .patienceMilliseconds = 60'000}),
+                     ReadTooLong);
+        EXPECT_EQ(Failure(file, {.shrink = 8, .patienceMilliseconds = 60'000}), QString());
+    }
+}
+
 TEST(ReaderFailure, TooManyPixelsAreRefusedByTheHeader) {
     ReadOptions options;
     options.maximumPixels = 2'000'000;

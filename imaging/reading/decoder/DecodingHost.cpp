@@ -95,6 +95,8 @@ void DecodingHost::Answer(decltype(kadrona_decode_camera_file)& decode) {
         DecodedImage decoded;
         decode(request_.format, task, decoded);
         Give(std::move(decoded));
+    } catch (const ReadTooLong& error) {
+        Tell(decoding::Failure{error.Text(), true});
     } catch (const ReadError& error) {
         Tell(decoding::Failure{error.Text()});
     } catch (const platform::Error&) {  // a picture that does not fit into memory
