@@ -13,6 +13,7 @@
 #include <cstdio>
 
 #include "platform/FileModes.h"
+#include "platform/Renaming.h"
 #include "platform/SystemReason.h"
 #include "platform/UniqueFile.h"
 
@@ -51,23 +52,10 @@ int Link(int handle, const QString& path) {
     return result == 0 ? 0 : errno;
 }
 
-/// Waits until the content of an open file or folder is on the disk. Returns 0 or the system's
+/// Waits until the content of an open file is on the disk. Returns 0 or the system's
 /// error code; a file system that cannot tell counts as done.
 int Flush(int handle) {
     return fsync(handle) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
-}
-
-/// Waits until a new name in `folder` is on the disk. Returns 0 or the system's error code; a
-/// folder that may be written to but not listed cannot be asked.
-int FlushFolder(const QString& folder) {
-    const int handle =
-        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle < 0) {
-        return errno == EACCES ? 0 : errno;
-    }
-    const int code = Flush(handle);
-    close(handle);
-    return code;
 }
 
 /// Removes what killed programs left in the folder of a file that was just written. The time is

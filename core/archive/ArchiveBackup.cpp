@@ -7,8 +7,6 @@
 #include <QScopeGuard>
 #include <QSet>
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveTransfer.h"
@@ -18,7 +16,7 @@
 #include "platform/Error.h"
 #include "platform/FolderListing.h"
 #include "platform/Paths.h"
-#include "platform/SystemReason.h"
+#include "platform/Renaming.h"
 #include "store/Statement.h"
 #include "store/Transaction.h"
 #include "store/sqlite/SqliteDatabase.h"
@@ -115,7 +113,7 @@ class BackupRun {
         }
         CopyFiles();
         RemoveDeleted();
-        Rename(waiting, platform::JoinPath(target_, CopiedDatabase));
+        platform::RenameOnDisk(waiting, platform::JoinPath(target_, CopiedDatabase));
         return std::move(backup_);
     }
 
@@ -132,14 +130,7 @@ class BackupRun {
             const store::Snapshot moment(database_);
             TransferArchive(database_, copy, progress_);
         }
-        Rename(platform::JoinPath(folder, CopiedDatabase), waiting);
-    }
-
-    static void Rename(const QString& from, const QString& to) {
-        if (rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
-            throw platform::FileError(u"Die Datei „%1“ konnte nicht geschrieben werden: %2."_s.arg(
-                to, platform::SystemReason(errno)));
-        }
+        platform::RenameOnDisk(platform::JoinPath(folder, CopiedDatabase), waiting);
     }
 
     void CopyFiles() {

@@ -6,8 +6,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
-#include <cerrno>
-#include <cstdio>
 #include <optional>
 
 #include "core/archive/ArchiveFiles.h"
@@ -16,7 +14,7 @@
 #include "platform/Error.h"
 #include "platform/FolderProbe.h"
 #include "platform/Paths.h"
-#include "platform/SystemReason.h"
+#include "platform/Renaming.h"
 
 using namespace Qt::StringLiterals;
 
@@ -106,11 +104,7 @@ class ExportRun {
         platform::WriteFileAtomically(platform::JoinPath(unfinished_, DataName),
                                       QJsonDocument(list_).toJson());
         platform::WriteFileAtomically(platform::JoinPath(unfinished_, TableName), csv_.toUtf8());
-        if (rename(QFile::encodeName(unfinished_).constData(),
-                   QFile::encodeName(export_.folder).constData()) != 0) {
-            throw platform::FileError(u"Der Ordner „%1“ kann nicht umbenannt werden: %2."_s.arg(
-                unfinished_, platform::SystemReason(errno)));
-        }
+        platform::RenameOnDisk(unfinished_, export_.folder);
         return std::move(export_);
     }
 
