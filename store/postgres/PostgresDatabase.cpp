@@ -189,14 +189,10 @@ QStringList PostgresDatabase::Supplements(const ListedTable& table) const {
 }
 
 qint64 PostgresDatabase::LastNumber(const QString& table, const QString& column) {
-    Statement name(*this, u"SELECT pg_get_serial_sequence(?, ?)"_s);
-    name.Bind(1, u'"' + table + u'"').Bind(2, column);
-    if (!name.Step() || name.IsNull(0)) {
-        return 0;
-    }
     Statement last(*this,
-                   u"SELECT CASE WHEN is_called THEN last_value ELSE 0 END FROM "_s + name.Text(0));
-    return last.Step() ? last.Integer(0) : 0;
+                   u"SELECT coalesce(pg_sequence_last_value("
+                   u"pg_get_serial_sequence(?, ?)::regclass), 0)"_s);
+    return last.Bind(1, u'"' + table + u'"').Bind(2, column).Step() ? last.Integer(0) : 0;
 }
 
 void PostgresDatabase::RaiseLastNumber(const QString& table, const QString& column, qint64 number) {
