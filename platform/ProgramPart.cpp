@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include "platform/Paths.h"
@@ -50,9 +52,13 @@ QString PathAmongLibraries(const QString& name) {
     return {};
 }
 
-/// Whether there is no room for a part with its libraries. Of a library that cannot be opened only
-/// a text in the user's language says why.
-bool IsMemoryShort() {
+/// Whether there is no room for a part with its libraries, which may be a hundred megabytes. Of a
+/// library that cannot be opened only a text says why, with the system's own in the user's language
+/// at its end.
+bool IsMemoryShort(const char* failure) {
+    if (failure != nullptr && std::strstr(failure, std::strerror(ENOMEM)) != nullptr) {
+        return true;
+    }
     constexpr size_t RoomOfPart = size_t{32} << 20U;
     void* const room =
         mmap(nullptr, RoomOfPart, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -67,7 +73,8 @@ void* AddressInPart(const char* part, const char* function) {
     const QString path = installed.isEmpty() ? name : installed;
     void* const library = dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
     void* const address = library != nullptr ? dlsym(library, function) : nullptr;
-    if (library == nullptr && !installed.isEmpty() && IsMemoryShort()) {
+    const char* const failure = address == nullptr ? dlerror() : nullptr;
+    if (library == nullptr && !installed.isEmpty() && IsMemoryShort(failure)) {
         throw Error(
             u"Für einen Teil des Programms, „%1“, reicht der Arbeitsspeicher nicht aus."_s.arg(
                 name));
@@ -75,7 +82,7 @@ void* AddressInPart(const char* part, const char* function) {
     if (address == nullptr) {
         throw PartMissing(
             u"Ein Teil des Programms, „%1“, fehlt oder passt nicht zu ihm (%2). "
-            u"Installieren Sie Kadrona neu."_s.arg(name, QString::fromLocal8Bit(dlerror())));
+            u"Installieren Sie Kadrona neu."_s.arg(name, QString::fromLocal8Bit(failure)));
     }
     return address;
 }
