@@ -29,6 +29,10 @@ constexpr double SmallestTiltedFace = 0.125;
 constexpr double EyesBelowTop = 0.38;
 constexpr double EyeDistanceInBox = 0.40;
 
+/// What a face gathers at least, by the eyes seen of it. With fewer than the last no eyes make a
+/// pattern likely.
+constexpr std::array FewestVotes{20, 12, 8};
+
 /// A face's box, as a frame that guesses its eyes.
 struct FaceCandidate {
     FaceFrame frame;
@@ -72,8 +76,8 @@ std::vector<FaceCandidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& g
     const int smallest = std::max(24, static_cast<int>(widths.smallest * shorter));
     const int largest = static_cast<int>(widths.largest * shorter);
     std::vector<FaceCandidate> candidates;
-    for (const CascadeHit& hit :
-         cascades.Find(Cascades::FrontalFace, turned.grey, smallest, largest, 3)) {
+    for (const CascadeHit& hit : cascades.Find(Cascades::FrontalFace, turned.grey, smallest,
+                                               largest, FewestVotes.back() - 1)) {
         const double side = hit.box.width();
         const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
         const cv::Vec2d at = turned.back * eyes;
@@ -117,21 +121,14 @@ struct SeenFace {
     EyePair eyes;
 };
 
-/// What a face gathers at least, by the eyes seen of it.
-constexpr std::array FewestVotes{20, 12, 8};
-
 /// A pattern gathers fewer votes than a face, and has no eyes more often.
 bool IsLikely(const SeenFace& face) {
     return face.candidate.votes >= FewestVotes.at(static_cast<size_t>(face.eyes.seen));
 }
 
-/// The eyes of a candidate, unless `earlier` has it. Those of a pattern that no eyes make likely
-/// are not looked for.
+/// The eyes of a candidate, unless `earlier` has it.
 EyePair EyesOf(const FacePhoto& photo, const FaceCandidate& candidate,
                const std::vector<SeenFace>& earlier, const Cascades& cascades) {
-    if (candidate.votes < FewestVotes.back()) {
-        return {};
-    }
     const auto known = std::ranges::find_if(
         earlier, [&](const SeenFace& face) { return face.candidate == candidate; });
     return known != earlier.end() ? known->eyes : FindEyes(photo, candidate.frame, cascades);
@@ -160,8 +157,8 @@ bool IsSure(const std::vector<SeenFace>& faces) {
     return !faces.empty() && faces.front().eyes.seen == 2 && IsLikely(faces.front());
 }
 
-/// The faces of the upright picture and, where none is sure, of the picture turned both ways: large
-/// ones first, for they are quickly found. Adds every candidate to `candidates`.
+/// The faces of the upright picture and, until one is sure, of the picture turned one way and the
+/// other: large ones first, for they are quickly found. Adds every candidate to `candidates`.
 std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>& candidates,
                               const Cascades& cascades) {
     constexpr double Turn = 14;
@@ -174,12 +171,13 @@ std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>
     constexpr std::array Passes{FaceWidths{2.5 * SmallestFace, 1},
                                 FaceWidths{SmallestTiltedFace, 3.2 * SmallestFace}};
     for (const FaceWidths& widths : Passes) {
-        if (IsSure(faces)) {
-            break;
+        for (const double degrees : {Turn, -Turn}) {
+            if (IsSure(faces)) {
+                return faces;
+            }
+            Merge(candidates, CandidatesAt(photo, grey, degrees, widths, cascades));
+            faces = WithEyes(photo, candidates, faces, cascades);
         }
-        Merge(candidates, CandidatesAt(photo, grey, Turn, widths, cascades));
-        Merge(candidates, CandidatesAt(photo, grey, -Turn, widths, cascades));
-        faces = WithEyes(photo, candidates, faces, cascades);
     }
     return faces;
 }
@@ -249,10 +247,7 @@ FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     }
     const EyePair eyes =
         Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
-    const auto count = std::ranges::count_if(candidates, [](const FaceCandidate& candidate) {
-        return candidate.votes >= FewestVotes.back();
-    });
-    return {Measured(facePhoto, eyes), std::max(1, static_cast<int>(count))};
+    return {Measured(facePhoto, eyes), static_cast<int>(candidates.size())};
 }
 
 }  // namespace
