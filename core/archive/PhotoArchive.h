@@ -46,8 +46,7 @@ class PhotoArchive {
     /// Tries a server that is gone, however short ago it was tried. True where it is there.
     bool IsBack(std::chrono::milliseconds connecting);
     bool IsAway() const;
-    /// A database on this machine that could not be opened or made. Throws store::StoreError.
-    bool IsClosed() { return !server_ && Table() == nullptr; }
+    bool IsOnServer() const { return server_.has_value(); }
     /// See store::Database; for this database and those that are opened later.
     void WhileWaiting(const std::function<void()>& tick);
     /// True once after each time that the server went away: what nobody has been told yet.

@@ -31,11 +31,11 @@ void SayThatPhotosWait(PhotoArchive& archive, UserInterface& ui) {
 }
 
 /// Why a photo could not be filed; empty where it was, or waits to be. Whoever tries again may
-/// have mended what kept the database from being opened.
+/// have mended what keeps the database from being used.
 QString FilingFailure(imaging::LayeredImage& image, const PhotoToFile& photo,
                       const SheetMaking& making, bool again) {
     try {
-        if (again && making.openArchive && making.archive.IsClosed()) {
+        if (again && making.openArchive && !making.archive.IsOnServer()) {
             making.openArchive();
         }
         switch (making.archive.File(image, photo)) {

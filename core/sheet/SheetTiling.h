@@ -39,7 +39,7 @@ struct SheetMaking {
     SinglePhoto& single;
     /// The file that the photo was opened from, as long as it is still the same; else empty.
     QString openedFile = {};
-    /// Opens the archive's database where that failed before. Throws platform::Error.
+    /// Opens the archive's database anew. Throws platform::Error.
     std::function<void()> openArchive = {};
 };
 

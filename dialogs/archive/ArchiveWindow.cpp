@@ -322,7 +322,7 @@ void TfmImgSearch::ShowState() {
 }
 
 /// Another program may have changed the tags while the editor was open, or while the user was
-/// asked.
+/// asked. What was typed is not lost by a "no".
 bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
     QString expected = edited.tags;
     while (!OpenArchive(data_).ReplaceTags(edited.id, expected, tagEditor_.Tags())) {
@@ -330,8 +330,10 @@ bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
         if (!controls::AskYesNo(
                 this,
                 u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:"
-                u"\n\n%1\nSollen sie ersetzt werden?"_s.arg(QString(expected).remove(u'\r')),
-                controls::Severity::Warning)) {
+                u"\n\n%1\nSollen sie ersetzt werden? Bei „Nein“ können Sie Ihre Eingabe ändern."_s
+                    .arg(QString(expected).remove(u'\r')),
+                controls::Severity::Warning) &&
+            tagEditor_.ShowEx(tagEditor_.Tags()) != controls::ModalResult::Ok) {
             return false;
         }
     }

@@ -7,6 +7,9 @@ namespace kadrona::store {
 using namespace Qt::StringLiterals;
 
 QString SqliteReason(sqlite3* handle, int result) {
+    if (result == SQLITE_READONLY_DBMOVED) {
+        return u"Die Datei wurde gelöscht, umbenannt oder verschoben"_s;
+    }
     switch (result & 0xFF) {  // the low byte is the kind, the rest tells more about it
         case SQLITE_NOTADB:
             return u"Die Datei ist keine Datenbank"_s;
@@ -32,8 +35,7 @@ QString SqliteReason(sqlite3* handle, int result) {
             return u"Der Wert ist zu groß"_s;
         case SQLITE_INTERRUPT:
             return u"Eine Anweisung hat zu lange gerechnet und wurde abgebrochen. Die Datei "
-                   u"enthält "
-                   u"vielleicht fremde Anweisungen, die nicht enden"_s;
+                   u"enthält vielleicht fremde Anweisungen, die nicht enden"_s;
         default:
             return QString::fromUtf8(handle != nullptr ? sqlite3_errmsg(handle)
                                                        : sqlite3_errstr(result));

@@ -154,6 +154,13 @@ TEST_F(ArchiveWindow, TagsThatAnotherProgramChangedAreReplacedOnlyWhenTheUserSay
             memo.setPlainText(u"mein"_s);
         });
         driver.Answer(u"fremd"_s, button);
+        if (button == u"NoButton"_s) {
+            driver.Expect(u"fmImageTagEdit"_s, [](QWidget& shown) {
+                EXPECT_TRUE(
+                    Child<QPlainTextEdit>(shown, "TagMemo").toPlainText().startsWith(u"mein"_s));
+                shown.close();
+            });
+        }
         window.ShowEx({});
         EXPECT_EQ(data.Archive()->Read(1)->tags, tags);
     }
