@@ -1,14 +1,18 @@
 #include "imaging/metadata/IptcFile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QtEndian>
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "imaging/metadata/PhotoshopBlock.h"
 #include "platform/AtomicFile.h"
 #include "platform/ByteReader.h"
 #include "platform/Error.h"
+#include "platform/RegularFile.h"
+#include "platform/SystemReason.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +27,8 @@ constexpr uchar StartOfScan = 0xda;
 
 /// Far more than any photo takes.
 constexpr qint64 LargestFile = 1LL << 30;
+constexpr qint64 LargestHeader = 1 << 26;
+constexpr qint64 FirstBytes = 1 << 20;
 constexpr size_t MostSegments = 100'000;
 
 struct Segment {
@@ -92,14 +98,14 @@ QByteArray EncodedSegments(QByteArrayView block) {
     return encoded;
 }
 
-}  // namespace
-
-QByteArray WithIptc(QByteArrayView jpeg, const IptcItems& items) try {
-    const Header header = ReadHeader(jpeg);
+/// What comes before the first scan, with `items`, and how many bytes it replaces. Throws
+/// platform::OutOfBytes where `start`, the file's first bytes, does not reach as far.
+std::pair<QByteArray, qsizetype> ChangedHeader(QByteArrayView start, const IptcItems& items) {
+    const Header header = ReadHeader(start);
     const QByteArray block =
         EncodedSegments(WithIptcStream(PhotoshopBlock(header), EncodeIptc(items)));
-    QByteArray changed = jpeg.first(2).toByteArray();
-    changed.reserve(jpeg.size() + block.size());
+    QByteArray changed = start.first(2).toByteArray();
+    changed.reserve(header.scan + block.size());
     // At the place of the old block, or behind the other applications' segments.
     bool written = false;
     const bool hadOne = std::any_of(header.segments.begin(), header.segments.end(),
@@ -116,23 +122,72 @@ QByteArray WithIptc(QByteArrayView jpeg, const IptcItems& items) try {
     if (!written) {
         changed.append(block);
     }
-    changed.append(jpeg.sliced(header.scan));
-    return changed;
+    return {changed, header.scan};
+}
+
+platform::Error NoJpeg() {
+    return platform::Error(u"Die Datei ist kein JPEG-Bild oder beschädigt."_s);
+}
+
+/// The same of an open file, of which no more is read than that takes.
+std::pair<QByteArray, qsizetype> ChangedHeader(QFile& file, const IptcItems& items) {
+    QByteArray start;
+    for (qint64 bytes = FirstBytes;; bytes *= 4) {
+        start += file.read(bytes - start.size());
+        try {
+            return ChangedHeader(start, items);
+        } catch (const platform::OutOfBytes&) {
+            if (start.size() < bytes || bytes >= LargestHeader) {
+                throw NoJpeg();
+            }
+        }
+    }
+}
+
+/// A file system can give up anywhere.
+void RequireRead(const QFile& file, const QString& path) {
+    if (file.error() != QFileDevice::NoError) {
+        throw platform::FileError(u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(
+            path, platform::SystemReason(file)));
+    }
+}
+
+}  // namespace
+
+QByteArray WithIptc(QByteArrayView jpeg, const IptcItems& items) try {
+    const auto [header, scan] = ChangedHeader(jpeg, items);
+    return header + jpeg.sliced(scan).toByteArray();
 } catch (const platform::OutOfBytes&) {
-    throw platform::Error(u"Die Datei ist kein JPEG-Bild oder beschädigt."_s);
+    throw NoJpeg();
 }
 
 void RewriteIptc(const QString& path, const IptcItems& items) {
-    const QByteArray jpeg = platform::ReadWholeFile(path, LargestFile);
-    QByteArray changed;
+    QFile file;
+    const platform::Opening opening = OpenRegularFile(file, path, platform::LastPart::MayBeLink);
+    const QString obstacle = !opening                    ? opening.Reason()
+                             : file.size() > LargestFile ? u"Sie ist größer als 1 GiB"_s
+                                                         : QString();
+    if (!obstacle.isEmpty()) {
+        throw platform::FileError(
+            u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, obstacle));
+    }
+    std::pair<QByteArray, qsizetype> header;
     try {
-        changed = WithIptc(jpeg, items);
+        header = ChangedHeader(file, items);
     } catch (const platform::Error& error) {
+        RequireRead(file, path);
         throw platform::FileError(
             u"Die Schlüsselworte konnten nicht in die Datei „%1“ geschrieben werden: %2"_s.arg(
                 QDir::toNativeSeparators(path), error.Text()));
     }
-    platform::WriteFileAtomically(path, changed);
+    platform::AtomicFile changed(path);
+    changed.Device().write(header.first);
+    file.seek(header.second);
+    for (QByteArray part; !(part = file.read(FirstBytes)).isEmpty();) {
+        changed.Device().write(part);
+    }
+    RequireRead(file, path);
+    changed.Commit();
 }
 
 }  // namespace kadrona::imaging

@@ -13,7 +13,8 @@ namespace kadrona::imaging {
 /// platform::Error with the bare reason where the bytes are no JPEG file up to the first scan.
 QByteArray WithIptc(QByteArrayView jpeg, const IptcItems& items);
 
-/// The same with a file, through a temporary file that is renamed when complete. Throws
+/// The same with a file of up to 1 GiB, of which only what comes before the first scan (at most
+/// 64 MiB) is in memory, through a temporary file that is renamed when complete. Throws
 /// platform::FileError; the file is then as it was.
 void RewriteIptc(const QString& path, const IptcItems& items);
 

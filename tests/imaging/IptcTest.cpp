@@ -163,6 +163,10 @@ TEST_F(IptcFileTest, OtherProgramsReadWhatWasRewritten) {
     RewriteIptc(path_, Tags({}, large));
     EXPECT_EQ(ByExiftool(names_), u'\n' + large + u'\n') << "1 MB";
     EXPECT_EQ(ReadImageFile(path_).iptc.Text(2), large);
+    // More than is read at once, before the picture and in it.
+    platform::WriteFileAtomically(path_, Bytes(u"a.jpg"_s) + QByteArray(3'000'000, 'x'));
+    RewriteIptc(path_, Tags({}, u"k"_s));
+    EXPECT_EQ(Scan(Bytes(u"a.jpg"_s)), Scan(before) + QByteArray(3'000'000, 'x'));
 }
 
 TEST_F(IptcFileTest, WhatIsNoJpegStaysAsItIs) {
