@@ -7,6 +7,7 @@
 #include <QScopeGuard>
 #include <QSet>
 #include <algorithm>
+#include <vector>
 
 #include "core/archive/ArchiveFiles.h"
 #include "core/archive/ArchiveTransfer.h"
@@ -157,23 +158,27 @@ class BackupRun {
                 backup_.failures.append(error.Text());
             }
         }
-        CountMissing(named, QSet<QString>(paths.begin(), paths.end()));
+        CountMissing(named, QSet<QString>(paths.begin(), paths.end()), unread);
     }
 
     /// Of the files that were named before the folder was walked through, those that are named
-    /// still: the others were deleted meanwhile.
-    void CountMissing(const QSet<QString>& named, const QSet<QString>& found) {
+    /// still: the others were deleted meanwhile. Those of folders that could not be read may be
+    /// there.
+    void CountMissing(const QSet<QString>& named, const QSet<QString>& found,
+                      const std::vector<platform::UnreadFolder>& unread) {
         const QSet<QString> still = NamedFiles(database_);
         const auto missing = std::ranges::count_if(named, [&](const QString& stored) {
-            return still.contains(stored) &&
-                   !found.contains(QDir::cleanPath(StoredFolderPath(from_, stored)));
+            const QString path = QDir::cleanPath(StoredFolderPath(from_, stored));
+            const bool isUnknown = std::ranges::any_of(
+                unread, [&](const auto& folder) { return IsInsideArchive(path, folder.path); });
+            return still.contains(stored) && !found.contains(path) && !isUnknown;
         });
         if (missing > 0) {
             backup_.failures.append(
-                u"%1, die die Datenbank nennt, %2 nicht im Ordner des Archivs. Eine Prüfung des "
-                u"Archivs nennt sie."_s.arg(
+                u"%1, die die Datenbank nennt, %2 nicht im Ordner des Archivs „%3“. Eine Prüfung "
+                u"des Archivs nennt sie."_s.arg(
                     platform::CountedText(missing, u"Datei"_s, u"Dateien"_s),
-                    missing == 1 ? u"liegt"_s : u"liegen"_s));
+                    missing == 1 ? u"liegt"_s : u"liegen"_s, from_));
         }
     }
 

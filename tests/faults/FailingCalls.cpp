@@ -1,6 +1,8 @@
 #include "tests/faults/FailingCalls.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
+#include <sys/syscall.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -29,7 +31,13 @@ bool IsWatched(int handle) {
     std::array<char, 32> link{};
     std::snprintf(link.data(), link.size(), "/proc/self/fd/%d", handle);
     std::array<char, PATH_MAX> path{};
-    return readlink(link.data(), path.data(), path.size() - 1) > 0 && IsWatched(path.data());
+    // Not by its name, which is one of those below.
+    return syscall(SYS_readlink, link.data(), path.data(), path.size() - 1) > 0 &&
+           IsWatched(path.data());
+}
+
+bool IsWatched(DIR* folder) {
+    return IsWatched(dirfd(folder));
 }
 
 /// Counts a call on a path or a handle and says whether it is to fail.
@@ -71,12 +79,14 @@ ssize_t AllowedSize(const char* name, int handle, size_t size) {
 }  // namespace
 
 // The labels give the functions the names of the system's without its headers' declarations.
-#define KADRONA_FAILING(type, name, object, parameters, arguments)                               \
+#define KADRONA_FAILING_WITH(failure, type, name, object, parameters, arguments)                 \
     extern "C" type Failing_##name parameters __asm__(#name);                                    \
     extern "C" type Failing_##name parameters {                                                  \
         static auto* const real = reinterpret_cast<type(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-        return Fails(#name, object) ? -1 : real arguments;                                       \
+        return Fails(#name, object) ? (failure) : real arguments;                                \
     }
+#define KADRONA_FAILING(type, name, object, parameters, arguments) \
+    KADRONA_FAILING_WITH(-1, type, name, object, parameters, arguments)
 
 #define KADRONA_FAILING_WRITE(name, parameters, arguments)                    \
     extern "C" ssize_t Failing_##name parameters __asm__(#name);              \
@@ -98,12 +108,22 @@ KADRONA_FAILING(int, ftruncate, handle, (int handle, off_t size), (handle, size)
 KADRONA_FAILING(int, ftruncate64, handle, (int handle, off_t size), (handle, size))
 KADRONA_FAILING(off_t, lseek, handle, (int handle, off_t place, int from), (handle, place, from))
 KADRONA_FAILING(int, rename, to, (const char* from, const char* to), (from, to))
+KADRONA_FAILING(int, renameat2, to,
+                (int fromFolder, const char* from, int toFolder, const char* to, unsigned flags),
+                (fromFolder, from, toFolder, to, flags))
 KADRONA_FAILING(int, linkat, to,
                 (int fromFolder, const char* from, int toFolder, const char* to, int flags),
                 (fromFolder, from, toFolder, to, flags))
 KADRONA_FAILING(int, unlink, path, (const char* path), (path))
 KADRONA_FAILING(int, rmdir, path, (const char* path), (path))
 KADRONA_FAILING(int, mkdir, path, (const char* path, mode_t mode), (path, mode))
+KADRONA_FAILING(int, chmod, path, (const char* path, mode_t mode), (path, mode))
+KADRONA_FAILING(int, fchmod, handle, (int handle, mode_t mode), (handle, mode))
+KADRONA_FAILING(ssize_t, readlink, path, (const char* path, char* target, size_t size),
+                (path, target, size))
+KADRONA_FAILING_WITH(nullptr, DIR*, opendir, path, (const char* path), (path))
+KADRONA_FAILING_WITH(nullptr, Opaque, readdir, folder, (DIR * folder), (folder))
+KADRONA_FAILING_WITH(nullptr, Opaque, readdir64, folder, (DIR * folder), (folder))
 KADRONA_FAILING(int, stat, path, (const char* path, Opaque status), (path, status))
 KADRONA_FAILING(int, stat64, path, (const char* path, Opaque status), (path, status))
 KADRONA_FAILING(int, lstat, path, (const char* path, Opaque status), (path, status))
@@ -120,6 +140,18 @@ KADRONA_FAILING_WRITE(write, (int handle, const void* data, size_t size),
                       (handle, data, static_cast<size_t>(allowed)))
 KADRONA_FAILING_WRITE(pwrite64, (int handle, const void* data, size_t size, off_t place),
                       (handle, data, static_cast<size_t>(allowed), place))
+
+/// What fails is closed all the same, as the system does it.
+extern "C" int Failing_close(int handle) __asm__("close");
+extern "C" int Failing_close(int handle) {
+    static auto* const real = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "close"));
+    const bool fails = Fails("close", handle);
+    const int result = real(handle);
+    if (fails) {
+        errno = active.error;
+    }
+    return fails ? -1 : result;
+}
 
 namespace kadrona::testing {
 
