@@ -107,13 +107,12 @@ class Designer {
     }
 
     void DrawPairOfLines(const Band& band, const QString& name, bool fromBelow) {
-        if (!band.IsComplete()) {
-            return;
-        }
         for (const auto& [end, suffix] :
-             {std::pair(*band.from, u" von"_s), std::pair(*band.to, u" bis"_s)}) {
-            HorizontalLine(name + suffix, Violet, fromBelow ? height_ - end.value : end.value,
-                           BindingLine);
+             {std::pair(band.from, u" von"_s), std::pair(band.to, u" bis"_s)}) {
+            if (end) {
+                HorizontalLine(name + suffix, Violet, fromBelow ? height_ - end->value : end->value,
+                               BindingLine);
+            }
         }
     }
 

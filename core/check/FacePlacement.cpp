@@ -106,8 +106,9 @@ class SizedFace {
         if (row_.top.to) {
             chins.Narrow(fromTop - row_.top.to->value + 1, Infinite);
         }
-        if (!row_.chin.IsComplete() && !row_.top.IsComplete()) {
-            chins.Narrow(Chin(), Chin());
+        if (!row_.chin.IsComplete() && !row_.top.IsComplete() && !chins.IsEmpty()) {
+            const double chin = chins.Nearest(Chin());
+            chins.Narrow(chin, chin);
         }
         return chins;
     }

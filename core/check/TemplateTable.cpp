@@ -89,8 +89,8 @@ class RowReader {
         row.height = Side(u"Höhe"_s);
         row.head = BandWithin(u"Kopf"_s, row.height);
         row.eyes = CompleteBandWithin(u"Augen"_s, row.height);
-        row.top = CompleteBandWithin(u"Oben"_s, row.height);
-        row.chin = CompleteBandWithin(u"Kinn"_s, row.height);
+        row.top = BandWithin(u"Oben"_s, row.height);
+        row.chin = BandWithin(u"Kinn"_s, row.height);
         row.face = BandWithin(u"Gesicht"_s, row.width);
         row.axis = CompleteBandWithin(u"Achse"_s, row.width);
         row.eyeDistance = Length(u"Augenabstand von"_s);
@@ -318,6 +318,12 @@ int ChinAboveLowerEdge(const TemplateRow& row) {
         chin = row.height.value - row.top.Middle() - middle;
     } else {
         chin = FreeChin(row, smallest, middle, largest);
+        // One end alone gives no place, yet it holds.
+        const double fromTop = row.height.value - middle;
+        chin = row.top.from ? std::min(chin, fromTop - row.top.from->value) : chin;
+        chin = row.top.to ? std::max(chin, fromTop - row.top.to->value) : chin;
+        chin = row.chin.from ? std::max<double>(chin, row.chin.from->value) : chin;
+        chin = row.chin.to ? std::min<double>(chin, row.chin.to->value) : chin;
     }
     return static_cast<int>(std::lround(std::clamp(chin, 0.0, row.height.value - largest)));
 }

@@ -80,6 +80,7 @@ TEST(TemplateTable, FaultsNameTheirLine) {
     EXPECT_THAT(FaultsOf(good + u"B\tb.s\t35\t45\n"_s), HasSubstr("t:3: Die Zeile hat 4 Spalten"));
     EXPECT_EQ(FaultsOf(good), "");
     EXPECT_EQ(FaultsOf(good + Row("B;b.s;1000;0.1")), "");
+    EXPECT_EQ(FaultsOf(good + Row("B;b.s;35;45;;;;;4;;;12")), "") << "one end is enough for these";
     EXPECT_EQ(FaultsOf(Header + Row("B;b.s;0;45") + Row("A;a.s;35;45") + Row("B;b.s;35;0")),
               "t:2: Breite muss zwischen 0,1 und 1000 mm liegen.\n"
               "t:4: Höhe muss zwischen 0,1 und 1000 mm liegen.\n"
