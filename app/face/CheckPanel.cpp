@@ -223,7 +223,9 @@ bool CheckPanel::MayCut() {
     faceless_ = !shown && face_.WasLookedFor() && !face_.Search().face;
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {
-        if (line.state == core::CheckState::Missed && !(faceless_ && line.name == u"face")) {
+        // Nobody publishes what a face is, yet a check that finds none has checked little.
+        const bool isFaceMissing = line.name == u"face" && core::IsOutside(line) && !faceless_;
+        if (line.state == core::CheckState::Missed || isFaceMissing) {
             const QString joint = line.value ? u" "_s : u": "_s;  // a word, not a figure, follows
             missed << line.label + joint + core::FigureText(line) + u'.';
         }

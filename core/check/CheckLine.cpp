@@ -51,7 +51,7 @@ QString BandText(const CheckLine& line) {
 
 bool IsOutside(const CheckLine& line) {
     if (!line.value) {
-        return false;
+        return line.found.value_or(line.isWanted) != line.isWanted;
     }
     const double shown = Rounded(*line.value, line.decimals);
     return (line.minimum && shown < *line.minimum) || (line.maximum && shown > *line.maximum);

@@ -25,6 +25,7 @@ struct CheckLine {
     int decimals = 1;
     /// For programs: whether there is what a line without a figure names; people read the note.
     std::optional<bool> found;
+    bool isWanted = true;  ///< what `found` tells of
 };
 
 /// "erfüllt", "nicht erfüllt" or "nur Richtwert".
@@ -35,7 +36,8 @@ QString StateText(CheckState state);
 QString FigureText(const CheckLine& line);
 /// "32 bis 36 mm", "mindestens 90 px"; empty where there is no band.
 QString BandText(const CheckLine& line);
-/// True where the value, as it is shown, lies outside its band; false where nothing was measured.
+/// True where the value, as it is shown, lies outside its band, where what is wanted is not there,
+/// and where what is not wanted is; false where nothing was measured.
 bool IsOutside(const CheckLine& line);
 /// "29,4 mm"; empty where nothing was measured.
 QString ValueText(const CheckLine& line);

@@ -1,11 +1,9 @@
 #include "core/check/PhotoCheck.h"
 
 #include <QStringList>
-#include <algorithm>
 #include <cmath>
 
-#include "core/check/FacePlacement.h"
-#include "core/check/GuidanceRules.h"
+#include "core/check/CheckRules.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,35 +11,21 @@ namespace kadrona::core {
 
 namespace {
 
-const QString Millimetres = u"mm"_s;
-const QString IcaoSource = u"ISO/IEC 39794-5, D.1 (zweite Hand)"_s;
-const QString OwnSource = u"eigener Richtwert; Maß nach OFIQ (ISO/IEC 29794-5)"_s;
+const QString OwnSource = u"eigene Zahl"_s;
 
-double MillimetresPerPixel(const CheckedPhoto& photo) {
-    return photo.printedWidth.value / 10.0 / std::max(1, photo.rectangle.width());
+double LengthOf(Guidance::Of part, const TemplateRow& row) {
+    return (part == Guidance::Of::Height ? row.height : row.width).value / 10.0;
 }
 
 /// Lines of one photo.
 class Checker {
  public:
-    explicit Checker(const CheckedPhoto& photo)
-        : photo_(photo), scale_(MillimetresPerPixel(photo)) {}
+    explicit Checker(const CheckedPhoto& photo) : photo_(photo) {}
 
     std::vector<CheckLine> Check() {
         AddFace();
-        if (photo_.figures) {
-            AddHead(*photo_.figures);
-            AddEyes(*photo_.figures);
-            AddPlaces(*photo_.figures);
-            AddFaceWidth(*photo_.figures);
-            AddEyeDistance(*photo_.figures);
-        }
-        for (const GuidanceRule& rule : GuidanceRules()) {
-            CheckLine& line = Add(rule.name, rule.label, rule.unit, rule.source);
-            line.value = rule.value(photo_);
-            line.minimum = rule.minimum;
-            line.maximum = rule.maximum;
-            line.decimals = rule.decimals;
+        for (const CheckRule& rule : CheckRules()) {
+            AddRule(rule);
         }
         AddWhiteCorners();
         if (photo_.figures) {
@@ -53,12 +37,6 @@ class Checker {
     }
 
  private:
-    CheckLine& Add(const char16_t* name, const char16_t* label, const char16_t* unit,
-                   const char16_t* source) {
-        return Add(QString::fromUtf16(name), QString::fromUtf16(label), QString::fromUtf16(unit),
-                   QString::fromUtf16(source));
-    }
-
     CheckLine& Add(const QString& name, const QString& label, const QString& unit,
                    const QString& source) {
         lines_.push_back({});
@@ -73,134 +51,63 @@ class Checker {
         return u"Vorgaben „%1“, Beleg %2, gelesen am %3"_s.arg(row.name, row.evidence, row.readOn);
     }
 
-    /// Met or missed by the band; a line without a value says nothing.
-    static void Judge(CheckLine& line) {
+    /// Met or missed by the band. That a published band was neither kept nor missed must not read
+    /// as if nobody published it.
+    static void JudgePublished(CheckLine& line) {
         if (line.value) {
             line.state = IsOutside(line) ? CheckState::Missed : CheckState::Met;
-        }
-    }
-
-    /// That a published band was neither kept nor missed must not read as if nobody published it.
-    static void JudgePublished(CheckLine& line) {
-        Judge(line);
-        if (!line.value) {
+        } else {
             line.note += line.note.isEmpty() ? u"nicht gemessen"_s : u"; nicht gemessen"_s;
         }
     }
 
-    static void SetBand(CheckLine& line, const Band& band) {
-        line.minimum = InMillimetres(band.from);
-        line.maximum = InMillimetres(band.to);
-    }
-
-    static std::optional<double> InMillimetres(std::optional<TenthsOfMillimetre> length) {
-        return length ? std::optional(length->value / 10.0) : std::nullopt;
-    }
-
-    /// The template's own band, or where it publishes none a guidance in parts of its side.
-    CheckLine& AddBand(const QString& name, const QString& label, const TemplateRow& row,
-                       const Band& band, bool isAdvice, double side, double from, double to) {
-        const bool published = band.from || band.to;
-        CheckLine& line = Add(name, label, Millimetres, published ? SourceOf(row) : IcaoSource);
-        if (published) {
-            SetBand(line, band);
-        } else {
-            line.minimum = std::round(from * side * 10) / 10;
-            line.maximum = std::round(to * side * 10) / 10;
+    /// Against the template's own band, or where it publishes none against the guidance.
+    void AddRule(const CheckRule& rule) {
+        const TemplateRow row = photo_.figures.value_or(TemplateRow());
+        const PublishedBand own = rule.published ? rule.published(row) : PublishedBand();
+        const Guidance& guidance = rule.guidance;
+        const bool isPart = guidance.of != Guidance::Of::Unit;
+        if (own.IsEmpty() && (!guidance.source.text || (isPart && !photo_.figures))) {
+            return;
         }
-        judged_ = published && !isAdvice;
-        return line;
+        CheckLine& line =
+            Add(QString::fromUtf16(rule.name), QString::fromUtf16(rule.label),
+                QString::fromUtf16(rule.unit),
+                own.IsEmpty() ? QString::fromUtf16(guidance.source.text) : SourceOf(row));
+        line.decimals = rule.decimals;
+        line.value = rule.value(photo_);
+        line.note = rule.note ? rule.note(photo_, row) : QString();
+        if (!own.IsEmpty()) {
+            line.minimum = own.minimum;
+            line.maximum = own.maximum;
+            if (own.isJudged) {
+                JudgePublished(line);
+            }
+            return;
+        }
+        const double whole = isPart ? LengthOf(guidance.of, row) : 1;
+        const auto limit = [whole](std::optional<double> part) {
+            return part ? std::optional(std::round(*part * whole * 10) / 10) : std::nullopt;
+        };
+        line.minimum = limit(guidance.minimum);
+        line.maximum = limit(guidance.maximum);
     }
 
-    /// Takes the length that `pixelsOf` finds in the face, and judges it where a band is published.
-    template <typename Length>
-    void Measure(CheckLine& line, const Length& pixelsOf) const {
-        if (photo_.face) {
-            line.value = pixelsOf(*photo_.face) * scale_;
-        }
-        if (judged_) {
-            JudgePublished(line);
-        }
-    }
-
+    /// No document says in figures what a face is: nothing is judged.
     void AddFace() {
         CheckLine& line = Add(u"face"_s, u"Gesicht"_s, {}, u"Suche im Foto"_s);
         if (!photo_.wasFaceLookedFor) {
             line.note = u"nicht gesucht"_s;
             return;
         }
-        line.state = photo_.face ? CheckState::Met : CheckState::Missed;
+        line.found = photo_.face.has_value();
         line.note = photo_.face ? u"gefunden"_s : u"nicht gefunden"_s;
-    }
-
-    void AddHead(const TemplateRow& row) {
-        const double height = row.height.value / 10.0;
-        CheckLine& line =
-            AddBand(u"headHeight"_s, u"Kopf"_s, row, row.head, row.headIsAdvice, height, 0.6, 0.9);
-        line.note = row.crown == Crown::Skull ? u"Kinn bis Schädel, ohne Frisur"_s
-                                              : u"Kinn bis Scheitel, mit Haar"_s;
-        Measure(line, [&](const imaging::Face& face) {
-            return face.chin.position.y() - CrownFor(face, row).y();
-        });
-    }
-
-    void AddEyes(const TemplateRow& row) {
-        const double height = row.height.value / 10.0;
-        CheckLine& line = AddBand(u"eyeLine"_s, u"Augen über dem unteren Rand"_s, row, row.eyes,
-                                  row.eyesAreAdvice, height, 0.5, 0.7);
-        Measure(line,
-                [&](const imaging::Face& face) { return LowerEdge() - face.EyeMiddle().y(); });
-    }
-
-    void AddPlaces(const TemplateRow& row) {
-        const double width = row.width.value / 10.0;
-        CheckLine& axis = AddBand(u"faceAxis"_s, u"Gesichtsachse vom linken Rand"_s, row, row.axis,
-                                  false, width, 0.45, 0.55);
-        Measure(axis, [&](const imaging::Face& face) {
-            return FaceAxis(face) - photo_.rectangle.left();
-        });
-        if (row.chin.IsComplete()) {
-            CheckLine& chin =
-                AddBand(u"chin"_s, u"Kinn über dem unteren Rand"_s, row, row.chin, false, 0, 0, 0);
-            Measure(chin, [&](const imaging::Face& face) {
-                return LowerEdge() - face.chin.position.y();
-            });
-        }
-        if (row.top.IsComplete()) {
-            CheckLine& top = AddBand(u"topGap"_s, u"Scheitel bis zum oberen Rand"_s, row, row.top,
-                                     false, 0, 0, 0);
-            Measure(top, [&](const imaging::Face& face) {
-                return CrownFor(face, row).y() - photo_.rectangle.top();
-            });
-        }
-    }
-
-    /// The width is no measured point: it is guessed from the pupils' distance, so it is never
-    /// judged. The factor is the mean width of a face over the mean distance of the pupils.
-    void AddFaceWidth(const TemplateRow& row) {
-        constexpr double FaceByEyes = 2.17;
-        if (!row.face.from && !row.face.to) {
-            return;
-        }
-        CheckLine& line = Add(u"faceWidth"_s, u"Breite des Gesichts"_s, Millimetres, SourceOf(row));
-        SetBand(line, row.face);
-        line.note = u"aus dem Augenabstand geschätzt"_s;
-        if (photo_.face) {
-            line.value = FaceByEyes * photo_.face->EyeDistance() * scale_;
-        }
-    }
-
-    void AddEyeDistance(const TemplateRow& row) {
-        CheckLine& line = Add(u"eyeDistance"_s, u"Augenabstand im Druck"_s, Millimetres,
-                              row.eyeDistance ? SourceOf(row) : u"ICAO Doc 9303-3 (zweite Hand)"_s);
-        line.minimum = row.eyeDistance ? InMillimetres(row.eyeDistance) : 10.0;
-        judged_ = row.eyeDistance.has_value();
-        Measure(line, [](const imaging::Face& face) { return face.EyeDistance(); });
     }
 
     void AddWhiteCorners() {
         CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {}, OwnSource);
         line.found = photo_.whiteCorners;
+        line.isWanted = false;
         line.note = photo_.whiteCorners ? u"vorhanden"_s : u"keine"_s;
     }
 
@@ -226,7 +133,9 @@ class Checker {
     }
 
     void AddEditing(const TemplateRow& row) {
-        CheckLine& line = Add(u"editing"_s, u"Bearbeitung"_s, {}, SourceOf(row));
+        const bool isPublished = row.editing != AllowedEditing::Unregulated;
+        CheckLine& line = Add(u"editing"_s, u"Bearbeitung"_s, {},
+                              isPublished ? SourceOf(row) : u"keine Vorgabe bekannt"_s);
         QStringList done;
         if (photo_.edits.tone) {
             done << u"Töne"_s;
@@ -257,11 +166,7 @@ class Checker {
         }
     }
 
-    double LowerEdge() const { return photo_.rectangle.top() + photo_.rectangle.height(); }
-
     const CheckedPhoto& photo_;
-    const double scale_;
-    bool judged_ = false;
     std::vector<CheckLine> lines_;
 };
 

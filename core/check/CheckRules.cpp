@@ -1,0 +1,290 @@
+#include "core/check/CheckRules.h"
+
+#include <algorithm>
+
+#include "core/check/CheckLine.h"
+#include "core/check/FacePlacement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kadrona::core {
+
+namespace {
+
+constexpr RuleSource FaceImages{u"ISO/IEC 39794-5", u"ISO/IEC 39794-5, D.1 (zweite Hand)"};
+constexpr RuleSource OlderFaceImages{u"ISO/IEC 19794-5",
+                                     u"ISO/IEC 19794-5:2011, 7.2.2 (zweite Hand)"};
+constexpr RuleSource TravelDocuments{u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand)"};
+constexpr RuleSource PrintedDots{
+    u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand); in Deutschland 600 dpi empfohlen"};
+constexpr RuleSource Several{u"zweite Hand", u"Augenabstand im Foto: mehrere, zweite Hand"};
+constexpr RuleSource PublicChecker{u"Prüfprogramm",
+                                   u"öffentliches Prüfprogramm: 14 bis 26 Einheiten CIE Lab"};
+constexpr RuleSource Own{u"eigene Zahl", u"eigene Zahl; Maß nach OFIQ (ISO/IEC 29794-5)"};
+
+using Background = imaging::BackgroundMeasures;
+using Measures = imaging::PortraitMeasures;
+using Figure = std::optional<double>;
+
+double LowerEdge(const CheckedPhoto& photo) {
+    return photo.rectangle.top() + photo.rectangle.height();
+}
+
+const TemplateRow& RowOf(const CheckedPhoto& photo) {
+    static const TemplateRow nothingPublished;
+    return photo.figures ? *photo.figures : nothingPublished;
+}
+
+/// What `pixelsOf` finds in the face, in millimetres of the print.
+template <typename Length>
+Figure Printed(const CheckedPhoto& photo, const Length& pixelsOf) {
+    const double scale = photo.printedWidth.value / 10.0 / std::max(1, photo.rectangle.width());
+    return photo.face ? Figure(pixelsOf(*photo.face) * scale) : std::nullopt;
+}
+
+double HeadPixels(const imaging::Face& face, QPointF crown) {
+    return face.chin.position.y() - crown.y();
+}
+
+Figure Head(const CheckedPhoto& photo) {
+    return Printed(photo, [&](const imaging::Face& face) {
+        return HeadPixels(face, CrownFor(face, RowOf(photo)));
+    });
+}
+
+Figure EyeLine(const CheckedPhoto& photo) {
+    return Printed(
+        photo, [&](const imaging::Face& face) { return LowerEdge(photo) - face.EyeMiddle().y(); });
+}
+
+Figure Axis(const CheckedPhoto& photo) {
+    return Printed(
+        photo, [&](const imaging::Face& face) { return FaceAxis(face) - photo.rectangle.left(); });
+}
+
+Figure Chin(const CheckedPhoto& photo) {
+    return Printed(photo, [&](const imaging::Face& face) {
+        return LowerEdge(photo) - face.chin.position.y();
+    });
+}
+
+Figure TopGap(const CheckedPhoto& photo) {
+    return Printed(photo, [&](const imaging::Face& face) {
+        return CrownFor(face, RowOf(photo)).y() - photo.rectangle.top();
+    });
+}
+
+/// No measured points bound the face: the mean width over the mean distance of the pupils.
+Figure FaceWidth(const CheckedPhoto& photo) {
+    constexpr double FaceByEyes = 2.17;
+    return Printed(photo,
+                   [](const imaging::Face& face) { return FaceByEyes * face.EyeDistance(); });
+}
+
+Figure EyeDistance(const CheckedPhoto& photo) {
+    return Printed(photo, [](const imaging::Face& face) { return face.EyeDistance(); });
+}
+
+Figure EyeDistancePixels(const CheckedPhoto& photo) {
+    return photo.face ? Figure(photo.face->EyeDistance()) : std::nullopt;
+}
+
+Figure Resolution(const CheckedPhoto& photo) {
+    const int dots = PrintResolution(photo.rectangle.width(), photo.printedWidth).value;
+    return dots > 0 ? Figure(dots) : std::nullopt;
+}
+
+Figure Tilt(const CheckedPhoto& photo) {
+    return photo.face ? Figure(photo.face->tiltDegrees) : std::nullopt;
+}
+
+template <Figure Measures::*Measure>
+Figure Measured(const CheckedPhoto& photo) {
+    return photo.measures.*Measure;
+}
+
+template <Figure Background::*Measure>
+Figure Behind(const CheckedPhoto& photo) {
+    return photo.background.*Measure;
+}
+
+Figure InMillimetres(std::optional<TenthsOfMillimetre> length) {
+    return length ? Figure(length->value / 10.0) : std::nullopt;
+}
+
+PublishedBand Published(const Band& band, bool isJudged = true) {
+    return {InMillimetres(band.from), InMillimetres(band.to), isJudged};
+}
+
+PublishedBand HeadOf(const TemplateRow& row) {
+    return Published(row.head, !row.headIsAdvice);
+}
+PublishedBand EyesOf(const TemplateRow& row) {
+    return Published(row.eyes, !row.eyesAreAdvice);
+}
+PublishedBand AxisOf(const TemplateRow& row) {
+    return Published(row.axis);
+}
+PublishedBand ChinOf(const TemplateRow& row) {
+    return Published(row.chin);
+}
+PublishedBand TopOf(const TemplateRow& row) {
+    return Published(row.top);
+}
+PublishedBand FaceOf(const TemplateRow& row) {
+    return Published(row.face, false);
+}
+PublishedBand EyeDistanceOf(const TemplateRow& row) {
+    return Published({row.eyeDistance, {}});
+}
+
+/// Where nobody says which end of the head is meant, both are told.
+QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
+    if (row.crown == Crown::Skull) {
+        return u"Kinn bis Schädel, ohne Frisur"_s;
+    }
+    CheckLine skull;
+    skull.unit = u"mm"_s;
+    skull.value = Printed(
+        photo, [](const imaging::Face& face) { return HeadPixels(face, face.skull.position); });
+    return u"Kinn bis Scheitel, mit Haar"_s +
+           (skull.value ? u" (ohne Frisur "_s + ValueText(skull) + u')' : QString());
+}
+
+QString FaceWidthNote(const CheckedPhoto& /*photo*/, const TemplateRow& /*row*/) {
+    return u"aus dem Augenabstand geschätzt"_s;
+}
+
+}  // namespace
+
+const std::vector<CheckRule>& CheckRules() {
+    using Of = Guidance::Of;
+    static const std::vector<CheckRule> rules{
+        {u"headHeight",
+         u"Kopf",
+         u"mm",
+         1,
+         Head,
+         HeadOf,
+         {0.6, 0.9, FaceImages, Of::Height},
+         HeadNote},
+        {u"eyeLine",
+         u"Augen über dem unteren Rand",
+         u"mm",
+         1,
+         EyeLine,
+         EyesOf,
+         {0.5, 0.7, FaceImages, Of::Height},
+         nullptr},
+        {u"faceAxis",
+         u"Gesichtsachse vom linken Rand",
+         u"mm",
+         1,
+         Axis,
+         AxisOf,
+         {0.45, 0.55, FaceImages, Of::Width},
+         nullptr},
+        {u"chin", u"Kinn über dem unteren Rand", u"mm", 1, Chin, ChinOf, {}, nullptr},
+        {u"topGap", u"Scheitel bis zum oberen Rand", u"mm", 1, TopGap, TopOf, {}, nullptr},
+        {u"faceWidth", u"Breite des Gesichts", u"mm", 1, FaceWidth, FaceOf, {}, FaceWidthNote},
+        {u"eyeDistance",
+         u"Augenabstand im Druck",
+         u"mm",
+         1,
+         EyeDistance,
+         EyeDistanceOf,
+         {10, {}, TravelDocuments},
+         nullptr},
+        {u"resolution",
+         u"Auflösung im Druck",
+         u"dpi",
+         0,
+         Resolution,
+         nullptr,
+         {300, {}, PrintedDots},
+         nullptr},
+        {u"tilt",
+         u"Neigung der Augenlinie",
+         u"°",
+         1,
+         Tilt,
+         nullptr,
+         {-8, 8, OlderFaceImages},
+         nullptr},
+        {u"eyeDistancePixels",
+         u"Augenabstand im Foto",
+         u"px",
+         0,
+         EyeDistancePixels,
+         nullptr,
+         {90, {}, Several},
+         nullptr},
+        {u"exposure",
+         u"Helligkeit der Haut",
+         u"L*",
+         0,
+         Measured<&Measures::skinLightness>,
+         nullptr,
+         {35, 88, Own},
+         nullptr},
+        {u"clipping",
+         u"Haut ausgefressen oder schwarz",
+         u"%",
+         1,
+         Measured<&Measures::skinClipped>,
+         nullptr,
+         {{}, 5, Own},
+         nullptr},
+        {u"evenLight",
+         u"Licht links gegen rechts",
+         u"L*",
+         1,
+         Measured<&Measures::lightDifference>,
+         nullptr,
+         {{}, 12, Own},
+         nullptr},
+        {u"sharpness",
+         u"Schärfe an den Augen",
+         u"",
+         1,
+         Measured<&Measures::sharpness>,
+         nullptr,
+         {2, {}, Own},
+         nullptr},
+        {u"backgroundUniform",
+         u"Hintergrund einfarbig",
+         u"ΔE",
+         1,
+         Behind<&Background::spread>,
+         nullptr,
+         {{}, 14, PublicChecker},
+         nullptr},
+        {u"backgroundLightness",
+         u"Hintergrund hell genug",
+         u"L*",
+         0,
+         Behind<&Background::lightness>,
+         nullptr,
+         {60, {}, Own},
+         nullptr},
+        {u"backgroundShadow",
+         u"Schatten im Hintergrund",
+         u"L*",
+         1,
+         Behind<&Background::shadow>,
+         nullptr,
+         {{}, 12, Own},
+         nullptr},
+        {u"redEyes",
+         u"Rote Augen",
+         u"%",
+         0,
+         Measured<&Measures::redEye>,
+         nullptr,
+         {{}, 15, Own},
+         nullptr},
+    };
+    return rules;
+}
+
+}  // namespace kadrona::core

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "core/check/PhotoCheck.h"
+
+namespace kadrona::core {
+
+/// Who says what a rule demands: a name for a narrow column, and the whole of it.
+struct RuleSource {
+    const char16_t* name = nullptr;
+    const char16_t* text = nullptr;
+};
+
+/// What counts where a document publishes nothing. Never judged.
+struct Guidance {
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+    RuleSource source;
+    /// What the limits are parts of; else they have the rule's unit.
+    enum class Of { Unit, Width, Height } of = Of::Unit;
+};
+
+/// What a document's row of the template table says of a rule.
+struct PublishedBand {
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+    bool isJudged = true;  ///< no advice, and measured surely enough
+
+    bool IsEmpty() const { return !minimum && !maximum; }
+};
+
+/// A rule of the check: where its figure is found, and what it is held against.
+struct CheckRule {
+    const char16_t* name;
+    const char16_t* label;
+    const char16_t* unit;
+    int decimals;
+    std::optional<double> (*value)(const CheckedPhoto&);
+    /// Null where no document says anything.
+    PublishedBand (*published)(const TemplateRow&);
+    /// Without a source there is no line where nothing is published.
+    Guidance guidance;
+    /// What the figures cannot say; null where there is nothing.
+    QString (*note)(const CheckedPhoto&, const TemplateRow&);
+};
+
+/// All rules with a figure, in the order of the report.
+const std::vector<CheckRule>& CheckRules();
+
+}  // namespace kadrona::core
