@@ -2,7 +2,7 @@
 
 #include <QString>
 #include <optional>
-#include <vector>
+#include <span>
 
 #include "core/check/PhotoCheck.h"
 
@@ -48,6 +48,6 @@ struct CheckRule {
 };
 
 /// All rules with a figure, in the order of the report.
-const std::vector<CheckRule>& CheckRules();
+std::span<const CheckRule> CheckRules();
 
 }  // namespace kadrona::core

@@ -21,6 +21,9 @@ constexpr int LongestSide = 10000;
 /// Nobody's table is longer, bytes.
 constexpr qint64 LargestTable = 1 << 20;
 
+/// No authority asks for more.
+constexpr int MostDotsPerInch = 2400;
+
 /// Part of the free height that lies below the chin.
 constexpr double FreeHeightBelowChin = 0.6;
 /// Room above the largest head, tenths of a millimetre.
@@ -35,11 +38,11 @@ QStringList ColumnNames() {
 
 /// May be left out.
 QStringList FurtherColumnNames() {
-    return {u"Augenabstand von"_s, u"Scheitel"_s,       u"Bearbeitung"_s,
-            u"Hintergrund"_s,      u"Papier"_s,         u"Datei Breite von"_s,
-            u"Datei Breite bis"_s, u"Datei Höhe von"_s, u"Datei Höhe bis"_s,
-            u"Datei kB von"_s,     u"Datei kB bis"_s,   u"Datei Format"_s,
-            u"Datei Beleg"_s};
+    return {u"Augenabstand von"_s, u"Auflösung von"_s,    u"Scheitel"_s,
+            u"Bearbeitung"_s,      u"Hintergrund"_s,      u"Papier"_s,
+            u"Datei Breite von"_s, u"Datei Breite bis"_s, u"Datei Höhe von"_s,
+            u"Datei Höhe bis"_s,   u"Datei kB von"_s,     u"Datei kB bis"_s,
+            u"Datei Format"_s,     u"Datei Beleg"_s};
 }
 
 QString InMillimetres(TenthsOfMillimetre length) {
@@ -94,6 +97,7 @@ class RowReader {
         row.face = BandWithin(u"Gesicht"_s, row.width);
         row.axis = CompleteBandWithin(u"Achse"_s, row.width);
         row.eyeDistance = Length(u"Augenabstand von"_s);
+        row.resolution = Count(u"Auflösung von"_s, MostDotsPerInch);
         row.crown = OneOf<Crown>(
             u"Scheitel"_s,
             {{{}, Crown::Hair}, {u"Haar"_s, Crown::Hair}, {u"Schädel"_s, Crown::Skull}});

@@ -46,6 +46,7 @@ struct TemplateRow {
     Band chin;                                      ///< chin above the lower edge
     Band axis;                                      ///< middle of the face from the left edge
     std::optional<TenthsOfMillimetre> eyeDistance;  ///< smallest distance of the pupils
+    std::optional<int> resolution;                  ///< advised least dots per inch of the print
     bool headIsAdvice = false;
     bool eyesAreAdvice = false;
     Crown crown = Crown::Hair;

@@ -174,6 +174,10 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
           std::pair(u"faceAxis"_s, 17.5), std::pair(u"resolution"_s, 508.0)}) {
         EXPECT_DOUBLE_EQ(*LineOf(photo, name).value, value) << name.toStdString();
     }
+    EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, 300);
+    photo.figures->resolution = DeliveredRow(u"niederlande-reisepass.schablone"_s).resolution;
+    EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, 400);
+    EXPECT_EQ(LineOf(photo, u"resolution"_s).state, CheckState::Guidance) << "advised only";
     const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
     EXPECT_EQ(distance.state, CheckState::Missed);
     EXPECT_EQ(FigureText(distance), u"5,0 mm statt mindestens 8 mm"_s);
