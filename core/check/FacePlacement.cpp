@@ -156,9 +156,15 @@ class SizedFace {
 };
 
 /// The place that keeps every published band inside the photo, as near as can be to the usual one.
-std::optional<QRect> PlaceInBands(const SizedFace& face, QSize canvas, QSize photo) {
+std::optional<FacePlacement> PlaceInBands(const SizedFace& face, QSize canvas, QSize photo) {
+    constexpr double Unseen = 2;  // tenths of a millimetre
     Range chins = face.Chins();
     Range axes = face.Axes();
+    if (chins.IsEmpty() || axes.IsEmpty()) {
+        return std::nullopt;
+    }
+    const double usualChin = chins.Nearest(face.Chin());
+    const double usualAxis = axes.Nearest(face.Axis());
     const Range chinsInside = face.ChinsInside(photo);
     const Range axesInside = face.AxesInside(photo);
     chins.Narrow(chinsInside.from, chinsInside.to);
@@ -166,11 +172,15 @@ std::optional<QRect> PlaceInBands(const SizedFace& face, QSize canvas, QSize pho
     if (chins.IsEmpty() || axes.IsEmpty()) {
         return std::nullopt;
     }
-    const QRect rectangle =
-        face.Rectangle(chins.Nearest(face.Chin()), axes.Nearest(face.Axis()), canvas);
+    const double chin = chins.Nearest(usualChin);
+    const double axis = axes.Nearest(usualAxis);
     // Its edges were rounded by themselves.
-    const QRect kept = KeptInsidePhoto(rectangle, photo);
-    return QRect({0, 0}, photo).contains(kept) ? std::optional(kept) : std::nullopt;
+    const QRect kept = KeptInsidePhoto(face.Rectangle(chin, axis, canvas), photo);
+    if (!QRect({0, 0}, photo).contains(kept)) {
+        return std::nullopt;
+    }
+    const bool moved = std::max(std::abs(chin - usualChin), std::abs(axis - usualAxis)) > Unseen;
+    return FacePlacement{kept, false, moved};
 }
 
 /// The largest rectangle of the shape that the photo holds, around the middle of another one.
@@ -194,6 +204,9 @@ QString SeveralFacesText(int faceCount) {
 
 QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& placement) {
     QStringList remarks{SeveralFacesText(search.faceCount)};
+    if (placement.offMiddle) {
+        remarks << u"Das Foto ist knapp; der Kopf liegt daher nicht in der Mitte der Vorgabe."_s;
+    }
     if (placement.photoTooTight) {
         remarks << u"Das Foto endet zu nah am Kopf; die Schablone passt nicht an ihren Platz."_s;
     }
@@ -217,15 +230,16 @@ FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSi
     for (int step = 0; step <= Steps; ++step) {
         const double head = heads.best + (heads.largest - heads.best) * step / Steps;
         const SizedFace sized(face, row, head);
-        if (const auto rectangle = PlaceInBands(sized, canvas, photo)) {
-            return {*rectangle, false};
+        if (auto placement = PlaceInBands(sized, canvas, photo)) {
+            placement->offMiddle |= step > 0 && couldBeMet;
+            return *placement;
         }
         couldBeMet |= !sized.Chins().IsEmpty();
     }
     const SizedFace best(face, row, heads.best);
     QRect rectangle = best.Rectangle(best.Chin(), best.Axis(), canvas);
     if (!couldBeMet && QRect({0, 0}, photo).contains(rectangle)) {
-        return {rectangle, false};  // the face has other proportions; the photo has room enough
+        return {rectangle};  // the face has other proportions; the photo has room enough
     }
     // No size of head leaves the template in its place: the best one, pushed back inside.
     if (rectangle.width() > photo.width() || rectangle.height() > photo.height()) {

@@ -13,13 +13,16 @@ struct FacePlacement {
     QRect rectangle;  ///< photo pixels, inside the photo
     /// The photo ends too close to the head: the template had to leave its place.
     bool photoTooTight = false;
+    /// The photo ends so close to the head that it has another size or place than the middle of the
+    /// bands, though every band is kept.
+    bool offMiddle = false;
 };
 
 /// Which of several faces counts, German; empty where there are not several.
 QString SeveralFacesText(int faceCount);
 
 /// What whoever places a template on a face has to know: that there are several, that the photo is
-/// too tight. German sentences; often empty.
+/// tight or too tight. German sentences; often empty.
 QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& placement);
 
 /// The top of the head that counts for a document.
