@@ -114,9 +114,8 @@ void RetouchTool::ForgetSource() {
 
 /// One hint at a time: the status bar of a window of the designed size holds no more.
 void RetouchTool::ShowHint() {
-    const QString next = stamp_.HasSource()
-                             ? u"Mausrad: Größe, mit Umschalt: Weichheit"_s
-                             : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
+    const QString next = stamp_.HasSource() ? u"Mausrad: Größe, mit Umschalt: Weichheit"_s
+                                            : u"Umschalt+Klick nimmt auf, woher kopiert wird"_s;
     statusBar_.showMessage(u"Stempel %1 px, Weichheit %2 %  –  %3"_s.arg(
         QString::number(std::lround(brush_.diameter)),
         QString::number(std::lround(brush_.softness * 100)), next));
