@@ -26,7 +26,7 @@ class AtomicFile {
     QIODevice& Device() { return file_; }
 
     /// When its content was made, where that was not now. To be said after the last byte.
-    void SetModified(const QDateTime& time) { file_.SetModified(time); }
+    void SetModified(const QDateTime& time) const { file_.SetModified(time); }
 
     /// Flushes and replaces. Throws FileError with the path and the system's reason: the older file
     /// is still there then, but for UnflushedError.

@@ -144,7 +144,7 @@ bool ReplacementFile::OpenWithName() {
     return true;
 }
 
-void ReplacementFile::SetModified(const QDateTime& time) {
+void ReplacementFile::SetModified(const QDateTime& time) const {
     const auto milliseconds = time.toMSecsSinceEpoch();
     timespec modified{};
     modified.tv_sec = milliseconds / 1000;

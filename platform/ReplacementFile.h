@@ -33,7 +33,7 @@ class ReplacementFile : public QIODevice {
     bool Create();
 
     /// The time of the last change, where the file system takes one.
-    void SetModified(const QDateTime& time);
+    void SetModified(const QDateTime& time) const;
 
     /// Brings the content to the disk, then puts the file under the target's name in one step, and
     /// brings that to the disk. Where only the last fails the file stands there, whole.

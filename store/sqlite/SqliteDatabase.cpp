@@ -14,6 +14,7 @@
 #include "platform/UniqueFile.h"
 #include "store/Statement.h"
 #include "store/StoreError.h"
+#include "store/sqlite/EngineFiles.h"
 #include "store/sqlite/SqliteReason.h"
 #include "store/sqlite/SqliteStatement.h"
 #include "store/sqlite/WordTokenizer.h"
@@ -64,6 +65,14 @@ QString MakeFile(const QString& path) {
     return S_ISREG(existing.st_mode) ? QString() : u"Es ist keine gewöhnliche Datei"_s;
 }
 
+/// The engine would only say that it cannot open it. Empty where nothing stands in the way.
+QString JournalObstacle(const QString& path) {
+    struct stat existing {};
+    return lstat(QFile::encodeName(path).constData(), &existing) == 0 && !S_ISREG(existing.st_mode)
+               ? u"Neben ihr liegt „%1“ und ist keine gewöhnliche Datei"_s.arg(path)
+               : QString();
+}
+
 }  // namespace
 
 void SqliteDatabase::Closer::operator()(sqlite3* handle) const {
@@ -83,7 +92,9 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
     check(refusal);
     const QString file = platform::JoinPath(realFolder, FileName);
     check(MakeFile(file));
+    check(JournalObstacle(file + u"-journal"_s));
 
+    [[maybe_unused]] static const bool isBounded = (BoundEngineFiles(), true);
     sqlite3* handle = nullptr;
     int result = sqlite3_open_v2(file.toUtf8().constData(), &handle,
                                  SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW,

@@ -340,7 +340,7 @@ TEST(SheetTray, ADamagedListIsKeptAsideAndTold) {
     };
     const QString list = folder.filePath(u"Sammelblatt.json"_s);
     int number = 0;
-    for (const auto& [damaged, reason] : {std::pair("[{\"file\""_ba, u"Sie ist ab Zeichen"_s),
+    for (const auto& [damaged, reason] : {std::pair(R"([{"file")"_ba, u"Sie ist ab Zeichen"_s),
                                           std::pair("{}"_ba, u"Sie enthält keine Liste"_s)}) {
         platform::WriteFileAtomically(list, damaged);
         const QString aside = folder.filePath(u"Sammelblatt-beschädigt-%1.json"_s.arg(++number));

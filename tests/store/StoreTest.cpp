@@ -5,7 +5,9 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <algorithm>
+#include <numeric>
 
 #include "platform/AtomicFile.h"
 #include "store/FullTextIndex.h"
@@ -129,6 +131,38 @@ TEST_F(DatabaseTest, IsTheUsersAloneAndLiesBehindTheUsersOwnLinks) {
     EXPECT_EQ(database.Name(), link + u"/KDRImageBase.db"_s);
     EXPECT_EQ(QFile::permissions(folder + u"/KDRImageBase.db"_s) & QFileDevice::Permissions(0x7077),
               QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+/// A journal that says to be one of several, which all go with the file of that name.
+QByteArray ForeignJournal(const QByteArray& companion) {
+    constexpr quint32 PageOfNames = 0x40000000 / 4096 + 1;
+    const auto number = [](quint32 value) {
+        value = qToBigEndian(value);
+        return QByteArray(reinterpret_cast<const char*>(&value), sizeof value);
+    };
+    const QByteArray mark = QByteArray::fromHex("d9d505f920a163d7");
+    const QByteArray head = mark + number(0) + number(0) + number(4) + number(512) + number(4096);
+    const auto sum = std::accumulate(companion.begin(), companion.end(), quint32(0));
+    return head.leftJustified(512, '\0') + number(PageOfNames) + companion +
+           number(quint32(companion.size())) + number(sum) + mark;
+}
+
+TEST_F(DatabaseTest, AForeignJournalNeitherHoldsUpNorRemovesAnything) {
+    Insert(database_, u"kept"_s);
+    const QString journal = Path() + u"-journal"_s;
+    QDir(folder_.path()).mkdir(u"other"_s);
+    for (const QString& name : {u"precious"_s, u"other/KDRImageBase.db"_s}) {
+        const QString precious = folder_.filePath(name);
+        platform::WriteFileAtomically(precious, "x"_ba);
+        platform::WriteFileAtomically(journal, ForeignJournal(QFile::encodeName(precious)));
+        SqliteDatabase opened(folder_.path());
+        EXPECT_EQ(Count(opened), 1);
+        EXPECT_TRUE(QFile::exists(precious));
+    }
+    mkfifo(QFile::encodeName(journal).constData(), 0600);
+    EXPECT_THROW(Count(database_), StoreError) << "put there later";
+    EXPECT_TRUE(
+        TextOf<StoreError>([&] { const SqliteDatabase opened(folder_.path()); }).contains(journal));
 }
 
 TEST_F(DatabaseTest, NoticesDamage) {
