@@ -51,7 +51,7 @@ constexpr int MostKeptLists = 100;
 QString SetAside(const QString& path, const QString& base, const QString& extension) {
     QFile file(path);
     for (int number = 1; number <= MostKeptLists; ++number) {
-        const QString aside = base + u'-' + QString::number(number) + extension;
+        QString aside = base + u'-' + QString::number(number) + extension;
         if (QFileInfo::exists(aside)) {
             continue;
         }
