@@ -18,6 +18,7 @@
 #include "app/archive/WaitingPhotos.h"
 #include "app/base/ViewActions.h"
 #include "app/face/FaceActions.h"
+#include "app/face/FaceLine.h"
 #include "app/opening/OpenActions.h"
 #include "app/opening/RecentActions.h"
 #include "app/opening/WatchActions.h"
@@ -136,7 +137,7 @@ void TmainFm::CreateActions(dialogs::TfmRGBKurve& curveDialog) {
         std::make_unique<RetouchTool>(session_, *view_, *statusPanels_, actions_, *viewActions_);
     faceActions_ =
         std::make_unique<FaceActions>(session_, *view_, *data_, *settings_, *ui_, actions_,
-                                      *rotateActions_, *sidePanel_, *checkSection_);
+                                      *rotateActions_, *sidePanel_, *checkSection_, *faceLine_);
     watchActions_ =
         std::make_unique<WatchActions>(*photoStrip_, *settings_, actions_,
                                        [this](const QString& path) { OpenDroppedFiles({path}); });
@@ -195,6 +196,7 @@ void TmainFm::ShowSession() {
                     *settings_);
     emptyState_->setVisible(image.IsEmpty());
     view_->setVisible(!image.IsEmpty());
+    faceLine_->setVisible(session_.IsEditing());
     sheetLine_->setVisible(session_.CurrentStage() == Stage::SheetMade &&
                            actions_[Action::UploadFile]->isEnabled());
     statusPanels_->SetPath(session_.FileName());

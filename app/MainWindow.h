@@ -41,6 +41,7 @@ class AppearanceActions;
 class ArchiveActions;
 class ColourTools;
 class FaceActions;
+class FaceLine;
 class ManualActions;
 class OpenActions;
 class PaperActions;
@@ -116,6 +117,7 @@ class TmainFm : public QMainWindow {
     QMenu* recentMenu_ = nullptr;
     QMenu* appearanceMenu_ = nullptr;
     controls::PhotoStrip* recentStrip_ = nullptr;
+    FaceLine* faceLine_ = nullptr;
     QWidget* sheetLine_ = nullptr;
     controls::PhotoStrip* photoStrip_ = nullptr;
     QComboBox* pictureCount_ = nullptr;

@@ -9,6 +9,7 @@
 
 #include "app/MainWindow.h"
 #include "app/base/AtRest.h"
+#include "app/face/FaceLine.h"
 #include "app/opening/OpenActions.h"
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
@@ -121,6 +122,9 @@ void TmainFm::BuildViewPanel() {
     layout->setSpacing(0);
     layout->addWidget(emptyState_, 1);
     layout->addWidget(view_, 1);
+    faceLine_ = new FaceLine;
+    faceLine_->hide();
+    layout->addWidget(faceLine_);
     layout->addWidget(BuildSheetLine());
     photoStrip_ = new controls::PhotoStrip(u"Neue Fotos im beobachteten Ordner"_s);
     photoStrip_->setObjectName(u"PhotoStrip"_s);

@@ -8,9 +8,9 @@ namespace kadrona::app {
 FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
                          const core::Settings& settings, core::UserInterface& ui,
                          MainActions& actions, RotateActions& rotateActions,
-                         dialogs::SidePanel& panel, dialogs::CheckSection& section)
+                         dialogs::SidePanel& panel, dialogs::CheckSection& section, FaceLine& line)
     : face_(session, *view.window()),
-      overlay_(*new FaceOverlay(view)),
+      overlay_(*new FaceOverlay(view, line)),
       points_(session, face_, view, overlay_, section, actions),
       leveller_(session, face_, view, overlay_, actions, rotateActions),
       proposal_(session, face_, overlay_, data, settings, ui, actions),

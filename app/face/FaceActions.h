@@ -8,6 +8,7 @@
 
 namespace kadrona::app {
 
+class FaceLine;
 class RotateActions;
 
 /// What the window does with the photo's face, in the order in which the parts follow a change of
@@ -17,7 +18,7 @@ class FaceActions {
     FaceActions(PhotoSession& session, imaging::view::ImageView& view, core::TData& data,
                 const core::Settings& settings, core::UserInterface& ui, MainActions& actions,
                 RotateActions& rotateActions, dialogs::SidePanel& panel,
-                dialogs::CheckSection& section);
+                dialogs::CheckSection& section, FaceLine& line);
 
     /// As CheckPanel's.
     bool ConfirmCut() { return panel_.ConfirmCut(); }

@@ -8,10 +8,7 @@
 
 #include "imaging/face/Face.h"
 
-class QBoxLayout;
-class QLabel;
 class QPainter;
-class QPushButton;
 
 namespace kadrona::imaging::view {
 class ImageView;
@@ -19,14 +16,17 @@ class ImageView;
 
 namespace kadrona::app {
 
-/// What is drawn over the photo of a face: the dashed outline of the template's proposed place with
-/// a quiet line that offers it, the face's points, and a line that is being drawn. The mouse goes
-/// through it to the view, except on the line's buttons.
+class FaceLine;
+
+/// What is drawn over the photo of a face: the dashed outline of the template's proposed place,
+/// which the line under the photo offers, the face's points, and a line that is being drawn. The
+/// mouse goes through it to the view.
 class FaceOverlay : public QWidget {
     Q_OBJECT
 
  public:
-    explicit FaceOverlay(imaging::view::ImageView& view);
+    /// Both outlive the object.
+    FaceOverlay(imaging::view::ImageView& view, FaceLine& line);
 
     /// Nothing takes the offer away.
     void Propose(const std::optional<QRect>& rectangle, const QString& text);
@@ -56,15 +56,11 @@ class FaceOverlay : public QWidget {
     void DrawFace(QPainter& painter, QPen pen) const;
 
     imaging::view::ImageView& view_;
+    FaceLine& line_;
     std::optional<QRect> proposed_;
     bool isRemark_ = false;  ///< what the line shows
     std::vector<imaging::FacePoint> points_;
     std::optional<QLineF> drawn_;
-    QWidget* line_;
-    QLabel* text_;
-    QBoxLayout* row_;
-    QBoxLayout* choice_;  ///< the buttons
-    std::vector<QPushButton*> buttons_;
 };
 
 }  // namespace kadrona::app

@@ -5,6 +5,7 @@
 
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
+#include "app/face/FaceLine.h"
 #include "app/face/FaceOverlay.h"
 #include "app/face/PhotoFace.h"
 #include "core/Data.h"
@@ -89,8 +90,8 @@ void PlaceProposal::Offer() {
 
 void PlaceProposal::Propose(const core::FacePlacement& placement) {
     const QString remark = core::PlacementRemark(face_.Search(), placement);
-    overlay_.Propose(placement.rectangle, (remark.isEmpty() ? u"Gesicht gefunden."_s : remark) +
-                                              u" Schablone daran ausrichten?"_s);
+    overlay_.Propose(placement.rectangle,
+                     (remark.isEmpty() ? u"Gesicht gefunden."_s : remark) + u' ' + OfferQuestion);
 }
 
 /// As near as nobody would move it by hand.

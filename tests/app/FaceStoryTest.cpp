@@ -58,9 +58,15 @@ class FaceStory : public Story {
 
 TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     const QRect before = Template();
+    const QSize room = window->View().size();
     AwaitProposal();
     EXPECT_EQ(Template(), before);
+    EXPECT_EQ(window->View().size(), room) << "the photo does not jump";
+    EXPECT_GE(Proposal().mapTo(window.get(), QPoint()).y(),
+              window->View().mapTo(window.get(), QPoint(0, room.height())).y());
     ClickButton(*window, "RefuseProposal");
+    QApplication::processEvents();
+    EXPECT_EQ(window->View().size(), room);
     EXPECT_FALSE(Proposal().isVisible());
     EXPECT_EQ(Template(), before);
     Trigger(u"acRotateLeft"_s);
