@@ -57,12 +57,13 @@ bool IsOutside(const CheckLine& line) {
     return (line.minimum && shown < *line.minimum) || (line.maximum && shown > *line.maximum);
 }
 
+QString NumberText(const CheckLine& line) {
+    return line.value ? Number(*line.value, line.decimals) : QString();
+}
+
 QString ValueText(const CheckLine& line) {
-    if (!line.value) {
-        return {};
-    }
-    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
-    return Number(*line.value, line.decimals) + unit;
+    const QString number = NumberText(line);
+    return number.isEmpty() || line.unit.isEmpty() ? number : number + u' ' + line.unit;
 }
 
 QString FigureText(const CheckLine& line) {

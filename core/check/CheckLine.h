@@ -39,6 +39,8 @@ QString BandText(const CheckLine& line);
 /// True where the value, as it is shown, lies outside its band, where what is wanted is not there,
 /// and where what is not wanted is; false where nothing was measured.
 bool IsOutside(const CheckLine& line);
+/// "29,4"; empty where nothing was measured.
+QString NumberText(const CheckLine& line);
 /// "29,4 mm"; empty where nothing was measured.
 QString ValueText(const CheckLine& line);
 

@@ -99,14 +99,15 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
 
 CheckSection::Row& CheckSection::RowAt(size_t index) {
     while (rows_.size() <= index) {
-        const Row row{new QLabel, new QLabel, new QLabel, new QLabel};
+        const Row row{new QLabel, new QLabel, new QLabel, new QLabel, new QLabel};
         const int line = static_cast<int>(rows_.size()) * 2;
         row.label->setWordWrap(true);
         row.judgement->setWordWrap(true);
         grid_->addWidget(row.sign, line, 0, Qt::AlignTop);
         grid_->addWidget(row.label, line, 1);
-        grid_->addWidget(row.value, line, 2, Qt::AlignRight | Qt::AlignTop);
-        grid_->addWidget(row.judgement, line + 1, 1, 1, 2);
+        grid_->addWidget(row.number, line, 2, Qt::AlignRight | Qt::AlignTop);
+        grid_->addWidget(row.unit, line, 3, Qt::AlignLeft | Qt::AlignTop);
+        grid_->addWidget(row.judgement, line + 1, 1, 1, 3);
         rows_.push_back(row);
     }
     return rows_[index];
@@ -119,7 +120,7 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
     for (size_t i = 0; i < std::max(lines.size(), rows_.size()); ++i) {
         Row& row = RowAt(i);
         const bool used = i < lines.size();
-        for (QLabel* label : {row.sign, row.label, row.value, row.judgement}) {
+        for (QLabel* label : {row.sign, row.label, row.number, row.unit, row.judgement}) {
             label->setVisible(used);
         }
         if (!used) {
@@ -130,7 +131,9 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
         SetText(row.sign, look.sign);
         controls::SetTone(*row.sign, look.tone);
         SetText(row.label, line.label);
-        SetText(row.value, core::ValueText(line));
+        SetText(row.number, core::NumberText(line));
+        SetText(row.unit, line.value ? line.unit : QString());
+        row.number->setAccessibleName(core::ValueText(line));
         SetText(row.judgement, JudgementOf(line));
         controls::SetTone(*row.judgement, look.tone);
         const QString source = u"Quelle: "_s + line.source;

@@ -41,7 +41,8 @@ class CheckSection : public QWidget {
     struct Row {
         QLabel* sign;
         QLabel* label;
-        QLabel* value;
+        QLabel* number;
+        QLabel* unit;
         QLabel* judgement;
     };
 

@@ -46,7 +46,7 @@ class FaceStory : public Story {
         QStringList all;
         for (const QLabel* label :
              Child<QWidget>(*window, "CheckSection").findChildren<QLabel*>()) {
-            all << label->text();
+            all << (label->accessibleName().isEmpty() ? label->text() : label->accessibleName());
         }
         return all;
     }
