@@ -37,6 +37,10 @@ QFont ReportFont(double points, bool bold = false) {
     return font;
 }
 
+QFont SourceFont() {
+    return ReportFont(7);
+}
+
 /// What a line says beside its band. What was measured comes before what there is to say of it.
 struct LineTexts {
     QString label;
@@ -70,12 +74,26 @@ class Column {
     double Add(const QFont& font, double y, const core::CheckLine& line) {
         const LineTexts texts = TextsOf(line);
         const QString band = core::BandText(line);
+        // The smaller type of the sources stands on the others' line.
+        const double down =
+            (QFontMetricsF(font).ascent() - QFontMetricsF(SourceFont()).ascent()) / ReportDots(1);
         // What has no band may use its room.
-        const double height = std::max({Add(font, 0, y, 62, texts.label),
-                                        Add(font, 64, y, band.isEmpty() ? 76 : 30, texts.figure),
-                                        Add(font, 96, y, 44, band),
-                                        Add(font, 142, y, 28, core::StateText(line.state))});
+        const double height = std::max(
+            {Add(font, 0, y, 50, texts.label),
+             Add(font, 52, y, band.isEmpty() ? 58 : 20, texts.figure), Add(font, 74, y, 36, band),
+             Add(font, 112, y, 26, core::StateText(line.state)),
+             down + Add(SourceFont(), 140, y + down, 30, line.sourceName)});
         return height + GapBetweenLines;
+    }
+
+    /// What the columns of the lines are called.
+    double AddHead(double y) {
+        const QFont font = SmallReportFont();
+        Add(font, 0, y, 50, u"Regel"_s);
+        Add(font, 52, y, 20, u"gemessen"_s);
+        Add(font, 74, y, 36, u"verlangt"_s);
+        Add(font, 112, y, 26, u"Ergebnis"_s);
+        return Add(font, 140, y, 30, u"Quelle"_s) + GapBetweenLines;
     }
 
     std::vector<ReportText>& Texts() { return texts_; }
@@ -84,13 +102,26 @@ class Column {
     std::vector<ReportText> texts_;
 };
 
+/// Each source once, in whole where its name is not.
+QString SourcesOf(const std::vector<core::CheckLine>& lines) {
+    QStringList sources;
+    for (const core::CheckLine& line : lines) {
+        if (line.source != line.sourceName && !sources.contains(line.source)) {
+            sources << line.source;
+        }
+    }
+    return u"Quellen: "_s + sources.join(u" · "_s) +
+           u". Beleg O: Seite der Behörde, T: datierte Abschrift davon, S: andere Quelle."_s;
+}
+
 /// All lines and what follows them, from the height 0 on; their height in millimetres.
 double AddLines(Column& column, const std::vector<core::CheckLine>& lines, double points) {
-    double y = 0;
+    double y = column.AddHead(0);
     for (const core::CheckLine& line : lines) {
         y += column.Add(ReportFont(points), y, line);
     }
-    y += 2;
+    y += 1;
+    y += column.Add(SourceFont(), 0, y, PageWidth, SourcesOf(lines)) + 1.5;
     y += column.Add(SmallReportFont(), 0, y, PageWidth,
                     u"Keine Zusage: Ob ein Bild angenommen wird, entscheidet die Behörde. „nur "
                     u"Richtwert“ steht, wo sie keine Zahl oder nur eine Empfehlung veröffentlicht, "

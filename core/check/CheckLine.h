@@ -21,7 +21,8 @@ struct CheckLine {
     std::optional<double> maximum;
     QString unit;
     QString source;
-    QString note;  ///< what the figures cannot say, German; often empty
+    QString sourceName;  ///< the same for a narrow column
+    QString note;        ///< what the figures cannot say, German; often empty
     int decimals = 1;
     /// For programs: whether there is what a line without a figure names; people read the note.
     std::optional<bool> found;

@@ -11,8 +11,6 @@ namespace kadrona::core {
 
 namespace {
 
-const QString OwnSource = u"eigene Zahl"_s;
-
 double LengthOf(Guidance::Of part, const TemplateRow& row) {
     return (part == Guidance::Of::Height ? row.height : row.width).value / 10.0;
 }
@@ -37,19 +35,32 @@ class Checker {
     }
 
  private:
+    struct Source {
+        QString name;
+        QString text;
+    };
+
     CheckLine& Add(const QString& name, const QString& label, const QString& unit,
-                   const QString& source) {
+                   const Source& source) {
         lines_.push_back({});
         lines_.back().name = name;
         lines_.back().label = label;
         lines_.back().unit = unit;
-        lines_.back().source = source;
+        lines_.back().source = source.text;
+        lines_.back().sourceName = source.name;
         return lines_.back();
     }
 
-    static QString SourceOf(const TemplateRow& row) {
-        return u"Vorgaben „%1“, Beleg %2, gelesen am %3"_s.arg(row.name, row.evidence, row.readOn);
+    static Source SourceOf(const TemplateRow& row) {
+        return {u"Vorgabe, "_s + row.readOn, u"Vorgaben „%1“, Beleg %2, gelesen am %3"_s.arg(
+                                                 row.name, row.evidence, row.readOn)};
     }
+
+    static Source SourceOf(const RuleSource& source) {
+        return {QString::fromUtf16(source.name), QString::fromUtf16(source.text)};
+    }
+
+    static Source OwnSource() { return {u"eigene Zahl"_s, u"eigene Zahl"_s}; }
 
     /// Met or missed by the band. That a published band was neither kept nor missed must not read
     /// as if nobody published it.
@@ -70,10 +81,9 @@ class Checker {
         if (own.IsEmpty() && (!guidance.source.text || (isPart && !photo_.figures))) {
             return;
         }
-        CheckLine& line =
-            Add(QString::fromUtf16(rule.name), QString::fromUtf16(rule.label),
-                QString::fromUtf16(rule.unit),
-                own.IsEmpty() ? QString::fromUtf16(guidance.source.text) : SourceOf(row));
+        CheckLine& line = Add(QString::fromUtf16(rule.name), QString::fromUtf16(rule.label),
+                              QString::fromUtf16(rule.unit),
+                              own.IsEmpty() ? SourceOf(guidance.source) : SourceOf(row));
         line.decimals = rule.decimals;
         line.value = rule.value(photo_);
         line.note = rule.note ? rule.note(photo_, row) : QString();
@@ -95,7 +105,8 @@ class Checker {
 
     /// No document says in figures what a face is: nothing is judged.
     void AddFace() {
-        CheckLine& line = Add(u"face"_s, u"Gesicht"_s, {}, u"Suche im Foto"_s);
+        CheckLine& line =
+            Add(u"face"_s, u"Gesicht"_s, {}, {u"Suche im Foto"_s, u"Suche im Foto"_s});
         if (!photo_.wasFaceLookedFor) {
             line.note = u"nicht gesucht"_s;
             return;
@@ -105,7 +116,7 @@ class Checker {
     }
 
     void AddWhiteCorners() {
-        CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {}, OwnSource);
+        CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {}, OwnSource());
         line.found = photo_.whiteCorners;
         line.isWanted = false;
         line.note = photo_.whiteCorners ? u"vorhanden"_s : u"keine"_s;
@@ -120,8 +131,8 @@ class Checker {
         constexpr double WhiteLightness = 95;
         constexpr double WhiteChroma = 4;
         CheckLine& line =
-            Add(u"backgroundNotWhite"_s, u"Hintergrund nicht weiß"_s, u"L*"_s,
-                SourceOf(row) + u"; verboten ist „weiß“, die Zahl dazu ist eigene Lesart"_s);
+            Add(u"backgroundNotWhite"_s, u"Hintergrund nicht weiß"_s, u"L*"_s, SourceOf(row));
+        line.source += u"; verboten ist „weiß“, die Zahl dazu ist eigene Lesart"_s;
         line.decimals = 0;
         line.value = photo_.background.lightness;
         line.maximum = WhiteLightness;
@@ -134,8 +145,10 @@ class Checker {
 
     void AddEditing(const TemplateRow& row) {
         const bool isPublished = row.editing != AllowedEditing::Unregulated;
-        CheckLine& line = Add(u"editing"_s, u"Bearbeitung"_s, {},
-                              isPublished ? SourceOf(row) : u"keine Vorgabe bekannt"_s);
+        CheckLine& line =
+            Add(u"editing"_s, u"Bearbeitung"_s, {},
+                isPublished ? SourceOf(row)
+                            : Source{u"keine Vorgabe bekannt"_s, u"keine Vorgabe bekannt"_s});
         QStringList done;
         if (photo_.edits.tone) {
             done << u"Töne"_s;

@@ -2,14 +2,10 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTextDocument>
 #include <cmath>
 
 #include "app/base/PhotoSession.h"
 #include "app/face/PhotoFace.h"
-#include "app/face/ReportLayout.h"
-#include "core/check/FacePlacement.h"
-#include "core/check/PhotoCheck.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 #include "tests/app/StoryFixture.h"
@@ -267,74 +263,6 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     driver.Answer({u"gone.png"_s}, u"OkButton"_s);
     window->OpenDroppedFiles({installation.Path("gone.png")});
     EXPECT_FALSE(Child<QPushButton>(section, "CheckReport").isEnabled());
-}
-
-/// The whole check of the drawn portrait in a template, all edits made.
-app::CheckReport ReportOf(const core::TemplateRow& row, bool withFace) {
-    static const imaging::Pixels portrait(DrawnPortrait());
-    imaging::Face face;
-    face.leftEye.position = DrawnLeftEye;
-    face.rightEye.position = DrawnRightEye;
-    face.chin.position = DrawnChin;
-    face.crown.position = DrawnCrown;
-    face.skull.position = DrawnCrown + QPointF(0, 30);
-    core::CheckedPhoto photo;
-    photo.rectangle =
-        core::PlaceOnFace(face, row, {row.width.value, row.height.value}, portrait.Size())
-            .rectangle;
-    photo.figures = row;
-    photo.printedWidth = row.width;
-    photo.edits = {.tone = true, .colours = true, .retouched = true};
-    if (withFace) {
-        photo.face = face;
-    }
-    return {portrait, photo.rectangle, row.name, photo.face, core::CheckPhoto(photo), row.crown};
-}
-
-TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
-    QFile table(QStringLiteral(TEMPLATE_TABLE));
-    ASSERT_TRUE(table.open(QFile::ReadOnly));
-    auto rows = core::ParseTemplateTable(QString::fromUtf8(table.readAll()), table.fileName());
-    rows.push_back(rows.front());
-    rows.back().editing = core::AllowedEditing::GeometryOnly;
-    rows.back().paper = rows.back().paper.repeated(15);
-    for (const core::TemplateRow& row : rows) {
-        for (const bool withFace : {false, true}) {
-            SCOPED_TRACE(row.name.toStdString());
-            const app::CheckReport report = ReportOf(row, withFace);
-            const app::ReportLayout layout = app::LayOutReport(report);
-            std::vector<QRectF> places{layout.picture};
-            for (const app::ReportText& text : layout.texts) {
-                QTextDocument shown(text.text);
-                shown.setDocumentMargin(0);
-                shown.setDefaultFont(text.font);
-                shown.setTextWidth(text.place.width());
-                places.emplace_back(text.place.topLeft(), shown.size());
-            }
-            // A document counts whole dots.
-            const QRectF page(0, 0, app::ReportDots(170), app::ReportDots(261) + 1);
-            for (auto place = places.begin(); place != places.end(); ++place) {
-                EXPECT_TRUE(page.contains(*place)) << place->bottom();
-                EXPECT_TRUE(std::none_of(places.begin(), place, [&](const QRectF& other) {
-                    return other.intersects(*place);
-                })) << place - places.begin();
-            }
-            EXPECT_GE(layout.picture.height(), app::ReportDots(30));
-            if (withFace) {
-                ASSERT_EQ(layout.marks.size(), 3);
-                EXPECT_NEAR((layout.marks[2].y - layout.marks[0].y) / layout.picture.width() *
-                                row.width.value / 10,
-                            *report.lines[1].value, 0.01)
-                    << "the marks show what the line says";
-                EXPECT_EQ(layout.brackets.size(), row.chin.from ? 4 : row.top.from ? 3 : 2);
-                const app::ReportBracket& head = layout.brackets.at(0);
-                EXPECT_EQ(head.text, u"Kopf\n"_s + core::ValueText(report.lines[1]));
-                EXPECT_EQ(head.top, layout.marks[0].y);
-                EXPECT_EQ(head.bottom, layout.marks[2].y);
-                EXPECT_TRUE(page.contains(layout.brackets.back().place));
-            }
-        }
-    }
 }
 
 TEST_F(FaceStory, MovesTheEndOfTheHeadThatTheDocumentMeasures) {
