@@ -142,9 +142,10 @@ void PrintJson(const std::vector<Report>& reports, bool asList, QTextStream& out
 }
 
 /// Looks for a face; where the finder's data is missing, that is said and the rest still checked.
-std::optional<imaging::FaceSearch> Search(const imaging::Pixels& photo, QTextStream& errors) {
+std::optional<imaging::FaceSearch> Search(const imaging::Pixels& photo, const FaceFinder& find,
+                                          QTextStream& errors) {
     try {
-        return imaging::FindFace(photo);
+        return find(photo);
     } catch (const imaging::CascadesMissing& error) {
         errors << error.Text() << Qt::endl;
         return std::nullopt;
@@ -152,11 +153,11 @@ std::optional<imaging::FaceSearch> Search(const imaging::Pixels& photo, QTextStr
 }
 
 Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRequest& request,
-                const QString& file, QTextStream& errors) {
+                const FaceFinder& find, const QString& file, QTextStream& errors) {
     imaging::LayeredImage image;
     OpenWithTemplate(data, settings, file, image);
     const core::TemplateRow figures = data.LoadedFigures();
-    Report report{file, {}, Search(image.Photo(), errors), {}, {}};
+    Report report{file, {}, Search(image.Photo(), find, errors), {}, {}};
     const std::optional<imaging::Face> face = report.Face();
     if (!request.automatic) {
         PlaceTemplateAt(data, image, request.place);
@@ -188,9 +189,9 @@ Report CheckOne(core::TData& data, const core::Settings& settings, const CheckRe
 
 /// The same of any photo; what is wrong is said.
 Report Checked(core::TData& data, const core::Settings& settings, const CheckRequest& request,
-               const QString& file, QTextStream& errors) {
+               const FaceFinder& find, const QString& file, QTextStream& errors) {
     try {
-        Report report = CheckOne(data, settings, request, file, errors);
+        Report report = CheckOne(data, settings, request, find, file, errors);
         if (request.automatic && report.search && !report.Face()) {
             Remark(file, u"Kein Gesicht gefunden."_s, errors);
         }
@@ -211,6 +212,12 @@ bool IsFailure(const Report& report, const CheckRequest& request) {
 
 int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& output,
                 QTextStream& errors) {
+    return CheckPhotos(request, data, output, errors,
+                       [](const imaging::Pixels& photo) { return imaging::FindFace(photo); });
+}
+
+int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& output,
+                QTextStream& errors, const FaceFinder& find) {
     LoadTemplate(data, request.templateName);
     const core::StoredSettings settings = ProfileSettings(data, {});
     const QStringList photos = RequestedPhotos(request.photos);
@@ -219,7 +226,7 @@ int CheckPhotos(const CheckRequest& request, core::TData& data, QTextStream& out
     std::vector<Report> reports;
     for (const QString& photo : photos) {
         platform::ThrowIfEnding();
-        const Report report = Checked(data, settings, request, photo, errors);
+        const Report report = Checked(data, settings, request, find, photo, errors);
         if (IsFailure(report, request)) {
             result = SomePhotoFailed;
         }

@@ -6,6 +6,8 @@
 #include "app/commandline/CheckCommand.h"
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/SheetCommand.h"
+#include "imaging/face/Cascades.h"
+#include "imaging/face/FaceFinder.h"
 #include "tests/app/CommandFixture.h"
 #include "tests/support/DrawnPortrait.h"
 
@@ -34,7 +36,13 @@ class CheckCommand : public Command {
         request.json = true;
     }
 
-    int Run() { return RunCommand(app::CheckPhotos, request); }
+    int Run(const app::FaceFinder& find = InstalledFinder) {
+        const auto check = [&find](auto&&... given) { return app::CheckPhotos(given..., find); };
+        return RunCommand(check, request);
+    }
+    static imaging::FaceSearch InstalledFinder(const imaging::Pixels& photo) {
+        return imaging::FindFace(photo);
+    }
     QJsonDocument Json() const { return QJsonDocument::fromJson(output.toUtf8()); }
 
     app::CheckRequest request;
@@ -75,6 +83,20 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
     EXPECT_EQ(Run(), app::Done);
     request.strict = true;
     EXPECT_EQ(Run(), app::SomethingFound) << "no face";
+}
+
+TEST_F(CheckCommand, ChecksTheRestWhereTheFindersDataIsMissing) {
+    request.automatic = false;
+    request.place = core::TemplatePlace{0, 0, 350};
+    const auto missing = [](const imaging::Pixels&) -> imaging::FaceSearch {
+        throw imaging::CascadesMissing(u"Installieren Sie das Paket."_s);
+    };
+    EXPECT_EQ(Run(missing), app::Done);
+    EXPECT_TRUE(errors.contains(u"Installieren Sie das Paket."_s)) << errors.toStdString();
+    EXPECT_TRUE(Json().object()[u"face"_s].isNull());
+    EXPECT_TRUE(output.contains(u"\"resolution\""_s));
+    request.strict = true;
+    EXPECT_EQ(Run(missing), app::SomePhotoFailed) << "no check that could be strict";
 }
 
 TEST_F(CheckCommand, TellsProgramsWhetherCornersAreWhite) {

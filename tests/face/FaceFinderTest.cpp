@@ -200,6 +200,27 @@ TEST(PortraitMeasures, SeeEachSideForItself) {
     EXPECT_GT(*measured({240, 200, 120, 60}, qRgb(255, 255, 255)).skinClipped, 50) << "forehead";
 }
 
+TEST(PortraitMeasures, GrowWithLightAndFineEdges) {
+    Face face;
+    face.leftEye.position = {250, 300};
+    face.rightEye.position = {350, 300};
+    face.crown.position = {300, 100};
+    const auto measured = [&](int grey, int stripe) {
+        QImage photo = Filled({600, 800}, qRgb(grey, grey, grey));
+        QPainter painter(&photo);
+        for (int x = 0; stripe > 0 && x < 600; x += 2 * stripe) {
+            painter.fillRect(x, 280, stripe, 40, Qt::black);
+        }
+        painter.end();
+        return MeasurePortrait(Pixels(photo), face);
+    };
+    for (const auto& [grey, lightness] : {std::pair(40, 16), {119, 50}, {225, 89}}) {
+        EXPECT_NEAR(*measured(grey, 0).skinLightness, lightness, 1.5);
+        EXPECT_LT(*measured(grey, 0).sharpness, 0.1);
+    }
+    EXPECT_GT(*measured(150, 3).sharpness, 2 * *measured(150, 24).sharpness);
+}
+
 TEST(BackgroundMeasures, AreOfWhatTheCutHoldsBesideTheHead) {
     Face face;
     face.leftEye.position = {250, 300};
