@@ -128,7 +128,7 @@ imaging::PixelFilterPointer ColourAdjustment::Filter() const {
 void ColourAdjustment::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnParent(*this);
+        StandClearOfPhoto(*this);
     }
 }
 

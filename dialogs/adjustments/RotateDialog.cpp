@@ -122,7 +122,7 @@ std::optional<double> TfmRotateDlg::ShowEx(const imaging::Pixels& preview) {
 void TfmRotateDlg::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnParent(*this);
+        StandClearOfPhoto(*this);
         preview_->setFocus(Qt::OtherFocusReason);
     }
 }

@@ -263,7 +263,7 @@ const imaging::CurveSet& TfmRGBKurve::Curves() const {
 void TfmRGBKurve::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
-        CentreOnParent(*this);
+        StandClearOfPhoto(*this);
         editor_->setFocus(Qt::OtherFocusReason);
     }
 }
