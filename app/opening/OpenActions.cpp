@@ -246,6 +246,7 @@ OpenActions::Outcome OpenActions::ReadPhoto(const Source& source) {
     });
     if (outcome != Outcome::Cancelled) {
         viewActions_.StartAnew();
+        view_.FitUntilMoved();
     }
     return outcome;
 }

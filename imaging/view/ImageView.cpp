@@ -28,7 +28,11 @@ LayeredImage& ImageView::Image() {
 }
 
 void ImageView::Fit() {
-    d_->Fit();
+    d_->Fit(Private::FollowingFit::UntilPainted);
+}
+
+void ImageView::FitUntilMoved() {
+    d_->Fit(Private::FollowingFit::UntilMoved);
 }
 
 void ImageView::SuspendPainting() {
@@ -58,7 +62,7 @@ ImageView::Interactions ImageView::CurrentInteraction() const {
 void ImageView::SetAutomaticFit(bool on) {
     d_->automaticFit_ = on;
     if (on) {
-        d_->Fit();
+        Fit();
     }
 }
 

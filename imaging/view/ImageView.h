@@ -39,6 +39,9 @@ class ImageView : public QWidget {
     LayeredImage& Image();
     /// Brings the whole image into view.
     void Fit();
+    /// The same, also when the view's size changes later, until the view is zoomed or panned, or
+    /// the image's size changes.
+    void FitUntilMoved();
 
     /// Between the two the view goes on showing what it shows; calls nest.
     void SuspendPainting();

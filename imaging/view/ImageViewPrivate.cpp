@@ -64,21 +64,21 @@ void ImageView::Private::UpdateViewSize() {
     }
     ChangeGeometry([&] {
         geometry_.SetView(size, static_cast<int>(std::lround(FitMargin * scale)));
-        if (automaticFit_ || isFitUnseen_) {
+        if (automaticFit_ || followingFit_ != FollowingFit::None) {
             geometry_.Fit();
             StartMoving();
         }
     });
 }
 
-void ImageView::Private::Fit() {
+void ImageView::Private::Fit(FollowingFit following) {
     UpdateViewSize();
     ChangeGeometry([this] { geometry_.Fit(); });
-    isFitUnseen_ = true;
+    followingFit_ = following;
 }
 
 void ImageView::Private::ChangeZoom(double zoom, QPointF fixed) {
-    isFitUnseen_ = false;
+    followingFit_ = FollowingFit::None;
     ChangeGeometry([&] { geometry_.SetZoom(zoom, fixed); });
 }
 
@@ -91,13 +91,16 @@ void ImageView::Private::ZoomByUser(double zoom, QPointF fixed) {
 }
 
 void ImageView::Private::Pan(QPointF imagePoint, QPointF to) {
-    isFitUnseen_ = false;
     StartMoving();
+    const QRect place = geometry_.ImageRectangle();
     ChangeGeometry([&] { geometry_.Place(imagePoint, to); });
+    if (geometry_.ImageRectangle() != place) {  // not where all of it shows already
+        followingFit_ = FollowingFit::None;
+    }
 }
 
 void ImageView::Private::ShowPart(double zoom, QPointF middle) {
-    isFitUnseen_ = false;
+    followingFit_ = FollowingFit::None;
     StartMoving();
     ChangeGeometry([&] {
         geometry_.SetZoom(zoom, geometry_.ViewCentre());
@@ -136,6 +139,8 @@ void ImageView::Private::TakePhoto() {
             geometry_.SetImageSize(size);
             if (automaticFit_ || isFirst) {
                 geometry_.Fit();
+            } else if (followingFit_ == FollowingFit::UntilMoved) {
+                followingFit_ = FollowingFit::None;  // it may be larger than the view now
             }
         });
     }
@@ -187,7 +192,9 @@ void ImageView::Private::Paint(const QRect& dirty) {
         painter.drawPixmap(0, 0, lastFrame_);
         return;
     }
-    isFitUnseen_ = false;
+    if (followingFit_ == FollowingFit::UntilPainted) {
+        followingFit_ = FollowingFit::None;
+    }
     painter.save();
     // One unit of the painter is one device pixel.
     painter.scale(1 / DeviceScale(), 1 / DeviceScale());

@@ -21,13 +21,17 @@ namespace kadrona::imaging::view {
 /// otherwise.
 class ImageView::Private {
  public:
+    /// Until when a fit follows the view's size. Before it is painted, that may still change with
+    /// the layout of its window.
+    enum class FollowingFit { None, UntilPainted, UntilMoved };
+
     Private(ImageView& view, LayeredImage& image);
 
     // Geometry.
     double DeviceScale() const { return view_.devicePixelRatioF(); }
     /// Takes over the widget's size and the screen's scale.
     void UpdateViewSize();
-    void Fit();
+    void Fit(FollowingFit following);
     void ChangeZoom(double zoom, QPointF fixed);
     void ZoomByUser(double zoom, QPointF fixed);
     void Pan(QPointF imagePoint, QPointF to);
@@ -92,9 +96,7 @@ class ImageView::Private {
     Quality quality_ = Quality::Smooth;
     Interactions interactions_{Interactions(Interaction::Zoom) | Interaction::Pan};
     bool automaticFit_ = true;
-    /// A fit of a view that has not been painted since: its size may still change with the layout
-    /// of its window, and the fit with it.
-    bool isFitUnseen_ = false;
+    FollowingFit followingFit_ = FollowingFit::None;
     int suspensions_ = 0;
     /// What shows while painting is suspended.
     QPixmap lastFrame_;

@@ -153,6 +153,22 @@ TEST_F(Story, LaterStartsPhotosWaitForWhatIsUnderWayAndForEachOther) {
     EXPECT_TRUE(IsEnabled(u"acPrintImage"_s));
 }
 
+TEST_F(Story, AnOpenedPhotoFillsTheWindowAsItGrowsUntilTheUserFitsIt) {
+    Open("photo.png");
+    window->View().repaint();
+    const auto zoomAfter = [this](QSize by) {
+        window->resize(window->size() + by);
+        QTest::qWait(50);
+        return window->View().ZoomPercent();
+    };
+    const double before = window->View().ZoomPercent();
+    EXPECT_LT(zoomAfter({0, -100}), before);
+    Trigger(u"acZoomFit"_s);
+    window->View().repaint();
+    const double fitted = window->View().ZoomPercent();
+    EXPECT_EQ(zoomAfter({0, 100}), fitted);
+}
+
 TEST_F(Story, QuarterTurnsAreUndoneOneByOne) {
     Open("photo.png");
     Trigger(u"acRotateLeft"_s);

@@ -276,6 +276,23 @@ TEST_F(ImageViewTest, AutomaticFitFollowsSizesUntilTheUserZooms) {
     EXPECT_FALSE(view_.AutomaticFit());
 }
 
+TEST_F(ImageViewTest, AFitFollowsTheViewsSizeUntilThePhotoIsMoved) {
+    Open({752, 100}, 100);
+    view_.FitUntilMoved();
+    Grab();
+    DragBy({200, 150}, {30, 30});  // all of it shows: nothing moves
+    view_.resize(776, 300);
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 100.0);
+    view_.SetZoomPercent(80);
+    view_.resize(400, 300);
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 80.0);
+
+    view_.FitUntilMoved();
+    image_.ChangePhoto(Pixels(TestPicture(752, 400)));
+    view_.resize(776, 300);
+    EXPECT_DOUBLE_EQ(view_.ZoomPercent(), 50.0) << "another size keeps the zoom";
+}
+
 TEST_F(ImageViewTest, DrawsSmoothlyOnceTheZoomRests) {
     Open({800, 600}, 100);
     view_.SetSettleDelay(std::chrono::milliseconds(1));
