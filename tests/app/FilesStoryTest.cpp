@@ -118,7 +118,7 @@ TEST_F(Story, TheWatchedFoldersPhotosStandInAStripThatOpensThem) {
     SavePhoto("card/one.jpg", {800, 1000});
     installation.Write("card/half.jpg", "\xff\xd8\xff half of a photo");
     installation.Write("card/large.gif",
-                       "GIF89a\x20\x4e\x20\x4e");  // too large for a small picture
+                       "GIF89a N N");  // too large for a small picture
     core::SetWatchedFolder(installation.Path("card"));
     Start();
     auto& strip = Child<QListWidget>(*window, "PhotoStrip");
