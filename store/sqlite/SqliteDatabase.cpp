@@ -46,6 +46,24 @@ void ForgetWhatIsDeleted(sqlite3* handle) {
                  nullptr, nullptr);
 }
 
+/// What a foreign file can have calculated whenever a table is read or written, as large and as
+/// often as it likes. No archive has any. Empty where there is none.
+QString ForeignCalculation(sqlite3* handle) {
+    QString found;
+    const auto take = [](void* text, int /*columns*/, char** values, char** /*names*/) {
+        *static_cast<QString*>(text) = QString::fromUtf8(values[0]);
+        return 0;
+    };
+    sqlite3_exec(
+        handle,
+        "SELECT name FROM sqlite_schema WHERE type = 'trigger' UNION ALL "
+        "SELECT t.name || '.' || c.name FROM sqlite_schema t, pragma_table_xinfo(t.name) c "
+        "WHERE t.type = 'table' AND c.hidden IN (2, 3) LIMIT 1",
+        take, &found, nullptr);
+    return found.isEmpty() ? QString()
+                           : u"In ihr steht „%1“, was fremde Anweisungen ausführt"_s.arg(found);
+}
+
 /// Sees to it that there is a file, an empty one where there was none. SQLite itself would give it
 /// the permissions that the mask leaves, and would wait at a pipe. Returns why there is none; empty
 /// where there is one.
@@ -117,7 +135,7 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
         result = sqlite3_exec(handle, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr);
         WaitUpTo(ReadingPatience);
     }
-    check(result == SQLITE_OK ? QString() : SqliteReason(handle, result));
+    check(result == SQLITE_OK ? ForeignCalculation(handle) : SqliteReason(handle, result));
 }
 
 void SqliteDatabase::WaitUpTo(std::chrono::milliseconds patience) {

@@ -124,12 +124,13 @@ TEST_F(ArchiveFile, AFullDiskLeavesAnEmptyRecordAtWorst) {
         EXPECT_THROW(File(u"leer\r\n"_s), platform::Error);
     }
     EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s), QStringList(u"ok"_s));
-    Execute(
+    const auto opened = Open();  // a file with a trigger is not opened any more
+    opened->Execute(
         uR"(CREATE TRIGGER "full" BEFORE UPDATE OF "ImgName" ON "ImgDB"
                 BEGIN SELECT RAISE(ABORT, 'full'); END)"_s);
     EXPECT_THROW(File(u"leer\r\n"_s), store::StoreError);
     EXPECT_EQ(FiledPhotos().size(), 1) << "no photo is left without its record";
-    Execute(uR"(DROP TRIGGER "full")"_s);
+    opened->Execute(uR"(DROP TRIGGER "full")"_s);
     File(u"wieder\r\n"_s);
     EXPECT_EQ(Table().Find(u"voll"_s), (Ids{1}));
     EXPECT_EQ(Table().Find(u"leer"_s), Ids());

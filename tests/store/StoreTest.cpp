@@ -213,6 +213,17 @@ TEST_F(DatabaseTest, EndsStatementsThatNeverEnd) {
             << qPrintable(sql);
     }
     EXPECT_EQ(Count(hasty), 0);
+    for (const auto& [found, next] :
+         {std::pair(u"„T“"_s, u"DROP TRIGGER T"_s),
+          std::pair(u"„Log.j“"_s, u"ALTER TABLE Log DROP COLUMN j"_s)}) {
+        EXPECT_TRUE(
+            TextOf<StoreError>([&] { SqliteDatabase again(folder_.path()); }).contains(found));
+        hasty.Execute(next);
+        if (found == u"„T“"_s) {
+            hasty.Execute(u"ALTER TABLE Log ADD COLUMN j AS (zeroblob(16000000))"_s);
+        }
+    }
+    SqliteDatabase(folder_.path());
     Statement twice(hasty, endless + u"SELECT sum(i) FROM (SELECT i FROM n LIMIT 100000)"_s);
     for (int run = 0; run < 20; ++run, twice.Reset()) {
         EXPECT_TRUE(twice.Step()) << "each run has its own time";
