@@ -98,6 +98,7 @@ class TmainFm : public QMainWindow {
 
     // Bars and panels (MainWindow_Layout.cpp)
     void BuildCommandArea();
+    void BuildFileMenu(controls::CommandArea& area);
     void BuildEditBar(controls::CommandArea& area);
     void AddActions(controls::CommandBar& bar, std::initializer_list<Action> actions);
     void BuildViewPanel();

@@ -13,6 +13,7 @@
 #include "app/opening/OpenActions.h"
 #include "controls/commands/ApplicationMenu.h"
 #include "controls/commands/CommandArea.h"
+#include "controls/commands/LetterMenu.h"
 #include "controls/commands/ScreenTip.h"
 #include "controls/fields/ElidedLabel.h"
 #include "controls/fields/FileDropTarget.h"
@@ -53,17 +54,33 @@ void TmainFm::BuildCommandArea() {
     menu.SetSidePane(u"KDR Prof"_s,
                      u"Porträt öffnen, Schablone auf das Gesicht legen, Passbilder erstellen."_s);
 
-    QMenu* file = area->QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
+    BuildFileMenu(*area);
+    BuildEditBar(*area);
+    setMenuWidget(area);
+}
+
+/// Its letters are those of the menu alone: the same actions stand elsewhere too.
+void TmainFm::BuildFileMenu(controls::CommandArea& area) {
+    QMenu* file = area.QuickAccess().AddMenu(u"Datei"_s, u"&Datei"_s);
     file->setToolTipsVisible(true);
-    for (const Action action : {Action::Open, Action::SearchArchiv, Action::Save, Action::PrinSetup,
-                                Action::PrinterProfilDlg, Action::ShowConfig}) {
-        file->addAction(actions_[action]);
-    }
+    const auto add = [&](std::initializer_list<std::pair<Action, QChar>> entries) {
+        for (const auto& [action, letter] : entries) {
+            controls::SetMenuLetter(*actions_[action], letter);
+            file->addAction(actions_[action]);
+        }
+    };
+    add({{Action::Open, u'Ö'},
+         {Action::SearchArchiv, u'R'},
+         {Action::Save, u'S'},
+         {Action::PrinSetup, u'D'},
+         {Action::PrinterProfilDlg, u'P'},
+         {Action::ShowConfig, u'E'}});
     file->addSeparator();
-    for (const Action action : {Action::Paste, Action::AddToSheet, Action::UploadFile,
-                                Action::ArchivePhoto, Action::PrintAgain}) {
-        file->addAction(actions_[action]);
-    }
+    add({{Action::Paste, u'F'},
+         {Action::AddToSheet, u'Z'},
+         {Action::UploadFile, u'O'},
+         {Action::ArchivePhoto, u'A'},
+         {Action::PrintAgain, u'N'}});
     recentMenu_ = file->addMenu(u"Zu&letzt geöffnet"_s);
     recentMenu_->setObjectName(u"RecentMenu"_s);
     QMenu* side = file->addMenu(u"Se&itenleiste"_s);
@@ -74,11 +91,7 @@ void TmainFm::BuildCommandArea() {
     appearanceMenu_ = file->addMenu(u"Dars&tellung"_s);
     appearanceMenu_->setObjectName(u"AppearanceMenu"_s);
     file->addSeparator();
-    file->addAction(actions_[Action::Manual]);
-    file->addAction(actions_[Action::Close]);
-
-    BuildEditBar(*area);
-    setMenuWidget(area);
+    add({{Action::Manual, u'H'}, {Action::Close, u'B'}});
 }
 
 void TmainFm::BuildEditBar(controls::CommandArea& area) {

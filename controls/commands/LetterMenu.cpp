@@ -1,8 +1,15 @@
 #include "controls/commands/LetterMenu.h"
 
 #include <QKeyEvent>
+#include <QStyleOptionMenuItem>
 
 namespace kadrona::controls {
+
+namespace {
+
+constexpr const char* LetterProperty = "menuLetter";
+
+}  // namespace
 
 QChar CaptionLetter(const QString& caption) {
     const QKeySequence keys = QKeySequence::mnemonic(caption);
@@ -12,12 +19,30 @@ QChar CaptionLetter(const QString& caption) {
     return caption.isEmpty() ? QChar() : caption.front().toUpper();
 }
 
+void SetMenuLetter(QAction& action, QChar letter) {
+    action.setProperty(LetterProperty, letter.toUpper());
+}
+
+QChar MenuLetter(const QAction& action) {
+    const QChar own = action.property(LetterProperty).toChar();
+    return own.isNull() ? CaptionLetter(action.text()) : own;
+}
+
+void LetterMenu::initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const {
+    QMenu::initStyleOption(option, action);
+    const QChar own = action->property(LetterProperty).toChar();
+    const qsizetype place = own.isNull() ? -1 : option->text.indexOf(own, 0, Qt::CaseInsensitive);
+    if (place >= 0) {
+        option->text.insert(place, u'&');
+    }
+}
+
 QList<QAction*> LetterMenu::EntriesWith(QChar letter) const {
     QList<QAction*> entries;
     const QList<QAction*> all = actions();
     for (QAction* entry : all) {
         if (entry->isVisible() && entry->isEnabled() && !entry->isSeparator() &&
-            CaptionLetter(entry->text()) == letter) {
+            MenuLetter(*entry) == letter) {
             entries.append(entry);
         }
     }

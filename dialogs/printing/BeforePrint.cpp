@@ -96,7 +96,7 @@ QLayout* TBeforPrintDlgFm::BuildChoice() {
     copiesBox_ = new QSpinBox;
     copiesBox_->setObjectName(u"CopiesBox"_s);
     copiesBox_->setRange(1, printing::MostCopies);
-    auto* caption = new QLabel(u"Exemplare"_s);
+    auto* caption = new QLabel(u"&Exemplare"_s);
     caption->setBuddy(copiesBox_);
     auto* copies = new QHBoxLayout;
     copies->addWidget(caption);

@@ -157,6 +157,7 @@ void ArchiveServerEdit::EnableFields() {
 
 void ArchiveServerEdit::ShowResult(const QString& text) {
     result_->setText(text);
+    result_->setVisible(!text.isEmpty());  // else it would take the focus
 }
 
 void ArchiveServerEdit::Try() {

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -77,6 +78,16 @@ void TEinstellungenFm::BuildControls() {
     setWindowTitle(u"Einstellungen"_s);
     pages_ = Named<QTabWidget>(u"PageControl"_s);
     pages_->setAccessibleName(u"Seiten der Einstellungen"_s);
+    // A combo box keeps these keys from the pages.
+    for (const auto& [key, step] :
+         {std::pair(Qt::CTRL | Qt::Key_Tab, 1), {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1}}) {
+        auto* shortcut = new QShortcut(key, pages_);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this, step] {
+            const int count = pages_->count();
+            pages_->setCurrentIndex((pages_->currentIndex() + step + count) % count);
+        });
+    }
     auto* columns = new QHBoxLayout;
     columns->setSpacing(16);
     auto* layout = new QVBoxLayout(this);
@@ -154,17 +165,17 @@ QWidget* TEinstellungenFm::BuildProfilePanel() {
 void TEinstellungenFm::MakeGeneralControls() {
     imageDestinationDir_ = Named<controls::PathEdit>(u"ImageDestinationDir"_s);
     imageAutoSave_ = Named<controls::WrappingCheckBox>(u"ImageAutoSave"_s,
-                                                       u"Automatisch im Bildarchiv speichern"_s);
+                                                       u"&Automatisch im Bildarchiv speichern"_s);
     imageSaveDir_ = Named<controls::PathEdit>(u"ImageSaveDir"_s);
     imageAutoSave2_ =
-        Named<controls::WrappingCheckBox>(u"ImageAutoSave2"_s, u"Automatisch speichern"_s);
+        Named<controls::WrappingCheckBox>(u"ImageAutoSave2"_s, u"A&utomatisch speichern"_s);
     fileNameEd_ = Named<QLineEdit>(u"FileNameEd"_s);
     fileVarCombo_ =
         ChoiceBox(u"FileVarCombo"_s, {u"LEER"_s, u"DATUM"_s, u"UID"_s, u"Zufall 8 Zeichen"_s,
                                       u"Zufall 6 Zeichen"_s, u"Zufall 4 Zeichen"_s});
     fileTypCombo_ = ChoiceBox(u"FileTypCombo"_s, {u"JPG"_s, u"JP2"_s});
     scaleImageCk_ = Named<controls::WrappingCheckBox>(
-        u"ScaleImageCk"_s, u"Bild auf Ausgabegröße der Bundesdruckerei skalieren"_s);
+        u"ScaleImageCk"_s, u"Bild auf Ausgabegröße der Bundesdruckerei s&kalieren"_s);
     schabloneBox_ = Named<controls::ClearableComboBox>(
         u"SchabloneBox"_s, u"Schablonen, drücken Sie  ENTF um einen Eintrag zu löschen"_s);
     QStringList layouts;
@@ -184,10 +195,10 @@ void TEinstellungenFm::MakeGeneralControls() {
     frameSize_->setValidator(
         new QRegularExpressionValidator(QRegularExpression(u"\\d+"_s), frameSize_));
     printAfterCrop_ = Named<controls::WrappingCheckBox>(
-        u"PrintAfterCrop"_s, u"Bild sofort Drucken (Nur mit Standard Druckprofil möglich)"_s);
+        u"PrintAfterCrop"_s, u"B&ild sofort Drucken (Nur mit Standard Druckprofil möglich)"_s);
     rotateBeforeTileImg_ = Named<controls::WrappingCheckBox>(
         u"RotateBeforeTileImg"_s,
-        u"Bild vor dem Druck 90° drehen (Achtung bei 10x15 nur bis max. 6 Bilder)"_s);
+        u"Bild vor dem Druck 90° dre&hen (Achtung bei 10x15 nur bis max. 6 Bilder)"_s);
     fileNameEd_->setAccessibleName(u"Dateiname"_s);
 }
 
@@ -201,7 +212,7 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
     layout.addWidget(new controls::MissingFolder(*imageDestinationDir_));
     layout.addWidget(imageAutoSave_);
     layout.addWidget(Named<controls::WrappingCheckBox>(
-        u"KeepOriginals"_s, u"Originale mitarchivieren (braucht mehr Platz)"_s));
+        u"KeepOriginals"_s, u"&Originale mitarchivieren (braucht mehr Platz)"_s));
     layout.addSpacing(GroupSpacing);
     layout.addLayout(Captioned(u"Bild Speichern &Verzeichnis"_s, imageSaveDir_));
     layout.addWidget(
@@ -226,18 +237,18 @@ void TEinstellungenFm::FillGeneralPage(QVBoxLayout& layout) {
 
 void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
     autoWhiteBalance_ =
-        Named<controls::WrappingCheckBox>(u"AutoWhiteBalance"_s, u"Automatischer Weißabgleich"_s);
+        Named<controls::WrappingCheckBox>(u"AutoWhiteBalance"_s, u"&Automatischer Weißabgleich"_s);
     showBlackWhite_ = Named<controls::WrappingCheckBox>(u"ShowBlackWhite"_s,
-                                                        u"Schwarzweiß Funktion deaktivieren"_s);
-    showGradation_ =
-        Named<controls::WrappingCheckBox>(u"ShowGradation"_s, u"Gradation Funktion deaktivieren"_s);
+                                                        u"Schwar&zweiß Funktion deaktivieren"_s);
+    showGradation_ = Named<controls::WrappingCheckBox>(u"ShowGradation"_s,
+                                                       u"&Gradation Funktion deaktivieren"_s);
     showRotate_ = Named<controls::WrappingCheckBox>(u"ShowRotate"_s,
-                                                    u"Schrittweise Bilddrehung deaktivieren"_s);
+                                                    u"Schrittweise &Bilddrehung deaktivieren"_s);
     whiteBalancePipette_ = Named<controls::WrappingCheckBox>(
-        u"WhiteBalancePipette"_s, u"Weißabgleich Pipette deaktivieren"_s);
-    imgAutoRotate_ = Named<QRadioButton>(u"ImgAutoRotate"_s, u"Bild automatisch drehen"_s);
-    imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach Rechts drehen"_s);
-    imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"Bild nach Links drehen"_s);
+        u"WhiteBalancePipette"_s, u"&Weißabgleich Pipette deaktivieren"_s);
+    imgAutoRotate_ = Named<QRadioButton>(u"ImgAutoRotate"_s, u"Bild a&utomatisch drehen"_s);
+    imgRotateRight_ = Named<QRadioButton>(u"ImgRotateRight"_s, u"Bild nach &Rechts drehen"_s);
+    imgRotateLeft_ = Named<QRadioButton>(u"ImgRotateLeft"_s, u"B&ild nach Links drehen"_s);
 
     for (QCheckBox* box :
          {autoWhiteBalance_, showBlackWhite_, showGradation_, showRotate_, whiteBalancePipette_}) {
@@ -254,7 +265,7 @@ void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
 void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
     auto* alignToFace = ChoiceBox(u"AlignToFace"_s, {u"nie"_s, u"vorschlagen"_s, u"immer"_s});
     auto* askBeforeCut = Named<controls::WrappingCheckBox>(
-        u"AskBeforeCut"_s, u"Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
+        u"AskBeforeCut"_s, u"&Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
 
     layout.addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
     layout.addSpacing(GroupSpacing);
@@ -263,13 +274,13 @@ void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
 
 void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
     auto* own = Named<controls::WrappingCheckBox>(
-        u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach ei&genen Werten"_s);
+        u"UploadOwnFigures"_s, u"Datei für Online-Antrag nach eigenen &Werten"_s);
     uploadFigures_ = new UploadFiguresEdit;
     uploadFigures_->setEnabled(own->isChecked());
     connect(own, &QCheckBox::toggled, uploadFigures_, &QWidget::setEnabled);
     watchedFolder_ = Named<controls::PathEdit>(u"WatchedFolder"_s);
     layout.addWidget(Named<controls::WrappingCheckBox>(
-        u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte &Bilder schreiben"_s));
+        u"TagsInSavedFiles"_s, u"Schlüsselworte des Archivs in gespeicherte Bil&der schreiben"_s));
     layout.addWidget(Named<controls::WrappingCheckBox>(
         u"TagsInUploadFiles"_s,
         u"Schlüsselworte des Archivs in Dateien für Online-&Anträge schreiben"_s));
@@ -281,7 +292,7 @@ void TEinstellungenFm::FillFilesPage(QVBoxLayout& layout) {
         Captioned(u"Neue Fotos aus diesem &Ordner zeigen (Karte, Kamera)"_s, watchedFolder_));
     layout.addWidget(new controls::MissingFolder(*watchedFolder_));
     layout.addWidget(
-        Named<controls::WrappingCheckBox>(u"OpenNewestPhoto"_s, u"Das &neueste gleich öffnen"_s));
+        Named<controls::WrappingCheckBox>(u"OpenNewestPhoto"_s, u"Das neues&te gleich öffnen"_s));
 }
 
 void TEinstellungenFm::FillPropertyStore() {

@@ -34,17 +34,17 @@ QStringList PaperNames() {
 PaperFields::PaperFields(QWidget* parent) : QWidget(parent), form_(new QFormLayout(this)) {
     form_->setContentsMargins({});
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    paper_ = Choice("SheetPaper", u"Papier"_s, PaperNames());
-    width_ = Millimetres("SheetPaperWidth", u"Breite"_s, 10, 2000);
-    height_ = Millimetres("SheetPaperHeight", u"Höhe"_s, 10, 2000);
-    fill_ = Switch("SheetFill", u"Blatt füllen"_s);
+    paper_ = Choice("SheetPaper", u"Pap&ier"_s, PaperNames());
+    width_ = Millimetres("SheetPaperWidth", u"Brei&te"_s, 10, 2000);
+    height_ = Millimetres("SheetPaperHeight", u"&Höhe"_s, 10, 2000);
+    fill_ = Switch("SheetFill", u"Blatt &füllen"_s);
     constexpr int MostMillimetres = core::WidestGap / core::MicrometresPerMillimetre;
-    gap_ = Millimetres("SheetGap", u"Abstand"_s, 0, MostMillimetres);
-    edge_ = Millimetres("SheetEdge", u"Rand"_s, 0, 50);
-    marks_ = Choice("SheetMarks", u"Schneidemarken"_s, MarkNames);
-    text_ = Switch("SheetText", u"Name, Datum und Dokument am Rand"_s);
-    gridGapInMillimetres_ = Switch("GridGapInMillimetres", u"Bildabstand in Millimetern"_s);
-    gridGap_ = Millimetres("GridGap", u"Bildabstand"_s, 0, MostMillimetres);
+    gap_ = Millimetres("SheetGap", u"&Abstand"_s, 0, MostMillimetres);
+    edge_ = Millimetres("SheetEdge", u"&Rand"_s, 0, 50);
+    marks_ = Choice("SheetMarks", u"S&chneidemarken"_s, MarkNames);
+    text_ = Switch("SheetText", u"Name, Dat&um und Dokument am Rand"_s);
+    gridGapInMillimetres_ = Switch("GridGapInMillimetres", u"Bildabstand in &Millimetern"_s);
+    gridGap_ = Millimetres("GridGap", u"Bildabs&tand"_s, 0, MostMillimetres);
     ShowWhatCounts();
 }
 
@@ -52,7 +52,7 @@ QDoubleSpinBox* PaperFields::Millimetres(const char* name, const QString& label,
                                          double most) {
     auto* field = new QDoubleSpinBox;
     field->setObjectName(QString::fromLatin1(name));
-    field->setAccessibleName(label);
+    field->setAccessibleName(QString(label).remove(u'&'));
     field->setDecimals(1);
     field->setSingleStep(0.1);
     field->setRange(least, most);
@@ -74,7 +74,7 @@ QCheckBox* PaperFields::Switch(const char* name, const QString& text) {
 QComboBox* PaperFields::Choice(const char* name, const QString& label, const QStringList& items) {
     auto* box = new QComboBox;
     box->setObjectName(QString::fromLatin1(name));
-    box->setAccessibleName(label);
+    box->setAccessibleName(QString(label).remove(u'&'));
     box->addItems(items);
     form_->addRow(label, box);
     connect(box, &QComboBox::currentIndexChanged, this, &PaperFields::Follow);

@@ -60,7 +60,7 @@ void FurtherOptions::ShowMode(const Driver& driver, DeviceMode& mode,
     }
     constexpr int MostHeight = 190;
     area_->setFixedHeight(qMin(form->sizeHint().height() + 2 * area_->frameWidth(), MostHeight));
-    button_->setText(u"Weitere Einstellungen des Treibers (%1)"_s.arg(form->rowCount()));
+    button_->setText(u"&Weitere Einstellungen des Treibers (%1)"_s.arg(form->rowCount()));
     setVisible(form->rowCount() > 0);
     area_->setWidget(list);  // the one before it is deleted
 }

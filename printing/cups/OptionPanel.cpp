@@ -48,16 +48,17 @@ OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayo
     form_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     paperBox_ = AddPaperRows(*form_);
     AddOrientationRow(*form_);
-    AddOptionRow(*form_, u"Papierfach"_s, u"TrayBox"_s, {TrayKeywords.begin(), TrayKeywords.end()});
-    AddOptionRow(*form_, u"Papierart"_s, u"MediaTypeBox"_s,
+    AddOptionRow(*form_, u"Papier&fach"_s, u"TrayBox"_s,
+                 {TrayKeywords.begin(), TrayKeywords.end()});
+    AddOptionRow(*form_, u"Papierar&t"_s, u"MediaTypeBox"_s,
                  {MediaTypeKeywords.begin(), MediaTypeKeywords.end()});
-    AddOptionRow(*form_, u"Qualität"_s, u"QualityBox"_s,
+    AddOptionRow(*form_, u"&Qualität"_s, u"QualityBox"_s,
                  {"cupsPrintQuality", "OutputMode", "PrintQuality", "StpQuality", "Quality",
                   "EPIJ_Qual", "CNQuality", "Resolution"});
-    AddOptionRow(*form_, u"Farbe"_s, u"ColorBox"_s,
+    AddOptionRow(*form_, u"Far&be"_s, u"ColorBox"_s,
                  {"ColorModel", "ColorMode", "print-color-mode", "StpColorCorrection",
                   "HPColorMode", "EPIJ_Ink_", "BRMonoColor", "CNColorMode", "SelectColor"});
-    AddOptionRow(*form_, u"Doppelseitig"_s, u"DuplexBox"_s,
+    AddOptionRow(*form_, u"&Doppelseitig"_s, u"DuplexBox"_s,
                  {"Duplex", "EFDuplex", "EFDuplexing", "KD03Duplex", "JCLDuplex"});
     AddCopiesRow(*form_);
 }
@@ -65,8 +66,8 @@ OptionPanel::OptionPanel(QWidget* parent) : QWidget(parent), form_(new QFormLayo
 QComboBox* OptionPanel::AddPaperRows(QFormLayout& form) {
     auto* box = new QComboBox;
     box->setObjectName(u"PaperBox"_s);
-    form.addRow(u"Papierformat"_s, box);
-    borderlessBox_ = new QCheckBox(u"Randlos drucken"_s);
+    form.addRow(u"&Papierformat"_s, box);
+    borderlessBox_ = new QCheckBox(u"&Randlos drucken"_s);
     borderlessBox_->setObjectName(u"BorderlessBox"_s);
     form.addRow(QString(), borderlessBox_);
     customPaper_ = new CustomPaper;
@@ -98,7 +99,7 @@ void OptionPanel::AddOrientationRow(QFormLayout& form) {
     orientationBox_ = new QComboBox;
     orientationBox_->setObjectName(u"OrientationBox"_s);
     orientationBox_->addItems({u"Automatisch"_s, u"Hochformat"_s, u"Querformat"_s});
-    form.addRow(u"Ausrichtung"_s, orientationBox_);
+    form.addRow(u"A&usrichtung"_s, orientationBox_);
     connect(orientationBox_, &QComboBox::activated, this, [this](int index) {
         mode_->SetSheetOrientation(OrientationRows.at(static_cast<size_t>(index)));
         Q_EMIT ModeChanged();
@@ -109,7 +110,7 @@ void OptionPanel::AddCopiesRow(QFormLayout& form) {
     copiesBox_ = new QSpinBox;
     copiesBox_->setObjectName(u"CopiesBox"_s);
     copiesBox_->setRange(1, MostCopies);
-    form.addRow(u"Exemplare"_s, copiesBox_);
+    form.addRow(u"&Exemplare"_s, copiesBox_);
     connect(copiesBox_, &QSpinBox::valueChanged, this, [this](int count) {
         mode_->Set(DeviceMode::Copies, QByteArray::number(count));
         Q_EMIT ModeChanged();

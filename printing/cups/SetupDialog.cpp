@@ -148,7 +148,7 @@ void SetupDialog::ShowNote(const QString& text) {
 
 QWidget* SetupDialog::BuildButtons() {
     auto* buttons = new QDialogButtonBox(this);
-    ok_ = Named(buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole), u"OkButton"_s);
+    ok_ = Named(buttons->addButton(u"&OK"_s, QDialogButtonBox::AcceptRole), u"OkButton"_s);
     ok_->setDefault(true);
     Named(buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole), u"CancelButton"_s);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <map>
 
+#include "controls/commands/LetterMenu.h"
 #include "controls/fields/ElidedLabel.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/theme/Theme.h"
@@ -124,6 +125,34 @@ QStringList FaintTexts(QWidget& window, int& looked) {
     return faint;
 }
 
+/// The letter that leads to a control or presses it; empty where there is none.
+QString MnemonicOf(const QWidget& control) {
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) {
+        return button->shortcut().toString();
+    }
+    const auto* label = qobject_cast<const QLabel*>(&control);
+    return label != nullptr && label->buddy() != nullptr
+               ? QKeySequence::mnemonic(label->text()).toString()
+               : QString();
+}
+
+/// The letters that several controls of a window's page have.
+QStringList SharedMnemonics(const QWidget& window) {
+    QStringList found;
+    QSet<QString> taken;
+    for (const QWidget* control : window.findChildren<QWidget*>()) {
+        const QString keys = MnemonicOf(*control);
+        if (control->window() != &window || !control->isVisibleTo(&window) || keys.isEmpty()) {
+            continue;
+        }
+        if (taken.contains(keys)) {
+            found.append(window.objectName() + u'/' + control->objectName() + u' ' + keys);
+        }
+        taken.insert(keys);
+    }
+    return found;
+}
+
 }  // namespace
 
 /// Every window of the program, over a photo with its template.
@@ -235,6 +264,33 @@ TEST_F(Windows, AreReachedByTheKeyboardInAllTheirControls) {
         });
         EXPECT_TRUE(hasButton || isInAMenu || !action.shortcut().isEmpty())
             << action.objectName().toStdString();
+    }
+}
+
+TEST_F(Windows, HaveNoLetterForTwoThings) {
+    QStringList shared;
+    ForEach([&](QWidget& each) {
+        shared += SharedMnemonics(each);
+        for (QTabWidget* pages : TabsOf(each)) {
+            for (int page = 0; page < pages->count(); ++page) {
+                pages->setCurrentIndex(page);
+                shared += SharedMnemonics(each);
+            }
+        }
+    });
+    EXPECT_EQ(shared.join(u'\n'), QString());
+
+    QSet<QChar> taken;
+    for (const QAction* entry : Child<QMenu>(*window, "DateiMenu").actions()) {
+        EXPECT_TRUE(entry->isSeparator() || !taken.contains(controls::MenuLetter(*entry)))
+            << entry->text().toStdString();
+        taken.insert(controls::MenuLetter(*entry));
+    }
+    for (const QAbstractButton* box :
+         Child<QTabWidget>(*window, "PageControl").findChildren<QAbstractButton*>()) {
+        const bool isTicked = qobject_cast<const QCheckBox*>(box) != nullptr ||
+                              qobject_cast<const QRadioButton*>(box) != nullptr;
+        EXPECT_FALSE(isTicked && box->shortcut().isEmpty()) << box->objectName().toStdString();
     }
 }
 

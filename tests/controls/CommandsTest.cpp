@@ -222,6 +222,8 @@ TEST(LetterMenu, ALetterTriggersItsOnlyEntryAndMovesAmongSeveral) {
         menu.addAction(caption, [&triggered, caption] { triggered.append(caption); });
     }
     menu.addAction(u"Ordner"_s)->setEnabled(false);
+    QAction* another = menu.addAction(u"Drehen"_s, [&triggered] { triggered.append(u"r"_s); });
+    SetMenuLetter(*another, u'r');
     menu.popup({});
     for (const QString& letter : {u"d"_s, u"d"_s, u"x"_s}) {
         QTest::keyClicks(&menu, letter);
@@ -233,7 +235,10 @@ TEST(LetterMenu, ALetterTriggersItsOnlyEntryAndMovesAmongSeveral) {
         QTest::sendKeyEvent(QTest::Click, &menu, key, letter, Qt::NoModifier);
         EXPECT_FALSE(menu.isVisible());
     }
-    EXPECT_EQ(triggered.join(u'|'), u"Öffnen|&Zuletzt"_s);
+    menu.popup({});
+    QTest::keyClicks(&menu, u"r"_s);
+    EXPECT_EQ(triggered.join(u'|'), u"Öffnen|&Zuletzt|r"_s);
+    EXPECT_EQ(another->text(), u"Drehen"_s);
 }
 
 }  // namespace
