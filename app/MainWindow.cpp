@@ -273,7 +273,7 @@ void TmainFm::ShowAbout() {
 /// The page of a maker that is none does not exist; what is known of the maker stands in "Über".
 void TmainFm::StatusBarPanel2Click() {
     const QUrl page(core::MakerHomePage.toString());
-    if (page.host().endsWith(u".example"_s)) {
+    if (!core::MakerHasHomePage()) {
         ShowAbout();
         return;
     }

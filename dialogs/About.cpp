@@ -26,12 +26,13 @@ namespace {
 constexpr QSize LibrariesSize(760, 520);
 
 QString ProductText() {
-    return u"<h2>%1</h2><p>%2</p><p>Macht aus einem Porträt biometrische Pass- und "
-           u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>%3 · <a href=\"%4\">%4</a></p>"
-           u"<p>Freie Software unter der GNU General Public License,<br>Fassung 3 oder später, "
+    const QString page = core::MakerHasHomePage() ? u"<a href=\"%1\">%1</a>"_s : u"%1"_s;
+    return u"<h2>%1</h2><p>%2<br>%3 · %4</p><p>Macht aus einem Porträt biometrische Pass- und "
+           u"Ausweisfotos<br>in genau der richtigen Größe.</p><p>Freie Software unter der GNU "
+           u"General Public License,<br>Fassung 3 oder später, "
            u"ohne jede Gewährleistung.<br>Gebaut mit Qt %5.</p>"_s.arg(
-               core::WindowCaption, core::ApplicationTitle, core::MakerLine, core::MakerHomePage,
-               QLatin1StringView(qVersion()));
+               core::WindowCaption, core::ApplicationTitle, core::MakerLine,
+               page.arg(core::MakerHomePage), QLatin1StringView(qVersion()));
 }
 
 }  // namespace
@@ -66,8 +67,9 @@ TfmAbout::TfmAbout(QWidget* parent) : QDialog(parent), text_(new QLabel), folder
     texts->addWidget(folders_);
     row->addLayout(texts);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(20, 20, 20, 16);
+    layout->setContentsMargins(20, 16, 20, 14);
     layout->addLayout(row);
+    layout->addSpacing(8);
     layout->addWidget(BuildButtons());
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }

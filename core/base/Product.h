@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QStringView>
+#include <QUrl>
 
 namespace kadrona::core {
 
@@ -12,5 +13,10 @@ inline constexpr QStringView MakerLine = u"© Veltmark";
 /// Names the program in the files that it writes.
 inline constexpr QByteArrayView SoftwareText = "KDR 6 Prof by www.veltmark.example";
 inline constexpr QStringView MakerHomePage = u"https://www.veltmark.example/kadrona";
+
+/// Whether that page can exist: names under ".example" belong to nobody (RFC 2606).
+inline bool MakerHasHomePage() {
+    return !QUrl(MakerHomePage.toString()).host().endsWith(u".example");
+}
 
 }  // namespace kadrona::core
