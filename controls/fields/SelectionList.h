@@ -6,7 +6,7 @@ namespace kadrona::controls {
 
 /// A list of texts of which one or none is selected. The toolkit's own makes its first row current,
 /// without selecting it, as soon as it gets the focus, and the next key then passes that row over;
-/// in this one only a selected row is current.
+/// in this one only a selected row is current. Its rows' data of Qt::UserRole is its own.
 class SelectionList : public QListWidget {
     Q_OBJECT
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "controls/commands/ScreenTip.h"
+#include "controls/fields/SelectionList.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/MessageBoxes.h"
 #include "controls/messages/WaitCursor.h"
@@ -34,13 +35,14 @@ namespace {
 constexpr int ItemHeight = 16;
 constexpr int FewestRows = 5;  // in sight
 constexpr int ButtonSpacing = 8;
+constexpr int FileRole = Qt::UserRole + 1;  // the one before is the list's own
 const QString Extension = u".acv"_s;
 
 /// Choosing by the keyboard counts as a click, as in every list of this program; Space and Enter
 /// choose what is selected already.
-class PresetList : public QListWidget {
+class PresetList : public controls::SelectionList {
  public:
-    using QListWidget::QListWidget;
+    using SelectionList::SelectionList;
 
  protected:
     void keyPressEvent(QKeyEvent* event) override {
@@ -48,7 +50,7 @@ class PresetList : public QListWidget {
         const bool chooses = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
                              event->key() == Qt::Key_Enter;
         if (!chooses) {
-            QListWidget::keyPressEvent(event);
+            SelectionList::keyPressEvent(event);
         }
         if (currentItem() != nullptr && (chooses || currentRow() != before)) {
             Q_EMIT itemClicked(currentItem());
@@ -65,7 +67,7 @@ QString PresetName(const QString& fileName) {
 void AddItem(QListWidget& list, const QString& fileName) {
     const QString name = PresetName(fileName);
     auto* item = new QListWidgetItem(name, &list);
-    item->setData(Qt::UserRole, fileName);
+    item->setData(FileRole, fileName);
     item->setSizeHint({0, std::max(ItemHeight, list.fontMetrics().height())});
     item->setToolTip(controls::PlainTip(name));
 }
@@ -99,12 +101,11 @@ TfmRGBKurve::TfmRGBKurve(QString curvesFolder, QWidget* parent)
 QLabel* TfmRGBKurve::BuildPresetList() {
     auto* labPreset = new QLabel(u"&Vorlagen"_s);
     labPreset->setObjectName(u"labPreset"_s);
-    cbPreset2_ = new PresetList;
-    cbPreset2_->setObjectName(u"cbPreset2"_s);
-    cbPreset2_->setAccessibleName(u"Vorlagen"_s);
+    auto* list = new PresetList(u"cbPreset2"_s, u"Vorlagen"_s);
+    list->SetEmptyText(u"Noch keine Vorlage. „Neu“ legt die gezeigte Kurve als eine an."_s);
+    cbPreset2_ = list;
     cbPreset2_->setStyleSheet(u"QListView::item { padding: 0 4px; border-radius: 0; }"_s);
     cbPreset2_->setMinimumHeight(FewestRows * ItemHeight);
-    cbPreset2_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(cbPreset2_, &QListWidget::itemClicked, this,
             [this] { controls::Guarded(this, [this] { cbPreset2Click(); }); });
     labPreset->setBuddy(cbPreset2_);
@@ -145,11 +146,11 @@ void TfmRGBKurve::BuildPresets() {
 void TfmRGBKurve::BuildChannel() {
     cbChannel_ = new QComboBox;
     cbChannel_->setObjectName(u"cbChannel"_s);
-    auto* labChannel = new QLabel(u"Kanal"_s);
+    auto* labChannel = new QLabel(u"&Kanal"_s);
     labChannel->setBuddy(cbChannel_);
     cbChannel_->addItems({u"RGB"_s, u"Red"_s, u"Green"_s, u"Blue"_s});
     connect(cbChannel_, &QComboBox::currentIndexChanged, this, &TfmRGBKurve::cbChannelChange);
-    auto* btnReset = new QPushButton(u"&Kanal zurücksetzen"_s);
+    auto* btnReset = new QPushButton(u"Kanal &zurücksetzen"_s);
     btnReset->setObjectName(u"btnReset"_s);
     connect(btnReset, &QPushButton::clicked, editor_, &CurveEditor::ResetChannel);
     auto* btnResetAll = new QPushButton(u"&Alles zurücksetzen"_s);
@@ -275,7 +276,7 @@ void TfmRGBKurve::reject() {
 }
 
 QString TfmRGBKurve::PresetFile(const QListWidgetItem& item) const {
-    return platform::JoinPath(curvesFolder_, item.data(Qt::UserRole).toString());
+    return platform::JoinPath(curvesFolder_, item.data(FileRole).toString());
 }
 
 QString TfmRGBKurve::NewPresetFile(const QString& name) const {
