@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
@@ -66,14 +67,13 @@ UploadDialog::UploadDialog(QWidget* parent) : QDialog(parent) {
     save_ = buttons->addButton(u"&Speichern"_s, QDialogButtonBox::AcceptRole);
     save_->setObjectName(u"btnSave"_s);
     save_->setDefault(true);
-    QPushButton* cancel = buttons->addButton(u"Abbrechen"_s, QDialogButtonBox::RejectRole);
+    QPushButton* cancel = buttons->addButton(u"&Abbrechen"_s, QDialogButtonBox::RejectRole);
     cancel->setObjectName(u"btnCancel"_s);
     cancel->setAutoDefault(false);  // Return in a field never gives up, also where nothing fits
 
     BuildPicture();
     figures_ = new ScrolledPage(BuildFigures());
     figures_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    figures_->setFixedWidth(figures_->sizeHint().width());
     auto* columns = new QHBoxLayout;
     columns->setSpacing(ColumnGap);
     columns->addWidget(scrolled_, 1);
@@ -141,7 +141,6 @@ QWidget* UploadDialog::BuildFigures() {
     result->addRow(u"Datei"_s, bytes_);
 
     auto* side = new QWidget;
-    side->setFixedWidth(FiguresWidth);
     auto* column = new QVBoxLayout(side);
     column->setContentsMargins({});
     column->addWidget(templateFigures_);
@@ -168,11 +167,23 @@ controls::ModalResult UploadDialog::ShowEx(core::UploadRequest request, const QS
     }
     edit_->SetFigures(choice.figures.SameAs({}) ? published_ : choice.figures);
     edit_->setEnabled(choice.own);
+    FitFigures();
     Make();
     FitToScreen(*this);
     const controls::ModalResult result = controls::ShowModal(*this);
     delay_->stop();
     return result;
+}
+
+/// The fields do not wrap, and how wide they are is known only with the letters of the screen.
+void UploadDialog::FitFigures() {
+    ensurePolished();
+    for (QWidget* part : figures_->findChildren<QWidget*>()) {
+        part->ensurePolished();  // a style sheet gives no sizes before
+    }
+    edit_->layout()->invalidate();
+    figures_->widget()->setFixedWidth(std::max(FiguresWidth, edit_->minimumSizeHint().width()));
+    figures_->setFixedWidth(figures_->sizeHint().width());
 }
 
 UploadDialog::Choice UploadDialog::Chosen() const {

@@ -48,6 +48,7 @@ class UploadDialog : public QDialog {
     QWidget* BuildFigures();
     void Make();
     QSize RoomForPicture();
+    void FitFigures();
     void ShowFile();
     void ShowVerdict();
 

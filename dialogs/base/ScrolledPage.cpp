@@ -14,7 +14,8 @@ ScrolledPage::ScrolledPage(QWidget* page) {
 }
 
 QSize ScrolledPage::sizeHint() const {
-    return widget()->sizeHint() + QSize(verticalScrollBar()->sizeHint().width(), 0);
+    const QSize page = widget()->sizeHint().expandedTo(widget()->minimumSize());
+    return page + QSize(verticalScrollBar()->sizeHint().width(), 0);
 }
 
 }  // namespace kadrona::dialogs
