@@ -81,8 +81,7 @@ void TEinstellungenFm::BuildControls() {
     // A combo box keeps these keys from the pages.
     for (const auto& [key, step] :
          {std::pair(Qt::CTRL | Qt::Key_Tab, 1), {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1}}) {
-        auto* shortcut = new QShortcut(key, pages_);
-        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        auto* shortcut = new QShortcut(key, this);
         connect(shortcut, &QShortcut::activated, this, [this, step] {
             const int count = pages_->count();
             pages_->setCurrentIndex((pages_->currentIndex() + step + count) % count);
