@@ -127,6 +127,16 @@ void Fit(QDialog& dialog) {
     dialog.resize(WithinScreen(dialog, wanted));
 }
 
+constexpr const char* CentredProperty = "centred";
+
+/// As the toolkit would do right afterwards, but every time in the same place.
+void Centre(QDialog& dialog) {
+    if (!dialog.testAttribute(Qt::WA_Moved) && dialog.parentWidget() != nullptr) {
+        CentreOnParent(dialog);
+        dialog.setProperty(CentredProperty, true);
+    }
+}
+
 /// A dialog that the program itself made larger than the screen while it is shown.
 void Shrink(QDialog& dialog) {
     if (dialog.isVisible() && IsLarge(dialog)) {
@@ -162,6 +172,10 @@ void Widen(QMessageBox& box) {
 }  // namespace
 
 bool SmallScreens::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Hide && watched->property(CentredProperty).toBool()) {
+        // The next time as well: nobody has chosen that place.
+        qobject_cast<QDialog*>(watched)->setAttribute(Qt::WA_Moved, false);
+    }
     const bool shows = event->type() == QEvent::Show;
     if ((shows || event->type() == QEvent::Resize) && !event->spontaneous()) {
         auto* dialog = qobject_cast<QDialog*>(watched);
@@ -171,6 +185,9 @@ bool SmallScreens::eventFilter(QObject* watched, QEvent* event) {
         } else if (box == nullptr && dialog != nullptr && dialog->layout() != nullptr &&
                    dialog->isWindow()) {
             shows ? Fit(*dialog) : Shrink(*dialog);
+            if (shows) {
+                Centre(*dialog);
+            }
         }
     }
     return QObject::eventFilter(watched, event);
