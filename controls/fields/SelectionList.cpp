@@ -35,12 +35,8 @@ class DetailDelegate : public QStyledItemDelegate {
         painter->setFont(option.font);
         painter->setPen(option.state.testFlag(QStyle::State_Selected) ? Colors().text
                                                                       : Colors().mutedText);
-        // Where the style has the text's line, not half a pixel from it.
-        const QRect area = option.rect.adjusted(0, 0, -Margin, 0);
-        const QRect line =
-            QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignVCenter,
-                                QSize(area.width(), option.fontMetrics.height()), area);
-        painter->drawText(line, Qt::AlignRight | Qt::AlignTop, index.data(DetailRole).toString());
+        painter->drawText(option.rect.adjusted(0, 0, -Margin, 0), Qt::AlignRight | Qt::AlignVCenter,
+                          index.data(DetailRole).toString());
         painter->restore();
     }
 
