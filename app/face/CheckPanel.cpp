@@ -226,7 +226,9 @@ bool CheckPanel::MayCut() {
         // Nobody publishes what a face is, yet a check that finds none has checked little.
         const bool isFaceMissing = line.name == u"face" && core::IsOutside(line) && !faceless_;
         if (line.state == core::CheckState::Missed || isFaceMissing) {
-            const QString joint = line.value ? u" "_s : u": "_s;  // a word, not a figure, follows
+            const QString joint = line.value && line.fault.isEmpty()
+                                      ? u" "_s
+                                      : u": "_s;  // a word, not a figure, follows
             missed << line.label + joint + core::FigureText(line) + u'.';
         }
     }

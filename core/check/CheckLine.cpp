@@ -67,6 +67,9 @@ QString ValueText(const CheckLine& line) {
 }
 
 QString FigureText(const CheckLine& line) {
+    if (!line.fault.isEmpty()) {
+        return line.fault;
+    }
     const QString value = ValueText(line);
     if (value.isEmpty()) {
         return line.note;

@@ -23,6 +23,8 @@ struct CheckLine {
     QString source;
     QString sourceName;  ///< the same for a narrow column
     QString note;        ///< what the figures cannot say, German; often empty
+    /// What is wrong beside the figures, German: the line is missed though they may be kept.
+    QString fault;
     int decimals = 1;
     /// For programs: whether there is what a line without a figure names; people read the note.
     std::optional<bool> found;
@@ -32,8 +34,8 @@ struct CheckLine {
 /// "erfüllt", "nicht erfüllt" or "nur Richtwert".
 QString StateText(CheckState state);
 
-/// "29,4 mm statt 32 bis 36 mm", or the value alone where there is no band; a note where there is
-/// no value.
+/// "29,4 mm statt 32 bis 36 mm", or the value alone where there is no band; a fault before them, a
+/// note where there is no value.
 QString FigureText(const CheckLine& line);
 /// "32 bis 36 mm", "mindestens 90 px"; empty where there is no band.
 QString BandText(const CheckLine& line);

@@ -157,6 +157,21 @@ QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
            (skull.value ? u" (ohne Frisur "_s + ValueText(skull) + u')' : QString());
 }
 
+/// A head has the right height wherever it is; only inside the cut it is in the picture.
+QString HeadFault(const CheckedPhoto& photo, const TemplateRow& row) {
+    if (!photo.face) {
+        return {};
+    }
+    const QRectF cut = photo.rectangle;
+    const double crown = CrownFor(*photo.face, row).y();
+    const double chin = photo.face->chin.position.y();
+    const double axis = FaceAxis(*photo.face);
+    if (chin <= cut.top() || crown >= cut.bottom() || axis < cut.left() || axis > cut.right()) {
+        return u"nicht im Ausschnitt"_s;
+    }
+    return crown < cut.top() || chin > cut.bottom() ? u"angeschnitten"_s : QString();
+}
+
 QString FaceWidthNote(const CheckedPhoto& /*photo*/, const TemplateRow& /*row*/) {
     return u"aus dem Augenabstand geschätzt"_s;
 }
@@ -164,7 +179,15 @@ QString FaceWidthNote(const CheckedPhoto& /*photo*/, const TemplateRow& /*row*/)
 using Of = Guidance::Of;
 
 constexpr auto Rules = std::to_array<CheckRule>({
-    {u"headHeight", u"Kopf", u"mm", 1, Head, HeadOf, {0.6, 0.9, FaceImages, Of::Height}, HeadNote},
+    {u"headHeight",
+     u"Kopf",
+     u"mm",
+     1,
+     Head,
+     HeadOf,
+     {0.6, 0.9, FaceImages, Of::Height},
+     HeadNote,
+     HeadFault},
     {u"eyeLine",
      u"Augen über dem unteren Rand",
      u"mm",

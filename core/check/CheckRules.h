@@ -45,6 +45,9 @@ struct CheckRule {
     Guidance guidance;
     /// What the figures cannot say; null where there is nothing.
     QString (*note)(const CheckedPhoto&, const TemplateRow&);
+    /// What makes the line missed whatever its figure, where the document judges the head; null
+    /// where there is nothing.
+    QString (*fault)(const CheckedPhoto&, const TemplateRow&) = nullptr;
 };
 
 /// All rules with a figure, in the order of the report.

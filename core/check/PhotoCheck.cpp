@@ -15,6 +15,14 @@ double LengthOf(Guidance::Of part, const TemplateRow& row) {
     return (part == Guidance::Of::Height ? row.height : row.width).value / 10.0;
 }
 
+/// Whether a document's figures say that there is a head in the picture.
+bool JudgesTheHead(const TemplateRow& row) {
+    const auto isJudged = [](const Band& band, bool isAdvice) {
+        return (band.from || band.to) && !isAdvice;
+    };
+    return isJudged(row.head, row.headIsAdvice) || isJudged(row.eyes, row.eyesAreAdvice);
+}
+
 /// Lines of one photo.
 class Checker {
  public:
@@ -66,9 +74,18 @@ class Checker {
     /// as if nobody published it.
     static void JudgePublished(CheckLine& line) {
         if (line.value) {
-            line.state = IsOutside(line) ? CheckState::Missed : CheckState::Met;
+            line.state =
+                IsOutside(line) || !line.fault.isEmpty() ? CheckState::Missed : CheckState::Met;
         } else {
             line.note += line.note.isEmpty() ? u"nicht gemessen"_s : u"; nicht gemessen"_s;
+        }
+    }
+
+    static void AddFault(CheckLine& line, const QString& fault) {
+        if (!fault.isEmpty()) {
+            line.state = CheckState::Missed;
+            line.fault = fault;
+            line.note = line.note.isEmpty() ? fault : fault + u"; "_s + line.note;
         }
     }
 
@@ -87,6 +104,9 @@ class Checker {
         line.decimals = rule.decimals;
         line.value = rule.value(photo_);
         line.note = rule.note ? rule.note(photo_, row) : QString();
+        if (rule.fault && JudgesTheHead(row)) {
+            AddFault(line, rule.fault(photo_, row));
+        }
         if (!own.IsEmpty()) {
             line.minimum = own.minimum;
             line.maximum = own.maximum;

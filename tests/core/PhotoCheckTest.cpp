@@ -190,7 +190,17 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
 
 TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     CheckedPhoto photo = PlacedPhoto(DeliveredRow(u"frankreich-reisepass.schablone"_s));
-    photo.rectangle = photo.rectangle.adjusted(-300, -300, 300, 300);
+    const QRect place = photo.rectangle;
+    for (const auto& [move, fault] : {std::pair(QPoint(0, 0), u""_s),
+                                      std::pair(QPoint(place.width(), 0), u"nicht im Ausschnitt"_s),
+                                      std::pair(QPoint(0, 100), u"angeschnitten"_s),
+                                      std::pair(QPoint(0, -100), u"angeschnitten"_s)}) {
+        photo.rectangle = place.translated(move);
+        const CheckLine head = LineOf(photo, u"headHeight"_s);
+        EXPECT_EQ(head.state == CheckState::Missed, !fault.isEmpty());
+        EXPECT_EQ(head.fault, fault);
+    }
+    photo.rectangle = place.adjusted(-300, -300, 300, 300);
     photo.measures.skinLightness = 2;
     photo.background.lightness = 99;
     EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Missed);
