@@ -39,12 +39,10 @@ struct Report {
 
     std::optional<imaging::Face> Face() const { return search ? search->face : std::nullopt; }
 
-    /// A photo in which no face is found keeps no rule about one.
     bool HasMissed() const {
-        return (search && !search->face) ||
-               std::ranges::any_of(lines, [](const core::CheckLine& line) {
-                   return line.state == core::CheckState::Missed;
-               });
+        return std::ranges::any_of(lines, [](const core::CheckLine& line) {
+            return line.state == core::CheckState::Missed;
+        });
     }
 };
 

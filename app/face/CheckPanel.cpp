@@ -223,9 +223,8 @@ bool CheckPanel::MayCut() {
     faceless_ = !shown && face_.WasLookedFor() && !face_.Search().face;
     QStringList missed;
     for (const core::CheckLine& line : last_->lines) {
-        // Nobody publishes what a face is, yet a check that finds none has checked little.
-        const bool isFaceMissing = line.name == u"face" && core::IsOutside(line) && !faceless_;
-        if (line.state == core::CheckState::Missed || isFaceMissing) {
+        const bool isTold = faceless_ && line.name == u"face";  // by CutRemark()
+        if (line.state == core::CheckState::Missed && !isTold) {
             const QString joint = line.value && line.fault.isEmpty()
                                       ? u" "_s
                                       : u": "_s;  // a word, not a figure, follows

@@ -123,16 +123,21 @@ class Checker {
         line.maximum = limit(guidance.maximum);
     }
 
-    /// No document says in figures what a face is: nothing is judged.
+    /// Who publishes where a head has to be wants one; of other documents nothing is judged.
     void AddFace() {
-        CheckLine& line =
-            Add(u"face"_s, u"Gesicht"_s, {}, {u"Suche im Foto"_s, u"Suche im Foto"_s});
+        const bool isJudged = photo_.figures && JudgesTheHead(*photo_.figures);
+        CheckLine& line = Add(
+            u"face"_s, u"Gesicht"_s, {},
+            isJudged ? SourceOf(*photo_.figures) : Source{u"Suche im Foto"_s, u"Suche im Foto"_s});
         if (!photo_.wasFaceLookedFor) {
             line.note = u"nicht gesucht"_s;
             return;
         }
         line.found = photo_.face.has_value();
         line.note = photo_.face ? u"gefunden"_s : u"nicht gefunden"_s;
+        if (isJudged) {
+            line.state = photo_.face ? CheckState::Met : CheckState::Missed;
+        }
     }
 
     void AddWhiteCorners() {

@@ -159,6 +159,7 @@ QStringList SharedMnemonics(const QWidget& window) {
 class Windows : public Story {
  protected:
     Windows() {
+        installation.WriteFigures();
         // What is made when it is needed.
         new dialogs::ColourAdjustment(window.get());
         auto* manual = new dialogs::ManualWindow(window.get());

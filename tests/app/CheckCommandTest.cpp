@@ -82,7 +82,11 @@ TEST_F(CheckCommand, StrictlyCountsWhatIsMissed) {
     request.place = core::TemplatePlace{0, 0, 350};
     EXPECT_EQ(Run(), app::Done);
     request.strict = true;
+    EXPECT_EQ(Run(), app::Done) << "nobody wants a face";
+    installation.WriteFigures();
+    output.clear();
     EXPECT_EQ(Run(), app::SomethingFound) << "no face";
+    EXPECT_TRUE(output.contains(u"\"missed\""_s));
 }
 
 TEST_F(CheckCommand, ChecksTheRestWhereTheFindersDataIsMissing) {

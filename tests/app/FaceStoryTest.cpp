@@ -27,16 +27,6 @@ class FaceStory : public Story {
     void AwaitProposal() {
         ASSERT_TRUE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 5000));
     }
-    /// A head of 32 to 36 mm, which ends as the document says ("Schädel" or nothing for the hair).
-    void WriteFigures(const QByteArray& crown = {}) {
-        installation.Write(
-            "program/Schablonen/Vorgaben.tsv",
-            "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
-            "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
-            "Achse von\tAchse bis\tRichtwert\tHinweis\tScheitel\n"
-            "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
-                QByteArray(13, '\t') + crown + "\n");
-    }
     /// Of the check.
     QStringList Texts() {
         QStringList all;
@@ -120,7 +110,7 @@ TEST_F(FaceStory, OffersThePlaceAlsoWhereTheFaceIsFoundBeforeTheTemplateIsChosen
 }
 
 TEST_F(FaceStory, AsksBeforeACutThatMissesARuleUnlessTheProfileDoesNot) {
-    WriteFigures();
+    installation.WriteFigures();
     Trigger(u"acAlignToFace"_s);
     Image().SetLayerRectangle(
         1, Template().adjusted(0, 0, Template().width() / 2, Template().height() / 2));
@@ -266,7 +256,7 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
 }
 
 TEST_F(FaceStory, MovesTheEndOfTheHeadThatTheDocumentMeasures) {
-    WriteFigures("Schädel");
+    installation.WriteFigures("Schädel");
     Trigger(u"acAlignToFace"_s);
     Trigger(u"acShowCheck"_s);
     QTest::qWait(500);  // for the search that the check begins
@@ -282,7 +272,7 @@ TEST_F(FaceStory, MovesTheEndOfTheHeadThatTheDocumentMeasures) {
 }
 
 TEST_F(FaceStory, ChecksAFaceThatTheUserPointsOut) {
-    WriteFigures();
+    installation.WriteFigures();
     Open("photo.png");
     Trigger(u"acShowCheck"_s);
     ClickButton(*window, "MovePoints");

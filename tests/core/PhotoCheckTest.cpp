@@ -222,7 +222,13 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
         EXPECT_EQ(LineOf(photo, name).state, CheckState::Guidance);
         EXPECT_EQ(LineOf(photo, name).note.contains(u"nicht gemessen"_s), published);
     }
-    EXPECT_TRUE(IsOutside(LineOf(photo, u"face"_s)));
+    for (const auto& [file, state] :
+         {std::pair(u"irland-reisepass.schablone"_s, CheckState::Guidance),
+          std::pair(u"frankreich-reisepass.schablone"_s, CheckState::Missed)}) {
+        photo.figures = DeliveredRow(file);
+        EXPECT_EQ(LineOf(photo, u"face"_s).state, state);
+        EXPECT_TRUE(IsOutside(LineOf(photo, u"face"_s)));
+    }
     photo.wasFaceLookedFor = false;
     EXPECT_FALSE(IsOutside(LineOf(photo, u"face"_s)));
     EXPECT_FALSE(LineOf(photo, u"headHeight"_s).value);

@@ -115,6 +115,17 @@ class Installation {
         Write("program/Schablonen/MaskList.kdr", catalogue_);
     }
 
+    /// The figures of "Pass": a head of 32 to 36 mm, which ends as the document says ("Schädel" or
+    /// nothing for the hair).
+    void WriteFigures(const QByteArray& crown = {}) const {
+        Write("program/Schablonen/Vorgaben.tsv",
+              "Name\tDatei\tBreite\tHöhe\tBeleg\tGelesen am\tKopf von\tKopf bis\tAugen von\t"
+              "Augen bis\tOben von\tOben bis\tKinn von\tKinn bis\tGesicht von\tGesicht bis\t"
+              "Achse von\tAchse bis\tRichtwert\tHinweis\tScheitel\n"
+              "Pass\tPass.msk\t35\t45\tO\t2026-11-21\t32\t36" +
+                  QByteArray(13, '\t') + crown + "\n");
+    }
+
     void Write(const QByteArray& below, const QByteArray& content) const {
         QFile file(Path(below.constData()));
         QDir().mkpath(QFileInfo(file).path());
