@@ -66,6 +66,7 @@ QString StateWord(core::CheckState state) {
             return u"met"_s;
         case core::CheckState::Missed:
             return u"missed"_s;
+        case core::CheckState::Unmeasured:
         case core::CheckState::Guidance:
             break;
     }
@@ -78,7 +79,17 @@ QJsonValue Figure(std::optional<double> figure) {
 
 /// What was measured, or 1 and 0 for what is there and what is not.
 QJsonValue ValueOf(const core::CheckLine& line) {
-    return line.found ? QJsonValue(int{*line.found}) : Figure(line.value);
+    return line.found ? QJsonValue(int{*line.found}) : Figure(core::ShownValue(line));
+}
+
+/// What the state and the figures do not say; often empty.
+QString NoteOf(const core::CheckLine& line) {
+    QStringList notes{line.note};
+    if (line.state == core::CheckState::Unmeasured) {
+        notes << core::StateText(line.state);
+    }
+    notes.removeAll({});
+    return notes.join(u"; "_s);
 }
 
 QJsonObject ReportObject(const Report& report) {
@@ -87,13 +98,14 @@ QJsonObject ReportObject(const Report& report) {
     }
     QJsonArray checks;
     for (const core::CheckLine& line : report.lines) {
-        checks.append(QJsonObject{{u"name"_s, line.name},
-                                  {u"state"_s, StateWord(line.state)},
-                                  {u"value"_s, ValueOf(line)},
-                                  {u"min"_s, Figure(line.minimum)},
-                                  {u"max"_s, Figure(line.maximum)},
-                                  {u"unit"_s, line.unit},
-                                  {u"source"_s, line.source}});
+        QJsonObject check{{u"name"_s, line.name},           {u"state"_s, StateWord(line.state)},
+                          {u"value"_s, ValueOf(line)},      {u"min"_s, Figure(line.minimum)},
+                          {u"max"_s, Figure(line.maximum)}, {u"unit"_s, line.unit},
+                          {u"source"_s, line.source}};
+        if (const QString note = NoteOf(line); !note.isEmpty()) {
+            check.insert(u"note"_s, note);
+        }
+        checks.append(check);
     }
     const QRect& place = report.placement;
     const QJsonValue placement = place.isEmpty()

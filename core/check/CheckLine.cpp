@@ -10,12 +10,12 @@ namespace {
 
 double Rounded(double value, int decimals) {
     const double grain = std::pow(10.0, decimals);
-    return std::round(value * grain) / grain;
+    // Adding nothing makes a nothing below zero one without a sign.
+    return std::round(value * grain) / grain + 0.0;
 }
 
 QString Number(double value, int decimals) {
-    // Adding nothing makes a nothing below zero one without a sign.
-    QString text = QString::number(Rounded(value, decimals) + 0.0, 'f', decimals);
+    QString text = QString::number(Rounded(value, decimals), 'f', decimals);
     return text.replace(u'.', u',');
 }
 
@@ -32,6 +32,8 @@ QString StateText(CheckState state) {
             return u"erfüllt"_s;
         case CheckState::Missed:
             return u"nicht erfüllt"_s;
+        case CheckState::Unmeasured:
+            return u"nicht gemessen"_s;
         case CheckState::Guidance:
             break;
     }
@@ -50,11 +52,15 @@ QString BandText(const CheckLine& line) {
 }
 
 bool IsOutside(const CheckLine& line) {
-    if (!line.value) {
+    const std::optional<double> shown = ShownValue(line);
+    if (!shown) {
         return line.found.value_or(line.isWanted) != line.isWanted;
     }
-    const double shown = Rounded(*line.value, line.decimals);
-    return (line.minimum && shown < *line.minimum) || (line.maximum && shown > *line.maximum);
+    return (line.minimum && *shown < *line.minimum) || (line.maximum && *shown > *line.maximum);
+}
+
+std::optional<double> ShownValue(const CheckLine& line) {
+    return line.value ? std::optional(Rounded(*line.value, line.decimals)) : std::nullopt;
 }
 
 QString NumberText(const CheckLine& line) {

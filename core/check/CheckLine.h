@@ -8,7 +8,8 @@ namespace kadrona::core {
 enum class CheckState {
     Met,
     Missed,
-    Guidance,  ///< nobody publishes a rule: value and band are shown, nothing is judged
+    Guidance,    ///< nobody publishes a rule: value and band are shown, nothing is judged
+    Unmeasured,  ///< a rule is published, and nothing was measured to judge by it
 };
 
 /// One line of the check.
@@ -31,7 +32,7 @@ struct CheckLine {
     bool isWanted = true;  ///< what `found` tells of
 };
 
-/// "erfüllt", "nicht erfüllt" or "nur Richtwert".
+/// "erfüllt", "nicht erfüllt", "nur Richtwert" or "nicht gemessen".
 QString StateText(CheckState state);
 
 /// "29,4 mm statt 32 bis 36 mm", or the value alone where there is no band; a fault before them, a
@@ -42,6 +43,8 @@ QString BandText(const CheckLine& line);
 /// True where the value, as it is shown, lies outside its band, where what is wanted is not there,
 /// and where what is not wanted is; false where nothing was measured.
 bool IsOutside(const CheckLine& line);
+/// The value as it is shown and judged, rounded to the line's decimals.
+std::optional<double> ShownValue(const CheckLine& line);
 /// "29,4"; empty where nothing was measured.
 QString NumberText(const CheckLine& line);
 /// "29,4 mm"; empty where nothing was measured.

@@ -70,14 +70,13 @@ class Checker {
 
     static Source OwnSource() { return {u"eigene Zahl"_s, u"eigene Zahl"_s}; }
 
-    /// Met or missed by the band. That a published band was neither kept nor missed must not read
-    /// as if nobody published it.
+    /// Met or missed by the band.
     static void JudgePublished(CheckLine& line) {
         if (line.value) {
             line.state =
                 IsOutside(line) || !line.fault.isEmpty() ? CheckState::Missed : CheckState::Met;
         } else {
-            line.note += line.note.isEmpty() ? u"nicht gemessen"_s : u"; nicht gemessen"_s;
+            line.state = CheckState::Unmeasured;
         }
     }
 

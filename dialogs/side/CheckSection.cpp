@@ -30,6 +30,7 @@ StateLook LookOf(const core::CheckLine& line) {
             return {u"✓"_s, controls::Tone::Good};
         case core::CheckState::Missed:
             return {u"✗"_s, controls::Tone::Bad};
+        case core::CheckState::Unmeasured:
         case core::CheckState::Guidance:
             break;
     }
