@@ -113,8 +113,8 @@ Figure InMillimetres(std::optional<TenthsOfMillimetre> length) {
     return length ? Figure(length->value / 10.0) : std::nullopt;
 }
 
-PublishedBand Published(const Band& band, bool isJudged = true) {
-    return {InMillimetres(band.from), InMillimetres(band.to), isJudged};
+PublishedBand Published(const Band& band, bool isJudged = true, const char16_t* subject = u"") {
+    return {InMillimetres(band.from), InMillimetres(band.to), isJudged, subject};
 }
 
 PublishedBand HeadOf(const TemplateRow& row) {
@@ -133,7 +133,7 @@ PublishedBand TopOf(const TemplateRow& row) {
     return Published(row.top);
 }
 PublishedBand FaceOf(const TemplateRow& row) {
-    return Published(row.face, false);
+    return Published(row.face, false, u"Gesicht");
 }
 PublishedBand EyeDistanceOf(const TemplateRow& row) {
     return Published({row.eyeDistance, {}});
@@ -141,7 +141,7 @@ PublishedBand EyeDistanceOf(const TemplateRow& row) {
 
 /// Nobody demands more than the rule for all documents; some advise it.
 PublishedBand ResolutionOf(const TemplateRow& row) {
-    return {row.resolution ? Figure(*row.resolution) : std::nullopt, {}, false};
+    return {row.resolution ? Figure(*row.resolution) : std::nullopt, {}, false, u"Auflösung"};
 }
 
 /// Where nobody says which end of the head is meant, both are told.

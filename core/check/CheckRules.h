@@ -28,6 +28,8 @@ struct PublishedBand {
     std::optional<double> minimum;
     std::optional<double> maximum;
     bool isJudged = true;  ///< no advice, and measured surely enough
+    /// Of the column, where its evidence may be another than the row's.
+    const char16_t* subject = u"";
 
     bool IsEmpty() const { return !minimum && !maximum; }
 };

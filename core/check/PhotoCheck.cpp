@@ -59,9 +59,11 @@ class Checker {
         return lines_.back();
     }
 
-    static Source SourceOf(const TemplateRow& row) {
-        return {u"Vorgabe, "_s + row.readOn, u"Vorgaben „%1“, Beleg %2, gelesen am %3"_s.arg(
-                                                 row.name, row.evidence, row.readOn)};
+    static Source SourceOf(const TemplateRow& row, const QString& subject = {}) {
+        const QString letters = row.EvidenceOf(subject);
+        const QString evidence = letters.isEmpty() ? QString() : u", Beleg "_s + letters;
+        return {u"Vorgabe, "_s + row.readOn,
+                u"Vorgaben „%1“%2, gelesen am %3"_s.arg(row.name, evidence, row.readOn)};
     }
 
     static Source SourceOf(const RuleSource& source) {
@@ -99,7 +101,8 @@ class Checker {
         }
         CheckLine& line = Add(QString::fromUtf16(rule.name), QString::fromUtf16(rule.label),
                               QString::fromUtf16(rule.unit),
-                              own.IsEmpty() ? SourceOf(guidance.source) : SourceOf(row));
+                              own.IsEmpty() ? SourceOf(guidance.source)
+                                            : SourceOf(row, QString::fromUtf16(own.subject)));
         line.decimals = rule.decimals;
         line.value = rule.value(photo_);
         line.note = rule.note ? rule.note(photo_, row) : QString();
@@ -171,7 +174,7 @@ class Checker {
         const bool isPublished = row.editing != AllowedEditing::Unregulated;
         CheckLine& line =
             Add(u"editing"_s, u"Bearbeitung"_s, {},
-                isPublished ? SourceOf(row)
+                isPublished ? SourceOf(row, u"Bearbeitung"_s)
                             : Source{u"keine Vorgabe bekannt"_s, u"keine Vorgabe bekannt"_s});
         QStringList done;
         if (photo_.edits.tone) {
@@ -198,7 +201,7 @@ class Checker {
     /// answered unread, and each strict check of a good picture would fail.
     void AddPaper(const TemplateRow& row) {
         if (!row.paper.isEmpty()) {
-            Add(u"paper"_s, u"Bild auf Papier"_s, {}, SourceOf(row)).note =
+            Add(u"paper"_s, u"Bild auf Papier"_s, {}, SourceOf(row, u"Papier"_s)).note =
                 u"wird nicht mehr angenommen: %1; für die Datei gilt das nicht"_s.arg(row.paper);
         }
     }

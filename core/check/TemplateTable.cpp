@@ -42,7 +42,7 @@ QStringList FurtherColumnNames() {
             u"Bearbeitung"_s,      u"Hintergrund"_s,      u"Papier"_s,
             u"Datei Breite von"_s, u"Datei Breite bis"_s, u"Datei Höhe von"_s,
             u"Datei Höhe bis"_s,   u"Datei kB von"_s,     u"Datei kB bis"_s,
-            u"Datei Format"_s,     u"Datei Beleg"_s};
+            u"Datei Format"_s,     u"Datei Beleg"_s,      u"Belege"_s};
 }
 
 QString InMillimetres(TenthsOfMillimetre length) {
@@ -113,6 +113,7 @@ class RowReader {
         row.evidence = cells_.value(u"Beleg"_s);
         row.readOn = cells_.value(u"Gelesen am"_s);
         ReadAdvice(row);
+        ReadOtherEvidence(row);
         return row;
     }
 
@@ -249,6 +250,22 @@ class RowReader {
                 faults_.Add(
                     u"Richtwert: „%1“ ist weder „Kopf“ noch „Augen“."_s.arg(word.trimmed()));
             }
+        }
+    }
+
+    /// "Papier: O; Gesicht: ?".
+    void ReadOtherEvidence(TemplateRow& row) {
+        static const QRegularExpression entry(
+            u"^(Auflösung|Bearbeitung|Gesicht|Papier): ([OTS](?:, [OTS])*|\\?)$"_s);
+        for (const QString& part : cells_.value(u"Belege"_s).split(u';', Qt::SkipEmptyParts)) {
+            const QRegularExpressionMatch match = entry.match(part.trimmed());
+            if (!match.hasMatch()) {
+                faults_.Add(
+                    u"Belege: „%1“ nennt keine Spalte mit ihrem Beleg."_s.arg(part.trimmed()));
+                continue;
+            }
+            const QString letters = match.captured(2);
+            row.otherEvidence.insert(match.captured(1), letters == u'?' ? QString() : letters);
         }
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <optional>
 #include <vector>
@@ -56,7 +57,15 @@ struct TemplateRow {
     UploadFigures upload;  ///< what portals take
     QString hint;
     QString evidence;  ///< of the figures: letters as the table's head explains them
-    QString readOn;    ///< date, yyyy-mm-dd
+    /// Of the columns whose evidence is another one, by their subjects ("Papier"); empty where it
+    /// is not known.
+    QHash<QString, QString> otherEvidence;
+    QString readOn;  ///< date, yyyy-mm-dd
+
+    /// Of one column's figures; empty where it is not known.
+    QString EvidenceOf(const QString& subject) const {
+        return otherEvidence.value(subject, evidence);
+    }
 };
 
 /// Where the chin line of a template lies, in tenths of a millimetre above the lower edge. Without

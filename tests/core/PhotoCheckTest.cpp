@@ -252,6 +252,14 @@ TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
         photo.edits = edits;
         EXPECT_EQ(LineOf(photo, u"editing"_s).state, state) << file.toStdString();
     }
+    for (const auto& [file, line, source] :
+         {std::tuple(u"deutschland-kind-6-bis-9.schablone"_s, u"paper"_s, u", Beleg O,"_s),
+          std::tuple(usa, u"editing"_s, u", Beleg S,"_s),
+          std::tuple(usa, u"headHeight"_s, u", Beleg T, S,"_s),
+          std::tuple(u"niederlande-reisepass.schablone"_s, u"faceWidth"_s, u"“, gelesen"_s)}) {
+        const QString told = LineOf(PlacedPhoto(DeliveredRow(file)), line).source;
+        EXPECT_TRUE(told.contains(source)) << told.toStdString();
+    }
     const CheckedPhoto german = PlacedPhoto(DeliveredRow(u"deutschland-reisepass.schablone"_s));
     EXPECT_TRUE(LineOf(german, u"paper"_s).note.contains(u"digital"));
 }
