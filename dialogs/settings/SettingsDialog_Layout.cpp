@@ -82,7 +82,7 @@ void TEinstellungenFm::BuildControls() {
     for (const auto& [key, step] :
          {std::pair(Qt::CTRL | Qt::Key_Tab, 1), {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1}}) {
         auto* shortcut = new QShortcut(key, this);
-        connect(shortcut, &QShortcut::activated, this, [this, step] {
+        connect(shortcut, &QShortcut::activated, this, [this, step = step] {
             const int count = pages_->count();
             pages_->setCurrentIndex((pages_->currentIndex() + step + count) % count);
         });
