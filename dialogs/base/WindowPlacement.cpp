@@ -129,7 +129,7 @@ void CentreOnParent(QWidget& window) {
 void StandClearOfPhoto(QWidget& window) {
     const QWidget* parent = window.parentWidget();
     const QList<QRect> photo = parent != nullptr ? PhotoInSight(*parent->window()) : QList<QRect>();
-    if (photo.isEmpty()) {
+    if (parent == nullptr || photo.isEmpty()) {
         CentreOnParent(window);
         return;
     }

@@ -92,7 +92,7 @@ TEST_F(SetupDialogTest, EveryFieldShowsTheDriverInGermanAndKeepsWhatIsChosen) {
             EXPECT_EQ(Texts<QComboBox>(window, box), texts) << box;
         }
         EXPECT_EQ(Child<QAbstractButton>(window, "FurtherOptionsButton").text(),
-                  u"Weitere Einstellungen des Treibers (2)"_s);
+                  u"&Weitere Einstellungen des Treibers (2)"_s);
         EXPECT_EQ(Chosen(window, "OrientationBox"), u"Automatisch"_s);
         Choose(window, "PaperBox", u"3.5x5 Wide"_s);
         EXPECT_EQ(Child<QComboBox>(window, "OrientationBox").itemText(1), u"Querformat"_s);

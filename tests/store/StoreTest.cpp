@@ -218,9 +218,9 @@ TEST_F(DatabaseTest, EndsStatementsThatNeverEnd) {
           std::pair(u"„Log.j“"_s, u"ALTER TABLE Log DROP COLUMN j"_s)}) {
         EXPECT_TRUE(
             TextOf<StoreError>([&] { SqliteDatabase again(folder_.path()); }).contains(found));
-        hasty.Execute(next);
+        database_.Execute(next);
         if (found == u"„T“"_s) {
-            hasty.Execute(u"ALTER TABLE Log ADD COLUMN j AS (zeroblob(16000000))"_s);
+            database_.Execute(u"ALTER TABLE Log ADD COLUMN j AS (zeroblob(16000000))"_s);
         }
     }
     SqliteDatabase(folder_.path());
