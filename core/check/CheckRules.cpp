@@ -19,9 +19,13 @@ constexpr RuleSource TravelDocuments{u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zwei
 constexpr RuleSource PrintedDots{
     u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand); in Deutschland 600 dpi empfohlen"};
 constexpr RuleSource Several{u"zweite Hand", u"Augenabstand im Foto: mehrere, zweite Hand"};
-constexpr RuleSource PublicChecker{u"Prüfprogramm",
-                                   u"öffentliches Prüfprogramm: 14 bis 26 Einheiten CIE Lab"};
-constexpr RuleSource Own{u"eigene Zahl", u"eigene Zahl; Maß nach OFIQ (ISO/IEC 29794-5)"};
+/// That is how far a colour may be from the chosen one; what is measured here is a spread.
+constexpr RuleSource OwnAfterTolerance{u"eigene Zahl",
+                                       u"eigene Zahl nach der Toleranz eines öffentlichen "
+                                       u"Prüfprogramms (14 bis 26 Einheiten CIE Lab)"};
+/// Illumination uniformity, dynamic range and sharpness.
+constexpr RuleSource OwnOfDefined{u"eigene Zahl", u"eigene Zahl; Maß nach OFIQ (ISO/IEC 29794-5)"};
+constexpr RuleSource Own{u"eigene Zahl", u"eigene Zahl"};
 
 using Background = imaging::BackgroundMeasures;
 using Measures = imaging::PortraitMeasures;
@@ -246,7 +250,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      Measured<&Measures::skinClipped>,
      nullptr,
-     {{}, 5, Own},
+     {{}, 5, OwnOfDefined},
      nullptr},
     {u"evenLight",
      u"Licht links gegen rechts",
@@ -254,7 +258,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      Measured<&Measures::lightDifference>,
      nullptr,
-     {{}, 12, Own},
+     {{}, 12, OwnOfDefined},
      nullptr},
     {u"sharpness",
      u"Schärfe an den Augen",
@@ -262,7 +266,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      Measured<&Measures::sharpness>,
      nullptr,
-     {2, {}, Own},
+     {2, {}, OwnOfDefined},
      nullptr},
     {u"backgroundUniform",
      u"Hintergrund einfarbig",
@@ -270,7 +274,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      Behind<&Background::spread>,
      nullptr,
-     {{}, 14, PublicChecker},
+     {{}, 14, OwnAfterTolerance},
      nullptr},
     {u"backgroundLightness",
      u"Hintergrund hell genug",

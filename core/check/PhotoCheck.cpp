@@ -70,8 +70,6 @@ class Checker {
         return {QString::fromUtf16(source.name), QString::fromUtf16(source.text)};
     }
 
-    static Source OwnSource() { return {u"eigene Zahl"_s, u"eigene Zahl"_s}; }
-
     /// Met or missed by the band.
     static void JudgePublished(CheckLine& line) {
         if (line.value) {
@@ -143,7 +141,8 @@ class Checker {
     }
 
     void AddWhiteCorners() {
-        CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {}, OwnSource());
+        CheckLine& line = Add(u"whiteCorners"_s, u"Weiße Ecken nach dem Drehen"_s, {},
+                              {u"eigene Prüfung"_s, u"eigene Prüfung"_s});
         line.found = photo_.whiteCorners;
         line.isWanted = false;
         line.note = photo_.whiteCorners ? u"vorhanden"_s : u"keine"_s;

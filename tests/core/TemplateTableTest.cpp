@@ -22,12 +22,12 @@ const QString Header =
     u"Name\tDatei\tBreite\tHöhe\tKopf von\tKopf bis\tAugen von\tAugen bis\tOben von\tOben bis\t"
     "Kinn von\tKinn bis\tGesicht von\tGesicht bis\tAchse von\tAchse "
     "bis\tAugenabstand von\tRichtwert\tScheitel\tBearbeitung\tHintergrund\tPapier\tHinweis\tBeleg\t"
-    "Gelesen am\n"_s;
+    "Gelesen am\tBelege\n"_s;
 
 /// A row of the header's columns: the cells given between semicolons, the rest empty.
 QString Row(const char* given) {
     QStringList cells = QString::fromUtf8(given).split(u';');
-    cells.resize(25);
+    cells.resize(26);
     return cells.join(u'\t') + u'\n';
 }
 
@@ -61,19 +61,26 @@ TEST(TemplateTable, FaultsNameTheirLine) {
     using Case = std::pair<const char*, const char*>;
     const QString good = Header + Row("A;a.s;35;45");
     for (const auto& [row, fault] :
-         {Case{";b.s;35;45", "Name fehlt"}, Case{"B=C;b.s;35;45", "Gleichheitszeichen"},
+         {Case{";b.s;35;45", "Name fehlt"},
+          Case{"B=C;b.s;35;45", "Gleichheitszeichen"},
           Case{"a;b.s;35;45", "Der Name „a“ kommt schon vor"},
           Case{"B;A.S;35;45", "Die Datei „A.S“ kommt schon vor"},
-          Case{"B;masklist.KDR;35;45", "schon vor"}, Case{"B;../b.s;35;45", "Dateiname"},
-          Case{"B;.b;35;45", "Dateiname"}, Case{"B;;35;45", "Dateiname"},
-          Case{"B;b.s;35", "Höhe muss"}, Case{"B;b.s;0;45", "Breite muss"},
-          Case{"B;b.s;1000.1;45", "Breite muss"}, Case{"B;b.s;35 mm;45", "Breite: „35 mm“"},
+          Case{"B;masklist.KDR;35;45", "schon vor"},
+          Case{"B;../b.s;35;45", "Dateiname"},
+          Case{"B;.b;35;45", "Dateiname"},
+          Case{"B;;35;45", "Dateiname"},
+          Case{"B;b.s;35", "Höhe muss"},
+          Case{"B;b.s;0;45", "Breite muss"},
+          Case{"B;b.s;1000.1;45", "Breite muss"},
+          Case{"B;b.s;35 mm;45", "Breite: „35 mm“"},
           Case{"B;b.s;35.25;45", "Breite: „35.25“"},
           Case{"B;b.s;35;45;36;32", "Kopf: 36 mm bis 32 mm"},
-          Case{"B;b.s;35;45;32;45.1", "Kopf: 45.1 mm"}, Case{"B;b.s;35;45;;;22", "Augen: Es fehlt"},
+          Case{"B;b.s;35;45;32;45.1", "Kopf: 45.1 mm"},
+          Case{"B;b.s;35;45;;;22", "Augen: Es fehlt"},
           Case{"B;b.s;35;45;;;;;;;;;35.1", "Gesicht: 35.1 mm"},
           Case{"B;b.s;35;45;;;;;;;;;;;;;;Nase", "„Nase“"},
-          Case{"B;b.s;35;45;;;;;;;;;;;;;;;Bart", "Scheitel: „Bart“"}}) {
+          Case{"B;b.s;35;45;;;;;;;;;;;;;;;Bart", "Scheitel: „Bart“"},
+          Case{"B;b.s;35;45;;;;;;;;;;;;;;;;;;;;;;Kopf: O", "Belege: „Kopf: O“"}}) {
         EXPECT_THAT(FaultsOf(good + Row(row)), HasSubstr("t:3: ")) << row;
         EXPECT_THAT(FaultsOf(good + Row(row)), HasSubstr(fault)) << row;
     }
