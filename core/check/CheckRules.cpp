@@ -16,8 +16,6 @@ constexpr RuleSource FaceImages{u"ISO/IEC 39794-5", u"ISO/IEC 39794-5, D.1 (zwei
 constexpr RuleSource OlderFaceImages{u"ISO/IEC 19794-5",
                                      u"ISO/IEC 19794-5:2011, 7.2.2 (zweite Hand)"};
 constexpr RuleSource TravelDocuments{u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand)"};
-constexpr RuleSource PrintedDots{
-    u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand); in Deutschland 600 dpi empfohlen"};
 constexpr RuleSource Several{u"zweite Hand", u"Augenabstand im Foto: mehrere, zweite Hand"};
 /// That is how far a colour may be from the chosen one; what is measured here is a spread.
 constexpr RuleSource OwnAfterTolerance{u"eigene Zahl",
@@ -225,7 +223,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      0,
      Resolution,
      ResolutionOf,
-     {300, {}, PrintedDots},
+     {300, {}, TravelDocuments},
      nullptr},
     {u"tilt", u"Neigung der Augenlinie", u"°", 1, Tilt, nullptr, {-8, 8, OlderFaceImages}, nullptr},
     {u"eyeDistancePixels",

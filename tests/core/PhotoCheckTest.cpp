@@ -178,9 +178,12 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
         EXPECT_DOUBLE_EQ(*LineOf(photo, name).value, value) << name.toStdString();
     }
     EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, 300);
-    photo.figures->resolution = DeliveredRow(u"niederlande-reisepass.schablone"_s).resolution;
-    EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, 400);
-    EXPECT_EQ(LineOf(photo, u"resolution"_s).state, CheckState::Guidance) << "advised only";
+    for (const auto& [file, dots] : {std::pair(u"niederlande-reisepass.schablone"_s, 400),
+                                     std::pair(u"deutschland-fuehrerschein.schablone"_s, 600)}) {
+        photo.figures->resolution = DeliveredRow(file).resolution;
+        EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, dots);
+        EXPECT_EQ(LineOf(photo, u"resolution"_s).state, CheckState::Guidance) << "advised only";
+    }
     const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
     EXPECT_EQ(distance.state, CheckState::Missed);
     EXPECT_EQ(FigureText(distance), u"5,0 mm statt mindestens 8 mm"_s);
