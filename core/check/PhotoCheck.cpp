@@ -186,12 +186,31 @@ class Checker {
             done << u"Retusche"_s;
         }
         line.note = done.isEmpty() ? u"keine"_s : done.join(u", "_s);
-        if (row.editing == AllowedEditing::GeometryOnly) {
-            line.state = photo_.edits.Any() ? CheckState::Missed : CheckState::Met;
-            line.note += u"; erlaubt sind nur Ausschnitt und Drehung"_s;
-        } else if (row.editing == AllowedEditing::BackgroundUnmade) {
-            line.state = photo_.edits.retouched ? CheckState::Missed : CheckState::Met;
-            line.note += u"; der Hintergrund darf nicht ersetzt werden"_s;
+        JudgeEditing(line, row.editing);
+    }
+
+    void JudgeEditing(CheckLine& line, AllowedEditing allowed) {
+        switch (allowed) {
+            case AllowedEditing::Unregulated:
+                break;
+            case AllowedEditing::GeometryOnly:
+                line.state = photo_.edits.Any() ? CheckState::Missed : CheckState::Met;
+                line.note += u"; erlaubt sind nur Ausschnitt und Drehung"_s;
+                break;
+            case AllowedEditing::BackgroundUnmade:
+                // Other tones and colours are those of the background too, yet none replaces it.
+                if (photo_.edits.retouched) {
+                    line.state = CheckState::Missed;
+                } else if (!photo_.edits.Any()) {
+                    line.state = CheckState::Met;
+                }
+                line.note += u"; der Hintergrund darf nicht ersetzt werden"_s;
+                break;
+            case AllowedEditing::ShapeKept:
+                line.state = CheckState::Met;
+                line.note +=
+                    u"; Spiegeln und Verzerren sind verboten, dieses Programm tut beides nie"_s;
+                break;
         }
     }
 

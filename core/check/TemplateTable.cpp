@@ -104,7 +104,8 @@ class RowReader {
         row.editing = OneOf<AllowedEditing>(
             u"Bearbeitung"_s, {{{}, AllowedEditing::Unregulated},
                                {u"nur Geometrie"_s, AllowedEditing::GeometryOnly},
-                               {u"Hintergrund bleibt"_s, AllowedEditing::BackgroundUnmade}});
+                               {u"Hintergrund bleibt"_s, AllowedEditing::BackgroundUnmade},
+                               {u"unverzerrt"_s, AllowedEditing::ShapeKept}});
         row.whiteBackgroundForbidden =
             OneOf<bool>(u"Hintergrund"_s, {{{}, false}, {u"nicht weiß"_s, true}});
         row.paper = cells_.value(u"Papier"_s);

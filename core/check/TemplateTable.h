@@ -32,6 +32,7 @@ enum class AllowedEditing {
     Unregulated,       ///< nothing is published
     GeometryOnly,      ///< neither tone nor colours nor retouching
     BackgroundUnmade,  ///< the background must not be replaced
+    ShapeKept,         ///< neither mirrored nor reproportioned
 };
 
 /// One document of the template table.

@@ -248,7 +248,9 @@ TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
     const QString korea = u"suedkorea-reisepass.schablone"_s;
     for (const auto& [file, edits, state] :
          {Case{usa, {}, CheckState::Met}, Case{usa, {.tone = true}, CheckState::Missed},
-          Case{korea, {.tone = true}, CheckState::Met},
+          Case{korea, {}, CheckState::Met}, Case{korea, {.colours = true}, CheckState::Guidance},
+          Case{u"schengen-visum.schablone"_s, {.colours = true}, CheckState::Missed},
+          Case{u"oesterreich-reisepass.schablone"_s, {.tone = true}, CheckState::Met},
           Case{korea, {.retouched = true}, CheckState::Missed},
           Case{u"irland-reisepass.schablone"_s, {.colours = true}, CheckState::Guidance}}) {
         CheckedPhoto photo = PlacedPhoto(DeliveredRow(file));
