@@ -146,6 +146,14 @@ PublishedBand ResolutionOf(const TemplateRow& row) {
     return {row.resolution ? Figure(*row.resolution) : std::nullopt, {}, false, u"Auflösung"};
 }
 
+/// No pair of eyes is farther apart than a third of the head's height; usual is a quarter. Where
+/// the document wants smaller heads, its pictures cannot have what is wanted of passports.
+bool CanHaveEyesApart(const TemplateRow& row) {
+    constexpr double MostPartOfHead = 1.0 / 3;
+    constexpr double Wanted = 100;  // tenths of a millimetre
+    return !row.head.IsComplete() || MostPartOfHead * row.head.Middle() >= Wanted;
+}
+
 /// Where nobody says which end of the head is meant, both are told.
 QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
     if (row.crown == Crown::Skull) {
@@ -215,7 +223,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      EyeDistance,
      EyeDistanceOf,
-     {10, {}, TravelDocuments},
+     {10, {}, TravelDocuments, Of::Unit, CanHaveEyesApart},
      nullptr},
     {u"resolution",
      u"Auflösung im Druck",

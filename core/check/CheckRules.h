@@ -21,6 +21,8 @@ struct Guidance {
     RuleSource source;
     /// What the limits are parts of; else they have the rule's unit.
     enum class Of { Unit, Width, Height } of = Of::Unit;
+    /// Whether a document can be held against it; null for all of them.
+    bool (*concerns)(const TemplateRow&) = nullptr;
 };
 
 /// What a document's row of the template table says of a rule.

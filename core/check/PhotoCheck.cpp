@@ -94,7 +94,9 @@ class Checker {
         const PublishedBand own = rule.published ? rule.published(row) : PublishedBand();
         const Guidance& guidance = rule.guidance;
         const bool isPart = guidance.of != Guidance::Of::Unit;
-        if (own.IsEmpty() && (!guidance.source.text || (isPart && !photo_.figures))) {
+        const bool hasGuidance = guidance.source.text && !(isPart && !photo_.figures) &&
+                                 (!guidance.concerns || guidance.concerns(row));
+        if (own.IsEmpty() && !hasGuidance) {
             return;
         }
         CheckLine& line = Add(QString::fromUtf16(rule.name), QString::fromUtf16(rule.label),

@@ -183,6 +183,9 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
         photo.figures->resolution = DeliveredRow(file).resolution;
         EXPECT_EQ(*LineOf(photo, u"resolution"_s).minimum, dots);
         EXPECT_EQ(LineOf(photo, u"resolution"_s).state, CheckState::Guidance) << "advised only";
+        const auto lines = CheckPhoto(PlacedPhoto(DeliveredRow(file)));
+        EXPECT_EQ(std::ranges::count(lines, u"eyeDistance"_s, &CheckLine::name), dots / 600)
+            << "too small heads";
     }
     const CheckLine distance = LineOf(photo, u"eyeDistance"_s);
     EXPECT_EQ(distance.state, CheckState::Missed);
