@@ -97,6 +97,14 @@ Figure Resolution(const CheckedPhoto& photo) {
     return dots > 0 ? Figure(dots) : std::nullopt;
 }
 
+Figure CutWidth(const CheckedPhoto& photo) {
+    return photo.rectangle.isEmpty() ? std::nullopt : Figure(photo.rectangle.width());
+}
+
+Figure CutHeight(const CheckedPhoto& photo) {
+    return photo.rectangle.isEmpty() ? std::nullopt : Figure(photo.rectangle.height());
+}
+
 Figure Tilt(const CheckedPhoto& photo) {
     return photo.face ? Figure(photo.face->tiltDegrees) : std::nullopt;
 }
@@ -146,18 +154,41 @@ PublishedBand ResolutionOf(const TemplateRow& row) {
     return {row.resolution ? Figure(*row.resolution) : std::nullopt, {}, false, u"Auflösung"};
 }
 
+bool IsPrinted(const TemplateRow& row) {
+    return !row.IsFileOnly();
+}
+
 /// No pair of eyes is farther apart than a third of the head's height; usual is a quarter. Where
 /// the document wants smaller heads, its pictures cannot have what is wanted of passports.
 bool CanHaveEyesApart(const TemplateRow& row) {
+    if (row.IsFileOnly()) {
+        return false;
+    }
     constexpr double MostPartOfHead = 1.0 / 3;
     constexpr double Wanted = 100;  // tenths of a millimetre
     return !row.head.IsComplete() || MostPartOfHead * row.head.Middle() >= Wanted;
+}
+
+/// The file is made smaller where the cut has more; larger makes it no sharper. It is no fault of
+/// the cut, which the portal does not see.
+PublishedBand FileSide(const TemplateRow& row, const PixelRange& side) {
+    return row.IsFileOnly() && side.least ? PublishedBand{Figure(*side.least), {}, false, u"Datei"}
+                                          : PublishedBand();
+}
+PublishedBand FileWidthOf(const TemplateRow& row) {
+    return FileSide(row, row.upload.width);
+}
+PublishedBand FileHeightOf(const TemplateRow& row) {
+    return FileSide(row, row.upload.height);
 }
 
 /// Where nobody says which end of the head is meant, both are told.
 QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
     if (row.crown == Crown::Skull) {
         return u"Kinn bis Schädel, ohne Frisur"_s;
+    }
+    if (row.IsFileOnly()) {
+        return u"Kinn bis Scheitel, mit Haar"_s;
     }
     CheckLine skull;
     skull.unit = u"mm"_s;
@@ -231,8 +262,10 @@ constexpr auto Rules = std::to_array<CheckRule>({
      0,
      Resolution,
      ResolutionOf,
-     {300, {}, TravelDocuments},
+     {300, {}, TravelDocuments, Of::Unit, IsPrinted},
      nullptr},
+    {u"cutWidth", u"Breite des Ausschnitts", u"px", 0, CutWidth, FileWidthOf, {}, nullptr},
+    {u"cutHeight", u"Höhe des Ausschnitts", u"px", 0, CutHeight, FileHeightOf, {}, nullptr},
     {u"tilt", u"Neigung der Augenlinie", u"°", 1, Tilt, nullptr, {-8, 8, OlderFaceImages}, nullptr},
     {u"eyeDistancePixels",
      u"Augenabstand im Foto",

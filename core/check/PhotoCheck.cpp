@@ -106,23 +106,41 @@ class Checker {
         line.decimals = rule.decimals;
         line.value = rule.value(photo_);
         line.note = rule.note ? rule.note(photo_, row) : QString();
+        SetBand(line, own, guidance, row);
         if (rule.fault && JudgesTheHead(row)) {
             AddFault(line, rule.fault(photo_, row));
         }
-        if (!own.IsEmpty()) {
-            line.minimum = own.minimum;
-            line.maximum = own.maximum;
-            if (own.isJudged) {
-                JudgePublished(line);
-            }
-            return;
+        if (!own.IsEmpty() && own.isJudged) {
+            JudgePublished(line);
         }
+    }
+
+    static void SetBand(CheckLine& line, const PublishedBand& own, const Guidance& guidance,
+                        const TemplateRow& row) {
+        const bool isPart = guidance.of != Guidance::Of::Unit;
         const double whole = isPart ? LengthOf(guidance.of, row) : 1;
         const auto limit = [whole](std::optional<double> part) {
             return part ? std::optional(std::round(*part * whole * 10) / 10) : std::nullopt;
         };
-        line.minimum = limit(guidance.minimum);
-        line.maximum = limit(guidance.maximum);
+        line.minimum = own.IsEmpty() ? limit(guidance.minimum) : own.minimum;
+        line.maximum = own.IsEmpty() ? limit(guidance.maximum) : own.maximum;
+        if (isPart && row.IsFileOnly()) {
+            InPercent(line, whole);
+        }
+    }
+
+    /// Parts of a picture whose millimetres are nobody's; the table's are rounded, whole percents
+    /// are published.
+    static void InPercent(CheckLine& line, double whole) {
+        line.unit = u"%"_s;
+        if (line.value) {
+            line.value = *line.value / whole * 100;
+        }
+        for (auto* limit : {&line.minimum, &line.maximum}) {
+            if (*limit) {
+                *limit = std::round(**limit / whole * 100);
+            }
+        }
     }
 
     /// Who publishes where a head has to be wants one; of other documents nothing is judged.
@@ -133,6 +151,7 @@ class Checker {
             isJudged ? SourceOf(*photo_.figures) : Source{u"Suche im Foto"_s, u"Suche im Foto"_s});
         if (!photo_.wasFaceLookedFor) {
             line.note = u"nicht gesucht"_s;
+            line.state = isJudged ? CheckState::Unmeasured : CheckState::Guidance;
             return;
         }
         line.found = photo_.face.has_value();

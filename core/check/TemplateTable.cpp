@@ -115,6 +115,7 @@ class RowReader {
         row.readOn = cells_.value(u"Gelesen am"_s);
         ReadAdvice(row);
         ReadOtherEvidence(row);
+        row.otherEvidence.insert(u"Datei"_s, row.upload.evidence);
         return row;
     }
 
@@ -257,7 +258,7 @@ class RowReader {
     /// "Papier: O; Gesicht: ?".
     void ReadOtherEvidence(TemplateRow& row) {
         static const QRegularExpression entry(
-            u"^(Auflösung|Bearbeitung|Gesicht|Papier): ([OTS](?:, [OTS])*|\\?)$"_s);
+            u"^(Auflösung|Bearbeitung|Gesicht|Papier): (?:\\?|([OTS](?:, [OTS])*))$"_s);
         for (const QString& part : cells_.value(u"Belege"_s).split(u';', Qt::SkipEmptyParts)) {
             const QRegularExpressionMatch match = entry.match(part.trimmed());
             if (!match.hasMatch()) {
@@ -265,8 +266,7 @@ class RowReader {
                     u"Belege: „%1“ nennt keine Spalte mit ihrem Beleg."_s.arg(part.trimmed()));
                 continue;
             }
-            const QString letters = match.captured(2);
-            row.otherEvidence.insert(match.captured(1), letters == u'?' ? QString() : letters);
+            row.otherEvidence.insert(match.captured(1), match.captured(2));
         }
     }
 

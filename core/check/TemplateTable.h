@@ -63,6 +63,9 @@ struct TemplateRow {
     QHash<QString, QString> otherEvidence;
     QString readOn;  ///< date, yyyy-mm-dd
 
+    /// Only its file is known: the millimetres are the shape of the file, no size on paper.
+    bool IsFileOnly() const { return name.endsWith(QStringLiteral("(Datei)")); }
+
     /// Of one column's figures; empty where it is not known.
     QString EvidenceOf(const QString& subject) const {
         return otherEvidence.value(subject, evidence);

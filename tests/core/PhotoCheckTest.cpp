@@ -67,7 +67,8 @@ TEST(FacePlacement, MeetsEveryFigureOfEveryTemplate) {
                 << line.label.toStdString() << ": " << FigureText(line).toStdString();
         }
         if (row.head.IsComplete()) {
-            EXPECT_NEAR(*LineOf(photo, u"headHeight"_s).value, row.head.Middle() / 10, 0.2);
+            const double percent = row.IsFileOnly() ? 100.0 / row.height.value : 0.1;
+            EXPECT_NEAR(*LineOf(photo, u"headHeight"_s).value, row.head.Middle() * percent, 0.2);
         }
     }
 }
@@ -262,11 +263,17 @@ TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
     }
     for (const auto& [file, line, source] :
          {std::tuple(u"deutschland-kind-6-bis-9.schablone"_s, u"paper"_s, u", Beleg O,"_s),
+          std::tuple(u"indien-reisepass-datei.schablone"_s, u"cutWidth"_s, u", Beleg T,"_s),
           std::tuple(usa, u"editing"_s, u", Beleg S,"_s),
           std::tuple(usa, u"headHeight"_s, u", Beleg T, S,"_s),
           std::tuple(u"niederlande-reisepass.schablone"_s, u"faceWidth"_s, u"“, gelesen"_s)}) {
         const QString told = LineOf(PlacedPhoto(DeliveredRow(file)), line).source;
         EXPECT_TRUE(told.contains(source)) << told.toStdString();
+        const std::vector<CheckLine> lines = CheckPhoto(PlacedPhoto(DeliveredRow(file)));
+        const auto has = [&](const QString& unit) {
+            return std::ranges::any_of(lines, [&](auto& one) { return one.unit == unit; });
+        };
+        EXPECT_NE(line == u"cutWidth"_s, has(u"mm"_s) || has(u"dpi"_s)) << "nobody prints files";
     }
     const CheckedPhoto german = PlacedPhoto(DeliveredRow(u"deutschland-reisepass.schablone"_s));
     EXPECT_TRUE(LineOf(german, u"paper"_s).note.contains(u"digital"));
