@@ -1,6 +1,6 @@
 #include "app/face/FaceOverlay.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QPainter>
 
 #include "app/face/FaceLine.h"
@@ -25,6 +25,7 @@ FaceOverlay::FaceOverlay(imaging::view::ImageView& view, FaceLine& line)
     connect(&view, &imaging::view::ImageView::PartChanged, this, [this] { update(); });
     connect(&view, &imaging::view::ImageView::ZoomChanged, this, [this] { update(); });
     view.installEventFilter(this);
+    view.window()->installEventFilter(this);
     hide();
 }
 
@@ -78,9 +79,14 @@ void FaceOverlay::Follow() {
     setGeometry(view_.rect());
 }
 
+/// A key comes to the window where nothing else in it took it.
 bool FaceOverlay::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Resize) {
         Follow();
+    } else if (event->type() == QEvent::KeyPress && watched == view_.window() && proposed_ &&
+               static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        Q_EMIT Refused();
+        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -65,15 +65,15 @@ void FacePoints::SetMovable(bool movable) {
 }
 
 void FacePoints::Begin() {
+    QString reason = u"Kein Gesicht gefunden."_s;
     try {
         face_.Find();
-    } catch (const imaging::CascadesMissing&) {
-        // Who points the face out needs none of them.
+    } catch (const imaging::CascadesMissing& error) {
+        reason = error.Text();  // who points the face out needs none of them
     }
     if (!face_.Search().face) {
         marked_ = imaging::TypicalFace(session_.Image().Photo().Size());
-        overlay_.ShowHint(
-            u"Kein Gesicht gefunden. Ziehen Sie die Punkte auf Pupillen, Kinn und Scheitel."_s);
+        overlay_.ShowHint(reason + u" Ziehen Sie die Punkte auf Pupillen, Kinn und Scheitel."_s);
     }
     view_.SetTool(this);
 }

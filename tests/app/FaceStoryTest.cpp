@@ -50,7 +50,7 @@ TEST_F(FaceStory, OffersThePlaceOnTheFaceAndLeavesTheTemplateUntilItIsTaken) {
     EXPECT_EQ(window->View().size(), room) << "the photo does not jump";
     EXPECT_GE(Proposal().mapTo(window.get(), QPoint()).y(),
               window->View().mapTo(window.get(), QPoint(0, room.height())).y());
-    ClickButton(*window, "RefuseProposal");
+    QTest::keyClick(&window->View(), Qt::Key_Escape);
     QApplication::processEvents();
     EXPECT_EQ(window->View().size(), room);
     EXPECT_FALSE(Proposal().isVisible());
