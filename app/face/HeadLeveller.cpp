@@ -9,6 +9,7 @@
 #include "app/face/FaceOverlay.h"
 #include "app/face/PhotoFace.h"
 #include "controls/messages/ActionGuard.h"
+#include "core/templates/LayerPosition.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;
@@ -80,24 +81,30 @@ void HeadLeveller::EndMode() {
     actions_[Action::LevelByLine]->setChecked(false);
 }
 
-/// What the user has corrected of the face turns with the photo.
+/// The template's middle and what the user has corrected of the face turn with the photo.
 void HeadLeveller::Level(double tiltDegrees) {
     constexpr double WorthTurning = 0.1;
     if (std::abs(tiltDegrees) < WorthTurning) {
         Q_EMIT actions_.Succeeded(u"Der Kopf ist gerade."_s);
         return;
     }
-    const imaging::LayeredImage& image = session_.Image();
+    imaging::LayeredImage& image = session_.Image();
     const bool isCorrected = face_.IsCorrected();
     const imaging::FaceSearch before = face_.Search();
+    const QRect place = session_.TemplateRectangle();
     const QPointF middle = QRectF(QPointF(), image.Photo().Size()).center();
     rotateActions_.LevelPhoto(tiltDegrees);
+    const QPointF to = QRectF(QPointF(), image.Photo().Size()).center();
+    const QTransform turn = QTransform::fromTranslate(-middle.x(), -middle.y()) *
+                            QTransform().rotate(-tiltDegrees) *
+                            QTransform::fromTranslate(to.x(), to.y());
+    if (session_.HasTemplate()) {
+        QRect turned = place;
+        turned.moveCenter(turn.map(QRectF(place).center()).toPoint());
+        image.SetLayerRectangle(1, core::KeptInsidePhoto(turned, image.Photo().Size()));
+    }
     if (isCorrected) {
-        const QPointF to = QRectF(QPointF(), image.Photo().Size()).center();
-        face_.TakeMarked(
-            imaging::Turned(*before.face, QTransform::fromTranslate(-middle.x(), -middle.y()) *
-                                              QTransform().rotate(-tiltDegrees) *
-                                              QTransform::fromTranslate(to.x(), to.y())));
+        face_.TakeMarked(imaging::Turned(*before.face, turn));
     }
 }
 

@@ -183,6 +183,11 @@ TEST_F(FaceStory, LevelsTheHeadByALineThatTheUserDraws) {
     const double sine = 60 / std::hypot(200, 60);
     EXPECT_NEAR(Image().Photo().Width(), 600 * std::sqrt(1 - sine * sine) + 800 * sine, 6)
         << "to a pixel of the screen";
+    const auto middle = [](QSize photo) { return QRectF(QPointF(), photo).center(); };
+    const QPointF arm = QRectF(before).center() - middle(DrawnSize);
+    const QPointF turned = QTransform().rotate(-std::asin(sine) * 180 / M_PI).map(arm);
+    const QPointF now = QRectF(Template()).center() - middle(Image().Photo().Size());
+    EXPECT_LT(QLineF(turned, now).length(), 3) << "the template's middle turns with the photo";
     Trigger(u"acUndo"_s);
     EXPECT_EQ(Image().Photo().Size(), DrawnSize);
     EXPECT_EQ(Template(), before);
