@@ -128,13 +128,18 @@ void PrintText(const Report& report, QTextStream& output) {
     }
     for (const core::CheckLine& line : report.lines) {
         const QString band = core::BandText(line);
-        QString figure = core::ValueText(line);
-        figure = figure.isEmpty() ? line.note : figure;
-        output << u"  %1 %2 %3 %4\n"_s.arg(line.label, -34)
-                      .arg(figure, 10)
-                      .arg(band.isEmpty() ? QString() : u"("_s + band + u')', -24)
-                      .arg(core::StateText(line.state));
+        const QString value = core::ValueText(line);
+        const bool isWord = value.isEmpty() && band.isEmpty();
+        output << u"%1 %2 %3 %4 %5 [%6]\n"_s.arg(
+            core::StateSign(line), line.label.leftJustified(34),
+            (isWord ? line.note : value).leftJustified(10),
+            (band.isEmpty() ? QString() : u"("_s + band + u')').leftJustified(24),
+            core::StateText(line.state), line.sourceName);
+        if (!isWord && !line.note.isEmpty()) {
+            output << u"    "_s << line.note << u'\n';
+        }
     }
+    output << u"  "_s << core::SourcesText(report.lines) << u'\n';
     output.flush();
 }
 

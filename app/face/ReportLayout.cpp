@@ -102,18 +102,6 @@ class Column {
     std::vector<ReportText> texts_;
 };
 
-/// Each source once, in whole where its name is not.
-QString SourcesOf(const std::vector<core::CheckLine>& lines) {
-    QStringList sources;
-    for (const core::CheckLine& line : lines) {
-        if (line.source != line.sourceName && !sources.contains(line.source)) {
-            sources << line.source;
-        }
-    }
-    return u"Quellen: "_s + sources.join(u" · "_s) +
-           u". Beleg O: Seite der Behörde, T: datierte Abschrift davon, S: andere Quelle."_s;
-}
-
 /// All lines and what follows them, from the height 0 on; their height in millimetres.
 double AddLines(Column& column, const std::vector<core::CheckLine>& lines, double points) {
     double y = column.AddHead(0);
@@ -121,11 +109,11 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
         y += column.Add(ReportFont(points), y, line);
     }
     y += 1;
-    y += column.Add(SourceFont(), 0, y, PageWidth, SourcesOf(lines)) + 1.5;
+    y += column.Add(SourceFont(), 0, y, PageWidth, core::SourcesText(lines)) + 1.5;
     y += column.Add(SmallReportFont(), 0, y, PageWidth,
                     u"Keine Zusage: Ob ein Bild angenommen wird, entscheidet die Behörde. „nur "
                     u"Richtwert“ steht, wo sie keine Zahl oder nur eine Empfehlung veröffentlicht, "
-                    u"und wo nichts gemessen werden konnte."_s);
+                    u"„nicht gemessen“, wo ihre Vorgabe nicht zu prüfen war."_s);
     return y + 1.5 +
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }

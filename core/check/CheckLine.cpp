@@ -1,5 +1,6 @@
 #include "core/check/CheckLine.h"
 
+#include <QStringList>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -38,6 +39,30 @@ QString StateText(CheckState state) {
             break;
     }
     return u"nur Richtwert"_s;
+}
+
+QString StateSign(const CheckLine& line) {
+    switch (line.state) {
+        case CheckState::Met:
+            return u"✓"_s;
+        case CheckState::Missed:
+            return u"✗"_s;
+        case CheckState::Unmeasured:
+        case CheckState::Guidance:
+            break;
+    }
+    return IsOutside(line) ? u"!"_s : u"·"_s;
+}
+
+QString SourcesText(const std::vector<CheckLine>& lines) {
+    QStringList sources;
+    for (const CheckLine& line : lines) {
+        if (line.source != line.sourceName && !sources.contains(line.source)) {
+            sources << line.source;
+        }
+    }
+    return u"Quellen: "_s + sources.join(u" · "_s) +
+           u". Beleg O: Seite der Behörde, T: datierte Abschrift davon, S: andere Quelle."_s;
 }
 
 QString BandText(const CheckLine& line) {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <optional>
+#include <vector>
 
 namespace kadrona::core {
 
@@ -34,6 +35,13 @@ struct CheckLine {
 
 /// "erfüllt", "nicht erfüllt", "nur Richtwert" or "nicht gemessen".
 QString StateText(CheckState state);
+
+/// Besides the word and a colour: "✓" met, "✗" missed, "!" outside a guidance, which is worth a
+/// look, no more, "·" else.
+QString StateSign(const CheckLine& line);
+
+/// Each source once, in whole where its name is not, and what the letters of evidence mean.
+QString SourcesText(const std::vector<CheckLine>& lines);
 
 /// "29,4 mm statt 32 bis 36 mm", or the value alone where there is no band; a fault before them, a
 /// note where there is no value.

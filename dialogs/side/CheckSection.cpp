@@ -16,26 +16,18 @@ namespace kadrona::dialogs {
 
 namespace {
 
-/// How a state shows: a sign besides the word and the colour, for those who tell colours apart
-/// badly.
-struct StateLook {
-    QString sign;
-    controls::Tone tone;
-};
-
-/// A guidance that is not kept is worth a look, no more.
-StateLook LookOf(const core::CheckLine& line) {
+/// The colour beside sign and word.
+controls::Tone ToneOf(const core::CheckLine& line) {
     switch (line.state) {
         case core::CheckState::Met:
-            return {u"✓"_s, controls::Tone::Good};
+            return controls::Tone::Good;
         case core::CheckState::Missed:
-            return {u"✗"_s, controls::Tone::Bad};
+            return controls::Tone::Bad;
         case core::CheckState::Unmeasured:
         case core::CheckState::Guidance:
             break;
     }
-    return core::IsOutside(line) ? StateLook{u"!"_s, controls::Tone::Warning}
-                                 : StateLook{u"·"_s, controls::Tone::Muted};
+    return core::IsOutside(line) ? controls::Tone::Warning : controls::Tone::Muted;
 }
 
 /// Texts are set only where they changed: a drag asks at every frame.
@@ -128,15 +120,15 @@ void CheckSection::SetLines(const std::vector<core::CheckLine>& lines, const QSt
             continue;
         }
         const core::CheckLine& line = lines[i];
-        const StateLook look = LookOf(line);
-        SetText(row.sign, look.sign);
-        controls::SetTone(*row.sign, look.tone);
+        const controls::Tone tone = ToneOf(line);
+        SetText(row.sign, core::StateSign(line));
+        controls::SetTone(*row.sign, tone);
         SetText(row.label, line.label);
         SetText(row.number, core::NumberText(line));
         SetText(row.unit, line.value ? line.unit : QString());
         row.number->setAccessibleName(core::ValueText(line));
         SetText(row.judgement, JudgementOf(line));
-        controls::SetTone(*row.judgement, look.tone);
+        controls::SetTone(*row.judgement, tone);
         const QString source = u"Quelle: "_s + line.source;
         row.judgement->setToolTip(controls::PlainTip(source));
         row.judgement->setAccessibleDescription(source);

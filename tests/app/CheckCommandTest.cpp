@@ -158,6 +158,8 @@ TEST_F(CheckCommand, PlacesTheSheetsOfAFolderByTheFace) {
         errors.clear();
         EXPECT_EQ(Run(), app::Done);
         EXPECT_EQ((output + errors).count(u"2 Gesichter"_s), 1) << "json: " << json;
+        EXPECT_EQ(output.contains(u"Quellen: "_s), !json);
+        EXPECT_EQ(output.contains(u"\n· Kopf "_s) && output.contains(u"\n    Kinn bis"_s), !json);
     }
 }
 
