@@ -45,10 +45,6 @@ Figure Printed(const CheckedPhoto& photo, const Length& pixelsOf) {
     return photo.face ? Figure(pixelsOf(*photo.face) * scale) : std::nullopt;
 }
 
-double HeadPixels(const imaging::Face& face, QPointF crown) {
-    return face.chin.position.y() - crown.y();
-}
-
 Figure Head(const CheckedPhoto& photo) {
     return Printed(photo, [&](const imaging::Face& face) {
         return HeadPixels(face, CrownFor(face, RowOf(photo)));

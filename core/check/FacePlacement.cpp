@@ -1,6 +1,7 @@
 #include "core/check/FacePlacement.h"
 
 #include <QStringList>
+#include <QtMath>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -68,8 +69,8 @@ class SizedFace {
     SizedFace(const imaging::Face& face, const TemplateRow& row, double head)
         : face_(face),
           row_(row),
-          head_(head),
-          units_(head / std::max(face.chin.position.y() - CrownFor(face, row).y(), 1.0)) {}
+          units_(head / std::max(HeadPixels(face, CrownFor(face, row)), 1.0)),
+          rows_((face.chin.position.y() - CrownFor(face, row).y()) * units_) {}
 
     /// Chin above the lower edge: the drawing's chin line, or below the published gap over the
     /// crown, moved as far as the eyes need it to lie inside their band.
@@ -78,9 +79,9 @@ class SizedFace {
         constexpr double FreeHeightBelowChin = 0.6;
         double chin = ChinAboveLowerEdge(row_);
         if (row_.top.IsComplete() && !row_.chin.IsComplete()) {
-            chin = row_.height.value - row_.top.Middle() - head_;
+            chin = row_.height.value - row_.top.Middle() - rows_;
         } else if (!row_.head.from && !row_.head.to && !row_.chin.IsComplete()) {
-            chin = FreeHeightBelowChin * (row_.height.value - head_);
+            chin = FreeHeightBelowChin * (row_.height.value - rows_);
         }
         if (row_.eyes.IsComplete()) {
             chin = std::max(chin, row_.eyes.from->value + Inside - EyesOverChin());
@@ -99,7 +100,7 @@ class SizedFace {
         Range chins;
         chins.Narrow(row_.chin, 0);
         chins.Narrow(row_.eyes, EyesOverChin());
-        const double fromTop = row_.height.value - head_;
+        const double fromTop = row_.height.value - rows_;
         if (row_.top.from) {
             chins.Narrow(-Infinite, fromTop - row_.top.from->value - 1);
         }
@@ -151,8 +152,8 @@ class SizedFace {
 
     const imaging::Face& face_;
     const TemplateRow& row_;
-    double head_;
     double units_;  ///< tenths of a millimetre for a pixel
+    double rows_;   ///< what the head takes of the picture's height
 };
 
 /// The place that keeps every published band inside the photo, as near as can be to the usual one.
@@ -216,6 +217,12 @@ QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& 
 
 QPointF CrownFor(const imaging::Face& face, const TemplateRow& row) {
     return (row.crown == Crown::Skull ? face.skull : face.crown).position;
+}
+
+double HeadPixels(const imaging::Face& face, QPointF crown) {
+    const double tilt = qDegreesToRadians(face.tiltDegrees);
+    const QPointF down(-std::sin(tilt), std::cos(tilt));
+    return QPointF::dotProduct(face.chin.position - crown, down);
 }
 
 double FaceAxis(const imaging::Face& face) {

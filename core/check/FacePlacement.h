@@ -28,6 +28,10 @@ QString PlacementRemark(const imaging::FaceSearch& search, const FacePlacement& 
 /// The top of the head that counts for a document.
 QPointF CrownFor(const imaging::Face& face, const TemplateRow& row);
 
+/// From the chin to the top of the head that counts, along the face's axis, which stands square on
+/// the eye line; photo pixels. A tilted head takes fewer rows.
+double HeadPixels(const imaging::Face& face, QPointF crown);
+
 /// Middle of the face across the photo: between the pupils and the chin, photo pixels.
 double FaceAxis(const imaging::Face& face);
 

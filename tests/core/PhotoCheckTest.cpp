@@ -36,9 +36,10 @@ TemplateRow DeliveredRow(const QString& file) {
     return TemplateFigures(QStringLiteral(KADRONA_TEMPLATE_FOLDER), file).value();
 }
 
-CheckedPhoto PlacedPhoto(const TemplateRow& row, QSize photo = {2000, 2600}) {
+CheckedPhoto PlacedPhoto(const TemplateRow& row, double tilt = 0) {
+    const QSize photo(2000, 2600);
     CheckedPhoto checked;
-    checked.face = FaceAt({1000, 1100});
+    checked.face = Turned(FaceAt({0, 0}), QTransform().translate(1000, 1100).rotate(tilt));
     checked.figures = row;
     checked.printedWidth = row.width;
     const FacePlacement placement =
@@ -59,16 +60,19 @@ CheckLine LineOf(const CheckedPhoto& photo, const QString& name) {
 }
 
 TEST(FacePlacement, MeetsEveryFigureOfEveryTemplate) {
-    for (const TemplateRow& row : Delivered()) {
-        SCOPED_TRACE(row.name.toStdString());
-        const CheckedPhoto photo = PlacedPhoto(row);
-        for (const CheckLine& line : CheckPhoto(photo)) {
-            EXPECT_NE(line.state, CheckState::Missed)
-                << line.label.toStdString() << ": " << FigureText(line).toStdString();
-        }
-        if (row.head.IsComplete()) {
-            const double percent = row.IsFileOnly() ? 100.0 / row.height.value : 0.1;
-            EXPECT_NEAR(*LineOf(photo, u"headHeight"_s).value, row.head.Middle() * percent, 0.2);
+    for (const double tilt : {0.0, 15.0}) {
+        for (const TemplateRow& row : Delivered()) {
+            SCOPED_TRACE(row.name.toStdString());
+            const CheckedPhoto photo = PlacedPhoto(row, tilt);
+            for (const CheckLine& line : CheckPhoto(photo)) {
+                EXPECT_NE(line.state, CheckState::Missed)
+                    << line.label.toStdString() << ": " << FigureText(line).toStdString();
+            }
+            if (row.head.IsComplete()) {
+                const double percent = row.IsFileOnly() ? 100.0 / row.height.value : 0.1;
+                EXPECT_NEAR(*LineOf(photo, u"headHeight"_s).value, row.head.Middle() * percent,
+                            0.2);
+            }
         }
     }
 }
@@ -166,6 +170,9 @@ TEST(PhotoCheck, MeasuresTheHeadByHairOrSkullAsTheDocumentDoes) {
     photo.rectangle = {650, 700, 700, 900};  // 20 pixels a millimetre
     EXPECT_DOUBLE_EQ(*LineOf(photo, u"headHeight"_s).value, 20.0);
     EXPECT_TRUE(LineOf(photo, u"headHeight"_s).note.contains(u"ohne Frisur 18,5 mm"));
+    CheckedPhoto tilted = photo;
+    tilted.face = Turned(*photo.face, QTransform().rotate(15));
+    EXPECT_NEAR(*LineOf(tilted, u"headHeight"_s).value, 20, 1e-9) << "along the face's axis";
     photo.figures->head.to = {200};
     photo.face->chin.position.ry() += 0.8;
     EXPECT_EQ(LineOf(photo, u"headHeight"_s).state, CheckState::Met) << "20,04 is shown as 20,0";
