@@ -79,22 +79,23 @@ ssize_t AllowedSize(const char* name, int handle, size_t size) {
 }  // namespace
 
 // The labels give the functions the names of the system's without its headers' declarations.
-#define KADRONA_FAILING_WITH(failure, type, name, object, parameters, arguments)                 \
-    extern "C" type Failing_##name parameters __asm__(#name);                                    \
-    extern "C" type Failing_##name parameters {                                                  \
-        static auto* const real = reinterpret_cast<type(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-        return Fails(#name, object) ? (failure) : real arguments;                                \
+#define KADRONA_FAILING_WITH(failure, type, name, object, parameters, arguments)  \
+    extern "C" type Failing_##name parameters __asm__(#name);                     \
+    extern "C" type Failing_##name parameters {                                   \
+        static auto* const real =                                                 \
+            reinterpret_cast<decltype(&Failing_##name)>(dlsym(RTLD_NEXT, #name)); \
+        return Fails(#name, object) ? (failure) : real arguments;                 \
     }
 #define KADRONA_FAILING(type, name, object, parameters, arguments) \
     KADRONA_FAILING_WITH(-1, type, name, object, parameters, arguments)
 
-#define KADRONA_FAILING_WRITE(name, parameters, arguments)                    \
-    extern "C" ssize_t Failing_##name parameters __asm__(#name);              \
-    extern "C" ssize_t Failing_##name parameters {                            \
-        static auto* const real =                                             \
-            reinterpret_cast<ssize_t(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-        const ssize_t allowed = AllowedSize(#name, handle, size);             \
-        return allowed < 0 ? -1 : real arguments;                             \
+#define KADRONA_FAILING_WRITE(name, parameters, arguments)                        \
+    extern "C" ssize_t Failing_##name parameters __asm__(#name);                  \
+    extern "C" ssize_t Failing_##name parameters {                                \
+        static auto* const real =                                                 \
+            reinterpret_cast<decltype(&Failing_##name)>(dlsym(RTLD_NEXT, #name)); \
+        const ssize_t allowed = AllowedSize(#name, handle, size);                 \
+        return allowed < 0 ? -1 : real arguments;                                 \
     }
 
 using Opaque = void*;

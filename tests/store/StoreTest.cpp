@@ -223,7 +223,7 @@ TEST_F(DatabaseTest, EndsStatementsThatNeverEnd) {
             database_.Execute(u"ALTER TABLE Log ADD COLUMN j AS (zeroblob(16000000))"_s);
         }
     }
-    SqliteDatabase(folder_.path());
+    const SqliteDatabase cleaned(folder_.path());
     Statement twice(hasty, endless + u"SELECT sum(i) FROM (SELECT i FROM n LIMIT 10000)"_s);
     for (int run = 0; run < 100; ++run, twice.Reset()) {
         EXPECT_TRUE(twice.Step()) << "each run has its own time";
