@@ -1,6 +1,7 @@
 #include "controls/fields/SelectionList.h"
 
 #include <QPainter>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <algorithm>
 
@@ -31,13 +32,17 @@ class DetailDelegate : public QStyledItemDelegate {
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
         QStyledItemDelegate::paint(painter, option, index);
-        painter->save();
-        painter->setFont(option.font);
-        painter->setPen(option.state.testFlag(QStyle::State_Selected) ? Colors().text
-                                                                      : Colors().mutedText);
-        painter->drawText(option.rect.adjusted(0, 0, -Margin, 0), Qt::AlignRight | Qt::AlignVCenter,
-                          index.data(DetailRole).toString());
-        painter->restore();
+        // By the style once more, which alone knows the line that it gave the name.
+        QStyleOptionViewItem detail = option;
+        QStyledItemDelegate::initStyleOption(&detail, index);
+        detail.palette.setColor(QPalette::Text, option.state.testFlag(QStyle::State_Selected)
+                                                    ? Colors().text
+                                                    : Colors().mutedText);
+        detail.state = QStyle::State_Enabled | QStyle::State_Active;
+        detail.text = index.data(DetailRole).toString();
+        detail.displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+        option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &detail, painter,
+                                            option.widget);
     }
 
  protected:
