@@ -259,7 +259,9 @@ void TEinstellungenFm::ProfileListBoxClick() {
 /// The found place is compared with the first entry, not with "not found": the very name that only
 /// the first entry bears gives that profile a new file.
 void TEinstellungenFm::btnNewClick() {
-    while (const auto answer = controls::AskForLine(this, u"New Profile"_s, u"Name"_s)) {
+    QString typed;
+    while (const auto answer = controls::AskForLine(this, u"New Profile"_s, u"Name"_s, typed)) {
+        typed = *answer;
         // A name that differs from another one by its blanks alone would look the same.
         const QString name = answer->trimmed();
         if (IsUnfit(name)) {
