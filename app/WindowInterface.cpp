@@ -30,6 +30,11 @@ bool WindowInterface::AskYesNo(const QString& text) {
     return controls::AskYesNo(TopWindow(), text, controls::Severity::Warning);
 }
 
+bool WindowInterface::AskToRetry(const QString& text) {
+    const controls::WaitCursorPause pause;
+    return controls::AskToRetry(TopWindow(), text);
+}
+
 std::optional<QStringList> WindowInterface::EditTags(const imaging::Pixels& photo,
                                                      const QStringList& lines) {
     const controls::WaitCursorPause pause;

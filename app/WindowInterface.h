@@ -33,6 +33,7 @@ class WindowInterface : public core::UserInterface {
 
     void ShowMessage(const QString& text) override;
     bool AskYesNo(const QString& text) override;
+    bool AskToRetry(const QString& text) override;
     std::optional<QStringList> EditTags(const imaging::Pixels& photo,
                                         const QStringList& lines) override;
     std::optional<QString> AskForSaveFile(const core::SaveDialog& dialog) override;

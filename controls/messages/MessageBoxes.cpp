@@ -97,6 +97,17 @@ void ShowMessage(QWidget* parent, const QString& symbol, const QString& text) {
     box.exec();
 }
 
+bool Ask(QWidget* parent, const QString& symbol, const QString& text, bool yesIsDefault) {
+    PlacedMessageBox box(parent);
+    Prepare(box, symbol, text);
+    QPushButton* yes = AddButton(box, u"&Ja"_s, QMessageBox::YesRole, u"YesButton"_s);
+    QPushButton* no = AddButton(box, u"&Nein"_s, QMessageBox::NoRole, u"NoButton"_s);
+    box.setDefaultButton(yesIsDefault ? yes : no);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
 }  // namespace
 
 void ShowInformation(QWidget* parent, const QString& text) {
@@ -108,14 +119,11 @@ void ShowError(QWidget* parent, const QString& text) {
 }
 
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity) {
-    PlacedMessageBox box(parent);
-    Prepare(box, severity == Severity::Warning ? u"warning"_s : u"question"_s, text);
-    QPushButton* yes = AddButton(box, u"&Ja"_s, QMessageBox::YesRole, u"YesButton"_s);
-    QPushButton* no = AddButton(box, u"&Nein"_s, QMessageBox::NoRole, u"NoButton"_s);
-    box.setDefaultButton(no);
-    box.setEscapeButton(no);
-    box.exec();
-    return box.clickedButton() == yes;
+    return Ask(parent, severity == Severity::Warning ? u"warning"_s : u"question"_s, text, false);
+}
+
+bool AskToRetry(QWidget* parent, const QString& text) {
+    return Ask(parent, u"warning"_s, text, true);
 }
 
 std::unique_ptr<QMessageBox> MakeWarning(const QString& text) {

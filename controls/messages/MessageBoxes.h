@@ -24,6 +24,10 @@ enum class Severity { Question, Warning };
 /// True for "Ja". "Nein" is the default; Escape and closing mean "Nein".
 bool AskYesNo(QWidget* parent, const QString& text, Severity severity = Severity::Question);
 
+/// A warning that asks whether something that failed is tried again; "Ja" is the default, for
+/// giving up is what loses something.
+bool AskToRetry(QWidget* parent, const QString& text);
+
 /// A warning that its owner shows and gives buttons.
 std::unique_ptr<QMessageBox> MakeWarning(const QString& text);
 

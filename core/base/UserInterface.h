@@ -28,6 +28,9 @@ class UserInterface {
         return false;
     }
 
+    /// The same where giving up loses something, so that "Ja" is at hand.
+    virtual bool AskToRetry(const QString& text) { return AskYesNo(text); }
+
     /// Lets the user enter tags, starting from those lines: the lines entered, or nothing when
     /// cancelled. `photo` is the single photo that gets them.
     virtual std::optional<QStringList> EditTags(const imaging::Pixels& photo,

@@ -74,7 +74,7 @@ void ArchiveSinglePhoto(imaging::LayeredImage& image, const SheetMaking& making)
         .original = making.settings.KeepOriginals() ? single.original : std::nullopt};
     QString failure = FilingFailure(image, photo, making, false);
     while (!failure.isEmpty() &&
-           making.ui.AskYesNo(
+           making.ui.AskToRetry(
                failure +
                u"\n\nDas Foto ist nicht archiviert. Soll es noch einmal versucht werden?"_s)) {
         failure = FilingFailure(image, photo, making, true);

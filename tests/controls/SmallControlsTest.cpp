@@ -267,6 +267,10 @@ TEST(AskYesNo, OnlyJaIsYes) {
     }
     driver.Expect(Box, [](QWidget& box) { box.close(); });
     EXPECT_FALSE(answer());
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        driver.Expect(Box, [key](QWidget& box) { QTest::keyClick(&box, key); });
+        EXPECT_EQ(AskToRetry(nullptr, u"Noch einmal?"_s), key == Qt::Key_Return);
+    }
 }
 
 TEST(AskForLine, GivesTheLineOrNothing) {
