@@ -5,6 +5,7 @@
 
 #include "core/check/CheckLine.h"
 #include "core/check/FacePlacement.h"
+#include "core/check/WordedRules.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +25,9 @@ constexpr RuleSource OwnAfterTolerance{u"eigene Zahl",
 /// Illumination uniformity, dynamic range and sharpness.
 constexpr RuleSource OwnOfDefined{u"eigene Zahl", u"eigene Zahl; Maß nach OFIQ (ISO/IEC 29794-5)"};
 constexpr RuleSource Own{u"eigene Zahl", u"eigene Zahl"};
+constexpr RuleSource OwnSearch{u"Suche im Foto", u"Suche im Foto"};
+constexpr RuleSource OwnCheck{u"eigene Prüfung", u"eigene Prüfung"};
+constexpr RuleSource NothingKnown{u"keine Vorgabe bekannt", u"keine Vorgabe bekannt"};
 
 using Background = imaging::BackgroundMeasures;
 using Measures = imaging::PortraitMeasures;
@@ -196,7 +200,7 @@ QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
 
 /// A head has the right height wherever it is; only inside the cut it is in the picture.
 QString HeadFault(const CheckedPhoto& photo, const TemplateRow& row) {
-    if (!photo.face) {
+    if (!photo.face || !JudgesTheHead(row)) {
         return {};
     }
     const QRectF cut = photo.rectangle;
@@ -216,6 +220,11 @@ QString FaceWidthNote(const CheckedPhoto& /*photo*/, const TemplateRow& /*row*/)
 using Of = Guidance::Of;
 
 constexpr auto Rules = std::to_array<CheckRule>({
+    {.name = u"face",
+     .label = u"Gesicht",
+     .published = FaceOfHead,
+     .guidance = {.source = OwnSearch},
+     .finish = FinishFace},
     {u"headHeight",
      u"Kopf",
      u"mm",
@@ -335,6 +344,22 @@ constexpr auto Rules = std::to_array<CheckRule>({
      nullptr,
      {{}, 15, Own},
      nullptr},
+    {.name = u"whiteCorners",
+     .label = u"Weiße Ecken nach dem Drehen",
+     .guidance = {.source = OwnCheck},
+     .finish = FinishWhiteCorners},
+    {.name = u"backgroundNotWhite",
+     .label = u"Hintergrund nicht weiß",
+     .unit = u"L*",
+     .value = Behind<&Background::lightness>,
+     .published = NotWhite,
+     .finish = FinishNotWhite},
+    {.name = u"editing",
+     .label = u"Bearbeitung",
+     .published = EditingOf,
+     .guidance = {.source = NothingKnown},
+     .finish = FinishEditing},
+    {.name = u"paper", .label = u"Bild auf Papier", .published = PaperOf, .finish = FinishPaper},
 });
 
 }  // namespace

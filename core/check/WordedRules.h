@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/check/CheckRules.h"
+
+namespace kadrona::core {
+
+// What the table of rules needs for those that are not a figure between two limits: whether a
+// document's row says anything of them (`published`), and what is found (`finish`).
+
+/// Whether a document's figures say that there is a head in the picture.
+bool JudgesTheHead(const TemplateRow& row);
+
+/// Who publishes where a head has to be wants one; of other documents nothing is judged.
+PublishedBand FaceOfHead(const TemplateRow& row);
+void FinishFace(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
+
+void FinishWhiteCorners(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
+
+/// The authority forbids white in words; to the eye that is nearly the lightest, without a hue.
+PublishedBand NotWhite(const TemplateRow& row);
+void FinishNotWhite(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
+
+PublishedBand EditingOf(const TemplateRow& row);
+void FinishEditing(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
+
+/// Published, yet never missed: the rule is about what is handed in, and the same cut may go to the
+/// authority as a file. A question before every cut for the commonest document would be answered
+/// unread, and each strict check of a good picture would fail.
+PublishedBand PaperOf(const TemplateRow& row);
+void FinishPaper(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
+
+}  // namespace kadrona::core
