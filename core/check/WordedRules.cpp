@@ -69,7 +69,7 @@ PublishedBand NotWhite(const TemplateRow& row) {
 
 void FinishNotWhite(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& /*row*/) {
     constexpr double WhiteChroma = 4;
-    if (photo.background.chroma.value_or(0) > WhiteChroma) {
+    if (IsOutside(line) && photo.background.chroma.value_or(0) > WhiteChroma) {
         line.maximum.reset();
         line.note = u"farbig"_s;
     }

@@ -224,6 +224,8 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Missed);
     photo.background.chroma = 10;
     EXPECT_EQ(LineOf(photo, u"backgroundNotWhite"_s).state, CheckState::Met);
+    photo.background.lightness = 80;
+    EXPECT_EQ(BandText(LineOf(photo, u"backgroundNotWhite"_s)), u"höchstens 95 L*"_s);
     for (const CheckLine& line : CheckPhoto(photo)) {
         EXPECT_FALSE(line.source.isEmpty()) << line.name.toStdString();
         EXPECT_EQ(line.source.contains(u"Vorgaben „Frankreich"_s),
