@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <array>
 
+#include "app/face/FaceLine.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/theme/Theme.h"
 #include "imaging/view/ImageView.h"
@@ -48,7 +49,10 @@ void ApplyChosenAppearance() {
     controls::ApplyTheme(*qApp, dark ? controls::Appearance::Dark : controls::Appearance::Light);
     QPalette view = QApplication::palette();
     view.setColor(QPalette::Base, controls::Colors().view);
-    QApplication::setPalette(view, imaging::view::ImageView::staticMetaObject.className());
+    for (const QMetaObject& shown :
+         {imaging::view::ImageView::staticMetaObject, FaceLine::staticMetaObject}) {
+        QApplication::setPalette(view, shown.className());
+    }
 }
 
 AppearanceActions::AppearanceActions(QMenu& menu) {

@@ -78,6 +78,15 @@ bool FaceLine::HasFocus() const {
     return std::ranges::any_of(buttons_, &QWidget::hasFocus);
 }
 
+QSize FaceLine::minimumSizeHint() const {
+    const QMargins margins = row_->contentsMargins();
+    int widest = 0;
+    for (const QPushButton* button : buttons_) {
+        widest = std::max(widest, button->sizeHint().width());
+    }
+    return {widest + margins.left() + margins.right(), QWidget::minimumSizeHint().height()};
+}
+
 void FaceLine::LayOut() {
     const QMargins margins = row_->contentsMargins();
     const int room = width() - margins.left() - margins.right();

@@ -25,6 +25,8 @@ class FaceLine : public QWidget {
     /// The same with buttons that answer.
     void Ask(const QString& text);
     bool HasFocus() const;
+    /// As narrow as the widest button: the rest finds its place below.
+    QSize minimumSizeHint() const override;
 
  Q_SIGNALS:
     void Accepted();
