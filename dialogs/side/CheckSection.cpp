@@ -16,6 +16,8 @@ namespace kadrona::dialogs {
 
 namespace {
 
+constexpr int GapBelowLine = 4;
+
 /// The colour beside sign and word.
 controls::Tone ToneOf(const core::CheckLine& line) {
     switch (line.state) {
@@ -93,7 +95,9 @@ CheckSection::CheckSection(QWidget* parent) : QWidget(parent) {
 CheckSection::Row& CheckSection::RowAt(size_t index) {
     while (rows_.size() <= index) {
         const Row row{new QLabel, new QLabel, new QLabel, new QLabel, new QLabel};
-        const int line = static_cast<int>(rows_.size()) * 2;
+        const int line = static_cast<int>(rows_.size()) * 3;
+        // What belongs to a line stands nearer to it than the next one.
+        grid_->setRowMinimumHeight(line + 2, GapBelowLine);
         row.label->setWordWrap(true);
         row.judgement->setWordWrap(true);
         grid_->addWidget(row.sign, line, 0, Qt::AlignTop);
@@ -143,6 +147,8 @@ void CheckSection::AddAction(QAction* action, const QString& text) {
     button->setToolTip(action->toolTip());
     const int place = buttons_->count();
     buttons_->addWidget(button, place / 2, place % 2);
+    // Also where the window has got others since the first ones.
+    setTabOrder(buttons_->itemAt(place - 1)->widget(), button);
     button->setCheckable(action->isCheckable());
     connect(action, &QAction::toggled, button, &QPushButton::setChecked);
     button->setEnabled(action->isEnabled());

@@ -64,8 +64,8 @@ void SidePanel::Reveal(const QWidget* section) {
 
 /// What does not wrap must not be cut off.
 void SidePanel::FitWidth() {
-    const int needed =
-        widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    const int needed = widget()->minimumSizeHint().width() +
+                       verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
     setFixedWidth(std::clamp(needed, PanelWidth, GreatestWidth));
 }
 

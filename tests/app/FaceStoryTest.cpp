@@ -235,6 +235,8 @@ TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     Trigger(u"acAlignToFace"_s);
     Trigger(u"acShowCheck"_s);
     auto& section = Child<QWidget>(*window, "CheckSection");
+    EXPECT_EQ(Child<QPushButton>(section, "CheckReport").nextInFocusChain()->objectName(),
+              u"acAlignToFaceButton"_s);
     const QStringList before = Texts();
     ClickButton(section, "MovePoints");
     const QPoint chin = DrawnChin.toPoint();
