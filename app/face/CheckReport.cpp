@@ -40,12 +40,15 @@ void DrawPicture(const CheckReport& report, const ReportLayout& layout, QPainter
         painter.setPen(Qt::black);
         painter.drawText(QPointF(area.right() + ReportDots(4), mark.y + ReportDots(1)), mark.name);
     }
-    const double tick = ReportDots(1);
     for (const ReportBracket& bracket : layout.brackets) {
+        painter.setPen(QPen(Qt::black, ReportDots(0.1)));
+        painter.drawLines(bracket.leaders.data(), static_cast<int>(bracket.leaders.size()));
         painter.setPen(QPen(Qt::black, ReportDots(0.2)));
-        painter.drawLine(QPointF(bracket.x, bracket.top), QPointF(bracket.x, bracket.bottom));
-        for (const double end : {bracket.top, bracket.bottom}) {
-            painter.drawLine(QPointF(bracket.x - tick, end), QPointF(bracket.x + tick, end));
+        painter.drawLine(bracket.line);
+        const QLineF across = bracket.line.normalVector().unitVector();
+        const QPointF tick = (across.p2() - across.p1()) * ReportDots(1);
+        for (const QPointF& end : {bracket.line.p1(), bracket.line.p2()}) {
+            painter.drawLine(end - tick, end + tick);
         }
         painter.drawText(bracket.place, Qt::AlignVCenter | Qt::TextDontClip, bracket.text);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QRect>
 #include <QString>
 #include <optional>
@@ -21,6 +22,7 @@ struct CheckReport {
     std::optional<imaging::Face> face;
     std::vector<core::CheckLine> lines;
     core::Crown crown = core::Crown::Hair;  ///< the end of the head that the lines measure
+    QDate checkedOn = QDate::currentDate();
 };
 
 /// Writes the check as one page for the customer, a PDF in A4: the picture with its measures, the

@@ -1,12 +1,13 @@
 #include "app/face/ReportLayout.h"
 
-#include <QDate>
 #include <QFontMetricsF>
 #include <QLocale>
+#include <QtMath>
 #include <algorithm>
 #include <cmath>
 
 #include "core/base/Product.h"
+#include "core/check/FacePlacement.h"
 
 using namespace Qt::StringLiterals;
 
@@ -78,11 +79,12 @@ class Column {
         const double down =
             (QFontMetricsF(font).ascent() - QFontMetricsF(SourceFont()).ascent()) / ReportDots(1);
         // What has no band may use its room.
-        const double height = std::max(
-            {Add(font, 0, y, 50, texts.label),
-             Add(font, 52, y, band.isEmpty() ? 58 : 20, texts.figure), Add(font, 74, y, 36, band),
-             Add(font, 112, y, 26, core::StateText(line.state)),
-             down + Add(SourceFont(), 140, y + down, 30, line.sourceName)});
+        const double height =
+            std::max({Add(font, 0, y, 50, texts.label),
+                      Add(font, 52, y, band.isEmpty() ? 54 : 20, texts.figure),
+                      Add(font, 74, y, 33, band), Add(font, 108, y, 4, core::StateSign(line)),
+                      Add(font, 112, y, 26, core::StateText(line.state)),
+                      down + Add(SourceFont(), 140, y + down, 30, line.sourceName)});
         return height + GapBetweenLines;
     }
 
@@ -91,7 +93,7 @@ class Column {
         const QFont font = SmallReportFont();
         Add(font, 0, y, 50, u"Regel"_s);
         Add(font, 52, y, 20, u"gemessen"_s);
-        Add(font, 74, y, 36, u"verlangt"_s);
+        Add(font, 74, y, 33, u"verlangt"_s);
         Add(font, 112, y, 26, u"Ergebnis"_s);
         return Add(font, 140, y, 30, u"Quelle"_s) + GapBetweenLines;
     }
@@ -135,7 +137,7 @@ class MarkedPicture {
         AddMark(eyes, u"Augen"_s);
         AddMark(chin, u"Kinn"_s);
         const QRectF& picture = layout_.picture;
-        AddBracket(u"headHeight"_s, u"Kopf"_s, top, chin);
+        AddHead(bySkull ? face.skull.position : face.crown.position);
         AddBracket(u"eyeLine"_s, u"Augen"_s, eyes, picture.bottom());
         AddBracket(u"chin"_s, u"Kinn"_s, chin, picture.bottom());
         AddBracket(u"topGap"_s, u"oben"_s, picture.top(), top);
@@ -145,6 +147,11 @@ class MarkedPicture {
     double RowOf(double photoRow) const {
         const double part = (photoRow - report_.rectangle.top()) / report_.rectangle.height();
         return layout_.picture.top() + part * layout_.picture.height();
+    }
+
+    QPointF PlaceOf(QPointF point) const {
+        const double scale = layout_.picture.width() / report_.rectangle.width();
+        return layout_.picture.topLeft() + (point - report_.rectangle.topLeft()) * scale;
     }
 
     bool IsShown(double row) const {
@@ -157,22 +164,50 @@ class MarkedPicture {
         }
     }
 
-    /// Of a line that the check has; each further one to the right.
-    void AddBracket(const QString& name, const QString& label, double top, double bottom) {
+    /// Of a line that the check has; each further one to the right. Null where there is none.
+    ReportBracket* AddBracket(const QString& name, const QString& label, double top,
+                              double bottom) {
         constexpr double RightOfMarks = 20;
         constexpr double Step = 21;
         constexpr double Gap = 1.5;
         constexpr double TextHeight = 8;
         const auto line = std::ranges::find(report_.lines, name, &core::CheckLine::name);
         if (line == report_.lines.end() || !line->value || !IsShown(top) || !IsShown(bottom)) {
-            return;
+            return nullptr;
         }
         const double x =
             layout_.picture.right() +
             ReportDots(RightOfMarks + Step * static_cast<double>(layout_.brackets.size()));
         const QRectF place(x + ReportDots(Gap), (top + bottom - ReportDots(TextHeight)) / 2,
                            ReportDots(Step - 2 * Gap), ReportDots(TextHeight));
-        layout_.brackets.push_back({x, top, bottom, place, label + u'\n' + core::ValueText(*line)});
+        layout_.brackets.push_back(
+            {{x, top, x, bottom}, {}, place, label + u'\n' + core::ValueText(*line)});
+        return &layout_.brackets.back();
+    }
+
+    /// A head is measured along its axis, square on the eye line, which a tilt makes longer than
+    /// the rows between crown and chin.
+    void AddHead(QPointF crownInPhoto) {
+        constexpr double Unseen = 1.003;  // a tenth of a millimetre of a head
+        const imaging::Face& face = *report_.face;
+        const QPointF crown = PlaceOf(crownInPhoto);
+        const QPointF chin = PlaceOf(face.chin.position);
+        ReportBracket* bracket = AddBracket(u"headHeight"_s, u"Kopf"_s, crown.y(), chin.y());
+        const double rows = chin.y() - crown.y();
+        const double length = rows * core::HeadPixels(face, crownInPhoto) /
+                              (face.chin.position.y() - crownInPhoto.y());
+        if (!bracket || length < Unseen * rows) {
+            return;
+        }
+        const double tilt = qDegreesToRadians(face.tiltDegrees);
+        const QPointF down = QPointF(-std::sin(tilt), std::cos(tilt)) * length;
+        QPointF middle = (crown + chin) / 2;
+        const double beside = bracket->line.x1() - middle.x();
+        middle += QPointF(beside, beside * std::tan(tilt));
+        bracket->line = {middle - down / 2, middle + down / 2};
+        bracket->leaders = {{crown, bracket->line.p1()}, {chin, bracket->line.p2()}};
+        // Its text's corners are nearer to a line that leans.
+        bracket->place.moveCenter({bracket->place.center().x() + ReportDots(1), middle.y()});
     }
 
     ReportLayout& layout_;
@@ -192,7 +227,7 @@ QFont SmallReportFont() {
 ReportLayout LayOutReport(const CheckReport& report) {
     Column head;
     double y = head.Add(ReportFont(16, true), 0, 0, PageWidth, u"Prüfung des Passbilds"_s) + 1.5;
-    const QString date = QLocale(QLocale::German).toString(QDate::currentDate(), u"d. MMMM yyyy"_s);
+    const QString date = QLocale(QLocale::German).toString(report.checkedOn, u"d. MMMM yyyy"_s);
     y += head.Add(ReportFont(10), 0, y, PageWidth, u"%1, %2"_s.arg(report.templateName, date)) + 4;
     Column lines;
     double room = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFont>
+#include <QLineF>
 #include <QRectF>
 #include <QString>
 #include <vector>
@@ -25,12 +26,12 @@ struct ReportMark {
     QString name;
 };
 
-/// A measured height beside the picture: a line from end to end, its text to the right.
+/// A measured length beside the picture: a line from end to end, its text to the right. Dots.
 struct ReportBracket {
-    double x = 0;  ///< dots
-    double top = 0;
-    double bottom = 0;
-    QRectF place;  ///< of the text, dots
+    QLineF line;  ///< from top to bottom; along the axis of a tilted head
+    /// From what is measured in the picture to the line's ends where no mark does that.
+    std::vector<QLineF> leaders;
+    QRectF place;  ///< of the text
     QString text;
 };
 

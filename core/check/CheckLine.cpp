@@ -20,6 +20,11 @@ QString Number(double value, int decimals) {
     return text.replace(u'.', u',');
 }
 
+/// The sign of a degree stands at its number.
+QString UnitText(const QString& unit) {
+    return unit.isEmpty() || unit == u"°" ? unit : u' ' + unit;
+}
+
 /// A limit as short as it can be: "32" rather than "32,0".
 QString Limit(double value) {
     return Number(value, value == std::round(value) ? 0 : 1);
@@ -66,7 +71,7 @@ QString SourcesText(const std::vector<CheckLine>& lines) {
 }
 
 QString BandText(const CheckLine& line) {
-    const QString unit = line.unit.isEmpty() ? QString() : u' ' + line.unit;
+    const QString unit = UnitText(line.unit);
     if (line.minimum && line.maximum) {
         return u"%1 bis %2"_s.arg(Limit(*line.minimum), Limit(*line.maximum)) + unit;
     }
@@ -94,7 +99,7 @@ QString NumberText(const CheckLine& line) {
 
 QString ValueText(const CheckLine& line) {
     const QString number = NumberText(line);
-    return number.isEmpty() || line.unit.isEmpty() ? number : number + u' ' + line.unit;
+    return number.isEmpty() ? number : number + UnitText(line.unit);
 }
 
 QString FigureText(const CheckLine& line) {
