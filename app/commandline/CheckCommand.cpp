@@ -93,9 +93,6 @@ QString NoteOf(const core::CheckLine& line) {
 }
 
 QJsonObject ReportObject(const Report& report) {
-    if (!report.error.isEmpty()) {
-        return {{u"file"_s, report.file}, {u"error"_s, report.error}};
-    }
     QJsonArray checks;
     for (const core::CheckLine& line : report.lines) {
         QJsonObject check{{u"name"_s, line.name},           {u"state"_s, StateWord(line.state)},
@@ -114,10 +111,14 @@ QJsonObject ReportObject(const Report& report) {
                                                               {u"top"_s, place.y()},
                                                               {u"width"_s, place.width()},
                                                               {u"height"_s, place.height()}});
-    return {{u"file"_s, report.file},
-            {u"face"_s, FaceObject(report.Face())},
-            {u"placement"_s, placement},
-            {u"checks"_s, checks}};
+    QJsonObject object{{u"file"_s, report.file},
+                       {u"face"_s, FaceObject(report.Face())},
+                       {u"placement"_s, placement},
+                       {u"checks"_s, checks}};
+    if (!report.error.isEmpty()) {
+        object.insert(u"error"_s, report.error);
+    }
+    return object;
 }
 
 void PrintText(const Report& report, QTextStream& output) {
@@ -129,12 +130,16 @@ void PrintText(const Report& report, QTextStream& output) {
     for (const core::CheckLine& line : report.lines) {
         const QString band = core::BandText(line);
         const QString value = core::ValueText(line);
-        const bool isWord = value.isEmpty() && band.isEmpty();
-        output << u"%1 %2 %3 %4 %5 [%6]\n"_s.arg(
-            core::StateSign(line), line.label.leftJustified(34),
-            (isWord ? line.note : value).leftJustified(10),
-            (band.isEmpty() ? QString() : u"("_s + band + u')').leftJustified(24),
-            core::StateText(line.state), line.sourceName);
+        constexpr int FigureWidth = 10;
+        constexpr int BandWidth = 24;
+        constexpr int Width = FigureWidth + 1 + BandWidth;
+        // What is said in few words takes the room of the figures.
+        const bool isWord = value.isEmpty() && band.isEmpty() && line.note.size() <= Width;
+        const QString figures = value.leftJustified(FigureWidth) + u' ' +
+                                (band.isEmpty() ? QString() : u'(' + band + u')');
+        output << u"%1 %2 %3 %4 [%5]\n"_s.arg(core::StateSign(line), line.label.leftJustified(34),
+                                              (isWord ? line.note : figures).leftJustified(Width),
+                                              core::StateText(line.state), line.sourceName);
         if (!isWord && !line.note.isEmpty()) {
             output << u"    "_s << line.note << u'\n';
         }

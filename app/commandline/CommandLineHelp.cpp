@@ -111,7 +111,7 @@ Optionen von „photo“:
 Optionen von „check“:
   --template, --at, --auto  wie bei „sheet“
   --json                  ein Objekt je Foto, bei mehreren eine Liste; das
-                          eines unlesbaren Fotos hat nur „file“ und „error“
+                          eines unlesbaren nennt dazu den Grund („error“)
   --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
 
 Optionen von „archive“:

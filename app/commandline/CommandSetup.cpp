@@ -85,7 +85,7 @@ void PlaceTemplateAt(core::TData& data, imaging::LayeredImage& image,
         if (data.ReadLayerPosFromIni(section).width() <= 0) {
             throw platform::Error(
                 u"Für Fotos mit %1 x %2 Pixeln ist keine Lage dieser Schablone gespeichert; "
-                u"geben Sie sie mit --at an."_s.arg(photo.width())
+                u"geben Sie sie mit --at an oder nehmen Sie --auto."_s.arg(photo.width())
                     .arg(photo.height()));
         }
         data.LoadLayer(image);

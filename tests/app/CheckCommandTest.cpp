@@ -70,7 +70,7 @@ TEST_F(CheckCommand, NamesThePhotosWithoutAFaceAndChecksTheOthers) {
     EXPECT_EQ(Run(), app::SomePhotoFailed);
     EXPECT_TRUE(errors.contains(u"wall.png: Kein Gesicht"_s)) << errors.toStdString();
     ASSERT_EQ(Json().array().size(), 3);
-    EXPECT_EQ(Json().array()[0].toObject().keys(), Arguments("error file"));
+    EXPECT_EQ(Json().array()[0].toObject().keys(), Arguments("checks error face file placement"));
     EXPECT_EQ(Json().array()[0][u"file"_s].toString(), installation.Path("in/broken\x9b\x7f.png"));
     EXPECT_TRUE(output.contains(u"broken\\u009b\\u007f.png"_s)) << output.toStdString();
     EXPECT_TRUE(Json().array()[2][u"face"_s].isNull());
