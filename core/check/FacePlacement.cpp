@@ -22,6 +22,9 @@ struct HeadSizes {
     double largest = 0;
 };
 
+/// Nine tenths of a limit are more than the "about two thirds" of the height that Austria names
+/// beside its limit: with these, 30 mm, the pupils of most adults, whose distance is a quarter of
+/// the head, would not have the 8 mm that it demands.
 HeadSizes HeadsOf(const TemplateRow& row) {
     constexpr double PartOfLimit = 0.9;
     constexpr double PartOfHeight = 0.7;
@@ -33,6 +36,21 @@ HeadSizes HeadsOf(const TemplateRow& row) {
         return {PartOfLimit * row.head.to->value, static_cast<double>(row.head.to->value)};
     }
     return {PartOfHeight * row.height.value, LargestPartOfHeight * row.height.value};
+}
+
+/// The same for a face: where its pupils would be too near to each other, larger, if that helps.
+HeadSizes HeadsOf(const imaging::Face& face, const TemplateRow& row) {
+    constexpr double Inside = 1;  // since pixels round
+    HeadSizes heads = HeadsOf(row);
+    if (row.eyeDistance) {
+        const double needed = (row.eyeDistance->value + Inside) *
+                              HeadPixels(face, CrownFor(face, row)) /
+                              std::max(face.EyeDistance(), 1.0);
+        if (needed <= heads.largest) {
+            heads.best = std::max(heads.best, needed);
+        }
+    }
+    return heads;
 }
 
 /// Lengths in tenths of a millimetre; nothing where it ends before it begins.
@@ -231,7 +249,7 @@ double FaceAxis(const imaging::Face& face) {
 
 FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
                           QSize photo) {
-    const HeadSizes heads = HeadsOf(row);
+    const HeadSizes heads = HeadsOf(face, row);
     constexpr int Steps = 8;
     bool couldBeMet = false;
     for (int step = 0; step <= Steps; ++step) {

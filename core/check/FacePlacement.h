@@ -38,10 +38,11 @@ double FaceAxis(const imaging::Face& face);
 /// The template so that the head from chin to crown has the middle of its band and the chin stands
 /// on the template's chin line, the face's axis in the middle of its band, and the eyes inside
 /// theirs. Where only an upper limit of the head is published, nine tenths of it; where nothing is,
-/// seven tenths of the photo's height. The rectangle has the shape of `canvas` (the size of the
-/// template's drawing) and is never stretched. A photo without room enough moves the template
-/// inside the published bands, then makes the head as large as its band allows; where nothing keeps
-/// them all, the template is pushed back inside.
+/// seven tenths of the photo's height; larger where that brings the pupils as far apart as is
+/// published. The rectangle has the shape of `canvas` (the size of the template's drawing) and is
+/// never stretched. A photo without room enough moves the template inside the published bands, then
+/// makes the head as large as its band allows; where nothing keeps them all, the template is pushed
+/// back inside.
 FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
                           QSize photo);
 

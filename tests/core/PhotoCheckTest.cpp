@@ -141,6 +141,9 @@ TEST(FacePlacement, AimsAtWhatIsPublishedBesideTheUsualPlace) {
     const CheckedPhoto photo = PlacedPhoto(row);
     EXPECT_NEAR(*LineOf(photo, u"faceAxis"_s).value, 13, 0.1);
     EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Met);
+    row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
+    row.eyeDistance = TenthsOfMillimetre{85};
+    EXPECT_EQ(LineOf(PlacedPhoto(row), u"eyeDistance"_s).state, CheckState::Met);
 }
 
 TEST(PhotoCheck, KeepsAndShowsABandOfOneEnd) {
