@@ -89,7 +89,8 @@ void FinishEditing(CheckLine& line, const CheckedPhoto& photo, const TemplateRow
             line.note += u"; erlaubt sind nur Ausschnitt und Drehung"_s;
             break;
         case AllowedEditing::BackgroundUnmade:
-            // Other tones and colours are those of the background too, yet none replaces it.
+            // Other tones and colours are those of the background too, yet none replaces it. Where
+            // the stamp was used is not kept: any use may have been there.
             if (photo.edits.retouched) {
                 line.state = CheckState::Missed;
             } else if (!photo.edits.Any()) {
