@@ -12,6 +12,7 @@
 
 #include "platform/Error.h"
 #include "platform/FileModes.h"
+#include "platform/Renaming.h"
 #include "platform/SystemReason.h"
 
 namespace kadrona::platform {
@@ -27,7 +28,8 @@ QString SystemCommonAppDataFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
 
-/// With all above it. The system's code; 0 where the folder exists afterwards.
+/// With all above it, each on the disk before the next. The system's code; 0 where the folder
+/// exists afterwards.
 int MakeFolder(const QString& path) {
     if (path.isEmpty()) {
         return ENOENT;
@@ -44,7 +46,7 @@ int MakeFolder(const QString& path) {
     const mode_t mode = ModeOfNewFolder(parent);
     if (mkdir(name.constData(), mode) == 0) {
         chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
-        return 0;
+        return FlushFolder(parent);
     }
     const int error = errno;
     return QFileInfo(clean).isDir() ? 0 : error;
