@@ -127,6 +127,7 @@ OriginalRecord FileOriginal(const OriginalToKeep& original, const QString& archi
         RequireSameFile(original);
         write(Extension(original.file), [&](const QString& path) {
             CopyArchiveFile(original.file, path, platform::Links::All);
+            RequireSameFile(original);
         });
     } catch (const platform::FileError&) {
         if (original.photo.IsEmpty()) {
