@@ -46,7 +46,11 @@ int MakeFolder(const QString& path) {
     const mode_t mode = ModeOfNewFolder(parent);
     if (mkdir(name.constData(), mode) == 0) {
         chmod(name.constData(), mode);  // the mask must not close it to a group that shares it
-        return FlushFolder(parent);
+        const int code = FlushFolder(parent);
+        if (code != 0) {
+            rmdir(name.constData());
+        }
+        return code;
     }
     const int error = errno;
     return QFileInfo(clean).isDir() ? 0 : error;
