@@ -50,8 +50,7 @@ CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget
     : QDialog(parent),
       data_(data),
       profile_(std::move(profile)),
-      paper_(data.Printer().Paper().geometry),
-      printed_(printing::StoredCalibration(data.DataFolder(), profile_)) {
+      paper_(data.Printer().Paper().geometry) {
     printing::RulerSheet(paper_, {});  // says now where the paper is none to calibrate with
     setObjectName(u"CalibrationDialog"_s);
     setWindowTitle(u"Drucker kalibrieren"_s);
@@ -127,10 +126,8 @@ QLineEdit* CalibrationDialog::AddReading(QFormLayout& form, const QString& name,
 
 void CalibrationDialog::PrintSheet() {
     const controls::WaitCursor wait;
-    const printing::Calibration calibration =
-        printing::StoredCalibration(data_.DataFolder(), profile_);
-    watch_ = data_.Printer().Print(printing::RulerSheet(paper_, calibration));
-    printed_ = calibration;
+    watch_ = data_.Printer().Print(
+        printing::RulerSheet(paper_, printing::StoredCalibration(data_.DataFolder(), profile_)));
     sheet_->setText(u"Druckauftrag gesendet"_s);
     if (watch_) {
         connect(watch_.get(), &printing::JobWatch::Changed, sheet_,
@@ -145,7 +142,8 @@ printing::Calibration CalibrationDialog::Calibrated() const {
         readings.*field.reading = NumberIn(*field.edit);
     }
     try {
-        return printing::Calibrated(paper_, printed_, readings);
+        return printing::Calibrated(
+            paper_, printing::StoredCalibration(data_.DataFolder(), profile_), readings);
     } catch (const printing::ReadingError& error) {
         for (const Field& field : readings_) {
             if (field.reading == error.Reading()) {

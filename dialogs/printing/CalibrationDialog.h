@@ -48,8 +48,6 @@ class CalibrationDialog : public QDialog {
     core::TData& data_;
     QString profile_;
     printing::PaperGeometry paper_;
-    /// What the sheet was printed with that the readings are taken from.
-    printing::Calibration printed_;
     std::vector<Field> readings_;
     QLabel* state_;
     /// How the printed sheet fares.

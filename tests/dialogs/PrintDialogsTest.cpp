@@ -194,8 +194,6 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
             refuse(u"Linie B kann nicht stimmen"_s, u"edAlong"_s,
                    {u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
             refuse(u"vom oberen Rand fehlt"_s, u"edTop"_s, {u"100"_s, u"100"_s, u"105"_s, u""_s});
-            // The sheet that was measured knew nothing of what another program has stored since.
-            printing::StoreCalibration(data.DataFolder(), u"B"_s, {1.2, 1.1, {}});
             apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
             ClickButton(dialog, "btnPrintSheet");
             Q_EMIT printer.watch->Changed({printing::JobState::Stage::Held, u"Kein Papier"_s});
