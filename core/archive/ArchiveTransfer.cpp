@@ -26,8 +26,6 @@ namespace {
 
 /// What one transaction takes, and a transfer that is cut off loses.
 constexpr int CopiedAtOnce = 200;
-/// More of them are not kept in memory.
-constexpr qsizetype BytesAtOnce = qsizetype{64} << 20;
 
 /// The fields beside the number.
 const QString Fields =
@@ -84,15 +82,7 @@ QByteArray Checksum(const CopiedRecord& record) {
     return hash.result();
 }
 
-qsizetype BytesOf(const CopiedRecord& record) {
-    qsizetype bytes = record.thumbnail.value_or(QByteArray()).size();
-    for (const auto& text : record.texts) {
-        bytes += 2 * text.value_or(QString()).size();
-    }
-    return bytes;
-}
-
-/// The next records after a number, in the order of their numbers.
+/// The records after a number, in the order of their numbers.
 std::vector<CopiedRecord> NextRecords(store::Database& database, qint64 after) {
     store::Statement select(database,
                             uR"(SELECT "ID", %1 FROM "ImgDB" WHERE "ID" > ?
@@ -100,8 +90,8 @@ std::vector<CopiedRecord> NextRecords(store::Database& database, qint64 after) {
                                 .arg(CopiedAtOnce));
     select.Bind(1, after);
     std::vector<CopiedRecord> records;
-    for (qsizetype bytes = 0; bytes < BytesAtOnce && select.Step();) {
-        bytes += BytesOf(records.emplace_back(RecordOf(select)));
+    while (select.Step()) {
+        records.push_back(RecordOf(select));
     }
     return records;
 }
