@@ -5,8 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace kadrona::store {
 
@@ -25,10 +29,21 @@ int OpenAtOnce(const char* path, int flags, int mode) {
     return handle;
 }
 
-/// Of the archive's database and its copies, and what SQLite makes for itself.
+/// The databases that were opened.
+std::vector<std::string>& Databases() {
+    static std::vector<std::string> paths;
+    return paths;
+}
+
+/// What belongs to an opened database, and what SQLite makes for itself.
 bool IsOwn(std::string_view path) {
-    const std::string_view name = path.substr(path.rfind('/') + 1);
-    return name.starts_with("etilqs_") || name.starts_with("KDRImageBase.");
+    static constexpr std::array<std::string_view, 4> Endings{"", "-journal", "-wal", "-shm"};
+    const auto belongsTo = [&](const std::string& database) {
+        return path.starts_with(database) &&
+               std::ranges::find(Endings, path.substr(database.size())) != Endings.end();
+    };
+    return path.substr(path.rfind('/') + 1).starts_with("etilqs_") ||
+           std::ranges::any_of(Databases(), belongsTo);
 }
 
 /// A journal whose companion is not there counts as done with.
@@ -57,6 +72,13 @@ void BoundEngineFiles() {
         files->xSetSystemCall(files, "open", reinterpret_cast<Call>(OpenAtOnce));
         files->xSetSystemCall(files, "stat", reinterpret_cast<Call>(LookForOwn));
         files->xSetSystemCall(files, "unlink", reinterpret_cast<Call>(RemoveOwn));
+    }
+}
+
+void AllowFilesOf(sqlite3* database) {
+    const char* const name = sqlite3_db_filename(database, "main");
+    if (name != nullptr && std::ranges::find(Databases(), name) == Databases().end()) {
+        Databases().emplace_back(name);
     }
 }
 

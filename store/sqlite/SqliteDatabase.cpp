@@ -121,6 +121,7 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
     WorkLimit::Work work;
     const WorkLimit::Step step(limit_, work);
     if (result == SQLITE_OK) {
+        AllowFilesOf(handle);
         limit_.Attach(handle);
         sqlite3_extended_result_codes(handle, 1);
         // Whoever starts while another program recovers or writes must not be without it for good.

@@ -11,6 +11,7 @@
 #include "platform/SystemReason.h"
 #include "platform/UniqueFile.h"
 #include "store/StoreError.h"
+#include "store/sqlite/EngineFiles.h"
 #include "store/sqlite/SqliteDatabase.h"
 #include "store/sqlite/SqliteReason.h"
 
@@ -84,6 +85,7 @@ bool SqliteDatabase::CopyTo(const QString& path, const platform::Progress& progr
                                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW, nullptr);
         const std::unique_ptr<sqlite3, HandleCloser> copy(opened);
         if (result == SQLITE_OK) {
+            AllowFilesOf(copy.get());
             // Half a copy is worth nothing.
             sqlite3_exec(copy.get(), "PRAGMA journal_mode = OFF", nullptr, nullptr, nullptr);
             result = CopyPages(handle_.get(), copy.get(), progress);

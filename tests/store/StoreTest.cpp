@@ -151,7 +151,8 @@ TEST_F(DatabaseTest, AForeignJournalNeitherHoldsUpNorRemovesAnything) {
     Insert(database_, u"kept"_s);
     const QString journal = Path() + u"-journal"_s;
     QDir(folder_.path()).mkdir(u"other"_s);
-    for (const QString& name : {u"precious"_s, u"other/KDRImageBase.db"_s}) {
+    for (const QString& name :
+         {u"precious"_s, u"other/KDRImageBase.db"_s, u"other/KDRImageBase.db-journal"_s}) {
         const QString precious = folder_.filePath(name);
         platform::WriteFileAtomically(precious, "x"_ba);
         platform::WriteFileAtomically(journal, ForeignJournal(QFile::encodeName(precious)));
