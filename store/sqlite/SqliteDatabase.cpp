@@ -83,12 +83,21 @@ QString MakeFile(const QString& path) {
     return S_ISREG(existing.st_mode) ? QString() : u"Es ist keine gewöhnliche Datei"_s;
 }
 
-/// The engine would only say that it cannot open it. Empty where nothing stands in the way.
-QString JournalObstacle(const QString& path) {
-    struct stat existing {};
-    return lstat(QFile::encodeName(path).constData(), &existing) == 0 && !S_ISREG(existing.st_mode)
-               ? u"Neben ihr liegt „%1“ und ist keine gewöhnliche Datei"_s.arg(path)
-               : QString();
+/// What lies where the engine keeps its journals and is no file: it would only say that it cannot
+/// open the database. Empty where nothing stands in the way.
+QString JournalObstacle(const QString& file) {
+    for (const QString& ending : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
+        const QString path = file + ending;
+        struct stat status {};
+        if (lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISREG(status.st_mode)) {
+            return u"Neben ihr liegt „%1“, und das ist %2"_s.arg(
+                path, S_ISLNK(status.st_mode)    ? u"eine Verknüpfung"
+                      : S_ISDIR(status.st_mode)  ? u"ein Ordner"
+                      : S_ISFIFO(status.st_mode) ? u"eine benannte Pipe"
+                                                 : u"keine gewöhnliche Datei");
+        }
+    }
+    return {};
 }
 
 }  // namespace
@@ -110,7 +119,7 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
     check(refusal);
     const QString file = platform::JoinPath(realFolder, FileName);
     check(MakeFile(file));
-    check(JournalObstacle(file + u"-journal"_s));
+    check(JournalObstacle(file));
 
     [[maybe_unused]] static const bool isBounded = (BoundEngineFiles(), true);
     sqlite3* handle = nullptr;

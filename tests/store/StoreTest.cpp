@@ -162,8 +162,15 @@ TEST_F(DatabaseTest, AForeignJournalNeitherHoldsUpNorRemovesAnything) {
     }
     mkfifo(QFile::encodeName(journal).constData(), 0600);
     EXPECT_THROW(Count(database_), StoreError) << "put there later";
-    EXPECT_TRUE(
-        TextOf<StoreError>([&] { const SqliteDatabase opened(folder_.path()); }).contains(journal));
+    const auto expectNamed = [&](const QString& path, const QString& kind) {
+        EXPECT_TRUE(TextOf<StoreError>([&] {
+                        const SqliteDatabase opened(folder_.path());
+                    }).contains(u"„%1“, und das ist %2."_s.arg(path, kind)));
+        QFile::remove(path);
+    };
+    expectNamed(journal, u"eine benannte Pipe"_s);
+    EXPECT_TRUE(QFile::link(Path(), Path() + u"-wal"_s));
+    expectNamed(Path() + u"-wal"_s, u"eine Verknüpfung"_s);
 }
 
 TEST_F(DatabaseTest, NoticesDamage) {
