@@ -59,7 +59,7 @@ void PhotoProfiles::Record(const QString& name, const QString& fileName) const {
 }
 
 QString PhotoProfiles::Delete(const QString& name) const {
-    const QString additions = AdditionsFile(SettingsFile(name));
+    const QString additions = AdditionsFile(index_.NamedFile(name));
     QString left = index_.Remove(name);
     if (additions.isEmpty() || !platform::IsFile(additions) || QFile::remove(additions)) {
         return left;

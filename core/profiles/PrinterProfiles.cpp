@@ -53,7 +53,7 @@ void PrinterProfiles::Record(const QString& name, const QString& fileName) const
 }
 
 QString PrinterProfiles::Replace(const QString& name) const {
-    const QString before = index_.SettingsFile(name);
+    const QString before = index_.NamedFile(name);
     Save(name);
     QFile file(before);
     if (!before.isEmpty() && !file.remove() && file.exists()) {

@@ -26,7 +26,7 @@ QStringList ProfileIndex::Names() const {
     return names;
 }
 
-QString ProfileIndex::SettingsFile(const QString& name) const {
+QString ProfileIndex::NamedFile(const QString& name) const {
     const QString file = platform::IniFile(path_).ReadString(name.trimmed(), key_);
     // An index edited by hand must not lead deleting or storing to another file, also not to one of
     // the same folder: a bare name as platform::CreateUniqueFile makes it, whatever stands between.
@@ -36,7 +36,18 @@ QString ProfileIndex::SettingsFile(const QString& name) const {
         return {};
     }
     const QString path = platform::JoinPath(dataFolder_, file);
-    return platform::IsFile(path) ? path : QString();
+    return platform::IsFile(path) || QFileInfo::exists(path) ? path : QString();
+}
+
+QString ProfileIndex::SettingsFile(const QString& name) const {
+    QString path = NamedFile(name);
+    if (!path.isEmpty() && !platform::IsFile(path)) {
+        throw platform::FileError(
+            u"Das Profil „%1“ kann nicht gelesen werden: Seine Datei „%2“ ist %3."_s.arg(
+                name.trimmed(), path,
+                QFileInfo(path).isDir() ? u"ein Ordner"_s : u"keine gewöhnliche Datei"_s));
+    }
+    return path;
 }
 
 void ProfileIndex::Record(const QString& name, const QString& fileName) const {
@@ -50,7 +61,7 @@ QString ProfileIndex::Remove(const QString& name) const {
     QString path;
     try {
         platform::IniFile::Change(path_, [&](platform::IniFile& index) {
-            path = SettingsFile(name);
+            path = NamedFile(name);
             index.EraseSection(name.trimmed());
         });
     } catch (const platform::UnflushedError&) {

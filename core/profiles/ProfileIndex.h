@@ -18,8 +18,12 @@ class ProfileIndex {
     QStringList Names() const;
 
     /// Full path of a profile's settings file; empty when the profile or its file is missing, or
-    /// when the index names a file that no profile of this kind can have.
+    /// when the index names a file that no profile of this kind can have. Throws
+    /// platform::FileError where something else than a file stands there.
     QString SettingsFile(const QString& name) const;
+
+    /// The same for who removes it: whatever stands there.
+    QString NamedFile(const QString& name) const;
 
     /// Adds a profile at the end, or gives a known one another file. Throws platform::Error for a
     /// name that no INI section can bear.

@@ -90,6 +90,12 @@ TEST_F(Profiles, APhotoProfileIsBoundAndDeletedOnlyWhereThatSucceeds) {
                        QByteArray(20 << 20, '\n'));
     EXPECT_THROW(data.LoadProfile(u"A"_s, store), platform::FileError);
     EXPECT_NE(store.file, first);
+    QFile::remove(first);
+    QDir().mkdir(first);
+    EXPECT_TRUE(
+        TextOf([&] { data.LoadProfile(u"A"_s, store); }).contains(first + u"“ ist ein Ordner"_s));
+    EXPECT_EQ(Names(), u"A|B"_s);
+    EXPECT_TRUE(QDir().rmdir(first) && QFile::copy(store.file, first));
     MakeReadOnly("Profiles.ini");
     EXPECT_THROW(data.DeleteProfile(u"B"_s), platform::FileError);
     EXPECT_TRUE(QFile::exists(store.file)) << "the index goes first";
