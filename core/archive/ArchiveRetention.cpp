@@ -31,6 +31,17 @@ bool IsOver(QDate until, QDate filed, std::optional<int> months, QDate today) {
                            : months && filed.isValid() && filed.addMonths(*months) < today;
 }
 
+struct DatedPhoto {
+    qint64 id = 0;
+    QDate day;
+};
+
+QString LaterThan(const DatedPhoto& photo, QDate today) {
+    return u"Das Bild mit der Nummer %1 ist vom %2, heute ist nach der Uhr dieses Computers der %3."_s
+        .arg(photo.id)
+        .arg(photo.day.toString(u"dd.MM.yyyy"_s), today.toString(u"dd.MM.yyyy"_s));
+}
+
 }  // namespace
 
 std::optional<int> RetentionMonths(store::Database& database) {
@@ -114,13 +125,19 @@ DuePhotos FindDuePhotos(store::Database& database, QDate today) {
                             uR"(SELECT "ID", "ImgErstellt", "ImgName" FROM "ImgDB"
                                           WHERE "ImgErstellt" IS NOT NULL ORDER BY "ID")"_s);
     QDate& filed = due.newestFiled;
-    QDate newest;
+    DatedPhoto last;
+    DatedPhoto newest;
     while (select.Step()) {
         const qint64 id = select.Integer(0);
         const QDate dated = DayOf(select.Text(1));
-        newest = std::max(newest, dated);
         const qint64 named = NumberInName(select.Text(2));
         const bool inOrder = named == 0 || named == id;
+        if (inOrder) {
+            last = {id, dated};
+        }
+        if (dated > std::max(newest.day, today)) {
+            newest = {id, dated};
+        }
         if (inOrder && dated <= today) {
             filed = std::max(filed, dated);
         }
@@ -129,12 +146,14 @@ DuePhotos FindDuePhotos(store::Database& database, QDate today) {
             due.ids.push_back(id);
         }
     }
-    if (newest > today) {
+    if (last.day > today) {
         due.ids.clear();
-        due.refusal =
-            u"Das neueste Bild ist vom %1, heute ist nach der Uhr dieses Computers der %2. Solange "
-            u"die Uhr nachgeht, ist nichts fällig."_s.arg(newest.toString(u"dd.MM.yyyy"_s),
-                                                          today.toString(u"dd.MM.yyyy"_s));
+        due.refusal = LaterThan(last, today) +
+                      u" Solange die Uhr nachgeht, ist nichts fällig. Geht sie richtig, hat dieses "
+                      u"Bild ein falsches Datum, und nichts ist fällig, bis ein weiteres abgelegt "
+                      u"ist."_s;
+    } else if (newest.day > today) {
+        due.remark = LaterThan(newest, today) + u" Es wird übergangen."_s;
     }
     return due;
 }

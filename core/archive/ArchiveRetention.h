@@ -40,12 +40,15 @@ struct DuePhotos {
     QDate newestFiled;
     /// Why nothing can be said, a sentence; empty where it can.
     QString refusal;
+    /// Which photo is passed over because its day is yet to come, a sentence; empty for none.
+    QString remark;
 };
 
-/// What is due on a day. Where the clock stands before the newest photo nothing is. A photo that
-/// was filed while the clock stood wrong is no older than one with a smaller number, whatever its
-/// date says: only dates up to `today` count. One whose record was made anew under another number
-/// than that in its name has its date alone.
+/// What is due on a day. Where the clock stands before the photo that was filed last nothing is; an
+/// earlier one of a day that is yet to come was filed while the clock stood wrong, and is passed
+/// over. A photo that was filed while the clock stood wrong is no older than one with a smaller
+/// number, whatever its date says: only dates up to `today` count. One whose record was made anew
+/// under another number than that in its name has its date alone.
 DuePhotos FindDuePhotos(store::Database& database, QDate today);
 
 }  // namespace kadrona::core

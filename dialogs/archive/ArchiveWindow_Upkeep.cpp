@@ -146,15 +146,17 @@ QDate TfmImgSearch::Today() const {
 
 void TfmImgSearch::acDueExecute() {
     if (acDue_->isChecked()) {
-        QString refusal;
-        const bool known = WaitedFor(
-            [&] { refusal = core::FindDuePhotos(data_.ArchiveDatabase(), Today()).refusal; });
-        acDue_->setChecked(known && refusal.isEmpty());
+        core::DuePhotos due;
+        const bool known =
+            WaitedFor([&] { due = core::FindDuePhotos(data_.ArchiveDatabase(), Today()); });
+        acDue_->setChecked(known && due.refusal.isEmpty());
         if (!known) {
             return;
         }
-        if (!refusal.isEmpty()) {
-            controls::ShowInformation(this, refusal);
+        for (const QString& text : {due.refusal, due.remark}) {
+            if (!text.isEmpty()) {
+                controls::ShowInformation(this, text);
+            }
         }
     }
     ListAgain();
