@@ -10,6 +10,8 @@
 
 namespace kadrona::store {
 
+using namespace Qt::StringLiterals;
+
 /// Of what lies ready, without taking it away.
 QByteArray PasswordCost::Arrived() const {
     constexpr int AtOnce = 65'536;
@@ -25,7 +27,7 @@ QByteArray PasswordCost::Arrived() const {
     return bytes.first(std::max<qsizetype>(count, 0));
 }
 
-bool PasswordCost::IsTooHigh() {
+QString PasswordCost::Excess() {
     constexpr qsizetype LongestGreeting = 262'144;
     constexpr long long MostRounds = 500'000;
     const QByteArrayView mark(",i=");
@@ -33,10 +35,12 @@ bool PasswordCost::IsTooHigh() {
     seen_ += Arrived();
     for (auto at = seen_.indexOf(mark); at >= 0; at = seen_.indexOf(mark, at + 1)) {
         if (std::strtoll(seen_.constData() + at + mark.size(), nullptr, 10) > MostRounds) {
-            return true;
+            return u"Der Server verlangt für das Kennwort mehr Rechenarbeit, als gut ist"_s;
         }
     }
-    return seen_.size() > LongestGreeting;
+    return seen_.size() > LongestGreeting
+               ? u"Der Server schickt vor der Anmeldung mehr, als dazu gehört"_s
+               : QString();
 }
 
 }  // namespace kadrona::store

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 struct pg_conn;
 
@@ -14,9 +15,10 @@ class PasswordCost {
     /// The connection outlives the object.
     explicit PasswordCost(pg_conn* connection) : connection_(connection) {}
 
-    /// Whether what has come since the beginning asks for more than a second's work, or goes on
-    /// longer than any server's greeting. To be asked each time before libpq reads.
-    bool IsTooHigh();
+    /// Why no more of it must be read: what has come since the beginning asks for more than a
+    /// second's work, or goes on longer than any server's greeting. In German, without a full stop;
+    /// else empty. To be asked each time before libpq reads.
+    QString Excess();
 
  private:
     QByteArray Arrived() const;

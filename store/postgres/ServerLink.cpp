@@ -92,8 +92,8 @@ void ServerLink::WaitToBeLetIn(const QDeadlineTimer& deadline) {
             WaitFor(state == PGRES_POLLING_READING ? POLLIN : POLLOUT, deadline) == 0) {
             GiveUp(Silent.toString());
         }
-        if (password.IsTooHigh()) {
-            GiveUp(u"Der Server verlangt für das Kennwort mehr Rechenarbeit, als gut ist"_s);
+        if (const QString excess = password.Excess(); !excess.isEmpty()) {
+            GiveUp(excess);
         }
         state = PQconnectPoll(connection_.get());
         if (const QString excess = answer.Excess(); !excess.isEmpty()) {
