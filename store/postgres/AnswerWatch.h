@@ -8,8 +8,8 @@
 namespace kadrona::store {
 
 /// Watches one answer of a server come in, so that it neither keeps the program waiting with little
-/// nor fills the memory. A server that needs its time sends whole packets; one that sends a byte
-/// now and then is silent.
+/// nor fills the memory, nor with much that is no answer. A server that needs its time sends whole
+/// packets; one that sends a byte now and then is silent.
 class AnswerWatch {
  public:
     /// From now on; the connection's socket stays open as long as this lives. Who is seen can be
@@ -30,6 +30,8 @@ class AnswerWatch {
  private:
     int socket_;
     std::chrono::milliseconds patience_;
+    bool isSeen_;
+    qint64 reads_ = 0;
     QDeadlineTimer silence_;
     QDeadlineTimer end_;
     QDeadlineTimer nextLook_;

@@ -160,9 +160,10 @@ TEST(ToldServerTest, AHostileAnswerIsGivenUp) {
                   std::chrono::milliseconds(200)},
              Case{{},
                   parameter.repeated(1000),
-                  0,
+                  50'000,
                   u"findet mit seiner Antwort kein Ende",
                   std::chrono::milliseconds(500)},
+             Case{{}, parameter.repeated(1000), 0, u"schickt viel und beantwortet nichts"},
              Case{{"E\0\0\0\5\0Z\0\0\0\5I", 12}, {}, 0, u"sagt nicht, warum"},
          }) {
         const ToldServer server(Greeting("15.1") << listening << listening << row.answer,
