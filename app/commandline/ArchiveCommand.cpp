@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <array>
+#include <map>
 
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/TerminalText.h"
@@ -74,12 +75,27 @@ int BackUp(const ArchiveRequest& request, core::TData& data, QTextStream& output
 int Check(const ArchiveRequest& request, core::TData& data, QTextStream& output) {
     const core::ArchiveReport report = core::CheckArchive(data.ArchiveDatabase(), request.folder,
                                                           Lines(output), PlaceOf(request.folder));
+    // Anybody may have put a million files into the folder.
+    constexpr qint64 MostNamedOfAKind = 10'000;
+    std::map<core::ArchiveFault, qint64> found;
     for (const core::ArchiveFinding& finding : report.findings) {
+        if (++found[finding.fault] > MostNamedOfAKind) {
+            continue;
+        }
         const QString number = finding.id > 0 ? u" (Datensatz %1)"_s.arg(finding.id) : QString();
         output << HarmlessName(
                       u"%1%2%3"_s.arg(core::TextOf(finding.fault).heading, number,
                                       finding.path.isEmpty() ? QString() : u": "_s + finding.path))
                << Qt::endl;
+    }
+    for (const auto& [fault, count] : found) {
+        if (count > MostNamedOfAKind) {
+            output << u"%1: %2"_s.arg(
+                          core::TextOf(fault).heading,
+                          platform::CountedText(count - MostNamedOfAKind, u"weiterer Befund"_s,
+                                                u"weitere Befunde"_s))
+                   << Qt::endl;
+        }
     }
     output << u"%1, %2 unverändert, %3 neu aufgenommen, %4."_s
                   .arg(Records(report.records),

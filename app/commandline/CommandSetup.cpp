@@ -17,7 +17,11 @@ namespace {
 class ConsoleInterface : public core::UserInterface {
  public:
     explicit ConsoleInterface(QTextStream& errors) : errors_(errors) {}
-    void ShowMessage(const QString& text) override { errors_ << HarmlessText(text) << Qt::endl; }
+    void ShowMessage(const QString& text) override {
+        errors_ << HarmlessText(text) << Qt::endl;
+        shown_.append(text);
+    }
+    bool HasShown(const QString& text) const { return shown_.contains(text); }
     std::optional<QStringList> EditTags(const imaging::Pixels&, const QStringList&) override {
         ShowMessage(
             u"Das Foto wird nicht archiviert: Schlüsselworte können nur im Fenster eingegeben "
@@ -29,6 +33,7 @@ class ConsoleInterface : public core::UserInterface {
 
  private:
     QTextStream& errors_;
+    QStringList shown_;
 };
 
 }  // namespace
@@ -37,7 +42,14 @@ int WithData(QTextStream& errors, const std::function<int(core::TData&)>& comman
     ConsoleInterface console(errors);
     core::TData data(console);
     data.InitSystem();
-    return command(data);
+    try {
+        return command(data);
+    } catch (const platform::Error& error) {
+        if (!console.HasShown(error.Text())) {
+            throw;
+        }
+        return SomePhotoFailed;  // as the start has said, of a server that is gone
+    }
 }
 
 int RunCommand(QTextStream& errors, const std::function<int()>& command) {

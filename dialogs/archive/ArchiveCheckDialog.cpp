@@ -22,7 +22,7 @@ namespace kadrona::dialogs {
 
 namespace {
 
-/// A tree of more lines helps nobody; the command line names all.
+/// A tree of more lines helps nobody; the command line names more.
 constexpr int MostShownOfAKind = 500;
 
 QString CountOf(qint64 count) {
@@ -107,7 +107,9 @@ void ArchiveCheckDialog::List() {
         kind->setData(0, Qt::UserRole, static_cast<int>(fault));
         for (const core::ArchiveFinding* finding : found) {
             if (kind->childCount() == MostShownOfAKind) {
-                new QTreeWidgetItem(kind, {u"…"_s});
+                new QTreeWidgetItem(
+                    kind, {u"… und %1 weitere"_s.arg(
+                              CountOf(static_cast<qint64>(found.size()) - MostShownOfAKind))});
                 break;
             }
             const QString text = finding->path.isEmpty() ? u"Datensatz %1"_s.arg(finding->id)
