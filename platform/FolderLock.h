@@ -8,8 +8,8 @@ namespace kadrona::platform {
 /// system lets go of it when a program is killed. On file systems that know no locks there is none.
 class FolderLock {
  public:
-    /// Waits for up to two seconds. Throws FileError where another one keeps the lock longer, or
-    /// the folder cannot be opened.
+    /// Waits for up to a second. Throws FileError, which names the other one where the system does,
+    /// where that keeps the lock longer, or the folder cannot be opened.
     explicit FolderLock(const QString& folder);
     ~FolderLock();
     FolderLock(const FolderLock&) = delete;

@@ -1,6 +1,10 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <thread>
 #include <vector>
@@ -8,11 +12,13 @@
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/IniFile.h"
+#include "tests/support/Errors.h"
 
 namespace kadrona::platform {
 namespace {
 
 using namespace Qt::StringLiterals;
+using kadrona::testing::TextOf;
 
 class IniFileTest : public ::testing::Test {
  protected:
@@ -161,6 +167,17 @@ TEST_F(IniFileTest, NeverTakesAnUnreadableFileForAnEmptyOne) {
     ASSERT_TRUE(big.open(QIODevice::WriteOnly));
     ASSERT_TRUE(big.resize(4 * 1024 * 1024 + 1));
     EXPECT_THROW(IniFile ini(Path()), FileError);
+}
+
+TEST_F(IniFileTest, ALockedFolderIsToldWithItsHolder) {
+    const int holder = open(QFile::encodeName(QFileInfo(Path()).path()).constData(), O_RDONLY);
+    ASSERT_EQ(flock(holder, LOCK_EX), 0);
+    const QString text = TextOf([&] { IniFile::Change(Path(), [](IniFile&) {}); });
+    EXPECT_TRUE(text.contains(u"von einem anderen Programm"_s)) << text.toStdString();
+    QFile locks(u"/proc/locks"_s);
+    const bool isKnown = locks.open(QIODevice::ReadOnly) && !locks.readAll().isEmpty();
+    close(holder);
+    EXPECT_EQ(text.contains(u"Prozess %1)"_s.arg(getpid())), isKnown) << text.toStdString();
 }
 
 TEST_F(IniFileTest, ChangesAtTheSameTimeLoseNothing) {
