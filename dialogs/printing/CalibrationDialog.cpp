@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <limits>
+#include <utility>
 
 #include "controls/fields/ElidedLabel.h"
 #include "controls/messages/ActionGuard.h"
@@ -50,7 +51,8 @@ CalibrationDialog::CalibrationDialog(core::TData& data, QString profile, QWidget
     : QDialog(parent),
       data_(data),
       profile_(std::move(profile)),
-      paper_(data.Printer().Paper().geometry) {
+      paper_(data.Printer().Paper().geometry),
+      printedWith_(printing::StoredCalibration(data.DataFolder(), profile_)) {
     printing::RulerSheet(paper_, {});  // says now where the paper is none to calibrate with
     setObjectName(u"CalibrationDialog"_s);
     setWindowTitle(u"Drucker kalibrieren"_s);
@@ -126,8 +128,11 @@ QLineEdit* CalibrationDialog::AddReading(QFormLayout& form, const QString& name,
 
 void CalibrationDialog::PrintSheet() {
     const controls::WaitCursor wait;
-    watch_ = data_.Printer().Print(
-        printing::RulerSheet(paper_, printing::StoredCalibration(data_.DataFolder(), profile_)));
+    const auto stored = printing::StoredCalibration(data_.DataFolder(), profile_);
+    watch_ = data_.Printer().Print(printing::RulerSheet(paper_, stored));
+    if (std::exchange(printedWith_, stored) != stored) {
+        ShowState(u"Bisher"_s);
+    }
     sheet_->setText(u"Druckauftrag gesendet"_s);
     if (watch_) {
         connect(watch_.get(), &printing::JobWatch::Changed, sheet_,
@@ -142,8 +147,7 @@ printing::Calibration CalibrationDialog::Calibrated() const {
         readings.*field.reading = NumberIn(*field.edit);
     }
     try {
-        return printing::Calibrated(
-            paper_, printing::StoredCalibration(data_.DataFolder(), profile_), readings);
+        return printing::Calibrated(paper_, printedWith_, readings);
     } catch (const printing::ReadingError& error) {
         for (const Field& field : readings_) {
             if (field.reading == error.Reading()) {
@@ -156,7 +160,16 @@ printing::Calibration CalibrationDialog::Calibrated() const {
 }
 
 void CalibrationDialog::Apply() {
-    printing::StoreCalibration(data_.DataFolder(), profile_, Calibrated());
+    const printing::Calibration calibrated = Calibrated();
+    const auto stored = printing::StoredCalibration(data_.DataFolder(), profile_);
+    if (stored != printedWith_) {
+        throw printing::PrinterError(
+            u"Die Kalibrierung wurde inzwischen anderswo geändert (%1). Drucken Sie das "
+            u"Kalibrierblatt noch einmal und messen Sie das neue."_s.arg(
+                printing::CalibrationText(stored)));
+    }
+    printing::StoreCalibration(data_.DataFolder(), profile_, calibrated);
+    printedWith_ = printing::StoredCalibration(data_.DataFolder(), profile_);
     // Readings hold for the sheet that was printed before.
     for (const Field& field : readings_) {
         field.edit->clear();

@@ -48,6 +48,9 @@ class CalibrationDialog : public QDialog {
     core::TData& data_;
     QString profile_;
     printing::PaperGeometry paper_;
+    /// What the sheet was printed with that the readings are of: the last one, else one printed
+    /// before the dialog was shown.
+    printing::Calibration printedWith_;
     std::vector<Field> readings_;
     QLabel* state_;
     /// How the printed sheet fares.

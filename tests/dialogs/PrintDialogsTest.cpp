@@ -194,7 +194,12 @@ TEST_F(PrintDialogs, CalibratingKeepsWhatTheReadingsSayBesideTheProfile) {
             refuse(u"Linie B kann nicht stimmen"_s, u"edAlong"_s,
                    {u"100"_s, u"3000"_s, u"105"_s, u"148,5"_s});
             refuse(u"vom oberen Rand fehlt"_s, u"edTop"_s, {u"100"_s, u"100"_s, u"105"_s, u""_s});
-            apply({u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s});
+            const QStringList readings{u"102,3"_s, u"100.0"_s, u"106,4"_s, u"148,5"_s};
+            printing::StoreCalibration(data.DataFolder(), u"B"_s, {1.01, 1, {}});
+            driver.Answer(u"inzwischen anderswo geändert"_s);
+            apply(readings);
+            printing::EraseCalibration(data.DataFolder(), u"B"_s);
+            apply(readings);
             ClickButton(dialog, "btnPrintSheet");
             Q_EMIT printer.watch->Changed({printing::JobState::Stage::Held, u"Kein Papier"_s});
             EXPECT_EQ(Child<QLabel>(dialog, "lblSheet").text(), u"Kein Papier"_s);
