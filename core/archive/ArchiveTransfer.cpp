@@ -26,6 +26,8 @@ namespace {
 
 /// What one transaction takes, and a transfer that is cut off loses.
 constexpr int CopiedAtOnce = 200;
+/// A value may have 16 MB; a batch ends with the record that reaches this.
+constexpr qsizetype CopiedBytesAtOnce = qsizetype{16} << 20;
 
 /// The fields beside the number.
 const QString Fields =
@@ -70,6 +72,15 @@ CopiedRecord RecordOf(const store::Statement& row) {
     return record;
 }
 
+/// In memory, about.
+qsizetype SizeOf(const CopiedRecord& record) {
+    qsizetype bytes = record.thumbnail ? record.thumbnail->size() : 0;
+    for (const auto& text : record.texts) {
+        bytes += text ? text->size() * qsizetype{sizeof(QChar)} : 0;
+    }
+    return bytes;
+}
+
 QByteArray Checksum(const CopiedRecord& record) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     const auto add = [&](const std::optional<QByteArray>& value) {
@@ -90,8 +101,9 @@ std::vector<CopiedRecord> NextRecords(store::Database& database, qint64 after) {
                                 .arg(CopiedAtOnce));
     select.Bind(1, after);
     std::vector<CopiedRecord> records;
-    while (select.Step()) {
-        records.push_back(RecordOf(select));
+    qsizetype bytes = 0;
+    while (bytes < CopiedBytesAtOnce && select.Step()) {
+        bytes += SizeOf(records.emplace_back(RecordOf(select)));
     }
     return records;
 }
