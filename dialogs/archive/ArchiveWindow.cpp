@@ -332,9 +332,11 @@ bool TfmImgSearch::ReplaceTags(const core::ArchiveRecord& edited) {
                 u"Die Schlüsselworte dieses Bildes wurden inzwischen an anderer Stelle geändert:"
                 u"\n\n%1\nSollen sie ersetzt werden? Bei „Nein“ können Sie Ihre Eingabe ändern."_s
                     .arg(QString(expected).remove(u'\r')),
-                controls::Severity::Warning) &&
-            tagEditor_.ShowEx(tagEditor_.Tags()) != controls::ModalResult::Ok) {
-            return false;
+                controls::Severity::Warning)) {
+            tagEditor_.SetPicture(grid_->Picture(edited.id));
+            if (tagEditor_.ShowEx(tagEditor_.Lines().join(u'\n')) != controls::ModalResult::Ok) {
+                return false;
+            }
         }
     }
     return true;
