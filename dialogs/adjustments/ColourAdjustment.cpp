@@ -11,6 +11,7 @@
 #include "dialogs/adjustments/AdjustmentPage.h"
 #include "dialogs/adjustments/BeforeAfterView.h"
 #include "dialogs/base/Buttons.h"
+#include "dialogs/base/PageKeys.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "imaging/tone/HueFilter.h"
 
@@ -37,6 +38,10 @@ ColourAdjustment::ColourAdjustment(QWidget* parent) : QDialog(parent) {
     pages_ = new QTabWidget;
     pages_->setObjectName(u"Pages"_s);
     pages_->setAccessibleName(u"Art der Anpassung"_s);
+    // On a small screen a shorter name says more than arrows that hide the last page.
+    pages_->setElideMode(Qt::ElideRight);
+    pages_->setUsesScrollButtons(false);
+    TurnPagesByKeys(*pages_, *this);
     AddPages();
     column_ = new QVBoxLayout(this);
     column_->setContentsMargins(16, 14, 16, 14);

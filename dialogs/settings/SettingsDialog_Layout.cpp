@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
-#include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -21,6 +20,7 @@
 #include "controls/fields/WrappingCheckBox.h"
 #include "core/settings/ProfileRecord.h"
 #include "core/sheet/SheetLayout.h"
+#include "dialogs/base/PageKeys.h"
 #include "dialogs/base/ScrolledPage.h"
 #include "dialogs/base/WindowPlacement.h"
 #include "dialogs/settings/ArchiveServerEdit.h"
@@ -78,15 +78,7 @@ void TEinstellungenFm::BuildControls() {
     setWindowTitle(u"Einstellungen"_s);
     pages_ = Named<QTabWidget>(u"PageControl"_s);
     pages_->setAccessibleName(u"Seiten der Einstellungen"_s);
-    // A combo box keeps these keys from the pages.
-    for (const auto& [key, step] :
-         {std::pair(Qt::CTRL | Qt::Key_Tab, 1), {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1}}) {
-        auto* shortcut = new QShortcut(key, this);
-        connect(shortcut, &QShortcut::activated, this, [this, step = step] {
-            const int count = pages_->count();
-            pages_->setCurrentIndex((pages_->currentIndex() + step + count) % count);
-        });
-    }
+    TurnPagesByKeys(*pages_, *this);
     auto* columns = new QHBoxLayout;
     columns->setSpacing(16);
     auto* layout = new QVBoxLayout(this);
