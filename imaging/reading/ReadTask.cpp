@@ -23,6 +23,11 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) cons
     if (width <= 0 || height <= 0) {
         Fail(u"Das Bild hat keine Pixel."_s);
     }
+    const QLocale german(QLocale::German);
+    if (const qint64 side = std::max(width, height); side > LongestSide) {
+        Fail(u"Das Bild ist auf einer Seite %1 Pixel lang; es werden höchstens %2 unterstützt."_s
+                 .arg(german.toString(side), german.toString(LongestSide)));
+    }
     const qint64 allowed = std::max(options_.maximumPixels, most);
     if (width <= allowed / height) {
         if (host_ != nullptr) {
@@ -31,7 +36,6 @@ void ReadTask::RequireAllowedSize(qint64 width, qint64 height, qint64 most) cons
         return;
     }
     // Rounded away from each other, so that the text never says "200 of 200".
-    const QLocale german(QLocale::German);
     const auto megapixels = static_cast<qint64>(std::ceil(double(width) * double(height) / Mega));
     const QString text =
         u"Das Bild „%1“ hat %2 Megapixel; es werden höchstens %3 Megapixel unterstützt."_s.arg(

@@ -22,6 +22,9 @@ struct DecodedImage {
     FileMetadata metadata;
 };
 
+/// In pixels. Drawing takes memory for each row and column of a picture, however narrow it is.
+inline constexpr qint64 LongestSide = 100'000;
+
 /// What reading may take beside four bytes a pixel of the picture: 300 million bytes, less what the
 /// program itself takes with its window.
 inline constexpr qint64 MostBytesBeside = 240'000'000;
@@ -84,8 +87,8 @@ class ReadTask {
     /// short.
     QImage NewPicture(QSize size, QImage::Format format) const;
 
-    /// Throws a ReadError where a picture of that size is empty or has more than `most` pixels, or
-    /// than maximumPixels where that is more.
+    /// Throws a ReadError where a picture of that size is empty, has a side longer than
+    /// LongestSide, or more than `most` pixels, or than maximumPixels where that is more.
     void RequireAllowedSize(qint64 width, qint64 height, qint64 most = 0) const;
 
     /// Throws a ReadError where reading would take so many bytes beside the picture's 32 bits a

@@ -128,6 +128,7 @@ TEST(ReaderFailure, DeclaredSizesTakeNoMemory) {
         {WithChunk(png.first(8) + QByteArray(25, '\0'), "IHDR", header).remove(8, 25) + png.mid(33),
          "3.600 Megapixel"},
         {Written(picture, "bmp").replace(18, 8, Packed<qint32>(Side, Side)), "unvollständig"},
+        {Written(picture, "bmp").replace(18, 8, Packed<qint32>(2 * Side, 1)), "120.000 Pixel lang"},
         {Gif({1}).replace(6, 4, Packed<quint16>(Side, Side)), "3.600 Megapixel"},
         {RawFile({.size = {Side, Side}, .missingRows = Side - 1}, Qt::gray), "3.600 Megapixel"},
         {Tiff({Short(0x100, Side), Short(0x101, Side), Short(0x102, 8), Short(0x103, 1),
