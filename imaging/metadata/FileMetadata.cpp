@@ -71,6 +71,7 @@ void ForEachPngChunk(QIODevice& device, Visit visit) {
 
 FileMetadata ReadPng(QIODevice& device) {
     FileMetadata metadata;
+    bool hasExif = false;  // there is one at most; each costs time
     DotsPerInch fromExif;
     ForEachPngChunk(device, [&](const QByteArray& type, qint64 position, quint32 length) {
         if (type == "pHYs" && length == 9) {
@@ -79,7 +80,8 @@ FileMetadata ReadPng(QIODevice& device) {
                 metadata.resolution = FromDotsPerMetre(
                     platform::ByteReader(density, platform::ByteOrder::BigEndian).Read<quint32>());
             }
-        } else if (type == "eXIf" && length <= MaximumExifSize) {
+        } else if (type == "eXIf" && length <= MaximumExifSize && !hasExif) {
+            hasExif = true;
             const FileMetadata exif = ReadExif(BytesAt(device, position, length));
             metadata.orientation = exif.orientation;
             fromExif = exif.resolution;

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "imaging/pixels/NewImage.h"
+#include "platform/ByteReader.h"
 
 namespace kadrona::imaging {
 
@@ -148,6 +149,31 @@ QByteArray ProfileOf(const Header& header, QIODevice& device) {
     return PrimariesProfile(header.primaries, header.gamma);
 }
 
+/// By the file's first chunk, before anything goes through all that lies before the pixels.
+void RequireAllowedFile(const ReadTask& task) {
+    constexpr qsizetype TypePosition = 12;
+    constexpr qsizetype SizePosition = 16;
+    const QByteArray start = task.Device().peek(SizePosition + 8);
+    if (start.size() < SizePosition + 8 || start.sliced(TypePosition, 4) != "IHDR") {
+        task.Fail(DamagedOrIncompleteFileReason());
+    }
+    platform::ByteReader size(QByteArrayView(start).sliced(SizePosition),
+                              platform::ByteOrder::BigEndian);
+    const auto width = size.Read<quint32>();
+    const auto height = size.Read<quint32>();
+    if (width > PNG_UINT_31_MAX || height > PNG_UINT_31_MAX) {
+        task.Fail(DamagedFileReason());
+    }
+    task.RequireAllowedSize(width, height);
+    // Uncompressed, with more than any program puts beside them: each chunk takes time.
+    constexpr qint64 MostBytesAPixel = 9;
+    constexpr qint64 MostOtherBytes = 100'000'000;
+    const qint64 most = qint64{width} * height * MostBytesAPixel + MostOtherBytes;
+    if (task.Device().size() > most) {
+        task.Fail(TooLargeFileReason(most));
+    }
+}
+
 /// Every kind of pixel becomes four bytes, blue first, or four 16-bit numbers, red first.
 void SetTransforms(png_structp png, const Header& header) {
     png_set_expand(png);
@@ -194,24 +220,16 @@ bool IsPng(QByteArrayView start) {
 
 DecodedImage ReadPng(const ReadTask& task) {
     DecodedImage decoded;
-    decoded.metadata = ReadFileMetadata(task.Device());
-    task.Device().seek(0);
+    RequireAllowedFile(task);
     PngSource png(task.Device());
     Header header;
     if (!png.Run(
             [&](png_structp structure, png_infop info) { ReadHeader(structure, info, header); })) {
         task.Fail(png.Reason());
     }
-    task.RequireAllowedSize(header.width, header.height);
-    // Uncompressed, with more than any program puts beside them: each chunk takes time.
-    constexpr qint64 MostBytesAPixel = 9;
-    constexpr qint64 MostOtherBytes = 100'000'000;
-    const qint64 most = qint64{header.width} * header.height * MostBytesAPixel + MostOtherBytes;
-    if (task.Device().size() > most) {
-        task.Fail(TooLargeFileReason(most));
-    }
     header.deep = header.deep && qint64{header.width} * header.height <= MostDeepPixels;
     const qint64 pixels = task.Device().pos();
+    decoded.metadata = ReadFileMetadata(task.Device());
     decoded.profile = ProfileOf(header, task.Device());
     task.Device().seek(pixels);
     if (header.grey) {
