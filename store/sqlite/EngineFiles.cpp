@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kadrona::store {
@@ -56,6 +57,19 @@ int LookForOwn(const char* path, struct stat* status) {
     return result;
 }
 
+decltype(sqlite3_vfs::xAccess) accessOfEngine = nullptr;
+
+/// A companion that counts as there is read whole. The engine asks that way for a database's
+/// journal too, and for a log of changes, which it takes without asking where the database says
+/// that it has one.
+int IsThere(sqlite3_vfs* files, const char* path, int question, int* answer) {
+    if (question == SQLITE_ACCESS_EXISTS && !std::string_view(path).ends_with("-journal")) {
+        *answer = 0;
+        return SQLITE_OK;
+    }
+    return accessOfEngine(files, path, question, answer);
+}
+
 int RemoveOwn(const char* path) {
     if (!IsOwn(path) || std::string_view(path).ends_with(".db")) {
         errno = EPERM;
@@ -72,6 +86,7 @@ void BoundEngineFiles() {
         files->xSetSystemCall(files, "open", reinterpret_cast<Call>(OpenAtOnce));
         files->xSetSystemCall(files, "stat", reinterpret_cast<Call>(LookForOwn));
         files->xSetSystemCall(files, "unlink", reinterpret_cast<Call>(RemoveOwn));
+        accessOfEngine = std::exchange(files->xAccess, IsThere);
     }
 }
 
