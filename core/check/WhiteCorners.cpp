@@ -65,6 +65,30 @@ class Corner {
     const bool bottom_;
 };
 
+/// What a rotation leaves along the whole upper edge: below it the photo begins in a straight line
+/// that is not level, unlike a head before a white wall.
+bool HasWhiteWedge(const QImage& photo, const QRect& cut) {
+    constexpr int Columns = 9;
+    constexpr double Straight = 2;
+    std::array<double, Columns> heights{};
+    for (int i = 0; i < Columns; ++i) {
+        const int x = cut.left() + (cut.width() - 1) * i / (Columns - 1);
+        int height = 0;
+        while (height < cut.height() &&
+               (photo.pixel(x, cut.top() + height) & RGB_MASK) == RGB_MASK) {
+            ++height;
+        }
+        heights[static_cast<size_t>(i)] = height;
+    }
+    const double slope = (heights.back() - heights.front()) / (Columns - 1);
+    const auto isOnLine = [&](const double& height) {
+        const auto i = static_cast<double>(&height - heights.data());
+        return std::abs(height - heights.front() - slope * i) <= Straight;
+    };
+    return std::abs(heights.back() - heights.front()) >= SmallestSide &&
+           std::ranges::all_of(heights, isOnLine);
+}
+
 }  // namespace
 
 bool HasWhiteCorners(const imaging::Pixels& photo, const QRect& rectangle, bool turned) {
@@ -77,12 +101,15 @@ bool HasWhiteCorners(const imaging::Pixels& photo, const QRect& rectangle, bool 
                              Corner(image, cut, false, true), Corner(image, cut, true, true)};
     if (!turned) {
         return std::ranges::any_of(corners,
-                                   [](const Corner& corner) { return corner.IsWhiteTriangle(); });
+                                   [](const Corner& corner) { return corner.IsWhiteTriangle(); }) ||
+               HasWhiteWedge(image, cut);
     }
     const auto isWhite = [](const Corner& corner) { return corner.IsWhite(); };
     const auto white = std::ranges::count_if(corners, isWhite);
-    // A white wall fills both upper corners alike; a rotation leaves white opposite to it too.
-    return white > 0 && !(white == 2 && isWhite(corners[0]) && isWhite(corners[1]));
+    // A white wall fills both upper corners alike; a rotation leaves white opposite to it too, or a
+    // wedge where the cut lies at the photo's edge.
+    return white > 0 && (!(white == 2 && isWhite(corners[0]) && isWhite(corners[1])) ||
+                         HasWhiteWedge(image, cut));
 }
 
 }  // namespace kadrona::core

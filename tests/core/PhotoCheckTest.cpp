@@ -242,10 +242,13 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
         EXPECT_EQ(LineOf(photo, name).state,
                   published ? CheckState::Unmeasured : CheckState::Guidance);
     }
-    for (const auto& [file, state] :
-         {std::pair(u"irland-reisepass.schablone"_s, CheckState::Guidance),
-          std::pair(u"frankreich-reisepass.schablone"_s, CheckState::Missed)}) {
-        photo.figures = DeliveredRow(file);
+    TemplateRow own;
+    own.width = own.height = {450};
+    for (const auto& [figures, state] :
+         {std::pair(own, CheckState::Guidance),
+          std::pair(DeliveredRow(u"irland-reisepass.schablone"_s), CheckState::Missed),
+          std::pair(DeliveredRow(u"frankreich-reisepass.schablone"_s), CheckState::Missed)}) {
+        photo.figures = figures;
         EXPECT_EQ(LineOf(photo, u"face"_s).state, state);
         EXPECT_TRUE(IsOutside(LineOf(photo, u"face"_s)));
     }
@@ -278,7 +281,7 @@ TEST(PhotoCheck, RefusesEditsWhereGeometryAloneIsAllowed) {
           std::tuple(u"indien-reisepass-datei.schablone"_s, u"cutWidth"_s, u", Beleg T,"_s),
           std::tuple(usa, u"editing"_s, u", Beleg S,"_s),
           std::tuple(usa, u"headHeight"_s, u", Beleg T, S,"_s),
-          std::tuple(u"niederlande-reisepass.schablone"_s, u"faceWidth"_s, u"“, gelesen"_s)}) {
+          std::tuple(u"niederlande-reisepass.schablone"_s, u"faceWidth"_s, u", Beleg T, S,"_s)}) {
         const QString told = LineOf(PlacedPhoto(DeliveredRow(file)), line).source;
         EXPECT_TRUE(told.contains(source)) << told.toStdString();
         const std::vector<CheckLine> lines = CheckPhoto(PlacedPhoto(DeliveredRow(file)));
@@ -323,6 +326,9 @@ TEST(PhotoCheck, SeesTheCornersThatARotationLeaves) {
         painter.end();
         EXPECT_TRUE(found(photo.rect(), false)) << degrees;
         EXPECT_FALSE(found(photo.rect().adjusted(70, 70, -70, -70), false)) << degrees;
+        const int left = photo.width() / 2 - (degrees > 0 ? 0 : 150);
+        EXPECT_TRUE(found(QRect(left, 0, 150, 200), true)) << "a wedge";
+        EXPECT_TRUE(found(QRect(left, 0, 150, 200), false)) << degrees;
         photo = QImage(whole.size(), QImage::Format_RGB32);
     }
 }
