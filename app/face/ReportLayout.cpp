@@ -93,7 +93,7 @@ class Column {
         const QFont font = SmallReportFont();
         Add(font, 0, y, 50, u"Regel"_s);
         Add(font, 52, y, 20, u"gemessen"_s);
-        Add(font, 74, y, 33, u"verlangt"_s);
+        Add(font, 74, y, 33, u"Grenzen"_s);
         Add(font, 112, y, 26, u"Ergebnis"_s);
         return Add(font, 140, y, 30, u"Quelle"_s) + GapBetweenLines;
     }

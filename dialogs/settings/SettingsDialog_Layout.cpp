@@ -256,7 +256,7 @@ void TEinstellungenFm::FillOptionsPage(QVBoxLayout& layout) {
 void TEinstellungenFm::FillCheckPage(QVBoxLayout& layout) {
     auto* alignToFace = ChoiceBox(u"AlignToFace"_s, {u"nie"_s, u"vorschlagen"_s, u"immer"_s});
     auto* askBeforeCut = Named<controls::WrappingCheckBox>(
-        u"AskBeforeCut"_s, u"&Vor „Passbilder erstellen“ fragen, wenn etwas nicht erfüllt ist"_s);
+        u"AskBeforeCut"_s, u"&Vor dem Zuschneiden fragen, wenn etwas nicht erfüllt ist"_s);
 
     layout.addLayout(Captioned(u"Schablone am &Gesicht ausrichten"_s, alignToFace));
     layout.addSpacing(GroupSpacing);
