@@ -159,14 +159,17 @@ bool IsPrinted(const TemplateRow& row) {
 }
 
 /// No pair of eyes is farther apart than a third of the head's height; usual is a quarter. Where
-/// the document wants smaller heads, its pictures cannot have what is wanted of passports.
+/// the document wants smaller heads, or is too small for larger ones, its pictures cannot have what
+/// is wanted of passports.
 bool CanHaveEyesApart(const TemplateRow& row) {
     if (row.IsFileOnly()) {
         return false;
     }
     constexpr double MostPartOfHead = 1.0 / 3;
-    constexpr double Wanted = 100;  // tenths of a millimetre
-    return !row.head.IsComplete() || MostPartOfHead * row.head.Middle() >= Wanted;
+    constexpr double Wanted = 100;     // tenths of a millimetre
+    constexpr double UsualHead = 0.8;  // of the picture's height, as in passports
+    const double head = row.head.IsComplete() ? row.head.Middle() : UsualHead * row.height.value;
+    return MostPartOfHead * head >= Wanted;
 }
 
 /// The file is made smaller where the cut has more; larger makes it no sharper. It is no fault of
@@ -200,7 +203,7 @@ QString HeadNote(const CheckedPhoto& photo, const TemplateRow& row) {
 
 /// A head has the right height wherever it is; only inside the cut it is in the picture.
 QString HeadFault(const CheckedPhoto& photo, const TemplateRow& row) {
-    if (!photo.face || !JudgesTheHead(row)) {
+    if (!photo.face || !WantsAFace(row)) {
         return {};
     }
     const QRectF cut = photo.rectangle;

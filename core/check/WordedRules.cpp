@@ -30,19 +30,16 @@ QString EditsText(const imaging::PhotoEdits& edits) {
 
 }  // namespace
 
-bool JudgesTheHead(const TemplateRow& row) {
-    const auto isJudged = [](const Band& band, bool isAdvice) {
-        return (band.from || band.to) && !isAdvice;
-    };
-    return isJudged(row.head, row.headIsAdvice) || isJudged(row.eyes, row.eyesAreAdvice);
+bool WantsAFace(const TemplateRow& row) {
+    return !row.evidence.isEmpty();
 }
 
 PublishedBand FaceOfHead(const TemplateRow& row) {
-    return InWords(JudgesTheHead(row));
+    return InWords(WantsAFace(row));
 }
 
 void FinishFace(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row) {
-    const bool isJudged = JudgesTheHead(row);
+    const bool isJudged = WantsAFace(row);
     if (!photo.wasFaceLookedFor) {
         line.note = u"nicht gesucht"_s;
         line.state = isJudged ? CheckState::Unmeasured : CheckState::Guidance;

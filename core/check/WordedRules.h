@@ -7,10 +7,10 @@ namespace kadrona::core {
 // What the table of rules needs for those that are not a figure between two limits: whether a
 // document's row says anything of them (`published`), and what is found (`finish`).
 
-/// Whether a document's figures say that there is a head in the picture.
-bool JudgesTheHead(const TemplateRow& row);
+/// Whether the row is of a document: each wants a face in its picture, also those that publish no
+/// figures of it. Of a template of the user's own nothing is known.
+bool WantsAFace(const TemplateRow& row);
 
-/// Who publishes where a head has to be wants one; of other documents nothing is judged.
 PublishedBand FaceOfHead(const TemplateRow& row);
 void FinishFace(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
 
