@@ -258,8 +258,10 @@ ServerLink::Result ServerLink::Receive(AnswerWatch& answer) {
         const ExecStatusType status = PQresultStatus(next.get());
         const bool isCopy = status == PGRES_COPY_OUT || status == PGRES_COPY_IN ||
                             status == PGRES_COPY_BOTH;  // which nobody asked for
-        if (isCopy || !answer.Excess().isEmpty()) {
-            GiveUp(isCopy ? u"Der Server antwortet mit etwas anderem"_s : answer.Excess());
+        const QString reason =
+            isCopy ? u"Der Server antwortet mit etwas anderem"_s : answer.Excess();
+        if (!reason.isEmpty()) {
+            GiveUp(reason);
         }
         // A failure says more than the end of the connection that follows it.
         if (last == nullptr || PQresultStatus(last.get()) != PGRES_FATAL_ERROR) {

@@ -164,6 +164,12 @@ TEST(ToldServerTest, AHostileAnswerIsGivenUp) {
                   u"findet mit seiner Antwort kein Ende",
                   std::chrono::milliseconds(500)},
              Case{{}, parameter.repeated(1000), 0, u"schickt viel und beantwortet nichts"},
+             Case{{"1\0\0\0\4"
+                   "2\0\0\0\4",
+                   10},
+                  QByteArray("C\0\0\0\15SELECT 0\0", 14).repeated(700),
+                  0,
+                  u"schickt viel und beantwortet nichts"},
              Case{{"E\0\0\0\5\0Z\0\0\0\5I", 12}, {}, 0, u"sagt nicht, warum"},
          }) {
         const ToldServer server(Greeting("15.1") << listening << listening << row.answer,
