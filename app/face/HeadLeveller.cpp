@@ -81,7 +81,7 @@ void HeadLeveller::EndMode() {
     actions_[Action::LevelByLine]->setChecked(false);
 }
 
-/// The template's middle and what the user has corrected of the face turn with the photo.
+/// The template's middle turns with the photo.
 void HeadLeveller::Level(double tiltDegrees) {
     constexpr double WorthTurning = 0.1;
     if (std::abs(tiltDegrees) < WorthTurning) {
@@ -89,8 +89,6 @@ void HeadLeveller::Level(double tiltDegrees) {
         return;
     }
     imaging::LayeredImage& image = session_.Image();
-    const bool isCorrected = face_.IsCorrected();
-    const imaging::FaceSearch before = face_.Search();
     const QRect place = session_.TemplateRectangle();
     const QPointF middle = QRectF(QPointF(), image.Photo().Size()).center();
     rotateActions_.LevelPhoto(tiltDegrees);
@@ -102,9 +100,6 @@ void HeadLeveller::Level(double tiltDegrees) {
         QRect turned = place;
         turned.moveCenter(turn.map(QRectF(place).center()).toPoint());
         image.SetLayerRectangle(1, core::KeptInsidePhoto(turned, image.Photo().Size()));
-    }
-    if (isCorrected) {
-        face_.TakeMarked(imaging::Turned(*before.face, turn));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "app/face/PhotoFace.h"
 
+#include <QRectF>
+#include <QTransform>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -26,6 +28,7 @@ PhotoFace::PhotoFace(PhotoSession& session, QWidget& window, Searcher search)
     timer_.setInterval(SearchDelayMilliseconds);
     connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
     connect(&session.Image(), &LayeredImage::PhotoEdited, this, [this] { painting_ = true; });
+    connect(&session.Image(), &LayeredImage::PhotoTurned, this, &PhotoFace::FollowTurn);
     connect(&session.Image(), &LayeredImage::PhotoChanged, this, [this] { FollowPhoto(); });
 }
 
@@ -33,17 +36,49 @@ PhotoFace::Searcher PhotoFace::SearchOfThisMachine() {
     return [](const imaging::Pixels& photo) { return imaging::FindFace(photo); };
 }
 
+/// What the user has corrected turns with the photo, and back.
+void PhotoFace::FollowTurn(double degreesCounterClockwise) {
+    isTurning_ = true;
+    if (degreesCounterClockwise == 0) {
+        if (!beforeTurns_.empty()) {
+            turned_ = beforeTurns_.back();
+            beforeTurns_.pop_back();
+        }
+        return;
+    }
+    const auto corrected = IsCorrected() ? found_.face : std::nullopt;
+    beforeTurns_.push_back(corrected);
+    if (corrected) {
+        const QPointF from = QRectF({}, photoSize_).center();
+        const QPointF to = QRectF({}, session_.Image().Photo().Size()).center();
+        turned_ = imaging::Turned(*corrected, QTransform::fromTranslate(-from.x(), -from.y()) *
+                                                  QTransform().rotate(-degreesCounterClockwise) *
+                                                  QTransform::fromTranslate(to.x(), to.y()));
+    }
+}
+
 /// The stamp, many times a second, and a change of tones leave the face where it is. Where none was
 /// found, other tones may show one.
 void PhotoFace::FollowPhoto() {
     measured_ = false;
-    const int geometry = session_.Image().Edits().geometry;
+    const LayeredImage& image = session_.Image();
+    const int geometry = image.Edits().geometry;
     const bool stays = std::exchange(geometry_, geometry) == geometry;
-    if (!std::exchange(painting_, false) && !(stays && found_.face)) {
-        known_ = false;
-        found_ = {};
-        measures_ = {};
-        Q_EMIT Forgotten();
+    const bool isTurning = std::exchange(isTurning_, false);
+    const auto turned = std::exchange(turned_, std::nullopt);
+    photoSize_ = image.IsEmpty() ? QSize() : image.Photo().Size();
+    if (std::exchange(painting_, false) || (stays && found_.face)) {
+        return;
+    }
+    if (!isTurning && !stays) {
+        beforeTurns_.clear();
+    }
+    known_ = false;
+    found_ = {};
+    measures_ = {};
+    Q_EMIT Forgotten();
+    if (turned) {
+        TakeMarked(*turned);
     }
 }
 

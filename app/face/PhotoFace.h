@@ -4,6 +4,8 @@
 #include <QSize>
 #include <QTimer>
 #include <functional>
+#include <optional>
+#include <vector>
 
 #include "imaging/face/Face.h"
 #include "imaging/face/PortraitMeasures.h"
@@ -63,6 +65,7 @@ class PhotoFace : public QObject {
     void PointMoved();
 
  private:
+    void FollowTurn(double degreesCounterClockwise);
     void FollowPhoto();
     void Look();
     static Searcher SearchOfThisMachine();
@@ -74,7 +77,13 @@ class PhotoFace : public QObject {
     imaging::FaceSearch found_;
     imaging::PortraitMeasures measures_;
     QString missing_;
-    int geometry_ = 0;       ///< of the photo as it is
+    /// The points that the user had corrected before each turn that can be undone.
+    std::vector<std::optional<imaging::Face>> beforeTurns_;
+    /// What becomes of corrected points in a photo that is being turned.
+    std::optional<imaging::Face> turned_;
+    bool isTurning_ = false;
+    QSize photoSize_;        ///< of the photo as it is
+    int geometry_ = 0;       ///< the same
     bool known_ = false;     ///< found_ is of the photo as it is
     bool measured_ = false;  ///< measures_ are of the photo and the points as they are
     bool painting_ = false;  ///< the next change of the photo is the stamp's

@@ -106,7 +106,7 @@ void LayeredImage::TurnPhoto(double degreesCounterClockwise) {
     layers_.front().pixels = std::move(turned);
     edits_.Add(PhotoEdit::Geometry);
     edits_.turnedFreely |= std::fmod(degreesCounterClockwise, 90) != 0;
-    Q_EMIT PhotoTurned();
+    Q_EMIT PhotoTurned(degreesCounterClockwise);
     Q_EMIT PhotoChanged();
 }
 
@@ -188,7 +188,7 @@ void LayeredImage::Undo() {
     }
     photo.rectangle = QRect(QPoint(), photo.pixels.Size());
     if (places) {
-        Q_EMIT PhotoTurned();
+        Q_EMIT PhotoTurned(0);
     }
     Q_EMIT PhotoChanged();
     if (places) {

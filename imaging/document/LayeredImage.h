@@ -109,9 +109,9 @@ class LayeredImage : public QObject {
     void PhotoChanged();
     /// Comes before PhotoChanged where pixels inside `area` alone were changed in place.
     void PhotoEdited(const QRect& area);
-    /// What the photo shows lies elsewhere in it: it was turned, or a turn undone. Comes before
-    /// PhotoChanged.
-    void PhotoTurned();
+    /// What the photo shows lies elsewhere in it: it was turned around its middle, or a turn
+    /// undone, with 0 degrees. Comes before PhotoChanged.
+    void PhotoTurned(double degreesCounterClockwise);
     /// A layer above the photo, the current layer or a visibility changed.
     void LayersChanged();
 

@@ -218,6 +218,12 @@ TEST_F(FaceStory, CorrectedPointsTurnWithThePhotoAndKeepTheirSides) {
     drag(DrawnChin + QPointF(0, 40), DrawnCrown);
     EXPECT_EQ(height(), corrected) << "no chin stands above the eyes";
     drag(DrawnLeftEye, 2 * DrawnRightEye - DrawnLeftEye);
+    Trigger(u"acRotateLeft"_s);
+    Trigger(u"acRotateRight"_s);
+    EXPECT_NEAR(height(), corrected, 1) << "turned and back";
+    Trigger(u"acUndo"_s);
+    Trigger(u"acUndo"_s);
+    EXPECT_EQ(height(), corrected) << "both undone";
     Trigger(u"acLevelHead"_s);
     const QImage level = Image().Photo().ToImage();
     EXPECT_NE(level.pixelColor(level.width() / 2, level.height() - 9), QColor(Qt::white))
