@@ -79,8 +79,10 @@ QImage DecodeFrame(const WebPData& frame, qint64 kept, const ReadTask& task) {
     }
     const WebPBitstreamFeatures& features = config.input;
     task.RequireAllowedSize(features.width, features.height);
-    // A lossless picture is decoded beside the result, in four bytes a pixel of its own.
-    const int beside = features.format == Lossless ? 4 : 0;
+    // A lossless picture is decoded beside the result, in four bytes a pixel of its own, and so is
+    // the alpha of a lossy one, with the byte that becomes of it.
+    const int besideLossy = features.has_alpha ? 5 : 0;
+    const int beside = features.format == Lossless ? 4 : besideLossy;
     task.RequireMemoryBeside(kept + qint64{features.width} * features.height * beside);
     QImage image = NewImage({features.width, features.height},
                             features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
