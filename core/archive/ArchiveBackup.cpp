@@ -217,13 +217,15 @@ class BackupRun {
 
     /// Whose files came again, by hand or from another backup, keeps them.
     void RemoveDeleted() {
-        const QSet<QString> named = NamedFiles(database_);
+        QSet<QString> paths;
         store::Statement deleted(database_, uR"(SELECT "Path" FROM "ImgDeletedFile")"_s);
         while (deleted.Step()) {
-            const QString copy = StoredFolderPath(to_, deleted.Text(0));
-            if (!named.contains(deleted.Text(0)) && IsInsideArchive(copy, to_) &&
-                QFileInfo(copy).isFile() &&
-                !QFileInfo::exists(StoredFolderPath(from_, deleted.Text(0)))) {
+            paths.insert(deleted.Text(0));
+        }
+        for (const QString& path : paths - FilesOfNoDeletedPhoto(database_, paths)) {
+            const QString copy = StoredFolderPath(to_, path);
+            if (IsInsideArchive(copy, to_) && QFileInfo(copy).isFile() &&
+                !QFileInfo::exists(StoredFolderPath(from_, path))) {
                 Remove(copy);
             }
         }

@@ -60,6 +60,9 @@ class FileNotes {
         NoteFile(OriginalTable, sharedOriginals_, id);
     }
 
+    /// As stored in the notes.
+    const QSet<QString>& Paths() const { return paths_; }
+
  private:
     /// Not where another record has the same file.
     void NoteFile(const FileTable& of, const QSet<QString>& shared, qint64 id) {
@@ -71,12 +74,14 @@ class FileNotes {
         if (shared.contains(file.Text(1)) && IsShared(of, file.Text(0), file.Text(1), id)) {
             return;
         }
+        const QString path = StoredPath(file.Text(0), file.Text(1));
+        paths_.insert(path);
         for (const auto* table : {"ImgRemoval", "ImgDeletedFile"}) {
             store::Statement(
                 database_,
                 uR"(INSERT INTO "%1" ("Path", "ID") VALUES (?, ?) ON CONFLICT DO NOTHING)"_s.arg(
                     QLatin1StringView(table)))
-                .Bind(1, StoredPath(file.Text(0), file.Text(1)))
+                .Bind(1, path)
                 .Bind(2, id)
                 .Step();
         }
@@ -95,6 +100,7 @@ class FileNotes {
     store::Database& database_;
     QSet<QString> sharedPhotos_;
     QSet<QString> sharedOriginals_;
+    QSet<QString> paths_;
 };
 
 /// Of a record that has a number alone.
@@ -151,9 +157,9 @@ void ForgetRemovals(store::Database& database, const QStringList& paths) {
     transaction.Commit();
 }
 
-}  // namespace
-
-QStringList FinishDeletion(store::Database& database, const QString& archiveFolder) {
+/// `justNoted`: by this program, which has looked that no other record has these files.
+QStringList RemoveNoted(store::Database& database, const QString& archiveFolder,
+                        const QSet<QString>& justNoted) {
     if (!database.TableExists(u"ImgRemoval"_s)) {
         return {};
     }
@@ -166,10 +172,20 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
     if (const QString reason = WhyUnmounted(database, archiveFolder); !reason.isEmpty()) {
         return {reason};
     }
+    // Who may write to the database may not have any file removed by that alone.
+    const QSet<QString> foreign =
+        FilesOfNoDeletedPhoto(database, QSet<QString>(paths.begin(), paths.end()) - justNoted);
     QStringList failures;
     QStringList removed;
     for (const QString& path : paths) {
         const QString file = StoredFolderPath(archiveFolder, path);
+        if (foreign.contains(path)) {
+            failures.append(
+                u"Die Datei „%1“ ist keine eines gelöschten Bildes und wird nicht entfernt."_s.arg(
+                    file));
+            removed.append(path);
+            continue;
+        }
         try {
             RemoveArchiveFile(file, archiveFolder);
             removed.append(path);
@@ -182,6 +198,12 @@ QStringList FinishDeletion(store::Database& database, const QString& archiveFold
     }
     ForgetRemovals(database, removed);
     return failures;
+}
+
+}  // namespace
+
+QStringList FinishDeletion(store::Database& database, const QString& archiveFolder) {
+    return RemoveNoted(database, archiveFolder, {});
 }
 
 Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
@@ -203,7 +225,7 @@ Deletion DeleteRecords(store::Database& database, const QString& archiveFolder,
             }
             transaction.Commit();
         }
-        deletion.failures += FinishDeletion(database, archiveFolder);
+        deletion.failures += RemoveNoted(database, archiveFolder, notes.Paths());
     }
     deletion.failures.removeDuplicates();
     return deletion;

@@ -89,6 +89,28 @@ QSet<QString> NamedFiles(store::Database& database) {
     return paths;
 }
 
+QSet<QString> FilesOfNoDeletedPhoto(store::Database& database, const QSet<QString>& paths) {
+    if (paths.isEmpty()) {
+        return {};
+    }
+    // A second original of a photo has "(2)".
+    static const QRegularExpression form(
+        u"/[0-9]{4}_[0-9]{2}_[0-9]{5,12}(?: \\([0-9]{1,3}\\))?\\.[a-z0-9]{1,5}\\z"_s);
+    const auto clean = [](QString path) { return QDir::cleanPath(path.replace(u'\\', u'/')); };
+    QSet<QString> named;
+    for (const QString& path : NamedFiles(database)) {
+        named.insert(clean(path));
+    }
+    QSet<QString> others;
+    for (const QString& path : paths) {
+        const QString file = clean(path);
+        if (named.contains(file) || !form.match(file).hasMatch()) {
+            others.insert(path);
+        }
+    }
+    return others;
+}
+
 qint64 NumberInName(const QString& path) {
     static const QRegularExpression form(u"(?:^|/)[0-9]{4}_[0-9]{2}_([0-9]{5,9})\\.[^/.]*\\z"_s);
     return form.match(path).captured(1).toLongLong();

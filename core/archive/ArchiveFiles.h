@@ -26,6 +26,10 @@ QString StoredPath(const QString& storedFolder, const QString& name);
 /// Photos and originals that a record has, as StoredPath names them. Throws store::StoreError.
 QSet<QString> NamedFiles(store::Database& database);
 
+/// Those of the paths that a record has, in whatever spelling, or whose names are none of a photo
+/// or original. Throws store::StoreError.
+QSet<QString> FilesOfNoDeletedPhoto(store::Database& database, const QSet<QString>& paths);
+
 /// The number in the name of a photo or original, "2026_03_00042.jpg"; 0 where there is none, and
 /// where it is one that would soon leave no others.
 qint64 NumberInName(const QString& path);

@@ -95,6 +95,12 @@ TEST_F(ArchiveKeeping, NothingIsDeletedOrWrittenOutsideTheArchiveNorWithoutItsFo
     EXPECT_EQ(core::FinishDeletion(Database(), archiveFolder), QStringList()) << "said once";
 
     File(u"b\r\n"_s);
+    installation.Write("archive/Steuer.txt", "x");
+    Execute(
+        uR"(INSERT INTO "ImgRemoval" VALUES ('Steuer.txt', 8), ('2026/03/2026_03_00002.jpg', 9))"_s);
+    EXPECT_EQ(core::FinishDeletion(Database(), archiveFolder).size(), 2);
+    EXPECT_TRUE(QFile::exists(installation.Path("archive/Steuer.txt")));
+    EXPECT_TRUE(QFile::exists(Filed("2026_03_00002.jpg")));
     ASSERT_TRUE(QDir().rename(archiveFolder, archiveFolder + u"-away"_s));
     EXPECT_THROW(Delete({2}), platform::FileError);
     EXPECT_EQ(Table().Ids(), Ids({2}));
