@@ -65,6 +65,14 @@ class KeptOriginal {
     QString path_;
 };
 
+/// Else the folders of years would be looked for in the root folder.
+void RequireChosen(const QString& archiveFolder) {
+    if (archiveFolder.isEmpty()) {
+        throw platform::FileError(
+            u"In den Einstellungen ist kein „Bildarchiv Verzeichnis“ angegeben."_s);
+    }
+}
+
 }  // namespace
 
 /// The file of a photo that is being filed. Its name is claimed exclusively, so that no other
@@ -225,8 +233,11 @@ Filing PhotoArchive::FileAs(const PhotoToFile& known, const NameSources& names,
     }
     ClaimedFile file;
     const auto nameOf = [&](qint64 id) { return GetArchivFileName(id, names) + u".jpg"_s; };
-    currentRecord_ = table->Insert(
-        [&](qint64 id) { return !file.Claim(platform::JoinPath(folder, nameOf(id))); });
+    currentRecord_ = table->Insert([&](qint64 id) {
+        return !known.archiveFolder.isEmpty() &&
+               !file.Claim(platform::JoinPath(folder, nameOf(id)));
+    });
+    RequireChosen(known.archiveFolder);
     write(file.Path());
     CreateKeeping(*database_);
     FiledFiles files{.photo = DigestOf(file.Path()).value_or(FileDigest()), .original = {}};

@@ -110,6 +110,7 @@ TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
     OpenGrey(500, 600);
     data.CropImage(image, 0);
     EXPECT_EQ(ui.messages.size(), 4) << "tried again twice";
+    EXPECT_TRUE(ui.messages.last().startsWith(u"In den Einstellungen ist kein"_s));
     EXPECT_TRUE(ui.messages.last().endsWith(u"Soll es noch einmal versucht werden?"_s));
     EXPECT_EQ(ui.tagEditorShown, 3) << "with the same tags";
     EXPECT_EQ(ui.offeredTags, QStringList()) << "not those of the cut before";
