@@ -10,6 +10,7 @@
 #include "app/face/PhotoFace.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/templates/LayerPosition.h"
+#include "imaging/document/TurnSeries.h"
 #include "imaging/view/ImageView.h"
 
 using namespace Qt::StringLiterals;
@@ -90,16 +91,14 @@ void HeadLeveller::Level(double tiltDegrees) {
     }
     imaging::LayeredImage& image = session_.Image();
     const QRect place = session_.TemplateRectangle();
-    const QPointF middle = QRectF(QPointF(), image.Photo().Size()).center();
+    const QSize before = image.Photo().Size();
     rotateActions_.LevelPhoto(tiltDegrees);
-    const QPointF to = QRectF(QPointF(), image.Photo().Size()).center();
-    const QTransform turn = QTransform::fromTranslate(-middle.x(), -middle.y()) *
-                            QTransform().rotate(-tiltDegrees) *
-                            QTransform::fromTranslate(to.x(), to.y());
     if (session_.HasTemplate()) {
+        const QSize after = image.Photo().Size();
+        const QTransform turn = imaging::TurnAroundMiddle(before, after, tiltDegrees);
         QRect turned = place;
         turned.moveCenter(turn.map(QRectF(place).center()).toPoint());
-        image.SetLayerRectangle(1, core::KeptInsidePhoto(turned, image.Photo().Size()));
+        image.SetLayerRectangle(1, core::KeptInsidePhoto(turned, after));
     }
 }
 

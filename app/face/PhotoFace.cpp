@@ -1,7 +1,5 @@
 #include "app/face/PhotoFace.h"
 
-#include <QRectF>
-#include <QTransform>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "app/base/PhotoSession.h"
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
+#include "imaging/document/TurnSeries.h"
 #include "imaging/face/Cascades.h"
 #include "imaging/face/FaceFinder.h"
 
@@ -49,11 +48,9 @@ void PhotoFace::FollowTurn(double degreesCounterClockwise) {
     const auto corrected = IsCorrected() ? found_.face : std::nullopt;
     beforeTurns_.push_back(corrected);
     if (corrected) {
-        const QPointF from = QRectF({}, photoSize_).center();
-        const QPointF to = QRectF({}, session_.Image().Photo().Size()).center();
-        turned_ = imaging::Turned(*corrected, QTransform::fromTranslate(-from.x(), -from.y()) *
-                                                  QTransform().rotate(-degreesCounterClockwise) *
-                                                  QTransform::fromTranslate(to.x(), to.y()));
+        turned_ = imaging::Turned(
+            *corrected, imaging::TurnAroundMiddle(photoSize_, session_.Image().Photo().Size(),
+                                                  degreesCounterClockwise));
     }
 }
 

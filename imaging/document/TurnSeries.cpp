@@ -26,4 +26,10 @@ void TurnSeries::Forget() {
     results_.clear();
 }
 
+QTransform TurnAroundMiddle(QSize before, QSize after, double degreesCounterClockwise) {
+    return QTransform::fromTranslate(-before.width() / 2.0, -before.height() / 2.0) *
+           QTransform().rotate(-degreesCounterClockwise) *
+           QTransform::fromTranslate(after.width() / 2.0, after.height() / 2.0);
+}
+
 }  // namespace kadrona::imaging

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSize>
+#include <QTransform>
 #include <utility>
 #include <vector>
 
@@ -24,5 +26,9 @@ class TurnSeries {
     /// By which angle each of the results came of the first photo, told apart by its pixels.
     std::vector<std::pair<qint64, double>> results_;
 };
+
+/// Where what a photo shows lies after a turn around its middle, which changes its size; both in
+/// pixels from its upper left corner.
+QTransform TurnAroundMiddle(QSize before, QSize after, double degreesCounterClockwise);
 
 }  // namespace kadrona::imaging
