@@ -243,7 +243,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      EyeLine,
      EyesOf,
-     {0.5, 0.7, FaceImages, Of::Height},
+     {LowestEyes, HighestEyes, FaceImages, Of::Height},
      nullptr},
     {u"faceAxis",
      u"Gesichtsachse vom linken Rand",

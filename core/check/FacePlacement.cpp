@@ -93,7 +93,6 @@ class SizedFace {
     /// Chin above the lower edge: the drawing's chin line, or below the published gap over the
     /// crown, moved as far as the eyes need it to lie inside their band.
     double Chin() const {
-        constexpr double Inside = 2;
         constexpr double FreeHeightBelowChin = 0.6;
         double chin = ChinAboveLowerEdge(row_);
         if (row_.top.IsComplete() && !row_.chin.IsComplete()) {
@@ -101,11 +100,15 @@ class SizedFace {
         } else if (!row_.head.from && !row_.head.to && !row_.chin.IsComplete()) {
             chin = FreeHeightBelowChin * (row_.height.value - rows_);
         }
+        Range chins;
         if (row_.eyes.IsComplete()) {
-            chin = std::max(chin, row_.eyes.from->value + Inside - EyesOverChin());
-            chin = std::min(chin, row_.eyes.to->value - Inside - EyesOverChin());
+            chins = ChinsByEyes();
+        } else if (IsFreeUpAndDown()) {
+            chins = ChinsByEyes();
+            const Range whole = ChinsOfWholeHead();
+            chins.Narrow(whole.from, whole.to);
         }
-        return chin;
+        return chins.IsEmpty() ? chin : chins.Nearest(chin);
     }
 
     /// Middle of the face from the left edge.
@@ -125,9 +128,10 @@ class SizedFace {
         if (row_.top.to) {
             chins.Narrow(fromTop - row_.top.to->value + 1, Infinite);
         }
-        if (!row_.chin.IsComplete() && !row_.top.IsComplete() && !chins.IsEmpty()) {
-            const double chin = chins.Nearest(Chin());
-            chins.Narrow(chin, chin);
+        if (IsFreeUpAndDown() && !chins.IsEmpty()) {
+            const Range free = ChinsOfWholeHead();
+            const double usual = chins.Nearest(Chin());
+            chins.Narrow(std::min(free.from, usual), std::max(free.to, usual));
         }
         return chins;
     }
@@ -163,6 +167,24 @@ class SizedFace {
 
  private:
     static constexpr double Infinite = std::numeric_limits<double>::infinity();
+
+    /// Nobody says where the head stands; of the eyes something may be said.
+    bool IsFreeUpAndDown() const { return !row_.chin.IsComplete() && !row_.top.IsComplete(); }
+
+    /// Where the chin has the eyes inside their band, or the one for all portraits.
+    Range ChinsByEyes() const {
+        constexpr double Inside = 2;
+        const bool isPublished = row_.eyes.IsComplete();
+        const double from = isPublished ? row_.eyes.from->value : LowestEyes * row_.height.value;
+        const double to = isPublished ? row_.eyes.to->value : HighestEyes * row_.height.value;
+        return {from + Inside - EyesOverChin(), to - Inside - EyesOverChin()};
+    }
+
+    /// Where the chin leaves the whole head in the picture.
+    Range ChinsOfWholeHead() const {
+        constexpr double Gap = 5;
+        return {Gap, row_.height.value - rows_ - Gap};
+    }
 
     double EyesOverChin() const {
         return (face_.chin.position.y() - face_.EyeMiddle().y()) * units_;

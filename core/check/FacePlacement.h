@@ -18,6 +18,11 @@ struct FacePlacement {
     bool offMiddle = false;
 };
 
+/// Where the eyes of a portrait lie above its lower edge, as parts of its height: ISO/IEC 39794-5,
+/// D.1 (second hand). It is what is aimed at and shown where a document publishes nothing of it.
+inline constexpr double LowestEyes = 0.5;
+inline constexpr double HighestEyes = 0.7;
+
 /// Which of several faces counts, German; empty where there are not several.
 QString SeveralFacesText(int faceCount);
 
@@ -37,12 +42,13 @@ double FaceAxis(const imaging::Face& face);
 
 /// The template so that the head from chin to crown has the middle of its band and the chin stands
 /// on the template's chin line, the face's axis in the middle of its band, and the eyes inside
-/// theirs. Where only an upper limit of the head is published, nine tenths of it; where nothing is,
-/// seven tenths of the photo's height; larger where that brings the pupils as far apart as is
-/// published. The rectangle has the shape of `canvas` (the size of the template's drawing) and is
-/// never stretched. A photo without room enough moves the template inside the published bands, then
-/// makes the head as large as its band allows; where nothing keeps them all, the template is pushed
-/// back inside.
+/// theirs, or where none is published inside the one for all portraits. Where only an upper limit
+/// of the head is published, nine tenths of it; where nothing is, seven tenths of the photo's
+/// height; larger where that brings the pupils as far apart as is published. The rectangle has the
+/// shape of `canvas` (the size of the template's drawing) and is never stretched. A photo without
+/// room enough moves the template inside the published bands, up and down also where a document
+/// leaves that to the photographer, then makes the head as large as its band allows; where nothing
+/// keeps them all, the template is pushed back inside.
 FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
                           QSize photo);
 

@@ -103,13 +103,16 @@ TEST(FacePlacement, KeepsEveryBandOfATightPhotoWhileOneCan) {
         double head;  ///< millimetres; 0 where the photo is too tight
     };
     const QString germany = u"deutschland-reisepass.schablone"_s;
+    const QString ireland = u"irland-reisepass.schablone"_s;
     const QString finland = u"finnland-reisepass.schablone"_s;
     for (const auto& [file, eyes, photo, head] :
          {Case{finland, {1000, 260}, {2000, 2600}, 34},
           Case{finland, {1000, 1100}, {2000, 1376}, 34},
           Case{finland, {195, 800}, {1000, 2000}, 34.25},
           Case{finland, {1000, 267}, {2000, 540}, 35}, Case{finland, {1000, 265}, {2000, 458}, 0},
-          Case{germany, {1000, 216}, {2000, 2600}, 35}}) {
+          Case{germany, {1000, 216}, {2000, 2600}, 34},
+          Case{ireland, {1000, 230}, {2000, 2600}, 31.5},
+          Case{ireland, {1000, 1100}, {2000, 1310}, 31.5}}) {
         SCOPED_TRACE(::testing::PrintToString(photo) + ::testing::PrintToString(eyes));
         const TemplateRow row = DeliveredRow(file);
         CheckedPhoto checked;
@@ -142,6 +145,7 @@ TEST(FacePlacement, AimsAtWhatIsPublishedBesideTheUsualPlace) {
     EXPECT_NEAR(*LineOf(photo, u"faceAxis"_s).value, 13, 0.1);
     EXPECT_EQ(LineOf(photo, u"eyeLine"_s).state, CheckState::Met);
     row = DeliveredRow(u"oesterreich-reisepass.schablone"_s);
+    EXPECT_GE(*LineOf(PlacedPhoto(row), u"eyeLine"_s).value, 22.5) << "advised for all portraits";
     row.eyeDistance = TenthsOfMillimetre{85};
     EXPECT_EQ(LineOf(PlacedPhoto(row), u"eyeDistance"_s).state, CheckState::Met);
 }
