@@ -182,6 +182,14 @@ std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>
     return faces;
 }
 
+/// How many faces there are. Of a group only some were looked at closely; of those, patterns are
+/// none.
+int CountOf(const std::vector<SeenFace>& faces, const std::vector<FaceCandidate>& candidates) {
+    return static_cast<int>(candidates.size()) -
+           static_cast<int>(
+               std::ranges::count_if(faces, [](const SeenFace& face) { return !IsLikely(face); }));
+}
+
 /// Looks once more from the found eyes where the head is tilted, for the classifiers know eyes on a
 /// level line alone.
 EyePair Settled(const FacePhoto& photo, const EyePair& eyes, double guessedTilt,
@@ -247,7 +255,7 @@ FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     }
     const EyePair eyes =
         Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
-    return {Measured(facePhoto, eyes), static_cast<int>(candidates.size())};
+    return {Measured(facePhoto, eyes), CountOf(faces, candidates)};
 }
 
 }  // namespace
