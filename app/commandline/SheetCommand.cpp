@@ -5,6 +5,7 @@
 #include "app/commandline/CommandSetup.h"
 #include "app/commandline/OrderCommand.h"
 #include "app/commandline/PhotoBatch.h"
+#include "core/check/WordedRules.h"
 #include "core/settings/StoredSettings.h"
 #include "core/sheet/PhotoSaver.h"
 #include "imaging/document/LayeredImage.h"
@@ -33,6 +34,10 @@ QString MakeSheet(core::TData& data, const core::Settings& settings, const Sheet
 int MakeSheets(const SheetRequest& request, core::TData& data, QTextStream& progress,
                QTextStream& errors) {
     LoadTemplate(data, request.templateName);
+    const QString notice = core::PaperNotice(data.TemplateFolder(), data.TemplateName());
+    if (!notice.isEmpty()) {
+        errors << notice << Qt::endl;
+    }
     const core::StoredSettings settings = ProfileSettings(data, request.profile);
     data.SetSettings(&settings);
     const auto forgetSettings = qScopeGuard([&data] { data.SetSettings(nullptr); });

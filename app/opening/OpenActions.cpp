@@ -18,7 +18,7 @@
 #include "controls/messages/ActionGuard.h"
 #include "controls/messages/WaitCursor.h"
 #include "core/Data.h"
-#include "core/check/TemplateTable.h"
+#include "core/check/WordedRules.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/templates/TemplateSize.h"
 #include "dialogs/TemplateChooser.h"
@@ -35,18 +35,9 @@ namespace {
 
 const QString NothingCame = u"Das Bild ist vom anderen Programm nicht angekommen."_s;
 
-/// Whether a document takes pictures on paper no longer. A table that cannot be read is told of
-/// where its figures are needed.
 QString PaperNotice(const core::TData& data, int index) {
-    try {
-        const QString file = QFileInfo(data.GetMaskFileName(index)).fileName();
-        const auto figures = core::TemplateFigures(data.TemplateFolder(), file);
-        return !figures || figures->paper.isEmpty()
-                   ? QString()
-                   : u"Bilder auf Papier werden nicht mehr angenommen: %1."_s.arg(figures->paper);
-    } catch (const platform::Error&) {
-        return {};
-    }
+    const QString file = QFileInfo(data.GetMaskFileName(index)).fileName();
+    return core::PaperNotice(data.TemplateFolder(), file);
 }
 
 }  // namespace
@@ -258,7 +249,8 @@ void OpenActions::LeavePhotoBefore(const Source& source) {
     session_.SetTemplateName({});
 }
 
-/// A template that cannot be read is reported and leaves the photo without one.
+/// A template that cannot be read is reported and leaves the photo without one. Where the chooser
+/// takes one by itself nobody has read there that paper is no longer taken.
 void OpenActions::ChooseTemplate() {
     if (templateChooser_->ShowEx() != controls::ModalResult::Ok) {
         return;
@@ -268,6 +260,9 @@ void OpenActions::ChooseTemplate() {
         if (data_.MaskLoadFromFile(data_.GetMaskFileName(row))) {
             session_.SetTemplateName(data_.GetSchablonenList().value(row));
             data_.DrawMask(session_.Image());
+            if (const QString notice = PaperNotice(data_, row); !notice.isEmpty()) {
+                Q_EMIT actions_.Succeeded(notice.section(u':', 0, 0));
+            }
         }
     });
 }

@@ -103,6 +103,17 @@ void FinishEditing(CheckLine& line, const CheckedPhoto& photo, const TemplateRow
     }
 }
 
+QString PaperNotice(const QString& templateFolder, const QString& templateFile) {
+    try {
+        const auto row = TemplateFigures(templateFolder, templateFile);
+        return !row || row->paper.isEmpty()
+                   ? QString()
+                   : u"Bilder auf Papier werden nicht mehr angenommen: %1."_s.arg(row->paper);
+    } catch (const platform::Error&) {
+        return {};
+    }
+}
+
 PublishedBand PaperOf(const TemplateRow& row) {
     return InWords(!row.paper.isEmpty(), u"Papier");
 }

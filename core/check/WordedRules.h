@@ -23,6 +23,11 @@ void FinishNotWhite(CheckLine& line, const CheckedPhoto& photo, const TemplateRo
 PublishedBand EditingOf(const TemplateRow& row);
 void FinishEditing(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& row);
 
+/// What whoever chooses a template of the folder has to know of paper, a German sentence; empty
+/// where pictures on paper are taken. So it is of a table that cannot be read, which is told of
+/// where its figures are needed.
+QString PaperNotice(const QString& templateFolder, const QString& templateFile);
+
 /// Published, yet never missed: the rule is about what is handed in, and the same cut may go to the
 /// authority as a file. A question before every cut for the commonest document would be answered
 /// unread, and each strict check of a good picture would fail.
