@@ -12,8 +12,8 @@ FaceActions::FaceActions(PhotoSession& session, imaging::view::ImageView& view, 
     : face_(session, *view.window()),
       overlay_(*new FaceOverlay(view, line)),
       points_(session, face_, view, overlay_, section, actions),
-      leveller_(session, face_, view, overlay_, actions, rotateActions),
       proposal_(session, face_, overlay_, data, settings, ui, actions),
+      leveller_(session, face_, view, overlay_, proposal_, actions, rotateActions),
       panel_(session, face_, *view.window(), data, settings, ui, actions, panel, section) {
     QObject::connect(&panel_, &CheckPanel::CrownMeasured, &points_, &FacePoints::ShowCrown);
 }

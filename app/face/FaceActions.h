@@ -29,8 +29,8 @@ class FaceActions {
     PhotoFace face_;
     FaceOverlay& overlay_;  ///< the view's child
     FacePoints points_;
-    HeadLeveller leveller_;
     PlaceProposal proposal_;
+    HeadLeveller leveller_;
     CheckPanel panel_;
 };
 

@@ -8,6 +8,7 @@
 #include "app/base/PhotoSession.h"
 #include "app/face/FaceOverlay.h"
 #include "app/face/PhotoFace.h"
+#include "app/face/PlaceProposal.h"
 #include "controls/messages/ActionGuard.h"
 #include "core/templates/LayerPosition.h"
 #include "imaging/document/TurnSeries.h"
@@ -24,11 +25,13 @@ const QString LineHint = u"Ziehen Sie eine Linie von Pupille zu Pupille. Esc bri
 }  // namespace
 
 HeadLeveller::HeadLeveller(PhotoSession& session, PhotoFace& face, imaging::view::ImageView& view,
-                           FaceOverlay& overlay, MainActions& actions, RotateActions& rotateActions)
+                           FaceOverlay& overlay, PlaceProposal& proposal, MainActions& actions,
+                           RotateActions& rotateActions)
     : session_(session),
       face_(face),
       view_(view),
       overlay_(overlay),
+      proposal_(proposal),
       actions_(actions),
       rotateActions_(rotateActions) {
     actions.Connect(Action::LevelHead, this, [this] { acLevelHeadExecute(); });
@@ -82,7 +85,7 @@ void HeadLeveller::EndMode() {
     actions_[Action::LevelByLine]->setChecked(false);
 }
 
-/// The template's middle turns with the photo.
+/// The template's middle turns with the photo; one that stood on the face stands there again.
 void HeadLeveller::Level(double tiltDegrees) {
     constexpr double WorthTurning = 0.1;
     if (std::abs(tiltDegrees) < WorthTurning) {
@@ -90,6 +93,7 @@ void HeadLeveller::Level(double tiltDegrees) {
         return;
     }
     imaging::LayeredImage& image = session_.Image();
+    const bool stoodOnFace = proposal_.StandsOnFace();
     const QRect place = session_.TemplateRectangle();
     const QSize before = image.Photo().Size();
     rotateActions_.LevelPhoto(tiltDegrees);
@@ -99,6 +103,9 @@ void HeadLeveller::Level(double tiltDegrees) {
         QRect turned = place;
         turned.moveCenter(turn.map(QRectF(place).center()).toPoint());
         image.SetLayerRectangle(1, core::KeptInsidePhoto(turned, after));
+    }
+    if (stoodOnFace) {
+        proposal_.Realign();
     }
 }
 

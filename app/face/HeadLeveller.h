@@ -16,6 +16,7 @@ class FaceOverlay;
 class MainActions;
 class PhotoFace;
 class PhotoSession;
+class PlaceProposal;
 class RotateActions;
 
 /// Turns the photo until the eyes lie level: by the face that was found, or by a line that the user
@@ -25,7 +26,8 @@ class HeadLeveller : public QObject, private imaging::view::ViewTool {
 
  public:
     HeadLeveller(PhotoSession& session, PhotoFace& face, imaging::view::ImageView& view,
-                 FaceOverlay& overlay, MainActions& actions, RotateActions& rotateActions);
+                 FaceOverlay& overlay, PlaceProposal& proposal, MainActions& actions,
+                 RotateActions& rotateActions);
     ~HeadLeveller() override;
 
  private:
@@ -43,6 +45,7 @@ class HeadLeveller : public QObject, private imaging::view::ViewTool {
     PhotoFace& face_;
     imaging::view::ImageView& view_;
     FaceOverlay& overlay_;
+    PlaceProposal& proposal_;
     MainActions& actions_;
     RotateActions& rotateActions_;
     std::optional<QLineF> line_;  ///< while it is drawn, photo pixels

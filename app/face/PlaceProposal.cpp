@@ -129,6 +129,17 @@ void PlaceProposal::Remark(const core::FacePlacement& placement) {
     }
 }
 
+bool PlaceProposal::StandsOnFace() const {
+    return session_.IsEditing() && session_.HasTemplate() && face_.Search().face &&
+           StandsAt(Place().rectangle);
+}
+
+void PlaceProposal::Realign() {
+    if (face_.Find()) {
+        Take(Place());
+    }
+}
+
 void PlaceProposal::acAlignToFaceExecute() {
     if (!session_.IsEditing() || !session_.HasTemplate() || actions_.IsChecked(Action::Beauty)) {
         return;

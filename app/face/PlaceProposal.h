@@ -27,6 +27,13 @@ class PlaceProposal : public QObject {
                   const core::TData& data, const core::Settings& settings, core::UserInterface& ui,
                   MainActions& actions);
 
+    /// Whether the template stands where it belongs on the photo's face. False where no face is
+    /// known; none is looked for.
+    bool StandsOnFace() const;
+    /// Puts the template to its place on the photo's face anew; stays where none is found. Throws
+    /// as PhotoFace::Find.
+    void Realign();
+
  private:
     void acAlignToFaceExecute();
     bool IsWanted() const;

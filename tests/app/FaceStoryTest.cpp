@@ -165,9 +165,13 @@ TEST_F(FaceStory, LevelsTheHeadInOneStep) {
     const QSize before = Image().Photo().Size();
     Image().ChangePhoto(imaging::Pixels(
         Image().Photo().ToImage().transformed(QTransform().rotate(10), Qt::SmoothTransformation)));
+    Trigger(u"acAlignToFace"_s);
     const int steps = Image().UndoCount();
     Trigger(u"acLevelHead"_s);
     EXPECT_EQ(Image().UndoCount(), steps + 1);
+    const QRect levelled = Template();
+    Trigger(u"acAlignToFace"_s);
+    EXPECT_EQ(levelled, Template()) << "it stood on the face";
     EXPECT_GT(Image().Photo().Width(), before.width());
     Trigger(u"acUndo"_s);
     Trigger(u"acUndo"_s);
