@@ -35,10 +35,9 @@ void DrawPicture(const CheckReport& report, const ReportLayout& layout, QPainter
     painter.setFont(SmallReportFont());
     for (const ReportMark& mark : layout.marks) {
         painter.setPen(QPen(QColor(0x1a, 0x6f, 0xb5), ReportDots(0.3)));
-        painter.drawLine(QPointF(area.left(), mark.y),
-                         QPointF(area.right() + ReportDots(3), mark.y));
+        painter.drawLine(mark.line);
         painter.setPen(Qt::black);
-        painter.drawText(QPointF(area.right() + ReportDots(4), mark.y + ReportDots(1)), mark.name);
+        painter.drawText(mark.place, Qt::AlignVCenter | Qt::TextDontClip, mark.name);
     }
     for (const ReportBracket& bracket : layout.brackets) {
         painter.setPen(QPen(Qt::black, ReportDots(0.1)));

@@ -22,6 +22,8 @@ constexpr double PictureWidth = 60;
 constexpr double LargestPictureHeight = 100;
 constexpr double SmallestPictureHeight = 50;
 constexpr double GapAboveLines = 6;
+constexpr double MarkBeyondPicture = 3.5;
+constexpr double MarkNameHeight = 3;
 constexpr double GapBetweenLines = 2.6;
 
 QFont ReportFont(double points, bool bold = false) {
@@ -120,8 +122,8 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }
 
-/// The end of the head that is measured, the eyes and the chin where they lie in the picture, and
-/// the heights between them and its edges.
+/// The end of the head that is measured, the eyes, the chin and the face's axis where they lie in
+/// the picture, and the heights between them and its edges.
 class MarkedPicture {
  public:
     MarkedPicture(ReportLayout& layout, const CheckReport& report)
@@ -136,6 +138,7 @@ class MarkedPicture {
         AddMark(top, bySkull ? u"Schädel"_s : u"Scheitel"_s);
         AddMark(eyes, u"Augen"_s);
         AddMark(chin, u"Kinn"_s);
+        AddAxis(PlaceOf({core::FaceAxis(face), 0}).x());
         const QRectF& picture = layout_.picture;
         AddHead(bySkull ? face.skull.position : face.crown.position);
         AddBracket(u"eyeLine"_s, u"Augen"_s, eyes, picture.bottom());
@@ -160,8 +163,28 @@ class MarkedPicture {
 
     void AddMark(double row, const QString& name) {
         if (IsShown(row)) {
-            layout_.marks.push_back({row, name});
+            const QRectF& picture = layout_.picture;
+            const double end = picture.right() + ReportDots(MarkBeyondPicture);
+            layout_.marks.push_back({{picture.left(), row, end, row},
+                                     {end + ReportDots(1), row - ReportDots(MarkNameHeight) / 2,
+                                      ReportDots(15), ReportDots(MarkNameHeight)},
+                                     name});
         }
+    }
+
+    /// The face's axis; its name with what was measured begins below it.
+    void AddAxis(double x) {
+        const QRectF& picture = layout_.picture;
+        const auto line = std::ranges::find(report_.lines, u"faceAxis"_s, &core::CheckLine::name);
+        if (line == report_.lines.end() || !line->value || x < picture.left() ||
+            x > picture.right()) {
+            return;
+        }
+        const double end = picture.bottom() + ReportDots(MarkBeyondPicture);
+        layout_.marks.push_back({{x, picture.top(), x, end},
+                                 {x + ReportDots(1), end - ReportDots(MarkNameHeight),
+                                  ReportDots(40), ReportDots(MarkNameHeight)},
+                                 u"Achse "_s + core::ValueText(*line)});
     }
 
     /// Of a line that the check has; each further one to the right. Null where there is none.

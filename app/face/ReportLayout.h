@@ -20,9 +20,10 @@ struct ReportText {
     QFont font;  ///< sized in dots
 };
 
-/// A line across the picture.
+/// A line across the picture and a little beyond, its name at the end. Dots.
 struct ReportMark {
-    double y = 0;  ///< dots
+    QLineF line;
+    QRectF place;  ///< of the name
     QString name;
 };
 

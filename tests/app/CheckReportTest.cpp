@@ -52,6 +52,15 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
             const app::CheckReport report = ReportOf(row, withFace);
             const app::ReportLayout layout = app::LayOutReport(report);
             std::vector<QRectF> places{layout.picture};
+            if (withFace) {
+                ASSERT_EQ(layout.marks.size(), 4);
+                const app::ReportMark& axis = layout.marks.back();
+                places.push_back(axis.place);
+                EXPECT_NEAR(
+                    (axis.line.x1() - layout.picture.left()) / layout.picture.width(),
+                    *report.lines[3].value / (row.IsFileOnly() ? 100 : row.width.value / 10.0),
+                    0.001);
+            }
             for (const app::ReportText& text : layout.texts) {
                 QTextDocument shown(text.text);
                 shown.setDocumentMargin(0);
@@ -69,7 +78,6 @@ TEST(CheckReport, StandsOnOnePageWithoutTextsOverOthers) {
             }
             EXPECT_GE(layout.picture.height(), app::ReportDots(30));
             if (withFace) {
-                ASSERT_EQ(layout.marks.size(), 3);
                 const double percent = row.IsFileOnly() ? 100.0 / row.height.value : 0.1;
                 EXPECT_EQ(layout.brackets.size(), row.chin.from ? 4 : row.top.from ? 3 : 2);
                 const app::ReportBracket& head = layout.brackets.at(0);
