@@ -112,7 +112,8 @@ Optionen von „check“:
   --template, --at, --auto  wie bei „sheet“
   --json                  ein Objekt je Foto, bei mehreren eine Liste; das
                           eines unlesbaren nennt dazu den Grund („error“)
-  --strict                Ergebnis 3, wenn etwas nicht erfüllt ist
+  --strict                Ergebnis 3, wenn etwas nicht erfüllt ist; 1, wo kein
+                          Gesicht gesucht werden konnte
 
 Optionen von „archive“:
   --folder ARCHIV         Ordner des Bildarchivs; sonst der der
