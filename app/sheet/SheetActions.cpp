@@ -1,5 +1,6 @@
 #include "app/sheet/SheetActions.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QWidget>
 
@@ -17,6 +18,7 @@
 #include "core/sheet/PaperSize.h"
 #include "core/sheet/PhotoLoading.h"
 #include "core/sheet/SheetLayout.h"
+#include "platform/Error.h"
 #include "platform/Paths.h"
 
 using namespace Qt::StringLiterals;
@@ -86,6 +88,11 @@ void SheetActions::acSaveImageFastExecute() {
 void SheetActions::SaveFast(const QString& remark) {
     const QString fileName = data_.GetFileName(settings_.FileNameEd(), settings_.FileVarCombo(),
                                                settings_.FileTypCombo());
+    if (QDir::cleanPath(fileName).startsWith(u"../"_s)) {
+        throw platform::Error(
+            u"Der Dateiname „%1“ der Einstellungen führt aus dem Ordner zum Speichern hinaus."_s
+                .arg(settings_.FileNameEd()));
+    }
     if (!MayShrinkTheSheet()) {
         return;
     }
@@ -153,15 +160,32 @@ bool SheetActions::MayShrinkTheSheet() {
                               controls::Severity::Warning);
 }
 
-/// Saving the same photo again replaces its file without asking.
+/// A generated name replaces its own file without asking, as it is meant to, but nothing that is
+/// more than that. Empty where nothing else is lost.
+QString SheetActions::LostByReplacing(const QString& path) const {
+    const QString file = QFileInfo(path).canonicalFilePath();
+    const QString savedFrom = savedPhotos_.value(path);
+    if (file.isEmpty() || savedFrom == data_.CurrentFile()) {
+        return {};
+    }
+    if (file == QFileInfo(data_.CurrentFile()).canonicalFilePath()) {
+        return u"Die Datei „%1“ ist das geöffnete Foto selbst."_s.arg(path);
+    }
+    const QString archive = QFileInfo(settings_.ImageDestinationDir()).canonicalFilePath();
+    if (!archive.isEmpty() && file.startsWith(platform::JoinPath(archive, {}))) {
+        return u"Die Datei „%1“ gehört zum Bildarchiv."_s.arg(path);
+    }
+    return savedFrom.isEmpty() ? QString()
+                               : u"In der Datei „%1“ steht das Passbild aus „%2“."_s.arg(
+                                     path, QFileInfo(savedFrom).fileName());
+}
+
 QString SheetActions::PathToSaveUnder(const QString& path) {
-    const auto saved = savedPhotos_.constFind(path);
-    if (saved == savedPhotos_.constEnd() || *saved == data_.CurrentFile() ||
-        !QFileInfo::exists(path) ||
+    const QString lost = LostByReplacing(path);
+    if (lost.isEmpty() ||
         controls::AskYesNo(&window_,
-                           u"In der Datei „%1“ steht das Passbild aus „%2“.\n\nMöchten Sie sie "
-                           u"ersetzen? Bei „Nein“ wählen Sie einen anderen Namen."_s.arg(
-                               path, QFileInfo(*saved).fileName()),
+                           lost + u"\n\nMöchten Sie sie ersetzen? Bei „Nein“ wählen Sie einen "
+                                  u"anderen Namen."_s,
                            controls::Severity::Warning)) {
         return path;
     }

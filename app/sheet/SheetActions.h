@@ -47,7 +47,8 @@ class SheetActions : public QObject {
     void TellSaved(const core::PhotoSaver::Saved& saved, const QString& remark = {});
     QString FolderToSaveIn();
     bool MayShrinkTheSheet();
-    /// The path, or another one that the user chose where there is another photo; empty where none.
+    QString LostByReplacing(const QString& path) const;
+    /// The path, or another one that the user chose where something is lost; empty where none.
     QString PathToSaveUnder(const QString& path);
 
     PhotoSession& session_;

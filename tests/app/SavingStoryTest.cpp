@@ -46,6 +46,24 @@ TEST_F(SavingStory, QuickSaveAsksBeforeSomethingIsLost) {
     EXPECT_GT(qRed(QImage(installation.Path("saved/Bildname.jpg")).pixel(0, 0)), 100);
     EXPECT_EQ(SavedFiles(), u"Bildname.jpg|anderer.jpg"_s);
 
+    const auto refuse = [this](const QString& question) {
+        driver.Answer(question, u"NoButton"_s);
+        driver.Expect(u"SaveDialog"_s, [](QWidget& shown) { shown.close(); });
+        Trigger(u"acSaveImageFast"_s);
+    };
+    SavePhoto("saved/eigen.jpg", QSize(1200, 1600), 50);
+    photoName = "saved/eigen.jpg";
+    MakeSinglePhoto([this] { Setting<QLineEdit>("FileNameEd").setText(u"eigen"_s); });
+    refuse(u"ist das geöffnete Foto selbst"_s);
+    Setting<QLineEdit>("FileNameEd").setText(u"anderer"_s);
+    Setting<QLineEdit>("ImageDestinationDir").setText(installation.Path("."));
+    refuse(u"gehört zum Bildarchiv"_s);
+    Setting<QLineEdit>("FileNameEd").setText(u"../saved/../Bildname"_s);
+    driver.Answer(u"führt aus dem Ordner"_s, u"OkButton"_s);
+    Trigger(u"acSaveImageFast"_s);
+    Setting<QLineEdit>("FileNameEd").setText(u"Bildname"_s);
+    ASSERT_TRUE(QFile::remove(installation.Path("saved/eigen.jpg")));
+
     Setting<QLineEdit>("ImageSaveDir").clear();
     save(u"kein Ordner"_s, u"NoButton"_s);
     driver.Answer(u"kein Ordner"_s, u"YesButton"_s);
