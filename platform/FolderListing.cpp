@@ -51,6 +51,21 @@ QStringList FolderEntries(const QString& folder) {
     return names;
 }
 
+bool HaveMoreEntries(const QStringList& folders, int most) {
+    int count = 0;
+    for (const QString& folder : folders) {
+        std::error_code error;
+        fs::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
+        while (!error && entry != fs::directory_iterator()) {
+            if (++count > most) {
+                return true;
+            }
+            entry.increment(error);
+        }
+    }
+    return false;
+}
+
 std::vector<UnreadFolder> WalkFolder(const QString& folder,
                                      const std::function<void(const FoundFile& file)>& each) {
     struct Found {

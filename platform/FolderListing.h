@@ -12,6 +12,10 @@ namespace kadrona::platform {
 /// missing.
 QStringList FolderEntries(const QString& folder);
 
+/// Whether more than so many entries stand in the folders together; counts no further. One that
+/// cannot be read has none.
+bool HaveMoreEntries(const QStringList& folders, int most);
+
 struct FoundFile {
     QString path;
     bool isRegular = false;  ///< no link, pipe or device

@@ -7,6 +7,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/FolderListing.h"
 #include "platform/FolderProbe.h"
 
 using namespace Qt::StringLiterals;
@@ -61,11 +62,15 @@ QFileInfoList FilesIn(const QStringList& folders, const QStringList& patterns) {
 
 bool FolderWatch::Look() {
     constexpr std::chrono::milliseconds Patience(200);  // it is looked at again and again
-    const bool exists = !folder_.isEmpty() && LookAtFolder(folder_, Patience) == FolderState::There;
+    const bool isThere =
+        !folder_.isEmpty() && LookAtFolder(folder_, Patience) == FolderState::There;
+    crowded_ = isThere && HaveMoreEntries({folder_}, MostEntries);
+    const bool exists = isThere && !crowded_;
+    const QStringList folders = exists ? PhotoFolders(folder_) : QStringList();
+    crowded_ |= HaveMoreEntries(folders, MostEntries);
     QHash<QString, State> now;
     QStringList files;
-    const QFileInfoList found =
-        exists ? FilesIn(PhotoFolders(folder_), patterns_) : QFileInfoList();
+    const QFileInfoList found = crowded_ ? QFileInfoList() : FilesIn(folders, patterns_);
     for (const QFileInfo& info : found) {
         const QString path = info.filePath();
         const State state{info.size(), info.lastModified()};
@@ -79,7 +84,7 @@ bool FolderWatch::Look() {
             known_.insert(path, state);
         }
     }
-    if (exists && !std::exchange(looked_, true)) {
+    if (isThere && !crowded_ && !std::exchange(looked_, true)) {
         known_ = now;
     }
     seen_ = std::move(now);

@@ -18,6 +18,12 @@ class FolderWatch {
 
     const QString& Folder() const { return folder_; }
 
+    /// A folder of more files and folders is passed over as if it were empty: each look would take
+    /// seconds.
+    static constexpr int MostEntries = 20'000;
+    /// Whether the last look found more.
+    bool IsCrowded() const { return crowded_; }
+
     /// Reads the folder once. A file is complete once two looks in a row have found the same size
     /// and time of change, and a size at all. True where Files() changed.
     bool Look();
@@ -42,6 +48,7 @@ class FolderWatch {
     QString folder_;
     QStringList patterns_;
     bool looked_ = false;
+    bool crowded_ = false;
     QHash<QString, State> seen_;   ///< at the last look
     QHash<QString, State> known_;  ///< no arrivals any more
     QHash<QString, State> refused_;

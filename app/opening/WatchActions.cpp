@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLocale>
 #include <QTimer>
 
 #include "app/base/AtRest.h"
@@ -70,16 +71,25 @@ void WatchActions::FollowSettings() {
     strip_.SetFiles({});
     if (watch_) {
         timer_->start();
-        Look();
+        QTimer::singleShot(0, this, &WatchActions::Look);  // the window is shown first
     } else {
         timer_->stop();
     }
 }
 
 void WatchActions::Look() {
+    if (!watch_) {
+        return;
+    }
     QElapsedTimer time;
     time.start();
+    const bool wasCrowded = watch_->IsCrowded();
     const bool changed = watch_->Look();
+    if (watch_->IsCrowded() && !wasCrowded) {
+        Q_EMIT actions_.Succeeded(
+            u"In „%1“ liegen über %2 Dateien; neue Fotos werden dort nicht gesucht."_s.arg(
+                watch_->Folder(), QLocale(QLocale::German).toString(watch_->MostEntries)));
+    }
     timer_->setInterval(std::max(FolderLookMilliseconds, LookShare * int(time.elapsed())));
     if (changed) {
         ShowFiles();

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -64,6 +65,21 @@ TEST_F(FolderWatchTest, WaitsForWhatIsWrittenAndFollowsAFolderThatComesAndGoes) 
     Write(u"new.jpg"_s, "now it is whole");
     Looked();
     EXPECT_EQ(Looked(), (QStringList{u"new.jpg"_s, u"old.JPG"_s}));
+}
+
+TEST_F(FolderWatchTest, PassesOverAFolderOfTooManyFilesUntilItHasFewer) {
+    Write(u"photo.jpg"_s, "photo");
+    const QByteArray name = QFile::encodeName(Path(u"photo.jpg"_s));
+    for (int i = 0; i < FolderWatch::MostEntries; ++i) {
+        ASSERT_EQ(link(name, QFile::encodeName(Path(u"%1.txt"_s.arg(i)))), 0);
+    }
+    Looked();
+    EXPECT_EQ(Looked(), QStringList());
+    EXPECT_TRUE(watch.IsCrowded());
+    ASSERT_TRUE(QFile::remove(Path(u"0.txt"_s)));
+    Looked();
+    EXPECT_EQ(Looked(), QStringList(u"photo.jpg"_s));
+    EXPECT_FALSE(watch.IsCrowded());
 }
 
 TEST_F(FolderWatchTest, LooksIntoTheFoldersOfACard) {
