@@ -127,11 +127,9 @@ void PhotoArchive::WhileWaiting(const std::function<void()>& tick) {
 }
 
 void PhotoArchive::Connect(const QString& folder) {
-    if (server_) {
-        server_.reset();
-        table_.reset();
-        database_.reset();
-    }
+    server_.reset();
+    table_.reset();
+    database_.reset();  // what it holds may be what is in the way
     AsGeneralError([&] { Open(std::make_unique<store::SqliteDatabase>(folder)); });
 }
 

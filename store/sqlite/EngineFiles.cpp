@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -70,6 +71,13 @@ int IsThere(sqlite3_vfs* files, const char* path, int question, int* answer) {
     return accessOfEngine(files, path, question, answer);
 }
 
+/// A log of changes that several programs write has its index in a file that each of them maps.
+void* MapNothing(void* /*at*/, size_t /*size*/, int /*protection*/, int /*flags*/, int /*file*/,
+                 off_t /*offset*/) {
+    errno = ENOTSUP;
+    return MAP_FAILED;
+}
+
 int RemoveOwn(const char* path) {
     if (!IsOwn(path) || std::string_view(path).ends_with(".db")) {
         errno = EPERM;
@@ -86,6 +94,7 @@ void BoundEngineFiles() {
         files->xSetSystemCall(files, "open", reinterpret_cast<Call>(OpenAtOnce));
         files->xSetSystemCall(files, "stat", reinterpret_cast<Call>(LookForOwn));
         files->xSetSystemCall(files, "unlink", reinterpret_cast<Call>(RemoveOwn));
+        files->xSetSystemCall(files, "mmap", reinterpret_cast<Call>(MapNothing));
         accessOfEngine = std::exchange(files->xAccess, IsThere);
     }
 }

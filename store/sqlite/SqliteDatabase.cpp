@@ -46,6 +46,21 @@ void ForgetWhatIsDeleted(sqlite3* handle) {
                  nullptr, nullptr);
 }
 
+/// Another program may have given the file a log of changes that programs share in memory, which
+/// the engine cannot read here. What is in it goes into the file where no other program uses it.
+void WriteChangeLogBack(sqlite3* handle, const QString& path) {
+    constexpr qsizetype VersionsAt = 18;  // of those that may write and read (SQLite file format)
+    constexpr char Logged = 2;
+    QFile file(path);
+    const QByteArray head = file.open(QFile::ReadOnly) ? file.read(VersionsAt + 2) : QByteArray();
+    if (head.size() == VersionsAt + 2 && (head.back() == Logged || head.at(VersionsAt) == Logged)) {
+        sqlite3_exec(handle,
+                     "PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = DELETE; "
+                     "PRAGMA locking_mode = NORMAL",
+                     nullptr, nullptr, nullptr);
+    }
+}
+
 /// What a foreign file can have calculated whenever a table is read or written, as large and as
 /// often as it likes. No archive has any. Empty where there is none.
 QString ForeignCalculation(sqlite3* handle) {
@@ -137,6 +152,7 @@ SqliteDatabase::SqliteDatabase(const QString& folder, std::chrono::milliseconds 
         WaitUpTo(OpeningPatience);
         Harden(handle);
         sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, LongestValue);
+        WriteChangeLogBack(handle, file);
         ForgetWhatIsDeleted(handle);
         result = RegisterWordTokenizer(handle);
     }

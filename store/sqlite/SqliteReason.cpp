@@ -10,6 +10,9 @@ QString SqliteReason(sqlite3* handle, int result) {
     if (result == SQLITE_READONLY_DBMOVED) {
         return u"Die Datei wurde gelöscht, umbenannt oder verschoben"_s;
     }
+    if (result == SQLITE_IOERR_SHMMAP) {
+        return u"Ein anderes Programm hat ein gemeinsames Änderungsprotokoll (WAL) eingeschaltet"_s;
+    }
     switch (result & 0xFF) {  // the low byte is the kind, the rest tells more about it
         case SQLITE_NOTADB:
             return u"Die Datei ist keine Datenbank"_s;

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <algorithm>
@@ -171,6 +172,36 @@ TEST_F(DatabaseTest, AForeignJournalNeitherHoldsUpNorRemovesAnything) {
     expectNamed(journal, u"eine benannte Pipe"_s);
     EXPECT_TRUE(QFile::link(Path(), Path() + u"-wal"_s));
     expectNamed(Path() + u"-wal"_s, u"eine Verknüpfung"_s);
+}
+
+/// What another program does to the file.
+void ShareALogOfChanges(const QString& path, const char* then) {
+    const QString script =
+        u"import sqlite3,sys,os; c = sqlite3.connect(sys.argv[1]);"
+        "c.execute('pragma journal_mode=WAL'); c.execute(sys.argv[2]); c.commit(); os._exit(0)"_s;
+    EXPECT_EQ(QProcess::execute(u"python3"_s, {u"-c"_s, script, path, QString::fromUtf8(then)}), 0);
+}
+
+TEST_F(DatabaseTest, ALogOfChangesIsWrittenBackAndNeverMapped) {
+    const QString index = Path() + u"-shm"_s;
+    const char* const insert = "INSERT INTO Photos (Name) VALUES ('logged')";
+    ShareALogOfChanges(Path(), insert);
+    EXPECT_TRUE(QFile::exists(index));
+    const auto expectWritable = [this](qint64 count) {
+        SqliteDatabase opened(folder_.path());
+        EXPECT_EQ(Count(opened), count);
+        EXPECT_FALSE(QFile::exists(Path() + u"-wal"_s));
+        Insert(database_, u"at the same time"_s);
+        EXPECT_EQ(Count(opened), count + 1);
+    };
+    expectWritable(1);
+    {
+        SqliteDatabase before(folder_.path());
+        EXPECT_EQ(Count(before), 2);
+        ShareALogOfChanges(Path(), insert);
+        EXPECT_TRUE(TextOf<StoreError>([&] { Count(before); }).contains(u"WAL"_s));
+    }
+    expectWritable(3);
 }
 
 TEST_F(DatabaseTest, NoticesDamage) {
