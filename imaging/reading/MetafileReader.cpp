@@ -52,10 +52,13 @@ QSize PixelSize(QSizeF size, qint64 maximumPixels) {
 }
 
 DecodedImage Drawn(const ReadTask& task, QByteArrayView file) {
+    /// Bitmaps as the canvas counts them, or a shape of as many points as a record may have.
+    constexpr qint64 MostBytesOfDrawing = 140'000'000;
+    task.RequireMemoryBeside(file.size() + MostBytesOfDrawing, file.size() + MostBytesOfDrawing);
     const MetafilePicture picture = IsEmf(file) ? ReadEmfHeader(file) : ReadWmfHeader(file);
     const double scale = ScaleOf(file, picture, task.MaximumPixels());
     const QSize size = PixelSize(picture.frame.size() * scale, task.MaximumPixels());
-    // Not told beforehand: drawing takes less time for each pixel than decoding.
+    // Its size is not told beforehand: drawing takes less time for each pixel than decoding.
     DecodedImage decoded;
     decoded.image = task.NewPicture(size, QImage::Format_RGB32);
     decoded.image.fill(Qt::white);

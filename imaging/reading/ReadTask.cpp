@@ -50,6 +50,9 @@ void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {
     if (bytes > most) {
         Fail(TooMuchMemoryReason());
     }
+    if (host_ != nullptr) {
+        host_->ExpectBeside(bytes);
+    }
 }
 
 qint64 ReadTask::RequireReadableWhole() const {

@@ -46,6 +46,9 @@ class DecoderHost {
     virtual QImage NewPicture(QSize size, QImage::Format format) = 0;
     /// The picture is going to have so many pixels.
     virtual void Expect(qint64 pixels) = 0;
+    /// Reading takes at most so many bytes beside four for each of them. Throws std::bad_alloc
+    /// where it has taken more already.
+    virtual void ExpectBeside(qint64 bytes) = 0;
 };
 
 /// The reading of one file: where its bytes come from, what is allowed and how to complain. Does
@@ -92,7 +95,8 @@ class ReadTask {
     void RequireAllowedSize(qint64 width, qint64 height, qint64 most = 0) const;
 
     /// Throws a ReadError where reading would take so many bytes beside the picture's 32 bits a
-    /// pixel, the file itself included where it is kept meanwhile.
+    /// pixel, the file itself included where it is kept meanwhile. A decoder in a process of its
+    /// own gets hardly more from then on.
     void RequireMemoryBeside(qint64 bytes, qint64 most = MostBytesBeside) const;
 
  private:

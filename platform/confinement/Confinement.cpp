@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <initializer_list>
 #include <memory>
+#include <new>
 
 #include "platform/Error.h"
 
@@ -131,6 +132,12 @@ bool FilterCalls() {
            seccomp_load(filter.get()) == 0;
 }
 
+/// What Confine() has left; 0 before, and where memory is unbounded.
+qint64& MemoryLeft() {
+    static qint64 left = 0;
+    return left;
+}
+
 }  // namespace
 
 void BindToStarter() {
@@ -161,11 +168,33 @@ void Confine(const ProcessLimits& limits) {
         Limit(RLIMIT_NPROC, running + MostThreads);
     }
     if (!Sanitized) {
-        Limit(RLIMIT_AS, AddressSpaceInUse() + limits.memory);
+        const qint64 before = AddressSpaceInUse();
+        Limit(RLIMIT_AS, before + limits.memory);
+        rlimit limit{};  // the process may have had a lower one
+        (void)getrlimit(RLIMIT_AS, &limit);
+        MemoryLeft() = static_cast<qint64>(limit.rlim_cur) - before;
     }
     (void)prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     if (!FilterCalls() && KernelHasFilters()) {
         throw Error(u"Der Leser lässt sich nicht absichern. So wird kein fremdes Bild gelesen."_s);
+    }
+}
+
+/// Limits can no longer be changed, but what is reserved and never used counts, too.
+void BoundMemory(qint64 bytes) {
+    static void* reserved = MAP_FAILED;
+    static size_t size = 0;
+    if (reserved != MAP_FAILED) {
+        munmap(reserved, size);
+        reserved = MAP_FAILED;
+    }
+    if (bytes >= MemoryLeft()) {
+        return;
+    }
+    size = static_cast<size_t>(MemoryLeft() - bytes);
+    reserved = mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (reserved == MAP_FAILED) {
+        throw std::bad_alloc();
     }
 }
 

@@ -25,4 +25,9 @@ void BindToStarter();
 /// address sanitizer memory has no limit.
 void Confine(const ProcessLimits& limits);
 
+/// Lets this process have no more than `bytes` of address space beside what it had when Confine()
+/// was called; more where it is called again, up to the limit given there. What is in use already
+/// stays. Throws std::bad_alloc where that is more.
+void BoundMemory(qint64 bytes);
+
 }  // namespace kadrona::platform

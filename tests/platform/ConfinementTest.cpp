@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <initializer_list>
 #include <thread>
 
 #include "platform/Error.h"
@@ -60,6 +61,14 @@ bool Allocates(size_t bytes, int protection) {
     return mmap(nullptr, bytes, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) != MAP_FAILED;
 }
 
+/// Each figure but the last by the way.
+bool AllocatesAfter(std::initializer_list<qint64> bounds) {
+    for (const qint64 bound : bounds) {
+        BoundMemory(bound);
+    }
+    return Allocates(40'000'000, PROT_READ | PROT_WRITE);
+}
+
 bool StartsAThread() {
     std::thread([] {}).join();
     return true;
@@ -101,6 +110,11 @@ TEST(ConfinementTest, LeavesWhatAComputationNeedsAndNothingElse) {
         {"makes code", 0, [] { return Allocates(4096, PROT_READ | PROT_EXEC); }},
         {"shares too much", 0, [] { return ftruncate(memory, 1'100'000) == 0; }},
         {"takes too much", Unlimited, [] { return Allocates(60'000'000, PROT_READ | PROT_WRITE); }},
+        {"takes less, and is held to it", Unlimited, [] { return AllocatesAfter({30'000'000}); }},
+        {"takes more again", 1,
+         [] {
+             return AllocatesAfter({1'000'000, 45'000'000});
+         }},
         {"aborts", SIGABRT, Aborts},
         {"spins", SIGXCPU, Spins},
     };

@@ -140,12 +140,13 @@ class RawProgress {
 };
 
 /// By what the file says before its pixels are unpacked.
-void RequireAllowed(const ReadTask& task, LibRaw& raw) {
+void RequireAllowed(const ReadTask& task, LibRaw& raw, qint64 fileBytes) {
     const libraw_image_sizes_t& sizes = raw.imgdata.sizes;
     task.RequireAllowedSize(std::max(sizes.width, sizes.raw_width),
                             std::max(sizes.height, sizes.raw_height));
     task.RequireAllowedSize(sizes.width, sizes.height);
-    task.RequireMemoryBeside(RawBytesBeside(raw), MostBytesBesideOfCameras);
+    // The file is let go before most of this is taken.
+    task.RequireMemoryBeside(RawBytesBeside(raw) + fileBytes, MostBytesBesideOfCameras + fileBytes);
 }
 
 }  // namespace
@@ -159,7 +160,7 @@ DecodedImage DecodeRaw(const ReadTask& task) {
     raw->set_dataerror_handler(&DataFaults::Note, &faults);
     SetParameters(raw->imgdata.params);
     Require(task, raw->open_datastream(&stream));
-    RequireAllowed(task, *raw);
+    RequireAllowed(task, *raw, file.size());
     if (task.Shrink() > 1) {
         if (auto preview = RawPreview(task, *raw, task.Shrink())) {
             return std::move(*preview);

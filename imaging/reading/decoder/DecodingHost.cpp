@@ -1,11 +1,13 @@
 #include "imaging/reading/decoder/DecodingHost.h"
 
+#include <QThread>
 #include <algorithm>
 #include <new>
 
 #include "imaging/pixels/NewImage.h"
 #include "imaging/reading/SharedPicture.h"
 #include "platform/HelperProcess.h"
+#include "platform/confinement/Confinement.h"
 
 namespace kadrona::imaging {
 
@@ -56,13 +58,35 @@ void DecodingHost::LetFileGo() {
 }
 
 QImage DecodingHost::NewPicture(QSize size, QImage::Format format) {
+    pixels_ = std::max(pixels_, qint64{size.width()} * size.height());
+    Bound();
     QImage picture = ImageIn(picture_, size, format);
     inPlace_ = picture.constBits();
     return picture;
 }
 
 void DecodingHost::Expect(qint64 pixels) {
+    pixels_ = pixels;
+    Bound();
     Tell(decoding::Expectation{pixels});
+}
+
+void DecodingHost::ExpectBeside(qint64 bytes) {
+    bytesBeside_ = bytes;
+    Bound();
+}
+
+/// A file may be another thing than its header says, but never larger.
+void DecodingHost::Bound() const {
+    /// What the heap reserves, and each thread.
+    constexpr qint64 Reserved = 100'000'000;
+    constexpr qint64 BytesAThread = 10'000'000;
+    /// With what the process has from its beginning, and the program itself, 300 million.
+    constexpr qint64 Least = 200'000'000;
+    if (bytesBeside_) {
+        platform::BoundMemory(4 * pixels_ + std::max(*bytesBeside_ + Reserved, Least) +
+                              QThread::idealThreadCount() * BytesAThread);
+    }
 }
 
 void DecodingHost::Begin(const Pixels& preview) {

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <memory>
+#include <optional>
 
 #include "imaging/reading/DecodingMessages.h"
 #include "imaging/reading/ReadProgress.h"
@@ -22,10 +23,12 @@ class DecodingHost : public DecoderHost, public ReadProgress {
     void LetFileGo() override;
     QImage NewPicture(QSize size, QImage::Format format) override;
     void Expect(qint64 pixels) override;
+    void ExpectBeside(qint64 bytes) override;
     void Begin(const Pixels& preview) override;
     bool GoOn(double part) override;
 
  private:
+    void Bound() const;
     void Give(DecodedImage decoded);
 
     DecodingRequest request_;
@@ -33,6 +36,10 @@ class DecodingHost : public DecoderHost, public ReadProgress {
     platform::SharedMemory preview_;
     platform::SharedMemory picture_;
     std::unique_ptr<platform::SharedMemory::View> fileView_;
+    /// Of the picture, as far as it is known.
+    qint64 pixels_ = 0;
+    /// What its reader says that it takes; nothing while it has not said it.
+    std::optional<qint64> bytesBeside_;
     /// Of the image that stands in picture_; null while there is none.
     const uchar* inPlace_ = nullptr;
 };
