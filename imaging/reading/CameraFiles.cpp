@@ -123,6 +123,10 @@ DecodedImage ReadMetafile(const ReadTask& task) {
     return Decode(CameraFormat::Metafile, task);
 }
 
+DecodedImage ReadPackedWebP(const ReadTask& task) {
+    return Decode(CameraFormat::WebP, task);
+}
+
 void DecodeCameraFilesHere() {
     DecodesHere() = true;
 }

@@ -17,13 +17,15 @@ bool IsRaw(QByteArrayView start);
 bool IsRawTiff(QIODevice& device);
 
 /// Decode a file as DecodeHeif, DecodeJpegXl, DecodeJpeg2000 and DecodeRaw of
-/// imaging/reading/cameras/ and DrawMetafile say, in a process of its own (DecodingProcess.h).
-/// Throw ReadError, where a part of the program is missing too, and ReadCancelled.
+/// imaging/reading/cameras/, DrawMetafile and DecodeWebP say, in a process of its own
+/// (DecodingProcess.h). Throw ReadError, where a part of the program is missing too, and
+/// ReadCancelled.
 DecodedImage ReadHeif(const ReadTask& task);
 DecodedImage ReadJpegXl(const ReadTask& task);
 DecodedImage ReadJpeg2000(const ReadTask& task);
 DecodedImage ReadRaw(const ReadTask& task);
 DecodedImage ReadMetafile(const ReadTask& task);
+DecodedImage ReadPackedWebP(const ReadTask& task);
 
 /// From now on these decode in this process, without its limits: for what watches the decoding
 /// itself, as fuzzers do.

@@ -7,8 +7,8 @@ namespace kadrona::imaging {
 /// What telephones and cameras write, and JPEG 2000. The libraries that decode it are large, and
 /// many a file makes them fail: they belong to a part of the program that only a process of its own
 /// opens, see DecodingProcess.h. Metafiles go the same way: a few records may ask the painter for
-/// any amount of work.
-enum class CameraFormat { Heif, JpegXl, Jpeg2000, Raw, Metafile };
+/// any amount of work; and WebP as far as the codes that it is packed with may take any memory.
+enum class CameraFormat { Heif, JpegXl, Jpeg2000, Raw, Metafile, WebP };
 
 }  // namespace kadrona::imaging
 

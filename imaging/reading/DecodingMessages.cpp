@@ -11,7 +11,7 @@ namespace kadrona::imaging {
 namespace {
 
 /// A program and a decoder of different versions do not understand each other.
-constexpr quint32 Mark = 0x4b443031;
+constexpr quint32 Mark = 0x4b443032;
 constexpr auto Version = QDataStream::Qt_6_0;
 
 template <typename Fill>

@@ -39,6 +39,8 @@ QString NameOf(CameraFormat format) {
             return u"JPEG 2000"_s;
         case CameraFormat::Metafile:
             return u"Metadateien"_s;
+        case CameraFormat::WebP:
+            return u"WebP"_s;
         case CameraFormat::Raw:
             break;
     }

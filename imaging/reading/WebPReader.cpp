@@ -3,10 +3,12 @@
 #include <webp/decode.h>
 #include <webp/demux.h>
 
+#include <cerrno>
 #include <memory>
+#include <optional>
 
 #include "imaging/codec/Release.h"
-#include "imaging/pixels/NewImage.h"
+#include "imaging/reading/CameraFiles.h"
 #include "platform/ByteReader.h"
 
 using namespace Qt::StringLiterals;
@@ -54,6 +56,7 @@ bool HasTooManyChunks(QByteArrayView file) {
     return true;
 }
 
+/// `errno` is what the library has left.
 QString ReasonOf(VP8StatusCode status) {
     switch (status) {
         case VP8_STATUS_OUT_OF_MEMORY:
@@ -62,38 +65,83 @@ QString ReasonOf(VP8StatusCode status) {
         case VP8_STATUS_NOT_ENOUGH_DATA:
             return IncompleteFileReason();
         default:
-            return DamagedFileReason();
+            // Of a packed picture the library tells no lack of memory.
+            return errno == ENOMEM ? OutOfMemoryReason() : DamagedFileReason();
     }
 }
 
-/// `kept`: the bytes of the file and what was taken out of it.
-QImage DecodeFrame(const WebPData& frame, qint64 kept, const ReadTask& task) {
-    constexpr int Lossless = 2;
-    WebPDecoderConfig config;
-    if (!WebPInitDecoderConfig(&config)) {
-        task.Fail(DamagedFileReason());
+/// The bytes of a file and what they hold, which is no copy.
+class WebPFile {
+ public:
+    explicit WebPFile(const ReadTask& task) : task_(task), bytes_(task.ReadWhole()) {
+        if (HasTooManyChunks(bytes_)) {
+            task.Fail(TooMuchMemoryReason());
+        }
+        const WebPData data{reinterpret_cast<const uint8_t*>(bytes_.constData()),
+                            static_cast<size_t>(bytes_.size())};
+        demuxer_.reset(WebPDemux(&data));
+        WebPIterator frame = {};
+        if (!demuxer_ || !WebPDemuxGetFrame(demuxer_.get(), 1, &frame)) {
+            task.Fail(DamagedOrIncompleteFileReason());
+        }
+        frame_ = frame.fragment;
+        WebPDemuxReleaseIterator(&frame);
+        if (!WebPInitDecoderConfig(&config_)) {
+            task.Fail(DamagedFileReason());
+        }
+        Require([this] { return WebPGetFeatures(frame_.bytes, frame_.size, &config_.input); });
     }
-    if (const auto status = WebPGetFeatures(frame.bytes, frame.size, &config.input);
-        status != VP8_STATUS_OK) {
-        task.Fail(ReasonOf(status));
+
+    /// In a few bytes a picture without losses, and the alpha of one with, may have any number of
+    /// codes, each with tables of kilobytes.
+    bool IsPacked() const { return IsLossless() || config_.input.has_alpha; }
+
+    DecodedImage Decoded() {
+        DecodedImage decoded;
+        const WebPBitstreamFeatures& features = config_.input;
+        task_.RequireAllowedSize(features.width, features.height);
+        decoded.profile = ProfileOf(demuxer_.get(), task_);
+        // A lossless picture is decoded beside the result, in four bytes a pixel of its own, and so
+        // is the alpha of a lossy one, with the byte that becomes of it.
+        const int besideLossy = features.has_alpha ? 5 : 0;
+        const int beside = IsLossless() ? 4 : besideLossy;
+        task_.RequireMemoryBeside(bytes_.size() + decoded.profile.size() +
+                                  qint64{features.width} * features.height * beside);
+        QImage& image = decoded.image;
+        image = task_.NewPicture({features.width, features.height},
+                                 features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+        config_.output.colorspace = MODE_BGRA;
+        config_.output.is_external_memory = 1;
+        config_.output.u.RGBA = {image.bits(), static_cast<int>(image.bytesPerLine()),
+                                 static_cast<size_t>(image.sizeInBytes())};
+        Require([this] { return WebPDecode(frame_.bytes, frame_.size, &config_); });
+        return decoded;
     }
-    const WebPBitstreamFeatures& features = config.input;
-    task.RequireAllowedSize(features.width, features.height);
-    // A lossless picture is decoded beside the result, in four bytes a pixel of its own, and so is
-    // the alpha of a lossy one, with the byte that becomes of it.
-    const int besideLossy = features.has_alpha ? 5 : 0;
-    const int beside = features.format == Lossless ? 4 : besideLossy;
-    task.RequireMemoryBeside(kept + qint64{features.width} * features.height * beside);
-    QImage image = NewImage({features.width, features.height},
-                            features.has_alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
-    config.output.colorspace = MODE_BGRA;
-    config.output.is_external_memory = 1;
-    config.output.u.RGBA = {image.bits(), static_cast<int>(image.bytesPerLine()),
-                            static_cast<size_t>(image.sizeInBytes())};
-    if (const auto status = WebPDecode(frame.bytes, frame.size, &config); status != VP8_STATUS_OK) {
-        task.Fail(ReasonOf(status));
+
+ private:
+    bool IsLossless() const {
+        constexpr int Lossless = 2;
+        return config_.input.format == Lossless;
     }
-    return image;
+    template <typename Step>
+    void Require(Step step) const {
+        errno = 0;
+        if (const VP8StatusCode status = step(); status != VP8_STATUS_OK) {
+            task_.Fail(ReasonOf(status));
+        }
+    }
+
+    const ReadTask& task_;
+    QByteArray bytes_;
+    Demuxer demuxer_;
+    WebPData frame_ = {};
+    WebPDecoderConfig config_ = {};
+};
+
+/// Nothing where a process of its own is to decode it.
+std::optional<DecodedImage> DecodedHere(const ReadTask& task) {
+    WebPFile file(task);
+    return file.IsPacked() ? std::nullopt : std::optional(file.Decoded());
 }
 
 }  // namespace
@@ -103,24 +151,19 @@ bool IsWebP(QByteArrayView start) {
 }
 
 DecodedImage ReadWebP(const ReadTask& task) {
-    DecodedImage decoded;
-    decoded.metadata = ReadFileMetadata(task.Device());
-    const QByteArray file = task.ReadWhole();
-    if (HasTooManyChunks(file)) {
-        task.Fail(TooMuchMemoryReason());
+    FileMetadata metadata = ReadFileMetadata(task.Device());
+    std::optional<DecodedImage> decoded = DecodedHere(task);
+    if (!decoded) {
+        ReadOptions options = task.Options();
+        options.progress = nullptr;  // CanGiveUp() does not know how it is packed
+        decoded = ReadPackedWebP(task.Within(task.Device(), options));
     }
-    const WebPData data{reinterpret_cast<const uint8_t*>(file.constData()),
-                        static_cast<size_t>(file.size())};
-    const Demuxer demuxer(WebPDemux(&data));
-    WebPIterator frame = {};
-    if (!demuxer || !WebPDemuxGetFrame(demuxer.get(), 1, &frame)) {
-        task.Fail(DamagedOrIncompleteFileReason());
-    }
-    const WebPData first = frame.fragment;  // bytes of the file
-    WebPDemuxReleaseIterator(&frame);
-    decoded.profile = ProfileOf(demuxer.get(), task);
-    decoded.image = DecodeFrame(first, file.size() + decoded.profile.size(), task);
-    return decoded;
+    decoded->metadata = std::move(metadata);
+    return std::move(*decoded);
+}
+
+DecodedImage DecodeWebP(const ReadTask& task) {
+    return WebPFile(task).Decoded();
 }
 
 }  // namespace kadrona::imaging

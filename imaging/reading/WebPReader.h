@@ -7,8 +7,12 @@ namespace kadrona::imaging {
 /// True where a file that starts with these bytes is a WebP.
 bool IsWebP(QByteArrayView start);
 
-/// Decodes a WebP file, of an animation the first frame, straight into the rows of the result.
-/// Throws ReadError, also where the data is incomplete.
+/// Reads a WebP file, of an animation the first frame: by DecodeWebP, in a process of its own
+/// where the header does not bound its memory. Throws ReadError, also where the data is incomplete.
 DecodedImage ReadWebP(const ReadTask& task);
+
+/// Decodes any WebP file straight into the rows of the result, without its metadata. Throws
+/// ReadError and platform::Error.
+DecodedImage DecodeWebP(const ReadTask& task);
 
 }  // namespace kadrona::imaging

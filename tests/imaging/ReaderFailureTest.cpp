@@ -188,6 +188,29 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     }
 }
 
+// A megapixel of 65,536 blocks, each with codes of its own.
+TEST(ReaderFailure, WhatTheHeaderDoesNotTellIsBoundedWhileItIsDecoded) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "a sanitizer takes any address space";
+#endif
+    constexpr int Blocks = 65'536;
+    const QByteArray oneSymbol = "1000";
+    const QByteArray allOfEightBits = "00001" + QByteArray(33, '0') + "100" + "111001111111";
+    QByteArray bits = "11110100" + QByteArray("11111111110000").repeated(2) + "0000" + "001000" +
+                      "0" + allOfEightBits.repeated(2) + oneSymbol.repeated(3);
+    for (int block = 0; block < Blocks; ++block) {
+        bits += QByteArray::number(Blocks + block, 2).last(16);
+    }
+    bits += oneSymbol.repeated(5).repeated(Blocks) + QByteArray(64, '0');
+    QByteArray packed(bits.size() / 8, '\0');
+    for (qsizetype bit = 0; bit < packed.size() * 8; ++bit) {
+        packed[bit / 8] = char(packed[bit / 8] | (bits[bit] - '0') << bit % 8);
+    }
+    const QByteArray chunk = "WEBPVP8L" + LittleEndian(quint32(packed.size())) + packed;
+    EXPECT_EQ(Failure("RIFF" + LittleEndian(quint32(chunk.size())) + chunk + '\0'),
+              Complaint("Der Arbeitsspeicher reicht nicht aus."));
+}
+
 TEST(ReaderFailure, TiffsAreUnpackedOnlyAsPhotosArePacked) {
     for (const auto& [packing, isUsual] : {std::pair(1, true),
                                            {5, true},

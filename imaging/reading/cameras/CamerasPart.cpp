@@ -1,6 +1,7 @@
 #include "imaging/reading/CamerasPart.h"
 
 #include "imaging/reading/MetafileReader.h"
+#include "imaging/reading/WebPReader.h"
 #include "imaging/reading/cameras/HeifReader.h"
 #include "imaging/reading/cameras/Jpeg2000Reader.h"
 #include "imaging/reading/cameras/JpegXlReader.h"
@@ -29,6 +30,9 @@ void kadrona_decode_camera_file(CameraFormat format, const kadrona::imaging::Rea
             break;
         case CameraFormat::Metafile:
             decoded = kadrona::imaging::DrawMetafile(task);
+            break;
+        case CameraFormat::WebP:
+            decoded = kadrona::imaging::DecodeWebP(task);
             break;
     }
 }
