@@ -48,6 +48,30 @@ TEST(ReaderFailure, FilesThatEndEarlyAreRefused) {
         }
     }
     EXPECT_EQ(Failure(NoisyJpeg(false).chopped(2)), QString()) << "without its end marker";
+    // Two by three pixels: a run, a move to the next row and a row of single ones.
+    const auto packedBmp = [](int bits, const QByteArray& runs) {
+        const QByteArray colours(4 << bits, 'c');
+        const QByteArray head = Packed<quint32>(0, 0, 54 + colours.size(), 40, 2, 3) +
+                                Packed<quint16>(1, bits) + Packed<quint32>(bits == 8 ? 1 : 2);
+        return "BM" + head + QByteArray(20, '\0') + colours + runs;
+    };
+    const QByteArray runs(
+        "\2\1"
+        "\0\2\0\1"
+        "\0\0"
+        "\2\1"
+        "\0\0"
+        "\0\1",
+        14);
+    for (const int bits : {4, 8}) {
+        EXPECT_EQ(Failure(packedBmp(bits, runs)), QString());
+        EXPECT_EQ(Failure(packedBmp(bits, runs.chopped(4))), QString()) << "without its mark";
+        for (const qsizetype missing : {5, 7, 10}) {
+            EXPECT_EQ(Failure(packedBmp(bits, runs.chopped(missing))),
+                      Complaint("Die Datei ist unvollständig."));
+        }
+        EXPECT_NE(Failure(packedBmp(bits, QByteArray("\0\1", 2))), QString());
+    }
 }
 
 TEST(ReaderFailure, DamagedJpegDataIsRefused) {
