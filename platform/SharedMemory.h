@@ -43,7 +43,7 @@ class SharedMemory {
 
     /// Makes sure that nobody who has it can change its size any more, and that it is `size`: a
     /// process that is not trusted could else take bytes away from under whoever reads them. Null
-    /// where it is of another size, or where memory is short.
+    /// where it is of another size, or where memory is short, with ENOMEM in `errno`.
     std::unique_ptr<View> Fixed(qint64 size) const;
 
  private:

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <memory>
@@ -190,7 +191,11 @@ class Decoding {
 
     QImage Shown(const platform::SharedMemory& memory, QSize size, QImage::Format format,
                  qint64 bytesBehind = 0) const {
+        errno = 0;
         auto view = memory.Fixed(SharedPictureBytes(size) + bytesBehind);
+        if (!view && errno == ENOMEM) {
+            ThrowOutOfMemory();
+        }
         if (!view) {
             FailAsItLies();
         }
