@@ -268,18 +268,21 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     const QByteArray none(4, '\0');  // version and flags
     const QByteArray one = BigEndian(quint16{1});
     // One item of 10 by 10 pixels that refers to item `to` as its part.
+    const auto named = [&](quint16 number, const QByteArray& type) {
+        return box("iinf", none + one +
+                               box("infe", BigEndian(quint32{2 << 24}) + BigEndian(number) +
+                                               BigEndian(quint16{0}) + type + '\0'));
+    };
     const auto heif = [&](const char* type, const QByteArray& coded, quint16 to,
-                          const QByteArray& properties = "\2\1\2") {
-        const QByteArray item =
-            box("infe", BigEndian(quint32{2 << 24}) + one + BigEndian(quint16{0}) + type + '\0');
+                          const QByteArray& properties = "\2\1\2", const QByteArray& more = {}) {
         const QByteArray size = box("ispe", none + BigEndian(quint32{10}) + BigEndian(quint32{10}));
         const QByteArray said = box("ipco", size + box("av1C", none + coded) + box("irot", "\1")) +
                                 box("ipma", none + BigEndian(quint32{1}) + one + properties);
         return box("ftyp", "heic" + none + "mif1") +
                box("meta", none + box("hdlr", none + none + "pict" + QByteArray(13, '\0')) +
-                               box("pitm", none + one) + box("iinf", none + one + item) +
+                               box("pitm", none + one) + named(1, type) +
                                box("iref", none + box("dimg", one + one + BigEndian(to))) +
-                               box("iprp", said));
+                               box("iprp", said) + more);
     };
     const QString refused = Complaint("Diese Art von HEIF-Datei wird nicht unterstützt.");
     EXPECT_EQ(Failure(heif("iden", {}, 1)), refused);
@@ -288,6 +291,15 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     EXPECT_NE(Failure(heif("av01", sequence.chopped(9), 2)), refused);
     EXPECT_EQ(Failure(heif("iden", {}, 2, "\7\3\3\3\3\3\3\3")), refused) << "turns";
     EXPECT_NE(Failure(heif("iden", {}, 2, "\6\3\3\3\3\3\3")), refused);
+    const auto texts = [&](quint16 times) {  // each of the whole file
+        return box("iloc", none + QByteArray("\x44\0\0\1\0\2\0\0", 8) + BigEndian(times) +
+                               QByteArray("\0\0\0\0\1\0\0\0", 8).repeated(times));
+    };
+    EXPECT_NE(Failure(heif("iden", {}, 2, "\2\1\2", texts(2))), refused);
+    EXPECT_EQ(Failure(heif("iden", {}, 2, "\2\1\2", texts(3))), refused);
+    const QByteArray text("mime\0a\0", 7);
+    EXPECT_NE(Failure(heif("iden", {}, 2, "\2\1\2", named(2, text))), refused);
+    EXPECT_EQ(Failure(heif("iden", {}, 2, "\2\1\2", named(2, text + "deflate"))), refused);
     const QByteArray side = BigEndian(quint32{1000});
     const auto jpeg2000 = [&](const char* style) {
         return QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + side + side + QByteArray(8, '\0') +

@@ -39,10 +39,8 @@ class HeifBoxReader {
     void Read() {
         ForEachBox(boxes_.file, [this](QByteArrayView type, QByteArrayView content) {
             if (type == "meta") {
-                // Of what stands there the library makes two copies.
-                constexpr qsizetype MostBytes = 50'000'000;
-                RequireNone(isRead_ || content.size() > MostBytes);
-                isRead_ = true;
+                RequireNone(boxes_.bytes > 0);
+                boxes_.bytes = content.size();
                 ByteReader(content).Skip(VersionBytes);
                 ForEachBox(content.sliced(VersionBytes),
                            [this](auto inner, auto bytes) { ReadMetaBox(inner, bytes); });
@@ -74,6 +72,14 @@ class HeifBoxReader {
         } else if (type == "iinf") {
             constexpr qsizetype MostItems = 4000;  // the library looks for each among all
             RequireNone(content.count("infe") > MostItems);
+            const int version = reader.Read<quint8>();
+            reader.Skip(3);
+            ReadNumber(reader, version > 0);
+            ForEachBox(reader.Take(reader.Remaining()), [this](auto inner, auto bytes) {
+                if (inner == "infe") {
+                    ReadEntry(BoxContent(bytes));
+                }
+            });
         } else if (type == "iref") {
             ReadReferences(content);
         } else if (type == "iloc") {
@@ -91,6 +97,24 @@ class HeifBoxReader {
                 }
             });
         }
+    }
+
+    /// ISO/IEC 14496-12, 8.11.6; older versions have no types.
+    void ReadEntry(ByteReader reader) {
+        const int version = reader.Read<quint8>();
+        reader.Skip(3);
+        HeifItem& item = boxes_.items[ReadNumber(reader, version > 2)];
+        if (version < 2) {
+            return;
+        }
+        reader.Skip(2);
+        RequireNone(!item.type.isNull());  // the library takes one of both
+        item.type = reader.Take(4);
+        const QByteArrayView texts = reader.Take(reader.Remaining());
+        const qsizetype kind = texts.indexOf('\0') + 1;
+        const qsizetype packing = texts.indexOf('\0', kind) + 1;
+        item.isPacked = item.type == "mime" && kind > 0 && packing > 0 && packing < texts.size() &&
+                        texts[packing] != '\0';
     }
 
     void ReadReferences(QByteArrayView content) {
@@ -159,7 +183,6 @@ class HeifBoxReader {
     }
 
     HeifBoxes& boxes_;
-    bool isRead_ = false;
     size_t numbers_ = 0;
 };
 
@@ -176,6 +199,14 @@ QByteArrayView HeifBoxes::PropertyOf(const HeifItem& item, QByteArrayView type) 
         }
     }
     return {};
+}
+
+QByteArrayView HeifBoxes::BytesOf(const HeifExtent& extent) const {
+    const QByteArrayView source = extent.method == 0 ? file : inside;
+    const auto whole = static_cast<quint64>(source.size());
+    const quint64 begin = std::min(extent.begin, whole);
+    return source.sliced(static_cast<qsizetype>(begin),
+                         static_cast<qsizetype>(std::min(extent.length, whole - begin)));
 }
 
 QByteArrayView HeifBoxes::TypeOfProperty(size_t index) const {

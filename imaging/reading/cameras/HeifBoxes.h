@@ -20,6 +20,8 @@ struct HeifProperty {
 };
 
 struct HeifItem {
+    QByteArrayView type;             ///< four letters
+    bool isPacked = false;           ///< a text that the library unpacks
     std::vector<quint32> parts;      ///< pictures that are decoded for this one
     std::vector<size_t> properties;  ///< counted from 1; the file may name what is not there
     std::vector<HeifExtent> extents;
@@ -48,9 +50,12 @@ struct HeifBoxes {
     QByteArrayView PropertyOf(const HeifItem& item, QByteArrayView type) const;
     /// Empty where there is no such property.
     QByteArrayView TypeOfProperty(size_t index) const;
+    /// What of an extent is there.
+    QByteArrayView BytesOf(const HeifExtent& extent) const;
 
     QByteArrayView file;
     QByteArrayView inside;  ///< of the box "idat"
+    qint64 bytes = 0;       ///< of "meta" as a whole
     quint32 primary = 0;
     QHash<quint32, HeifItem> items;
     std::vector<HeifProperty> properties;

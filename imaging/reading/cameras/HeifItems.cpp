@@ -1,6 +1,7 @@
 #include "imaging/reading/cameras/HeifItems.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 #include "imaging/reading/cameras/CodedPixels.h"
@@ -20,6 +21,24 @@ class HeifItems {
  public:
     explicit HeifItems(QByteArrayView file) : boxes_(file) {}
 
+    /// The library makes two copies of the boxes as it opens the file, and one of each item that is
+    /// no picture.
+    void RequireBoundedBytes(const ReadTask& task) const {
+        qint64 all = 0;
+        qint64 besidePictures = 0;
+        for (const HeifItem& item : boxes_.items) {
+            RequireNone(item.isPacked);  // to any size
+            for (const HeifExtent& extent : item.extents) {
+                const qint64 bytes = boxes_.BytesOf(extent).size();
+                all += bytes;
+                besidePictures += IsPicture(item) ? 0 : bytes;
+            }
+        }
+        // No byte stands for two items; twice the file leaves room for odd ones.
+        RequireNone(all > 2 * boxes_.file.size());
+        task.RequireMemoryBeside(boxes_.file.size() + 2 * boxes_.bytes + besidePictures);
+    }
+
     /// Throws where the primary item takes more than its size allows.
     void RequireBoundedWork() {
         constexpr qint64 LargestPicture = 200'000'000;
@@ -31,6 +50,11 @@ class HeifItems {
     }
 
  private:
+    static bool IsPicture(const HeifItem& item) {
+        constexpr std::array Kinds{"hvc1", "av01", "grid", "iovl", "iden"};
+        return std::ranges::find(Kinds, item.type) != Kinds.end();
+    }
+
     /// Of each of the three kinds a picture has one; every one is another walk over all its pixels.
     void RequireFewTurns(const HeifItem& item) const {
         constexpr int MostTurns = 6;
@@ -53,20 +77,10 @@ class HeifItems {
             std::min<quint64>(width * reader.Read<quint32>(), std::numeric_limits<qint64>::max()));
     }
 
-    QByteArray BytesOf(const HeifItem& item) {
+    QByteArray BytesOf(const HeifItem& item) const {
         QByteArray bytes;
-        const auto wholeFile = static_cast<quint64>(boxes_.file.size());
         for (const HeifExtent& extent : item.extents) {
-            const QByteArrayView source = extent.method == 0 ? boxes_.file : boxes_.inside;
-            const auto whole = static_cast<quint64>(source.size());
-            if (extent.begin < whole) {
-                const quint64 length = std::min(extent.length, whole - extent.begin);
-                // No byte stands for two items; twice the file leaves room for odd ones.
-                located_ += length;
-                RequireNone(located_ > 2 * wholeFile);
-                bytes.append(source.sliced(static_cast<qsizetype>(extent.begin),
-                                           static_cast<qsizetype>(length)));
-            }
+            bytes.append(boxes_.BytesOf(extent));
         }
         return bytes;
     }
@@ -103,7 +117,6 @@ class HeifItems {
     }
 
     HeifBoxes boxes_;
-    quint64 located_ = 0;
     QHash<quint32, qint64> coded_;
     int decoded_ = 0;
     qint64 pixels_ = 0;
@@ -113,7 +126,9 @@ class HeifItems {
 }  // namespace
 
 void RequireSoundItems(QByteArrayView file, const ReadTask& task) try {
-    HeifItems(file).RequireBoundedWork();
+    HeifItems items(file);
+    items.RequireBoundedBytes(task);
+    items.RequireBoundedWork();
 } catch (const platform::OutOfBytes&) {
     task.Fail(DamagedOrIncompleteFileReason());
 } catch (const TooManyItems&) {
