@@ -211,16 +211,26 @@ QByteArray ProfileOf(TIFF* tiff) {
 }
 
 /// The largest strip or tile as it lies in the file, which is in memory as a whole, and the table
-/// of all.
-qint64 PackedBytes(TIFF* tiff, qint64 fileBytes) {
-    const quint32 count = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
-    quint64 most = 0;
-    for (quint32 i = 0; i < count; ++i) {
-        most = std::max<quint64>(most, TIFFGetStrileByteCount(tiff, i));
-    }
+/// of all. Throws a ReadError where together they are far more than the file: each is read anew.
+qint64 PackedBytes(TIFF* tiff, const ReadTask& task) {
     constexpr qint64 BytesOfEntry = 16;
-    return static_cast<qint64>(std::min(most, static_cast<quint64>(fileBytes))) +
-           BytesOfEntry * count;
+    // Half a second of reading, for writers that say what the pixels take unpacked.
+    constexpr qint64 MostBesideFile = 500'000'000;
+    const auto file = static_cast<quint64>(task.Device().size());
+    const quint32 count = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    task.RequireMemoryBeside(BytesOfEntry * count);
+    qint64 most = 0;
+    qint64 all = 0;
+    for (quint32 i = 0; i < count; ++i) {
+        const quint64 said = TIFFGetStrileByteCount(tiff, i);
+        const auto bytes = static_cast<qint64>(std::min(said, file));
+        most = std::max(most, bytes);
+        all += bytes;
+    }
+    if (all > 2 * task.Device().size() + MostBesideFile) {
+        task.Fail(DamagedFileReason());
+    }
+    return most + BytesOfEntry * count;
 }
 
 /// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
@@ -253,7 +263,7 @@ DecodedImage ReadTiff(const ReadTask& task) {
     RequireUsualPacking(tiff.get(), task);
     const TiffLayout layout(tiff.get());
     task.RequireAllowedSize(layout.width, layout.height);
-    const qint64 packed = PackedBytes(tiff.get(), task.Device().size());
+    const qint64 packed = PackedBytes(tiff.get(), task);
     task.RequireMemoryBeside(packed + values);
     if (!layout.IsDeep()) {
         task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout) + values);

@@ -203,6 +203,16 @@ TEST(ReaderFailure, WhatWouldTakeTooMuchMemoryIsRefusedByTheHeader) {
     deep[2] = Short(0x102, 16);
     EXPECT_EQ(Failure(Tiff(deep, QByteArray(200, 'x'))), QString());
     EXPECT_EQ(Failure(Tiff(deep + QList{profile}, QByteArray(200, 'x'))), tooMuch);
+    const auto sameStrip = [](qsizetype times) {
+        const qsizetype bytes = 1'000'000;
+        return Tiff({Short(0x100, 10), Short(0x101, quint16(times)), Short(0x102, 8),
+                     Short(0x103, 1), Short(0x106, 1), Short(0x115, 1), Short(0x116, 1),
+                     TiffEntry{0x111, 4, LittleEndian(quint32{8}).repeated(times)},
+                     TiffEntry{0x117, 4, LittleEndian(quint32(bytes)).repeated(times)}}) +
+               QByteArray(bytes, ' ');
+    };
+    EXPECT_EQ(Failure(sameStrip(500)), QString());
+    EXPECT_EQ(Failure(sameStrip(510)), Complaint("Die Datei ist beschädigt."));
     const QByteArray segment = "\xff\xed\xff\xff" + QByteArray(0xfffd, ' ');
     EXPECT_EQ(Failure(Written(TestPicture(40, 30), "jpg").insert(2, segment.repeated(1000))),
               tooMuch);
