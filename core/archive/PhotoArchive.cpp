@@ -287,6 +287,16 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
     return Filing::Waits;
 }
 
+QString PhotoArchive::WhyUnmounted(const QString& archiveFolder) {
+    try {
+        return !IsAway() && Table() != nullptr && IsArchiveFolder(archiveFolder)
+                   ? core::WhyUnmounted(*database_, archiveFolder)
+                   : QString();
+    } catch (const store::ConnectionLost&) {
+        return {};
+    }
+}
+
 bool PhotoArchive::FinishFiling(const WaitingPhoto& waiting) {
     ArchiveTable* table = Table();
     if (table == nullptr || !database_->TableExists(u"ImgChecksum"_s)) {
@@ -337,6 +347,9 @@ Filing PhotoArchive::FileWaiting(const QString& name) {
     if (FinishFiling(waiting)) {
         queue_.Remove(name);
         return Filing::Done;
+    }
+    if (const QString reason = WhyUnmounted(waiting.archiveFolder); !reason.isEmpty()) {
+        throw platform::FileError(reason);
     }
     NameSources names = names_;
     names.now = [&] { return waiting.created; };

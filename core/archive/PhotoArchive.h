@@ -74,8 +74,14 @@ class PhotoArchive {
     /// the photo is put into the queue.
     Filing File(imaging::LayeredImage& image, const PhotoToFile& known);
 
+    /// What speaks against a folder as the archive's: it is empty, yet the database knows photos,
+    /// as where a drive or share is not connected. A sentence and a question; else empty, also
+    /// where the server is gone. Throws platform::Error.
+    QString WhyUnmounted(const QString& archiveFolder);
+
     /// The photos that wait, and the filing of one of them, in the month of its date; one that is
-    /// filed waits no longer. Throws as File does.
+    /// filed waits no longer. Throws as File does, and platform::FileError where WhyUnmounted says
+    /// something.
     const FilingQueue& Queue() const { return queue_; }
     Filing FileWaiting(const QString& name);
 

@@ -38,6 +38,13 @@ QString FilingFailure(imaging::LayeredImage& image, const PhotoToFile& photo,
         if (again && making.openArchive && !making.archive.IsOnServer()) {
             making.openArchive();
         }
+        // Beside an unconnected drive the photo would lie hidden below it. A new folder is empty
+        // too.
+        const QString doubt = making.archive.WhyUnmounted(photo.archiveFolder);
+        if (!doubt.isEmpty() &&
+            !making.ui.AskYesNo(doubt + u"\n\nSoll das Foto trotzdem dort abgelegt werden?"_s)) {
+            return doubt;
+        }
         switch (making.archive.File(image, photo)) {
             case Filing::NoDatabase:
                 return u"Die Datenbank des Bildarchivs ist nicht geöffnet."_s;

@@ -125,6 +125,27 @@ TEST_F(PassportPhotos, TheArchiveIsAskedOnlyWhereWantedAndNeverCostsTheSheet) {
     EXPECT_NE(late.Archive(), nullptr) << "opened for the second try";
 }
 
+TEST_F(PassportPhotos, AnEmptyFolderOfAnArchiveWithPhotosIsAskedAbout) {
+    const QString folder = installation.Path("archive");
+    settings[u"ImageAutoSave"_s] = true;
+    settings[u"ImageDestinationDir"_s] = folder;
+    ui.tags = QStringList(u"Anna"_s);
+    const auto filedAnswering = [&](const QList<bool>& answers) {
+        ui.answers = answers;
+        OpenGrey(500, 600);
+        data.CropImage(image, 0);
+        return data.Archive()->Ids().size();
+    };
+    ASSERT_TRUE(QDir().mkpath(folder));
+    EXPECT_EQ(filedAnswering({}), 1U) << "a new archive";
+    ASSERT_TRUE(QDir().rename(folder, folder + u"-away"_s) && QDir().mkpath(folder));
+    EXPECT_EQ(filedAnswering({false, false}), 1U);
+    EXPECT_TRUE(ui.messages.last().contains(u"ist leer; ist sein Laufwerk verbunden?"_s));
+    EXPECT_TRUE(QDir(folder).isEmpty());
+    EXPECT_EQ(filedAnswering({true}), 2U) << "a new folder";
+    EXPECT_EQ(filedAnswering({}), 3U);
+}
+
 TEST_F(PassportPhotos, ATemplateLargerThanThePhotoKeepsItsSizeWithWhiteOutside) {
     OpenGrey(100, 100);
     data.CropImage(image, core::SinglePhotoLayout);
