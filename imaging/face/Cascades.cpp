@@ -14,10 +14,10 @@ namespace kadrona::imaging {
 
 namespace {
 
-const std::array<QString, 3>& FileNames() {
-    static const std::array<QString, 3> names{u"haarcascade_frontalface_alt2.xml"_s,
-                                              u"haarcascade_eye_tree_eyeglasses.xml"_s,
-                                              u"haarcascade_eye.xml"_s};
+const std::array<QString, 4>& FileNames() {
+    static const std::array<QString, 4> names{
+        u"haarcascade_frontalface_alt2.xml"_s, u"haarcascade_eye_tree_eyeglasses.xml"_s,
+        u"haarcascade_eye.xml"_s, u"haarcascade_frontalface_default.xml"_s};
     return names;
 }
 

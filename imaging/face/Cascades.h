@@ -19,7 +19,7 @@ class CascadesMissing : public platform::FileError {
 /// real-time face detection", IJCV 57(2), 2004), of Debian's package "opencv-data".
 class Cascades {
  public:
-    enum Kind { FrontalFace, EyeWithGlasses, Eye };
+    enum Kind { FrontalFace, EyeWithGlasses, Eye, FrontalFaceAgain };
 
     static inline const QString DebianFolder = QStringLiteral("/usr/share/opencv4/haarcascades");
 
@@ -32,7 +32,7 @@ class Cascades {
 
  private:
     /// By Kind. Searching changes a classifier's buffers.
-    std::array<std::unique_ptr<Classifier>, 3> classifiers_;
+    std::array<std::unique_ptr<Classifier>, 4> classifiers_;
 };
 
 /// Those of this machine, loaded by the first call that finds them. Throws CascadesMissing, and

@@ -32,6 +32,9 @@ constexpr double EyeDistanceInBox = 0.40;
 /// What a face gathers at least, by the eyes seen of it. With fewer than the last no eyes make a
 /// pattern likely.
 constexpr std::array FewestVotes{20, 12, 8};
+/// The same where another classifier agrees, and what it has to gather.
+constexpr std::array FewestVotesIfConfirmed{12, 12, 4};
+constexpr int FewestVotesOfConfirmation = 8;
 
 /// A face's box, as a frame that guesses its eyes.
 struct FaceCandidate {
@@ -69,23 +72,30 @@ struct FaceWidths {
     double largest = 1;
 };
 
-std::vector<FaceCandidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                                        FaceWidths widths, const Cascades& cascades) {
+/// Places that gathered votes, each once.
+struct FaceCandidates {
+    std::vector<FaceCandidate> strong;
+    /// Too weak to be a face by themselves, whatever their eyes.
+    std::vector<FaceCandidate> weak;
+};
+
+FaceCandidates CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
+                            FaceWidths widths, const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
     const int smallest = std::max(24, static_cast<int>(widths.smallest * shorter));
     const int largest = static_cast<int>(widths.largest * shorter);
-    std::vector<FaceCandidate> candidates;
+    FaceCandidates candidates;
     for (const CascadeHit& hit : cascades.Find(Cascades::FrontalFace, turned.grey, smallest,
-                                               largest, FewestVotes.back() - 1)) {
+                                               largest, FewestVotesIfConfirmed.back() - 1)) {
         const double side = hit.box.width();
         const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
         const cv::Vec2d at = turned.back * eyes;
         const double scale = photo.Reduction();
-        candidates.push_back(
-            {{QPointF(at[0], at[1]) * scale, EyeDistanceInBox * side * scale, degrees},
-             side * scale,
-             hit.votes});
+        auto& those = hit.votes < FewestVotes.back() ? candidates.weak : candidates.strong;
+        those.push_back({{QPointF(at[0], at[1]) * scale, EyeDistanceInBox * side * scale, degrees},
+                         side * scale,
+                         hit.votes});
     }
     return candidates;
 }
@@ -106,6 +116,11 @@ void Merge(std::vector<FaceCandidate>& all, const std::vector<FaceCandidate>& mo
             *same = candidate;
         }
     }
+}
+
+void Merge(FaceCandidates& all, const FaceCandidates& more) {
+    Merge(all.strong, more.strong);
+    Merge(all.weak, more.weak);
 }
 
 /// How much a face looks like the one that the photo was taken of: large and in the middle.
@@ -134,19 +149,23 @@ EyePair EyesOf(const FacePhoto& photo, const FaceCandidate& candidate,
     return known != earlier.end() ? known->eyes : FindEyes(photo, candidate.frame, cascades);
 }
 
-/// The candidates with their eyes, the most prominent first, as long as eyes are seen. `earlier` is
-/// what an earlier call gave.
-std::vector<SeenFace> WithEyes(const FacePhoto& photo, std::vector<FaceCandidate> candidates,
-                               const std::vector<SeenFace>& earlier, const Cascades& cascades) {
-    // Fifty faces of a group need no eyes each: only the most prominent few are of interest.
+/// Fifty faces of a group need no eyes each: only the most prominent few are of interest.
+std::vector<FaceCandidate> MostProminent(const FacePhoto& photo,
+                                         std::vector<FaceCandidate> candidates) {
     constexpr size_t MostFaces = 4;
     std::ranges::sort(candidates, std::greater(), [&](const FaceCandidate& candidate) {
         return Prominence(candidate, photo.Size());
     });
     candidates.resize(std::min(candidates.size(), MostFaces));
+    return candidates;
+}
+
+/// The candidates with their eyes, the most prominent first, as long as eyes are seen. `earlier` is
+/// what an earlier call gave.
+std::vector<SeenFace> WithEyes(const FacePhoto& photo, const FaceCandidates& candidates,
+                               const std::vector<SeenFace>& earlier, const Cascades& cascades) {
     std::vector<SeenFace> faces;
-    faces.reserve(candidates.size());
-    for (const FaceCandidate& candidate : candidates) {
+    for (const FaceCandidate& candidate : MostProminent(photo, candidates.strong)) {
         faces.push_back({candidate, EyesOf(photo, candidate, earlier, cascades)});
     }
     std::ranges::stable_sort(faces, std::greater(), IsLikely);
@@ -159,7 +178,7 @@ bool IsSure(const std::vector<SeenFace>& faces) {
 
 /// The faces of the upright picture and, until one is sure, of the picture turned one way and the
 /// other: large ones first, for they are quickly found. Adds every candidate to `candidates`.
-std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>& candidates,
+std::vector<SeenFace> FacesIn(const FacePhoto& photo, FaceCandidates& candidates,
                               const Cascades& cascades) {
     constexpr double Turn = 14;
     cv::Mat grey;
@@ -177,6 +196,39 @@ std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>
             }
             Merge(candidates, CandidatesAt(photo, grey, degrees, widths, cascades));
             faces = WithEyes(photo, candidates, faces, cascades);
+        }
+    }
+    return faces;
+}
+
+/// Whether a classifier that was taught with other faces sees one at the candidate, too.
+bool IsConfirmed(const FacePhoto& photo, const FaceCandidate& candidate, const Cascades& cascades) {
+    constexpr double PixelsPerUnit = 36;
+    constexpr int Smallest = 60;
+    constexpr int Largest = 130;
+    const QRectF around(-2.2, -2, 4.4, 4.4);
+    cv::Mat grey;
+    cv::cvtColor(photo.Sampled(candidate.frame, around, PixelsPerUnit), grey, cv::COLOR_BGR2GRAY);
+    return !cascades
+                .Find(Cascades::FrontalFaceAgain, grey, Smallest, Largest,
+                      FewestVotesOfConfirmation - 1)
+                .empty();
+}
+
+/// Where nothing is likely by itself: the candidates that are confirmed, the most prominent first.
+std::vector<SeenFace> ConfirmedFaces(const FacePhoto& photo, const FaceCandidates& candidates,
+                                     const std::vector<SeenFace>& earlier,
+                                     const Cascades& cascades) {
+    std::vector<FaceCandidate> all = candidates.strong;
+    Merge(all, candidates.weak);
+    std::vector<SeenFace> faces;
+    for (const FaceCandidate& candidate : MostProminent(photo, all)) {
+        if (!IsConfirmed(photo, candidate, cascades)) {
+            continue;
+        }
+        const SeenFace face{candidate, EyesOf(photo, candidate, earlier, cascades)};
+        if (candidate.votes >= FewestVotesIfConfirmed.at(static_cast<size_t>(face.eyes.seen))) {
+            faces.push_back(face);
         }
     }
     return faces;
@@ -248,14 +300,19 @@ FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     if (std::min(facePhoto.Reduced().cols, facePhoto.Reduced().rows) < SmallestSide) {
         return {};
     }
-    std::vector<FaceCandidate> candidates;
-    const std::vector<SeenFace> faces = FacesIn(facePhoto, candidates, cascades);
+    FaceCandidates candidates;
+    std::vector<SeenFace> faces = FacesIn(facePhoto, candidates, cascades);
+    int count = CountOf(faces, candidates.strong);
     if (faces.empty() || !IsLikely(faces.front())) {
+        faces = ConfirmedFaces(facePhoto, candidates, faces, cascades);
+        count = static_cast<int>(faces.size());
+    }
+    if (faces.empty()) {
         return {};
     }
     const EyePair eyes =
         Settled(facePhoto, faces.front().eyes, faces.front().candidate.frame.tiltDegrees, cascades);
-    return {Measured(facePhoto, eyes), CountOf(faces, candidates)};
+    return {Measured(facePhoto, eyes), count};
 }
 
 }  // namespace

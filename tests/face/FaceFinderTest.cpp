@@ -113,6 +113,24 @@ TEST(FaceSearch, CountsAGroupAndMeasuresOneOfIt) {
     EXPECT_EQ(std::ranges::count_if(group, isMeasured), 1);
 }
 
+TEST(FaceSearch, TakesAWeakFaceThatAnotherClassifierSeesToo) {
+    for (const auto& [cap, frame, grey] : {std::tuple(124, 28, 60), std::tuple(136, 32, 100)}) {
+        QImage portrait = Wall(DrawnSize, {QTransform()});
+        QPainter painter(&portrait);
+        painter.fillRect(170, 100, 261, cap, Qt::black);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QColor(grey, grey, grey), frame));
+        for (const int left : {195, 315}) {
+            painter.drawRoundedRect(left, 300, 90, 60, 20, 20);  // glasses
+        }
+        painter.end();
+        const FaceSearch search = FindFace(Pixels(portrait), InstalledCascades());
+        ASSERT_TRUE(search.face);
+        EXPECT_EQ(search.faceCount, 1);
+        EXPECT_LT(Distance(search.face->EyeMiddle(), (DrawnLeftEye + DrawnRightEye) / 2), 40);
+    }
+}
+
 QImage Noise(QSize size) {
     std::mt19937 random(7);
     return Painted(size, [&](int, int) { return 0xff000000U | (random() & 0xffffffU); });
