@@ -1,7 +1,6 @@
 #include "imaging/face/CrownFinder.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -26,44 +25,27 @@ constexpr double PartingWeight = 4;
 /// An arc parts best where hair is dense; the hair's top stands this much above it.
 constexpr double LooseHair = 0.06;
 
-/// The colours of the background beside and above the head: a few clusters in CIE Lab.
-class Background {
+/// A few colours in CIE Lab with how far each spreads.
+class Colours {
  public:
-    Background(const cv::Mat& lab, double top) {
-        std::vector<cv::Vec3f> samples;
-        const int side = static_cast<int>((HalfWidth - 1.6) * CrownPixelsPerUnit);
-        const int corners = static_cast<int>(0.6 * lab.rows);
-        const int above = top < -2.9 ? static_cast<int>(0.2 * CrownPixelsPerUnit) : 0;
-        for (int row = 0; row < lab.rows; ++row) {
-            for (int column = 0; column < lab.cols; ++column) {
-                if (row < above ||
-                    (row < corners && (column < side || column >= lab.cols - side))) {
-                    samples.push_back(lab.at<cv::Vec3f>(row, column));
-                }
-            }
-        }
-        Cluster(samples);
-        AddGradient(lab, side);
+    /// Clusters of the samples, as many as `count` or fewer.
+    Colours(const std::vector<cv::Vec3f>& samples, int count) {
+        const cv::Mat points(static_cast<int>(samples.size()), 3, CV_32F,
+                             const_cast<cv::Vec3f*>(samples.data()));
+        cv::Mat labels;
+        cv::theRNG().state = 1;  // the clusters start from random points: the same ones each time
+        cv::kmeans(points, count, labels, {cv::TermCriteria::COUNT, 6, 0}, 1,
+                   cv::KMEANS_PP_CENTERS);
+        KeepLargeClusters(samples, labels, static_cast<size_t>(count));
     }
 
-    /// A wall lit from one side: between the upper corners its colours pass from one to the other.
-    void AddGradient(const cv::Mat& lab, int side) {
-        constexpr int Steps = 6;
-        const int height = std::max(1, lab.rows / 3);
-        const cv::Scalar left = cv::mean(lab(cv::Rect(0, 0, side, height)));
-        const cv::Scalar right = cv::mean(lab(cv::Rect(lab.cols - side, 0, side, height)));
-        for (int step = 1; step < Steps; ++step) {
-            const cv::Scalar mixed = left + (right - left) * (static_cast<double>(step) / Steps);
-            const double between = cv::norm(right - left) / Steps;
-            means_.emplace_back(mixed[0], mixed[1], mixed[2]);
-            deviations_.emplace_back(std::max(3.0, between), 2.0, 2.0);
-        }
+    void Add(const cv::Vec3d& mean, const cv::Vec3d& deviation) {
+        means_.emplace_back(mean);
+        deviations_.emplace_back(deviation);
     }
 
-    /// 0 like the background ... 1 unlike it.
-    double Unlikeness(const cv::Vec3f& colour) const {
-        constexpr double Alike = 2;
-        constexpr double Unlike = 4.5;
+    /// From the nearest of them, in its deviations.
+    double DistanceTo(const cv::Vec3f& colour) const {
         double nearest = 1e9;
         for (size_t i = 0; i < means_.size(); ++i) {
             const cv::Vec3f off = colour - means_[i];
@@ -74,48 +56,36 @@ class Background {
             }
             nearest = std::min(nearest, distance);
         }
-        return std::clamp((std::sqrt(nearest) - Alike) / (Unlike - Alike), 0.0, 1.0);
+        return std::sqrt(nearest);
     }
 
  private:
-    static constexpr int Clusters = 4;
-
-    void Cluster(const std::vector<cv::Vec3f>& samples) {
-        const cv::Mat points(static_cast<int>(samples.size()), 3, CV_32F,
-                             const_cast<cv::Vec3f*>(samples.data()));
-        cv::Mat labels;
-        cv::theRNG().state = 1;  // the clusters start from random points: the same ones each time
-        cv::kmeans(points, Clusters, labels, {cv::TermCriteria::COUNT, 6, 0}, 1,
-                   cv::KMEANS_PP_CENTERS);
-        KeepLargeClusters(samples, labels);
-    }
-
     /// Means and deviations of the clusters that have more than a few pixels.
-    void KeepLargeClusters(const std::vector<cv::Vec3f>& samples, const cv::Mat& labels) {
-        std::array<cv::Vec3d, Clusters> sums{};
-        std::array<cv::Vec3d, Clusters> squares{};
-        std::array<int, Clusters> counts{};
+    void KeepLargeClusters(const std::vector<cv::Vec3f>& samples, const cv::Mat& labels,
+                           size_t count) {
+        std::vector<cv::Vec3d> sums(count);
+        std::vector<cv::Vec3d> squares(count);
+        std::vector<int> counts(count);
         for (size_t i = 0; i < samples.size(); ++i) {
             const auto cluster = static_cast<size_t>(labels.at<int>(static_cast<int>(i)));
             const cv::Vec3d value = samples[i];
-            sums.at(cluster) += value;
-            squares.at(cluster) += value.mul(value);
-            ++counts.at(cluster);
+            sums[cluster] += value;
+            squares[cluster] += value.mul(value);
+            ++counts[cluster];
         }
         const cv::Vec3d floors(2.5, 1.5, 1.5);
-        for (size_t i = 0; i < Clusters; ++i) {
-            if (counts.at(i) < static_cast<int>(samples.size()) / 50) {
+        for (size_t i = 0; i < count; ++i) {
+            if (counts[i] < static_cast<int>(samples.size()) / 50) {
                 continue;
             }
-            const cv::Vec3d mean = sums.at(i) / counts.at(i);
+            const cv::Vec3d mean = sums[i] / counts[i];
             cv::Vec3d deviation;
             for (int channel = 0; channel < 3; ++channel) {
                 const double variance =
-                    squares.at(i)[channel] / counts.at(i) - mean[channel] * mean[channel];
+                    squares[i][channel] / counts[i] - mean[channel] * mean[channel];
                 deviation[channel] = std::max(floors[channel], std::sqrt(std::max(0.0, variance)));
             }
-            means_.emplace_back(mean);
-            deviations_.emplace_back(deviation);
+            Add(mean, deviation);
         }
     }
 
@@ -123,12 +93,81 @@ class Background {
     std::vector<cv::Vec3d> deviations_;
 };
 
-cv::Mat UnlikenessOf(const cv::Mat& lab, const Background& background) {
+int PixelsOf(double length) {
+    return static_cast<int>(length * CrownPixelsPerUnit);
+}
+
+/// A wall lit from one side: between the upper corners its colours pass from one to the other.
+void AddGradient(Colours& background, const cv::Mat& lab, int side) {
+    constexpr int Steps = 6;
+    const int height = std::max(1, lab.rows / 3);
+    const cv::Scalar left = cv::mean(lab(cv::Rect(0, 0, side, height)));
+    const cv::Scalar right = cv::mean(lab(cv::Rect(lab.cols - side, 0, side, height)));
+    for (int step = 1; step < Steps; ++step) {
+        const cv::Scalar mixed = left + (right - left) * (static_cast<double>(step) / Steps);
+        const double between = cv::norm(right - left) / Steps;
+        background.Add({mixed[0], mixed[1], mixed[2]}, {std::max(3.0, between), 2.0, 2.0});
+    }
+}
+
+/// The colours beside the head, and of all that lies well above the expected crown.
+Colours BackgroundOf(const cv::Mat& lab, double expectedBelowTop) {
+    constexpr double WellAbove = 0.6;
+    constexpr int Clusters = 4;
+    std::vector<cv::Vec3f> samples;
+    const int side = PixelsOf(HalfWidth - 1.6);
+    const int corners = static_cast<int>(0.6 * lab.rows);
+    const int above = PixelsOf(expectedBelowTop - WellAbove);
+    for (int row = 0; row < lab.rows; ++row) {
+        for (int column = 0; column < lab.cols; ++column) {
+            if (row < above || (row < corners && (column < side || column >= lab.cols - side))) {
+                samples.push_back(lab.at<cv::Vec3f>(row, column));
+            }
+        }
+    }
+    Colours background(samples, Clusters);
+    AddGradient(background, lab, side);
+    return background;
+}
+
+/// The colours of the hair, or of the forehead where it is bald, just below the expected crown.
+Colours HairOf(const cv::Mat& lab, double expectedBelowTop) {
+    constexpr double From = 0.15;
+    constexpr double To = 0.6;
+    constexpr int Clusters = 3;
+    std::vector<cv::Vec3f> samples;
+    const int half = PixelsOf(HalfCrown);
+    const int last = std::min(PixelsOf(expectedBelowTop + To), lab.rows);
+    for (int row = std::min(PixelsOf(expectedBelowTop + From), last - 2); row < last; ++row) {
+        for (int column = lab.cols / 2 - half; column <= lab.cols / 2 + half; ++column) {
+            samples.push_back(lab.at<cv::Vec3f>(row, column));
+        }
+    }
+    return {samples, Clusters};
+}
+
+/// 0 like the background ... 1 unlike it and like the hair. Half of it goes by the background
+/// alone: hair has more colours than were seen of it.
+double Unlikeness(const cv::Vec3f& colour, const Colours& background, const Colours& hair) {
+    constexpr double Alike = 2;
+    constexpr double Unlike = 4.5;
+    constexpr double Farthest = 7;  // farther off tells no more
+    const double off = background.DistanceTo(colour);
+    const double nearer = std::min(off, Farthest) - std::min(hair.DistanceTo(colour), Farthest);
+    return (std::clamp((off - Alike) / (Unlike - Alike), 0.0, 1.0) +
+            std::clamp(0.5 + nearer / 2 / (Unlike - Alike), 0.0, 1.0)) /
+           2;
+}
+
+/// `expectedBelowTop` is the expected crown below the first row.
+cv::Mat UnlikenessOf(const cv::Mat& lab, double expectedBelowTop) {
+    const Colours background = BackgroundOf(lab, expectedBelowTop);
+    const Colours hair = HairOf(lab, expectedBelowTop);
     cv::Mat unlikeness(lab.size(), CV_32F);
     for (int row = 0; row < lab.rows; ++row) {
         for (int column = 0; column < lab.cols; ++column) {
             unlikeness.at<float>(row, column) =
-                static_cast<float>(background.Unlikeness(lab.at<cv::Vec3f>(row, column)));
+                static_cast<float>(Unlikeness(lab.at<cv::Vec3f>(row, column), background, hair));
         }
     }
     return unlikeness;
@@ -177,7 +216,7 @@ double Parting(const std::vector<ArcEvidence>& rows, size_t row, size_t lowest, 
 
 }  // namespace
 
-FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
+FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame, double expected) {
     const double photoTop = frame.FromPhoto({frame.origin.x(), 0}).y();
     const double top = std::max(Highest, photoTop);
     if (top > LowestCrown - 0.2) {
@@ -185,7 +224,7 @@ FacePlace FindCrown(const FacePhoto& photo, const FaceFrame& frame) {
     }
     const QRectF area(-HalfWidth, top, 2 * HalfWidth, Lowest - top);
     const cv::Mat lab = SmoothLab(photo.Sampled(frame, area, CrownPixelsPerUnit), 0.8);
-    const cv::Mat unlikeness = UnlikenessOf(lab, Background(lab, top));
+    const cv::Mat unlikeness = UnlikenessOf(lab, std::max(expected, top) - top);
     const auto lowest = static_cast<size_t>((LowestCrown - top) * CrownPixelsPerUnit);
     std::vector<ArcEvidence> rows;
     double strongest = 6;

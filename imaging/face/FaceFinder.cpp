@@ -270,11 +270,14 @@ FacePlace ChinOf(const FacePhoto& photo, const FaceFrame& frame) {
     return AgreedPlace(FindChin(photo, frame, learned), learned, 0.5);
 }
 
-/// The crown: never above the photo's edge by what was learned alone.
+/// The crown: never above the photo's edge by what was learned alone. The surer the silhouette, the
+/// less counts what was learned.
 FacePlace CrownOf(const FacePhoto& photo, const FaceFrame& frame) {
     const double top = frame.FromPhoto({frame.origin.x(), 0}).y();
-    const FacePlace seen = FindCrown(photo, frame);
-    return AgreedPlace(seen, std::max(top, LearnedFaces().CrownIn(photo, frame)), 0.75);
+    const double learned = std::max(top, LearnedFaces().CrownIn(photo, frame));
+    const FacePlace seen = FindCrown(photo, frame, learned);
+    const double share = std::clamp(0.95 - 1.5 * seen.confidence, 0.2, 0.8);
+    return AgreedPlace(seen, learned, share);
 }
 
 Face Measured(const FacePhoto& photo, const EyePair& eyes) {

@@ -157,6 +157,16 @@ TEST(FaceSearch, MeasuresAHeadThatTheUpperEdgeCuts) {
     EXPECT_LT(search.face->crown.confidence, 0.5);
 }
 
+TEST(FaceSearch, LooksForTheCrownBelowADarkBoard) {
+    for (const int top : {40, 80}) {
+        QImage photo = Wall(DrawnSize, {{}});
+        QPainter(&photo).fillRect(0, top, DrawnSize.width(), 26, QColor(60, 45, 35));
+        const FaceSearch search = FindFace(Pixels(photo), InstalledCascades());
+        ASSERT_TRUE(search.face);
+        ExpectDrawnFace(*search.face, {});
+    }
+}
+
 /// A step that moves by its offsets, whatever it sees.
 QByteArray BlindStep(FaceRegression::Kind kind, const char* scaleAndOffsets) {
     const QByteArray row = "0 " + QByteArray("0 ").repeated(FaceRegression::MoveSize(kind) - 1);
