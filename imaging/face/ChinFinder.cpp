@@ -18,7 +18,7 @@ constexpr double ChinDeviation = 0.12;
 constexpr double HighestChin = 1.35;
 constexpr double LowestChin = 2.55;
 /// The change is strongest where the chin begins to turn under; its lowest point stands below.
-constexpr double Rounding = 0.02;
+constexpr double Rounding = 0.06;
 /// What the edges of chin and sides count against that.
 constexpr double ChinWeight = 3;
 constexpr double SideWeight = 2;
