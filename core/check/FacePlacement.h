@@ -47,8 +47,8 @@ double FaceAxis(const imaging::Face& face);
 /// height; larger where that brings the pupils as far apart as is published. The rectangle has the
 /// shape of `canvas` (the size of the template's drawing) and is never stretched. A photo without
 /// room enough moves the template inside the published bands, up and down also where a document
-/// leaves that to the photographer, then makes the head as large as its band allows; where nothing
-/// keeps them all, the template is pushed back inside.
+/// leaves that to the photographer, then makes the head larger inside its band, by no more than it
+/// must; where nothing keeps them all, the template is pushed back inside.
 FacePlacement PlaceOnFace(const imaging::Face& face, const TemplateRow& row, QSize canvas,
                           QSize photo);
 
