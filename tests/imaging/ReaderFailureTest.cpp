@@ -286,7 +286,8 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     const auto heif = [&](const char* type, const QByteArray& coded, quint16 to,
                           const QByteArray& properties = "\2\1\2", const QByteArray& more = {}) {
         const QByteArray size = box("ispe", none + BigEndian(quint32{10}) + BigEndian(quint32{10}));
-        const QByteArray said = box("ipco", size + box("av1C", none + coded) + box("irot", "\1")) +
+        const QByteArray said = box("ipco", size + box("av1C", none + coded) + box("irot", "\1") +
+                                                box("hvcC", QByteArray(23, '\0'))) +
                                 box("ipma", none + BigEndian(quint32{1}) + one + properties);
         return box("ftyp", "heic" + none + "mif1") +
                box("meta", none + box("hdlr", none + none + "pict" + QByteArray(13, '\0')) +
@@ -296,27 +297,58 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     };
     const QString refused = Complaint("Diese Art von HEIF-Datei wird nicht unterstützt.");
     EXPECT_EQ(Failure(heif("iden", {}, 1)), refused);
-    const QByteArray sequence("\x0a\x07\x18\x3f\xff\xff\xff\xff\xff");  // 65536 by 65536
+    // 65536 by 65536 pixels.
+    const QByteArray sequence("\x0a\x0a\x18\x3f\xff\xff\xff\xff\xff\0\0\0", 12);
     EXPECT_EQ(Failure(heif("av01", sequence, 2)), refused);
-    EXPECT_NE(Failure(heif("av01", sequence.chopped(9), 2)), refused);
+    EXPECT_EQ(Failure(heif("av01", sequence, 2, "\3\1\4\2")), refused) << "two configurations";
+    EXPECT_NE(Failure(heif("av01", {}, 2)), refused);
+    // A sequence of 10 by 10 pixels, and a frame that says its own size.
+    const auto frame = [](const char* header) {
+        return QByteArray::fromHex("0a0c000000fbfc002400240001081a0a14") +
+               QByteArray::fromHex(header);
+    };
+    EXPECT_EQ(Failure(heif("av01", frame("5dbc5dbc82c80000"), 2)), refused) << "6000 by 6000";
+    EXPECT_NE(Failure(heif("av01", frame("3e7c3e7c85900000"), 2)), refused) << "4000 by 4000";
     EXPECT_EQ(Failure(heif("iden", {}, 2, "\7\3\3\3\3\3\3\3")), refused) << "turns";
     EXPECT_NE(Failure(heif("iden", {}, 2, "\6\3\3\3\3\3\3")), refused);
-    const auto texts = [&](quint16 times) {  // each of the whole file
-        return box("iloc", none + QByteArray("\x44\0\0\1\0\2\0\0", 8) + BigEndian(times) +
-                               QByteArray("\0\0\0\0\1\0\0\0", 8).repeated(times));
+    const auto located = [&](quint16 item, quint16 times, quint32 bytes) {  // each the file's first
+        return box("iloc", none + QByteArray("\x44\0\0\1", 4) + BigEndian(item) + none.first(2) +
+                               BigEndian(times) + (none + BigEndian(bytes)).repeated(times));
     };
+    const auto texts = [&](quint16 times) { return located(2, times, 1 << 24); };
     EXPECT_NE(Failure(heif("iden", {}, 2, "\2\1\2", texts(2))), refused);
     EXPECT_EQ(Failure(heif("iden", {}, 2, "\2\1\2", texts(3))), refused);
+    // Of 6100 by 6100 pixels with all chroma, 10 bits and 8.
+    const auto fine = [&](const char* bits) {
+        const QByteArray coded =
+            QByteArray::fromHex("0a0c200000fbfc5f4c5f4c00") + QByteArray::fromHex(bits);
+        return heif("av01", coded, 2, "\2\1\2", located(1, 1, 4))
+            .replace(BigEndian(quint32{10}).repeated(2), BigEndian(quint32{6100}).repeated(2));
+    };
+    const QString tooMuch = TooMuch();
+    EXPECT_EQ(Failure(fine("0a40")), tooMuch);
+    EXPECT_NE(Failure(fine("0240")), tooMuch);
     const QByteArray text("mime\0a\0", 7);
-    EXPECT_NE(Failure(heif("iden", {}, 2, "\2\1\2", named(2, text))), refused);
-    EXPECT_EQ(Failure(heif("iden", {}, 2, "\2\1\2", named(2, text + "deflate"))), refused);
+    EXPECT_NE(Failure(heif("iden", {}, 2, "\2\1\2", named(3, text))), refused);
+    EXPECT_EQ(Failure(heif("iden", {}, 2, "\2\1\2", named(3, text + "deflate"))), refused);
+    const auto canvas = [&](const char* type, int unused, quint16 side) {
+        const QByteArray laidOut = QByteArray(unused, '\0') + BigEndian(side) + BigEndian(side);
+        return heif(
+            type, {}, 2, "\2\1\2",
+            box("idat", laidOut) +
+                box("iloc", "\1" + none.first(3) + QByteArray("\x44\0\0\1\0\1\0\1\0\0\0\1", 12) +
+                                none + BigEndian(quint32(laidOut.size()))));
+    };
+    for (const auto& [type, unused] : {std::pair("iovl", 10), {"grid", 4}}) {
+        EXPECT_EQ(Failure(canvas(type, unused, 5000)), refused) << type;
+        EXPECT_NE(Failure(canvas(type, unused, 4000)), refused) << type;
+    }
     const QByteArray side = BigEndian(quint32{1000});
     const auto jpeg2000 = [&](const char* style) {
         return QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + side + side + QByteArray(8, '\0') +
                side + side + QByteArray(8, '\0') + BigEndian(quint16{1}) + "\7\1\1" +
                QByteArray::fromHex(style) + "\xff\xd9";
     };
-    const QString tooMuch = TooMuch();
     EXPECT_EQ(Failure(jpeg2000("ff52000d0100000100000404000100")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000d01000001000004040001ff")), tooMuch);
     EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";

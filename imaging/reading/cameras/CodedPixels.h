@@ -10,6 +10,10 @@ struct CodedPictures {
     qint64 pixels = 0;
     /// Shown or not.
     qint64 pictures = 0;
+    /// More than 8 bits a channel.
+    bool isDeep = false;
+    /// Samples of both chroma channels together for every two pixels: 1 with 4:2:0 and grey, 2, 4.
+    int chroma = 1;
 };
 
 /// HEVC as HEIF files keep it (ISO/IEC 14496-15, 8.3.3.1): `configuration` is the content of the

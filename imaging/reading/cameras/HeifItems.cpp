@@ -40,16 +40,20 @@ class HeifItems {
     }
 
     /// Throws where the primary item takes more than its size allows.
-    void RequireBoundedWork() {
+    HeifWork RequireBoundedWork() {
         constexpr qint64 LargestPicture = 200'000'000;
         constexpr qint64 AsManyAsItsOwn = 4;  // with alpha, depths and edges that are filled up
         constexpr qint64 OfSmallOnes = 20'000'000;
         mostPixels_ =
             AsManyAsItsOwn * std::min(SaidPixels(boxes_.primary), LargestPicture) + OfSmallOnes;
         Follow(boxes_.primary, 0);
+        return work_;
     }
 
  private:
+    /// So many that no product of two overflows.
+    static constexpr qint64 Countless = 1LL << 31;
+
     static bool IsPicture(const HeifItem& item) {
         constexpr std::array Kinds{"hvc1", "av01", "grid", "iovl", "iden"};
         return std::ranges::find(Kinds, item.type) != Kinds.end();
@@ -85,38 +89,72 @@ class HeifItems {
         return bytes;
     }
 
+    /// What the library reserves for a picture that others are put into (ISO/IEC 23008-12, 6.6.2).
+    static qint64 CanvasPixels(const HeifItem& item, QByteArrayView bytes) {
+        constexpr int ColoursOfBackground = 8;
+        constexpr int RowsAndColumns = 2;
+        ByteReader reader(bytes, platform::ByteOrder::BigEndian);
+        reader.Skip(1);
+        const bool isLong = (reader.Read<quint8>() & 1) != 0;
+        reader.Skip(item.type == "iovl" ? ColoursOfBackground : RowsAndColumns);
+        const auto side = [&] {
+            return qint64{isLong ? reader.Read<quint32>() : reader.Read<quint16>()};
+        };
+        const qint64 width = std::min(side(), Countless);
+        return width * std::min(side(), Countless);
+    }
+
     qint64 CodedPixelsOf(const HeifItem& item) {
         const QByteArray bytes = BytesOf(item);
-        const QByteArrayView hevc = boxes_.PropertyOf(item, "hvcC");
-        const QByteArrayView av1 = boxes_.PropertyOf(item, "av1C");
-        if (hevc.isNull() && av1.isNull()) {
+        if (item.type == "grid" || item.type == "iovl") {
+            return CanvasPixels(item, bytes);
+        }
+        if (item.type != "hvc1" && item.type != "av01") {
             return 0;
         }
-        const CodedPictures found =
-            hevc.isNull() ? CodedAv1Pictures(av1, bytes) : CodedHevcPictures(hevc, bytes);
-        constexpr qint64 Countless = 1LL << 31;
+        const bool isHevc = item.type == "hvc1";
+        const QByteArrayView configuration = boxes_.PropertyOf(item, isHevc ? "hvcC" : "av1C");
+        const CodedPictures found = isHevc ? CodedHevcPictures(configuration, bytes)
+                                           : CodedAv1Pictures(configuration, bytes);
+        work_.hasAv1 = work_.hasAv1 || !isHevc;
+        work_.isDeep = work_.isDeep || found.isDeep;
+        work_.chroma = std::max(work_.chroma, found.chroma);
         return std::min(found.pixels, Countless) * std::clamp<qint64>(found.pictures, 1, Countless);
     }
 
-    /// The item and all that it is made of, each as often as it is decoded.
-    void Follow(quint32 id, int depth) {
+    /// The item and all that it is made of, each as often as it is decoded. Returns the pixels of
+    /// the item itself.
+    qint64 Follow(quint32 id, int depth) {
         constexpr int Deepest = 6;
         constexpr int MostDecoded = 10'000;
+        constexpr qint64 TilesAtOnce = 4;
         RequireNone(depth > Deepest || ++decoded_ > MostDecoded);
         const HeifItem item = boxes_.items[id];
+        // The library knows no other kinds of pictures, or what they take is not looked at.
+        RequireNone(!item.type.isNull() && !IsPicture(item));
         auto known = coded_.find(id);
         if (known == coded_.end()) {
             RequireFewTurns(item);
             known = coded_.insert(id, CodedPixelsOf(item));
         }
-        pixels_ += *known;
-        RequireNone(*known > mostPixels_ || pixels_ > mostPixels_);
+        const qint64 pixels = *known;
+        pixels_ += pixels;
+        RequireNone(pixels > mostPixels_ || pixels_ > mostPixels_);
+        qint64 largestPart = 0;
         for (const quint32 part : item.parts) {
-            Follow(part, depth + 1);
+            largestPart = std::max(largestPart, Follow(part, depth + 1));
         }
+        work_.pixels =
+            std::max({work_.pixels, pixels,
+                      item.type == "grid"
+                          ? std::min<qint64>(TilesAtOnce, static_cast<qint64>(item.parts.size())) *
+                                largestPart
+                          : 0});
+        return pixels;
     }
 
     HeifBoxes boxes_;
+    HeifWork work_;
     QHash<quint32, qint64> coded_;
     int decoded_ = 0;
     qint64 pixels_ = 0;
@@ -125,10 +163,10 @@ class HeifItems {
 
 }  // namespace
 
-void RequireSoundItems(QByteArrayView file, const ReadTask& task) try {
+HeifWork RequireSoundItems(QByteArrayView file, const ReadTask& task) try {
     HeifItems items(file);
     items.RequireBoundedBytes(task);
-    items.RequireBoundedWork();
+    return items.RequireBoundedWork();
 } catch (const platform::OutOfBytes&) {
     task.Fail(DamagedOrIncompleteFileReason());
 } catch (const TooManyItems&) {

@@ -80,11 +80,30 @@ QByteArray ProfileOf(const heif_image_handle* handle) {
     return error.code == heif_error_Ok ? profile : QByteArray();
 }
 
-/// What libheif takes for a pixel beside the result.
-int BytesBeside(const heif_image_handle* handle) {
-    return heif_image_handle_get_luma_bits_per_pixel(handle) > 8 ? 10
-           : heif_image_handle_has_alpha_channel(handle) != 0    ? 6
-                                                                 : 3;
+/// What libheif takes for a pixel beside the result, as measured.
+int BytesBeside(const heif_image_handle* handle, const HeifWork& work) {
+    const bool isFine = work.chroma > 1;
+    const bool isWhole = work.chroma > 2;
+    const int ofAv1 = work.isDeep ? (isWhole  ? 22
+                                     : isFine ? 14
+                                              : 10)
+                      : isWhole   ? 9
+                      : isFine    ? 5
+                                  : 3;
+    const int ofHevc = work.isDeep ? 10 : isFine ? 5 : 3;
+    const bool hasAlpha = heif_image_handle_has_alpha_channel(handle) != 0;
+    return (work.hasAv1 ? ofAv1 : ofHevc) + (!hasAlpha ? 0 : work.isDeep ? 6 : 3);
+}
+
+/// What is decoded may be larger than what is shown of it, but then it is no photo of a camera.
+void RequireMemory(const heif_image_handle* handle, const HeifWork& work, qint64 fileBytes,
+                   const ReadTask& task) {
+    const qint64 shown =
+        qint64{heif_image_handle_get_width(handle)} * heif_image_handle_get_height(handle);
+    const qint64 decoded = std::max(shown, work.pixels);
+    const int bytes = BytesBeside(handle, work);
+    task.RequireMemoryBeside(fileBytes + (decoded - shown) * bytes);
+    task.RequireMemoryBeside(fileBytes + decoded * bytes, MostBytesBesideOfCameras);
 }
 
 /// One channel of a decoded picture. Not there where the picture has none.
@@ -106,6 +125,9 @@ class HeifChannel {
     const uchar* bytes_;
     int bits_;
 };
+
+/// Codecs fill pictures up to whole blocks.
+constexpr int LargestBlock = 128;
 
 QSize SizeOf(const heif_image* picture, heif_channel channel) {
     return {heif_image_get_width(picture, channel), heif_image_get_height(picture, channel)};
@@ -150,12 +172,17 @@ QImage Decode(const heif_image_handle* handle, const ReadTask& task) {
         heif_decode_image(handle, &decoded, heif_colorspace_RGB, heif_chroma_444, options.get()),
         task);
     const Picture picture(decoded);
+    const QSize size = SizeOf(decoded, heif_channel_R);
+    if (size.width() > heif_image_handle_get_width(handle) + LargestBlock ||
+        size.height() > heif_image_handle_get_height(handle) + LargestBlock) {
+        task.Fail(DamagedFileReason());
+    }
     return Interleaved(picture.get(), heif_image_handle_is_premultiplied_alpha(handle) != 0, task);
 }
 
 DecodedImage Read(const ReadTask& task) {
     const QByteArray file = task.ReadWhole();
-    RequireSoundItems(file, task);
+    const HeifWork work = RequireSoundItems(file, task);
     const Context context(heif_context_alloc());
     RequireHeif(heif_context_read_from_memory_without_copy(
                     context.get(), file.constData(), static_cast<size_t>(file.size()), nullptr),
@@ -166,10 +193,8 @@ DecodedImage Read(const ReadTask& task) {
     const int width = heif_image_handle_get_width(primary);
     const int height = heif_image_handle_get_height(primary);
     task.RequireAllowedSize(width, height);
-    task.RequireMemoryBeside(file.size() + qint64{width} * height * BytesBeside(primary),
-                             MostBytesBesideOfCameras);
+    RequireMemory(primary, work, file.size(), task);
     // What the picture is put together from may be no larger, but for what codecs fill up with.
-    constexpr int LargestBlock = 128;
     heif_context_set_maximum_image_size_limit(context.get(),
                                               std::max({width, height, 4096}) + LargestBlock);
     DecodedImage result;
