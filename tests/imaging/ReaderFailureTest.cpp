@@ -354,6 +354,16 @@ TEST(ReaderFailure, PicturesMadeOfThemselvesAndMoreThanTheySayAreRefused) {
     EXPECT_NE(Failure(jpeg2000("ff52000c0000000100000f0f0001")), QString()) << "2^34 samples";
     EXPECT_EQ(Failure(jpeg2000("ff52000d0102ffff00000404000155")), tooMuch) << "layers";
     EXPECT_NE(Failure(jpeg2000("ff52000d01020fff00000404000155")), tooMuch);
+    // 1000 by 1000 pixels of a palette far behind in the header.
+    const auto palette = [&](char channels) {
+        const QByteArray colours = QByteArray("\0\1", 2) + channels + QByteArray(200, '\7');
+        return box("jP  ", "\r\n\x87\n") +
+               box("jp2h", box("xml ", "pclr" + QByteArray(70'000, ' ')) + box("pclr", colours)) +
+               box("jp2c", jpeg2000("ff52000d0100000100000404000155"));
+    };
+    const QString unsupported = Complaint("Diese Art von JPEG-2000-Datei wird nicht unterstützt.");
+    EXPECT_EQ(Failure(palette(5)), unsupported);
+    EXPECT_NE(Failure(palette(4)), unsupported);
     const QByteArray corner = BigEndian(quint32{0xfffffffe}).repeated(2);
     const QByteArray tile = BigEndian(quint32{1}).repeated(2) + QByteArray(8, '\0');
     EXPECT_EQ(Failure(QByteArray("\xff\x4f\xff\x51\0\x29\0\0", 8) + QByteArray(8, '\xff') + corner +

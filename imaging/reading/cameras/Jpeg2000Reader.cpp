@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "imaging/codec/OpenJpeg.h"
 #include "imaging/metadata/Jpeg2000Boxes.h"
@@ -57,12 +58,25 @@ Layout ReadLayout(QIODevice& device, qint64 codestream) {
     return layout;
 }
 
-/// A palette makes up to four channels of one beside it.
-bool HasPalette(QIODevice& device) {
-    const auto header = FindJpeg2000Box(device, "jp2h");
-    constexpr qint64 FarEnough = 65'536;
-    return header && device.seek(header->position) &&
-           device.read(std::min(header->length, FarEnough)).contains("pclr");
+/// How many channels a palette makes of one, beside it; 0 without one. `boxes` is what stands
+/// before the codestream: the library takes a palette in whatever box it finds it (ITU-T T.800,
+/// I.5.3.4).
+int PaletteChannels(QByteArrayView boxes) {
+    constexpr QByteArrayView Type("pclr");
+    constexpr qsizetype LengthBytes = 4;
+    int most = 0;
+    for (qsizetype at = boxes.indexOf(Type, LengthBytes); at >= 0;
+         at = boxes.indexOf(Type, at + Type.size())) {
+        platform::ByteReader reader(boxes.sliced(at - LengthBytes), platform::ByteOrder::BigEndian);
+        const auto length = reader.Read<quint32>();
+        if (std::cmp_greater(length, LengthBytes + reader.Remaining())) {
+            continue;  // letters of a text
+        }
+        reader.Skip(Type.size() + (length == 1 ? 8 : 0));  // then the length follows
+        reader.Skip(2);                                    // how many colours
+        most = std::max<int>(most, reader.Read<quint8>());
+    }
+    return most;
 }
 
 QString UnsupportedJpeg2000Reason() {
@@ -90,8 +104,11 @@ void RequireAllowed(const ReadTask& task, const Layout& layout, qint64 codestrea
     if (work->packets > MostPackets / layout.tiles) {
         task.Fail(TooMuchMemoryReason());
     }
+    const int made = PaletteChannels(QByteArrayView(task.ReadWhole()).first(codestream));
+    if (made > MostChannels) {
+        task.Fail(UnsupportedJpeg2000Reason());
+    }
     const qint64 samples = layout.tileWidth * layout.tileHeight * layout.channels;
-    const int made = HasPalette(task.Device()) ? MostChannels : 0;
     task.RequireMemoryBeside(
         task.Device().size() +
         (samples + layout.tileWidth * layout.tileHeight * made) * BytesPerSample +
