@@ -13,6 +13,7 @@
 #include "imaging/metadata/TiffFields.h"
 #include "imaging/pixels/LaidOverWhite.h"
 #include "imaging/pixels/NewImage.h"
+#include "imaging/reading/JpegHeader.h"
 #include "imaging/reading/PluginReader.h"
 #include "platform/ByteReader.h"
 
@@ -233,6 +234,41 @@ qint64 PackedBytes(TIFF* tiff, const ReadTask& task) {
     return most + BytesOfEntry * count;
 }
 
+/// Throws a ReadError where a strip or tile is a JPEG larger than its place, as libtiff lets the
+/// last be, or one of several scans: its coefficients may take any memory then, and its scans any
+/// time.
+void RequireSoundJpegs(TIFF* tiff, const ReadTask& task) {
+    constexpr qint64 RowsOfAnyBlock = 64;
+    constexpr qint64 BytesOfAllHeaders = 256'000'000;
+    const TiffLayout layout(tiff);
+    const auto rows = std::min<qint64>(FieldOf<quint32>(tiff, TIFFTAG_ROWSPERSTRIP),
+                                       layout.height + RowsOfAnyBlock);
+    const qint64 width = layout.isTiled ? FieldOf<quint32>(tiff, TIFFTAG_TILEWIDTH) : layout.width;
+    const qint64 height = layout.isTiled ? FieldOf<quint32>(tiff, TIFFTAG_TILELENGTH) : rows;
+    const quint32 count = layout.isTiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    std::vector<quint64> places(count);
+    for (quint32 i = 0; i < count; ++i) {
+        places[i] = TIFFGetStrileOffset(tiff, i);
+    }
+    std::ranges::sort(places);
+    places.erase(std::ranges::unique(places).begin(), places.end());
+    const qint64 most =
+        std::clamp<qint64>(BytesOfAllHeaders / std::max<quint32>(count, 1), 1 << 16, 1 << 24);
+    for (const quint64 place : places) {
+        if (std::cmp_greater_equal(place, task.Device().size())) {
+            continue;  // there is none
+        }
+        task.Device().seek(static_cast<qint64>(place));
+        const auto header = ReadJpegHeader(task.Device().read(most));
+        if (!header) {
+            task.Fail(DamagedOrIncompleteFileReason());
+        }
+        if (header->size.width() > width || header->size.height() > height || !header->hasOneScan) {
+            task.Fail(u"Diese Art von TIFF-Datei wird nicht unterstützt."_s);
+        }
+    }
+}
+
 /// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
 qint64 PluginBytesBeside(TIFF* tiff, const TiffLayout& layout) {
     const bool keepsBits = layout.IsGrey() || layout.photometry == PHOTOMETRIC_RGB;
@@ -265,6 +301,9 @@ DecodedImage ReadTiff(const ReadTask& task) {
     task.RequireAllowedSize(layout.width, layout.height);
     const qint64 packed = PackedBytes(tiff.get(), task);
     task.RequireMemoryBeside(packed + values);
+    if (FieldOf<quint16>(tiff.get(), TIFFTAG_COMPRESSION) == COMPRESSION_JPEG) {
+        RequireSoundJpegs(tiff.get(), task);
+    }
     if (!layout.IsDeep()) {
         task.RequireMemoryBeside(packed + PluginBytesBeside(tiff.get(), layout) + values);
         tiff.reset();

@@ -31,6 +31,10 @@ QString Complaint(const char* reason) {
     return u"Die Datei „probe“ konnte nicht gelesen werden: "_s + QString::fromUtf8(reason);
 }
 
+QString TooMuch() {
+    return Complaint("Das Bild braucht in diesem Format zu viel Arbeitsspeicher.");
+}
+
 std::string Colour(const LoadedImage& loaded, int x, int y) {
     return loaded.pixels.Tile().pixelColor(x, y).name().toStdString();
 }
@@ -167,6 +171,10 @@ QByteArray Tiff(QList<TiffEntry> entries, const QByteArray& pixels) {
         }
     }
     return file + QByteArray(4, '\0') + values;
+}
+
+QByteArray Box(const char* type, const QByteArray& content) {
+    return BigEndian(quint32(content.size() + 8)) + type + content;
 }
 
 QByteArray WithChunk(const QByteArray& png, const char* type, const QByteArray& content) {

@@ -45,6 +45,8 @@ LoadedImage Read(QByteArray bytes, const ReadOptions& options = {});
 QString Failure(const QByteArray& bytes, const ReadOptions& options = {});
 
 QString Complaint(const char* reason);
+/// What a picture is refused with whose reading would take far more memory than its pixels.
+QString TooMuch();
 
 /// "#rrggbb" of a pixel.
 std::string Colour(const LoadedImage& loaded, int x, int y);
@@ -89,6 +91,9 @@ struct TiffEntry {
 QByteArray Tiff(QList<TiffEntry> entries, const QByteArray& pixels = {});
 TiffEntry Short(quint16 tag, quint16 value);
 TiffEntry Rational(quint16 tag, quint32 numerator, quint32 denominator = 1);
+
+/// As HEIF and JP2 files consist of; `type` has four letters.
+QByteArray Box(const char* type, const QByteArray& content);
 
 /// A PNG with a chunk put in behind its header.
 QByteArray WithChunk(const QByteArray& png, const char* type, const QByteArray& content);
