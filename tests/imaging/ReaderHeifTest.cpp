@@ -20,6 +20,13 @@ QByteArray Located(quint16 item, quint16 parts, quint32 bytes) {
                            BigEndian(parts) + (None + BigEndian(bytes)).repeated(parts));
 }
 
+/// The bytes of the item, in the box "idat".
+QByteArray Inside(const QByteArray& bytes) {
+    return Box("idat", bytes) +
+           Box("iloc", "\1" + None.first(3) + QByteArray("\x44\0\0\1\0\1\0\1\0\0\0\1", 12) + None +
+                           BigEndian(quint32(bytes.size())));
+}
+
 struct Item {
     const char* type = "iden";
     /// In the box "av1C".
@@ -34,9 +41,10 @@ struct Item {
 /// Of one item of 10 by 10 pixels.
 QByteArray Heif(const Item& item) {
     const QByteArray size = BigEndian(quint32{10}).repeated(2);
-    const QByteArray said = Box("ipco", Box("ispe", None + size) + Box("av1C", None + item.coded) +
-                                            Box("irot", "\1") + Box("hvcC", QByteArray(23, '\0'))) +
-                            Box("ipma", None + BigEndian(quint32{1}) + One + item.properties);
+    const QByteArray said =
+        Box("ipco", Box("ispe", None + size) + Box("av1C", None + item.coded) + Box("irot", "\1") +
+                        Box("hvcC", QByteArray(21, '\0') + QByteArray("\3", 2))) +
+        Box("ipma", None + BigEndian(quint32{1}) + One + item.properties);
     return Box("ftyp", "heic" + None + "mif1") +
            Box("meta", None + Box("hdlr", None + None + "pict" + QByteArray(13, '\0')) +
                            Box("pitm", None + One) + Named(1, item.type) +
@@ -87,10 +95,7 @@ TEST(ReaderHeif, CodedPicturesLargerThanTheyAreSaidToBeAreRefused) {
 TEST(ReaderHeif, CanvasesLargerThanThePictureAreRefused) {
     const auto canvas = [](const char* type, int unused, quint16 side) {
         const QByteArray laidOut = QByteArray(unused, '\0') + BigEndian(side) + BigEndian(side);
-        const QByteArray place = "\1" + None.first(3) +
-                                 QByteArray("\x44\0\0\1\0\1\0\1\0\0\0\1", 12) + None +
-                                 BigEndian(quint32(laidOut.size()));
-        return Heif({.type = type, .moreBoxes = Box("idat", laidOut) + Box("iloc", place)});
+        return Heif({.type = type, .moreBoxes = Inside(laidOut)});
     };
     for (const auto& [type, unused] : {std::pair("iovl", 10), {"grid", 4}}) {
         EXPECT_EQ(Failure(canvas(type, unused, 5000)), Refused()) << type;
@@ -102,6 +107,21 @@ TEST(ReaderHeif, MuchBesideThePictureIsRefused) {
     const quint32 wholeFile = 1 << 24;
     EXPECT_NE(Failure(Heif({.moreBoxes = Located(3, 2, wholeFile)})), Refused());
     EXPECT_EQ(Failure(Heif({.moreBoxes = Located(3, 3, wholeFile)})), Refused());
+    EXPECT_NE(Failure(Heif({.moreBoxes = Box("free", {}).repeated(99'000)})), Refused());
+    EXPECT_EQ(Failure(Heif({.moreBoxes = Box("free", {}).repeated(100'000)})), Refused());
+    const auto units = [](quint16 count) {  // of no bytes, twice
+        const QByteArray array = '\1' + BigEndian(count) + QByteArray(2 * count, '\0');
+        return Box("hvcC", QByteArray(22, '\0') + '\2' + array + array);
+    };
+    EXPECT_NE(Failure(Heif({.moreBoxes = units(49'000)})), Refused());
+    EXPECT_EQ(Failure(Heif({.moreBoxes = units(50'000)})), Refused());
+    const auto coded = [](qsizetype units) {
+        return Heif({.type = "hvc1",
+                     .properties = "\2\1\4",
+                     .moreBoxes = Inside(QByteArray(4 * units, '\0'))});
+    };
+    EXPECT_NE(Failure(coded(99'000)), Refused());
+    EXPECT_EQ(Failure(coded(101'000)), Refused());
     const QByteArray text("mime\0a\0", 7);
     EXPECT_NE(Failure(Heif({.moreBoxes = Named(3, text)})), Refused());
     EXPECT_EQ(Failure(Heif({.moreBoxes = Named(3, text + "deflate")})), Refused()) << "packed";

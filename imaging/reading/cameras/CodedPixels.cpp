@@ -99,6 +99,7 @@ void NoteHevcSequence(QByteArrayView unit, CodedPictures& found) {
 void CountHevcUnit(QByteArrayView unit, CodedPictures& found) {
     constexpr int FirstThatIsNoPicture = 32;
     constexpr int SequenceParameters = 33;
+    ++found.units;
     if (unit.size() < 3) {
         return;
     }
@@ -273,6 +274,7 @@ void CountAv1Units(QByteArrayView bytes, Av1Sequence& sequence, CodedPictures& f
     constexpr int Frame = 6;
     platform::ByteReader reader(bytes, platform::ByteOrder::BigEndian);
     while (reader.Remaining() > 0) {
+        ++found.units;
         const auto header = reader.Read<quint8>();
         const int type = header >> 3 & 15;
         reader.Skip((header & 4) != 0 ? 1 : 0);
@@ -293,10 +295,13 @@ void CountAv1Units(QByteArrayView bytes, Av1Sequence& sequence, CodedPictures& f
 
 CodedPictures CodedHevcPictures(QByteArrayView configuration, QByteArrayView data) {
     constexpr int BeforeLengthSize = 21;
+    constexpr int LengthSize = sizeof(quint32);
     CodedPictures found;
     platform::ByteReader reader(configuration, platform::ByteOrder::BigEndian);
     reader.Skip(BeforeLengthSize);
-    const int lengthSize = (reader.Read<quint8>() & 3) + 1;
+    if ((reader.Read<quint8>() & 3) + 1 != LengthSize) {
+        throw platform::OutOfBytes();  // libheif would read them as if it said four
+    }
     for (int arrays = reader.Read<quint8>(); arrays > 0; --arrays) {
         reader.Skip(1);
         for (int units = reader.Read<quint16>(); units > 0; --units) {
@@ -304,11 +309,8 @@ CodedPictures CodedHevcPictures(QByteArrayView configuration, QByteArrayView dat
         }
     }
     platform::ByteReader units(data, platform::ByteOrder::BigEndian);
-    while (units.Remaining() >= lengthSize) {
-        qint64 length = 0;
-        for (int i = 0; i < lengthSize; ++i) {
-            length = length << 8 | units.Read<quint8>();
-        }
+    while (units.Remaining() >= LengthSize) {
+        const auto length = units.Read<quint32>();
         CountHevcUnit(units.Take(std::min<qint64>(length, units.Remaining())), found);
     }
     return found;

@@ -10,6 +10,8 @@ struct CodedPictures {
     qint64 pixels = 0;
     /// Shown or not.
     qint64 pictures = 0;
+    /// Pieces that the bytes consist of, of whatever kind and length.
+    qint64 units = 0;
     /// More than 8 bits a channel.
     bool isDeep = false;
     /// Samples of both chroma channels together for every two pixels: 1 with 4:2:0 and grey, 2, 4.

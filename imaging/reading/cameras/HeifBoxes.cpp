@@ -1,7 +1,9 @@
 #include "imaging/reading/cameras/HeifBoxes.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
+#include <optional>
 
 #include "platform/ByteReader.h"
 
@@ -36,17 +38,7 @@ class HeifBoxReader {
  public:
     explicit HeifBoxReader(HeifBoxes& boxes) : boxes_(boxes) {}
 
-    void Read() {
-        ForEachBox(boxes_.file, [this](QByteArrayView type, QByteArrayView content) {
-            if (type == "meta") {
-                RequireNone(boxes_.bytes > 0);
-                boxes_.bytes = content.size();
-                ByteReader(content).Skip(VersionBytes);
-                ForEachBox(content.sliced(VersionBytes),
-                           [this](auto inner, auto bytes) { ReadMetaBox(inner, bytes); });
-            }
-        });
-    }
+    void Read() { ReadBoxes(boxes_.file, {}, 0); }
 
  private:
     static constexpr int VersionBytes = HeifBoxes::VersionBytes;
@@ -60,9 +52,42 @@ class HeifBoxReader {
         return isLong ? reader.Read<quint32>() : reader.Read<quint16>();
     }
 
-    void ReadMetaBox(QByteArrayView type, QByteArrayView content) {
+    /// Of one box the library makes an object, and looks into it wherever it stands.
+    void ReadBoxes(QByteArrayView bytes, QByteArrayView parent, int depth) {
+        constexpr int Deepest = 8;
+        RequireNone(depth > Deepest);
+        ForEachBox(bytes, [&](QByteArrayView type, QByteArrayView content) {
+            CountNumbers(1);
+            boxes_.bytes += parent.isNull() && type != "mdat" ? content.size() : 0;
+            if (parent == "ipco") {
+                boxes_.properties.push_back({type, content});
+            }
+            ReadBox(type, content);
+            if (const auto before = BytesBeforeBoxes(type, content)) {
+                ByteReader(content).Skip(*before);
+                ReadBoxes(content.sliced(*before), type, depth + 1);
+            }
+        });
+    }
+
+    /// Nothing where the box has no others in it.
+    static std::optional<qsizetype> BytesBeforeBoxes(QByteArrayView type, QByteArrayView content) {
+        if (type == "iinf") {
+            return VersionBytes + (BoxContent(content).Read<quint8>() > 0 ? 4 : 2);
+        }
+        constexpr std::array Plain{"iprp", "ipco", "dinf", "grpl"};
+        return std::ranges::find(Plain, type) != Plain.end() ? std::optional<qsizetype>(0)
+               : type == "meta"                              ? VersionBytes
+               : type == "dref" ? std::optional<qsizetype>(VersionBytes + 4)
+                                : std::nullopt;
+    }
+
+    void ReadBox(QByteArrayView type, QByteArrayView content) {
         ByteReader reader = BoxContent(content);
-        if (type == "idat") {
+        if (type == "meta") {
+            RequireNone(boxes_.hasMeta);
+            boxes_.hasMeta = true;
+        } else if (type == "idat") {
             RequireNone(!boxes_.inside.isNull());  // the library takes another one
             boxes_.inside = content;
         } else if (type == "pitm") {
@@ -72,30 +97,32 @@ class HeifBoxReader {
         } else if (type == "iinf") {
             constexpr qsizetype MostItems = 4000;  // the library looks for each among all
             RequireNone(content.count("infe") > MostItems);
-            const int version = reader.Read<quint8>();
-            reader.Skip(3);
-            ReadNumber(reader, version > 0);
-            ForEachBox(reader.Take(reader.Remaining()), [this](auto inner, auto bytes) {
-                if (inner == "infe") {
-                    ReadEntry(BoxContent(bytes));
-                }
-            });
+        } else if (type == "infe") {
+            ReadEntry(reader);
         } else if (type == "iref") {
             ReadReferences(content);
         } else if (type == "iloc") {
             ReadLocations(reader);
-        } else if (type == "iprp") {
-            ForEachBox(content, [this](QByteArrayView inner, QByteArrayView bytes) {
-                if (inner == "ipco") {
-                    RequireNone(!boxes_.properties.empty());
-                    ForEachBox(bytes, [this](QByteArrayView name, QByteArrayView said) {
-                        CountNumbers(1);
-                        boxes_.properties.push_back({name, said});
-                    });
-                } else if (inner == "ipma") {
-                    ReadAssociations(BoxContent(bytes));
-                }
-            });
+        } else if (type == "ipco") {
+            RequireNone(!boxes_.properties.empty());
+        } else if (type == "ipma") {
+            ReadAssociations(reader);
+        } else if (type == "hvcC") {
+            CountUnits(reader);
+        }
+    }
+
+    /// ISO/IEC 14496-15, 8.3.3.1: each is kept on its own.
+    void CountUnits(ByteReader reader) {
+        constexpr int BeforeArrays = 22;
+        reader.Skip(BeforeArrays);
+        for (int arrays = reader.Read<quint8>(); arrays > 0; --arrays) {
+            reader.Skip(1);
+            const int units = reader.Read<quint16>();
+            CountNumbers(units);
+            for (int i = 0; i < units; ++i) {
+                reader.Skip(reader.Read<quint16>());
+            }
         }
     }
 
@@ -124,7 +151,7 @@ class HeifBoxReader {
             ByteReader reader = BoxContent(bytes);
             const quint32 from = ReadNumber(reader, isLong);
             const size_t count = reader.Read<quint16>();
-            CountNumbers(count);
+            CountNumbers(count + 1);
             for (size_t i = 0; i < count; ++i) {
                 const quint32 to = ReadNumber(reader, isLong);
                 if (type == "dimg") {

@@ -55,7 +55,8 @@ struct HeifBoxes {
 
     QByteArrayView file;
     QByteArrayView inside;  ///< of the box "idat"
-    qint64 bytes = 0;       ///< of "meta" as a whole
+    qint64 bytes = 0;       ///< of all boxes but "mdat"
+    bool hasMeta = false;
     quint32 primary = 0;
     QHash<quint32, HeifItem> items;
     std::vector<HeifProperty> properties;

@@ -26,17 +26,20 @@ class HeifItems {
     void RequireBoundedBytes(const ReadTask& task) const {
         qint64 all = 0;
         qint64 besidePictures = 0;
+        qint64 inParts = 0;
         for (const HeifItem& item : boxes_.items) {
             RequireNone(item.isPacked);  // to any size
+            qint64 bytes = 0;
             for (const HeifExtent& extent : item.extents) {
-                const qint64 bytes = boxes_.BytesOf(extent).size();
-                all += bytes;
-                besidePictures += IsPicture(item) ? 0 : bytes;
+                bytes += boxes_.BytesOf(extent).size();
             }
+            all += bytes;
+            besidePictures += IsPicture(item) ? 0 : bytes;
+            inParts = std::max(inParts, item.extents.size() > 1 ? bytes : 0);
         }
         // No byte stands for two items; twice the file leaves room for odd ones.
         RequireNone(all > 2 * boxes_.file.size());
-        task.RequireMemoryBeside(boxes_.file.size() + 2 * boxes_.bytes + besidePictures);
+        task.RequireMemoryBeside(boxes_.file.size() + 2 * boxes_.bytes + besidePictures + inParts);
     }
 
     /// Throws where the primary item takes more than its size allows.
@@ -83,6 +86,10 @@ class HeifItems {
 
     QByteArray BytesOf(const HeifItem& item) const {
         QByteArray bytes;
+        if (item.extents.size() == 1) {
+            const QByteArrayView only = boxes_.BytesOf(item.extents[0]);
+            return QByteArray::fromRawData(only.data(), only.size());
+        }
         for (const HeifExtent& extent : item.extents) {
             bytes.append(boxes_.BytesOf(extent));
         }
@@ -116,6 +123,11 @@ class HeifItems {
         const QByteArrayView configuration = boxes_.PropertyOf(item, isHevc ? "hvcC" : "av1C");
         const CodedPictures found = isHevc ? CodedHevcPictures(configuration, bytes)
                                            : CodedAv1Pictures(configuration, bytes);
+        // A codec keeps each piece as an object, however small it is.
+        constexpr qint64 MostUnits = 100'000;
+        units_ += found.units;
+        RequireNone(units_ > MostUnits);
+        work_.bytes = std::max<qint64>(work_.bytes, bytes.size());
         work_.hasAv1 = work_.hasAv1 || !isHevc;
         work_.isDeep = work_.isDeep || found.isDeep;
         work_.chroma = std::max(work_.chroma, found.chroma);
@@ -155,6 +167,7 @@ class HeifItems {
 
     HeifBoxes boxes_;
     HeifWork work_;
+    qint64 units_ = 0;
     QHash<quint32, qint64> coded_;
     int decoded_ = 0;
     qint64 pixels_ = 0;

@@ -9,6 +9,8 @@ namespace kadrona::imaging {
 /// What decoding the picture of a HEIF file takes at once.
 struct HeifWork {
     qint64 pixels = 0;
+    /// That it is coded with.
+    qint64 bytes = 0;
     /// As CodedPictures has them.
     bool isDeep = false;
     int chroma = 1;

@@ -95,15 +95,20 @@ int BytesBeside(const heif_image_handle* handle, const HeifWork& work) {
     return (work.hasAv1 ? ofAv1 : ofHevc) + (!hasAlpha ? 0 : work.isDeep ? 6 : 3);
 }
 
-/// What is decoded may be larger than what is shown of it, but then it is no photo of a camera.
+/// What is decoded may be larger than what is shown of it, and coded with many bytes, but then it
+/// is no photo of a camera.
 void RequireMemory(const heif_image_handle* handle, const HeifWork& work, qint64 fileBytes,
                    const ReadTask& task) {
+    constexpr qint64 CopiesOfCoded = 3;
+    constexpr qint64 MostCodedBytesAPixel = 8;
     const qint64 shown =
         qint64{heif_image_handle_get_width(handle)} * heif_image_handle_get_height(handle);
     const qint64 decoded = std::max(shown, work.pixels);
+    const qint64 much = std::max<qint64>(work.bytes - shown * MostCodedBytesAPixel, 0);
     const int bytes = BytesBeside(handle, work);
-    task.RequireMemoryBeside(fileBytes + (decoded - shown) * bytes);
-    task.RequireMemoryBeside(fileBytes + decoded * bytes, MostBytesBesideOfCameras);
+    task.RequireMemoryBeside(fileBytes + CopiesOfCoded * much + (decoded - shown) * bytes);
+    task.RequireMemoryBeside(fileBytes + CopiesOfCoded * much + decoded * bytes,
+                             MostBytesBesideOfCameras);
 }
 
 /// One channel of a decoded picture. Not there where the picture has none.
