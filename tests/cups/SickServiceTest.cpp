@@ -89,6 +89,18 @@ TEST(SickServiceTest, ADescriptionWithoutEndIsNotKept) {
               u"Die Antwort des Druckdienstes nimmt kein Ende."_s);
 }
 
+TEST(SickServiceTest, AnswersWithoutBoundsAreNamed) {
+    for (const auto& [illness, text] :
+         {std::pair(u"nest"_s, u"Der Druckdienst antwortet unverständlich."_s),
+          {u"cave"_s, u"Der Druckdienst antwortet unverständlich."_s}}) {
+        const SickService service(illness);
+        const cups::Connection connection({service.Address(), std::chrono::seconds(20)});
+        EXPECT_EQ(TextOf<cups::ServiceFailure>(
+                      [&] { connection.Ask(cups::NewRequest(IPP_OP_CUPS_GET_PRINTERS), "/"); }),
+                  text);
+    }
+}
+
 TEST(SickServiceTest, WaitingCanBeCancelled) {
     const SickService service(u"silent"_s);
     CupsPrinterLayer layer(service.Address(), std::chrono::seconds(60));

@@ -12,6 +12,8 @@ enum class AskCode {
     /// The service answered in HTTP only; the output is libcups' status.
     Refused,
     Silent,
+    /// What came is nothing that libcups can read.
+    Unreadable,
 };
 
 /// The process ends itself so much later than the program ends it.

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "platform/ByteReader.h"
 #include "printing/cups/service/Question.h"
 
 using namespace Qt::StringLiterals;
@@ -77,6 +78,38 @@ ssize_t TakeBytes(void* context, ipp_uchar_t* bytes, size_t count) {
     return taken;
 }
 
+QString Unreadable() {
+    return u"Der Druckdienst antwortet unverständlich."_s;
+}
+
+/// Whether no collections lie in each other deeper than in any answer: libcups calls itself for
+/// each. What is no message counts as one (RFC 8010, section 3).
+bool IsShallow(const QByteArray& message) {
+    enum Tag : quint8 { FirstOfValues = 0x10, Begin = 0x34, End = 0x37, LongTag = 0x7f };
+    constexpr int Deepest = 100;
+    constexpr int BeforeTags = 8;
+    platform::ByteReader reader(message, platform::ByteOrder::BigEndian);
+    int depth = 0;
+    try {
+        reader.Skip(BeforeTags);
+        while (reader.Remaining() > 0) {
+            const auto tag = reader.Read<quint8>();
+            depth += tag == Begin ? 1 : tag == End ? -1 : 0;
+            if (depth > Deepest) {
+                return false;
+            }
+            if (tag >= FirstOfValues) {
+                reader.Skip(tag == LongTag ? 4 : 0);
+                reader.Skip(reader.Read<quint16>());  // its name
+                reader.Skip(reader.Read<quint16>());
+            }
+        }
+    } catch (const platform::OutOfBytes&) {
+        // libcups says so.
+    }
+    return true;
+}
+
 /// Far above what real drivers and services have to say.
 constexpr qint64 MostAnswerBytes = qint64{16} << 20;
 /// libcups reads descriptions of drivers in the square of their length.
@@ -107,6 +140,9 @@ QByteArray BytesOf(const IppMessage& message) {
 }
 
 IppMessage MessageOf(const QByteArray& bytes) {
+    if (!IsShallow(bytes)) {
+        return nullptr;
+    }
     Cursor cursor{bytes};
     IppMessage message(ippNew());
     return ippReadIO(&cursor, TakeBytes, 1, nullptr, message.get()) == IPP_STATE_DATA
@@ -131,7 +167,7 @@ IppMessage Connection::AnswerOf(const Question& question) const {
     RequireAnswer(question);
     IppMessage answer = MessageOf(question.Answer());
     if (!answer) {
-        throw ServiceFailure(u"Der Druckdienst antwortet unverständlich."_s);
+        throw ServiceFailure(Unreadable());
     }
     return answer;
 }
@@ -204,6 +240,8 @@ void Connection::RequireAnswer(const Question& question) const {
         }
         case Question::Outcome::Silent:
             throw ServiceFailure(u"Der Druckdienst antwortet nicht."_s);
+        case Question::Outcome::Unreadable:
+            throw ServiceFailure(Unreadable());
         case Question::Outcome::TooLarge:
             throw ServiceFailure(u"Die Antwort des Druckdienstes nimmt kein Ende."_s);
         case Question::Outcome::Cancelled:

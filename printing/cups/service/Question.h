@@ -24,6 +24,7 @@ class Question : public QObject {
         /// No whole answer in time.
         Silent,
         TooLarge,
+        Unreadable,
         Cancelled,
         /// The asking program is not beside this one or cannot be started.
         NotAsked,
