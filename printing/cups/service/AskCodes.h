@@ -12,6 +12,8 @@ enum class AskCode {
     /// The service answered in HTTP only; the output is libcups' status.
     Refused,
     Silent,
+    /// More has come than any answer takes.
+    TooLarge,
     /// What came is nothing that libcups can read.
     Unreadable,
 };

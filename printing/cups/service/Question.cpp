@@ -22,6 +22,8 @@ Question::Outcome OutcomeOf(int code) {
             return Question::Outcome::NoService;
         case AskCode::Refused:
             return Question::Outcome::Refused;
+        case AskCode::TooLarge:
+            return Question::Outcome::TooLarge;
         case AskCode::Unreadable:
             return Question::Outcome::Unreadable;
         default:
