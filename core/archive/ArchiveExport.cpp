@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -13,6 +14,7 @@
 #include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/FolderProbe.h"
+#include "platform/HarmlessText.h"
 #include "platform/Paths.h"
 #include "platform/Renaming.h"
 
@@ -167,8 +169,12 @@ class ExportRun {
         return CopiedFile(path, archiveFolder_, name);
     }
 
-    /// Of a file below a folder.
+    /// Of a file below a folder. Whatever rows name it, it is copied once.
     QString CopiedFile(const QString& path, const QString& root, const QString& name) {
+        const QString file = QFileInfo(path).canonicalFilePath();
+        if (const auto copied = copies_.constFind(file); copied != copies_.constEnd()) {
+            return *copied;
+        }
         try {
             if (!platform::IsFile(path)) {
                 throw platform::FileError(u"Die Datei „%1“ gibt es nicht."_s.arg(path));
@@ -177,6 +183,7 @@ class ExportRun {
             names_.insert(name.toLower());
             written_.append(name);
             CopyArchiveFile(path, platform::JoinPath(unfinished_, name), platform::Links::Own);
+            copies_.insert(file, name);
             return name;
         } catch (const platform::FileError& error) {
             export_.failures.append(error.Text());
@@ -189,6 +196,8 @@ class ExportRun {
     const QString& archiveFolder_;
     QString unfinished_;
     QStringList written_{DataName, TableName};
+    /// Of each file that was copied, the name of its copy.
+    QHash<QString, QString> copies_;
     QSet<QString> names_{DataName.toLower(), TableName.toLower()};
     QString csv_;
     QJsonArray list_;
@@ -198,7 +207,8 @@ class ExportRun {
 }  // namespace
 
 QString CsvCell(QString text) {
-    static const QString formula = u"=+-@\t\r\n"_s;
+    static const QString formula = u"=+-@"_s;
+    text = platform::HarmlessLine(text);
     if (!text.isEmpty() && formula.contains(text.front())) {
         text.prepend(u'\'');
     }
