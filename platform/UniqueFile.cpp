@@ -68,7 +68,7 @@ QString CreateUniqueFile(const QString& folder, const QString& prefix) {
 
 void RemoveUniqueFiles(const QString& folder, const QString& prefix, const QDateTime& time) {
     const QRegularExpression form(
-        u"^%1[0-9A-F]{1,4}\\.tmp$"_s.arg(QRegularExpression::escape(prefix.left(3))));
+        u"^%1[0-9A-F]{1,4}\\.tmp\\z"_s.arg(QRegularExpression::escape(prefix.left(3))));
     QDirIterator files(folder, {prefix.left(3) + u"*.tmp"_s}, QDir::Files | QDir::NoSymLinks);
     while (files.hasNext()) {
         const QString path = files.next();

@@ -24,7 +24,7 @@ namespace {
 
 /// Of a file's name, as far as it is a usual one.
 QString Extension(const QString& file) {
-    static const QRegularExpression usual(u"^[a-z0-9]{1,5}$"_s);
+    static const QRegularExpression usual(u"^[a-z0-9]{1,5}\\z"_s);
     const QString extension = QFileInfo(file).suffix().toLower();
     return usual.match(extension).hasMatch() ? extension : u"bild"_s;
 }

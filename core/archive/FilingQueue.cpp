@@ -162,7 +162,7 @@ bool FilingQueue::Remove(const QString& name) const {
 
 /// By the time of the file's entry: a copy has the time of what it is a copy of.
 void FilingQueue::RemoveOrphans(const QDateTime& before) const {
-    static const QRegularExpression ours(u"^[0-9]{8}-[0-9]{9}-[0-9a-f]{8}$"_s);
+    static const QRegularExpression ours(u"^[0-9]{8}-[0-9]{9}-[0-9a-f]{8}\\z"_s);
     const QStringList waiting = Waiting();
     QStringList orphans;
     platform::WalkFolder(folder_, [&](const platform::FoundFile& found) {

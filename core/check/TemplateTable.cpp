@@ -132,7 +132,7 @@ class RowReader {
     }
 
     QString File() {
-        static const QRegularExpression bareName(u"^[\\w][\\w .()+-]*$"_s,
+        static const QRegularExpression bareName(u"^[\\w][\\w .()+-]*\\z"_s,
                                                  QRegularExpression::UseUnicodePropertiesOption);
         QString file = cells_.value(u"Datei"_s);
         if (!bareName.match(file).hasMatch()) {
@@ -142,7 +142,7 @@ class RowReader {
     }
 
     std::optional<TenthsOfMillimetre> Length(const QString& column) {
-        static const QRegularExpression decimal(u"^(\\d{1,4})(?:[.,](\\d))?$"_s);
+        static const QRegularExpression decimal(u"^(\\d{1,4})(?:[.,](\\d))?\\z"_s);
         const QString cell = cells_.value(column);
         if (cell.isEmpty()) {
             return std::nullopt;
@@ -258,7 +258,7 @@ class RowReader {
     /// "Papier: O; Gesicht: ?".
     void ReadOtherEvidence(TemplateRow& row) {
         static const QRegularExpression entry(
-            u"^(Auflösung|Bearbeitung|Gesicht|Papier): (?:\\?|([OTS](?:, [OTS])*))$"_s);
+            u"^(Auflösung|Bearbeitung|Gesicht|Papier): (?:\\?|([OTS](?:, [OTS])*))\\z"_s);
         for (const QString& part : cells_.value(u"Belege"_s).split(u';', Qt::SkipEmptyParts)) {
             const QRegularExpressionMatch match = entry.match(part.trimmed());
             if (!match.hasMatch()) {

@@ -66,7 +66,7 @@ QString SetAside(const QString& path, const QString& base, const QString& extens
 }
 
 bool MakesSense(const ListedItem& listed) {
-    static const QRegularExpression form(u"^bild[0-9]{1,9}\\.png$"_s);
+    static const QRegularExpression form(u"^bild[0-9]{1,9}\\.png\\z"_s);
     const CollectedItem& item = listed.item;
     return form.match(listed.file).hasMatch() && !item.size.isEmpty() &&
            std::max(item.size.width(), item.size.height()) <= LongestSide && item.count >= 1 &&

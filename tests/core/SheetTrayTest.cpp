@@ -26,6 +26,7 @@ TEST(SheetTray, ListsOnlyItsOwnPicturesThatMakeSense) {
     EXPECT_EQ(taken("bild1.png", 1), 1U);
     EXPECT_EQ(taken("bild1.png", 0), 0U);
     EXPECT_EQ(taken("../bild1.png", 1), 0U);
+    EXPECT_EQ(taken("bild1.png\\n", 1), 0U);
     const QByteArray twice = R"({"width":9,"height":9,"file":"bild1.png","count":1})";
     EXPECT_EQ(ParseTrayList('[' + twice + ',' + twice + ']').size(), 1U);
 }
