@@ -29,7 +29,8 @@ FileError ReadError(const QString& path, const QString& reason) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(const QString& path, Links links) : path_(path), file_(path, links) {
+AtomicFile::AtomicFile(const QString& path, Links links)
+    : path_(path), watch_(AwaitedFile(path)), file_(path, links) {
     if (!file_.Create()) {
         throw WriteError(path_, file_.errorString());
     }

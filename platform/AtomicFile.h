@@ -6,14 +6,16 @@
 #include <optional>
 
 #include "platform/ReplacementFile.h"
+#include "platform/SilenceWatch.h"
 
 namespace kadrona::platform {
 
 /// A file that appears under its name only once it is complete: it is written in the
 /// same folder without a name, where the file system can, flushed to the disk and put under its
 /// name by Commit. Without Commit nothing is left behind and an older file of that name stays as it
-/// was. A file that is marked read-only is not replaced, not even for a user whom the system would
-/// let, and neither is a pipe or a device.
+/// was. As long as it lives, a disk that does not answer is told of. A file that is marked
+/// read-only is not replaced, not even for a user whom the system would let, and neither is a pipe
+/// or a device.
 ///
 /// The library weighed, QSaveFile, puts a file that was cut short over the good one where the disk
 /// fills up, refuses names of more than 248 bytes and leaves its temporary file when it is killed.
@@ -34,6 +36,7 @@ class AtomicFile {
 
  private:
     QString path_;
+    SilenceWatch watch_;
     ReplacementFile file_;
 };
 

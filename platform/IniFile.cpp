@@ -6,6 +6,7 @@
 #include "platform/Error.h"
 #include "platform/FolderLock.h"
 #include "platform/IniContent.h"
+#include "platform/SilenceWatch.h"
 
 namespace kadrona::platform {
 namespace {
@@ -16,18 +17,23 @@ using namespace Qt::StringLiterals;
 /// seconds.
 constexpr qint64 MaximumBytes = qint64{4} << 20;
 
+QByteArray ContentOf(const QString& path, Links links) {
+    const SilenceWatch watch(AwaitedFile(path));
+    return ReadFileIfThere(path, MaximumBytes, links).value_or(QByteArray());
+}
+
 }  // namespace
 
 IniFile::IniFile(QString path, Links links)
     : path_(std::move(path)),
       links_(links),
-      content_(std::make_unique<IniContent>(
-          ReadFileIfThere(path_, MaximumBytes, links_).value_or(QByteArray()))) {}
+      content_(std::make_unique<IniContent>(ContentOf(path_, links_))) {}
 
 IniFile::~IniFile() = default;
 
 void IniFile::Change(const QString& path, const std::function<void(IniFile&)>& change,
                      Links links) {
+    const SilenceWatch watch(AwaitedFile(path));
     const FolderLock lock(QFileInfo(path).path());
     IniFile file(path, links);
     change(file);

@@ -12,6 +12,8 @@
 #include <ctime>
 #include <utility>
 
+#include "platform/HarmlessText.h"
+
 namespace kadrona::platform {
 
 namespace {
@@ -138,6 +140,10 @@ void SilenceWatch::NoteAnswer() {
 
 void SilenceWatch::SetTeller(const QString& program) {
     Teller() = QFile::encodeName(program);
+}
+
+QString AwaitedFile(const QString& path) {
+    return u"die Datei „%1“"_s.arg(HarmlessLine(path));
 }
 
 }  // namespace kadrona::platform

@@ -35,4 +35,7 @@ class SilenceWatch {
     pid_t process_ = -1;
 };
 
+/// A file as something that is waited for.
+QString AwaitedFile(const QString& path);
+
 }  // namespace kadrona::platform

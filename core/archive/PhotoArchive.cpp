@@ -130,6 +130,7 @@ void PhotoArchive::Connect(const QString& folder) {
     server_.reset();
     table_.reset();
     database_.reset();  // what it holds may be what is in the way
+    const platform::SilenceWatch watch(AwaitedArchive(folder));
     AsGeneralError([&] { Open(std::make_unique<store::SqliteDatabase>(folder)); });
 }
 

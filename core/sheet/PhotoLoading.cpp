@@ -36,7 +36,7 @@ QRect SkinOf(const imaging::Pixels& photo) {
 
 imaging::LoadedImage ReadPhoto(const QString& path, const Settings& settings,
                                imaging::ReadProgress* progress) {
-    const platform::SilenceWatch watch(u"die Datei „%1“"_s.arg(path));
+    const platform::SilenceWatch watch(platform::AwaitedFile(path));
     return imaging::ReadImageFile(path, OptionsOf(settings, progress));
 }
 

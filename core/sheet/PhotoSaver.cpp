@@ -13,6 +13,7 @@
 #include "imaging/pixels/Resampling.h"
 #include "imaging/writing/ImageWriter.h"
 #include "platform/Paths.h"
+#include "platform/SilenceWatch.h"
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +62,7 @@ void WritePhoto(const imaging::LayeredImage& image, const QString& path, bool wi
 
 QString PhotoSaver::Folder(const Settings& settings) const {
     const QString folder = settings.ImageSaveDir();
+    const platform::SilenceWatch watch(u"den Ordner „%1“"_s.arg(folder));
     return QFileInfo(folder).isDir() ? folder : lastFolder_;
 }
 

@@ -91,12 +91,16 @@ TEST_F(SilentFolder, IsToldInTheMidstOfAFileToo) {
     QFile::setPermissions(installation.Path("teller"), QFile::ReadOwner | QFile::ExeOwner);
     platform::SilenceWatch::SetTeller(installation.Path("teller"));
     flushMicroseconds = 1'600'000;
+    const auto told = [&] {
+        return platform::ReadWholeFile(installation.Path("teller.told"), 1000);
+    };
     File(u"b\r\n"_s);
+    EXPECT_TRUE(told().contains(archiveFolder.toUtf8()));
+    platform::WriteFileAtomically(installation.Path("a file"), "x");
+    EXPECT_TRUE(told().contains("a file")) << told().toStdString();
     flushMicroseconds = 0;
     platform::SilenceWatch::SetTeller({});
     EXPECT_EQ(Table().Ids().size(), 2U);
-    EXPECT_TRUE(platform::ReadWholeFile(installation.Path("teller.told"), 1000)
-                    .contains(archiveFolder.toUtf8()));
 }
 
 TEST_F(SilentFolder, IsWatchedWithoutWaitingForIt) {
