@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <QString>
 #include <chrono>
 
@@ -10,7 +8,8 @@ namespace kadrona::platform {
 /// As long as it lives, the user is told when the program waits for a disk, a share or a server:
 /// whoever waits for these cannot say so, and a process of its own does. The program waits when it
 /// neither calculates nor tells of an answer for as long as the patience. Not for what waits for
-/// the user. One at a time: a second one within the first does nothing.
+/// the user. One at a time: a second one within the first does nothing. Cheap; the process begins
+/// with the first watch and ends with the program.
 class SilenceWatch {
  public:
     /// Longer than FolderPatience; with a look of a quarter and the time that a box takes to appear
@@ -32,7 +31,7 @@ class SilenceWatch {
     static void SetTeller(const QString& program);
 
  private:
-    pid_t process_ = -1;
+    bool isFirst_ = false;
 };
 
 /// A file as something that is waited for.
