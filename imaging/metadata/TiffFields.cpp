@@ -9,6 +9,7 @@ using platform::BytesAt;
 namespace {
 
 constexpr quint16 Short = 3;
+constexpr qint64 FieldSize = 12;
 constexpr qint64 NumberSize = 4;
 
 void RequireValue(const TiffField& field, quint32 index) {
@@ -38,7 +39,6 @@ TiffFields::TiffFields(QIODevice& device) : device_(device) {
 }
 
 std::vector<TiffField> TiffFields::Directory(quint32 position) const {
-    constexpr qint64 FieldSize = 12;
     constexpr qint64 BeforeValue = 8;
     const qint64 begin = position + 2LL;
     const QByteArray number = BytesAt(device_, position, 2);
@@ -57,6 +57,13 @@ std::vector<TiffField> TiffFields::Directory(quint32 position) const {
         fields.push_back(field);
     }
     return fields;
+}
+
+quint32 TiffFields::Following(quint32 position) const {
+    const QByteArray number = BytesAt(device_, position, 2);
+    const qint64 fields = ReaderOf(number).Read<quint16>() * FieldSize;
+    const QByteArray bytes = BytesAt(device_, position + 2 + fields, NumberSize);
+    return ReaderOf(bytes).Read<quint32>();
 }
 
 quint32 TiffFields::Number(const TiffField& field, quint32 index) const {

@@ -30,6 +30,8 @@ class TiffFields {
     /// Where the first directory stands.
     quint32 First() const { return first_; }
     std::vector<TiffField> Directory(quint32 position) const;
+    /// Where the one behind it stands; 0 behind the last.
+    quint32 Following(quint32 position) const;
 
     /// One of a field's short numbers, or long ones where it has not such.
     quint32 Number(const TiffField& field, quint32 index = 0) const;

@@ -116,4 +116,26 @@ TEST(ReaderRaw, SaysWhatIsWrong) {
         QString());
 }
 
+TEST(ReaderRaw, JpegsOfLossyDataHaveThePicturesSizeAndOneScan) {
+    const auto lossy = [](bool progressive, quint16 height) {
+        JpegContent content;
+        content.size = {64, 48};
+        content.progressive = progressive;
+        return Tiff({Short(0x0100, 64),
+                     Short(0x0101, height),
+                     {0x0102, 3, Packed<quint16>(8, 8, 8)},
+                     Short(0x0103, 34892),
+                     Short(0x0106, 34892),
+                     {0x010f, 2, "Test\0"_ba},
+                     {0x0110, 2, "Kamera\0"_ba},
+                     Short(0x0115, 3),
+                     {0xc612, 1, QByteArray("\1\4\0\0", 4)}},
+                    Jpeg(content));
+    };
+    const QString refused = Complaint("Die Datei ist beschädigt oder unvollständig.");
+    EXPECT_EQ(Failure(lossy(false, 48)), QString());
+    EXPECT_EQ(Failure(lossy(true, 48)), refused);
+    EXPECT_EQ(Failure(lossy(false, 32)), refused);
+}
+
 }  // namespace kadrona::imaging::test

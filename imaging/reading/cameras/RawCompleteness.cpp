@@ -7,16 +7,21 @@
 #include <vector>
 
 #include "imaging/metadata/TiffFields.h"
+#include "imaging/reading/JpegHeader.h"
 
 namespace kadrona::imaging {
 
 namespace {
 
 enum Tag : quint16 {
+    Width = 0x0100,
+    Height = 0x0101,
     Compression = 0x0103,
     Photometry = 0x0106,
     StripOffsets = 0x0111,
     StripByteCounts = 0x0117,
+    TileWidth = 0x0142,
+    TileHeight = 0x0143,
     TileOffsets = 0x0144,
     TileByteCounts = 0x0145,
     SubDirectories = 0x014a,
@@ -29,6 +34,9 @@ using Directory = std::map<quint16, TiffField>;
 constexpr size_t MostDirectories = 64;
 constexpr qint64 MostParts = 1'000'000;
 
+constexpr quint32 LosslessJpeg = 7;
+constexpr quint32 LossyJpeg = 34892;
+
 class DngReader {
  public:
     explicit DngReader(QIODevice& device) : device_(device), tiff_(device) {}
@@ -36,13 +44,17 @@ class DngReader {
     bool HasWholeData() {
         CollectDirectories();
         return std::ranges::all_of(directories_, [this](const Directory& directory) {
-            return !IsOfSensor(directory) || IsWhole(directory);
+            return (!IsOfSensor(directory) || IsWhole(directory)) &&
+                   (KindIn(directory, Compression) != LossyJpeg || HasSoundJpegs(directory));
         });
     }
 
  private:
     void CollectDirectories() {
-        ReadDirectory(tiff_.First());
+        for (quint32 place = tiff_.First(); place != 0 && directories_.size() < MostDirectories;
+             place = FollowingOf(place)) {
+            ReadDirectory(place);
+        }
         if (directories_.empty() || !directories_.front().contains(DngVersion)) {
             directories_.clear();
             return;
@@ -67,6 +79,12 @@ class DngReader {
         return;
     }
 
+    quint32 FollowingOf(quint32 position) const try {
+        return tiff_.Following(position);
+    } catch (const platform::OutOfBytes&) {
+        return 0;
+    }
+
     /// Without values where the directory has no such field.
     static TiffField FieldOf(const Directory& directory, Tag tag) {
         const auto found = directory.find(tag);
@@ -89,8 +107,6 @@ class DngReader {
     }
 
     bool IsWhole(const Directory& directory) try {
-        constexpr quint32 LosslessJpeg = 7;
-        constexpr quint32 LossyJpeg = 34892;
         constexpr QByteArrayView JpegBegin("\xff\xd8");
         const bool tiled = directory.contains(TileOffsets);
         const TiffField offsets = FieldOf(directory, tiled ? TileOffsets : StripOffsets);
@@ -106,6 +122,37 @@ class DngReader {
             const qint64 position = tiff_.Number(offsets, i);
             const QByteArray begin = platform::BytesAt(device_, position, JpegBegin.size());
             if (position + size > device_.size() || (isJpeg && begin != JpegBegin)) {
+                return false;
+            }
+        }
+        return true;
+    } catch (const platform::OutOfBytes&) {
+        return false;
+    }
+
+    /// LibRaw hands each tile, or the only strip, to libjpeg, whatever size and scans its header
+    /// says.
+    bool HasSoundJpegs(const Directory& directory) try {
+        constexpr qint64 HeaderBytes = 1 << 16;
+        const bool tiled = directory.contains(TileOffsets);
+        const qint64 pictureWidth = KindIn(directory, Width);
+        const qint64 pictureHeight = KindIn(directory, Height);
+        const qint64 width = tiled ? KindIn(directory, TileWidth) : pictureWidth;
+        const qint64 height = tiled ? KindIn(directory, TileHeight) : pictureHeight;
+        const TiffField offsets = FieldOf(directory, tiled ? TileOffsets : StripOffsets);
+        if (width == 0 || height == 0) {
+            return false;
+        }
+        const qint64 across = (pictureWidth + width - 1) / width;
+        if (offsets.count < across * ((pictureHeight + height - 1) / height)) {
+            return false;  // it would read on behind the table
+        }
+        for (quint32 i = 0; i < offsets.count; ++i) {
+            const qint64 place = tiff_.Number(offsets, i);
+            device_.seek(place);
+            const auto header = ReadJpegHeader(device_.read(HeaderBytes));
+            if (!header || !header->hasOneScan || header->size.width() > width ||
+                header->size.height() > height) {
                 return false;
             }
         }
