@@ -272,6 +272,7 @@ void CountAv1Units(QByteArrayView bytes, Av1Sequence& sequence, CodedPictures& f
     constexpr int SequenceHeader = 1;
     constexpr int FrameHeader = 3;
     constexpr int Frame = 6;
+    constexpr int RedundantFrameHeader = 7;  // which decoders take where there was none yet
     platform::ByteReader reader(bytes, platform::ByteOrder::BigEndian);
     while (reader.Remaining() > 0) {
         ++found.units;
@@ -284,7 +285,7 @@ void CountAv1Units(QByteArrayView bytes, Av1Sequence& sequence, CodedPictures& f
         if (type == SequenceHeader) {
             sequence = ReadAv1Sequence(content);
             Note(found, sequence.Pixels(), sequence.isDeep, sequence.chroma);
-        } else if (type == FrameHeader || type == Frame) {
+        } else if (type == FrameHeader || type == Frame || type == RedundantFrameHeader) {
             found.pixels = std::max(found.pixels, PixelsOfAv1Frame(content, sequence));
             ++found.pictures;
         }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <limits>
 
 #include "imaging/reading/cameras/CodedPixels.h"
@@ -62,14 +63,18 @@ class HeifItems {
         return std::ranges::find(Kinds, item.type) != Kinds.end();
     }
 
-    /// Of each of the three kinds a picture has one; every one is another walk over all its pixels.
-    void RequireFewTurns(const HeifItem& item) const {
-        constexpr int MostTurns = 6;
-        const auto turns = std::ranges::count_if(item.properties, [this](size_t index) {
-            const QByteArrayView type = boxes_.TypeOfProperty(index);
-            return type == "irot" || type == "imir" || type == "clap";
+    qint64 CountOf(const HeifItem& item, std::initializer_list<QByteArrayView> types) const {
+        return std::ranges::count_if(item.properties, [&](size_t index) {
+            return std::ranges::find(types, boxes_.TypeOfProperty(index)) != types.end();
         });
-        RequireNone(turns > MostTurns);
+    }
+
+    /// Of each of three kinds of turns a picture has one; every one is another walk over all its
+    /// pixels. Of several configurations the library takes one.
+    void RequireFewProperties(const HeifItem& item) const {
+        constexpr qint64 MostTurns = 6;
+        RequireNone(CountOf(item, {"irot", "imir", "clap"}) > MostTurns ||
+                    CountOf(item, {"hvcC", "av1C"}) > 1);
     }
 
     qint64 SaidPixels(quint32 id) {
@@ -146,7 +151,7 @@ class HeifItems {
         RequireNone(!item.type.isNull() && !IsPicture(item));
         auto known = coded_.find(id);
         if (known == coded_.end()) {
-            RequireFewTurns(item);
+            RequireFewProperties(item);
             known = coded_.insert(id, CodedPixelsOf(item));
         }
         const qint64 pixels = *known;
