@@ -43,7 +43,8 @@ DecodingHost::DecodingHost(DecodingRequest request)
       preview_(HandleOf(DecodingRequest::Preview)),
       picture_(HandleOf(DecodingRequest::Picture)),
       // With the byte behind it.
-      fileView_(file_.Resize(request_.fileBytes + 1)) {
+      fileView_(file_.Resize(request_.fileBytes + 1)),
+      bytesBeside_(request_.fileBytes) {
     request_.options.progress = request_.tellsProgress ? this : nullptr;
 }
 
@@ -83,10 +84,8 @@ void DecodingHost::Bound() const {
     constexpr qint64 BytesAThread = 10'000'000;
     /// With what the process has from its beginning, and the program itself, 300 million.
     constexpr qint64 Least = 200'000'000;
-    if (bytesBeside_) {
-        platform::BoundMemory(4 * pixels_ + std::max(*bytesBeside_ + Reserved, Least) +
-                              QThread::idealThreadCount() * BytesAThread);
-    }
+    platform::BoundMemory(4 * pixels_ + std::max(bytesBeside_ + Reserved, Least) +
+                          QThread::idealThreadCount() * BytesAThread);
 }
 
 void DecodingHost::Begin(const Pixels& preview) {
@@ -116,6 +115,7 @@ void DecodingHost::Answer(decltype(kadrona_decode_camera_file)& decode) {
         if (!fileView_) {
             throw std::bad_alloc();
         }
+        Bound();  // the header itself may hold more than any picture needs
         DecodedImage decoded;
         decode(request_.format, task, decoded);
         Give(std::move(decoded));

@@ -2,7 +2,6 @@
 
 #include <QBuffer>
 #include <memory>
-#include <optional>
 
 #include "imaging/reading/DecodingMessages.h"
 #include "imaging/reading/ReadProgress.h"
@@ -38,8 +37,8 @@ class DecodingHost : public DecoderHost, public ReadProgress {
     std::unique_ptr<platform::SharedMemory::View> fileView_;
     /// Of the picture, as far as it is known.
     qint64 pixels_ = 0;
-    /// What its reader says that it takes; nothing while it has not said it.
-    std::optional<qint64> bytesBeside_;
+    /// What its reader says that it takes; before, the file.
+    qint64 bytesBeside_;
     /// Of the image that stands in picture_; null while there is none.
     const uchar* inPlace_ = nullptr;
 };
