@@ -51,7 +51,7 @@ void ReadTask::RequireMemoryBeside(qint64 bytes, qint64 most) const {
         Fail(TooMuchMemoryReason());
     }
     if (host_ != nullptr) {
-        host_->ExpectBeside(bytes);
+        host_->ExpectBeside(bytes, most);
     }
 }
 

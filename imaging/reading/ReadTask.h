@@ -46,9 +46,9 @@ class DecoderHost {
     virtual QImage NewPicture(QSize size, QImage::Format format) = 0;
     /// The picture is going to have so many pixels.
     virtual void Expect(qint64 pixels) = 0;
-    /// Reading takes at most so many bytes beside four for each of them. Throws std::bad_alloc
-    /// where it has taken more already.
-    virtual void ExpectBeside(qint64 bytes) = 0;
+    /// Reading takes at most so many bytes beside four for each of them, where its format might
+    /// take `most`. Throws std::bad_alloc where it has taken more already.
+    virtual void ExpectBeside(qint64 bytes, qint64 most) = 0;
 };
 
 /// The reading of one file: where its bytes come from, what is allowed and how to complain. Does

@@ -72,19 +72,20 @@ void DecodingHost::Expect(qint64 pixels) {
     Tell(decoding::Expectation{pixels});
 }
 
-void DecodingHost::ExpectBeside(qint64 bytes) {
+void DecodingHost::ExpectBeside(qint64 bytes, qint64 most) {
     bytesBeside_ = bytes;
+    reservesMuch_ = most >= MostBytesBesideOfCameras;
     Bound();
 }
 
 /// A file may be another thing than its header says, but never larger.
 void DecodingHost::Bound() const {
-    /// What the heap reserves, and each thread.
-    constexpr qint64 Reserved = 100'000'000;
+    /// What heaps reserve, and each thread: address space alone, as a rule.
+    const qint64 reserved = reservesMuch_ ? 200'000'000 : 100'000'000;
     constexpr qint64 BytesAThread = 10'000'000;
     /// With what the process has from its beginning, and the program itself, 300 million.
     constexpr qint64 Least = 200'000'000;
-    platform::BoundMemory(4 * pixels_ + std::max(bytesBeside_ + Reserved, Least) +
+    platform::BoundMemory(4 * pixels_ + std::max(bytesBeside_ + reserved, Least) +
                           QThread::idealThreadCount() * BytesAThread);
 }
 

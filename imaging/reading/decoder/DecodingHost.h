@@ -22,7 +22,7 @@ class DecodingHost : public DecoderHost, public ReadProgress {
     void LetFileGo() override;
     QImage NewPicture(QSize size, QImage::Format format) override;
     void Expect(qint64 pixels) override;
-    void ExpectBeside(qint64 bytes) override;
+    void ExpectBeside(qint64 bytes, qint64 most) override;
     void Begin(const Pixels& preview) override;
     bool GoOn(double part) override;
 
@@ -39,6 +39,8 @@ class DecodingHost : public DecoderHost, public ReadProgress {
     qint64 pixels_ = 0;
     /// What its reader says that it takes; before, the file.
     qint64 bytesBeside_;
+    /// Its library works in several threads, each with a heap.
+    bool reservesMuch_ = false;
     /// Of the image that stands in picture_; null while there is none.
     const uchar* inPlace_ = nullptr;
 };
