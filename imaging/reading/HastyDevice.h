@@ -26,10 +26,17 @@ class HastyDevice : public QIODevice {
 
  protected:
     qint64 readData(char* data, qint64 maximum) override {
-        hasEnded_ = hasEnded_ || end_.hasExpired();
-        // A whole file at once could be as long as a disk likes.
+        // A whole file at once could be as long as a disk likes, but who asks for it gets no less.
         constexpr qint64 MostAtOnce = 1 << 20;
-        return hasEnded_ ? -1 : file_.read(data, std::min(maximum, MostAtOnce));
+        qint64 all = 0;
+        for (qint64 read = 1; read > 0 && all < maximum; all += std::max<qint64>(read, 0)) {
+            hasEnded_ = hasEnded_ || end_.hasExpired();
+            if (hasEnded_) {
+                return -1;
+            }
+            read = file_.read(data + all, std::min(maximum - all, MostAtOnce));
+        }
+        return all;
     }
     qint64 writeData(const char* /*data*/, qint64 /*size*/) override { return -1; }
 

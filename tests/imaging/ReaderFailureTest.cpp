@@ -97,7 +97,7 @@ TEST(ReaderFailure, WhoOnlyLooksWaitsNoLongerThanHeSays) {
     const qsizetype first = jpeg.indexOf("\xff\xda");
     const QByteArray scan = jpeg.sliced(first, jpeg.indexOf("\xff\xc4", first) - first);
     jpeg.insert(first, scan.repeated(80));
-    const QByteArray raw = RawFile({.size = {400, 300}}, Qt::gray);
+    const QByteArray raw = RawFile({.size = {800, 700}}, Qt::gray);  // more than is read at once
     for (const QByteArray& file : {jpeg, raw}) {
         EXPECT_THROW(Read(file, {.shrink = 8, .patienceMilliseconds = 1}), ReadTooLong);
         EXPECT_THROW(Read(file, {.maximumPixels = 1000, .patienceMilliseconds = 60'000}),
