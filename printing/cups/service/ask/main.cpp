@@ -169,10 +169,11 @@ AskCode Get(http_t* http, const char* resource) {
 
 }  // namespace
 
-/// In the place of the C library's: all that libcups hears passes here. It bounds neither how often
-/// it is sent elsewhere nor what is said on the way.
-extern "C" [[gnu::visibility("default")]] ssize_t recv(int socket, void* bytes, size_t size,
-                                                       int flags) {
+/// In the place of the C library's `recv`: all that libcups hears passes here. It bounds neither
+/// how often it is sent elsewhere nor what is said on the way.
+extern "C" [[gnu::visibility("default")]] ssize_t Receive(int socket, void* bytes, size_t size,
+                                                          int flags) __asm__("recv");
+extern "C" ssize_t Receive(int socket, void* bytes, size_t size, int flags) {
     constexpr ssize_t MostBytes = 64 << 20;  // some seconds of a queue's answers while it is made
     static ssize_t received = 0;
     const ssize_t count = recvfrom(socket, bytes, size, flags, nullptr, nullptr);
