@@ -114,10 +114,11 @@ double AddLines(Column& column, const std::vector<core::CheckLine>& lines, doubl
     }
     y += 1;
     y += column.Add(SourceFont(), 0, y, PageWidth, core::SourcesText(lines)) + 1.5;
-    y += column.Add(SmallReportFont(), 0, y, PageWidth,
-                    u"Keine Zusage: Ob ein Bild angenommen wird, entscheidet die Behörde. „nur "
-                    u"Richtwert“ steht, wo sie keine Zahl oder nur eine Empfehlung veröffentlicht, "
-                    u"„nicht gemessen“, wo ihre Vorgabe nicht zu prüfen war."_s);
+    y += column.Add(
+        SmallReportFont(), 0, y, PageWidth,
+        u"Keine Zusage: Ob ein Bild angenommen wird, entscheidet die Behörde. „nur "
+        u"Richtwert“ steht, wo sie keine Zahl oder nur eine Empfehlung veröffentlicht "
+        u"oder nicht das Bild selbst meint, „nicht gemessen“, wo ihre Vorgabe nicht zu prüfen war."_s);
     return y + 1.5 +
            column.Add(SmallReportFont(), 0, y + 1.5, PageWidth, core::WindowCaption.toString());
 }
@@ -172,7 +173,8 @@ class MarkedPicture {
         }
     }
 
-    /// The face's axis; its name with what was measured begins below it.
+    /// The face's axis; its name with what was measured ends below it, for to the right lines lead
+    /// from a tilted head. A narrow picture has no room but there.
     void AddAxis(double x) {
         const QRectF& picture = layout_.picture;
         const auto line = std::ranges::find(report_.lines, u"faceAxis"_s, &core::CheckLine::name);
@@ -181,10 +183,14 @@ class MarkedPicture {
             return;
         }
         const double end = picture.bottom() + ReportDots(MarkBeyondPicture);
-        layout_.marks.push_back({{x, picture.top(), x, end},
-                                 {x + ReportDots(1), end - ReportDots(MarkNameHeight),
-                                  ReportDots(40), ReportDots(MarkNameHeight)},
-                                 u"Achse "_s + core::ValueText(*line)});
+        const QString name = u"Achse "_s + core::ValueText(*line);
+        const double width = QFontMetricsF(SmallReportFont()).horizontalAdvance(name);
+        const double left = x - ReportDots(1) - width;
+        layout_.marks.push_back(
+            {{x, picture.top(), x, end},
+             {left < 0 ? x + ReportDots(1) : left, end - ReportDots(MarkNameHeight), width,
+              ReportDots(MarkNameHeight)},
+             name});
     }
 
     /// Of a line that the check has; each further one to the right. Null where there is none.

@@ -31,7 +31,7 @@ QString EditsText(const imaging::PhotoEdits& edits) {
 }  // namespace
 
 bool WantsAFace(const TemplateRow& row) {
-    return !row.evidence.isEmpty();
+    return !row.evidence.isEmpty() && row.evidence != u"eigen"_s;
 }
 
 PublishedBand FaceOfHead(const TemplateRow& row) {

@@ -250,6 +250,7 @@ TEST(PhotoCheck, JudgesOnlyWhatIsPublished) {
     own.width = own.height = {450};
     for (const auto& [figures, state] :
          {std::pair(own, CheckState::Guidance),
+          std::pair(DeliveredRow(u"bewerbungsfoto.schablone"_s), CheckState::Guidance),
           std::pair(DeliveredRow(u"irland-reisepass.schablone"_s), CheckState::Missed),
           std::pair(DeliveredRow(u"frankreich-reisepass.schablone"_s), CheckState::Missed)}) {
         photo.figures = figures;
