@@ -111,7 +111,7 @@ TEST(ReaderHeif, MuchBesideThePictureIsRefused) {
     EXPECT_NE(Failure(Heif({.moreBoxes = Box("free", {}).repeated(99'000)})), Refused());
     EXPECT_EQ(Failure(Heif({.moreBoxes = Box("free", {}).repeated(100'000)})), Refused());
     const auto units = [](quint16 count) {  // of no bytes, twice
-        const QByteArray array = '\1' + BigEndian(count) + QByteArray(2 * count, '\0');
+        const QByteArray array = '\1' + BigEndian(count) + QByteArray(2, '\0').repeated(count);
         return Box("hvcC", QByteArray(22, '\0') + '\2' + array + array);
     };
     EXPECT_NE(Failure(Heif({.moreBoxes = units(49'000)})), Refused());
