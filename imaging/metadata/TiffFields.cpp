@@ -25,14 +25,14 @@ qint64 TiffValueSize(quint16 type) {
     return type < Sizes.size() ? Sizes.at(type) : 0;
 }
 
-TiffFields::TiffFields(QIODevice& device) : device_(device) {
+TiffFields::TiffFields(QIODevice& device, Kind kind) : device_(device) {
     constexpr quint16 OffsetsOf32Bits = 42;
     const QByteArray header = BytesAt(device, 0, 8);
     order_ =
         header.startsWith('M') ? platform::ByteOrder::BigEndian : platform::ByteOrder::LittleEndian;
     platform::ByteReader reader = ReaderOf(header);
     reader.Skip(2);
-    if (reader.Read<quint16>() != OffsetsOf32Bits) {
+    if (reader.Read<quint16>() != OffsetsOf32Bits && kind == Kind::Tiff) {
         throw platform::OutOfBytes();
     }
     first_ = reader.Read<quint32>();

@@ -24,8 +24,12 @@ qint64 TiffValueSize(quint16 type);
 /// file does not hold what is asked for.
 class TiffFields {
  public:
+    /// Whether a file is to be read as well that says a number of its maker's instead of 42, as
+    /// raw files of some cameras do.
+    enum class Kind { Tiff, AnyMakers };
+
     /// The device outlives the object.
-    explicit TiffFields(QIODevice& device);
+    explicit TiffFields(QIODevice& device, Kind kind = Kind::Tiff);
 
     /// Where the first directory stands.
     quint32 First() const { return first_; }

@@ -136,6 +136,8 @@ TEST(ReaderRaw, JpegsOfLossyDataHaveThePicturesSizeAndOneScan) {
     EXPECT_EQ(Failure(lossy(false, 48)), QString());
     EXPECT_EQ(Failure(lossy(true, 48)), refused);
     EXPECT_EQ(Failure(lossy(false, 32)), refused);
+    const QByteArray ofAMaker = lossy(true, 48).replace(0, 4, QByteArray("IIU\0", 4));
+    EXPECT_EQ(Failure(ofAMaker), refused);
 }
 
 }  // namespace kadrona::imaging::test

@@ -39,13 +39,15 @@ constexpr quint32 LossyJpeg = 34892;
 
 class DngReader {
  public:
-    explicit DngReader(QIODevice& device) : device_(device), tiff_(device) {}
+    explicit DngReader(QIODevice& device)
+        : device_(device), tiff_(device, TiffFields::Kind::AnyMakers) {}
 
     bool HasWholeData() {
         CollectDirectories();
-        return std::ranges::all_of(directories_, [this](const Directory& directory) {
-            return (!IsOfSensor(directory) || IsWhole(directory)) &&
-                   (KindIn(directory, Compression) != LossyJpeg || HasSoundJpegs(directory));
+        const bool isDng = !directories_.empty() && directories_.front().contains(DngVersion);
+        return std::ranges::all_of(directories_, [this, isDng](const Directory& directory) {
+            return (!isDng || !IsOfSensor(directory) || IsWhole(directory)) &&
+                   (!IsLossy(directory) || HasSoundJpegs(directory));
         });
     }
 
@@ -55,17 +57,18 @@ class DngReader {
              place = FollowingOf(place)) {
             ReadDirectory(place);
         }
-        if (directories_.empty() || !directories_.front().contains(DngVersion)) {
-            directories_.clear();
-            return;
-        }
         size_t next = 0;
         while (next < directories_.size()) {  // which grows
-            const TiffField links = FieldOf(directories_[next++], SubDirectories);
-            for (quint32 k = 0; k < links.count && directories_.size() < MostDirectories; ++k) {
-                ReadDirectory(tiff_.Number(links, k));
-            }
+            ReadSubDirectories(FieldOf(directories_[next++], SubDirectories));
         }
+    }
+
+    void ReadSubDirectories(const TiffField& links) try {
+        for (quint32 k = 0; k < links.count && directories_.size() < MostDirectories; ++k) {
+            ReadDirectory(tiff_.Number(links, k));
+        }
+    } catch (const platform::OutOfBytes&) {
+        return;
     }
 
     /// What lies outside the file is passed over: LibRaw finds no picture there either.
@@ -104,6 +107,12 @@ class DngReader {
         return kind == Mosaic || kind == LinearRaw;
     } catch (const platform::OutOfBytes&) {
         return false;
+    }
+
+    bool IsLossy(const Directory& directory) const try {
+        return KindIn(directory, Compression) == LossyJpeg;
+    } catch (const platform::OutOfBytes&) {
+        return true;
     }
 
     bool IsWhole(const Directory& directory) try {
