@@ -12,6 +12,9 @@ namespace kadrona::app {
 /// How a sentence about the face ends that offers the template's place.
 inline const QString OfferQuestion = QStringLiteral("Schablone daran ausrichten?");
 
+/// Why the template stays where it is while another tool has hidden it.
+inline const QString EndStampFirst = QStringLiteral("Beenden Sie zuerst den Retuschier Stempel.");
+
 /// The quiet line under a photo that says something of its face, or offers it a place. Keeps the
 /// room of an offer while it says nothing, so that the photo does not jump.
 class FaceLine : public QWidget {

@@ -29,7 +29,12 @@ constexpr QPointF PixelMiddle(0.5, 0.5);
 
 FacePoints::FacePoints(PhotoSession& session, PhotoFace& face, imaging::view::ImageView& view,
                        FaceOverlay& overlay, dialogs::CheckSection& section, MainActions& actions)
-    : session_(session), face_(face), view_(view), overlay_(overlay), section_(section) {
+    : session_(session),
+      face_(face),
+      view_(view),
+      overlay_(overlay),
+      section_(section),
+      actions_(actions) {
     const auto leave = [this] { section_.SetPointsMovable(false); };
     connect(&section, &dialogs::CheckSection::PointsToggled, this, &FacePoints::SetMovable);
     connect(&face, &PhotoFace::Forgotten, this, leave);
@@ -74,6 +79,11 @@ void FacePoints::Begin() {
     if (!face_.Search().face) {
         marked_ = imaging::TypicalFace(session_.Image().Photo().Size());
         overlay_.ShowHint(reason + u" Ziehen Sie die Punkte auf Pupillen, Kinn und Scheitel."_s);
+    }
+    for (const Action mode : MouseModes) {
+        if (actions_.IsChecked(mode)) {
+            actions_[mode]->trigger();
+        }
     }
     view_.SetTool(this);
 }

@@ -56,6 +56,7 @@ class FacePoints : public QObject, private imaging::view::ViewTool {
     imaging::view::ImageView& view_;
     FaceOverlay& overlay_;
     dialogs::CheckSection& section_;
+    MainActions& actions_;
     /// What the user points out, as long as points of it are guessed.
     std::optional<imaging::Face> marked_;
     PointOfFace top_ = &imaging::Face::crown;

@@ -6,6 +6,7 @@
 #include "app/adjustments/RotateActions.h"
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
+#include "app/face/FaceLine.h"
 #include "app/face/FaceOverlay.h"
 #include "app/face/PhotoFace.h"
 #include "app/face/PlaceProposal.h"
@@ -46,7 +47,11 @@ HeadLeveller::~HeadLeveller() {
 
 /// Where no face is found the user shows where the eyes are.
 void HeadLeveller::acLevelHeadExecute() {
-    if (!session_.IsEditing() || actions_.IsChecked(Action::Beauty)) {
+    if (!session_.IsEditing()) {
+        return;
+    }
+    if (actions_.IsChecked(Action::Beauty)) {
+        Q_EMIT actions_.Succeeded(EndStampFirst);
         return;
     }
     if (face_.Find()) {

@@ -1,7 +1,6 @@
 #include "app/face/PhotoFace.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "app/base/PhotoSession.h"
@@ -152,12 +151,7 @@ imaging::FacePoint imaging::Face::*PhotoFace::MovePoint(imaging::FacePoint imagi
 }
 
 bool PhotoFace::IsCorrected() const {
-    using imaging::Face;
-    constexpr std::array Points{&Face::leftEye, &Face::rightEye, &Face::chin, &Face::crown,
-                                &Face::skull};
-    return found_.face && std::ranges::any_of(Points, [this](auto point) {
-               return ((*found_.face).*point).confidence == 1;
-           });
+    return found_.face && imaging::IsCorrected(*found_.face);
 }
 
 }  // namespace kadrona::app

@@ -141,7 +141,11 @@ void PlaceProposal::Realign() {
 }
 
 void PlaceProposal::acAlignToFaceExecute() {
-    if (!session_.IsEditing() || !session_.HasTemplate() || actions_.IsChecked(Action::Beauty)) {
+    if (!session_.IsEditing() || !session_.HasTemplate()) {
+        return;
+    }
+    if (actions_.IsChecked(Action::Beauty)) {
+        Q_EMIT actions_.Succeeded(EndStampFirst);
         return;
     }
     if (!face_.Find()) {

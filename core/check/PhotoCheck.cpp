@@ -46,7 +46,8 @@ class Checker {
     static Source SourceOf(const TemplateRow& row, const PublishedBand& band) {
         const QString letters = row.EvidenceOf(QString::fromUtf16(band.subject));
         const QString evidence = letters.isEmpty() ? QString() : u", Beleg "_s + letters;
-        return {u"Vorgabe, "_s + row.readOn,
+        return {letters.isEmpty() ? u"Vorgabe, "_s + row.readOn
+                                  : u"Beleg %1, %2"_s.arg(letters, row.readOn),
                 u"Vorgaben „%1“%2, gelesen am %3"_s.arg(row.name, evidence, row.readOn) +
                     QString::fromUtf16(band.remark)};
     }

@@ -46,7 +46,9 @@ void FinishFace(CheckLine& line, const CheckedPhoto& photo, const TemplateRow& r
         return;
     }
     line.found = photo.face.has_value();
-    line.note = photo.face ? u"gefunden"_s : u"nicht gefunden"_s;
+    line.note = !photo.face                         ? u"nicht gefunden"_s
+                : imaging::IsCorrected(*photo.face) ? u"von Hand bestimmt"_s
+                                                    : u"gefunden"_s;
     if (isJudged) {
         line.state = photo.face ? CheckState::Met : CheckState::Missed;
     }

@@ -2,6 +2,7 @@
 
 #include <QtMath>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -38,6 +39,12 @@ bool HasShapeOfFace(const Face& face) {
     constexpr double Least = 0.1;  // of the pupils' distance
     return frame.unit > 1 && below(face.chin) > Least && below(face.crown) < -Least &&
            below(face.skull) < -Least;
+}
+
+bool IsCorrected(const Face& face) {
+    constexpr std::array Points{&Face::leftEye, &Face::rightEye, &Face::chin, &Face::crown,
+                                &Face::skull};
+    return std::ranges::any_of(Points, [&](auto point) { return (face.*point).confidence == 1; });
 }
 
 Face Turned(Face face, const QTransform& turn) {

@@ -52,6 +52,9 @@ Face WithEyesInOrder(Face face);
 /// hair and skull above it.
 bool HasShapeOfFace(const Face& face);
 
+/// Whether somebody has put a point of it to its place: such a point is certain, a found one never.
+bool IsCorrected(const Face& face);
+
 /// With all points, in photo pixels, and the tilt after a turn of the photo.
 Face Turned(Face face, const QTransform& turn);
 

@@ -240,6 +240,21 @@ TEST_F(FaceStory, CorrectedPointsTurnWithThePhotoAndKeepTheirSides) {
     EXPECT_NEAR(height(), corrected, 8) << "of the chin that was corrected";
 }
 
+TEST_F(FaceStory, DraggingPointsEndsOtherToolsOfTheMouse) {
+    Trigger(u"acShowCheck"_s);
+    Trigger(u"acBeauty"_s);
+    Trigger(u"acAlignToFace"_s);
+    EXPECT_TRUE(Child<QLabel>(*window, "StatusNotice").text().contains(u"Stempel"_s));
+    Trigger(u"acBeauty"_s);
+    for (const auto& mode : {u"acBeauty"_s, u"acSetWhitePoint"_s}) {
+        Trigger(mode);
+        ClickButton(*window, "MovePoints");
+        EXPECT_FALSE(IsChecked(mode));
+        ClickButton(*window, "MovePoints");
+        EXPECT_TRUE(window->View().Tool() == nullptr && Image().LayerAt(1).visible);
+    }
+}
+
 TEST_F(FaceStory, ADraggedPointMovesTheLinesAndTheReportIsPrinted) {
     AwaitProposal();
     Trigger(u"acAlignToFace"_s);
