@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -246,6 +247,10 @@ void RequireSoundJpegs(TIFF* tiff, const ReadTask& task) {
     const qint64 width = layout.isTiled ? FieldOf<quint32>(tiff, TIFFTAG_TILEWIDTH) : layout.width;
     const qint64 height = layout.isTiled ? FieldOf<quint32>(tiff, TIFFTAG_TILELENGTH) : rows;
     const quint32 count = layout.isTiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    constexpr quint32 MostPlaces = 100'000;  // each takes ten microseconds
+    if (count > MostPlaces) {
+        task.Fail(u"Diese Art von TIFF-Datei wird nicht unterstützt."_s);
+    }
     std::vector<quint64> places(count);
     for (quint32 i = 0; i < count; ++i) {
         places[i] = TIFFGetStrileOffset(tiff, i);
@@ -258,8 +263,14 @@ void RequireSoundJpegs(TIFF* tiff, const ReadTask& task) {
         if (std::cmp_greater_equal(place, task.Device().size())) {
             continue;  // there is none
         }
-        task.Device().seek(static_cast<qint64>(place));
-        const auto header = ReadJpegHeader(task.Device().read(most));
+        constexpr qint64 UsualHeader = 1200;
+        std::optional<JpegHeader> header;
+        for (const qint64 bytes : {UsualHeader, most}) {
+            if (!header) {
+                task.Device().seek(static_cast<qint64>(place));
+                header = ReadJpegHeader(task.Device().read(bytes));
+            }
+        }
         if (!header) {
             task.Fail(DamagedOrIncompleteFileReason());
         }
@@ -269,11 +280,13 @@ void RequireSoundJpegs(TIFF* tiff, const ReadTask& task) {
     }
 }
 
-/// What the plug-in takes beside the result: a strip or tile, and pixels of more bits.
+/// What the plug-in takes beside the result: a strip or tile, of each plane where they lie apart,
+/// and pixels of more bits.
 qint64 PluginBytesBeside(TIFF* tiff, const TiffLayout& layout) {
     const bool keepsBits = layout.IsGrey() || layout.photometry == PHOTOMETRIC_RGB;
     const int perPixel = layout.bits <= 8 || !keepsBits ? 1 : layout.bits <= 16 ? 12 : 20;
-    return (layout.isTiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff)) + layout.Pixels() * perPixel;
+    const qint64 place = layout.isTiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
+    return place * (layout.areTogether ? 1 : layout.samples) + layout.Pixels() * perPixel;
 }
 
 }  // namespace

@@ -80,8 +80,9 @@ void DecodingHost::ExpectBeside(qint64 bytes, qint64 most) {
 
 /// A file may be another thing than its header says, but never larger.
 void DecodingHost::Bound() const {
-    /// What heaps reserve, and each thread: address space alone, as a rule.
-    const qint64 reserved = reservesMuch_ ? 200'000'000 : 100'000'000;
+    /// What heaps reserve, and each thread: address space alone, as a rule. The decoders of
+    /// cameras' formats reserve pictures that they do not touch, too.
+    const qint64 reserved = reservesMuch_ ? bytesBeside_ + 200'000'000 : 100'000'000;
     constexpr qint64 BytesAThread = 10'000'000;
     /// With what the process has from its beginning, and the program itself, 300 million.
     constexpr qint64 Least = 200'000'000;
