@@ -8,8 +8,8 @@ namespace kadrona::core {
 // document's row says anything of them (`published`), and what is found (`finish`).
 
 /// Whether the row is of a document: each wants a face in its picture, also those that publish no
-/// figures of it. Of a template of the user's own nothing is known, and nobody publishes anything of
-/// what is no document.
+/// figures of it. Of a template of the user's own nothing is known, and nobody publishes anything
+/// of what is no document.
 bool WantsAFace(const TemplateRow& row);
 
 PublishedBand FaceOfHead(const TemplateRow& row);
