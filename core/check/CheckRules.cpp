@@ -18,7 +18,8 @@ constexpr RuleSource OlderFaceImages{u"ISO/IEC 19794-5",
                                      u"ISO/IEC 19794-5:2011, 7.2.2 (zweite Hand)"};
 constexpr RuleSource TravelDocuments{u"ICAO Doc 9303-3", u"ICAO Doc 9303-3 (zweite Hand)"};
 constexpr RuleSource Several{u"zweite Hand", u"Augenabstand im Foto: mehrere, zweite Hand"};
-/// That is how far a colour may be from the chosen one; what is measured here is a spread.
+/// That is how far a colour may be from the chosen one. What is measured here is a standard
+/// deviation: colours that lie evenly within 14 units of a middle have 14 / sqrt(3).
 constexpr RuleSource OwnAfterTolerance{u"eigene Zahl",
                                        u"eigene Zahl nach der Toleranz eines öffentlichen "
                                        u"Prüfprogramms (14 bis 26 Einheiten CIE Lab)"};
@@ -321,7 +322,7 @@ constexpr auto Rules = std::to_array<CheckRule>({
      1,
      Behind<&Background::spread>,
      nullptr,
-     {{}, 14, OwnAfterTolerance},
+     {{}, 8, OwnAfterTolerance},
      nullptr},
     {u"backgroundLightness",
      u"Hintergrund hell genug",
