@@ -256,7 +256,7 @@ void RequireSoundJpegs(TIFF* tiff, const ReadTask& task) {
         places[i] = TIFFGetStrileOffset(tiff, i);
     }
     std::ranges::sort(places);
-    places.erase(std::ranges::unique(places).begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
     const qint64 most =
         std::clamp<qint64>(BytesOfAllHeaders / std::max<quint32>(count, 1), 1 << 16, 1 << 24);
     for (const quint64 place : places) {

@@ -193,6 +193,11 @@ class HeifBoxReader {
         reader.Skip(3);
         const auto sizes = reader.Read<quint16>();
         const int indexBytes = version > 0 ? sizes & 15 : 0;
+        for (const int bytes : {sizes >> 12, sizes >> 8 & 15, sizes >> 4 & 15, indexBytes}) {
+            if (bytes != 0 && bytes != 4 && bytes != 8) {  // the library would read other places
+                throw platform::OutOfBytes();
+            }
+        }
         for (auto left = ReadNumber(reader, version > 1); left > 0; --left) {
             HeifItem& item = boxes_.items[ReadNumber(reader, version > 1)];
             const int method = version > 0 ? reader.Read<quint16>() & 15 : 0;

@@ -44,6 +44,9 @@ class DngReader {
 
     bool HasWholeData() {
         CollectDirectories();
+        if (directories_.size() >= MostDirectories) {
+            return false;  // there may be more, with anything in them
+        }
         const bool isDng = !directories_.empty() && directories_.front().contains(DngVersion);
         return std::ranges::all_of(directories_, [this, isDng](const Directory& directory) {
             return (!isDng || !IsOfSensor(directory) || IsWhole(directory)) &&
