@@ -290,9 +290,20 @@ Filing PhotoArchive::File(imaging::LayeredImage& image, const PhotoToFile& known
 
 QString PhotoArchive::WhyUnmounted(const QString& archiveFolder) {
     try {
-        return !IsAway() && Table() != nullptr && IsArchiveFolder(archiveFolder)
-                   ? core::WhyUnmounted(*database_, archiveFolder)
-                   : QString();
+        if (IsAway() || Table() == nullptr || !IsArchiveFolder(archiveFolder)) {
+            return {};
+        }
+        // Something else may lie where the drive belongs.
+        store::Statement newest(
+            *database_,
+            uR"(SELECT "ImgAblage" FROM "ImgDB" WHERE "ImgName" IS NOT NULL ORDER BY "ID" DESC LIMIT 1)"_s);
+        const QString month = newest.Step() ? newest.Text(0) : QString();
+        const QString reason = core::WhyUnmounted(*database_, archiveFolder);
+        return !reason.isEmpty() || QFileInfo(StoredFolderPath(archiveFolder, month)).isDir()
+                   ? reason
+                   : u"Im Ordner des Bildarchivs „%1“ fehlt „%2“, wo das neueste Foto liegt; ist "
+                     u"sein "
+                     u"Laufwerk verbunden?"_s.arg(archiveFolder, month);
     } catch (const store::ConnectionLost&) {
         return {};
     }

@@ -74,9 +74,9 @@ class PhotoArchive {
     /// the photo is put into the queue.
     Filing File(imaging::LayeredImage& image, const PhotoToFile& known);
 
-    /// What speaks against a folder as the archive's: it is empty, yet the database knows photos,
-    /// as where a drive or share is not connected. A sentence and a question; else empty, also
-    /// where the server is gone. Throws platform::Error.
+    /// What speaks against a folder as the archive's: it is empty, or without the newest photo's
+    /// folder, yet the database knows photos, as where a drive or share is not connected. A
+    /// sentence and a question; else empty, also where the server is gone. Throws platform::Error.
     QString WhyUnmounted(const QString& archiveFolder);
 
     /// The photos that wait, and the filing of one of them, in the month of its date; one that is

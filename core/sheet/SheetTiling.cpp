@@ -40,7 +40,7 @@ QString FilingFailure(imaging::LayeredImage& image, const PhotoToFile& photo,
         }
         // Beside an unconnected drive the photo would lie hidden below it. A new folder is empty
         // too.
-        const QString doubt = making.archive.WhyUnmounted(photo.archiveFolder);
+        QString doubt = making.archive.WhyUnmounted(photo.archiveFolder);
         if (!doubt.isEmpty() &&
             !making.ui.AskYesNo(doubt + u"\n\nSoll das Foto trotzdem dort abgelegt werden?"_s)) {
             return doubt;

@@ -11,7 +11,8 @@ QString SqliteReason(sqlite3* handle, int result) {
         return u"Die Datei wurde gelöscht, umbenannt oder verschoben"_s;
     }
     if (result == SQLITE_IOERR_SHMMAP) {
-        return u"Ein anderes Programm hat ein gemeinsames Änderungsprotokoll (WAL) eingeschaltet"_s;
+        return u"Ein anderes Programm hat ein gemeinsames Änderungsprotokoll (WAL) eingeschaltet. "
+               u"Beenden Sie jenes und starten Sie dieses neu"_s;
     }
     switch (result & 0xFF) {  // the low byte is the kind, the rest tells more about it
         case SQLITE_NOTADB:

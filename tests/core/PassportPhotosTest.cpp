@@ -142,6 +142,9 @@ TEST_F(PassportPhotos, AnEmptyFolderOfAnArchiveWithPhotosIsAskedAbout) {
     EXPECT_EQ(filedAnswering({false, false}), 1U);
     EXPECT_TRUE(ui.messages.last().contains(u"ist leer; ist sein Laufwerk verbunden?"_s));
     EXPECT_TRUE(QDir(folder).isEmpty());
+    ASSERT_TRUE(QDir(folder).mkdir(u"lost+found"_s));
+    EXPECT_EQ(filedAnswering({false, false}), 1U);
+    EXPECT_TRUE(ui.messages.last().contains(u"wo das neueste Foto liegt"_s));
     EXPECT_EQ(filedAnswering({true}), 2U) << "a new folder";
     EXPECT_EQ(filedAnswering({}), 3U);
 }
