@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "app/base/MainActions.h"
 #include "app/base/PhotoSession.h"
@@ -16,6 +17,12 @@
 using namespace Qt::StringLiterals;
 
 namespace kadrona::app {
+
+namespace {
+
+const QString NoFaceFound = u"Auf diesem Foto wurde kein Gesicht gefunden."_s;
+
+}  // namespace
 
 PlaceProposal::PlaceProposal(PhotoSession& session, PhotoFace& face, FaceOverlay& overlay,
                              const core::TData& data, const core::Settings& settings,
@@ -47,6 +54,7 @@ void PlaceProposal::FollowPhoto() {
     if (session_.Image().IsEmpty() || overlay_.IsProposing()) {
         offered_ = false;
     }
+    toldNone_ = false;
     End();
     if (IsWanted()) {
         face_.FindSoon();
@@ -75,6 +83,9 @@ void PlaceProposal::Offer() {
         return;
     }
     if (!face_.Search().face) {
+        if (face_.WasLookedFor() && !std::exchange(toldNone_, true)) {
+            overlay_.ShowRemark(NoFaceFound);
+        }
         return;
     }
     offered_ = true;
@@ -149,7 +160,7 @@ void PlaceProposal::acAlignToFaceExecute() {
         return;
     }
     if (!face_.Find()) {
-        ui_.ShowMessage(u"Auf diesem Foto wurde kein Gesicht gefunden."_s);
+        ui_.ShowMessage(NoFaceFound);
         return;
     }
     Take(Place());

@@ -55,7 +55,8 @@ class PlaceProposal : public QObject {
     const core::Settings& settings_;
     core::UserInterface& ui_;
     MainActions& actions_;
-    bool offered_ = false;  ///< once for each photo
+    bool offered_ = false;   ///< once for each photo
+    bool toldNone_ = false;  ///< that the photo as it is shows no face
 };
 
 }  // namespace kadrona::app

@@ -199,9 +199,12 @@ TEST_F(FaceStory, LevelsTheHeadByALineThatTheUserDraws) {
 
 TEST_F(FaceStory, APhotoThatLiesOnItsSideIsOfferedAPlaceOnceItIsTurned) {
     Image().ChangePhoto(imaging::Pixels(DrawnPortrait().transformed(QTransform().rotate(90))));
-    EXPECT_FALSE(QTest::qWaitFor([this] { return Proposal().isVisible(); }, 800));
-    Trigger(u"acRotateLeft"_s);
     AwaitProposal();
+    EXPECT_TRUE(Child<QLabel>(Proposal(), "ProposalText").text().contains(u"kein Gesicht"_s));
+    const auto& accept = Child<QPushButton>(*window, "AcceptProposal");
+    EXPECT_FALSE(accept.isVisible());
+    Trigger(u"acRotateLeft"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return accept.isVisible(); }, 5000));
 }
 
 TEST_F(FaceStory, CorrectedPointsTurnWithThePhotoAndKeepTheirSides) {
