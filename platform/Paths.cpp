@@ -119,6 +119,18 @@ bool IsFile(const QString& path) {
         u"Die Datei „%1“ konnte nicht gelesen werden: %2."_s.arg(path, SystemReason(errno)));
 }
 
+bool IsFolder(const QString& path) {
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) == 0) {
+        return S_ISDIR(status.st_mode);
+    }
+    if (errno == ENOENT || errno == ENOTDIR) {
+        return false;
+    }
+    throw FileError(
+        u"Der Ordner „%1“ konnte nicht gelesen werden: %2."_s.arg(path, SystemReason(errno)));
+}
+
 bool CreateFolder(const QString& path) {
     return MakeFolder(path) == 0;
 }

@@ -36,6 +36,9 @@ QString RuntimeFolder();
 /// up: what may be there must not be taken for missing.
 bool IsFile(const QString& path);
 
+/// The same of a folder.
+bool IsFolder(const QString& path);
+
 /// Creates a folder with all missing parents, with the permissions of FileModes.h. True when it
 /// exists afterwards.
 bool CreateFolder(const QString& path);

@@ -299,7 +299,7 @@ QString PhotoArchive::WhyUnmounted(const QString& archiveFolder) {
             uR"(SELECT "ImgAblage" FROM "ImgDB" WHERE "ImgName" IS NOT NULL ORDER BY "ID" DESC LIMIT 1)"_s);
         const QString month = newest.Step() ? newest.Text(0) : QString();
         const QString reason = core::WhyUnmounted(*database_, archiveFolder);
-        return !reason.isEmpty() || QFileInfo(StoredFolderPath(archiveFolder, month)).isDir()
+        return !reason.isEmpty() || platform::IsFolder(StoredFolderPath(archiveFolder, month))
                    ? reason
                    : u"Im Ordner des Bildarchivs „%1“ fehlt „%2“, wo das neueste Foto liegt; ist "
                      u"sein "
