@@ -80,14 +80,14 @@ struct FaceCandidates {
 };
 
 FaceCandidates CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                            FaceWidths widths, const Cascades& cascades) {
+                            FaceWidths widths, int fewestVotes, const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
     const int smallest = std::max(24, static_cast<int>(widths.smallest * shorter));
     const int largest = static_cast<int>(widths.largest * shorter);
     FaceCandidates candidates;
-    for (const CascadeHit& hit : cascades.Find(Cascades::FrontalFace, turned.grey, smallest,
-                                               largest, FewestVotesIfConfirmed.back() - 1)) {
+    for (const CascadeHit& hit :
+         cascades.Find(Cascades::FrontalFace, turned.grey, smallest, largest, fewestVotes - 1)) {
         const double side = hit.box.width();
         const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
         const cv::Vec2d at = turned.back * eyes;
@@ -177,13 +177,15 @@ bool IsSure(const std::vector<SeenFace>& faces) {
 }
 
 /// The faces of the upright picture and, until one is sure, of the picture turned one way and the
-/// other: large ones first, for they are quickly found. Adds every candidate to `candidates`.
+/// other: large ones first, for they are quickly found. Adds every candidate to `candidates`, weak
+/// ones of the upright picture alone, for they take time.
 std::vector<SeenFace> FacesIn(const FacePhoto& photo, FaceCandidates& candidates,
                               const Cascades& cascades) {
     constexpr double Turn = 14;
     cv::Mat grey;
     cv::cvtColor(photo.Reduced(), grey, cv::COLOR_BGR2GRAY);
-    candidates = CandidatesAt(photo, grey, 0, {SmallestFace}, cascades);
+    candidates =
+        CandidatesAt(photo, grey, 0, {SmallestFace}, FewestVotesIfConfirmed.back(), cascades);
     std::vector<SeenFace> faces = WithEyes(photo, candidates, {}, cascades);
     // The widths overlap by the hits that a face gathers. Small tilted faces are none of a
     // portrait.
@@ -194,7 +196,8 @@ std::vector<SeenFace> FacesIn(const FacePhoto& photo, FaceCandidates& candidates
             if (IsSure(faces)) {
                 return faces;
             }
-            Merge(candidates, CandidatesAt(photo, grey, degrees, widths, cascades));
+            Merge(candidates,
+                  CandidatesAt(photo, grey, degrees, widths, FewestVotes.back(), cascades));
             faces = WithEyes(photo, candidates, faces, cascades);
         }
     }

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <opencv2/objdetect.hpp>
 
@@ -26,12 +25,12 @@ class CascadeOfOpenCv : public kadrona::imaging::Classifier {
     }
 
     /// Looks at every second size first. The sizes between, nearly half of the time, only add to
-    /// what is seen there: they are looked at near the sizes of hits.
+    /// what is seen there: they are looked at near the sizes of what a good part of the wanted hits
+    /// agree on.
     std::vector<CascadeHit> Find(const cv::Mat& grey, int smallest, int largest,
                                  int fewestVotes) override {
         std::vector<cv::Rect> boxes = Hits(grey, SizeStep * SizeStep, {smallest, largest});
-        std::vector<int> sizes;
-        std::ranges::transform(boxes, std::back_inserter(sizes), &cv::Rect::width);
+        const std::vector<int> sizes = SizesOfMoreThan(std::min(1, fewestVotes / 3), boxes);
         const double window = cascade_.getOriginalWindowSize().width;
         for (double scale = SizeStep; scale * window <= largest; scale *= SizeStep * SizeStep) {
             const int size = cvRound(scale * window);
@@ -66,6 +65,22 @@ class CascadeOfOpenCv : public kadrona::imaging::Classifier {
         cascade_.detectMultiScale(grey, boxes, step, 0, 0, cv::Size(sizes.smallest, sizes.smallest),
                                   cv::Size(sizes.largest, sizes.largest));
         return boxes;
+    }
+
+    /// Sizes of the boxes of which more than so many stand for one object.
+    static std::vector<int> SizesOfMoreThan(int count, const std::vector<cv::Rect>& boxes) {
+        if (boxes.empty()) {
+            return {};
+        }
+        std::vector<int> objects;
+        cv::partition(boxes, objects, cv::SimilarRects(MostApart));
+        std::vector<int> sizes;
+        for (size_t i = 0; i < boxes.size(); ++i) {
+            if (std::ranges::count(objects, objects[i]) > count) {
+                sizes.push_back(boxes[i].width);
+            }
+        }
+        return sizes;
     }
 
     static bool IsNearOneOf(const std::vector<int>& sizes, int size) {
