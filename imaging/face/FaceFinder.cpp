@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
+#include <utility>
 
 #include "imaging/face/ChinFinder.h"
 #include "imaging/face/CrownFinder.h"
@@ -71,31 +72,26 @@ struct FaceWidths {
     double smallest = 0;  ///< a search takes time by its inverse square
     double largest = 1;
 };
+constexpr FaceWidths LargeFaces{2.5 * SmallestFace, 1};
 
-/// Places that gathered votes, each once.
-struct FaceCandidates {
-    std::vector<FaceCandidate> strong;
-    /// Too weak to be a face by themselves, whatever their eyes.
-    std::vector<FaceCandidate> weak;
-};
-
-FaceCandidates CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
-                            FaceWidths widths, int fewestVotes, const Cascades& cascades) {
+std::vector<FaceCandidate> CandidatesAt(const FacePhoto& photo, const cv::Mat& grey, double degrees,
+                                        FaceWidths widths, int fewestVotes,
+                                        const Cascades& cascades) {
     const TurnedPicture turned = TurnedBy(grey, degrees);
     const int shorter = std::min(grey.cols, grey.rows);
     const int smallest = std::max(24, static_cast<int>(widths.smallest * shorter));
     const int largest = static_cast<int>(widths.largest * shorter);
-    FaceCandidates candidates;
+    std::vector<FaceCandidate> candidates;
     for (const CascadeHit& hit :
          cascades.Find(Cascades::FrontalFace, turned.grey, smallest, largest, fewestVotes - 1)) {
         const double side = hit.box.width();
         const cv::Vec3d eyes(hit.box.x() + side / 2, hit.box.y() + EyesBelowTop * side, 1);
         const cv::Vec2d at = turned.back * eyes;
         const double scale = photo.Reduction();
-        auto& those = hit.votes < FewestVotes.back() ? candidates.weak : candidates.strong;
-        those.push_back({{QPointF(at[0], at[1]) * scale, EyeDistanceInBox * side * scale, degrees},
-                         side * scale,
-                         hit.votes});
+        candidates.push_back(
+            {{QPointF(at[0], at[1]) * scale, EyeDistanceInBox * side * scale, degrees},
+             side * scale,
+             hit.votes});
     }
     return candidates;
 }
@@ -116,11 +112,6 @@ void Merge(std::vector<FaceCandidate>& all, const std::vector<FaceCandidate>& mo
             *same = candidate;
         }
     }
-}
-
-void Merge(FaceCandidates& all, const FaceCandidates& more) {
-    Merge(all.strong, more.strong);
-    Merge(all.weak, more.weak);
 }
 
 /// How much a face looks like the one that the photo was taken of: large and in the middle.
@@ -162,10 +153,10 @@ std::vector<FaceCandidate> MostProminent(const FacePhoto& photo,
 
 /// The candidates with their eyes, the most prominent first, as long as eyes are seen. `earlier` is
 /// what an earlier call gave.
-std::vector<SeenFace> WithEyes(const FacePhoto& photo, const FaceCandidates& candidates,
+std::vector<SeenFace> WithEyes(const FacePhoto& photo, const std::vector<FaceCandidate>& candidates,
                                const std::vector<SeenFace>& earlier, const Cascades& cascades) {
     std::vector<SeenFace> faces;
-    for (const FaceCandidate& candidate : MostProminent(photo, candidates.strong)) {
+    for (const FaceCandidate& candidate : MostProminent(photo, candidates)) {
         faces.push_back({candidate, EyesOf(photo, candidate, earlier, cascades)});
     }
     std::ranges::stable_sort(faces, std::greater(), IsLikely);
@@ -177,20 +168,17 @@ bool IsSure(const std::vector<SeenFace>& faces) {
 }
 
 /// The faces of the upright picture and, until one is sure, of the picture turned one way and the
-/// other: large ones first, for they are quickly found. Adds every candidate to `candidates`, weak
-/// ones of the upright picture alone, for they take time.
-std::vector<SeenFace> FacesIn(const FacePhoto& photo, FaceCandidates& candidates,
+/// other: large ones first, for they are quickly found. Adds every candidate to `candidates`.
+std::vector<SeenFace> FacesIn(const FacePhoto& photo, std::vector<FaceCandidate>& candidates,
                               const Cascades& cascades) {
     constexpr double Turn = 14;
     cv::Mat grey;
     cv::cvtColor(photo.Reduced(), grey, cv::COLOR_BGR2GRAY);
-    candidates =
-        CandidatesAt(photo, grey, 0, {SmallestFace}, FewestVotesIfConfirmed.back(), cascades);
+    candidates = CandidatesAt(photo, grey, 0, {SmallestFace}, FewestVotes.back(), cascades);
     std::vector<SeenFace> faces = WithEyes(photo, candidates, {}, cascades);
     // The widths overlap by the hits that a face gathers. Small tilted faces are none of a
     // portrait.
-    constexpr std::array Passes{FaceWidths{2.5 * SmallestFace, 1},
-                                FaceWidths{SmallestTiltedFace, 3.2 * SmallestFace}};
+    constexpr std::array Passes{LargeFaces, FaceWidths{SmallestTiltedFace, 3.2 * SmallestFace}};
     for (const FaceWidths& widths : Passes) {
         for (const double degrees : {Turn, -Turn}) {
             if (IsSure(faces)) {
@@ -218,14 +206,17 @@ bool IsConfirmed(const FacePhoto& photo, const FaceCandidate& candidate, const C
                 .empty();
 }
 
-/// Where nothing is likely by itself: the candidates that are confirmed, the most prominent first.
-std::vector<SeenFace> ConfirmedFaces(const FacePhoto& photo, const FaceCandidates& candidates,
+/// Where nothing is likely by itself: the candidates, and weaker ones of the upright picture, that
+/// are confirmed, the most prominent first.
+std::vector<SeenFace> ConfirmedFaces(const FacePhoto& photo, std::vector<FaceCandidate> candidates,
                                      const std::vector<SeenFace>& earlier,
                                      const Cascades& cascades) {
-    std::vector<FaceCandidate> all = candidates.strong;
-    Merge(all, candidates.weak);
+    cv::Mat grey;
+    cv::cvtColor(photo.Reduced(), grey, cv::COLOR_BGR2GRAY);
+    Merge(candidates,
+          CandidatesAt(photo, grey, 0, LargeFaces, FewestVotesIfConfirmed.back(), cascades));
     std::vector<SeenFace> faces;
-    for (const FaceCandidate& candidate : MostProminent(photo, all)) {
+    for (const FaceCandidate& candidate : MostProminent(photo, std::move(candidates))) {
         if (!IsConfirmed(photo, candidate, cascades)) {
             continue;
         }
@@ -306,9 +297,9 @@ FaceSearch Searched(const Pixels& photo, const Cascades& cascades) {
     if (std::min(facePhoto.Reduced().cols, facePhoto.Reduced().rows) < SmallestSide) {
         return {};
     }
-    FaceCandidates candidates;
+    std::vector<FaceCandidate> candidates;
     std::vector<SeenFace> faces = FacesIn(facePhoto, candidates, cascades);
-    int count = CountOf(faces, candidates.strong);
+    int count = CountOf(faces, candidates);
     if (faces.empty() || !IsLikely(faces.front())) {
         faces = ConfirmedFaces(facePhoto, candidates, faces, cascades);
         count = static_cast<int>(faces.size());

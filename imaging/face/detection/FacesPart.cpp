@@ -30,7 +30,7 @@ class CascadeOfOpenCv : public kadrona::imaging::Classifier {
     std::vector<CascadeHit> Find(const cv::Mat& grey, int smallest, int largest,
                                  int fewestVotes) override {
         std::vector<cv::Rect> boxes = Hits(grey, SizeStep * SizeStep, {smallest, largest});
-        const std::vector<int> sizes = SizesOfMoreThan(std::min(1, fewestVotes / 3), boxes);
+        const std::vector<int> sizes = SizesOfMoreThan(fewestVotes / 4, boxes);
         const double window = cascade_.getOriginalWindowSize().width;
         for (double scale = SizeStep; scale * window <= largest; scale *= SizeStep * SizeStep) {
             const int size = cvRound(scale * window);
