@@ -260,8 +260,8 @@ void OpenActions::ChooseTemplate() {
         if (data_.MaskLoadFromFile(data_.GetMaskFileName(row))) {
             session_.SetTemplateName(data_.GetSchablonenList().value(row));
             data_.DrawMask(session_.Image());
-            if (const QString notice = PaperNotice(data_, row); !notice.isEmpty()) {
-                Q_EMIT actions_.Succeeded(notice.section(u':', 0, 0));
+            if (!PaperNotice(data_, row).isEmpty()) {
+                Q_EMIT actions_.Succeeded(u"Auf Papier nicht mehr angenommen"_s);
             }
         }
     });
